@@ -1,0 +1,27 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+# The libraries we build on. Their Debian packages stand in packages.txt.
+
+find_package(Qt5 5.15 REQUIRED COMPONENTS Core Gui Widgets Xml Svg)
+find_package(Eigen3 3.4 REQUIRED NO_MODULE)
+find_package(TIFF REQUIRED)
+find_package(Threads REQUIRED)
+if(ORV_PARALLEL STREQUAL "tbb")
+  find_package(TBB REQUIRED)
+endif()
+
+# Debian's core and imgproc packages bring no CMake configuration of their own.
+find_path(OPENCV_INCLUDE_DIR opencv2/core.hpp PATH_SUFFIXES opencv4 REQUIRED)
+find_library(OPENCV_CORE_LIBRARY opencv_core REQUIRED)
+find_library(OPENCV_IMGPROC_LIBRARY opencv_imgproc REQUIRED)
+add_library(opencv_minimal INTERFACE)
+target_include_directories(opencv_minimal SYSTEM INTERFACE ${OPENCV_INCLUDE_DIR})
+target_link_libraries(opencv_minimal INTERFACE ${OPENCV_IMGPROC_LIBRARY} ${OPENCV_CORE_LIBRARY})
+
+if(ORV_TESTS)
+  find_package(GTest REQUIRED)
+  find_package(rapidcheck REQUIRED)
+  find_package(Qt5 5.15 REQUIRED COMPONENTS Test)
+endif()
+if(ORV_BENCH)
+  find_package(benchmark REQUIRED)
+endif()

@@ -1,0 +1,39 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+# Compiler flags shared by every target.
+
+if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
+  set(CMAKE_BUILD_TYPE Release CACHE STRING "" FORCE)
+endif()
+
+# NDEBUG is left undefined on purpose: contract assertions stay on in every build type.
+set(CMAKE_CXX_FLAGS_RELEASE "-O2")
+set(CMAKE_CXX_FLAGS_DEBUG "-O0 -g")
+set(CMAKE_CXX_FLAGS_RELWITHDEBINFO "-O2 -g")
+
+if(ORV_ARCH)
+  add_compile_options(-march=${ORV_ARCH})
+endif()
+
+add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wconversion)
+if(ORV_WERROR)
+  add_compile_options(-Werror)
+endif()
+if(ORV_SANITIZE)
+  add_compile_options(-fsanitize=${ORV_SANITIZE} -fno-omit-frame-pointer -g1)
+  add_link_options(-fsanitize=${ORV_SANITIZE})
+endif()
+
+# oneTBB's headers use the word "emit"; Qt's keywords are spelled Q_SIGNALS, Q_SLOTS, Q_EMIT throughout.
+add_compile_definitions(QT_NO_KEYWORDS QT_DEPRECATED_WARNINGS QT_DISABLE_DEPRECATED_BEFORE=0x050F00)
+
+# Reports name files relative to the root (XTNT/xtnt_matrix.h), whichever way the header was reached.
+add_compile_options(-ffile-prefix-map=${CMAKE_SOURCE_DIR}/=)
+
+find_program(CCACHE_PROGRAM ccache)
+if(CCACHE_PROGRAM)
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE_PROGRAM})
+endif()
+
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib)
+set(CMAKE_INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}:$ORIGIN")

@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <vector>
+
+// Counts of an image's values in bins of equal width.
+class CILHistogram
+{
+public:
+    void setMaxBins(unsigned long long bins) { m_nBins = bins < 1 ? 1 : bins; }
+    void setImageMin(double minimum) { m_dMin = minimum; }
+    void setImageMax(double maximum) { m_dMax = maximum; }
+    unsigned long long maxBins() const { return m_nBins; }
+    double imageMin() const { return m_dMin; }
+    double imageMax() const { return m_dMax; }
+
+    // Empties the bins.
+    void reset();
+    // Adds a value; below the minimum it falls into the first bin, above the maximum into the last. NaNs do not count.
+    void add(double value);
+
+    const std::vector<double>& bins() const { return m_counts; }
+    std::vector<double>& bins() { return m_counts; }
+
+    // Running sums of the bins, into `out` or, with null, in place.
+    void integrate(CILHistogram* out);
+    // Of an integrated histogram: the first bin whose sum reaches `count`; the last bin when none does.
+    int findLevel(float count) const;
+
+private:
+    unsigned long long m_nBins = 256;
+    double m_dMin = 0.0;
+    double m_dMax = 0.0;
+    std::vector<double> m_counts;
+};

@@ -1,0 +1,87 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "host/CILImageBase.h"
+#include "host/CILPalette.h"
+
+#include <QImage>
+
+class CILHistogram;
+
+// An image with its arithmetic and its way of being shown. Value semantics: copies share nothing.
+class CILImage : public CILImageBase
+{
+public:
+    CILImage() = default;
+    CILImage(const CILImage&) = default;
+    CILImage& operator=(const CILImage&) = default;
+    CILImage(CILImage&&) noexcept = default;
+    CILImage& operator=(CILImage&&) noexcept = default;
+    ~CILImage() override;
+
+    // Converts the pixels in place; to an integer type by rounding to nearest and limiting to its range (NaN gives 0).
+    EILSTATUS ChangeType(ORVDataTypes type);
+
+    // Writes to `out` a version at the given binning, of the same type but at least float where sums can overflow: to a
+    // coarser binning by summing the pixels that fall into a new one (partial pixels by area), to a finer one by sharing
+    // a pixel's content evenly, so that the sum over the image stays. Both sides become
+    // floor(side x own binning / binning). Fails on an empty image or a binning below 1.
+    EILSTATUS changeBinning(int binning, CILImage& out) const;
+
+    // Resample in place to exactly w x h; values stay densities. The binning follows the width.
+    EILSTATUS upSample(int w, int h, IL_RESAMPLEMODES mode);
+    EILSTATUS downSample(int w, int h, IL_RESAMPLEMODES mode);
+
+    // Pixelwise; the result has this image's type. An operand of another size leaves the image as it is and gives false
+    // from lastOperationOk().
+    CILImage& operator*=(const CILImage& other);
+    CILImage& operator/=(const CILImage& other);
+    CILImage& operator/=(double divisor);
+    bool lastOperationOk() const { return m_bLastOk; }
+
+    void setConstData(double value);
+
+    // `out` becomes a byte image: 1 where the pixel is above `level`, else 0.
+    EILSTATUS Threshold(float level, CILImage& out) const;
+    // Morphology with a square kernel of side `kernel` (odd; an even one counts as the next), `count` times. Beyond the
+    // border nothing is added or taken away.
+    EILSTATUS Dilate(int kernel, int count);
+    EILSTATUS Erode(int kernel, int count);
+
+    // Recomputes m_dMin and m_dMax from the finite pixels; an image without any gets 0 and 0.
+    void RefreshImageStats();
+    double Min() const { return m_dMin; }
+    double Max() const { return m_dMax; }
+    double getMin() const { return m_dMin; }
+    double getMax() const { return m_dMax; }
+    // Counts the pixels into the histogram's bins between its image minimum and maximum.
+    void Histogram(CILHistogram& histogram) const;
+
+    // How the image is shown: 0x1907 three colours, 0x1908 four (with the palette's alpha), 0x1909 grey.
+    void setGLFormat(unsigned format) { m_nGLFormat = format; }
+    unsigned getGLFormat() const { return m_nGLFormat; }
+    CILPalette* getPalette() { return &m_palette; }
+    const CILPalette* getPalette() const { return &m_palette; }
+    void setColorTable(int index);
+    // A table of `steps` colours from black to (red, green, blue), each 0 to 1.
+    void setCustomColorTable(int steps, double red, double green, double blue);
+    // Scales the shown colours so that the brightest channel reaches `level`; the pixels stay.
+    void AdjustRGBBrightness(unsigned char level) { m_nBrightness = level; }
+    // The picture: pixels through the palette, in QImage::Format_ARGB32. An image that holds a colour picture (a blend, a
+    // colour photograph) gives that.
+    QImage toQImage() const;
+    // Makes the image show a colour picture; the pixels become its grey values (bytes).
+    void setRGBImage(const QImage& picture);
+    bool isRGB() const { return !m_rgb.isNull(); }
+
+    // Writes the pixels as TIFF in their own type (32 bit integers, floats and doubles included), by way of a temporary
+    // file beside the target. Non-zero on failure, the target is then as it was.
+    EILSTATUS saveAsTIFF(const char* path) const;
+
+protected:
+    CILPalette m_palette;
+    unsigned m_nGLFormat = 0x1909;
+    unsigned char m_nBrightness = 0; // 0: as it is
+    QImage m_rgb;
+    bool m_bLastOk = true;
+};

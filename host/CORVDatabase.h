@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <QVector>
+
+// A source's spectrum: n wavelengths in nm, ascending, with an intensity each.
+struct sSourceSpecFileParameters
+{
+    int n = 0;
+    QVector<double> wavelength;
+    QVector<double> intensity;
+};
+
+// A tissue's optical properties at n wavelengths in nm, ascending; absorption and reduced scattering in 1/cm.
+struct sTissuePropFileParameters
+{
+    int n = 0;
+    QVector<double> wavelength;
+    QVector<double> absorption;
+    QVector<double> scattering;
+};
+
+// The response of a colour sensor at n wavelengths in nm, ascending; channels 0 to 1.
+struct sColorSensorRGBspecFileParameters
+{
+    int n = 0;
+    QVector<double> wavelength;
+    QVector<double> red;
+    QVector<double> green;
+    QVector<double> blue;
+};
+
+// The host's read-only database of sources, tissues, sensors and isotopes: CSV tables installed with the program, to which
+// tables of the same form in the user's data folder add (a user's entry of the same name wins). Read once, on first use.
+class CORVDatabase
+{
+public:
+    // Names of luminescent sources, of fluorescent library sources (with their suffix "Em" or "Ex"), and of radioactive
+    // sources, sorted by insensitiveLessThan.
+    static QStringList getSourceList();
+    static QStringList getLIBSourceList();
+    static QStringList getRADSourceList();
+
+    // A source by its exact name; false when it is absent, the record is then empty.
+    static bool readSource(const QString& strName, sSourceSpecFileParameters* pSource);
+    static bool readLIBSource(const QString& strName, sSourceSpecFileParameters* pSource);
+    static bool readRADSource(const QString& strName, sSourceSpecFileParameters* pSource);
+    static bool readOpticalProperty(const QString& strTissue, sTissuePropFileParameters* pTissue);
+    static bool readColorResponse(const QString& strSensor, sColorSensorRGBspecFileParameters* pResponse);
+
+    // Half life in seconds by the isotope's name, without regard to case; 0 for "Undefined" and for an unknown name.
+    static double getCherenkovRADHalflife(const QString& strIsotope);
+    // Every isotope that the database knows, "Undefined" first.
+    static QStringList isotopeList();
+
+    static bool insensitiveLessThan(const QString& strA, const QString& strB);
+
+    // What was wrong in the tables, a line each with file and place; the rest of a table still serves.
+    static QStringList problems();
+    // Forgets all tables; the next call reads them anew.
+    static void reload();
+};

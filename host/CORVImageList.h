@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "host/CORVImageDetails.h"
+
+#include <QList>
+
+// The images of a dataset by type.
+class CORVImageList
+{
+public:
+    // Owned by the list; null when the dataset has no image of that type.
+    CORVImageDetails* getImage(tag_eimagetype eType);
+    const CORVImageDetails* getImage(tag_eimagetype eType) const;
+    void add(const CORVImageDetails& details);
+    int count() const { return m_images.size(); }
+
+private:
+    QList<CORVImageDetails> m_images;
+};

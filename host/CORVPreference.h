@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QSettings>
+#include <QString>
+#include <QStringList>
+
+class CORVPreferenceSignals;
+
+// The host's preferences.
+class CORVPreference
+{
+public:
+    // Version of the application, as results state it.
+    static QString getAppVersion();
+    // The user's settings, kept in an INI file of the user's base folder. Owned by the preferences.
+    static QSettings* getSettings();
+    static CORVPreferenceSignals* getSignalHandler();
+    // True while the sequence (null: any) is being loaded.
+    static bool isSequenceLoading(const void* pSequence);
+    static void setSequenceLoading(const void* pSequence, bool bLoading);
+    // Puts the filter of the user's preferred format first.
+    static void modifySaveFilterListByPreference(QStringList& filters);
+    // The suffix of a picture format, such as "png", without regard to case.
+    static void setUsersPreferredFormat(const QString& strSuffix);
+    static QString usersPreferredFormat();
+};
