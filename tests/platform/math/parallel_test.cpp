@@ -1,0 +1,289 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "XTNT/xtnt_parallel.h"
+
+#include <QThread>
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <cmath>
+#include <functional>
+#include <mutex>
+#include <set>
+#include <utility>
+#include <vector>
+
+#include <pthread.h>
+
+using XTNT::cancellationPoint;
+using XTNT::parallelChunks;
+using XTNT::setThreadCount;
+using XTNT::threadCount;
+
+namespace {
+
+// Puts the default number of threads back at the end of a test.
+class ParallelTest : public ::testing::Test
+{
+protected:
+    void TearDown() override { setThreadCount(0); }
+};
+
+std::vector<double> partialSums(long long count, long long grain, int threads)
+{
+    setThreadCount(threads);
+    std::vector<double> sums(static_cast<std::size_t>((count + grain - 1) / grain), 0.0);
+    parallelChunks(count, grain, [&](long long begin, long long end) {
+        double sum = 0;
+        for (long long i = begin; i < end; ++i)
+            sum += std::sin(static_cast<double>(i)) / static_cast<double>(i + 1);
+        sums[static_cast<std::size_t>(begin / grain)] = sum;
+    });
+    return sums;
+}
+
+using Chunks = std::set<std::pair<long long, long long>>;
+
+Chunks chunksOf(long long count, long long grain)
+{
+    Chunks chunks;
+    std::mutex mutex;
+    parallelChunks(count, grain, [&](long long begin, long long end) {
+        const std::lock_guard<std::mutex> lock(mutex);
+        EXPECT_TRUE(chunks.insert({begin, end}).second);
+    });
+    return chunks;
+}
+
+void spin(std::chrono::microseconds time)
+{
+    const auto end = std::chrono::steady_clock::now() + time;
+    while (std::chrono::steady_clock::now() < end) {
+    }
+}
+
+// What a pass that is cancelled in the middle leaves behind.
+struct Interrupted
+{
+    std::function<void(Interrupted&)> pass;
+    std::atomic<bool> started{false};
+    std::atomic<bool> destructorRan{false};
+    std::atomic<bool> cameBack{false};
+    std::atomic<long long> chunksDone{0};
+    std::atomic<int> inside{0};
+    std::atomic<int> insideAfterwards{-1};
+};
+
+class Witness
+{
+public:
+    explicit Witness(Interrupted& record) : m_record(record), m_heap(1000, 1.0) {}
+    ~Witness()
+    {
+        m_record.insideAfterwards = m_record.inside.load();
+        m_record.destructorRan = m_heap.size() == 1000;
+    }
+
+private:
+    Interrupted& m_record;
+    std::vector<double> m_heap;
+};
+
+void* runInterrupted(void* argument)
+{
+    Interrupted& record = *static_cast<Interrupted*>(argument);
+    int former = 0;
+    pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &former);
+    const Witness witness(record);
+    record.pass(record);
+    record.cameBack = true;
+    return nullptr;
+}
+
+// 20,000 chunks of 200 us: seconds of work, of which the test waits for a few hundredths.
+void longPass(Interrupted& record)
+{
+    parallelChunks(20000, 1, [&record](long long, long long) {
+        ++record.inside;
+        record.started = true;
+        spin(std::chrono::microseconds(200));
+        ++record.chunksDone;
+        --record.inside;
+    });
+}
+
+void* cancelWhenStarted(Interrupted& record)
+{
+    pthread_t thread{};
+    EXPECT_EQ(0, pthread_create(&thread, nullptr, &runInterrupted, &record));
+    while (!record.started)
+        spin(std::chrono::microseconds(50));
+    EXPECT_EQ(0, pthread_cancel(thread));
+    void* result = nullptr;
+    EXPECT_EQ(0, pthread_join(thread, &result));
+    return result;
+}
+
+} // namespace
+
+TEST_F(ParallelTest, PartialSumsHaveTheSameBitsForAnyNumberOfThreads)
+{
+    const std::vector<double> one = partialSums(100003, 97, 1);
+    EXPECT_EQ(one, partialSums(100003, 97, 2));
+    EXPECT_EQ(one, partialSums(100003, 97, 4));
+}
+
+TEST_F(ParallelTest, EveryIndexIsVisitedOnceAndTheLastChunkIsShorter)
+{
+    for (int threads : {1, 2, 3, 8}) {
+        setThreadCount(threads);
+        EXPECT_EQ((Chunks{{0, 4}, {4, 8}, {8, 10}}), chunksOf(10, 4)) << threads;
+        EXPECT_EQ((Chunks{{0, 5}}), chunksOf(5, 1000)) << threads;
+        EXPECT_EQ((Chunks{{0, 1}}), chunksOf(1, 1)) << threads;
+        EXPECT_EQ(5000u, chunksOf(10000, 2).size()) << threads;
+    }
+}
+
+TEST_F(ParallelTest, CountBelowOneDoesNothing)
+{
+    EXPECT_TRUE(chunksOf(0, 8).empty());
+    EXPECT_TRUE(chunksOf(-3, 8).empty());
+}
+
+TEST_F(ParallelTest, GrainBelowOneCountsAsOne)
+{
+    EXPECT_EQ((Chunks{{0, 1}, {1, 2}, {2, 3}}), chunksOf(3, 0));
+    EXPECT_EQ((Chunks{{0, 1}, {1, 2}, {2, 3}}), chunksOf(3, -5));
+}
+
+TEST_F(ParallelTest, GrainAsLargeAsItGetsDoesNotOverflow)
+{
+    const long long largest = 0x7fffffffffffffffLL;
+    EXPECT_EQ((Chunks{{0, 7}}), chunksOf(7, largest));
+}
+
+TEST_F(ParallelTest, ThreadCountBelowOneRestoresTheDefault)
+{
+    setThreadCount(0);
+    const int standard = threadCount();
+    EXPECT_GE(standard, 1);
+    setThreadCount(7);
+    EXPECT_EQ(7, threadCount());
+    setThreadCount(-1);
+    EXPECT_EQ(standard, threadCount());
+}
+
+TEST_F(ParallelTest, TwoThreadsWorkAtTheSameTime)
+{
+    setThreadCount(2);
+    // The first chunk ends only when the second has begun: on one thread this would never end.
+    std::atomic<int> begun{0};
+    parallelChunks(2, 1, [&](long long, long long) {
+        ++begun;
+        const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+        while (begun < 2 && std::chrono::steady_clock::now() < limit)
+            spin(std::chrono::microseconds(10));
+    });
+    EXPECT_EQ(2, begun);
+}
+
+TEST_F(ParallelTest, CancelledThreadUnwindsBetweenSlicesAndThePoolWorksAfterwards)
+{
+    const std::vector<double> expected = partialSums(10007, 13, 1);
+    for (int threads : {1, 2, 4}) {
+        setThreadCount(threads);
+        Interrupted record;
+        record.pass = longPass;
+        EXPECT_EQ(PTHREAD_CANCELED, cancelWhenStarted(record)) << threads;
+        EXPECT_TRUE(record.destructorRan) << threads;
+        EXPECT_FALSE(record.cameBack) << threads;
+        EXPECT_EQ(0, record.insideAfterwards) << "no chunk may run when the caller's frames go";
+        EXPECT_LT(record.chunksDone, 20000) << threads;
+        EXPECT_EQ(expected, partialSums(10007, 13, threads)) << threads;
+    }
+}
+
+TEST_F(ParallelTest, ManyCancelledPassesLeaveThePoolUsable)
+{
+    setThreadCount(2);
+    for (int round = 0; round < 50; ++round) {
+        Interrupted record;
+        record.pass = longPass;
+        ASSERT_EQ(PTHREAD_CANCELED, cancelWhenStarted(record));
+        ASSERT_TRUE(record.destructorRan);
+    }
+    EXPECT_EQ(partialSums(1000, 7, 1), partialSums(1000, 7, 2));
+}
+
+TEST_F(ParallelTest, TerminatedQThreadWithTerminationDisabledEndsAtACancellationPoint)
+{
+    class Worker : public QThread
+    {
+    public:
+        std::atomic<bool> started{false};
+
+    protected:
+        void run() override
+        {
+            setTerminationEnabled(false);
+            for (;;) {
+                parallelChunks(100, 1, [this](long long, long long) {
+                    started = true;
+                    spin(std::chrono::microseconds(20));
+                });
+            }
+        }
+    };
+    Worker worker;
+    worker.start();
+    while (!worker.started)
+        QThread::usleep(100);
+    worker.terminate();
+    EXPECT_TRUE(worker.wait(60000));
+    EXPECT_FALSE(worker.isRunning());
+}
+
+TEST_F(ParallelTest, ThreadThatWasNotCancelledPassesACancellationPointUnchanged)
+{
+    int state = -1;
+    cancellationPoint();
+    pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &state);
+    EXPECT_EQ(PTHREAD_CANCEL_ENABLE, state);
+    cancellationPoint();
+    pthread_setcancelstate(PTHREAD_CANCEL_ENABLE, &state);
+    EXPECT_EQ(PTHREAD_CANCEL_DISABLE, state) << "the caller's own state comes back";
+}
+
+TEST_F(ParallelTest, PassLeavesTheCallersCancelStateAsItWas)
+{
+    int state = -1;
+    parallelChunks(100, 1, [](long long, long long) {});
+    pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &state);
+    EXPECT_EQ(PTHREAD_CANCEL_ENABLE, state);
+    parallelChunks(100, 1, [](long long, long long) {});
+    pthread_setcancelstate(PTHREAD_CANCEL_ENABLE, &state);
+    EXPECT_EQ(PTHREAD_CANCEL_DISABLE, state);
+}
+
+TEST(ParallelDeathTest, NestedPassIsAContractViolation)
+{
+    ::testing::FLAGS_gtest_death_test_style = "threadsafe";
+    EXPECT_DEATH(
+        {
+            setThreadCount(1);
+            parallelChunks(1, 1, [](long long, long long) { parallelChunks(1, 1, [](long long, long long) {}); });
+        },
+        "parallel.cpp.*!insideBody");
+}
+
+TEST(ParallelDeathTest, CancellationPointInsideABodyIsAContractViolation)
+{
+    ::testing::FLAGS_gtest_death_test_style = "threadsafe";
+    EXPECT_DEATH(
+        {
+            setThreadCount(1);
+            parallelChunks(1, 1, [](long long, long long) { cancellationPoint(); });
+        },
+        "parallel.cpp.*!insideBody");
+}
