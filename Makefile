@@ -1,0 +1,63 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+# Thin wrappers; the build itself is CMake's (CMakePresets.json).
+PRESET ?= release
+JOBS ?= 2
+PREFIX ?= $(CURDIR)/build/install
+BUILD = build/$(PRESET)
+export QT_QPA_PLATFORM ?= offscreen
+
+.PHONY: all deps configure build demo test bench sanitize tsan fuzz format format-check tidy install clean
+
+all: build
+
+deps:
+	@scripts/install-packages.sh
+
+configure: deps
+	@cmake --preset $(PRESET) --log-level=WARNING
+
+build: configure
+	@cmake --build $(BUILD) -j$(JOBS)
+
+demo: configure
+	@cmake --build $(BUILD) -j$(JOBS) --target spum
+	@scripts/demo.sh $(BUILD)/bin/spum demo
+
+test: build
+	@ctest --test-dir $(BUILD) --output-on-failure
+
+# Recorded, never asserted on: docs/performance.md says how to read the figures.
+bench: build
+	@scripts/bench.sh $(BUILD)/bench
+
+sanitize: deps
+	@cmake --preset asan --log-level=WARNING
+	@cmake --build build/asan -j$(JOBS)
+	@scripts/run-sanitized.sh build/asan
+
+tsan: deps
+	@cmake --preset tsan --log-level=WARNING
+	@cmake --build build/tsan -j$(JOBS) --target test_math test_xtnt test_engine
+	@TSAN_OPTIONS="suppressions=$(CURDIR)/tests/tsan.supp halt_on_error=1" ctest --test-dir build/tsan --output-on-failure -R 'test_(math|xtnt|engine)'
+
+fuzz: deps
+	@cmake --preset fuzz --log-level=WARNING
+	@cmake --build build/fuzz -j$(JOBS) --target fuzzers
+	@scripts/fuzz.sh build/fuzz/fuzz 60
+
+format: deps
+	@git ls-files '*.h' '*.cpp' | xargs clang-format -i
+
+format-check: deps
+	@git ls-files '*.h' '*.cpp' | xargs clang-format --dry-run -Werror
+
+tidy: configure
+	@git ls-files '*.cpp' | grep -v '^tests/\|^fuzz/\|^bench/' | xargs -P $(JOBS) -n 4 clang-tidy -p $(BUILD) --quiet
+
+install: configure
+	@cmake --build $(BUILD) -j$(JOBS)
+	@cmake --install $(BUILD) --prefix "$(PREFIX)" >/dev/null
+	@echo "Installed below $(PREFIX); start $(PREFIX)/bin/spum"
+
+clean:
+	@rm -rf build demo

@@ -1,0 +1,137 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The rooms of the house lie on floors; a file includes nothing of a room above its own.
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <optional>
+#include <regex>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+const fs::path root = ORV_SOURCE_DIR;
+
+// Rooms that stand on a floor. platform/ stands beside the house and is told below.
+const std::map<std::string, int> floors = {{"host", 1},   {"algorithms", 2}, {"spectra", 2}, {"windows", 3},
+                                           {"engine", 4}, {"storage", 5},    {"plugin", 6},  {"workbench", 7}};
+
+bool isContainer(const std::string& path)
+{
+    return path.rfind("XTNT/xtnt_", 0) == 0;
+}
+
+// The room's floor by a file's path from the root; nothing for a file outside the house.
+std::optional<int> floorOf(const std::string& path)
+{
+    const auto room = path.substr(0, path.find('/'));
+    if (room == "XTNT")
+        return isContainer(path) ? 0 : 2;
+    const auto found = floors.find(room);
+    if (found == floors.end())
+        return std::nullopt;
+    return found->second;
+}
+
+bool startsWith(const std::string& text, const std::string& head)
+{
+    return text.rfind(head, 0) == 0;
+}
+
+// What is wrong with `path` including `target`; an empty text when all is well.
+std::string complaint(const std::string& path, const std::string& target)
+{
+    const bool targetIsPlatform = startsWith(target, "platform/");
+    if (startsWith(path, "platform/")) {
+        const bool allowed = targetIsPlatform || startsWith(target, "host/") || isContainer(target) || !floorOf(target);
+        return allowed ? "" : "platform/ includes only host/, the containers and itself";
+    }
+    const auto own = floorOf(path);
+    if (!own)
+        return "";
+    if (targetIsPlatform)
+        return *own == 7 ? "" : "only workbench/ and tests include platform/";
+    const auto other = floorOf(target);
+    if (other && *other > *own)
+        return "a room above its own";
+    return "";
+}
+
+std::vector<std::string> includesOf(const fs::path& file)
+{
+    static const std::regex pattern(R"(^\s*#\s*include\s*\"([^\"]+)\")");
+    std::vector<std::string> found;
+    std::ifstream stream(file);
+    std::smatch match;
+    for (std::string line; std::getline(stream, line);)
+        if (std::regex_search(line, match, pattern))
+            found.push_back(match[1]);
+    return found;
+}
+
+std::vector<fs::path> sourcesOf(const std::string& room)
+{
+    std::vector<fs::path> files;
+    if (!fs::exists(root / room))
+        return files;
+    for (const auto& entry : fs::recursive_directory_iterator(root / room))
+        if (entry.is_regular_file() && (entry.path().extension() == ".h" || entry.path().extension() == ".cpp"))
+            files.push_back(entry.path());
+    return files;
+}
+
+TEST(FloorsTest, NoFileIncludesARoomAboveItsOwn)
+{
+    int looked = 0;
+    for (const char* room :
+         {"XTNT", "host", "platform", "algorithms", "spectra", "windows", "engine", "storage", "plugin", "workbench"}) {
+        for (const auto& file : sourcesOf(room)) {
+            const auto path = fs::relative(file, root).generic_string();
+            ++looked;
+            for (const auto& target : includesOf(file))
+                EXPECT_EQ(complaint(path, target), "") << path << " includes " << target;
+        }
+    }
+    EXPECT_GT(looked, 50);
+}
+
+TEST(FloorsTest, TheRuleItselfRefusesEachUpwardInclude)
+{
+    EXPECT_NE(complaint("host/CILImage.h", "engine/CImageCube.h"), "");
+    EXPECT_NE(complaint("engine/CImageCube.cpp", "platform/orvimage/TiffIo.h"), "");
+    EXPECT_NE(complaint("XTNT/xtnt_matrix.h", "XTNT/nnls.h"), "");
+    EXPECT_NE(complaint("platform/orvapi/CORVDatabase.cpp", "spectra/KeyPair.h"), "");
+    EXPECT_NE(complaint("spectra/KeyPair.h", "engine/ImageRecord.h"), "");
+    EXPECT_EQ(complaint("engine/CImageCube.cpp", "XTNT/nnls.h"), "");
+    EXPECT_EQ(complaint("workbench/cli/UnmixCommand.cpp", "platform/orvimage/TiffIo.h"), "");
+}
+
+TEST(FloorsTest, IncludesNameTheirRoom)
+{
+    for (const char* room :
+         {"XTNT", "host", "platform", "algorithms", "spectra", "windows", "engine", "storage", "plugin", "workbench"}) {
+        for (const auto& file : sourcesOf(room))
+            for (const auto& target : includesOf(file))
+                EXPECT_NE(target.find('/'), std::string::npos)
+                    << file << " includes " << target << " without its room, past the check of floors";
+    }
+}
+
+TEST(HouseTest, EverySourceFileStatesTheLicence)
+{
+    for (const char* room : {"XTNT", "host", "platform", "algorithms", "spectra", "windows", "engine", "storage",
+                             "plugin", "workbench", "tests", "bench", "fuzz"}) {
+        for (const auto& file : sourcesOf(room)) {
+            std::ifstream stream(file);
+            std::string line;
+            std::getline(stream, line);
+            EXPECT_EQ(line, "// SPDX-License-Identifier: GPL-3.0-or-later") << file;
+        }
+    }
+}
+
+} // namespace
