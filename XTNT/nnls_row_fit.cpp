@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "XTNT/nnls_row_fit.h"
+
+#include "XTNT/nnls.h"
+
+#include <algorithm>
+
+namespace XTNT {
+
+NnlsRowFit::NnlsRowFit(const Matrix<double>& spectra)
+    : m_spectra(spectra), m_design(static_cast<std::size_t>(spectra.storage.n_)),
+      m_pixel(static_cast<std::size_t>(spectra.num_cols())), m_dual(static_cast<std::size_t>(spectra.num_rows())),
+      m_zz(static_cast<std::size_t>(spectra.num_cols())), m_index(static_cast<std::size_t>(spectra.num_rows()))
+{
+}
+
+void NnlsRowFit::fit(const double* d, double* x)
+{
+    const int bands = static_cast<int>(m_spectra.num_cols());
+    const int components = static_cast<int>(m_spectra.num_rows());
+    // The row-major spectra are, read column by column, the design matrix; NNLS destroys its copy.
+    std::copy_n(m_spectra.storage.data, m_design.size(), m_design.data());
+    std::copy_n(d, m_pixel.size(), m_pixel.data());
+    double rnorm = 0;
+    int mode = 0;
+    NNLS(m_design.data(), bands, bands, components, m_pixel.data(), x, &rnorm, m_dual.data(), m_zz.data(),
+         m_index.data(), &mode);
+}
+
+} // namespace XTNT
