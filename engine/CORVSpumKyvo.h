@@ -1,0 +1,218 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "engine/AnalysisInput.h"
+#include "engine/CImageCube.h"
+#include "engine/ComponentConstraint.h"
+#include "engine/EngineEnums.h"
+#include "engine/ImageRecord.h"
+#include "engine/MCRParams.h"
+#include "engine/RoiRecord.h"
+#include "engine/ScaleRatio.h"
+
+#include "XTNT/xtnt_matrix.h"
+#include "XTNT/xtnt_vector.h"
+#include "host/orv_types.h"
+#include "spectra/KeyPair.h"
+
+#include <QList>
+#include <QMap>
+#include <QPair>
+#include <QPixmap>
+#include <QPointer>
+#include <QString>
+#include <QStringList>
+#include <QThread>
+#include <QVector>
+
+#include <vector>
+
+class CAutoProgressUpdate;
+class CILImage;
+class CORVDataset;
+class CORVSequenceDataset;
+class SpUnmixCompositeWnd;
+class SpUnmixWizardWnd;
+class SpumKyvoConsoleWnd;
+class SpectrumPlotParams;
+struct downloaded_save_data;
+
+// The unmixing engine of one sequence: owns an analysis from the chosen images to the unmixed images, and runs its
+// arithmetic on its own thread.
+//
+// The object lives on the user-interface thread; run() and what it calls are all that the worker executes. There are no
+// locks: between start() and the end of isRunning() the user-interface thread touches nothing of the engine but
+// isRunning(), abortRun(), wait() and, after an abort, reportStatus(). Results are read from the members afterwards. See
+// runEngine.h for the loop that keeps to this.
+class CORVSpumKyvo : public QThread
+{
+    Q_OBJECT
+
+public:
+    explicit CORVSpumKyvo(const QString& strSeqId);
+    // Does not stop a running thread: the owner waits for its end first.
+    ~CORVSpumKyvo() override;
+
+    // --- run control ---------------------------------------------------------------------------------------------------
+
+    // Does the run that m_bRunPCA and m_eMode ask for. Public so that the same work can be done without the thread.
+    void run() override;
+    // Ends the worker where it next passes a cancellation point, unwinding its stack; wait() for it afterwards.
+    virtual void abortRun();
+
+    // Fits the known spectra of m_spectrumPlots to every pixel: m_concentrations, m_spectra, m_nError.
+    void solveConcentrations();
+    // Replaces m_properties; bCurrent is false for a result of the first file generation.
+    void updateResultProperties(bool bCurrent);
+
+    bool hasError() const { return m_nError != RUNERROR_NONE; }
+    QString getErrorText() const;
+    // Shows and logs a line while a long operation is under way; without one (m_pProgress null) the line is dropped on
+    // purpose, log included. Safe from the worker.
+    void reportStatus(const QString& strMessage, long nLevel);
+
+    // --- the analysis --------------------------------------------------------------------------------------------------
+
+    // "Temporal Unmixing" or "Spectral Unmixing".
+    QString getAnalysisName() const;
+    // The run modes that the sequence allows, ascending.
+    QList<int> availableModes() const;
+    // Takes ownership of the spectra and deletes those of before.
+    void setPresetSpectra(const QList<SpectrumPlotParams*>& spectra);
+    // Brings the engine to a known state before an analysis in the given mode: no cube, mask, labels, plots or results. The
+    // selection and the analysis input stay.
+    void resetAnalysis(int nMode);
+    void clearUnmixedImages();
+
+    // --- inspection and selection --------------------------------------------------------------------------------------
+
+    // Reads kind, images, keys, probes and subject from the sequence; true when it can be analysed.
+    bool buildDatasetInfo();
+    // See checkSelection(); logs when bLog. *pAxis is left alone when the result is 0.
+    int validateSelection(QList<KeyPair>& selection, int* pAxis, bool bLog);
+    // Takes the user's selection: true when it is usable as it stands. Otherwise false, and either the part of it that is
+    // usable is stored, or, when nothing is, the argument becomes the selection of before.
+    bool applySelection(QList<KeyPair>& selection);
+    // Rebuilds m_primaryKeys and m_secondaryKeys from the selection.
+    void updateKeys();
+    static bool wavelengthDigits(QString& strKey);
+
+    // --- cube and mask -------------------------------------------------------------------------------------------------
+
+    // Click numbers of the selected pairs into m_imageList, spot after spot; false when a pair has no image.
+    bool createImageList();
+    // Chooses the binning (unless bAuto is false and there is one) and from it the size of the cube's images.
+    bool setBinningAndSize(bool bAuto);
+    // Reads, calibrates and stores the selected images; returns at once while m_bCubeValid. Passes cancellation points.
+    bool buildImageCube();
+    // Turns the mask image of m_analysisInput into m_maskIndices at the analysis binning. False, told in the log, when
+    // there is no such image or it does not fit; nothing is changed then.
+    bool takeDataMask();
+    // Multiplies the raw data of the cube by the decay factors of its images. The cube is a copy: its elements are shared.
+    void applyDecayCorrection(CImageCube cube, double dHalfLifeSec, const QString& strSeqId,
+                              const QVector<QString>& clickNumbers);
+
+    // --- getters -------------------------------------------------------------------------------------------------------
+
+    const QStringList& getEmissionKeys() const { return m_emissionKeys; }
+    const QStringList& getExcitationKeys() const { return m_excitationKeys; }
+    const QList<KeyPair>& getAllKeyPairs() const { return m_allKeyPairs; }
+    const QList<KeyPair>& getSelectedKeyPairs() const { return m_selectedKeyPairs; }
+    const QString& getSequenceId() const { return m_strSeqId; }
+
+public Q_SLOTS:
+    // Asks for a PCA in place of an unmixing.
+    void onRunPCA();
+
+Q_SIGNALS:
+    // Set-up is complete and the thread is to be started.
+    void readyToRun();
+    // The user backed out of the set-up, or it failed.
+    void cancelRun();
+    void pcaRun();
+    void loadSpumResult(QString, bool, ESTATUS*, downloaded_save_data* pDownloadData);
+    void loadSpumResult(QString, bool, ESTATUS*);
+    void createSpumKyvoSequence(QStringList, bool);
+    void printPixmap(QPixmap pixmap);
+
+public:
+    QString m_strSeqId;      // key for all host look-ups
+    int m_eSeqKind = 0;      // set by buildDatasetInfo()
+    int m_eTemporalKind = 0; // of a temporal sequence: 0 not fluorescent, 1 epi, 2 transillumination
+    int m_eAxis = SPECTRUMAXIS_EMISSION;
+    int m_eMode = RUNMODE_MANUAL;
+    QMap<QString, ImageRecord> m_imageRecords; // by click number
+    QVector<QString> m_imageList;              // click numbers in cube order
+    QStringList m_emissionKeys;                // rows of the selection table: emission filters, or times
+    QStringList m_excitationKeys;              // its columns: excitation filters, or intervals
+    QList<KeyPair> m_allKeyPairs;
+    QList<KeyPair> m_selectedKeyPairs;
+    QStringList m_primaryKeys;                  // values along the axis, in selection order
+    QStringList m_secondaryKeys;                // values of the other key
+    QList<SpectrumPlotParams*> m_presetSpectra; // owned
+    bool m_bAutoBinning = true;
+    int m_nBinning = 0;
+    int m_nWidth = 0; // of the cube's images, at m_nBinning
+    int m_nHeight = 0;
+    int m_eUnit = DISPLAYUNIT_RADIANCE;
+    CImageCube m_cube;
+    bool m_bCubeValid = false;
+    CILImage* m_pPhoto = nullptr; // the host's
+    int m_bUseMask = 0;
+    std::vector<int> m_maskIndices; // row-major at m_nWidth x m_nHeight
+    QStringList m_labels;
+    QStringList m_suggestedLabels;
+    QString m_strSubjectType;
+    QStringList m_probes;
+    MCRParams m_params; // of the next automatic run
+    QPointer<SpUnmixWizardWnd> m_pWizard;
+    QPointer<SpumKyvoConsoleWnd> m_pConsole;
+    QPointer<SpUnmixCompositeWnd> m_pComposite;
+    QStringList m_spots;                        // "x,y"
+    CAutoProgressUpdate* m_pProgress = nullptr; // not owned; only while a long operation is under way
+    int m_nError = RUNERROR_NONE;
+    MCRParams m_lastParams;                // with which the results below were made
+    XTNT::Matrix<double> m_concentrations; // components x rows of the data
+    XTNT::Matrix<double> m_spectra;        // components x images
+    int m_nResultUnits = 0;
+    QList<SpectrumPlotParams*> m_spectrumPlots; // one per component, owned
+    QList<ScaleRatio> m_scaleRatios;
+    int m_nColorMap = 1;
+    bool m_bReverse = true;
+    bool m_bLogScale = false;
+    int m_nOverlayOpacity = 100; // percent
+    bool m_bIndividualScale = true;
+    QList<RoiRecord> m_roiResults;
+    QList<QPair<QString, QString>> m_properties;
+    bool m_bSkipSavePrompt = false;
+    bool m_bResultReady = false;      // a run has come to its end since the last reset
+    QList<CILImage*> m_unmixedImages; // owned
+    bool m_bRunPCA = false;           // the next run is a PCA
+    XTNT::Vector<double> m_pcaResult; // eigenvalues of the last PCA
+    bool m_bCherenkov = false;
+    bool m_bDecayApplied = false;
+    double m_dHalfLifeSec = 0.0;
+    QString m_strIsotope;
+    QString m_strLoadedIsotope;
+    double m_dLoadedHalfLife = 0.0;
+    bool m_bLoadedDecayApplied = false;
+    bool m_bHasLoadedDecay = false;
+    bool m_bBatchMode = false;
+    QString m_strBatchPath;
+    // What a run takes from the user besides the selection.
+    AnalysisInput m_analysisInput;
+
+private:
+    // Steps of buildDatasetInfo().
+    void readKind(const CORVSequenceDataset& sequence);
+    bool readImages(const CORVSequenceDataset& sequence);
+    void readSubject(CORVDataset* pDataset);
+    bool readPhotograph(const CORVSequenceDataset& sequence, CORVDataset* pDataset);
+    void addSpectralImage(CORVDataset* pDataset, ImageRecord record);
+    void addTemporalImage(CORVDataset* pDataset, ImageRecord record, int* pCount);
+    bool selectAllImages();
+
+    // Steps of buildImageCube().
+    bool fillImageCube();
+    bool bringToCubeSize(CILImage& image) const;
+};

@@ -1,0 +1,200 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// From the selection to the cube, and the data mask.
+#include "engine/CORVSpumKyvo.h"
+
+#include "engine/dataMask.h"
+#include "engine/imageChoice.h"
+#include "engine/logLine.h"
+#include "engine/unitLadder.h"
+
+#include "XTNT/xtnt_parallel.h"
+#include "host/CILImage.h"
+#include "host/CORVDataset.h"
+#include "host/CORVLog.h"
+#include "host/CORVSequenceDataset.h"
+
+#include <new>
+#include <utility>
+
+namespace {
+
+int binningOf(CORVDataset* pDataset)
+{
+    return static_cast<int>(pDataset->getBinningForImage(IMAGETYPE_MAIN_DATA));
+}
+
+// Exhausted memory travels as an exception, as it does from the cube itself.
+bool succeeded(EILSTATUS eStatus)
+{
+    if (eStatus == EIL_NO_MEMORY) {
+        throw std::bad_alloc();
+    }
+    return eStatus == EIL_SUCCESS;
+}
+
+} // namespace
+
+bool CORVSpumKyvo::createImageList()
+{
+    if (!imagesOfSelection(m_imageRecords, m_selectedKeyPairs, m_spots, m_eSeqKind, m_imageList)) {
+        logLine("SpumKyvo: unable to find the matching image in createImageList()!", CORVLOG_WARNING);
+        return false;
+    }
+    return true;
+}
+
+bool CORVSpumKyvo::setBinningAndSize(bool bAuto)
+{
+    if (CORVSequenceDataset::getSequenceDataset(m_strSeqId) == nullptr) {
+        return false;
+    }
+    if (bAuto || m_nBinning < 1) {
+        BinningChoice choice(m_nBinning);
+        for (const QString& strClickNumber : qAsConst(m_imageList)) {
+            CORVDataset* pDataset = CORVDataset::getDataset(strClickNumber);
+            if (pDataset == nullptr) {
+                return false;
+            }
+            choice.count(binningOf(pDataset));
+            m_nBinning = choice.binning();
+        }
+    }
+    if (m_imageList.isEmpty()) {
+        return true;
+    }
+    CORVDataset* pFirst = CORVDataset::getDataset(m_imageList.first());
+    const CILImage* pImage = pFirst != nullptr ? pFirst->getCoreImage(IMAGETYPE_MAIN_DATA) : nullptr;
+    if (pImage == nullptr || m_nBinning < 1) {
+        return false;
+    }
+    // Images are square: both sides come from the same one.
+    m_nWidth = sideAtBinning(static_cast<int>(pImage->m_lWidth), binningOf(pFirst), m_nBinning);
+    m_nHeight = m_nWidth;
+    return true;
+}
+
+bool CORVSpumKyvo::buildImageCube()
+{
+    if (m_bCubeValid) {
+        return true;
+    }
+    try {
+        if (!createImageList() || !setBinningAndSize(m_bAutoBinning) || !fillImageCube()) {
+            m_cube.clear();
+            return false;
+        }
+        if (m_bCherenkov) {
+            m_cube.m_rawData.reshape(0, 0);
+            m_cube.m_rawData = m_cube.m_data.deepCopy();
+            if (m_eMode == RUNMODE_AUTOMATIC && m_analysisInput.decayCorrection) {
+                applyDecayCorrection(m_cube, m_analysisInput.halfLifeSeconds, m_strSeqId, m_imageList);
+            }
+        }
+    } catch (const std::bad_alloc&) {
+        logLine("SpumKyvo: insufficient memory to generate the image cube!", CORVLOG_WARNING);
+        m_cube.clear();
+        return false;
+    }
+    m_bCubeValid = true;
+    return true;
+}
+
+bool CORVSpumKyvo::fillImageCube()
+{
+    const CORVSequenceDataset* pSequence = CORVSequenceDataset::getSequenceDataset(m_strSeqId);
+    const int nImages = m_selectedKeyPairs.size();
+    const int nSpots = nImages > 0 ? m_imageList.size() / nImages : 0;
+    // A refused mask shows later, as an empty matrix.
+    m_cube.init(m_nWidth, m_nHeight, nSpots, nImages, m_maskIndices);
+
+    bool bUnitFixed = false; // once a unit was refused, all images are taken in the one below
+    for (int k = 0; k < m_imageList.size();) {
+        XTNT::cancellationPoint();
+        CORVDataset* pDataset = CORVDataset::getDataset(m_imageList.at(k));
+        CILImage image;
+        ESTATUS eStatus = ESTATUS_FAILURE;
+        if (pDataset != nullptr) {
+            if (!bUnitFixed) {
+                m_eUnit = unitForImage(pDataset->nativeUnit, pSequence->isFluorescence, pSequence->isTransillumination);
+            }
+            eStatus = pDataset->getCalibratedLuminImage(static_cast<tag_edisplayunit>(m_eUnit), &image, "SpumKyvo");
+        }
+        if (eStatus == ESTATUS_UNIT_UNAVAILABLE) {
+            const UnitStep step = nextUnit(m_eUnit);
+            if (step.possible) {
+                logLine(step.strMessage, CORVLOG_WARNING);
+                m_eUnit = step.unit;
+                bUnitFixed = true;
+                k = 0;
+                continue;
+            }
+        }
+        if (eStatus != ESTATUS_SUCCESS) {
+            logLine("SpumKyvo: unable to getCalibratedLuminImage in buildImageCube()!", CORVLOG_WARNING);
+            return false;
+        }
+        if (!bringToCubeSize(image)) {
+            return false;
+        }
+        m_cube.setImage(k / nImages, k % nImages, image.floats(), image.pixelCount());
+        ++k;
+    }
+    return true;
+}
+
+// Calibrated units are densities and keep their values when the binning changes; counts add up.
+bool CORVSpumKyvo::bringToCubeSize(CILImage& image) const
+{
+    bool bOk = succeeded(image.ChangeType(ORVTYPE_FLOAT));
+    const int nBinning = static_cast<int>(image.m_fBinning);
+    if (bOk && nBinning != m_nBinning) {
+        if (m_eUnit == DISPLAYUNIT_COUNTS) {
+            CILImage binned;
+            if (!succeeded(image.changeBinning(m_nBinning, binned))) {
+                logLine("SpumKyvo: unable to change the binning in buildImageCube()!", CORVLOG_WARNING);
+                return false;
+            }
+            image = std::move(binned);
+        } else if (nBinning > m_nBinning) {
+            bOk = succeeded(image.upSample(m_nWidth, m_nHeight, IL_RESAMPLE_SMOOTH));
+        } else {
+            bOk = succeeded(image.downSample(m_nWidth, m_nHeight, IL_RESAMPLE_AREA));
+        }
+    }
+    if (!bOk || image.m_lWidth != m_nWidth || image.m_lHeight != m_nHeight) {
+        // Otherwise its column would silently stay empty.
+        logLine("SpumKyvo: an image does not have the size of the image cube in buildImageCube()!", CORVLOG_WARNING);
+        return false;
+    }
+    return true;
+}
+
+bool CORVSpumKyvo::takeDataMask()
+{
+    std::vector<int> indices;
+    if (!maskIndicesAtBinning(m_analysisInput.maskImage, m_nBinning, m_nWidth, m_nHeight, indices)) {
+        logLine("SpumKyvo: unable to get a valid photo mask!", CORVLOG_WARNING);
+        return false;
+    }
+    m_bCubeValid = false;
+    m_bUseMask = 1;
+    m_maskIndices.swap(indices);
+    return true;
+}
+
+void CORVSpumKyvo::applyDecayCorrection(CImageCube cube, double dHalfLifeSec, const QString& strSeqId,
+                                        const QVector<QString>& clickNumbers)
+{
+    const CORVSequenceDataset* pSequence = CORVSequenceDataset::getSequenceDataset(strSeqId);
+    if (pSequence == nullptr) {
+        return;
+    }
+    QVector<double> factors;
+    if (!pSequence->calculateDecayCorrectFactor_CherenkovData(clickNumbers, dHalfLifeSec, factors)) {
+        logLine(QStringLiteral("Fail to obtain Decay Factor: Half Life (second) %1 SequenceID %2 Image Count %3.")
+                    .arg(QString::number(dHalfLifeSec, 'g'), m_strSeqId, QString::number(clickNumbers.size())),
+                CORVLOG_ERROR);
+        return;
+    }
+    cube.applyDecayFactors(cube.m_rawData, factors, true);
+}

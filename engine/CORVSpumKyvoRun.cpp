@@ -1,0 +1,117 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// What the worker thread does.
+#include "engine/CORVSpumKyvo.h"
+
+#include "engine/knownSpectra.h"
+#include "engine/logLine.h"
+#include "engine/resultProperties.h"
+
+#include "XTNT/constrained_concentrations.h"
+#include "XTNT/xtnt_parallel.h"
+#include "host/CORVLog.h"
+#include "host/CORVPreference.h"
+#include "spectra/SpectrumPlotParams.h"
+
+#include <cxxabi.h>
+
+namespace {
+
+// Puts an int back to its former value unless the work was finished: an aborted run leaves the error code of before.
+class ValueUnlessFinished
+{
+public:
+    explicit ValueUnlessFinished(int& value) : m_value(value), m_nFormer(value) {}
+    ~ValueUnlessFinished()
+    {
+        if (!m_bFinished) {
+            m_value = m_nFormer;
+        }
+    }
+    ValueUnlessFinished(const ValueUnlessFinished&) = delete;
+    ValueUnlessFinished& operator=(const ValueUnlessFinished&) = delete;
+    void finish() { m_bFinished = true; }
+
+private:
+    int& m_value;
+    int m_nFormer;
+    bool m_bFinished = false;
+};
+
+} // namespace
+
+// The order of the steps is a contract: a failure of the fit skips neither the properties nor the ready flag.
+void CORVSpumKyvo::run()
+{
+    // From here on an abort strikes at cancellation points only. Unwinding leaves the flag off; the thread ends then.
+    setTerminationEnabled(false);
+    ValueUnlessFinished errorOfBefore(m_nError);
+    if (m_bRunPCA) {
+        // There is no principal component analysis in this version. The results of an earlier unmixing stay.
+        m_bRunPCA = false;
+        m_nError = RUNERROR_NO_SOLUTION;
+        logLine("SpumKyvo: PCA is not available in this version.", CORVLOG_ERROR);
+        errorOfBefore.finish();
+        return;
+    }
+    if (m_eMode == RUNMODE_AUTOMATIC) {
+        // Nor is there a procedure that resolves spectra from the data: the run ends as one without a solution.
+        m_nError = RUNERROR_NO_SOLUTION;
+        logLine("SpumKyvo: automatic unmixing is not available in this version.", CORVLOG_ERROR);
+    }
+    if (m_eMode == RUNMODE_LIBRARY || m_eMode == RUNMODE_GUIDED || m_eMode == RUNMODE_MANUAL) {
+        solveConcentrations();
+        m_scaleRatios.clear();
+        for (int i = 0; i < m_spectrumPlots.size(); ++i) {
+            m_scaleRatios.append(ScaleRatio());
+        }
+    }
+    updateResultProperties(true);
+    m_bResultReady = true;
+    errorOfBefore.finish();
+}
+
+void CORVSpumKyvo::abortRun()
+{
+    QThread::terminate();
+}
+
+void CORVSpumKyvo::solveConcentrations()
+{
+    m_nError = RUNERROR_NONE;
+    if (!buildImageCube() || m_cube.m_data.empty()) {
+        m_nError = RUNERROR_DATA;
+        return;
+    }
+    if (m_spectrumPlots.isEmpty() || !scaledSpectra(m_spectrumPlots, m_selectedKeyPairs.size(), m_spectra)) {
+        m_nError = RUNERROR_INITIAL_GUESS;
+        return;
+    }
+    XTNT::cancellationPoint();
+    try {
+        XTNT::Matrix<double> concentrations;
+        XTNT::constrainedConcentrations(m_cube.m_data, m_spectra, concentrations);
+        m_concentrations = concentrations.transpose();
+    } catch (const abi::__forced_unwind&) {
+        throw; // an abort
+    } catch (...) {
+        // The fit throws plain integers; exhausted memory counts as no solution too.
+        m_nError = RUNERROR_NO_SOLUTION;
+    }
+}
+
+void CORVSpumKyvo::updateResultProperties(bool bCurrent)
+{
+    ResultFacts facts;
+    facts.useMask = m_bUseMask != 0;
+    facts.selectedImages = m_selectedKeyPairs.size();
+    facts.axis = m_eAxis;
+    facts.mode = m_eMode;
+    facts.binning = m_nBinning;
+    facts.width = m_nWidth;
+    facts.height = m_nHeight;
+    facts.unit = m_eUnit;
+    facts.transillumination = m_eSeqKind == SEQKIND_TRANSILLUMINATION || m_eTemporalKind == SEQKIND_TRANSILLUMINATION;
+    facts.current = bCurrent;
+    facts.appVersion = CORVPreference::getAppVersion();
+    m_properties = resultProperties(facts);
+}

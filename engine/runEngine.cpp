@@ -1,0 +1,91 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "engine/runEngine.h"
+
+#include "engine/CORVSpumKyvo.h"
+
+#include "XTNT/xtnt_assert.h"
+#include "host/CAutoProgressUpdate.h"
+#include "host/CORVLog.h"
+#include "host/CORVProcess.h"
+
+#include <QCoreApplication>
+
+namespace {
+
+// Longest pause between two looks at the events, in milliseconds; the end of the thread ends a pause at once.
+constexpr unsigned long pause = 5;
+
+void call(const std::function<void()>& step)
+{
+    if (step) {
+        step();
+    }
+}
+
+// The engine's progress display for the time of a run.
+class ProgressOf
+{
+public:
+    ProgressOf(CORVSpumKyvo& engine, CAutoProgressUpdate& progress) : m_engine(engine)
+    {
+        m_engine.m_pProgress = &progress;
+    }
+    ~ProgressOf() { m_engine.m_pProgress = nullptr; }
+    ProgressOf(const ProgressOf&) = delete;
+    ProgressOf& operator=(const ProgressOf&) = delete;
+
+private:
+    CORVSpumKyvo& m_engine;
+};
+
+// True when the thread came to its end by itself.
+bool waitForEnd(CORVSpumKyvo& engine)
+{
+    while (engine.isRunning()) {
+        QCoreApplication::processEvents();
+        if (CORVProcess::isProcessAborted()) {
+            engine.abortRun();
+            engine.wait();
+            return false;
+        }
+        engine.wait(pause);
+    }
+    return true;
+}
+
+} // namespace
+
+RunOutcome runEngine(CORVSpumKyvo& engine, const RunSteps& steps)
+{
+    XTNT_ASSERT(!engine.isRunning());
+    const bool bPCA = engine.m_bRunPCA;
+    engine.m_bSkipSavePrompt = false;
+
+    CAutoProgressUpdate progress(
+        QStringLiteral("Starting %1 for sequence [%2]...?").arg(engine.getAnalysisName(), engine.m_strSeqId));
+    // Both kinds of run end as an analysis, but only the PCA starts as one: the host counts on it.
+    const auto finish = [&progress] {
+        progress.stop();
+        CORVProcess::endLongProcess(LONGPROCESS_ANALYSIS);
+    };
+    CORVProcess::startLongProcess(0, bPCA ? LONGPROCESS_ANALYSIS : LONGPROCESS_GENERAL, true, "Aborting...");
+    call(steps.started);
+    const ProgressOf progressOfRun(engine, progress);
+    progress.start(QThread::InheritPriority);
+    engine.start(QThread::InheritPriority);
+
+    if (!waitForEnd(engine)) {
+        engine.reportStatus(bPCA ? "PCA aborted by user." : "unmixing aborted by user.", CORVLOG_PROGRESS);
+        finish();
+        return RunOutcome::Aborted;
+    }
+    call(steps.ended);
+    if (engine.hasError()) {
+        engine.reportStatus(engine.getErrorText(), CORVLOG_ERROR);
+        finish();
+        return RunOutcome::Failed;
+    }
+    call(steps.succeeded);
+    finish();
+    return RunOutcome::Succeeded;
+}
