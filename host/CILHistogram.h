@@ -14,9 +14,10 @@ public:
     double imageMin() const { return m_dMin; }
     double imageMax() const { return m_dMax; }
 
-    // Empties the bins.
+    // Makes maxBins() empty bins.
     void reset();
-    // Adds a value; below the minimum it falls into the first bin, above the maximum into the last. NaNs do not count.
+    // Adds a value; below the minimum it falls into the first bin, above the maximum into the last. NaNs do not count. The
+    // first call makes the bins when reset() has not.
     void add(double value);
 
     const std::vector<double>& bins() const { return m_counts; }
@@ -24,7 +25,7 @@ public:
 
     // Running sums of the bins, into `out` or, with null, in place.
     void integrate(CILHistogram* out);
-    // Of an integrated histogram: the first bin whose sum reaches `count`; the last bin when none does.
+    // Of an integrated histogram: the first bin whose sum reaches `count`; the last bin when none does, 0 without bins.
     int findLevel(float count) const;
 
 private:

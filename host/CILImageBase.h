@@ -11,17 +11,20 @@ class CILImageBase
 {
 public:
     CILImageBase() = default;
+    // A copy that finds no memory throws std::bad_alloc and leaves the target as it was. A moved-from image is empty.
     CILImageBase(const CILImageBase& other);
     CILImageBase& operator=(const CILImageBase& other);
     CILImageBase(CILImageBase&& other) noexcept;
     CILImageBase& operator=(CILImageBase&& other) noexcept;
     virtual ~CILImageBase();
 
-    // Allocates w x h pixels of the type, all zero; the earlier pixels are gone. A size below 1 or an unknown type gives
-    // EIL_INVALID_ARGUMENT, exhausted memory EIL_NO_MEMORY; both leave an empty image.
+    // Allocates w x h pixels of the type, all zero; the earlier pixels are gone, the binning stays. A size below 1 or an
+    // unknown type gives EIL_INVALID_ARGUMENT, exhausted memory EIL_NO_MEMORY; both leave an empty image.
     EILSTATUS InitWithType(ORVDataTypes type, long w, long h);
-    // As InitWithType, then copies w x h pixels of that type from `data`, which stays the caller's.
+    // As InitWithType, then copies w x h pixels of that type from `data`, which stays the caller's and may not be this
+    // image's own block. Null gives EIL_INVALID_ARGUMENT.
     EILSTATUS initWithData(ORVDataTypes type, long w, long h, const void* data);
+    // Drops the pixels; the binning stays.
     void clear();
 
     ORVDataTypes dataType() const { return m_eType; }
@@ -50,5 +53,8 @@ public:
     double m_dMax = 0.0;
 
 protected:
+    // Called after the block of pixels was replaced or dropped, so that a class above can drop what it derived from it.
+    virtual void pixelsReplaced() {}
+
     ORVDataTypes m_eType = ORVTYPE_NONE;
 };

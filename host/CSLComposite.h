@@ -4,7 +4,8 @@
 class CILImage;
 
 // Segmentation helpers of the image library. Thresholds are taken on 256 bins between the smallest and the largest finite
-// pixel, for every pixel type; a constant or empty image gives the lower end (0 percent, or the constant).
+// pixel, for every pixel type; a constant image gives the lower end (0 percent, or the constant), one without finite
+// pixels, an empty one and null give 0.
 class CSLComposite
 {
 public:

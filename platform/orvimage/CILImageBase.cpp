@@ -1,0 +1,156 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "host/CILImageBase.h"
+#include "platform/orvimage/PixelTypes.h"
+
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <new>
+#include <utility>
+
+CILImageBase::CILImageBase(const CILImageBase& other)
+    : m_lWidth(other.m_lWidth), m_lHeight(other.m_lHeight), m_fBinning(other.m_fBinning), m_dMin(other.m_dMin),
+      m_dMax(other.m_dMax), m_eType(other.m_eType)
+{
+    if (other.m_pData == nullptr)
+        return;
+    const std::size_t size = other.pixelCount() * bytesPerPixel(other.m_eType);
+    m_pData = std::malloc(size);
+    if (m_pData == nullptr)
+        throw std::bad_alloc();
+    std::memcpy(m_pData, other.m_pData, size);
+}
+
+CILImageBase& CILImageBase::operator=(const CILImageBase& other)
+{
+    if (this != &other)
+        *this = CILImageBase(other);
+    return *this;
+}
+
+CILImageBase::CILImageBase(CILImageBase&& other) noexcept
+    : m_lWidth(std::exchange(other.m_lWidth, 0)), m_lHeight(std::exchange(other.m_lHeight, 0)),
+      m_fBinning(other.m_fBinning), m_pData(std::exchange(other.m_pData, nullptr)),
+      m_dMin(std::exchange(other.m_dMin, 0.0)), m_dMax(std::exchange(other.m_dMax, 0.0)),
+      m_eType(std::exchange(other.m_eType, ORVTYPE_NONE))
+{
+}
+
+CILImageBase& CILImageBase::operator=(CILImageBase&& other) noexcept
+{
+    if (this == &other)
+        return *this;
+    std::free(m_pData);
+    m_lWidth = std::exchange(other.m_lWidth, 0);
+    m_lHeight = std::exchange(other.m_lHeight, 0);
+    m_fBinning = other.m_fBinning;
+    m_pData = std::exchange(other.m_pData, nullptr);
+    m_dMin = std::exchange(other.m_dMin, 0.0);
+    m_dMax = std::exchange(other.m_dMax, 0.0);
+    m_eType = std::exchange(other.m_eType, ORVTYPE_NONE);
+    return *this;
+}
+
+CILImageBase::~CILImageBase()
+{
+    std::free(m_pData);
+}
+
+EILSTATUS CILImageBase::InitWithType(ORVDataTypes type, long w, long h)
+{
+    clear();
+    const std::size_t bytes = bytesPerPixel(type);
+    if (w < 1 || h < 1 || bytes == 0)
+        return EIL_INVALID_ARGUMENT;
+    const auto width = static_cast<std::size_t>(w);
+    const auto height = static_cast<std::size_t>(h);
+    if (width > SIZE_MAX / bytes / height)
+        return EIL_NO_MEMORY;
+    m_pData = std::calloc(width * height, bytes);
+    if (m_pData == nullptr)
+        return EIL_NO_MEMORY;
+    m_lWidth = w;
+    m_lHeight = h;
+    m_eType = type;
+    return EIL_SUCCESS;
+}
+
+EILSTATUS CILImageBase::initWithData(ORVDataTypes type, long w, long h, const void* data)
+{
+    if (data == nullptr) {
+        clear();
+        return EIL_INVALID_ARGUMENT;
+    }
+    const EILSTATUS status = InitWithType(type, w, h);
+    if (status == EIL_SUCCESS)
+        std::memcpy(m_pData, data, pixelCount() * bytesPerPixel(type));
+    return status;
+}
+
+void CILImageBase::clear()
+{
+    std::free(m_pData);
+    m_pData = nullptr;
+    m_lWidth = 0;
+    m_lHeight = 0;
+    m_dMin = 0.0;
+    m_dMax = 0.0;
+    m_eType = ORVTYPE_NONE;
+    pixelsReplaced();
+}
+
+std::size_t CILImageBase::bytesPerPixel(ORVDataTypes type)
+{
+    switch (type) {
+    case ORVTYPE_BYTE:
+        return sizeof(unsigned char);
+    case ORVTYPE_USHORT:
+        return sizeof(unsigned short);
+    case ORVTYPE_INT:
+        return sizeof(int);
+    case ORVTYPE_FLOAT:
+        return sizeof(float);
+    case ORVTYPE_DOUBLE:
+        return sizeof(double);
+    case ORVTYPE_NONE:
+        break;
+    }
+    return 0;
+}
+
+double CILImageBase::value(std::size_t i) const
+{
+    double v = 0.0;
+    orvimage::visitPixels(*this, [&](const auto* pixels, std::size_t) { v = static_cast<double>(pixels[i]); });
+    return v;
+}
+
+void CILImageBase::setValue(std::size_t i, double v)
+{
+    orvimage::visitPixels(*this, [&](auto* pixels, std::size_t) {
+        using Pixel = std::remove_pointer_t<decltype(pixels)>;
+        pixels[i] = orvimage::toPixel<Pixel>(v);
+    });
+}
+
+orvimage::FiniteRange orvimage::finiteRange(const CILImageBase& image)
+{
+    FiniteRange range;
+    double lowest = std::numeric_limits<double>::infinity();
+    double highest = -lowest;
+    visitPixels(image, [&](const auto* pixels, std::size_t n) {
+        for (std::size_t i = 0; i < n; ++i) {
+            const auto v = static_cast<double>(pixels[i]);
+            if (!std::isfinite(v))
+                continue;
+            ++range.count;
+            lowest = v < lowest ? v : lowest;
+            highest = v > highest ? v : highest;
+        }
+    });
+    if (range.count > 0) {
+        range.minimum = lowest;
+        range.maximum = highest;
+    }
+    return range;
+}

@@ -1,0 +1,103 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/orvimage/StagedFile.h"
+#include "platform/orvimage/TiffFile.h"
+#include "platform/orvimage/TiffIo.h"
+
+#include <fcntl.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <vector>
+
+namespace {
+
+// Bytes of a strip before compression.
+constexpr std::size_t kStripBytes = std::size_t{256} << 10;
+// A classic TIFF's offsets have 32 bits; compressed data can be a little longer than the pixels.
+constexpr std::size_t kMaxClassicBytes = std::size_t{3900} << 20;
+
+bool isFloat(ORVDataTypes type)
+{
+    return type == ORVTYPE_FLOAT || type == ORVTYPE_DOUBLE;
+}
+
+int sampleFormat(ORVDataTypes type)
+{
+    return isFloat(type) ? SAMPLEFORMAT_IEEEFP : type == ORVTYPE_INT ? SAMPLEFORMAT_INT : SAMPLEFORMAT_UINT;
+}
+
+void setFields(TIFF* tiff, const CILImage& image, std::size_t rowsPerStrip, const TiffWriteOptions& options)
+{
+    const ORVDataTypes type = image.dataType();
+    TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, static_cast<std::uint32_t>(image.m_lWidth));
+    TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, static_cast<std::uint32_t>(image.m_lHeight));
+    TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, static_cast<int>(8 * CILImage::bytesPerPixel(type)));
+    TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, 1);
+    TIFFSetField(tiff, TIFFTAG_SAMPLEFORMAT, sampleFormat(type));
+    TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISBLACK);
+    TIFFSetField(tiff, TIFFTAG_ORIENTATION, ORIENTATION_TOPLEFT);
+    TIFFSetField(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
+    TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, static_cast<std::uint32_t>(rowsPerStrip));
+    TIFFSetField(tiff, TIFFTAG_SOFTWARE, "orvimage");
+    if (!options.description.isEmpty())
+        TIFFSetField(tiff, TIFFTAG_IMAGEDESCRIPTION, options.description.toUtf8().constData());
+    if (options.compression == TiffWriteOptions::Compression::Deflate) {
+        TIFFSetField(tiff, TIFFTAG_COMPRESSION, COMPRESSION_ADOBE_DEFLATE);
+        TIFFSetField(tiff, TIFFTAG_PREDICTOR, isFloat(type) ? PREDICTOR_FLOATINGPOINT : PREDICTOR_HORIZONTAL);
+    } else {
+        TIFFSetField(tiff, TIFFTAG_COMPRESSION, COMPRESSION_NONE);
+    }
+}
+
+bool writeStrips(TIFF* tiff, const CILImage& image, std::size_t rowBytes, std::size_t rowsPerStrip)
+{
+    const auto height = static_cast<std::size_t>(image.m_lHeight);
+    std::vector<unsigned char> strip; // a copy: predictors work in place
+    for (std::size_t row = 0; row < height; row += rowsPerStrip) {
+        const std::size_t rows = std::min(rowsPerStrip, height - row);
+        const unsigned char* from = image.bytes() + row * rowBytes;
+        strip.assign(from, from + rows * rowBytes);
+        const auto number = static_cast<std::uint32_t>(row / rowsPerStrip);
+        if (TIFFWriteEncodedStrip(tiff, number, strip.data(), static_cast<tmsize_t>(strip.size())) < 0)
+            return false;
+    }
+    return TIFFWriteDirectory(tiff) == 1 && TIFFFlush(tiff) == 1;
+}
+
+bool writeStaged(orvimage::StagedFile& staged, orvimage::TiffFile& file, const QString& path, const CILImage& image,
+                 const TiffWriteOptions& options)
+{
+    if (!staged.open())
+        return false;
+    const int descriptor = ::fcntl(staged.descriptor(), F_DUPFD_CLOEXEC, 0); // libtiff closes its own
+    if (descriptor < 0)
+        return file.fail(qt_error_string(errno));
+    const std::size_t rowBytes = static_cast<std::size_t>(image.m_lWidth) * CILImage::bytesPerPixel(image.dataType());
+    const std::size_t rowsPerStrip = std::max<std::size_t>(1, kStripBytes / rowBytes);
+    if (!file.openForWriting(descriptor, path, rowBytes * static_cast<std::size_t>(image.m_lHeight) > kMaxClassicBytes))
+        return false;
+    setFields(file.handle(), image, rowsPerStrip, options);
+    const bool written = writeStrips(file.handle(), image, rowBytes, rowsPerStrip);
+    file.close();
+    if (!written)
+        file.fail(QStringLiteral("the pixels cannot be written"));
+    return file.reason().isEmpty() && staged.commit();
+}
+
+} // namespace
+
+bool writeTiff(const QString& path, const CILImage& image, const TiffWriteOptions& options, QString* error)
+{
+    QString reason = QStringLiteral("an empty image cannot be written");
+    if (!image.isEmpty()) {
+        orvimage::StagedFile staged(path);
+        orvimage::TiffFile file;
+        if (writeStaged(staged, file, path, image, options))
+            return true;
+        reason = file.reason().isEmpty() ? staged.reason() : file.reason();
+    }
+    if (error != nullptr)
+        *error = path + QStringLiteral(": ") + reason;
+    return false;
+}
