@@ -74,9 +74,12 @@ QVector<QRgb> lumen()
     QVector<QRgb> colors;
     for (int i = 0; i < kColors; ++i) {
         const double t = i / (kColors - 1.0);
-        const double lightness = 0.14 + 0.83 * t;
-        const double hue = 305.0 - 205.0 * std::pow(t, 1.15);
-        const double chroma = 0.06 + 0.10 * std::sin(kPi * std::min(1.0, 0.12 + t));
+        const double lightness = 0.16 + 0.79 * t;
+        const double hue = 310.0 - 202.0 * std::pow(t, 1.6);
+        // Colourful where screens are: most in the blues, more again towards yellow. Nowhere near the border of what a
+        // screen shows, where the table would have a crease.
+        const double blues = (t - 0.32) / 0.15;
+        const double chroma = 0.08 + 0.075 * t * t + 0.08 * std::exp(-blues * blues);
         colors.append(oklchColor(lightness, chroma, hue));
     }
     return colors;

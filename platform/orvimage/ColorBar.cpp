@@ -1,0 +1,218 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/orvimage/ColorBar.h"
+#include "platform/orvimage/TickMarks.h"
+
+#include <QFont>
+#include <QFontMetrics>
+#include <QGuiApplication>
+#include <QPainter>
+
+#include <algorithm>
+#include <cmath>
+
+namespace orvimage {
+
+namespace {
+
+bool canDrawText()
+{
+    return QCoreApplication::instance() != nullptr && qobject_cast<QGuiApplication*>(QCoreApplication::instance());
+}
+
+QFont textFont(int pixels)
+{
+    QFont font(QStringLiteral("DejaVu Sans"));
+    font.setStyleHint(QFont::SansSerif);
+    font.setPixelSize(std::max(6, pixels));
+    return font;
+}
+
+// The bar itself, `length` by `thickness`, from the lower end at the left or at the bottom.
+QImage gradientStrip(const CILPalette& palette, int length, int thickness, bool vertical)
+{
+    CILPalette even = palette;
+    even.setLogScale(0);
+    QImage strip(vertical ? thickness : length, vertical ? length : thickness, QImage::Format_ARGB32);
+    for (int y = 0; y < strip.height(); ++y) {
+        auto* line = reinterpret_cast<QRgb*>(strip.scanLine(y));
+        for (int x = 0; x < strip.width(); ++x) {
+            const int place = vertical ? length - 1 - y : x;
+            line[x] = even.colorAt(length > 1 ? place / (length - 1.0) : 0.0);
+        }
+    }
+    return strip;
+}
+
+// Ticks of a bar with their texts and sizes.
+struct Scale
+{
+    std::vector<double> values;
+    TickLabels labels;
+    QString caption; // the power of ten
+    QString unit;
+    int widest = 0;
+};
+
+Scale makeScale(double minimum, double maximum, int most, const QFontMetrics* metrics, const QStringList& unitLines)
+{
+    Scale scale;
+    scale.values = tickValues(minimum, maximum, most);
+    scale.labels = tickLabels(scale.values);
+    scale.caption = exponentText(scale.labels.exponent);
+    scale.unit = unitLines.join(QStringLiteral(", "));
+    if (metrics != nullptr) {
+        for (const QString& text : scale.labels.texts)
+            scale.widest = std::max(scale.widest, metrics->horizontalAdvance(text));
+    }
+    return scale;
+}
+
+class BarPainter
+{
+public:
+    BarPainter(const CILPalette& palette, double minimum, double maximum, int length, const ColorBarOptions& options)
+        : m_palette(palette), m_minimum(minimum), m_maximum(maximum), m_length(std::max(2, length)), m_options(options),
+          m_font(textFont(options.fontPixels)), m_em(std::max(6, options.fontPixels))
+    {
+    }
+
+    QImage vertical() const;
+    QImage horizontal() const;
+
+private:
+    int place(double value) const
+    {
+        return static_cast<int>(std::lround(colorBarPosition(m_palette, value, m_minimum, m_maximum) * (m_length - 1)));
+    }
+    QImage page(int width, int height) const
+    {
+        QImage image(width, height, QImage::Format_ARGB32);
+        image.fill(m_options.background);
+        return image;
+    }
+
+    const CILPalette& m_palette;
+    const double m_minimum, m_maximum;
+    const int m_length;
+    const ColorBarOptions& m_options;
+    const QFont m_font;
+    const int m_em;
+};
+
+QImage BarPainter::vertical() const
+{
+    const bool texts = canDrawText();
+    const QFontMetrics metrics(m_font);
+    const int most = std::clamp(m_length / (3 * m_em), 2, 9);
+    const Scale scale = makeScale(m_minimum, m_maximum, most, texts ? &metrics : nullptr, m_options.unitLines);
+    const int bar = m_em * 5 / 4;
+    const int tick = m_em * 2 / 5;
+    const int labels = bar + tick + m_em / 3;
+    const int captionWidth = texts ? metrics.horizontalAdvance(scale.caption) : 0;
+    const int unitLeft = std::max(labels + scale.widest, captionWidth) + m_em / 3;
+    const int width = unitLeft + (texts && !scale.unit.isEmpty() ? metrics.height() : 0);
+    // Half a line of text over and under the bar, and a line more for the power of ten.
+    const int above = m_em * 2 / 3 + (scale.caption.isEmpty() ? 0 : metrics.height());
+    const int height = above + m_length + m_em * 2 / 3;
+
+    QImage image = page(width, height);
+    QPainter painter(&image);
+    painter.drawImage(0, above, gradientStrip(m_palette, m_length, bar, true));
+    painter.setPen(m_options.text);
+    painter.drawRect(0, above, bar, m_length - 1);
+    painter.setFont(m_font);
+    for (std::size_t i = 0; i < scale.values.size(); ++i) {
+        const int y = above + m_length - 1 - place(scale.values[i]);
+        painter.drawLine(bar, y, bar + tick, y);
+        if (texts)
+            painter.drawText(QRect(labels, y - m_em, scale.widest, 2 * m_em), Qt::AlignRight | Qt::AlignVCenter,
+                             scale.labels.texts[static_cast<int>(i)]);
+    }
+    if (texts) {
+        painter.drawText(0, metrics.ascent(), scale.caption);
+        painter.translate(unitLeft, above + m_length);
+        painter.rotate(-90.0);
+        painter.drawText(QRect(0, 0, m_length, metrics.height()), Qt::AlignCenter,
+                         metrics.elidedText(scale.unit, Qt::ElideRight, m_length));
+    }
+    return image;
+}
+
+QImage BarPainter::horizontal() const
+{
+    const bool texts = canDrawText();
+    const QFontMetrics metrics(m_font);
+    const Scale rough = makeScale(m_minimum, m_maximum, 4, texts ? &metrics : nullptr, m_options.unitLines);
+    const int most = std::clamp(m_length / (2 * std::max(rough.widest, m_em)), 2, 9);
+    const Scale scale = makeScale(m_minimum, m_maximum, most, texts ? &metrics : nullptr, m_options.unitLines);
+    const int bar = m_em * 5 / 4;
+    const int tick = m_em * 2 / 5;
+    const int beside = scale.widest / 2 + 1; // a label may reach over the bar's end by half
+    const int captionWidth = texts && !scale.caption.isEmpty() ? metrics.horizontalAdvance(scale.caption) + m_em : 0;
+    const int width = beside + m_length + std::max(beside, captionWidth + m_em / 2);
+    const int labels = bar + tick;
+    const int unitTop = labels + (texts ? metrics.height() : 0);
+    const int height = unitTop + (texts && !scale.unit.isEmpty() ? metrics.height() : 0) + 1;
+
+    QImage image = page(width, height);
+    QPainter painter(&image);
+    painter.drawImage(beside, 0, gradientStrip(m_palette, m_length, bar, false));
+    painter.setPen(m_options.text);
+    painter.drawRect(beside, 0, m_length - 1, bar);
+    painter.setFont(m_font);
+    for (std::size_t i = 0; i < scale.values.size(); ++i) {
+        const int x = beside + place(scale.values[i]);
+        painter.drawLine(x, bar, x, bar + tick);
+        if (texts)
+            painter.drawText(QRect(x - 2 * beside, labels, 4 * beside, metrics.height()), Qt::AlignCenter,
+                             scale.labels.texts[static_cast<int>(i)]);
+    }
+    if (texts) {
+        painter.drawText(beside + m_length + m_em / 2, (bar + metrics.ascent()) / 2, scale.caption);
+        painter.drawText(QRect(beside, unitTop, m_length, metrics.height()), Qt::AlignCenter,
+                         metrics.elidedText(scale.unit, Qt::ElideRight, m_length));
+    }
+    return image;
+}
+
+} // namespace
+
+double colorBarPosition(const CILPalette& palette, double value, double minimum, double maximum)
+{
+    if (!(maximum > minimum) || std::isnan(value))
+        return 0.0;
+    const double fraction = std::clamp((value - minimum) / (maximum - minimum), 0.0, 1.0);
+    return palette.isLogScale() ? std::log10(1.0 + 9.0 * fraction) : fraction;
+}
+
+QImage drawColorBar(const CILPalette& palette, double minimum, double maximum, int length,
+                    const ColorBarOptions& options)
+{
+    const BarPainter painter(palette, minimum, maximum, length, options);
+    return options.orientation == Qt::Vertical ? painter.vertical() : painter.horizontal();
+}
+
+QImage withColorBar(const QImage& picture, const CILPalette& palette, double minimum, double maximum,
+                    const ColorBarOptions& options)
+{
+    if (picture.isNull())
+        return {};
+    const bool vertical = options.orientation == Qt::Vertical;
+    const int em = std::max(6, options.fontPixels);
+    const int length = vertical ? picture.height() - 3 * em : picture.width() * 4 / 5;
+    const QImage bar = drawColorBar(palette, minimum, maximum, std::max(length, 4 * em), options);
+    const int gap = em;
+    const QSize size = vertical ? QSize(picture.width() + gap + bar.width(), std::max(picture.height(), bar.height()))
+                                : QSize(std::max(picture.width(), bar.width()), picture.height() + gap + bar.height());
+    QImage page(size, QImage::Format_ARGB32);
+    page.fill(options.background);
+    QPainter painter(&page);
+    painter.drawImage(vertical ? 0 : (size.width() - picture.width()) / 2, 0, picture);
+    if (vertical)
+        painter.drawImage(picture.width() + gap, std::max(0, (size.height() - bar.height()) / 2), bar);
+    else
+        painter.drawImage((size.width() - bar.width()) / 2, picture.height() + gap, bar);
+    return page;
+}
+
+} // namespace orvimage
