@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QList>
 #include <QString>
 #include <QStringList>
 #include <QVector>
@@ -32,8 +33,18 @@ struct sColorSensorRGBspecFileParameters
     QVector<double> blue;
 };
 
+// A probe: its name without suffix, what it is ("fluorophore", ...), which spectra there are, and other names in use.
+struct sProbeParameters
+{
+    QString name;
+    QString kind;
+    bool hasEmission = false;
+    bool hasExcitation = false;
+    QStringList aliases;
+};
+
 // The host's read-only database of sources, tissues, sensors and isotopes: CSV tables installed with the program, to which
-// tables of the same form in the user's data folder add (a user's entry of the same name wins). Read once, on first use.
+// tables of the same form in the user's data folder add (a user's entry of the same name wins). Read once, on first use; for the user-interface thread.
 class CORVDatabase
 {
 public:
@@ -43,7 +54,8 @@ public:
     static QStringList getLIBSourceList();
     static QStringList getRADSourceList();
 
-    // A source by its exact name; false when it is absent, the record is then empty.
+    // A source, tissue or sensor by its exact name; false when it is absent, the record is then empty. A null record only
+    // asks.
     static bool readSource(const QString& strName, sSourceSpecFileParameters* pSource);
     static bool readLIBSource(const QString& strName, sSourceSpecFileParameters* pSource);
     static bool readRADSource(const QString& strName, sSourceSpecFileParameters* pSource);
@@ -54,6 +66,13 @@ public:
     static double getCherenkovRADHalflife(const QString& strIsotope);
     // Every isotope that the database knows, "Undefined" first.
     static QStringList isotopeList();
+    // Whether the isotope's decay gives Cherenkov light; by name without regard to case. *pName (may be null) receives the
+    // name as the database spells it.
+    static bool isCherenkovIsotope(const QString& strIsotope, QString* pName = nullptr);
+
+    // Every probe in file order, and one by its name or another name in use, without regard to case; false when unknown.
+    static QList<sProbeParameters> probeList();
+    static bool findProbe(const QString& strName, sProbeParameters* pProbe);
 
     static bool insensitiveLessThan(const QString& strA, const QString& strB);
 

@@ -9,11 +9,13 @@
 #include <QMap>
 #include <QSharedPointer>
 #include <QString>
+#include <QStringList>
 
 class CILImage;
 
 // One click of the instrument: a folder with a click info and TIFF images. Known by its click number to every user of the
-// process as long as it lives.
+// process as long as it lives. Datasets come, go and change on the user-interface thread only; the worker may look one up
+// and read its images while that thread leaves them alone.
 class CORVDataset
 {
 public:
@@ -22,12 +24,15 @@ public:
     CORVDataset& operator=(const CORVDataset&) = delete;
     virtual ~CORVDataset();
 
-    // The loaded dataset of that click number, or null.
+    // The loaded dataset of that click number, or null; of several with one number (in different sequences) the oldest.
     static CORVDataset* getDataset(const QString& strClickNumber);
     static QList<CORVDataset*> loadedDatasets();
 
-    // Reads the folder's "ClickInfo.txt" and finds its images. Images are not read. On failure the dataset is empty and
-    // *pError tells file and reason; pWarnings takes what could be passed over.
+    // Reads the folder's "ClickInfo.txt" and the headers of its images, no pixels. Fails on a click info that cannot be read
+    // or lacks the click number (ESTATUS_FILE_UNREADABLE), on a broken main data image (the same), and when the click info
+    // describes a main data image that is not there (ESTATUS_IMAGE_MISSING): the dataset is then empty and *pError tells file
+    // and reason. *pWarnings takes what can be passed over: unreadable lines and numbers, and other broken images, which the
+    // dataset then does not have.
     ESTATUS open(const QString& strFolder, QString* pError = nullptr, QStringList* pWarnings = nullptr);
 
     QString getClickNumber() const;
@@ -41,29 +46,41 @@ public:
     // The image, or null when the dataset has none of that type or its file is broken (told in the log with file and
     // reason). Owned by the dataset and kept from then on. Types 1 and 17 stand for each other when one is missing.
     CILImage* getCoreImage(tag_eimagetype eType);
-    // Gives the dataset an image that has no file (or not yet); copied, kept, and used in place of a file of that type.
+    // Gives the dataset an image that has no file (or not yet); copied, kept, and used in place of a file of that type. A
+    // pointer lent before stays valid and shows the new image.
     void setCoreImage(tag_eimagetype eType, const CILImage& image);
-    // From the click info or the file's header, without reading pixels; 0 when there is no such image.
+    // From the click info, without reading pixels; 1 when it does not say, 0 when there is no such image.
     float getBinningForImage(tag_eimagetype eType);
     // Size from the file's header; false when there is no such image or its header is broken.
     bool getImageSize(tag_eimagetype eType, long* pWidth, long* pHeight);
 
-    // Fills *pOut with the main data image in that unit, as floats with its binning; what was read is not kept. 16
-    // (ESTATUS_UNIT_UNAVAILABLE) when calibration data for the unit are missing or the unit is beyond unitLimit();
-    // another non-zero status when the image cannot be read. `strCaller` names the asker in the log.
+    // Fills *pOut with the main data image in that unit, as floats with its binning; what was read is not kept. With p the
+    // stored pixel, b the bias a stored pixel (0 when it is taken off already or unknown) and B the binning:
+    //     counts             = p - b
+    //     radiance           = counts * photons a count / (exposure * (pixel size * B)^2 * solid angle at f/1 / f^2)
+    //     radiant efficiency = radiance / excitation irradiance
+    //     efficiency         = radiance / radiance of the transmitted reference, by pixel; 0 where that is not above 0
+    // The transmitted reference is image 9, brought to this image's size, or else one number for all pixels. With nativeUnit
+    // 3 the stored pixels are efficiencies and no other unit can be had.
+    // 16 (ESTATUS_UNIT_UNAVAILABLE) when calibration data for the unit are missing or the unit is beyond unitLimit();
+    // another non-zero status, told in the log under the name `strCaller`, when an image cannot be read. *pOut is untouched
+    // after any failure.
     ESTATUS getCalibratedLuminImage(tag_edisplayunit eUnit, CILImage* pOut, const QString& strCaller);
     // As getCalibratedLuminImage decides, without reading pixels; an empty text when the unit can be had, else the reason.
     QString unitUnavailableReason(tag_edisplayunit eUnit) const;
     // The host offers no unit that ranks above this one (by number); 3 at the start. For the whole process.
     static void setUnitLimit(tag_edisplayunit eLimit);
     static tag_edisplayunit unitLimit();
+    // What ORV_getImageIntensityCalibrationValue (host/orv_calibration.h) answers for this dataset.
+    bool intensityCalibration(tag_eimagetype eType, const char* pUnit, double* pValue) const;
 
     bool isLuminBackgroundSubtracted() const;
     bool isLuminFLBkgSubtracted() const;
     bool isLuminFlatFieldCorrected() const;
     bool isSLADataset() const;
 
-    // Start of the exposure in seconds since 1970 (UTC) and its length in seconds; false when the click info lacks them.
+    // Start of the exposure in seconds since 1970 (UTC) and its length in seconds; false when the click info lacks them or
+    // they cannot be read, the output is then untouched.
     bool getExposureStart(double* pSeconds) const;
     bool getExposureTime(double* pSeconds) const;
 
@@ -86,9 +103,25 @@ public:
     bool hasTransmissionImage = false;
 
 private:
-    ESTATUS calibrate(tag_edisplayunit eUnit, CILImage& image) const;
-    const CORVImageDetails* detailsOf(tag_eimagetype eType) const;
-    void findImages();
+    // Image `eType` itself, or the one that stands for it.
+    bool resolveType(tag_eimagetype eType, tag_eimagetype* pResolved) const;
+    bool hasImage(tag_eimagetype eType) const;
+    // A copy of the core image when there is one, else read from the file.
+    ESTATUS readImage(tag_eimagetype eType, CILImage* pOut, const QString& strCaller) const;
+    float binningOf(tag_eimagetype eType) const;
+    bool radianceFactor(tag_eimagetype eType, double* pFactor, QString* pReason) const;
+    // From counts to the unit, but for a reference that is an image; the unit must be available.
+    double unitFactor(tag_edisplayunit eUnit, tag_eimagetype eType) const;
+    // Divides by a reference that is an image, where the unit asks for it.
+    ESTATUS divideByIllumination(tag_edisplayunit eUnit, CILImage& image, const QString& strCaller) const;
+    // The transmitted reference in radiance at the size of `image`.
+    ESTATUS readReference(const CILImage& image, CILImage* pOut, const QString& strCaller) const;
+    // Whether there is a transmitted reference with its calibration figures.
+    bool hasReferenceImage(QString* pReason) const;
+    QString efficiencyUnavailableReason() const;
+    ESTATUS findImages(QString* pError, QStringList* pWarnings);
+    void readNativeUnit(QStringList* pWarnings);
+    void reset();
 
     QString m_strFolder;
     CORVImageList m_images;

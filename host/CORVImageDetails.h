@@ -5,6 +5,8 @@
 
 #include <QString>
 
+#include <utility>
+
 // One image of a dataset: what it is and where it lies.
 class CORVImageDetails
 {

@@ -3,6 +3,7 @@
 
 #include "host/CPLClickInfo.h"
 #include "host/orv_types.h"
+#include "platform/orvutils/StagedFolder.h"
 
 #include <QList>
 #include <QPair>
@@ -10,10 +11,7 @@
 #include <QString>
 #include <QStringList>
 
-#include <memory>
-
 class CILImage;
-class QTemporaryDir;
 
 // What the info file of a new sequence says.
 struct SequenceDescription
@@ -78,11 +76,8 @@ public:
 
 private:
     bool fail(const QString& strReason, QString* pError);
-    bool prepareFolder(QString* pError);
     bool checkDataset(const DatasetDescription& dataset, const Images& images, QString* pError);
-    bool writeImages(const QString& strFolder, const Images& images, bool bTransmission, CPLClickInfo& info,
-                     QString* pError);
-    bool moveIntoPlace(QString* pError);
+    bool writeImages(const QString& strFolder, const Images& images, CPLClickInfo& info, QString* pError);
     CPLClickInfo sequenceInfo() const;
     QString freeFolderName(const QString& strClickNumber) const;
 
@@ -96,11 +91,9 @@ private:
 
     State m_state = State::Idle;
     bool m_bForce = false;
-    QString m_strTarget;
-    QString m_strWork; // the sequence under construction, with its separator
-    std::unique_ptr<QTemporaryDir> m_pHidden;
+    StagedFolder m_folder;
     SequenceDescription m_description;
     QStringList m_folders;
     QSet<QString> m_clickNumbers;
-    QSet<QString> m_reserved; // names of the extra folders
+    QSet<QString> m_taken; // names inside the folder, in lower case
 };

@@ -1,0 +1,181 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The units of a dataset's main data image.
+#include "host/CILImage.h"
+#include "host/CORVDataset.h"
+#include "host/orv_calibration.h"
+#include "platform/orvapi/ClickInfoKeys.h"
+#include "platform/orvapi/ClickInfoValues.h"
+#include "platform/orvapi/HostLog.h"
+#include "platform/orvapi/ImageCalibration.h"
+#include "platform/orvapi/ImageNames.h"
+
+#include <cstring>
+#include <utility>
+
+namespace {
+
+// The binning that counts for the calibration: that of an image held in memory, else the click info's.
+std::optional<double> calibrationBinning(bool bInMemory, float fBinning)
+{
+    return bInMemory ? std::optional<double>(static_cast<double>(fBinning)) : std::nullopt;
+}
+
+std::optional<double> positive(const CPLClickInfo& info, const char* pKey)
+{
+    const std::optional<double> value = clickNumberValue(info, acquisitionSections(IMAGETYPE_MAIN_DATA), pKey);
+    return value && *value > 0.0 ? value : std::nullopt;
+}
+
+QString missingFigure(const char* pKey)
+{
+    return QStringLiteral("section \"%1\": \"%2\" is missing or not above 0")
+        .arg(QLatin1String(ClickKeys::kLuminescentImage), QLatin1String(pKey));
+}
+
+// Divides by the reference pixel by pixel; 0 where there is no light to divide by.
+void divideByReference(CILImage& image, const CILImage& reference)
+{
+    float* pPixels = image.floats();
+    const float* pReference = reference.floats();
+    const std::size_t count = image.pixelCount();
+    for (std::size_t i = 0; i < count; ++i)
+        pPixels[i] = pReference[i] > 0.0F ? pPixels[i] / pReference[i] : 0.0F;
+    image.RefreshImageStats();
+}
+
+} // namespace
+
+bool CORVDataset::radianceFactor(tag_eimagetype eType, double* pFactor, QString* pReason) const
+{
+    return radianceOfCount(clickInfo, eType, calibrationBinning(m_coreImages.contains(eType), binningOf(eType)),
+                           pFactor, pReason);
+}
+
+QString CORVDataset::unitUnavailableReason(tag_edisplayunit eUnit) const
+{
+    tag_eimagetype type = IMAGETYPE_MAIN_DATA;
+    if (!resolveType(IMAGETYPE_MAIN_DATA, &type))
+        return QStringLiteral("there is no luminescent image");
+    if (eUnit < DISPLAYUNIT_COUNTS || eUnit > DISPLAYUNIT_EFFICIENCY)
+        return QStringLiteral("there is no such unit");
+    if (eUnit > unitLimit())
+        return QStringLiteral("the unit is beyond the limit that was set");
+    if (nativeUnit == DISPLAYUNIT_EFFICIENCY)
+        return eUnit == DISPLAYUNIT_EFFICIENCY ? QString() : QStringLiteral("the data are stored as efficiency");
+    if (eUnit == DISPLAYUNIT_COUNTS)
+        return QString();
+    QString reason;
+    if (!radianceFactor(type, nullptr, &reason))
+        return reason;
+    if (eUnit == DISPLAYUNIT_RADIANT_EFFICIENCY && !positive(clickInfo, ClickKeys::kExcitationIrradiance))
+        return missingFigure(ClickKeys::kExcitationIrradiance);
+    return eUnit == DISPLAYUNIT_EFFICIENCY ? efficiencyUnavailableReason() : QString();
+}
+
+bool CORVDataset::hasReferenceImage(QString* pReason) const
+{
+    return hasImage(IMAGETYPE_FLUORESCENT_REFERENCE) &&
+           radianceFactor(IMAGETYPE_FLUORESCENT_REFERENCE, nullptr, pReason);
+}
+
+QString CORVDataset::efficiencyUnavailableReason() const
+{
+    QString reason;
+    if (hasReferenceImage(&reason) || positive(clickInfo, ClickKeys::kReferenceRadiance))
+        return QString();
+    return reason.isEmpty()
+               ? missingFigure(ClickKeys::kReferenceRadiance) + QLatin1String(", and there is no reference image")
+               : reason;
+}
+
+ESTATUS CORVDataset::readReference(const CILImage& image, CILImage* pOut, const QString& strCaller) const
+{
+    CILImage reference;
+    const ESTATUS status = readImage(IMAGETYPE_FLUORESCENT_REFERENCE, &reference, strCaller);
+    if (status != ESTATUS_SUCCESS)
+        return status;
+    double factor = 0.0;
+    if (!radianceFactor(IMAGETYPE_FLUORESCENT_REFERENCE, &factor, nullptr) ||
+        !applyCalibration(reference, imageBias(clickInfo, IMAGETYPE_FLUORESCENT_REFERENCE), factor))
+        return ESTATUS_FAILURE;
+    const int width = static_cast<int>(image.m_lWidth);
+    const int height = static_cast<int>(image.m_lHeight);
+    EILSTATUS resampled = EIL_SUCCESS;
+    if (reference.m_lWidth > image.m_lWidth || reference.m_lHeight > image.m_lHeight)
+        resampled = reference.downSample(width, height, IL_RESAMPLE_AREA);
+    else if (reference.m_lWidth < image.m_lWidth || reference.m_lHeight < image.m_lHeight)
+        resampled = reference.upSample(width, height, IL_RESAMPLE_SMOOTH);
+    if (resampled != EIL_SUCCESS)
+        return ESTATUS_FAILURE;
+    *pOut = std::move(reference);
+    return ESTATUS_SUCCESS;
+}
+
+ESTATUS CORVDataset::divideByIllumination(tag_edisplayunit eUnit, CILImage& image, const QString& strCaller) const
+{
+    if (eUnit != DISPLAYUNIT_EFFICIENCY || nativeUnit == DISPLAYUNIT_EFFICIENCY)
+        return ESTATUS_SUCCESS;
+    if (!hasReferenceImage(nullptr))
+        return ESTATUS_SUCCESS; // the one number for all pixels is in the factor
+    CILImage reference;
+    const ESTATUS status = readReference(image, &reference, strCaller);
+    if (status == ESTATUS_SUCCESS)
+        divideByReference(image, reference);
+    return status;
+}
+
+double CORVDataset::unitFactor(tag_edisplayunit eUnit, tag_eimagetype eType) const
+{
+    double factor = 1.0;
+    if (eUnit == DISPLAYUNIT_COUNTS || nativeUnit == DISPLAYUNIT_EFFICIENCY)
+        return factor;
+    radianceFactor(eType, &factor, nullptr);
+    if (eUnit == DISPLAYUNIT_RADIANT_EFFICIENCY)
+        factor /= positive(clickInfo, ClickKeys::kExcitationIrradiance).value_or(1.0);
+    if (eUnit == DISPLAYUNIT_EFFICIENCY && !hasReferenceImage(nullptr))
+        factor /= positive(clickInfo, ClickKeys::kReferenceRadiance).value_or(1.0);
+    return factor;
+}
+
+ESTATUS CORVDataset::getCalibratedLuminImage(tag_edisplayunit eUnit, CILImage* pOut, const QString& strCaller)
+{
+    tag_eimagetype type = IMAGETYPE_MAIN_DATA;
+    if (pOut == nullptr)
+        return ESTATUS_INVALID_ARGUMENT;
+    if (!resolveType(IMAGETYPE_MAIN_DATA, &type))
+        return ESTATUS_IMAGE_MISSING;
+    if (!unitUnavailableReason(eUnit).isEmpty())
+        return ESTATUS_UNIT_UNAVAILABLE;
+    CILImage image;
+    const ESTATUS status = readImage(type, &image, strCaller);
+    if (status != ESTATUS_SUCCESS)
+        return status;
+    const double bias = nativeUnit == DISPLAYUNIT_EFFICIENCY ? 0.0 : imageBias(clickInfo, type);
+    if (!applyCalibration(image, bias, unitFactor(eUnit, type)))
+        return ESTATUS_FAILURE;
+    const ESTATUS divided = divideByIllumination(eUnit, image, strCaller);
+    if (divided == ESTATUS_SUCCESS)
+        *pOut = std::move(image);
+    return divided;
+}
+
+bool CORVDataset::intensityCalibration(tag_eimagetype eType, const char* pUnit, double* pValue) const
+{
+    tag_eimagetype type = eType;
+    if (pUnit == nullptr || pValue == nullptr || !resolveType(eType, &type))
+        return false;
+    const bool mainData = type == IMAGETYPE_LUMINESCENT || type == IMAGETYPE_MAIN_DATA;
+    if (mainData && nativeUnit == DISPLAYUNIT_EFFICIENCY)
+        return false;
+    if (std::strcmp(pUnit, "counts") == 0) {
+        *pValue = 1.0;
+        return true;
+    }
+    return std::strcmp(pUnit, "photons") == 0 && radianceFactor(type, pValue, nullptr);
+}
+
+bool ORV_getImageIntensityCalibrationValue(tag_eimagetype eType, const CORVDataset* pDataset, const char* pUnit,
+                                           double* pValue)
+{
+    return pDataset != nullptr && pDataset->intensityCalibration(eType, pUnit, pValue);
+}

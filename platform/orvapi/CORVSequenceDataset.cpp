@@ -1,0 +1,307 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "host/CORVSequenceDataset.h"
+
+#include "host/CORVDatabase.h"
+#include "platform/orvapi/ClickInfoKeys.h"
+#include "platform/orvapi/ClickInfoValues.h"
+#include "platform/orvapi/DecayCorrection.h"
+#include "platform/orvapi/SequenceInfo.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+#include <algorithm>
+
+namespace {
+
+// Every sequence that lives, in the order of their making. Never destroyed, as in CORVDataset.
+QList<CORVSequenceDataset*>& registry()
+{
+    static auto* const s_pSequences = new QList<CORVSequenceDataset*>;
+    return *s_pSequences;
+}
+
+bool isTakenByOther(const QString& strId, const CORVSequenceDataset* pOwn)
+{
+    return std::any_of(registry().cbegin(), registry().cend(), [&](const CORVSequenceDataset* pSequence) {
+        return pSequence != pOwn && pSequence->getSequenceID() == strId;
+    });
+}
+
+QString freeId(const QString& strId, const CORVSequenceDataset* pOwn)
+{
+    QString id = strId;
+    for (int number = 2; isTakenByOther(id, pOwn); ++number)
+        id = QStringLiteral("%1_%2").arg(strId).arg(number);
+    return id;
+}
+
+bool hasDigit(const QString& strText)
+{
+    return std::any_of(strText.cbegin(), strText.cend(), [](QChar c) { return c.isDigit(); });
+}
+
+bool hasTimes(const CORVDataset& dataset)
+{
+    return !clickText(dataset.clickInfo, ClickKeys::kClickNumber, ClickKeys::kKyVoTime).isEmpty() &&
+           !clickText(dataset.clickInfo, ClickKeys::kClickNumber, ClickKeys::kKyVoInterval).isEmpty();
+}
+
+} // namespace
+
+CORVSequenceDataset::CORVSequenceDataset(QObject* pParent) : QObject(pParent)
+{
+    registry().append(this);
+}
+
+CORVSequenceDataset::~CORVSequenceDataset()
+{
+    registry().removeOne(this);
+}
+
+CORVSequenceDataset* CORVSequenceDataset::getSequenceDataset(const QString& strId)
+{
+    if (strId.isEmpty())
+        return nullptr;
+    for (CORVSequenceDataset* pSequence : registry())
+        if (pSequence->getSequenceID() == strId)
+            return pSequence;
+    return nullptr;
+}
+
+QList<CORVSequenceDataset*> CORVSequenceDataset::openSequences()
+{
+    return registry();
+}
+
+void CORVSequenceDataset::reset()
+{
+    m_strId.clear();
+    m_strName.clear();
+    m_strInfoPath.clear();
+    m_info.clear();
+    m_datasets.clear();
+    m_adjust = tag_simageadjust();
+    m_bKyvo = m_b3DSceneOnly = m_bCTScan = m_bCTComplete = m_bModified = false;
+    isFluorescence = isTransillumination = false;
+}
+
+ESTATUS CORVSequenceDataset::open(const QString& strPath, QString* pError, QStringList* pWarnings)
+{
+    reset();
+    QStringList warnings;
+    const QFileInfo given(strPath);
+    const QString folder = QDir::cleanPath(given.isDir() ? given.absoluteFilePath() : given.absolutePath());
+    const bool exists =
+        given.isDir() || (given.isFile() && given.fileName() == QLatin1String(SequenceFiles::kSequenceInfo));
+    if (exists) {
+        m_strInfoPath = folder.endsWith(QLatin1Char('/')) ? folder : folder + QLatin1Char('/');
+        SequenceInfo info;
+        const bool described = readInfo(&info, &warnings);
+        readDatasets(findFolders(described, info, &warnings), &warnings);
+        takeOver(described, info, &warnings);
+    }
+    const bool usable = !m_datasets.isEmpty();
+    if (!usable) {
+        if (pError != nullptr) {
+            *pError = exists ? QStringLiteral("%1: holds no dataset that can be read").arg(folder)
+                             : QStringLiteral("%1: is no sequence folder").arg(strPath);
+            if (!warnings.isEmpty())
+                *pError += QLatin1String("; ") + warnings.join(QLatin1String("; "));
+        }
+        reset();
+    }
+    if (pWarnings != nullptr)
+        pWarnings->append(warnings);
+    if (usable)
+        return ESTATUS_SUCCESS;
+    return exists ? ESTATUS_FILE_UNREADABLE : ESTATUS_INVALID_ARGUMENT;
+}
+
+bool CORVSequenceDataset::readInfo(SequenceInfo* pInfo, QStringList* pWarnings)
+{
+    const QString file = m_strInfoPath + QLatin1String(SequenceFiles::kSequenceInfo);
+    if (!QFileInfo::exists(file)) {
+        pWarnings->append(QStringLiteral("%1: is missing; the folders beside it are taken as datasets").arg(file));
+        return false;
+    }
+    QStringList lines;
+    const bool readable = m_info.loadClickInfo(file, &lines) == 0;
+    if (!readable && lines.isEmpty())
+        lines.append(QStringLiteral("%1: cannot be read").arg(file));
+    pWarnings->append(lines);
+    if (readable && readSequenceInfo(m_info, file, pInfo, *pWarnings))
+        return true;
+    pWarnings->append(
+        QStringLiteral("%1: describes no sequence; the folders beside it are taken as datasets").arg(file));
+    return false;
+}
+
+QStringList CORVSequenceDataset::findFolders(bool bDescribed, const SequenceInfo& info, QStringList* pWarnings) const
+{
+    if (!bDescribed)
+        return foldersOnDisk();
+    const int listed = info.folders.size() + info.refusedFolders;
+    const bool complete = info.announcedCount ? listed >= *info.announcedCount : listed > 0;
+    if (complete)
+        return info.folders;
+    pWarnings->append(
+        QStringLiteral("%1%2: the list of datasets is cut short (%3 of %4); the other folders beside it are "
+                       "added")
+            .arg(m_strInfoPath, QLatin1String(SequenceFiles::kSequenceInfo))
+            .arg(listed)
+            .arg(info.announcedCount ? QString::number(*info.announcedCount) : QStringLiteral("?")));
+    QStringList folders = info.folders;
+    for (const QString& folder : foldersOnDisk())
+        if (!folders.contains(folder))
+            folders.append(folder);
+    return folders;
+}
+
+void CORVSequenceDataset::readDatasets(const QStringList& folders, QStringList* pWarnings)
+{
+    for (const QString& folder : folders) {
+        const auto pDataset = QSharedPointer<CORVDataset>::create();
+        QString reason;
+        if (pDataset->open(m_strInfoPath + folder, &reason, pWarnings) != ESTATUS_SUCCESS) {
+            pWarnings->append(QStringLiteral("%1; the dataset is left out").arg(reason));
+        } else if (const CORVDataset* pEarlier = getDataset(pDataset->getClickNumber())) {
+            pWarnings->append(QStringLiteral("%1: has the click number %2 of %3; the dataset is left out")
+                                  .arg(pDataset->folderPath(), pDataset->getClickNumber(), pEarlier->folderPath()));
+        } else {
+            m_datasets.append(pDataset);
+        }
+    }
+}
+
+void CORVSequenceDataset::takeOver(bool bDescribed, const SequenceInfo& info, QStringList* pWarnings)
+{
+    if (m_datasets.isEmpty())
+        return;
+    if (bDescribed && !(info.temporal && info.fluorescence && info.transillumination))
+        pWarnings->append(QStringLiteral("%1%2: does not tell the kind of the sequence in full; the click infos serve")
+                              .arg(m_strInfoPath, QLatin1String(SequenceFiles::kSequenceInfo)));
+    const auto all = [this](auto&& test) {
+        return std::all_of(m_datasets.cbegin(), m_datasets.cend(), [&](const auto& p) { return test(*p); });
+    };
+    const bool excited = std::any_of(m_datasets.cbegin(), m_datasets.cend(),
+                                     [](const auto& p) { return hasDigit(p->getExcitationFilter()); });
+    m_bKyvo = info.temporal.value_or(all(hasTimes));
+    isFluorescence = info.fluorescence.value_or(excited);
+    isTransillumination =
+        info.transillumination.value_or(isFluorescence && all([](const CORVDataset& dataset) {
+                                            return !dataset.getFLXspot().isEmpty() && !dataset.getFLYspot().isEmpty();
+                                        }));
+    m_b3DSceneOnly = info.sceneOnly3D;
+    m_bCTScan = info.ctScan;
+    m_bCTComplete = info.ctComplete;
+    m_adjust = info.adjust;
+    const QString ownName = QDir(m_strInfoPath).dirName();
+    setSequenceID(info.id.isEmpty() ? ownName : info.id);
+    m_strName = !info.name.isEmpty() ? info.name : !info.id.isEmpty() ? info.id : ownName;
+}
+
+QStringList CORVSequenceDataset::foldersOnDisk() const
+{
+    const QDir dir(m_strInfoPath);
+    QStringList folders;
+    for (const QString& folder : dir.entryList(QDir::Dirs | QDir::NoDotAndDotDot))
+        if (QFileInfo::exists(dir.filePath(folder + QLatin1Char('/') + QLatin1String(SequenceFiles::kClickInfo))))
+            folders.append(folder);
+    std::sort(folders.begin(), folders.end(), numberAwareLess);
+    return folders;
+}
+
+void CORVSequenceDataset::setSequenceID(const QString& strId)
+{
+    m_strId = freeId(strId, this);
+}
+
+bool CORVSequenceDataset::addDataset(CORVDataset* pDataset)
+{
+    if (pDataset == nullptr || getDataset(pDataset->getClickNumber()) != nullptr)
+        return false;
+    m_datasets.append(QSharedPointer<CORVDataset>(pDataset));
+    return true;
+}
+
+QList<CORVDataset*> CORVSequenceDataset::getDatasets() const
+{
+    QList<CORVDataset*> datasets;
+    for (const QSharedPointer<CORVDataset>& pDataset : m_datasets)
+        datasets.append(pDataset.data());
+    return datasets;
+}
+
+CORVDataset* CORVSequenceDataset::getDataset(const QString& strClickNumber) const
+{
+    for (const QSharedPointer<CORVDataset>& pDataset : m_datasets)
+        if (pDataset->getClickNumber() == strClickNumber)
+            return pDataset.data();
+    return nullptr;
+}
+
+CILImage* CORVSequenceDataset::getEquivalentImageFromSequence(CORVDataset* pDataset, tag_eimagetype eType) const
+{
+    for (const QSharedPointer<CORVDataset>& pOther : m_datasets) {
+        if (pOther.data() == pDataset)
+            continue;
+        if (CILImage* pImage = pOther->getCoreImage(eType))
+            return pImage;
+    }
+    return nullptr;
+}
+
+bool CORVSequenceDataset::isSLASequence() const
+{
+    return std::any_of(m_datasets.cbegin(), m_datasets.cend(),
+                       [](const auto& pDataset) { return pDataset->isSLADataset(); });
+}
+
+bool CORVSequenceDataset::isCTSequence(bool bIncomplete) const
+{
+    return m_bCTScan && (m_bCTComplete || bIncomplete);
+}
+
+void CORVSequenceDataset::setCTScan(bool bScan, bool bComplete)
+{
+    m_bCTScan = bScan;
+    m_bCTComplete = bScan && bComplete;
+}
+
+bool CORVSequenceDataset::isCherenkovIsotopeInData(QString& strIsotope) const
+{
+    strIsotope.clear();
+    for (const QSharedPointer<CORVDataset>& pDataset : m_datasets) {
+        const QString isotope = clickText(pDataset->clickInfo, ClickKeys::kLuminescentImage, ClickKeys::kIsotope);
+        if (!isotope.isEmpty() && CORVDatabase::isCherenkovIsotope(isotope, &strIsotope))
+            return true;
+    }
+    return false;
+}
+
+bool CORVSequenceDataset::calculateDecayCorrectFactor_CherenkovData(const QVector<QString>& clickNumbers,
+                                                                    double dHalfLifeSec, QVector<double>& factors) const
+{
+    factors.clear();
+    QVector<Exposure> exposures;
+    for (const QString& clickNumber : clickNumbers) {
+        const CORVDataset* pDataset = getDataset(clickNumber);
+        Exposure exposure;
+        if (pDataset == nullptr || !pDataset->getExposureStart(&exposure.start) ||
+            !pDataset->getExposureTime(&exposure.length))
+            return false;
+        exposures.append(exposure);
+    }
+    return decayCorrectionFactors(exposures, dHalfLifeSec, factors);
+}
+
+void CORVSequenceDataset::setModified(bool bModified)
+{
+    m_bModified = bModified;
+}
+
+void CORVSequenceDataset::sequencePropertyChanged(CORVSequenceDataset* pSequence)
+{
+    Q_EMIT propertyChanged(pSequence);
+}
