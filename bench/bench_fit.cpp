@@ -1,0 +1,166 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The fit of all pixels with known spectra: unconstrained, and non-negative by the fast path, by the plain path and with
+// every row through NNLS. Times also in units of R, one single-threaded pass that sums the same matrix.
+#include "bench_support.h"
+
+#include "XTNT/concentration_pass.h"
+#include "XTNT/constrained_concentrations.h"
+#include "XTNT/least_squares.h"
+#include "XTNT/nnls_row_fit.h"
+
+#include <map>
+#include <memory>
+
+namespace {
+
+using bench::Size;
+using XTNT::Matrix;
+
+// The sweep: pixels a side, bands, components.
+constexpr Size sizes[] = {{256, 18, 4}, {512, 24, 5}, {1024, 24, 5}};
+constexpr int fastIterations = 25;
+constexpr int slowIterations = 5;
+constexpr int repetitions = 5;
+
+struct Problem
+{
+    Size size{};
+    Matrix<double> spectra;
+    Matrix<double> pixels;
+};
+
+// Made once a size.
+const Problem& problem(long long index)
+{
+    static std::map<long long, std::unique_ptr<Problem>> problems;
+    std::unique_ptr<Problem>& slot = problems[index];
+    if (!slot) {
+        problems.clear();
+        std::unique_ptr<Problem>& fresh = problems[index];
+        fresh = std::make_unique<Problem>();
+        fresh->size = sizes[index];
+        fresh->spectra = bench::makeSpectra(fresh->size);
+        fresh->pixels = bench::makePixels(fresh->size, fresh->spectra);
+        return *fresh;
+    }
+    return *slot;
+}
+
+// Largest difference of an element from the reference, relative to the largest magnitude of the reference's row.
+double largestError(const Matrix<double>& result, const Matrix<double>& reference)
+{
+    double error = 0;
+    for (long long p = 0; p < reference.num_rows(); ++p) {
+        double largest = 0;
+        double difference = 0;
+        for (long long k = 0; k < reference.num_cols(); ++k) {
+            largest = std::max(largest, std::abs(reference[p][k]));
+            difference = std::max(difference, std::abs(result[p][k] - reference[p][k]));
+        }
+        if (largest > 0)
+            error = std::max(error, difference / largest);
+    }
+    return error;
+}
+
+double negativeShare(const Matrix<double>& fit)
+{
+    long long rows = 0;
+    for (long long p = 0; p < fit.num_rows(); ++p)
+        rows += std::any_of(fit[p], fit[p] + fit.num_cols(), [](double c) { return c < 0; }) ? 1 : 0;
+    return static_cast<double>(rows) / static_cast<double>(fit.num_rows());
+}
+
+Matrix<double> everyRowThroughNnls(const Problem& p)
+{
+    Matrix<double> result(p.pixels.num_rows(), p.spectra.num_rows());
+    XTNT::WorkspacePool<XTNT::NnlsRowFit> pool([&p] { return std::make_unique<XTNT::NnlsRowFit>(p.spectra); });
+    XTNT::parallelChunks(p.pixels.num_rows(), 64, [&](long long begin, long long end) {
+        const XTNT::WorkspacePool<XTNT::NnlsRowFit>::Lease lease(pool);
+        for (long long row = begin; row < end; ++row)
+            (*lease).fit(p.pixels[row], result[row]);
+    });
+    return result;
+}
+
+Matrix<double> plain(const Problem& p)
+{
+    Matrix<double> result;
+    XTNT::constrainedConcentrationsPlain(p.pixels, p.spectra, result);
+    return result;
+}
+
+Matrix<double> fast(const Problem& p)
+{
+    Matrix<double> result;
+    XTNT::constrainedConcentrations(p.pixels, p.spectra, result);
+    return result;
+}
+
+Matrix<double> unconstrained(const Problem& p)
+{
+    return XTNT::solveForRight(p.pixels, p.spectra);
+}
+
+// One orthogonal factorisation for a slice of the pixels as right-hand sides.
+double unconstrainedError(const Problem& p)
+{
+    const Matrix<double> some = p.pixels.subMatrix(0, 4095, 0, p.size.bands - 1);
+    return largestError(XTNT::solveForRight(some, p.spectra),
+                        transpose(XTNT::solveForLeft(transpose(p.spectra), transpose(some))));
+}
+
+using Path = Matrix<double> (*)(const Problem&);
+
+void oneThread(benchmark::State& state, Path path)
+{
+    const Problem& p = problem(state.range(0));
+    bench::timeInUnits(state, p.pixels, [&] { benchmark::DoNotOptimize(path(p).storage.data); });
+    state.counters["negative"] = negativeShare(unconstrained(p));
+    state.counters["error"] = path == unconstrained ? unconstrainedError(p) : largestError(path(p), plain(p));
+}
+
+void twoThreads(benchmark::State& state, Path path)
+{
+    const Problem& p = problem(state.range(0));
+    bench::timeTwoThreads(state, p.pixels, [&] { benchmark::DoNotOptimize(path(p).storage.data); });
+}
+
+void settings(benchmark::internal::Benchmark* b, int size, int iterations)
+{
+    b->Arg(size)->ArgName("size")->Iterations(iterations)->Repetitions(repetitions)->UseManualTime();
+    b->Unit(benchmark::kMillisecond)->ReportAggregatesOnly(true);
+}
+
+void registerAll()
+{
+    const struct
+    {
+        const char* name;
+        Path path;
+        int iterations;
+    } paths[] = {{"unconstrained", unconstrained, fastIterations},
+                 {"constrained_fast", fast, fastIterations},
+                 {"constrained_plain", plain, slowIterations},
+                 {"every_row_nnls", everyRowThroughNnls, slowIterations}};
+    for (int size = 0; size < 3; ++size) {
+        for (const auto& path : paths) {
+            settings(
+                benchmark::RegisterBenchmark((std::string("one_thread/") + path.name).c_str(), oneThread, path.path),
+                size, path.iterations);
+            settings(
+                benchmark::RegisterBenchmark((std::string("two_threads/") + path.name).c_str(), twoThreads, path.path),
+                size, path.iterations);
+        }
+    }
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    registerAll();
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    return 0;
+}
