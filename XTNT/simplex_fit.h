@@ -12,11 +12,13 @@ namespace XTNT {
 //   subject to  sum over j of x[j] * A[j][i] <= max(0, d[i] + tolerance * Max(d))   for every band i
 //
 // `x` becomes a new vector of the m amounts, `residual` a new one of the n bands: d minus the spectra by their amounts,
-// negative elements set to 0. `residual` and `d` may be one object. Never throws. Returns
+// negative elements set to 0. A bound that comes out as NaN counts as 0. `residual` and `d` may be one object. Never
+// throws. Returns
 //   0  done
 //   2  d and A differ in the number of bands
 //   3  the solver threw (an element is not finite, or memory ran out)
-//   any other value: the solver's own, 1 when the objective has no bound (a spectrum with elements not above 0).
+//   any other value: the solver's own for a program without a finite optimum, which the bounds rule out as long as
+//      rounding errors don't intervene
 // Unless 0 is returned, x and residual are left alone.
 int simplexFit(const Vector<double>& d, const Matrix<double>& A, Vector<double>& residual, Vector<double>& x,
                double tolerance) noexcept;
