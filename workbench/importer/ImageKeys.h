@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "workbench/importer/ImageStack.h"
+#include "workbench/importer/ImagesTable.h"
+
+#include <QString>
+#include <QVector>
+
+#include <optional>
+
+// What tells one image of the new sequence from the others, as it will stand in its click info.
+struct ImageKey
+{
+    QString excitation; // "488nm", or "Block" without excitation
+    QString emission;   // "510nm", or "Open" without a filter
+    QString interval;   // of a temporal sequence, else empty
+    QString time;       // s
+};
+
+// The kind of the sequence and the keys of its images.
+struct ImageKeys
+{
+    bool temporal = false;
+    bool fluorescence = false;
+    QVector<ImageKey> images;
+
+    // Times make a temporal sequence, excitations one of fluorescence; every row must say the same kind of things. An
+    // emission that the table leaves open is taken from the ENVI header, if that tells it. Wavelengths are rounded to whole
+    // nanometres. False with "file:line: reason" in *pError as importStack() tells.
+    bool make(const ImagesTable& table, const ImageStack& stack, QString* pError);
+
+private:
+    bool addTemporal(const ImageRow& row, QString* pReason);
+    bool addSpectral(const ImageRow& row, std::optional<double> emission, bool bEmissions, QString* pReason);
+    bool refuseDuplicates(const ImagesTable& table, const ImageStack& stack, QString* pError) const;
+};
+
+// The second under which an image is known: the time as single precision holds it, cut to a whole number.
+int wholeSecond(const QString& strTime);

@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "host/CILImage.h"
+#include "workbench/importer/EnviCube.h"
+#include "workbench/importer/ImagesTable.h"
+
+#include <QHash>
+#include <QSharedPointer>
+#include <QString>
+#include <QStringList>
+#include <QVector>
+
+#include <optional>
+
+// The images that a table names, wherever they lie: files of a folder, pages of a TIFF file, samples of its pixels, bands of
+// an ENVI cube. All have one size. Pixels are read one image at a time.
+class ImageStack
+{
+public:
+    // Finds every image of the table and reads the headers. With a folder as `strSource` each row names its file there;
+    // otherwise `strSource` is the file of all rows. A row without page or band means the first. False with one sentence in
+    // *pError (see importStack) when an image cannot be found or differs in size, or two rows name one image.
+    bool open(const QString& strSource, const ImagesTable& table, QString* pError);
+
+    int count() const { return m_images.size(); }
+    long width() const { return m_lWidth; }
+    long height() const { return m_lHeight; }
+    const QStringList& warnings() const { return m_warnings; }
+
+    // Short and for people: "cells_00.tif", "stack.tif page 3", "cube.dat band 2".
+    QString name(int i) const { return m_images.at(i).name; }
+    // What an ENVI header tells of the band, in nm.
+    std::optional<double> wavelength(int i) const;
+    // Reads image i in its own type. False with "file: reason" in *pError; `out` is then empty.
+    bool readBand(int i, CILImage& out, QString* pError) const;
+
+private:
+    struct Image
+    {
+        QString path;
+        QString name;
+        int page = 0;                  // from 0
+        int band = -1;                 // from 0; -1 for a TIFF page as a whole
+        QSharedPointer<EnviCube> cube; // null for a TIFF file
+    };
+    bool locate(const QString& strSource, bool bFolder, const ImageRow& row, Image& image, QString* pReason);
+    bool openCube(const ImageRow& row, Image& image, QString* pReason);
+    bool measure(const Image& image, long* pWidth, long* pHeight, QString* pReason);
+
+    QVector<Image> m_images;
+    QHash<QString, QSharedPointer<EnviCube>> m_cubes; // by path, while opening
+    long m_lWidth = 0;
+    long m_lHeight = 0;
+    QStringList m_warnings;
+};

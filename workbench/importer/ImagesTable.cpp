@@ -1,0 +1,235 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "workbench/importer/ImagesTable.h"
+
+#include "workbench/importer/CsvLine.h"
+
+#include <QFile>
+#include <QTextCodec>
+
+#include <array>
+#include <cmath>
+
+namespace {
+
+// Ten thousand images with long names need a tenth of this.
+constexpr qint64 maxTableBytes = 16 * 1024 * 1024;
+
+enum Column
+{
+    ColumnFile,
+    ColumnPage,
+    ColumnBand,
+    ColumnExcitation,
+    ColumnEmission,
+    ColumnInterval,
+    ColumnTime,
+    ColumnCount
+};
+constexpr std::array<const char*, ColumnCount> columnNames{"file",     "page",     "band", "excitation",
+                                                           "emission", "interval", "time"};
+
+// Position of each column among the fields, -1 without.
+using Columns = std::array<int, ColumnCount>;
+
+bool findColumns(const QStringList& header, Columns& columns, QStringList& warnings, QString& error)
+{
+    columns.fill(-1);
+    for (int i = 0; i < header.size(); ++i) {
+        bool bKnown = header.at(i).isEmpty(); // a spreadsheet's empty columns
+        for (std::size_t c = 0; c < ColumnCount; ++c) {
+            if (header.at(i).compare(QLatin1String(columnNames[c]), Qt::CaseInsensitive) != 0) {
+                continue;
+            }
+            bKnown = true;
+            if (columns[c] >= 0) {
+                error = QStringLiteral("the column \"%1\" occurs twice").arg(header.at(i));
+                return false;
+            }
+            columns[c] = i;
+        }
+        if (!bKnown) {
+            warnings.append(QStringLiteral("the column \"%1\" is passed over").arg(header.at(i)));
+        }
+    }
+    if (columns[ColumnExcitation] < 0 && columns[ColumnEmission] < 0 && columns[ColumnTime] < 0) {
+        error = QStringLiteral("the first line names no column \"excitation\", \"emission\" or \"time\"");
+        return false;
+    }
+    return true;
+}
+
+// A field as a number, its unit dropped; nothing in *pValue for an empty one.
+bool readNumber(const QString& field, Column column, const char* unit, std::optional<double>& value, QString& error)
+{
+    if (field.isEmpty()) {
+        return true;
+    }
+    QString text = field;
+    if (text.endsWith(QLatin1String(unit), Qt::CaseInsensitive)) {
+        text.chop(static_cast<int>(qstrlen(unit)));
+    }
+    bool bNumber = false;
+    const double number = text.trimmed().toDouble(&bNumber);
+    if (!bNumber || !std::isfinite(number)) {
+        error = QStringLiteral("the %1 \"%2\" is not a number").arg(QLatin1String(columnNames[column]), field);
+        return false;
+    }
+    value = number;
+    return true;
+}
+
+bool readCount(const QString& field, Column column, const char* prefix, std::optional<int>& value, QString& error)
+{
+    if (field.isEmpty()) {
+        return true;
+    }
+    QString text = field;
+    if (text.startsWith(QLatin1String(prefix), Qt::CaseInsensitive)) {
+        text.remove(0, static_cast<int>(qstrlen(prefix)));
+    }
+    bool bNumber = false;
+    const int number = text.toInt(&bNumber);
+    if (!bNumber || number < 1) {
+        error = QStringLiteral("the %1 \"%2\" is not a whole number from 1 on")
+                    .arg(QLatin1String(columnNames[column]), field);
+        return false;
+    }
+    value = number;
+    return true;
+}
+
+bool readRow(const QStringList& fields, const Columns& columns, ImageRow& row, QString& error)
+{
+    const auto field = [&](Column column) {
+        const int at = columns[static_cast<std::size_t>(column)];
+        return at < 0 ? QString() : fields.value(at);
+    };
+    row.file = field(ColumnFile);
+    return readCount(field(ColumnPage), ColumnPage, "", row.page, error) &&
+           readCount(field(ColumnBand), ColumnBand, "", row.band, error) &&
+           readNumber(field(ColumnExcitation), ColumnExcitation, "nm", row.excitation, error) &&
+           readNumber(field(ColumnEmission), ColumnEmission, "nm", row.emission, error) &&
+           readCount(field(ColumnInterval), ColumnInterval, "Int", row.interval, error) &&
+           readNumber(field(ColumnTime), ColumnTime, "s", row.time, error);
+}
+
+// Which byte is no UTF-8 is told by its line.
+int firstLineThatIsNotText(const QByteArray& text, QTextCodec* codec)
+{
+    int line = 0;
+    for (const QByteArray& bytes : text.split('\n')) {
+        ++line;
+        QTextCodec::ConverterState state;
+        codec->toUnicode(bytes.constData(), bytes.size(), &state);
+        if (state.invalidChars > 0 || state.remainingChars > 0 || bytes.contains('\0')) {
+            return line;
+        }
+    }
+    return 0;
+}
+
+} // namespace
+
+bool ImagesTable::load(const QString& strPath, QString* pError)
+{
+    m_rows.clear();
+    m_warnings.clear();
+    m_strName = strPath;
+    QFile file(strPath);
+    if (!file.open(QIODevice::ReadOnly)) {
+        *pError = QStringLiteral("%1: %2").arg(strPath, file.errorString());
+        return false;
+    }
+    const QByteArray text = file.read(maxTableBytes + 1);
+    if (file.error() != QFileDevice::NoError) {
+        *pError = QStringLiteral("%1: %2").arg(strPath, file.errorString());
+        return false;
+    }
+    if (text.size() > maxTableBytes) {
+        *pError = QStringLiteral("%1: the file is too large for a table of images").arg(strPath);
+        return false;
+    }
+    return parse(text, strPath, pError);
+}
+
+bool ImagesTable::parse(const QByteArray& text, const QString& strName, QString* pError)
+{
+    m_rows.clear();
+    m_warnings.clear();
+    m_strName = strName;
+    QTextCodec* codec = QTextCodec::codecForName("UTF-8");
+    if (const int line = firstLineThatIsNotText(text, codec)) {
+        *pError = QStringLiteral("%1:%2: the text is not UTF-8").arg(strName).arg(line);
+        return false;
+    }
+    QString all = QString::fromUtf8(text);
+    if (all.startsWith(QChar(QChar::ByteOrderMark))) {
+        all.remove(0, 1);
+    }
+    if (!parseLines(all.split(QLatin1Char('\n')), pError)) {
+        m_rows.clear();
+        return false;
+    }
+    return true;
+}
+
+bool ImagesTable::parseLines(const QStringList& lines, QString* pError)
+{
+    Columns columns{};
+    QChar separator;
+    bool bHeaderSeen = false;
+    int headerFields = 0;
+    for (int i = 0; i < lines.size(); ++i) {
+        const QString line = lines.at(i).trimmed();
+        if (line.isEmpty()) {
+            continue;
+        }
+        const auto fail = [&](const QString& reason) {
+            *pError = QStringLiteral("%1:%2: %3").arg(m_strName, QString::number(i + 1), reason);
+            return false;
+        };
+        if (!bHeaderSeen) {
+            const bool bSemicolons = line.contains(QLatin1Char(';')) && !line.contains(QLatin1Char(','));
+            separator = bSemicolons ? QLatin1Char(';') : QLatin1Char(',');
+        }
+        QStringList fields;
+        QString reason;
+        if (!splitCsvLine(line, separator, &fields, &reason)) {
+            return fail(reason);
+        }
+        if (!bHeaderSeen) {
+            if (!findColumns(fields, columns, m_warnings, reason)) {
+                return fail(reason);
+            }
+            bHeaderSeen = true;
+            headerFields = fields.size();
+            continue;
+        }
+        while (fields.size() > headerFields && fields.last().isEmpty()) {
+            fields.removeLast();
+        }
+        if (fields.join(QString()).isEmpty()) {
+            continue; // a spreadsheet's empty row
+        }
+        if (fields.size() > headerFields) {
+            return fail(
+                QStringLiteral("%1 fields where the first line names %2 columns").arg(fields.size()).arg(headerFields));
+        }
+        ImageRow row;
+        row.line = i + 1;
+        if (!readRow(fields, columns, row, reason)) {
+            return fail(reason);
+        }
+        m_rows.append(row);
+    }
+    if (m_rows.isEmpty()) {
+        *pError = QStringLiteral("%1: the table names no image").arg(m_strName);
+        return false;
+    }
+    return true;
+}
+
+QString ImagesTable::place(const ImageRow& row) const
+{
+    return QStringLiteral("%1:%2").arg(m_strName).arg(row.line);
+}

@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+// What was imported.
+struct ImportReport
+{
+    QString sequenceId;
+    int images = 0;
+    long width = 0; // of each image, in pixels, before padding
+    long height = 0;
+    long side = 0; // of the square that was written
+    bool temporal = false;
+    bool fluorescence = false;
+    QString photographOrigin; // "mean image", or the name of the photograph's file
+    QStringList clickNumbers; // in the order of the table
+    QStringList warnings;     // what was passed over, a sentence each
+    bool aborted = false;     // the import failed because the progress callback said so
+};
