@@ -5,12 +5,15 @@
 
 #include <QString>
 
-// The host's registry of long operations. Safe from any thread. Processes of the same type nest.
+// The host's registry of long operations. Safe from any thread. Processes nest.
 class CORVProcess
 {
 public:
-    // Marks a long operation and shows its abort control, when it can be aborted; clears an earlier abort.
+    // Marks a long operation and shows its abort control, when it can be aborted. The outermost start clears an earlier
+    // abort; a start inside another process keeps it.
     static void startLongProcess(int nReserved, tag_eLongProcessTypes eType, bool bCanAbort, QString strAbortText);
+    // Ends the latest process of that type. LONGPROCESS_ANALYSIS also ends one that began as LONGPROCESS_GENERAL, as a run
+    // of the engine does. Without such a process nothing ends.
     static void endLongProcess(tag_eLongProcessTypes eType);
     // As above with a last message, shown for nMilliseconds.
     static void endLongProcess(const QString& strMessage, int nMilliseconds, tag_eLongProcessTypes eType);

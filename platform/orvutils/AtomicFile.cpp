@@ -10,14 +10,21 @@ bool writeFileAtomically(const QString& strPath, const QByteArray& bytes, QStrin
     QSaveFile file(strPath);
     bool done = file.open(QIODevice::WriteOnly);
     if (done) {
-        // commit() alone answers true on a full disk and puts a torn file in place.
+        // commit() alone answers true on a full disk and would put a torn file in place: the last block is only written
+        // by flush(), and its failure shows in error().
         done = file.write(bytes) == bytes.size() && file.flush() && file.error() == QFileDevice::NoError;
         if (!done)
             file.cancelWriting();
-        done = file.commit() && done;
+        const QString reason = file.errorString();
+        const bool committed = file.commit();
+        if (!done && pError)
+            *pError = QStringLiteral("%1: cannot be written: %2").arg(strPath, reason);
+        if (!done)
+            return false;
+        done = committed;
     }
-    if (!done && pError != nullptr)
-        *pError = QStringLiteral("%1: cannot be written (%2)").arg(strPath, file.errorString());
+    if (!done && pError)
+        *pError = QStringLiteral("%1: cannot be written: %2").arg(strPath, file.errorString());
     return done;
 }
 

@@ -6,8 +6,9 @@
 
 namespace orv {
 
-// Replaces the file by `bytes` as a whole or leaves it as it was, a full disk included. On failure false, and *pError (may
-// be null) says the path and the reason.
+// Puts a file in place as a whole: the bytes go to a temporary file in the same folder, which then takes the target's
+// name. False on any failure (no such folder, no permission, full disk); the target is then what it was and no temporary
+// file is left. `pError` may be null; it receives one sentence with the file and the reason.
 bool writeFileAtomically(const QString& strPath, const QByteArray& bytes, QString* pError = nullptr);
 
 } // namespace orv

@@ -1,42 +1,53 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/CAutoProgressUpdate.h"
 
+#include "platform/orvutils/ProcessControl.h"
 #include "platform/orvutils/ProgressDisplay.h"
 
 #include <QElapsedTimer>
 #include <QMutexLocker>
 
+#include <algorithm>
+
+namespace orv {
+
 namespace {
 
-constexpr unsigned long refreshMilliseconds = 200;
+constexpr unsigned long intervalMilliseconds = 150;
 
-struct Display
+struct Installed
 {
-    QMutex mutex;
-    std::function<void(const QString&, double)> function;
+    QMutex m_mutex;
+    ProgressDisplay m_display;
 };
 
-Display& display()
+Installed& installed()
 {
-    static Display instance;
-    return instance;
+    static auto* const pInstalled = new Installed;
+    return *pInstalled;
 }
 
-void show(const QString& strMessage, double dElapsedSeconds)
+double fractionDone()
 {
-    QMutexLocker lock(&display().mutex);
-    if (display().function)
-        display().function(strMessage, dElapsedSeconds);
+    const auto state = processState();
+    if (state.m_nSteps <= 0)
+        return -1.0;
+    return std::clamp(static_cast<double>(state.m_nStep) / state.m_nSteps, 0.0, 1.0);
+}
+
+void show(const QString& strMessage, double dFraction, double dSeconds)
+{
+    QMutexLocker lock(&installed().m_mutex);
+    if (installed().m_display)
+        installed().m_display(strMessage, dFraction, dSeconds);
 }
 
 } // namespace
 
-namespace orv {
-
-void setProgressDisplay(std::function<void(const QString&, double)> function)
+void setProgressDisplay(ProgressDisplay display)
 {
-    QMutexLocker lock(&display().mutex);
-    display().function = std::move(function);
+    QMutexLocker lock(&installed().m_mutex);
+    installed().m_display = std::move(display);
 }
 
 } // namespace orv
@@ -67,26 +78,38 @@ QString CAutoProgressUpdate::statusMessage() const
 
 void CAutoProgressUpdate::stop()
 {
+    // Without a thread there is nothing to end, and a later start must not find the order to stop.
+    if (!isRunning())
+        return;
     {
         QMutexLocker lock(&m_mutex);
         m_bStop = true;
         m_wake.wakeAll();
     }
+    // A display that ends its own updater: the thread can't wait for itself, it ends with this turn.
+    if (QThread::currentThread() == this)
+        return;
     wait();
+    QMutexLocker lock(&m_mutex);
+    m_bStop = false;
 }
 
 void CAutoProgressUpdate::run()
 {
     QElapsedTimer timer;
     timer.start();
+    const auto seconds = [&timer] { return static_cast<double>(timer.elapsed()) / 1000.0; };
     QMutexLocker lock(&m_mutex);
     while (!m_bStop) {
-        const QString message = m_strMessage;
+        // A null message would tell the display that all is over.
+        const QString message = m_strMessage.isNull() ? QString(QLatin1String("")) : m_strMessage;
         m_bChanged = false;
         lock.unlock();
-        show(message, static_cast<double>(timer.elapsed()) / 1000.0);
+        orv::show(message, orv::fractionDone(), seconds());
         lock.relock();
         if (!m_bStop && !m_bChanged)
-            m_wake.wait(&m_mutex, refreshMilliseconds);
+            m_wake.wait(&m_mutex, orv::intervalMilliseconds);
     }
+    lock.unlock();
+    orv::show(QString(), -1.0, seconds());
 }

@@ -3,97 +3,148 @@
 
 #include "platform/orvutils/LogSinks.h"
 
-#include <QDateTime>
 #include <QFile>
 #include <QMutex>
 #include <QMutexLocker>
 
 #include <cstdio>
+#include <map>
 #include <memory>
+
+namespace orv {
 
 namespace {
 
 struct Sinks
 {
-    QMutex mutex;
-    orv::ConsoleLog console = orv::ConsoleLog::Errors;
-    std::unique_ptr<QFile> file;
-    std::function<void(const orv::LogLine&)> function;
+    // Recursive: a sink may remove itself.
+    QRecursiveMutex m_mutex;
+    ConsoleLog m_eConsole = ConsoleLog::Warnings;
+    std::unique_ptr<QFile> m_pFile;
+    std::map<int, std::shared_ptr<const std::function<void(const LogRecord&)>>> m_functions;
+    int m_nNextId = 1;
 };
 
+// Never destroyed, so that lines logged while the process ends find it.
 Sinks& sinks()
 {
-    static Sinks instance;
-    return instance;
+    static auto* const pSinks = new Sinks;
+    return *pSinks;
 }
 
-QString levelWord(long nLevel)
+thread_local bool insideSink = false;
+
+const char* levelWord(long nLevel)
 {
     switch (nLevel) {
-    case CORVLOG_NOTE:
-        return QStringLiteral("NOTE");
     case CORVLOG_WARNING:
-        return QStringLiteral("WARNING");
+        return "WARNING";
     case CORVLOG_ERROR:
-        return QStringLiteral("ERROR");
+        return "ERROR";
     case CORVLOG_PROGRESS:
-        return QStringLiteral("PROGRESS");
+        return "PROGRESS";
     default:
-        return QStringLiteral("LEVEL%1").arg(nLevel);
+        return "NOTE";
     }
 }
 
-bool isShown(orv::ConsoleLog eConsole, long nLevel)
+bool isForConsole(ConsoleLog eConsole, long nLevel)
 {
     switch (eConsole) {
-    case orv::ConsoleLog::Everything:
-        return true;
-    case orv::ConsoleLog::Warnings:
-        return nLevel == CORVLOG_WARNING || nLevel == CORVLOG_ERROR;
-    case orv::ConsoleLog::Errors:
-        return nLevel == CORVLOG_ERROR;
-    default:
+    case ConsoleLog::Nothing:
         return false;
+    case ConsoleLog::Errors:
+        return nLevel == CORVLOG_ERROR;
+    case ConsoleLog::Warnings:
+        return nLevel == CORVLOG_ERROR || nLevel == CORVLOG_WARNING;
+    case ConsoleLog::Everything:
+        break;
     }
+    return true;
+}
+
+QString oneLine(QString strText)
+{
+    for (auto& c : strText)
+        if (c.unicode() < 0x20 || c == QChar::LineSeparator || c == QChar::ParagraphSeparator)
+            c = QLatin1Char(' ');
+    return strText;
+}
+
+void writeConsole(const QByteArray& line)
+{
+    std::fwrite(line.constData(), 1, static_cast<size_t>(line.size()), stderr);
+}
+
+void writeFile(Sinks& all, const QByteArray& line)
+{
+    if (!all.m_pFile || (all.m_pFile->write(line) == line.size() && all.m_pFile->flush()))
+        return;
+    writeConsole(QStringLiteral("%1: the log ends here: %2\n")
+                     .arg(all.m_pFile->fileName(), all.m_pFile->errorString())
+                     .toLocal8Bit());
+    all.m_pFile.reset();
+}
+
+void callFunctions(Sinks& all, const LogRecord& record)
+{
+    struct Guard
+    {
+        Guard() { insideSink = true; }
+        ~Guard() { insideSink = false; }
+    } guard;
+    const auto functions = all.m_functions;
+    for (const auto& [id, pFunction] : functions)
+        if (all.m_functions.count(id) != 0)
+            (*pFunction)(record);
 }
 
 } // namespace
 
-namespace orv {
-
 void setConsoleLogLevel(ConsoleLog eLevel)
 {
-    QMutexLocker lock(&sinks().mutex);
-    sinks().console = eLevel;
+    QMutexLocker lock(&sinks().m_mutex);
+    sinks().m_eConsole = eLevel;
 }
 
 bool setLogFile(const QString& strPath, QString* pError)
 {
-    QMutexLocker lock(&sinks().mutex);
-    sinks().file.reset();
-    if (strPath.isEmpty())
-        return true;
-    auto file = std::make_unique<QFile>(strPath);
-    if (!file->open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Text)) {
-        if (pError != nullptr)
-            *pError = QStringLiteral("%1: the log file cannot be opened (%2)").arg(strPath, file->errorString());
-        return false;
+    std::unique_ptr<QFile> pFile;
+    if (!strPath.isEmpty()) {
+        pFile = std::make_unique<QFile>(strPath);
+        if (!pFile->open(QIODevice::WriteOnly | QIODevice::Append)) {
+            if (pError)
+                *pError = QStringLiteral("%1: the log cannot be written: %2").arg(strPath, pFile->errorString());
+            return false;
+        }
     }
-    sinks().file = std::move(file);
+    QMutexLocker lock(&sinks().m_mutex);
+    sinks().m_pFile = std::move(pFile);
     return true;
 }
 
-void setLogSink(std::function<void(const LogLine&)> sink)
+int addLogSink(std::function<void(const LogRecord&)> sink)
 {
-    QMutexLocker lock(&sinks().mutex);
-    sinks().function = std::move(sink);
+    QMutexLocker lock(&sinks().m_mutex);
+    const int id = sinks().m_nNextId++;
+    sinks().m_functions[id] = std::make_shared<const std::function<void(const LogRecord&)>>(std::move(sink));
+    return id;
 }
 
-QString formatLogLine(const LogLine& line)
+void removeLogSink(int nSink)
 {
-    const QString now = QDateTime::currentDateTimeUtc().toString(Qt::ISODateWithMs);
-    const QString extra = line.extra.isEmpty() ? QString() : QStringLiteral(" [%1]").arg(line.extra);
-    return QStringLiteral("%1 %2 ").arg(now, levelWord(line.level)) + line.message + extra;
+    QMutexLocker lock(&sinks().m_mutex);
+    sinks().m_functions.erase(nSink);
+}
+
+QString logLine(const LogRecord& record)
+{
+    QString line = record.m_time.toUTC().toString(Qt::ISODateWithMs) + QLatin1String("  ") +
+                   QString::fromLatin1(levelWord(record.m_nLevel)).leftJustified(8) + QLatin1String("  ") +
+                   oneLine(record.m_strMessage);
+    if (!record.m_strExtra.isEmpty())
+        line += QLatin1String(" | ") + oneLine(record.m_strExtra);
+    return line;
 }
 
 } // namespace orv
@@ -104,17 +155,20 @@ CORVLog* CORVLog::getLogObject()
     return &log;
 }
 
-void CORVLog::log(const QString& strMessage, const QString& strExtra, int, const QString& strTime, long nLevel, bool)
+// The caller's time field is the time at which its source was compiled; the line states the time of the call.
+void CORVLog::log(const QString& strMessage, const QString& strExtra, int, const QString&, long nLevel, bool)
 {
-    const orv::LogLine line{strMessage, strExtra, strTime, nLevel};
-    QMutexLocker lock(&sinks().mutex);
-    const QByteArray text = orv::formatLogLine(line).toUtf8() + '\n';
-    if (sinks().file) {
-        sinks().file->write(text);
-        sinks().file->flush();
+    if (orv::insideSink)
+        return;
+    auto& all = orv::sinks();
+    QMutexLocker lock(&all.m_mutex);
+    const orv::LogRecord record{QDateTime::currentDateTimeUtc(), nLevel, strMessage, strExtra};
+    const bool console = orv::isForConsole(all.m_eConsole, nLevel);
+    if (console || all.m_pFile) {
+        const QString line = orv::logLine(record) + QLatin1Char('\n');
+        if (console)
+            orv::writeConsole(line.toLocal8Bit());
+        orv::writeFile(all, line.toUtf8());
     }
-    if (isShown(sinks().console, nLevel))
-        std::fwrite(text.constData(), 1, static_cast<std::size_t>(text.size()), stderr);
-    if (sinks().function)
-        sinks().function(line);
+    orv::callFunctions(all, record);
 }

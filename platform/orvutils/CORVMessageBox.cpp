@@ -1,92 +1,63 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/CORVMessageBox.h"
 
-#include "host/CORVLog.h"
 #include "platform/orvutils/MessageResponder.h"
+#include "platform/orvutils/TextResponder.h"
 
-#include <array>
-#include <cstdio>
+#include <atomic>
+#include <iostream>
+
+namespace orv {
 
 namespace {
 
-using Kind = orv::MessageRequest::Kind;
-
-orv::MessageResponder* installed = nullptr;
-bool cancelClicked = false;
-
-int askStandard(Kind eKind, QWidget* pParent, const QString& strCaption, const QString& strText, int nButtons,
-                int nDefault)
+std::unique_ptr<MessageResponder>& installedResponder()
 {
-    orv::MessageRequest request;
-    request.kind = eKind;
-    request.parent = pParent;
-    request.caption = strCaption;
-    request.text = strText;
-    request.buttons = nButtons;
-    request.defaultButton = nDefault;
-    return orv::messageResponder().ask(request);
+    static std::unique_ptr<MessageResponder> pResponder;
+    return pResponder;
 }
 
-int askTexts(Kind eKind, QWidget* pParent, const std::array<QString, 6>& texts)
+std::atomic<bool> cancelClicked{false};
+
+int ask(const MessageRequest& request)
 {
-    orv::MessageRequest request;
-    request.kind = eKind;
-    request.parent = pParent;
-    request.caption = texts[0];
-    request.text = texts[1];
-    request.buttonTexts = QStringList{texts[2], texts[3], texts[4]};
-    request.detail = texts[5];
-    return orv::messageResponder().ask(request);
+    if (installedResponder())
+        return installedResponder()->ask(request);
+    return TextResponder(std::cerr).ask(request);
 }
 
-QString plainText(const orv::MessageRequest& request)
+int askButtons(MessageRequest::Kind eKind, QWidget* pParent, const QString& strCaption, const QString& strText,
+               int nButtons, int nDefault)
 {
-    QString text = request.caption.isEmpty() ? request.text : request.caption + QStringLiteral(": ") + request.text;
-    return request.detail.isEmpty() ? text : text + QLatin1Char('\n') + request.detail;
+    MessageRequest request;
+    request.m_eKind = eKind;
+    request.m_pParent = pParent;
+    request.m_strCaption = strCaption;
+    request.m_strText = strText;
+    request.m_nButtons = nButtons;
+    request.m_nDefault = nDefault;
+    return ask(request);
+}
+
+int askTexts(MessageRequest::Kind eKind, QWidget* pParent, const QString& strCaption, const QString& strText,
+             const QStringList& buttonTexts, const QString& strDetail)
+{
+    MessageRequest request;
+    request.m_eKind = eKind;
+    request.m_pParent = pParent;
+    request.m_strCaption = strCaption;
+    request.m_strText = strText;
+    request.m_strDetail = strDetail;
+    request.m_buttonTexts = buttonTexts;
+    return ask(request);
 }
 
 } // namespace
 
-namespace orv {
-
-int defaultAnswer(const MessageRequest& request)
+std::unique_ptr<MessageResponder> setMessageResponder(std::unique_ptr<MessageResponder> pResponder)
 {
-    if (!request.buttonTexts.isEmpty())
-        return 0;
-    if (request.defaultButton != CORVMessageBox::NoButton)
-        return request.defaultButton;
-    for (const int button :
-         {static_cast<int>(CORVMessageBox::Ok), static_cast<int>(CORVMessageBox::YesButton),
-          static_cast<int>(CORVMessageBox::NoButtonAnswer), static_cast<int>(CORVMessageBox::NoToAllButton),
-          static_cast<int>(CORVMessageBox::CancelButton)})
-        if ((request.buttons & button) != 0)
-            return button;
-    return CORVMessageBox::Ok;
-}
-
-int TextResponder::ask(const MessageRequest& request)
-{
-    const QByteArray text = plainText(request).toUtf8() + '\n';
-    std::fwrite(text.constData(), 1, static_cast<std::size_t>(text.size()), stderr);
-    return defaultAnswer(request);
-}
-
-int BatchResponder::ask(const MessageRequest& request)
-{
-    const long level = request.kind == MessageRequest::Kind::Information ? CORVLOG_NOTE : CORVLOG_WARNING;
-    CORVLog::getLogObject()->log(plainText(request), QString(), 0, QStringLiteral(__TIME__), level, false);
-    return defaultAnswer(request);
-}
-
-void setMessageResponder(MessageResponder* pResponder)
-{
-    installed = pResponder;
-}
-
-MessageResponder& messageResponder()
-{
-    static TextResponder text;
-    return installed != nullptr ? *installed : text;
+    std::swap(installedResponder(), pResponder);
+    return pResponder;
 }
 
 } // namespace orv
@@ -94,48 +65,51 @@ MessageResponder& messageResponder()
 int CORVMessageBox::warning(QWidget* pParent, const QString& strCaption, const QString& strText, int nButtons,
                             int nDefault)
 {
-    return askStandard(Kind::Warning, pParent, strCaption, strText, nButtons, nDefault);
+    return orv::askButtons(orv::MessageRequest::Warning, pParent, strCaption, strText, nButtons, nDefault);
 }
 
 int CORVMessageBox::information(QWidget* pParent, const QString& strCaption, const QString& strText, int nButtons,
                                 int nDefault)
 {
-    return askStandard(Kind::Information, pParent, strCaption, strText, nButtons, nDefault);
+    return orv::askButtons(orv::MessageRequest::Information, pParent, strCaption, strText, nButtons, nDefault);
 }
 
 int CORVMessageBox::error(QWidget* pParent, const QString& strCaption, const QString& strText, int nButtons,
                           int nDefault)
 {
-    return askStandard(Kind::Error, pParent, strCaption, strText, nButtons, nDefault);
+    return orv::askButtons(orv::MessageRequest::Error, pParent, strCaption, strText, nButtons, nDefault);
 }
 
 int CORVMessageBox::warning(QWidget* pParent, const QString& strCaption, const QString& strText,
                             const QString& strButton0, const QString& strButton1, const QString& strButton2,
                             const QString& strDetail)
 {
-    return askTexts(Kind::Warning, pParent, {strCaption, strText, strButton0, strButton1, strButton2, strDetail});
+    return orv::askTexts(orv::MessageRequest::Warning, pParent, strCaption, strText,
+                         {strButton0, strButton1, strButton2}, strDetail);
 }
 
 int CORVMessageBox::information(QWidget* pParent, const QString& strCaption, const QString& strText,
                                 const QString& strButton0, const QString& strButton1, const QString& strButton2,
                                 const QString& strDetail)
 {
-    return askTexts(Kind::Information, pParent, {strCaption, strText, strButton0, strButton1, strButton2, strDetail});
+    return orv::askTexts(orv::MessageRequest::Information, pParent, strCaption, strText,
+                         {strButton0, strButton1, strButton2}, strDetail);
 }
 
 int CORVMessageBox::error(QWidget* pParent, const QString& strCaption, const QString& strText,
                           const QString& strButton0, const QString& strButton1, const QString& strButton2,
                           const QString& strDetail)
 {
-    return askTexts(Kind::Error, pParent, {strCaption, strText, strButton0, strButton1, strButton2, strDetail});
+    return orv::askTexts(orv::MessageRequest::Error, pParent, strCaption, strText, {strButton0, strButton1, strButton2},
+                         strDetail);
 }
 
 void CORVMessageBox::setCancelClicked(bool bClicked)
 {
-    cancelClicked = bClicked;
+    orv::cancelClicked = bClicked;
 }
 
 bool CORVMessageBox::getCancelClicked()
 {
-    return cancelClicked;
+    return orv::cancelClicked;
 }

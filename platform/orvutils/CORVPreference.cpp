@@ -4,19 +4,51 @@
 #include "host/CORVPreferenceSignals.h"
 #include "host/orv_paths.h"
 
-#include <QSet>
+#include <QMutex>
+#include <QMutexLocker>
 
 #include <algorithm>
+#include <map>
 #include <memory>
+#include <set>
 
 namespace {
 
-const QString formatKey = QStringLiteral("Export/PictureFormat");
+constexpr const char* const formatKey = "Pictures/PreferredFormat";
 
-QSet<const void*>& loadingSequences()
+struct Preferences
 {
-    static QSet<const void*> sequences;
-    return sequences;
+    QMutex m_mutex;
+    // By file: the user's folder follows the environment, and settings that were handed out stay valid.
+    std::map<QString, std::unique_ptr<QSettings>> m_settings;
+    std::multiset<const void*> m_loading;
+};
+
+Preferences& preferences()
+{
+    static Preferences all;
+    return all;
+}
+
+// The suffixes under which a picture format goes.
+QStringList sameFormat(const QString& strSuffix)
+{
+    const QStringList families[] = {{QStringLiteral("jpg"), QStringLiteral("jpeg")},
+                                    {QStringLiteral("tif"), QStringLiteral("tiff")}};
+    for (const auto& family : families)
+        if (family.contains(strSuffix))
+            return family;
+    return {strSuffix};
+}
+
+// Whether a filter such as "PNG image (*.png *.PNG)" names the suffix.
+bool filterHasSuffix(const QString& strFilter, const QString& strSuffix)
+{
+    QString patterns = strFilter.mid(strFilter.lastIndexOf(QLatin1Char('(')) + 1);
+    patterns.remove(QLatin1Char(')'));
+    return patterns.replace(QLatin1Char(';'), QLatin1Char(' '))
+        .split(QLatin1Char(' '), Qt::SkipEmptyParts)
+        .contains(QLatin1String("*.") + strSuffix, Qt::CaseInsensitive);
 }
 
 } // namespace
@@ -26,14 +58,17 @@ QString CORVPreference::getAppVersion()
     return QStringLiteral(ORV_VERSION);
 }
 
-// The file follows the user folder, which the environment may move.
 QSettings* CORVPreference::getSettings()
 {
-    static std::unique_ptr<QSettings> settings;
-    const QString path = getORVPath(ORV_PATH_USER, true, nullptr) + QStringLiteral("preferences.ini");
-    if (!settings || settings->fileName() != path)
-        settings = std::make_unique<QSettings>(path, QSettings::IniFormat);
-    return settings.get();
+    const QString folder = getORVPath(ORV_PATH_USER, true, nullptr);
+    // Without a folder of the user the settings live as long as the program: nothing can be stored under /dev/null.
+    const QString path =
+        folder.isEmpty() ? QStringLiteral("/dev/null/settings.ini") : folder + QLatin1String("settings.ini");
+    QMutexLocker lock(&preferences().m_mutex);
+    auto& pSettings = preferences().m_settings[path];
+    if (!pSettings)
+        pSettings = std::make_unique<QSettings>(path, QSettings::IniFormat);
+    return pSettings.get();
 }
 
 CORVPreferenceSignals* CORVPreference::getSignalHandler()
@@ -44,35 +79,45 @@ CORVPreferenceSignals* CORVPreference::getSignalHandler()
 
 bool CORVPreference::isSequenceLoading(const void* pSequence)
 {
-    return pSequence == nullptr ? !loadingSequences().isEmpty() : loadingSequences().contains(pSequence);
+    QMutexLocker lock(&preferences().m_mutex);
+    const auto& loading = preferences().m_loading;
+    return pSequence ? loading.count(pSequence) != 0 : !loading.empty();
 }
 
 void CORVPreference::setSequenceLoading(const void* pSequence, bool bLoading)
 {
-    if (bLoading)
-        loadingSequences().insert(pSequence);
-    else
-        loadingSequences().remove(pSequence);
+    QMutexLocker lock(&preferences().m_mutex);
+    auto& loading = preferences().m_loading;
+    if (bLoading) {
+        loading.insert(pSequence);
+        return;
+    }
+    const auto found = loading.find(pSequence);
+    if (found != loading.end())
+        loading.erase(found);
 }
 
 void CORVPreference::modifySaveFilterListByPreference(QStringList& filters)
 {
-    const QString suffix = usersPreferredFormat();
-    if (suffix.isEmpty())
+    const QString preferred = usersPreferredFormat();
+    if (preferred.isEmpty())
         return;
-    const QString pattern = QStringLiteral("*.%1)").arg(suffix);
-    const auto isPreferred = [&pattern](const QString& filter) {
-        return filter.contains(pattern, Qt::CaseInsensitive);
-    };
-    std::stable_partition(filters.begin(), filters.end(), isPreferred);
+    const QStringList suffixes = sameFormat(preferred);
+    std::stable_partition(filters.begin(), filters.end(), [&suffixes](const QString& strFilter) {
+        return std::any_of(suffixes.begin(), suffixes.end(),
+                           [&strFilter](const QString& strSuffix) { return filterHasSuffix(strFilter, strSuffix); });
+    });
 }
 
 void CORVPreference::setUsersPreferredFormat(const QString& strSuffix)
 {
-    getSettings()->setValue(formatKey, strSuffix.toLower());
+    QString suffix = strSuffix.trimmed().toLower();
+    while (suffix.startsWith(QLatin1Char('.')) || suffix.startsWith(QLatin1Char('*')))
+        suffix.remove(0, 1);
+    getSettings()->setValue(QLatin1String(formatKey), suffix);
 }
 
 QString CORVPreference::usersPreferredFormat()
 {
-    return getSettings()->value(formatKey).toString();
+    return getSettings()->value(QLatin1String(formatKey)).toString();
 }

@@ -1,32 +1,44 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/CORVUtilityFns.h"
 
-#include <QApplication>
+#include <QGuiApplication>
+#include <QThread>
+
+#include <atomic>
+#include <vector>
 
 namespace {
 
-struct State
+struct HostState
 {
-    bool canClose = true;
-    bool closeAll = false;
-    bool noToAll = false;
-    bool batch = false;
-    bool batchNewFolder = false;
-    int batchCount = 0;
-    int batchBackgroundMode = 0;
+    std::atomic<bool> m_bCanClose{true};
+    std::atomic<bool> m_bCloseAllClicked{false};
+    std::atomic<bool> m_bNoToAllClicked{false};
+    std::atomic<bool> m_bBatch{false};
+    std::atomic<bool> m_bBatchNewFolder{false};
+    std::atomic<int> m_nBatchCount{0};
+    std::atomic<int> m_eBatchBackground{0};
 };
 
-// User-interface thread only.
-State& state()
+HostState& state()
 {
-    static State instance;
-    return instance;
+    static HostState hostState;
+    return hostState;
 }
 
-bool hasWindows()
+// Whether each setCursor() reached the screen, so that restoreCursor() takes back what its own call set and nothing else.
+// User-interface thread only.
+std::vector<bool>& cursorCalls()
 {
-    return qobject_cast<QApplication*>(QCoreApplication::instance()) != nullptr &&
-           !QApplication::topLevelWidgets().isEmpty();
+    static std::vector<bool> calls;
+    return calls;
+}
+
+bool hasWindow()
+{
+    const auto* pApplication = qobject_cast<QGuiApplication*>(QCoreApplication::instance());
+    return pApplication && QThread::currentThread() == pApplication->thread() &&
+           !QGuiApplication::topLevelWindows().isEmpty();
 }
 
 } // namespace
@@ -38,82 +50,87 @@ QString CORVUtilityFns::getAppName()
 
 void CORVUtilityFns::setCursor(const QCursor& cursor)
 {
-    if (hasWindows())
-        QApplication::setOverrideCursor(cursor);
+    const bool shown = hasWindow();
+    if (shown)
+        QGuiApplication::setOverrideCursor(cursor);
+    cursorCalls().push_back(shown);
 }
 
 void CORVUtilityFns::restoreCursor()
 {
-    if (hasWindows())
-        QApplication::restoreOverrideCursor();
+    if (cursorCalls().empty())
+        return;
+    if (cursorCalls().back() && qobject_cast<QGuiApplication*>(QCoreApplication::instance()))
+        QGuiApplication::restoreOverrideCursor();
+    cursorCalls().pop_back();
 }
 
 bool CORVUtilityFns::canClose()
 {
-    return state().canClose;
+    return state().m_bCanClose;
 }
 
 void CORVUtilityFns::setCanClose(bool bCanClose)
 {
-    state().canClose = bCanClose;
+    state().m_bCanClose = bCanClose;
 }
 
 bool CORVUtilityFns::getCloseAllClicked()
 {
-    return state().closeAll;
+    return state().m_bCloseAllClicked;
 }
 
 void CORVUtilityFns::setCloseAllClicked(bool bClicked)
 {
-    state().closeAll = bClicked;
+    state().m_bCloseAllClicked = bClicked;
 }
 
 bool CORVUtilityFns::getNoToAllClicked()
 {
-    return state().noToAll;
+    return state().m_bNoToAllClicked;
 }
 
 void CORVUtilityFns::setNoToAllClicked(bool bClicked)
 {
-    state().noToAll = bClicked;
+    state().m_bNoToAllClicked = bClicked;
 }
 
 bool CORVUtilityFns::getSpumBatchStatus()
 {
-    return state().batch;
+    return state().m_bBatch;
 }
 
 void CORVUtilityFns::setSpumBatchStatus(bool bRunning)
 {
-    state().batch = bRunning;
+    state().m_bBatch = bRunning;
 }
 
 bool CORVUtilityFns::getSpumBatchNewFolderStatus()
 {
-    return state().batchNewFolder;
+    return state().m_bBatchNewFolder;
 }
 
 void CORVUtilityFns::setSpumBatchNewFolderStatus(bool bNewFolder)
 {
-    state().batchNewFolder = bNewFolder;
+    state().m_bBatchNewFolder = bNewFolder;
 }
 
 int CORVUtilityFns::getSpumBatchProcessingCount()
 {
-    return state().batchCount;
+    return state().m_nBatchCount;
 }
 
 void CORVUtilityFns::setSpumBatchProcessingCount(int nCount)
 {
-    state().batchCount = nCount;
+    state().m_nBatchCount = nCount;
 }
 
 int CORVUtilityFns::getAdaptFLBgModeForSpumBatch()
 {
-    return state().batchBackgroundMode;
+    return state().m_eBatchBackground;
 }
 
 void CORVUtilityFns::setAdaptFLBgModeForSpumBatch(int nMode)
 {
-    state().batchBackgroundMode = nMode;
+    state().m_eBatchBackground = nMode;
 }

@@ -1,39 +1,47 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QDateTime>
 #include <QString>
 
 #include <functional>
 
+// Where the lines of CORVLog go. Every function is safe from any thread. Nothing is ever written to standard output:
+// it belongs to a program's answer.
 namespace orv {
 
-// What of the log goes to standard error.
+struct LogRecord
+{
+    QDateTime m_time; // of the call, UTC
+    long m_nLevel;    // as the caller gave it
+    QString m_strMessage;
+    QString m_strExtra;
+};
+
+// How much goes to standard error.
 enum class ConsoleLog
 {
     Nothing,
     Errors,
-    Warnings, // and errors
+    Warnings, // and errors; the state at start
     Everything
 };
+
 void setConsoleLogLevel(ConsoleLog eLevel);
 
-// Appends the log to a file from now on; an empty path ends that. False, and *pError (may be null) with path and reason,
-// when the file cannot be opened; no file is written then.
-bool setLogFile(const QString& strPath, QString* pError);
+// Appends every line to a file, made when missing, until another call; an empty path ends it. False when the file cannot
+// be opened, with the file and the reason in `pError` (may be null); the earlier log file then stays in use. When a line
+// cannot be written later on (full disk), the file is given up with one line on standard error.
+bool setLogFile(const QString& strPath, QString* pError = nullptr);
 
-// One line of the log as it was given.
-struct LogLine
-{
-    QString message;
-    QString extra;
-    QString time;
-    long level = 0;
-};
-// Also hands every line to `sink`, on the thread that logs it and one at a time; an empty function ends that. The sink
-// must not log.
-void setLogSink(std::function<void(const LogLine&)> sink);
+// Hands every record to a function, on the thread that logs, one call at a time. What the function itself logs is dropped. The
+// number is for removeLogSink(), which returns when no call is under way (from inside the function itself: at once).
+int addLogSink(std::function<void(const LogRecord&)> sink);
+void removeLogSink(int nSink);
 
-// "2026-01-31T12:00:00.000Z WARNING message", the extra text behind it in brackets.
-QString formatLogLine(const LogLine& line);
+// One line of the file and of standard error, without the end of line:
+//   2024-01-31T23:59:59.123Z  WARNING   message | extra
+// Ends of line inside the texts become blanks, so a record is always one line.
+QString logLine(const LogRecord& record);
 
 } // namespace orv
