@@ -40,7 +40,7 @@ public:
     int parse(const QByteArray& text, const QString& strPath, QStringList* pWarnings = nullptr);
     // The text of a file.
     QByteArray toText() const;
-    // Writes atomically. Non-zero on failure, an earlier file is then untouched.
+    // Writes atomically. Non-zero on failure, with the reason in the log; an earlier file is then untouched.
     int saveClickInfo(const QString& strPath) const;
 
 protected:

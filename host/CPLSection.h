@@ -14,8 +14,9 @@ public:
     CPLSection() = default;
     explicit CPLSection(const QString& strKey, const QString& strName = QString());
 
-    // The value of a key; 0 on success. Non-zero when the key is absent, or (numbers, C locale) when the text does not
-    // begin with a number; the output is then untouched.
+    // The value of a key; 0 on success. Non-zero when the key is absent, or when the text does not begin with a decimal number
+    // of the C locale that fits the type ("12.5 s" is 12.5; "12,5", "nan" and, for an int, "12.5" are refused); the output
+    // is then untouched. Of a key that is there twice the first entry counts.
     int getValue(const QString& strKey, QString* pValue) const;
     int getValue(const QString& strKey, float* pValue) const;
     int getValue(const QString& strKey, double* pValue) const;

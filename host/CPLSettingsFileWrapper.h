@@ -10,7 +10,8 @@
 class CPLSettingsFileWrapper : public CPLClickInfo
 {
 public:
-    // Reads the file; false when it cannot be read or is broken. An empty file is an empty list. The path is kept for save().
+    // Reads the file; false when it cannot be read or is broken (a skipped line counts: saving would lose it), with the reasons in
+    // the log. An empty file is an empty list. The path is kept for save().
     bool load(const QString& strPath);
     // Writes to the path of the last load, atomically; false on failure, the file is then as it was.
     bool save() const;

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/CPLSection.h"
 
-#include <QLocale>
-
+#include <charconv>
 #include <cmath>
 #include <limits>
 
@@ -15,23 +14,28 @@ enum Status
     NotANumber = 2
 };
 
-bool isNumberEnd(QChar c)
+// Characters that cannot follow a number: what stands there is then no number that we know, such as one with a decimal comma,
+// a date or a time.
+bool spoilsNumber(char c)
 {
-    return c.isSpace() ||
-           (!c.isLetterOrNumber() && c != QLatin1Char('.') && c != QLatin1Char('+') && c != QLatin1Char('-'));
+    return (c >= '0' && c <= '9') || c == '.' || c == ',' || c == ':' || c == '+' || c == '-';
 }
 
-// The number at the start of the text, up to the first character that cannot belong to one: "12.5 s" is 12.5.
+// The decimal number at the start of the text, in the C locale whatever the program's is: "12.5 s" is 12.5. Neither infinity
+// nor NaN is a number here.
 bool leadingNumber(const QString& strText, double* pValue)
 {
-    const QString text = strText.trimmed();
-    int end = 0;
-    while (end < text.size() && !isNumberEnd(text[end]))
-        ++end;
-    bool ok = false;
-    for (; end > 0 && !ok; --end)
-        *pValue = QLocale::c().toDouble(text.left(end), &ok);
-    return ok;
+    const QByteArray text = strText.trimmed().toLatin1();
+    const char* pBegin = text.constData();
+    const char* const pEnd = pBegin + text.size();
+    if (pBegin != pEnd && *pBegin == '+' && pEnd - pBegin > 1 && pBegin[1] != '-')
+        ++pBegin;
+    double value = 0.0;
+    const auto [pStop, error] = std::from_chars(pBegin, pEnd, value);
+    if (error != std::errc() || !std::isfinite(value) || (pStop != pEnd && spoilsNumber(*pStop)))
+        return false;
+    *pValue = value;
+    return true;
 }
 
 } // namespace
@@ -65,9 +69,12 @@ int CPLSection::getValue(const QString& strKey, float* pValue) const
 {
     double value = 0.0;
     const int status = getValue(strKey, &value);
-    if (status == Success)
-        *pValue = static_cast<float>(value);
-    return status;
+    if (status != Success)
+        return status;
+    if (std::fabs(value) > static_cast<double>(std::numeric_limits<float>::max()))
+        return NotANumber;
+    *pValue = static_cast<float>(value);
+    return Success;
 }
 
 int CPLSection::getValue(const QString& strKey, int* pValue) const
@@ -76,7 +83,8 @@ int CPLSection::getValue(const QString& strKey, int* pValue) const
     const int status = getValue(strKey, &value);
     if (status != Success)
         return status;
-    if (!(value >= std::numeric_limits<int>::min() && value <= std::numeric_limits<int>::max()))
+    const bool inRange = value >= std::numeric_limits<int>::min() && value <= std::numeric_limits<int>::max();
+    if (!inRange || value != std::trunc(value))
         return NotANumber;
     *pValue = static_cast<int>(value);
     return Success;

@@ -1,17 +1,29 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/CPLSettingsFileWrapper.h"
 
+#include "host/CORVLog.h"
+#include "platform/orvparser/SectionText.h"
+
 #include <QSet>
 
 bool CPLSettingsFileWrapper::load(const QString& strPath)
 {
     m_strPath = strPath;
-    QStringList problems;
-    // An index with a broken line may not be saved back without it, so it counts as broken as a whole.
-    const bool loaded = loadClickInfo(strPath, &problems) == 0 && problems.isEmpty();
-    if (!loaded)
-        clear();
-    return loaded;
+    clear();
+    QByteArray text;
+    QString error;
+    QStringList warnings;
+    if (!SectionText::readFile(strPath, &text, &error))
+        warnings.append(error);
+    else if (text.trimmed().isEmpty())
+        return true;
+    // A list with a skipped line would be saved back without it, so it counts as broken as a whole.
+    else if (SectionText::parse(text, strPath, &m_sections, &warnings) == SectionText::Outcome::Complete)
+        return true;
+    for (const auto& warning : warnings)
+        CORVLog::getLogObject()->log(warning, QString(), 0, QString(), CORVLOG_WARNING, false);
+    clear();
+    return false;
 }
 
 bool CPLSettingsFileWrapper::save() const
@@ -88,8 +100,14 @@ bool CPLSettingsFileWrapper::addSection(const QString& strSectionKey, const QStr
         m_strMenuNameTag.isEmpty() || m_strFileNameTag.isEmpty() || strSectionKey.isEmpty() || strMenuName.isEmpty();
     if (incomplete || find(strMenuName) != nullptr)
         return false;
-    QString key = strSectionKey;
-    for (int number = 2; (*this)[key] != nullptr; ++number)
+    QSet<QString> taken;
+    QString key;
+    for (const auto& section : m_sections) {
+        section->getSectionKey(&key);
+        taken.insert(key);
+    }
+    key = strSectionKey;
+    for (int number = 2; taken.contains(key); ++number)
         key = strSectionKey + QLatin1Char(' ') + QString::number(number);
     CPLSection section(key, strSectionKey);
     section.addKeyValue(m_strMenuNameTag, strMenuName);
