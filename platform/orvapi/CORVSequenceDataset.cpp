@@ -142,12 +142,15 @@ QStringList CORVSequenceDataset::findFolders(bool bDescribed, const SequenceInfo
     if (!bDescribed)
         return foldersOnDisk();
     const int listed = info.folders.size() + info.refusedFolders;
-    const bool complete = info.announcedCount ? listed >= *info.announcedCount : listed > 0;
-    if (complete)
+    const bool allListed = info.announcedCount ? listed >= *info.announcedCount : listed > 0;
+    // A file that was cut inside the last name still counts right; that folder is not there.
+    const bool endsWhole = info.folders.isEmpty() || QFileInfo::exists(m_strInfoPath + info.folders.last());
+    if (allListed && endsWhole)
         return info.folders;
     pWarnings->append(
-        QStringLiteral("%1%2: the list of datasets is cut short (%3 of %4); the other folders beside it are "
-                       "added")
+        QStringLiteral(
+            "%1%2: the list of datasets is cut short (%3 of %4, or the last is not there); the other folders "
+            "beside it are added")
             .arg(m_strInfoPath, QLatin1String(SequenceFiles::kSequenceInfo))
             .arg(listed)
             .arg(info.announcedCount ? QString::number(*info.announcedCount) : QStringLiteral("?")));

@@ -92,7 +92,7 @@ void readFolders(const CPLClickInfo& sections, Reader& reader, SequenceInfo* pIn
         if (staysBelow(folder)) {
             pInfo->folders.append(QDir::cleanPath(folder));
         } else {
-            ++pInfo->refusedFolders;
+            pInfo->refusedFolders += folder.isEmpty() ? 0 : 1;
             reader.warn(kDatasets, kDataset, folder, "is no folder below the sequence's");
         }
     }

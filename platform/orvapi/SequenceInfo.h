@@ -22,7 +22,7 @@ struct SequenceInfo
     bool ctComplete = false;
     tag_simageadjust adjust;
     QStringList folders;               // of the datasets, in order
-    int refusedFolders = 0;            // named, but not below the sequence's
+    int refusedFolders = 0;            // named, but not below the sequence's; empty names do not count
     std::optional<int> announcedCount; // how many folders the file announces
 };
 

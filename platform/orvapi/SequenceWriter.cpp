@@ -131,7 +131,7 @@ bool SequenceWriter::writeImages(const QString& strFolder, const Images& images,
                              (m_description.transillumination ? names.last() : names.first());
         QString reason;
         if (!writeTiff(path, *image.second, TiffWriteOptions(), &reason))
-            return fail(reason, pError);
+            return fail(reason.replace(m_folder.path(), m_folder.target() + QLatin1Char('/')), pError);
         CPLSection& section = sectionIn(info, imageSection(type));
         const QString binning = QString::fromLatin1(ClickKeys::kBinning);
         if (!section.isKeyPresent(binning))

@@ -1,0 +1,76 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/orvapi/SequenceInfo.h"
+
+#include <gtest/gtest.h>
+#include <rapidcheck/gtest.h>
+
+#include <algorithm>
+
+namespace {
+
+TEST(SequenceInfoTest, PathsStayBelowOnlyWhenTheyDo)
+{
+    for (const char* pPath : {"a", "a/b", "a/../b", "./a", "a b", "..a", "a.."})
+        EXPECT_TRUE(staysBelow(pPath)) << pPath;
+    for (const char* pPath : {"", ".", "..", "../a", "a/../..", "a/../../b", "/a", "/", "./.."})
+        EXPECT_FALSE(staysBelow(pPath)) << pPath;
+}
+
+TEST(SequenceInfoTest, NumbersInNamesCompareByValue)
+{
+    QStringList names{"C10", "C9", "C010", "C1", "B2", "C", "C9b", "C99999999999999999999", "C9a"};
+    std::sort(names.begin(), names.end(), numberAwareLess);
+    EXPECT_EQ(names, (QStringList{"B2", "C", "C1", "C9", "C9a", "C9b", "C010", "C10", "C99999999999999999999"}));
+}
+
+RC_GTEST_PROP(SequenceInfoLaw, NameOrderIsStrictAndTotal, ())
+{
+    const auto name = rc::gen::container<std::string>(rc::gen::element('a', 'b', '0', '1', '2'));
+    const QString a = QString::fromStdString(*name);
+    const QString b = QString::fromStdString(*name);
+    const QString c = QString::fromStdString(*name);
+    RC_ASSERT(!numberAwareLess(a, a));
+    RC_ASSERT(a == b || numberAwareLess(a, b) != numberAwareLess(b, a));
+    if (numberAwareLess(a, b) && numberAwareLess(b, c))
+        RC_ASSERT(numberAwareLess(a, c));
+}
+
+RC_GTEST_PROP(SequenceInfoLaw, WhatIsWrittenReadsBack, ())
+{
+    SequenceInfo info;
+    info.id = QString::number(*rc::gen::inRange(1, 1000000));
+    info.name = QStringLiteral("name of ") + info.id;
+    info.temporal = *rc::gen::arbitrary<bool>();
+    info.fluorescence = *rc::gen::arbitrary<bool>();
+    info.transillumination = *rc::gen::arbitrary<bool>();
+    info.sceneOnly3D = *rc::gen::arbitrary<bool>();
+    info.ctScan = *rc::gen::arbitrary<bool>();
+    info.ctComplete = info.ctScan && *rc::gen::arbitrary<bool>();
+    info.adjust.m_nColorTable = *rc::gen::inRange(0, 20);
+    info.adjust.m_bReversed = *rc::gen::arbitrary<bool>();
+    info.adjust.m_bLogScale = *rc::gen::arbitrary<bool>();
+    for (int i = *rc::gen::inRange(0, 20); i > 0; --i)
+        info.folders.append(QStringLiteral("click %1").arg(i));
+    CPLClickInfo sections;
+    QStringList warnings;
+    RC_ASSERT(sections.parse(sequenceInfoSections(info).toText(), "file", &warnings) == 0);
+    SequenceInfo read;
+    RC_ASSERT(readSequenceInfo(sections, "file", &read, warnings));
+    RC_ASSERT(warnings.isEmpty());
+    RC_ASSERT(read.id == info.id && read.name == info.name && read.folders == info.folders);
+    RC_ASSERT(read.temporal == info.temporal && read.fluorescence == info.fluorescence);
+    RC_ASSERT(read.transillumination == info.transillumination && read.sceneOnly3D == info.sceneOnly3D);
+    RC_ASSERT(read.ctScan == info.ctScan && read.ctComplete == info.ctComplete);
+    RC_ASSERT(read.adjust.m_nColorTable == info.adjust.m_nColorTable);
+    RC_ASSERT(read.adjust.m_bReversed == info.adjust.m_bReversed && read.adjust.m_bLogScale == info.adjust.m_bLogScale);
+    RC_ASSERT(read.announcedCount == std::optional<int>(info.folders.size()));
+}
+
+TEST(SequenceInfoTest, FileWithoutTheSectionDescribesNoSequence)
+{
+    SequenceInfo info;
+    QStringList warnings;
+    EXPECT_FALSE(readSequenceInfo(CPLClickInfo(), "file", &info, warnings));
+}
+
+} // namespace
