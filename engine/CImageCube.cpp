@@ -29,8 +29,12 @@ int greyLevel(double fraction)
     return level > 0.0 ? static_cast<int>(std::min<double>(level, brightest)) : 0;
 }
 
+// The largest value is the brightest, whatever the rounding of the logarithms.
 int colourLevel(double value)
 {
+    if (value >= 1.0) {
+        return brightest;
+    }
     return greyLevel(std::log10(value * 10.0 + 1.0) / std::log10(11.0));
 }
 

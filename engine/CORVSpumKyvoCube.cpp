@@ -45,13 +45,14 @@ bool CORVSpumKyvo::createImageList()
 
 bool CORVSpumKyvo::setBinningAndSize(bool bAuto)
 {
-    if (CORVSequenceDataset::getSequenceDataset(m_strSeqId) == nullptr) {
+    const CORVSequenceDataset* pSequence = CORVSequenceDataset::getSequenceDataset(m_strSeqId);
+    if (pSequence == nullptr) {
         return false;
     }
     if (bAuto || m_nBinning < 1) {
         BinningChoice choice(m_nBinning);
         for (const QString& strClickNumber : qAsConst(m_imageList)) {
-            CORVDataset* pDataset = CORVDataset::getDataset(strClickNumber);
+            CORVDataset* pDataset = pSequence->getDataset(strClickNumber);
             if (pDataset == nullptr) {
                 return false;
             }
@@ -62,13 +63,13 @@ bool CORVSpumKyvo::setBinningAndSize(bool bAuto)
     if (m_imageList.isEmpty()) {
         return true;
     }
-    CORVDataset* pFirst = CORVDataset::getDataset(m_imageList.first());
-    const CILImage* pImage = pFirst != nullptr ? pFirst->getCoreImage(IMAGETYPE_MAIN_DATA) : nullptr;
-    if (pImage == nullptr || m_nBinning < 1) {
+    CORVDataset* pFirst = pSequence->getDataset(m_imageList.first());
+    long lSide = 0;
+    if (pFirst == nullptr || m_nBinning < 1 || !pFirst->getImageSize(IMAGETYPE_MAIN_DATA, &lSide, nullptr)) {
         return false;
     }
     // Images are square: both sides come from the same one.
-    m_nWidth = sideAtBinning(static_cast<int>(pImage->m_lWidth), binningOf(pFirst), m_nBinning);
+    m_nWidth = sideAtBinning(static_cast<int>(lSide), binningOf(pFirst), m_nBinning);
     m_nHeight = m_nWidth;
     return true;
 }
@@ -110,7 +111,7 @@ bool CORVSpumKyvo::fillImageCube()
     bool bUnitFixed = false; // once a unit was refused, all images are taken in the one below
     for (int k = 0; k < m_imageList.size();) {
         XTNT::cancellationPoint();
-        CORVDataset* pDataset = CORVDataset::getDataset(m_imageList.at(k));
+        CORVDataset* pDataset = pSequence->getDataset(m_imageList.at(k));
         CILImage image;
         ESTATUS eStatus = ESTATUS_FAILURE;
         if (pDataset != nullptr) {

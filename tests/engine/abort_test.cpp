@@ -1,0 +1,178 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Runs that are ended at any moment: nothing hangs, nothing is lost, and the next analysis is as good as a first one.
+#include "engine/CORVSpumKyvo.h"
+#include "engine/LogCapture.h"
+#include "engine/TestSequence.h"
+#include "engine/runEngine.h"
+
+#include "host/CILImage.h"
+#include "host/CORVDataset.h"
+#include "host/CORVSequenceDataset.h"
+#include "platform/orvutils/ProcessControl.h"
+
+#include <QElapsedTimer>
+#include <QTimer>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <limits>
+#include <random>
+#include <thread>
+
+namespace {
+
+constexpr int nSide = 64;
+constexpr int nImages = 12;
+constexpr int nComponents = 4;
+constexpr unsigned seed = 20240506;
+
+// A sequence whose noise gives many pixels a negative component, so that the slow part of the fit runs too.
+void addNoisyMixture(TestSequence& sequence, const std::vector<std::vector<double>>& spectra)
+{
+    sequence->isFluorescence = true;
+    addMixture(sequence, nSide, spectra);
+    std::mt19937 random(seed);
+    std::normal_distribution<float> noise(0.0F, 0.5F);
+    const QList<CORVDataset*> datasets = sequence->getDatasets();
+    for (CORVDataset* pDataset : datasets) {
+        CILImage image = *pDataset->getCoreImage(IMAGETYPE_MAIN_DATA);
+        for (std::size_t i = 0; i < image.pixelCount(); ++i) {
+            image.floats()[i] += noise(random);
+        }
+        pDataset->setCoreImage(IMAGETYPE_MAIN_DATA, image);
+    }
+}
+
+class AbortTest : public ::testing::Test
+{
+protected:
+    AbortTest() : m_spectra(bellSpectra(nComponents, nImages)) { addNoisyMixture(m_sequence, m_spectra); }
+
+    void prepare(CORVSpumKyvo& engine)
+    {
+        engine.resetAnalysis(RUNMODE_MANUAL);
+        takeSpectra(engine, m_spectra);
+    }
+
+    // A whole analysis; gives its maps and the time that it took in microseconds.
+    XTNT::Matrix<double> analyse(CORVSpumKyvo& engine, long long* pMicroseconds = nullptr)
+    {
+        prepare(engine);
+        QElapsedTimer timer;
+        timer.start();
+        engine.start();
+        engine.wait();
+        if (pMicroseconds != nullptr) {
+            *pMicroseconds = timer.nsecsElapsed() / 1000;
+        }
+        EXPECT_FALSE(engine.hasError());
+        EXPECT_EQ(engine.m_concentrations.num_rows(), nComponents);
+        return engine.m_concentrations.deepCopy();
+    }
+
+    LogCapture m_log;
+    const std::vector<std::vector<double>> m_spectra;
+    TestSequence m_sequence;
+};
+
+TEST_F(AbortTest, AThousandAbortsLeaveTheEngineAsGoodAsNew)
+{
+    CORVSpumKyvo fresh(m_sequence.id());
+    ASSERT_TRUE(fresh.buildDatasetInfo());
+    const XTNT::Matrix<double> expected = analyse(fresh);
+    long long nShortest = std::numeric_limits<long long>::max();
+    for (int i = 0; i < 20; ++i) {
+        long long nMicroseconds = 0;
+        analyse(fresh, &nMicroseconds);
+        nShortest = std::min(nShortest, nMicroseconds);
+    }
+
+    CORVSpumKyvo engine(m_sequence.id());
+    ASSERT_TRUE(engine.buildDatasetInfo());
+    std::mt19937 random(seed);
+    std::uniform_int_distribution<long long> moment(0, nShortest);
+    int nEnded = 0;
+    for (int i = 0; i < 1000; ++i) {
+        prepare(engine);
+        engine.m_nError = 2;
+        engine.start(QThread::InheritPriority);
+        std::this_thread::sleep_for(std::chrono::microseconds(moment(random)));
+        engine.abortRun();
+        ASSERT_TRUE(engine.wait(60000)) << "abort " << i << ", seed " << seed;
+        // Either the run came to its end, or the error code is that of before.
+        ASSERT_EQ(engine.m_nError, engine.m_bResultReady ? 0 : 2) << "abort " << i << ", seed " << seed;
+        nEnded += engine.m_bResultReady ? 1 : 0;
+        if (i % 50 == 49) {
+            ASSERT_EQ((analyse(engine) - expected).norm(0), 0.0) << "abort " << i << ", seed " << seed;
+        }
+    }
+    EXPECT_LT(nEnded, 1000) << "not one abort struck a run";
+    RecordProperty("runs_that_ended_before_their_abort", nEnded);
+}
+
+TEST_F(AbortTest, AbortsThroughTheRunLoopLeaveNoProcessBehind)
+{
+    CORVSpumKyvo fresh(m_sequence.id());
+    ASSERT_TRUE(fresh.buildDatasetInfo());
+    const XTNT::Matrix<double> expected = analyse(fresh);
+
+    CORVSpumKyvo engine(m_sequence.id());
+    ASSERT_TRUE(engine.buildDatasetInfo());
+    std::mt19937 random(seed);
+    std::uniform_int_distribution<int> delay(0, 3);
+    for (int i = 0; i < 50; ++i) {
+        prepare(engine);
+        // Gone with the turn, so that none fires into a later run.
+        QTimer timer;
+        timer.setSingleShot(true);
+        QObject::connect(&timer, &QTimer::timeout, [] { orv::requestAbort(); });
+        timer.start(delay(random));
+        runEngine(engine);
+        ASSERT_FALSE(engine.isRunning());
+        ASSERT_EQ(orv::processState().m_nRunning, 0);
+        ASSERT_EQ(engine.m_pProgress, nullptr);
+    }
+    prepare(engine);
+    ASSERT_EQ(runEngine(engine), RunOutcome::Succeeded);
+    EXPECT_EQ((engine.m_concentrations - expected).norm(0), 0.0);
+}
+
+TEST_F(AbortTest, AnAbortInTheSolverKeepsTheErrorCodeAndTheNextAnalysisWorks)
+{
+    CORVSpumKyvo engine(m_sequence.id());
+    ASSERT_TRUE(engine.buildDatasetInfo());
+    const XTNT::Matrix<double> expected = analyse(engine);
+
+    prepare(engine);
+    // A cube that the worker finds ready and on which the fit takes a while.
+    constexpr long long nRows = 400000;
+    engine.m_cube.m_data.reshape(nRows, nImages);
+    std::mt19937 random(seed);
+    std::normal_distribution<double> noise(0.0, 1.0);
+    for (long long i = 0; i < engine.m_cube.m_data.storage.size(); ++i) {
+        engine.m_cube.m_data.storage[i] = noise(random);
+    }
+    engine.m_bCubeValid = true;
+    engine.m_nError = 7;
+    engine.start(QThread::InheritPriority);
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    engine.abortRun();
+    ASSERT_TRUE(engine.wait(60000));
+    EXPECT_FALSE(engine.m_bResultReady);
+    EXPECT_EQ(engine.m_nError, 7);
+
+    EXPECT_EQ((analyse(engine) - expected).norm(0), 0.0);
+}
+
+TEST_F(AbortTest, AnAbortBeforeAnyRunDoesNothing)
+{
+    CORVSpumKyvo engine(m_sequence.id());
+    ASSERT_TRUE(engine.buildDatasetInfo());
+    engine.abortRun();
+    EXPECT_TRUE(engine.wait(1000));
+    EXPECT_EQ(analyse(engine).num_rows(), nComponents);
+}
+
+} // namespace
