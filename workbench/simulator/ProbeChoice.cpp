@@ -1,0 +1,164 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "workbench/simulator/ProbeChoice.h"
+
+#include "host/CORVDatabase.h"
+
+#include <QHash>
+
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+#include <vector>
+
+namespace {
+
+constexpr double kStokesShiftNm = 23.0;
+
+bool readCurve(const QString& strSource, SpectralCurve* pCurve)
+{
+    sSourceSpecFileParameters source;
+    if (!CORVDatabase::readLIBSource(strSource, &source) || source.n < 1)
+        return false;
+    *pCurve = SpectralCurve(source.wavelength, source.intensity, SpectralCurve::Beyond::Zero);
+    return true;
+}
+
+// Fewest insertions, removals and exchanges that turn one text into the other (V. I. Levenshtein, 1965).
+int editDistance(const QString& strA, const QString& strB)
+{
+    const auto n = static_cast<std::size_t>(strB.size());
+    std::vector<int> row(n + 1);
+    std::iota(row.begin(), row.end(), 0);
+    for (int i = 0; i < strA.size(); ++i) {
+        int diagonal = row[0];
+        row[0] = i + 1;
+        for (std::size_t j = 0; j < n; ++j) {
+            const int exchange = diagonal + (strA.at(i) == strB.at(static_cast<int>(j)) ? 0 : 1);
+            diagonal = row[j + 1];
+            row[j + 1] = std::min({exchange, row[j] + 1, diagonal + 1});
+        }
+    }
+    return row[n];
+}
+
+QString comparable(const QString& strText)
+{
+    QString text;
+    for (const QChar c : strText.toLower())
+        if (c.isLetterOrNumber())
+            text.append(c);
+    return text;
+}
+
+QString unknownProbe(const QString& strName)
+{
+    // Other names in use may be what the user meant; the answer tells the probe's own.
+    QStringList keys;
+    QHash<QString, QString> nameOf;
+    for (const sProbeParameters& probe : CORVDatabase::probeList()) {
+        if (probe.kind != QLatin1String("fluorophore"))
+            continue;
+        for (const QString& key : QStringList(probe.name) + probe.aliases) {
+            keys.append(key);
+            nameOf.insert(key, probe.name);
+        }
+    }
+    QStringList similar;
+    for (const QString& key : similarNames(strName, keys, 9))
+        if (!similar.contains(nameOf.value(key)) && similar.size() < 3)
+            similar.append(nameOf.value(key));
+    if (similar.isEmpty())
+        return QStringLiteral("There is no probe \"%1\", and the reference data hold none at all.").arg(strName);
+    return QStringLiteral("There is no probe \"%1\"; did you mean %2?")
+        .arg(strName, QStringLiteral("\"%1\"").arg(similar.join(QStringLiteral("\", \""))));
+}
+
+bool resolveProbe(const QString& strName, Probe* pProbe, QString* pError)
+{
+    sProbeParameters parameters;
+    if (!CORVDatabase::findProbe(strName.trimmed(), &parameters)) {
+        *pError = unknownProbe(strName.trimmed());
+        return false;
+    }
+    if (parameters.kind != QLatin1String("fluorophore")) {
+        *pError = QStringLiteral("\"%1\" is no fluorophore but a %2; fluorescence needs a fluorophore.")
+                      .arg(parameters.name, parameters.kind);
+        return false;
+    }
+    pProbe->name = parameters.name;
+    if (!readCurve(parameters.name + QStringLiteral("Em"), &pProbe->emission)) {
+        *pError = QStringLiteral("The reference data hold no emission of \"%1\".").arg(parameters.name);
+        return false;
+    }
+    if (!readCurve(parameters.name + QStringLiteral("Ex"), &pProbe->excitation)) {
+        pProbe->excitation = estimateExcitation(parameters.name, pProbe->emission);
+        pProbe->excitationIsEstimate = true;
+    }
+    return true;
+}
+
+} // namespace
+
+SpectralCurve estimateExcitation(const QString& strName, const SpectralCurve& emission)
+{
+    const bool nanocrystal = strName.startsWith(QLatin1String("QDot"));
+    const double peak = emission.peak();
+    const double mirror = 2.0 * peak - kStokesShiftNm;
+    QVector<double> wavelengths;
+    QVector<double> values;
+    for (int nm = 350; nm <= 1000; ++nm) {
+        wavelengths.append(nm);
+        const double edge = 1.0 / (1.0 + std::exp((nm - peak + 15.0) / 8.0));
+        values.append(nanocrystal ? edge * std::exp(-(nm - 350.0) / 130.0) : emission.at(mirror - nm));
+    }
+    return SpectralCurve(wavelengths, values, SpectralCurve::Beyond::Zero);
+}
+
+QStringList similarNames(const QString& strText, const QStringList& names, int nMost)
+{
+    const QString wanted = comparable(strText);
+    QStringList sorted = names;
+    std::stable_sort(sorted.begin(), sorted.end(), [&wanted](const QString& strA, const QString& strB) {
+        return editDistance(wanted, comparable(strA)) < editDistance(wanted, comparable(strB));
+    });
+    return sorted.mid(0, nMost);
+}
+
+bool resolveProbes(const QStringList& names, QList<Probe>* pProbes, QString* pError)
+{
+    if (names.isEmpty() || names.size() > kMostProbes) {
+        *pError = QStringLiteral("A simulation takes 1 to %1 probes, not %2.").arg(kMostProbes).arg(names.size());
+        return false;
+    }
+    QList<Probe> probes;
+    for (const QString& name : names) {
+        Probe probe;
+        if (!resolveProbe(name, &probe, pError))
+            return false;
+        for (const Probe& other : probes)
+            if (other.name == probe.name) {
+                *pError = QStringLiteral("The probe \"%1\" is given twice.").arg(probe.name);
+                return false;
+            }
+        probes.append(probe);
+    }
+    *pProbes = probes;
+    return true;
+}
+
+bool readAutofluorescence(const QString& strName, Probe* pProbe)
+{
+    pProbe->name = strName;
+    return readCurve(strName + QStringLiteral("Em"), &pProbe->emission) &&
+           readCurve(strName + QStringLiteral("Ex"), &pProbe->excitation);
+}
+
+QString probeText(const QString& strName)
+{
+    QString text = strName;
+    if (text.startsWith(QLatin1String("AlexaFluor ")))
+        return text.replace(QLatin1String("AlexaFluor "), QLatin1String("AF"));
+    if (text.startsWith(QLatin1String("QDot ")))
+        return text.replace(QLatin1String("QDot "), QLatin1String("QD"));
+    return text;
+}
