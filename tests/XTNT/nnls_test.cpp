@@ -25,6 +25,7 @@ using testsupport::length;
 using testsupport::matrixOf;
 using testsupport::NnlsResult;
 using testsupport::randomMatrix;
+using testsupport::residualSize;
 using testsupport::runNnls;
 using testsupport::vectorOf;
 using XTNT::Matrix;
@@ -318,7 +319,8 @@ RC_GTEST_PROP(NnlsLaw, SolutionMeetsTheOptimalityConditions, ())
     const auto verdict = isNonNegativeOptimum(A, b, result.x);
     RC_LOG() << verdict.message();
     RC_ASSERT(static_cast<bool>(verdict));
-    RC_ASSERT(std::abs(result.rnorm - length(b - A * result.x)) <= 1e-9 * length(b));
+    RC_ASSERT(std::abs(result.rnorm - length(b - A * result.x)) <=
+              testsupport::lawTolerance * residualSize(A, b, result.x));
 }
 
 RC_GTEST_PROP(NnlsLaw, ResidualIsTheSmallestOverAllPassiveSets, ())

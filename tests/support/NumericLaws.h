@@ -22,6 +22,16 @@ inline double length(const XTNT::Vector<double>& v)
     return std::sqrt(squares);
 }
 
+// The size of what is added up in a residual b - A x: its rounding errors are relative to this, not to the residual.
+inline double residualSize(const XTNT::Matrix<double>& A, const XTNT::Vector<double>& b, const XTNT::Vector<double>& x)
+{
+    double size = length(b);
+    for (long long j = 0; j < A.N; ++j) {
+        size += length(A.column(j)) * std::abs(x[j]);
+    }
+    return size;
+}
+
 // The gradient A'(b - A x) of column j, relative to the length of the column and of all that is summed in the residual.
 // At an optimum it is a rounding error for a free variable and not above one for a variable at its bound.
 inline XTNT::Vector<double> relativeGradient(const XTNT::Matrix<double>& A, const XTNT::Vector<double>& b,
@@ -29,10 +39,7 @@ inline XTNT::Vector<double> relativeGradient(const XTNT::Matrix<double>& A, cons
 {
     const XTNT::Vector<double> residual = b - A * x;
     const XTNT::Vector<double> gradient = residual * A;
-    double size = length(b);
-    for (long long j = 0; j < A.N; ++j) {
-        size += length(A.column(j)) * std::abs(x[j]);
-    }
+    const double size = residualSize(A, b, x);
     XTNT::Vector<double> relative(A.N);
     for (long long j = 0; j < A.N; ++j) {
         const double scale = length(A.column(j)) * size;
