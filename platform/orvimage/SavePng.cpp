@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/orvimage/SavePng.h"
-#include "platform/orvimage/StagedFile.h"
+#include "platform/orvutils/AtomicFile.h"
 
 #include <QBuffer>
 
@@ -8,14 +8,9 @@ bool orvimage::savePng(const QString& path, const QImage& picture, QString* erro
 {
     QBuffer buffer;
     buffer.open(QIODevice::WriteOnly);
-    QString reason = QStringLiteral("an empty picture cannot be written");
-    if (!picture.isNull() && picture.save(&buffer, "PNG")) {
-        StagedFile file(path);
-        if (file.open() && file.write(buffer.data()) && file.commit())
-            return true;
-        reason = file.reason();
-    }
+    if (!picture.isNull() && picture.save(&buffer, "PNG"))
+        return orv::writeFileAtomically(path, buffer.data(), error);
     if (error != nullptr)
-        *error = path + QStringLiteral(": ") + reason;
+        *error = path + QStringLiteral(": an empty picture cannot be written");
     return false;
 }

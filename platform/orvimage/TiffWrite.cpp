@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "platform/orvimage/StagedFile.h"
 #include "platform/orvimage/TiffFile.h"
 #include "platform/orvimage/TiffIo.h"
+#include "platform/orvutils/TemporaryTarget.h"
+
+#include <QFile>
 
 #include <fcntl.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -65,39 +68,52 @@ bool writeStrips(TIFF* tiff, const CILImage& image, std::size_t rowBytes, std::s
     return TIFFWriteDirectory(tiff) == 1 && TIFFFlush(tiff) == 1;
 }
 
-bool writeStaged(orvimage::StagedFile& staged, orvimage::TiffFile& file, const QString& path, const CILImage& image,
-                 const TiffWriteOptions& options)
+// Writes the image to a file that is there already. False with a reason in the file.
+bool writeFile(orvimage::TiffFile& file, const QString& path, const CILImage& image, const TiffWriteOptions& options)
 {
-    if (!staged.open())
-        return false;
-    const int descriptor = ::fcntl(staged.descriptor(), F_DUPFD_CLOEXEC, 0); // libtiff closes its own
-    if (descriptor < 0)
-        return file.fail(qt_error_string(errno));
+    const int descriptor = ::open(QFile::encodeName(path).constData(), O_RDWR | O_TRUNC | O_CLOEXEC);
+    // libtiff closes its descriptor without a look at the result; the second one tells it.
+    const int second = descriptor < 0 ? -1 : ::fcntl(descriptor, F_DUPFD_CLOEXEC, 0);
+    if (second < 0) {
+        const QString reason = qt_error_string(errno);
+        if (descriptor >= 0)
+            ::close(descriptor);
+        return file.fail(reason);
+    }
     const std::size_t rowBytes = static_cast<std::size_t>(image.m_lWidth) * CILImage::bytesPerPixel(image.dataType());
     const std::size_t rowsPerStrip = std::max<std::size_t>(1, kStripBytes / rowBytes);
-    if (!file.openForWriting(descriptor, path, rowBytes * static_cast<std::size_t>(image.m_lHeight) > kMaxClassicBytes))
-        return false;
-    setFields(file.handle(), image, rowsPerStrip, options);
-    const bool written = writeStrips(file.handle(), image, rowBytes, rowsPerStrip);
-    file.close();
-    if (!written)
-        file.fail(QStringLiteral("the pixels cannot be written"));
-    return file.reason().isEmpty() && staged.commit();
+    const bool big = rowBytes * static_cast<std::size_t>(image.m_lHeight) > kMaxClassicBytes;
+    if (file.openForWriting(descriptor, path, big)) {
+        setFields(file.handle(), image, rowsPerStrip, options);
+        if (!writeStrips(file.handle(), image, rowBytes, rowsPerStrip))
+            file.fail(QStringLiteral("the pixels cannot be written"));
+        file.close();
+    }
+    const bool onDisk = ::fsync(second) == 0 || errno == EINVAL || errno == ENOTSUP;
+    const bool closed = ::close(second) == 0;
+    if (!onDisk || !closed)
+        file.fail(qt_error_string(errno));
+    return file.reason().isEmpty();
+}
+
+bool fail(const QString& sentence, QString* error)
+{
+    if (error != nullptr)
+        *error = sentence;
+    return false;
 }
 
 } // namespace
 
 bool writeTiff(const QString& path, const CILImage& image, const TiffWriteOptions& options, QString* error)
 {
-    QString reason = QStringLiteral("an empty image cannot be written");
-    if (!image.isEmpty()) {
-        orvimage::StagedFile staged(path);
-        orvimage::TiffFile file;
-        if (writeStaged(staged, file, path, image, options))
-            return true;
-        reason = file.reason().isEmpty() ? staged.reason() : file.reason();
-    }
-    if (error != nullptr)
-        *error = path + QStringLiteral(": ") + reason;
-    return false;
+    if (image.isEmpty())
+        return fail(path + QStringLiteral(": an empty image cannot be written"), error);
+    orv::TemporaryTarget target(path);
+    if (!target.isValid())
+        return fail(target.error(), error);
+    orvimage::TiffFile file;
+    if (!writeFile(file, target.path(), image, options))
+        return fail(path + QStringLiteral(": cannot be written: ") + file.reason(), error);
+    return target.commit() || fail(target.error(), error);
 }
