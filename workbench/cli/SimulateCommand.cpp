@@ -1,0 +1,276 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "workbench/cli/SimulateCommand.h"
+
+#include "workbench/cli/CliFailure.h"
+#include "workbench/cli/CliProgress.h"
+#include "workbench/cli/CliSession.h"
+#include "workbench/simulator/FilterPlan.h"
+#include "workbench/simulator/ProbeChoice.h"
+#include "workbench/simulator/simulate.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QJsonArray>
+
+namespace {
+
+[[noreturn]] void usage(const QString& strText)
+{
+    throw CliFailure(strText + QStringLiteral(" See \"spum simulate --help\"."), CliFailure::Usage);
+}
+
+// An option, its help, the name of its value (empty: a switch), and the default that the help tells.
+struct OptionText
+{
+    const char* name;
+    const char* help;
+    const char* value;
+    const char* standard;
+};
+
+constexpr OptionText kOptions[] = {
+    {"size", "Pixels along a side of the images.", "N", "256"},
+    {"bands", "Number of filter pairs, an image each.", "N", "18"},
+    {"probes", "Dyes, split by commas.", "A,B", "AlexaFluor 680,AlexaFluor 700"},
+    {"depths", "Depths of the dyes in mm, one for all or one each.", "MM,MM", "2 for the first to 6 for the last"},
+    {"excitations", "Excitation filters in nm, split by commas.", "NM,NM", "chosen after the dyes"},
+    {"ratio", "Peak of each dye over the autofluorescence beneath, in the dye's brightest band.", "R", "3"},
+    {"food-ratio", "The same for food in the gut; 0 leaves it out.", "R", "1.5"},
+    {"noise", "default, or none: exact counts as floats, without noise, offset and rounding.", "KIND", "default"},
+    {"seed", "Seed of noise, texture and posture.", "N", "1"},
+    {"peak", "Electrons at the brightest pixel of the sequence.", "E", "20000"},
+    {"gain", "Electrons a count.", "E", "1"},
+    {"read-noise", "Read noise in electrons.", "E", "10"},
+    {"offset", "Offset in counts.", "N", "300"},
+    {"exposure", "Exposure in seconds, one for all or one each band.", "S,S", "1"},
+    {"binning", "Binning of the camera.", "N", "4"},
+    {"mixed-binning", "Take the first two images at twice the binning.", "", ""},
+    {"name", "Name of the sequence.", "NAME", "that of OUT"},
+    {"subject", "Subject type of the sequence.", "TEXT", "Mouse"},
+    {"force", "Replace a sequence that exists.", "", ""},
+};
+
+QString optionName(const char* pName)
+{
+    return QStringLiteral("--%1").arg(QLatin1String(pName));
+}
+
+QStringList fieldsOf(const QString& strText)
+{
+    QStringList fields;
+    for (const QString& field : strText.split(QLatin1Char(',')))
+        fields.append(field.trimmed());
+    return fields;
+}
+
+double toNumber(const QString& strText, const char* pName)
+{
+    bool ok = false;
+    const double value = strText.toDouble(&ok);
+    if (!ok)
+        usage(QStringLiteral("%1 takes a number, not \"%2\".").arg(optionName(pName), strText));
+    return value;
+}
+
+int toWhole(const QString& strText, const char* pName)
+{
+    bool ok = false;
+    const int value = strText.toInt(&ok);
+    if (!ok)
+        usage(QStringLiteral("%1 takes a whole number, not \"%2\".").arg(optionName(pName), strText));
+    return value;
+}
+
+void take(const QCommandLineParser& parser, const char* pName, double* pValue)
+{
+    if (parser.isSet(QLatin1String(pName)))
+        *pValue = toNumber(parser.value(QLatin1String(pName)), pName);
+}
+
+void take(const QCommandLineParser& parser, const char* pName, int* pValue)
+{
+    if (parser.isSet(QLatin1String(pName)))
+        *pValue = toWhole(parser.value(QLatin1String(pName)), pName);
+}
+
+void take(const QCommandLineParser& parser, const char* pName, QString* pValue)
+{
+    if (parser.isSet(QLatin1String(pName)))
+        *pValue = parser.value(QLatin1String(pName));
+}
+
+void take(const QCommandLineParser& parser, const char* pName, QList<double>* pValues)
+{
+    if (!parser.isSet(QLatin1String(pName)))
+        return;
+    pValues->clear();
+    for (const QString& field : fieldsOf(parser.value(QLatin1String(pName))))
+        pValues->append(toNumber(field, pName));
+}
+
+void take(const QCommandLineParser& parser, const char* pName, QList<int>* pValues)
+{
+    if (!parser.isSet(QLatin1String(pName)))
+        return;
+    pValues->clear();
+    for (const QString& field : fieldsOf(parser.value(QLatin1String(pName))))
+        pValues->append(toWhole(field, pName));
+}
+
+std::uint64_t takeSeed(const QCommandLineParser& parser, std::uint64_t standard)
+{
+    if (!parser.isSet(QStringLiteral("seed")))
+        return standard;
+    bool ok = false;
+    const QString text = parser.value(QStringLiteral("seed"));
+    const std::uint64_t seed = text.toULongLong(&ok);
+    if (!ok)
+        usage(QStringLiteral("--seed takes a whole number from 0 on, not \"%1\".").arg(text));
+    return seed;
+}
+
+bool takeNoise(const QCommandLineParser& parser)
+{
+    QString kind = QStringLiteral("default");
+    take(parser, "noise", &kind);
+    if (kind != QLatin1String("default") && kind != QLatin1String("none"))
+        usage(QStringLiteral("--noise is \"default\" or \"none\", not \"%1\".").arg(kind));
+    return kind == QLatin1String("default");
+}
+
+SimulationOptions takeOptions(const QCommandLineParser& parser)
+{
+    SimulationOptions options;
+    take(parser, "size", &options.size);
+    take(parser, "bands", &options.bands);
+    if (parser.isSet(QStringLiteral("probes")))
+        options.probes = fieldsOf(parser.value(QStringLiteral("probes")));
+    take(parser, "depths", &options.depthsMm);
+    take(parser, "excitations", &options.excitationsNm);
+    take(parser, "ratio", &options.ratio);
+    take(parser, "food-ratio", &options.foodRatio);
+    options.noise = takeNoise(parser);
+    options.seed = takeSeed(parser, options.seed);
+    take(parser, "peak", &options.peakElectrons);
+    take(parser, "gain", &options.gain);
+    take(parser, "read-noise", &options.readNoise);
+    take(parser, "offset", &options.offset);
+    take(parser, "exposure", &options.exposuresSeconds);
+    take(parser, "binning", &options.binning);
+    options.mixedBinning = parser.isSet(QStringLiteral("mixed-binning"));
+    take(parser, "name", &options.name);
+    take(parser, "subject", &options.subject);
+    options.force = parser.isSet(QStringLiteral("force"));
+    const QString problem = validate(options);
+    if (!problem.isEmpty())
+        usage(problem);
+    return options;
+}
+
+QJsonArray jsonNumbers(const QList<double>& values)
+{
+    QJsonArray array;
+    for (const double value : values)
+        array.append(value);
+    return array;
+}
+
+// What was simulated, with everything that the options left open.
+struct Outcome
+{
+    QString folder;
+    QStringList probes;
+    QList<double> depths;
+    QList<FilterPair> pairs;
+};
+
+Outcome describe(const SimulationOptions& options, const QString& strTarget)
+{
+    Outcome outcome;
+    outcome.folder = QDir::cleanPath(QFileInfo(strTarget).absoluteFilePath());
+    QList<Probe> probes;
+    QString error;
+    resolveProbes(options.probes, &probes, &error); // validate() has tried both already
+    FilterPlan::choose(options.bands, options.excitationsNm, probes, &outcome.pairs, &error);
+    for (int i = 0; i < probes.size(); ++i) {
+        outcome.probes.append(probes.at(i).name);
+        outcome.depths.append(probeDepthMm(options, i));
+    }
+    return outcome;
+}
+
+QString textAnswer(const SimulationOptions& options, const Outcome& outcome)
+{
+    QStringList probes;
+    for (int i = 0; i < outcome.probes.size(); ++i)
+        probes.append(QStringLiteral("%1 at %2 mm").arg(outcome.probes.at(i)).arg(outcome.depths.at(i)));
+    return QStringLiteral("%1 images of %2 x %2 pixels, %3\n%4\nsequence in %5\ntruth in    %5/%6\n")
+        .arg(outcome.pairs.size())
+        .arg(options.size)
+        .arg(options.noise ? QStringLiteral("with noise") : QStringLiteral("without noise"),
+             probes.join(QStringLiteral(", ")), outcome.folder, QLatin1String(kTruthFolder));
+}
+
+QJsonObject jsonAnswer(const SimulationOptions& options, const Outcome& outcome)
+{
+    QJsonArray pairs;
+    for (const FilterPair& pair : outcome.pairs)
+        pairs.append(QJsonObject{{"excitation", pair.excitation}, {"emission", pair.emission}});
+    return QJsonObject{{"folder", outcome.folder},
+                       {"truth", outcome.folder + QLatin1Char('/') + QLatin1String(kTruthFolder)},
+                       {"size", options.size},
+                       {"bands", options.bands},
+                       {"pairs", pairs},
+                       {"probes", QJsonArray::fromStringList(outcome.probes)},
+                       {"depthsMm", jsonNumbers(outcome.depths)},
+                       {"ratio", options.ratio},
+                       {"foodRatio", options.foodRatio},
+                       {"noise", options.noise ? QStringLiteral("default") : QStringLiteral("none")},
+                       {"seed", QString::number(options.seed)}, // as text: a number would lose bits
+                       {"peakElectrons", options.peakElectrons},
+                       {"gain", options.gain},
+                       {"readNoise", options.readNoise},
+                       {"offset", options.offset},
+                       {"exposuresSeconds", jsonNumbers(options.exposuresSeconds)},
+                       {"binning", options.binning},
+                       {"mixedBinning", options.mixedBinning},
+                       {"subject", options.subject}};
+}
+
+} // namespace
+
+void SimulateCommand::declare(QCommandLineParser& parser) const
+{
+    parser.addPositionalArgument(QStringLiteral("OUT"), QStringLiteral("Folder of the new sequence."));
+    for (const OptionText& option : kOptions) {
+        QString help = QString::fromLatin1(option.help);
+        if (*option.standard != '\0')
+            help += QStringLiteral(" Default: %1.").arg(QLatin1String(option.standard));
+        parser.addOption({QString::fromLatin1(option.name), help, QString::fromLatin1(option.value)});
+    }
+}
+
+void SimulateCommand::run(const QCommandLineParser& parser, CliSession& session)
+{
+    const QStringList arguments = parser.positionalArguments();
+    if (arguments.size() != 1 || arguments[0].isEmpty())
+        usage(QStringLiteral("simulate takes one folder to write."));
+    const SimulationOptions options = takeOptions(parser);
+    session.progress().start(QStringLiteral("simulating"));
+    QString error;
+    const bool done = simulate(
+        arguments[0], options,
+        [&session](double fraction, const QString& message) {
+            session.progress().show(message, fraction);
+            return !CliSession::isInterrupted();
+        },
+        &error);
+    session.progress().finish();
+    if (!done) {
+        CliSession::stopIfInterrupted();
+        throw CliFailure(error);
+    }
+    const Outcome outcome = describe(options, arguments[0]);
+    session.answer(textAnswer(options, outcome));
+    session.answerJson(jsonAnswer(options, outcome));
+}
