@@ -24,7 +24,8 @@ struct Band
     QDateTime start; // UTC
 };
 
-// The camera and lens as its calibration knows them; all figures are those of a plausible cooled camera, not of a product.
+// The camera and lens as its calibration knows them; all figures are those of a plausible cooled camera, not of a
+// product.
 namespace CameraFigures {
 
 constexpr double kFNumber = 2.0;
@@ -38,15 +39,16 @@ double irradiance(double nm);
 
 } // namespace CameraFigures
 
-// The images of a sequence in order of acquisition, five seconds between them for filters and read-out. Options must be valid;
-// `strPrefix` begins the click numbers.
+// The images of a sequence in order of acquisition, five seconds between them for filters and read-out. Options must be
+// valid; `strPrefix` begins the click numbers.
 QList<Band> planBands(const SimulationOptions& options, const QList<FilterPair>& pairs, const QString& strPrefix);
 
 // The click info of a band's image at the binning given, as the sequence stores it: everything but the section of the
 // photograph. `strProbes` is the text of the entry "Probe".
 CPLClickInfo describeBand(const SimulationOptions& options, const Band& band, int binning, const QString& strProbes);
 
-// What a count of the band, at the analysis' binning, is in the unit; as a dataset of that click info converts it. 0 when it can't.
+// What a count of the band, at the analysis' binning, is in the unit; as a dataset of that click info converts it. 0
+// when it can't.
 double unitOfCount(const SimulationOptions& options, const Band& band, tag_edisplayunit eUnit);
 
 // A number as the files hold it: it reads back as the same double.

@@ -14,8 +14,8 @@ class TissueOptics;
 //
 //     s_j = t_j I_j <ex(x) x T(x, d)> <em(m) q(m) T(m, d)>
 //
-// t exposure, I irradiance, <> the mean over a filter's 20 nm, ex and em the source's spectra, x and m wavelengths (the x
-// counts photons instead of energy), T the tissue's transmission at the component's depth, q the sensor's quantum
+// t exposure, I irradiance, <> the mean over a filter's 20 nm, ex and em the source's spectra, x and m wavelengths (the
+// x counts photons instead of energy), T the tissue's transmission at the component's depth, q the sensor's quantum
 // efficiency.
 std::vector<double> componentSpectrum(const SceneComponent& component, const TissueOptics& tissue,
                                       const QList<Band>& bands);

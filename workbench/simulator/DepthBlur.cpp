@@ -13,7 +13,7 @@ constexpr int kFinestSide = 384;         // grid points over the field of view
 constexpr double kNodesInReach = 32.0;   // grid steps from the spread's centre to its end
 constexpr double kReachInDepths = 4.0;   // the spread ends at this many depths
 constexpr double kShortestReachCm = 0.3; // but not nearer than this
-constexpr int kSubsamples = 5;           // of a grid cell along a side, where source and spread are sampled
+constexpr int kSubsamples = 3;           // of a grid cell along a side, where source and spread are sampled
 
 double subOffset(int i)
 {

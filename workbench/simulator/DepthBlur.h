@@ -6,9 +6,9 @@
 
 class TissueOptics;
 
-// The picture that a flat source at one depth makes on the surface: the source convolved with the spread of light at a reference
-// wavelength, whose integral is 1 (what depth takes from the light is the spectrum's business). It is computed on a
-// grid that is fine against the spread, and is a smooth function of the place.
+// The picture that a flat source at one depth makes on the surface: the source convolved with the spread of light at a
+// reference wavelength, whose integral is 1 (what depth takes from the light is the spectrum's business). It is
+// computed on a grid that is fine against the spread, and is a smooth function of the place.
 class DepthBlur
 {
 public:

@@ -28,6 +28,17 @@ struct Relief
     }
 };
 
+// The animal's coverage, softened, where the lamp's ray to a place passes it: the shadow falls to the lower right.
+double shadeAt(const Relief& relief, int row, int column)
+{
+    constexpr double kShiftX = 0.16; // cm
+    constexpr double kShiftY = 0.18;
+    constexpr double kSoftness = 0.7;
+    const int fromRow = std::max(0, row - static_cast<int>(std::lround(kShiftY / relief.step)));
+    const int fromColumn = std::max(0, column - static_cast<int>(std::lround(kShiftX / relief.step)));
+    return MouseShape::coverage(relief.at(fromRow, fromColumn).distance, kSoftness);
+}
+
 double place(int pixel, double step)
 {
     return (pixel - kMargin + 0.5) * step - 0.5 * MouseShape::kFieldOfView;
@@ -58,14 +69,18 @@ public:
     {
     }
 
-    // Grey from 0 to 1. slopeX and slopeY: of the surface's height.
-    double grey(double x, double y, const MouseShape::Point& point, double slopeX, double slopeY) const
+    // Grey from 0 to 1. slopeX and slopeY: of the surface's height; shade: the animal's coverage where the lamp's ray
+    // to this place passes it.
+    double grey(double x, double y, const MouseShape::Point& point, double slopeX, double slopeY, double shade) const
     {
+        constexpr double kBeyondHair = 0.12; // cm
+        if (point.distance > kBeyondHair)
+            return bedGrey(x, y, shade);
         const double strands = fur(x, y);
         // Hairs stand out over the edge of the coat.
         const double ragged = point.distance - 0.045 * point.fur * strands;
         const double coverage = MouseShape::coverage(ragged, 0.03 + 0.05 * point.fur);
-        const double bed = bedGrey(x, y);
+        const double bed = coverage < 1.0 ? bedGrey(x, y, shade) : 0.0;
         if (coverage <= 0.0)
             return bed;
         const double albedo = skinAlbedo(x, y) * (1.0 - point.fur) + coatAlbedo(x, y, strands) * point.fur;
@@ -74,8 +89,8 @@ public:
     }
 
 private:
-    // About -1 to 1: streaks along the lie of the fur, which runs from the nose to the rump and parts from the spine. The
-    // streaks follow the curves x exp(-s y) = constant, on which this coordinate is smooth everywhere.
+    // About -1 to 1: streaks along the lie of the fur, which runs from the nose to the rump and parts from the spine.
+    // The streaks follow the curves x exp(-s y) = constant, on which this coordinate is smooth everywhere.
     double fur(double x, double y) const
     {
         const double warp = 0.10 * m_clumps.value(1.3 * x, 1.3 * y);
@@ -133,13 +148,11 @@ private:
         return body * (1.0 - 0.45 * MouseShape::coverage(nose - 0.8, 0.8));
     }
 
-    double bedGrey(double x, double y) const
+    double bedGrey(double x, double y, double shade) const
     {
-        // The shadow falls to the lower right.
-        const double shadow = MouseShape::coverage(m_shape.at(x - 0.16, y - 0.18).distance, 0.7);
         const double vignette = 1.0 - 0.006 * (x * x + y * y);
         const double grain = 0.006 * m_bed.value(40.0 * x, 40.0 * y) + 0.008 * m_bed.fractal(0.8 * x, 0.8 * y, 3);
-        return (0.115 + grain) * vignette * (1.0 - 0.65 * shadow);
+        return (0.115 + grain) * vignette * (1.0 - 0.65 * shade);
     }
 
     const MouseShape& m_shape;
@@ -167,7 +180,7 @@ CILImage takeMousePhotograph(const MouseShape& shape, int side, std::uint64_t se
                 const double slopeY =
                     (relief.at(row + 1, column).height - relief.at(row - 1, column).height) / (2.0 * relief.step);
                 const double grey = painter.grey(place(column, relief.step), place(row, relief.step),
-                                                 relief.at(row, column), slopeX, slopeY);
+                                                 relief.at(row, column), slopeX, slopeY, shadeAt(relief, row, column));
                 pPixels[line * side + column - kMargin] =
                     static_cast<unsigned char>(std::clamp(std::lround(255.0 * grey), 0L, 255L));
             }

@@ -6,9 +6,9 @@
 #include <cstdint>
 #include <vector>
 
-// The outline and relief of a mouse that lies prone, seen from above, nose up: body, head, ears, limbs with toes, and tail, as
-// smoothly united tubes. A continuous function of the place in centimetres, so that every resolution shows the same animal. The origin is the
-// centre of the field of view, x to the right, y down.
+// The outline and relief of a mouse that lies prone, seen from above, nose up: body, head, ears, limbs with toes, and
+// tail, as smoothly united tubes. A continuous function of the place in centimetres, so that every resolution shows the
+// same animal. The origin is the centre of the field of view, x to the right, y down.
 class MouseShape
 {
 public:

@@ -3,8 +3,8 @@
 
 #include <cstdint>
 
-// Smooth random texture as a function of the place, so that it is the same at every resolution: gradient noise on a unit
-// lattice (K. Perlin, Improving noise, 2002), its gradients from a hash of the lattice point and a seed.
+// Smooth random texture as a function of the place, so that it is the same at every resolution: gradient noise on a
+// unit lattice (K. Perlin, Improving noise, 2002), its gradients from a hash of the lattice point and a seed.
 class NoiseField
 {
 public:

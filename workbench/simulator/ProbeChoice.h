@@ -16,22 +16,25 @@ struct Probe
     bool excitationIsEstimate = false; // no measured curve, see estimateExcitation()
 };
 
-// The fluorophores of that name, or of another name in use. False with one sentence in *pError, which names the likeliest
-// candidates for a name that is unknown, and *pProbes as it was: no name, more than kMostProbes, the same probe twice, one that is no fluorophore.
+// The fluorophores of that name, or of another name in use. False with one sentence in *pError, which names the
+// likeliest candidates for a name that is unknown, and *pProbes as it was: no name, more than kMostProbes, the same
+// probe twice, one that is no fluorophore.
 constexpr int kMostProbes = 8;
 bool resolveProbes(const QStringList& names, QList<Probe>* pProbes, QString* pError);
 
-// A source of the reference data with an emission and an excitation curve ("ALFree", "ALFood"); false when it is not there.
+// A source of the reference data with an emission and an excitation curve ("ALFree", "ALFood"); false when it is not
+// there.
 bool readAutofluorescence(const QString& strName, Probe* pProbe);
 
-// Excitation where none was measured. A dye's is its emission mirrored (the mirror-image rule, see J. R. Lakowicz, Principles
-// of Fluorescence Spectroscopy, section 1.3.2) with its peak 23 nm before the emission's, as with the far-red cyanine dyes; a
-// nanocrystal ("QDot") absorbs the more the bluer the light, falling to nothing at its emission.
+// Excitation where none was measured. A dye's is its emission mirrored (the mirror-image rule, see J. R. Lakowicz,
+// Principles of Fluorescence Spectroscopy, section 1.3.2) with its peak 23 nm before the emission's, as with the
+// far-red cyanine dyes; a nanocrystal ("QDot") absorbs the more the bluer the light, falling to nothing at its
+// emission.
 SpectralCurve estimateExcitation(const QString& strName, const SpectralCurve& emission);
 
 // Names that resemble the text, the likeliest first, at most `nMost`.
 QStringList similarNames(const QString& strText, const QStringList& names, int nMost);
 
-// The text that a sequence holds for a probe, from which its name is made again: "AF680" for "AlexaFluor 680", "QD800" for
-// "QDot 800", else the name.
+// The text that a sequence holds for a probe, from which its name is made again: "AF680" for "AlexaFluor 680", "QD800"
+// for "QDot 800", else the name.
 QString probeText(const QString& strName);

@@ -4,9 +4,10 @@
 #include <cstdint>
 #include <random>
 
-// A stream of random numbers that a seed and two counters name. The generator is std::mt19937_64, whose output the language
-// fixes; the distributions are computed here, because those of the standard library differ from one library to the next.
-// Streams are cheap enough to have one for each row of an image, so what is drawn does not depend on the number of threads.
+// A stream of random numbers that a seed and two counters name. The generator is std::mt19937_64, whose output the
+// language fixes; the distributions are computed here, because those of the standard library differ from one library to
+// the next. Streams are cheap enough to have one for each row of an image, so what is drawn does not depend on the
+// number of threads.
 class RandomStream
 {
 public:
@@ -33,5 +34,6 @@ private:
     bool m_bHasSpare = false;
 };
 
-// ln(k!) of a whole number k >= 0; relative error below 1e-9. Unlike lgamma it keeps no state, so any thread may call it.
+// ln(k!) of a whole number k >= 0; relative error below 1e-9. Unlike lgamma it keeps no state, so any thread may call
+// it.
 double logFactorial(double k);

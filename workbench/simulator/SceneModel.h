@@ -19,10 +19,10 @@ struct SceneModel
     std::vector<std::vector<double>> maps;    // a component each: size x size pixels in counts
     std::vector<std::vector<double>> spectra; // a component each: a value for each band, the largest 1
 
-    // Renders and scales the scene. Each component but the first has its peak at `ratio` times the first one's counts, at
-    // the pixel of its map's maximum and in the band of its spectrum's maximum; then all are scaled so that the brightest
-    // pixel of the sequence (a coarse image's pixel gathers four) expects options.peakElectrons. False with a sentence
-    // when a component gives no light in any band.
+    // Renders and scales the scene. Each component but the first has its peak at `ratio` times the first one's counts,
+    // at the pixel of its map's maximum and in the band of its spectrum's maximum; then all are scaled so that the
+    // brightest pixel of the sequence (a coarse image's pixel gathers four) expects options.peakElectrons. False with a
+    // sentence when a component gives no light in any band.
     bool build(const ScenePlan& plan, const SimulationOptions& options, const QList<Band>& bands, QString* pError);
 
     // Expected counts of a band at the analysis' binning, row by row.

@@ -42,8 +42,8 @@ public:
     // The tissue's autofluorescence first, then food (unless its ratio is 0), then the probes in their order.
     const QList<SceneComponent>& components() const { return m_components; }
 
-    // The map of each component, `size` x `size` pixels row by row, 0 outside the animal, the largest pixel 1 (a map without
-    // light stays 0). A pixel is the mean over its area. Independent of the number of threads.
+    // The map of each component, `size` x `size` pixels row by row, 0 outside the animal, the largest pixel 1 (a map
+    // without light stays 0). A pixel is the mean over its area. Independent of the number of threads.
     std::vector<std::vector<double>> renderMaps(int size) const;
 
 private:

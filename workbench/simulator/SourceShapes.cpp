@@ -59,7 +59,7 @@ DepthBlur::Density SourceShapes::food(const MouseShape& shape, std::uint64_t see
         const double loop = tubeContent(gut, x, y);
         if (loop > 0.0) {
             const double along = gut.nearest(x, y).along;
-            content += 0.9 * loop * std::clamp(0.55 + 0.6 * lumps.value(2.3 * along, 0.5), 0.0, 1.0);
+            content += 1.9 * loop * std::clamp(0.55 + 0.6 * lumps.value(2.3 * along, 0.5), 0.0, 1.0);
         }
         return content > 0.0 ? content * (0.9 + 0.35 * lumps.fractal(3.0 * x, 3.0 * y, 3)) : 0.0;
     };
@@ -81,6 +81,9 @@ DepthBlur::Density SourceShapes::probePatch(const MouseShape& shape, int index, 
     const double satelliteY = y0 + 0.62 * std::sin(satelliteAngle);
     const NoiseField texture(RandomStream::mix(seed, kPatchSeed, static_cast<std::uint64_t>(index)));
     return [=](double x, double y) {
+        constexpr double kBeyond = 0.9; // cm: outside both
+        if (std::hypot(x - x0, y - y0) > kBeyond)
+            return 0.0;
         const double u = (std::cos(angle) * (x - x0) + std::sin(angle) * (y - y0)) / longSide;
         const double v = (std::cos(angle) * (y - y0) - std::sin(angle) * (x - x0)) / shortSide;
         const double ragged = 1.0 + 0.35 * texture.fractal(4.0 * x, 4.0 * y, 2);

@@ -24,9 +24,10 @@ public:
 
     double transmission(double nm, double depthMm) const;
 
-    // Relative light that leaves the surface at the lateral distance from a point source at that depth: the extrapolated
-    // boundary of T. J. Farrell, M. S. Patterson and B. Wilson, Med. Phys. 19 (1992) 879, with the source at the depth itself
-    // instead of one scattering length; internal reflection by the fit given there, at a refractive index of 1.4.
+    // Relative light that leaves the surface at the lateral distance from a point source at that depth: the
+    // extrapolated boundary of T. J. Farrell, M. S. Patterson and B. Wilson, Med. Phys. 19 (1992) 879, with the source
+    // at the depth itself instead of one scattering length; internal reflection by the fit given there, at a refractive
+    // index of 1.4.
     double surfaceSpread(double nm, double depthMm, double distanceMm) const;
 
 private:

@@ -9,13 +9,14 @@
 struct SceneModel;
 struct SimulationOptions;
 
-// Writes the truth of a simulation: in `strFolder` (with its separator at the end) a folder for each unit ("counts", "radiance",
-// "radiant-efficiency", "efficiency") with
+// Writes the truth of a simulation: in `strFolder` (with its separator at the end) a folder for each unit ("counts",
+// "radiance", "radiant-efficiency", "efficiency") with
 //
 //     spectra.csv   effective spectra in that unit, the largest value of each 1, as a spectrum library with 17 digits
 //     <name>.tif    a component's map in that unit as floats, at the analysis' binning
 //
-// so that the data in the unit, without noise, are the sum of map times spectrum. False with a sentence that names the file.
+// so that the data in the unit, without noise, are the sum of map times spectrum. False with a sentence that names the
+// file.
 bool writeTruth(const QString& strFolder, const SceneModel& model, const SimulationOptions& options,
                 const QList<Band>& bands, QString* pError);
 

@@ -12,7 +12,8 @@ using SimulationProgress = std::function<bool(double fraction, const QString& me
 constexpr const char* const kTruthFolder = "truth";
 
 // Writes a simulated sequence with its truth to the folder `strTarget`, whose parent must exist. The same options and
-// folder name give the same bytes. False after a failure, with one sentence in *pError, and after `progress` asked to stop, with *pError
-// empty; nothing is then left, and what was there is as it was. `progress` may be empty. docs/simulation.md has the model.
+// folder name give the same bytes. False after a failure, with one sentence in *pError, and after `progress` asked to
+// stop, with *pError empty; nothing is then left, and what was there is as it was. `progress` may be empty.
+// docs/simulation.md has the model.
 bool simulate(const QString& strTarget, const SimulationOptions& options, const SimulationProgress& progress,
               QString* pError);
