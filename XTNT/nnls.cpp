@@ -15,6 +15,10 @@ constexpr double independenceFactor = 0.01;
 // Above every step length that can occur: a step stays here when no variable blocks it.
 constexpr double noBlock = 2.0;
 
+// Magnitudes between which a square neither overflows in a sum nor is denormal.
+constexpr double smallestPlainScale = 1e-120;
+constexpr double largestPlainScale = 1e120;
+
 // Four partial sums let the chains run side by side.
 double dot(int n, const double* __restrict u, const double* __restrict v)
 {
@@ -44,23 +48,35 @@ struct Reflection
     int first = 0;
 };
 
+// Euclidean norm of n elements, the largest magnitude of which is `scale`. It is divided out only where the squares
+// could overflow or lose digits.
+double lengthOf(const double* v, int n, double scale)
+{
+    if (scale > smallestPlainScale && scale < largestPlainScale) {
+        return std::sqrt(dot(n, v, v));
+    }
+    double squares = 0;
+    for (int i = 0; i < n; ++i) {
+        squares += (v[i] / scale) * (v[i] / scale);
+    }
+    return scale * std::sqrt(squares);
+}
+
 Reflection makeReflection(const double* column, int first, int m)
 {
     Reflection reflection;
     reflection.first = first;
     reflection.diagonal = column[first];
+    // A comparison of its own: the library's maximum is a call for every element.
     double scale = 0;
     for (int i = first; i < m; ++i) {
-        scale = std::fmax(scale, std::abs(column[i]));
+        const double size = std::abs(column[i]);
+        scale = size > scale ? size : scale;
     }
     if (!(scale > 0)) {
         return reflection;
     }
-    double squares = 0;
-    for (int i = first; i < m; ++i) {
-        squares += (column[i] / scale) * (column[i] / scale);
-    }
-    const double length = scale * std::sqrt(squares);
+    const double length = lengthOf(column + first, m - first, scale);
     reflection.diagonal = column[first] > 0 ? -length : length;
     reflection.head = column[first] - reflection.diagonal;
     return reflection;
