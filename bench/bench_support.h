@@ -12,6 +12,8 @@
 #include <random>
 #include <vector>
 
+#include <time.h>
+
 // What the benchmarks share: data with a fixed seed, the pass that is the unit R, and timing of a path in turns with it.
 namespace bench {
 
@@ -95,12 +97,28 @@ inline double parallelSumPass(const double* p, long long n)
     return sum;
 }
 
-template <class Function>
-double secondsOf(const Function& function)
+// Time on the clock, and time that the calling thread had a processor: on a busy machine the latter is the steadier.
+struct Seconds
 {
+    double wall;
+    double processor;
+};
+
+inline double threadSeconds()
+{
+    timespec time{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
+}
+
+template <class Function>
+Seconds secondsOf(const Function& function)
+{
+    const double processor = threadSeconds();
     const auto start = std::chrono::steady_clock::now();
     function();
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    const std::chrono::duration<double> wall = std::chrono::steady_clock::now() - start;
+    return {wall.count(), threadSeconds() - processor};
 }
 
 inline double medianOf(std::vector<double> values)
@@ -111,22 +129,31 @@ inline double medianOf(std::vector<double> values)
 }
 
 // Times `path` on one thread in turns with the unit R, so that a busy machine slows both. Counters: R_ms the unit, ratio
-// the path in units of R, ratio_least the same of the least times, and bytes a second of the matrix.
+// the path in units of R, ratio_cpu the same in processor time, ratio_least of the least times, and bytes a second of
+// the matrix.
 template <class Path>
 void timeInUnits(benchmark::State& state, const Matrix<double>& pixels, const Path& path)
 {
     XTNT::setThreadCount(1);
     std::vector<double> unit;
     std::vector<double> times;
+    std::vector<double> unitProcessor;
+    std::vector<double> timesProcessor;
     for (auto _ : state) {
-        unit.push_back(secondsOf([&] { benchmark::DoNotOptimize(sumPass(pixels.storage.data, pixels.storage.n_)); }));
-        times.push_back(secondsOf(path));
-        state.SetIterationTime(times.back());
+        const Seconds one =
+            secondsOf([&] { benchmark::DoNotOptimize(sumPass(pixels.storage.data, pixels.storage.n_)); });
+        const Seconds other = secondsOf(path);
+        unit.push_back(one.wall);
+        times.push_back(other.wall);
+        unitProcessor.push_back(one.processor);
+        timesProcessor.push_back(other.processor);
+        state.SetIterationTime(other.wall);
     }
     XTNT::setThreadCount(0);
     state.SetBytesProcessed(state.iterations() * pixels.storage.n_ * static_cast<long long>(sizeof(double)));
     state.counters["R_ms"] = medianOf(unit) * 1e3;
     state.counters["ratio"] = medianOf(times) / medianOf(unit);
+    state.counters["ratio_cpu"] = medianOf(timesProcessor) / medianOf(unitProcessor);
     state.counters["ratio_least"] =
         *std::min_element(times.begin(), times.end()) / *std::min_element(unit.begin(), unit.end());
 }
@@ -142,8 +169,8 @@ void timeTwoThreads(benchmark::State& state, const Matrix<double>& pixels, const
     for (auto _ : state) {
         for (int threads : {1, 2}) {
             XTNT::setThreadCount(threads);
-            sums[threads - 1].push_back(secondsOf(sum));
-            times[threads - 1].push_back(secondsOf(path));
+            sums[threads - 1].push_back(secondsOf(sum).wall);
+            times[threads - 1].push_back(secondsOf(path).wall);
         }
         state.SetIterationTime(times[1].back());
     }
