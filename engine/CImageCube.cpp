@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/CImageCube.h"
 
+#include "XTNT/large_pages.h"
 #include "XTNT/xtnt_exception.h"
 #include "XTNT/xtnt_parallel.h"
 #include "host/CILImage.h"
@@ -19,8 +20,9 @@ namespace {
 constexpr int colourChannels = 3;
 constexpr int brightest = 255;
 
-// Rows of the matrix that a thread stores at a time.
-constexpr long long storeGrain = 1 << 14;
+// Rows of the matrix that a thread stores at a time: with some tens of columns they stay in the first caches while one
+// column after the other is written.
+constexpr long long storeGrain = 256;
 
 // Grey level of a fraction of the range; what is not a number (a constant cube) is black.
 int greyLevel(double fraction)
@@ -100,6 +102,7 @@ bool CImageCube::init(int nWidth, int nHeight, int nSpots, int nImages, std::vec
         return false;
     }
     m_data.reshape(nSpots * pixelsPerSpot(), nImages);
+    XTNT::preferLargePages(m_data);
     m_bValid = true;
     return true;
 }
@@ -128,27 +131,36 @@ long long CImageCube::pixelOfRow(long long j) const
 
 bool CImageCube::setImage(int nSpot, int nImage, const float* pPixels, std::size_t nLength)
 {
-    if (nSpot < 0 || nSpot >= m_nSpots || nImage < 0 || nImage >= m_nImages ||
-        nLength != static_cast<std::size_t>(m_nWidth) * static_cast<std::size_t>(m_nHeight)) {
-        return false;
-    }
-    const long long nPixels = pixelsPerSpot();
-    double* const pColumn = m_data.storage.data + nSpot * nPixels * m_nImages + nImage;
-    const long long nStride = m_nImages;
-    const int* const pMask = m_bHasMask ? m_maskIndices.data() : nullptr;
-    XTNT::parallelChunks(nPixels, storeGrain, [=](long long begin, long long end) {
-        double* to = pColumn + begin * nStride;
-        for (long long j = begin; j < end; ++j, to += nStride) {
-            const float value = pPixels[pMask != nullptr ? pMask[j] : j];
-            *to = value < 0.0F ? 0.0 : static_cast<double>(value);
-        }
-    });
-    return true;
+    return setImages(nSpot, nImage, {pPixels}, nLength);
 }
 
 bool CImageCube::setImage(int nSpot, int nImage, const std::vector<float>& pixels)
 {
     return setImage(nSpot, nImage, pixels.data(), pixels.size());
+}
+
+bool CImageCube::setImages(int nSpot, int nFirst, const std::vector<const float*>& images, std::size_t nLength)
+{
+    const int nCount = static_cast<int>(images.size());
+    if (nSpot < 0 || nSpot >= m_nSpots || nFirst < 0 || nFirst + nCount > m_nImages ||
+        nLength != static_cast<std::size_t>(m_nWidth) * static_cast<std::size_t>(m_nHeight)) {
+        return false;
+    }
+    const long long nPixels = pixelsPerSpot();
+    const long long nStride = m_nImages;
+    double* const pFirst = m_data.storage.data + nSpot * nPixels * nStride + nFirst;
+    const int* const pMask = m_bHasMask ? m_maskIndices.data() : nullptr;
+    XTNT::parallelChunks(nPixels, storeGrain, [&](long long begin, long long end) {
+        for (int i = 0; i < nCount; ++i) {
+            const float* const pPixels = images[static_cast<std::size_t>(i)];
+            double* to = pFirst + begin * nStride + i;
+            for (long long j = begin; j < end; ++j, to += nStride) {
+                const float value = pPixels[pMask != nullptr ? pMask[j] : j];
+                *to = value < 0.0F ? 0.0 : static_cast<double>(value);
+            }
+        }
+    });
+    return true;
 }
 
 bool CImageCube::buildRGBImage(const XTNT::Matrix<double>& weights)

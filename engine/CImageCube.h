@@ -34,6 +34,9 @@ public:
     // changed, when there is no such spot or image or the length is another. Passes cancellation points.
     bool setImage(int nSpot, int nImage, const float* pPixels, std::size_t nLength);
     bool setImage(int nSpot, int nImage, const std::vector<float>& pixels);
+    // Stores consecutive images of one length from column nFirst on in one pass over the rows, which touches each line of
+    // memory once where images stored one by one touch it once each. Otherwise as setImage().
+    bool setImages(int nSpot, int nFirst, const std::vector<const float*>& images, std::size_t nLength);
 
     // Makes m_rgbImage, the false-colour overview, from m_nImages x 3 weights (red, green, blue); in a scan the mean over
     // the spots is shown. Without a mask the background, below a threshold between the two modes of the brightness, goes

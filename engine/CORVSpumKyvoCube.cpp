@@ -15,8 +15,22 @@
 
 #include <new>
 #include <utility>
+#include <vector>
 
 namespace {
+
+// Images that are stored in one pass over the cube: the memory for them against the traffic of a pass.
+constexpr std::size_t imagesPerPass = 4;
+
+// Stores images k, k + 1, ... of the image list, all of one spot.
+void storeImages(CImageCube& cube, int k, int nImages, const std::vector<CILImage>& images)
+{
+    std::vector<const float*> pixels;
+    for (const CILImage& image : images) {
+        pixels.push_back(image.floats());
+    }
+    cube.setImages(k / nImages, k % nImages, pixels, images.front().pixelCount());
+}
 
 int binningOf(CORVDataset* pDataset)
 {
@@ -108,7 +122,8 @@ bool CORVSpumKyvo::fillImageCube()
     // A refused mask shows later, as an empty matrix.
     m_cube.init(m_nWidth, m_nHeight, nSpots, nImages, m_maskIndices);
 
-    bool bUnitFixed = false; // once a unit was refused, all images are taken in the one below
+    std::vector<CILImage> waiting; // to be stored together
+    bool bUnitFixed = false;       // once a unit was refused, all images are taken in the one below
     for (int k = 0; k < m_imageList.size();) {
         XTNT::cancellationPoint();
         CORVDataset* pDataset = pSequence->getDataset(m_imageList.at(k));
@@ -137,8 +152,12 @@ bool CORVSpumKyvo::fillImageCube()
         if (!bringToCubeSize(image)) {
             return false;
         }
-        m_cube.setImage(k / nImages, k % nImages, image.floats(), image.pixelCount());
+        waiting.push_back(std::move(image));
         ++k;
+        if (k % nImages == 0 || waiting.size() == imagesPerPass) {
+            storeImages(m_cube, k - static_cast<int>(waiting.size()), nImages, waiting);
+            waiting.clear();
+        }
     }
     return true;
 }

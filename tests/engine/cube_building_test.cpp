@@ -287,8 +287,8 @@ TEST(BuildImageCubeTest, ExhaustedMemoryIsToldAndLeavesNoCube)
     TestSequence sequence;
     addImages(sequence, {1, 1}, 4, 2);
     CORVDataset* pFirst = sequence->getDatasets().first();
-    // At binning 1 these four pixels a side would be four million.
-    pFirst->setCoreImage(IMAGETYPE_MAIN_DATA, squareImage(4, 1 << 20, [](int) { return 1.0F; }));
+    // At binning 1 these four pixels a side would be more than the cube can have.
+    pFirst->setCoreImage(IMAGETYPE_MAIN_DATA, squareImage(4, 1 << 30, [](int) { return 1.0F; }));
     CORVSpumKyvo engine(sequence.id());
     ASSERT_TRUE(engine.buildDatasetInfo());
     engine.m_bAutoBinning = false;

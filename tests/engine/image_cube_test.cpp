@@ -154,6 +154,25 @@ TEST(ImageCubeTest, SetImageRefusesWhatDoesNotFit)
     EXPECT_FALSE(CImageCube().setImage(0, 0, {}));
 }
 
+TEST(ImageCubeTest, SetImagesStoresAsTheImagesOneByOne)
+{
+    constexpr int nSide = 40;
+    for (const std::vector<int>& mask : {std::vector<int>{}, std::vector<int>{0, 7, 1599}}) {
+        CImageCube cubes[2];
+        const std::vector<float> first = ramp(nSide * nSide, -10.0F);
+        const std::vector<float> second = ramp(nSide * nSide, 5.0F);
+        for (CImageCube& cube : cubes) {
+            ASSERT_TRUE(cube.init(nSide, nSide, 2, 4, mask));
+        }
+        ASSERT_TRUE(cubes[0].setImage(1, 2, first));
+        ASSERT_TRUE(cubes[0].setImage(1, 3, second));
+        ASSERT_TRUE(cubes[1].setImages(1, 2, {first.data(), second.data()}, first.size()));
+        EXPECT_EQ((cubes[0].m_data - cubes[1].m_data).norm(0), 0.0);
+        // Not past the last column.
+        EXPECT_FALSE(cubes[1].setImages(1, 3, {first.data(), second.data()}, first.size()));
+    }
+}
+
 TEST(ImageCubeTest, StoringDoesNotDependOnTheThreads)
 {
     constexpr int nSide = 300;
