@@ -1,0 +1,105 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Building the image cube from disk (16 bit TIFF, which the system's cache holds): time, bytes of the cube a second, and the
+// highest memory during it, above that of before, as a multiple of 8 bytes an element. Beside it the storing of the images
+// alone, one by one and four in a pass.
+#include "bench_sequence.h"
+
+#include <QCoreApplication>
+#include <QFile>
+
+#include <memory>
+
+namespace {
+
+constexpr bench::Size sizes[] = {{256, 18, 4}, {512, 24, 5}, {1024, 24, 5}};
+constexpr int repetitions = 5;
+
+// A figure of this process in bytes, from the system.
+double processBytes(const QByteArray& name)
+{
+    QFile file(QStringLiteral("/proc/self/status"));
+    if (!file.open(QIODevice::ReadOnly))
+        return 0.0;
+    const QList<QByteArray> lines = file.readAll().split('\n');
+    for (const QByteArray& line : lines) {
+        if (line.startsWith(name))
+            return line.mid(name.size()).simplified().split(' ').first().toDouble() * 1024.0;
+    }
+    return 0.0;
+}
+
+// Lets the system's record of the highest memory begin anew.
+void forgetPeak()
+{
+    QFile file(QStringLiteral("/proc/self/clear_refs"));
+    if (file.open(QIODevice::WriteOnly))
+        file.write("5");
+}
+
+double elements(const bench::Size& size)
+{
+    return static_cast<double>(size.side) * static_cast<double>(size.side) * static_cast<double>(size.bands);
+}
+
+void cubeFromDisk(benchmark::State& state)
+{
+    const bench::Size size = sizes[state.range(0)];
+    const bench::DiskSequence sequence(size);
+    CORVSpumKyvo engine(sequence.id());
+    if (!engine.buildDatasetInfo())
+        bench::giveUp(QStringLiteral("the sequence cannot be analysed"));
+    double peak = 0.0;
+    for (auto _ : state) {
+        state.PauseTiming();
+        engine.resetAnalysis(RUNMODE_MANUAL);
+        forgetPeak();
+        const double before = processBytes("VmRSS:");
+        state.ResumeTiming();
+        const bool ok = engine.buildImageCube();
+        state.PauseTiming();
+        if (!ok || engine.m_eUnit != DISPLAYUNIT_RADIANT_EFFICIENCY)
+            bench::giveUp(QStringLiteral("the cube cannot be built"));
+        peak = std::max(peak, processBytes("VmHWM:") - before);
+        state.ResumeTiming();
+    }
+    const double bytes = 8.0 * elements(size);
+    state.SetBytesProcessed(static_cast<std::int64_t>(bytes) * state.iterations());
+    state.counters["peak_MB"] = peak / 1e6;
+    state.counters["peak_per_8_bytes"] = peak / bytes;
+}
+
+void storeImages(benchmark::State& state)
+{
+    const bench::Size size = sizes[state.range(0)];
+    const std::vector<float> image(static_cast<std::size_t>(size.side * size.side), 1.0F);
+    const int side = static_cast<int>(size.side);
+    const int bands = static_cast<int>(size.bands);
+    const int together = static_cast<int>(state.range(1));
+    for (auto _ : state) {
+        CImageCube cube;
+        cube.init(side, side, 1, bands, {});
+        for (int i = 0; i < bands; i += together)
+            cube.setImages(
+                0, i, std::vector<const float*>(static_cast<std::size_t>(std::min(together, bands - i)), image.data()),
+                image.size());
+        benchmark::DoNotOptimize(cube.m_data.storage.data);
+    }
+    state.SetBytesProcessed(static_cast<std::int64_t>(8.0 * elements(size)) * state.iterations());
+}
+
+BENCHMARK(cubeFromDisk)->DenseRange(0, 2)->Unit(benchmark::kMillisecond)->UseRealTime()->Iterations(repetitions);
+BENCHMARK(storeImages)
+    ->ArgsProduct({{0, 1, 2}, {1, 4}})
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime()
+    ->Iterations(repetitions);
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    const QCoreApplication application(argc, argv);
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    return 0;
+}
