@@ -14,12 +14,18 @@ constexpr double maxWavelength = 999;
 // Whole seconds beyond this are not told apart in single precision, in which times are read.
 constexpr double maxTime = 16777216;
 
+// As few digits as tell the number from its neighbours.
+QString shortest(double value)
+{
+    return QString::number(value, 'g', QLocale::FloatingPointShortest);
+}
+
 bool filterText(const char* what, double wavelength, QString& text, QString* pReason)
 {
     const double rounded = std::round(wavelength);
     if (!(rounded >= minWavelength && rounded <= maxWavelength)) {
-        *pReason = QStringLiteral("the %1 %2 nm is not within 100 to 999 nm")
-                       .arg(QLatin1String(what), QString::number(wavelength));
+        *pReason =
+            QStringLiteral("the %1 %2 nm is not within 100 to 999 nm").arg(QLatin1String(what), shortest(wavelength));
         return false;
     }
     text = QStringLiteral("%1nm").arg(static_cast<int>(rounded));
@@ -66,12 +72,12 @@ bool ImageKeys::addTemporal(const ImageRow& row, QString* pReason)
         return false;
     }
     if (std::abs(*row.time) >= maxTime) {
-        *pReason = QStringLiteral("the time %1 s is not within 16777216 s").arg(*row.time);
+        *pReason = QStringLiteral("the time %1 s is not within 16777216 s").arg(shortest(*row.time));
         return false;
     }
     ImageKey key;
     key.interval = QString::number(row.interval.value_or(1));
-    key.time = QString::number(*row.time, 'g', QLocale::FloatingPointShortest);
+    key.time = shortest(*row.time);
     images.append(key);
     return true;
 }

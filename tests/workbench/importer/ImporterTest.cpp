@@ -1,0 +1,492 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "workbench/importer/Importer.h"
+
+#include "host/CORVSequenceDataset.h"
+#include "workbench/importer/ImageKeys.h"
+#include "workbench/importer/ImporterFixture.h"
+
+#include <QSet>
+
+#include <cmath>
+
+namespace {
+
+const QByteArray threeRows = "file,excitation,emission\na.tif,488,510\nb.tif,488,530\nc.tif,514,530\n";
+
+class ImporterTest : public ImporterFixture
+{
+protected:
+    // A folder "stack" of three images of 4 x 3 pixels with their table.
+    void makeStack(const QByteArray& table = threeRows)
+    {
+        writeRamp("stack/a.tif", 100);
+        writeRamp("stack/b.tif", 200);
+        writeRamp("stack/c.tif", 300);
+        write("stack/images.csv", table);
+        m_options.source = path("stack");
+        m_options.table = path("stack/images.csv");
+        m_options.output = path("out");
+    }
+
+    bool import()
+    {
+        m_error.clear();
+        return importStack(m_options, ImportProgress(), &m_report, &m_error);
+    }
+    // The reason of a failure, which must have left nothing behind.
+    QString refusal()
+    {
+        EXPECT_FALSE(import());
+        EXPECT_FALSE(QFileInfo::exists(m_options.output));
+        for (const QString& name : QDir(path("")).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot)) {
+            EXPECT_FALSE(name.startsWith('.')) << qPrintable(name);
+        }
+        return m_error;
+    }
+    QString refusalOf(const QByteArray& table)
+    {
+        makeStack(table);
+        QString reason = refusal();
+        EXPECT_TRUE(reason.startsWith(m_options.table)) << qPrintable(reason);
+        return reason.remove(0, m_options.table.size());
+    }
+
+    void open(CORVSequenceDataset& sequence)
+    {
+        QString error;
+        QStringList warnings;
+        ASSERT_EQ(sequence.open(m_options.output, &error, &warnings), ESTATUS_SUCCESS) << qPrintable(error);
+        EXPECT_TRUE(warnings.isEmpty()) << qPrintable(warnings.join('\n'));
+    }
+    static QString value(CORVDataset* dataset, const char* section, const char* key)
+    {
+        QString text;
+        const CPLSection* found = dataset->clickInfo[section];
+        return found != nullptr && found->getValue(key, &text) == 0 ? text : QString("absent");
+    }
+
+    ImportOptions m_options;
+    ImportReport m_report;
+    QString m_error;
+};
+
+} // namespace
+
+TEST_F(ImporterTest, MakesASequenceOfAFolder)
+{
+    makeStack();
+    ASSERT_TRUE(import()) << qPrintable(m_error);
+    EXPECT_EQ(m_report.sequenceId, "out");
+    EXPECT_EQ(m_report.images, 3);
+    EXPECT_EQ(m_report.width, 4);
+    EXPECT_EQ(m_report.height, 3);
+    EXPECT_EQ(m_report.side, 4);
+    EXPECT_TRUE(m_report.fluorescence);
+    EXPECT_FALSE(m_report.temporal);
+    EXPECT_EQ(m_report.photographOrigin, "mean image");
+    EXPECT_TRUE(m_report.warnings.isEmpty());
+    EXPECT_FALSE(m_report.aborted);
+
+    CORVSequenceDataset sequence;
+    open(sequence);
+    EXPECT_TRUE(sequence.isFluorescence);
+    EXPECT_FALSE(sequence.isTransillumination);
+    EXPECT_FALSE(sequence.isKyvoSequence());
+    const QList<CORVDataset*> datasets = sequence.getDatasets();
+    ASSERT_EQ(datasets.size(), 3);
+    const QStringList excitations{"488nm", "488nm", "514nm"};
+    const QStringList emissions{"510nm", "530nm", "530nm"};
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(datasets[i]->getExcitationFilter(), excitations[i]);
+        EXPECT_EQ(datasets[i]->getEmissionFilter(), emissions[i]);
+        EXPECT_EQ(datasets[i]->getClickNumber(), m_report.clickNumbers[i]);
+        EXPECT_TRUE(datasets[i]->hasLuminescentImage);
+        EXPECT_EQ(datasets[i]->getBinningForImage(IMAGETYPE_MAIN_DATA), 1.0F);
+        CILImage* image = datasets[i]->getCoreImage(IMAGETYPE_LUMINESCENT);
+        ASSERT_NE(image, nullptr);
+        ASSERT_EQ(image->m_lWidth, 4);
+        ASSERT_EQ(image->m_lHeight, 4);
+        EXPECT_EQ(image->dataType(), ORVTYPE_USHORT);
+        EXPECT_EQ(image->value(6), 100.0 * (i + 1) + 12);
+        EXPECT_EQ(image->value(12), 0);
+    }
+}
+
+TEST_F(ImporterTest, TheSequenceIsAnalysedInCounts)
+{
+    makeStack();
+    ASSERT_TRUE(import()) << qPrintable(m_error);
+    CORVSequenceDataset sequence;
+    open(sequence);
+    CORVDataset* dataset = sequence.getDatasets().first();
+    CILImage image;
+    EXPECT_EQ(dataset->getCalibratedLuminImage(DISPLAYUNIT_RADIANT_EFFICIENCY, &image, "test"),
+              ESTATUS_UNIT_UNAVAILABLE);
+    EXPECT_EQ(dataset->getCalibratedLuminImage(DISPLAYUNIT_RADIANCE, &image, "test"), ESTATUS_UNIT_UNAVAILABLE);
+    ASSERT_EQ(dataset->getCalibratedLuminImage(DISPLAYUNIT_COUNTS, &image, "test"), ESTATUS_SUCCESS);
+    EXPECT_EQ(image.value(6), 112);
+}
+
+TEST_F(ImporterTest, KeepsExtentAndSource)
+{
+    makeStack();
+    ASSERT_TRUE(import()) << qPrintable(m_error);
+    CORVSequenceDataset sequence;
+    open(sequence);
+    EXPECT_EQ(value(sequence.getDatasets()[1], "luminescent image", "Image Extent"), "4 x 3");
+    EXPECT_EQ(value(sequence.getDatasets()[1], "luminescent image", "Source Image"), "b.tif");
+    EXPECT_EQ(value(sequence.getDatasets()[1], "luminescent image", "Exposure Time Sec"), "absent");
+}
+
+TEST_F(ImporterTest, ClickNumbersAreShortAndDifferBetweenSequences)
+{
+    makeStack();
+    ASSERT_TRUE(import()) << qPrintable(m_error);
+    const QStringList first = m_report.clickNumbers;
+    m_options.output = path("other");
+    ASSERT_TRUE(import()) << qPrintable(m_error);
+    const QStringList all = first + m_report.clickNumbers;
+    EXPECT_EQ(QSet<QString>(all.begin(), all.end()).size(), 6);
+    for (const QString& number : all) {
+        EXPECT_TRUE(number.startsWith("IM000")) << qPrintable(number);
+        EXPECT_LE(number.size(), 13);
+        EXPECT_FALSE(number.contains(QRegExp("[^A-Z0-9-]")));
+    }
+}
+
+TEST_F(ImporterTest, TheMeanImageServesAsPhotograph)
+{
+    makeStack();
+    ASSERT_TRUE(import()) << qPrintable(m_error);
+    CORVSequenceDataset sequence;
+    open(sequence);
+    QString origin;
+    ASSERT_EQ(sequence.sequenceInfo()["Sequence"]->getValue("Photograph Origin", &origin), 0);
+    EXPECT_EQ(origin, "mean image");
+    CILImage* photo = sequence.getDatasets()[0]->getCoreImage(IMAGETYPE_PHOTOGRAPH);
+    ASSERT_NE(photo, nullptr);
+    EXPECT_EQ(photo->m_lWidth, 4);
+    EXPECT_EQ(photo->m_lHeight, 4);
+    EXPECT_EQ(photo->dataType(), ORVTYPE_BYTE);
+    EXPECT_EQ(photo->value(0), 0);
+    EXPECT_EQ(photo->value(11), 255); // the brightest pixel of the extent
+    EXPECT_EQ(photo->value(15), 0);   // padding
+    EXPECT_NE(sequence.getEquivalentImageFromSequence(sequence.getDatasets()[2], IMAGETYPE_PHOTOGRAPH), nullptr);
+}
+
+TEST_F(ImporterTest, AGivenPhotographIsFittedAndPadded)
+{
+    makeStack();
+    m_options.photo =
+        writeTiffFile("my photo.tif", makeImage(ORVTYPE_BYTE, 8, 6, [](long, long y) { return y < 2 ? 40.0 : 250.0; }));
+    ASSERT_TRUE(import()) << qPrintable(m_error);
+    EXPECT_EQ(m_report.photographOrigin, "my photo.tif");
+    CORVSequenceDataset sequence;
+    open(sequence);
+    QString origin;
+    EXPECT_NE(sequence.sequenceInfo()["Sequence"]->getValue("Photograph Origin", &origin), 0);
+    CILImage* photo = sequence.getDatasets()[0]->getCoreImage(IMAGETYPE_PHOTOGRAPH);
+    ASSERT_NE(photo, nullptr);
+    ASSERT_EQ(photo->m_lWidth, 4);
+    ASSERT_EQ(photo->m_lHeight, 4);
+    EXPECT_EQ(photo->value(0), 40);
+    EXPECT_EQ(photo->value(8), 250);
+    EXPECT_EQ(photo->value(12), 0);
+}
+
+TEST_F(ImporterTest, EmissionsAloneMakeALuminescentSequence)
+{
+    makeStack("file,emission\na.tif,510\nb.tif,530\nc.tif,550\n");
+    ASSERT_TRUE(import()) << qPrintable(m_error);
+    EXPECT_FALSE(m_report.fluorescence);
+    CORVSequenceDataset sequence;
+    open(sequence);
+    EXPECT_FALSE(sequence.isFluorescence);
+    EXPECT_EQ(sequence.getDatasets()[0]->getExcitationFilter(), "Block");
+    EXPECT_EQ(sequence.getDatasets()[0]->getEmissionFilter(), "510nm");
+}
+
+TEST_F(ImporterTest, ExcitationsAloneMakeAFluorescentSequence)
+{
+    makeStack("file,excitation\na.tif,488\nb.tif,514\n");
+    ASSERT_TRUE(import()) << qPrintable(m_error);
+    EXPECT_TRUE(m_report.fluorescence);
+    CORVSequenceDataset sequence;
+    open(sequence);
+    EXPECT_EQ(sequence.getDatasets()[1]->getExcitationFilter(), "514nm");
+    EXPECT_EQ(sequence.getDatasets()[1]->getEmissionFilter(), "Open");
+}
+
+TEST_F(ImporterTest, TimesMakeATemporalSequence)
+{
+    makeStack("file,time,interval\na.tif,0,\nb.tif,10.5,2\nc.tif,11.25,Int2\n");
+    ASSERT_TRUE(import()) << qPrintable(m_error);
+    EXPECT_TRUE(m_report.temporal);
+    EXPECT_FALSE(m_report.fluorescence);
+    CORVSequenceDataset sequence;
+    open(sequence);
+    EXPECT_TRUE(sequence.isKyvoSequence());
+    EXPECT_FALSE(sequence.isFluorescence);
+    const QList<CORVDataset*> datasets = sequence.getDatasets();
+    EXPECT_EQ(value(datasets[0], "ClickNumber", "KyVo Time(s)"), "0");
+    EXPECT_EQ(value(datasets[0], "ClickNumber", "KyVo Interval"), "1");
+    EXPECT_EQ(value(datasets[1], "ClickNumber", "KyVo Time(s)"), "10.5");
+    EXPECT_EQ(value(datasets[2], "ClickNumber", "KyVo Time(s)"), "11.25");
+    EXPECT_EQ(value(datasets[2], "ClickNumber", "KyVo Interval"), "2");
+}
+
+TEST_F(ImporterTest, WavelengthsAreRoundedToWholeNanometres)
+{
+    makeStack("file,excitation,emission\na.tif,487.5,509.6\nb.tif,99.5,999.4\n");
+    ASSERT_TRUE(import()) << qPrintable(m_error);
+    CORVSequenceDataset sequence;
+    open(sequence);
+    EXPECT_EQ(sequence.getDatasets()[0]->getExcitationFilter(), "488nm");
+    EXPECT_EQ(sequence.getDatasets()[0]->getEmissionFilter(), "510nm");
+    EXPECT_EQ(sequence.getDatasets()[1]->getExcitationFilter(), "100nm");
+    EXPECT_EQ(sequence.getDatasets()[1]->getEmissionFilter(), "999nm");
+}
+
+TEST_F(ImporterTest, RefusesKeysByImageName)
+{
+    const auto spectral = [this](const char* rows) {
+        return refusalOf(QByteArray("file,excitation,emission\n") + rows);
+    };
+    EXPECT_EQ(spectral("a.tif,488,510\nb.tif,488,999.5\n"),
+              ":3: b.tif: the emission 999.5 nm is not within 100 to 999 nm");
+    EXPECT_EQ(spectral("a.tif,99.4,510\n"), ":2: a.tif: the excitation 99.4 nm is not within 100 to 999 nm");
+    EXPECT_EQ(spectral("a.tif,-488,510\n"), ":2: a.tif: the excitation -488 nm is not within 100 to 999 nm");
+    EXPECT_EQ(spectral("a.tif,488,510\nb.tif,,530\n"), ":3: b.tif: the excitation is missing, which other rows have");
+    EXPECT_EQ(spectral("a.tif,488,510\nb.tif,488,\n"), ":3: b.tif: the emission is missing, which other rows have");
+    EXPECT_EQ(spectral("a.tif,,\n"), ":2: a.tif: neither excitation nor emission is given");
+    EXPECT_EQ(spectral("a.tif,488,510\nb.tif,488,530\nc.tif,488.3,509.7\n"),
+              ":4: c.tif shares excitation 488nm and emission 510nm with a.tif (line 2)");
+    EXPECT_EQ(refusalOf("file,emission,interval\na.tif,510,1\n"), ":2: a.tif: an interval is given without a time");
+}
+
+TEST_F(ImporterTest, RefusesTimesByImageName)
+{
+    const auto temporal = [this](const char* rows) { return refusalOf(QByteArray("file,time,emission\n") + rows); };
+    EXPECT_EQ(temporal("a.tif,1.2,\nb.tif,1.9,\n"), ":3: b.tif shares second 1 with a.tif (line 2)");
+    EXPECT_EQ(temporal("a.tif,1.2,\nb.tif,,\n"), ":3: b.tif: the time is missing, which other rows have");
+    EXPECT_EQ(temporal("a.tif,1.2,510\n"), ":2: a.tif: a wavelength is given in a table of times");
+    EXPECT_EQ(temporal("a.tif,16777216,\n"), ":2: a.tif: the time 16777216 s is not within 16777216 s");
+    // Before and after zero are one second, as both are cut to 0.
+    EXPECT_EQ(temporal("a.tif,-0.5,\nb.tif,0.5,\n"), ":3: b.tif shares second 0 with a.tif (line 2)");
+    // In single precision, in which times are read, this is 60.
+    EXPECT_EQ(temporal("a.tif,59.9999999,\nb.tif,60,\n"), ":3: b.tif shares second 60 with a.tif (line 2)");
+}
+
+TEST_F(ImporterTest, RefusesTheFirstImageOfAnotherSize)
+{
+    makeStack();
+    writeRamp("stack/b.tif", 200, 5, 3);
+    writeRamp("stack/c.tif", 200, 6, 6);
+    EXPECT_EQ(refusal(), m_options.table + ":3: b.tif has 5 x 3 pixels where a.tif has 4 x 3");
+}
+
+TEST_F(ImporterTest, RefusesPixelsThatAreNotFinite)
+{
+    makeStack();
+    writeTiffFile("stack/b.tif",
+                  makeImage(ORVTYPE_FLOAT, 4, 3, [](long x, long y) { return x == 3 && y == 1 ? std::nan("") : 1.0; }));
+    EXPECT_EQ(refusal(), m_options.table + ":3: b.tif: the pixel in column 3, row 1 is not finite or too large");
+    writeTiffFile("stack/b.tif",
+                  makeImage(ORVTYPE_FLOAT, 4, 3, [](long x, long y) { return x == 0 && y == 2 ? -INFINITY : 1.0; }));
+    EXPECT_EQ(refusal(), m_options.table + ":3: b.tif: the pixel in column 0, row 2 is not finite or too large");
+}
+
+TEST_F(ImporterTest, RefusesImagesThatAreNotThere)
+{
+    EXPECT_EQ(refusalOf("file,emission\na.tif,510\nd.tif,530\n"),
+              ":3: " + path("stack/d.tif") + ": there is no such file");
+    EXPECT_EQ(refusalOf("emission\n510\n"), ":2: the row names no file, and " + path("stack") + " is a folder");
+    EXPECT_EQ(refusalOf("file,page,emission\na.tif,1,510\na.tif,,530\n"), ":3: a.tif is the image of line 2 again");
+    EXPECT_EQ(refusalOf("file,emission\na.tif,510\n../stack/a.tif,530\n"),
+              ":3: ../stack/a.tif is the image of line 2 again");
+    EXPECT_TRUE(refusalOf("file,page,emission\na.tif,2,510\n").startsWith(":2: " + path("stack/a.tif") + ": "));
+    EXPECT_EQ(refusalOf("file,band,emission\na.tif,2,510\n"),
+              ":2: " + path("stack/a.tif") + ": there is no band 2 (a pixel has 1)");
+}
+
+TEST_F(ImporterTest, RefusesSourcesThatAreNotThere)
+{
+    makeStack();
+    m_options.source = path("nothing");
+    EXPECT_EQ(refusal(), path("nothing") + ": there is no such file or folder");
+    m_options.source = path("stack");
+    m_options.table = path("no.csv");
+    EXPECT_TRUE(refusal().startsWith(path("no.csv") + ": "));
+    m_options.table = path("stack");
+    EXPECT_TRUE(refusal().startsWith(path("stack") + ": "));
+}
+
+TEST_F(ImporterTest, RefusesAFileThatIsNoImage)
+{
+    makeStack();
+    write("stack/b.tif", "this is text");
+    EXPECT_TRUE(refusal().startsWith(m_options.table + ":3: " + path("stack/b.tif") + ": "));
+    QFile whole(writeRamp("stack/b.tif", 200, 40, 30));
+    ASSERT_TRUE(whole.open(QIODevice::ReadOnly));
+    const QByteArray bytes = whole.readAll();
+    writeRamp("stack/a.tif", 100, 40, 30);
+    writeRamp("stack/c.tif", 300, 40, 30);
+    for (int tenth = 0; tenth < 10; ++tenth) {
+        write("stack/b.tif", bytes.left(bytes.size() * tenth / 10));
+        EXPECT_TRUE(refusal().contains("b.tif")) << tenth;
+    }
+    write("stack/b.tif", bytes);
+    EXPECT_TRUE(import()) << qPrintable(m_error);
+}
+
+TEST_F(ImporterTest, RefusesAPhotographThatIsNone)
+{
+    makeStack();
+    m_options.photo = write("photo.jpg", "no picture");
+    EXPECT_TRUE(refusal().startsWith(path("photo.jpg") + ": "));
+}
+
+TEST_F(ImporterTest, ReadsThePagesOfAFile)
+{
+    m_options.source = writePages("stack.tif", 3);
+    m_options.table = write("images.csv", "page,excitation,emission\n3,488,510\n1,488,530\n");
+    m_options.output = path("out");
+    ASSERT_TRUE(import()) << qPrintable(m_error);
+    CORVSequenceDataset sequence;
+    open(sequence);
+    ASSERT_EQ(sequence.getDatasets().size(), 2);
+    EXPECT_EQ(sequence.getDatasets()[0]->getCoreImage(IMAGETYPE_LUMINESCENT)->value(1), 301);
+    EXPECT_EQ(sequence.getDatasets()[1]->getCoreImage(IMAGETYPE_LUMINESCENT)->value(1), 101);
+    EXPECT_EQ(value(sequence.getDatasets()[0], "luminescent image", "Source Image"), "stack.tif page 3");
+}
+
+TEST_F(ImporterTest, RefusesPagesThatAreNotThere)
+{
+    m_options.source = writePages("stack.tif", 3);
+    m_options.output = path("out");
+    m_options.table = write("images.csv", "page,emission\n1,510\n4,530\n");
+    EXPECT_TRUE(refusal().startsWith(m_options.table + ":3: " + m_options.source + ": "));
+    m_options.table = write("images.csv", "file,page,emission\nother.tif,1,510\n");
+    EXPECT_EQ(refusal(), m_options.table + ":2: the row names the file other.tif, but the stack is stack.tif");
+}
+
+TEST_F(ImporterTest, ReadsTheBandsOfACube)
+{
+    QByteArray cube;
+    for (int band = 0; band < 3; ++band) {
+        for (int i = 0; i < 8; ++i) {
+            cube.append(static_cast<char>(10 * band + i));
+        }
+    }
+    write("cube.img", cube);
+    m_options.source = write("cube.hdr", "ENVI\nsamples = 2\nlines = 4\nbands = 3\ndata type = 1\ninterleave = bsq\n"
+                                         "wavelength = {510, 530, 550}\n");
+    m_options.output = path("out");
+    // The emission of band 3 comes from the header.
+    m_options.table = write("images.csv", "band,excitation,emission\n3,488,\n2,488,533\n");
+    ASSERT_TRUE(import()) << qPrintable(m_error);
+    EXPECT_EQ(m_report.side, 4);
+    CORVSequenceDataset sequence;
+    open(sequence);
+    CORVDataset* first = sequence.getDatasets()[0];
+    EXPECT_EQ(first->getEmissionFilter(), "550nm");
+    EXPECT_EQ(sequence.getDatasets()[1]->getEmissionFilter(), "533nm");
+    EXPECT_EQ(first->getCoreImage(IMAGETYPE_LUMINESCENT)->value(0), 20);
+    EXPECT_EQ(first->getCoreImage(IMAGETYPE_LUMINESCENT)->value(5), 23);
+    EXPECT_EQ(first->getCoreImage(IMAGETYPE_LUMINESCENT)->value(2), 0);
+    EXPECT_EQ(value(first, "luminescent image", "Image Extent"), "2 x 4");
+
+    m_options.output = path("refused");
+    m_options.table = write("images.csv", "band,emission\n4,510\n");
+    EXPECT_EQ(refusal(), m_options.table + ":2: " + path("cube.img") + ": there is no band 4 (the cube has 3)");
+    m_options.table = write("images.csv", "page,emission\n1,510\n");
+    EXPECT_EQ(refusal(), m_options.table + ":2: " + path("cube.hdr") + ": an ENVI cube has bands, not pages");
+    m_options.table = write("images.csv", "emission\n510\n530\n");
+    EXPECT_EQ(refusal(), m_options.table + ":3: cube.hdr band 1 is the image of line 2 again");
+}
+
+TEST_F(ImporterTest, OneImageIsEnoughForASequence)
+{
+    makeStack("file,emission\na.tif,510\n");
+    ASSERT_TRUE(import()) << qPrintable(m_error);
+    EXPECT_EQ(m_report.images, 1);
+    writeRamp("stack/dot.tif", 7, 1, 1);
+    m_options.table = write("stack/images.csv", "file,emission\ndot.tif,510\n");
+    m_options.output = path("dot");
+    ASSERT_TRUE(import()) << qPrintable(m_error);
+    EXPECT_EQ(m_report.side, 1);
+}
+
+TEST_F(ImporterTest, AnOutputThatExistsIsRefusedUnlessForced)
+{
+    makeStack();
+    ASSERT_TRUE(import()) << qPrintable(m_error);
+    int steps = 0;
+    EXPECT_FALSE(importStack(
+        m_options, [&steps](int, int, const QString&) { return ++steps > 0; }, &m_report, &m_error));
+    EXPECT_TRUE(m_error.startsWith(path("out"))) << qPrintable(m_error);
+    EXPECT_EQ(steps, 0); // at once, before any image is read
+    m_options.force = true;
+    EXPECT_TRUE(import()) << qPrintable(m_error);
+    // A folder that is no sequence is never replaced.
+    m_options.output = path("stack");
+    EXPECT_FALSE(import());
+    EXPECT_TRUE(QFileInfo::exists(path("stack/a.tif")));
+}
+
+TEST_F(ImporterTest, RefusesAnOutputThatCannotBeMade)
+{
+    makeStack();
+    write("file", "in the way");
+    m_options.output = path("file/out");
+    EXPECT_FALSE(import());
+    EXPECT_FALSE(m_error.isEmpty());
+    m_options.output = path("no folder/out");
+    EXPECT_FALSE(import());
+    EXPECT_FALSE(QFileInfo::exists(path("no folder")));
+    m_options.output = path("file");
+    EXPECT_FALSE(import());
+    EXPECT_TRUE(QFileInfo(path("file")).isFile());
+}
+
+TEST_F(ImporterTest, AFailureKeepsTheSequenceThatItShouldReplace)
+{
+    makeStack();
+    ASSERT_TRUE(import()) << qPrintable(m_error);
+    write("stack/c.tif", "broken");
+    m_options.force = true;
+    EXPECT_FALSE(import());
+    CORVSequenceDataset sequence;
+    open(sequence);
+    EXPECT_EQ(sequence.getDatasets().size(), 3);
+}
+
+TEST_F(ImporterTest, ProgressTellsEachStepAndCanAbort)
+{
+    makeStack();
+    QStringList told;
+    ASSERT_TRUE(importStack(
+        m_options,
+        [&told](int done, int steps, const QString& what) {
+            told.append(QString("%1/%2 %3").arg(done).arg(steps).arg(what));
+            return true;
+        },
+        nullptr, nullptr));
+    EXPECT_EQ(told, (QStringList{"0/6 Reading a.tif", "1/6 Reading b.tif", "2/6 Reading c.tif", "3/6 Writing a.tif",
+                                 "4/6 Writing b.tif", "5/6 Writing c.tif"}));
+    for (int last = 0; last < 6; ++last) {
+        m_options.output = path("aborted");
+        EXPECT_FALSE(importStack(
+            m_options, [last](int done, int, const QString&) { return done < last; }, &m_report, &m_error));
+        EXPECT_TRUE(m_report.aborted);
+        EXPECT_EQ(m_error, "the import was aborted");
+        EXPECT_FALSE(QFileInfo::exists(path("aborted")));
+    }
+}
+
+TEST_F(ImporterTest, TellsOfColumnsPassedOver)
+{
+    makeStack("file,emission,stain\na.tif,510,x\n");
+    ASSERT_TRUE(import()) << qPrintable(m_error);
+    EXPECT_EQ(m_report.warnings, QStringList{"the column \"stain\" is passed over"});
+}
