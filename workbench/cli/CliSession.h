@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QCommandLineParser>
+#include <QJsonObject>
+#include <QString>
+#include <QStringList>
+
+#include <fstream>
+#include <memory>
+#include <streambuf>
+
+class CliProgress;
+
+// What a running command shares with its process: where answers go, how talkative it is, progress, interruption.
+//
+// The command's answer goes straight to descriptor 1; std::cout belongs to the iteration trace of the algorithms and is
+// pointed at the file of --trace, or nowhere, so that pipes and --json stay clean. Warnings and errors go to standard error.
+class CliSession
+{
+public:
+    // Takes --log, --trace, --quiet, --verbose and --json from the parser; throws CliFailure when a file cannot be opened.
+    explicit CliSession(const QCommandLineParser& parser);
+    ~CliSession();
+    CliSession(const CliSession&) = delete;
+    CliSession& operator=(const CliSession&) = delete;
+
+    // The options that every command has.
+    static void declareOptions(QCommandLineParser& parser);
+
+    bool isJson() const { return m_bJson; }
+    bool isQuiet() const { return m_bQuiet; }
+    bool isVerbose() const { return m_bVerbose; }
+
+    // The command's answer: text unless --quiet or --json, the object with --json.
+    void answer(const QString& strText) const;
+    void answerJson(const QJsonObject& object) const;
+    // A line on standard error: warnings unless --quiet.
+    void warn(const QString& strText) const;
+    void warnAll(const QStringList& lines) const;
+
+    CliProgress& progress() { return *m_pProgress; }
+
+    // Installs the handler of SIGINT and SIGTERM: the first asks running work to abort, the second ends the process.
+    static void catchInterrupts();
+    static bool isInterrupted();
+    // Throws CliFailure (130) once the user has interrupted.
+    static void stopIfInterrupted();
+    // For tests.
+    static void setInterrupted(bool bInterrupted);
+
+    // Writes all of it to a descriptor; false when that fails.
+    static bool writeAll(int descriptor, const QByteArray& bytes);
+
+private:
+    bool m_bJson = false;
+    bool m_bQuiet = false;
+    bool m_bVerbose = false;
+    std::ofstream m_trace;
+    std::streambuf* m_pOldBuffer = nullptr;
+    std::unique_ptr<CliProgress> m_pProgress;
+};

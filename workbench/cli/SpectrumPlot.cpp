@@ -1,0 +1,221 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "workbench/cli/SpectrumPlot.h"
+
+#include <QBuffer>
+#include <QFontMetricsF>
+#include <QImage>
+#include <QPainter>
+#include <QPainterPath>
+#include <QSvgGenerator>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+struct Range
+{
+    double low = 0.0;
+    double high = 1.0;
+    double fraction(double v) const { return (v - low) / (high - low); }
+};
+
+// From plot coordinates to the page.
+struct Frame
+{
+    QRectF area;
+    Range x;
+    Range y;
+    QPointF map(double vx, double vy) const
+    {
+        return {area.left() + x.fraction(vx) * area.width(), area.bottom() - y.fraction(vy) * area.height()};
+    }
+};
+
+bool finitePoint(const PlotCurve& curve, int i)
+{
+    return std::isfinite(curve.x[i]) && std::isfinite(curve.y[i]);
+}
+
+Range rangeOf(const QList<PlotCurve>& curves, bool ofX)
+{
+    Range range{HUGE_VAL, -HUGE_VAL};
+    for (const auto& curve : curves) {
+        for (int i = 0; i < std::min(curve.x.size(), curve.y.size()); ++i) {
+            if (!finitePoint(curve, i))
+                continue;
+            const double v = ofX ? curve.x[i] : curve.y[i];
+            range.low = std::min(range.low, v);
+            range.high = std::max(range.high, v);
+        }
+    }
+    if (!(range.low <= range.high))
+        return Range{};
+    if (range.low == range.high) {
+        const double half = range.low == 0.0 ? 1.0 : std::abs(range.low) * 0.5;
+        range = Range{range.low - half, range.high + half};
+    }
+    return range;
+}
+
+QString tickText(double value)
+{
+    return QString::number(value, 'g', 6);
+}
+
+void drawAxes(QPainter& painter, const Frame& frame, const QString& strXLabel, const QString& strYLabel)
+{
+    const QFontMetricsF metrics(painter.font());
+    const double height = metrics.height();
+    for (const double v : SpectrumPlot::ticks(frame.x.low, frame.x.high)) {
+        const auto p = frame.map(v, frame.y.low);
+        painter.setPen(QPen(QColor(225, 225, 225), 1));
+        painter.drawLine(QPointF(p.x(), frame.area.top()), p);
+        painter.setPen(Qt::black);
+        painter.drawText(QRectF(p.x() - 60, p.y() + 4, 120, height), Qt::AlignHCenter | Qt::AlignTop, tickText(v));
+    }
+    for (const double v : SpectrumPlot::ticks(frame.y.low, frame.y.high)) {
+        const auto p = frame.map(frame.x.low, v);
+        painter.setPen(QPen(QColor(225, 225, 225), 1));
+        painter.drawLine(p, QPointF(frame.area.right(), p.y()));
+        painter.setPen(Qt::black);
+        painter.drawText(QRectF(0, p.y() - height / 2, p.x() - 6, height), Qt::AlignRight | Qt::AlignVCenter,
+                         tickText(v));
+    }
+    painter.setPen(QPen(Qt::black, 1));
+    painter.drawRect(frame.area);
+    painter.drawText(QRectF(frame.area.left(), frame.area.bottom() + height + 8, frame.area.width(), height),
+                     Qt::AlignHCenter | Qt::AlignTop, strXLabel);
+    painter.save();
+    painter.translate(height * 0.4, frame.area.center().y());
+    painter.rotate(-90);
+    painter.drawText(QRectF(-frame.area.height() / 2, 0, frame.area.height(), height), Qt::AlignHCenter | Qt::AlignTop,
+                     strYLabel);
+    painter.restore();
+}
+
+QPen curvePen(const PlotCurve& curve)
+{
+    return QPen(curve.color, 2, curve.style, Qt::RoundCap, Qt::RoundJoin);
+}
+
+void drawCurve(QPainter& painter, const Frame& frame, const PlotCurve& curve)
+{
+    QPainterPath path;
+    bool drawing = false;
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(curve.color);
+    for (int i = 0; i < std::min(curve.x.size(), curve.y.size()); ++i) {
+        if (!finitePoint(curve, i)) {
+            drawing = false;
+            continue;
+        }
+        const auto p = frame.map(curve.x[i], curve.y[i]);
+        if (drawing)
+            path.lineTo(p);
+        else
+            path.moveTo(p);
+        drawing = true;
+        painter.drawEllipse(p, 3.0, 3.0);
+    }
+    painter.setBrush(Qt::NoBrush);
+    painter.setPen(curvePen(curve));
+    painter.drawPath(path);
+}
+
+void drawLegend(QPainter& painter, const QRectF& area, const QList<PlotCurve>& curves)
+{
+    const QFontMetricsF metrics(painter.font());
+    const double step = metrics.height() * 1.4;
+    double y = area.top() + step / 2;
+    for (const auto& curve : curves) {
+        if (y > area.bottom())
+            return;
+        painter.setPen(curvePen(curve));
+        painter.drawLine(QPointF(area.left(), y), QPointF(area.left() + 24, y));
+        painter.setPen(Qt::black);
+        const double width = area.width() - 32;
+        painter.drawText(QRectF(area.left() + 32, y - step / 2, width, step), Qt::AlignLeft | Qt::AlignVCenter,
+                         metrics.elidedText(curve.label, Qt::ElideRight, width));
+        y += step;
+    }
+}
+
+} // namespace
+
+SpectrumPlot::SpectrumPlot(const QString& strTitle, const QString& strXLabel, const QString& strYLabel)
+    : m_strTitle(strTitle), m_strXLabel(strXLabel), m_strYLabel(strYLabel)
+{
+}
+
+QVector<double> SpectrumPlot::ticks(double minimum, double maximum)
+{
+    const double span = maximum - minimum;
+    if (!(span > 0.0) || !std::isfinite(span))
+        return {};
+    double step = std::pow(10.0, std::floor(std::log10(span)));
+    for (const double factor : {0.2, 0.5, 1.0}) {
+        if (span / (step * factor) <= 8.0) {
+            step *= factor;
+            break;
+        }
+    }
+    QVector<double> values;
+    const double first = std::ceil(minimum / step - 1e-9);
+    const double last = std::floor(maximum / step + 1e-9);
+    for (double k = first; k <= last; k += 1.0)
+        values.append(k * step);
+    return values;
+}
+
+void SpectrumPlot::draw(QPainter& painter, const QSize& size) const
+{
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.fillRect(QRect(QPoint(0, 0), size), Qt::white);
+    QFont font(QStringLiteral("DejaVu Sans"));
+    font.setPixelSize(std::max(11, size.height() / 36));
+    painter.setFont(font);
+    const double unit = QFontMetricsF(font).height();
+
+    Frame frame;
+    frame.x = rangeOf(m_curves, true);
+    frame.y = rangeOf(m_curves, false);
+    frame.y.low = std::min(0.0, frame.y.low);
+    const double margin = (frame.x.high - frame.x.low) * 0.02;
+    frame.x = Range{frame.x.low - margin, frame.x.high + margin};
+    frame.y.high += (frame.y.high - frame.y.low) * 0.04;
+    const double legendWidth = m_curves.isEmpty() ? 10.0 : size.width() * 0.24;
+    frame.area = QRectF(5.0 * unit, 2.2 * unit, size.width() - 6.0 * unit - legendWidth, size.height() - 5.4 * unit);
+
+    painter.setPen(Qt::black);
+    painter.drawText(QRectF(frame.area.left(), 0.4 * unit, frame.area.width(), 1.5 * unit),
+                     Qt::AlignHCenter | Qt::AlignTop, m_strTitle);
+    drawAxes(painter, frame, m_strXLabel, m_strYLabel);
+    for (const auto& curve : m_curves)
+        drawCurve(painter, frame, curve);
+    drawLegend(painter, QRectF(frame.area.right() + unit, frame.area.top(), legendWidth - unit, frame.area.height()),
+               m_curves);
+}
+
+QImage SpectrumPlot::toImage(const QSize& size) const
+{
+    QImage image(size, QImage::Format_RGB32);
+    QPainter painter(&image);
+    draw(painter, size);
+    return image;
+}
+
+QByteArray SpectrumPlot::toSvg(const QSize& size) const
+{
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    QSvgGenerator generator;
+    generator.setOutputDevice(&buffer);
+    generator.setSize(size);
+    generator.setViewBox(QRect(QPoint(0, 0), size));
+    generator.setTitle(m_strTitle);
+    QPainter painter(&generator);
+    draw(painter, size);
+    painter.end();
+    return bytes;
+}

@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QColor>
+#include <QList>
+#include <QSize>
+#include <QString>
+#include <QVector>
+
+class QPainter;
+class QImage;
+
+// One curve of a plot: points in the order in which they are joined.
+struct PlotCurve
+{
+    QString label;
+    QColor color;
+    QVector<double> x;
+    QVector<double> y;
+    Qt::PenStyle style = Qt::SolidLine;
+};
+
+// A plot of spectra or time courses on a white ground: axes with round ticks, curves with markers, a legend on the right.
+// Draws on any painter, so the same plot is written as PNG and as SVG. Points that are not finite are left out.
+class SpectrumPlot
+{
+public:
+    SpectrumPlot(const QString& strTitle, const QString& strXLabel, const QString& strYLabel);
+
+    void addCurve(const PlotCurve& curve) { m_curves.append(curve); }
+
+    void draw(QPainter& painter, const QSize& size) const;
+    QImage toImage(const QSize& size) const;
+    // The SVG document.
+    QByteArray toSvg(const QSize& size) const;
+
+    // Round numbers that cover the range with 4 to 9 steps of 1, 2 or 5 times a power of ten.
+    static QVector<double> ticks(double minimum, double maximum);
+
+private:
+    QString m_strTitle;
+    QString m_strXLabel;
+    QString m_strYLabel;
+    QList<PlotCurve> m_curves;
+};
