@@ -6,22 +6,8 @@
 #include <QDateTime>
 #include <QString>
 
-namespace {
-
-void logAt(const QString& strMessage, long nLevel)
-{
-    CORVLog::getLogObject()->log(strMessage, QString(), 0, QDateTime::currentDateTime().toString(Qt::ISODate), nLevel,
-                                 false);
-}
-
-} // namespace
-
-void logWarning(const QString& strMessage)
-{
-    logAt(strMessage, CORVLOG_WARNING);
-}
-
 void logError(const QString& strMessage)
 {
-    logAt(strMessage, CORVLOG_ERROR);
+    CORVLog::getLogObject()->log(strMessage, QString(), 0, QDateTime::currentDateTime().toString(Qt::ISODate),
+                                 CORVLOG_ERROR, false);
 }

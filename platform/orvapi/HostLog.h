@@ -3,6 +3,5 @@
 
 class QString;
 
-// A line in the host's log, with the time, at the level of a warning or an error.
-void logWarning(const QString& strMessage);
+// A line in the host's log, with the time, at the level of an error.
 void logError(const QString& strMessage);
