@@ -29,6 +29,7 @@ StagedFolder::~StagedFolder() = default;
 
 bool StagedFolder::begin(const QString& strTarget, bool bForce, const QString& strMarker, QString* pError)
 {
+    m_bForce = bForce;
     m_strTarget = QDir::cleanPath(QFileInfo(strTarget).absoluteFilePath());
     const QFileInfo target(m_strTarget);
     if (target.exists() || target.isSymLink()) {
@@ -70,6 +71,10 @@ bool StagedFolder::commit(QString* pError)
     const QString fresh = m_pHidden->path() + QLatin1String("/new");
     const QString old = m_pHidden->path() + QLatin1String("/old");
     const bool replaced = QFileInfo::exists(m_strTarget);
+    if (replaced && !m_bForce) {
+        m_pHidden.reset();
+        return fail(QStringLiteral("%1 exists by now; it is not replaced").arg(m_strTarget), pError);
+    }
     QDir dir;
     const bool moved = (!replaced || dir.rename(m_strTarget, old)) && dir.rename(fresh, m_strTarget);
     if (!moved && replaced && QFileInfo::exists(old))

@@ -26,10 +26,12 @@ public:
     QString path() const;
     QString target() const { return m_strTarget; }
 
-    // Puts the folder in its place. On failure the target is as it was, and what was written is removed.
+    // Puts the folder in its place. On failure (a target that has appeared since, without `bForce`, is one) the target is as
+    // it was, and what was written is removed.
     bool commit(QString* pError = nullptr);
 
 private:
     QString m_strTarget;
+    bool m_bForce = false;
     std::unique_ptr<QTemporaryDir> m_pHidden;
 };

@@ -147,18 +147,19 @@ void ResultFiles::writeMap(int nComponent, int nSpot)
         m_pictures.append(picture);
 }
 
-// All maps on one sheet, in rows of three at most.
+// All maps on one sheet, about as many in a row as there are rows.
 void ResultFiles::writeOverview()
 {
-    const int columns = std::min(3, m_pictures.size());
+    const int count = m_pictures.size();
+    const int columns = count <= 3 ? count : static_cast<int>(std::ceil(std::sqrt(count)));
     QSize cell;
     for (const auto& picture : m_pictures)
         cell = cell.expandedTo(picture.size());
-    const int rows = (m_pictures.size() + columns - 1) / columns;
+    const int rows = (count + columns - 1) / columns;
     QImage sheet(cell.width() * columns, cell.height() * rows, QImage::Format_RGB32);
     sheet.fill(Qt::white);
     QPainter painter(&sheet);
-    for (int i = 0; i < m_pictures.size(); ++i)
+    for (int i = 0; i < count; ++i)
         painter.drawImage(cell.width() * (i % columns), cell.height() * (i / columns), m_pictures[i]);
     painter.end();
     put(QStringLiteral("overview.png"), pngOf(sheet));

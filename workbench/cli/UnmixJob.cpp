@@ -4,6 +4,7 @@
 #include "engine/CORVSpumKyvo.h"
 #include "engine/EngineEnums.h"
 #include "engine/runEngine.h"
+#include "host/CORVLog.h"
 #include "host/CORVSequenceDataset.h"
 #include "platform/orvutils/StagedFolder.h"
 #include "spectra/SpectrumPlotParams.h"
@@ -119,6 +120,8 @@ void UnmixJob::select()
     const int asked = selection.size();
     if (!engine.applySelection(selection)) {
         engine.updateKeys();
+        CORVLog::getLogObject()->log(QStringLiteral("SpumKyvo: image selection got adjusted"), QString(), 0,
+                                     QStringLiteral(__TIME__), CORVLOG_WARNING, false);
         m_session.warn(QStringLiteral("image selection got adjusted: %1 of %2 images are used")
                            .arg(engine.getSelectedKeyPairs().size())
                            .arg(asked));

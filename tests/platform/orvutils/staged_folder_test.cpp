@@ -62,6 +62,17 @@ TEST_F(StagedFolderTest, AnExistingTargetIsRefusedWithoutForce)
     EXPECT_TRUE(m_strError.contains(m_strTarget));
 }
 
+TEST_F(StagedFolderTest, ATargetThatAppearsMeanwhileIsNotReplacedWithoutForce)
+{
+    StagedFolder folder;
+    ASSERT_TRUE(folder.begin(m_strTarget, false, marker));
+    ASSERT_TRUE(QDir().mkdir(m_strTarget));
+    writeFile(m_strTarget + "/other.txt");
+    EXPECT_FALSE(folder.commit(&m_strError));
+    EXPECT_EQ(entries(m_home.path()), QStringList{"out put"});
+    EXPECT_EQ(entries(m_strTarget), QStringList{"other.txt"});
+}
+
 TEST_F(StagedFolderTest, ForceReplacesAFolderThatBearsTheMarker)
 {
     ASSERT_TRUE(QDir().mkdir(m_strTarget));
