@@ -33,7 +33,8 @@ struct TiffReadOptions
 {
     // A colour picture is kept beside its grey values (CILImage::setRGBImage); pixels are then bytes.
     bool keepColours = false;
-    // Reads this sample of each pixel (from 0). Below 0: colours become their luma, else sample 0.
+    // Reads this sample of each pixel (from 0), as stored: with a colour map, the index into it. Below 0: colours become
+    // their luma, else sample 0.
     int band = -1;
 };
 

@@ -274,7 +274,12 @@ bool readAsColours(TiffFile& file, const TiffLayout& layout, QImage& picture)
 bool readPage(TiffFile& file, int page, const TiffReadOptions& options, CILImage& out)
 {
     TiffLayout layout;
-    if (!readTiffLayout(file, page, &layout) || !checkTiffLayout(file, layout))
+    if (!readTiffLayout(file, page, &layout))
+        return false;
+    // Asked for by its number, a sample is what the file stores; a colour map tells only how to show it.
+    if (options.band >= 0 && layout.photometric == PHOTOMETRIC_PALETTE)
+        layout.photometric = PHOTOMETRIC_MINISBLACK;
+    if (!checkTiffLayout(file, layout))
         return false;
     if (options.band >= layout.samples)
         return file.fail(QStringLiteral("there is no sample %1, only %2").arg(options.band).arg(layout.samples));

@@ -7,6 +7,8 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <algorithm>
+
 namespace {
 
 // The first bytes of TIFF and BigTIFF files in either byte order.
@@ -65,7 +67,20 @@ bool ImageStack::open(const QString& strSource, const ImagesTable& table, QStrin
         m_images.append(image);
     }
     m_cubes.clear();
+    warnOf(m_mapped, QStringLiteral("a colour map: the stored values are taken, not the colours"));
+    warnOf(m_coloured, QStringLiteral("colours: their grey values are taken"));
+    warnOf(m_sampled, QStringLiteral("several samples a pixel and no band in the table: the first is taken"));
     return true;
+}
+
+void ImageStack::warnOf(const QStringList& names, const QString& strWhat)
+{
+    if (names.size() == 1) {
+        m_warnings.append(QStringLiteral("%1 has %2").arg(names.first(), strWhat));
+    } else if (names.size() > 1) {
+        m_warnings.append(
+            QStringLiteral("%1 and %2 more have %3").arg(names.first()).arg(names.size() - 1).arg(strWhat));
+    }
 }
 
 bool ImageStack::locate(const QString& strSource, bool bFolder, const ImageRow& row, Image& image, QString* pReason)
@@ -126,7 +141,7 @@ bool ImageStack::openCube(const ImageRow& row, Image& image, QString* pReason)
     return true;
 }
 
-bool ImageStack::measure(const Image& image, long* pWidth, long* pHeight, QString* pReason)
+bool ImageStack::measure(Image& image, long* pWidth, long* pHeight, QString* pReason)
 {
     if (image.cube) {
         *pWidth = image.cube->header().width;
@@ -144,11 +159,14 @@ bool ImageStack::measure(const Image& image, long* pWidth, long* pHeight, QStrin
                        .arg(info.samplesPerPixel);
         return false;
     }
-    if (image.band < 0 && info.isColour) {
-        m_warnings.append(QStringLiteral("%1 is a colour picture: its grey values are taken").arg(image.name));
+    if (image.band < 0 && info.isColour && info.samplesPerPixel == 1 && info.bitsPerSample >= 8) {
+        // Microscopes save what they measured with a map of colours for the screen.
+        m_mapped.append(image.name);
+        image.band = 0;
+    } else if (image.band < 0 && info.isColour) {
+        m_coloured.append(image.name);
     } else if (image.band < 0 && info.samplesPerPixel > 1) {
-        m_warnings.append(
-            QStringLiteral("%1 has %2 samples a pixel: the first is taken").arg(image.name).arg(info.samplesPerPixel));
+        m_sampled.append(image.name);
     }
     *pWidth = info.width;
     *pHeight = info.height;

@@ -46,10 +46,14 @@ private:
     };
     bool locate(const QString& strSource, bool bFolder, const ImageRow& row, Image& image, QString* pReason);
     bool openCube(const ImageRow& row, Image& image, QString* pReason);
-    bool measure(const Image& image, long* pWidth, long* pHeight, QString* pReason);
+    bool measure(Image& image, long* pWidth, long* pHeight, QString* pReason);
+    void warnOf(const QStringList& names, const QString& strWhat);
 
     QVector<Image> m_images;
     QHash<QString, QSharedPointer<EnviCube>> m_cubes; // by path, while opening
+    QStringList m_mapped; // names of images with a colour map, in colours, of several samples a pixel
+    QStringList m_coloured;
+    QStringList m_sampled;
     long m_lWidth = 0;
     long m_lHeight = 0;
     QStringList m_warnings;

@@ -5,9 +5,13 @@
 #include "workbench/importer/ImageKeys.h"
 #include "workbench/importer/ImporterFixture.h"
 
+#include <QRegExp>
 #include <QSet>
 
+#include <tiffio.h>
+
 #include <cmath>
+#include <vector>
 
 namespace {
 
@@ -482,6 +486,72 @@ TEST_F(ImporterTest, ProgressTellsEachStepAndCanAbort)
         EXPECT_EQ(m_error, "the import was aborted");
         EXPECT_FALSE(QFileInfo::exists(path("aborted")));
     }
+}
+
+TEST_F(ImporterTest, TakesTheStoredValuesOfImagesWithAColourMap)
+{
+    makeStack();
+    for (const char* name : {"stack/a.tif", "stack/b.tif"}) {
+        TIFF* tiff = TIFFOpen(QFile::encodeName(path(name)).constData(), "w");
+        ASSERT_NE(tiff, nullptr);
+        // Blue where nothing was measured, red where the camera was saturated, grey in between.
+        std::vector<uint16_t> red(256);
+        for (std::size_t i = 0; i < red.size(); ++i) {
+            red[i] = static_cast<uint16_t>(i * 257);
+        }
+        std::vector<uint16_t> green = red;
+        std::vector<uint16_t> blue = red;
+        blue[0] = 65535;
+        green[255] = blue[255] = 0;
+        TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, 4);
+        TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, 3);
+        TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, 8);
+        TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, 1);
+        TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_PALETTE);
+        TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, 3);
+        TIFFSetField(tiff, TIFFTAG_COLORMAP, red.data(), green.data(), blue.data());
+        unsigned char pixels[12] = {0, 255, 7, 8};
+        ASSERT_EQ(TIFFWriteEncodedStrip(tiff, 0, pixels, sizeof(pixels)), 12);
+        TIFFClose(tiff);
+    }
+    ASSERT_TRUE(import()) << qPrintable(m_error);
+    EXPECT_EQ(m_report.warnings,
+              QStringList{"a.tif and 1 more have a colour map: the stored values are taken, not the colours"});
+    CORVSequenceDataset sequence;
+    open(sequence);
+    const CILImage* image = sequence.getDatasets()[0]->getCoreImage(IMAGETYPE_LUMINESCENT);
+    ASSERT_NE(image, nullptr);
+    EXPECT_EQ(image->dataType(), ORVTYPE_BYTE);
+    EXPECT_EQ(image->value(0), 0);
+    EXPECT_EQ(image->value(1), 255);
+    EXPECT_EQ(image->value(2), 7);
+    EXPECT_EQ(image->value(3), 8);
+}
+
+TEST_F(ImporterTest, ReadsTheSamplesOfAPixelAsBands)
+{
+    makeStack("file,band,emission\nrgb.tif,3,510\nrgb.tif,1,530\n");
+    TIFF* tiff = TIFFOpen(QFile::encodeName(path("stack/rgb.tif")).constData(), "w");
+    ASSERT_NE(tiff, nullptr);
+    TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, 2);
+    TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, 1);
+    TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, 8);
+    TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, 3);
+    TIFFSetField(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
+    TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_RGB);
+    unsigned char pixels[6] = {1, 2, 3, 4, 5, 6};
+    ASSERT_EQ(TIFFWriteEncodedStrip(tiff, 0, pixels, sizeof(pixels)), 6);
+    TIFFClose(tiff);
+    ASSERT_TRUE(import()) << qPrintable(m_error);
+    EXPECT_TRUE(m_report.warnings.isEmpty());
+    CORVSequenceDataset sequence;
+    open(sequence);
+    EXPECT_EQ(sequence.getDatasets()[0]->getCoreImage(IMAGETYPE_LUMINESCENT)->value(0), 3);
+    EXPECT_EQ(sequence.getDatasets()[1]->getCoreImage(IMAGETYPE_LUMINESCENT)->value(1), 4);
+    m_options.table = write("stack/images.csv", "file,emission\nrgb.tif,510\n");
+    m_options.output = path("grey");
+    ASSERT_TRUE(import()) << qPrintable(m_error);
+    EXPECT_EQ(m_report.warnings, QStringList{"rgb.tif has colours: their grey values are taken"});
 }
 
 TEST_F(ImporterTest, TellsOfColumnsPassedOver)
