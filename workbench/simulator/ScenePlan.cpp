@@ -2,6 +2,7 @@
 #include "workbench/simulator/ScenePlan.h"
 
 #include "XTNT/xtnt_parallel.h"
+#include "workbench/simulator/ComponentSpectrum.h"
 #include "workbench/simulator/DepthBlur.h"
 #include "workbench/simulator/SimulationOptions.h"
 #include "workbench/simulator/SourceShapes.h"
@@ -12,6 +13,7 @@ namespace {
 
 constexpr int kSamplesAcross = 256; // of the field of view at least, so that small images are means, not samples
 constexpr int kMostSubsamples = 16;
+constexpr const char* kFoodName = "Food";
 
 // A component that the tissue blurs.
 std::function<double(double, double, const MouseShape::Point&)> blurred(const DepthBlur::Density& density,
@@ -69,7 +71,7 @@ bool ScenePlan::addFood(const SimulationOptions& options, QString* pError)
     if (!(options.foodRatio > 0.0))
         return true;
     SceneComponent component;
-    component.name = QStringLiteral("Food");
+    component.name = QString::fromLatin1(kFoodName);
     component.depthMm = kFoodDepthMm;
     component.ratio = options.foodRatio;
     if (!readAutofluorescence(QStringLiteral("ALFood"), &component.source)) {
@@ -79,6 +81,18 @@ bool ScenePlan::addFood(const SimulationOptions& options, QString* pError)
     component.density = blurred(SourceShapes::food(*m_shape, options.seed), m_tissue, kFoodDepthMm);
     m_components.append(component);
     return true;
+}
+
+void ScenePlan::leaveOutUnlitFood(const QList<Band>& bands)
+{
+    for (int i = 0; i < m_components.size(); ++i) {
+        if (m_components.at(i).name != QLatin1String(kFoodName))
+            continue;
+        const std::vector<double> spectrum = componentSpectrum(m_components.at(i), m_tissue, bands);
+        if (!(*std::max_element(spectrum.begin(), spectrum.end()) > 0.0))
+            m_components.removeAt(i);
+        return;
+    }
 }
 
 void ScenePlan::addProbe(const Probe& probe, int index, const SimulationOptions& options)

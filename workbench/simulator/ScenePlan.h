@@ -13,6 +13,7 @@
 #include <memory>
 #include <vector>
 
+struct Band;
 struct SimulationOptions;
 
 // One source of light in the animal.
@@ -36,6 +37,9 @@ public:
 
     // Options must be valid. False with a sentence in *pError when the reference data lack something.
     bool build(const SimulationOptions& options, QString* pError);
+
+    // Leaves food out when these bands give it no light at all, as filters far from its chlorophyll do.
+    void leaveOutUnlitFood(const QList<Band>& bands);
 
     const MouseShape& shape() const { return *m_shape; }
     const TissueOptics& tissue() const { return m_tissue; }

@@ -104,6 +104,7 @@ private:
             texts.append(probeText(probe.name));
         m_probeText = listText(texts);
         m_bands = planBands(m_options, pairs, QString());
+        m_scene.leaveOutUnlitFood(m_bands);
         return tell(kSceneDone, QStringLiteral("rendering the maps"));
     }
 
