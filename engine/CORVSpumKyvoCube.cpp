@@ -141,6 +141,7 @@ bool CORVSpumKyvo::fillImageCube()
                 logLine(step.strMessage, CORVLOG_WARNING);
                 m_eUnit = step.unit;
                 bUnitFixed = true;
+                waiting.clear();
                 k = 0;
                 continue;
             }

@@ -170,6 +170,16 @@ TEST(BuildImageCubeTest, ARefusedUnitEndsInTheNextOneWithOneLine)
     EXPECT_EQ(engine.m_eUnit, 1);
     EXPECT_EQ(log.count(tryRadiance, 2), 1);
     EXPECT_EQ(log.count(tryCounts, 2), 0);
+    // Every column is an image in the new unit, also those that were read before the walk started again.
+    for (int i = 0; i < 3; ++i) {
+        CILImage image;
+        CORVDataset* pDataset = sequence->getDataset(engine.m_imageList.at(i));
+        ASSERT_EQ(pDataset->getCalibratedLuminImage(DISPLAYUNIT_RADIANCE, &image, "test"), ESTATUS_SUCCESS);
+        for (long long j = 0; j < engine.m_cube.m_data.num_rows(); ++j) {
+            EXPECT_EQ(engine.m_cube.m_data[j][i], image.value(static_cast<std::size_t>(j)));
+        }
+        EXPECT_GT(engine.m_cube.m_data[0][i], 0.0);
+    }
 }
 
 TEST(BuildImageCubeTest, RefusedRadianceEndsInCounts)
