@@ -6,13 +6,9 @@
 #include "engine/logLine.h"
 #include "engine/resultProperties.h"
 
-#include "XTNT/constrained_concentrations.h"
 #include "XTNT/xtnt_parallel.h"
 #include "host/CORVLog.h"
 #include "host/CORVPreference.h"
-#include "spectra/SpectrumPlotParams.h"
-
-#include <cxxabi.h>
 
 namespace {
 
@@ -87,14 +83,7 @@ void CORVSpumKyvo::solveConcentrations()
         return;
     }
     XTNT::cancellationPoint();
-    try {
-        XTNT::Matrix<double> concentrations;
-        XTNT::constrainedConcentrations(m_cube.m_data, m_spectra, concentrations);
-        m_concentrations = concentrations.transpose();
-    } catch (const abi::__forced_unwind&) {
-        throw; // an abort
-    } catch (...) {
-        // The fit throws plain integers; exhausted memory counts as no solution too.
+    if (!fitConcentrations(m_cube.m_data, m_spectra, m_concentrations)) {
         m_nError = RUNERROR_NO_SOLUTION;
     }
 }
