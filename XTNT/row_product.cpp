@@ -3,6 +3,7 @@
 
 #include "XTNT/large_pages.h"
 #include "XTNT/xtnt_assert.h"
+#include "XTNT/xtnt_lanes.h"
 #include "XTNT/xtnt_parallel.h"
 
 #include <algorithm>
@@ -11,25 +12,11 @@ namespace XTNT {
 
 namespace {
 
-// Four doubles side by side; the compiler maps them to the registers that the processor level has.
-constexpr long long lanes = 4;
-typedef double Lanes __attribute__((vector_size(lanes * sizeof(double)), aligned(sizeof(double)), may_alias));
-
 // Columns of a full strip: two vectors a row and four rows leave registers for the factor.
 constexpr long long stripColumns = 2 * lanes;
 
 // Rows of a chunk: some hundred kilobytes of data, a small part of a slice.
 constexpr long long chunkRows = 4096;
-
-const Lanes& lanesAt(const double* p)
-{
-    return *reinterpret_cast<const Lanes*>(p);
-}
-
-Lanes& lanesAt(double* p)
-{
-    return *reinterpret_cast<Lanes*>(p);
-}
 
 // The sums are variables of their own, not an array: they must live in registers across the loop.
 void multiplyWideStrip(const double* const* rows, long long bands, const double* __restrict factor,

@@ -1,27 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/orvreconstructionmath/kmeans_distances.h"
 
+#include "XTNT/xtnt_lanes.h"
+
 #include <algorithm>
 
 namespace XTNT {
 
 namespace {
 
-// Four doubles side by side; the compiler maps them to the registers that the processor level has.
-constexpr long long lanes = 4;
-typedef double Lanes __attribute__((vector_size(lanes * sizeof(double)), aligned(sizeof(double)), may_alias));
-
 constexpr long long stripCentres = 2 * lanes;
-
-const Lanes& lanesAt(const double* p)
-{
-    return *reinterpret_cast<const Lanes*>(p);
-}
-
-Lanes& lanesAt(double* p)
-{
-    return *reinterpret_cast<Lanes*>(p);
-}
 
 // The sums are variables of their own, not an array: they must live in registers across the loop.
 void computeWideStrip(const double* const* rows, long long columns, const double* __restrict centres,

@@ -2,7 +2,10 @@
 #include "workbench/cli/ResultSummary.h"
 
 #include "XTNT/xtnt_parallel.h"
+#include "XTNT/xtnt_vector.h"
+#include "host/corrcoef.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -52,6 +55,13 @@ double sumOfRow(const Matrix<double>& matrix, long long i)
     return sum;
 }
 
+// Whether the values are finite and not all the same.
+bool varies(const std::vector<double>& values)
+{
+    const bool finite = std::all_of(values.begin(), values.end(), [](double v) { return std::isfinite(v); });
+    return finite && std::any_of(values.begin(), values.end(), [&](double v) { return v != values.front(); });
+}
+
 } // namespace
 
 std::vector<double> ResultSummary::signalShares(const Matrix<double>& data, const Matrix<double>& concentrations,
@@ -85,24 +95,12 @@ double ResultSummary::relativeResidual(const Matrix<double>& data, const Matrix<
 
 double ResultSummary::correlation(const std::vector<double>& a, const std::vector<double>& b)
 {
-    if (a.size() != b.size() || a.empty())
+    if (a.size() != b.size() || !varies(a) || !varies(b))
         return notKnown;
-    const auto n = static_cast<double>(a.size());
-    double meanA = 0.0;
-    double meanB = 0.0;
-    for (std::size_t i = 0; i < a.size(); ++i) {
-        meanA += a[i] / n;
-        meanB += b[i] / n;
-    }
-    double ab = 0.0;
-    double aa = 0.0;
-    double bb = 0.0;
-    for (std::size_t i = 0; i < a.size(); ++i) {
-        ab += (a[i] - meanA) * (b[i] - meanB);
-        aa += (a[i] - meanA) * (a[i] - meanA);
-        bb += (b[i] - meanB) * (b[i] - meanB);
-    }
-    return aa > 0.0 && bb > 0.0 ? ab / std::sqrt(aa * bb) : notKnown;
+    // Views of what stays the caller's: nothing is written through them.
+    XTNT::Vector<double> first(const_cast<double*>(a.data()), static_cast<long long>(a.size()));
+    XTNT::Vector<double> second(const_cast<double*>(b.data()), static_cast<long long>(b.size()));
+    return XTNT::corrcoef(first, second);
 }
 
 double ResultSummary::relativeError(const std::vector<double>& map, const std::vector<double>& truth)

@@ -3,9 +3,9 @@
 
 #include "engine/CORVSpumKyvo.h"
 #include "engine/EngineEnums.h"
-#include "engine/runEngine.h"
 #include "host/CORVLog.h"
 #include "host/CORVSequenceDataset.h"
+#include "platform/orvutils/ProgressDisplay.h"
 #include "platform/orvutils/StagedFolder.h"
 #include "spectra/SpectrumPlotParams.h"
 #include "workbench/cli/CliFailure.h"
@@ -189,13 +189,25 @@ void UnmixJob::takeMask()
         throw CliFailure(QStringLiteral("%1 cannot serve as a mask").arg(m_request.mask));
 }
 
+// Runs the engine; meanwhile its progress thread alone draws the line.
+RunOutcome UnmixJob::runShown()
+{
+    CliProgress& line = m_session.progress();
+    orv::setProgressDisplay([&line](const QString& message, double, double) {
+        if (!message.isNull())
+            line.show(QStringLiteral("Fitting"), checkedFraction);
+    });
+    const RunOutcome outcome = runEngine(m_opened.engine());
+    orv::setProgressDisplay({});
+    return outcome;
+}
+
 void UnmixJob::fit()
 {
     auto& engine = m_opened.engine();
     QElapsedTimer timer;
     timer.start();
-    m_session.progress().show(QStringLiteral("Fitting"), checkedFraction);
-    const RunOutcome outcome = runEngine(engine);
+    const RunOutcome outcome = runShown();
     m_numbers.seconds = static_cast<double>(timer.nsecsElapsed()) * 1e-9;
     if (outcome == RunOutcome::Aborted)
         throw CliFailure(QStringLiteral("unmixing aborted by user"), CliFailure::Aborted);

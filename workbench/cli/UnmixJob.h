@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "engine/runEngine.h"
 #include "workbench/cli/OpenedSequence.h"
 #include "workbench/cli/ResultFiles.h"
 
@@ -41,6 +42,7 @@ private:
     void checkImages();
     void takeSpectra();
     void takeMask();
+    RunOutcome runShown();
     void fit();
     QString outFolder() const;
 
