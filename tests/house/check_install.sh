@@ -1,0 +1,23 @@
+#!/bin/sh
+# SPDX-License-Identifier: GPL-3.0-or-later
+# usage: check_install.sh BUILD_FOLDER; installs the build to a folder with a blank in its name, moves it, and runs it there
+# with an empty environment: the tree must need neither the build nor the sources.
+set -eu
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+cmake --install "$1" --prefix "$work/first place" >"$work/log" || { cat "$work/log"; exit 1; }
+mv "$work/first place" "$work/second place"
+cd /
+# What a sanitizer's build is told stays.
+run="env -i PATH=/usr/bin:/bin HOME=$work ASAN_OPTIONS=${ASAN_OPTIONS:-} LSAN_OPTIONS=${LSAN_OPTIONS:-}"
+$run "$work/second place/bin/spum" --version
+$run "$work/second place/bin/spum" simulate "$work/mouse" --size 32 --bands 6 --quiet
+$run "$work/second place/bin/spum" unmix "$work/mouse" --library "$work/mouse/truth/counts/spectra.csv" --unit counts --quiet
+[ -s "$work/mouse/unmixed-library/summary.csv" ]
+# The tables are those of the tree, not those of the sources that the build knows.
+rm -r "$work/second place/share/orvia/data"
+mkdir "$work/second place/share/orvia/data"
+if $run "$work/second place/bin/spum" simulate "$work/other" --size 32 --bands 6 --quiet 2>/dev/null; then
+    echo "the installed program read tables from elsewhere" >&2
+    exit 1
+fi
