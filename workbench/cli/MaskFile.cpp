@@ -4,6 +4,29 @@
 #include "platform/orvimage/TiffIo.h"
 #include "workbench/cli/CliFailure.h"
 
+#include <new>
+
+namespace {
+
+// 1 where any of the mask's pixels that fall into a pixel of the analysis is above 0, else 0. Whole numbers: a binning that
+// is a fraction would be rounded.
+CILImage pixelsOfAnalysis(const CILImage& mask, int nSide)
+{
+    CILImage pixels;
+    if (pixels.InitWithType(ORVTYPE_FLOAT, nSide, nSide) != EIL_SUCCESS)
+        throw std::bad_alloc();
+    pixels.setConstData(0.0);
+    const long factor = mask.m_lWidth / nSide;
+    for (long y = 0; y < mask.m_lHeight; ++y)
+        for (long x = 0; x < mask.m_lWidth; ++x)
+            if (mask.value(static_cast<std::size_t>(y * mask.m_lWidth + x)) > 0.0)
+                pixels.floats()[(y / factor) * nSide + x / factor] = 1.0F;
+    pixels.RefreshImageStats();
+    return pixels;
+}
+
+} // namespace
+
 CILImage readMaskFile(const QString& strPath, int nSide, int nBinning)
 {
     CILImage mask;
@@ -17,16 +40,9 @@ CILImage readMaskFile(const QString& strPath, int nSide, int nBinning)
                 .arg(mask.m_lWidth)
                 .arg(mask.m_lHeight)
                 .arg(nSide));
-    mask.ChangeType(ORVTYPE_FLOAT);
-    // A mask may hold anything above 0; ones make the sums of a rebinning harmless.
-    bool any = false;
-    float* pixels = mask.floats();
-    for (std::size_t i = 0; i < mask.pixelCount(); ++i) {
-        pixels[i] = pixels[i] > 0.0F ? 1.0F : 0.0F;
-        any = any || pixels[i] > 0.0F;
-    }
-    if (!any)
+    CILImage pixels = pixelsOfAnalysis(mask, nSide);
+    if (pixels.m_dMax <= 0.0)
         throw CliFailure(QStringLiteral("%1: the mask has no pixel above 0").arg(strPath));
-    mask.m_fBinning = static_cast<float>(nBinning) * static_cast<float>(nSide) / static_cast<float>(mask.m_lWidth);
-    return mask;
+    pixels.m_fBinning = static_cast<float>(nBinning);
+    return pixels;
 }
