@@ -20,8 +20,9 @@ UnitForecast forecastUnit(const CORVSequenceDataset& sequence, const QStringList
             ++i;
             continue;
         }
-        forecast.refusals.append(
-            QStringLiteral("%1 in %2: %3").arg(UnitNames::text(forecast.unit), clickNumbers[i], reason));
+        if (forecast.unit <= CORVDataset::unitLimit())
+            forecast.refusals.append(
+                QStringLiteral("%1 in %2: %3").arg(UnitNames::text(forecast.unit), clickNumbers[i], reason));
         derived = false;
         const UnitStep step = nextUnit(forecast.unit);
         forecast.unit = step.possible ? step.unit : -1;

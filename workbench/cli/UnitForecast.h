@@ -10,7 +10,8 @@ class CORVSequenceDataset;
 struct UnitForecast
 {
     int unit = -1; // -1: no unit can be had
-    // Why the units ahead of it were refused, a sentence each with the image concerned.
+    // Why the units ahead of it were refused, a sentence each with the image concerned; a unit beyond the host's limit needs
+    // no reason.
     QStringList refusals;
 };
 
