@@ -16,6 +16,7 @@
 #include <QApplication>
 #include <QLocale>
 
+#include <algorithm>
 #include <clocale>
 #include <cstdlib>
 #include <cstring>
@@ -61,13 +62,23 @@ QString overview(const std::vector<std::unique_ptr<Command>>& commands)
                       "\n\"spum COMMAND --help\" tells the options of a command; \"spum --version\" the version.\n");
 }
 
+// Qt's text begins with the path of the program and knows nothing of commands.
+QString helpOf(const QCommandLineParser& parser, const QString& strCommand)
+{
+    QString text = parser.helpText();
+    const int options = text.indexOf(QLatin1String(" [options]"));
+    return text.replace(0, std::max(options, 0), QStringLiteral("Usage: spum ") + strCommand);
+}
+
 // The command and its options; a usage error or --help ends here.
 int runCommand(Command& command, const QStringList& arguments)
 {
     QCommandLineParser parser;
     parser.setApplicationDescription(command.summary());
     parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
-    const auto help = parser.addHelpOption();
+    const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")},
+                                  QStringLiteral("Tell the options of this command."));
+    parser.addOption(help);
     const auto version = parser.addVersionOption();
     CliSession::declareOptions(parser);
     command.declare(parser);
@@ -76,7 +87,7 @@ int runCommand(Command& command, const QStringList& arguments)
         return CliFailure::Usage;
     }
     if (parser.isSet(help)) {
-        print(parser.helpText());
+        print(helpOf(parser, command.name()));
         return 0;
     }
     if (parser.isSet(version)) {
@@ -85,8 +96,8 @@ int runCommand(Command& command, const QStringList& arguments)
     }
     try {
         CliSession session(parser);
+        // An interrupt that comes when all is done does not make a failure of it.
         command.run(parser, session);
-        CliSession::stopIfInterrupted();
         return 0;
     } catch (const CliFailure& failure) {
         complain(failure.message());

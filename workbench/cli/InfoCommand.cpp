@@ -205,8 +205,10 @@ void InfoCommand::run(const QCommandLineParser& parser, CliSession& session)
     OpenedSequence opened(arguments[0]);
     session.warnAll(opened.warnings());
     QList<ImageRow> rows;
-    for (auto* dataset : opened.sequence().getDatasets())
+    for (auto* dataset : opened.sequence().getDatasets()) {
+        CliSession::stopIfInterrupted();
         rows.append(describeImage(*dataset, opened.engine()));
+    }
     const AnalysisOutlook outlook = lookAhead(opened);
     session.answer(textAnswer(opened, rows, outlook));
     session.answerJson(jsonAnswer(opened, rows, outlook));

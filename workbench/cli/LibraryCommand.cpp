@@ -144,6 +144,7 @@ void LibraryCommand::save(const QCommandLineParser& parser, const QString& strNa
     else
         made.fromRegions(parser.values(QStringLiteral("region")), parser.value(QStringLiteral("sequence")));
 
+    CliSession::stopIfInterrupted();
     const QString path = pathToSave(strName, parser.isSet(QStringLiteral("force")));
     const QString note = parser.isSet(QStringLiteral("note")) ? parser.value(QStringLiteral("note")) : made.note();
     if (note.contains(QLatin1Char(',')))
