@@ -56,6 +56,14 @@ CILImage imageOfMap(const CORVSpumKyvo& engine, int nComponent, int nSpot)
     return image;
 }
 
+// What the numbers of a map are: "Radiance [p/s/cm²/sr]", and "Counts", which is its own unit.
+QString valueText(int nUnit)
+{
+    const QString text = UnitNames::text(nUnit);
+    const QString quantity = UnitNames::quantity(nUnit);
+    return quantity == text.toLower() ? text : QStringLiteral("%1 [%2]").arg(text, quantity);
+}
+
 int spotCount(const CORVSpumKyvo& engine)
 {
     return std::max(1, engine.m_cube.m_nSpots);
@@ -136,8 +144,7 @@ void ResultFiles::writeMap(int nComponent, int nSpot)
 
     orvimage::RenderMapOptions options;
     options.title = label;
-    options.unit =
-        QStringLiteral("%1 [%2]").arg(UnitNames::text(m_engine.m_eUnit), UnitNames::quantity(m_engine.m_eUnit));
+    options.unit = valueText(m_engine.m_eUnit);
     options.colorTable = m_engine.m_nColorMap;
     options.reversed = m_engine.m_bReverse;
     options.logScale = m_engine.m_bLogScale;

@@ -153,10 +153,11 @@ QVector<double> SpectrumPlot::ticks(double minimum, double maximum)
     const double span = maximum - minimum;
     if (!(span > 0.0) || !std::isfinite(span))
         return {};
-    double step = std::pow(10.0, std::floor(std::log10(span)));
-    for (const double factor : {0.2, 0.5, 1.0}) {
-        if (span / (step * factor) <= 8.0) {
-            step *= factor;
+    const double decade = std::pow(10.0, std::floor(std::log10(span)));
+    double step = decade * 0.2;
+    for (const double factor : {2.0, 1.0, 0.5}) {
+        if (span / (decade * factor) >= 4.0) {
+            step = decade * factor;
             break;
         }
     }
@@ -164,7 +165,7 @@ QVector<double> SpectrumPlot::ticks(double minimum, double maximum)
     const double first = std::ceil(minimum / step - 1e-9);
     const double last = std::floor(maximum / step + 1e-9);
     for (double k = first; k <= last; k += 1.0)
-        values.append(k * step);
+        values.append(k * step + 0.0); // no -0
     return values;
 }
 

@@ -34,7 +34,7 @@ public:
     // The SVG document.
     QByteArray toSvg(const QSize& size) const;
 
-    // Round numbers that cover the range with 4 to 9 steps of 1, 2 or 5 times a power of ten.
+    // Round numbers inside the range, 4 to 10 of them, 1, 2 or 5 times a power of ten apart; none without a range.
     static QVector<double> ticks(double minimum, double maximum);
 
 private:
