@@ -67,8 +67,11 @@ XTNT::Vector<double> valuesOf(const QString& strName, const QList<KeyPair>& pair
 
 void normalise(XTNT::Vector<double>& values, const QString& strName)
 {
+    for (long long j = 0; j < values.n_; ++j)
+        if (!std::isfinite(values[j]))
+            throw CliFailure(QStringLiteral("\"%1\" has values that are not finite at these images").arg(strName));
     const double maximum = values.Max();
-    if (!(maximum > 0.0) || !std::isfinite(maximum))
+    if (!(maximum > 0.0))
         throw CliFailure(QStringLiteral("\"%1\" gives no light at these images").arg(strName));
     for (long long j = 0; j < values.n_; ++j)
         values[j] /= maximum;

@@ -5,6 +5,7 @@
 #include "platform/orvimage/TiffIo.h"
 #include "spectra/SpectrumPlotParams.h"
 #include "workbench/cli/ResultSummary.h"
+#include "workbench/simulator/TruthWriter.h"
 
 #include <QFileInfo>
 
@@ -53,7 +54,7 @@ std::vector<MapComparison> compareWithTruth(const CORVSpumKyvo& engine, const QS
     for (int k = 0; k < engine.m_spectrumPlots.size(); ++k) {
         const QString name = engine.m_spectrumPlots[k]->settings.name;
         const bool wanted = !strFolder.isEmpty() && k < engine.m_concentrations.num_rows();
-        list.push_back(wanted ? compareMap(engine, k, strFolder + name + QStringLiteral(".tif")) : MapComparison{});
+        list.push_back(wanted ? compareMap(engine, k, strFolder + truthMapFile(name)) : MapComparison{});
     }
     return list;
 }
