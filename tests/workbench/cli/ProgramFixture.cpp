@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "workbench/cli/ProgramFixture.h"
+
+ProgramResult ProgramFixture::succeed(const QStringList& arguments) const
+{
+    const ProgramResult result = spum(arguments);
+    EXPECT_EQ(result.status, 0) << qPrintable(arguments.join(' ')) << "\n" << result.err.constData();
+    EXPECT_EQ(result.err, QByteArray()) << qPrintable(arguments.join(' '));
+    return result;
+}
+
+QString ProgramFixture::refusal(const QStringList& arguments, int nStatus) const
+{
+    const ProgramResult result = spum(arguments);
+    EXPECT_EQ(result.status, nStatus) << qPrintable(arguments.join(' ')) << "\n" << result.err.constData();
+    EXPECT_EQ(result.out, QByteArray());
+    EXPECT_TRUE(result.err.startsWith("spum: ")) << result.err.constData();
+    EXPECT_EQ(result.err.count('\n'), 1) << result.err.constData();
+    EXPECT_TRUE(result.err.endsWith('\n'));
+    return result.errText().mid(6).trimmed();
+}
+
+void ProgramFixture::simulate(const QStringList& options) const
+{
+    succeed(QStringList{"simulate", path("seq"), "--size", "64", "--bands", "8"} + options);
+}
+
+SmallSequence ProgramFixture::smallSequence()
+{
+    SmallSequence sequence;
+    const auto a = [](int i) { return static_cast<float>(i); };
+    const auto b = [](int i) { return static_cast<float>(2 * (i % 4) + 1); };
+    sequence.addBands({a, [=](int i) { return 0.5F * a(i) + 0.25F * b(i); }, b});
+    return sequence;
+}
+
+QString ProgramFixture::library() const
+{
+    return write("small library.csv", "$,Note,by hand\n$,NumSpec,2\n$,Color,red,blue\n$,Origin,a,b\n$,Select,1,1\n"
+                                      "Excitation,Emission,Dye A,Dye B\n"
+                                      "640,740,0,1\n640,700,1,0\n640,720,0.5,0.25\n");
+}

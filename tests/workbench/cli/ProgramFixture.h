@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "workbench/cli/CliFixture.h"
+#include "workbench/cli/SmallSequence.h"
+#include "workbench/cli/SpumProgram.h"
+
+#include <QJsonArray>
+#include <QJsonObject>
+
+// Tests that run the built program in a folder of their own, whose path has blanks and letters beyond ASCII.
+class ProgramFixture : public CliFixture
+{
+protected:
+    void SetUp() override
+    {
+        CliFixture::SetUp();
+        ASSERT_TRUE(QFileInfo(SpumProgram::path()).isExecutable()) << qPrintable(SpumProgram::path());
+        m_pSpum = std::make_unique<SpumProgram>(path("home"), path("."));
+    }
+
+    ProgramResult spum(const QStringList& arguments) const { return m_pSpum->run(arguments); }
+    const SpumProgram& program() const { return *m_pSpum; }
+
+    // Runs it and expects success without a word on standard error.
+    ProgramResult succeed(const QStringList& arguments) const;
+    // Runs it and expects that status, one line on standard error that begins "spum: ", and nothing on standard output;
+    // the rest of that line is returned.
+    QString refusal(const QStringList& arguments, int nStatus = 1) const;
+
+    // A simulated sequence "seq", 64 x 64 pixels, 8 bands, binning 4.
+    void simulate(const QStringList& options = {}) const;
+    // The true spectra of "seq", in a unit.
+    QString truth(const QString& strUnit = QStringLiteral("radiant-efficiency")) const
+    {
+        return path("seq/truth/" + strUnit + "/spectra.csv");
+    }
+    // Three images of 4 x 4 pixels, mixtures of "Dye A" and "Dye B", as the sequence "small"; library() has the spectra.
+    static SmallSequence smallSequence();
+    QString library() const;
+
+private:
+    std::unique_ptr<SpumProgram> m_pSpum;
+};

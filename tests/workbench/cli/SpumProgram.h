@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QByteArray>
+#include <QJsonObject>
+#include <QString>
+#include <QStringList>
+
+class QProcess;
+
+// What a run of the program came to.
+struct ProgramResult
+{
+    int status = -1; // -1 when it did not start, did not end in time, or died of a signal
+    QByteArray out;
+    QByteArray err;
+    QString errText() const { return QString::fromUtf8(err); }
+    // Standard output as one JSON object; empty, with a test failure, when it is something else.
+    QJsonObject json() const;
+};
+
+// The built program `spum`, run as from a bare shell: no display, no language, a user folder of the test's own.
+class SpumProgram
+{
+public:
+    // The user's data lie below `strHome`; programs run in `strFolder`.
+    SpumProgram(const QString& strHome, const QString& strFolder) : m_strHome(strHome), m_strFolder(strFolder) {}
+
+    static QString path();
+
+    ProgramResult run(const QStringList& arguments) const;
+    // Runs it, and once a name beginning with "." appears in `strWatched`, waits and interrupts it.
+    ProgramResult runAndInterrupt(const QStringList& arguments, const QString& strWatched, int nMilliseconds,
+                                  int nSignal) const;
+    // Runs it with standard error on a terminal; `err` is what the terminal showed.
+    ProgramResult runOnTerminal(const QStringList& arguments) const;
+
+private:
+    void prepare(QProcess& process, const QStringList& arguments) const;
+    static ProgramResult finish(QProcess& process);
+
+    QString m_strHome;
+    QString m_strFolder;
+};

@@ -1,0 +1,221 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "workbench/cli/ResultFiles.h"
+#include "workbench/cli/SmallAnalysis.h"
+
+#include "platform/orvimage/TiffIo.h"
+#include "workbench/cli/CliFailure.h"
+#include "workbench/cli/LibrarySpectra.h"
+
+#include <QDir>
+#include <QImage>
+#include <QJsonArray>
+#include <QJsonDocument>
+
+#include <cmath>
+#include <limits>
+#include <stdexcept>
+
+namespace {
+
+class ResultFilesTest : public SmallAnalysis
+{
+protected:
+    ResultFilesTest()
+    {
+        m_numbers.shares = {0.25, 0.75};
+        m_numbers.residual = 0.125;
+        m_numbers.truth.resize(2);
+        m_numbers.seconds = 1.5;
+    }
+    QString out() const { return path("out/"); }
+    void writeFiles()
+    {
+        ASSERT_TRUE(QDir().mkpath(out()));
+        ResultFiles files(engine(), m_numbers, out());
+        files.write([](double) {});
+    }
+    CILImage tiff(const QString& strName) const
+    {
+        CILImage image;
+        QString error;
+        EXPECT_TRUE(readTiff(out() + strName, 0, image, &error)) << qPrintable(error);
+        return image;
+    }
+    QJsonObject writtenJson() const { return QJsonDocument::fromJson(contentOf(out() + "summary.json")).object(); }
+    ResultNumbers m_numbers;
+};
+
+} // namespace
+
+TEST(ResultFilesNameTest, LettersDigitsDotAndDashStay)
+{
+    EXPECT_EQ(ResultFiles::fileNameOf("QDot-800.b_2"), "QDot-800.b_2");
+    EXPECT_EQ(ResultFiles::fileNameOf(QString::fromUtf8("M\xC3\xA4use")), QString::fromUtf8("M\xC3\xA4use"));
+}
+
+TEST(ResultFilesNameTest, BlanksBecomeUnderscoresAndTheRestGoes)
+{
+    EXPECT_EQ(ResultFiles::fileNameOf(" AlexaFluor 750 "), "AlexaFluor_750");
+    EXPECT_EQ(ResultFiles::fileNameOf("a/b\\c:d*e?f\"g<h>i|j"), "abcdefghij");
+    EXPECT_EQ(ResultFiles::fileNameOf("a\tb\nc"), "a_b_c");
+    EXPECT_EQ(ResultFiles::fileNameOf(QString()), "");
+}
+
+TEST(ResultFilesNameTest, NoNameIsHiddenOrLeadsElsewhere)
+{
+    EXPECT_EQ(ResultFiles::fileNameOf("../../x"), "_....x");
+    EXPECT_EQ(ResultFiles::fileNameOf(".."), "_..");
+}
+
+TEST_F(ResultFilesTest, EveryFileIsThereAndNoOther)
+{
+    analyse();
+    writeFiles();
+    EXPECT_EQ(entriesOf(out()), (QStringList{"01_Dye_A.png", "01_Dye_A.tif", "02_Dye_B.png", "02_Dye_B.tif",
+                                             "overview.png", "properties.csv", "spectra.csv", "spectra.png",
+                                             "spectra.svg", "summary.csv", "summary.json"}));
+    QStringList told;
+    for (const auto& name : writtenJson()["files"].toArray())
+        told.append(name.toString());
+    told.sort();
+    EXPECT_EQ(told, entriesOf(out()));
+}
+
+TEST_F(ResultFilesTest, MapsAreFloatsOfTheConcentrations)
+{
+    analyse();
+    writeFiles();
+    const CILImage map = tiff("02_Dye_B.tif");
+    ASSERT_EQ(map.m_lWidth, side);
+    ASSERT_EQ(map.m_lHeight, side);
+    EXPECT_NE(map.floats(), nullptr);
+    for (int i = 0; i < side * side; ++i)
+        EXPECT_NEAR(map.value(static_cast<std::size_t>(i)), static_cast<double>(mapB(i)), 1e-5) << i;
+    TiffInfo info;
+    ASSERT_TRUE(readTiffHeader(out() + "02_Dye_B.tif", 0, &info, nullptr));
+    EXPECT_EQ(info.type, ORVTYPE_FLOAT);
+    EXPECT_TRUE(info.description.startsWith("Dye B")) << qPrintable(info.description);
+}
+
+TEST_F(ResultFilesTest, OutsideTheMaskMapsAreZeroAndTheMaskIsWritten)
+{
+    analyse([](int i) { return i == 5 || i == 6 ? 1.0F : 0.0F; });
+    writeFiles();
+    const CILImage map = tiff("01_Dye_A.tif");
+    const QImage mask(out() + "mask.png");
+    ASSERT_EQ(mask.size(), QSize(side, side));
+    for (int i = 0; i < side * side; ++i) {
+        const bool inside = i == 5 || i == 6;
+        EXPECT_NEAR(map.value(static_cast<std::size_t>(i)), inside ? i : 0.0, 1e-5) << i;
+        EXPECT_EQ(qGray(mask.pixel(i % side, i / side)), inside ? 255 : 0) << i;
+    }
+    EXPECT_TRUE(contentOf(out() + "properties.csv").contains("DataMask,Yes\n"));
+}
+
+TEST_F(ResultFilesTest, PicturesHoldMapAndPhotograph)
+{
+    analyse();
+    writeFiles();
+    const QImage picture(out() + "01_Dye_A.png");
+    const QImage sheet(out() + "overview.png");
+    EXPECT_GE(picture.width(), 512);
+    EXPECT_EQ(sheet.width(), 2 * std::max(picture.width(), QImage(out() + "02_Dye_B.png").width()));
+    EXPECT_FALSE(QImage(out() + "spectra.png").isNull());
+    int coloured = 0;
+    for (int y = 0; y < picture.height(); y += 8)
+        for (int x = 0; x < picture.width(); x += 8)
+            coloured += QColor(picture.pixel(x, y)).saturation() > 100 ? 1 : 0;
+    EXPECT_GT(coloured, 500);
+}
+
+TEST_F(ResultFilesTest, TheSpectraAreALibrary)
+{
+    analyse();
+    writeFiles();
+    LibrarySpectra library;
+    library.load(out() + "spectra.csv");
+    ASSERT_EQ(library.all().size(), 2);
+    EXPECT_EQ(library.note(), "spectra in Radiant Efficiency");
+    EXPECT_EQ(library.all()[1]->settings.name, "Dye B");
+    EXPECT_EQ(library.all()[1]->points[1].value, 0.25);
+}
+
+TEST_F(ResultFilesTest, TheSummaryTellsTheNumbers)
+{
+    analyse();
+    m_numbers.truth[1] = {true, 0.5, 0.25};
+    writeFiles();
+    EXPECT_EQ(contentOf(out() + "summary.csv"), "component,share,maximum,correlation,relative error\n"
+                                                "Dye A,0.25,15,,\n"
+                                                "Dye B,0.75,7,0.5,0.25\n");
+    const QJsonObject json = writtenJson();
+    EXPECT_EQ(json["method"], "manual");
+    EXPECT_EQ(json["unit"], "Radiant Efficiency");
+    EXPECT_EQ(json["pixels"], 16);
+    EXPECT_EQ(json["residual"], 0.125);
+    EXPECT_EQ(json["properties"].toObject()["DataMask"], "No");
+    const QJsonObject second = json["components"].toArray()[1].toObject();
+    EXPECT_EQ(second["name"], "Dye B");
+    EXPECT_EQ(second["truthCorrelation"], 0.5);
+    EXPECT_EQ(second["truthRelativeError"], 0.25);
+    EXPECT_FALSE(json["components"].toArray()[0].toObject().contains("truthCorrelation"));
+}
+
+TEST_F(ResultFilesTest, TheTextHasTheColumnsOfTheTruthOnlyWithATruth)
+{
+    analyse();
+    EXPECT_FALSE(ResultFiles(engine(), m_numbers, out()).summaryText().contains("correlation"));
+    m_numbers.truth[1] = {true, 0.5, 0.25};
+    const QString text = ResultFiles(engine(), m_numbers, out()).summaryText();
+    EXPECT_TRUE(text.contains("correlation"));
+    EXPECT_TRUE(text.contains("residual 12.5 % of the data's norm")) << qPrintable(text);
+    EXPECT_TRUE(text.contains("16 pixels analysed"));
+}
+
+TEST_F(ResultFilesTest, NumbersThatAreNotKnownAreNull)
+{
+    analyse();
+    m_numbers.shares[0] = std::numeric_limits<double>::quiet_NaN();
+    m_numbers.residual = std::numeric_limits<double>::quiet_NaN();
+    writeFiles();
+    EXPECT_TRUE(writtenJson()["residual"].isNull());
+    EXPECT_TRUE(writtenJson()["components"].toArray()[0].toObject()["share"].isNull());
+    EXPECT_TRUE(contentOf(out() + "summary.csv").contains("Dye A,,15,,\n"));
+}
+
+TEST_F(ResultFilesTest, ComponentsOfOneNameHaveFilesOfTheirOwn)
+{
+    analyse();
+    engine().m_spectrumPlots[1]->settings.name = "Dye A";
+    writeFiles();
+    EXPECT_TRUE(entriesOf(out()).contains("01_Dye_A.tif"));
+    EXPECT_TRUE(entriesOf(out()).contains("02_Dye_A.tif"));
+}
+
+TEST_F(ResultFilesTest, ANameWithASlashStaysInTheFolder)
+{
+    analyse();
+    engine().m_spectrumPlots[0]->settings.name = "../Dye";
+    writeFiles();
+    EXPECT_TRUE(entriesOf(out()).contains("01__..Dye.tif")) << qPrintable(entriesOf(out()).join(' '));
+}
+
+TEST_F(ResultFilesTest, AStepMayStopTheWriting)
+{
+    analyse();
+    ASSERT_TRUE(QDir().mkpath(out()));
+    ResultFiles files(engine(), m_numbers, out());
+    EXPECT_THROW(files.write([](double fraction) {
+        if (fraction > 0.5)
+            throw std::runtime_error("stop");
+    }),
+                 std::runtime_error);
+    EXPECT_FALSE(entriesOf(out()).contains("summary.json"));
+}
+
+TEST_F(ResultFilesTest, AFolderThatIsNotThereIsToldByName)
+{
+    analyse();
+    ResultFiles files(engine(), m_numbers, out());
+    EXPECT_TRUE(failureOf([&] { files.write([](double) {}); }).contains(out() + "01_Dye_A"));
+}
