@@ -44,7 +44,7 @@ void LibrarySpectra::load(const QString& strFileOrName)
 {
     m_strSource = strFileOrName;
     SpumKyvoDatabase database;
-    const bool isFile = QFileInfo::exists(strFileOrName);
+    const bool isFile = QFileInfo(strFileOrName).isFile();
     if (!isFile && !database.listLibraries().contains(strFileOrName)) {
         const QStringList known = database.listLibraries();
         throw CliFailure(
