@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "workbench/cli/ProgramFixture.h"
 
+#include <QDir>
+#include <QFile>
+
 ProgramResult ProgramFixture::succeed(const QStringList& arguments) const
 {
     const ProgramResult result = spum(arguments);
@@ -20,9 +23,21 @@ QString ProgramFixture::refusal(const QStringList& arguments, int nStatus) const
     return result.errText().mid(6).trimmed();
 }
 
+// The plain sequence is made once and copied from then on.
 void ProgramFixture::simulate(const QStringList& options) const
 {
-    succeed(QStringList{"simulate", path("seq"), "--size", "64", "--bands", "8"} + options);
+    static const QTemporaryDir store;
+    const QString original = store.filePath("seq");
+    const QString target = options.isEmpty() ? original : path("seq");
+    if (!options.isEmpty() || !QFileInfo::exists(original))
+        succeed(QStringList{"simulate", target, "--size", "64", "--bands", "8"} + options);
+    if (!options.isEmpty())
+        return;
+    for (const auto& name : filesBelow(original)) {
+        const QString copy = path("seq/" + name);
+        ASSERT_TRUE(QDir().mkpath(QFileInfo(copy).path()));
+        ASSERT_TRUE(QFile::copy(original + '/' + name, copy)) << qPrintable(name);
+    }
 }
 
 SmallSequence ProgramFixture::smallSequence()

@@ -37,7 +37,7 @@ protected:
 TEST_F(InterruptProgramTest, AnInterruptedSimulationLeavesNothing)
 {
     int interrupted = 0;
-    for (const int delay : {0, 20, 100, 250}) {
+    for (const int delay : {0, 50, 200}) {
         const ProgramResult result =
             program().runAndInterrupt({"simulate", "seq", "--size", "768"}, path("."), delay, SIGINT);
         expectAllOrNothing(result, path("."), {}, "seq", "SequenceInfo.txt");
@@ -51,10 +51,10 @@ TEST_F(InterruptProgramTest, AnInterruptedSimulationLeavesNothing)
 
 TEST_F(InterruptProgramTest, AnInterruptedUnmixingLeavesNothing)
 {
-    succeed({"simulate", "seq", "--size", "512", "--bands", "12", "--quiet"});
+    succeed({"simulate", "seq", "--size", "384", "--bands", "12", "--quiet"});
     const QStringList before = entriesOf(path("seq"));
     int interrupted = 0;
-    for (const int delay : {0, 20, 60, 120, 200, 300, 450}) {
+    for (const int delay : {0, 30, 90, 180, 350}) {
         const ProgramResult result =
             program().runAndInterrupt({"unmix", "seq", "--library", truth()}, path("seq"), delay, SIGINT);
         expectAllOrNothing(result, path("seq"), before, "unmixed-library", "summary.json");

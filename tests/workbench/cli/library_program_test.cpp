@@ -49,6 +49,15 @@ TEST_F(LibraryProgramTest, AFileIsSavedListedShownAndUsed)
     EXPECT_EQ(succeed({"unmix", "seq", "--library", "my dyes", "--json"}).json()["components"].toArray().size(), 2);
 }
 
+// A sequence and the library of its spectra may well have one name.
+TEST_F(LibraryProgramTest, AFolderOfThatNameDoesNotHideALibrary)
+{
+    succeed({"library", "save", "mouse", "--from", library()});
+    smallSequence().writeTo(path("mouse"));
+    EXPECT_EQ(spectra("mouse").size(), 2);
+    succeed({"unmix", "mouse", "--library", "mouse"});
+}
+
 TEST_F(LibraryProgramTest, ASavedLibraryIsReplacedOnlyByForce)
 {
     succeed({"library", "save", "dyes", "--from", library()});

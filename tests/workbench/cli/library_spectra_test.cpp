@@ -129,7 +129,7 @@ TEST_F(LibrarySpectraTest, AFolderIsNoLibrary)
         LibrarySpectra library;
         library.load(path("."));
     });
-    EXPECT_TRUE(refusal.contains("this is no spectrum library")) << qPrintable(refusal);
+    EXPECT_TRUE(refusal.contains(" is neither a file nor a saved library")) << qPrintable(refusal);
 }
 
 TEST_F(LibrarySpectraTest, NeitherFileNorNameTellsWhatIsSaved)
