@@ -32,6 +32,11 @@ QStringList imagesOf(const CORVSpumKyvo& engine)
     return images;
 }
 
+void log(const QString& strMessage, long nLevel)
+{
+    CORVLog::getLogObject()->log(strMessage, QString(), 0, QStringLiteral(__TIME__), nLevel, false);
+}
+
 // Shares of the progress line: looking at the images, the run, the files.
 constexpr double checkedFraction = 0.3;
 constexpr double fittedFraction = 0.7;
@@ -79,6 +84,12 @@ void UnmixJob::run()
     if (!folder.commit(&error))
         throw CliFailure(error);
     m_session.progress().finish();
+    log(QStringLiteral("unmixed %1 by %2: %3 components, residual %4; results in %5")
+            .arg(m_request.sequence, ModeNames::option(m_request.mode))
+            .arg(m_opened.engine().m_spectrumPlots.size())
+            .arg(m_numbers.residual)
+            .arg(folder.target()),
+        CORVLOG_NOTE);
     m_session.answer(files.summaryText() + QStringLiteral("results in %1\n").arg(folder.target()));
     QJsonObject json = files.summaryJson();
     json.insert(QStringLiteral("folder"), folder.target());
@@ -120,8 +131,7 @@ void UnmixJob::select()
     const int asked = selection.size();
     if (!engine.applySelection(selection)) {
         engine.updateKeys();
-        CORVLog::getLogObject()->log(QStringLiteral("SpumKyvo: image selection got adjusted"), QString(), 0,
-                                     QStringLiteral(__TIME__), CORVLOG_WARNING, false);
+        log(QStringLiteral("SpumKyvo: image selection got adjusted"), CORVLOG_WARNING);
         m_session.warn(QStringLiteral("image selection got adjusted: %1 of %2 images are used")
                            .arg(engine.getSelectedKeyPairs().size())
                            .arg(asked));
