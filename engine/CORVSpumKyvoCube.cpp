@@ -26,6 +26,7 @@ constexpr std::size_t imagesPerPass = 4;
 void storeImages(CImageCube& cube, int k, int nImages, const std::vector<CILImage>& images)
 {
     std::vector<const float*> pixels;
+    pixels.reserve(images.size());
     for (const CILImage& image : images) {
         pixels.push_back(image.floats());
     }
