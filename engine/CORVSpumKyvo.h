@@ -25,6 +25,8 @@
 #include <QThread>
 #include <QVector>
 
+#include <atomic>
+#include <climits>
 #include <vector>
 
 class CAutoProgressUpdate;
@@ -59,6 +61,9 @@ public:
     void run() override;
     // Ends the worker where it next passes a cancellation point, unwinding its stack; wait() for it afterwards.
     virtual void abortRun();
+    // As QThread::wait(). Once it has answered true, all that the worker wrote is visible to the caller, also to a checker
+    // of threads that cannot look into Qt's own locks.
+    bool wait(unsigned long nMilliseconds = ULONG_MAX);
 
     // Fits the known spectra of m_spectrumPlots to every pixel: m_concentrations, m_spectra, m_nError.
     void solveConcentrations();
@@ -203,6 +208,8 @@ public:
     AnalysisInput m_analysisInput;
 
 private:
+    std::atomic<int> m_nRunsEnded{0}; // released at the very end of each run
+
     // Steps of buildDatasetInfo().
     void readKind(const CORVSequenceDataset& sequence);
     bool readImages(const CORVSequenceDataset& sequence);

@@ -33,6 +33,19 @@ private:
     bool m_bFinished = false;
 };
 
+// Hands over what the worker wrote, whichever way its run ends. Declared first, so that it is the last to go.
+class HandOver
+{
+public:
+    explicit HandOver(std::atomic<int>& count) : m_count(count) {}
+    ~HandOver() { m_count.fetch_add(1, std::memory_order_release); }
+    HandOver(const HandOver&) = delete;
+    HandOver& operator=(const HandOver&) = delete;
+
+private:
+    std::atomic<int>& m_count;
+};
+
 } // namespace
 
 // The order of the steps is a contract: a failure of the fit skips neither the properties nor the ready flag.
@@ -40,6 +53,7 @@ void CORVSpumKyvo::run()
 {
     // From here on an abort strikes at cancellation points only. Unwinding leaves the flag off; the thread ends then.
     setTerminationEnabled(false);
+    const HandOver handOver(m_nRunsEnded);
     ValueUnlessFinished errorOfBefore(m_nError);
     if (m_bRunPCA) {
         // There is no principal component analysis in this version. The results of an earlier unmixing stay.
@@ -69,6 +83,13 @@ void CORVSpumKyvo::run()
 void CORVSpumKyvo::abortRun()
 {
     QThread::terminate();
+}
+
+bool CORVSpumKyvo::wait(unsigned long nMilliseconds)
+{
+    const bool bEnded = QThread::wait(nMilliseconds);
+    m_nRunsEnded.load(std::memory_order_acquire);
+    return bEnded;
 }
 
 void CORVSpumKyvo::solveConcentrations()

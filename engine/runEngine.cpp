@@ -50,6 +50,7 @@ bool waitForEnd(CORVSpumKyvo& engine)
         }
         engine.wait(pause);
     }
+    engine.wait();
     return true;
 }
 
