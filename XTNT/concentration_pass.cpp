@@ -2,6 +2,7 @@
 #include "XTNT/concentration_pass.h"
 
 #include "XTNT/xtnt_assert.h"
+#include "XTNT/xtnt_lanes.h"
 #include "XTNT/xtnt_parallel.h"
 
 #include <algorithm>
@@ -14,9 +15,6 @@ namespace XTNT {
 namespace {
 
 using Mask = PassiveSetCache::Mask;
-
-constexpr long long lanes = 4;
-typedef double Lanes __attribute__((vector_size(lanes * sizeof(double)), aligned(sizeof(double)), may_alias));
 
 // Small enough that a chunk whose rows all go to NNLS stays a part of a slice.
 constexpr long long chunkRows = 256;
@@ -53,17 +51,17 @@ void applyOperator(const double* __restrict op, const double* __restrict c, long
         Lanes y0{}, y1{};
         for (long long i = 0; i < n; ++i) {
             const double* column = op + i * stride + first;
-            y0 += c[i] * *reinterpret_cast<const Lanes*>(column);
-            y1 += c[i] * *reinterpret_cast<const Lanes*>(column + lanes);
+            y0 += c[i] * lanesAt(column);
+            y1 += c[i] * lanesAt(column + lanes);
         }
-        *reinterpret_cast<Lanes*>(y + first) = y0;
-        *reinterpret_cast<Lanes*>(y + first + lanes) = y1;
+        lanesAt(y + first) = y0;
+        lanesAt(y + first + lanes) = y1;
     }
     if (first < stride) {
         Lanes y0{};
         for (long long i = 0; i < n; ++i)
-            y0 += c[i] * *reinterpret_cast<const Lanes*>(op + i * stride + first);
-        *reinterpret_cast<Lanes*>(y + first) = y0;
+            y0 += c[i] * lanesAt(op + i * stride + first);
+        lanesAt(y + first) = y0;
     }
 }
 
