@@ -1,0 +1,14 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "algorithms/MCR.h"
+
+// What is told of the last automatic run beside its results.
+struct AutomaticRunFacts
+{
+    int iterations = 0;
+    MCR::Ending ending = MCR::Ending::NotRun;
+    double lackOfFitDenoised = 0.0; // percent, against the data that were fitted
+    double lackOfFitRaw = 0.0;      // percent, against the data of the cube
+    int rank = 0;                   // of the data
+};
