@@ -2,10 +2,12 @@
 #pragma once
 
 #include "algorithms/PCA.h"
+#include "algorithms/SpectrumFit.h"
 
 #include "XTNT/xtnt_matrix.h"
 #include "XTNT/xtnt_vector.h"
 
+#include <memory>
 #include <ostream>
 
 // Multivariate curve resolution by alternating least squares (R. Tauler, Multivariate curve resolution applied to second
@@ -147,6 +149,58 @@ public:
     XTNT::Matrix<double> fitData;  // the target of the residual
 
 private:
+    // Whether the last iteration ended the run, and how.
+    enum class Verdict
+    {
+        GoOn,
+        Converged,
+        GoodFit,
+        Diverged,
+        Limit
+    };
+
+    bool componentExists(int component) const { return component >= 0 && component < nComponents; }
+    bool acceptsPixels(int component, const XTNT::Vector<int>& pixels) const;
+
+    // Before the iterations.
+    void deriveSwitches();
+    void lockSpectrum(int component);
+    double norm(const XTNT::Matrix<double>& a) const;
+
+    // The half-steps and their constraints. False leaves lastError 3.
+    bool iterate(double* sigma);
+    bool solveConcentrations();
+    void constrainConcentrations();
+    void applyConcentrationBounds();
+    void shapeConcentrationColumns();
+    bool boundConcentrations() const { return concBoundsActive != 0 && warmUp < 1; }
+    bool shapeConcentrations() const { return concUnimodActive != 0 && warmUp == 0; }
+    void forceAutofluorescence();
+    bool forcesAutofluorescence() const { return forceAF != 0 && topology.num_rows() <= 1; }
+    bool solveSpectra();
+    void makeSpectraNonNegative();
+    void boundAndShapeSpectra();
+    void shapeSpectraBySegments();
+    bool normaliseAndSort();
+    void sortComponents();
+    void updateDataBySpectra();
+    void updateDataByConcentrations();
+    bool updatesAreWeighted() const;
+
+    // After an iteration and after the last one.
+    Verdict judge(std::ostream& out, double sigmaOld, double sigmaNew, double norm);
+    bool finishConverged();
+    int finish(std::ostream& out, int result, double normOfData, double normOfRawData);
+    struct ResidualNorms
+    {
+        double fit = 0;
+        double raw = 0;
+    };
+    ResidualNorms fillResiduals();
+    int degenerate();
+    bool isPlain() const { return m_plain || debugTrace != 0; }
+
     Ending m_ending = Ending::NotRun;
     bool m_plain = false;
+    std::unique_ptr<SpectrumFit> m_fit; // of the concentrations at hand; null while they change
 };
