@@ -70,6 +70,7 @@ void CORVSpumKyvo::resetAnalysis(int nMode)
     // No result and no failure stands any more.
     m_bResultReady = false;
     m_nError = RUNERROR_NONE;
+    m_runFacts = AutomaticRunFacts();
 }
 
 void CORVSpumKyvo::clearUnmixedImages()

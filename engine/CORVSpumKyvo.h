@@ -2,6 +2,7 @@
 #pragma once
 
 #include "engine/AnalysisInput.h"
+#include "engine/AutomaticRunFacts.h"
 #include "engine/CImageCube.h"
 #include "engine/ComponentConstraint.h"
 #include "engine/EngineEnums.h"
@@ -67,6 +68,16 @@ public:
 
     // Fits the known spectra of m_spectrumPlots to every pixel: m_concentrations, m_spectra, m_nError.
     void solveConcentrations();
+    // Resolves the data of the cube into spectra and concentrations under m_params: m_lastParams, m_concentrations,
+    // m_spectra, m_spectrumPlots, m_scaleRatios, m_runFacts, m_nError. A failure leaves the results of the last run where they
+    // were. Writes the trace of the iterations to std::cout. Passes cancellation points.
+    void runMCR();
+    // The eigenvalues of the data inside the mask of m_analysisInput: m_pcaResult, m_nError. A selection without images or a
+    // mask that cannot be taken ends it with a line and no error code, m_pcaResult being what it was. Clears m_bRunPCA.
+    // Passes cancellation points.
+    void runPCA();
+    // Brings m_spectrumPlots to m_spectra. As many plots as there are components keep their names and colours.
+    void createSpectrumPlots();
     // Replaces m_properties; bCurrent is false for a result of the first file generation.
     void updateResultProperties(bool bCurrent);
 
@@ -116,6 +127,29 @@ public:
     // Multiplies the raw data of the cube by the decay factors of its images. The cube is a copy: its elements are shared.
     void applyDecayCorrection(CImageCube cube, double dHalfLifeSec, const QString& strSeqId,
                               const QVector<QString>& clickNumbers);
+
+    // --- what an automatic run starts from ----------------------------------------------------------------------------
+
+    // How the selected images lie on the grid of m_secondaryKeys (rows) by m_primaryKeys (columns); see wavelengthTopology().
+    void buildTopology(XTNT::Matrix<int>& out);
+    // The spectrum over the selected images that an initial guess names; empty for an "Auto" one. A spectrumType other than 0 is
+    // told and gives zeros.
+    XTNT::Vector<double> guessSpectrum(int spectrumType, const QString& name);
+    // A source's value at a wavelength; see curveValue().
+    double lookupCurve(const QString& name, const QString& wavelength) const;
+    // What is known beforehand of the components m_labels, from blue to red: one constraint each in `out`, and m_suggestedLabels in
+    // the same order. When nothing can be predicted, defaults in the order of m_labels, and m_suggestedLabels stays. Components of
+    // one and the same place leave fewer constraints than labels.
+    void suggestConstraints(QList<ComponentConstraint>& out);
+    // A source (name with suffix) at the wavelengths, largest intensity of its curve 1; zeros when the database lacks it.
+    XTNT::Vector<double> sourceSpectrum(const QString& strName, const QStringList& bandKeys) const;
+    // What crosses the tissue at the wavelengths; an empty name takes that of the subject, "RMP-7" when no subject is known.
+    // Ones for a tissue that is not there. See attenuationFactors().
+    XTNT::Vector<double> tissueAttenuation(const QString& strTissue, const QStringList& bandKeys) const;
+    // Takes the component names of m_analysisInput into m_labels and m_params.Constraints: suggested constraints when they are
+    // wanted and the sequence is not temporal, else defaults. Fewer suggestions than names leave no constraints at all, and the
+    // run ends without a solution.
+    void takeComponents();
 
     // --- getters -------------------------------------------------------------------------------------------------------
 
@@ -206,6 +240,8 @@ public:
     QString m_strBatchPath;
     // What a run takes from the user besides the selection.
     AnalysisInput m_analysisInput;
+    // Of the last automatic run that came to its iterations.
+    AutomaticRunFacts m_runFacts;
 
 private:
     std::atomic<int> m_nRunsEnded{0}; // released at the very end of each run
@@ -218,6 +254,15 @@ private:
     void addSpectralImage(CORVDataset* pDataset, ImageRecord record);
     void addTemporalImage(CORVDataset* pDataset, ImageRecord record, int* pCount);
     bool selectAllImages();
+
+    // Steps of runMCR() and runPCA(); the results are error codes.
+    void reportProgress(const QString& strMessage);
+    int resolveSpectra();
+    int startCurveResolution(MCR& mcr);
+    int constrainComponent(MCR& mcr, int i);
+    int iterate(MCR& mcr);
+    void takeResolvedSpectra(const MCR& mcr);
+    int analyseCube();
 
     // Steps of buildImageCube().
     bool fillImageCube();

@@ -3,11 +3,9 @@
 #include "engine/CORVSpumKyvo.h"
 
 #include "engine/knownSpectra.h"
-#include "engine/logLine.h"
 #include "engine/resultProperties.h"
 
 #include "XTNT/xtnt_parallel.h"
-#include "host/CORVLog.h"
 #include "host/CORVPreference.h"
 
 namespace {
@@ -56,17 +54,13 @@ void CORVSpumKyvo::run()
     const HandOver handOver(m_nRunsEnded);
     ValueUnlessFinished errorOfBefore(m_nError);
     if (m_bRunPCA) {
-        // There is no principal component analysis in this version. The results of an earlier unmixing stay.
-        m_bRunPCA = false;
-        m_nError = RUNERROR_NO_SOLUTION;
-        logLine("SpumKyvo: PCA is not available in this version.", CORVLOG_ERROR);
+        // The results of an earlier unmixing stay.
+        runPCA();
         errorOfBefore.finish();
         return;
     }
     if (m_eMode == RUNMODE_AUTOMATIC) {
-        // Nor is there a procedure that resolves spectra from the data: the run ends as one without a solution.
-        m_nError = RUNERROR_NO_SOLUTION;
-        logLine("SpumKyvo: automatic unmixing is not available in this version.", CORVLOG_ERROR);
+        runMCR();
     }
     if (m_eMode == RUNMODE_LIBRARY || m_eMode == RUNMODE_GUIDED || m_eMode == RUNMODE_MANUAL) {
         solveConcentrations();
