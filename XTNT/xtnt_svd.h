@@ -15,23 +15,21 @@ namespace XTNT {
 //   s  min(m + 1, n) singular values, descending, none below 0; that beyond m is 0
 //   V  n x n, right singular vectors
 //
-// An empty matrix gives empty members. An element that is not finite makes every element of U, s and V a NaN. The same bits on
-// any number of threads; passes cancellation points. Defined in the mathematics library.
+// The columns of U (the first m) and of V are orthonormal whatever the rank. An empty matrix gives empty members. An element
+// that is not finite makes every element of U, s and V a NaN. The matrix is read once and left alone; of large blocks
+// only U is taken. The same bits on any number of threads; passes cancellation points. Defined in the mathematics library.
 struct SVD
 {
     explicit SVD(const Matrix<double>& a);
-    // The same for a matrix that the caller has no further use of: its storage becomes that of U where the sizes allow, so
-    // no second large block is taken. `a` is left empty; no other share of its elements may exist.
-    static SVD consuming(Matrix<double>& a);
+    // That of the matrix (a[i][j] - shift[j]) / divisor[j], which is nowhere stored. Either vector may be empty, which leaves
+    // its operation out; else it has n elements (asserted). A zero divisor is not guarded against.
+    SVD(const Matrix<double>& a, const Vector<double>& shift, const Vector<double>& divisor);
 
     Matrix<double> U;
     Vector<double> s;
     Matrix<double> V;
     long long m = 0;
     long long n = 0;
-
-private:
-    SVD() = default;
 };
 
 } // namespace XTNT

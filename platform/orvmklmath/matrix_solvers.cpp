@@ -2,7 +2,7 @@
 // lssolve, solve and inverse of the toolkit's matrices, on Householder factorisations.
 #include "XTNT/xtnt_matrix.h"
 
-#include "XTNT/xtnt_parallel.h"
+#include "parallel_with_memory.h"
 
 #include <Eigen/Core>
 #include <Eigen/QR>
@@ -13,7 +13,6 @@
 #include <cstdint>
 #include <cstring>
 #include <limits>
-#include <new>
 
 namespace XTNT {
 
@@ -69,23 +68,6 @@ double scaleToOne(double magnitude)
 RowBlock asEigen(const Matrix<double>& a)
 {
     return RowBlock(a.storage.data, a.M, a.N, Eigen::OuterStride<>(a.N));
-}
-
-// parallelChunks for a body that takes memory: a shortage inside the body is thrown from here instead.
-template <class Body>
-void parallelWithMemory(long long count, long long grain, const Body& body)
-{
-    std::atomic<bool> exhausted{false};
-    parallelChunks(count, grain, [&](long long begin, long long end) {
-        try {
-            body(begin, end);
-        } catch (const std::bad_alloc&) {
-            exhausted.store(true, std::memory_order_relaxed);
-        }
-    });
-    if (exhausted.load()) {
-        throw std::bad_alloc();
-    }
 }
 
 // A least-squares problem A X = B, with A possibly brought to a shorter matrix of the same Gram matrix.
