@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "XTNT/concentration_pass.h"
 
+#include "XTNT/row_blocks.h"
 #include "XTNT/xtnt_assert.h"
 #include "XTNT/xtnt_lanes.h"
 #include "XTNT/xtnt_parallel.h"
@@ -15,9 +16,6 @@ namespace XTNT {
 namespace {
 
 using Mask = PassiveSetCache::Mask;
-
-// Small enough that a chunk whose rows all go to NNLS stays a part of a slice.
-constexpr long long chunkRows = 256;
 
 // Rounding of a dual per component, relative to the sum of the magnitudes of c: an element of the operator carries a few
 // roundings for every component that was taken out, and the product one more each. A dual up to this is zero.
@@ -102,8 +100,10 @@ ConcentrationPass::Workspace::Workspace(const ConcentrationPass& pass)
     }
 }
 
-ConcentrationPass::ConcentrationPass(const Matrix<double>& D, const Matrix<double>& S, const Matrix<double>& weights)
-    : m_data(D), m_spectra(S), m_fit(weights), m_reduced(S)
+ConcentrationPass::ConcentrationPass(const Matrix<double>& D, const Matrix<double>& S, const Matrix<double>& weights,
+                                     Negative negative)
+    : m_data(D), m_spectra(S), m_fit(weights), m_negative(negative),
+      m_reduced(negative == Negative::Solve ? S : Matrix<double>())
 {
     XTNT_ASSERT(D.num_cols() == S.num_cols());
     XTNT_ASSERT(weights.num_rows() == S.num_cols() && weights.num_cols() == S.num_rows());
@@ -111,19 +111,22 @@ ConcentrationPass::ConcentrationPass(const Matrix<double>& D, const Matrix<doubl
         m_reduce = std::make_unique<RowProduct>(m_reduced.basis());
 }
 
-void ConcentrationPass::run(Matrix<double>& C)
+void ConcentrationPass::run(Matrix<double>& C, const BlockStep& step)
 {
     XTNT_ASSERT(C.num_rows() == m_data.num_rows() && C.num_cols() == m_spectra.num_rows());
     std::atomic<long long> negativeRows{0};
     std::atomic<long long> nnlsRows{0};
     WorkspacePool<Workspace> pool([this] { return std::make_unique<Workspace>(*this); });
-    parallelChunks(C.num_rows(), chunkRows, [&](long long begin, long long end) {
+    parallelChunks(C.num_rows(), passChunkRows(C.num_rows()), [&](long long begin, long long end) {
         const WorkspacePool<Workspace>::Lease lease(pool);
         Workspace& work = *lease;
         long long negative = 0;
         long long left = 0;
         for (long long first = begin; first < end; first += blockRows) {
-            runBlock(first, std::min(first + blockRows, end), C, work);
+            const long long last = std::min(first + blockRows, end);
+            runBlock(first, last, C, work);
+            if (step)
+                step(first, last);
             negative += static_cast<long long>(work.negative.size());
             left += static_cast<long long>(work.left.size());
         }
@@ -138,18 +141,25 @@ void ConcentrationPass::run(Matrix<double>& C)
 void ConcentrationPass::runBlock(long long begin, long long end, Matrix<double>& C, Workspace& work) const
 {
     m_fit.multiplyBlock(m_data, begin, end, C, work.scratch.data());
-    work.negative.clear();
-    work.left.clear();
-    for (long long row = begin; row < end; ++row) {
-        if (hasNegative(C[row], C.num_cols()))
-            work.negative.push_back(row);
-    }
+    findNegativeRows(begin, end, C, work);
+    if (m_negative == Negative::Keep)
+        return;
     if (work.cache)
         solveNegativeRows(C, work);
     else
         work.left.assign(work.negative.begin(), work.negative.end());
     for (long long row : work.left)
         work.nnls.fit(m_data[row], C[row]);
+}
+
+void ConcentrationPass::findNegativeRows(long long begin, long long end, const Matrix<double>& C, Workspace& work) const
+{
+    work.negative.clear();
+    work.left.clear();
+    for (long long row = begin; row < end; ++row) {
+        if (hasNegative(C[row], C.num_cols()))
+            work.negative.push_back(row);
+    }
 }
 
 void ConcentrationPass::solveNegativeRows(Matrix<double>& C, Workspace& work) const
