@@ -6,6 +6,7 @@
 #include "host/CORVSequenceDataset.h"
 #include "workbench/cli/CliFailure.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -40,12 +41,24 @@ void checkSize(const CORVSpumKyvo& engine, const QString& strName, const CILImag
                 .arg(engine.m_nBinning));
 }
 
+bool allEqual(const CORVSpumKyvo& engine, const CILImage& image)
+{
+    const float* pixels = image.floats();
+    if (engine.m_bUseMask == 0 || image.m_lWidth != engine.m_nWidth) {
+        const auto last = pixels + image.pixelCount();
+        return std::all_of(pixels, last, [&](float v) { return v == pixels[0]; });
+    }
+    const auto& indices = engine.m_maskIndices;
+    return std::all_of(indices.begin(), indices.end(), [&](int i) { return pixels[i] == pixels[indices.front()]; });
+}
+
 } // namespace
 
-void checkImagePixels(const CORVSequenceDataset& sequence, const CORVSpumKyvo& engine, tag_edisplayunit eUnit,
-                      const std::function<void(double fraction)>& step)
+QStringList checkImagePixels(const CORVSequenceDataset& sequence, const CORVSpumKyvo& engine, tag_edisplayunit eUnit,
+                             const std::function<void(double fraction)>& step)
 {
     QStringList bad;
+    QStringList constant;
     const int count = engine.m_imageList.size();
     for (int i = 0; i < count; ++i) {
         step(static_cast<double>(i) / count);
@@ -60,8 +73,11 @@ void checkImagePixels(const CORVSequenceDataset& sequence, const CORVSpumKyvo& e
         const long long pixels = badPixels(image);
         if (pixels > 0)
             bad.append(QStringLiteral("%1 (%2 pixels)").arg(name).arg(pixels));
+        else if (allEqual(engine, image))
+            constant.append(name);
     }
     if (!bad.isEmpty())
         throw CliFailure(QStringLiteral("these images hold pixels that are NaN or infinite: %1")
                              .arg(bad.join(QStringLiteral(", "))));
+    return constant;
 }

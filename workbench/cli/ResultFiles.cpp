@@ -10,11 +10,13 @@
 #include "spectra/SpumKyvoDatabase.h"
 #include "workbench/cli/CliFailure.h"
 #include "workbench/cli/ModeNames.h"
+#include "workbench/cli/PngBytes.h"
 #include "workbench/cli/ResultPlot.h"
+#include "workbench/cli/ResultSummary.h"
+#include "workbench/cli/RunEnding.h"
 #include "workbench/cli/TextTable.h"
 #include "workbench/cli/UnitNames.h"
 
-#include <QBuffer>
 #include <QImage>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -28,16 +30,6 @@ namespace {
 const QSize plotSize(1100, 700);
 // A scan of many spots has too many maps for one sheet.
 constexpr int overviewMaps = 12;
-
-QByteArray pngOf(const QImage& picture)
-{
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    // Weak compression: a stronger one takes longer than the fit and saves a quarter of the bytes.
-    picture.save(&buffer, "PNG", 80);
-    return bytes;
-}
 
 // A component's map at a spot as an image; 0 outside the mask.
 CILImage imageOfMap(const CORVSpumKyvo& engine, int nComponent, int nSpot)
@@ -150,7 +142,7 @@ void ResultFiles::writeMap(int nComponent, int nSpot)
     options.reversed = m_engine.m_bReverse;
     options.logScale = m_engine.m_bLogScale;
     const QImage picture = orvimage::renderMapOverPhotograph(map, m_engine.m_pPhoto, options);
-    put(name + QStringLiteral(".png"), pngOf(picture));
+    put(name + QStringLiteral(".png"), pngBytes(picture));
     if (m_pictures.size() < overviewMaps)
         m_pictures.append(picture);
 }
@@ -170,7 +162,7 @@ void ResultFiles::writeOverview()
     for (int i = 0; i < count; ++i)
         painter.drawImage(cell.width() * (i % columns), cell.height() * (i / columns), m_pictures[i]);
     painter.end();
-    put(QStringLiteral("overview.png"), pngOf(sheet));
+    put(QStringLiteral("overview.png"), pngBytes(sheet));
 }
 
 void ResultFiles::writeSpectra()
@@ -194,7 +186,7 @@ void ResultFiles::writeSpectra()
 void ResultFiles::writePlot()
 {
     const SpectrumPlot plot = plotOfSpectra(m_engine);
-    put(QStringLiteral("spectra.png"), pngOf(plot.toImage(plotSize)));
+    put(QStringLiteral("spectra.png"), pngBytes(plot.toImage(plotSize)));
     put(QStringLiteral("spectra.svg"), plot.toSvg(plotSize));
 }
 
@@ -206,7 +198,7 @@ void ResultFiles::writeMask()
     mask.fill(0);
     for (const int index : m_engine.m_cube.m_maskIndices)
         mask.scanLine(index / m_engine.m_nWidth)[index % m_engine.m_nWidth] = 255;
-    put(QStringLiteral("mask.png"), pngOf(mask));
+    put(QStringLiteral("mask.png"), pngBytes(mask));
 }
 
 void ResultFiles::writeProperties()
@@ -219,17 +211,36 @@ void ResultFiles::writeProperties()
 
 void ResultFiles::writeSummary()
 {
-    TextTable table({QStringLiteral("component"), QStringLiteral("share"), QStringLiteral("maximum"),
-                     QStringLiteral("correlation"), QStringLiteral("relative error")});
-    const QJsonArray components = summaryJson().value(QStringLiteral("components")).toArray();
-    for (const auto& value : components) {
-        const QJsonObject component = value.toObject();
-        const auto cell = [&component](const char* pKey) {
-            const QJsonValue number = component.value(QLatin1String(pKey));
-            return number.isDouble() ? TextTable::number(number.toDouble(), 9) : QString();
-        };
-        table.addRow({component.value(QStringLiteral("name")).toString(), cell("share"), cell("maximum"),
-                      cell("truthCorrelation"), cell("truthRelativeError")});
+    // Facts of the run stand in every row, so that a table program can filter and join them.
+    const QList<QPair<QString, const char*>> ofComponent = {{QStringLiteral("component"), "name"},
+                                                            {QStringLiteral("share"), "share"},
+                                                            {QStringLiteral("maximum"), "maximum"},
+                                                            {QStringLiteral("high pass"), "highPass"},
+                                                            {QStringLiteral("truth"), "truthName"},
+                                                            {QStringLiteral("cosine"), "truthCosine"},
+                                                            {QStringLiteral("correlation"), "truthCorrelation"},
+                                                            {QStringLiteral("relative error"), "truthRelativeError"}};
+    const QList<QPair<QString, const char*>> ofRun = {
+        {QStringLiteral("residual"), "residual"},     {QStringLiteral("explained variance"), "explainedVariance"},
+        {QStringLiteral("iterations"), "iterations"}, {QStringLiteral("ending"), "ending"},
+        {QStringLiteral("lack of fit"), "lackOfFit"}, {QStringLiteral("lack of fit denoised"), "lackOfFitDenoised"}};
+    QStringList header;
+    for (const auto& column : ofComponent + ofRun)
+        header.append(column.first);
+    TextTable table(header);
+    const QJsonObject summary = summaryJson();
+    const auto cell = [](const QJsonObject& object, const char* pKey) {
+        const QJsonValue value = object.value(QLatin1String(pKey));
+        return value.isDouble() ? TextTable::number(value.toDouble(), 9) : value.toString();
+    };
+    const QJsonArray components = summary.value(QStringLiteral("components")).toArray();
+    for (const auto& component : components) {
+        QStringList row;
+        for (const auto& column : ofComponent)
+            row.append(cell(component.toObject(), column.second));
+        for (const auto& column : ofRun)
+            row.append(cell(summary, column.second));
+        table.addRow(row);
     }
     put(QStringLiteral("summary.csv"), table.toCsv().toUtf8());
     // Last, as it names the other files; it also marks the folder as ours.
@@ -239,63 +250,118 @@ void ResultFiles::writeSummary()
     put(QStringLiteral("summary.json"), json);
 }
 
-QString ResultFiles::summaryText() const
+QString ResultFiles::tableText() const
 {
-    const bool truth = std::any_of(m_numbers.truth.begin(), m_numbers.truth.end(),
-                                   [](const MapComparison& comparison) { return comparison.known; });
+    const auto& truth = m_numbers.truth;
+    const bool known = std::any_of(truth.begin(), truth.end(), [](const TrueComparison& c) { return c.known; });
+    bool renamed = false;
+    for (std::size_t i = 0; i < truth.size(); ++i)
+        renamed |= truth[i].known && truth[i].trueName != m_engine.m_spectrumPlots[static_cast<int>(i)]->settings.name;
     QStringList header = {QStringLiteral("component"), QStringLiteral("share [%]"), QStringLiteral("maximum")};
-    if (truth)
-        header << QStringLiteral("correlation") << QStringLiteral("rel. error");
+    if (m_numbers.automatic)
+        header << QStringLiteral("high pass");
+    if (known && renamed)
+        header << QStringLiteral("truth");
+    if (known)
+        header << QStringLiteral("cosine") << QStringLiteral("correlation") << QStringLiteral("rel. error");
     TextTable table(header);
     for (int k = 0; k < m_engine.m_spectrumPlots.size(); ++k) {
         const auto i = static_cast<std::size_t>(k);
         QStringList row = {m_engine.m_spectrumPlots[k]->settings.name,
                            TextTable::number(m_numbers.shares[i] * 100.0, 4),
                            TextTable::number(m_engine.m_concentrations.row(k).Max(), 5)};
-        if (m_numbers.truth[i].known)
-            row << TextTable::number(m_numbers.truth[i].correlation, 5)
-                << TextTable::number(m_numbers.truth[i].relativeError, 3);
+        if (m_numbers.automatic)
+            row << componentJson(k).value(QStringLiteral("highPass")).toString(QStringLiteral("-"));
+        if (known && renamed)
+            row << (truth[i].known ? truth[i].trueName : QStringLiteral("-"));
+        if (truth[i].known)
+            row << TextTable::number(truth[i].cosine, 5) << TextTable::number(truth[i].correlation, 5)
+                << TextTable::number(truth[i].relativeError, 3);
         table.addRow(row);
     }
-    return QStringLiteral("%1, %2 images of %3 x %4 pixels at binning %5, %6 pixels analysed\n\n%7\n"
-                          "residual %8 % of the data's norm; the fit took %9 s\n")
-        .arg(UnitNames::text(m_engine.m_eUnit))
-        .arg(m_engine.m_selectedKeyPairs.size())
-        .arg(m_engine.m_nWidth)
-        .arg(m_engine.m_nHeight)
-        .arg(m_engine.m_nBinning)
-        .arg(m_engine.m_cube.pixelsPerSpot())
-        .arg(table.toText(), TextTable::number(m_numbers.residual * 100.0, 4), TextTable::number(m_numbers.seconds, 3));
+    return table.toText();
+}
+
+QString ResultFiles::summaryText() const
+{
+    QString text = QStringLiteral("%1, %2 images of %3 x %4 pixels at binning %5, %6 pixels analysed\n\n%7\n"
+                                  "residual %8 % of the data's norm, %9 % of the variance explained; ")
+                       .arg(UnitNames::text(m_engine.m_eUnit))
+                       .arg(m_engine.m_selectedKeyPairs.size())
+                       .arg(m_engine.m_nWidth)
+                       .arg(m_engine.m_nHeight)
+                       .arg(m_engine.m_nBinning)
+                       .arg(m_engine.m_cube.pixelsPerSpot())
+                       .arg(tableText(), TextTable::number(m_numbers.residual * 100.0, 4),
+                            TextTable::number(ResultSummary::explainedVariance(m_numbers.residual), 6));
+    text += QStringLiteral("the fit took %1 s\n").arg(TextTable::number(m_numbers.seconds, 3));
+    if (!m_numbers.automatic)
+        return text;
+    const AutomaticRunFacts& facts = m_numbers.facts;
+    return text + QStringLiteral("%1 after %2 iterations; lack of fit %3 % of the data, %4 % of the denoised data\n")
+                      .arg(endingText(facts.ending))
+                      .arg(facts.iterations)
+                      .arg(TextTable::number(facts.lackOfFitRaw, 4), TextTable::number(facts.lackOfFitDenoised, 4));
+}
+
+QJsonObject ResultFiles::componentJson(int nComponent) const
+{
+    const auto i = static_cast<std::size_t>(nComponent);
+    const SpectrumSettings& settings = m_engine.m_spectrumPlots[nComponent]->settings;
+    QJsonObject component{{"name", settings.name},
+                          {"color", settings.color},
+                          {"map", mapName(nComponent, 0) + QStringLiteral(".tif")},
+                          {"share", jsonNumber(m_numbers.shares[i])},
+                          {"maximum", jsonNumber(m_engine.m_concentrations.row(nComponent).Max())}};
+    const auto& constraints = m_engine.m_lastParams.Constraints;
+    if (m_numbers.automatic && nComponent < constraints.size()) {
+        const ComponentConstraint& constraint = constraints[nComponent];
+        if (constraint.HighPass != QLatin1String("N/A"))
+            component.insert(QStringLiteral("highPass"), constraint.HighPass);
+        component.insert(QStringLiteral("locked"), constraint.Locked);
+    }
+    const TrueComparison& truth = m_numbers.truth[i];
+    if (truth.known) {
+        component.insert(QStringLiteral("truthName"), truth.trueName);
+        component.insert(QStringLiteral("truthCosine"), jsonNumber(truth.cosine));
+        component.insert(QStringLiteral("truthCorrelation"), jsonNumber(truth.correlation));
+        component.insert(QStringLiteral("truthRelativeError"), jsonNumber(truth.relativeError));
+    }
+    return component;
+}
+
+void ResultFiles::addRunFacts(QJsonObject& json) const
+{
+    const AutomaticRunFacts& facts = m_numbers.facts;
+    json.insert(QStringLiteral("iterations"), facts.iterations);
+    json.insert(QStringLiteral("ending"), endingText(facts.ending));
+    json.insert(QStringLiteral("lackOfFit"), jsonNumber(facts.lackOfFitRaw));
+    json.insert(QStringLiteral("lackOfFitDenoised"), jsonNumber(facts.lackOfFitDenoised));
+    json.insert(QStringLiteral("rank"), facts.rank);
 }
 
 QJsonObject ResultFiles::summaryJson() const
 {
     QJsonArray components;
-    for (int k = 0; k < m_engine.m_spectrumPlots.size(); ++k) {
-        const auto i = static_cast<std::size_t>(k);
-        QJsonObject component{{"name", m_engine.m_spectrumPlots[k]->settings.name},
-                              {"color", m_engine.m_spectrumPlots[k]->settings.color},
-                              {"share", jsonNumber(m_numbers.shares[i])},
-                              {"maximum", jsonNumber(m_engine.m_concentrations.row(k).Max())}};
-        if (m_numbers.truth[i].known) {
-            component.insert(QStringLiteral("truthCorrelation"), jsonNumber(m_numbers.truth[i].correlation));
-            component.insert(QStringLiteral("truthRelativeError"), jsonNumber(m_numbers.truth[i].relativeError));
-        }
-        components.append(component);
-    }
+    for (int k = 0; k < m_engine.m_spectrumPlots.size(); ++k)
+        components.append(componentJson(k));
     QJsonObject properties;
     for (const auto& property : m_engine.m_properties)
         properties.insert(property.first, property.second);
-    return QJsonObject{{"method", ModeNames::option(m_engine.m_eMode)},
-                       {"unit", UnitNames::text(m_engine.m_eUnit)},
-                       {"images", m_engine.m_selectedKeyPairs.size()},
-                       {"width", m_engine.m_nWidth},
-                       {"height", m_engine.m_nHeight},
-                       {"binning", m_engine.m_nBinning},
-                       {"pixels", static_cast<qint64>(m_engine.m_cube.pixelsPerSpot())},
-                       {"residual", jsonNumber(m_numbers.residual)},
-                       {"seconds", m_numbers.seconds},
-                       {"components", components},
-                       {"properties", properties},
-                       {"files", QJsonArray::fromStringList(m_files)}};
+    QJsonObject json{{"method", ModeNames::option(m_engine.m_eMode)},
+                     {"unit", UnitNames::text(m_engine.m_eUnit)},
+                     {"images", m_engine.m_selectedKeyPairs.size()},
+                     {"width", m_engine.m_nWidth},
+                     {"height", m_engine.m_nHeight},
+                     {"binning", m_engine.m_nBinning},
+                     {"pixels", static_cast<qint64>(m_engine.m_cube.pixelsPerSpot())},
+                     {"residual", jsonNumber(m_numbers.residual)},
+                     {"explainedVariance", jsonNumber(ResultSummary::explainedVariance(m_numbers.residual))},
+                     {"seconds", m_numbers.seconds},
+                     {"components", components},
+                     {"properties", properties},
+                     {"files", QJsonArray::fromStringList(m_files)}};
+    if (m_numbers.automatic)
+        addRunFacts(json);
+    return json;
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "engine/AutomaticRunFacts.h"
 #include "workbench/cli/TruthComparison.h"
 
 #include <QImage>
@@ -18,9 +19,11 @@ class CORVSpumKyvo;
 struct ResultNumbers
 {
     std::vector<double> shares;
-    double residual = 0.0;
-    std::vector<MapComparison> truth;
+    double residual = 0.0; // relative, against the data of the cube
+    std::vector<TrueComparison> truth;
     double seconds = 0.0; // of the run
+    bool automatic = false;
+    AutomaticRunFacts facts; // of an automatic run
 };
 
 // Writes a result's files into a folder: per component (and scan spot) a map as float32 TIFF and as a picture over the
@@ -49,6 +52,9 @@ private:
     void writeMask();
     void writeProperties();
     void writeSummary();
+    QJsonObject componentJson(int nComponent) const;
+    void addRunFacts(QJsonObject& json) const;
+    QString tableText() const;
     QString mapName(int nComponent, int nSpot) const;
     void put(const QString& strName, const QByteArray& bytes);
 

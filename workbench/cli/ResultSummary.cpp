@@ -103,6 +103,22 @@ double ResultSummary::correlation(const std::vector<double>& a, const std::vecto
     return XTNT::corrcoef(first, second);
 }
 
+double ResultSummary::cosine(const std::vector<double>& a, const std::vector<double>& b)
+{
+    if (a.size() != b.size())
+        return notKnown;
+    double product = 0.0;
+    double squaresA = 0.0;
+    double squaresB = 0.0;
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        product += a[i] * b[i];
+        squaresA += a[i] * a[i];
+        squaresB += b[i] * b[i];
+    }
+    const double norms = std::sqrt(squaresA) * std::sqrt(squaresB);
+    return norms > 0.0 ? product / norms : notKnown;
+}
+
 double ResultSummary::relativeError(const std::vector<double>& map, const std::vector<double>& truth)
 {
     if (map.size() != truth.size())

@@ -24,6 +24,13 @@ public:
 
     // Pearson's correlation of two maps; NaN when one of them is constant or the lengths differ.
     static double correlation(const std::vector<double>& a, const std::vector<double>& b);
+    // Cosine of the angle between two spectra; NaN when one of them is 0 throughout or the lengths differ.
+    static double cosine(const std::vector<double>& a, const std::vector<double>& b);
+    // Percent of the data's sum of squares that a fit of that relative residual explains.
+    static double explainedVariance(double dRelativeResidual)
+    {
+        return 100.0 * (1.0 - dRelativeResidual * dRelativeResidual);
+    }
     // Euclidean norm of map - truth over that of the truth; NaN when the truth is all 0 or the lengths differ.
     static double relativeError(const std::vector<double>& map, const std::vector<double>& truth);
 };

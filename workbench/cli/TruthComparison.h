@@ -1,20 +1,33 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "workbench/cli/ComponentMatching.h"
+
 #include <QString>
 
+#include <limits>
 #include <vector>
 
 class CORVSpumKyvo;
 
-// How a component's map stands beside the truth of a simulated sequence.
-struct MapComparison
+// How a component stands beside the truth of a simulated sequence.
+struct TrueComparison
 {
-    bool known = false; // a true map of that name exists at the analysis size
+    bool known = false; // a true component belongs to it, with a map at the analysis size
     double correlation = 0.0;
     double relativeError = 0.0;
+    QString trueName;
+    double cosine = std::numeric_limits<double>::quiet_NaN(); // of the spectra; NaN without true spectra
 };
 
 // One entry a component, in the order of the engine's plots, over the pixels of the analysis. `strFolder` is the truth's
 // unit folder, with a separator at its end.
-std::vector<MapComparison> compareWithTruth(const CORVSpumKyvo& engine, const QString& strFolder);
+//
+// A component belongs to the true one of its name. Where an automatic run had no names to give, so that none of its components has
+// a true one's name, they belong together as their maps and spectra suggest.
+//
+// True maps are brought to what spectra with a largest value of 1 in the images of the analysis would leave.
+std::vector<TrueComparison> compareWithTruth(const CORVSpumKyvo& engine, const QString& strFolder);
+
+// The components of a result as the engine holds them: maps of the first scan spot over the pixels of the analysis.
+std::vector<ComponentShape> shapesOfResult(const CORVSpumKyvo& engine);

@@ -3,78 +3,65 @@
 
 #include "engine/CORVSpumKyvo.h"
 #include "engine/EngineEnums.h"
+#include "engine/runTexts.h"
 #include "host/CORVLog.h"
-#include "host/CORVSequenceDataset.h"
-#include "platform/orvutils/ProgressDisplay.h"
 #include "platform/orvutils/StagedFolder.h"
 #include "spectra/SpectrumPlotParams.h"
+#include "windows/maskPixels.h"
+#include "workbench/cli/AutomaticSetUp.h"
 #include "workbench/cli/CliFailure.h"
 #include "workbench/cli/CliProgress.h"
 #include "workbench/cli/CliSession.h"
-#include "workbench/cli/ImageCheck.h"
 #include "workbench/cli/LibrarySpectra.h"
-#include "workbench/cli/MaskFile.h"
 #include "workbench/cli/ModeNames.h"
-#include "workbench/cli/PairSelection.h"
 #include "workbench/cli/ResultSummary.h"
-#include "workbench/cli/UnitForecast.h"
-#include "workbench/cli/UnitNames.h"
+#include "workbench/cli/ShownRun.h"
 
 #include <QElapsedTimer>
 
 namespace {
 
-QStringList imagesOf(const CORVSpumKyvo& engine)
-{
-    QStringList images;
-    for (const auto& click : engine.m_imageList)
-        images.append(click);
-    return images;
-}
-
-void log(const QString& strMessage, long nLevel)
-{
-    CORVLog::getLogObject()->log(strMessage, QString(), 0, QStringLiteral(__TIME__), nLevel, false);
-}
-
 // Shares of the progress line: looking at the images, the run, the files.
 constexpr double checkedFraction = 0.3;
 constexpr double fittedFraction = 0.7;
+constexpr double notKnown = -1.0;
 
 } // namespace
 
 UnmixJob::UnmixJob(const UnmixRequest& request, CliSession& session)
-    : m_request(request), m_session(session), m_opened(request.sequence)
+    : m_request(request), m_session(session), m_setUp(request.analysis, session)
 {
 }
 
-// The limit is the process's; the next command starts without.
-UnmixJob::~UnmixJob()
+bool UnmixJob::isAutomatic() const
 {
-    CORVDataset::setUnitLimit(DISPLAYUNIT_EFFICIENCY);
+    return m_request.mode == RUNMODE_AUTOMATIC;
 }
 
 void UnmixJob::run()
 {
-    m_session.warnAll(m_opened.warnings());
-    if (!m_opened.canBeAnalysed())
-        throw CliFailure(QStringLiteral("%1 cannot be analysed: %2").arg(m_request.sequence, m_opened.reasonAgainst()));
     m_session.progress().start(QStringLiteral("Looking at the images"));
-    checkMode();
+    m_setUp.checkMode(m_request.mode);
     StagedFolder folder;
     QString error;
-    if (!folder.begin(outFolder(), m_request.force, QStringLiteral("summary.json"), &error))
+    const QString target = m_setUp.outFolder(QStringLiteral("unmixed-") + ModeNames::option(m_request.mode));
+    if (!folder.begin(target, m_request.analysis.force, QStringLiteral("summary.json"), &error))
         throw CliFailure(error);
-    select();
-    m_opened.engine().resetAnalysis(m_request.mode);
-    chooseBinning();
-    takeSpectra();
-    checkUnit();
-    checkImages();
-    takeMask();
+    m_setUp.select();
+    m_setUp.reset(m_request.mode);
+    if (isAutomatic())
+        takeComponents();
+    else
+        takeSpectra();
+    // A fit of known spectra takes each pixel by itself; to resolve spectra takes as many as the wizard asks for.
+    m_setUp.takeMask(isAutomatic() ? static_cast<int>(kMinMaskPixels) : 1);
+    m_setUp.checkUnit();
+    m_setUp.checkImages(checkedFraction);
+    if (isAutomatic())
+        checkConstantImages();
     fit();
 
-    ResultFiles files(m_opened.engine(), m_numbers, folder.path());
+    ResultFiles files(m_setUp.engine(), m_numbers, folder.path());
     files.write([this](double fraction) {
         CliSession::stopIfInterrupted();
         m_session.progress().show(QStringLiteral("Writing the results"),
@@ -84,80 +71,28 @@ void UnmixJob::run()
     if (!folder.commit(&error))
         throw CliFailure(error);
     m_session.progress().finish();
-    log(QStringLiteral("unmixed %1 by %2: %3 components, residual %4; results in %5")
-            .arg(m_request.sequence, ModeNames::option(m_request.mode))
-            .arg(m_opened.engine().m_spectrumPlots.size())
-            .arg(m_numbers.residual)
-            .arg(folder.target()),
-        CORVLOG_NOTE);
-    m_session.answer(files.summaryText() + QStringLiteral("results in %1\n").arg(folder.target()));
+    tell(files, folder.target());
+}
+
+void UnmixJob::tell(const ResultFiles& files, const QString& strFolder)
+{
+    const QString line = QStringLiteral("unmixed %1 by %2: %3 components, residual %4; results in %5")
+                             .arg(m_request.analysis.sequence, ModeNames::option(m_request.mode))
+                             .arg(m_setUp.engine().m_spectrumPlots.size())
+                             .arg(m_numbers.residual)
+                             .arg(strFolder);
+    CORVLog::getLogObject()->log(line, QString(), 0, QStringLiteral(__TIME__), CORVLOG_NOTE, false);
+    m_session.answer(files.summaryText() + QStringLiteral("results in %1\n").arg(strFolder));
     QJsonObject json = files.summaryJson();
-    json.insert(QStringLiteral("folder"), folder.target());
+    json.insert(QStringLiteral("folder"), strFolder);
     m_session.answerJson(json);
-}
-
-QString UnmixJob::outFolder() const
-{
-    return m_request.out.isEmpty() ? m_opened.folder() + QStringLiteral("unmixed-") + ModeNames::option(m_request.mode)
-                                   : m_request.out;
-}
-
-void UnmixJob::checkMode()
-{
-    const QList<int> modes = m_opened.engine().availableModes();
-    if (modes.contains(m_request.mode))
-        return;
-    QStringList names;
-    for (const int mode : modes)
-        names.append(ModeNames::option(mode));
-    throw CliFailure(QStringLiteral("this sequence cannot be unmixed by the method %1; it takes %2")
-                         .arg(ModeNames::option(m_request.mode), names.join(QStringLiteral(", "))));
-}
-
-void UnmixJob::select()
-{
-    auto& engine = m_opened.engine();
-    QList<KeyPair> selection = engine.getAllKeyPairs();
-    if (!m_request.select.isEmpty())
-        selection = selectPairs(m_request.select, selection);
-    QList<KeyPair> trial = selection;
-    int axis = 0;
-    if (engine.validateSelection(trial, &axis, false) == 0)
-        throw CliFailure(QStringLiteral("the selection %1 cannot be unmixed: it takes two %2 at least")
-                             .arg(pairsText(selection), engine.m_eSeqKind == SEQKIND_TEMPORAL
-                                                            ? QStringLiteral("time points")
-                                                            : QStringLiteral("wavelengths")));
-    // As in the palette: a selection of which a part was taken away is analysed without it.
-    const int asked = selection.size();
-    if (!engine.applySelection(selection)) {
-        engine.updateKeys();
-        log(QStringLiteral("SpumKyvo: image selection got adjusted"), CORVLOG_WARNING);
-        m_session.warn(QStringLiteral("image selection got adjusted: %1 of %2 images are used")
-                           .arg(engine.getSelectedKeyPairs().size())
-                           .arg(asked));
-    }
-}
-
-void UnmixJob::chooseBinning()
-{
-    auto& engine = m_opened.engine();
-    if (!engine.createImageList())
-        throw CliFailure(QStringLiteral("an image of the selection is missing in the sequence"));
-    if (m_request.binning > 0) {
-        engine.m_bAutoBinning = false;
-        engine.m_nBinning = m_request.binning;
-    }
-    if (!engine.setBinningAndSize(engine.m_bAutoBinning) || engine.m_nWidth < 1)
-        throw CliFailure(m_request.binning > 0
-                             ? QStringLiteral("at binning %1 nothing is left of the images").arg(m_request.binning)
-                             : QStringLiteral("the binning and size of the images cannot be found"));
 }
 
 void UnmixJob::takeSpectra()
 {
     LibrarySpectra library;
     library.load(m_request.library);
-    auto& engine = m_opened.engine();
+    auto& engine = m_setUp.engine();
     engine.m_spectrumPlots = library.fitTo(engine.getSelectedKeyPairs(), engine.m_eAxis);
     if (engine.m_spectrumPlots.size() > engine.getSelectedKeyPairs().size())
         m_session.warn(QStringLiteral("%1 spectra for %2 images: the maps are not unique")
@@ -165,59 +100,32 @@ void UnmixJob::takeSpectra()
                            .arg(engine.getSelectedKeyPairs().size()));
 }
 
-void UnmixJob::checkUnit()
+void UnmixJob::takeComponents()
 {
-    if (m_request.unit >= 0)
-        CORVDataset::setUnitLimit(static_cast<tag_edisplayunit>(m_request.unit));
-    const UnitForecast forecast = forecastUnit(m_opened.sequence(), imagesOf(m_opened.engine()));
-    const QString why = forecast.refusals.join(QStringLiteral("; "));
-    if (forecast.unit < 0)
-        throw CliFailure(QStringLiteral("the images can be had in no unit: %1").arg(why));
-    if (m_request.unit >= 0 && forecast.unit != m_request.unit)
-        throw CliFailure(QStringLiteral("the unit %1 cannot be reached; the analysis would end in %2%3")
-                             .arg(UnitNames::options()[m_request.unit], UnitNames::options()[forecast.unit],
-                                  why.isEmpty() ? QString() : QStringLiteral(" (%1)").arg(why)));
-    m_nUnit = forecast.unit;
+    m_session.warnAll(
+        setUpAutomatic(m_request.automatic, m_request.analysis.force, m_setUp.opened().sequence(), m_setUp.engine()));
 }
 
-void UnmixJob::checkImages()
+// Images without a structure hold nothing that could be told apart.
+void UnmixJob::checkConstantImages()
 {
-    auto& engine = m_opened.engine();
-    checkImagePixels(m_opened.sequence(), engine, static_cast<tag_edisplayunit>(m_nUnit), [this](double fraction) {
-        CliSession::stopIfInterrupted();
-        m_session.progress().show(QStringLiteral("Looking at the images"), checkedFraction * fraction);
-    });
-}
-
-void UnmixJob::takeMask()
-{
-    if (m_request.mask.isEmpty())
-        return;
-    auto& engine = m_opened.engine();
-    engine.m_analysisInput.maskImage = readMaskFile(m_request.mask, engine.m_nWidth, engine.m_nBinning);
-    if (!engine.takeDataMask())
-        throw CliFailure(QStringLiteral("%1 cannot serve as a mask").arg(m_request.mask));
-}
-
-// Runs the engine; meanwhile its progress thread alone draws the line.
-RunOutcome UnmixJob::runShown()
-{
-    CliProgress& line = m_session.progress();
-    orv::setProgressDisplay([&line](const QString& message, double, double) {
-        if (!message.isNull())
-            line.show(QStringLiteral("Fitting"), checkedFraction);
-    });
-    const RunOutcome outcome = runEngine(m_opened.engine());
-    orv::setProgressDisplay({});
-    return outcome;
+    const QStringList constant = m_setUp.constantImages();
+    if (m_setUp.allImagesConstant())
+        throw CliFailure(QStringLiteral("%1 (in every image all pixels that are analysed have one value)")
+                             .arg(errorText(RUNERROR_TOO_MANY_COMPONENTS)));
+    if (!constant.isEmpty())
+        m_session.warn(QStringLiteral("in these images all pixels that are analysed have one value: %1")
+                           .arg(constant.join(QStringLiteral(", "))));
 }
 
 void UnmixJob::fit()
 {
-    auto& engine = m_opened.engine();
+    auto& engine = m_setUp.engine();
     QElapsedTimer timer;
     timer.start();
-    const RunOutcome outcome = runShown();
+    const RunOutcome outcome =
+        isAutomatic() ? runShown(engine, m_session.progress(), QStringLiteral("Resolving the components"), notKnown)
+                      : runShown(engine, m_session.progress(), QStringLiteral("Fitting"), checkedFraction);
     m_numbers.seconds = static_cast<double>(timer.nsecsElapsed()) * 1e-9;
     if (outcome == RunOutcome::Aborted)
         throw CliFailure(QStringLiteral("unmixing aborted by user"), CliFailure::Aborted);
@@ -227,5 +135,9 @@ void UnmixJob::fit()
     const auto& data = engine.m_cube.m_data;
     m_numbers.shares = ResultSummary::signalShares(data, engine.m_concentrations, engine.m_spectra);
     m_numbers.residual = ResultSummary::relativeResidual(data, engine.m_concentrations, engine.m_spectra);
-    m_numbers.truth = compareWithTruth(engine, m_opened.truthFolder(engine.m_eUnit));
+    m_numbers.truth = compareWithTruth(engine, m_setUp.opened().truthFolder(engine.m_eUnit));
+    m_numbers.automatic = isAutomatic();
+    m_numbers.facts = engine.m_runFacts;
+    if (isAutomatic() && m_numbers.facts.ending == MCR::Ending::IterationLimit)
+        m_session.warn(QStringLiteral("Maximum iteration number is reached!"));
 }

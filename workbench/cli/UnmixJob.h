@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "engine/runEngine.h"
-#include "workbench/cli/OpenedSequence.h"
+#include "workbench/cli/AnalysisSetUp.h"
+#include "workbench/cli/AutomaticOptions.h"
 #include "workbench/cli/ResultFiles.h"
 
 #include <QString>
@@ -12,15 +12,10 @@ class CliSession;
 // What an unmixing is asked for.
 struct UnmixRequest
 {
-    QString sequence;
+    AnalysisRequest analysis;
     int mode = 0;
-    QString library; // file or name
-    QString select;  // empty: every image
-    QString mask;    // file; empty: none
-    int unit = -1;   // -1: the best that the images have
-    int binning = 0; // 0: the most common of the images
-    QString out;     // empty: beside the images
-    bool force = false;
+    QString library;            // file or name; of a run with known spectra
+    AutomaticRequest automatic; // of an automatic run
 };
 
 // One unmixing from the request to the files. Everything that can be refused is refused before the run; nothing is written
@@ -29,26 +24,20 @@ class UnmixJob
 {
 public:
     UnmixJob(const UnmixRequest& request, CliSession& session);
-    ~UnmixJob();
 
     // Throws CliFailure; 130 after an abort.
     void run();
 
 private:
-    void checkMode();
-    void select();
-    void chooseBinning();
-    void checkUnit();
-    void checkImages();
+    bool isAutomatic() const;
     void takeSpectra();
-    void takeMask();
-    RunOutcome runShown();
+    void takeComponents();
+    void checkConstantImages();
     void fit();
-    QString outFolder() const;
+    void tell(const ResultFiles& files, const QString& strFolder);
 
     UnmixRequest m_request;
     CliSession& m_session;
-    OpenedSequence m_opened;
+    AnalysisSetUp m_setUp;
     ResultNumbers m_numbers;
-    int m_nUnit = -1;
 };

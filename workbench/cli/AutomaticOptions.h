@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+class QCommandLineParser;
+
+// What an automatic unmixing is asked for beside its images.
+struct AutomaticRequest
+{
+    QStringList components; // names; empty with a count of 0: as proposed
+    int count = 0;          // above 0: so many unknown components
+    bool useConstraints = true;
+    bool constraintsAsked = false; // --constraints was given
+    bool correctDecay = false;
+    double halfLifeMinutes = 0.0; // 0: that of the isotope
+};
+
+// Declares --components, --ncomponents, --constraints, --no-constraints and --decay.
+void declareAutomaticOptions(QCommandLineParser& parser);
+// The names of those that were given.
+QStringList givenAutomaticOptions(const QCommandLineParser& parser);
+// Reads them. Throws CliFailure (usage) for options that exclude each other, empty names, and numbers that are none.
+AutomaticRequest automaticRequestOf(const QCommandLineParser& parser);
