@@ -4,6 +4,8 @@
 #include "algorithms/PCA.h"
 #include "algorithms/SpectrumFit.h"
 
+#include "XTNT/left_reduction.h"
+#include "XTNT/residual_norm.h"
 #include "XTNT/xtnt_matrix.h"
 #include "XTNT/xtnt_vector.h"
 
@@ -169,7 +171,10 @@ private:
 
     // The half-steps and their constraints. False leaves lastError 3.
     bool iterate(double* sigma);
-    bool solveConcentrations();
+    bool solveConcentrations(bool bSpectraFollow);
+    bool solveConcentrationsPlainly();
+    bool solveConcentrationsInOnePass(bool bSpectraFollow);
+    void ownConcentrations();
     void constrainConcentrations();
     void applyConcentrationBounds();
     void shapeConcentrationColumns();
@@ -191,16 +196,12 @@ private:
     Verdict judge(std::ostream& out, double sigmaOld, double sigmaNew, double norm);
     bool finishConverged();
     int finish(std::ostream& out, int result, double normOfData, double normOfRawData);
-    struct ResidualNorms
-    {
-        double fit = 0;
-        double raw = 0;
-    };
-    ResidualNorms fillResiduals();
+    XTNT::ResidualNorms fillResiduals();
     int degenerate();
     bool isPlain() const { return m_plain || debugTrace != 0; }
 
     Ending m_ending = Ending::NotRun;
     bool m_plain = false;
-    std::unique_ptr<SpectrumFit> m_fit; // of the concentrations at hand; null while they change
+    std::unique_ptr<XTNT::LeftReduction> m_reduction; // made along with the concentrations, for m_fit
+    std::unique_ptr<SpectrumFit> m_fit;               // of the concentrations at hand; null while they change
 };

@@ -86,7 +86,7 @@ bool MCR::iterate(double* sigma)
         --warmUp;
     }
     updateDataBySpectra();
-    if (!solveConcentrations()) {
+    if (!solveConcentrations(true)) {
         return false;
     }
     constrainConcentrations();
@@ -160,7 +160,7 @@ MCR::Verdict MCR::judge(std::ostream& out, double sigmaOld, double sigmaNew, dou
 bool MCR::finishConverged()
 {
     updateDataBySpectra();
-    if (!solveConcentrations()) {
+    if (!solveConcentrations(false)) {
         return false;
     }
     m_fit.reset();
@@ -178,6 +178,7 @@ bool MCR::finishConverged()
 int MCR::finish(std::ostream& out, int result, double normOfData, double normOfRawData)
 {
     m_fit.reset();
+    m_reduction.reset();
     if (iteration >= maxIterations) {
         out << "Maximum iteration number is reached!!!" << '\n';
         m_ending = Ending::IterationLimit;
@@ -187,7 +188,7 @@ int MCR::finish(std::ostream& out, int result, double normOfData, double normOfR
         rowpass::multiplyRows(conc, rowNorms);
         rowpass::multiplyRows(rawData, rowNorms);
     }
-    const ResidualNorms norms = fillResiduals();
+    const XTNT::ResidualNorms norms = fillResiduals();
     lackOfFitPCA = norms.fit / normOfData * 100;
     lackOfFitRaw = norms.raw / normOfRawData * 100;
     return result;

@@ -3,6 +3,7 @@
 #include "algorithms/MCR.h"
 
 #include "algorithms/PlainSpectrumFit.h"
+#include "algorithms/ReducedSpectrumFit.h"
 #include "algorithms/elementBounds.h"
 #include "algorithms/freeComponentRefit.h"
 #include "algorithms/plainConcentrations.h"
@@ -10,12 +11,17 @@
 #include "algorithms/unimodality.h"
 #include "algorithms/weightedUpdate.h"
 
+#include "XTNT/concentration_pass.h"
+#include "XTNT/large_pages.h"
+#include "XTNT/least_squares.h"
 #include "XTNT/sort_with_index.h"
 
 #include <algorithm>
 #include <cmath>
 #include <iostream>
 #include <limits>
+#include <memory>
+#include <utility>
 
 using XTNT::Matrix;
 using XTNT::Vector;
@@ -90,25 +96,77 @@ double MCR::norm(const Matrix<double>& a) const
 }
 
 // conc from spec, its non-negativity included.
-bool MCR::solveConcentrations()
+bool MCR::solveConcentrations(bool bSpectraFollow)
 {
     m_fit.reset();
+    m_reduction.reset();
     if (!rowpass::allFinite(spec)) {
         conc = undefined(nRows, nComponents);
         return true;
     }
-    conc = plainConcentrations(data, spec, debugTrace != 0);
-    if (conc.empty()) {
+    if (!(isPlain() ? solveConcentrationsPlainly() : solveConcentrationsInOnePass(bSpectraFollow))) {
+        conc = Matrix<double>();
         lastError = 3;
         return false;
     }
+    return true;
+}
+
+bool MCR::solveConcentrationsPlainly()
+{
+    conc = plainConcentrations(data, spec, debugTrace != 0);
     if (concNonNegMode == Clamp) {
         rowpass::clampColumns(conc, concNonNegFlags, 0, conc.num_rows());
     }
     if (concNonNegMode == LeastSquares) {
         makeRowsNonNegative(data, spec, conc, debugTrace != 0);
     }
+    return !conc.empty();
+}
+
+// Fits, corrects and, where nothing else changes the concentrations before the spectra are solved, reduces each block of
+// rows while it is in the cache.
+bool MCR::solveConcentrationsInOnePass(bool bSpectraFollow)
+{
+    const Matrix<double> solution = XTNT::rightSolutionOperator(spec);
+    if (solution.empty()) {
+        return false;
+    }
+    ownConcentrations();
+    const bool bReduce = bSpectraFollow && !updatesAreWeighted() && !boundConcentrations() && !shapeConcentrations() &&
+                         !forcesAutofluorescence();
+    if (bReduce) {
+        m_reduction = std::make_unique<XTNT::LeftReduction>(data, nComponents);
+    }
+    const bool bClamp = concNonNegMode == Clamp;
+    XTNT::ConcentrationPass::BlockStep step;
+    if (bClamp || bReduce) {
+        step = [this, bClamp](long long begin, long long end) {
+            if (bClamp) {
+                rowpass::clampColumns(conc, concNonNegFlags, begin, end);
+            }
+            if (m_reduction) {
+                m_reduction->add(conc, begin, end);
+            }
+        };
+    }
+    using Negative = XTNT::ConcentrationPass::Negative;
+    XTNT::ConcentrationPass(data, spec, solution, concNonNegMode == LeastSquares ? Negative::Solve : Negative::Keep)
+        .run(conc, step);
+    if (bReduce) {
+        m_reduction->finish();
+    }
     return true;
+}
+
+// The elements of conc are overwritten in place, unless somebody else shares them.
+void MCR::ownConcentrations()
+{
+    const bool bOwn = conc.storage.refCount != nullptr && *conc.storage.refCount == 1;
+    if (!bOwn || conc.num_rows() != nRows || conc.num_cols() != nComponents) {
+        conc.reshape(nRows, nComponents);
+        XTNT::preferLargePages(conc);
+    }
 }
 
 void MCR::constrainConcentrations()
@@ -154,7 +212,11 @@ void MCR::forceAutofluorescence()
 // spec from conc; m_fit is made here.
 bool MCR::solveSpectra()
 {
-    m_fit = std::make_unique<PlainSpectrumFit>(conc, data, debugTrace != 0);
+    if (isPlain()) {
+        m_fit = std::make_unique<PlainSpectrumFit>(conc, data, debugTrace != 0);
+    } else {
+        m_fit = std::make_unique<ReducedSpectrumFit>(conc, data, std::move(m_reduction));
+    }
     spec = m_fit->solve();
     if (spec.empty() && !(rowpass::allFinite(conc) && rowpass::allFinite(data))) {
         spec = undefined(nComponents, nCols);
@@ -315,8 +377,11 @@ void MCR::updateDataByConcentrations()
     }
 }
 
-MCR::ResidualNorms MCR::fillResiduals()
+XTNT::ResidualNorms MCR::fillResiduals()
 {
+    if (!isPlain()) {
+        return XTNT::residuals(fitData, rawData, conc, spec, residualPCA, residualRaw);
+    }
     residualPCA = fitData - conc * spec;
     residualRaw = (residualPCA - fitData) + rawData;
     return {residualPCA.norm(2), residualRaw.norm(2)};
