@@ -25,6 +25,9 @@ constexpr int safeExponent = 128;
 // Vectors of a row that a pass keeps sums for in registers.
 constexpr long long passVectors = 6;
 
+// Rows whose terms are summed before the sum is added to that of the rows before.
+constexpr long long runRows = 64;
+
 long long padded(long long columns)
 {
     return (columns + lanes - 1) / lanes * lanes;
@@ -43,7 +46,7 @@ struct PassRows
 // pivot[-1] * update[j]: the column before the pivot is the one just reflected. Narrow strips keep several sets of sums,
 // lest every addition waits for the one before.
 template <int width, bool updates>
-void passStrip(const PassRows& rows, const double* __restrict update, double* __restrict sums)
+void passRun(const PassRows& rows, const double* __restrict update, double* __restrict sums)
 {
     constexpr int sets = width == 1 ? 4 : width <= 3 ? 2 : 1;
     Lanes taken[width];
@@ -78,7 +81,20 @@ void passStrip(const PassRows& rows, const double* __restrict update, double* __
     for (int v = 0; v < width; ++v) {
         for (int set = 1; set < sets; ++set)
             total[0][v] += total[set][v];
-        lanesAt(sums + v * lanes) = total[0][v];
+        lanesAt(sums + v * lanes) += total[0][v];
+    }
+}
+
+// The same from zero, in runs of rows: the errors of a sum grow with the number of terms that are added one after the other.
+template <int width, bool updates>
+void passStrip(PassRows rows, const double* __restrict update, double* __restrict sums)
+{
+    std::fill_n(sums, width * lanes, 0.0);
+    for (long long left = rows.count; left > 0; left -= runRows) {
+        rows.count = std::min(left, runRows);
+        passRun<width, updates>(rows, update, sums);
+        rows.first += runRows * rows.stride;
+        rows.pivot += runRows * rows.stride;
     }
 }
 
