@@ -44,17 +44,18 @@ struct sProbeParameters
 };
 
 // The host's read-only database of sources, tissues, sensors and isotopes: CSV tables installed with the program, to which
-// tables of the same form in the user's data folder add (a user's entry of the same name wins). Read once, on first use; for the user-interface thread.
+// tables of the same form in the user's data folder add (a user's entry of the same name wins). Read once, on first use, from any thread.
 class CORVDatabase
 {
 public:
-    // Names of luminescent sources, of fluorescent library sources (with their suffix "Em" or "Ex"), and of radioactive
-    // sources, sorted by insensitiveLessThan.
+    // Names of luminescent sources, each once and without a suffix; of fluorescent library sources, with their suffix "Em" or
+    // "Ex"; and of radioactive sources, which have none. Sorted by insensitiveLessThan, but for "Undefined", the isotope whose
+    // half life the user states, which stands first among the radioactive ones and has no curve.
     static QStringList getSourceList();
     static QStringList getLIBSourceList();
     static QStringList getRADSourceList();
 
-    // A source, tissue or sensor by its exact name; false when it is absent, the record is then empty. A null record only
+    // A source (with its suffix, if it has one), tissue or sensor by its exact name; false when it is absent, the record is then empty. A null record only
     // asks.
     static bool readSource(const QString& strName, sSourceSpecFileParameters* pSource);
     static bool readLIBSource(const QString& strName, sSourceSpecFileParameters* pSource);
@@ -78,6 +79,6 @@ public:
 
     // What was wrong in the tables, a line each with file and place; the rest of a table still serves.
     static QStringList problems();
-    // Forgets all tables; the next call reads them anew.
+    // Forgets all tables; the next call reads them anew. Not while another thread may ask.
     static void reload();
 };

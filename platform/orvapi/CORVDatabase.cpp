@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <mutex>
 
 namespace {
 
@@ -34,6 +35,9 @@ void putUndefinedFirst(QList<IsotopeRecord>& isotopes)
 
 const ReferenceTables& tables()
 {
+    // The worker of an analysis may be the first to ask.
+    static std::mutex s_loading;
+    const std::lock_guard<std::mutex> lock(s_loading);
     if (!storage()) {
         auto pTables = std::make_unique<ReferenceTables>();
         const QString program = getORVPath(ORV_PATH_PROGRAM_DATA, false, nullptr);
@@ -75,7 +79,15 @@ const IsotopeRecord* findIsotope(const QString& strIsotope)
 
 QStringList CORVDatabase::getSourceList()
 {
-    return sortedNames(tables().luminescentSources);
+    QStringList names;
+    for (const QString& source : tables().luminescentSources.keys()) {
+        // A look-up by name appends the suffix, so a source without one cannot be offered.
+        if (source.endsWith(QLatin1String("Em")) || source.endsWith(QLatin1String("Ex")))
+            names.append(source.chopped(2));
+    }
+    names.removeDuplicates();
+    std::sort(names.begin(), names.end(), insensitiveLessThan);
+    return names;
 }
 
 QStringList CORVDatabase::getLIBSourceList()
@@ -85,7 +97,10 @@ QStringList CORVDatabase::getLIBSourceList()
 
 QStringList CORVDatabase::getRADSourceList()
 {
-    return sortedNames(tables().radioactiveSources);
+    QStringList names = sortedNames(tables().radioactiveSources);
+    names.removeAll(undefinedName());
+    names.prepend(undefinedName());
+    return names;
 }
 
 bool CORVDatabase::readSource(const QString& strName, sSourceSpecFileParameters* pSource)

@@ -176,7 +176,8 @@ TEST_F(DatabaseTest, InstalledTablesReadWithoutAProblem)
             ASSERT_EQ(source.wavelength.at(i), source.wavelength.at(i - 1) + 1.0) << pName;
     }
     ASSERT_FALSE(CORVDatabase::getSourceList().isEmpty());
-    EXPECT_TRUE(CORVDatabase::readSource(CORVDatabase::getSourceList().first(), &source));
+    for (const QString& name : CORVDatabase::getSourceList())
+        EXPECT_TRUE(CORVDatabase::readSource(name + "Em", &source)) << name.toStdString();
     EXPECT_TRUE(CORVDatabase::readRADSource("F-18", &source));
     sTissuePropFileParameters tissue;
     EXPECT_TRUE(CORVDatabase::readOpticalProperty("Muscle", &tissue));
@@ -263,11 +264,40 @@ TEST_F(DatabaseTest, ListsAreSortedWithoutRegardToCase)
     EXPECT_FALSE(CORVDatabase::insensitiveLessThan("Beta", "alpha"));
     EXPECT_FALSE(CORVDatabase::insensitiveLessThan("same", "same"));
     EXPECT_NE(CORVDatabase::insensitiveLessThan("Same", "same"), CORVDatabase::insensitiveLessThan("same", "Same"));
-    for (const QStringList& list :
-         {CORVDatabase::getSourceList(), CORVDatabase::getLIBSourceList(), CORVDatabase::getRADSourceList()}) {
+    for (const QStringList& list : {CORVDatabase::getSourceList(), CORVDatabase::getLIBSourceList(),
+                                    QStringList(CORVDatabase::getRADSourceList().mid(1))}) {
         EXPECT_FALSE(list.isEmpty());
         EXPECT_TRUE(std::is_sorted(list.cbegin(), list.cend(), CORVDatabase::insensitiveLessThan));
     }
+}
+
+TEST_F(DatabaseTest, LuminescentSourcesAreOfferedOnceAndWithoutASuffix)
+{
+    EXPECT_TRUE(CORVDatabase::getSourceList().contains("Firefly Luciferase"));
+    EXPECT_FALSE(CORVDatabase::getSourceList().contains("Firefly LuciferaseEm"));
+    writeFile(m_strUser + "luminescent_sources.csv", "wavelength_nm,MineEm,MineEx,NoSuffix\n600,1,1,1\n");
+    CORVDatabase::reload();
+    EXPECT_EQ(CORVDatabase::getSourceList().count("Mine"), 1);
+    EXPECT_FALSE(CORVDatabase::getSourceList().contains("NoSuffix"));
+    sSourceSpecFileParameters source;
+    EXPECT_TRUE(CORVDatabase::readSource("MineEm", &source));
+    EXPECT_FALSE(CORVDatabase::readSource("Mine", &source));
+}
+
+TEST_F(DatabaseTest, LibrarySourcesKeepTheirSuffix)
+{
+    EXPECT_TRUE(CORVDatabase::getLIBSourceList().contains("AlexaFluor 750Em"));
+    EXPECT_TRUE(CORVDatabase::getLIBSourceList().contains("AlexaFluor 750Ex"));
+}
+
+TEST_F(DatabaseTest, RadioactiveSourcesBeginWithTheUndefinedOne)
+{
+    EXPECT_EQ(CORVDatabase::getRADSourceList().first(), "Undefined");
+    EXPECT_TRUE(CORVDatabase::getRADSourceList().contains("F-18"));
+    writeFile(m_strUser + "radioactive_sources.csv", "wavelength_nm,Undefined,A-1\n600,1,1\n");
+    CORVDatabase::reload();
+    EXPECT_EQ(CORVDatabase::getRADSourceList().count("Undefined"), 1);
+    EXPECT_EQ(CORVDatabase::getRADSourceList().mid(0, 2), (QStringList{"Undefined", "A-1"}));
 }
 
 TEST_F(DatabaseTest, NumbersReadTheSameInAGermanLocale)
