@@ -7,6 +7,7 @@
 #include <QMutexLocker>
 
 #include <algorithm>
+#include <string>
 #include <vector>
 
 // Every line that is logged while it lives. One at a time.
@@ -39,6 +40,16 @@ public:
     bool mentions(const QString& strPart) const
     {
         return countIf([&](const orv::LogRecord& line) { return line.m_strMessage.contains(strPart); }) > 0;
+    }
+    // The messages above the level of notes, in order, a line each.
+    std::string reports() const
+    {
+        QMutexLocker lock(&m_mutex);
+        QString strText;
+        for (const orv::LogRecord& line : m_lines) {
+            strText += line.m_nLevel > 1 ? line.m_strMessage + "\n" : QString();
+        }
+        return strText.toStdString();
     }
     std::vector<orv::LogRecord> lines() const
     {

@@ -4,6 +4,7 @@
 #include "engine/LogCapture.h"
 #include "engine/TestSequence.h"
 #include "engine/runEngine.h"
+#include "support/CapturedOutput.h"
 
 #include "host/CILImage.h"
 #include "host/CORVDataset.h"
@@ -173,6 +174,93 @@ TEST_F(AbortTest, AnAbortBeforeAnyRunDoesNothing)
     engine.abortRun();
     EXPECT_TRUE(engine.wait(1000));
     EXPECT_EQ(analyse(engine).num_rows(), nComponents);
+}
+
+// Runs that resolve and decompose: the blows fall into the decomposition, the clustering and the half-steps.
+class AbortOfAnalysisTest : public AbortTest
+{
+protected:
+    AbortOfAnalysisTest() : m_engine(m_sequence.id())
+    {
+        EXPECT_TRUE(m_engine.buildDatasetInfo());
+        m_engine.m_analysisInput.maskImage = squareImage(nSide, 1, [](int) { return 1.0F; });
+    }
+
+    void prepareAnalysis(bool bPCA)
+    {
+        m_engine.resetAnalysis(RUNMODE_AUTOMATIC);
+        m_engine.m_params = MCRParams();
+        m_engine.m_params.MaxIterations = 8;
+        for (int i = 0; i < nComponents; ++i) {
+            m_engine.m_params.Constraints.append(ComponentConstraint());
+        }
+        m_engine.m_bRunPCA = bPCA;
+        m_engine.m_pcaResult.reshape(0);
+        m_engine.m_nError = 2;
+    }
+    bool hasResult(bool bPCA) const { return bPCA ? !m_engine.m_pcaResult.empty() : m_engine.m_bResultReady; }
+    // What a whole run gives, as one matrix, and its time in microseconds.
+    XTNT::Matrix<double> wholeRun(bool bPCA, long long* pMicroseconds = nullptr)
+    {
+        prepareAnalysis(bPCA);
+        QElapsedTimer timer;
+        timer.start();
+        m_engine.start();
+        m_engine.wait();
+        if (pMicroseconds != nullptr) {
+            *pMicroseconds = timer.nsecsElapsed() / 1000;
+        }
+        EXPECT_EQ(m_engine.m_nError, 0);
+        EXPECT_TRUE(hasResult(bPCA));
+        if (!bPCA) {
+            return m_engine.m_concentrations.deepCopy();
+        }
+        XTNT::Matrix<double> eigenvalues(1, m_engine.m_pcaResult.size());
+        eigenvalues.setRow(0, m_engine.m_pcaResult);
+        return eigenvalues;
+    }
+    void abortAHundredTimes(bool bPCA)
+    {
+        const testsupport::CapturedOutput trace;
+        const XTNT::Matrix<double> expected = wholeRun(bPCA);
+        long long nWhole = std::numeric_limits<long long>::max();
+        for (int i = 0; i < 3; ++i) {
+            long long nMicroseconds = 0;
+            wholeRun(bPCA, &nMicroseconds);
+            nWhole = std::min(nWhole, nMicroseconds);
+        }
+        std::mt19937 random(seed);
+        std::uniform_int_distribution<long long> moment(0, nWhole);
+        int nEnded = 0;
+        for (int i = 0; i < 100; ++i) {
+            prepareAnalysis(bPCA);
+            m_engine.start(QThread::InheritPriority);
+            std::this_thread::sleep_for(std::chrono::microseconds(moment(random)));
+            m_engine.abortRun();
+            ASSERT_TRUE(m_engine.wait(60000)) << "abort " << i << ", seed " << seed;
+            ASSERT_EQ(m_engine.m_nError, hasResult(bPCA) ? 0 : 2) << "abort " << i << ", seed " << seed;
+            nEnded += hasResult(bPCA) ? 1 : 0;
+            // A result that was not taken to its end is not taken at all.
+            ASSERT_TRUE(hasResult(bPCA) || m_engine.m_concentrations.empty());
+            if (i % 10 == 9) {
+                ASSERT_EQ((wholeRun(bPCA) - expected).norm(0), 0.0) << "abort " << i << ", seed " << seed;
+            }
+        }
+        EXPECT_LT(nEnded, 100) << "not one abort struck a run";
+        RecordProperty("runs_that_ended_before_their_abort", nEnded);
+    }
+
+    CORVSpumKyvo m_engine;
+};
+
+TEST_F(AbortOfAnalysisTest, AHundredAbortsOfAutomaticRunsLeaveTheEngineAsGoodAsNew)
+{
+    abortAHundredTimes(false);
+}
+
+TEST_F(AbortOfAnalysisTest, AHundredAbortsOfPCARunsLeaveTheEngineAsGoodAsNew)
+{
+    abortAHundredTimes(true);
 }
 
 } // namespace

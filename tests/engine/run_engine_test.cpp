@@ -168,14 +168,13 @@ TEST_F(RunEngineTest, AThrowingStepLeavesNoProgressBehind)
     CORVProcess::endLongProcess(LONGPROCESS_GENERAL);
 }
 
-TEST(RunEngineOnDataTest, AnAutomaticRunEndsAsAFailureThatIsTold)
+TEST(RunEngineOnDataTest, AFailedAutomaticRunIsTold)
 {
     LogCapture log;
     CORVSpumKyvo engine("an id");
     engine.m_eMode = RUNMODE_AUTOMATIC;
     EXPECT_EQ(runEngine(engine), RunOutcome::Failed);
-    EXPECT_TRUE(log.has("SpumKyvo: automatic unmixing is not available in this version.", 3));
-    EXPECT_TRUE(log.has("SpumKyvo: No solution! Please adjust the setup!", 3));
+    EXPECT_TRUE(log.has("SpumKyvo: Invalid data mask or matrix!", 3));
 }
 
 } // namespace

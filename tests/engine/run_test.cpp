@@ -19,8 +19,6 @@
 
 namespace {
 
-const QString noAutomatic = "SpumKyvo: automatic unmixing is not available in this version.";
-
 TEST(EngineTest, MembersStartAsDocumented)
 {
     const CORVSpumKyvo engine("an id");
@@ -67,6 +65,8 @@ TEST(EngineTest, MembersStartAsDocumented)
     EXPECT_TRUE(engine.m_strBatchPath.isEmpty());
     EXPECT_FALSE(engine.hasError());
     EXPECT_TRUE(engine.getErrorText().isEmpty());
+    EXPECT_EQ(engine.m_runFacts.iterations, 0);
+    EXPECT_EQ(engine.m_runFacts.ending, MCR::Ending::NotRun);
 }
 
 TEST(EngineTest, SettingsOfAnAutomaticRunStartAsDocumented)
@@ -426,37 +426,6 @@ TEST_F(SolveTest, PropertiesStateTheRun)
     m_engine.m_eSeqKind = 2;
     m_engine.updateResultProperties(true);
     EXPECT_EQ(m_engine.m_properties.at(7).second, QString("NTF Efficiency"));
-}
-
-TEST_F(SolveTest, APCARunTouchesNoResultOfAnUnmixing)
-{
-    takeTwo();
-    m_engine.run();
-    const auto properties = m_engine.m_properties;
-    const XTNT::Matrix<double> concentrations = m_engine.m_concentrations.deepCopy();
-    m_engine.m_bResultReady = false;
-    m_engine.m_properties.first().second = "marked";
-    m_engine.m_bRunPCA = true;
-    LogCapture log;
-    m_engine.run();
-    EXPECT_FALSE(m_engine.m_bRunPCA);
-    EXPECT_FALSE(m_engine.m_bResultReady);
-    EXPECT_EQ(m_engine.m_properties.first().second, QString("marked"));
-    EXPECT_EQ((m_engine.m_concentrations - concentrations).norm(0), 0.0);
-    // There is none in this version, and the user is told.
-    EXPECT_TRUE(m_engine.hasError());
-    EXPECT_TRUE(log.has("SpumKyvo: PCA is not available in this version.", 3));
-}
-
-TEST_F(SolveTest, AnAutomaticRunSaysThatItIsNotAvailable)
-{
-    m_engine.m_eMode = RUNMODE_AUTOMATIC;
-    LogCapture log;
-    m_engine.run();
-    EXPECT_TRUE(log.has(noAutomatic, 3));
-    EXPECT_TRUE(m_engine.hasError());
-    EXPECT_TRUE(m_engine.m_bResultReady);
-    EXPECT_EQ(m_engine.m_properties.at(3).second, QString("Automatic"));
 }
 
 TEST(EngineRunTest, FromImagesToMapsOnTheThread)
