@@ -7,9 +7,11 @@
 #include "workbench/cli/CliFailure.h"
 #include "workbench/cli/CliSession.h"
 #include "workbench/cli/Command.h"
+#include "workbench/cli/CompareCommand.h"
 #include "workbench/cli/ImportCommand.h"
 #include "workbench/cli/InfoCommand.h"
 #include "workbench/cli/LibraryCommand.h"
+#include "workbench/cli/PcaCommand.h"
 #include "workbench/cli/SimulateCommand.h"
 #include "workbench/cli/UnmixCommand.h"
 
@@ -140,7 +142,9 @@ std::vector<std::unique_ptr<Command>> CommandLine::commands()
     list.push_back(std::make_unique<SimulateCommand>());
     list.push_back(std::make_unique<ImportCommand>());
     list.push_back(std::make_unique<InfoCommand>());
+    list.push_back(std::make_unique<PcaCommand>());
     list.push_back(std::make_unique<UnmixCommand>());
+    list.push_back(std::make_unique<CompareCommand>());
     list.push_back(std::make_unique<LibraryCommand>());
     return list;
 }

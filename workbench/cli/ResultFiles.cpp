@@ -9,6 +9,7 @@
 #include "spectra/SpectrumPlotParams.h"
 #include "spectra/SpumKyvoDatabase.h"
 #include "workbench/cli/CliFailure.h"
+#include "workbench/cli/MaskPicture.h"
 #include "workbench/cli/ModeNames.h"
 #include "workbench/cli/PngBytes.h"
 #include "workbench/cli/ResultPlot.h"
@@ -194,11 +195,7 @@ void ResultFiles::writeMask()
 {
     if (!m_engine.m_cube.m_bHasMask)
         return;
-    QImage mask(m_engine.m_nWidth, m_engine.m_nHeight, QImage::Format_Grayscale8);
-    mask.fill(0);
-    for (const int index : m_engine.m_cube.m_maskIndices)
-        mask.scanLine(index / m_engine.m_nWidth)[index % m_engine.m_nWidth] = 255;
-    put(QStringLiteral("mask.png"), pngBytes(mask));
+    put(QStringLiteral("mask.png"), pngBytes(maskPicture(m_engine)));
 }
 
 void ResultFiles::writeProperties()

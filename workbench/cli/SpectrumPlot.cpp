@@ -20,31 +20,32 @@ struct Range
     double fraction(double v) const { return (v - low) / (high - low); }
 };
 
-// From plot coordinates to the page.
+// From plot coordinates to the page. Up a logarithmic axis the range is that of the logarithms.
 struct Frame
 {
     QRectF area;
     Range x;
     Range y;
-    QPointF map(double vx, double vy) const
+    bool logarithmic = false;
+    double height(double vy) const { return logarithmic ? std::log10(vy) : vy; }
+    QPointF place(double vx, double h) const
     {
-        return {area.left() + x.fraction(vx) * area.width(), area.bottom() - y.fraction(vy) * area.height()};
+        return {area.left() + x.fraction(vx) * area.width(), area.bottom() - y.fraction(h) * area.height()};
+    }
+    bool shows(const PlotCurve& curve, int i) const
+    {
+        return std::isfinite(curve.x[i]) && std::isfinite(height(curve.y[i]));
     }
 };
 
-bool finitePoint(const PlotCurve& curve, int i)
-{
-    return std::isfinite(curve.x[i]) && std::isfinite(curve.y[i]);
-}
-
-Range rangeOf(const QList<PlotCurve>& curves, bool ofX)
+Range rangeOf(const QList<PlotCurve>& curves, const Frame& frame, bool ofX)
 {
     Range range{HUGE_VAL, -HUGE_VAL};
     for (const auto& curve : curves) {
         for (int i = 0; i < std::min(curve.x.size(), curve.y.size()); ++i) {
-            if (!finitePoint(curve, i))
+            if (!frame.shows(curve, i))
                 continue;
-            const double v = ofX ? curve.x[i] : curve.y[i];
+            const double v = ofX ? curve.x[i] : frame.height(curve.y[i]);
             range.low = std::min(range.low, v);
             range.high = std::max(range.high, v);
         }
@@ -63,19 +64,32 @@ QString tickText(double value)
     return QString::number(value, 'g', 6);
 }
 
-void drawAxes(QPainter& painter, const Frame& frame, const QString& strXLabel, const QString& strYLabel)
+QVector<double> xTicks(const Range& range, bool bWhole)
+{
+    QVector<double> values = SpectrumPlot::ticks(range.low, range.high);
+    if (bWhole)
+        values.erase(
+            std::remove_if(values.begin(), values.end(), [](double v) { return std::abs(v - std::round(v)) > 1e-9; }),
+            values.end());
+    return values;
+}
+
+void drawAxes(QPainter& painter, const Frame& frame, const QVector<double>& xValues, const QString& strXLabel,
+              const QString& strYLabel)
 {
     const QFontMetricsF metrics(painter.font());
     const double height = metrics.height();
-    for (const double v : SpectrumPlot::ticks(frame.x.low, frame.x.high)) {
-        const auto p = frame.map(v, frame.y.low);
+    for (const double v : xValues) {
+        const auto p = frame.place(v, frame.y.low);
         painter.setPen(QPen(QColor(225, 225, 225), 1));
         painter.drawLine(QPointF(p.x(), frame.area.top()), p);
         painter.setPen(Qt::black);
         painter.drawText(QRectF(p.x() - 60, p.y() + 4, 120, height), Qt::AlignHCenter | Qt::AlignTop, tickText(v));
     }
-    for (const double v : SpectrumPlot::ticks(frame.y.low, frame.y.high)) {
-        const auto p = frame.map(frame.x.low, v);
+    const auto yValues = frame.logarithmic ? SpectrumPlot::decades(frame.y.low, frame.y.high)
+                                           : SpectrumPlot::ticks(frame.y.low, frame.y.high);
+    for (const double v : yValues) {
+        const auto p = frame.place(frame.x.low, frame.height(v));
         painter.setPen(QPen(QColor(225, 225, 225), 1));
         painter.drawLine(p, QPointF(frame.area.right(), p.y()));
         painter.setPen(Qt::black);
@@ -106,17 +120,18 @@ void drawCurve(QPainter& painter, const Frame& frame, const PlotCurve& curve)
     painter.setPen(Qt::NoPen);
     painter.setBrush(curve.color);
     for (int i = 0; i < std::min(curve.x.size(), curve.y.size()); ++i) {
-        if (!finitePoint(curve, i)) {
+        if (!frame.shows(curve, i)) {
             drawing = false;
             continue;
         }
-        const auto p = frame.map(curve.x[i], curve.y[i]);
+        const auto p = frame.place(curve.x[i], frame.height(curve.y[i]));
         if (drawing)
             path.lineTo(p);
         else
             path.moveTo(p);
         drawing = true;
-        painter.drawEllipse(p, 3.0, 3.0);
+        if (curve.markers)
+            painter.drawEllipse(p, 3.0, 3.0);
     }
     painter.setBrush(Qt::NoBrush);
     painter.setPen(curvePen(curve));
@@ -169,6 +184,20 @@ QVector<double> SpectrumPlot::ticks(double minimum, double maximum)
     return values;
 }
 
+QVector<double> SpectrumPlot::decades(double minimum, double maximum)
+{
+    constexpr double most = 8.0;
+    if (!(maximum > minimum) || !std::isfinite(maximum - minimum))
+        return {};
+    const double first = std::ceil(minimum - 1e-9);
+    const double last = std::floor(maximum + 1e-9);
+    const double step = std::max(1.0, std::ceil((last - first + 1.0) / most));
+    QVector<double> values;
+    for (double k = first; k <= last; k += step)
+        values.append(std::pow(10.0, k));
+    return values;
+}
+
 void SpectrumPlot::draw(QPainter& painter, const QSize& size) const
 {
     painter.setRenderHint(QPainter::Antialiasing);
@@ -179,23 +208,29 @@ void SpectrumPlot::draw(QPainter& painter, const QSize& size) const
     const double unit = QFontMetricsF(font).height();
 
     Frame frame;
-    frame.x = rangeOf(m_curves, true);
-    frame.y = rangeOf(m_curves, false);
-    frame.y.low = std::min(0.0, frame.y.low);
+    frame.logarithmic = m_bLogarithmicY;
+    frame.x = rangeOf(m_curves, frame, true);
+    frame.y = rangeOf(m_curves, frame, false);
+    if (m_bLogarithmicY)
+        frame.y = Range{std::floor(frame.y.low), std::max(std::ceil(frame.y.high), std::floor(frame.y.low) + 1.0)};
+    else
+        frame.y.low = std::min(0.0, frame.y.low);
     const double margin = (frame.x.high - frame.x.low) * 0.02;
     frame.x = Range{frame.x.low - margin, frame.x.high + margin};
     frame.y.high += (frame.y.high - frame.y.low) * 0.04;
-    const double legendWidth = m_curves.isEmpty() ? 10.0 : size.width() * 0.24;
+    const double legendWidth = m_curves.isEmpty() || !m_bLegend ? 10.0 : size.width() * 0.24;
     frame.area = QRectF(5.0 * unit, 2.2 * unit, size.width() - 6.0 * unit - legendWidth, size.height() - 5.4 * unit);
 
     painter.setPen(Qt::black);
     painter.drawText(QRectF(frame.area.left(), 0.4 * unit, frame.area.width(), 1.5 * unit),
                      Qt::AlignHCenter | Qt::AlignTop, m_strTitle);
-    drawAxes(painter, frame, m_strXLabel, m_strYLabel);
+    drawAxes(painter, frame, xTicks(frame.x, m_bWholeX), m_strXLabel, m_strYLabel);
     for (const auto& curve : m_curves)
         drawCurve(painter, frame, curve);
-    drawLegend(painter, QRectF(frame.area.right() + unit, frame.area.top(), legendWidth - unit, frame.area.height()),
-               m_curves);
+    if (m_bLegend)
+        drawLegend(painter,
+                   QRectF(frame.area.right() + unit, frame.area.top(), legendWidth - unit, frame.area.height()),
+                   m_curves);
 }
 
 QImage SpectrumPlot::toImage(const QSize& size) const

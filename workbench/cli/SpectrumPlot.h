@@ -18,6 +18,7 @@ struct PlotCurve
     QVector<double> x;
     QVector<double> y;
     Qt::PenStyle style = Qt::SolidLine;
+    bool markers = true;
 };
 
 // A plot of spectra or time courses on a white ground: axes with round ticks, curves with markers, a legend on the right.
@@ -28,6 +29,11 @@ public:
     SpectrumPlot(const QString& strTitle, const QString& strXLabel, const QString& strYLabel);
 
     void addCurve(const PlotCurve& curve) { m_curves.append(curve); }
+    // Powers of ten up the axis; points that are not above 0 are then left out.
+    void setLogarithmicY(bool bLogarithmic) { m_bLogarithmicY = bLogarithmic; }
+    // Numbers of things along the axis: every tick is a whole number.
+    void setWholeX(bool bWhole) { m_bWholeX = bWhole; }
+    void setLegend(bool bShown) { m_bLegend = bShown; }
 
     void draw(QPainter& painter, const QSize& size) const;
     QImage toImage(const QSize& size) const;
@@ -36,10 +42,15 @@ public:
 
     // Round numbers inside the range, 4 to 10 of them, 1, 2 or 5 times a power of ten apart; none without a range.
     static QVector<double> ticks(double minimum, double maximum);
+    // Powers of ten inside the range of logarithms, every n-th so that there are 8 at most; none without a range.
+    static QVector<double> decades(double minimum, double maximum);
 
 private:
     QString m_strTitle;
     QString m_strXLabel;
     QString m_strYLabel;
     QList<PlotCurve> m_curves;
+    bool m_bLogarithmicY = false;
+    bool m_bWholeX = false;
+    bool m_bLegend = true;
 };

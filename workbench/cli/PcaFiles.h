@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "XTNT/xtnt_vector.h"
+#include "windows/explainedVariance.h"
+
+#include <QJsonObject>
+#include <QString>
+#include <QStringList>
+
+class CORVSpumKyvo;
+class SpectrumPlot;
+
+// What a principal component analysis came to: the table of explained variance, the suggestion, and the scree plot.
+class PcaFiles
+{
+public:
+    PcaFiles(const CORVSpumKyvo& engine, const XTNT::Vector<double>& eigenvalues);
+
+    // False when the eigenvalues explain nothing: none above 0, or no numbers.
+    bool isMeaningful() const { return !m_explained.isEmpty(); }
+    QString text() const;
+    QJsonObject json() const;
+    // scree.png, scree.svg, pca.csv, mask.png where a part of the pixels was taken, and last pca.json, into a folder (with its
+    // separator). Throws CliFailure.
+    void write(const QString& strFolder);
+
+private:
+    QString tableCell(int i, bool bShare) const;
+    SpectrumPlot screePlot() const;
+    void put(const QString& strPath, const QByteArray& bytes);
+
+    const CORVSpumKyvo& m_engine;
+    XTNT::Vector<double> m_eigenvalues;
+    ExplainedVariance m_explained;
+    QStringList m_files;
+};

@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "host/CILImage.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <limits>
+#include <memory>
+#include <vector>
+
+class SavedResult;
+
+// A component of a result, brought to what all of the compared results have in common.
+struct ComparedComponent
+{
+    bool present = false;
+    QString name;
+    CILImage map;                 // of a spectrum whose largest value over the common images is 1
+    std::vector<double> spectrum; // over the common images, the largest 1
+    // Beside the reference's component of the same column, over the pixels that every result analysed; NaN where there is none.
+    double cosine = std::numeric_limits<double>::quiet_NaN();
+    double correlation = std::numeric_limits<double>::quiet_NaN();
+    double relativeError = std::numeric_limits<double>::quiet_NaN();
+};
+
+// Results beside each other: a row each, the first of which is the reference; a column for each of its components and for
+// what others have besides. A component stands in the column of its name; where a result shares no name with the reference,
+// in that of the component that it resembles.
+class ResultComparison
+{
+public:
+    // Two results at least, in the order of the rows. Throws CliFailure when their maps differ in size or their spectra have no
+    // image in common.
+    explicit ResultComparison(const std::vector<std::unique_ptr<SavedResult>>& results);
+
+    int rowCount() const { return m_rowNames.size(); }
+    int columnCount() const { return m_columnNames.size(); }
+    const QStringList& rowNames() const { return m_rowNames; }
+    const QStringList& columnNames() const { return m_columnNames; }
+    const ComparedComponent& at(int nRow, int nColumn) const;
+    // Number of images and pixels that all have.
+    int imageCount() const { return m_nImages; }
+    int pixelCount() const { return static_cast<int>(m_pixels.size()); }
+
+private:
+    using Row = std::vector<ComparedComponent>;
+
+    void findCommonPixels(const std::vector<std::unique_ptr<SavedResult>>& results);
+    void addRow(Row components);
+    int freeColumn(const Row& row, const QString& strName);
+    void compareWithReference(ComparedComponent& component, const ComparedComponent& reference) const;
+    std::vector<double> pixelsOf(const CILImage& map) const;
+
+    QStringList m_rowNames;
+    QStringList m_columnNames;
+    std::vector<Row> m_rows;
+    std::vector<int> m_pixels;
+    int m_nImages = 0;
+};

@@ -1,0 +1,114 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "workbench/cli/SavedResult.h"
+
+#include "platform/orvimage/TiffIo.h"
+#include "spectra/SpectrumPlotParams.h"
+#include "workbench/cli/CliFailure.h"
+#include "workbench/simulator/TruthWriter.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QImage>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+namespace {
+
+QJsonObject readSummary(const QString& strFile)
+{
+    QFile file(strFile);
+    if (!file.open(QIODevice::ReadOnly))
+        throw CliFailure(
+            QStringLiteral("%1: this is no folder with results of \"spum unmix\"").arg(QFileInfo(strFile).path()));
+    const QJsonObject summary = QJsonDocument::fromJson(file.readAll()).object();
+    if (summary.value(QStringLiteral("components")).toArray().isEmpty())
+        throw CliFailure(QStringLiteral("%1 names no components").arg(strFile));
+    return summary;
+}
+
+} // namespace
+
+void SavedResult::readResult(const QString& strFolder)
+{
+    const QString folder = QDir::cleanPath(QFileInfo(strFolder).absoluteFilePath()) + QLatin1Char('/');
+    const QJsonObject summary = readSummary(folder + QStringLiteral("summary.json"));
+    m_strLabel = QDir(folder).dirName();
+    m_strUnit = summary.value(QStringLiteral("unit")).toString();
+    m_library.load(folder + QStringLiteral("spectra.csv"));
+    const QJsonArray components = summary.value(QStringLiteral("components")).toArray();
+    for (const auto& value : components) {
+        const QJsonObject component = value.toObject();
+        m_names.append(component.value(QStringLiteral("name")).toString());
+        // The name alone: a summary that leads elsewhere is not followed.
+        readMap(folder + QFileInfo(component.value(QStringLiteral("map")).toString()).fileName());
+    }
+    if (m_library.all().size() != m_names.size())
+        throw CliFailure(QStringLiteral("%1spectra.csv does not hold one spectrum a component").arg(folder));
+    readMask(folder + QStringLiteral("mask.png"));
+}
+
+void SavedResult::readTruth(const QString& strFolder)
+{
+    m_strLabel = QStringLiteral("truth");
+    m_library.load(strFolder + QStringLiteral("spectra.csv"));
+    for (const auto* spectrum : m_library.all()) {
+        m_names.append(spectrum->settings.name);
+        readMap(strFolder + truthMapFile(spectrum->settings.name));
+    }
+}
+
+void SavedResult::readMap(const QString& strFile)
+{
+    CILImage map;
+    QString error;
+    if (!QFileInfo(strFile).isFile())
+        throw CliFailure(QStringLiteral("%1: the map is not there").arg(strFile));
+    if (!readTiff(strFile, 0, map, &error))
+        throw CliFailure(error);
+    map.ChangeType(ORVTYPE_FLOAT);
+    if (!m_maps.empty() && (map.m_lWidth != m_maps.front().m_lWidth || map.m_lHeight != m_maps.front().m_lHeight))
+        throw CliFailure(QStringLiteral("%1: the map is of another size than the others").arg(strFile));
+    m_maps.push_back(std::move(map));
+}
+
+void SavedResult::readMask(const QString& strFile)
+{
+    const QImage mask = QImage(strFile).convertToFormat(QImage::Format_Grayscale8);
+    if (mask.isNull() || mask.width() != m_maps.front().m_lWidth || mask.height() != m_maps.front().m_lHeight)
+        return;
+    for (int y = 0; y < mask.height(); ++y)
+        for (int x = 0; x < mask.width(); ++x)
+            if (mask.constScanLine(y)[x] > 0)
+                m_pixels.push_back(y * mask.width() + x);
+}
+
+QList<KeyPair> SavedResult::pairs() const
+{
+    QList<KeyPair> pairs;
+    for (const auto& point : m_library.all().first()->points) {
+        KeyPair pair;
+        pair.first = point.first;
+        pair.second = point.second;
+        pairs.append(pair);
+    }
+    return pairs;
+}
+
+bool SavedResult::hasPair(const KeyPair& pair) const
+{
+    for (const auto* spectrum : m_library.all())
+        if (!spectrum->coversPairs({pair}))
+            return false;
+    return true;
+}
+
+std::vector<double> SavedResult::spectrum(int n, const QList<KeyPair>& pairs) const
+{
+    const auto values = m_library.all().at(n)->valuesAt(pairs);
+    std::vector<double> list;
+    for (long long j = 0; j < values.n_; ++j)
+        list.push_back(values[j]);
+    return list;
+}
