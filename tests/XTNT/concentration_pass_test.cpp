@@ -5,6 +5,7 @@
 #include "XTNT/least_squares.h"
 #include "XTNT/nnls_row_fit.h"
 #include "XTNT/passive_set_cache.h"
+#include "XTNT/row_blocks.h"
 #include "XTNT/row_product.h"
 #include "XTNT/thin_qr.h"
 #include "XTNT/xtnt_parallel.h"
@@ -16,6 +17,7 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
+#include <mutex>
 #include <ostream>
 #include <random>
 #include <vector>
@@ -408,6 +410,67 @@ TEST(ConcentrationPassTest, NoPixelsDoNothing)
     const Matrix<double> S = randomMatrix(3, 8, 39);
     Matrix<double> C;
     EXPECT_EQ(0, runPass(Matrix<double>(0, 8), S, C).negative);
+}
+
+TEST(ConcentrationPassTest, KeptRowsAreTheUnconstrainedFit)
+{
+    const Matrix<double> S = randomMatrix(5, 24, 47, 0, 1);
+    const Matrix<double> D = mixtures(S, 1000, 0.2, 48);
+    Matrix<double> C(1000, 5);
+    ConcentrationPass pass(D, S, XTNT::rightSolutionOperator(S), ConcentrationPass::Negative::Keep);
+    pass.run(C);
+    EXPECT_TRUE(sameBits(XTNT::solveForRight(D, S), C));
+    EXPECT_GT(pass.negativeRows(), 0);
+    EXPECT_EQ(0, pass.nnlsRows());
+}
+
+TEST(ConcentrationPassTest, FormerContentsOfTheResultDoNotMatter)
+{
+    const Matrix<double> S = randomMatrix(5, 24, 49, 0, 1);
+    const Matrix<double> D = mixtures(S, 700, 0.2, 50);
+    Matrix<double> fresh;
+    runPass(D, S, fresh);
+    for (double former : {-1.0, 0.0, 1.0, std::nan("")}) {
+        Matrix<double> C(700, 5, former);
+        ConcentrationPass(D, S, XTNT::rightSolutionOperator(S)).run(C);
+        EXPECT_TRUE(sameBits(fresh, C)) << former;
+    }
+}
+
+TEST(ConcentrationPassTest, StepSeesEachRowOnceAndFinal)
+{
+    const Matrix<double> S = randomMatrix(5, 24, 51, 0, 1);
+    for (long long rows : {1LL, 63LL, 64LL, 65LL, 257LL, 5001LL}) {
+        const Matrix<double> D = mixtures(S, rows, 0.2, 52);
+        Matrix<double> expected;
+        runPass(D, S, expected);
+        for (int threads : {1, 2, 4}) {
+            XTNT::setThreadCount(threads);
+            Matrix<double> C(rows, 5);
+            Matrix<double> seen(rows, 5);
+            std::vector<int> times(static_cast<std::size_t>(rows));
+            std::vector<long long> nextOfChunk(static_cast<std::size_t>(rows / XTNT::passChunkRows(rows) + 1), 0);
+            bool inOrder = true;
+            std::mutex mutex;
+            ConcentrationPass(D, S, XTNT::rightSolutionOperator(S)).run(C, [&](long long begin, long long end) {
+                const std::lock_guard<std::mutex> lock(mutex);
+                const long long chunk = begin / XTNT::passChunkRows(rows);
+                long long& next = nextOfChunk[static_cast<std::size_t>(chunk)];
+                inOrder = inOrder && end - begin <= XTNT::blockRows &&
+                          begin == std::max(next, chunk * XTNT::passChunkRows(rows));
+                next = end;
+                for (long long row = begin; row < end; ++row) {
+                    ++times[static_cast<std::size_t>(row)];
+                    std::copy_n(C[row], 5, seen[row]);
+                }
+            });
+            EXPECT_TRUE(inOrder);
+            EXPECT_EQ(std::vector<int>(static_cast<std::size_t>(rows), 1), times);
+            EXPECT_TRUE(sameBits(expected, seen)) << rows << " rows, " << threads << " threads";
+            EXPECT_TRUE(sameBits(expected, C));
+        }
+    }
+    XTNT::setThreadCount(0);
 }
 
 TEST(RowProductTest, EqualsThePlainSumForEveryShape)
