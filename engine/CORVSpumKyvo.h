@@ -262,7 +262,7 @@ private:
     int constrainComponent(MCR& mcr, int i);
     int iterate(MCR& mcr);
     void takeResolvedSpectra(const MCR& mcr);
-    int analyseCube();
+    int analyseSelection();
 
     // Steps of buildImageCube().
     bool fillImageCube();

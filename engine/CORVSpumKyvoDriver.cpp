@@ -77,11 +77,7 @@ void CORVSpumKyvo::buildTopology(XTNT::Matrix<int>& out)
 void CORVSpumKyvo::runMCR()
 {
     m_nError = RUNERROR_NONE;
-    if (!buildImageCube()) {
-        m_nError = RUNERROR_DATA;
-        return;
-    }
-    m_nError = errorCodeOf([this] { return resolveSpectra(); });
+    m_nError = errorCodeOf([this] { return buildImageCube() ? resolveSpectra() : RUNERROR_DATA; });
 }
 
 // All that is taken from the resolution is stored behind the last cancellation point, so an abort leaves no half result.
@@ -213,27 +209,27 @@ void CORVSpumKyvo::runPCA()
 {
     m_nError = RUNERROR_NONE;
     m_bRunPCA = false;
+    m_nError = errorCodeOf([this] { return analyseSelection(); });
+}
+
+// What the user is only told of, by a line, is no error.
+int CORVSpumKyvo::analyseSelection()
+{
     if (!createImageList()) {
         reportStatus("Unable to createImageList.", CORVLOG_PROGRESS);
-        return;
+        return RUNERROR_NONE;
     }
     if (!setBinningAndSize(m_bAutoBinning)) {
         reportStatus("Unable to setBinningAndSize.", CORVLOG_PROGRESS);
-        return;
+        return RUNERROR_NONE;
     }
     if (!takeDataMask()) {
-        return;
+        return RUNERROR_NONE;
     }
     if (!buildImageCube() || m_cube.m_data.empty()) {
-        m_nError = RUNERROR_DATA;
-        return;
+        return RUNERROR_DATA;
     }
     reportProgress("Perform PCA on the selected data...");
-    m_nError = errorCodeOf([this] { return analyseCube(); });
-}
-
-int CORVSpumKyvo::analyseCube()
-{
     constexpr unsigned autoscaled = 1;
     PCA pca;
     if (pca.decompose(m_cube.m_data, autoscaled) == 0) {
