@@ -3,9 +3,9 @@
 // highest memory during it, above that of before, as a multiple of 8 bytes an element. Beside it the storing of the images
 // alone, one by one and four in a pass.
 #include "bench_sequence.h"
+#include "process_memory.h"
 
 #include <QCoreApplication>
-#include <QFile>
 
 #include <memory>
 
@@ -13,28 +13,6 @@ namespace {
 
 constexpr bench::Size sizes[] = {{256, 18, 4}, {512, 24, 5}, {1024, 24, 5}};
 constexpr int repetitions = 5;
-
-// A figure of this process in bytes, from the system.
-double processBytes(const QByteArray& name)
-{
-    QFile file(QStringLiteral("/proc/self/status"));
-    if (!file.open(QIODevice::ReadOnly))
-        return 0.0;
-    const QList<QByteArray> lines = file.readAll().split('\n');
-    for (const QByteArray& line : lines) {
-        if (line.startsWith(name))
-            return line.mid(name.size()).simplified().split(' ').first().toDouble() * 1024.0;
-    }
-    return 0.0;
-}
-
-// Lets the system's record of the highest memory begin anew.
-void forgetPeak()
-{
-    QFile file(QStringLiteral("/proc/self/clear_refs"));
-    if (file.open(QIODevice::WriteOnly))
-        file.write("5");
-}
 
 double elements(const bench::Size& size)
 {
@@ -52,14 +30,14 @@ void cubeFromDisk(benchmark::State& state)
     for (auto _ : state) {
         state.PauseTiming();
         engine.resetAnalysis(RUNMODE_MANUAL);
-        forgetPeak();
-        const double before = processBytes("VmRSS:");
+        bench::forgetPeak();
+        const double before = bench::processBytes("VmRSS:");
         state.ResumeTiming();
         const bool ok = engine.buildImageCube();
         state.PauseTiming();
         if (!ok || engine.m_eUnit != DISPLAYUNIT_RADIANT_EFFICIENCY)
             bench::giveUp(QStringLiteral("the cube cannot be built"));
-        peak = std::max(peak, processBytes("VmHWM:") - before);
+        peak = std::max(peak, bench::processBytes("VmHWM:") - before);
         state.ResumeTiming();
     }
     const double bytes = 8.0 * elements(size);
