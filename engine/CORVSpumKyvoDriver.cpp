@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <cxxabi.h>
+#include <functional>
 #include <iostream>
 #include <new>
 
@@ -29,8 +30,7 @@ const QStringList& unimodalityNames()
 
 // The error code that the work gives, also where it throws. The unwinding of an aborted thread has no object: the reference
 // that catches it refers to nothing and is not used, which the sanitizer of undefined behaviour would report.
-template <class Work>
-[[gnu::no_sanitize("null")]] int errorCodeOf(const Work& work)
+[[gnu::no_sanitize("null")]] int errorCodeOf(const std::function<int()>& work)
 {
     try {
         return work();
