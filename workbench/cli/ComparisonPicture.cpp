@@ -26,6 +26,12 @@ QColor rowColor(int nRow)
     return colors[nRow % 6];
 }
 
+// The reference lies under the others as a broad line.
+double rowLine(int nRow)
+{
+    return nRow == 0 ? 6.0 : 2.0;
+}
+
 QString titleOf(const ResultComparison& comparison, int nRow, int nColumn)
 {
     const ComparedComponent& component = comparison.at(nRow, nColumn);
@@ -77,7 +83,8 @@ SpectrumPlot plotOfColumn(const ResultComparison& comparison, int nColumn)
         PlotCurve curve;
         curve.label = comparison.rowNames().at(i);
         curve.color = rowColor(i);
-        curve.style = i == 0 ? Qt::DashLine : Qt::SolidLine;
+        curve.width = rowLine(i);
+        curve.markers = i > 0;
         for (std::size_t j = 0; j < component.spectrum.size(); ++j) {
             curve.x.append(static_cast<double>(j) + 1.0);
             curve.y.append(component.spectrum[j]);
@@ -112,7 +119,7 @@ void drawLegend(QPainter& painter, const QRect& area, const QStringList& names)
     painter.setFont(labelFont());
     int x = area.left() + 16;
     for (int i = 0; i < names.size(); ++i) {
-        painter.setPen(QPen(rowColor(i), 3, i == 0 ? Qt::DashLine : Qt::SolidLine));
+        painter.setPen(QPen(rowColor(i), rowLine(i)));
         painter.drawLine(x, area.center().y(), x + 36, area.center().y());
         painter.setPen(Qt::black);
         const int width = painter.fontMetrics().horizontalAdvance(names[i]);
@@ -145,7 +152,7 @@ QImage comparisonPicture(const ResultComparison& comparison, const ComparisonSty
     QPainter painter(&sheet);
     for (int i = 0; i < rows; ++i) {
         drawSideways(painter, QRect(0, i * cell.height(), labelWidth, cell.height()), comparison.rowNames().at(i),
-                     rowColor(i));
+                     i == 0 ? QColor(Qt::black) : rowColor(i));
         for (int j = 0; j < columns; ++j)
             painter.drawImage(labelWidth + j * cell.width(), i * cell.height(),
                               cells[static_cast<std::size_t>(i * columns + j)]);

@@ -6,6 +6,7 @@
 #include "engine/runTexts.h"
 #include "host/CORVSequenceDataset.h"
 #include "platform/orvapi/ClickInfoKeys.h"
+#include "workbench/cli/AutomaticSetUp.h"
 #include "workbench/cli/CliFailure.h"
 #include "workbench/cli/CliSession.h"
 #include "workbench/cli/ModeNames.h"
@@ -121,6 +122,20 @@ AnalysisOutlook lookAhead(OpenedSequence& opened)
     return outlook;
 }
 
+// What the automatic method resolves without being told; none where it has no choice to make.
+QStringList proposal(OpenedSequence& opened)
+{
+    const bool automatic = opened.canBeAnalysed() && opened.engine().availableModes().contains(RUNMODE_AUTOMATIC);
+    return automatic ? proposedComponents(opened.engine()) : QStringList();
+}
+
+QString proposalText(OpenedSequence& opened)
+{
+    const QStringList names = proposal(opened);
+    return names.isEmpty() ? QString()
+                           : names.join(QStringLiteral(", ")) + QStringLiteral(" (proposed for the automatic method)");
+}
+
 QString textAnswer(OpenedSequence& opened, const QList<ImageRow>& rows, const AnalysisOutlook& outlook)
 {
     auto& engine = opened.engine();
@@ -139,6 +154,7 @@ QString textAnswer(OpenedSequence& opened, const QList<ImageRow>& rows, const An
     line(QStringLiteral("Photograph"), photographText(sequence, engine));
     line(QStringLiteral("Subject"), engine.m_strSubjectType);
     line(QStringLiteral("Probes"), engine.m_probes.join(QStringLiteral(", ")));
+    line(QStringLiteral("Components"), proposalText(opened));
     line(QStringLiteral("Binning"), outlook.binning);
     line(QStringLiteral("Cube"), outlook.size);
     line(QStringLiteral("Unit"), outlook.unit);
@@ -179,6 +195,7 @@ QJsonObject jsonAnswer(OpenedSequence& opened, const QList<ImageRow>& rows, cons
         {"photograph", photographText(opened.sequence(), engine)},
         {"subject", engine.m_strSubjectType},
         {"probes", QJsonArray::fromStringList(engine.m_probes)},
+        {"proposedComponents", QJsonArray::fromStringList(proposal(opened))},
         {"binning", outlook.binning.toInt()},
         {"cube", outlook.size},
         {"unit", outlook.unit},

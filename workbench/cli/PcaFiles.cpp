@@ -95,7 +95,7 @@ SpectrumPlot PcaFiles::screePlot() const
                       QStringLiteral("number of components"), QStringLiteral("variance [%]"));
     plot.setLogarithmicY(true);
     plot.setWholeX(true);
-    PlotCurve each = curveOf(QStringLiteral("of this one"), QColor(31, 119, 180));
+    PlotCurve each = curveOf(QStringLiteral("explained by this one"), QColor(31, 119, 180));
     PlotCurve left = curveOf(QStringLiteral("left unexplained"), QColor(214, 39, 40));
     PlotCurve limit =
         curveOf(QStringLiteral("%1 %: the limit").arg(100.0 - kExplainedTarget), QColor(110, 110, 110), Qt::DashLine);

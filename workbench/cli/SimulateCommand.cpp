@@ -31,9 +31,9 @@ struct OptionText
 constexpr OptionText kOptions[] = {
     {"size", "Pixels along a side of the images.", "N", "256"},
     {"bands", "Number of filter pairs, an image each.", "N", "18"},
-    {"probes", "Dyes, split by commas.", "A,B", "AlexaFluor 680,AlexaFluor 700"},
+    {"probes", "Dyes, split by commas.", "A,B", "AlexaFluor 750,AlexaFluor 790"},
     {"depths", "Depths of the dyes in mm, one for all or one each.", "MM,MM", "2 for the first to 6 for the last"},
-    {"excitations", "Excitation filters in nm, split by commas.", "NM,NM", "chosen after the dyes"},
+    {"excitations", "Excitation filters in nm, split by commas.", "NM,NM", "chosen after the dyes, 70 nm apart, up to 675"},
     {"ratio", "Peak of each dye over the autofluorescence beneath, in the dye's brightest band.", "R", "3"},
     {"food-ratio", "The same for food in the gut; 0 leaves it out.", "R", "1.5"},
     {"noise", "default, or none: exact counts as floats, without noise, offset and rounding.", "KIND", "default"},

@@ -110,7 +110,7 @@ void drawAxes(QPainter& painter, const Frame& frame, const QVector<double>& xVal
 
 QPen curvePen(const PlotCurve& curve)
 {
-    return QPen(curve.color, 2, curve.style, Qt::RoundCap, Qt::RoundJoin);
+    return QPen(curve.color, curve.width, curve.style, Qt::RoundCap, Qt::RoundJoin);
 }
 
 void drawCurve(QPainter& painter, const Frame& frame, const PlotCurve& curve)

@@ -19,6 +19,7 @@ struct PlotCurve
     QVector<double> y;
     Qt::PenStyle style = Qt::SolidLine;
     bool markers = true;
+    double width = 2.0; // of the line, in pixels
 };
 
 // A plot of spectra or time courses on a white ground: axes with round ticks, curves with markers, a legend on the right.

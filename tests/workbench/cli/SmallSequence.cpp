@@ -44,6 +44,16 @@ CPLSection luminescentSection(const SmallImage& image)
         section.setValue(ClickKeys::kExcitationIrradiance, 1);
     if (image.calibratedUnit >= DISPLAYUNIT_EFFICIENCY)
         section.setValue(ClickKeys::kReferenceRadiance, 1);
+    if (!image.isotope.isEmpty())
+        section.setValue(ClickKeys::kIsotope, image.isotope);
+    if (!image.probe.isEmpty())
+        section.setValue(ClickKeys::kProbe, image.probe);
+    if (!image.subject.isEmpty())
+        section.setValue(ClickKeys::kSubjectType, image.subject);
+    if (!image.started.isEmpty()) {
+        section.setValue(ClickKeys::kAcquisitionDate, QStringLiteral("2024-01-31"));
+        section.setValue(ClickKeys::kAcquisitionTime, image.started);
+    }
     if (image.nativeEfficiency)
         section.setValue(ClickKeys::kNativeUnit, static_cast<int>(DISPLAYUNIT_EFFICIENCY));
     return section;

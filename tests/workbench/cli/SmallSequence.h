@@ -28,6 +28,10 @@ struct SmallImage
     // Up to which unit the click info has calibration figures.
     int calibratedUnit = DISPLAYUNIT_RADIANT_EFFICIENCY;
     bool nativeEfficiency = false; // the pixels are efficiencies
+    QString isotope;
+    QString probe; // counts only beside a subject
+    QString subject;
+    QString started; // time of day, HH:mm:ss.zzz, at which a dated exposure began
 };
 
 // Sequences of a few pixels.

@@ -32,7 +32,7 @@ protected:
         auto& engine = m_pOpened->engine();
         ASSERT_TRUE(engine.createImageList());
         ASSERT_TRUE(engine.setBinningAndSize(true));
-        checkImagePixels(m_pOpened->sequence(), engine, eUnit, step);
+        m_constant = checkImagePixels(m_pOpened->sequence(), engine, eUnit, step);
     }
     QString refusal(tag_edisplayunit eUnit = DISPLAYUNIT_COUNTS)
     {
@@ -40,6 +40,7 @@ protected:
     }
 
     SmallSequence m_sequence;
+    QStringList m_constant;
     std::unique_ptr<OpenedSequence> m_pOpened;
 };
 
@@ -95,4 +96,26 @@ TEST_F(ImageCheckTest, AnImageThatCannotBeReadIsNamed)
 TEST_F(ImageCheckTest, AStepMayStopIt)
 {
     EXPECT_THROW(check(DISPLAYUNIT_COUNTS, [](double) { throw std::runtime_error("stop"); }), std::runtime_error);
+}
+
+TEST_F(ImageCheckTest, ImagesWithoutAStructureAreNamed)
+{
+    m_sequence.images[1].value = [](int) { return 7.0F; };
+    m_sequence.images[2].value = [](int) { return 0.0F; };
+    check();
+    EXPECT_EQ(m_constant, (QStringList{"SMALL-001", "SMALL-002"}));
+}
+
+TEST_F(ImageCheckTest, OnlyPixelsOfTheMaskTellAStructure)
+{
+    m_sequence.images[1].value = [](int i) { return i < 4 ? 7.0F : static_cast<float>(i); };
+    check();
+    EXPECT_TRUE(m_constant.isEmpty());
+    m_pOpened->engine().m_bUseMask = 1;
+    m_pOpened->engine().m_maskIndices = {0, 1, 3};
+    check();
+    EXPECT_EQ(m_constant, QStringList{"SMALL-001"});
+    m_pOpened->engine().m_maskIndices = {0, 1, 4};
+    check();
+    EXPECT_TRUE(m_constant.isEmpty());
 }

@@ -9,7 +9,7 @@
 
 namespace {
 
-const QStringList commands = {"simulate", "import", "info", "unmix", "library"};
+const QStringList commands = {"simulate", "import", "info", "pca", "unmix", "compare", "library"};
 
 class ProgramTest : public ProgramFixture
 {
@@ -73,7 +73,8 @@ TEST_F(ProgramTest, AWrongNumberOfArgumentsIsAUsageError)
 {
     for (const QStringList& arguments :
          {QStringList{"simulate"}, QStringList{"simulate", "a", "b"}, QStringList{"info"},
-          QStringList{"info", "a", "b"}, QStringList{"import", "a"}, QStringList{"unmix"},
+          QStringList{"info", "a", "b"}, QStringList{"import", "a"}, QStringList{"unmix"}, QStringList{"pca"},
+          QStringList{"pca", "a", "b"}, QStringList{"compare"}, QStringList{"compare", "a"},
           QStringList{"unmix", "a", "b", "--library", "l"}, QStringList{"library"}, QStringList{"library", "show"},
           QStringList{"library", "list", "x"}, QStringList{"library", "save", "x"},
           QStringList{"library", "drop", "x"}})
@@ -88,7 +89,17 @@ TEST_F(ProgramTest, AnOptionThatMakesNoSenseIsAUsageError)
           QStringList{"--binning", "0"}, QStringList{"--binning", "65"}, QStringList{"--binning", "two"},
           QStringList{"--select", " "}, QStringList{"--trace", ""}, QStringList{"--log", ""}})
         refusal(QStringList{"unmix", "seq", "--library", "l"} + options, 2);
-    EXPECT_TRUE(refusal({"unmix", "seq"}, 2).startsWith("--library is missing"));
+    for (const QStringList& options :
+         {QStringList{"--components", "A,,B"}, QStringList{"--components", "A,B", "--ncomponents", "2"},
+          QStringList{"--ncomponents", "two"}, QStringList{"--constraints", "--no-constraints"},
+          QStringList{"--decay", "soon"}, QStringList{"--decay", "0"}, QStringList{"--library", "l"},
+          QStringList{"--mask", "rect:1,2,3"}, QStringList{"--mask", ""}, QStringList{"--threshold", "101"},
+          QStringList{"--threshold", "20", "--mask", "none"}})
+        refusal(QStringList{"unmix", "seq", "--method", "automatic"} + options, 2);
+    EXPECT_TRUE(refusal({"unmix", "seq", "--method", "library"}, 2).startsWith("--library is missing"));
+    EXPECT_TRUE(refusal({"unmix", "seq", "--library", "l", "--components", "A,B", "--decay", "auto"}, 2)
+                    .startsWith("--components, --decay takes --method automatic."));
+    refusal({"pca", "seq", "--binning", "0"}, 2);
     EXPECT_TRUE(refusal({"import", "a", "b"}, 2).startsWith("--images is missing"));
     for (const QStringList& options :
          {QStringList{"--size", "many"}, QStringList{"--noise", "loud"}, QStringList{"--size", "-5"},
@@ -164,6 +175,12 @@ TEST_F(ProgramTest, TheTraceHasAFileOfItsOwn)
     const ProgramResult result = succeed({"unmix", "seq", "--library", truth(), "--trace", "trace.txt", "--json"});
     EXPECT_TRUE(result.json().contains("components"));
     EXPECT_TRUE(QFileInfo::exists(path("trace.txt")));
+    // Iterations are told there, and nowhere else.
+    const ProgramResult automatic =
+        succeed({"unmix", "seq", "--ncomponents", "2", "--trace", "iterations.txt", "--json"});
+    const QByteArray trace = contentOf(path("iterations.txt"));
+    EXPECT_EQ(trace.count("Iteration: "), automatic.json()["iterations"].toInt()) << trace.right(400).constData();
+    EXPECT_FALSE(automatic.out.contains("Iteration: "));
 }
 
 TEST_F(ProgramTest, ALogOrTraceThatCannotBeWrittenStopsTheCommand)

@@ -5,6 +5,7 @@
 #include "platform/orvimage/TiffIo.h"
 #include "workbench/cli/CliFailure.h"
 #include "workbench/cli/LibrarySpectra.h"
+#include "workbench/cli/RunEnding.h"
 
 #include <QDir>
 #include <QImage>
@@ -143,19 +144,26 @@ TEST_F(ResultFilesTest, TheSpectraAreALibrary)
 TEST_F(ResultFilesTest, TheSummaryTellsTheNumbers)
 {
     analyse();
-    m_numbers.truth[1] = {true, 0.5, 0.25};
+    m_numbers.truth[1] = {true, 0.5, 0.25, "Dye B", 0.75};
     writeFiles();
-    EXPECT_EQ(contentOf(out() + "summary.csv"), "component,share,maximum,correlation,relative error\n"
-                                                "Dye A,0.25,15,,\n"
-                                                "Dye B,0.75,7,0.5,0.25\n");
+    EXPECT_EQ(contentOf(out() + "summary.csv"),
+              "component,share,maximum,high pass,truth,cosine,correlation,relative error,residual,explained variance,"
+              "iterations,ending,lack of fit,lack of fit denoised\n"
+              "Dye A,0.25,15,,,,,,0.125,98.4375,,,,\n"
+              "Dye B,0.75,7,,Dye B,0.75,0.5,0.25,0.125,98.4375,,,,\n");
     const QJsonObject json = writtenJson();
     EXPECT_EQ(json["method"], "manual");
     EXPECT_EQ(json["unit"], "Radiant Efficiency");
     EXPECT_EQ(json["pixels"], 16);
     EXPECT_EQ(json["residual"], 0.125);
+    EXPECT_EQ(json["explainedVariance"], 98.4375);
+    EXPECT_FALSE(json.contains("iterations"));
     EXPECT_EQ(json["properties"].toObject()["DataMask"], "No");
     const QJsonObject second = json["components"].toArray()[1].toObject();
     EXPECT_EQ(second["name"], "Dye B");
+    EXPECT_EQ(second["map"], "02_Dye_B.tif");
+    EXPECT_EQ(second["truthName"], "Dye B");
+    EXPECT_EQ(second["truthCosine"], 0.75);
     EXPECT_EQ(second["truthCorrelation"], 0.5);
     EXPECT_EQ(second["truthRelativeError"], 0.25);
     EXPECT_FALSE(json["components"].toArray()[0].toObject().contains("truthCorrelation"));
@@ -165,10 +173,12 @@ TEST_F(ResultFilesTest, TheTextHasTheColumnsOfTheTruthOnlyWithATruth)
 {
     analyse();
     EXPECT_FALSE(ResultFiles(engine(), m_numbers, out()).summaryText().contains("correlation"));
-    m_numbers.truth[1] = {true, 0.5, 0.25};
+    m_numbers.truth[1] = {true, 0.5, 0.25, "Dye B", 0.75};
     const QString text = ResultFiles(engine(), m_numbers, out()).summaryText();
     EXPECT_TRUE(text.contains("correlation"));
-    EXPECT_TRUE(text.contains("residual 12.5 % of the data's norm")) << qPrintable(text);
+    EXPECT_TRUE(
+        text.contains("residual 12.5 % of the data's norm, 98.4375 % of the variance explained; the fit took 1.5 s\n"))
+        << qPrintable(text);
     EXPECT_TRUE(text.contains("16 pixels analysed"));
 }
 
@@ -180,7 +190,7 @@ TEST_F(ResultFilesTest, NumbersThatAreNotKnownAreNull)
     writeFiles();
     EXPECT_TRUE(writtenJson()["residual"].isNull());
     EXPECT_TRUE(writtenJson()["components"].toArray()[0].toObject()["share"].isNull());
-    EXPECT_TRUE(contentOf(out() + "summary.csv").contains("Dye A,,15,,\n"));
+    EXPECT_TRUE(contentOf(out() + "summary.csv").contains("Dye A,,15,"));
 }
 
 TEST_F(ResultFilesTest, ComponentsOfOneNameHaveFilesOfTheirOwn)
@@ -218,4 +228,51 @@ TEST_F(ResultFilesTest, AFolderThatIsNotThereIsToldByName)
     analyse();
     ResultFiles files(engine(), m_numbers, out());
     EXPECT_TRUE(failureOf([&] { files.write([](double) {}); }).contains(out() + "01_Dye_A"));
+}
+
+TEST_F(ResultFilesTest, AnAutomaticRunTellsHowItWent)
+{
+    analyse();
+    m_numbers.automatic = true;
+    m_numbers.facts = {17, MCR::Ending::Converged, 1.5, 2.5, 3};
+    engine().m_lastParams.Constraints = {ComponentConstraint(), ComponentConstraint()};
+    engine().m_lastParams.Constraints[0].Locked = true;
+    engine().m_lastParams.Constraints[1].HighPass = "720";
+    writeFiles();
+    const QJsonObject json = writtenJson();
+    EXPECT_EQ(json["iterations"], 17);
+    EXPECT_EQ(json["ending"], "converged");
+    EXPECT_EQ(json["lackOfFit"], 2.5);
+    EXPECT_EQ(json["lackOfFitDenoised"], 1.5);
+    EXPECT_EQ(json["rank"], 3);
+    const QJsonArray components = json["components"].toArray();
+    EXPECT_EQ(components[0].toObject()["locked"], true);
+    EXPECT_FALSE(components[0].toObject().contains("highPass"));
+    EXPECT_EQ(components[1].toObject()["highPass"], "720");
+    EXPECT_TRUE(
+        contentOf(out() + "summary.csv").contains("\nDye B,0.75,7,720,,,,,0.125,98.4375,17,converged,2.5,1.5\n"));
+    const QString text = ResultFiles(engine(), m_numbers, out()).summaryText();
+    EXPECT_TRUE(
+        text.endsWith("converged after 17 iterations; lack of fit 2.5 % of the data, 1.5 % of the denoised data\n"))
+        << qPrintable(text);
+}
+
+TEST_F(ResultFilesTest, TheTextNamesTrueComponentsOnlyWhereTheyHaveOtherNames)
+{
+    analyse();
+    m_numbers.truth[0] = {true, 0.5, 0.25, "Dye A", 0.75};
+    EXPECT_FALSE(ResultFiles(engine(), m_numbers, out()).summaryText().contains("truth"));
+    m_numbers.truth[0].trueName = "Dye C";
+    const QString text = ResultFiles(engine(), m_numbers, out()).summaryText();
+    EXPECT_TRUE(text.contains("truth"));
+    EXPECT_TRUE(text.contains("Dye C"));
+}
+
+TEST(RunEndingTest, EveryEndingHasItsWord)
+{
+    QStringList words;
+    for (const auto ending : {MCR::Ending::NotRun, MCR::Ending::Converged, MCR::Ending::GoodFit, MCR::Ending::Diverged,
+                              MCR::Ending::IterationLimit, MCR::Ending::Degenerate})
+        words.append(endingText(ending));
+    EXPECT_EQ(words, (QStringList{"not run", "converged", "good fit", "diverged", "iteration limit", "degenerate"}));
 }

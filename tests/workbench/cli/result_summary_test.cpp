@@ -104,3 +104,26 @@ TEST(ResultSummaryTest, RelativeErrorWithoutTruthIsNotKnown)
     EXPECT_TRUE(std::isnan(ResultSummary::relativeError({1, 2}, {1})));
     EXPECT_TRUE(std::isnan(ResultSummary::relativeError({}, {})));
 }
+
+TEST(ResultSummaryTest, CosineOfHandWorkedSpectra)
+{
+    EXPECT_NEAR(ResultSummary::cosine({1, 2, 2}, {2, 4, 4}), 1.0, 1e-15);
+    EXPECT_EQ(ResultSummary::cosine({1, 0}, {0, 3}), 0.0);
+    // 11 over 5 times the root of 5.
+    EXPECT_NEAR(ResultSummary::cosine({3, 4}, {1, 2}), 11.0 / (5.0 * std::sqrt(5.0)), 1e-15);
+}
+
+TEST(ResultSummaryTest, CosineThatIsNotDefinedIsNotKnown)
+{
+    EXPECT_TRUE(std::isnan(ResultSummary::cosine({0, 0}, {1, 2})));
+    EXPECT_TRUE(std::isnan(ResultSummary::cosine({1, 2}, {1, 2, 3})));
+    EXPECT_TRUE(std::isnan(ResultSummary::cosine({}, {})));
+    EXPECT_TRUE(std::isnan(ResultSummary::cosine({1, notANumber}, {1, 2})));
+}
+
+TEST(ResultSummaryTest, ExplainedVarianceIsWhatTheSquaredResidualLeaves)
+{
+    EXPECT_DOUBLE_EQ(ResultSummary::explainedVariance(0.0), 100.0);
+    EXPECT_DOUBLE_EQ(ResultSummary::explainedVariance(0.1), 99.0);
+    EXPECT_DOUBLE_EQ(ResultSummary::explainedVariance(1.0), 0.0);
+}

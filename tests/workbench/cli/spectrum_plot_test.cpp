@@ -211,3 +211,69 @@ TEST(SpectrumPlotTest, TheSvgHoldsNoNumberThatIsNone)
     EXPECT_FALSE(svg.contains("nan"));
     EXPECT_FALSE(svg.contains("inf"));
 }
+
+TEST(SpectrumPlotTest, DecadesAreTheWholePowersInside)
+{
+    EXPECT_EQ(SpectrumPlot::decades(-2.5, 1.2), (QVector<double>{0.01, 0.1, 1.0, 10.0}));
+    EXPECT_EQ(SpectrumPlot::decades(-1.0, 1.0), (QVector<double>{0.1, 1.0, 10.0}));
+    EXPECT_TRUE(SpectrumPlot::decades(0.1, 0.9).isEmpty());
+    EXPECT_TRUE(SpectrumPlot::decades(1.0, 1.0).isEmpty());
+    EXPECT_TRUE(SpectrumPlot::decades(notANumber, 1.0).isEmpty());
+    EXPECT_TRUE(SpectrumPlot::decades(0.0, HUGE_VAL).isEmpty());
+    EXPECT_LE(SpectrumPlot::decades(-100.0, 100.0).size(), 8);
+    EXPECT_GE(SpectrumPlot::decades(-100.0, 100.0).size(), 4);
+}
+
+TEST(SpectrumPlotTest, ALogarithmicAxisHasPowersOfTenAndLeavesZeroOut)
+{
+    SpectrumPlot plot("Title", "x", "y");
+    plot.addCurve(curveOf({1, 2, 3, 4}, {90, 0.0, -5.0, 0.02}));
+    plot.setLogarithmicY(true);
+    plot.setWholeX(true);
+    const QByteArray svg = plot.toSvg(pageSize);
+    QDomDocument document;
+    ASSERT_TRUE(document.setContent(svg));
+    EXPECT_FALSE(svg.contains("nan"));
+    EXPECT_FALSE(svg.contains("inf"));
+    QStringList texts;
+    const auto elements = document.elementsByTagName("text");
+    for (int i = 0; i < elements.size(); ++i)
+        texts.append(elements.at(i).toElement().text().trimmed());
+    for (const char* text : {"0.01", "0.1", "1", "10", "100", "2", "3", "4"})
+        EXPECT_TRUE(texts.contains(text)) << text << " in " << qPrintable(texts.join('|'));
+    EXPECT_FALSE(texts.contains("1.5"));
+    EXPECT_FALSE(texts.contains("2.5"));
+}
+
+TEST(SpectrumPlotTest, ALogarithmicPlotWithoutPositiveValuesIsEmptyButSound)
+{
+    SpectrumPlot plot("Title", "x", "y");
+    plot.addCurve(curveOf({1, 2}, {0.0, -1.0}));
+    plot.setLogarithmicY(true);
+    EXPECT_EQ(pixelsLike(plot.toImage(pageSize), Qt::red, plotPart(plot.toImage(pageSize))), 0);
+}
+
+TEST(SpectrumPlotTest, WithoutALegendThePlotIsWider)
+{
+    SpectrumPlot plot("Title", "x", "y");
+    plot.addCurve(curveOf({1, 2}, {0.5, 0.5}));
+    const QRect right(int(pageSize.width() * 0.8), 60, int(pageSize.width() * 0.15), pageSize.height() - 160);
+    const int before = pixelsLike(plot.toImage(pageSize), Qt::red, right);
+    plot.setLegend(false);
+    EXPECT_GT(pixelsLike(plot.toImage(pageSize), Qt::red, right), before);
+}
+
+TEST(SpectrumPlotTest, AWiderLineTakesMorePixelsAndMarkersCanGo)
+{
+    PlotCurve curve = curveOf({1, 2}, {0.5, 0.5});
+    const auto pixels = [&curve] {
+        const QImage image = plotOf({curve}).toImage(pageSize);
+        return pixelsLike(image, Qt::red, plotPart(image));
+    };
+    const int plain = pixels();
+    curve.markers = false;
+    const int bare = pixels();
+    curve.width = 6.0;
+    EXPECT_LT(bare, plain);
+    EXPECT_GT(pixels(), 2 * bare);
+}

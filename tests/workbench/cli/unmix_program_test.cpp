@@ -64,8 +64,8 @@ TEST_F(UnmixProgramTest, ASimulatedSequenceIsUnmixedIntoFiles)
     EXPECT_TRUE(text.contains("\nresults in " + path("seq/unmixed-library") + '\n')) << qPrintable(text);
     EXPECT_EQ(
         entriesOf(path("seq/unmixed-library")),
-        (QStringList{"01_TissueAF.png", "01_TissueAF.tif", "02_Food.png", "02_Food.tif", "03_AlexaFluor_680.png",
-                     "03_AlexaFluor_680.tif", "04_AlexaFluor_700.png", "04_AlexaFluor_700.tif", "overview.png",
+        (QStringList{"01_TissueAF.png", "01_TissueAF.tif", "02_Food.png", "02_Food.tif", "03_AlexaFluor_750.png",
+                     "03_AlexaFluor_750.tif", "04_AlexaFluor_790.png", "04_AlexaFluor_790.tif", "overview.png",
                      "properties.csv", "spectra.csv", "spectra.png", "spectra.svg", "summary.csv", "summary.json"}));
     for (const auto& name : entriesOf(path("seq/unmixed-library"))) {
         const QString file = path("seq/unmixed-library/") + name;
@@ -101,7 +101,7 @@ TEST_F(UnmixProgramTest, InfoTellsWhatASequenceHolds)
     EXPECT_EQ(json["cube"], "64 x 64");
     EXPECT_EQ(json["binning"], 4);
     EXPECT_EQ(json["subject"], "Mouse");
-    EXPECT_EQ(json["probes"].toArray(), (QJsonArray{"AlexaFluor 680", "AlexaFluor 700"}));
+    EXPECT_EQ(json["probes"].toArray(), (QJsonArray{"AlexaFluor 750", "AlexaFluor 790"}));
     EXPECT_EQ(json["analysable"], true);
     EXPECT_TRUE(json["methods"].toArray().contains("library"));
     const QString text = QString::fromUtf8(succeed({"info", "seq"}).out);
@@ -129,7 +129,7 @@ TEST_F(UnmixProgramTest, EachUnitUpToTheBestIsReached)
         const QJsonObject json = unmix({"--library", truth(unit.first), "--unit", unit.first, "--force"});
         EXPECT_EQ(json["unit"], unit.second);
         EXPECT_EQ(json["properties"].toObject()["DataUnit"], unit.second);
-        EXPECT_GT(correlationOf(json, "AlexaFluor 680"), 0.9) << qPrintable(unit.first);
+        EXPECT_GT(correlationOf(json, "AlexaFluor 750"), 0.9) << qPrintable(unit.first);
     }
 }
 
@@ -178,7 +178,7 @@ TEST_F(UnmixProgramTest, ImagesOfTwoBinningsAreBroughtToTheMoreCommon)
     const QJsonObject json = unmix({"--library", truth()});
     EXPECT_EQ(json["binning"], 4);
     EXPECT_EQ(json["width"], 64);
-    EXPECT_GT(correlationOf(json, "AlexaFluor 680"), 0.9);
+    EXPECT_GT(correlationOf(json, "AlexaFluor 750"), 0.9);
 }
 
 TEST_F(UnmixProgramTest, ASelectionIsUsedAloneAndInItsOrder)
