@@ -58,7 +58,7 @@ Vector<double> PlainSpectrumFit::nonNegative(long long band)
     const Vector<double> column = m_data.column(band);
     const Vector<double> x = solveNonNegative(m_conc, column.deepCopy());
     if (m_trace) {
-        std::cout << "SPEC[*][" << band << "]\n" << column << "x\n" << x;
+        std::cout << "SPEC[*][i]\n" << column << "x\n" << x;
     }
     return x;
 }

@@ -38,7 +38,7 @@ void makeRowsNonNegative(const Matrix<double>& data, const Matrix<double>& spec,
             continue;
         }
         if (trace) {
-            std::cout << "CONC[" << i << "][*]\n" << conc.row(i);
+            std::cout << "CONC[i][*]\n" << conc.row(i);
         }
         fit.fit(data[i], row);
         if (trace) {

@@ -13,9 +13,10 @@ enum Mode
     WideAverage = 4
 };
 
-// Averaging shrinks a rise by half each time it is met, so a walk ends long before this many steps for each element. It bounds
-// the walks that rounding would send back and forth over two neighbouring numbers.
+// Averaging goes back over what it changed, and over again: with a tolerance of a few percent some hundred steps an element at
+// most, but without any tolerance each further element multiplies the steps. A walk that takes longer than this stays as it is.
 constexpr long long stepsPerElement = 4096;
+constexpr long long stepsAtLeast = 1LL << 24;
 
 // One column, walked away from its peak. Indices are those of the matrix; `inward` is the step towards the peak.
 class Walk
@@ -37,7 +38,8 @@ private:
     void run(long long peak, double cur, int inward)
     {
         m_inward = inward;
-        long long steps = stepsPerElement * m_a.num_rows();
+        m_fallenBelowZero = false;
+        long long steps = std::max(stepsPerElement * m_a.num_rows(), stepsAtLeast);
         for (long long i = peak - inward; inside(i) && steps > 0; i -= inward, --steps) {
             const double v = at(i);
             if (cur >= v) {
@@ -72,7 +74,11 @@ private:
 
     long long average(long long i, long long other, double cur)
     {
-        if (!(cur >= 0) || !inside(other)) {
+        // Behind an element below zero comes a zero, and whatever rises behind that is halved each time the walk goes over
+        // the pair again, until nothing is left of it.
+        const bool worksOff = m_mode == Average && m_fallenBelowZero;
+        if (!(cur >= 0) || !inside(other) || worksOff) {
+            m_fallenBelowZero = m_fallenBelowZero || cur < 0;
             at(i) = 0;
             return i;
         }
@@ -87,6 +93,7 @@ private:
     int m_mode;
     double m_tolerance;
     int m_inward = 1;
+    bool m_fallenBelowZero = false;
 };
 
 } // namespace
