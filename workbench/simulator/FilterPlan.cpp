@@ -7,12 +7,14 @@
 
 namespace {
 
-constexpr int kFirstExcitation = 465; // the filters on hand, 35 nm apart
-constexpr int kLastExcitation = 780;
-constexpr int kExcitationStep = 35;
+constexpr int kShortestNm = 410; // excitation filters
+constexpr int kLongestExcitationNm = 800;
+constexpr int kLastChosenNm = 675; // beyond it too little of the emission would be left of a far-red dye
+constexpr int kExcitationStep = 70;
 constexpr double kBeforeEmission = 25.0;
+constexpr int kWholeSteps = 5; // nm to which a chosen excitation is rounded
 constexpr int kMostForOne = 8;
-constexpr int kMostForTwo = 12;
+constexpr int kMostForTwo = 24;
 constexpr int kMostExcitations = 8;
 
 double bluestPeak(const QList<Probe>& probes)
@@ -23,19 +25,17 @@ double bluestPeak(const QList<Probe>& probes)
     return peak;
 }
 
-// Three filters on hand that end before the bluest emission; of these the ones that the number of pairs calls for.
+// As many filters as the number of pairs calls for, the last one before the bluest emission, the first one not below the
+// shortest: for a blue probe the last one then lies further on.
 QList<int> chooseExcitations(int count, const QList<Probe>& probes)
 {
-    const double limit = bluestPeak(probes) - kBeforeEmission;
-    int last = kFirstExcitation + 2 * kExcitationStep;
-    while (last + kExcitationStep <= limit && last + kExcitationStep <= kLastExcitation)
-        last += kExcitationStep;
-    const int middle = last - kExcitationStep;
-    if (count <= kMostForOne)
-        return {middle};
-    if (count <= kMostForTwo)
-        return {middle, last};
-    return {middle - kExcitationStep, middle, last};
+    const int filters = count <= kMostForOne ? 1 : count <= kMostForTwo ? 2 : 3;
+    const int before = kWholeSteps * qRound((bluestPeak(probes) - kBeforeEmission) / kWholeSteps);
+    const int first = std::max(kShortestNm, std::min(before, kLastChosenNm) - (filters - 1) * kExcitationStep);
+    QList<int> excitations;
+    for (int i = 0; i < filters; ++i)
+        excitations.append(first + i * kExcitationStep);
+    return excitations;
 }
 
 // The first emission on the grid that the excitation's filter lets through unmixed.
@@ -65,8 +65,10 @@ QString checkExcitations(const QList<int>& excitations)
     if (excitations.size() > kMostExcitations)
         return QStringLiteral("There are more than %1 excitation filters.").arg(kMostExcitations);
     for (int i = 0; i < excitations.size(); ++i) {
-        if (excitations.at(i) < 410 || excitations.at(i) > 800)
-            return QStringLiteral("An excitation filter must lie between 410 and 800 nm, not at %1.")
+        if (excitations.at(i) < kShortestNm || excitations.at(i) > kLongestExcitationNm)
+            return QStringLiteral("An excitation filter must lie between %1 and %2 nm, not at %3.")
+                .arg(kShortestNm)
+                .arg(kLongestExcitationNm)
                 .arg(excitations.at(i));
         if (excitations.indexOf(excitations.at(i)) != i)
             return QStringLiteral("The excitation filter %1 nm is given twice.").arg(excitations.at(i));

@@ -115,14 +115,15 @@ private:
         return 0.62 + rings + 0.04 * m_clumps.value(6.0 * x, 6.0 * y);
     }
 
-    // Lambert's law under a lamp from the upper left, and light from all around.
+    // Lambert's law under a lamp above and a little to the upper left, and the light that a cabinet throws back from all
+    // around: the flank that is turned away stays well above the bed.
     static double light(double slopeX, double slopeY, double strands)
     {
         const double sx = slopeX + 0.10 * strands;
         const double norm = std::sqrt(1.0 + sx * sx + slopeY * slopeY);
         const double lamp =
-            (0.38 * sx + 0.42 * slopeY + 0.82) / norm; // lamp at (-0.38, -0.42, 0.82); normal (-sx, -sy, 1)
-        return 0.36 + 0.70 * std::max(0.0, lamp);
+            (0.28 * sx + 0.31 * slopeY + 0.91) / norm; // lamp at (-0.28, -0.31, 0.91); normal (-sx, -sy, 1)
+        return 0.55 + 0.48 * std::max(0.0, lamp);
     }
 
     // Less light reaches the surface near the bed.

@@ -14,7 +14,7 @@ struct SimulationOptions
     int bands = 18; // filter pairs, an image each
     // Probes by their names in the reference data (other names in use will do). Each lies at one depth below the skin;
     // a single depth serves for all, none means 2 mm for the first to 6 mm for the last.
-    QStringList probes{QStringLiteral("AlexaFluor 680"), QStringLiteral("AlexaFluor 700")};
+    QStringList probes{QStringLiteral("AlexaFluor 750"), QStringLiteral("AlexaFluor 790")};
     QList<double> depthsMm;
     QList<int> excitationsNm; // centres of the excitation filters; empty: chosen after the probes
     // Peak of each probe over the tissue's autofluorescence at the same pixel, in the band where the probe is

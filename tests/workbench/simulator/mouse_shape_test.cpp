@@ -99,7 +99,7 @@ TEST(ScenePlanTest, ComponentsHaveTheirNamesAndDepths)
     ASSERT_EQ(scene.components().size(), 4);
     EXPECT_EQ(scene.components().at(0).name, QStringLiteral("TissueAF"));
     EXPECT_EQ(scene.components().at(1).name, QStringLiteral("Food"));
-    EXPECT_EQ(scene.components().at(2).name, QStringLiteral("AlexaFluor 680"));
+    EXPECT_EQ(scene.components().at(2).name, QStringLiteral("AlexaFluor 750"));
     EXPECT_EQ(scene.components().at(3).depthMm, 6.0);
     options.foodRatio = 0.0;
     ASSERT_TRUE(scene.build(options, &error)) << qPrintable(error);

@@ -30,14 +30,23 @@ class RefusedOptions : public ::testing::TestWithParam<Refusal>
 {
 };
 
-QList<FilterPair> pairsFor(int count)
+QList<FilterPair> pairsFor(int count, const QStringList& names = SimulationOptions().probes)
 {
     QList<Probe> probes;
     QList<FilterPair> pairs;
     QString error;
-    EXPECT_TRUE(resolveProbes({QStringLiteral("AF680"), QStringLiteral("AF700")}, &probes, &error));
+    EXPECT_TRUE(resolveProbes(names, &probes, &error)) << qPrintable(error);
     EXPECT_TRUE(FilterPlan::choose(count, {}, probes, &pairs, &error)) << qPrintable(error);
     return pairs;
+}
+
+QList<int> excitationsFor(int count, const char* pProbe)
+{
+    QList<int> excitations;
+    for (const FilterPair& pair : pairsFor(count, {QString::fromLatin1(pProbe)}))
+        if (!excitations.contains(pair.excitation))
+            excitations.append(pair.excitation);
+    return excitations;
 }
 
 } // namespace
@@ -173,28 +182,56 @@ TEST(ProbeChoiceTest, TextOfASequenceTurnsIntoTheNameAgain)
     EXPECT_EQ(probeText(QStringLiteral("ICG")), QStringLiteral("ICG"));
 }
 
-TEST(FilterPlanTest, DefaultHasThreeExcitationsWithSixEmissionsEach)
+TEST(FilterPlanTest, DefaultHasTwoExcitationsWithNineEmissionsEach)
 {
-    const QList<FilterPair> pairs = pairsFor(18);
+    const QList<FilterPair> pairs = pairsFor(SimulationOptions().bands);
     ASSERT_EQ(pairs.size(), 18);
     EXPECT_EQ(pairs.at(0).excitation, 605);
     EXPECT_EQ(pairs.at(0).emission, 640);
-    EXPECT_EQ(pairs.at(6).excitation, 640);
-    EXPECT_EQ(pairs.at(6).emission, 680);
+    EXPECT_EQ(pairs.at(8).excitation, 605);
+    EXPECT_EQ(pairs.at(8).emission, 800);
+    EXPECT_EQ(pairs.at(9).excitation, 675);
+    EXPECT_EQ(pairs.at(9).emission, 700);
     EXPECT_EQ(pairs.at(17).excitation, 675);
-    EXPECT_EQ(pairs.at(17).emission, 800);
+    EXPECT_EQ(pairs.at(17).emission, 860);
+}
+
+TEST(FilterPlanTest, MoreBandsCallForMoreExcitations)
+{
+    EXPECT_EQ(excitationsFor(8, "AF750"), (QList<int>{675}));
+    EXPECT_EQ(excitationsFor(9, "AF750"), (QList<int>{605, 675}));
+    EXPECT_EQ(excitationsFor(24, "AF750"), (QList<int>{605, 675}));
+    EXPECT_EQ(excitationsFor(25, "AF750"), (QList<int>{535, 605, 675}));
+}
+
+TEST(FilterPlanTest, ExcitationsEndBeforeTheBluestEmission)
+{
+    EXPECT_EQ(excitationsFor(18, "AF594"), (QList<int>{525, 595})); // peak at 619 nm
+    EXPECT_EQ(excitationsFor(8, "AF488"), (QList<int>{495}));       // 520 nm
+    EXPECT_EQ(excitationsFor(18, "AF488"), (QList<int>{425, 495}));
+}
+
+TEST(FilterPlanTest, ExcitationsForABlueDyeMoveUpToTheShortestFilter)
+{
+    EXPECT_EQ(excitationsFor(30, "AF488"), (QList<int>{410, 480, 550}));
+    EXPECT_EQ(excitationsFor(8, "NADH"), (QList<int>{445})); // peak at 469 nm
+    EXPECT_EQ(excitationsFor(18, "NADH"), (QList<int>{410, 480}));
 }
 
 TEST(FilterPlanTest, EveryNumberOfBandsGivesDistinctPairsBeyondTheExcitation)
 {
-    for (int count = FilterPlan::kFewest; count <= FilterPlan::kMost; ++count) {
-        const QList<FilterPair> pairs = pairsFor(count);
-        ASSERT_EQ(pairs.size(), count);
-        std::set<std::pair<int, int>> seen;
-        for (const FilterPair& pair : pairs) {
-            EXPECT_GT(pair.emission, pair.excitation + FilterPlan::kBandwidthNm);
-            EXPECT_LE(pair.emission, 999);
-            EXPECT_TRUE(seen.insert({pair.excitation, pair.emission}).second);
+    for (const char* pProbe : {"NADH", "AF488", "AF680", "AF790", "ICG"}) {
+        for (int count = FilterPlan::kFewest; count <= FilterPlan::kMost; ++count) {
+            const QList<FilterPair> pairs = pairsFor(count, {QString::fromLatin1(pProbe)});
+            ASSERT_EQ(pairs.size(), count);
+            std::set<std::pair<int, int>> seen;
+            for (const FilterPair& pair : pairs) {
+                EXPECT_GT(pair.emission, pair.excitation + FilterPlan::kBandwidthNm);
+                EXPECT_LE(pair.emission, FilterPlan::kLongestNm);
+                EXPECT_GE(pair.excitation, 410);
+                EXPECT_LE(pair.excitation, 675);
+                EXPECT_TRUE(seen.insert({pair.excitation, pair.emission}).second);
+            }
         }
     }
 }
