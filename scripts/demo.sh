@@ -6,15 +6,26 @@ spum=$1
 out=$2
 mkdir -p "$out"
 
-echo "1. A simulated mouse: autofluorescence, food in the gut, two dyes that overlap"
-"$spum" simulate "$out/mouse" --force
+echo "1. A simulated mouse: autofluorescence, a dye at 2 mm and one at 6 mm"
+"$spum" simulate "$out/mouse" --probes "AlexaFluor 680,AlexaFluor 750" --food-ratio 0 --force
 echo
 echo "2. What the sequence holds"
 "$spum" info "$out/mouse"
 echo
-echo "3. Its images unmixed with the known spectra"
-"$spum" unmix "$out/mouse" --method library --library "$out/mouse/truth/radiant-efficiency/spectra.csv" \
-    --out "$out/result" --force
+echo "3. How many components its images hold"
+"$spum" pca "$out/mouse" --out "$out/pca" --force
 echo
-echo "Pictures: $out/result/overview.png, one map each in $out/result/*.png, the spectra in spectra.png"
-echo "Numbers:  $out/result/summary.csv (and summary.json), maps as float TIFF beside the pictures"
+echo "4. Its images unmixed automatically: spectra and maps from the names of the components alone"
+"$spum" unmix "$out/mouse" --method automatic --components "TissueAF,AlexaFluor 680,AlexaFluor 750" \
+    --out "$out/automatic" --force
+echo
+echo "5. The same images unmixed with the known spectra"
+"$spum" unmix "$out/mouse" --method library --library "$out/mouse/truth/radiant-efficiency/spectra.csv" \
+    --out "$out/library" --force
+echo
+echo "6. Both beside the truth"
+"$spum" compare "$out/mouse" "$out/library" "$out/automatic" --out "$out/comparison" --force
+echo
+echo "Pictures: $out/comparison/comparison.png shows truth and both results with their spectra;"
+echo "          $out/automatic/overview.png and spectra.png, one map each in $out/automatic/*.png, $out/pca/scree.png"
+echo "Numbers:  $out/automatic/summary.csv (and summary.json), maps as float TIFF beside the pictures"

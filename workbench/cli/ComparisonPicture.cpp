@@ -21,8 +21,8 @@ constexpr int legendHeight = 36;
 
 QColor rowColor(int nRow)
 {
-    static const QColor colors[] = {QColor(60, 60, 60),  QColor(31, 119, 180),  QColor(214, 39, 40),
-                                    QColor(44, 160, 44), QColor(148, 103, 189), QColor(227, 137, 25)};
+    static const QColor colors[] = {QColor(170, 170, 170), QColor(31, 119, 180),  QColor(214, 39, 40),
+                                    QColor(44, 160, 44),   QColor(148, 103, 189), QColor(227, 137, 25)};
     return colors[nRow % 6];
 }
 
