@@ -2,10 +2,10 @@
 #include "XTNT/constrained_concentrations.h"
 
 #include "XTNT/concentration_pass.h"
-#include "XTNT/large_pages.h"
 #include "XTNT/least_squares.h"
 #include "XTNT/nnls_row_fit.h"
 #include "XTNT/workspace_pool.h"
+#include "XTNT/xtnt_pages.h"
 #include "XTNT/xtnt_parallel.h"
 
 #include <algorithm>

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "XTNT/residual_norm.h"
 
-#include "XTNT/large_pages.h"
 #include "XTNT/row_blocks.h"
 #include "XTNT/row_product.h"
 #include "XTNT/xtnt_assert.h"
 #include "XTNT/xtnt_lanes.h"
+#include "XTNT/xtnt_pages.h"
 #include "XTNT/xtnt_parallel.h"
 
 #include <algorithm>

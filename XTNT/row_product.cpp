@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "XTNT/row_product.h"
 
-#include "XTNT/large_pages.h"
 #include "XTNT/xtnt_assert.h"
+#include "XTNT/xtnt_pages.h"
 #include "XTNT/xtnt_parallel.h"
 #include "XTNT/xtnt_strips.h"
 

@@ -12,9 +12,9 @@
 #include "algorithms/weightedUpdate.h"
 
 #include "XTNT/concentration_pass.h"
-#include "XTNT/large_pages.h"
 #include "XTNT/least_squares.h"
 #include "XTNT/sort_with_index.h"
+#include "XTNT/xtnt_pages.h"
 
 #include <algorithm>
 #include <cmath>

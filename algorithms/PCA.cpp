@@ -3,8 +3,8 @@
 
 #include "algorithms/columnStatistics.h"
 
-#include "XTNT/large_pages.h"
 #include "XTNT/row_product.h"
+#include "XTNT/xtnt_pages.h"
 #include "XTNT/xtnt_parallel.h"
 #include "XTNT/xtnt_svd.h"
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/CImageCube.h"
 
-#include "XTNT/large_pages.h"
 #include "XTNT/xtnt_exception.h"
+#include "XTNT/xtnt_pages.h"
 #include "XTNT/xtnt_parallel.h"
 #include "host/CILImage.h"
 #include "host/CSLComposite.h"

@@ -5,6 +5,7 @@
 #include "svd_block.h"
 
 #include "XTNT/xtnt_assert.h"
+#include "XTNT/xtnt_pages.h"
 #include "XTNT/xtnt_parallel.h"
 
 #include <Eigen/Core>
@@ -192,6 +193,7 @@ SVD::SVD(const Matrix<double>& a, const Vector<double>& shift, const Vector<doub
     XTNT_ASSERT(divisor.n_ == 0 || divisor.n_ == a.N);
     if (a.empty())
         return;
+    preferLargePages(U);
     const Source source{a, shift, divisor};
     const bool finite = m < n ? decomposeSmall(asDense(source), U, s, V) : decomposeTall(source, *this);
     if (!finite)

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "XTNT/large_pages.h"
+#include "XTNT/xtnt_pages.h"
 
 #include <cstddef>
 #include <cstdint>
