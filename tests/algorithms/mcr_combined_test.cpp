@@ -317,6 +317,31 @@ TEST(McrCombinedTest, AsManyComponentsAsBands)
         false);
 }
 
+TEST(McrCombinedTest, AsManyComponentsAsPixels)
+{
+    expectAsReference(
+        mixture(3, 6, 3, 0.4, 2), 3,
+        [](MCR& mcr) {
+            bareLoop()(mcr);
+            mcr.maxIterations = 1;
+            mcr.normalization = 1;
+            mcr.setBandCutoff(0, 1, 0);
+        },
+        false);
+}
+
+TEST(McrCombinedTest, FewerPixelsThanBands)
+{
+    expectAsReference(mixture(7, 12, 3, 0.4, 2), 3, [](MCR& mcr) {
+        mcr.maxIterations = 6;
+        mcr.convergenceTolerance = 1e-6;
+        mcr.setNonNegMode(0, 2);
+        mcr.setNonNegMode(1, 2);
+        mcr.setTopology(oneRowOfBands(12));
+        mcr.setBandCutoff(1, 0, 9);
+    });
+}
+
 TEST(McrCombinedTest, RunLeavesTheCallersDataAlone)
 {
     const Matrix<double> data = noisy();
