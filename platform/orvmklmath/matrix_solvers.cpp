@@ -2,7 +2,7 @@
 // lssolve, solve and inverse of the toolkit's matrices, on Householder factorisations.
 #include "XTNT/xtnt_matrix.h"
 
-#include "parallel_with_memory.h"
+#include "platform/orvmklmath/parallel_with_memory.h"
 
 #include <Eigen/Core>
 #include <Eigen/QR>

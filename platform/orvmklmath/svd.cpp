@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "XTNT/xtnt_svd.h"
 
-#include "parallel_with_memory.h"
-#include "svd_block.h"
+#include "platform/orvmklmath/parallel_with_memory.h"
+#include "platform/orvmklmath/svd_block.h"
 
 #include "XTNT/xtnt_assert.h"
 #include "XTNT/xtnt_pages.h"

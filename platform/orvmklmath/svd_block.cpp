@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "svd_block.h"
+#include "platform/orvmklmath/svd_block.h"
 
 #include "XTNT/xtnt_assert.h"
 #include "XTNT/xtnt_lanes.h"
