@@ -144,7 +144,7 @@ TEST(McrDegenerateTest, LastSolutionOfAConvergedRun)
     const auto configure = [](MCR& mcr) {
         mcr.convergenceTolerance = 1e30;
         mcr.setInitialEstimate(1, matrixOf({{1, 0}, {0, 1}}));
-        mcr.setBounds(1, Matrix<int>(2, 2, 1), Matrix<double>(2, 2, 2));
+        mcr.setBounds(1, Matrix<int>(2, 2, 1), matrixOf({{4, 2}, {4, 2}}));
     };
     expectDegenerate(mixture(15, 2, 2, 0.2, 6), 2, 1, configure);
     const McrOutcome outcome = testsupport::runMcr(mixture(15, 2, 2, 0.2, 6), 2, [&](MCR& mcr) {
