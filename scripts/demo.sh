@@ -6,8 +6,8 @@ spum=$1
 out=$2
 mkdir -p "$out"
 
-echo "1. A simulated mouse: autofluorescence, a dye at 2 mm and one at 6 mm"
-"$spum" simulate "$out/mouse" --probes "AlexaFluor 680,AlexaFluor 750" --food-ratio 0 --force
+echo "1. A simulated mouse: autofluorescence, food in the gut, a dye at 2 mm and one at 6 mm"
+"$spum" simulate "$out/mouse" --force
 echo
 echo "2. What the sequence holds"
 "$spum" info "$out/mouse"
@@ -16,7 +16,7 @@ echo "3. How many components its images hold"
 "$spum" pca "$out/mouse" --out "$out/pca" --force
 echo
 echo "4. Its images unmixed automatically: spectra and maps from the names of the components alone"
-"$spum" unmix "$out/mouse" --method automatic --components "TissueAF,AlexaFluor 680,AlexaFluor 750" \
+"$spum" unmix "$out/mouse" --method automatic --components "TissueAF,Food,AlexaFluor 750,AlexaFluor 790" \
     --out "$out/automatic" --force
 echo
 echo "5. The same images unmixed with the known spectra"
