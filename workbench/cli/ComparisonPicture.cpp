@@ -154,8 +154,9 @@ QImage comparisonPicture(const ResultComparison& comparison, const ComparisonSty
         drawSideways(painter, QRect(0, i * cell.height(), labelWidth, cell.height()), comparison.rowNames().at(i),
                      i == 0 ? QColor(Qt::black) : rowColor(i));
         for (int j = 0; j < columns; ++j)
-            painter.drawImage(labelWidth + j * cell.width(), i * cell.height(),
-                              cells[static_cast<std::size_t>(i * columns + j)]);
+            painter.drawImage(
+                labelWidth + j * cell.width(), i * cell.height(),
+                cells[static_cast<std::size_t>(i) * static_cast<std::size_t>(columns) + static_cast<std::size_t>(j)]);
     }
     const int top = rows * cell.height();
     drawSideways(painter, QRect(0, top, labelWidth, plotHeight), QStringLiteral("spectra"), Qt::black);

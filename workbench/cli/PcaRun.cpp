@@ -7,7 +7,7 @@
 #include "workbench/cli/CliProgress.h"
 #include "workbench/cli/ShownRun.h"
 
-#include <QMutex>
+#include <mutex>
 
 namespace {
 
@@ -18,7 +18,7 @@ public:
     LastLogLine()
     {
         m_nSink = orv::addLogSink([this](const orv::LogRecord& record) {
-            const QMutexLocker lock(&m_mutex);
+            const std::lock_guard<std::mutex> lock(m_mutex);
             m_strLine = record.m_strMessage;
         });
     }
@@ -27,12 +27,12 @@ public:
     LastLogLine& operator=(const LastLogLine&) = delete;
     QString text() const
     {
-        const QMutexLocker lock(&m_mutex);
+        const std::lock_guard<std::mutex> lock(m_mutex);
         return m_strLine;
     }
 
 private:
-    mutable QMutex m_mutex;
+    mutable std::mutex m_mutex;
     QString m_strLine;
     int m_nSink = 0;
 };

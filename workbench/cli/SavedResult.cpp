@@ -22,7 +22,7 @@ QJsonObject readSummary(const QString& strFile)
     if (!file.open(QIODevice::ReadOnly))
         throw CliFailure(
             QStringLiteral("%1: this is no folder with results of \"spum unmix\"").arg(QFileInfo(strFile).path()));
-    const QJsonObject summary = QJsonDocument::fromJson(file.readAll()).object();
+    QJsonObject summary = QJsonDocument::fromJson(file.readAll()).object();
     if (summary.value(QStringLiteral("components")).toArray().isEmpty())
         throw CliFailure(QStringLiteral("%1 names no components").arg(strFile));
     return summary;

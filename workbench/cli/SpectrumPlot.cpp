@@ -179,21 +179,27 @@ QVector<double> SpectrumPlot::ticks(double minimum, double maximum)
     QVector<double> values;
     const double first = std::ceil(minimum / step - 1e-9);
     const double last = std::floor(maximum / step + 1e-9);
-    for (double k = first; k <= last; k += 1.0)
-        values.append(k * step + 0.0); // no -0
+    // A span of denormal numbers has no step.
+    if (!(last - first < 100.0))
+        return values;
+    const int count = static_cast<int>(std::lround(last - first)) + 1;
+    for (int k = 0; k < count; ++k)
+        values.append((first + k) * step + 0.0); // no -0
     return values;
 }
 
 QVector<double> SpectrumPlot::decades(double minimum, double maximum)
 {
-    constexpr double most = 8.0;
-    if (!(maximum > minimum) || !std::isfinite(maximum - minimum))
+    constexpr int most = 8;
+    // Logarithms of what a double can hold.
+    constexpr double farthest = 400.0;
+    if (!(maximum > minimum) || !(minimum > -farthest) || !(maximum < farthest))
         return {};
-    const double first = std::ceil(minimum - 1e-9);
-    const double last = std::floor(maximum + 1e-9);
-    const double step = std::max(1.0, std::ceil((last - first + 1.0) / most));
+    const int first = static_cast<int>(std::ceil(minimum - 1e-9));
+    const int last = static_cast<int>(std::floor(maximum + 1e-9));
+    const int step = std::max(1, (last - first + most) / most);
     QVector<double> values;
-    for (double k = first; k <= last; k += step)
+    for (int k = first; k <= last; k += step)
         values.append(std::pow(10.0, k));
     return values;
 }

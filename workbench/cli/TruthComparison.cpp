@@ -98,9 +98,11 @@ std::vector<int> partnersOf(const CORVSpumKyvo& engine, const std::vector<Compon
                             const std::vector<ComponentShape>& truth)
 {
     std::vector<ComponentShape> byFile;
+    byFile.reserve(truth.size());
     for (const auto& shape : truth)
         byFile.push_back({comparable(shape.name), {}, {}});
     std::vector<ComponentShape> wanted;
+    wanted.reserve(found.size());
     for (const auto& shape : found)
         wanted.push_back({comparable(shape.name), {}, {}});
     const std::vector<int> partners = matchByName(wanted, byFile);

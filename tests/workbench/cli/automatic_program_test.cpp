@@ -349,6 +349,36 @@ TEST_F(AutomaticProgramTest, DecayWithoutAnIsotopeIsRefused)
     EXPECT_EQ(unmixRefusal({"--decay", "auto"}), "--decay: the sequence holds no isotope with Cherenkov light");
 }
 
+// Images taken an hour apart; a half life of ages changes nothing.
+TEST_F(AutomaticProgramTest, TheDecayOfAnIsotopeIsCorrectedFor)
+{
+    SmallSequence sequence;
+    sequence.fluorescence = false;
+    sequence.addBands(std::vector<std::function<float(int)>>(4));
+    for (int j = 0; j < 4; ++j) {
+        SmallImage& image = sequence.images[j];
+        image.excitation = "Block";
+        image.calibratedUnit = DISPLAYUNIT_RADIANCE;
+        image.value = [=](int i) { return mixture(i, j); };
+        image.width = image.height = 16;
+        image.isotope = "F-18";
+        image.started = QStringLiteral("1%1:00:00.000").arg(j);
+    }
+    sequence.writeTo(path("seq"));
+    const auto spectra = [this](const QStringList& options) {
+        spum(QStringList{"unmix", "seq", "--ncomponents", "2", "--mask", "none", "--out", "out", "--force"} + options);
+        const QByteArray text = contentOf(path("out/spectra.csv"));
+        return text.mid(text.indexOf("Excitation,"));
+    };
+    const QByteArray plain = spectra({});
+    const QByteArray corrected = spectra({"--decay", "auto"});
+    EXPECT_EQ(plain.count('\n'), 5) << plain.constData();
+    EXPECT_NE(corrected, plain);
+    EXPECT_EQ(spectra({"--decay", "109.734"}), corrected); // that of the database, in minutes
+    EXPECT_NE(spectra({"--decay", "60"}), corrected);
+    EXPECT_EQ(spectra({"--decay", "999999999"}), plain);
+}
+
 TEST_F(AutomaticProgramTest, PcaTellsHowMuchIsExplained)
 {
     simulateApart();

@@ -66,6 +66,21 @@ TEST_F(InterruptProgramTest, AnInterruptedUnmixingLeavesNothing)
     EXPECT_TRUE(entriesOf(path("seq")).contains("unmixed-library"));
 }
 
+TEST_F(InterruptProgramTest, AnInterruptedResolutionLeavesNothing)
+{
+    succeed({"simulate", "seq", "--size", "384", "--bands", "12", "--quiet"});
+    const QStringList before = entriesOf(path("seq"));
+    const QStringList resolve = {"unmix", "seq", "--ncomponents", "3", "--mask", "none"};
+    int interrupted = 0;
+    for (const int delay : {0, 60, 150, 400}) {
+        const ProgramResult result = program().runAndInterrupt(resolve, path("seq"), delay, SIGINT);
+        expectAllOrNothing(result, path("seq"), before, "unmixed-automatic", "summary.json");
+        interrupted += result.status == 130 ? 1 : 0;
+        QDir(path("seq/unmixed-automatic")).removeRecursively();
+    }
+    EXPECT_GT(interrupted, 0);
+}
+
 TEST_F(InterruptProgramTest, ATerminationLeavesNothing)
 {
     const ProgramResult result = program().runAndInterrupt({"simulate", "seq", "--size", "768"}, path("."), 0, SIGTERM);
