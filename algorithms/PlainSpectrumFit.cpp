@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "algorithms/PlainSpectrumFit.h"
 
+#include "algorithms/nonNegativeFit.h"
+
 #include "XTNT/least_squares.h"
-#include "XTNT/nnls.h"
 
 #include <algorithm>
 #include <iostream>
@@ -12,23 +13,6 @@ using XTNT::Matrix;
 using XTNT::Vector;
 
 namespace {
-
-// The x >= 0 that minimises |C x - d|. The solver destroys its inputs: d is a copy, the design matrix is made anew.
-Vector<double> solveNonNegative(const Matrix<double>& conc, Vector<double> d)
-{
-    const int pixels = static_cast<int>(conc.num_rows());
-    const int components = static_cast<int>(conc.num_cols());
-    Matrix<double> design = conc.transpose(); // row-major K x M is column-major M x K
-    Vector<double> x(components);
-    std::vector<double> dual(static_cast<std::size_t>(components));
-    std::vector<double> work(static_cast<std::size_t>(pixels));
-    std::vector<int> index(static_cast<std::size_t>(components) + 1);
-    double rnorm = 0;
-    int mode = 0;
-    XTNT::NNLS(design.storage.data, pixels, pixels, components, d.data, x.data, &rnorm, dual.data(), work.data(),
-               index.data(), &mode);
-    return x;
-}
 
 Matrix<double> rowsOf(const Matrix<double>& a, const Vector<long long>& rows, const Vector<long long>& columns)
 {
@@ -56,7 +40,7 @@ Matrix<double> PlainSpectrumFit::solve()
 Vector<double> PlainSpectrumFit::nonNegative(long long band)
 {
     const Vector<double> column = m_data.column(band);
-    const Vector<double> x = solveNonNegative(m_conc, column.deepCopy());
+    const Vector<double> x = nonNegativeFit(m_conc, column);
     if (m_trace) {
         std::cout << "SPEC[*][i]\n" << column << "x\n" << x;
     }
@@ -74,7 +58,7 @@ Matrix<double> PlainSpectrumFit::refit(const Vector<long long>& free, const Vect
         if (std::none_of(column.data, column.data + column.size(), [](double value) { return value < 0; })) {
             continue;
         }
-        const Vector<double> x = solveNonNegative(design, target.column(j));
+        const Vector<double> x = nonNegativeFit(design, target.column(j));
         for (long long i = 0; i < solution.num_rows(); ++i) {
             solution[i][j] = x[i];
         }

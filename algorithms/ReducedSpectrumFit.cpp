@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "algorithms/ReducedSpectrumFit.h"
 
+#include "algorithms/nonNegativeFit.h"
+
 #include "XTNT/least_squares.h"
-#include "XTNT/nnls.h"
 #include "XTNT/residual_norm.h"
 #include "XTNT/thin_qr.h"
 #include "XTNT/xtnt_assert.h"
@@ -84,24 +85,6 @@ double scaleToOne(double magnitude)
                                                      : 1.0;
 }
 
-// The x >= 0 that minimises |design x - rightHandSide|.
-Vector<double> solveNonNegative(const Matrix<double>& design, const Vector<double>& rightHandSide)
-{
-    const int rows = static_cast<int>(design.num_rows());
-    const int components = static_cast<int>(design.num_cols());
-    Matrix<double> a = design.transpose(); // read column by column
-    Vector<double> b = rightHandSide.deepCopy();
-    Vector<double> x(components);
-    std::vector<double> dual(static_cast<std::size_t>(components));
-    std::vector<double> work(static_cast<std::size_t>(rows));
-    std::vector<int> index(static_cast<std::size_t>(components) + 1);
-    double rnorm = 0;
-    int mode = 0;
-    XTNT::NNLS(a.storage.data, rows, rows, components, b.data, x.data, &rnorm, dual.data(), work.data(), index.data(),
-               &mode);
-    return x;
-}
-
 } // namespace
 
 ReducedSpectrumFit::ReducedSpectrumFit(const Matrix<double>& conc, const Matrix<double>& data)
@@ -159,7 +142,7 @@ Matrix<double> ReducedSpectrumFit::solve()
 
 Vector<double> ReducedSpectrumFit::nonNegative(long long band)
 {
-    Vector<double> x = solveNonNegative(m_reduction->triangle(), m_reduction->head().column(band));
+    Vector<double> x = nonNegativeFit(m_reduction->triangle(), m_reduction->head().column(band));
     for (long long k = 0; k < x.size(); ++k) {
         x[k] *= m_scales[static_cast<std::size_t>(k)];
     }
@@ -181,7 +164,7 @@ Matrix<double> ReducedSpectrumFit::refit(const Vector<long long>& free, const Ve
     for (long long j = 0; j < solution.num_cols(); ++j) {
         Vector<double> column = solution.column(j);
         if (std::any_of(column.data, column.data + column.size(), [](double value) { return value < 0; })) {
-            column = solveNonNegative(design, target.column(j));
+            column = nonNegativeFit(design, target.column(j));
         }
         for (long long i = 0; i < solution.num_rows(); ++i) {
             solution[i][j] = column[i] * m_scales[static_cast<std::size_t>(free[i])];

@@ -11,7 +11,6 @@
 
 namespace {
 
-constexpr bench::Size sizes[] = {{256, 18, 4}, {512, 24, 5}, {1024, 24, 5}};
 constexpr int repetitions = 5;
 
 double elements(const bench::Size& size)
@@ -21,7 +20,7 @@ double elements(const bench::Size& size)
 
 void cubeFromDisk(benchmark::State& state)
 {
-    const bench::Size size = sizes[state.range(0)];
+    const bench::Size size = bench::sizes[state.range(0)];
     const bench::DiskSequence sequence(size);
     CORVSpumKyvo engine(sequence.id());
     if (!engine.buildDatasetInfo())
@@ -48,7 +47,7 @@ void cubeFromDisk(benchmark::State& state)
 
 void storeImages(benchmark::State& state)
 {
-    const bench::Size size = sizes[state.range(0)];
+    const bench::Size size = bench::sizes[state.range(0)];
     const std::vector<float> image(static_cast<std::size_t>(size.side * size.side), 1.0F);
     const int side = static_cast<int>(size.side);
     const int bands = static_cast<int>(size.bands);

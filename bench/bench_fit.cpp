@@ -8,43 +8,27 @@
 #include "XTNT/least_squares.h"
 #include "XTNT/nnls_row_fit.h"
 
-#include <map>
-#include <memory>
+#include <string>
 
 namespace {
 
 using bench::Size;
 using XTNT::Matrix;
 
-// The sweep: pixels a side, bands, components.
-constexpr Size sizes[] = {{256, 18, 4}, {512, 24, 5}, {1024, 24, 5}};
 constexpr int fastIterations = 25;
 constexpr int slowIterations = 5;
 constexpr int repetitions = 5;
 
 struct Problem
 {
-    Size size{};
+    explicit Problem(const Size& of) : size(of), spectra(bench::makeSpectra(of)), pixels(bench::makePixels(of, spectra))
+    {
+    }
+
+    Size size;
     Matrix<double> spectra;
     Matrix<double> pixels;
 };
-
-// Made once a size.
-const Problem& problem(long long index)
-{
-    static std::map<long long, std::unique_ptr<Problem>> problems;
-    std::unique_ptr<Problem>& slot = problems[index];
-    if (!slot) {
-        problems.clear();
-        std::unique_ptr<Problem>& fresh = problems[index];
-        fresh = std::make_unique<Problem>();
-        fresh->size = sizes[index];
-        fresh->spectra = bench::makeSpectra(fresh->size);
-        fresh->pixels = bench::makePixels(fresh->size, fresh->spectra);
-        return *fresh;
-    }
-    return *slot;
-}
 
 // Largest difference of an element from the reference, relative to the largest magnitude of the reference's row.
 double largestError(const Matrix<double>& result, const Matrix<double>& reference)
@@ -114,7 +98,7 @@ using Path = Matrix<double> (*)(const Problem&);
 
 void oneThread(benchmark::State& state, Path path)
 {
-    const Problem& p = problem(state.range(0));
+    const Problem& p = bench::problemOf<Problem>(state.range(0));
     bench::timeInUnits(state, p.pixels, [&] { benchmark::DoNotOptimize(path(p).storage.data); });
     state.counters["negative"] = negativeShare(unconstrained(p));
     state.counters["error"] = path == unconstrained ? unconstrainedError(p) : largestError(path(p), plain(p));
@@ -122,7 +106,7 @@ void oneThread(benchmark::State& state, Path path)
 
 void twoThreads(benchmark::State& state, Path path)
 {
-    const Problem& p = problem(state.range(0));
+    const Problem& p = bench::problemOf<Problem>(state.range(0));
     bench::timeTwoThreads(state, p.pixels, [&] { benchmark::DoNotOptimize(path(p).storage.data); });
 }
 

@@ -15,8 +15,6 @@ using bench::Size;
 using XTNT::KMeansSolver;
 using XTNT::Matrix;
 
-// The sweep: pixels a side, bands, clusters.
-constexpr Size sizes[] = {{256, 18, 4}, {512, 24, 5}, {1024, 24, 5}};
 constexpr int sweepIterations = 25;
 constexpr int runIterations = 1;
 constexpr int repetitions = 5;
@@ -38,19 +36,9 @@ struct Problem
     Matrix<double> pixels;
 };
 
-const Problem& problem(long long index)
-{
-    static std::unique_ptr<Problem> current;
-    if (!current || current->size.side != sizes[index].side) {
-        current.reset();
-        current = std::make_unique<Problem>(sizes[index]);
-    }
-    return *current;
-}
-
 void sweepOneThread(benchmark::State& state)
 {
-    const Problem& p = problem(state.range(0));
+    const Problem& p = bench::problemOf<Problem>(state.range(0));
     KMeansSolver solver = p.solver();
     solver.start();
     bench::timeInUnits(state, p.pixels, [&] {
@@ -61,7 +49,7 @@ void sweepOneThread(benchmark::State& state)
 
 void sweepTwoThreads(benchmark::State& state)
 {
-    const Problem& p = problem(state.range(0));
+    const Problem& p = bench::problemOf<Problem>(state.range(0));
     KMeansSolver solver = p.solver();
     solver.start();
     bench::timeTwoThreads(state, p.pixels, [&] {
@@ -72,7 +60,7 @@ void sweepTwoThreads(benchmark::State& state)
 
 void wholeRun(benchmark::State& state, KMeansSolver::Method method)
 {
-    const Problem& p = problem(state.range(0));
+    const Problem& p = bench::problemOf<Problem>(state.range(0));
     KMeansSolver solver = p.solver();
     bench::timeInUnits(state, p.pixels, [&] { solver.run(maxIterations, method); });
     state.counters["sweeps"] = static_cast<double>(solver.sweeps());

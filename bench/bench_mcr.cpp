@@ -14,8 +14,6 @@
 #include "XTNT/least_squares.h"
 #include "XTNT/residual_norm.h"
 
-#include <map>
-#include <memory>
 #include <sstream>
 #include <string>
 
@@ -26,8 +24,6 @@ using bench::Size;
 using XTNT::Matrix;
 using XTNT::Vector;
 
-// The sweep: pixels a side, bands, components.
-constexpr Size sizes[] = {{256, 18, 4}, {512, 24, 5}, {1024, 24, 5}};
 constexpr int partIterations = 15;
 constexpr int slowIterations = 3;
 constexpr int repetitions = 5;
@@ -70,17 +66,6 @@ struct Problem
     Matrix<double> start; // its first estimate
 };
 
-// Made once a size.
-Problem& problem(long long index)
-{
-    static std::unique_ptr<Problem> current;
-    if (!current || current->size.side != sizes[index].side) {
-        current.reset();
-        current = std::make_unique<Problem>(sizes[index]);
-    }
-    return *current;
-}
-
 double relative(double value, double reference)
 {
     return std::abs(value - reference) / std::abs(reference);
@@ -115,7 +100,7 @@ Seconds secondsOfIteration(Problem& p, bool plain)
 
 void iterationOneThread(benchmark::State& state, bool plain)
 {
-    Problem& p = problem(state.range(0));
+    Problem& p = bench::problemOf<Problem>(state.range(0));
     XTNT::setThreadCount(1);
     const double peak = bench::peakBytes([&] { iterate(p, 2, plain); });
     std::vector<double> unit;
@@ -144,7 +129,7 @@ void iterationOneThread(benchmark::State& state, bool plain)
 
 void iterationTwoThreads(benchmark::State& state)
 {
-    Problem& p = problem(state.range(0));
+    Problem& p = bench::problemOf<Problem>(state.range(0));
     std::vector<double> sums[2];
     std::vector<double> times[2];
     for (auto _ : state) {
@@ -252,7 +237,7 @@ double bothResidualsPlain(Problem& p)
 
 void partOneThread(benchmark::State& state, Part part, Part partner)
 {
-    Problem& p = problem(state.range(0));
+    Problem& p = bench::problemOf<Problem>(state.range(0));
     XTNT::setThreadCount(1);
     const double peak = bench::peakBytes([&] { benchmark::DoNotOptimize(part(p)); });
     bench::timeInUnits(state, p.pixels, [&] { benchmark::DoNotOptimize(part(p)); });
@@ -262,7 +247,7 @@ void partOneThread(benchmark::State& state, Part part, Part partner)
 
 void partTwoThreads(benchmark::State& state, Part part)
 {
-    Problem& p = problem(state.range(0));
+    Problem& p = bench::problemOf<Problem>(state.range(0));
     bench::timeTwoThreads(state, p.pixels, [&] { benchmark::DoNotOptimize(part(p)); });
 }
 
@@ -270,7 +255,7 @@ void partTwoThreads(benchmark::State& state, Part part)
 
 void firstEstimate(benchmark::State& state)
 {
-    Problem& p = problem(state.range(0));
+    Problem& p = bench::problemOf<Problem>(state.range(0));
     bench::timeInUnits(state, p.pixels, [&] { p.mcr.computeInitialEstimate(0); });
     state.counters["error"] = largestDifference(p.mcr.spec, p.start);
 }
@@ -294,7 +279,7 @@ Outcome wholeRun(const Problem& p, bool plain)
 
 void runOneThread(benchmark::State& state, bool plain)
 {
-    const Problem& p = problem(state.range(0));
+    const Problem& p = bench::problemOf<Problem>(state.range(0));
     Outcome outcome;
     double peak = 0;
     bench::timeInUnits(state, p.pixels, [&] { peak = bench::peakBytes([&] { outcome = wholeRun(p, plain); }); });
@@ -306,7 +291,7 @@ void runOneThread(benchmark::State& state, bool plain)
 
 void runTwoThreads(benchmark::State& state)
 {
-    const Problem& p = problem(state.range(0));
+    const Problem& p = bench::problemOf<Problem>(state.range(0));
     bench::timeTwoThreads(state, p.pixels, [&] { wholeRun(p, false); });
 }
 

@@ -9,8 +9,6 @@
 
 #include "XTNT/xtnt_svd.h"
 
-#include <map>
-#include <memory>
 #include <string>
 
 namespace {
@@ -19,8 +17,6 @@ using bench::Size;
 using XTNT::Matrix;
 using XTNT::Vector;
 
-// The sweep: pixels a side, bands, components.
-constexpr Size sizes[] = {{256, 18, 4}, {512, 24, 5}, {1024, 24, 5}};
 constexpr int fastIterations = 9;
 constexpr int slowIterations = 1;
 constexpr int repetitions = 5;
@@ -29,25 +25,14 @@ constexpr unsigned autoscale = 1;
 
 struct Problem
 {
+    explicit Problem(const Size& of) : pixels(bench::makePixels(of, bench::makeSpectra(of)))
+    {
+        pca.decompose(pixels, 0);
+    }
+
     Matrix<double> pixels;
     PCA pca;
 };
-
-// Made once a size.
-const Problem& problem(long long index)
-{
-    static std::map<long long, std::unique_ptr<Problem>> problems;
-    std::unique_ptr<Problem>& slot = problems[index];
-    if (!slot) {
-        problems.clear();
-        std::unique_ptr<Problem>& fresh = problems[index];
-        fresh = std::make_unique<Problem>();
-        fresh->pixels = bench::makePixels(sizes[index], bench::makeSpectra(sizes[index]));
-        fresh->pca.decompose(fresh->pixels, 0);
-        return *fresh;
-    }
-    return *slot;
-}
 
 double product(const double* a, const double* b, long long n)
 {
@@ -190,7 +175,7 @@ struct Pair
 
 void oneThread(benchmark::State& state, Path path, Path reference)
 {
-    const Problem& p = problem(state.range(0));
+    const Problem& p = bench::problemOf<Problem>(state.range(0));
     const double peak = bench::peakBytes([&] { benchmark::DoNotOptimize(path(p).data); });
     bench::timeInUnits(state, p.pixels, [&] { benchmark::DoNotOptimize(path(p).data); });
     state.counters["error"] = largestError(path(p), reference(p));
@@ -199,7 +184,7 @@ void oneThread(benchmark::State& state, Path path, Path reference)
 
 void twoThreads(benchmark::State& state, Path path)
 {
-    const Problem& p = problem(state.range(0));
+    const Problem& p = bench::problemOf<Problem>(state.range(0));
     bench::timeTwoThreads(state, p.pixels, [&] { benchmark::DoNotOptimize(path(p).data); });
 }
 

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <memory>
 #include <random>
 #include <vector>
 
@@ -25,6 +26,23 @@ struct Size
     long long bands;
     long long components;
 };
+
+// The sweep of every benchmark.
+constexpr Size sizes[] = {{256, 18, 4}, {512, 24, 5}, {1024, 24, 5}};
+
+// The problem of sizes[index], made from its size and kept until another size is asked for: one at a time is in memory.
+template <class Problem>
+Problem& problemOf(long long index)
+{
+    static std::unique_ptr<Problem> current;
+    static long long held = -1;
+    if (held != index) {
+        current.reset();
+        current = std::make_unique<Problem>(sizes[index]);
+        held = index;
+    }
+    return *current;
+}
 
 // Share of a row's components that are truly absent. Noise makes half of these negative, so with five components half
 // of the rows have a negative element.
