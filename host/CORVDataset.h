@@ -11,7 +11,10 @@
 #include <QString>
 #include <QStringList>
 
+#include <memory>
+
 class CILImage;
+class CROIManager;
 
 // One click of the instrument: a folder with a click info and TIFF images. Known by its click number to every user of the
 // process as long as it lives. Datasets come, go and change on the user-interface thread only; the worker may look one up
@@ -79,6 +82,12 @@ public:
     bool isLuminFlatFieldCorrected() const;
     bool isSLADataset() const;
 
+    // Whether the dataset has a region of interest.
+    bool hasROIData() const;
+    // The dataset's regions, read by open() from the section "ROIs" of the click info (what cannot be read is a warning). Owned by
+    // the dataset, never null. A change reaches `clickInfo` by way of CROIManager::saveROIData().
+    CROIManager* roiManager();
+
     // Start of the exposure in seconds since 1970 (UTC) and its length in seconds; false when the click info lacks them or
     // they cannot be read, the output is then untouched.
     bool getExposureStart(double* pSeconds) const;
@@ -121,10 +130,12 @@ private:
     QString efficiencyUnavailableReason() const;
     ESTATUS findImages(QString* pError, QStringList* pWarnings);
     void readNativeUnit(QStringList* pWarnings);
+    void readRegions(QStringList* pWarnings);
     void reset();
 
     QString m_strFolder;
     CORVImageList m_images;
     QMap<int, QSharedPointer<CILImage>> m_coreImages;
+    std::unique_ptr<CROIManager> m_pROIManager; // made when it is asked for
     bool m_bModified = false;
 };

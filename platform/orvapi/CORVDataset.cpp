@@ -2,11 +2,13 @@
 #include "host/CORVDataset.h"
 
 #include "host/CILImage.h"
+#include "host/CROIManager.h"
 #include "platform/orvapi/ClickInfoKeys.h"
 #include "platform/orvapi/ClickInfoValues.h"
 #include "platform/orvapi/HostLog.h"
 #include "platform/orvapi/ImageCalibration.h"
 #include "platform/orvapi/ImageNames.h"
+#include "platform/orvapi/UnitTexts.h"
 #include "platform/orvimage/TiffIo.h"
 
 #include <QDateTime>
@@ -112,6 +114,8 @@ void CORVDataset::reset()
     m_strFolder.clear();
     m_images.clear();
     m_coreImages.clear();
+    if (m_pROIManager)
+        m_pROIManager->clearAllLists();
     m_bModified = false;
 }
 
@@ -132,6 +136,7 @@ ESTATUS CORVDataset::open(const QString& strFolder, QString* pError, QStringList
         lines.append(file + QLatin1String(": ") + wrong);
     setFolderPath(strFolder);
     readNativeUnit(&lines);
+    readRegions(&lines);
     const ESTATUS status = findImages(pError, &lines);
     if (pWarnings != nullptr)
         pWarnings->append(lines);
@@ -145,9 +150,8 @@ void CORVDataset::readNativeUnit(QStringList* pWarnings)
     const QString text = clickText(clickInfo, ClickKeys::kLuminescentImage, ClickKeys::kNativeUnit);
     if (text.isEmpty())
         return;
-    static const char* const kNames[] = {"Counts", "Radiance", "Radiant Efficiency", "Efficiency"};
     for (int unit = DISPLAYUNIT_COUNTS; unit <= DISPLAYUNIT_EFFICIENCY; ++unit) {
-        if (text == QString::number(unit) || text.compare(QLatin1String(kNames[unit]), Qt::CaseInsensitive) == 0) {
+        if (text == QString::number(unit) || text.compare(displayUnitText(unit), Qt::CaseInsensitive) == 0) {
             nativeUnit = unit;
             return;
         }
@@ -156,6 +160,29 @@ void CORVDataset::readNativeUnit(QStringList* pWarnings)
                           .arg(m_strFolder, QLatin1String(SequenceFiles::kClickInfo),
                                QLatin1String(ClickKeys::kLuminescentImage), QLatin1String(ClickKeys::kNativeUnit),
                                text));
+}
+
+void CORVDataset::readRegions(QStringList* pWarnings)
+{
+    const QString section = QString::fromLatin1(ClickKeys::kROIs);
+    if (clickInfo[section] == nullptr)
+        return;
+    roiManager()->readROIData(clickInfo);
+    for (const QString& message : roiManager()->messages())
+        pWarnings->append(QStringLiteral("%1%2: section \"%3\": %4")
+                              .arg(m_strFolder, QLatin1String(SequenceFiles::kClickInfo), section, message));
+}
+
+bool CORVDataset::hasROIData() const
+{
+    return m_pROIManager && !m_pROIManager->regions().isEmpty();
+}
+
+CROIManager* CORVDataset::roiManager()
+{
+    if (!m_pROIManager)
+        m_pROIManager = std::make_unique<CROIManager>(this);
+    return m_pROIManager.get();
 }
 
 ESTATUS CORVDataset::findImages(QString* pError, QStringList* pWarnings)

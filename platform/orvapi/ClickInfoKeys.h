@@ -44,6 +44,7 @@ constexpr const char* const kStructureImage = "structure image";
 constexpr const char* const kXRayImage = "x-ray image";
 constexpr const char* const kXRayPhotographicImage = "x-ray photographic image";
 constexpr const char* const kCameraSystemInfo = "Camera System Info";
+constexpr const char* const kROIs = "ROIs"; // regions of interest; its entries are ROISection's
 
 // Section "ClickNumber"; the entry "ClickNumber" bears the section's name.
 constexpr const char* const kFolderOnDisk = "Folder On Disk";

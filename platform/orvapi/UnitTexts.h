@@ -1,0 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "host/orv_types.h"
+
+#include <QString>
+
+// The unit as click infos name it: "Counts", "Radiance", "Radiant Efficiency", "Efficiency"; empty for another number.
+QString displayUnitText(int nUnit);
