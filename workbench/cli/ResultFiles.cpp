@@ -354,7 +354,6 @@ QJsonObject ResultFiles::summaryJson() const
                      {"pixels", static_cast<qint64>(m_engine.m_cube.pixelsPerSpot())},
                      {"residual", jsonNumber(m_numbers.residual)},
                      {"explainedVariance", jsonNumber(ResultSummary::explainedVariance(m_numbers.residual))},
-                     {"seconds", m_numbers.seconds},
                      {"components", components},
                      {"properties", properties},
                      {"files", QJsonArray::fromStringList(m_files)}};

@@ -84,6 +84,8 @@ void UnmixJob::tell(const ResultFiles& files, const QString& strFolder)
     CORVLog::getLogObject()->log(line, QString(), 0, QStringLiteral(__TIME__), CORVLOG_NOTE, false);
     m_session.answer(files.summaryText() + QStringLiteral("results in %1\n").arg(strFolder));
     QJsonObject json = files.summaryJson();
+    // Of the answer only: files of the same input are the same.
+    json.insert(QStringLiteral("seconds"), m_numbers.seconds);
     json.insert(QStringLiteral("folder"), strFolder);
     m_session.answerJson(json);
 }
