@@ -12,6 +12,9 @@
 #include "spectra/SpectrumPlotParams.h"
 #include "support/Numbers.h"
 
+#include <QFileInfo>
+#include <QTemporaryDir>
+
 #include <cmath>
 
 namespace {
@@ -51,6 +54,40 @@ protected:
         return conditionNumber(spectra);
     }
     void simulateExactly() const { succeed({"simulate", "seq", "--size", "128", "--noise", "none", "--quiet"}); }
+};
+
+// What becomes of the default scene, whose sequences are made once.
+class AutomaticAccuracyTest : public ProgramFixture
+{
+protected:
+    QString noisyScene() const { return scene("noisy", {}); }
+    QString exactScene() const { return scene("exact", {"--noise", "none"}); }
+
+    // The answer of an unmixing of that scene over the animal's body.
+    QJsonObject unmix(const QString& strScene, const QStringList& options) const
+    {
+        return succeed(QStringList{"unmix", strScene, "--mask", "auto", "--out", path("out"), "--force", "--json"} +
+                       options)
+            .json();
+    }
+    // What the true spectra leave, in percent: no spectra that are nearer to the truth explain more than noise.
+    double noiseFloor(const QString& strScene) const
+    {
+        const QJsonObject json = unmix(strScene, {"--library", strScene + "/truth/radiant-efficiency/spectra.csv"});
+        return 100.0 * json["residual"].toDouble();
+    }
+
+    const QString m_names = QStringLiteral("TissueAF,Food,AlexaFluor 750,AlexaFluor 790");
+
+private:
+    QString scene(const char* pName, const QStringList& options) const
+    {
+        static const QTemporaryDir store;
+        const QString folder = store.filePath(pName);
+        if (!QFileInfo::exists(folder))
+            succeed(QStringList{"simulate", folder, "--quiet"} + options);
+        return folder;
+    }
 };
 
 } // namespace
@@ -121,4 +158,33 @@ TEST_F(AccuracyTest, WithNoiseEachProbeFollowsTheTruth)
         }
         EXPECT_EQ(probes, 2);
     }
+}
+
+TEST_F(AutomaticAccuracyTest, NamesFindEverySpectrumAndEveryMap)
+{
+    const QJsonObject json = unmix(noisyScene(), {"--method", "automatic", "--components", m_names});
+    EXPECT_EQ(json["ending"], "converged");
+    QStringList names;
+    for (const auto& value : json["components"].toArray()) {
+        const QJsonObject component = value.toObject();
+        names.append(component["name"].toString());
+        EXPECT_EQ(component["truthName"], component["name"]);
+        EXPECT_GT(component["truthCosine"].toDouble(), 0.95) << qPrintable(names.last());
+        EXPECT_GT(component["truthCorrelation"].toDouble(), 0.9) << qPrintable(names.last());
+    }
+    EXPECT_EQ(names, m_names.split(','));
+}
+
+TEST_F(AutomaticAccuracyTest, FromTheNumberAloneNoMoreIsLeftThanTheTrueSpectraLeave)
+{
+    const double floor = noiseFloor(noisyScene());
+    EXPECT_GT(floor, 0.5);
+    EXPECT_NEAR(unmix(noisyScene(), {"--ncomponents", "4"})["lackOfFit"].toDouble(), floor, 0.05 * floor);
+}
+
+TEST_F(AutomaticAccuracyTest, WithoutNoiseAndConstraintsNearlyAllIsExplained)
+{
+    EXPECT_LT(noiseFloor(exactScene()), 1e-4);
+    EXPECT_LT(unmix(exactScene(), {"--ncomponents", "4"})["lackOfFit"].toDouble(), 0.5);
+    EXPECT_LT(unmix(exactScene(), {"--components", m_names, "--no-constraints"})["lackOfFit"].toDouble(), 0.5);
 }
