@@ -172,6 +172,14 @@ QString SequenceWriter::extraFolder(const QString& strName)
     return m_folder.path() + strName + QLatin1Char('/');
 }
 
+QString SequenceWriter::extraFile(const QString& strName)
+{
+    if (m_state != State::Open || !isPlainName(strName) || m_taken.contains(strName.toLower()))
+        return QString();
+    m_taken.insert(strName.toLower());
+    return m_folder.path() + strName;
+}
+
 CPLClickInfo SequenceWriter::sequenceInfo() const
 {
     SequenceInfo info;

@@ -71,6 +71,10 @@ public:
     // separator at its end. Empty before begin(), when it cannot be made, or for a name that is not a plain folder name.
     QString extraFolder(const QString& strName);
 
+    // Where to write a further file of that name, beside the datasets, before finish(). Empty before begin(), or for a name
+    // that is not a plain file name or is taken.
+    QString extraFile(const QString& strName);
+
     // Writes the info file and puts the folder in its place. Refused without a dataset.
     bool finish(QString* pError = nullptr);
 
