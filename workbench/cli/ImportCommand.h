@@ -3,7 +3,7 @@
 
 #include "workbench/cli/Command.h"
 
-// `spum import STACK|FOLDER --images images.csv OUT`: makes a sequence of image files.
+// `spum import STACK OUT`: makes a sequence of image files. Which image is what is told by --images, or inferred.
 class ImportCommand : public Command
 {
 public:

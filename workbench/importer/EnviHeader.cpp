@@ -143,6 +143,16 @@ bool readWavelengths(const Entries& entries, int bands, QVector<double>* pWavele
     return true;
 }
 
+// Names are for people: as many as there are bands, or none.
+QStringList readBandNames(const Entries& entries, int bands)
+{
+    QStringList names = entries.value(QStringLiteral("band names")).value.split(QLatin1Char(','));
+    for (QString& name : names) {
+        name = name.trimmed();
+    }
+    return names.size() == bands && !(bands == 1 && names.first().isEmpty()) ? names : QStringList();
+}
+
 // What would make the plain reading of the pixels wrong.
 bool refuseUnsupported(const Entries& entries, QString* pError)
 {
@@ -251,6 +261,7 @@ bool EnviHeader::parse(const QByteArray& text, QString* pError)
     read.bigEndian = order == 1;
     read.headerOffset = offset;
     read.dataFile = entries.value(QStringLiteral("data file")).value;
+    read.bandNames = readBandNames(entries, read.bands);
     if (!readWavelengths(entries, read.bands, &read.wavelengths, pError)) {
         return false;
     }

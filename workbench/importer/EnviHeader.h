@@ -5,6 +5,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QStringList>
 #include <QVector>
 
 // The header of an ENVI cube: a text whose first line is "ENVI", then "key = value" lines, where a value in braces may go
@@ -26,6 +27,7 @@ struct EnviHeader
     bool bigEndian = false;      // "byte order" 1
     qint64 headerOffset = 0;     // bytes ahead of the pixels in the data file
     QVector<double> wavelengths; // of the bands, in nm; empty without
+    QStringList bandNames;       // one each; empty without
     QString dataFile;            // as the header has it; usually empty
 
     int bytesPerPixel() const;

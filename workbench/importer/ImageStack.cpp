@@ -9,12 +9,9 @@
 
 #include <algorithm>
 
-namespace {
-
-// The first bytes of TIFF and BigTIFF files in either byte order.
-bool isTiff(const QString& path)
+bool ImageStack::isTiffFile(const QString& strPath)
 {
-    QFile file(path);
+    QFile file(strPath);
     if (!file.open(QIODevice::ReadOnly)) {
         return false;
     }
@@ -22,8 +19,6 @@ bool isTiff(const QString& path)
     return magic == QByteArray("II*\0", 4) || magic == QByteArray("MM\0*", 4) || magic == QByteArray("II+\0", 4) ||
            magic == QByteArray("MM\0+", 4);
 }
-
-} // namespace
 
 bool ImageStack::open(const QString& strSource, const ImagesTable& table, QString* pError)
 {
@@ -67,6 +62,7 @@ bool ImageStack::open(const QString& strSource, const ImagesTable& table, QStrin
         m_images.append(image);
     }
     m_cubes.clear();
+    m_csvCubes.clear();
     warnOf(m_mapped, QStringLiteral("a colour map: the stored values are taken, not the colours"));
     warnOf(m_coloured, QStringLiteral("colours: their grey values are taken"));
     warnOf(m_sampled, QStringLiteral("several samples a pixel and no band in the table: the first is taken"));
@@ -100,7 +96,11 @@ bool ImageStack::locate(const QString& strSource, bool bFolder, const ImageRow& 
         *pReason = QStringLiteral("%1: there is no such file").arg(image.path);
         return false;
     }
-    if (!isTiff(image.path) && EnviCube::isEnvi(image.path)) {
+    const bool bTiff = isTiffFile(image.path);
+    if (!bTiff && CsvCube::isCsv(image.path)) {
+        return openCsv(row, image, pReason);
+    }
+    if (!bTiff && EnviCube::isEnvi(image.path)) {
         return openCube(row, image, pReason);
     }
     image.page = row.page.value_or(1) - 1;
@@ -141,11 +141,42 @@ bool ImageStack::openCube(const ImageRow& row, Image& image, QString* pReason)
     return true;
 }
 
+bool ImageStack::openCsv(const ImageRow& row, Image& image, QString* pReason)
+{
+    if (row.page) {
+        *pReason = QStringLiteral("%1: a CSV cube has bands, not pages").arg(image.path);
+        return false;
+    }
+    QSharedPointer<CsvCube>& cube = m_csvCubes[image.path];
+    if (!cube) {
+        cube = QSharedPointer<CsvCube>::create();
+        if (!cube->open(image.path, pReason)) {
+            return false;
+        }
+    }
+    image.csv = cube;
+    image.band = row.band.value_or(1) - 1;
+    image.name += QStringLiteral(" band %1").arg(image.band + 1);
+    if (image.band >= cube->bands()) {
+        *pReason = QStringLiteral("%1: there is no band %2 (the cube has %3)")
+                       .arg(image.path)
+                       .arg(image.band + 1)
+                       .arg(cube->bands());
+        return false;
+    }
+    return true;
+}
+
 bool ImageStack::measure(Image& image, long* pWidth, long* pHeight, QString* pReason)
 {
     if (image.cube) {
         *pWidth = image.cube->header().width;
         *pHeight = image.cube->header().height;
+        return true;
+    }
+    if (image.csv) {
+        *pWidth = image.csv->width();
+        *pHeight = image.csv->height();
         return true;
     }
     TiffInfo info;
@@ -187,6 +218,9 @@ bool ImageStack::readBand(int i, CILImage& out, QString* pError) const
     const Image& image = m_images.at(i);
     if (image.cube) {
         return image.cube->readBand(image.band, out, pError);
+    }
+    if (image.csv) {
+        return image.csv->readBand(image.band, out, pError);
     }
     TiffReadOptions options;
     options.band = image.band;

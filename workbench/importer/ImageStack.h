@@ -2,6 +2,7 @@
 #pragma once
 
 #include "host/CILImage.h"
+#include "workbench/importer/CsvCube.h"
 #include "workbench/importer/EnviCube.h"
 #include "workbench/importer/ImagesTable.h"
 
@@ -14,10 +15,13 @@
 #include <optional>
 
 // The images that a table names, wherever they lie: files of a folder, pages of a TIFF file, samples of its pixels, bands of
-// an ENVI cube. All have one size. Pixels are read one image at a time.
+// an ENVI cube or a CSV cube. All have one size. Pixels are read one image at a time.
 class ImageStack
 {
 public:
+    // By the file's first bytes: TIFF or BigTIFF in either byte order.
+    static bool isTiffFile(const QString& strPath);
+
     // Finds every image of the table and reads the headers. With a folder as `strSource` each row names its file there;
     // otherwise `strSource` is the file of all rows. A row without page or band means the first. False with one sentence in
     // *pError (see importStack) when an image cannot be found or differs in size, or two rows name one image.
@@ -42,15 +46,18 @@ private:
         QString name;
         int page = 0;                  // from 0
         int band = -1;                 // from 0; -1 for a TIFF page as a whole
-        QSharedPointer<EnviCube> cube; // null for a TIFF file
+        QSharedPointer<EnviCube> cube; // null but for an ENVI cube
+        QSharedPointer<CsvCube> csv;   // null but for a CSV cube
     };
     bool locate(const QString& strSource, bool bFolder, const ImageRow& row, Image& image, QString* pReason);
     bool openCube(const ImageRow& row, Image& image, QString* pReason);
+    bool openCsv(const ImageRow& row, Image& image, QString* pReason);
     bool measure(Image& image, long* pWidth, long* pHeight, QString* pReason);
     void warnOf(const QStringList& names, const QString& strWhat);
 
     QVector<Image> m_images;
     QHash<QString, QSharedPointer<EnviCube>> m_cubes; // by path, while opening
+    QHash<QString, QSharedPointer<CsvCube>> m_csvCubes;
     QStringList m_mapped; // names of images with a colour map, in colours, of several samples a pixel
     QStringList m_coloured;
     QStringList m_sampled;

@@ -35,7 +35,8 @@ bool findColumns(const QStringList& header, Columns& columns, QStringList& warni
 {
     columns.fill(-1);
     for (int i = 0; i < header.size(); ++i) {
-        bool bKnown = header.at(i).isEmpty(); // a spreadsheet's empty columns
+        // A spreadsheet's empty columns, and what an inferred table tells besides.
+        bool bKnown = header.at(i).isEmpty() || header.at(i).compare(QLatin1String("origin"), Qt::CaseInsensitive) == 0;
         for (std::size_t c = 0; c < ColumnCount; ++c) {
             if (header.at(i).compare(QLatin1String(columnNames[c]), Qt::CaseInsensitive) != 0) {
                 continue;

@@ -1,16 +1,24 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QByteArray>
 #include <QString>
+#include <QVector>
 
 // What to import, and where to.
 struct ImportOptions
 {
-    QString source; // a folder of images, a TIFF file, or an ENVI cube (its header or its data file)
-    QString table;  // "images.csv": which image is what
-    QString
-        photo; // photograph of the same extent, in any format that Qt or libtiff reads; empty: the mean image serves
-    QString output;     // folder of the new sequence; its parent must exist
-    QString name;       // name of the sequence; empty: that of the output folder
-    bool force = false; // replace an output that exists (a sequence or an empty folder)
+    // A folder of images, a TIFF file, an ENVI cube (its header or its data file), or a CSV cube.
+    QString source;
+    QString table;        // "images.csv": which image is what
+    QByteArray tableText; // such a table as text, in place of the file; it is kept in the new sequence as "images.csv"
+    // Photograph of the same extent, in any format that Qt or libtiff reads; empty: the mean image serves.
+    QString photo;
+    QString dark;              // TIFF file to subtract from every image; empty: none
+    QString flat;              // TIFF file to divide by, normalised to a mean of 1; empty: none
+    QVector<double> exposures; // s, above 0: none, one for all, or one an image in the table's order
+    double pixelSize = 0.0;    // um in the object plane, above 0; 0: not known
+    QString output;            // folder of the new sequence; its parent must exist
+    QString name;              // name of the sequence; empty: that of the output folder
+    bool force = false;        // replace an output that exists (a sequence or an empty folder)
 };

@@ -15,6 +15,8 @@ struct ImportReport
     bool temporal = false;
     bool fluorescence = false;
     QString photographOrigin; // "mean image", or the name of the photograph's file
+    bool dark = false;        // corrections that were made
+    bool flat = false;
     QStringList clickNumbers; // in the order of the table
     QStringList warnings;     // what was passed over, a sentence each
     bool aborted = false;     // the import failed because the progress callback said so

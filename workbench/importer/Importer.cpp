@@ -3,6 +3,8 @@
 
 #include "platform/orvapi/ClickInfoKeys.h"
 #include "platform/orvapi/SequenceWriter.h"
+#include "platform/orvutils/AtomicFile.h"
+#include "workbench/importer/ImageCorrection.h"
 #include "workbench/importer/ImageKeys.h"
 #include "workbench/importer/ImageStack.h"
 #include "workbench/importer/ImagesTable.h"
@@ -11,6 +13,7 @@
 #include <QCryptographicHash>
 #include <QDir>
 #include <QFileInfo>
+#include <QLocale>
 
 #include <algorithm>
 #include <new>
@@ -23,6 +26,9 @@ constexpr long maxSide = 32768;
 const char* const meanImageOrigin = "mean image";
 // Where an image came from; for people.
 const char* const sourceKey = "Source Image";
+// The table that was inferred, in the new sequence.
+const char* const tableName = "images.csv";
+constexpr double micrometresPerCentimetre = 1e4;
 
 // One import from the table to the finished folder.
 class Import
@@ -36,12 +42,16 @@ public:
     bool run(QString* pError)
     {
         // The writer refuses a target before time is spent on images; it shows nothing before finish().
-        return readTable(pError) && m_writer.begin(m_options.output, describeSequence(), m_options.force, pError) &&
-               checkImages(pError) && makePhotograph(pError) && write(pError);
+        return readTable(pError) && readCorrections(pError) &&
+               m_writer.begin(m_options.output, describeSequence(), m_options.force, pError) && checkImages(pError) &&
+               makePhotograph(pError) && write(pError);
     }
 
 private:
     bool readTable(QString* pError);
+    bool readCorrections(QString* pError);
+    bool readImage(int i, CILImage& image, QString* pError);
+    bool keepTable(QString* pError);
     bool checkImages(QString* pError);
     bool makePhotograph(QString* pError);
     bool write(QString* pError);
@@ -57,6 +67,7 @@ private:
     ImagesTable m_table;
     ImageStack m_stack;
     ImageKeys m_keys;
+    ImageCorrection m_correction;
     SequenceWriter m_writer;
     MeanImage m_mean;
     CILImage m_photo; // padded
@@ -67,8 +78,10 @@ private:
 
 bool Import::readTable(QString* pError)
 {
-    if (!m_table.load(m_options.table, pError) || !m_stack.open(m_options.source, m_table, pError) ||
-        !m_keys.make(m_table, m_stack, pError)) {
+    const bool bTable = m_options.tableText.isEmpty()
+                            ? m_table.load(m_options.table, pError)
+                            : m_table.parse(m_options.tableText, QStringLiteral("inferred table"), pError);
+    if (!bTable || !m_stack.open(m_options.source, m_table, pError) || !m_keys.make(m_table, m_stack, pError)) {
         return false;
     }
     const long side = std::max(m_stack.width(), m_stack.height());
@@ -96,6 +109,44 @@ bool Import::readTable(QString* pError)
     return true;
 }
 
+bool Import::readCorrections(QString* pError)
+{
+    const int nExposures = m_options.exposures.size();
+    if (nExposures > 1 && nExposures != m_stack.count()) {
+        *pError = QStringLiteral("%1: %2 exposures are given for %3 images")
+                      .arg(m_options.source)
+                      .arg(nExposures)
+                      .arg(m_stack.count());
+        return false;
+    }
+    const long w = m_stack.width();
+    const long h = m_stack.height();
+    if ((!m_options.dark.isEmpty() && !m_correction.loadDark(m_options.dark, w, h, pError)) ||
+        (!m_options.flat.isEmpty() && !m_correction.loadFlat(m_options.flat, w, h, pError))) {
+        return false;
+    }
+    m_report.dark = m_correction.hasDark();
+    m_report.flat = m_correction.hasFlat();
+    return true;
+}
+
+// Reads an image and corrects it.
+bool Import::readImage(int i, CILImage& image, QString* pError)
+{
+    if (!m_stack.readBand(i, image, pError)) {
+        return false;
+    }
+    if (image.m_lWidth != m_stack.width() || image.m_lHeight != m_stack.height()) {
+        *pError = QStringLiteral("%1: the file has changed while it was read").arg(m_stack.name(i));
+        return false;
+    }
+    if (!m_correction.apply(image)) {
+        *pError = QStringLiteral("%1: there is no memory for the image").arg(m_stack.name(i));
+        return false;
+    }
+    return true;
+}
+
 bool Import::step(const QString& what, QString* pError)
 {
     if (m_progress && !m_progress(m_nDone, 2 * m_stack.count(), what)) {
@@ -112,7 +163,7 @@ bool Import::checkImages(QString* pError)
 {
     CILImage image;
     for (int i = 0; i < m_stack.count(); ++i) {
-        if (!step(QStringLiteral("Reading %1").arg(m_stack.name(i)), pError) || !m_stack.readBand(i, image, pError)) {
+        if (!step(QStringLiteral("Reading %1").arg(m_stack.name(i)), pError) || !readImage(i, image, pError)) {
             return false;
         }
         const long long bad = firstUnusablePixel(image);
@@ -121,10 +172,6 @@ bool Import::checkImages(QString* pError)
                           .arg(m_table.place(m_table.rows().at(i)), m_stack.name(i))
                           .arg(bad % image.m_lWidth)
                           .arg(bad / image.m_lWidth);
-            return false;
-        }
-        if (image.m_lWidth != m_stack.width() || image.m_lHeight != m_stack.height()) {
-            *pError = QStringLiteral("%1: the file has changed while it was read").arg(m_stack.name(i));
             return false;
         }
         if (m_options.photo.isEmpty()) {
@@ -158,7 +205,7 @@ bool Import::makePhotograph(QString* pError)
 
 bool Import::readSquare(int i, CILImage& image, QString* pError)
 {
-    if (!step(QStringLiteral("Writing %1").arg(m_stack.name(i)), pError) || !m_stack.readBand(i, image, pError)) {
+    if (!step(QStringLiteral("Writing %1").arg(m_stack.name(i)), pError) || !readImage(i, image, pError)) {
         return false;
     }
     if (!padToSquare(image)) {
@@ -186,7 +233,21 @@ bool Import::write(QString* pError)
         }
         m_report.clickNumbers.append(clickNumber(i));
     }
-    return m_writer.finish(pError);
+    return keepTable(pError) && m_writer.finish(pError);
+}
+
+// An inferred table goes along, to be edited and given by hand the next time.
+bool Import::keepTable(QString* pError)
+{
+    if (m_options.tableText.isEmpty()) {
+        return true;
+    }
+    const QString path = m_writer.extraFile(QString::fromLatin1(tableName));
+    if (path.isEmpty() || !orv::writeFileAtomically(path, m_options.tableText)) {
+        *pError = QStringLiteral("%1: %2 cannot be written").arg(m_options.output, QLatin1String(tableName));
+        return false;
+    }
+    return true;
 }
 
 SequenceDescription Import::describeSequence() const
@@ -222,11 +283,27 @@ DatasetDescription Import::describeDataset(int i) const
     }
     image.setValue(text(ClickKeys::kBinning), 1);
     image.setValue(text(ClickKeys::kImageExtent), QStringLiteral("%1 x %2").arg(m_stack.width()).arg(m_stack.height()));
+    if (m_correction.hasDark()) {
+        image.setValue(text(ClickKeys::kBackgroundCorrected), 1);
+    }
+    if (m_correction.hasFlat()) {
+        image.setValue(text(ClickKeys::kFlatFieldCorrected), 1);
+    }
+    if (!m_options.exposures.isEmpty()) {
+        const double seconds = m_options.exposures.value(m_options.exposures.size() > 1 ? i : 0);
+        image.setValue(text(ClickKeys::kExposureTime), QString::number(seconds, 'g', QLocale::FloatingPointShortest));
+    }
     image.setValue(text(sourceKey), m_stack.name(i).simplified());
     DatasetDescription dataset;
     dataset.clickNumber = clickNumber(i);
     dataset.info.addSection(&click);
     dataset.info.addSection(&image);
+    if (m_options.pixelSize > 0.0) {
+        CPLSection camera(text(ClickKeys::kCameraSystemInfo));
+        camera.setValue(text(ClickKeys::kPixelSize), QString::number(m_options.pixelSize / micrometresPerCentimetre,
+                                                                     'g', QLocale::FloatingPointShortest));
+        dataset.info.addSection(&camera);
+    }
     return dataset;
 }
 

@@ -1,0 +1,184 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "workbench/importer/CsvCube.h"
+
+#include "workbench/importer/CsvLine.h"
+
+#include <QDir>
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+#include <vector>
+
+namespace {
+
+// A line of ten thousand images takes a fifth of this.
+constexpr qint64 maxLineBytes = 1024 * 1024;
+constexpr int bufferBytes = 1024 * 1024;
+constexpr long maxSide = 32768;
+
+bool fail(QString* pError, const QString& path, qint64 line, const QString& reason)
+{
+    *pError = line > 0 ? QStringLiteral("%1:%2: %3").arg(path, QString::number(line), reason)
+                       : QStringLiteral("%1: %2").arg(path, reason);
+    return false;
+}
+
+} // namespace
+
+bool CsvCube::isCsv(const QString& strPath)
+{
+    return strPath.endsWith(QLatin1String(".csv"), Qt::CaseInsensitive);
+}
+
+bool CsvCube::open(const QString& strPath, QString* pError)
+{
+    m_strPath = strPath;
+    m_names.clear();
+    m_lWidth = 0;
+    m_lHeight = 0;
+    m_pending.clear();
+    QFile file(strPath);
+    if (!file.open(QIODevice::ReadOnly)) {
+        return fail(pError, strPath, 0, file.errorString());
+    }
+    m_pFloats = std::make_unique<QTemporaryFile>(QDir::tempPath() + QStringLiteral("/spum-XXXXXX.cube"));
+    if (!m_pFloats->open()) {
+        return fail(pError, m_pFloats->fileTemplate(), 0, m_pFloats->errorString());
+    }
+    QString reason;
+    if (!readHeader(file.readLine(maxLineBytes), &reason)) {
+        return fail(pError, strPath, 1, reason);
+    }
+    return readRows(file, pError);
+}
+
+bool CsvCube::readHeader(const QByteArray& line, QString* pReason)
+{
+    QString text = QString::fromUtf8(line);
+    if (text.startsWith(QChar(QChar::ByteOrderMark))) {
+        text.remove(0, 1);
+    }
+    QStringList fields;
+    if (!splitCsvLine(text.trimmed(), QLatin1Char(','), &fields, pReason)) {
+        return false;
+    }
+    if (fields.size() < 3 || fields.at(0).toLower() != QLatin1String("x") ||
+        fields.at(1).toLower() != QLatin1String("y")) {
+        *pReason = QStringLiteral("the first line is not \"x,y\" and a name an image: this is no cube");
+        return false;
+    }
+    m_names = fields.mid(2);
+    return true;
+}
+
+bool CsvCube::readRow(const QByteArray& line, qint64 row, QString* pReason)
+{
+    const QList<QByteArray> fields = line.split(',');
+    if (fields.size() != m_names.size() + 2) {
+        *pReason = QStringLiteral("%1 fields where the first line names %2").arg(fields.size()).arg(m_names.size() + 2);
+        return false;
+    }
+    if (m_lWidth == 0 && row > 0 && fields.at(1).trimmed() == "1") {
+        m_lWidth = static_cast<long>(row);
+    }
+    const qint64 x = m_lWidth > 0 ? row % m_lWidth : row;
+    const qint64 y = m_lWidth > 0 ? row / m_lWidth : 0;
+    bool bX = false;
+    bool bY = false;
+    if (fields.at(0).toLongLong(&bX) != x || fields.at(1).toLongLong(&bY) != y || !bX || !bY) {
+        *pReason = QStringLiteral("pixel %1, %2 comes where pixel %3, %4 is due")
+                       .arg(QString::fromUtf8(fields.at(0)), QString::fromUtf8(fields.at(1)), QString::number(x),
+                            QString::number(y));
+        return false;
+    }
+    for (int i = 2; i < fields.size(); ++i) {
+        bool bNumber = false;
+        const QByteArray field = fields.at(i).trimmed();
+        float value = field.toFloat(&bNumber);
+        if (!bNumber && field.toLower() == "nan") {
+            value = std::numeric_limits<float>::quiet_NaN();
+            bNumber = true;
+        }
+        if (!bNumber) {
+            *pReason = QStringLiteral("\"%1\" is not a number").arg(QString::fromUtf8(field.left(40)));
+            return false;
+        }
+        m_pending.append(reinterpret_cast<const char*>(&value), sizeof value);
+    }
+    return true;
+}
+
+bool CsvCube::readRows(QFile& file, QString* pError)
+{
+    qint64 row = 0;
+    qint64 line = 1;
+    const auto flush = [&] {
+        const bool written = m_pFloats->write(m_pending) == m_pending.size() && m_pFloats->flush();
+        m_pending.clear();
+        return written || fail(pError, m_pFloats->fileName(), 0, m_pFloats->errorString());
+    };
+    while (!file.atEnd()) {
+        const QByteArray bytes = file.readLine(maxLineBytes);
+        ++line;
+        if (bytes.isEmpty()) {
+            return fail(pError, m_strPath, line, file.errorString());
+        }
+        const QByteArray text = bytes.trimmed();
+        if (text.isEmpty()) {
+            continue;
+        }
+        QString reason;
+        if (!readRow(text, row, &reason)) {
+            return fail(pError, m_strPath, line, reason);
+        }
+        ++row;
+        if (m_pending.size() >= bufferBytes && !flush()) {
+            return false;
+        }
+    }
+    m_lWidth = m_lWidth > 0 ? m_lWidth : static_cast<long>(row);
+    if (row == 0 || row % m_lWidth != 0) {
+        return fail(pError, m_strPath, line,
+                    row == 0 ? QStringLiteral("the cube has no pixel")
+                             : QStringLiteral("the last row of the image ends after %1 of %2 pixels")
+                                   .arg(row % m_lWidth)
+                                   .arg(m_lWidth));
+    }
+    if (m_lWidth > maxSide || row / m_lWidth > maxSide) {
+        return fail(pError, m_strPath, 0,
+                    QStringLiteral("%1 x %2 pixels are too many").arg(m_lWidth).arg(row / m_lWidth));
+    }
+    m_lHeight = static_cast<long>(row / m_lWidth);
+    return flush();
+}
+
+bool CsvCube::readBand(int nBand, CILImage& out, QString* pError) const
+{
+    out.clear();
+    if (nBand < 0 || nBand >= bands()) {
+        return fail(pError, m_strPath, 0,
+                    QStringLiteral("there is no band %1 (the cube has %2)").arg(nBand + 1).arg(bands()));
+    }
+    if (out.InitWithType(ORVTYPE_FLOAT, m_lWidth, m_lHeight) != EIL_SUCCESS) {
+        return fail(pError, m_strPath, 0, QStringLiteral("there is no memory for a band"));
+    }
+    const auto stride = static_cast<std::size_t>(bands());
+    const std::size_t pixels = out.pixelCount();
+    const std::size_t block = std::max<std::size_t>(1, bufferBytes / (stride * sizeof(float)));
+    std::vector<float> floats(block * stride);
+    bool bRead = m_pFloats->seek(0);
+    for (std::size_t first = 0; first < pixels && bRead; first += block) {
+        const std::size_t count = std::min(block, pixels - first);
+        const auto bytes = static_cast<qint64>(count * stride * sizeof(float));
+        bRead = m_pFloats->read(reinterpret_cast<char*>(floats.data()), bytes) == bytes;
+        for (std::size_t i = 0; i < count && bRead; ++i) {
+            out.floats()[first + i] = floats[i * stride + static_cast<std::size_t>(nBand)];
+        }
+    }
+    if (!bRead) {
+        out.clear();
+        return fail(pError, m_pFloats->fileName(), 0, QStringLiteral("the floats of the cube cannot be read back"));
+    }
+    return true;
+}

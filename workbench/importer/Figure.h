@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QString>
+
+// Something that a name or metadata tell of an image.
+struct Figure
+{
+    enum Kind
+    {
+        Excitation, // nm
+        Emission,   // nm
+        Time,       // s
+        TimeNumber, // a time without a unit: seconds, or the number of a frame
+        Frame,      // the number of a frame
+        Interval
+    };
+    Kind kind = Frame;
+    double value = 0.0;
+    QString origin; // for people: "name: ex640", "OME channel 2"
+};

@@ -1,0 +1,327 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "workbench/importer/InferredTable.h"
+
+#include <QHash>
+#include <QLocale>
+#include <QSet>
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <vector>
+
+namespace {
+
+// Figures closer than this are one, written with more or fewer digits.
+constexpr double closeShare = 1e-6;
+
+bool isSame(double a, double b)
+{
+    return std::abs(a - b) <= closeShare * std::max({1.0, std::abs(a), std::abs(b)});
+}
+
+QString shortest(double value)
+{
+    return QString::number(value, 'g', QLocale::FloatingPointShortest);
+}
+
+// Without what a change of units leaves in the last digits.
+double rounded(double value)
+{
+    constexpr double digits = 1e9;
+    return std::round(value * digits) / digits;
+}
+
+QString cell(const std::optional<double>& value)
+{
+    return value ? shortest(*value) : QString();
+}
+
+QString cell(const std::optional<int>& value)
+{
+    return value ? QString::number(*value) : QString();
+}
+
+// Quoted where a plain field would be read as something else.
+QString csvField(const QString& text)
+{
+    const bool bPlain = text == text.trimmed() && !text.contains(QLatin1Char(',')) && !text.contains(QLatin1Char('"'));
+    return bPlain
+               ? text
+               : QLatin1Char('"') + QString(text).replace(QLatin1Char('"'), QLatin1String("\"\"")) + QLatin1Char('"');
+}
+
+// The figures of one kind, which must agree. Two that differ give none, and the sentence.
+std::optional<Figure> oneOf(const FoundImage& image, Figure::Kind kind, const char* what, QString* pDoubt)
+{
+    std::optional<Figure> one;
+    for (const Figure& figure : image.figures) {
+        if (figure.kind != kind) {
+            continue;
+        }
+        if (one && !isSame(one->value, figure.value)) {
+            *pDoubt = QStringLiteral("%1: the %2 is %3 (%4) or %5 (%6)")
+                          .arg(image.name, QLatin1String(what), shortest(one->value), one->origin,
+                               shortest(figure.value), figure.origin);
+            return std::nullopt;
+        }
+        one = one ? one : figure;
+    }
+    return one;
+}
+
+void addOrigin(InferredTable::Row& row, const Figure& figure)
+{
+    if (row.origin.isEmpty()) {
+        row.origin = figure.origin;
+    } else if (!row.origin.split(QStringLiteral("; ")).contains(figure.origin)) {
+        row.origin += QStringLiteral("; ") + figure.origin;
+    }
+}
+
+// "3 of 5 images", "the image".
+QString shareText(int some, int all)
+{
+    return some == all ? QStringLiteral("all %1 images").arg(all)
+                       : QStringLiteral("%1 of %2 images").arg(some).arg(all);
+}
+
+// Whether the values, in ascending order, go up by one each time.
+bool countsUp(std::vector<double> values)
+{
+    std::sort(values.begin(), values.end());
+    for (std::size_t i = 1; i < values.size(); ++i) {
+        if (!isSame(values[i] - values[i - 1], 1.0)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+} // namespace
+
+InferredTable::InferredTable(const QVector<FoundImage>& images, const QStringList& doubts,
+                             std::optional<double> interval)
+    : m_doubts(doubts)
+{
+    takeFigures(images, interval);
+    choose();
+    refuseMissing();
+    refuseDuplicates();
+    if (m_bTemporal) {
+        std::stable_sort(m_rows.begin(), m_rows.end(),
+                         [](const Row& a, const Row& b) { return a.time.value_or(0.0) < b.time.value_or(0.0); });
+    }
+}
+
+void InferredTable::doubt(const QString& strSentence)
+{
+    if (!strSentence.isEmpty()) {
+        m_doubts.append(strSentence);
+    }
+}
+
+void InferredTable::takeFigures(const QVector<FoundImage>& images, std::optional<double> interval)
+{
+    for (const FoundImage& image : images) {
+        Row row;
+        row.file = image.file;
+        row.page = image.page;
+        row.band = image.band;
+        row.name = image.name;
+        QString first;
+        QString second;
+        QString third;
+        const auto excitation = oneOf(image, Figure::Excitation, "excitation", &first);
+        const auto emission = oneOf(image, Figure::Emission, "emission", &second);
+        const auto block = oneOf(image, Figure::Interval, "interval", &third);
+        if (excitation) {
+            row.excitation = rounded(excitation->value);
+            addOrigin(row, *excitation);
+        }
+        if (emission) {
+            row.emission = rounded(emission->value);
+            addOrigin(row, *emission);
+        }
+        if (block && block->value >= 1.0) {
+            row.interval = static_cast<int>(block->value);
+        }
+        doubt(first);
+        doubt(second);
+        doubt(third);
+        if (image.file.contains(QLatin1Char('\n'))) {
+            doubt(QStringLiteral("%1: a name with a line end cannot stand in a table").arg(image.name.simplified()));
+        }
+        m_rows.append(row);
+    }
+    takeTimes(images, interval);
+}
+
+void InferredTable::takeTimes(const QVector<FoundImage>& images, std::optional<double> interval)
+{
+    QString sentence;
+    std::vector<double> numbers; // times without a unit, of images that have no other
+    QVector<std::optional<Figure>> times;
+    for (const FoundImage& image : images) {
+        std::optional<Figure> time = oneOf(image, Figure::Time, "time", &sentence);
+        const auto number = oneOf(image, Figure::TimeNumber, "time", &sentence);
+        const auto frame = oneOf(image, Figure::Frame, "frame", &sentence);
+        doubt(sentence);
+        sentence.clear();
+        if (!time && interval && (number || frame)) {
+            time = number ? number : frame;
+            time->value = rounded(time->value * *interval);
+            time->origin += QStringLiteral(" x %1 s").arg(shortest(*interval));
+        } else if (!time && number) {
+            numbers.push_back(number->value);
+            time = number;
+            time->origin += QStringLiteral(", taken as s");
+        }
+        times.append(time);
+    }
+    for (int i = 0; i < m_rows.size(); ++i) {
+        if (times.at(i)) {
+            m_rows[i].time = times.at(i)->value;
+        }
+    }
+    // Which of the two it is only matters where times tell the images apart.
+    choose();
+    if (m_bTemporal && !numbers.empty() && countsUp(numbers)) {
+        doubt(QStringLiteral("the times without a unit count up by one and could be frames: --interval S tells the "
+                             "seconds between frames (1 when they are seconds)"));
+    } else if (m_bTemporal && !numbers.empty()) {
+        m_notes.append(QStringLiteral("times without a unit are taken as seconds; --interval S makes frames of them"));
+    }
+    for (int i = 0; i < m_rows.size(); ++i) {
+        if (times.at(i) && (m_bTemporal || !m_bSpectral)) {
+            addOrigin(m_rows[i], *times.at(i));
+        }
+    }
+}
+
+// What tells the images apart: wavelengths, or times at one pair of wavelengths.
+void InferredTable::choose()
+{
+    QSet<QString> pairs;
+    int wavelengths = 0;
+    int times = 0;
+    for (const Row& row : m_rows) {
+        wavelengths += row.excitation || row.emission ? 1 : 0;
+        times += row.time ? 1 : 0;
+        pairs.insert(cell(row.excitation) + QLatin1Char('/') + cell(row.emission));
+    }
+    const bool bApart = pairs.size() == m_rows.size();
+    m_bSpectral = wavelengths > 0 && (bApart || times == 0 || pairs.size() > 1);
+    m_bTemporal = times > 0 && !m_bSpectral;
+}
+
+void InferredTable::refuseMissing()
+{
+    const auto lacking = [this](const std::function<bool(const Row&)>& has, const char* what) {
+        const Row* first = nullptr;
+        int missing = 0;
+        for (const Row& row : m_rows) {
+            if (!has(row)) {
+                first = first != nullptr ? first : &row;
+                ++missing;
+            }
+        }
+        if (missing > 0) {
+            doubt(QStringLiteral("%1 of %2 lack the %3, the first is %4")
+                      .arg(missing)
+                      .arg(m_rows.size())
+                      .arg(QLatin1String(what), first->name));
+        }
+        return missing;
+    };
+    const auto excited = [](const Row& row) { return row.excitation.has_value(); };
+    const auto emitting = [](const Row& row) { return row.emission.has_value(); };
+    if (!m_bSpectral && !m_bTemporal) {
+        doubt(QStringLiteral("nothing tells the wavelengths or times of %1; names can (ex640_em700, 640-700, t12.5s), "
+                             "--interval S makes times of numbered frames")
+                  .arg(shareText(m_rows.size(), m_rows.size())));
+    } else if (m_bTemporal) {
+        lacking([](const Row& row) { return row.time.has_value(); }, "time");
+    } else {
+        if (std::any_of(m_rows.cbegin(), m_rows.cend(), excited)) {
+            lacking(excited, "excitation");
+        }
+        if (std::any_of(m_rows.cbegin(), m_rows.cend(), emitting)) {
+            lacking(emitting, "emission");
+        }
+    }
+}
+
+void InferredTable::refuseDuplicates()
+{
+    QHash<QString, const Row*> first;
+    int nTold = 0;
+    for (const Row& row : m_rows) {
+        QString key;
+        if (m_bTemporal && row.time) {
+            // Datasets are told apart by their whole second, as single precision holds it.
+            key = QStringLiteral("second %1").arg(static_cast<qint64>(static_cast<float>(*row.time)));
+        } else if (m_bSpectral && (row.excitation || row.emission)) {
+            const auto whole = [](const std::optional<double>& value) {
+                return value ? shortest(std::round(*value)) + QStringLiteral(" nm") : QStringLiteral("none");
+            };
+            key = QStringLiteral("excitation %1 and emission %2").arg(whole(row.excitation), whole(row.emission));
+        } else {
+            continue;
+        }
+        if (!first.contains(key)) {
+            first.insert(key, &row);
+        } else if (++nTold <= 3) {
+            doubt(QStringLiteral("%1 and %2 share %3").arg(first.value(key)->name, row.name, key));
+        }
+    }
+    if (nTold > 3) {
+        doubt(QStringLiteral("%1 more share them with another").arg(nTold - 3));
+    }
+    const bool bTimes =
+        std::any_of(m_rows.cbegin(), m_rows.cend(), [](const Row& row) { return row.time.has_value(); });
+    if (m_bSpectral && bTimes) {
+        if (nTold > 0) {
+            doubt(QStringLiteral("both wavelengths and times differ: a sequence is either spectral or temporal"));
+        } else {
+            m_notes.append(QStringLiteral("the images' times are not used: wavelengths tell them apart"));
+        }
+    } else if (m_bTemporal && (m_rows.first().excitation || m_rows.first().emission)) {
+        m_notes.append(QStringLiteral("the images' wavelengths are not used: they are the same in all"));
+    }
+}
+
+QByteArray InferredTable::toCsv() const
+{
+    const auto any = [this](const std::function<bool(const Row&)>& has) {
+        return std::any_of(m_rows.cbegin(), m_rows.cend(), has);
+    };
+    const bool bPages = any([](const Row& row) { return row.page.has_value(); });
+    const bool bBands = any([](const Row& row) { return row.band.has_value(); });
+    const bool bTimes = any([](const Row& row) { return row.time.has_value(); });
+    // A template offers what could be meant.
+    const bool bOpen = !m_doubts.isEmpty() && (bTimes == m_bSpectral || (!m_bSpectral && !m_bTemporal));
+    const bool bSpectralColumns = m_bSpectral || bOpen;
+    const bool bTimeColumns = m_bTemporal || bOpen;
+    const bool bIntervals = bTimeColumns && any([](const Row& row) { return row.interval.has_value(); });
+    QStringList lines;
+    const auto add = [&](const QString& file, const QString& page, const QString& band, const QStringList& spectral,
+                         const QString& interval, const QString& time, const QString& origin) {
+        QStringList fields{csvField(file)};
+        fields += bPages ? QStringList(page) : QStringList();
+        fields += bBands ? QStringList(band) : QStringList();
+        fields += bSpectralColumns ? spectral : QStringList();
+        fields += bIntervals ? QStringList(interval) : QStringList();
+        fields += bTimeColumns ? QStringList(time) : QStringList();
+        fields.append(csvField(origin));
+        lines.append(fields.join(QLatin1Char(',')));
+    };
+    add(QStringLiteral("file"), QStringLiteral("page"), QStringLiteral("band"),
+        {QStringLiteral("excitation"), QStringLiteral("emission")}, QStringLiteral("interval"), QStringLiteral("time"),
+        QStringLiteral("origin"));
+    for (const Row& row : m_rows) {
+        add(row.file, cell(row.page), cell(row.band), {cell(row.excitation), cell(row.emission)}, cell(row.interval),
+            cell(row.time), row.origin);
+    }
+    return (lines.join(QLatin1Char('\n')) + QLatin1Char('\n')).toUtf8();
+}

@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "workbench/importer/Figure.h"
+
+#include <QString>
+#include <QStringList>
+#include <QVector>
+
+// What the OME-XML in a TIFF file's first description (Open Microscopy Environment, schemas of 2008 to 2016) tells of the
+// file's pages: the wavelengths of their channels, the times of their planes.
+class OmeMetadata
+{
+public:
+    static bool isOme(const QString& strDescription);
+
+    // Reads the text for a file of that name with `nPages` pages. Of a set of files each tells all; what is meant for other
+    // files is left out. False with the reason in *pError: XML that is broken or has a document type (entities are not
+    // expanded), sizes that no file has.
+    bool parse(const QString& strXml, const QString& strFile, int nPages, QString* pError);
+
+    // By page. A page that the text does not speak of has none.
+    const QVector<QVector<Figure>>& pages() const { return m_pages; }
+    // Figures that cannot be used, a sentence each.
+    const QStringList& doubts() const { return m_doubts; }
+
+private:
+    QVector<QVector<Figure>> m_pages;
+    QStringList m_doubts;
+};
