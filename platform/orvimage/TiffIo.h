@@ -46,6 +46,7 @@ struct TiffWriteOptions
         Deflate // with the predictor of the pixel type
     };
     QString description;
+    QString pageName;
     Compression compression = Compression::None;
 };
 
