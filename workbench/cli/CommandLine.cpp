@@ -8,6 +8,7 @@
 #include "workbench/cli/CliSession.h"
 #include "workbench/cli/Command.h"
 #include "workbench/cli/CompareCommand.h"
+#include "workbench/cli/ExportCommand.h"
 #include "workbench/cli/ImportCommand.h"
 #include "workbench/cli/InfoCommand.h"
 #include "workbench/cli/LibraryCommand.h"
@@ -142,6 +143,7 @@ std::vector<std::unique_ptr<Command>> CommandLine::commands()
     list.push_back(std::make_unique<SimulateCommand>());
     list.push_back(std::make_unique<ImportCommand>());
     list.push_back(std::make_unique<InfoCommand>());
+    list.push_back(std::make_unique<ExportCommand>());
     list.push_back(std::make_unique<PcaCommand>());
     list.push_back(std::make_unique<UnmixCommand>());
     list.push_back(std::make_unique<CompareCommand>());

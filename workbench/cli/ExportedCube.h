@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "workbench/cli/OpenedSequence.h"
+
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+
+class CILImage;
+class CORVDataset;
+class CliSession;
+
+// The calibrated images of a sequence on their way to other programs, all of one size, in one unit. Pixels are what the host
+// gives, floats, negative ones and the padding to a square included.
+class ExportedCube
+{
+public:
+    // What is known of one image. Wavelengths are those of filters that name one.
+    struct Image
+    {
+        QString click;
+        QString name; // as an import reads it: "ex640_em700", "em700", "int2_t12.5s"; of a scan with its spot behind
+        std::optional<double> excitation; // nm
+        std::optional<double> emission;   // nm
+        std::optional<double> time;       // s
+        std::optional<double> exposure;   // s
+    };
+
+    // Opens the sequence and hands on its warnings. `strSelect` as --select, empty for all images; `nUnit` -1 for the best
+    // that the images have. Throws CliFailure for a selection or a unit that cannot be had, and for images that differ in
+    // size or binning.
+    ExportedCube(const QString& strSequence, const QString& strSelect, int nUnit, CliSession& session);
+    // Takes the process's limit of units back.
+    ~ExportedCube();
+    ExportedCube(const ExportedCube&) = delete;
+    ExportedCube& operator=(const ExportedCube&) = delete;
+
+    QString name();
+    const QList<Image>& images() const { return m_images; }
+    int count() const { return m_images.size(); }
+    bool isTemporal() const { return m_bTemporal; }
+    long width() const { return m_lWidth; }
+    long height() const { return m_lHeight; }
+    int unit() const { return m_nUnit; }
+    // Side of a pixel in the object, in micrometres, where all images tell the same.
+    std::optional<double> pixelSize() const { return m_pixelSize; }
+
+    // Fills `out` with image i. Throws CliFailure when it cannot be read; shows progress and stops when
+    // the user interrupts.
+    void read(int i, CILImage& out);
+
+private:
+    QList<CORVDataset*> selected(const QString& strSelect);
+    void describe(CORVDataset& dataset);
+    void checkSizes();
+    void chooseUnit(int nUnit);
+
+    CliSession& m_session;
+    OpenedSequence m_opened;
+    QList<Image> m_images;
+    bool m_bTemporal = false;
+    long m_lWidth = 0;
+    long m_lHeight = 0;
+    int m_nUnit = -1;
+    std::optional<double> m_pixelSize;
+};
