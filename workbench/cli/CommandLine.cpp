@@ -13,6 +13,7 @@
 #include "workbench/cli/InfoCommand.h"
 #include "workbench/cli/LibraryCommand.h"
 #include "workbench/cli/PcaCommand.h"
+#include "workbench/cli/RoiCommand.h"
 #include "workbench/cli/SimulateCommand.h"
 #include "workbench/cli/UnmixCommand.h"
 
@@ -148,6 +149,7 @@ std::vector<std::unique_ptr<Command>> CommandLine::commands()
     list.push_back(std::make_unique<UnmixCommand>());
     list.push_back(std::make_unique<CompareCommand>());
     list.push_back(std::make_unique<LibraryCommand>());
+    list.push_back(std::make_unique<RoiCommand>());
     return list;
 }
 

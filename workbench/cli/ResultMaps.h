@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "host/CILImage.h"
+
+#include <QString>
+#include <QStringList>
+
+// The maps in a folder that `spum unmix` wrote, those of every scan spot included, one read at a time.
+class ResultMaps
+{
+public:
+    // Throws CliFailure when the folder is none of that kind.
+    explicit ResultMaps(const QString& strFolder);
+
+    // Name of the folder.
+    QString label() const { return m_strLabel; }
+    // As shown ("Radiant Efficiency").
+    QString unit() const { return m_strUnit; }
+    int count() const { return m_files.size(); }
+    // The component's name; of several spots, the name of the map's file without its ending.
+    QString name(int n) const { return m_names[n]; }
+    // The map with its binning, its pixels outside the analysed mask NaN: what was not analysed has no value. Throws CliFailure
+    // when it cannot be read.
+    CILImage read(int n) const;
+
+private:
+    void maskOut(CILImage& map) const;
+
+    QString m_strFolder; // with its separator
+    QString m_strLabel;
+    QString m_strUnit;
+    float m_fBinning = 1.0F;
+    QStringList m_files;
+    QStringList m_names;
+};
