@@ -6,6 +6,7 @@
 #include "platform/orvapi/ClickInfoKeys.h"
 #include "workbench/cli/CliFailure.h"
 #include "workbench/cli/UnitNames.h"
+#include "workbench/simulator/TruthWriter.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -28,14 +29,18 @@ QString OpenedSequence::folder() const
     return m_pSequence->getSequenceInfoPath();
 }
 
-QString OpenedSequence::truthFolder(int nUnit) const
+QString OpenedSequence::truthFolder(int nUnit, bool bDecayCorrected) const
 {
     QString name;
     CPLSection* section = m_pSequence->sequenceInfo()[QLatin1String(SequenceKeys::kSequence)];
     if (section == nullptr || section->getValue(QLatin1String(SequenceKeys::kTruthFolder), &name) != 0 ||
         name.isEmpty())
         return QString();
-    const QString path = folder() + name + QLatin1Char('/') + UnitNames::options().value(nUnit) + QLatin1Char('/');
+    const QString units = folder() + name + QLatin1Char('/');
+    const QString path = units + UnitNames::options().value(nUnit) + QLatin1Char('/');
+    const QString corrected = units + truthDecayFolder(static_cast<tag_edisplayunit>(nUnit)) + QLatin1Char('/');
+    if (bDecayCorrected && QFileInfo(corrected).isDir())
+        return corrected;
     return QFileInfo(path).isDir() ? path : QString();
 }
 

@@ -29,7 +29,8 @@ public:
     bool canBeAnalysed() const { return m_bAnalysable; }
     QString reasonAgainst() const { return m_strReason; }
     // Unit folder of the sequence's truth ("truth/counts/"), with a separator at its end; empty without one.
-    QString truthFolder(int nUnit) const;
+    // For data corrected for decay that of its own, where there is one.
+    QString truthFolder(int nUnit, bool bDecayCorrected = false) const;
 
 private:
     QString findReason() const;

@@ -64,6 +64,24 @@ QString comparable(const QString& strName)
     return truthMapFile(strName);
 }
 
+// The true maps of all spots; empty when one is missing or of another size.
+std::vector<double> trueMap(const CORVSpumKyvo& engine, const QString& strFolder, const QString& strName)
+{
+    const int spots = engine.m_cube.m_nSpots;
+    std::vector<double> map;
+    for (int spot = 0; spot < spots; ++spot) {
+        const QString file = strFolder + (spots > 1 ? truthMapFile(strName, spot) : truthMapFile(strName));
+        CILImage image;
+        if (!QFileInfo::exists(file) || !readTiff(file, 0, image, nullptr))
+            return {};
+        const std::vector<double> pixels = pixelsOfAnalysis(engine, image);
+        if (pixels.empty())
+            return {};
+        map.insert(map.end(), pixels.begin(), pixels.end());
+    }
+    return map;
+}
+
 // Every true component with a map of the analysis' size, under its comparable name.
 std::vector<ComponentShape> shapesOfTruth(const CORVSpumKyvo& engine, const QString& strFolder)
 {
@@ -77,11 +95,7 @@ std::vector<ComponentShape> shapesOfTruth(const CORVSpumKyvo& engine, const QStr
     }
     std::vector<ComponentShape> complete;
     for (auto& shape : shapes) {
-        const QString file = strFolder + truthMapFile(shape.name);
-        CILImage image;
-        if (!QFileInfo::exists(file) || !readTiff(file, 0, image, nullptr))
-            continue;
-        shape.map = pixelsOfAnalysis(engine, image);
+        shape.map = trueMap(engine, strFolder, shape.name);
         if (shape.map.empty())
             continue;
         if (!shape.spectrum.empty()) {
@@ -114,7 +128,7 @@ std::vector<int> partnersOf(const CORVSpumKyvo& engine, const std::vector<Compon
 
 std::vector<ComponentShape> shapesOfResult(const CORVSpumKyvo& engine)
 {
-    const long long pixels = engine.m_cube.pixelsPerSpot();
+    const long long pixels = engine.m_cube.pixelsPerSpot() * engine.m_cube.m_nSpots;
     std::vector<ComponentShape> shapes;
     for (int k = 0; k < engine.m_spectrumPlots.size() && k < engine.m_concentrations.num_rows(); ++k) {
         ComponentShape shape;

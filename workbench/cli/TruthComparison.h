@@ -26,8 +26,11 @@ struct TrueComparison
 // A component belongs to the true one of its name. Where an automatic run had no names to give, so that none of its components has
 // a true one's name, they belong together as their maps and spectra suggest.
 //
+// In a scan the maps of all spots count, those of the truth being "<name>_spot1.tif" and so on.
+//
 // True maps are brought to what spectra with a largest value of 1 in the images of the analysis would leave.
 std::vector<TrueComparison> compareWithTruth(const CORVSpumKyvo& engine, const QString& strFolder);
 
-// The components of a result as the engine holds them: maps of the first scan spot over the pixels of the analysis.
+// The components of a result as the engine holds them: maps over the pixels of the analysis, of a scan those of all spots
+// one after the other.
 std::vector<ComponentShape> shapesOfResult(const CORVSpumKyvo& engine);

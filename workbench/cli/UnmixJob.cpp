@@ -137,7 +137,8 @@ void UnmixJob::fit()
     const auto& data = engine.m_cube.m_data;
     m_numbers.shares = ResultSummary::signalShares(data, engine.m_concentrations, engine.m_spectra);
     m_numbers.residual = ResultSummary::relativeResidual(data, engine.m_concentrations, engine.m_spectra);
-    m_numbers.truth = compareWithTruth(engine, m_setUp.opened().truthFolder(engine.m_eUnit));
+    const bool corrected = isAutomatic() && m_request.automatic.correctDecay;
+    m_numbers.truth = compareWithTruth(engine, m_setUp.opened().truthFolder(engine.m_eUnit, corrected));
     m_numbers.automatic = isAutomatic();
     m_numbers.facts = engine.m_runFacts;
     if (isAutomatic() && m_numbers.facts.ending == MCR::Ending::IterationLimit)

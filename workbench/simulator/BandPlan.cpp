@@ -1,12 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "workbench/simulator/BandPlan.h"
 
+#include "host/CORVDatabase.h"
 #include "platform/orvapi/ClickInfoKeys.h"
+#include "platform/orvapi/DecayCorrection.h"
 #include "platform/orvapi/ImageCalibration.h"
+#include "workbench/simulator/Kinetics.h"
 #include "workbench/simulator/MouseShape.h"
 #include "workbench/simulator/SimulationOptions.h"
 #include "workbench/simulator/SpectralCurve.h"
 
+#include <algorithm>
 #include <optional>
 
 namespace {
@@ -15,6 +19,8 @@ constexpr double kPi = 3.141592653589793;
 constexpr double kJoulesPerPhotonTimesNm = 1.98644586e-16; // h c, with the wavelength in nm
 constexpr int kReadOutMilliseconds = 5000;
 constexpr int kMixedBands = 2;
+constexpr double kTransmittedShare = 2e-3; // of a white diffuser's light that crosses the animal where it is brightest
+constexpr const char* kBlock = "Block";    // the excitation filter that lets nothing through
 
 // Lambert: a white diffuser sends back all photons, over pi sr.
 double whiteRadiance(double irradiance, double nm)
@@ -24,7 +30,65 @@ double whiteRadiance(double irradiance, double nm)
 
 QString filterText(int nm)
 {
-    return QString::number(nm) + QStringLiteral("nm");
+    return nm > 0 ? QString::number(nm) + QStringLiteral("nm") : QString::fromLatin1(kBlock);
+}
+
+qint64 milliseconds(double seconds)
+{
+    return qRound64(1000.0 * seconds);
+}
+
+// What the image's light and filters come to, and how it is known.
+void light(const SimulationOptions& options, const FilterPair& pair, Band& band)
+{
+    band.filters = pair;
+    band.photonsPerCount =
+        options.gain / (CameraFigures::quantumEfficiency(pair.emission) * CameraFigures::kTransmission);
+    band.firstKey = pair.excitation > 0 ? QString::number(pair.excitation) : QString::fromLatin1(kBlock);
+    band.secondKey = QString::number(pair.emission);
+    if (pair.excitation <= 0)
+        return;
+    band.irradiance = CameraFigures::irradiance(pair.excitation);
+    band.referenceRadiance = whiteRadiance(band.irradiance, pair.excitation);
+    if (options.kind == SimulationKind::Transillumination)
+        band.referenceRadiance *= kTransmittedShare;
+}
+
+// Keys of an image of a temporal sequence: as its click info tells them, or as images without times are numbered.
+void setTime(const SimulationOptions& options, int index, Band& band)
+{
+    const double seconds = timesOf(options).at(index);
+    const int interval = options.timesSeconds.isEmpty() ? Kinetics::standardInterval(seconds) : 1;
+    if (options.timeKeys) {
+        band.kyvoTime = exactText(seconds);
+        band.kyvoInterval = QString::number(interval);
+    }
+    band.firstKey = QStringLiteral("Int%1").arg(options.timeKeys ? interval : 1);
+    band.secondKey = QString::number(options.timeKeys ? static_cast<int>(seconds) : index);
+}
+
+// Band::timeSeconds of image `index`, which follows `before`.
+double startOf(const SimulationOptions& options, int index, const QList<Band>& before)
+{
+    if (options.kind == SimulationKind::Temporal)
+        return timesOf(options).at(index);
+    if (options.kind == SimulationKind::Cherenkov)
+        return index * bandStepSeconds(options);
+    if (before.isEmpty())
+        return 0.0;
+    return before.last().timeSeconds +
+           static_cast<double>(kReadOutMilliseconds + milliseconds(before.last().exposureSeconds)) / 1000.0;
+}
+
+void setDecay(const SimulationOptions& options, QList<Band>& bands)
+{
+    QVector<Exposure> exposures;
+    for (const Band& band : bands)
+        exposures.append({static_cast<double>(band.start.toMSecsSinceEpoch()) / 1000.0, band.exposureSeconds});
+    QVector<double> factors;
+    if (decayCorrectionFactors(exposures, CORVDatabase::getCherenkovRADHalflife(options.isotope), factors))
+        for (int i = 0; i < bands.size(); ++i)
+            bands[i].decayCorrection = factors.at(i);
 }
 
 void set(CPLSection& section, const char* pKey, const QString& strValue)
@@ -51,8 +115,19 @@ CPLSection luminescentSection(const SimulationOptions& options, const Band& band
     set(section, kAcquisitionTime, band.start.toString(QStringLiteral("HH:mm:ss.zzz")));
     set(section, kProbe, strProbes);
     set(section, kSubjectType, options.subject);
-    set(section, kExcitationIrradiance, band.irradiance);
-    set(section, kReferenceRadiance, band.referenceRadiance);
+    if (isFluorescent(options.kind))
+        set(section, kExcitationIrradiance, band.irradiance);
+    if (options.kind == SimulationKind::Epi || options.kind == SimulationKind::Temporal)
+        set(section, kReferenceRadiance, band.referenceRadiance);
+    if (options.kind == SimulationKind::Transillumination) {
+        set(section, kFLXSpot, band.spotX);
+        set(section, kFLYSpot, band.spotY);
+    }
+    if (options.kind == SimulationKind::Cherenkov) {
+        QString isotope;
+        CORVDatabase::isCherenkovIsotope(options.isotope, &isotope);
+        set(section, kIsotope, isotope);
+    }
     return section;
 }
 
@@ -78,24 +153,31 @@ QString exactText(double value)
     return QString::number(value, 'g', 17);
 }
 
-QList<Band> planBands(const SimulationOptions& options, const QList<FilterPair>& pairs, const QString& strPrefix)
+QList<Band> planBands(const SimulationOptions& options, const QList<FilterPair>& pairs, const QString& strPrefix,
+                      const QList<ScanSpot>& spots)
 {
+    const QDateTime begin(QDate(2024, 3, 5), QTime(9, 30), Qt::UTC); // fixed: the same options give the same bytes
+    const bool temporal = options.kind == SimulationKind::Temporal;
+    const int each = temporal ? timesOf(options).size() : pairs.size();
     QList<Band> bands;
-    QDateTime start(QDate(2024, 3, 5), QTime(9, 30), Qt::UTC); // fixed, so that the same options give the same bytes
-    for (int i = 0; i < pairs.size(); ++i) {
+    for (int i = 0; i < each * std::max(1, spots.size()); ++i) {
         Band band;
-        band.filters = pairs.at(i);
-        band.exposureSeconds = bandExposureSeconds(options, i);
-        band.irradiance = CameraFigures::irradiance(band.filters.excitation);
-        band.referenceRadiance = whiteRadiance(band.irradiance, band.filters.excitation);
-        band.photonsPerCount =
-            options.gain / (CameraFigures::quantumEfficiency(band.filters.emission) * CameraFigures::kTransmission);
+        light(options, pairs.at(temporal ? 0 : i % each), band);
+        band.exposureSeconds = bandExposureSeconds(options, i % each);
         band.binning = options.mixedBinning && i < kMixedBands ? 2 * options.binning : options.binning;
         band.clickNumber = QStringLiteral("%1_%2").arg(strPrefix).arg(i + 1, 3, 10, QLatin1Char('0'));
-        band.start = start;
+        band.timeSeconds = startOf(options, i, bands);
+        band.start = begin.addMSecs(milliseconds(band.timeSeconds));
+        if (temporal)
+            setTime(options, i, band);
+        if (!spots.isEmpty()) {
+            band.spotX = spots.at(i / each).xText();
+            band.spotY = spots.at(i / each).yText();
+        }
         bands.append(band);
-        start = start.addMSecs(kReadOutMilliseconds + qRound64(1000.0 * band.exposureSeconds));
     }
+    if (options.kind == SimulationKind::Cherenkov)
+        setDecay(options, bands);
     return bands;
 }
 
@@ -104,6 +186,10 @@ CPLClickInfo describeBand(const SimulationOptions& options, const Band& band, in
     CPLClickInfo info;
     CPLSection click(QString::fromLatin1(ClickKeys::kClickNumber));
     set(click, ClickKeys::kClickNumber, band.clickNumber);
+    if (!band.kyvoTime.isEmpty()) {
+        set(click, ClickKeys::kKyVoTime, band.kyvoTime);
+        set(click, ClickKeys::kKyVoInterval, band.kyvoInterval);
+    }
     info.addSection(&click);
     const CPLSection luminescent = luminescentSection(options, band, binning, strProbes);
     info.addSection(&luminescent);
@@ -119,6 +205,8 @@ double unitOfCount(const SimulationOptions& options, const Band& band, tag_edisp
 {
     if (eUnit == DISPLAYUNIT_COUNTS)
         return 1.0;
+    if (eUnit != DISPLAYUNIT_RADIANCE && !isFluorescent(options.kind))
+        return 0.0;
     double factor = 0.0;
     const CPLClickInfo info = describeBand(options, band, options.binning, QString());
     if (!radianceOfCount(info, IMAGETYPE_MAIN_DATA, std::nullopt, &factor, nullptr))

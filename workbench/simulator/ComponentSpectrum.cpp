@@ -22,16 +22,23 @@ std::vector<double> componentSpectrum(const SceneComponent& component, const Tis
                                       const QList<Band>& bands)
 {
     const Probe& source = component.source;
+    const double pathIn = component.excitationPathMm.value_or(component.depthMm);
     std::vector<double> spectrum;
     for (const Band& band : bands) {
-        const double in = meanOverFilter(band.filters.excitation, [&](double nm) {
-            return source.excitation.at(nm) * nm * tissue.transmission(nm, component.depthMm);
+        const bool excited = band.filters.excitation > 0;
+        const double in = !excited ? 1.0 : meanOverFilter(band.filters.excitation, [&](double nm) {
+            return source.excitation.at(nm) * nm * tissue.transmission(nm, pathIn);
         });
         const double out = meanOverFilter(band.filters.emission, [&](double nm) {
             return source.emission.at(nm) * CameraFigures::quantumEfficiency(nm) *
                    tissue.transmission(nm, component.depthMm);
         });
-        spectrum.push_back(band.exposureSeconds * band.irradiance * in * out);
+        double electrons = band.exposureSeconds * (excited ? band.irradiance : 1.0) * in * out;
+        if (component.course)
+            electrons *= component.course->at(band.timeSeconds + 0.5 * band.exposureSeconds);
+        if (component.decays)
+            electrons /= band.decayCorrection;
+        spectrum.push_back(electrons);
     }
     return spectrum;
 }

@@ -2,6 +2,7 @@
 #include "workbench/simulator/FilterPlan.h"
 
 #include "workbench/simulator/ProbeChoice.h"
+#include "workbench/simulator/SimulationOptions.h"
 
 #include <algorithm>
 
@@ -16,6 +17,12 @@ constexpr int kWholeSteps = 5; // nm to which a chosen excitation is rounded
 constexpr int kMostForOne = 8;
 constexpr int kMostForTwo = 24;
 constexpr int kMostExcitations = 8;
+constexpr int kLastForTimes = 720;
+constexpr int kCoarseStep = 20;
+constexpr double kBeforePeak = 40.0;      // where the emissions of a luciferase begin
+constexpr int kShortestEmissionNm = 420;  // of luciferases
+constexpr int kCherenkovEmissionNm = 520; // tissue leaves little of the bluer light
+constexpr int kFinestSteps[] = {20, 10, 5, 2, 1};
 
 double bluestPeak(const QList<Probe>& probes)
 {
@@ -86,10 +93,64 @@ bool FilterPlan::choose(int count, const QList<int>& excitations, const QList<Pr
         return false;
     QList<int> filters = excitations.isEmpty() ? chooseExcitations(count, probes) : excitations;
     std::sort(filters.begin(), filters.end());
-    for (const int step : {20, 10, 5, 2, 1})
+    for (const int step : kFinestSteps)
         if (place(count, filters, step, pPairs))
             return true;
     *pError =
         QStringLiteral("There is no room for %1 bands between these excitations and %2 nm.").arg(count).arg(kLongestNm);
     return false;
+}
+
+bool FilterPlan::chooseEmissions(int count, int firstNm, QList<FilterPair>* pPairs, QString* pError)
+{
+    for (const int step : kFinestSteps) {
+        if (firstNm + (count - 1) * step > kLongestNm)
+            continue;
+        pPairs->clear();
+        for (int i = 0; i < count; ++i)
+            pPairs->append({0, firstNm + i * step});
+        return true;
+    }
+    *pError =
+        QStringLiteral("There is no room for %1 bands between %2 and %3 nm.").arg(count).arg(firstNm).arg(kLongestNm);
+    return false;
+}
+
+bool FilterPlan::chooseOne(const QList<int>& excitations, const QList<Probe>& probes, FilterPair* pPair,
+                           QString* pError)
+{
+    *pError = checkExcitations(excitations);
+    if (pError->isEmpty() && excitations.size() > 1)
+        *pError = QStringLiteral("A temporal sequence has one excitation filter, not %1.").arg(excitations.size());
+    if (!pError->isEmpty())
+        return false;
+    const int before = kWholeSteps * qRound((bluestPeak(probes) - kBeforeEmission) / kWholeSteps);
+    pPair->excitation =
+        excitations.isEmpty() ? std::max(kShortestNm, std::min(before, kLastForTimes)) : excitations.first();
+    double mean = 0.0;
+    for (const Probe& probe : probes)
+        mean += probe.emission.peak() / probes.size();
+    pPair->emission = std::max(firstEmission(pPair->excitation, kCoarseStep), kCoarseStep * qRound(mean / kCoarseStep));
+    pPair->emission = std::min(pPair->emission, kLongestNm);
+    return true;
+}
+
+bool choosePairs(const SimulationOptions& options, QList<FilterPair>* pPairs, QString* pError)
+{
+    if (options.kind == SimulationKind::Cherenkov)
+        return FilterPlan::chooseEmissions(options.bands, kCherenkovEmissionNm, pPairs, pError);
+    QList<Probe> probes;
+    if (!resolveProbes(options.probes, lightOf(options.kind), &probes, pError))
+        return false;
+    if (options.kind == SimulationKind::Luminescent) {
+        const int first = kCoarseStep * qRound((bluestPeak(probes) - kBeforePeak) / kCoarseStep);
+        return FilterPlan::chooseEmissions(options.bands, std::max(first, kShortestEmissionNm), pPairs, pError);
+    }
+    if (options.kind != SimulationKind::Temporal)
+        return FilterPlan::choose(options.bands, options.excitationsNm, probes, pPairs, pError);
+    FilterPair pair{0, 0};
+    if (!FilterPlan::chooseOne(options.excitationsNm, probes, &pair, pError))
+        return false;
+    *pPairs = {pair};
+    return true;
 }

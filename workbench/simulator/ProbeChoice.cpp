@@ -2,6 +2,7 @@
 #include "workbench/simulator/ProbeChoice.h"
 
 #include "host/CORVDatabase.h"
+#include "workbench/simulator/SimulationKind.h"
 
 #include <QHash>
 
@@ -14,13 +15,20 @@ namespace {
 
 constexpr double kStokesShiftNm = 23.0;
 
-bool readCurve(const QString& strSource, SpectralCurve* pCurve)
+using ReadSource = bool (*)(const QString& strName, sSourceSpecFileParameters* pSource);
+
+bool readCurve(const QString& strSource, SpectralCurve* pCurve, ReadSource pRead = &CORVDatabase::readLIBSource)
 {
     sSourceSpecFileParameters source;
-    if (!CORVDatabase::readLIBSource(strSource, &source) || source.n < 1)
+    if (!pRead(strSource, &source) || source.n < 1)
         return false;
     *pCurve = SpectralCurve(source.wavelength, source.intensity, SpectralCurve::Beyond::Zero);
     return true;
+}
+
+QString lightName(ProbeLight eLight)
+{
+    return eLight == ProbeLight::Luciferase ? QStringLiteral("luciferase") : QStringLiteral("fluorophore");
 }
 
 // Fewest insertions, removals and exchanges that turn one text into the other (V. I. Levenshtein, 1965).
@@ -50,13 +58,13 @@ QString comparable(const QString& strText)
     return text;
 }
 
-QString unknownProbe(const QString& strName)
+QString unknownProbe(const QString& strName, ProbeLight eLight)
 {
     // Other names in use may be what the user meant; the answer tells the probe's own.
     QStringList keys;
     QHash<QString, QString> nameOf;
     for (const sProbeParameters& probe : CORVDatabase::probeList()) {
-        if (probe.kind != QLatin1String("fluorophore"))
+        if (probe.kind != lightName(eLight))
             continue;
         for (const QString& key : QStringList(probe.name) + probe.aliases) {
             keys.append(key);
@@ -73,23 +81,28 @@ QString unknownProbe(const QString& strName)
         .arg(strName, QStringLiteral("\"%1\"").arg(similar.join(QStringLiteral("\", \""))));
 }
 
-bool resolveProbe(const QString& strName, Probe* pProbe, QString* pError)
+bool resolveProbe(const QString& strName, ProbeLight eLight, Probe* pProbe, QString* pError)
 {
     sProbeParameters parameters;
     if (!CORVDatabase::findProbe(strName.trimmed(), &parameters)) {
-        *pError = unknownProbe(strName.trimmed());
+        *pError = unknownProbe(strName.trimmed(), eLight);
         return false;
     }
-    if (parameters.kind != QLatin1String("fluorophore")) {
-        *pError = QStringLiteral("\"%1\" is no fluorophore but a %2; fluorescence needs a fluorophore.")
-                      .arg(parameters.name, parameters.kind);
+    if (parameters.kind != lightName(eLight)) {
+        const QString process =
+            eLight == ProbeLight::Luciferase ? QStringLiteral("bioluminescence") : QStringLiteral("fluorescence");
+        *pError = QStringLiteral("\"%1\" is no %3 but a %2; %4 needs a %3.")
+                      .arg(parameters.name, parameters.kind, lightName(eLight), process);
         return false;
     }
     pProbe->name = parameters.name;
-    if (!readCurve(parameters.name + QStringLiteral("Em"), &pProbe->emission)) {
+    const ReadSource read = eLight == ProbeLight::Luciferase ? &CORVDatabase::readSource : &CORVDatabase::readLIBSource;
+    if (!readCurve(parameters.name + QStringLiteral("Em"), &pProbe->emission, read)) {
         *pError = QStringLiteral("The reference data hold no emission of \"%1\".").arg(parameters.name);
         return false;
     }
+    if (eLight == ProbeLight::Luciferase)
+        return true;
     if (!readCurve(parameters.name + QStringLiteral("Ex"), &pProbe->excitation)) {
         pProbe->excitation = estimateExcitation(parameters.name, pProbe->emission);
         pProbe->excitationIsEstimate = true;
@@ -124,7 +137,7 @@ QStringList similarNames(const QString& strText, const QStringList& names, int n
     return sorted.mid(0, nMost);
 }
 
-bool resolveProbes(const QStringList& names, QList<Probe>* pProbes, QString* pError)
+bool resolveProbes(const QStringList& names, ProbeLight eLight, QList<Probe>* pProbes, QString* pError)
 {
     if (names.isEmpty() || names.size() > kMostProbes) {
         *pError = QStringLiteral("A simulation takes 1 to %1 probes, not %2.").arg(kMostProbes).arg(names.size());
@@ -133,7 +146,7 @@ bool resolveProbes(const QStringList& names, QList<Probe>* pProbes, QString* pEr
     QList<Probe> probes;
     for (const QString& name : names) {
         Probe probe;
-        if (!resolveProbe(name, &probe, pError))
+        if (!resolveProbe(name, eLight, &probe, pError))
             return false;
         for (const Probe& other : probes)
             if (other.name == probe.name) {
@@ -144,6 +157,17 @@ bool resolveProbes(const QStringList& names, QList<Probe>* pProbes, QString* pEr
     }
     *pProbes = probes;
     return true;
+}
+
+ProbeLight lightOf(SimulationKind eKind)
+{
+    return eKind == SimulationKind::Luminescent ? ProbeLight::Luciferase : ProbeLight::Fluorophore;
+}
+
+bool readIsotope(const QString& strIsotope, Probe* pProbe)
+{
+    return CORVDatabase::isCherenkovIsotope(strIsotope, &pProbe->name) &&
+           readCurve(pProbe->name, &pProbe->emission, &CORVDatabase::readRADSource);
 }
 
 bool readAutofluorescence(const QString& strName, Probe* pProbe)

@@ -16,11 +16,28 @@ struct Probe
     bool excitationIsEstimate = false; // no measured curve, see estimateExcitation()
 };
 
-// The fluorophores of that name, or of another name in use. False with one sentence in *pError, which names the
+enum class SimulationKind;
+
+// What sends out the light of a probe.
+enum class ProbeLight
+{
+    Fluorophore,
+    Luciferase // has no excitation
+};
+ProbeLight lightOf(SimulationKind eKind);
+
+// The fluorophores, or luciferases, of that name, or of another name in use. False with one sentence in *pError, which names the
 // likeliest candidates for a name that is unknown, and *pProbes as it was: no name, more than kMostProbes, the same
-// probe twice, one that is no fluorophore.
+// probe twice, one of another light.
 constexpr int kMostProbes = 8;
-bool resolveProbes(const QStringList& names, QList<Probe>* pProbes, QString* pError);
+bool resolveProbes(const QStringList& names, ProbeLight eLight, QList<Probe>* pProbes, QString* pError);
+inline bool resolveProbes(const QStringList& names, QList<Probe>* pProbes, QString* pError)
+{
+    return resolveProbes(names, ProbeLight::Fluorophore, pProbes, pError);
+}
+
+// An isotope's Cherenkov light; false when it has none.
+bool readIsotope(const QString& strIsotope, Probe* pProbe);
 
 // A source of the reference data with an emission and an excitation curve ("ALFree", "ALFood"); false when it is not
 // there.

@@ -42,16 +42,23 @@ bool SceneModel::build(const ScenePlan& plan, const SimulationOptions& options, 
                        QString* pError)
 {
     size = options.size;
+    spots = std::max(1, plan.spots().size());
     maps = plan.renderMaps(size);
+    if (!plan.spots().isEmpty())
+        reference = ScanSpots::transmittedReference(plan.spots(), plan.shape(), plan.tissue(), size);
+    const QList<Band> bandsOfSpot = bands.mid(0, bands.size() / spots);
     for (int i = 0; i < plan.components().size(); ++i) {
         const SceneComponent& component = plan.components().at(i);
         const auto index = static_cast<std::size_t>(i);
         names.append(component.name);
-        std::vector<double> spectrum = componentSpectrum(component, plan.tissue(), bands);
+        std::vector<double> spectrum = componentSpectrum(component, plan.tissue(), bandsOfSpot);
         const std::size_t brightest = maximumIndex(spectrum);
         const std::size_t peak = maximumIndex(maps[index]);
         if (!(spectrum[brightest] > 0.0) || !(maps[index][peak] > 0.0)) {
-            *pError = QStringLiteral("\"%1\" gives no light in these filters; choose other excitations or more bands.")
+            *pError = (options.kind == SimulationKind::Temporal
+                           ? QStringLiteral("\"%1\" gives no light with this filter at these times; choose others.")
+                           : QStringLiteral(
+                                 "\"%1\" gives no light in these filters; choose other excitations or more bands."))
                           .arg(component.name);
             return false;
         }
@@ -75,11 +82,13 @@ bool SceneModel::build(const ScenePlan& plan, const SimulationOptions& options, 
 
 std::vector<double> SceneModel::expectedCounts(int band) const
 {
-    std::vector<double> counts(maps.front().size(), 0.0);
+    std::vector<double> counts(pixelsPerSpot(), 0.0);
+    const std::size_t bandsOfSpot = spectra.front().size();
+    const std::size_t first = static_cast<std::size_t>(band) / bandsOfSpot * counts.size();
     XTNT::parallelChunks(static_cast<long long>(counts.size()), kGrain, [&](long long begin, long long end) {
         for (std::size_t k = 0; k < maps.size(); ++k) {
-            const double weight = spectra[k][static_cast<std::size_t>(band)];
-            const double* __restrict pMap = maps[k].data();
+            const double weight = spectra[k][static_cast<std::size_t>(band) % bandsOfSpot];
+            const double* __restrict pMap = maps[k].data() + first;
             double* __restrict pOut = counts.data();
             for (long long i = begin; i < end; ++i)
                 pOut[i] += weight * pMap[i];

@@ -16,16 +16,21 @@ struct SceneModel
 {
     QStringList names;
     int size = 0;
-    std::vector<std::vector<double>> maps;    // a component each: size x size pixels in counts
-    std::vector<std::vector<double>> spectra; // a component each: a value for each band, the largest 1
+    int spots = 1;                            // of a scan
+    std::vector<std::vector<double>> maps;    // a component each: spots times size x size pixels in counts
+    std::vector<std::vector<double>> spectra; // a component each: a value for each band of a spot, the largest 1
+    // Of a scan: transmitted reference of each spot as the maps lie, the largest value 1; else empty.
+    std::vector<double> reference;
 
     // Renders and scales the scene. Each component but the first has its peak at `ratio` times the first one's counts,
-    // at the pixel of its map's maximum and in the band of its spectrum's maximum; then all are scaled so that the
+    // at the pixel (and spot) of its map's maximum and in the band of its spectrum's maximum; then all are scaled so that the
     // brightest pixel of the sequence (a coarse image's pixel gathers four) expects options.peakElectrons. False with a
     // sentence when a component gives no light in any band.
     bool build(const ScenePlan& plan, const SimulationOptions& options, const QList<Band>& bands, QString* pError);
 
-    // Expected counts of a band at the analysis' binning, row by row.
+    // Pixels of the map of one spot.
+    std::size_t pixelsPerSpot() const { return maps.front().size() / static_cast<std::size_t>(spots); }
+    // Expected counts of a band of the sequence at the analysis' binning, row by row.
     std::vector<double> expectedCounts(int band) const;
 };
 

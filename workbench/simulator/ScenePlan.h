@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "workbench/simulator/DepthBlur.h"
 #include "workbench/simulator/MouseShape.h"
 #include "workbench/simulator/ProbeChoice.h"
+#include "workbench/simulator/ScanSpots.h"
+#include "workbench/simulator/TimeCourse.h"
 #include "workbench/simulator/TissueOptics.h"
 
 #include <QList>
@@ -11,9 +14,11 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 struct Band;
+struct SimulatedSource;
 struct SimulationOptions;
 
 // One source of light in the animal.
@@ -23,8 +28,13 @@ struct SceneComponent
     Probe source;   // its spectra
     double depthMm; // that light passes on its way in and out
     double ratio;   // of its peak over the autofluorescence beneath; 0 for the autofluorescence itself
-    // Its map at a place in cm, without the animal's soft edge and in a unit of its own.
-    std::function<double(double x, double y, const MouseShape::Point& point)> density;
+    // Its map at a place in cm, without the animal's soft edge and in a unit of its own; in a scan one for each spot.
+    using Density = std::function<double(double x, double y, const MouseShape::Point& point)>;
+    std::vector<Density> densities;
+
+    std::optional<double> excitationPathMm; // that light passes on its way in where that is not depthMm
+    std::optional<TimeCourse> course;       // without one it does not change over time
+    bool decays = false;                    // with the sequence's isotope
 };
 
 // The animal and what shines in it. Place and shape do not depend on the size of the images.
@@ -43,19 +53,29 @@ public:
 
     const MouseShape& shape() const { return *m_shape; }
     const TissueOptics& tissue() const { return m_tissue; }
-    // The tissue's autofluorescence first, then food (unless its ratio is 0), then the probes in their order.
+    // The places from which a scan is lit, else none.
+    const QList<ScanSpot>& spots() const { return m_spots; }
+    // The tissue's own light first, then food (where there is excitation, and unless its ratio is 0), then the sources in
+    // their order: probes, organs, or the isotope at its depths.
     const QList<SceneComponent>& components() const { return m_components; }
 
     // The map of each component, `size` x `size` pixels row by row, 0 outside the animal, the largest pixel 1 (a map
-    // without light stays 0). A pixel is the mean over its area. Independent of the number of threads.
+    // without light stays 0); in a scan the maps of all spots one after the other, the largest pixel of all 1. A pixel is the
+    // mean over its area. Independent of the number of threads.
     std::vector<std::vector<double>> renderMaps(int size) const;
 
 private:
-    bool addTissue(std::uint64_t seed, QString* pError);
+    bool addTissue(const SimulationOptions& options, QString* pError);
     bool addFood(const SimulationOptions& options, QString* pError);
-    void addProbe(const Probe& probe, int index, const SimulationOptions& options);
+    bool addSources(const SimulationOptions& options, QString* pError);
+    bool addIsotope(const SimulationOptions& options, QString* pError);
+    void addSource(const SimulatedSource& source, const Probe& light, const DepthBlur::Density& density,
+                   const SimulationOptions& options);
+    std::vector<SceneComponent::Density> blurred(const DepthBlur::Density& density, double depthMm) const;
+    double pathFromBelowMm(double depthMm) const;
 
     std::shared_ptr<const MouseShape> m_shape;
     TissueOptics m_tissue;
+    QList<ScanSpot> m_spots;
     QList<SceneComponent> m_components;
 };

@@ -1,9 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "workbench/simulator/SimulationOptions.h"
 
+#include "host/CORVDatabase.h"
 #include "workbench/simulator/FilterPlan.h"
+#include "workbench/simulator/Kinetics.h"
 #include "workbench/simulator/ProbeChoice.h"
+#include "workbench/simulator/ScanSpots.h"
+#include "workbench/simulator/SourceList.h"
 
+#include <QSet>
+
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -14,6 +21,9 @@ constexpr int kCoarsestBinning = 64;
 constexpr int kFewestMixedBands = 5; // two coarse images must be outnumbered, or the coarse binning would be analysed
 constexpr double kShallowestMm = 0.5;
 constexpr double kDeepestMm = 20.0;
+constexpr double kLongestExposure = 3600.0; // s
+constexpr double kLatestTime = 1e7;         // s
+constexpr int kMostTimes = 2000;
 
 QString outOfRange(const char* pWhat, double value, double low, double high)
 {
@@ -51,13 +61,15 @@ QString checkCamera(const SimulationOptions& options)
     if (!range.isEmpty())
         return range;
     const int count = options.exposuresSeconds.size();
-    if (count != 1 && count != options.bands)
-        return QStringLiteral("There are %1 exposures for %2 bands; give one for all or one each.")
+    const bool chosen = count == 0 && options.kind == SimulationKind::Cherenkov;
+    if (count != 1 && count != bandCount(options) && !chosen)
+        return QStringLiteral("There are %1 exposures for %2 %3; give one for all or one each.")
             .arg(count)
-            .arg(options.bands);
+            .arg(bandCount(options))
+            .arg(options.kind == SimulationKind::Temporal ? QStringLiteral("times") : QStringLiteral("bands"));
     for (const double seconds : options.exposuresSeconds)
-        if (!(seconds >= 1e-3 && seconds <= 3600.0))
-            return outOfRange("An exposure (seconds)", seconds, 1e-3, 3600.0);
+        if (!(seconds >= 1e-3 && seconds <= kLongestExposure))
+            return outOfRange("An exposure (seconds)", seconds, 1e-3, kLongestExposure);
     return QString();
 }
 
@@ -68,7 +80,9 @@ QString checkMixedBinning(const SimulationOptions& options)
     if (!options.noise)
         return QStringLiteral(
             "A sequence without noise has one binning; leave out the mixed binning or the missing noise.");
-    if (options.bands < kFewestMixedBands)
+    if (options.kind == SimulationKind::Transillumination)
+        return QStringLiteral("A transillumination scan has one binning; leave out the mixed binning.");
+    if (bandCount(options) < kFewestMixedBands)
         return QStringLiteral("Mixed binning needs at least %1 bands.").arg(kFewestMixedBands);
     if (options.size % 2 != 0 || options.size < 2 * kSmallestSize)
         return QStringLiteral("Mixed binning needs an even size of at least %1 pixels.").arg(2 * kSmallestSize);
@@ -85,11 +99,85 @@ QString checkScene(const SimulationOptions& options)
         if (!(depth >= kShallowestMm && depth <= kDeepestMm))
             return outOfRange("A depth (mm)", depth, kShallowestMm, kDeepestMm);
     const int depths = options.depthsMm.size();
-    if (depths > 1 && depths != options.probes.size())
+    if (depths > 1 && depths != sourceCount(options))
         return QStringLiteral("There are %1 depths for %2 probes; give one for all or one each.")
             .arg(depths)
-            .arg(options.probes.size());
+            .arg(sourceCount(options));
     return QString();
+}
+
+QString checkTimes(const SimulationOptions& options)
+{
+    const QList<double> times = timesOf(options);
+    if (times.size() < FilterPlan::kFewest || times.size() > kMostTimes)
+        return QStringLiteral("A temporal sequence takes %1 to %2 times, not %3.")
+            .arg(FilterPlan::kFewest)
+            .arg(kMostTimes)
+            .arg(times.size());
+    for (int i = 0; i < times.size(); ++i) {
+        if (!(times.at(i) >= 0.0 && times.at(i) <= kLatestTime))
+            return outOfRange("A time (seconds)", times.at(i), 0.0, kLatestTime);
+        if (i == 0)
+            continue;
+        if (std::floor(times.at(i)) <= std::floor(times.at(i - 1)))
+            return QStringLiteral("The times must ascend by a whole second at least; %1 follows %2.")
+                .arg(times.at(i))
+                .arg(times.at(i - 1));
+        const double exposure = bandExposureSeconds(options, i - 1);
+        if (times.at(i) - times.at(i - 1) < exposure)
+            return QStringLiteral("The exposure of %1 s does not end before the next image at %2 s.")
+                .arg(exposure)
+                .arg(times.at(i));
+    }
+    return QString();
+}
+
+QString checkIsotope(const SimulationOptions& options)
+{
+    if (!(CORVDatabase::isCherenkovIsotope(options.isotope) &&
+          CORVDatabase::getCherenkovRADHalflife(options.isotope) > 0.0)) {
+        QStringList known;
+        for (const QString& name : CORVDatabase::isotopeList())
+            if (CORVDatabase::isCherenkovIsotope(name) && CORVDatabase::getCherenkovRADHalflife(name) > 0.0)
+                known.append(name);
+        return QStringLiteral("\"%1\" is no isotope with Cherenkov light; there are %2.")
+            .arg(options.isotope, known.join(QStringLiteral(", ")));
+    }
+    const QString range = checkRanges({{"The time span (half lives)", options.spanHalfLives, 0.01, 10.0}});
+    if (!range.isEmpty())
+        return range;
+    QSet<double> depths;
+    for (const double depth : options.depthsMm) {
+        if (depths.contains(depth))
+            return QStringLiteral("The depth %1 mm is given twice.").arg(depth);
+        depths.insert(depth);
+    }
+    if (options.depthsMm.size() > kMostProbes)
+        return QStringLiteral("An isotope lies at %1 depths at most.").arg(kMostProbes);
+    const double step = bandStepSeconds(options);
+    for (int i = 0; i < options.bands; ++i)
+        if (bandExposureSeconds(options, i) > step)
+            return QStringLiteral("The exposure of %1 s is longer than the %2 s from image to image; choose a shorter "
+                                  "one, fewer bands or a longer span.")
+                .arg(bandExposureSeconds(options, i))
+                .arg(step);
+    return QString();
+}
+
+// What only one kind has.
+QString checkKind(const SimulationOptions& options)
+{
+    switch (options.kind) {
+    case SimulationKind::Transillumination:
+        return checkRanges(
+            {{"The number of scan spots", static_cast<double>(options.spots), ScanSpots::kFewest, ScanSpots::kMost}});
+    case SimulationKind::Temporal:
+        return checkTimes(options);
+    case SimulationKind::Cherenkov:
+        return checkIsotope(options);
+    default:
+        return QString();
+    }
 }
 
 bool isOneLine(const QString& strText)
@@ -114,16 +202,63 @@ QString validate(const SimulationOptions& options)
         problem = checkMixedBinning(options);
     if (problem.isEmpty())
         problem = checkScene(options);
+    if (problem.isEmpty())
+        problem = checkKind(options);
     if (!problem.isEmpty())
         return problem;
     if (!isOneLine(options.name) || !isOneLine(options.subject))
         return QStringLiteral("The name and the subject must be a single line each.");
-    QList<Probe> probes;
-    if (!resolveProbes(options.probes, &probes, &problem))
-        return problem;
     QList<FilterPair> pairs;
-    FilterPlan::choose(options.bands, options.excitationsNm, probes, &pairs, &problem);
+    choosePairs(options, &pairs, &problem);
     return problem;
+}
+
+SimulationOptions SimulationOptions::standard(SimulationKind eKind)
+{
+    SimulationOptions options;
+    options.kind = eKind;
+    switch (eKind) {
+    case SimulationKind::Luminescent:
+        options.bands = 12;
+        options.probes =
+            QStringList{QStringLiteral("Click-Beetle Green Luciferase"), QStringLiteral("Click-Beetle Red Luciferase")};
+        options.ratio = 50.0;
+        options.exposuresSeconds = {60.0};
+        break;
+    case SimulationKind::Transillumination:
+        options.bands = 8;
+        options.probes = QStringList{QStringLiteral("AlexaFluor 680"), QStringLiteral("AlexaFluor 750")};
+        options.foodRatio = 0.0;
+        break;
+    case SimulationKind::Temporal:
+        options.probes = QStringList{QStringLiteral("AlexaFluor 750")};
+        options.ratio = 5.0;
+        break;
+    case SimulationKind::Cherenkov:
+        options.bands = 12;
+        options.ratio = 30.0;
+        options.exposuresSeconds.clear();
+        break;
+    default:
+        break;
+    }
+    return options;
+}
+
+QList<double> timesOf(const SimulationOptions& options)
+{
+    return options.timesSeconds.isEmpty() ? Kinetics::standardTimes() : options.timesSeconds;
+}
+
+int bandCount(const SimulationOptions& options)
+{
+    return options.kind == SimulationKind::Temporal ? timesOf(options).size() : options.bands;
+}
+
+double bandStepSeconds(const SimulationOptions& options)
+{
+    const double halfLife = CORVDatabase::getCherenkovRADHalflife(options.isotope);
+    return options.spanHalfLives * halfLife / std::max(1, options.bands - 1);
 }
 
 double probeDepthMm(const SimulationOptions& options, int index)
@@ -134,11 +269,15 @@ double probeDepthMm(const SimulationOptions& options, int index)
         return options.depthsMm.first();
     if (!options.depthsMm.isEmpty())
         return options.depthsMm.at(index);
-    const int last = options.probes.size() - 1;
+    const int last = sourceCount(options) - 1;
     return last < 1 ? kFirstMm : kFirstMm + (kLastMm - kFirstMm) * index / last;
 }
 
 double bandExposureSeconds(const SimulationOptions& options, int index)
 {
+    if (options.exposuresSeconds.isEmpty()) {
+        constexpr double kChosenSeconds = 60.0;
+        return std::min(kChosenSeconds, 0.5 * bandStepSeconds(options));
+    }
     return options.exposuresSeconds.size() == 1 ? options.exposuresSeconds.first() : options.exposuresSeconds.at(index);
 }

@@ -30,6 +30,30 @@ struct Place
     double y;
 };
 
+struct Ellipsoid
+{
+    Place centre;    // cm
+    double longSide; // half axes in cm
+    double shortSide;
+    double angle; // of the long one from x on, radians
+};
+
+// Thickness of bodies at a place, each of which has a largest one of 1.
+DepthBlur::Density ellipsoids(const std::vector<Ellipsoid>& bodies)
+{
+    return [bodies](double x, double y) {
+        double content = 0.0;
+        for (const Ellipsoid& body : bodies) {
+            const double dx = x - body.centre.x;
+            const double dy = y - body.centre.y;
+            const double u = (std::cos(body.angle) * dx + std::sin(body.angle) * dy) / body.longSide;
+            const double v = (std::cos(body.angle) * dy - std::sin(body.angle) * dx) / body.shortSide;
+            content += std::sqrt(std::max(0.0, 1.0 - u * u - v * v));
+        }
+        return content;
+    };
+}
+
 // Shoulder, flank, hind back, neck, thigh, chest, loin, rump.
 constexpr Place kPatches[] = {{-0.52, -1.35}, {0.62, 0.05},  {-0.70, 1.75}, {0.18, -2.75},
                               {1.15, 1.75},   {0.55, -1.55}, {-0.75, 0.15}, {0.10, 2.15}};
@@ -92,6 +116,18 @@ DepthBlur::Density SourceShapes::probePatch(const MouseShape& shape, int index, 
         const double satellite = 0.45 * std::max(0.0, 1.0 - reach * reach);
         return std::sqrt(patch) * (1.0 + 0.3 * texture.value(5.0 * x + 9.0, 5.0 * y)) + satellite;
     };
+}
+
+DepthBlur::Density SourceShapes::liver(const MouseShape& shape)
+{
+    const double s = shape.spineShift(-0.3);
+    return ellipsoids({{{s + 0.20, -0.35}, 0.55, 0.34, 0.2}, {{s - 0.30, -0.28}, 0.42, 0.28, -0.3}});
+}
+
+DepthBlur::Density SourceShapes::kidneys(const MouseShape& shape)
+{
+    const double s = shape.spineShift(0.9);
+    return ellipsoids({{{s - 0.48, 0.98}, 0.30, 0.18, 1.4}, {{s + 0.46, 0.78}, 0.30, 0.18, 1.75}});
 }
 
 std::function<double(double, double, const MouseShape::Point&)> SourceShapes::tissueGlow(const MouseShape& shape,

@@ -15,6 +15,10 @@ DepthBlur::Density food(const MouseShape& shape, std::uint64_t seed);
 // A tumour-like patch with a small one beside it, at one of eight places that lie apart.
 DepthBlur::Density probePatch(const MouseShape& shape, int index, std::uint64_t seed);
 
+// The liver below the ribs, and the kidneys beside the spine.
+DepthBlur::Density liver(const MouseShape& shape);
+DepthBlur::Density kidneys(const MouseShape& shape);
+
 // The tissue's own light: thicker tissue gives more, up to the depth that light comes from; coat and skin vary it.
 std::function<double(double, double, const MouseShape::Point&)> tissueGlow(const MouseShape& shape, std::uint64_t seed);
 

@@ -15,12 +15,19 @@ struct SimulationOptions;
 //     spectra.csv   effective spectra in that unit, the largest value of each 1, as a spectrum library with 17 digits
 //     <name>.tif    a component's map in that unit as floats, at the analysis' binning
 //
-// so that the data in the unit, without noise, are the sum of map times spectrum. False with a sentence that names the
-// file.
+// so that the data in the unit, without noise, are the sum of map times spectrum. Units that the sequence does not have are
+// left out. In place of a spectrum stands the course over time of a temporal sequence, with interval and time in its first
+// two columns; a scan has a map "<name>_spot1.tif" and so on for each spot. A Cherenkov sequence has the folders
+// "counts-decay-corrected" and "radiance-decay-corrected" besides, for data corrected with the isotope's half life. False
+// with a sentence that names the file.
 bool writeTruth(const QString& strFolder, const SceneModel& model, const SimulationOptions& options,
                 const QList<Band>& bands, QString* pError);
 
 // Name of the folder of a unit's truth.
 QString truthUnitFolder(tag_edisplayunit eUnit);
+// The same for data corrected for decay.
+QString truthDecayFolder(tag_edisplayunit eUnit);
 // Name of the file of a component's map: its name, characters that a file name should not have replaced by "_".
 QString truthMapFile(const QString& strComponent);
+// The same of a spot of a scan, from 0.
+QString truthMapFile(const QString& strComponent, int nSpot);

@@ -4,9 +4,12 @@
 #include "platform/orvapi/ClickInfoKeys.h"
 #include "platform/orvapi/SequenceWriter.h"
 #include "workbench/simulator/CameraModel.h"
+#include "workbench/simulator/FullDataset.h"
 #include "workbench/simulator/MousePhotograph.h"
+#include "workbench/simulator/ReferenceImage.h"
 #include "workbench/simulator/SceneModel.h"
 #include "workbench/simulator/ScenePlan.h"
+#include "workbench/simulator/SourceList.h"
 #include "workbench/simulator/TruthWriter.h"
 
 #include <QCryptographicHash>
@@ -32,6 +35,37 @@ QString listText(const QStringList& texts)
     return texts.join(QStringLiteral(", "));
 }
 
+QString numbersText(const QList<double>& values)
+{
+    QStringList texts;
+    for (const double value : values)
+        texts.append(exactText(value));
+    return listText(texts);
+}
+
+// What only some kinds have.
+void addKindEntries(CPLSection& section, const SimulationOptions& options)
+{
+    const auto set = [&section](const char* pKey, const QString& strValue) {
+        section.setValue(QString::fromLatin1(pKey), strValue);
+    };
+    if (options.full)
+        set("Full", QStringLiteral("1"));
+    if (options.kind == SimulationKind::Epi)
+        return;
+    set("Simulated Kind", kindName(options.kind));
+    if (options.kind == SimulationKind::Transillumination)
+        set("Spots", QString::number(options.spots));
+    if (options.kind == SimulationKind::Temporal) {
+        set("Times Sec", numbersText(timesOf(options)));
+        set("Time Keys", options.timeKeys ? QStringLiteral("1") : QStringLiteral("0"));
+    }
+    if (options.kind == SimulationKind::Cherenkov) {
+        set("Simulated Isotope", options.isotope);
+        set("Span Half Lives", exactText(options.spanHalfLives));
+    }
+}
+
 // The options as entries of the info file: what made the sequence.
 CPLSection optionsSection(const SimulationOptions& options, const ScenePlan& plan)
 {
@@ -41,9 +75,6 @@ CPLSection optionsSection(const SimulationOptions& options, const ScenePlan& pla
         components.append(component.name);
         depths.append(exactText(component.depthMm));
     }
-    QStringList exposures;
-    for (const double seconds : options.exposuresSeconds)
-        exposures.append(exactText(seconds));
     CPLSection section(QStringLiteral("Simulation"));
     const auto set = [&section](const char* pKey, const QString& strValue) {
         section.setValue(QString::fromLatin1(pKey), strValue);
@@ -58,8 +89,9 @@ CPLSection optionsSection(const SimulationOptions& options, const ScenePlan& pla
     set("Electrons per Count", exactText(options.gain));
     set("Read Noise Electrons", exactText(options.readNoise));
     set("Offset Counts", exactText(options.offset));
-    set("Exposures Sec", listText(exposures));
+    set("Exposures Sec", numbersText(options.exposuresSeconds));
     set("Mixed Binning", options.mixedBinning ? QStringLiteral("1") : QStringLiteral("0"));
+    addKindEntries(section, options);
     return section;
 }
 
@@ -93,19 +125,32 @@ private:
     bool plan()
     {
         *m_pError = validate(m_options);
-        QList<Probe> probes;
         QList<FilterPair> pairs;
         if (!m_pError->isEmpty() || !tell(0.0, QStringLiteral("laying out the animal")) ||
-            !m_scene.build(m_options, m_pError) || !resolveProbes(m_options.probes, &probes, m_pError) ||
-            !FilterPlan::choose(m_options.bands, m_options.excitationsNm, probes, &pairs, m_pError))
+            !m_scene.build(m_options, m_pError) || !choosePairs(m_options, &pairs, m_pError) || !nameProbes())
+            return false;
+        m_bands = planBands(m_options, pairs, QString(), m_scene.spots());
+        m_scene.leaveOutUnlitFood(m_bands);
+        return tell(kSceneDone, QStringLiteral("rendering the maps"));
+    }
+
+    // The text of the entry "Probe"; an isotope is marked as such.
+    bool nameProbes()
+    {
+        if (m_options.kind == SimulationKind::Cherenkov) {
+            Probe light;
+            readIsotope(m_options.isotope, &light);
+            m_probeText = QStringLiteral("RAD-") + light.name;
+            return true;
+        }
+        QList<Probe> probes;
+        if (!resolveProbes(m_options.probes, lightOf(m_options.kind), &probes, m_pError))
             return false;
         QStringList texts;
         for (const Probe& probe : probes)
             texts.append(probeText(probe.name));
         m_probeText = listText(texts);
-        m_bands = planBands(m_options, pairs, QString());
-        m_scene.leaveOutUnlitFood(m_bands);
-        return tell(kSceneDone, QStringLiteral("rendering the maps"));
+        return true;
     }
 
     // Click numbers are looked up among all open sequences, so they come from everything that made this one.
@@ -126,7 +171,9 @@ private:
             band.clickNumber.prepend(m_id);
         m_description.id = m_id;
         m_description.name = name;
-        m_description.fluorescence = true;
+        m_description.fluorescence = isFluorescent(m_options.kind);
+        m_description.transillumination = m_options.kind == SimulationKind::Transillumination;
+        m_description.temporal = m_options.kind == SimulationKind::Temporal;
         m_description.truthFolder = QString::fromLatin1(kTruthFolder);
         m_description.extraSections.addSection(&section);
     }
@@ -145,7 +192,9 @@ private:
         const int magnification = photographMagnification(m_options);
         m_photograph = takeMousePhotograph(m_scene.shape(), m_options.size * magnification, m_options.seed);
         m_photograph.m_fBinning = static_cast<float>(m_options.binning / magnification);
-        return !m_photograph.isEmpty() || outOfMemory();
+        if (m_photograph.isEmpty() || (m_options.full && !m_full.prepare(m_options, m_scene.shape(), m_photograph)))
+            return outOfMemory();
+        return true;
     }
 
     bool writeImages()
@@ -186,7 +235,24 @@ private:
             const CPLSection photograph = photographSection();
             dataset.info.addSection(&photograph);
         }
+        ReferenceImage reference;
+        if (hasReference()) {
+            reference = ReferenceImage::take(m_options, m_model, m_bands, index, m_bands.size() + index);
+            if (reference.image.isEmpty())
+                return outOfMemory();
+            dataset.info.addSection(&reference.section);
+            images.append({IMAGETYPE_FLUORESCENT_REFERENCE, &reference.image});
+        }
+        if (m_options.full)
+            m_full.addTo(dataset, images, image, index == 0);
         return m_writer.addDataset(dataset, images, m_pError);
+    }
+
+    // A scan is calibrated by the light that the animal transmits; the others have one number, and an image for all to
+    // see when everything is asked for.
+    bool hasReference() const
+    {
+        return m_options.kind == SimulationKind::Transillumination || (m_options.full && isFluorescent(m_options.kind));
     }
 
     CPLSection photographSection() const
@@ -226,6 +292,7 @@ private:
     QString m_probeText;
     QString m_id;
     CILImage m_photograph;
+    FullDataset m_full;
     SequenceDescription m_description;
     SequenceWriter m_writer;
 };
