@@ -238,8 +238,9 @@ void RoiCommand::add(const QCommandLineParser& parser, CORVSequenceDataset& sequ
     CliSession::stopIfInterrupted();
     store.save();
     const int images = sequence.getDatasets().size();
-    session.answer(QStringLiteral("region \"%1\" (%2) stored with %3 images; it holds %4 pixels\n")
-                       .arg(region.name, shortShape(region), QString::number(images), QString::number(pixels)));
+    session.answer(QStringLiteral("region \"%1\" (%2) stored with %3 images; it holds %4\n")
+                       .arg(region.name, shortShape(region), QString::number(images),
+                            pixels == 1 ? QStringLiteral("1 pixel") : QStringLiteral("%1 pixels").arg(pixels)));
     session.answerJson(QJsonObject{
         {"name", region.name}, {"shape", ROIShape::toText(region)}, {"pixels", pixels}, {"images", images}});
 }
@@ -301,8 +302,8 @@ void RoiCommand::remove(const QString& strName, RoiStore& store, CliSession& ses
         store.removeAll();
     } else if (store.remove(strName) == 0) {
         throw CliFailure(names.isEmpty() ? QStringLiteral("there is no region \"%1\", and no other").arg(strName)
-                                         : QStringLiteral("there is no region \"%1\"; the regions are: %2")
-                                               .arg(strName, names.join(QStringLiteral(", "))));
+                                         : QStringLiteral("there is no region \"%1\"; the regions are: \"%2\"")
+                                               .arg(strName, names.join(QStringLiteral("\", \""))));
     }
     store.save();
     session.answer(removed.size() == 1 ? QStringLiteral("removed the region \"%1\"\n").arg(removed.first())
