@@ -25,6 +25,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         require(header.imageType() != ORVTYPE_NONE);
         require(header.headerOffset >= 0 && header.requiredBytes() > header.headerOffset);
         require(header.wavelengths.isEmpty() || header.wavelengths.size() == header.bands);
+        require(header.bandNames.isEmpty() || header.bandNames.size() == header.bands);
     } else {
         require(!error.isEmpty() && header.width == 0);
     }
