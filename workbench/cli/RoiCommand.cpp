@@ -47,11 +47,16 @@ void refuseForeignOptions(const QCommandLineParser& parser, const QString& strAc
 // Size in pixels and binning of a dataset's images.
 struct Geometry
 {
+    bool operator==(const Geometry& other) const
+    {
+        return width == other.width && height == other.height && binning == other.binning;
+    }
     long width = 0;
     long height = 0;
     double binning = 1.0;
 };
 
+// Each once, that of the first image first.
 QList<Geometry> geometriesOf(const CORVSequenceDataset& sequence)
 {
     QList<Geometry> geometries;
@@ -60,7 +65,8 @@ QList<Geometry> geometriesOf(const CORVSequenceDataset& sequence)
         if (!dataset->getImageSize(IMAGETYPE_MAIN_DATA, &geometry.width, &geometry.height))
             continue;
         geometry.binning = static_cast<double>(dataset->getBinningForImage(IMAGETYPE_MAIN_DATA));
-        geometries.append(geometry);
+        if (!geometries.contains(geometry))
+            geometries.append(geometry);
     }
     return geometries;
 }
