@@ -46,8 +46,8 @@ struct TiffWriteOptions
         Deflate // with the predictor of the pixel type
     };
     QString description;
-    QString pageName;
     Compression compression = Compression::None;
+    QString pageName{};
 };
 
 // Reads a page. Unsigned 8 and 16 bit samples become bytes and 16 bit pixels, signed 8, 16 and 32 bit ones 32 bit integers,

@@ -91,7 +91,7 @@ bool readText(TiffFile& file, std::uint32_t tag, QString* text)
 
 bool readPages(TiffFile& file, TiffTexts& read)
 {
-    do {
+    for (;;) {
         TiffTexts::Page page;
         if (!readText(file, TIFFTAG_IMAGEDESCRIPTION, &page.description) ||
             !readText(file, TIFFTAG_PAGENAME, &page.pageName))
@@ -103,10 +103,11 @@ bool readPages(TiffFile& file, TiffTexts& read)
             page.pageName.truncate(kMaxLaterText);
         }
         read.pages.append(page);
-    } while (TIFFReadDirectory(file.handle()) == 1);
-    // The end of the list is no error, a broken page is one.
-    return TIFFLastDirectory(file.handle()) != 0 ||
-           file.fail(QStringLiteral("page %1 cannot be read").arg(read.pages.size()));
+        if (TIFFLastDirectory(file.handle()) != 0)
+            return true;
+        if (TIFFReadDirectory(file.handle()) != 1)
+            return file.fail(QStringLiteral("page %1 cannot be read").arg(read.pages.size()));
+    }
 }
 
 } // namespace
