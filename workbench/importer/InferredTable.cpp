@@ -72,18 +72,20 @@ std::optional<Figure> oneOf(const FoundImage& image, Figure::Kind kind, const ch
 
 void addOrigin(InferredTable::Row& row, const Figure& figure)
 {
-    if (row.origin.isEmpty()) {
-        row.origin = figure.origin;
-    } else if (!row.origin.split(QStringLiteral("; ")).contains(figure.origin)) {
-        row.origin += QStringLiteral("; ") + figure.origin;
+    QStringList parts = row.origin.split(QStringLiteral("; "), Qt::SkipEmptyParts);
+    const int at = figure.origin.indexOf(QLatin1String(": "));
+    const QString what = figure.origin.left(at + 2);
+    const QString text = figure.origin.mid(at + 2);
+    // Several figures of one name are told with it.
+    const auto same = std::find_if(parts.begin(), parts.end(), [&](const QString& part) {
+        return at > 0 ? part.startsWith(what) : part == figure.origin;
+    });
+    if (same == parts.end()) {
+        parts.append(figure.origin);
+    } else if (at > 0 && !same->mid(at + 2).split(QStringLiteral(", ")).contains(text)) {
+        *same += QStringLiteral(", ") + text;
     }
-}
-
-// "3 of 5 images", "the image".
-QString shareText(int some, int all)
-{
-    return some == all ? QStringLiteral("all %1 images").arg(all)
-                       : QStringLiteral("%1 of %2 images").arg(some).arg(all);
+    row.origin = parts.join(QStringLiteral("; "));
 }
 
 // Whether the values, in ascending order, go up by one each time.
@@ -237,9 +239,9 @@ void InferredTable::refuseMissing()
     const auto excited = [](const Row& row) { return row.excitation.has_value(); };
     const auto emitting = [](const Row& row) { return row.emission.has_value(); };
     if (!m_bSpectral && !m_bTemporal) {
-        doubt(QStringLiteral("nothing tells the wavelengths or times of %1; names can (ex640_em700, 640-700, t12.5s), "
-                             "--interval S makes times of numbered frames")
-                  .arg(shareText(m_rows.size(), m_rows.size())));
+        doubt(
+            QStringLiteral("nothing tells the images' wavelengths or times; names can (ex640_em700, 640-700, t12.5s), "
+                           "and --interval S makes times of numbered frames"));
     } else if (m_bTemporal) {
         lacking([](const Row& row) { return row.time.has_value(); }, "time");
     } else {
@@ -262,10 +264,14 @@ void InferredTable::refuseDuplicates()
             // Datasets are told apart by their whole second, as single precision holds it.
             key = QStringLiteral("second %1").arg(static_cast<qint64>(static_cast<float>(*row.time)));
         } else if (m_bSpectral && (row.excitation || row.emission)) {
-            const auto whole = [](const std::optional<double>& value) {
-                return value ? shortest(std::round(*value)) + QStringLiteral(" nm") : QStringLiteral("none");
-            };
-            key = QStringLiteral("excitation %1 and emission %2").arg(whole(row.excitation), whole(row.emission));
+            QStringList parts;
+            if (row.excitation) {
+                parts.append(QStringLiteral("excitation %1 nm").arg(std::round(*row.excitation)));
+            }
+            if (row.emission) {
+                parts.append(QStringLiteral("emission %1 nm").arg(std::round(*row.emission)));
+            }
+            key = parts.join(QStringLiteral(" and "));
         } else {
             continue;
         }
@@ -277,6 +283,9 @@ void InferredTable::refuseDuplicates()
     }
     if (nTold > 3) {
         doubt(QStringLiteral("%1 more share them with another").arg(nTold - 3));
+    }
+    if (nTold > 0 && m_bTemporal) {
+        doubt(QStringLiteral("images are told apart by the whole seconds of their times"));
     }
     const bool bTimes =
         std::any_of(m_rows.cbegin(), m_rows.cend(), [](const Row& row) { return row.time.has_value(); });

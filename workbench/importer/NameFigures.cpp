@@ -115,7 +115,7 @@ void NameReader::readWavelength(Figure::Kind kind)
 void NameReader::readPair()
 {
     static const QRegularExpression pair =
-        pattern(R"((?<![\d.])([2-9]\d\d)(?:\s?nm)?\s?[-_ ]\s?([2-9]\d\d)(?:\s?nm)?(?![\da-z.]))");
+        pattern(R"((?<![\da-z.])([2-9]\d\d)(?:\s?nm)?\s?[-_ ]\s?([2-9]\d\d)(?:\s?nm)?(?![\da-z.]))");
     static const QRegularExpression other = pattern(R"((?<![\da-z.])[2-9]\d\d(?:\s?nm)?(?![\da-z.]))");
     const QVector<QRegularExpressionMatch> found = matches(pair);
     if (found.isEmpty()) {

@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "workbench/importer/CsvCube.h"
+
+#include "workbench/importer/ImporterFixture.h"
+
+#include <cmath>
+
+namespace {
+
+class CsvCubeTest : public ImporterFixture
+{
+protected:
+    QString refusal(const QByteArray& text)
+    {
+        CsvCube cube;
+        QString error;
+        EXPECT_FALSE(cube.open(write("cube.csv", text), &error)) << text.constData();
+        EXPECT_TRUE(error.startsWith(path("cube.csv"))) << qPrintable(error);
+        return error.mid(path("cube.csv").size());
+    }
+};
+
+} // namespace
+
+TEST_F(CsvCubeTest, ARowAPixelAndAColumnAnImage)
+{
+    CsvCube cube;
+    QString error;
+    ASSERT_TRUE(cube.open(write("cube.csv", "\xEF\xBB\xBFx,y,em700,\"a,b\"\r\n0,0,1,-2\r\n1,0,3,4e-3\r\n2,0,5,6\r\n\r\n"
+                                            "0,1,7,8\r\n1,1,nan,10\r\n2,1,0.333333343,12\r\n"),
+                          &error))
+        << qPrintable(error);
+    EXPECT_EQ(cube.width(), 3);
+    EXPECT_EQ(cube.height(), 2);
+    EXPECT_EQ(cube.names(), (QStringList{"em700", "a,b"}));
+    CILImage image;
+    ASSERT_TRUE(cube.readBand(0, image, &error)) << qPrintable(error);
+    ASSERT_EQ(image.dataType(), ORVTYPE_FLOAT);
+    EXPECT_EQ(image.floats()[2], 5.0F);
+    EXPECT_TRUE(std::isnan(image.floats()[4]));
+    EXPECT_EQ(image.floats()[5], 1.0F / 3.0F);
+    ASSERT_TRUE(cube.readBand(1, image, &error));
+    EXPECT_EQ(image.floats()[0], -2.0F);
+    EXPECT_EQ(image.floats()[1], 0.004F);
+    EXPECT_FALSE(cube.readBand(2, image, &error));
+    EXPECT_TRUE(image.isEmpty());
+}
+
+TEST_F(CsvCubeTest, OneRowAndOneColumnAreImages)
+{
+    CsvCube cube;
+    QString error;
+    ASSERT_TRUE(cube.open(write("cube.csv", "x,y,a\n0,0,1\n1,0,2"), &error));
+    EXPECT_EQ(cube.width(), 2);
+    EXPECT_EQ(cube.height(), 1);
+    ASSERT_TRUE(cube.open(write("cube.csv", "x,y,a\n0,0,1\n0,1,2\n0,2,3"), &error)) << qPrintable(error);
+    EXPECT_EQ(cube.width(), 1);
+    EXPECT_EQ(cube.height(), 3);
+}
+
+TEST_F(CsvCubeTest, WhatIsNoCubeIsToldByItsLine)
+{
+    EXPECT_EQ(refusal(""), ":1: the first line is not \"x,y\" and a name an image: this is no cube");
+    EXPECT_EQ(refusal("file,emission\n"), ":1: the first line is not \"x,y\" and a name an image: this is no cube");
+    EXPECT_EQ(refusal("x,y,a\n"), ":1: the cube has no pixel");
+    EXPECT_EQ(refusal("x,y,a\n0,0,1\n1,0\n"), ":3: 2 fields where the first line names 3");
+    EXPECT_EQ(refusal("x,y,a\n0,0,1\n1,0,?\n"), ":3: \"?\" is not a number");
+    EXPECT_EQ(refusal("x,y,a\n0,0,1\n1,0,1,5\n"), ":3: 4 fields where the first line names 3");
+    EXPECT_EQ(refusal("x,y,a\n0,0,1\n2,0,1\n"), ":3: pixel 2, 0 comes where pixel 1, 0 is due");
+    EXPECT_EQ(refusal("x,y,a\n0,0,1\n1,0,1\n0,1,1\n"), ":4: the last row of the image ends after 1 of 2 pixels");
+    EXPECT_EQ(refusal("x,y,a\n0,0,1\n1,0,1\n0,1,1\n0,2,1\n"), ":5: pixel 0, 2 comes where pixel 1, 1 is due");
+}
+
+TEST_F(CsvCubeTest, ALineWithoutEndIsRefused)
+{
+    EXPECT_FALSE(refusal("x,y,a\n0,0," + QByteArray(3 * 1024 * 1024, '1')).isEmpty());
+}
