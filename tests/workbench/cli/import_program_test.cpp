@@ -21,6 +21,33 @@ float dyeB(int i)
     return static_cast<float>(i / 6);
 }
 
+// 4 x 4 pixels of one colour, (200, 100, 50), as another program writes them.
+QByteArray colourTiff()
+{
+    QByteArray file("II*\0\x08\0\0\0", 8);
+    const auto put = [&file](unsigned value, int bytes) {
+        for (int i = 0; i < bytes; ++i)
+            file.append(static_cast<char>(value >> (8 * i)));
+    };
+    constexpr unsigned pixels = 8 + 2 + 9 * 12 + 4 + 6;
+    const unsigned entries[9][4] = {{256, 3, 1, 4}, {257, 3, 1, 4}, {258, 3, 3, pixels - 6},
+                                    {259, 3, 1, 1}, {262, 3, 1, 2}, {273, 4, 1, pixels},
+                                    {277, 3, 1, 3}, {278, 3, 1, 4}, {279, 4, 1, 48}};
+    put(9, 2);
+    for (const auto& entry : entries) {
+        put(entry[0], 2);
+        put(entry[1], 2);
+        put(entry[2], 4);
+        put(entry[3], 4);
+    }
+    put(0, 4);
+    for (int i = 0; i < 3; ++i)
+        put(8, 2);
+    for (int i = 0; i < 16; ++i)
+        file.append("\xC8\x64\x32");
+    return file;
+}
+
 } // namespace
 
 // Images of 6 x 5 pixels, which are padded to a square.
@@ -89,6 +116,142 @@ TEST_F(ImportProgramTest, ASequenceThatExistsIsReplacedOnlyByForce)
     EXPECT_TRUE(refusal({"import", "stack", "stack", "--images", "images.csv", "--force"}).contains("was not made"));
     succeed({"import", "stack", "seq", "--images", "images.csv", "--force", "--name", "again"});
     EXPECT_EQ(succeed({"info", "seq", "--json"}).json()["name"], "again");
+}
+
+TEST_F(ImportProgramTest, WithoutATableNamesTellWhatIsWhat)
+{
+    const QString folder = QString::fromUtf8("Stapel \xC3\xA4 1/");
+    writeTiffFile(folder + "m EX640EM700.tif", imageOf(6, 6, [](int i) { return dyeA(i); }));
+    writeTiffFile(folder + "m EX640EM720.tif", imageOf(6, 6, [](int i) { return dyeB(i); }));
+    const QString text = QString::fromUtf8(succeed({"import", folder, "seq"}).out);
+    EXPECT_TRUE(text.startsWith("image             excitation  emission  from\n"
+                                "m EX640EM700.tif         640       700  name: EX640, EM700\n"
+                                "m EX640EM720.tif         640       720  name: EX640, EM720\n"
+                                "2 images of 6 x 6 pixels, fluorescence\n"))
+        << qPrintable(text);
+    const QByteArray table = contentOf(path("seq/images.csv"));
+    EXPECT_EQ(table, "file,excitation,emission,origin\nm EX640EM700.tif,640,700,\"name: EX640, EM700\"\n"
+                     "m EX640EM720.tif,640,720,\"name: EX640, EM720\"\n");
+    // The table that was kept makes the same sequence.
+    succeed({"import", folder, "again", "--images", "seq/images.csv"});
+    EXPECT_EQ(succeed({"info", "again", "--json"}).json()["images"].toArray().size(), 2);
+    EXPECT_FALSE(QFileInfo::exists(path("again/images.csv")));
+}
+
+TEST_F(ImportProgramTest, DoubtPrintsTheTemplate)
+{
+    writeTiffFile("stack/ex640_em700.tif", imageOf(6, 6, [](int i) { return dyeA(i); }));
+    writeTiffFile("stack/other.tif", imageOf(6, 6, [](int i) { return dyeB(i); }));
+    const ProgramResult result = spum({"import", "stack", "seq"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.out, "file,excitation,emission,origin\nex640_em700.tif,640,700,\"name: ex640, em700\"\n"
+                          "other.tif,,,\n");
+    EXPECT_EQ(
+        result.errText(),
+        "spum: stack: it is in doubt which image is what: 1 of 2 lack the excitation, the first is other.tif; 1 of 2 "
+        "lack the emission, the first is other.tif. Fill in the table on standard output and give it by --images\n");
+    EXPECT_FALSE(QFileInfo::exists(path("seq")));
+
+    const ProgramResult json = spum({"import", "stack", "seq", "--json"});
+    EXPECT_EQ(json.status, 1);
+    EXPECT_EQ(json.json()["doubts"].toArray().size(), 2);
+    EXPECT_TRUE(json.json()["template"].toString().startsWith("file,"));
+
+    EXPECT_TRUE(refusal({"import", "stack", "--write-table", "t.csv"})
+                    .endsWith("Fill in the table t.csv and give it by --images"));
+    EXPECT_TRUE(contentOf(path("t.csv")).endsWith("other.tif,,,\n"));
+}
+
+TEST_F(ImportProgramTest, TheTableCanBeWrittenAlone)
+{
+    writeTiffFile("stack/em700.tif", imageOf(6, 6, [](int i) { return dyeA(i); }));
+    writeTiffFile("stack/em720.tif", imageOf(6, 6, [](int i) { return dyeB(i); }));
+    const QString text = QString::fromUtf8(succeed({"import", "stack", "--write-table", "t 1.csv"}).out);
+    EXPECT_TRUE(text.endsWith("table in t 1.csv\n")) << qPrintable(text);
+    EXPECT_EQ(refusal({"import", "stack", "--write-table", "t 1.csv"}), "t 1.csv exists already; --force replaces it");
+    succeed({"import", "stack", "--write-table", "t 1.csv", "--force"});
+    EXPECT_EQ(entriesOf(path(".")), (QStringList{"stack", "t 1.csv"}));
+    succeed({"import", "stack", "seq", "--images", "t 1.csv"});
+}
+
+TEST_F(ImportProgramTest, ASeriesOfNumberedFramesNeedsTheirInterval)
+{
+    for (int i = 0; i < 3; ++i)
+        writeTiffFile(QStringLiteral("stack/t000%1.tif").arg(i), imageOf(4, 4, [](int p) { return dyeA(p); }));
+    EXPECT_TRUE(spum({"import", "stack", "seq"}).errText().contains("--interval S tells the seconds between frames"));
+    const QJsonObject json = succeed({"import", "stack", "seq", "--interval", "2.5", "--json"}).json();
+    EXPECT_EQ(json["temporal"], true);
+    EXPECT_EQ(json["table"].toArray()[2].toObject()["time"], 5.0);
+    EXPECT_EQ(json["table"].toArray()[2].toObject()["origin"], "name: t0002 x 2.5 s");
+}
+
+TEST_F(ImportProgramTest, CorrectionsAreMadeAndTold)
+{
+    writeTiffFile("stack/em700.tif", imageOf(4, 4, [](int) { return 8.0F; }));
+    writeTiffFile("stack/em720.tif", imageOf(4, 4, [](int i) { return static_cast<float>(i); }));
+    writeTiffFile("dark.tif", imageOf(4, 4, [](int) { return 10.0F; }));
+    writeTiffFile("flat.tif", imageOf(4, 4, [](int i) { return i < 8 ? 1.0F : 3.0F; }));
+    writeTiffFile("zero.tif", imageOf(4, 4, [](int i) { return static_cast<float>(i); }));
+    const QString text = QString::fromUtf8(
+        succeed({"import", "stack", "seq", "--dark", "dark.tif", "--flat", "flat.tif", "--exposure", "1.5"}).out);
+    EXPECT_TRUE(text.contains(", dark image subtracted, flat field divided\n")) << qPrintable(text);
+    EXPECT_EQ(succeed({"info", "seq", "--json"}).json()["images"].toArray()[1].toObject()["exposure"], "1.5");
+    succeed({"export", "seq", "--format", "csv", "--out", "cube.csv"});
+    const QList<QByteArray> lines = contentOf(path("cube.csv")).split('\n');
+    EXPECT_EQ(lines[1], "0,0,-4,-20");
+    EXPECT_EQ(lines[16], "3,3,-1.33333337,3.33333325");
+    EXPECT_EQ(refusal({"import", "stack", "bad", "--flat", "zero.tif"}),
+              "zero.tif: the flat field is not above 0 in column 0, row 0");
+    EXPECT_EQ(refusal({"import", "stack", "bad", "--exposure", "1,2,3"}), "stack: 3 exposures are given for 2 images");
+    EXPECT_FALSE(QFileInfo::exists(path("bad")));
+}
+
+TEST_F(ImportProgramTest, OptionsThatMeanNothingAreRefused)
+{
+    writeTiffFile("stack/em700.tif", imageOf(4, 4, [](int) { return 8.0F; }));
+    EXPECT_TRUE(
+        refusal({"import", "stack", "seq", "--exposure", "0"}, 2).startsWith("--exposure takes a number above 0"));
+    EXPECT_TRUE(refusal({"import", "stack", "seq", "--exposure", "1,,2"}, 2).startsWith("--exposure takes"));
+    EXPECT_TRUE(refusal({"import", "stack", "seq", "--pixel-size", "nan"}, 2).startsWith("--pixel-size takes"));
+    EXPECT_TRUE(refusal({"import", "stack", "seq", "--interval", "1,5"}, 2).startsWith("--interval takes"));
+    EXPECT_TRUE(refusal({"import", "stack", "seq", "--images", "a.csv", "--interval", "1"}, 2)
+                    .startsWith("--images does not go"));
+    EXPECT_TRUE(refusal({"import", "stack"}, 2).startsWith("import takes the images and the folder to make."));
+}
+
+TEST_F(ImportProgramTest, AwkwardStacksAreRefusedByName)
+{
+    QDir().mkpath(path("empty"));
+    EXPECT_EQ(refusal({"import", "empty", "seq"}), "empty: there is no TIFF file and no ENVI header in the folder");
+    writeTiffFile("mixed/em700.tif", imageOf(4, 4, [](int) { return 8.0F; }));
+    writeTiffFile("mixed/em720.tif", imageOf(4, 5, [](int) { return 8.0F; }));
+    EXPECT_EQ(refusal({"import", "mixed", "seq"}),
+              "inferred table:3: em720.tif has 4 x 5 pixels where em700.tif has 4 x 4");
+    writeTiffFile("twice/a em700.tif", imageOf(4, 4, [](int) { return 8.0F; }));
+    writeTiffFile("twice/b em700.tif", imageOf(4, 4, [](int) { return 8.0F; }));
+    EXPECT_TRUE(
+        spum({"import", "twice", "seq"}).errText().contains("a em700.tif and b em700.tif share emission 700 nm"));
+    const QByteArray whole = contentOf(writeTiffFile("cut/em700.tif", imageOf(64, 64, [](int) { return 8.0F; })));
+    write("cut/em720.tif", whole.left(whole.size() / 2));
+    EXPECT_TRUE(refusal({"import", "cut", "seq"}).startsWith("cut/em720.tif: ")) << "a file cut short";
+    write("file", "in the folder's place");
+    writeTiffFile("good/em700.tif", imageOf(4, 4, [](int) { return 8.0F; }));
+    EXPECT_FALSE(refusal({"import", "good", "file/seq"}).isEmpty());
+    EXPECT_EQ(entriesOf(path(".")), (QStringList{"cut", "empty", "file", "good", "mixed", "twice"}));
+    // One image is a sequence, if a small one.
+    EXPECT_EQ(succeed({"import", "good", "seq", "--json"}).json()["images"], 1);
+}
+
+TEST_F(ImportProgramTest, ColoursAreGreyValues)
+{
+    write("stack/em700.tif", colourTiff());
+    writeTiffFile("stack/em720.tif", imageOf(4, 4, [](int i) { return static_cast<float>(i); }));
+    const ProgramResult result = spum({"import", "stack", "seq"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_TRUE(result.errText().contains("em700.tif has colours: their grey values are taken"))
+        << result.err.constData();
+    succeed({"export", "seq", "--format", "csv", "--out", "cube.csv"});
+    EXPECT_EQ(contentOf(path("cube.csv")).split('\n')[1], "0,0,124,0");
 }
 
 // Fixed cells with three stains, three excitations and four emissions each: spectra measured in regions where one stain

@@ -9,7 +9,7 @@
 
 namespace {
 
-const QStringList commands = {"simulate", "import", "info", "pca", "unmix", "compare", "library"};
+const QStringList commands = {"simulate", "import", "info", "export", "pca", "unmix", "compare", "library"};
 
 class ProgramTest : public ProgramFixture
 {
@@ -100,7 +100,7 @@ TEST_F(ProgramTest, AnOptionThatMakesNoSenseIsAUsageError)
     EXPECT_TRUE(refusal({"unmix", "seq", "--library", "l", "--components", "A,B", "--decay", "auto"}, 2)
                     .startsWith("--components, --decay takes --method automatic."));
     refusal({"pca", "seq", "--binning", "0"}, 2);
-    EXPECT_TRUE(refusal({"import", "a", "b"}, 2).startsWith("--images is missing"));
+    EXPECT_TRUE(refusal({"import", "a", "b", "--images", ""}, 2).startsWith("--images takes the table"));
     for (const QStringList& options :
          {QStringList{"--size", "many"}, QStringList{"--noise", "loud"}, QStringList{"--size", "-5"},
           QStringList{"--probes", "Nobody"}, QStringList{"--seed", "-1"}, QStringList{"--bands", "1"}})
