@@ -274,7 +274,7 @@ bool readAsColours(TiffFile& file, const TiffLayout& layout, QImage& picture)
 bool readPage(TiffFile& file, int page, const TiffReadOptions& options, CILImage& out)
 {
     TiffLayout layout;
-    if (!readTiffLayout(file, page, &layout))
+    if (!readTiffLayout(file, page, options.offset, &layout))
         return false;
     // Asked for by its number, a sample is what the file stores; a colour map tells only how to show it.
     if (options.band >= 0 && layout.photometric == PHOTOMETRIC_PALETTE)
@@ -340,9 +340,14 @@ bool readTiff(const QString& path, int page, const TiffReadOptions& options, CIL
 
 bool readTiffHeader(const QString& path, int page, TiffInfo* info, QString* error)
 {
+    return readTiffHeader(path, page, 0, info, error);
+}
+
+bool readTiffHeader(const QString& path, int page, std::uint64_t offset, TiffInfo* info, QString* error)
+{
     TiffFile file;
     TiffLayout layout;
-    if (!file.openForReading(path) || !readTiffLayout(file, page, &layout))
+    if (!file.openForReading(path) || !readTiffLayout(file, page, offset, &layout))
         return report(path, file.reason(), error);
     TiffInfo read;
     read.width = static_cast<long>(layout.width);
@@ -359,6 +364,21 @@ bool readTiffHeader(const QString& path, int page, TiffInfo* info, QString* erro
     read.description = text(TIFFTAG_IMAGEDESCRIPTION);
     read.software = text(TIFFTAG_SOFTWARE);
     *info = read;
+    return true;
+}
+
+bool tiffPageOffsets(const QString& path, QVector<quint64>* offsets, QString* error)
+{
+    TiffFile file;
+    if (!file.openForReading(path))
+        return report(path, file.reason(), error);
+    QVector<quint64> read{TIFFCurrentDirOffset(file.handle())};
+    while (TIFFLastDirectory(file.handle()) == 0) {
+        if (TIFFReadDirectory(file.handle()) != 1)
+            return report(path, file.reason(), error);
+        read.append(TIFFCurrentDirOffset(file.handle()));
+    }
+    *offsets = read;
     return true;
 }
 

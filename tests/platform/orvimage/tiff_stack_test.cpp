@@ -120,6 +120,33 @@ TEST_F(TiffStackTest, EveryPageComesBack)
     EXPECT_EQ(entries().size(), 1);
 }
 
+TEST_F(TiffStackTest, PagesAreFoundByTheirOffsets)
+{
+    writePages("stack.tif", 4);
+    QVector<quint64> offsets;
+    QString error;
+    ASSERT_TRUE(tiffPageOffsets(path("stack.tif"), &offsets, &error)) << qPrintable(error);
+    ASSERT_EQ(offsets.size(), 4);
+    for (const int page : {3, 0, 2}) {
+        TiffReadOptions options;
+        options.offset = offsets[page];
+        CILImage image;
+        ASSERT_TRUE(readTiff(path("stack.tif"), page, options, image, &error)) << qPrintable(error);
+        EXPECT_EQ(image.floats()[0], static_cast<float>(100 * page));
+        TiffInfo info;
+        ASSERT_TRUE(readTiffHeader(path("stack.tif"), page, offsets[page], &info, &error)) << qPrintable(error);
+        EXPECT_EQ(info.description.isEmpty(), page > 0);
+    }
+    TiffReadOptions beyond;
+    beyond.offset = 1U << 30U;
+    CILImage image;
+    EXPECT_FALSE(readTiff(path("stack.tif"), 1, beyond, image, &error));
+    EXPECT_TRUE(error.startsWith(path("stack.tif") + ": ")) << qPrintable(error);
+    const QVector<quint64> before = offsets;
+    EXPECT_FALSE(tiffPageOffsets(path("absent.tif"), &offsets, nullptr));
+    EXPECT_EQ(offsets, before);
+}
+
 TEST_F(TiffStackTest, TextsOfAllPagesAreRead)
 {
     writePages("stack.tif", 3);
