@@ -189,6 +189,8 @@ CPLClickInfo SequenceWriter::sequenceInfo() const
     info.fluorescence = m_description.fluorescence;
     info.transillumination = m_description.transillumination;
     info.sceneOnly3D = m_description.sceneOnly3D;
+    info.ctScan = m_description.ctScan;
+    info.ctComplete = m_description.ctScan && m_description.ctComplete;
     info.adjust = m_description.adjust;
     info.folders = m_folders;
     CPLClickInfo sections = sequenceInfoSections(info);

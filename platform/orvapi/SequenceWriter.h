@@ -22,6 +22,8 @@ struct SequenceDescription
     bool fluorescence = false;
     bool transillumination = false;
     bool sceneOnly3D = false;
+    bool ctScan = false;     // holds a CT scan
+    bool ctComplete = false; // all of it; counts only with ctScan
     tag_simageadjust adjust;
     QString
         photographOrigin; // e.g. "mean image" for a photograph that no camera took; empty when there is nothing to say

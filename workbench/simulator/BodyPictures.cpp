@@ -44,7 +44,7 @@ double bump(double distance, double width)
 }
 
 // Thickness of bone at a place, about 1 at its most.
-double bone(const MouseShape& shape, double x, double y, const MouseShape::Point& point)
+double bone(const MouseShape& shape, double x, double y)
 {
     const double across = x - shape.spineShift(y);
     double content = 0.0;
@@ -53,9 +53,6 @@ double bone(const MouseShape& shape, double x, double y, const MouseShape::Point
     if (y > -1.7 && y < 0.1 && std::fabs(across) < 0.85)
         content += 0.22 * bump(std::remainder(y + 0.35 * std::fabs(across), 0.15), 0.02); // ribs
     content += 0.5 * bump(std::hypot(across / 0.42, (y + 3.3) / 0.6) - 1.0, 0.12);        // skull
-    // Limbs and tail are little but bone: they are thin.
-    if (point.height > 0.0 && std::fabs(across) > 0.9)
-        content += 0.35 * bump(point.distance + 0.15, 0.07);
     return content;
 }
 
@@ -74,10 +71,10 @@ CILImage takeStructuredLight(const MouseShape& shape, int side, bool bStripes)
 
 CILImage takeXRay(const MouseShape& shape, int side)
 {
-    return picture<std::uint16_t>(
-        shape, ORVTYPE_USHORT, side, [&shape](double x, double y, const MouseShape::Point& point) {
-            const double coverage = MouseShape::coverage(point);
-            const double loss = kTissueLoss * point.height + kBoneLoss * bone(shape, x, y, point);
-            return kOpenBeam * std::exp(-coverage * loss);
-        });
+    return picture<std::uint16_t>(shape, ORVTYPE_USHORT, side,
+                                  [&shape](double x, double y, const MouseShape::Point& point) {
+                                      const double coverage = MouseShape::coverage(point);
+                                      const double loss = kTissueLoss * point.height + kBoneLoss * bone(shape, x, y);
+                                      return kOpenBeam * std::exp(-coverage * loss);
+                                  });
 }

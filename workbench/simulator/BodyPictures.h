@@ -12,5 +12,5 @@ class MouseShape;
 // without the stripes it is the reference of the scan.
 CILImage takeStructuredLight(const MouseShape& shape, int side, bool bStripes);
 
-// An X-ray image: what body and bones (spine, ribs, skull, limbs) let through, 16 bits.
+// An X-ray image: what body and bones (spine, ribs, skull) let through, 16 bits.
 CILImage takeXRay(const MouseShape& shape, int side);

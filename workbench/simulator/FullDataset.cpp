@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "workbench/simulator/FullDataset.h"
 
+#include "host/CROIManager.h"
 #include "platform/orvapi/ClickInfoKeys.h"
 #include "platform/orvapi/ImageNames.h"
 #include "workbench/simulator/BodyPictures.h"
@@ -42,6 +43,40 @@ void addAcquisition(CPLClickInfo& info, tag_eimagetype eType, const CILImage& im
                {{text(ClickKeys::kExposureTime), text(pExposure)},
                 {text(ClickKeys::kBinning), QString::number(static_cast<double>(image.m_fBinning))},
                 {text(ClickKeys::kFNumber), text("8")}});
+}
+
+// A region of each shape over the trunk, in pixels of the sensor, of which `side` lie along the field of view.
+void addRegions(CPLClickInfo& info, double side)
+{
+    const auto outline = [side](std::initializer_list<tagROIInfo::Point> shares) {
+        QVector<tagROIInfo::Point> points;
+        for (const tagROIInfo::Point& share : shares)
+            points.append({share.x * side, share.y * side});
+        return points;
+    };
+    tagROIInfo rectangle;
+    rectangle.name = text("Back");
+    rectangle.x = 0.44 * side;
+    rectangle.y = 0.40 * side;
+    rectangle.width = 0.12 * side;
+    rectangle.height = 0.20 * side;
+    tagROIInfo ellipse = rectangle;
+    ellipse.name = text("Head");
+    ellipse.shape = ROISHAPE_ELLIPSE;
+    ellipse.y = 0.16 * side;
+    ellipse.height = 0.14 * side;
+    tagROIInfo polygon;
+    polygon.name = text("Hind back");
+    polygon.shape = ROISHAPE_POLYGON;
+    polygon.points = outline({{0.42, 0.60}, {0.58, 0.60}, {0.55, 0.70}, {0.45, 0.70}});
+    tagROIInfo freehand;
+    freehand.name = text("Shoulder");
+    freehand.shape = ROISHAPE_FREEHAND;
+    freehand.points = outline({{0.42, 0.36}, {0.45, 0.33}, {0.48, 0.34}, {0.49, 0.38}, {0.46, 0.40}, {0.43, 0.39}});
+    CROIManager regions;
+    for (const tagROIInfo& region : {rectangle, ellipse, polygon, freehand})
+        regions.addRegion(region);
+    regions.saveROIData(&info);
 }
 
 } // namespace
@@ -86,6 +121,7 @@ void FullDataset::addTo(DatasetDescription& dataset, SequenceWriter::Images& ima
     addNotes(dataset.info);
     if (!bFirst)
         return;
+    addRegions(dataset.info, static_cast<double>(data.m_fBinning) * static_cast<double>(data.m_lWidth));
     images.append({IMAGETYPE_REFERENCE, &m_reference});
     addAcquisition(dataset.info, IMAGETYPE_REFERENCE, m_reference, "0.2");
     images.append({IMAGETYPE_STRUCTURE, &m_structure});

@@ -174,6 +174,7 @@ private:
         m_description.fluorescence = isFluorescent(m_options.kind);
         m_description.transillumination = m_options.kind == SimulationKind::Transillumination;
         m_description.temporal = m_options.kind == SimulationKind::Temporal;
+        m_description.ctScan = m_description.ctComplete = m_options.full;
         m_description.truthFolder = QString::fromLatin1(kTruthFolder);
         m_description.extraSections.addSection(&section);
     }

@@ -68,6 +68,27 @@ TEST_F(SequenceTest, TemporalKindIsKept)
     EXPECT_FALSE(sequence.isFluorescence);
 }
 
+TEST_F(SequenceTest, CTScanIsKept)
+{
+    SequenceDescription description;
+    description.ctScan = true;
+    writeThreeClicks(description);
+    CORVSequenceDataset incomplete;
+    expectOpens(incomplete, m_strTarget);
+    EXPECT_TRUE(incomplete.isCTSequence(true));
+    EXPECT_FALSE(incomplete.isCTSequence(false));
+}
+
+TEST_F(SequenceTest, CompleteCTScanIsKeptWhereThereIsOne)
+{
+    SequenceDescription description;
+    description.ctScan = description.ctComplete = true;
+    writeThreeClicks(description);
+    CORVSequenceDataset sequence;
+    expectOpens(sequence, m_strTarget);
+    EXPECT_TRUE(sequence.isCTSequence(false));
+}
+
 TEST_F(SequenceTest, InfoFileAndFolderWithSeparatorOpenTheSameSequence)
 {
     writeThreeClicks();

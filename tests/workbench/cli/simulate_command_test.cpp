@@ -73,7 +73,20 @@ INSTANTIATE_TEST_SUITE_P(
                       BadUse{"--noise some", "--noise"}, BadUse{"--exposure 0", "exposure"},
                       BadUse{"--probes AF68", "did you mean"}, BadUse{"--probes AF680,,AF700", "probe"},
                       BadUse{"--noise none --mixed-binning", "binning"},
-                      BadUse{"--excitations 640,660nm", "--excitations"}, BadUse{"second-folder", "one folder"}));
+                      BadUse{"--excitations 640,660nm", "--excitations"}, BadUse{"second-folder", "one folder"},
+                      BadUse{"--kind xray", "--kind"}, BadUse{"--kind temporal --bands 4", "--bands does not go"},
+                      BadUse{"--kind cherenkov --probes AF750", "--probes does not go"},
+                      BadUse{"--kind cherenkov --excitations 600", "--excitations does not go"},
+                      BadUse{"--kind luminescent --food-ratio 1", "--food-ratio does not go"},
+                      BadUse{"--kind luminescent --spots 2", "--spots does not go"},
+                      BadUse{"--kind transillumination --mixed-binning", "--mixed-binning does not go"},
+                      BadUse{"--times 0,10", "--times does not go with the kind epi"},
+                      BadUse{"--no-time-keys", "--no-time-keys does not go"}, BadUse{"--isotope F-18", "--isotope"},
+                      BadUse{"--kind epi --span 2", "--span does not go"},
+                      BadUse{"--kind temporal --times 0,x", "--times"}, BadUse{"--kind temporal --times 0", "times"},
+                      BadUse{"--kind cherenkov --isotope He-4", "F-18"},
+                      BadUse{"--kind transillumination --spots 0", "spots"},
+                      BadUse{"--kind luminescent --probes AF750", "luciferase"}));
 
 TEST(SimulateCommandTest, NoFolderIsAUsageError)
 {
@@ -94,6 +107,19 @@ TEST(SimulateCommandTest, WritesTheSequenceWithItsTruth)
     EXPECT_EQ(runSimulate(arguments, &message), CliFailure::Failed); // it exists
     EXPECT_TRUE(message.contains(out)) << qPrintable(message);
     EXPECT_EQ(runSimulate(arguments + QStringList(QStringLiteral("--force")), &message), 0);
+}
+
+TEST(SimulateCommandTest, WritesEveryKind)
+{
+    for (const char* kind : {"luminescent", "transillumination", "temporal", "cherenkov"}) {
+        QTemporaryDir folder;
+        QString message;
+        const QString out = folder.filePath(QStringLiteral("out"));
+        const QStringList arguments{QStringLiteral("--size"),  QStringLiteral("32"),     QStringLiteral("--kind"),
+                                    QString::fromLatin1(kind), QStringLiteral("--full"), out};
+        EXPECT_EQ(runSimulate(arguments, &message), 0) << kind << ": " << qPrintable(message);
+        EXPECT_TRUE(QFileInfo::exists(out + QStringLiteral("/truth/radiance/spectra.csv"))) << kind;
+    }
 }
 
 TEST(SimulateCommandTest, InterruptionEndsWithItsStatusAndLeavesNothing)

@@ -63,7 +63,7 @@ inline QList<QPair<QString, QByteArray>> allFiles(const QString& strFolder)
     return files;
 }
 
-// The truth in one unit as its files tell it.
+// The truth in one unit (of a scan: of one spot) as its files tell it.
 struct ReadTruth
 {
     QStringList names;
@@ -72,8 +72,15 @@ struct ReadTruth
     std::vector<std::vector<double>> maps;
 
     ReadTruth(const QString& strSequence, tag_edisplayunit eUnit)
+        : ReadTruth(strSequence, truthUnitFolder(eUnit), [](const QString& strName) { return truthMapFile(strName); })
     {
-        const QString folder = strSequence + QStringLiteral("/truth/") + truthUnitFolder(eUnit);
+    }
+
+    // Of another folder of the truth, with other names of the maps' files.
+    template <typename FileOfName>
+    ReadTruth(const QString& strSequence, const QString& strUnitFolder, const FileOfName& fileOfName)
+    {
+        const QString folder = strSequence + QStringLiteral("/truth/") + strUnitFolder;
         QFile file(folder + QStringLiteral("/spectra.csv"));
         EXPECT_TRUE(file.open(QIODevice::ReadOnly | QIODevice::Text));
         for (const QString& line : QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'), Qt::SkipEmptyParts)) {
@@ -90,8 +97,7 @@ struct ReadTruth
         for (const QString& name : names) {
             CILImage image;
             QString error;
-            EXPECT_TRUE(readTiff(folder + QLatin1Char('/') + truthMapFile(name), 0, image, &error))
-                << qPrintable(error);
+            EXPECT_TRUE(readTiff(folder + QLatin1Char('/') + fileOfName(name), 0, image, &error)) << qPrintable(error);
             std::vector<double> map(image.pixelCount());
             for (std::size_t i = 0; i < map.size(); ++i)
                 map[i] = image.value(i);
