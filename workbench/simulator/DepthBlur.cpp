@@ -20,6 +20,31 @@ double subOffset(int i)
     return (i + 0.5) / kSubsamples - 0.5;
 }
 
+// Rows and columns between which all light of a grid lies; beyond them there is nothing to add.
+struct LitPart
+{
+    int top;
+    int bottom = -1;
+    int left;
+    int right = -1;
+};
+
+LitPart litPart(const std::vector<double>& grid, int side)
+{
+    LitPart part{side, -1, side, -1};
+    for (int row = 0; row < side; ++row)
+        for (int column = 0; column < side; ++column) {
+            if (grid[static_cast<std::size_t>(row) * static_cast<std::size_t>(side) +
+                     static_cast<std::size_t>(column)] == 0.0)
+                continue;
+            part.top = std::min(part.top, row);
+            part.bottom = row;
+            part.left = std::min(part.left, column);
+            part.right = std::max(part.right, column);
+        }
+    return part;
+}
+
 double cubic(double a, double b, double c, double d, double t)
 {
     return b + 0.5 * t * (c - a + t * (2.0 * a - 5.0 * b + 4.0 * c - d + t * (3.0 * (b - c) + d - a)));
@@ -89,17 +114,24 @@ void DepthBlur::convolve(const std::vector<double>& kernel, int reach)
     for (std::size_t row = 0; row < side; ++row)
         std::copy_n(m_grid.begin() + static_cast<std::ptrdiff_t>(row * side), side,
                     padded.begin() + static_cast<std::ptrdiff_t>((row + span / 2) * wide + span / 2));
+    const LitPart lit = litPart(m_grid, m_side);
     std::fill(m_grid.begin(), m_grid.end(), 0.0);
     XTNT::parallelChunks(m_side, 4, [&](long long begin, long long end) {
         for (auto row = static_cast<std::size_t>(begin); row < static_cast<std::size_t>(end); ++row) {
             double* __restrict pOut = m_grid.data() + row * side;
-            for (std::size_t i = 0; i < span; ++i)
+            for (std::size_t i = 0; i < span; ++i) {
+                const int source = static_cast<int>(row + i) - reach;
+                if (source < lit.top || source > lit.bottom)
+                    continue;
                 for (std::size_t j = 0; j < span; ++j) {
                     const double weight = kernel[i * span + j];
                     const double* __restrict pIn = padded.data() + (row + i) * wide + j;
-                    for (std::size_t column = 0; column < side; ++column)
+                    const int shift = reach - static_cast<int>(j);
+                    const int last = std::min(m_side - 1, lit.right + shift);
+                    for (int column = std::max(0, lit.left + shift); column <= last; ++column)
                         pOut[column] += weight * pIn[column];
                 }
+            }
         }
     });
 }

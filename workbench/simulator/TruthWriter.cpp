@@ -94,7 +94,7 @@ bool writeMaps(const Truth& truth, std::size_t component, double factor, bool bO
             if (bOverReference)
                 map[i] /= model.reference[first + i];
         }
-        const QString file = model.reference.empty() ? truthMapFile(name) : truthMapFile(name, spot);
+        const QString file = model.spots == 1 ? truthMapFile(name) : truthMapFile(name, spot);
         if (!writeMap(truth, map, strFolder + QLatin1Char('/') + file, pError))
             return false;
     }

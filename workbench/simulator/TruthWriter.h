@@ -17,7 +17,7 @@ struct SimulationOptions;
 //
 // so that the data in the unit, without noise, are the sum of map times spectrum. Units that the sequence does not have are
 // left out. In place of a spectrum stands the course over time of a temporal sequence, with interval and time in its first
-// two columns; a scan has a map "<name>_spot1.tif" and so on for each spot. A Cherenkov sequence has the folders
+// two columns; a scan of several spots has a map "<name>_spot1.tif" and so on for each. A Cherenkov sequence has the folders
 // "counts-decay-corrected" and "radiance-decay-corrected" besides, for data corrected with the isotope's half life. False
 // with a sentence that names the file.
 bool writeTruth(const QString& strFolder, const SceneModel& model, const SimulationOptions& options,

@@ -219,6 +219,13 @@ TEST_F(KindsProgramTest, ScanIsResolvedAutomaticallyWithAMapForEachSpot)
     expectComponents(3);
 }
 
+// One spot is no scan: all methods serve, and maps have no spot in their name.
+TEST_F(KindsProgramTest, ASingleSpotIsUnmixedByTheTrueSpectra)
+{
+    simulateKind("transillumination", {"--spots", "1", "--noise", "none"});
+    expectExact(unmixWithTruth("library", "efficiency"), scanNames);
+}
+
 TEST_F(KindsProgramTest, AScanThatLacksAnImageIsRefused)
 {
     simulateKind("transillumination", {"--spots", "2", "--bands", "3"});
