@@ -75,6 +75,16 @@ bool TiffFile::open(int descriptor, const QString& path, const char* mode, std::
     return m_tiff != nullptr;
 }
 
+bool TiffFile::goToPage(int page)
+{
+    const int before = m_page;
+    m_page = page;
+    if (page == before)
+        return true;
+    const bool next = page == before + 1 && TIFFLastDirectory(m_tiff) == 0;
+    return page >= 0 && (next ? TIFFReadDirectory(m_tiff) : TIFFSetDirectory(m_tiff, static_cast<tdir_t>(page))) == 1;
+}
+
 void TiffFile::close()
 {
     if (m_tiff != nullptr)

@@ -24,6 +24,10 @@ public:
     bool openForWriting(int descriptor, const QString& path, bool big);
     void close();
 
+    // Goes to a page of the file that is open for reading, at once where it is the present page or the next one. False when
+    // there is no such page or its directory cannot be read; the present page is then not defined.
+    bool goToPage(int page);
+
     TIFF* handle() const { return m_tiff; }
     std::uint64_t fileSize() const { return m_fileSize; }
     // The first error since opening, without the file's name; empty when all went well.
@@ -37,6 +41,7 @@ private:
     static int onWarning(TIFF*, void*, const char*, const char*, va_list) { return 1; }
 
     TIFF* m_tiff = nullptr;
+    int m_page = 0;
     std::uint64_t m_fileSize = 0;
     QString m_reason;
 };

@@ -4,9 +4,6 @@
 #include "host/CILImage.h"
 
 #include <QString>
-#include <QVector>
-
-#include <cstdint>
 
 // TIFF files. Every function is safe to call from several threads at once, prints nothing, and on failure gives false (or 0)
 // and one sentence "file: reason" in `error`, which may be null. Pages count from 0.
@@ -39,8 +36,6 @@ struct TiffReadOptions
     // Reads this sample of each pixel (from 0), as stored: with a colour map, the index into it. Below 0: colours become
     // their luma, else sample 0.
     int band = -1;
-    // Where the page's directory lies, as tiffPageOffsets() tells; 0: it is found by its number, from the first page on.
-    std::uint64_t offset = 0;
 };
 
 struct TiffWriteOptions
@@ -66,12 +61,6 @@ bool readTiff(const QString& path, int page, const TiffReadOptions& options, CIL
 
 // Reads a page's header; after a failure *info is as it was.
 bool readTiffHeader(const QString& path, int page, TiffInfo* info, QString* error);
-// As above; `offset` as in TiffReadOptions.
-bool readTiffHeader(const QString& path, int page, std::uint64_t offset, TiffInfo* info, QString* error);
-
-// Where the directories of all pages lie, for those who read many pages of one file; each is otherwise found by walking from
-// the first. False when the list of pages is broken; *offsets is then as it was.
-bool tiffPageOffsets(const QString& path, QVector<quint64>* offsets, QString* error);
 
 // Number of pages; 0 when the file cannot be read.
 int tiffPageCount(const QString& path, QString* error);

@@ -66,13 +66,10 @@ TiffInfo::Samples TiffLayout::sampleKind() const
     }
 }
 
-bool readTiffLayout(TiffFile& file, int page, std::uint64_t offset, TiffLayout* layout)
+bool readTiffLayout(TiffFile& file, int page, TiffLayout* layout)
 {
     TIFF* tiff = file.handle();
-    if (offset > 0) {
-        if (TIFFSetSubDirectory(tiff, offset) != 1)
-            return file.fail(QStringLiteral("page %1 cannot be read").arg(page));
-    } else if (page < 0 || (page > 0 && TIFFSetDirectory(tiff, static_cast<tdir_t>(page)) != 1)) {
+    if (page < 0 || !file.goToPage(page)) {
         const int pages = static_cast<int>(TIFFNumberOfDirectories(tiff));
         return page >= 0 && page < pages
                    ? file.fail(QStringLiteral("page %1 cannot be read").arg(page))

@@ -32,8 +32,8 @@ struct TiffLayout
     TiffInfo::Samples sampleKind() const;
 };
 
-// Goes to the page, by the offset of its directory unless that is 0, and reads its layout. False with a reason in the file.
-bool readTiffLayout(TiffFile& file, int page, std::uint64_t offset, TiffLayout* layout);
+// Goes to the page and reads its layout. False with a reason in the file.
+bool readTiffLayout(TiffFile& file, int page, TiffLayout* layout);
 
 // Whether the page can be taken for what its header says; called before memory is allocated for pixels.
 bool checkTiffLayout(TiffFile& file, const TiffLayout& layout);

@@ -3,6 +3,7 @@
 #include "platform/orvimage/TiffFile.h"
 #include "platform/orvimage/TiffIo.h"
 #include "platform/orvimage/TiffLayout.h"
+#include "platform/orvimage/TiffPageReader.h"
 
 #include <QImage>
 
@@ -274,7 +275,7 @@ bool readAsColours(TiffFile& file, const TiffLayout& layout, QImage& picture)
 bool readPage(TiffFile& file, int page, const TiffReadOptions& options, CILImage& out)
 {
     TiffLayout layout;
-    if (!readTiffLayout(file, page, options.offset, &layout))
+    if (!readTiffLayout(file, page, &layout))
         return false;
     // Asked for by its number, a sample is what the file stores; a colour map tells only how to show it.
     if (options.band >= 0 && layout.photometric == PHOTOMETRIC_PALETTE)
@@ -322,33 +323,64 @@ bool readTiff(const QString& path, int page, CILImage& out, QString* error)
 
 bool readTiff(const QString& path, int page, const TiffReadOptions& options, CILImage& out, QString* error)
 {
+    return TiffPageReader().read(path, page, options, out, error);
+}
+
+bool readTiffHeader(const QString& path, int page, TiffInfo* info, QString* error)
+{
+    return TiffPageReader().readHeader(path, page, info, error);
+}
+
+TiffPageReader::TiffPageReader() = default;
+TiffPageReader::~TiffPageReader() = default;
+
+bool TiffPageReader::open(const QString& path, QString* error)
+{
+    if (m_pFile != nullptr && path == m_strPath)
+        return true;
+    m_pFile = std::make_unique<TiffFile>();
+    m_strPath = path;
+    if (m_pFile->openForReading(path))
+        return true;
+    report(path, m_pFile->reason(), error);
+    m_pFile.reset();
+    return false;
+}
+
+bool TiffPageReader::read(const QString& path, int page, const TiffReadOptions& options, CILImage& out, QString* error)
+{
     out.clear();
-    TiffFile file;
+    const bool reused = m_pFile != nullptr && path == m_strPath;
+    if (!open(path, error))
+        return false;
     bool ok = false;
     try {
-        ok = file.openForReading(path) && readPage(file, page, options, out);
+        ok = readPage(*m_pFile, page, options, out);
     } catch (const std::bad_alloc&) {
-        file.fail(QStringLiteral("there is not enough memory for the image"));
+        m_pFile->fail(QStringLiteral("there is not enough memory for the image"));
     }
     if (!ok) {
         out.clear();
-        return report(path, file.reason(), error);
+        report(path, m_pFile->reason(), error);
+        m_pFile.reset();
+        // What another page had to complain of does not count against this one.
+        return reused && read(path, page, options, out, error);
     }
     out.RefreshImageStats();
     return true;
 }
 
-bool readTiffHeader(const QString& path, int page, TiffInfo* info, QString* error)
+bool TiffPageReader::readHeader(const QString& path, int page, TiffInfo* info, QString* error)
 {
-    return readTiffHeader(path, page, 0, info, error);
-}
-
-bool readTiffHeader(const QString& path, int page, std::uint64_t offset, TiffInfo* info, QString* error)
-{
-    TiffFile file;
     TiffLayout layout;
-    if (!file.openForReading(path) || !readTiffLayout(file, page, offset, &layout))
-        return report(path, file.reason(), error);
+    const bool reused = m_pFile != nullptr && path == m_strPath;
+    if (!open(path, error))
+        return false;
+    if (!readTiffLayout(*m_pFile, page, &layout)) {
+        report(path, m_pFile->reason(), error);
+        m_pFile.reset();
+        return reused && readHeader(path, page, info, error);
+    }
     TiffInfo read;
     read.width = static_cast<long>(layout.width);
     read.height = static_cast<long>(layout.height);
@@ -359,26 +391,11 @@ bool readTiffHeader(const QString& path, int page, std::uint64_t offset, TiffInf
     read.type = layout.pixelType();
     const auto text = [&](std::uint32_t tag) {
         const char* characters = nullptr;
-        return TIFFGetField(file.handle(), tag, &characters) == 1 ? QString::fromUtf8(characters) : QString();
+        return TIFFGetField(m_pFile->handle(), tag, &characters) == 1 ? QString::fromUtf8(characters) : QString();
     };
     read.description = text(TIFFTAG_IMAGEDESCRIPTION);
     read.software = text(TIFFTAG_SOFTWARE);
     *info = read;
-    return true;
-}
-
-bool tiffPageOffsets(const QString& path, QVector<quint64>* offsets, QString* error)
-{
-    TiffFile file;
-    if (!file.openForReading(path))
-        return report(path, file.reason(), error);
-    QVector<quint64> read{TIFFCurrentDirOffset(file.handle())};
-    while (TIFFLastDirectory(file.handle()) == 0) {
-        if (TIFFReadDirectory(file.handle()) != 1)
-            return report(path, file.reason(), error);
-        read.append(TIFFCurrentDirOffset(file.handle()));
-    }
-    *offsets = read;
     return true;
 }
 

@@ -63,7 +63,6 @@ bool ImageStack::open(const QString& strSource, const ImagesTable& table, QStrin
     }
     m_cubes.clear();
     m_csvCubes.clear();
-    m_offsets.clear();
     warnOf(m_mapped, QStringLiteral("a colour map: the stored values are taken, not the colours"));
     warnOf(m_coloured, QStringLiteral("colours: their grey values are taken"));
     warnOf(m_sampled, QStringLiteral("several samples a pixel and no band in the table: the first is taken"));
@@ -168,20 +167,6 @@ bool ImageStack::openCsv(const ImageRow& row, Image& image, QString* pReason)
     return true;
 }
 
-// With it the pages of a long file need not be found one by one. A list that is broken at its end still has good pages.
-quint64 ImageStack::pageOffset(const Image& image)
-{
-    if (image.page < 1) {
-        return 0;
-    }
-    if (!m_offsets.contains(image.path)) {
-        QVector<quint64> offsets;
-        tiffPageOffsets(image.path, &offsets, nullptr);
-        m_offsets.insert(image.path, offsets);
-    }
-    return m_offsets.value(image.path).value(image.page);
-}
-
 bool ImageStack::measure(Image& image, long* pWidth, long* pHeight, QString* pReason)
 {
     if (image.cube) {
@@ -195,8 +180,7 @@ bool ImageStack::measure(Image& image, long* pWidth, long* pHeight, QString* pRe
         return true;
     }
     TiffInfo info;
-    image.offset = pageOffset(image);
-    if (!readTiffHeader(image.path, image.page, image.offset, &info, pReason)) {
+    if (!m_pages->readHeader(image.path, image.page, &info, pReason)) {
         return false;
     }
     if (image.band >= info.samplesPerPixel) {
@@ -240,6 +224,5 @@ bool ImageStack::readBand(int i, CILImage& out, QString* pError) const
     }
     TiffReadOptions options;
     options.band = image.band;
-    options.offset = image.offset;
-    return readTiff(image.path, image.page, options, out, pError);
+    return m_pages->read(image.path, image.page, options, out, pError);
 }

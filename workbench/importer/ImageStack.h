@@ -2,6 +2,7 @@
 #pragma once
 
 #include "host/CILImage.h"
+#include "platform/orvimage/TiffPageReader.h"
 #include "workbench/importer/CsvCube.h"
 #include "workbench/importer/EnviCube.h"
 #include "workbench/importer/ImagesTable.h"
@@ -45,7 +46,6 @@ private:
         QString path;
         QString name;
         int page = 0;                  // from 0
-        quint64 offset = 0;            // of the page in its file; 0 where it is not known
         int band = -1;                 // from 0; -1 for a TIFF page as a whole
         QSharedPointer<EnviCube> cube; // null but for an ENVI cube
         QSharedPointer<CsvCube> csv;   // null but for a CSV cube
@@ -54,13 +54,12 @@ private:
     bool openCube(const ImageRow& row, Image& image, QString* pReason);
     bool openCsv(const ImageRow& row, Image& image, QString* pReason);
     bool measure(Image& image, long* pWidth, long* pHeight, QString* pReason);
-    quint64 pageOffset(const Image& image);
     void warnOf(const QStringList& names, const QString& strWhat);
 
     QVector<Image> m_images;
     QHash<QString, QSharedPointer<EnviCube>> m_cubes; // by path, while opening
     QHash<QString, QSharedPointer<CsvCube>> m_csvCubes;
-    QHash<QString, QVector<quint64>> m_offsets; // of the pages, by path, while opening
+    QSharedPointer<TiffPageReader> m_pages = QSharedPointer<TiffPageReader>::create();
     QStringList m_mapped; // names of images with a colour map, in colours, of several samples a pixel
     QStringList m_coloured;
     QStringList m_sampled;

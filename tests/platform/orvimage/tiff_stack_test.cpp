@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/orvimage/TiffPageReader.h"
 #include "platform/orvimage/TiffStackWriter.h"
 #include "platform/orvimage/TiffTexts.h"
 
@@ -120,31 +121,29 @@ TEST_F(TiffStackTest, EveryPageComesBack)
     EXPECT_EQ(entries().size(), 1);
 }
 
-TEST_F(TiffStackTest, PagesAreFoundByTheirOffsets)
+TEST_F(TiffStackTest, AnOpenFileGivesItsPagesInAnyOrder)
 {
     writePages("stack.tif", 4);
-    QVector<quint64> offsets;
+    writePages("other.tif", 1);
+    TiffPageReader reader;
     QString error;
-    ASSERT_TRUE(tiffPageOffsets(path("stack.tif"), &offsets, &error)) << qPrintable(error);
-    ASSERT_EQ(offsets.size(), 4);
-    for (const int page : {3, 0, 2}) {
-        TiffReadOptions options;
-        options.offset = offsets[page];
+    for (const int page : {0, 1, 1, 3, 2, 3, 0}) {
         CILImage image;
-        ASSERT_TRUE(readTiff(path("stack.tif"), page, options, image, &error)) << qPrintable(error);
+        ASSERT_TRUE(reader.read(path("stack.tif"), page, TiffReadOptions(), image, &error)) << qPrintable(error);
         EXPECT_EQ(image.floats()[0], static_cast<float>(100 * page));
         TiffInfo info;
-        ASSERT_TRUE(readTiffHeader(path("stack.tif"), page, offsets[page], &info, &error)) << qPrintable(error);
+        ASSERT_TRUE(reader.readHeader(path("stack.tif"), page, &info, &error)) << qPrintable(error);
         EXPECT_EQ(info.description.isEmpty(), page > 0);
     }
-    TiffReadOptions beyond;
-    beyond.offset = 1U << 30U;
-    CILImage image;
-    EXPECT_FALSE(readTiff(path("stack.tif"), 1, beyond, image, &error));
-    EXPECT_TRUE(error.startsWith(path("stack.tif") + ": ")) << qPrintable(error);
-    const QVector<quint64> before = offsets;
-    EXPECT_FALSE(tiffPageOffsets(path("absent.tif"), &offsets, nullptr));
-    EXPECT_EQ(offsets, before);
+    for (const int page : {4, -1}) {
+        CILImage image;
+        EXPECT_FALSE(reader.read(path("stack.tif"), page, TiffReadOptions(), image, &error));
+        EXPECT_TRUE(error.startsWith(path("stack.tif") + ": there is no page")) << qPrintable(error);
+        // A failure does not stay with the file.
+        EXPECT_TRUE(reader.read(path("stack.tif"), 3, TiffReadOptions(), image, &error)) << qPrintable(error);
+        EXPECT_FALSE(reader.read(path("absent.tif"), 0, TiffReadOptions(), image, &error));
+        EXPECT_TRUE(reader.read(path("other.tif"), 0, TiffReadOptions(), image, &error)) << qPrintable(error);
+    }
 }
 
 TEST_F(TiffStackTest, TextsOfAllPagesAreRead)
