@@ -3,6 +3,7 @@
 #include "workbench/cli/LibrarySpectra.h"
 #include "workbench/cli/OpenedSequence.h"
 #include "workbench/cli/ProgramFixture.h"
+#include "workbench/cli/ResultSummary.h"
 #include "workbench/cli/TruthComparison.h"
 
 #include "engine/CORVSpumKyvo.h"
@@ -217,6 +218,23 @@ TEST_F(KindsProgramTest, ScanIsResolvedAutomaticallyWithAMapForEachSpot)
         maps += file.contains("_spot") && file.endsWith(".tif") ? 1 : 0;
     EXPECT_EQ(maps, 12);
     expectComponents(3);
+}
+
+TEST_F(KindsProgramTest, ScanByNumberAloneComesWithinFivePercentOfTheNoise)
+{
+    simulateKind("transillumination");
+    OpenedSequence opened(path("seq"));
+    CORVSpumKyvo& engine = opened.engine();
+    engine.resetAnalysis(RUNMODE_MANUAL);
+    LibrarySpectra library;
+    library.load(truth("efficiency"));
+    engine.m_spectrumPlots = library.fitTo(engine.getSelectedKeyPairs(), engine.m_eAxis);
+    ASSERT_EQ(runEngine(engine), RunOutcome::Succeeded);
+    const double floor =
+        ResultSummary::relativeResidual(engine.m_cube.m_data, engine.m_concentrations, engine.m_spectra);
+    const QJsonObject found = unmix({"--method", "automatic", "--mask", "none", "--ncomponents", "3"});
+    EXPECT_LT(found["residual"].toDouble(), 1.05 * floor);
+    EXPECT_GT(found["residual"].toDouble(), 0.0);
 }
 
 // One spot is no scan: all methods serve, and maps have no spot in their name.
