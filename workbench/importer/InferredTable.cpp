@@ -181,10 +181,12 @@ void InferredTable::takeTimes(const QVector<FoundImage>& images, std::optional<d
         }
         times.append(time);
     }
-    for (int i = 0; i < m_rows.size(); ++i) {
-        if (times.at(i)) {
-            m_rows[i].time = times.at(i)->value;
+    auto row = m_rows.begin();
+    for (const auto& time : qAsConst(times)) {
+        if (time) {
+            row->time = time->value;
         }
+        ++row;
     }
     // Which of the two it is only matters where times tell the images apart.
     choose();
