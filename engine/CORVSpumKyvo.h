@@ -8,6 +8,7 @@
 #include "engine/EngineEnums.h"
 #include "engine/ImageRecord.h"
 #include "engine/MCRParams.h"
+#include "engine/OwnResultView.h"
 #include "engine/RoiRecord.h"
 #include "engine/ScaleRatio.h"
 
@@ -34,6 +35,8 @@ class CAutoProgressUpdate;
 class CILImage;
 class CORVDataset;
 class CORVSequenceDataset;
+class CPLClickInfo;
+class QDomElement;
 class SpUnmixCompositeWnd;
 class SpUnmixWizardWnd;
 class SpumKyvoConsoleWnd;
@@ -151,6 +154,15 @@ public:
     // run ends without a solution.
     void takeComponents();
 
+    // --- where results are shown ---------------------------------------------------------------------------------------
+
+    // Never null. The engine's own lists until a window takes their place; a view that is set is borrowed, and null sets the
+    // engine's own again.
+    ResultView& resultView() { return *m_pResultView; }
+    void setResultView(ResultView* pView) { m_pResultView = pView != nullptr ? pView : &m_ownResultView; }
+    OwnResultView& ownResultView() { return m_ownResultView; }
+    const OwnResultView& ownResultView() const { return m_ownResultView; }
+
     // --- getters -------------------------------------------------------------------------------------------------------
 
     const QStringList& getEmissionKeys() const { return m_emissionKeys; }
@@ -244,6 +256,8 @@ public:
     AutomaticRunFacts m_runFacts;
 
 private:
+    OwnResultView m_ownResultView{*this};
+    ResultView* m_pResultView = &m_ownResultView;
     std::atomic<int> m_nRunsEnded{0}; // released at the very end of each run
 
     // Steps of buildDatasetInfo().
