@@ -3,6 +3,8 @@
 
 #include "algorithms/MCR.h"
 
+#include <vector>
+
 // What is told of the last automatic run beside its results.
 struct AutomaticRunFacts
 {
@@ -11,4 +13,6 @@ struct AutomaticRunFacts
     double lackOfFitDenoised = 0.0; // percent, against the data that were fitted
     double lackOfFitRaw = 0.0;      // percent, against the data of the cube
     int rank = 0;                   // of the data
+    // Of the data: squares of the singular values, descending, one an image.
+    std::vector<double> eigenvalues;
 };

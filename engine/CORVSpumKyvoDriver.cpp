@@ -173,6 +173,11 @@ int CORVSpumKyvo::iterate(MCR& mcr)
     m_runFacts.lackOfFitDenoised = mcr.lackOfFitPCA;
     m_runFacts.lackOfFitRaw = mcr.lackOfFitRaw;
     m_runFacts.rank = mcr.pca.rank;
+    const XTNT::Vector<double> eigenvalues = mcr.pca.eigenvalues();
+    m_runFacts.eigenvalues.clear();
+    for (long long i = 0; i < eigenvalues.size(); ++i) {
+        m_runFacts.eigenvalues.push_back(eigenvalues[i]);
+    }
     switch (nResult) {
     case 1:
         reportStatus("Divergence, stop!", CORVLOG_ERROR);

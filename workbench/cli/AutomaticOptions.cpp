@@ -65,7 +65,8 @@ void declareAutomaticOptions(QCommandLineParser& parser)
                         "the sequence."),
          QStringLiteral("NAMES")});
     parser.addOption({QStringLiteral("ncomponents"),
-                      QStringLiteral("So many components of which nothing is known; they are named UMX1, UMX2, ..."),
+                      QStringLiteral("So many components of which nothing is known; they are named UMX1, UMX2, ... "
+                                     "Every automatic run says how many stand above the noise."),
                       QStringLiteral("N")});
     parser.addOption({QStringLiteral("constraints"),
                       QStringLiteral("Predict from the names where each component may lie (the default).")});

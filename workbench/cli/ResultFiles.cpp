@@ -11,6 +11,7 @@
 #include "workbench/cli/CliFailure.h"
 #include "workbench/cli/MaskPicture.h"
 #include "workbench/cli/ModeNames.h"
+#include "workbench/cli/NoiseEstimate.h"
 #include "workbench/cli/PngBytes.h"
 #include "workbench/cli/ResultPlot.h"
 #include "workbench/cli/ResultSummary.h"
@@ -137,7 +138,7 @@ void ResultFiles::writeMap(int nComponent, int nSpot)
     m_files.append(name + QStringLiteral(".tif"));
 
     orvimage::RenderMapOptions options;
-    options.title = label;
+    options.title = spotCount(m_engine) > 1 ? QStringLiteral("%1, spot %2").arg(label).arg(nSpot + 1) : label;
     options.unit = valueText(m_engine.m_eUnit);
     options.colorTable = m_engine.m_nColorMap;
     options.reversed = m_engine.m_bReverse;
@@ -295,10 +296,12 @@ QString ResultFiles::summaryText() const
     if (!m_numbers.automatic)
         return text;
     const AutomaticRunFacts& facts = m_numbers.facts;
-    return text + QStringLiteral("%1 after %2 iterations; lack of fit %3 % of the data, %4 % of the denoised data\n")
-                      .arg(endingText(facts.ending))
-                      .arg(facts.iterations)
-                      .arg(TextTable::number(facts.lackOfFitRaw, 4), TextTable::number(facts.lackOfFitDenoised, 4));
+    return text +
+           QStringLiteral("%1 after %2 iterations; lack of fit %3 % of the data, %4 % of the denoised data\n")
+               .arg(endingText(facts.ending))
+               .arg(facts.iterations)
+               .arg(TextTable::number(facts.lackOfFitRaw, 4), TextTable::number(facts.lackOfFitDenoised, 4)) +
+           NoiseEstimate::ofEigenvalues(facts.eigenvalues).text(m_engine.m_spectrumPlots.size());
 }
 
 QJsonObject ResultFiles::componentJson(int nComponent) const
@@ -335,6 +338,15 @@ void ResultFiles::addRunFacts(QJsonObject& json) const
     json.insert(QStringLiteral("lackOfFit"), jsonNumber(facts.lackOfFitRaw));
     json.insert(QStringLiteral("lackOfFitDenoised"), jsonNumber(facts.lackOfFitDenoised));
     json.insert(QStringLiteral("rank"), facts.rank);
+    const NoiseEstimate noise = NoiseEstimate::ofEigenvalues(facts.eigenvalues);
+    if (noise.components > 0) {
+        json.insert(QStringLiteral("componentsAboveNoise"), noise.components);
+        json.insert(QStringLiteral("lackOfFitOfNoise"), jsonNumber(noise.lackOfFit));
+    }
+    const AnalysisInput& input = m_engine.m_analysisInput;
+    if (m_engine.m_bCherenkov && input.decayCorrection)
+        json.insert(QStringLiteral("decayCorrected"),
+                    QJsonObject{{"isotope", input.isotope}, {"halfLifeSeconds", input.halfLifeSeconds}});
 }
 
 QJsonObject ResultFiles::summaryJson() const
