@@ -66,6 +66,7 @@ void CORVSpumKyvo::resetAnalysis(int nMode)
     m_concentrations.reshape(0, 0);
     m_spectra.reshape(0, 0);
     m_bAutoBinning = true;
+    m_pResultView->removeAllUnmixedImages(); // it borrows them
     clearUnmixedImages();
     // No result and no failure stands any more.
     m_bResultReady = false;

@@ -41,6 +41,8 @@ class SpUnmixCompositeWnd;
 class SpUnmixWizardWnd;
 class SpumKyvoConsoleWnd;
 class SpectrumPlotParams;
+struct UnmixedSource;
+struct ValueLimits;
 struct downloaded_save_data;
 
 // The unmixing engine of one sequence: owns an analysis from the chosen images to the unmixed images, and runs its
@@ -154,6 +156,25 @@ public:
     // run ends without a solution.
     void takeComponents();
 
+    // --- pictures ------------------------------------------------------------------------------------------------------
+
+    // How much red, green and blue each selected image gives to the overview of the cube, pairs x 3. False, told in the log and
+    // the weights left alone, without a sensor's curve in the database; false too when memory runs out.
+    bool computeRGBWeights(XTNT::Matrix<double>& weights);
+    // Builds the cube and its overview, m_cube.m_rgbImage. Failures are told in the log.
+    bool createPseudoColorImage();
+    // Makes m_unmixedImages from the concentrations and shows them: a map over the photograph for each component and a composite,
+    // for each spot. The first of the images is a copy of the photograph (empty when there is none), the rest are the layers
+    // and what was made of them. bNew: of a new result, whose spectra are then unmodified. False without concentrations or
+    // without the sequence, nothing being done then; false too, told in the log, when the first image of m_imageList is gone, the
+    // result does not go together (a loaded one may be so), or memory runs out.
+    bool updateUnmixedImages(bool bNew);
+    // After a run: hand its spectra, and the decay controls that it started from, to the view of an automatic run.
+    void updateConsoleSpectra();
+    void refreshDecayPanel();
+    // Takes the view's decay controls as those of the result.
+    void storeDecayState();
+
     // --- where results are shown ---------------------------------------------------------------------------------------
 
     // Never null. The engine's own lists until a window takes their place; a view that is set is borrowed, and null sets the
@@ -174,6 +195,8 @@ public:
 public Q_SLOTS:
     // Asks for a PCA in place of an unmixing.
     void onRunPCA();
+    // Shows the unmixed images each over its own range, or all over a common one.
+    void onAutoScaleClicked(bool bIndividual);
 
 Q_SIGNALS:
     // Set-up is complete and the thread is to be started.
@@ -281,4 +304,10 @@ private:
     // Steps of buildImageCube().
     bool fillImageCube();
     bool bringToCubeSize(CILImage& image) const;
+
+    // Steps of updateUnmixedImages().
+    bool showUnmixedImages(CORVSequenceDataset& sequence, CORVDataset& dataset);
+    ValueLimits shownRange(const ValueLimits& limits) const;
+    void showColorBar(const ValueLimits& range);
+    void showSpot(const UnmixedSource& source, int nSpot);
 };
