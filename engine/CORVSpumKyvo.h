@@ -175,6 +175,29 @@ public:
     // Takes the view's decay controls as those of the result.
     void storeDecayState();
 
+    // --- export --------------------------------------------------------------------------------------------------------
+
+    // Makes the dataset of one unmixed map in a folder of the system's temporary directory and opens nothing. The index is
+    // spot x (components + 1) + component; the last of each spot stands for the composite, which is no dataset. Gives back the
+    // dataset's label and the path of its "ClickInfo.txt" (either may be null; untouched after a failure). A failure is told
+    // in the log; a folder that was begun remains.
+    bool openUnmixedDataset(int nIndex, QString* pStrName, QString* pStrPath);
+    // The seven sections of the click info of a map that was made from pSource, appended to *pOut; see exportClickInfo().
+    // nClick is the scan spot, from 1, or 0 when there is no choice; strName the dataset's label. With bMerge the source's
+    // entries are taken over, with bKeepInfo its click number and folder too.
+    void buildClickInfo(CPLClickInfo* pOut, CORVDataset* pSource, CILImage* pMap, int nComponent, int nClick,
+                        QString strName, bool bMerge, bool bKeepInfo);
+    // The dataset of the image in which a component is brightest at a spot, both from 0; null when there is none, as after a
+    // change of the sequence.
+    CORVDataset* unmixedSource(int nComponent, int nSpot) const;
+
+    // --- saved results -------------------------------------------------------------------------------------------------
+
+    // The document of the present result.
+    QString resultToXml();
+    // Brings the engine back to the result of a document; true when the engine now shows it.
+    bool loadResult(QString content);
+
     // --- where results are shown ---------------------------------------------------------------------------------------
 
     // Never null. The engine's own lists until a window takes their place; a view that is set is borrowed, and null sets the
@@ -193,6 +216,9 @@ public:
     const QString& getSequenceId() const { return m_strSeqId; }
 
 public Q_SLOTS:
+    // Makes a dataset of every map, or at several scan spots of the maps of one component that the user picks, and has the
+    // host group them (createSpumKyvoSequence). The first failure ends it without that.
+    void onClickExportAsSequence();
     // Asks for a PCA in place of an unmixing.
     void onRunPCA();
     // Shows the unmixed images each over its own range, or all over a common one.
@@ -248,6 +274,7 @@ public:
     MCRParams m_lastParams;                // with which the results below were made
     XTNT::Matrix<double> m_concentrations; // components x rows of the data
     XTNT::Matrix<double> m_spectra;        // components x images
+    int m_nComponents = 0;                 // of m_concentrations, when maps are exported
     int m_nResultUnits = 0;
     QList<SpectrumPlotParams*> m_spectrumPlots; // one per component, owned
     QList<ScaleRatio> m_scaleRatios;
@@ -300,6 +327,13 @@ private:
     int iterate(MCR& mcr);
     void takeResolvedSpectra(const MCR& mcr);
     int analyseSelection();
+
+    // Steps of openUnmixedDataset() and onClickExportAsSequence().
+    int exportedSpots() const;
+    QString makeDatasetFolder(const QString& strName);
+    bool makeUnmixedMap(CORVDataset& source, int nComponent, int nSpot, CILImage& out);
+    bool writeUnmixedDataset(CORVDataset& source, const CILImage& map, const QString& strFolder, CPLClickInfo& info);
+    QList<int> askForExportedMaps() const;
 
     // Steps of buildImageCube().
     bool fillImageCube();

@@ -11,7 +11,6 @@ class CORVSequenceDataset;
 class CORVSpumKyvo;
 class CPLSettingsFileWrapper;
 class QByteArray;
-class QDomDocument;
 class ResultsList;
 class SavedResultsOwner;
 
@@ -98,34 +97,47 @@ private:
         FileWasThere,
         Ask,
         Wait,
+        IndexUnreadable,
         Failed
+    };
+    enum class Renaming
+    {
+        Renamed,
+        Taken,
+        IndexUnreadable,
+        Refused
     };
 
     CORVSequenceDataset* dataset() const;
-    QString analysisName() const;
-    // "%1" is the analysis name, "%2" the sequence's id.
+    // For "%1" the analysis name, for "%2" the sequence's id.
     QString worded(const char* pText) const;
     void inform(const QString& strText);
+    void updateList(const CORVSequenceDataset* pSequence);
 
     // Steps of a save.
     SaveOutcome save(bool bBatch);
+    SaveOutcome saveInto(Target& target, const QByteArray& document);
     bool prepareFolders(Target& target);
+    bool askToOverwrite(const QString& strName);
     QString newFile(const Target& target) const;
     Attempt trySave(const Target& target, const QByteArray& document, Entry& entry);
     Entry chooseEntry(const Target& target, const CPLSettingsFileWrapper& index, const QString& strFile) const;
-    bool enter(CPLSettingsFileWrapper& index, const Entry& entry);
+    void finishSave();
     void waitForNextSecond() const;
 
-    // Steps of a load. Each tells of its failure.
-    bool findResultFile(const QString& strName, QString* pPath);
-    bool readResultFile(const QString& strPath, QDomDocument& document);
-    bool showResult(const QDomDocument& document);
+    // Steps of a load; each tells of its failure.
+    bool loadResultNamed(const QString& strName, const CORVSequenceDataset& sequence);
+    bool findResultFile(const QString& strName, const QString& strFolder, QString* pPath);
+    bool readResultFile(const QString& strPath, QString* pText);
     bool loadFailed();
+    bool handToEngine(const QString& strText);
+    void showLoadedResult();
 
-    bool removeResultFile(const CPLSettingsFileWrapper& index, const QString& strName) const;
-    bool renameEntry(const QString& strOld, const QString& strNew);
+    bool deleteEntry(const QString& strFolder, const QString& strName);
+    bool removeResultFile(const CPLSettingsFileWrapper& index, const QString& strFolder, const QString& strName);
+    Renaming renameEntry(const QString& strFolder, const QString& strOld, const QString& strNew);
     bool hasResultToLose() const;
-    bool askToSave(bool bCanCancel);
+    bool askToKeep(bool bCanCancel);
 
     ResultsList& m_list;
     SavedResultsOwner& m_owner;

@@ -34,6 +34,16 @@ QString sectionTag()
     return QStringLiteral("SPUM");
 }
 
+QString menuNameTag()
+{
+    return QStringLiteral("MenuName");
+}
+
+QString fileNameTag()
+{
+    return QStringLiteral("FileName");
+}
+
 QString newMark()
 {
     return QStringLiteral("(new)");
@@ -87,8 +97,8 @@ QString relativeFile(const QString& strFileName)
 void setTags(CPLSettingsFileWrapper& index)
 {
     index.setAutoMenuNameTag(QStringLiteral("SPUM_"));
-    index.setMenuNameTag(QStringLiteral("MenuName"));
-    index.setFileNameTag(QStringLiteral("FileName"));
+    index.setMenuNameTag(menuNameTag());
+    index.setFileNameTag(fileNameTag());
 }
 
 std::optional<QString> findName(const QStringList& names, const QString& strName)

@@ -17,6 +17,9 @@ namespace resultsIndex {
 
 // Key of the sections of results.
 QString sectionTag();
+// Keys of an entry: the result's name as the user sees it, and its file relative to the index.
+QString menuNameTag();
+QString fileNameTag();
 // "(new)", behind the name of a result that is not saved yet.
 QString newMark();
 // Of a name that ends in "(new)" every "(new)" is taken out; any other stays as it is.
