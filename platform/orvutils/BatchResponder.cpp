@@ -33,4 +33,11 @@ int BatchResponder::ask(const MessageRequest& request)
     return answer;
 }
 
+std::optional<QString> BatchResponder::chooseItem(const ItemRequest& request)
+{
+    CORVLog::getLogObject()->log(request.m_strLabel, QStringLiteral("nothing chosen"), 0, QString(), CORVLOG_WARNING,
+                                 false);
+    return std::nullopt;
+}
+
 } // namespace orv

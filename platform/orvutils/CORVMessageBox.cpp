@@ -19,13 +19,6 @@ std::unique_ptr<MessageResponder>& installedResponder()
 
 std::atomic<bool> cancelClicked{false};
 
-int ask(const MessageRequest& request)
-{
-    if (installedResponder())
-        return installedResponder()->ask(request);
-    return TextResponder(std::cerr).ask(request);
-}
-
 int askButtons(MessageRequest::Kind eKind, QWidget* pParent, const QString& strCaption, const QString& strText,
                int nButtons, int nDefault)
 {
@@ -36,7 +29,7 @@ int askButtons(MessageRequest::Kind eKind, QWidget* pParent, const QString& strC
     request.m_strText = strText;
     request.m_nButtons = nButtons;
     request.m_nDefault = nDefault;
-    return ask(request);
+    return messageResponder().ask(request);
 }
 
 int askTexts(MessageRequest::Kind eKind, QWidget* pParent, const QString& strCaption, const QString& strText,
@@ -49,7 +42,7 @@ int askTexts(MessageRequest::Kind eKind, QWidget* pParent, const QString& strCap
     request.m_strText = strText;
     request.m_strDetail = strDetail;
     request.m_buttonTexts = buttonTexts;
-    return ask(request);
+    return messageResponder().ask(request);
 }
 
 } // namespace
@@ -58,6 +51,17 @@ std::unique_ptr<MessageResponder> setMessageResponder(std::unique_ptr<MessageRes
 {
     std::swap(installedResponder(), pResponder);
     return pResponder;
+}
+
+MessageResponder& messageResponder()
+{
+    static TextResponder s_ofTheStart(std::cerr);
+    return installedResponder() ? *installedResponder() : s_ofTheStart;
+}
+
+std::optional<QString> MessageResponder::chooseItem(const ItemRequest&)
+{
+    return std::nullopt;
 }
 
 } // namespace orv

@@ -41,6 +41,25 @@ int matchAnswer(const MessageRequest& request, const QString& strTyped)
     return beginning.size() == 1 ? beginning.first() : -1;
 }
 
+// The item that the typed text names, by the same rules.
+std::optional<QString> matchItem(const ItemRequest& request, const QString& strTyped)
+{
+    if (strTyped.isEmpty())
+        return request.m_nCurrent >= 0 && request.m_nCurrent < request.m_items.size()
+                   ? std::optional<QString>(request.m_items[request.m_nCurrent])
+                   : std::nullopt;
+    QStringList beginning;
+    for (const QString& item : request.m_items) {
+        if (item.compare(strTyped, Qt::CaseInsensitive) == 0)
+            return item;
+        if (item.startsWith(strTyped, Qt::CaseInsensitive))
+            beginning.append(item);
+    }
+    if (beginning.size() == 1)
+        return beginning.first();
+    return request.m_bEditable ? std::optional<QString>(strTyped) : std::nullopt;
+}
+
 } // namespace
 
 TextResponder::TextResponder(std::ostream& output, std::istream* pInput) : m_output(output), m_pInput(pInput) {}
@@ -81,6 +100,34 @@ int TextResponder::readAnswer(const MessageRequest& request)
         const int answer = typed.isEmpty() ? fallback : matchAnswer(request, typed);
         if (request.answers().contains(answer))
             return answer;
+    }
+}
+
+std::optional<QString> TextResponder::chooseItem(const ItemRequest& request)
+{
+    if (!request.m_strTitle.isEmpty())
+        m_output << local(request.m_strTitle) << ": ";
+    m_output << local(request.m_strLabel) << '\n';
+    if (m_pInput)
+        return readItem(request);
+    m_output << "(nothing chosen)\n";
+    return std::nullopt;
+}
+
+std::optional<QString> TextResponder::readItem(const ItemRequest& request)
+{
+    std::string line;
+    while (true) {
+        m_output << local(request.m_items.join(QStringLiteral(" / ")));
+        if (const std::optional<QString> proposed = matchItem(request, QString()))
+            m_output << " [" << local(*proposed) << ']';
+        m_output << "? " << std::flush;
+        if (!std::getline(*m_pInput, line)) {
+            m_output << '\n';
+            return std::nullopt;
+        }
+        if (const std::optional<QString> item = matchItem(request, QString::fromLocal8Bit(line.c_str()).trimmed()))
+            return item;
     }
 }
 
