@@ -78,4 +78,7 @@ public:
                                   const QList<CompositeChannel>& channels, int nSpots) = 0;
     // Borrowed; null does nothing.
     virtual void setXRayImage(CILImage* pImage) = 0;
+
+    // Closes the window of a loaded dataset whose folder is about to be replaced. Without windows there is none to close.
+    virtual void closeImageWindow(const QString&) {}
 };

@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "storage/exportNames.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+namespace {
+
+QString lastThree(int nNumber)
+{
+    return QString::number(nNumber).right(3);
+}
+
+} // namespace
+
+QString unmixedDatasetName(int nComponent, int nSpot, int nSpots)
+{
+    const QString strName = QStringLiteral("Unmixed Result ") + lastThree(nComponent + 1);
+    return nSpots > 1 ? strName + lastThree(1001 + nSpot) : strName;
+}
+
+QString unmixedDatasetLabel(const QString& strSeqId, int nComponent)
+{
+    QString strLabel = strSeqId;
+    strLabel.chop(3);
+    return strLabel + QStringLiteral("UMX%1").arg(nComponent + 1);
+}
+
+QString unmixedTargetFolder(const QString& strSeqId)
+{
+    QString strId = strSeqId;
+    strId.replace(QLatin1Char('/'), QLatin1Char('_'));
+    return QDir::tempPath() + QLatin1String("/SPUM_") + strId;
+}
+
+bool deleteFolderTree(const QString& strFolder)
+{
+    const QString strPath = QDir::cleanPath(strFolder);
+    if (QFileInfo(strPath).isSymLink()) {
+        return QFile::remove(strPath);
+    }
+    return QDir(strPath).removeRecursively();
+}

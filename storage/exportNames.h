@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QString>
+
+// Places and names of the datasets that unmixed maps become. Components and spots count from 0.
+
+// Of the folder: "Unmixed Result 2" or, with several spots, "Unmixed Result 2001" for the first of them.
+QString unmixedDatasetName(int nComponent, int nSpot, int nSpots);
+// Of the dataset in its sequence: the source sequence's id without its last three characters, and "UMX2".
+QString unmixedDatasetLabel(const QString& strSeqId, int nComponent);
+// The folder of all datasets of that sequence, without a separator at its end. A separator inside the id becomes "_".
+QString unmixedTargetFolder(const QString& strSeqId);
+
+// Removes a folder with all that is in it; a link to a folder goes without what it points to. True when there is no such
+// folder afterwards.
+bool deleteFolderTree(const QString& strFolder);
