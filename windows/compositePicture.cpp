@@ -1,0 +1,328 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "windows/compositePicture.h"
+
+#include "XTNT/xtnt_assert.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <limits>
+#include <new>
+#include <vector>
+
+// This file is compiled without fused multiplications: values are truncated at the end, and a product that is not rounded can
+// end up on the other side of an integer.
+
+namespace {
+
+constexpr double kProbeBrightness = 1.0;
+constexpr double kTissueBrightness = 0.3;
+constexpr double kBackgroundBrightness = 0.35;
+
+constexpr double kLogOffset = 0.001;
+constexpr double kLogShift = 3.0;
+constexpr double kLogTop = 1.001;
+
+// Pixels of which the layers are mixed while they are in the cache.
+constexpr long long kBlock = 2048;
+
+using Weights = std::array<double, 3>;
+
+bool isLit(const Weights& weights)
+{
+    return weights[0] != 0.0 || weights[1] != 0.0 || weights[2] != 0.0;
+}
+
+// Of 0 to 1: 0 gives 0 and 1 gives `top`.
+double logarithmic(double m, double top)
+{
+    return (std::log10(m + kLogOffset) + kLogShift) * top / (std::log10(kLogTop) + kLogShift);
+}
+
+// The display window of a layer, 0 to `top`. A value at the upper end is not above it and goes through the quotient.
+class DisplayWindow
+{
+public:
+    DisplayWindow(const CompositeLayer& layer, double top)
+        : m_minimum(layer.minimum), m_width(layer.maximum - layer.minimum), m_low(layer.channel.minFraction),
+          m_high(layer.channel.maxFraction), m_top(top)
+    {
+    }
+
+    double operator()(double value) const
+    {
+        double v = (value - m_minimum) / m_width;
+        if (m_width == 0.0 && value == m_minimum) {
+            v = 0.0;
+        }
+        if (v > m_high) {
+            return m_top;
+        }
+        if (m_low >= v) {
+            return 0.0;
+        }
+        return (v - m_low) * m_top / (m_high - m_low);
+    }
+
+private:
+    const double m_minimum, m_width, m_low, m_high, m_top;
+};
+
+// Truncates; what is not a number is black.
+int level(double value)
+{
+    if (!(value > 0.0)) {
+        return 0;
+    }
+    return value >= 255.0 ? 255 : static_cast<int>(value);
+}
+
+// The largest number of a stretch of values; 0 when there is none.
+double largestOf(const double* values, long long count)
+{
+    double largest = -std::numeric_limits<double>::infinity();
+    bool found = false;
+    for (long long i = 0; i < count; ++i) {
+        if (values[i] >= largest) {
+            largest = values[i];
+            found = true;
+        }
+    }
+    return found ? largest : 0.0;
+}
+
+bool isTissueInItsColor(const CompositeChannel& channel)
+{
+    return channel.label.contains(QLatin1String("TissueAF")) &&
+           channel.color.rgb() == QColor(QStringLiteral("lime")).rgb();
+}
+
+Weights weightsOf(const CompositeLayer& layer)
+{
+    if (layer.checked == Qt::Unchecked) {
+        return {0.0, 0.0, 0.0};
+    }
+    const QColor& color = layer.channel.color;
+    const double brightness = layer.channel.brightness;
+    return {color.red() * brightness, color.green() * brightness, color.blue() * brightness};
+}
+
+// Adds a layer to the mixture of `count` pixels, three values each.
+template <bool bLog>
+void addLayer(const double* values, long long count, const DisplayWindow& window, const Weights& weights,
+              double* mixture)
+{
+    for (long long p = 0; p < count; ++p) {
+        double m = window(values[p]);
+        if constexpr (bLog) {
+            m = logarithmic(m, 1.0);
+        }
+        mixture[3 * p] += m * weights[0];
+        mixture[3 * p + 1] += m * weights[1];
+        mixture[3 * p + 2] += m * weights[2];
+    }
+}
+
+struct Mixture
+{
+    std::vector<double> values; // red, green and blue of each pixel
+    double largest = 0.0;       // of all of them; NaNs do not count
+};
+
+Mixture mixtureOf(const CompositeMaps& maps, int nSpot, const QList<CompositeLayer>& layers)
+{
+    const long long pixels = maps.pixelsPerSpot();
+    Mixture mixture;
+    mixture.values.resize(3 * static_cast<std::size_t>(pixels));
+    for (long long begin = 0; begin < pixels; begin += kBlock) {
+        const long long count = std::min(kBlock, pixels - begin);
+        double* block = mixture.values.data() + 3 * begin;
+        for (int i = 0; i + 1 < layers.size(); ++i) {
+            const Weights weights = weightsOf(layers[i]);
+            // A layer that is off takes no part, so that a NaN in it does not reach the picture.
+            if (!isLit(weights)) {
+                continue;
+            }
+            const double* values = maps.data[i] + nSpot * pixels + begin;
+            const auto add = layers[i].channel.logScale ? addLayer<true> : addLayer<false>;
+            add(values, count, DisplayWindow(layers[i], 1.0), weights, block);
+        }
+        mixture.largest = std::max(mixture.largest, largestOf(block, 3 * count));
+    }
+    return mixture;
+}
+
+void requireMatch(const CompositeMaps& maps, int nSpot, const QList<CompositeLayer>& layers)
+{
+    const bool bSizes = compositeSizesMatch(maps, layers.size() - 1);
+    XTNT_ASSERT(bSizes);
+    XTNT_ASSERT(nSpot >= 0 && nSpot < maps.spots);
+}
+
+QImage blackPicture(const QSize& size)
+{
+    QImage picture(size, QImage::Format_RGB32);
+    if (picture.isNull() && !size.isEmpty()) {
+        throw std::bad_alloc();
+    }
+    picture.fill(QColor(QStringLiteral("black")));
+    return picture;
+}
+
+QImage enlarged(const QImage& picture, const QSize& size)
+{
+    if (picture.isNull()) {
+        return picture;
+    }
+    QImage scaled = picture.scaled(size, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+    if (scaled.isNull()) {
+        throw std::bad_alloc();
+    }
+    return scaled.format() == QImage::Format_RGB32 ? scaled : scaled.convertToFormat(QImage::Format_RGB32);
+}
+
+// The background as double pixels, of exactly that size. A side alone that is too short calls for it too.
+CILImage backgroundOfSize(const CILImage& background, const QSize& size)
+{
+    CILImage grey = background;
+    bool bOk = grey.ChangeType(ORVTYPE_DOUBLE) == EIL_SUCCESS;
+    if (bOk && (grey.m_lWidth < size.width() || grey.m_lHeight < size.height())) {
+        bOk = grey.upSample(size.width(), size.height(), IL_RESAMPLE_LINEAR) == EIL_SUCCESS;
+    }
+    if (!bOk) {
+        throw std::bad_alloc();
+    }
+    return grey;
+}
+
+QImage blended(const QImage& picture, const CompositeLayer& layer, const CILImage& background, const QSize& size)
+{
+    const CILImage image = backgroundOfSize(background, size);
+    const double* values = image.doubles();
+    const DisplayWindow window(layer, 255.0);
+    const double b = layer.channel.brightness;
+    const bool bLog = layer.channel.logScale;
+    QImage result = blackPicture(size);
+    for (int y = 0; y < size.height(); ++y) {
+        auto* to = reinterpret_cast<QRgb*>(result.scanLine(y));
+        const auto* from = y < picture.height() ? reinterpret_cast<const QRgb*>(picture.constScanLine(y)) : nullptr;
+        for (int x = 0; x < size.width(); ++x, ++values) {
+            double grey = window(*values);
+            if (bLog) {
+                grey = logarithmic(grey / 255.0, 255.0);
+            }
+            const QRgb pixel = from != nullptr && x < picture.width() ? from[x] : qRgb(0, 0, 0);
+            to[x] = qRgb(level(qRed(pixel) * (1.0 - b) + b * grey), level(qGreen(pixel) * (1.0 - b) + b * grey),
+                         level(qBlue(pixel) * (1.0 - b) + b * grey));
+        }
+    }
+    return result;
+}
+
+} // namespace
+
+bool compositeSizesMatch(const CompositeMaps& maps, int nChannels)
+{
+    return nChannels == maps.data.num_rows() && maps.data.num_cols() == maps.spots * maps.pixelsPerSpot();
+}
+
+QString compositeSizeMismatchText()
+{
+    return QStringLiteral("SpUnmixCompositeWnd: input data size mismatch for composite image.");
+}
+
+QList<CompositeLayer> compositeStartLayers(const CompositeMaps& maps, const QList<CompositeChannel>& channels,
+                                           const CILImage& photo)
+{
+    const bool bSizes = compositeSizesMatch(maps, channels.size());
+    XTNT_ASSERT(bSizes);
+    QList<CompositeLayer> layers;
+    for (int i = 0; i < channels.size(); ++i) {
+        CompositeLayer layer;
+        layer.channel = channels[i];
+        layer.channel.brightness = isTissueInItsColor(channels[i]) ? kTissueBrightness : kProbeBrightness;
+        layer.maximum = largestOf(maps.data[i], maps.data.num_cols());
+        layers.append(layer);
+    }
+
+    CompositeLayer background;
+    background.channel.color = QColor(QStringLiteral("white"));
+    background.channel.brightness = kBackgroundBrightness;
+    background.channel.minFraction = 0.0;
+    background.channel.maxFraction = 1.0;
+    const CILPalette* pPalette = photo.getPalette();
+    const double width = photo.Max() - photo.Min();
+    if (pPalette->hasImageMinMax() && width != 0.0) {
+        background.channel.minFraction = (pPalette->imageMin() - photo.Min()) / width;
+        background.channel.maxFraction = (pPalette->imageMax() - photo.Min()) / width;
+    }
+    layers.append(background);
+    takeCompositeBackground(layers, photo, QStringLiteral("Photograph"));
+    return layers;
+}
+
+void takeCompositeBackground(QList<CompositeLayer>& layers, const CILImage& background, const QString& strName)
+{
+    XTNT_ASSERT(!layers.isEmpty());
+    CompositeLayer& layer = layers.last();
+    layer.channel.label = strName;
+    layer.minimum = background.Min();
+    layer.maximum = background.Max();
+}
+
+bool takeCompositeSpot(const CompositeMaps& maps, int nSpot, QList<CompositeLayer>& layers)
+{
+    if (maps.spots <= 1 || nSpot < 0 || nSpot >= maps.spots) {
+        return false;
+    }
+    requireMatch(maps, nSpot, layers);
+    const long long pixels = maps.pixelsPerSpot();
+    for (int i = 0; i + 1 < layers.size(); ++i) {
+        layers[i].maximum = largestOf(maps.data[i] + nSpot * pixels, pixels);
+    }
+    return true;
+}
+
+QImage compositeOfMaps(const CompositeMaps& maps, int nSpot, const QList<CompositeLayer>& layers)
+{
+    requireMatch(maps, nSpot, layers);
+    QImage picture = blackPicture(QSize(maps.width, maps.height));
+    const Mixture mixture = mixtureOf(maps, nSpot, layers);
+    if (picture.isNull() || !(mixture.largest > 0.0)) {
+        return picture;
+    }
+    const auto stretched = [&](double value) { return level(value / mixture.largest * 255.0); };
+    const long long places = static_cast<long long>(maps.width) * maps.height;
+    const long long pixels = maps.pixelsPerSpot();
+    const double* values = mixture.values.data();
+    auto* const to = reinterpret_cast<QRgb*>(picture.bits()); // lines of 32 bit pixels have no padding
+    for (long long p = 0; p < pixels; ++p, values += 3) {
+        const long long q = maps.pixelIndices.empty() ? p : maps.pixelIndices[static_cast<std::size_t>(p)];
+        if (q >= 0 && q < places) {
+            to[q] = qRgb(stretched(values[0]), stretched(values[1]), stretched(values[2]));
+        }
+    }
+    return picture;
+}
+
+QImage compositePicture(const CompositeMaps& maps, int nSpot, const QList<CompositeLayer>& layers,
+                        const CILImage& background)
+{
+    const QSize size = QSize(static_cast<int>(background.m_lWidth), static_cast<int>(background.m_lHeight))
+                           .expandedTo(QSize(maps.width, maps.height))
+                           .expandedTo(QSize(kCompositeSide, kCompositeSide));
+    const QImage picture = enlarged(compositeOfMaps(maps, nSpot, layers), size);
+    if (layers.last().checked != Qt::Checked || background.isEmpty()) {
+        return picture;
+    }
+    return blended(picture, layers.last(), background, size);
+}
+
+QList<QPair<QString, QColor>> compositeLabels(const QList<CompositeLayer>& layers)
+{
+    QList<QPair<QString, QColor>> labels;
+    for (int i = layers.size() - 2; i >= 0; --i) {
+        labels.append(qMakePair(layers[i].channel.label, layers[i].channel.color));
+    }
+    return labels;
+}
