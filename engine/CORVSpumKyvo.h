@@ -191,12 +191,19 @@ public:
     // change of the sequence.
     CORVDataset* unmixedSource(int nComponent, int nSpot) const;
 
-    // --- saved results -------------------------------------------------------------------------------------------------
+    // --- results -------------------------------------------------------------------------------------------------------
 
-    // The document of the present result.
+    // The present result as the text of a file of version 2 (storage/). m_roiResults takes in the regions of open images of the
+    // result, and is empty afterwards.
     QString resultToXml();
-    // Brings the engine back to the result of a document; true when the engine now shows it.
+    // Brings engine and view to the result in a file's text, of either version. True when they show it, and also, after
+    // cancelRun(), when the overview of the cube cannot be made; failures are told in the log. What was read before a failure
+    // stays, so after one there is no result to go on with.
     bool loadResult(QString content);
+    // Fill the engine from the root element of such a document, and no more. False, told in the log, at the first element
+    // that does not fit; what was read until then stays.
+    bool readResultV1(QDomElement root);
+    bool readResultV2(QDomElement root);
 
     // --- where results are shown ---------------------------------------------------------------------------------------
 

@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QDomDocument>
+#include <QString>
+
+// A results document as text and back.
+namespace documentText {
+
+// The type that the document type line names.
+QString documentType();
+
+// The first line of a results file, with its end.
+QString prologue();
+
+// The document with an indent of 1: the text of QDomDocument::toString(1), but with the attributes of an element in one order,
+// always the same (Qt's own changes from process to process), and without the characters U+FFFE and U+FFFF, at which readers
+// of XML stop. For documents that consist of a document type, elements and attributes; other nodes are left out.
+QString toText(const QDomDocument& document);
+
+// Parses the text. Of one that breaks off, or is wrong somewhere, *pDocument holds what stood before; the answer is then false and
+// *pReason tells where and why. Elements more than 256 deep are refused without an attempt, *pDocument being empty:
+// the tree takes itself apart by recursion.
+bool parse(const QString& text, QDomDocument* pDocument, QString* pReason);
+// Same of the bytes of a file, in the encoding that it names.
+bool parse(const QByteArray& bytes, QDomDocument* pDocument, QString* pReason);
+
+} // namespace documentText

@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "storage/resultRegions.h"
+
+#include "host/CORVDataset.h"
+#include "host/CPLClickInfo.h"
+#include "host/CPLSection.h"
+#include "host/CROIManager.h"
+
+namespace {
+
+struct ResultImage
+{
+    CORVDataset* dataset;
+    QString map; // null when the click info does not name it
+};
+
+QList<ResultImage> resultImages(const QString& strSeqId)
+{
+    QList<ResultImage> images;
+    const QList<CORVDataset*> datasets = CORVDataset::loadedDatasets();
+    for (CORVDataset* pDataset : datasets) {
+        const CPLSection* pSection = pDataset->clickInfo["luminescent image"];
+        QString strSource;
+        if (pSection == nullptr || pSection->getValue("Spectral Unmix Seq Dataset", &strSource) != 0 ||
+            strSource.compare(strSeqId, Qt::CaseInsensitive) != 0) {
+            continue;
+        }
+        QString strMap;
+        pSection->getValue("Unmixed Concentration", &strMap);
+        images.append({pDataset, strMap});
+    }
+    return images;
+}
+
+RoiRecord regionsOf(const ResultImage& image)
+{
+    RoiRecord record;
+    record.concentrationMap = image.map;
+    CPLClickInfo info;
+    image.dataset->roiManager()->saveROIData(&info);
+    if (const CPLSection* pSection = info["ROIs"]) {
+        pSection->getKeyList(&record.keys);
+        pSection->getValueList(&record.values);
+    }
+    return record;
+}
+
+} // namespace
+
+ResultRegions collectResultRegions(const QString& strSeqId)
+{
+    ResultRegions regions;
+    const QList<ResultImage> images = resultImages(strSeqId);
+    regions.hasResultImage = !images.isEmpty();
+    for (const ResultImage& image : images) {
+        if (image.map.isNull()) {
+            break;
+        }
+        if (image.dataset->hasROIData()) {
+            regions.records.append(regionsOf(image));
+        }
+    }
+    return regions;
+}
