@@ -49,19 +49,14 @@ public:
     {
     }
 
+    // Without branches, so that many values are taken at once. The order of the choices is that of their weight.
     double operator()(double value) const
     {
-        double v = (value - m_minimum) / m_width;
-        if (m_width == 0.0 && value == m_minimum) {
-            v = 0.0;
-        }
-        if (v > m_high) {
-            return m_top;
-        }
-        if (m_low >= v) {
-            return 0.0;
-        }
-        return (v - m_low) * m_top / (m_high - m_low);
+        const double quotient = (value - m_minimum) / m_width;
+        const double v = m_width == 0.0 && value == m_minimum ? 0.0 : quotient;
+        const double inside = (v - m_low) * m_top / (m_high - m_low);
+        const double m = m_low >= v ? 0.0 : inside;
+        return v > m_high ? m_top : m;
     }
 
 private:
@@ -81,14 +76,10 @@ int level(double value)
 double largestOf(const double* values, long long count)
 {
     double largest = -std::numeric_limits<double>::infinity();
-    bool found = false;
     for (long long i = 0; i < count; ++i) {
-        if (values[i] >= largest) {
-            largest = values[i];
-            found = true;
-        }
+        largest = values[i] > largest ? values[i] : largest;
     }
-    return found ? largest : 0.0;
+    return std::isfinite(largest) || largest > 0.0 ? largest : 0.0;
 }
 
 bool isTissueInItsColor(const CompositeChannel& channel)
@@ -107,19 +98,24 @@ Weights weightsOf(const CompositeLayer& layer)
     return {color.red() * brightness, color.green() * brightness, color.blue() * brightness};
 }
 
-// Adds a layer to the mixture of `count` pixels, three values each.
-template <bool bLog>
-void addLayer(const double* values, long long count, const DisplayWindow& window, const Weights& weights,
+// Adds a layer to the mixture of at most kBlock pixels, three values each.
+void addLayer(const double* values, long long count, const CompositeLayer& layer, const Weights& weights,
               double* mixture)
 {
+    const DisplayWindow window(layer, 1.0);
+    std::array<double, kBlock> m;
     for (long long p = 0; p < count; ++p) {
-        double m = window(values[p]);
-        if constexpr (bLog) {
-            m = logarithmic(m, 1.0);
+        m[static_cast<std::size_t>(p)] = window(values[p]);
+    }
+    if (layer.channel.logScale) {
+        for (long long p = 0; p < count; ++p) {
+            m[static_cast<std::size_t>(p)] = logarithmic(m[static_cast<std::size_t>(p)], 1.0);
         }
-        mixture[3 * p] += m * weights[0];
-        mixture[3 * p + 1] += m * weights[1];
-        mixture[3 * p + 2] += m * weights[2];
+    }
+    for (long long p = 0; p < count; ++p) {
+        for (std::size_t c = 0; c < weights.size(); ++c) {
+            mixture[3 * static_cast<std::size_t>(p) + c] += m[static_cast<std::size_t>(p)] * weights[c];
+        }
     }
 }
 
@@ -144,8 +140,7 @@ Mixture mixtureOf(const CompositeMaps& maps, int nSpot, const QList<CompositeLay
                 continue;
             }
             const double* values = maps.data[i] + nSpot * pixels + begin;
-            const auto add = layers[i].channel.logScale ? addLayer<true> : addLayer<false>;
-            add(values, count, DisplayWindow(layers[i], 1.0), weights, block);
+            addLayer(values, count, layers[i], weights, block);
         }
         mixture.largest = std::max(mixture.largest, largestOf(block, 3 * count));
     }
