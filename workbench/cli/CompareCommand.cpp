@@ -17,6 +17,7 @@
 #include <QFileInfo>
 #include <QJsonArray>
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -28,6 +29,22 @@ QString folderOf(const QString& strName, const OpenedSequence& opened)
 {
     const QString inside = opened.folder() + strName;
     return !QFileInfo::exists(strName) && QFileInfo::exists(inside) ? inside : strName;
+}
+
+// The truth of data as they stand, and that of data corrected for decay, as far as there are such and results to compare.
+void addTruths(Results& results, const OpenedSequence& opened)
+{
+    const int unit = UnitNames::fromText(results.front()->unit());
+    for (const bool corrected : {true, false}) {
+        const bool wanted = std::any_of(results.begin(), results.end(), [corrected](const auto& result) {
+            return !result->isTruth() && result->isDecayCorrected() == corrected;
+        });
+        const QString truth = wanted ? opened.truthFolder(unit, corrected) : QString();
+        if (truth.isEmpty())
+            continue;
+        results.insert(results.begin(), std::make_unique<SavedResult>());
+        results.front()->readTruth(truth, corrected);
+    }
 }
 
 // The truth, where there is one, ahead of the results.
@@ -42,11 +59,7 @@ Results readAll(const QStringList& names, const OpenedSequence& opened)
                                  .arg(results.front()->label(), results.front()->unit(), results.back()->label(),
                                       results.back()->unit()));
     }
-    const QString truth = opened.truthFolder(UnitNames::fromText(results.front()->unit()));
-    if (!truth.isEmpty()) {
-        results.insert(results.begin(), std::make_unique<SavedResult>());
-        results.front()->readTruth(truth);
-    }
+    addTruths(results, opened);
     if (results.size() < 2)
         throw CliFailure(QStringLiteral("the sequence has no truth to compare with; name two results at least"));
     return results;
@@ -61,34 +74,54 @@ TextTable tableOf(const ResultComparison& comparison, int nDigits)
 {
     TextTable table({QStringLiteral("result"), QStringLiteral("component"), comparison.rowNames().first(),
                      QStringLiteral("cosine"), QStringLiteral("correlation"), QStringLiteral("relative error")});
-    for (int i = 1; i < comparison.rowCount(); ++i) {
+    for (int i = 0; i < comparison.rowCount(); ++i) {
         for (int j = 0; j < comparison.columnCount(); ++j) {
             const ComparedComponent& component = comparison.at(i, j);
-            if (component.present)
-                table.addRow({comparison.rowNames().at(i), component.name, comparison.at(0, j).name,
-                              number(component.cosine, nDigits), number(component.correlation, nDigits),
-                              number(component.relativeError, nDigits)});
+            if (component.present && !comparison.isReference(i))
+                table.addRow({comparison.rowNames().at(i), component.name,
+                              comparison.at(comparison.referenceOf(i), j).name, number(component.cosine, nDigits),
+                              number(component.correlation, nDigits), number(component.relativeError, nDigits)});
         }
     }
     return table;
+}
+
+// "truth"; where there are two, which of them each result is compared with.
+QString referenceText(const ResultComparison& comparison)
+{
+    QStringList references;
+    QStringList pairs;
+    for (int i = 0; i < comparison.rowCount(); ++i) {
+        const QString reference = comparison.rowNames().at(comparison.referenceOf(i));
+        if (comparison.isReference(i))
+            references.append(reference);
+        else
+            pairs.append(QStringLiteral("%1 (%2)").arg(reference, comparison.rowNames().at(i)));
+    }
+    return references.size() == 1 ? references.first() : pairs.join(QStringLiteral(", "));
 }
 
 QJsonObject jsonOf(const ResultComparison& comparison)
 {
     const auto value = [](double dValue) { return std::isfinite(dValue) ? QJsonValue(dValue) : QJsonValue(); };
     QJsonArray results;
-    for (int i = 1; i < comparison.rowCount(); ++i) {
+    for (int i = 0; i < comparison.rowCount(); ++i) {
+        if (comparison.isReference(i))
+            continue;
+        const int reference = comparison.referenceOf(i);
         QJsonArray components;
         for (int j = 0; j < comparison.columnCount(); ++j) {
             const ComparedComponent& component = comparison.at(i, j);
             if (component.present)
                 components.append(QJsonObject{{"name", component.name},
-                                              {"reference", comparison.at(0, j).name},
+                                              {"reference", comparison.at(reference, j).name},
                                               {"cosine", value(component.cosine)},
                                               {"correlation", value(component.correlation)},
                                               {"relativeError", value(component.relativeError)}});
         }
-        results.append(QJsonObject{{"result", comparison.rowNames().at(i)}, {"components", components}});
+        results.append(QJsonObject{{"result", comparison.rowNames().at(i)},
+                                   {"reference", comparison.rowNames().at(reference)},
+                                   {"components", components}});
     }
     return QJsonObject{{"reference", comparison.rowNames().first()},
                        {"images", comparison.imageCount()},
@@ -148,7 +181,7 @@ void CompareCommand::run(const QCommandLineParser& parser, CliSession& session)
     if (!folder.commit(&error))
         throw CliFailure(error);
     session.answer(QStringLiteral("compared with %1 over %2 pixels and %3 images\n\n%4\nresults in %5\n")
-                       .arg(comparison.rowNames().first())
+                       .arg(referenceText(comparison))
                        .arg(comparison.pixelCount())
                        .arg(comparison.imageCount())
                        .arg(tableOf(comparison, 4).toText(), folder.target()));

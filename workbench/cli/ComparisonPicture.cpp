@@ -6,6 +6,7 @@
 #include "workbench/cli/SpectrumPlot.h"
 #include "workbench/cli/TextTable.h"
 
+#include <QFontMetrics>
 #include <QPainter>
 
 #include <algorithm>
@@ -17,25 +18,33 @@ namespace {
 constexpr int mapSide = 320;
 constexpr int labelWidth = 44;
 constexpr int plotHeight = 260;
-constexpr int legendHeight = 36;
+constexpr int legendHeight = 36; // of a line of the legend
+constexpr int legendMargin = 16;
+constexpr int legendLine = 44;
+constexpr int legendGap = 40;
 
-QColor rowColor(int nRow)
+// References are pale; results have colours in turn, whatever the number of references.
+QColor rowColor(const ResultComparison& comparison, int nRow)
 {
-    static const QColor colors[] = {QColor(170, 170, 170), QColor(31, 119, 180),  QColor(214, 39, 40),
-                                    QColor(44, 160, 44),   QColor(148, 103, 189), QColor(227, 137, 25)};
-    return colors[nRow % 6];
+    static const QColor references[] = {QColor(170, 170, 170), QColor(222, 203, 158)};
+    static const QColor results[] = {QColor(31, 119, 180), QColor(214, 39, 40), QColor(44, 160, 44),
+                                     QColor(148, 103, 189), QColor(227, 137, 25)};
+    int before = 0;
+    for (int i = 0; i < nRow; ++i)
+        before += comparison.isReference(i) == comparison.isReference(nRow) ? 1 : 0;
+    return comparison.isReference(nRow) ? references[before % 2] : results[before % 5];
 }
 
-// The reference lies under the others as a broad line.
-double rowLine(int nRow)
+// A reference lies under the others as a broad line.
+double rowLine(const ResultComparison& comparison, int nRow)
 {
-    return nRow == 0 ? 6.0 : 2.0;
+    return comparison.isReference(nRow) ? 6.0 : 2.0;
 }
 
 QString titleOf(const ResultComparison& comparison, int nRow, int nColumn)
 {
     const ComparedComponent& component = comparison.at(nRow, nColumn);
-    if (nRow == 0 || std::isnan(component.correlation))
+    if (comparison.isReference(nRow) || std::isnan(component.correlation))
         return component.name;
     return QStringLiteral("%1: correlation %2").arg(component.name, QString::number(component.correlation, 'f', 3));
 }
@@ -62,9 +71,12 @@ QImage renderCell(const ComparedComponent& component, const QString& strTitle, c
     return orvimage::renderMapOverPhotograph(map, style.photograph, options);
 }
 
-// The range of the uppermost map that there is.
-orvimage::ValueRange rangeOfColumn(const ResultComparison& comparison, int nColumn)
+// The range of the map that a row's is compared with; without one that of the uppermost map that there is.
+orvimage::ValueRange rangeOf(const ResultComparison& comparison, int nRow, int nColumn)
 {
+    const ComparedComponent& reference = comparison.at(comparison.referenceOf(nRow), nColumn);
+    if (reference.present)
+        return orvimage::robustRange(reference.map);
     for (int i = 0; i < comparison.rowCount(); ++i)
         if (comparison.at(i, nColumn).present)
             return orvimage::robustRange(comparison.at(i, nColumn).map);
@@ -82,9 +94,9 @@ SpectrumPlot plotOfColumn(const ResultComparison& comparison, int nColumn)
             continue;
         PlotCurve curve;
         curve.label = comparison.rowNames().at(i);
-        curve.color = rowColor(i);
-        curve.width = rowLine(i);
-        curve.markers = i > 0;
+        curve.color = rowColor(comparison, i);
+        curve.width = rowLine(comparison, i);
+        curve.markers = !comparison.isReference(i);
         for (std::size_t j = 0; j < component.spectrum.size(); ++j) {
             curve.x.append(static_cast<double>(j) + 1.0);
             curve.y.append(component.spectrum[j]);
@@ -114,18 +126,36 @@ void drawSideways(QPainter& painter, const QRect& area, const QString& strText, 
     painter.restore();
 }
 
-void drawLegend(QPainter& painter, const QRect& area, const QStringList& names)
+// Where the entries of the legend begin in an area of that width: as many lines as it takes.
+QList<QPoint> legendPlaces(const QStringList& names, int nWidth)
+{
+    const QFontMetrics metrics(labelFont());
+    QList<QPoint> places;
+    QPoint place(legendMargin, 0);
+    for (const QString& name : names) {
+        const int width = legendLine + metrics.horizontalAdvance(name);
+        if (place.x() > legendMargin && place.x() + width > nWidth)
+            place = QPoint(legendMargin, place.y() + legendHeight);
+        places.append(place);
+        place.rx() += width + legendGap;
+    }
+    return places;
+}
+
+void drawLegend(QPainter& painter, const QPoint& corner, const QList<QPoint>& places,
+                const ResultComparison& comparison)
 {
     painter.setFont(labelFont());
-    int x = area.left() + 16;
-    for (int i = 0; i < names.size(); ++i) {
-        painter.setPen(QPen(rowColor(i), rowLine(i)));
-        painter.drawLine(x, area.center().y(), x + 36, area.center().y());
+    for (int i = 0; i < places.size(); ++i) {
+        const QPoint place = corner + places[i];
+        const int middle = place.y() + legendHeight / 2;
+        painter.setPen(QPen(rowColor(comparison, i), rowLine(comparison, i)));
+        painter.drawLine(place.x(), middle, place.x() + legendLine - 8, middle);
         painter.setPen(Qt::black);
-        const int width = painter.fontMetrics().horizontalAdvance(names[i]);
-        painter.drawText(QRect(x + 44, area.top(), width + 4, area.height()), Qt::AlignVCenter | Qt::AlignLeft,
-                         names[i]);
-        x += 44 + width + 40;
+        const QString& name = comparison.rowNames().at(i);
+        painter.drawText(
+            QRect(place.x() + legendLine, place.y(), painter.fontMetrics().horizontalAdvance(name) + 4, legendHeight),
+            Qt::AlignVCenter | Qt::AlignLeft, name);
     }
 }
 
@@ -141,18 +171,19 @@ QImage comparisonPicture(const ResultComparison& comparison, const ComparisonSty
         for (int j = 0; j < columns; ++j) {
             const ComparedComponent& component = comparison.at(i, j);
             cells.push_back(component.present
-                                ? renderCell(component, titleOf(comparison, i, j), rangeOfColumn(comparison, j), style)
+                                ? renderCell(component, titleOf(comparison, i, j), rangeOf(comparison, i, j), style)
                                 : QImage());
             cell = cell.expandedTo(cells.back().size());
         }
     }
-    QImage sheet(labelWidth + columns * cell.width(), rows * cell.height() + plotHeight + legendHeight,
-                 QImage::Format_RGB32);
+    const QList<QPoint> legend = legendPlaces(comparison.rowNames(), columns * cell.width());
+    QImage sheet(labelWidth + columns * cell.width(),
+                 rows * cell.height() + plotHeight + legend.last().y() + legendHeight, QImage::Format_RGB32);
     sheet.fill(Qt::white);
     QPainter painter(&sheet);
     for (int i = 0; i < rows; ++i) {
         drawSideways(painter, QRect(0, i * cell.height(), labelWidth, cell.height()), comparison.rowNames().at(i),
-                     i == 0 ? QColor(Qt::black) : rowColor(i));
+                     comparison.isReference(i) ? QColor(Qt::black) : rowColor(comparison, i));
         for (int j = 0; j < columns; ++j)
             painter.drawImage(
                 labelWidth + j * cell.width(), i * cell.height(),
@@ -163,8 +194,7 @@ QImage comparisonPicture(const ResultComparison& comparison, const ComparisonSty
     for (int j = 0; j < columns; ++j)
         painter.drawImage(labelWidth + j * cell.width(), top,
                           plotOfColumn(comparison, j).toImage(QSize(cell.width() - 12, plotHeight)));
-    drawLegend(painter, QRect(labelWidth, top + plotHeight, sheet.width() - labelWidth, legendHeight),
-               comparison.rowNames());
+    drawLegend(painter, QPoint(labelWidth, top + plotHeight), legend, comparison);
     painter.end();
     return sheet;
 }

@@ -37,10 +37,9 @@ QString OpenedSequence::truthFolder(int nUnit, bool bDecayCorrected) const
         name.isEmpty())
         return QString();
     const QString units = folder() + name + QLatin1Char('/');
-    const QString path = units + UnitNames::options().value(nUnit) + QLatin1Char('/');
-    const QString corrected = units + truthDecayFolder(static_cast<tag_edisplayunit>(nUnit)) + QLatin1Char('/');
-    if (bDecayCorrected && QFileInfo(corrected).isDir())
-        return corrected;
+    const QString unit =
+        bDecayCorrected ? truthDecayFolder(static_cast<tag_edisplayunit>(nUnit)) : UnitNames::options().value(nUnit);
+    const QString path = units + unit + QLatin1Char('/');
     return QFileInfo(path).isDir() ? path : QString();
 }
 
@@ -54,7 +53,7 @@ QString OpenedSequence::findReason() const
         if (dataset->getCoreImage(IMAGETYPE_PHOTOGRAPH) == nullptr &&
             m_pSequence->getEquivalentImageFromSequence(dataset, IMAGETYPE_PHOTOGRAPH) == nullptr)
             return QStringLiteral("there is no photograph");
-    if (m_pEngine->m_spots.size() > 1)
+    if (m_pEngine->m_spots.size() > 1 && m_pEngine->getAllKeyPairs().size() > 1)
         return QStringLiteral("the scan is not complete: every spot needs every pair of filters");
     return m_pSequence->isKyvoSequence()
                ? QStringLiteral("it takes images at two time points at least")

@@ -29,7 +29,7 @@ public:
     bool canBeAnalysed() const { return m_bAnalysable; }
     QString reasonAgainst() const { return m_strReason; }
     // Unit folder of the sequence's truth ("truth/counts/"), with a separator at its end; empty without one.
-    // For data corrected for decay that of its own, where there is one.
+    // Data corrected for decay have a truth of their own, that of the isotope's half life.
     QString truthFolder(int nUnit, bool bDecayCorrected = false) const;
 
 private:

@@ -40,27 +40,27 @@ void checkSizes(const Results& results)
                                  .arg(results.front()->label())
                                  .arg(first.m_lWidth)
                                  .arg(first.m_lHeight));
+        if (result->spotCount() != results.front()->spotCount())
+            throw CliFailure(QStringLiteral("%1 has maps of %2 spots, %3 of %4")
+                                 .arg(result->label())
+                                 .arg(result->spotCount())
+                                 .arg(results.front()->label())
+                                 .arg(results.front()->spotCount()));
     }
 }
 
-// What a spectrum loses when its largest value becomes 1, its map gains.
-ComparedComponent componentOf(const SavedResult& result, int n, const QList<KeyPair>& pairs)
+// The mean over the spots of a scan.
+CILImage meanMap(const SavedResult& result, int n)
 {
-    ComparedComponent component;
-    component.present = true;
-    component.name = result.names().at(n);
-    component.map = result.map(n);
-    component.spectrum = result.spectrum(n, pairs);
-    const double top = *std::max_element(component.spectrum.begin(), component.spectrum.end());
-    if (!(top > 0.0))
-        return component;
-    for (double& value : component.spectrum)
-        value /= top;
-    float* pixels = component.map.floats();
-    for (std::size_t i = 0; i < component.map.pixelCount(); ++i)
-        pixels[i] = static_cast<float>(pixels[i] * top);
-    component.map.RefreshImageStats();
-    return component;
+    CILImage mean = result.map(n);
+    float* pixels = mean.floats();
+    for (std::size_t i = 0; i < mean.pixelCount(); ++i) {
+        double sum = 0.0;
+        for (int spot = 0; spot < result.spotCount(); ++spot)
+            sum += result.map(n, spot).value(i);
+        pixels[i] = static_cast<float>(sum / result.spotCount());
+    }
+    return mean;
 }
 
 } // namespace
@@ -69,6 +69,7 @@ ResultComparison::ResultComparison(const Results& results)
 {
     checkSizes(results);
     findCommonPixels(results);
+    findReferences(results);
     const QList<KeyPair> pairs = commonPairs(results);
     m_nImages = pairs.size();
     for (const auto& result : results) {
@@ -78,11 +79,44 @@ ResultComparison::ResultComparison(const Results& results)
             components.push_back(componentOf(*result, n, pairs));
         addRow(std::move(components));
     }
-    for (Row& row : m_rows) {
+    for (Row& row : m_rows)
         row.resize(static_cast<std::size_t>(m_columnNames.size()));
-        for (std::size_t j = 0; j < row.size(); ++j)
-            compareWithReference(row[j], m_rows.front()[j]);
+    for (std::size_t i = 0; i < m_rows.size(); ++i)
+        for (std::size_t j = 0; j < m_rows[i].size(); ++j)
+            compareWithReference(m_rows[i][j], m_rows[static_cast<std::size_t>(m_references[i])][j]);
+}
+
+void ResultComparison::findReferences(const Results& results)
+{
+    for (const auto& result : results) {
+        const auto truth = std::find_if(results.begin(), results.end(), [&result](const auto& other) {
+            return other->isTruth() && other->isDecayCorrected() == result->isDecayCorrected();
+        });
+        m_references.push_back(truth == results.end() ? 0 : static_cast<int>(truth - results.begin()));
     }
+}
+
+// What a spectrum loses when its largest value becomes 1, its map gains.
+ComparedComponent ResultComparison::componentOf(const SavedResult& result, int n, const QList<KeyPair>& pairs) const
+{
+    ComparedComponent component;
+    component.present = true;
+    component.name = result.names().at(n);
+    component.map = meanMap(result, n);
+    component.spectrum = result.spectrum(n, pairs);
+    const double top = *std::max_element(component.spectrum.begin(), component.spectrum.end());
+    const double factor = top > 0.0 ? top : 1.0;
+    component.values.reserve(m_pixels.size() * static_cast<std::size_t>(result.spotCount()));
+    for (int spot = 0; spot < result.spotCount(); ++spot)
+        for (const int pixel : m_pixels)
+            component.values.push_back(factor * result.map(n, spot).value(static_cast<std::size_t>(pixel)));
+    for (double& value : component.spectrum)
+        value /= factor;
+    float* pixels = component.map.floats();
+    for (std::size_t i = 0; i < component.map.pixelCount(); ++i)
+        pixels[i] = static_cast<float>(pixels[i] * factor);
+    component.map.RefreshImageStats();
+    return component;
 }
 
 void ResultComparison::findCommonPixels(const Results& results)
@@ -102,15 +136,6 @@ void ResultComparison::findCommonPixels(const Results& results)
         throw CliFailure(QStringLiteral("there is no pixel that all results analysed"));
 }
 
-std::vector<double> ResultComparison::pixelsOf(const CILImage& map) const
-{
-    std::vector<double> values;
-    values.reserve(m_pixels.size());
-    for (const int pixel : m_pixels)
-        values.push_back(map.value(static_cast<std::size_t>(pixel)));
-    return values;
-}
-
 // A column of that name in which the row has nothing yet; a new one when there is none.
 int ResultComparison::freeColumn(const Row& row, const QString& strName)
 {
@@ -127,14 +152,16 @@ void ResultComparison::addRow(Row components)
 {
     std::vector<int> partners(components.size(), -1);
     if (!m_rows.empty()) {
-        const auto shapesOf = [this](const Row& row) {
+        const auto shapesOf = [](const Row& row) {
             std::vector<ComponentShape> shapes;
             for (const auto& component : row)
-                shapes.push_back({component.name, pixelsOf(component.map), component.spectrum});
+                shapes.push_back({component.name, component.values, component.spectrum});
             return shapes;
         };
         const auto found = shapesOf(components);
-        const auto reference = shapesOf(m_rows.front());
+        // A second truth has the names of the first.
+        const auto own = static_cast<std::size_t>(m_references[m_rows.size()]);
+        const auto reference = shapesOf(m_rows[own < m_rows.size() ? own : 0]);
         const auto byName = matchByName(found, reference);
         const bool named = std::any_of(byName.begin(), byName.end(), [](int partner) { return partner >= 0; });
         if (!named)
@@ -154,10 +181,8 @@ void ResultComparison::compareWithReference(ComparedComponent& component, const 
     if (!component.present || !reference.present)
         return;
     component.cosine = ResultSummary::cosine(component.spectrum, reference.spectrum);
-    const auto map = pixelsOf(component.map);
-    const auto truth = pixelsOf(reference.map);
-    component.correlation = ResultSummary::correlation(map, truth);
-    component.relativeError = ResultSummary::relativeError(map, truth);
+    component.correlation = ResultSummary::correlation(component.values, reference.values);
+    component.relativeError = ResultSummary::relativeError(component.values, reference.values);
 }
 
 const ComparedComponent& ResultComparison::at(int nRow, int nColumn) const

@@ -2,7 +2,9 @@
 #pragma once
 
 #include "host/CILImage.h"
+#include "spectra/KeyPair.h"
 
+#include <QList>
 #include <QString>
 #include <QStringList>
 
@@ -17,7 +19,8 @@ struct ComparedComponent
 {
     bool present = false;
     QString name;
-    CILImage map;                 // of a spectrum whose largest value over the common images is 1
+    CILImage map;               // of a spectrum whose largest value over the common images is 1; of a scan the mean map
+    std::vector<double> values; // of that map at the pixels that every result analysed, of a scan spot after spot
     std::vector<double> spectrum; // over the common images, the largest 1
     // Beside the reference's component of the same column, over the pixels that every result analysed; NaN where there is none.
     double cosine = std::numeric_limits<double>::quiet_NaN();
@@ -27,17 +30,21 @@ struct ComparedComponent
 
 // Results beside each other: a row each, the first of which is the reference; a column for each of its components and for
 // what others have besides. A component stands in the column of its name; where a result shares no name with the reference,
-// in that of the component that it resembles.
+// in that of the component that it resembles. Data corrected for decay and data as they stand have different truths: where both
+// are among the rows, each result has that of its own state for a reference.
 class ResultComparison
 {
 public:
-    // Two results at least, in the order of the rows. Throws CliFailure when their maps differ in size or their spectra have no
-    // image in common.
+    // Two results at least, in the order of the rows, truths first. Throws CliFailure when their maps differ in size or number of
+    // spots or their spectra have no image in common.
     explicit ResultComparison(const std::vector<std::unique_ptr<SavedResult>>& results);
 
     int rowCount() const { return m_rowNames.size(); }
     int columnCount() const { return m_columnNames.size(); }
     const QStringList& rowNames() const { return m_rowNames; }
+    // The row that a row is compared with; references have themselves.
+    int referenceOf(int nRow) const { return m_references[static_cast<std::size_t>(nRow)]; }
+    bool isReference(int nRow) const { return referenceOf(nRow) == nRow; }
     const QStringList& columnNames() const { return m_columnNames; }
     const ComparedComponent& at(int nRow, int nColumn) const;
     // Number of images and pixels that all have.
@@ -48,13 +55,15 @@ private:
     using Row = std::vector<ComparedComponent>;
 
     void findCommonPixels(const std::vector<std::unique_ptr<SavedResult>>& results);
+    void findReferences(const std::vector<std::unique_ptr<SavedResult>>& results);
     void addRow(Row components);
+    ComparedComponent componentOf(const SavedResult& result, int n, const QList<KeyPair>& pairs) const;
     int freeColumn(const Row& row, const QString& strName);
     void compareWithReference(ComparedComponent& component, const ComparedComponent& reference) const;
-    std::vector<double> pixelsOf(const CILImage& map) const;
 
     QStringList m_rowNames;
     QStringList m_columnNames;
+    std::vector<int> m_references; // a row each
     std::vector<Row> m_rows;
     std::vector<int> m_pixels;
     int m_nImages = 0;

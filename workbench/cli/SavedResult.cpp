@@ -28,6 +28,14 @@ QJsonObject readSummary(const QString& strFile)
     return summary;
 }
 
+// The first spot's file is the one that a summary names.
+QString mapOfSpot(const QString& strFirst, int nSpot)
+{
+    const QString end = QStringLiteral("_spot%1.tif");
+    const QString first = end.arg(1);
+    return strFirst.endsWith(first) ? strFirst.left(strFirst.size() - first.size()) + end.arg(nSpot + 1) : strFirst;
+}
+
 } // namespace
 
 void SavedResult::readResult(const QString& strFolder)
@@ -36,27 +44,49 @@ void SavedResult::readResult(const QString& strFolder)
     const QJsonObject summary = readSummary(folder + QStringLiteral("summary.json"));
     m_strLabel = QDir(folder).dirName();
     m_strUnit = summary.value(QStringLiteral("unit")).toString();
+    m_bDecayCorrected = summary.value(QStringLiteral("decayCorrected")).isObject();
     m_library.load(folder + QStringLiteral("spectra.csv"));
     const QJsonArray components = summary.value(QStringLiteral("components")).toArray();
     for (const auto& value : components) {
         const QJsonObject component = value.toObject();
         m_names.append(component.value(QStringLiteral("name")).toString());
         // The name alone: a summary that leads elsewhere is not followed.
-        readMap(folder + QFileInfo(component.value(QStringLiteral("map")).toString()).fileName());
+        const QString map = folder + QFileInfo(component.value(QStringLiteral("map")).toString()).fileName();
+        readSpots([&map](int spot) { return mapOfSpot(map, spot); });
     }
     if (m_library.all().size() != m_names.size())
         throw CliFailure(QStringLiteral("%1spectra.csv does not hold one spectrum a component").arg(folder));
     readMask(folder + QStringLiteral("mask.png"));
 }
 
-void SavedResult::readTruth(const QString& strFolder)
+void SavedResult::readTruth(const QString& strFolder, bool bDecayCorrected)
 {
-    m_strLabel = QStringLiteral("truth");
+    m_bTruth = true;
+    m_bDecayCorrected = bDecayCorrected;
+    m_strLabel = bDecayCorrected ? QStringLiteral("truth corrected for decay") : QStringLiteral("truth");
     m_library.load(strFolder + QStringLiteral("spectra.csv"));
     for (const auto* spectrum : m_library.all()) {
         m_names.append(spectrum->settings.name);
-        readMap(strFolder + truthMapFile(spectrum->settings.name));
+        const QString name = spectrum->settings.name;
+        const bool scan = QFileInfo::exists(strFolder + truthMapFile(name, 0));
+        readSpots([&](int spot) { return strFolder + (scan ? truthMapFile(name, spot) : truthMapFile(name)); });
     }
+}
+
+void SavedResult::readSpots(const std::function<QString(int)>& fileOfSpot)
+{
+    const bool first = m_maps.empty();
+    readMap(fileOfSpot(0));
+    int spots = 1;
+    while (fileOfSpot(spots) != fileOfSpot(0) && QFileInfo(fileOfSpot(spots)).isFile())
+        readMap(fileOfSpot(spots++));
+    if (first)
+        m_nSpots = spots;
+    if (spots != m_nSpots)
+        throw CliFailure(QStringLiteral("%1: there are maps of %2 spots, where the first component has %3")
+                             .arg(fileOfSpot(0))
+                             .arg(spots)
+                             .arg(m_nSpots));
 }
 
 void SavedResult::readMap(const QString& strFile)

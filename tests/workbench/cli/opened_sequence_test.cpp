@@ -92,6 +92,19 @@ TEST_F(OpenedSequenceTest, TheTruthIsFoundByItsUnit)
     EXPECT_EQ(opened.truthFolder(DISPLAYUNIT_COUNTS), "");
 }
 
+TEST_F(OpenedSequenceTest, DataCorrectedForDecayHaveTheirOwnTruth)
+{
+    m_sequence.truthFolder = "truth";
+    m_sequence.writeTo(path("seq"));
+    ASSERT_TRUE(QDir().mkpath(path("seq/truth/counts")));
+    ASSERT_TRUE(QDir().mkpath(path("seq/truth/radiance")));
+    ASSERT_TRUE(QDir().mkpath(path("seq/truth/radiance-decay-corrected")));
+    const OpenedSequence opened(path("seq"));
+    EXPECT_EQ(opened.truthFolder(DISPLAYUNIT_RADIANCE, true), path("seq") + "/truth/radiance-decay-corrected/");
+    EXPECT_EQ(opened.truthFolder(DISPLAYUNIT_RADIANCE), path("seq") + "/truth/radiance/");
+    EXPECT_EQ(opened.truthFolder(DISPLAYUNIT_COUNTS, true), "");
+}
+
 TEST_F(OpenedSequenceTest, WithoutATruthThereIsNone)
 {
     m_sequence.writeTo(path("seq"));
