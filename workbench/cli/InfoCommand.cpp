@@ -9,11 +9,13 @@
 #include "workbench/cli/AutomaticSetUp.h"
 #include "workbench/cli/CliFailure.h"
 #include "workbench/cli/CliSession.h"
+#include "workbench/cli/DatasetContents.h"
 #include "workbench/cli/ModeNames.h"
 #include "workbench/cli/OpenedSequence.h"
 #include "workbench/cli/TextTable.h"
 #include "workbench/cli/UnitForecast.h"
 #include "workbench/cli/UnitNames.h"
+#include "workbench/cli/UnmixedMapLinks.h"
 
 #include <QJsonArray>
 
@@ -31,6 +33,7 @@ struct ImageRow
     QString exposure;
     QString units;
     bool used = false;
+    DatasetContents contents;
 };
 
 QString sizeText(CORVDataset& dataset)
@@ -66,6 +69,7 @@ ImageRow describeImage(CORVDataset& dataset, const CORVSpumKyvo& engine)
     double seconds = 0.0;
     row.exposure = dataset.getExposureTime(&seconds) ? TextTable::number(seconds) : QStringLiteral("-");
     row.units = availableUnits(dataset);
+    row.contents = DatasetContents::of(dataset);
     return row;
 }
 
@@ -136,6 +140,18 @@ QString proposalText(OpenedSequence& opened)
                            : names.join(QStringLiteral(", ")) + QStringLiteral(" (proposed for the automatic method)");
 }
 
+// What the user should know of an analysis of maps; empty for a sequence of images.
+QString cautionText(const OpenedSequence& opened, const UnmixedMapLinks& maps)
+{
+    if (maps.isEmpty() || !opened.canBeAnalysed())
+        return QString();
+    return maps.isComplete()
+               ? QStringLiteral(
+                     "these are unmixed maps, each at the filters where its component is brightest; what they "
+                     "hold has been unmixed already")
+               : QStringLiteral("some of the images are unmixed maps");
+}
+
 QString textAnswer(OpenedSequence& opened, const QList<ImageRow>& rows, const AnalysisOutlook& outlook)
 {
     auto& engine = opened.engine();
@@ -163,6 +179,17 @@ QString textAnswer(OpenedSequence& opened, const QList<ImageRow>& rows, const An
     line(QStringLiteral("Analysis"), opened.canBeAnalysed()
                                          ? modeTexts(engine).join(QStringLiteral(", "))
                                          : QStringLiteral("not possible: ") + opened.reasonAgainst());
+    QList<DatasetContents> contents;
+    for (const auto& row : rows)
+        contents.append(row.contents);
+    const auto held = contentsOfSequence(sequence, contents);
+    for (const auto& entry : held)
+        line(entry.first, entry.second);
+    const UnmixedMapLinks maps(sequence);
+    if (!cautionText(opened, maps).isEmpty())
+        text += QString(14, QLatin1Char(' ')) + cautionText(opened, maps) + QLatin1Char('\n');
+    if (!maps.isEmpty())
+        line(QStringLiteral("Maps of"), maps.sources().join(QStringLiteral(", ")));
     TextTable table({QStringLiteral("image"), temporal ? QStringLiteral("interval") : QStringLiteral("excitation"),
                      temporal ? QStringLiteral("time") : QStringLiteral("emission"), QStringLiteral("spot"),
                      QStringLiteral("size"), QStringLiteral("binning"), QStringLiteral("exposure"),
@@ -170,7 +197,8 @@ QString textAnswer(OpenedSequence& opened, const QList<ImageRow>& rows, const An
     for (const auto& row : rows)
         table.addRow({row.click, row.first, row.second, row.spot, row.size, row.binning, row.exposure,
                       row.used ? QStringLiteral("yes") : QStringLiteral("no"), row.units});
-    return text + QLatin1Char('\n') + table.toText();
+    text += QLatin1Char('\n') + table.toText();
+    return maps.isEmpty() ? text : text + QLatin1Char('\n') + maps.toText();
 }
 
 QJsonObject jsonAnswer(OpenedSequence& opened, const QList<ImageRow>& rows, const AnalysisOutlook& outlook)
@@ -186,6 +214,7 @@ QJsonObject jsonAnswer(OpenedSequence& opened, const QList<ImageRow>& rows, cons
                                   {"binning", row.binning.toDouble()},
                                   {"exposure", row.exposure},
                                   {"used", row.used},
+                                  {"contents", row.contents.json()},
                                   {"units", QJsonArray::fromStringList(row.units.split(QLatin1Char(' ')))}});
     return QJsonObject{
         {"id", opened.sequence().getSequenceID()},
@@ -203,6 +232,8 @@ QJsonObject jsonAnswer(OpenedSequence& opened, const QList<ImageRow>& rows, cons
         {"analysable", opened.canBeAnalysed()},
         {"reason", opened.reasonAgainst()},
         {"methods", QJsonArray::fromStringList(opened.canBeAnalysed() ? modeTexts(engine) : QStringList())},
+        {"maps", UnmixedMapLinks(opened.sequence()).toJson()},
+        {"caution", cautionText(opened, UnmixedMapLinks(opened.sequence()))},
         {"warnings", QJsonArray::fromStringList(opened.warnings())},
         {"images", images}};
 }
