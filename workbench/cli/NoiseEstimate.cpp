@@ -44,7 +44,7 @@ QString NoiseEstimate::text(int nComponents) const
     if (components == 0)
         return QString();
     QString text =
-        QStringLiteral("%1 principal %2 above the noise and %3 %4 % of the data\n")
+        QStringLiteral("%1 principal %2 clearly above the noise and %3 %4 % of the data\n")
             .arg(components)
             .arg(components == 1 ? QStringLiteral("component stands") : QStringLiteral("components stand"),
                  components == 1 ? QStringLiteral("leaves") : QStringLiteral("leave"), TextTable::number(lackOfFit, 4));

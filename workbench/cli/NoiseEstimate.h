@@ -6,7 +6,7 @@
 #include <vector>
 
 // How many components stand above the noise of the images, and what the noise leaves unexplained. It is an estimate from the
-// data alone: noise is taken to be of one size in all images.
+// data alone, with noise taken to be of one size in all images: weak components among few images may be missed.
 struct NoiseEstimate
 {
     int components = 0;     // 0: it cannot be told

@@ -341,7 +341,7 @@ void ResultFiles::addRunFacts(QJsonObject& json) const
     const NoiseEstimate noise = NoiseEstimate::ofEigenvalues(facts.eigenvalues);
     if (noise.components > 0) {
         json.insert(QStringLiteral("componentsAboveNoise"), noise.components);
-        json.insert(QStringLiteral("lackOfFitOfNoise"), jsonNumber(noise.lackOfFit));
+        json.insert(QStringLiteral("principalLackOfFit"), jsonNumber(noise.lackOfFit));
     }
     const AnalysisInput& input = m_engine.m_analysisInput;
     if (m_engine.m_bCherenkov && input.decayCorrection)

@@ -278,6 +278,32 @@ TEST_F(KindsProgramTest, TemporalByNumberAloneComesWithinFivePercentOfTheNoise)
     expectComponents(4);
 }
 
+// The two components that are proposed explain less than stands above the noise; the answer says so and what to do.
+TEST_F(KindsProgramTest, TemporalWithoutOptionsIsToldHowManyComponentsThereAre)
+{
+    simulateKind("temporal");
+    const QJsonObject proposed = unmix({});
+    EXPECT_EQ(proposed["components"].toArray().size(), 2);
+    EXPECT_EQ(proposed["componentsAboveNoise"], 4);
+    EXPECT_GT(proposed["lackOfFit"].toDouble(), 5.0 * proposed["principalLackOfFit"].toDouble());
+    const QString text = QString::fromUtf8(succeed({"unmix", "seq", "--out", "out", "--force"}).out);
+    EXPECT_TRUE(text.contains("2 components are too few for these images: try --ncomponents 4")) << qPrintable(text);
+    const QJsonObject found = unmix({"--ncomponents", "4"});
+    EXPECT_LT(found["lackOfFit"].toDouble(), 1.05 * found["principalLackOfFit"].toDouble());
+    EXPECT_FALSE(QString::fromUtf8(succeed({"unmix", "seq", "--ncomponents", "4", "--out", "out", "--force"}).out)
+                     .contains("too few"));
+}
+
+TEST_F(KindsProgramTest, EveryKindIsToldHowManyComponentsThereAre)
+{
+    const QList<QPair<QString, int>> expected = {
+        {"epi", 4}, {"luminescent", 3}, {"transillumination", 3}, {"cherenkov", 2}};
+    for (const auto& kind : expected) {
+        simulateKind(kind.first);
+        EXPECT_EQ(unmix({})["componentsAboveNoise"], kind.second) << qPrintable(kind.first);
+    }
+}
+
 TEST_F(KindsProgramTest, TemporalWithoutKeysCountsItsImages)
 {
     simulateKind("temporal", {"--times", "0,30,90,300", "--no-time-keys"});
@@ -351,4 +377,91 @@ TEST_F(KindsProgramTest, DecayCorrectionUndoesTheDecayAndIsUndone)
     for (long long i = 0; i < raw.num_rows(); ++i)
         for (long long j = 0; j < raw.num_cols(); ++j)
             ASSERT_EQ(engine.m_cube.m_data[i][j], raw[i][j]);
+}
+
+// Each result stands beside the truth of its own state, alone and together.
+TEST_F(KindsProgramTest, DecayCorrectedResultsAreComparedWithTheTruthOfTheirState)
+{
+    simulateKind("cherenkov");
+    succeed({"unmix", "seq", "--out", "seq/plain", "--quiet"});
+    succeed({"unmix", "seq", "--decay", "auto", "--out", "seq/corrected", "--quiet"});
+    const auto expectNear = [](const QJsonObject& result, const QString& strReference) {
+        EXPECT_EQ(result["reference"], strReference);
+        ASSERT_EQ(result["components"].toArray().size(), 2);
+        for (const auto& component : result["components"].toArray()) {
+            if (component.toObject()["reference"] != "F-18")
+                continue;
+            EXPECT_GT(component.toObject()["cosine"].toDouble(), 0.999);
+            EXPECT_LT(component.toObject()["relativeError"].toDouble(), 0.1);
+        }
+    };
+    const auto resultsOf = [this](const QStringList& names) {
+        return succeed(QStringList{"compare", "seq"} + names + QStringList{"--json", "--force"}).json();
+    };
+    const QJsonObject alone = resultsOf({"corrected"});
+    EXPECT_EQ(alone["reference"], "truth corrected for decay");
+    ASSERT_EQ(alone["results"].toArray().size(), 1);
+    expectNear(alone["results"].toArray()[0].toObject(), "truth corrected for decay");
+    const QJsonArray both = resultsOf({"corrected", "plain"})["results"].toArray();
+    ASSERT_EQ(both.size(), 2);
+    expectNear(both[0].toObject(), "truth corrected for decay");
+    expectNear(both[1].toObject(), "truth");
+}
+
+TEST_F(KindsProgramTest, ScansAreComparedOverAllSpots)
+{
+    simulateKind("transillumination", {"--spots", "3"});
+    const QJsonObject found = unmix({"--method", "automatic"});
+    const QJsonObject json = succeed({"compare", "seq", path("out"), "--json"}).json();
+    const QJsonArray components = json["results"].toArray()[0].toObject()["components"].toArray();
+    ASSERT_EQ(components.size(), 3);
+    for (const auto& value : components) {
+        const QJsonObject component = value.toObject();
+        const QJsonObject own = componentOf(found, component["reference"].toString());
+        EXPECT_NEAR(component["correlation"].toDouble(), own["truthCorrelation"].toDouble(), 1e-5);
+        EXPECT_NEAR(component["cosine"].toDouble(), own["truthCosine"].toDouble(), 1e-5);
+    }
+    for (const QString& file : entriesOf(path("out")))
+        if (file.endsWith("_spot3.tif") && file.startsWith("02_"))
+            QFile::remove(path("out/" + file));
+    EXPECT_TRUE(refusal({"compare", "seq", path("out"), "--force"}).contains("maps of 2 spots"));
+}
+
+TEST_F(KindsProgramTest, InfoTellsEverythingThatAFullSequenceHolds)
+{
+    simulateKind("epi", {"--full"});
+    const QJsonObject first = info()["images"].toArray()[0].toObject()["contents"].toObject();
+    QList<int> types;
+    for (const auto& image : first["images"].toArray())
+        types.append(image.toObject()["type"].toInt());
+    EXPECT_EQ(types, (QList<int>{0, 1, 6, 7, 9, 12, 13, 17}));
+    const QJsonObject flags = first["flags"].toObject();
+    EXPECT_EQ(flags.keys(),
+              (QStringList{"Background Corrected", "FL Background Corrected", "Flat Field Corrected", "Saturated"}));
+    EXPECT_TRUE(flags["Flat Field Corrected"].toBool());
+    EXPECT_FALSE(flags["Saturated"].toBool());
+    EXPECT_EQ(first["regions"].toArray(),
+              (QJsonArray{"Back (rectangle)", "Head (ellipse)", "Hind back (polygon)", "Shoulder (free-hand)"}));
+    for (const char* section :
+         {"ClickNumber", "luminescent image", "main data image", "fluorescent reference image", "photographic image",
+          "reference image", "structure image", "x-ray image", "x-ray photographic image", "Camera System Info", "ROIs",
+          "User Input", "Analysis User Input", "User Label Name Set", "Graph Controls"})
+        EXPECT_TRUE(first["sections"].toArray().contains(section)) << section;
+    const QString text = QString::fromUtf8(succeed({"info", "seq"}).out);
+    EXPECT_TRUE(text.contains("photographic image (0) in 1, luminescent image (1), reference image (6) in 1"))
+        << qPrintable(text);
+    EXPECT_TRUE(text.contains("Flags:        Flat Field Corrected\n"));
+    EXPECT_TRUE(text.contains("Regions:      Back (rectangle) in 1, "));
+    EXPECT_TRUE(text.contains("Sections:     User Input, Analysis User Input, User Label Name Set, Graph Controls\n"));
+    EXPECT_TRUE(text.contains("Scans:        structured light, CT\n"));
+}
+
+TEST_F(KindsProgramTest, InfoTellsNothingOfWhatIsNotThere)
+{
+    simulateKind("luminescent");
+    const QString text = QString::fromUtf8(succeed({"info", "seq"}).out);
+    EXPECT_TRUE(text.contains("Holds:        photographic image (0) in 1, luminescent image (1)\n"))
+        << qPrintable(text);
+    for (const char* key : {"Regions:", "Scans:", "Flags:", "Sections:"})
+        EXPECT_FALSE(text.contains(key)) << key;
 }

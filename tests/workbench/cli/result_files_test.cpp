@@ -234,7 +234,7 @@ TEST_F(ResultFilesTest, AnAutomaticRunTellsHowItWent)
 {
     analyse();
     m_numbers.automatic = true;
-    m_numbers.facts = {17, MCR::Ending::Converged, 1.5, 2.5, 3};
+    m_numbers.facts = {17, MCR::Ending::Converged, 1.5, 2.5, 3, {}};
     engine().m_lastParams.Constraints = {ComponentConstraint(), ComponentConstraint()};
     engine().m_lastParams.Constraints[0].Locked = true;
     engine().m_lastParams.Constraints[1].HighPass = "720";
@@ -245,6 +245,8 @@ TEST_F(ResultFilesTest, AnAutomaticRunTellsHowItWent)
     EXPECT_EQ(json["lackOfFit"], 2.5);
     EXPECT_EQ(json["lackOfFitDenoised"], 1.5);
     EXPECT_EQ(json["rank"], 3);
+    EXPECT_FALSE(json.contains("componentsAboveNoise"));
+    EXPECT_FALSE(json.contains("decayCorrected"));
     const QJsonArray components = json["components"].toArray();
     EXPECT_EQ(components[0].toObject()["locked"], true);
     EXPECT_FALSE(components[0].toObject().contains("highPass"));
@@ -255,6 +257,33 @@ TEST_F(ResultFilesTest, AnAutomaticRunTellsHowItWent)
     EXPECT_TRUE(
         text.endsWith("converged after 17 iterations; lack of fit 2.5 % of the data, 1.5 % of the denoised data\n"))
         << qPrintable(text);
+}
+
+TEST_F(ResultFilesTest, AnAutomaticRunTellsWhatStandsAboveTheNoise)
+{
+    analyse();
+    m_numbers.automatic = true;
+    m_numbers.facts.eigenvalues = {1e6, 1e5, 1e4, 1.0, 1.0, 1.0, 1.0};
+    writeFiles();
+    const QJsonObject json = writtenJson();
+    EXPECT_EQ(json["componentsAboveNoise"], 3);
+    EXPECT_NEAR(json["principalLackOfFit"].toDouble(), 100.0 * std::sqrt(4.0 / 1110004.0), 1e-12);
+    const QString text = ResultFiles(engine(), m_numbers, out()).summaryText();
+    EXPECT_TRUE(text.endsWith("3 principal components stand clearly above the noise and leave 0.1898 % of the data\n"
+                              "2 components are too few for these images: try --ncomponents 3, or name as many\n"))
+        << qPrintable(text);
+}
+
+TEST_F(ResultFilesTest, ADecayThatWasCorrectedForIsTold)
+{
+    analyse();
+    m_numbers.automatic = true;
+    engine().m_bCherenkov = true;
+    engine().m_analysisInput.decayCorrection = true;
+    engine().m_analysisInput.isotope = "F-18";
+    engine().m_analysisInput.halfLifeSeconds = 6600.0;
+    writeFiles();
+    EXPECT_EQ(writtenJson()["decayCorrected"], (QJsonObject{{"isotope", "F-18"}, {"halfLifeSeconds", 6600.0}}));
 }
 
 TEST_F(ResultFilesTest, TheTextNamesTrueComponentsOnlyWhereTheyHaveOtherNames)
