@@ -3,6 +3,7 @@
 
 #include <QCommandLineParser>
 #include <QString>
+#include <QStringList>
 
 class CliSession;
 
@@ -21,5 +22,10 @@ public:
     virtual QString summary() const = 0;
     // Declares options and positional arguments.
     virtual void declare(QCommandLineParser& parser) const = 0;
+    // Options whose value may be left out, by name; it is then empty. Such an option takes the word behind it as its value only
+    // where the command has one more argument than it takes.
+    virtual QStringList optionsWithOptionalValue() const { return {}; }
+    // How many positional arguments the command takes at most; only asked of a command with such options.
+    virtual int argumentCount() const { return 1; }
     virtual void run(const QCommandLineParser& parser, CliSession& session) = 0;
 };

@@ -13,6 +13,7 @@
 #include "workbench/cli/InfoCommand.h"
 #include "workbench/cli/LibraryCommand.h"
 #include "workbench/cli/PcaCommand.h"
+#include "workbench/cli/ResultsCommand.h"
 #include "workbench/cli/RoiCommand.h"
 #include "workbench/cli/SimulateCommand.h"
 #include "workbench/cli/UnmixCommand.h"
@@ -74,6 +75,24 @@ QString helpOf(const QCommandLineParser& parser, const QString& strCommand)
     return text.replace(0, std::max(options, 0), QStringLiteral("Usage: spum ") + strCommand);
 }
 
+// The arguments with every option that came without its optional value in the form "--name=".
+QStringList withOptionalValues(const Command& command, QCommandLineParser& parser, QStringList arguments)
+{
+    for (const QString& name : command.optionsWithOptionalValue()) {
+        const int at = arguments.indexOf(QLatin1String("--") + name);
+        if (at < 0)
+            continue;
+        arguments[at] += QLatin1Char('=');
+        const QString next = arguments.value(at + 1, QStringLiteral("-"));
+        parser.parse(arguments);
+        if (next.startsWith(QLatin1Char('-')) || parser.positionalArguments().size() <= command.argumentCount())
+            continue;
+        arguments[at] += next;
+        arguments.removeAt(at + 1);
+    }
+    return arguments;
+}
+
 // The command and its options; a usage error or --help ends here.
 int runCommand(Command& command, const QStringList& arguments)
 {
@@ -86,7 +105,7 @@ int runCommand(Command& command, const QStringList& arguments)
     const auto version = parser.addVersionOption();
     CliSession::declareOptions(parser);
     command.declare(parser);
-    if (!parser.parse(arguments)) {
+    if (!parser.parse(withOptionalValues(command, parser, arguments))) {
         complain(parser.errorText() + QStringLiteral(" See \"spum %1 --help\".").arg(command.name()));
         return CliFailure::Usage;
     }
@@ -147,6 +166,7 @@ std::vector<std::unique_ptr<Command>> CommandLine::commands()
     list.push_back(std::make_unique<ExportCommand>());
     list.push_back(std::make_unique<PcaCommand>());
     list.push_back(std::make_unique<UnmixCommand>());
+    list.push_back(std::make_unique<ResultsCommand>());
     list.push_back(std::make_unique<CompareCommand>());
     list.push_back(std::make_unique<LibraryCommand>());
     list.push_back(std::make_unique<RoiCommand>());

@@ -13,6 +13,8 @@
 #include "workbench/cli/ModeNames.h"
 #include "workbench/cli/NoiseEstimate.h"
 #include "workbench/cli/PngBytes.h"
+#include "workbench/cli/ReportHtml.h"
+#include "workbench/cli/ReportPdf.h"
 #include "workbench/cli/ResultPlot.h"
 #include "workbench/cli/ResultSummary.h"
 #include "workbench/cli/RunEnding.h"
@@ -114,7 +116,17 @@ void ResultFiles::write(const std::function<void(double fraction)>& step)
     writePlot();
     writeMask();
     writeProperties();
+    if (m_bReport)
+        writeReport();
     writeSummary();
+}
+
+void ResultFiles::setReport(const ReportFrame& frame, bool bPdf)
+{
+    m_bReport = true;
+    m_bPdf = bPdf;
+    m_frame = frame;
+    m_frame.maps.clear();
 }
 
 void ResultFiles::put(const QString& strName, const QByteArray& bytes)
@@ -144,9 +156,13 @@ void ResultFiles::writeMap(int nComponent, int nSpot)
     options.reversed = m_engine.m_bReverse;
     options.logScale = m_engine.m_bLogScale;
     const QImage picture = orvimage::renderMapOverPhotograph(map, m_engine.m_pPhoto, options);
-    put(name + QStringLiteral(".png"), pngBytes(picture));
-    if (m_pictures.size() < overviewMaps)
-        m_pictures.append(picture);
+    const QByteArray png = pngBytes(picture);
+    put(name + QStringLiteral(".png"), png);
+    if (m_pictures.size() >= overviewMaps)
+        return;
+    m_pictures.append(picture);
+    const QString title = spotCount(m_engine) > 1 ? QStringLiteral("%1, spot %2").arg(label).arg(nSpot + 1) : label;
+    m_frame.maps.append({title, png, picture.size(), QByteArray()});
 }
 
 // All maps on one sheet, about as many in a row as there are rows.
@@ -205,6 +221,18 @@ void ResultFiles::writeProperties()
     for (const auto& property : m_engine.m_properties)
         table.addRow({property.first, property.second});
     put(QStringLiteral("properties.csv"), table.toCsv().toUtf8());
+}
+
+void ResultFiles::writeReport()
+{
+    const ReportContent content = contentOfReport(m_engine, summaryJson(), m_frame);
+    put(QStringLiteral("report.html"), reportHtml(content));
+    if (!m_bPdf)
+        return;
+    const QByteArray pdf = reportPdf(content);
+    if (pdf.isEmpty())
+        throw CliFailure(QStringLiteral("the report cannot be made as PDF"));
+    put(QStringLiteral("report.pdf"), pdf);
 }
 
 void ResultFiles::writeSummary()

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "engine/AutomaticRunFacts.h"
-#include "workbench/cli/TruthComparison.h"
+#include "workbench/cli/ResultNumbers.h"
+#include "workbench/cli/ResultReport.h"
 
 #include <QImage>
 #include <QJsonObject>
@@ -11,28 +11,19 @@
 #include <QStringList>
 
 #include <functional>
-#include <vector>
 
 class CORVSpumKyvo;
 
-// The numbers of a result beside its maps.
-struct ResultNumbers
-{
-    std::vector<double> shares;
-    double residual = 0.0; // relative, against the data of the cube
-    std::vector<TrueComparison> truth;
-    double seconds = 0.0; // of the run
-    bool automatic = false;
-    AutomaticRunFacts facts; // of an automatic run
-};
-
 // Writes a result's files into a folder: per component (and scan spot) a map as float32 TIFF and as a picture over the
-// photograph, spectra as a library file and as a plot, the mask, the properties, the summary.
+// photograph, spectra as a library file and as a plot, the mask, the properties, a report, the summary.
 class ResultFiles
 {
 public:
     // `strFolder` ends with its separator.
     ResultFiles(const CORVSpumKyvo& engine, const ResultNumbers& numbers, const QString& strFolder);
+
+    // A report (report.html, with `bPdf` report.pdf too) is written with the other files. Its maps are those of the result.
+    void setReport(const ReportFrame& frame, bool bPdf);
 
     // Calls `step(fraction)` between files, which may throw to stop. Throws CliFailure when a file cannot be written.
     void write(const std::function<void(double fraction)>& step);
@@ -51,6 +42,7 @@ private:
     void writePlot();
     void writeMask();
     void writeProperties();
+    void writeReport();
     void writeSummary();
     QJsonObject componentJson(int nComponent) const;
     void addRunFacts(QJsonObject& json) const;
@@ -63,4 +55,7 @@ private:
     QString m_strFolder;
     QStringList m_files;
     QList<QImage> m_pictures; // of the overview
+    bool m_bReport = false;
+    bool m_bPdf = false;
+    ReportFrame m_frame;
 };

@@ -6,7 +6,10 @@
 #include "workbench/cli/CliFailure.h"
 #include "workbench/cli/CliSession.h"
 #include "workbench/cli/ModeNames.h"
+#include "workbench/cli/ResultReport.h"
 #include "workbench/cli/UnmixJob.h"
+
+#include <QCoreApplication>
 
 namespace {
 
@@ -55,6 +58,14 @@ void UnmixCommand::declare(QCommandLineParser& parser) const
     declareAutomaticOptions(parser);
     declareAnalysisOptions(parser, QStringLiteral("Without it: auto for the automatic method, else none."),
                            QStringLiteral("SEQ/unmixed-METHOD"));
+    parser.addOption(
+        {QStringLiteral("pdf"), QStringLiteral("Write the report as report.pdf too, beside report.html.")});
+    option(
+        "save",
+        QStringLiteral("Save the result with the sequence, under that name or the next free one (SPUM_001, ...); see "
+                       "\"spum results\"."),
+        "NAME");
+    option("note", QStringLiteral("A line about the result, for the report and the saved result."), "TEXT");
     parser.addOption({QStringLiteral("force"),
                       QStringLiteral("Replace earlier results in that folder. Also: take more than 6 components, up to "
                                      "the number of images.")});
@@ -70,5 +81,10 @@ void UnmixCommand::run(const QCommandLineParser& parser, CliSession& session)
     checkOptionsOfMethod(parser, request.mode);
     request.library = parser.value(QStringLiteral("library"));
     request.automatic = automaticRequestOf(parser);
+    request.pdf = parser.isSet(QStringLiteral("pdf"));
+    request.save = parser.isSet(QStringLiteral("save"));
+    request.saveName = parser.value(QStringLiteral("save"));
+    request.note = parser.value(QStringLiteral("note"));
+    request.command = shellLine(QStringList(QStringLiteral("spum")) + QCoreApplication::arguments().mid(1));
     UnmixJob(request, session).run();
 }

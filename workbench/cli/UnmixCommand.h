@@ -10,5 +10,7 @@ public:
     QString name() const override { return QStringLiteral("unmix"); }
     QString summary() const override { return QStringLiteral("Separate a sequence into maps of its sources."); }
     void declare(QCommandLineParser& parser) const override;
+    // "--save" alone takes the next automatic name.
+    QStringList optionsWithOptionalValue() const override { return {QStringLiteral("save")}; }
     void run(const QCommandLineParser& parser, CliSession& session) override;
 };

@@ -5,6 +5,7 @@
 #include "engine/EngineEnums.h"
 #include "engine/runTexts.h"
 #include "host/CORVLog.h"
+#include "host/CORVSequenceDataset.h"
 #include "platform/orvutils/StagedFolder.h"
 #include "spectra/SpectrumPlotParams.h"
 #include "windows/maskPixels.h"
@@ -14,9 +15,10 @@
 #include "workbench/cli/CliSession.h"
 #include "workbench/cli/LibrarySpectra.h"
 #include "workbench/cli/ModeNames.h"
-#include "workbench/cli/ResultSummary.h"
+#include "workbench/cli/ResultStore.h"
 #include "workbench/cli/ShownRun.h"
 
+#include <QDateTime>
 #include <QElapsedTimer>
 
 namespace {
@@ -42,6 +44,8 @@ void UnmixJob::run()
 {
     m_session.progress().start(QStringLiteral("Looking at the images"));
     m_setUp.checkMode(m_request.mode);
+    if (m_request.save)
+        ResultStore::checkName(m_setUp.opened().sequence(), m_request.saveName, m_request.analysis.force);
     StagedFolder folder;
     QString error;
     const QString target = m_setUp.outFolder(QStringLiteral("unmixed-") + ModeNames::option(m_request.mode));
@@ -62,6 +66,7 @@ void UnmixJob::run()
     fit();
 
     ResultFiles files(m_setUp.engine(), m_numbers, folder.path());
+    files.setReport(reportFrame(), m_request.pdf);
     files.write([this](double fraction) {
         CliSession::stopIfInterrupted();
         m_session.progress().show(QStringLiteral("Writing the results"),
@@ -71,10 +76,46 @@ void UnmixJob::run()
     if (!folder.commit(&error))
         throw CliFailure(error);
     m_session.progress().finish();
-    tell(files, folder.target());
+    QString saved;
+    if (m_request.save)
+        saved = saveResult(folder.target());
+    tell(files, folder.target(), saved);
 }
 
-void UnmixJob::tell(const ResultFiles& files, const QString& strFolder)
+// In the order in which a window takes over a result.
+void UnmixJob::showPictures()
+{
+    auto& engine = m_setUp.engine();
+    engine.refreshDecayPanel();
+    engine.updateConsoleSpectra();
+    if (!engine.updateUnmixedImages(true))
+        throw CliFailure(QStringLiteral("the pictures of the result cannot be made; the log tells why"));
+    engine.storeDecayState();
+}
+
+QString UnmixJob::saveResult(const QString& strFolder)
+{
+    try {
+        m_setUp.engine().resultView().setNote(m_request.note);
+        return ResultStore(m_setUp.engine(), m_request.analysis.force).save(m_request.saveName);
+    } catch (const CliFailure& failure) {
+        throw CliFailure(QStringLiteral("%1; its files are in %2").arg(failure.message(), strFolder));
+    }
+}
+
+ReportFrame UnmixJob::reportFrame()
+{
+    ReportFrame frame;
+    frame.sequenceName = m_setUp.opened().sequence().getSequenceName();
+    frame.note = m_request.note;
+    if (isAutomatic() && m_numbers.facts.ending == MCR::Ending::IterationLimit)
+        frame.warnings.append(QStringLiteral("Maximum iteration number is reached!"));
+    frame.command = m_request.command;
+    frame.made = QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd hh:mm"));
+    return frame;
+}
+
+void UnmixJob::tell(const ResultFiles& files, const QString& strFolder, const QString& strSaved)
 {
     const QString line = QStringLiteral("unmixed %1 by %2: %3 components, residual %4; results in %5")
                              .arg(m_request.analysis.sequence, ModeNames::option(m_request.mode))
@@ -82,11 +123,16 @@ void UnmixJob::tell(const ResultFiles& files, const QString& strFolder)
                              .arg(m_numbers.residual)
                              .arg(strFolder);
     CORVLog::getLogObject()->log(line, QString(), 0, QStringLiteral(__TIME__), CORVLOG_NOTE, false);
-    m_session.answer(files.summaryText() + QStringLiteral("results in %1\n").arg(strFolder));
+    QString text = files.summaryText() + QStringLiteral("results in %1\n").arg(strFolder);
+    if (!strSaved.isEmpty())
+        text += QStringLiteral("saved with the sequence as %1\n").arg(strSaved);
+    m_session.answer(text);
     QJsonObject json = files.summaryJson();
     // Of the answer only: files of the same input are the same.
     json.insert(QStringLiteral("seconds"), m_numbers.seconds);
     json.insert(QStringLiteral("folder"), strFolder);
+    if (!strSaved.isEmpty())
+        json.insert(QStringLiteral("saved"), strSaved);
     m_session.answerJson(json);
 }
 
@@ -128,19 +174,17 @@ void UnmixJob::fit()
     const RunOutcome outcome =
         isAutomatic() ? runShown(engine, m_session.progress(), QStringLiteral("Resolving the components"), notKnown)
                       : runShown(engine, m_session.progress(), QStringLiteral("Fitting"), checkedFraction);
-    m_numbers.seconds = static_cast<double>(timer.nsecsElapsed()) * 1e-9;
+    const double seconds = static_cast<double>(timer.nsecsElapsed()) * 1e-9;
     if (outcome == RunOutcome::Aborted)
         throw CliFailure(QStringLiteral("unmixing aborted by user"), CliFailure::Aborted);
     if (engine.hasError())
         throw CliFailure(engine.getErrorText());
     CliSession::stopIfInterrupted();
-    const auto& data = engine.m_cube.m_data;
-    m_numbers.shares = ResultSummary::signalShares(data, engine.m_concentrations, engine.m_spectra);
-    m_numbers.residual = ResultSummary::relativeResidual(data, engine.m_concentrations, engine.m_spectra);
+    showPictures();
     const bool corrected = isAutomatic() && m_request.automatic.correctDecay;
-    m_numbers.truth = compareWithTruth(engine, m_setUp.opened().truthFolder(engine.m_eUnit, corrected));
+    m_numbers = numbersOfResult(engine, m_setUp.opened().truthFolder(engine.m_eUnit, corrected));
+    m_numbers.seconds = seconds;
     m_numbers.automatic = isAutomatic();
-    m_numbers.facts = engine.m_runFacts;
     if (isAutomatic() && m_numbers.facts.ending == MCR::Ending::IterationLimit)
         m_session.warn(QStringLiteral("Maximum iteration number is reached!"));
 }

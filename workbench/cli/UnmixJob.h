@@ -16,6 +16,11 @@ struct UnmixRequest
     int mode = 0;
     QString library;            // file or name; of a run with known spectra
     AutomaticRequest automatic; // of an automatic run
+    bool pdf = false;           // the report as PDF too
+    bool save = false;          // keep the result beside the sequence
+    QString saveName;           // empty: the next automatic name
+    QString note;
+    QString command; // the line that asked for it
 };
 
 // One unmixing from the request to the files. Everything that can be refused is refused before the run; nothing is written
@@ -34,7 +39,11 @@ private:
     void takeComponents();
     void checkConstantImages();
     void fit();
-    void tell(const ResultFiles& files, const QString& strFolder);
+    ReportFrame reportFrame();
+    void showPictures();
+    // The name it was saved under.
+    QString saveResult(const QString& strFolder);
+    void tell(const ResultFiles& files, const QString& strFolder, const QString& strSaved);
 
     UnmixRequest m_request;
     CliSession& m_session;

@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "workbench/cli/LoadedResult.h"
+
+#include "engine/CORVSpumKyvo.h"
+#include "host/CORVSequenceDataset.h"
+#include "workbench/cli/CliFailure.h"
+#include "workbench/cli/ModeNames.h"
+#include "workbench/cli/OpenedSequence.h"
+#include "workbench/cli/ResultStore.h"
+#include "workbench/cli/SavedDocument.h"
+#include "workbench/cli/UnitNames.h"
+
+#include <QElapsedTimer>
+
+namespace {
+
+// "NTF Efficiency" is efficiency by another name; -1 for none of the units.
+int unitOf(const SavedDocument& document)
+{
+    const QString text = document.property(QStringLiteral("DataUnit"));
+    return UnitNames::fromText(text == QLatin1String("NTF Efficiency") ? UnitNames::text(DISPLAYUNIT_EFFICIENCY)
+                                                                       : text);
+}
+
+} // namespace
+
+LoadedResult::LoadedResult(OpenedSequence& opened, const QString& strName)
+{
+    if (!opened.canBeAnalysed())
+        throw CliFailure(QStringLiteral("the result cannot be computed again: the sequence cannot be analysed: %1")
+                             .arg(opened.reasonAgainst()));
+    const SavedDocument document = readSavedDocument(ResultStore::pathOf(opened.sequence(), strName));
+    if (!document.error.isEmpty())
+        throw CliFailure(
+            QStringLiteral("%1: %2").arg(document.path.isEmpty() ? strName : document.path, document.error));
+    auto& engine = opened.engine();
+    const int unit = unitOf(document);
+    if (unit >= 0)
+        CORVDataset::setUnitLimit(static_cast<tag_edisplayunit>(unit));
+    const int mode = ModeNames::fromText(document.property(QStringLiteral("Method")));
+    engine.resetAnalysis(mode >= 0 ? mode : engine.m_eMode);
+    QElapsedTimer timer;
+    timer.start();
+    try {
+        ResultStore(engine, false).load(strName);
+    } catch (...) {
+        CORVDataset::setUnitLimit(DISPLAYUNIT_EFFICIENCY);
+        throw;
+    }
+    engine.storeDecayState();
+    m_strNote = engine.resultView().getNote();
+    m_numbers = numbersOfResult(engine, opened.truthFolder(engine.m_eUnit, engine.m_bDecayApplied));
+    m_numbers.seconds = static_cast<double>(timer.nsecsElapsed()) * 1e-9;
+}
+
+LoadedResult::~LoadedResult()
+{
+    CORVDataset::setUnitLimit(DISPLAYUNIT_EFFICIENCY);
+}
