@@ -74,6 +74,7 @@ constexpr const char* const kIsotope = "Isotope";
 constexpr const char* const kExcitationIrradiance = "Excitation Irradiance"; // uW/cm^2
 constexpr const char* const kReferenceRadiance = "Reference Radiance";       // p/s/cm^2/sr
 constexpr const char* const kNativeUnit = "Native Unit";                     // 0 to 3, or the unit's text
+constexpr const char* const kStoredUnit = "Stored Unit";                     // unit of the stored pixels, else counts
 constexpr const char* const kImageExtent = "Image Extent";                   // "w x h", pixels before padding
 
 // Section "Camera System Info".

@@ -33,6 +33,10 @@ bool positiveFigure(const CPLClickInfo& info, const QStringList& sections, const
 
 double imageBias(const CPLClickInfo& info, tag_eimagetype eType)
 {
+    // What is stored in a unit, counts included, has been calibrated: no bias is left on it.
+    const bool dataImage = eType == IMAGETYPE_LUMINESCENT || eType == IMAGETYPE_MAIN_DATA;
+    if (dataImage && !clickText(info, ClickKeys::kLuminescentImage, ClickKeys::kStoredUnit).isEmpty())
+        return 0.0;
     for (const QString& section : acquisitionSections(eType)) {
         const std::optional<bool> corrected =
             clickFlag(info, section.toLatin1().constData(), ClickKeys::kBackgroundCorrected);

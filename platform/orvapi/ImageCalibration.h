@@ -18,7 +18,8 @@ class CPLClickInfo;
 // with p the stored pixel. Radiance is a density: four pixels summed into one hold four times the counts on four times the
 // area. The fluorescent reference without an f-number of its own was taken at that of the luminescent image.
 
-// Counts to take off a stored pixel: 0 when they are off already or the click info does not tell them.
+// Counts to take off a stored pixel: 0 when they are off already, when the pixels are stored in a unit (of the data image), and
+// when the click info does not tell them.
 double imageBias(const CPLClickInfo& info, tag_eimagetype eType);
 
 // Side of the image's pixels in unbinned ones; 1 when the click info does not tell, or tells what cannot be one (not above 0,

@@ -51,7 +51,6 @@ protected:
     SmallSequence m_sequence;
     std::unique_ptr<OpenedSequence> m_pOpened;
 
-private:
     void addSpectrum(const QString& strName, std::initializer_list<double> values)
     {
         XTNT::Vector<double> vector(static_cast<long long>(values.size()));
