@@ -27,7 +27,6 @@ const QColor stripColor(24, 24, 24);
 // A composite as the window starts with it.
 struct StartedComposite
 {
-    CILImage background;
     QList<CompositeLayer> layers;
     QImage picture;
 };
@@ -40,11 +39,11 @@ StartedComposite startedComposite(const CORVSpumKyvo& engine, int nSpot)
     if (input.channels.isEmpty() || nSpot < 0 || nSpot >= input.spots ||
         !compositeSizesMatch(maps, input.channels.size()))
         return started;
-    if (input.photo != nullptr)
-        started.background = *input.photo;
-    started.layers = compositeStartLayers(maps, input.channels, started.background);
+    const CILImage none;
+    const CILImage& photo = input.photo != nullptr ? *input.photo : none;
+    started.layers = compositeStartLayers(maps, input.channels, photo);
     takeCompositeSpot(maps, nSpot, started.layers);
-    started.picture = compositePicture(maps, nSpot, started.layers, started.background);
+    started.picture = compositePicture(maps, nSpot, started.layers, photo);
     return started;
 }
 
