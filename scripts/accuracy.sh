@@ -63,6 +63,40 @@ done
 scene near "TissueAF,Food,$near" --probes "$near"
 scene near-three "TissueAF,Food,$near" --probes "$near" --excitations 605,640,675
 
+# kind KIND SEED COMPONENTS [METHOD...]: over the body, with the true spectra by each of the methods, by names and by number alone.
+kind() {
+    sequence=$1-$2
+    components=$3
+    seed=$2
+    name=$1
+    shift 3
+    echo "$sequence" >&2
+    "$spum" simulate "$out/$sequence" --kind "$name" --seed "$seed" --quiet
+    for method in "$@"; do
+        known "$sequence" "$method" --method "$method" --mask auto
+    done
+    unmix "$sequence" names --method automatic --mask auto --components "$components"
+    unmix "$sequence" number --method automatic --mask auto --ncomponents "$(echo "$components" | tr , '\n' | wc -l)"
+    unmix "$sequence" proposed
+}
+
+for seed in 1 2 3 4 5; do
+    unit=radiance
+    kind luminescent $seed "TissueAF,Click-Beetle Green Luciferase,Click-Beetle Red Luciferase" library manual
+    kind cherenkov $seed "TissueAF,F-18" library manual
+    unmix cherenkov-$seed decay --method automatic --mask auto --ncomponents 2 --decay auto
+    unmix cherenkov-$seed wrong --method automatic --mask auto --ncomponents 2 --decay 36
+    unit=radiant-efficiency
+    kind temporal $seed "TissueAF,Liver,Kidneys,Tumour" manual
+    unit=efficiency
+    kind transillumination $seed "TissueAF,AlexaFluor 680,AlexaFluor 750"
+    "$here/accuracy_spots.py" "$out/transillumination-$seed"
+    for spot in 1 2 3 4; do
+        known transillumination-$seed.spot$spot library --mask auto
+    done
+done
+unit=radiant-efficiency
+
 "$spum" library save exact --from "$out/none-3/truth/$unit/spectra.csv" --quiet
 unmix none-3 six-digits --library exact
 known 2000-0.3 coarse --binning 16

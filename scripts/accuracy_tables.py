@@ -16,20 +16,22 @@ UNIT = "radiant-efficiency"
 COMPONENTS = ["TissueAF", "Food", "AlexaFluor 750", "AlexaFluor 790"]
 SIGNALS = ["none", "20000", "5000", "2000"]
 RATIOS = ["3", "1", "0.3"]
+SEEDS = range(1, 6)
+SPOTS = range(1, 5)
 SIGNAL_NAMES = {"none": "no noise", "20000": "20,000 e", "5000": "5,000 e", "2000": "2,000 e"}
 
 
 class Scene:
     """A simulated sequence with its truth and the answers of its runs."""
 
-    def __init__(self, root, name):
+    def __init__(self, root, name, unit=UNIT):
         self.root = root
         self.name = name
-        self.truth = root / name / "truth" / UNIT
+        self.truth = root / name / "truth" / unit
         with open(self.truth / "spectra.csv", encoding="utf-8", newline="") as stream:
             rows = [row for row in csv.reader(stream) if row and row[0] != "$"]
         self.components = rows[0][2:]
-        self.emissions = [int(row[1]) for row in rows[1:]]
+        self.emissions = [float(row[1]) for row in rows[1:]]
         columns = list(zip(*rows[1:]))[2:]
         self.spectra = {name: [float(value) for value in column] for name, column in zip(self.components, columns)}
 
@@ -278,6 +280,113 @@ def print_near(root):
     table(["excitations", "method", *Scene(root, "near").components, *FIT_HEAD], rows)
 
 
+# --- Kinds of sequences ----------------------------------------------------------------------------------------------
+
+
+def kind_scenes(root, kind, unit):
+    return [Scene(root, f"{kind}-{seed}", unit) for seed in SEEDS]
+
+
+def squares_of_fit(scene, answer):
+    """The sum of squares of maps times spectra."""
+    maps = [read_floats(Path(answer["folder"]) / c["map"]) for c in answer["components"]]
+    spectra = [scene.spectra[c["name"]] for c in answer["components"]]
+    total = 0.0
+    for a, first in zip(maps, spectra):
+        for b, second in zip(maps, spectra):
+            total += sum(x * y for x, y in zip(a, b)) * sum(x * y for x, y in zip(first, second))
+    return total
+
+
+def floor_of_scan(scene, unit):
+    """The floor of all spots together. A fit without negative values is orthogonal to what it leaves, so the sum of squares of the
+    data follows from that of the fit."""
+    data = left = 0.0
+    for spot in SPOTS:
+        one = Scene(scene.root, f"{scene.name}.spot{spot}", unit)
+        answer = one.answer("library")
+        share = answer["residual"] ** 2
+        squares = squares_of_fit(one, answer) / (1.0 - share)
+        data += squares
+        left += share * squares
+    return 100.0 * math.sqrt(left / data)
+
+
+def correlation(a, b):
+    mean_a, mean_b = sum(a) / len(a), sum(b) / len(b)
+    a, b = [x - mean_a for x in a], [y - mean_b for y in b]
+    return cosine(a, b)
+
+
+def scan_correlation(scene, unit, component):
+    """Of a component's maps and true maps over the pixels that were analysed, all spots together."""
+    found, truth = [], []
+    for spot in SPOTS:
+        one = Scene(scene.root, f"{scene.name}.spot{spot}", unit)
+        answer = one.answer("library")
+        maps = {c["name"]: read_floats(Path(answer["folder"]) / c["map"]) for c in answer["components"]}
+        analysed = [any(values) for values in zip(*maps.values())]
+        found += [x for x, used in zip(maps[component], analysed) if used]
+        truth += [x for x, used in zip(one.true_map(component), analysed) if used]
+    return correlation(found, truth)
+
+
+def worst_cell(answers, component, fixed):
+    """The lowest cosine and correlation of a component in all answers; `fixed`: the spectra were given."""
+    found = [c for answer in answers for c in answer["components"] if c.get("truthName", c["name"]) == component]
+    if len(found) < len(answers):
+        return "not found" if not found else f"found in {len(found)} of {len(answers)}"
+    correlation = share(min(c["truthCorrelation"] for c in found))
+    return correlation if fixed else f"{share(min(c['truthCosine'] for c in found))}, {correlation}"
+
+
+def print_kind(root, heading, kind, unit, rows, floor_run):
+    """A table with a row for each of `rows`: text, run, and whether the spectra were given. The floor is that of `floor_run`; None:
+    of the spots of a scan."""
+    title(heading)
+    scenes = kind_scenes(root, kind, unit)
+    floors = [
+        floor_of_scan(scene, unit) if floor_run is None else 100.0 * scene.answer(floor_run)["residual"]
+        for scene in scenes
+    ]
+    lines = []
+    for text, run, fixed in rows:
+        if run is None:
+            cells = [share(min(scan_correlation(s, unit, name) for s in scenes)) for name in scenes[0].components]
+            lines.append([text, *cells, spread(floors, "{:.2f}".format), "", ""])
+            continue
+        answers = [scene.answer(run) for scene in scenes]
+        fits = [100.0 * answer["residual"] for answer in answers]
+        counts = [] if fixed else sorted({answer["componentsAboveNoise"] for answer in answers})
+        # Correction for decay changes the noise with the data, so that the floor is another.
+        known = fixed or "decayCorrected" in answers[0]
+        ratios = [fit / floor for fit, floor in zip(fits, floors)]
+        lines.append(
+            [
+                text,
+                *(worst_cell(answers, name, fixed) for name in scenes[0].components),
+                spread(fits, "{:.2f}".format),
+                "" if known else spread(ratios, "{:.3f}".format),
+                " or ".join(map(str, counts)),
+            ]
+        )
+    table(["method", *scenes[0].components, "lack of fit", "times the floor", "components above the noise"], lines)
+    print(f"\nFloor: {spread(floors, '{:.2f}'.format)} %.")
+
+
+def print_kinds(root):
+    both = [("library", "library", True), ("manual", "manual", True)]
+    automatic = [("automatic, names", "names", False), ("automatic, number", "number", False)]
+    proposed = [("automatic, as proposed", "proposed", False)]
+    print_kind(root, "Luminescent", "luminescent", "radiance", both + automatic, "library")
+    scan = [("library, each spot by itself", None, True)]
+    print_kind(root, "Transillumination", "transillumination", "efficiency", scan + automatic, None)
+    courses = [("manual", "manual", True)]
+    print_kind(root, "Temporal", "temporal", "radiant-efficiency", courses + automatic + proposed, "manual")
+    decay = [("the same, decay corrected", "decay", False), ("the same, a third of the half life", "wrong", False)]
+    print_kind(root, "Cherenkov", "cherenkov", "radiance", both + automatic + decay, "library")
+
+
 def main():
     root = Path(sys.argv[1])
     print_exact(root)
@@ -289,6 +398,7 @@ def main():
     print_ambiguity(root)
     print_seeds(root)
     print_near(root)
+    print_kinds(root)
 
 
 if __name__ == "__main__":
