@@ -1,0 +1,148 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ResultFixture.h"
+
+#include "storage/resultRegions.h"
+
+#include "host/CORVDataset.h"
+#include "host/CPLClickInfo.h"
+#include "host/CPLSection.h"
+#include "host/CROIManager.h"
+#include "host/tagROIInfo.h"
+
+#include <memory>
+
+namespace {
+
+// An open image of a result: the sequence that it names, its concentration map (null: it names none), its regions.
+std::unique_ptr<CORVDataset> resultImage(const QString& strSequence, const QString& strMap, const QStringList& regions)
+{
+    auto pDataset = std::make_unique<CORVDataset>();
+    CPLSection section("luminescent image");
+    section.setValue("Spectral Unmix Seq Dataset", strSequence);
+    if (!strMap.isNull()) {
+        section.setValue("Unmixed Concentration", strMap);
+    }
+    pDataset->clickInfo.addSection(&section);
+    for (const QString& strName : regions) {
+        tagROIInfo region;
+        region.name = strName;
+        region.width = 2.0;
+        region.height = 3.0;
+        EXPECT_TRUE(pDataset->roiManager()->addRegion(region));
+    }
+    return pDataset;
+}
+
+class ResultRegionsTest : public ResultFixture
+{
+protected:
+    void open(const QString& strSequence, const QString& strMap, const QStringList& regions)
+    {
+        m_images.push_back(resultImage(strSequence, strMap, regions));
+    }
+    ResultRegions collect() const { return collectResultRegions(m_sequence.id()); }
+    QStringList maps() const
+    {
+        QStringList names;
+        for (const RoiRecord& record : collect().records) {
+            names += record.concentrationMap;
+        }
+        return names;
+    }
+
+    std::vector<std::unique_ptr<CORVDataset>> m_images;
+};
+
+} // namespace
+
+TEST_F(ResultRegionsTest, WithoutAnOpenResultThereAreNone)
+{
+    open("another sequence", "1", {"a"});
+    EXPECT_FALSE(collect().hasResultImage);
+    EXPECT_TRUE(collect().records.isEmpty());
+    EXPECT_TRUE(written("ROIData").isNull());
+}
+
+TEST_F(ResultRegionsTest, RegionsOfTheResultsImagesAreTakenInOrder)
+{
+    open(m_sequence.id().toUpper(), "1", {"a", "b"});
+    open("another sequence", "2", {"c"});
+    open(m_sequence.id(), "3", {"d"});
+    const ResultRegions regions = collect();
+    EXPECT_TRUE(regions.hasResultImage);
+    ASSERT_EQ(maps(), QStringList({"1", "3"}));
+    EXPECT_EQ(regions.records.first().keys.size(), regions.records.first().values.size());
+    EXPECT_TRUE(regions.records.first().values.contains("a"));
+    EXPECT_TRUE(regions.records.first().values.contains("b"));
+    EXPECT_TRUE(regions.records.last().values.contains("d"));
+}
+
+TEST_F(ResultRegionsTest, TheFirstImageWithoutAMapEndsTheWalk)
+{
+    open(m_sequence.id(), "1", {"a"});
+    open(m_sequence.id(), QString(), {"b"});
+    open(m_sequence.id(), "3", {"c"});
+    EXPECT_EQ(maps(), QStringList({"1"}));
+    EXPECT_TRUE(collect().hasResultImage);
+}
+
+TEST_F(ResultRegionsTest, AnImageWithoutRegionsGivesNoRecord)
+{
+    open(m_sequence.id(), "1", {});
+    open(m_sequence.id(), "2", {"a"});
+    EXPECT_EQ(maps(), QStringList({"2"}));
+}
+
+TEST_F(ResultRegionsTest, OpenResultsWithoutRegionsWriteAnEmptyElement)
+{
+    open(m_sequence.id(), "1", {});
+    ASSERT_FALSE(written("ROIData").isNull());
+    EXPECT_FALSE(written("ROIData").hasChildNodes());
+}
+
+TEST_F(ResultRegionsTest, ADatasetWithoutTheSectionIsPassedOver)
+{
+    m_images.push_back(std::make_unique<CORVDataset>());
+    EXPECT_FALSE(collect().hasResultImage);
+}
+
+TEST_F(ResultRegionsTest, WritingAddsToTheRegionsThatAreThereAndEmptiesThem)
+{
+    open(m_sequence.id(), "2", {"a"});
+    m_first->m_roiResults = {{{"ROI1Name"}, {"loaded"}, "1"}};
+    const QDomElement list = written("ROIData");
+    EXPECT_EQ(list.firstChildElement().attribute("value"), QString("loaded"));
+    EXPECT_EQ(list.firstChildElement().nextSiblingElement().attribute("ConcentrationMap"), QString("2"));
+    EXPECT_TRUE(m_first->m_roiResults.isEmpty());
+    // The loaded ones are gone, those of open images are collected again.
+    EXPECT_EQ(written("ROIData").firstChildElement().attribute("ConcentrationMap"), QString("2"));
+}
+
+TEST_F(ResultRegionsTest, AFileReadAndWrittenAgainKeepsTheChildrenAndLosesTheGroups)
+{
+    m_first.analyse();
+    open(m_sequence.id(), "1", {"a", "b"});
+    const QString strFirst = m_first->resultToXml();
+    m_images.clear();
+    ASSERT_TRUE(m_second->readResultV2(rootOf(strFirst)));
+    const QDomElement list = m_document.documentElement().firstChildElement("ROIData");
+    ASSERT_GT(list.childNodes().count(), 2);
+    ASSERT_EQ(m_second->m_roiResults.size(), list.childNodes().count());
+    for (const RoiRecord& record : qAsConst(m_second->m_roiResults)) {
+        EXPECT_EQ(record.keys.size(), 1);
+        EXPECT_EQ(record.values.size(), 1);
+        EXPECT_EQ(record.concentrationMap, QString("1"));
+        EXPECT_FALSE(record.keys.first().contains(' '));
+    }
+    const int nBegin = strFirst.indexOf(" <ROIData>");
+    const QString strElement = strFirst.mid(nBegin, strFirst.indexOf("</ROIData>") - nBegin);
+    EXPECT_TRUE(m_second->resultToXml().contains(strElement));
+}
+
+TEST_F(ResultRegionsTest, AKeyThatCannotBeHeldIsTold)
+{
+    m_first->m_roiResults = {{{"1 x", "y"}, {"a", "b"}, "1"}};
+    EXPECT_EQ(written("ROIData").childNodes().count(), 1);
+    EXPECT_TRUE(
+        m_log.has("SpumKyvo: the region entry \"1 x\" has a name that a result file cannot hold.", CORVLOG_WARNING));
+}
