@@ -3,6 +3,7 @@
 #include "storage/ExportFixture.h"
 
 #include "engine/OwnResultView.h"
+#include "support/ForkedChild.h"
 
 #include <QFile>
 
@@ -381,4 +382,40 @@ TEST_F(ExportDatasetTest, OutputsMayBeLeftOut)
 {
     makeResult(2, 3);
     EXPECT_TRUE(engine().openUnmixedDataset(0, nullptr, nullptr));
+}
+
+TEST_F(ExportDatasetTest, AFullDiskIsToldAtWhateverFileItStrikes)
+{
+    makeResult(2, 3);
+    const auto largest = static_cast<rlim_t>(QFileInfo(make(0) + "/ClickInfo.txt").size());
+    ASSERT_GT(largest, 400U);
+    // From the first image to the last click info.
+    for (const rlim_t bytes : {rlim_t{0}, rlim_t{50}, rlim_t{200}, rlim_t{400}, largest - 1}) {
+        const int nAnswer = inForkedChild([this, bytes] {
+            if (!limitFileSize(bytes)) {
+                return 99;
+            }
+            const bool bMade = engine().openUnmixedDataset(0, nullptr, nullptr);
+            return (bMade ? 1 : 0) + (m_log.count(noFolderLine, 3) == 1 ? 0 : 2);
+        });
+        EXPECT_EQ(nAnswer, 0) << bytes;
+        EXPECT_FALSE(QFileInfo::exists(target() + "/Unmixed Result 1/luminescent.TIF")) << bytes;
+    }
+    EXPECT_NE(make(0), ""); // and once there is room, all is well
+}
+
+TEST_F(ExportDatasetTest, ATemporaryDirectoryThatMayNotBeWrittenToIsTold)
+{
+    makeResult(2, 3);
+    ASSERT_TRUE(QDir().mkpath(target()));
+    ASSERT_EQ(::chmod(QFile::encodeName(target()).constData(), 0555), 0);
+    const int nAnswer = inForkedChild([this] {
+        if (!becomePlainUser()) {
+            return 99;
+        }
+        const bool bMade = engine().openUnmixedDataset(0, nullptr, nullptr);
+        return (bMade ? 1 : 0) + (m_log.count(noFolderLine, 3) == 1 ? 0 : 2);
+    });
+    EXPECT_EQ(nAnswer, 0);
+    ASSERT_EQ(::chmod(QFile::encodeName(target()).constData(), 0755), 0);
 }
