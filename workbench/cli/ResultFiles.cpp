@@ -9,6 +9,7 @@
 #include "spectra/SpectrumPlotParams.h"
 #include "spectra/SpumKyvoDatabase.h"
 #include "workbench/cli/CliFailure.h"
+#include "workbench/cli/CompositePicture.h"
 #include "workbench/cli/MaskPicture.h"
 #include "workbench/cli/ModeNames.h"
 #include "workbench/cli/NoiseEstimate.h"
@@ -34,6 +35,7 @@ namespace {
 const QSize plotSize(1100, 700);
 // A scan of many spots has too many maps for one sheet.
 constexpr int overviewMaps = 12;
+constexpr int reportedComposites = 6;
 
 // A component's map at a spot as an image; 0 outside the mask.
 CILImage imageOfMap(const CORVSpumKyvo& engine, int nComponent, int nSpot)
@@ -112,6 +114,7 @@ void ResultFiles::write(const std::function<void(double fraction)>& step)
     }
     step((steps - 1.0) / steps);
     writeOverview();
+    writeComposites();
     writeSpectra();
     writePlot();
     writeMask();
@@ -127,6 +130,7 @@ void ResultFiles::setReport(const ReportFrame& frame, bool bPdf)
     m_bPdf = bPdf;
     m_frame = frame;
     m_frame.maps.clear();
+    m_frame.composites.clear();
 }
 
 void ResultFiles::put(const QString& strName, const QByteArray& bytes)
@@ -181,6 +185,16 @@ void ResultFiles::writeOverview()
         painter.drawImage(cell.width() * (i % columns), cell.height() * (i / columns), m_pictures[i]);
     painter.end();
     put(QStringLiteral("overview.png"), pngBytes(sheet));
+}
+
+void ResultFiles::writeComposites()
+{
+    for (const CompositeFile& file : compositeFilesOf(m_engine)) {
+        const QByteArray png = pngBytes(file.picture);
+        put(file.name, png);
+        if (m_frame.composites.size() < reportedComposites)
+            m_frame.composites.append({QStringLiteral("Composite"), png, file.picture.size(), QByteArray()});
+    }
 }
 
 void ResultFiles::writeSpectra()

@@ -15,7 +15,7 @@
 class CORVSpumKyvo;
 
 // Writes a result's files into a folder: per component (and scan spot) a map as float32 TIFF and as a picture over the
-// photograph, spectra as a library file and as a plot, the mask, the properties, a report, the summary.
+// photograph, composites where the engine has made its pictures, spectra as a library file and as a plot, the mask, the properties, a report, the summary.
 class ResultFiles
 {
 public:
@@ -38,6 +38,7 @@ public:
 private:
     void writeMap(int nComponent, int nSpot);
     void writeOverview();
+    void writeComposites();
     void writeSpectra();
     void writePlot();
     void writeMask();

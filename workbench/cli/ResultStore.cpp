@@ -33,7 +33,7 @@ void checkText(const QString& strName)
     if (strName.trimmed().isEmpty() || strName != strName.trimmed() || !isOneLine(strName))
         throw CliFailure(
             QStringLiteral("\"%1\" is no name for a result: it takes one line of text without blanks at its ends")
-                .arg(strName),
+                .arg(strName.simplified()),
             CliFailure::Usage);
 }
 
