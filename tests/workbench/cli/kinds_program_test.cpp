@@ -156,6 +156,30 @@ TEST_F(KindsProgramTest, LuminescentIsResolvedAutomatically)
     expectComponents(3);
 }
 
+// They are one fit of given spectra.
+TEST_F(KindsProgramTest, LibraryAndManualGiveTheSameMaps)
+{
+    for (const char* kind : {"luminescent", "cherenkov"}) {
+        simulateKind(kind);
+        EXPECT_EQ(unmixWithTruth("manual", "radiance")["components"],
+                  unmixWithTruth("library", "radiance")["components"])
+            << kind;
+    }
+}
+
+TEST_F(KindsProgramTest, MethodsThatAreNotOfferedAreRefused)
+{
+    simulateKind("transillumination", {"--spots", "2", "--bands", "3"});
+    for (const char* method : {"library", "manual"})
+        EXPECT_EQ(refusal({"unmix", "seq", "--method", method, "--library", truth("efficiency")}),
+                  QString("this sequence cannot be unmixed by the method %1; it takes automatic").arg(method));
+    simulateKind("temporal");
+    EXPECT_EQ(refusal({"unmix", "seq", "--method", "library", "--library", truth()}),
+              "this sequence cannot be unmixed by the method library; it takes automatic, manual");
+    EXPECT_EQ(refusal({"unmix", "seq", "--decay", "auto"}),
+              "--decay: the sequence holds no isotope with Cherenkov light");
+}
+
 // The method that takes spectra is not offered for a scan; the engine itself has no objection.
 TEST_F(KindsProgramTest, ScanIsFittedSpotBySpot)
 {
