@@ -128,7 +128,7 @@ ESTATUS CORVDataset::open(const QString& strFolder, QString* pError, QStringList
     if (!readable || getClickNumber().isEmpty()) {
         tell(pError, readable          ? QStringLiteral("%1: the click number is missing").arg(file)
                      : lines.isEmpty() ? QStringLiteral("%1: cannot be read").arg(file)
-                                       : lines.first());
+                                       : lines.last()); // behind the warnings
         reset();
         return ESTATUS_FILE_UNREADABLE;
     }
@@ -147,19 +147,17 @@ ESTATUS CORVDataset::open(const QString& strFolder, QString* pError, QStringList
 
 void CORVDataset::readNativeUnit(QStringList* pWarnings)
 {
-    const QString text = clickText(clickInfo, ClickKeys::kLuminescentImage, ClickKeys::kNativeUnit);
-    if (text.isEmpty())
-        return;
-    for (int unit = DISPLAYUNIT_COUNTS; unit <= DISPLAYUNIT_EFFICIENCY; ++unit) {
-        if (text == QString::number(unit) || text.compare(displayUnitText(unit), Qt::CaseInsensitive) == 0) {
+    // Pixels that are stored in a unit are best had in it.
+    for (const char* pKey : {ClickKeys::kNativeUnit, ClickKeys::kStoredUnit}) {
+        const QString text = clickText(clickInfo, ClickKeys::kLuminescentImage, pKey);
+        const int unit = displayUnitOf(text);
+        if (unit >= 0)
             nativeUnit = unit;
-            return;
-        }
+        else if (!text.isEmpty())
+            pWarnings->append(QStringLiteral("%1%2: section \"%3\": \"%4\" is \"%5\", which is no unit")
+                                  .arg(m_strFolder, QLatin1String(SequenceFiles::kClickInfo),
+                                       QLatin1String(ClickKeys::kLuminescentImage), QLatin1String(pKey), text));
     }
-    pWarnings->append(QStringLiteral("%1%2: section \"%3\": \"%4\" is \"%5\", which is no unit")
-                          .arg(m_strFolder, QLatin1String(SequenceFiles::kClickInfo),
-                               QLatin1String(ClickKeys::kLuminescentImage), QLatin1String(ClickKeys::kNativeUnit),
-                               text));
 }
 
 void CORVDataset::readRegions(QStringList* pWarnings)

@@ -8,7 +8,9 @@
 #include "platform/orvapi/HostLog.h"
 #include "platform/orvapi/ImageCalibration.h"
 #include "platform/orvapi/ImageNames.h"
+#include "platform/orvapi/UnitTexts.h"
 
+#include <algorithm>
 #include <cstring>
 #include <utility>
 
@@ -30,6 +32,15 @@ QString missingFigure(const char* pKey)
 {
     return QStringLiteral("section \"%1\": \"%2\" is missing or not above 0")
         .arg(QLatin1String(ClickKeys::kLuminescentImage), QLatin1String(pKey));
+}
+
+// The unit in which the pixels are stored. The preferred unit 3 says the same of efficiencies.
+int storedUnit(const CORVDataset& dataset)
+{
+    if (dataset.nativeUnit == DISPLAYUNIT_EFFICIENCY)
+        return DISPLAYUNIT_EFFICIENCY;
+    const QString text = clickText(dataset.clickInfo, ClickKeys::kLuminescentImage, ClickKeys::kStoredUnit);
+    return std::max<int>(displayUnitOf(text), DISPLAYUNIT_COUNTS);
 }
 
 // Divides by the reference pixel by pixel; 0 where there is no light to divide by.
@@ -60,8 +71,9 @@ QString CORVDataset::unitUnavailableReason(tag_edisplayunit eUnit) const
         return QStringLiteral("there is no such unit");
     if (eUnit > unitLimit())
         return QStringLiteral("the unit is beyond the limit that was set");
-    if (nativeUnit == DISPLAYUNIT_EFFICIENCY)
-        return eUnit == DISPLAYUNIT_EFFICIENCY ? QString() : QStringLiteral("the data are stored as efficiency");
+    if (const int stored = storedUnit(*this); stored != DISPLAYUNIT_COUNTS)
+        return eUnit == stored ? QString()
+                               : QStringLiteral("the data are stored as %1").arg(displayUnitText(stored).toLower());
     if (eUnit == DISPLAYUNIT_COUNTS)
         return QString();
     QString reason;
@@ -113,7 +125,7 @@ ESTATUS CORVDataset::readReference(const CILImage& image, CILImage* pOut, const 
 
 ESTATUS CORVDataset::divideByIllumination(tag_edisplayunit eUnit, CILImage& image, const QString& strCaller) const
 {
-    if (eUnit != DISPLAYUNIT_EFFICIENCY || nativeUnit == DISPLAYUNIT_EFFICIENCY)
+    if (eUnit != DISPLAYUNIT_EFFICIENCY || storedUnit(*this) == DISPLAYUNIT_EFFICIENCY)
         return ESTATUS_SUCCESS;
     if (!hasReferenceImage(nullptr))
         return ESTATUS_SUCCESS; // the one number for all pixels is in the factor
@@ -127,7 +139,7 @@ ESTATUS CORVDataset::divideByIllumination(tag_edisplayunit eUnit, CILImage& imag
 double CORVDataset::unitFactor(tag_edisplayunit eUnit, tag_eimagetype eType) const
 {
     double factor = 1.0;
-    if (eUnit == DISPLAYUNIT_COUNTS || nativeUnit == DISPLAYUNIT_EFFICIENCY)
+    if (eUnit == DISPLAYUNIT_COUNTS || storedUnit(*this) != DISPLAYUNIT_COUNTS)
         return factor;
     radianceFactor(eType, &factor, nullptr);
     if (eUnit == DISPLAYUNIT_RADIANT_EFFICIENCY)
@@ -150,7 +162,7 @@ ESTATUS CORVDataset::getCalibratedLuminImage(tag_edisplayunit eUnit, CILImage* p
     const ESTATUS status = readImage(type, &image, strCaller);
     if (status != ESTATUS_SUCCESS)
         return status;
-    const double bias = nativeUnit == DISPLAYUNIT_EFFICIENCY ? 0.0 : imageBias(clickInfo, type);
+    const double bias = storedUnit(*this) != DISPLAYUNIT_COUNTS ? 0.0 : imageBias(clickInfo, type);
     if (!applyCalibration(image, bias, unitFactor(eUnit, type)))
         return ESTATUS_FAILURE;
     const ESTATUS divided = divideByIllumination(eUnit, image, strCaller);
@@ -165,7 +177,7 @@ bool CORVDataset::intensityCalibration(tag_eimagetype eType, const char* pUnit, 
     if (pUnit == nullptr || pValue == nullptr || !resolveType(eType, &type))
         return false;
     const bool mainData = type == IMAGETYPE_LUMINESCENT || type == IMAGETYPE_MAIN_DATA;
-    if (mainData && nativeUnit == DISPLAYUNIT_EFFICIENCY)
+    if (mainData && storedUnit(*this) != DISPLAYUNIT_COUNTS)
         return false;
     if (std::strcmp(pUnit, "counts") == 0) {
         *pValue = 1.0;

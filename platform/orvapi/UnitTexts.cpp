@@ -16,3 +16,12 @@ QString displayUnitText(int nUnit)
         return QString();
     }
 }
+
+int displayUnitOf(const QString& strText)
+{
+    const QString text = strText.trimmed();
+    for (int unit = DISPLAYUNIT_COUNTS; unit <= DISPLAYUNIT_EFFICIENCY; ++unit)
+        if (text == QString::number(unit) || text.compare(displayUnitText(unit), Qt::CaseInsensitive) == 0)
+            return unit;
+    return -1;
+}

@@ -7,3 +7,5 @@
 
 // The unit as click infos name it: "Counts", "Radiance", "Radiant Efficiency", "Efficiency"; empty for another number.
 QString displayUnitText(int nUnit);
+// The unit that such a text, in any case, or its number names; -1 for none.
+int displayUnitOf(const QString& strText);

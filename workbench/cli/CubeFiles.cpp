@@ -6,21 +6,31 @@
 #include "platform/orvutils/AtomicFile.h"
 #include "platform/orvutils/TemporaryTarget.h"
 #include "workbench/cli/CliFailure.h"
+#include "workbench/cli/CliSession.h"
 #include "workbench/cli/ExportedCube.h"
 #include "workbench/cli/TextTable.h"
 #include "workbench/cli/UnitNames.h"
+#include "workbench/importer/OmeMetadata.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QLocale>
+#include <QTemporaryFile>
 #include <QXmlStreamWriter>
 #include <QtEndian>
 
+#include <algorithm>
+#include <array>
+#include <charconv>
 #include <vector>
 
 namespace {
 
 constexpr int bufferBytes = 1024 * 1024;
+// Floats that are turned from images to rows at a time.
+constexpr qint64 blockBytes = 8 * 1024 * 1024;
+const QString unknown = QStringLiteral("-");
 
 QString shortest(double dValue)
 {
@@ -32,7 +42,7 @@ QString unitSentence(const ExportedCube& cube)
     return QStringLiteral("%1 (%2)").arg(UnitNames::text(cube.unit()), UnitNames::quantity(cube.unit()));
 }
 
-void writeChannel(QXmlStreamWriter& xml, int nChannel, const QString& strName, const ExportedCube::Image* pImage)
+void writeChannel(QXmlStreamWriter& xml, int nChannel, const QString& strName, const ExportedCube::Image& image)
 {
     xml.writeStartElement(QStringLiteral("Channel"));
     xml.writeAttribute(QStringLiteral("ID"), QStringLiteral("Channel:0:%1").arg(nChannel));
@@ -44,10 +54,8 @@ void writeChannel(QXmlStreamWriter& xml, int nChannel, const QString& strName, c
         xml.writeAttribute(strKey, shortest(*value));
         xml.writeAttribute(strKey + QStringLiteral("Unit"), QStringLiteral("nm"));
     };
-    if (pImage != nullptr) {
-        wavelength(QStringLiteral("ExcitationWavelength"), pImage->excitation);
-        wavelength(QStringLiteral("EmissionWavelength"), pImage->emission);
-    }
+    wavelength(QStringLiteral("ExcitationWavelength"), image.excitation);
+    wavelength(QStringLiteral("EmissionWavelength"), image.emission);
     xml.writeEndElement();
 }
 
@@ -92,9 +100,9 @@ void writePixels(QXmlStreamWriter& xml, const ExportedCube& cube)
         }
     }
     if (cube.isTemporal())
-        writeChannel(xml, 0, QStringLiteral("all times"), nullptr);
+        writeChannel(xml, 0, QStringLiteral("all times"), cube.images().first());
     for (int c = 0; c < channels && !cube.isTemporal(); ++c)
-        writeChannel(xml, c, cube.images().at(c).name, &cube.images().at(c));
+        writeChannel(xml, c, cube.images().at(c).name, cube.images().at(c));
     for (int i = 0; i < cube.count(); ++i) {
         xml.writeStartElement(QStringLiteral("TiffData"));
         attribute("IFD", QString::number(i));
@@ -106,6 +114,31 @@ void writePixels(QXmlStreamWriter& xml, const ExportedCube& cube)
     }
     for (int i = 0; i < cube.count(); ++i)
         writePlane(xml, cube.isTemporal() ? 0 : i, cube.isTemporal() ? i : 0, cube.images().at(i));
+    xml.writeEndElement();
+}
+
+// What OME has no place for.
+void writeNotes(QXmlStreamWriter& xml, const ExportedCube& cube)
+{
+    xml.writeStartElement(QStringLiteral("StructuredAnnotations"));
+    xml.writeStartElement(QStringLiteral("MapAnnotation"));
+    xml.writeAttribute(QStringLiteral("ID"), QStringLiteral("Annotation:0"));
+    xml.writeAttribute(QStringLiteral("Namespace"), QLatin1String(OmeMetadata::kNamespace));
+    xml.writeStartElement(QStringLiteral("Value"));
+    const auto note = [&xml](const QString& strKey, const QString& strValue) {
+        if (strValue.isEmpty())
+            return;
+        xml.writeStartElement(QStringLiteral("M"));
+        xml.writeAttribute(QStringLiteral("K"), strKey);
+        xml.writeCharacters(strValue);
+        xml.writeEndElement();
+    };
+    note(QStringLiteral("unit"), UnitNames::text(cube.unit()));
+    note(QStringLiteral("isotope"), cube.isotope());
+    for (int i = 0; i < cube.count(); ++i)
+        note(QStringLiteral("start %1").arg(i + 1), cube.images().at(i).start);
+    xml.writeEndElement();
+    xml.writeEndElement();
     xml.writeEndElement();
 }
 
@@ -125,6 +158,10 @@ QString omeXml(const ExportedCube& cube, const QString& strName)
     xml.writeAttribute(QStringLiteral("Name"), strName);
     xml.writeTextElement(QStringLiteral("Description"), unitSentence(cube));
     writePixels(xml, cube);
+    xml.writeEmptyElement(QStringLiteral("AnnotationRef"));
+    xml.writeAttribute(QStringLiteral("ID"), QStringLiteral("Annotation:0"));
+    xml.writeEndElement();
+    writeNotes(xml, cube);
     xml.writeEndDocument();
     return text;
 }
@@ -135,6 +172,29 @@ QString braced(QString text, bool bInList)
     text.replace(QLatin1Char('{'), QLatin1Char('('));
     text.replace(QLatin1Char('}'), QLatin1Char(')'));
     return bInList ? text.simplified().replace(QLatin1Char(','), QLatin1Char(' ')) : text.simplified();
+}
+
+// A value an image, "-" where it is not known; nothing when it is of none.
+QString noteLine(const char* pKey, const QStringList& values)
+{
+    const bool known = std::any_of(values.cbegin(), values.cend(), [](const QString& text) { return text != unknown; });
+    return known ? QStringLiteral("%1 = {%2}\n").arg(QLatin1String(pKey), values.join(QLatin1String(", "))) : QString();
+}
+
+QString noteLines(const ExportedCube& cube)
+{
+    QStringList exposures;
+    QStringList starts;
+    for (const auto& image : cube.images()) {
+        exposures.append(image.exposure ? shortest(*image.exposure) : unknown);
+        starts.append(image.start.isEmpty() ? unknown : image.start);
+    }
+    QString text = QStringLiteral("orvia unit = %1\n").arg(UnitNames::text(cube.unit()));
+    if (cube.pixelSize())
+        text += QStringLiteral("orvia pixel size micrometres = %1\n").arg(shortest(*cube.pixelSize()));
+    if (!cube.isotope().isEmpty())
+        text += QStringLiteral("orvia isotope = {%1}\n").arg(braced(cube.isotope(), false));
+    return text + noteLine("orvia exposure seconds", exposures) + noteLine("orvia start", starts);
 }
 
 QByteArray enviHeaderText(ExportedCube& cube, const QString& strDataFile)
@@ -153,6 +213,7 @@ QByteArray enviHeaderText(ExportedCube& cube, const QString& strDataFile)
                            "byte order = 0\ndata file = %1\n")
                 .arg(strDataFile);
     text += QStringLiteral("band names = {%1}\n").arg(names.join(QLatin1String(", ")));
+    text += noteLines(cube);
     wavelengths.removeDuplicates();
     if (wavelengths.size() == cube.count())
         text += QStringLiteral("wavelength units = Nanometers\nwavelength = {%1}\n")
@@ -204,6 +265,64 @@ QByteArray csvHeader(const ExportedCube& cube)
     for (const auto& image : cube.images())
         names.append(image.name);
     return TextTable(names).toCsv().toUtf8();
+}
+
+// All images one behind the other in a file without a name, from which parts of each are read: a CSV file has all images in
+// a row, and memory need not hold them.
+class SpooledImages
+{
+public:
+    // The file lies beside `strTarget`, where room for more than it is needed anyway.
+    SpooledImages(ExportedCube& cube, const QString& strTarget)
+        : m_strTarget(strTarget), m_images(cube.count()), m_pixels(static_cast<qint64>(cube.width()) * cube.height()),
+          m_file(QFileInfo(strTarget).dir().filePath(QStringLiteral(".spum-XXXXXX.cube")))
+    {
+        if (!m_file.open())
+            failWriting(m_strTarget, m_file.errorString());
+        CILImage image;
+        for (int i = 0; i < m_images; ++i) {
+            cube.read(i, image);
+            const auto bytes = m_pixels * static_cast<qint64>(sizeof(float));
+            if (m_file.write(reinterpret_cast<const char*>(image.floats()), bytes) != bytes)
+                failWriting(m_strTarget, m_file.errorString());
+        }
+        if (!m_file.flush())
+            failWriting(m_strTarget, m_file.errorString());
+    }
+    // Pixels `first` to `first` + `count` - 1 of every image, image by image.
+    void read(qint64 first, qint64 count, std::vector<float>& floats) const
+    {
+        constexpr auto size = static_cast<qint64>(sizeof(float));
+        floats.resize(static_cast<std::size_t>(count * m_images));
+        for (int i = 0; i < m_images; ++i) {
+            char* target = reinterpret_cast<char*>(floats.data() + i * count);
+            if (!m_file.seek((i * m_pixels + first) * size) || m_file.read(target, count * size) != count * size)
+                failWriting(m_strTarget, m_file.errorString());
+        }
+    }
+
+private:
+    QString m_strTarget;
+    int m_images;
+    qint64 m_pixels;
+    mutable QTemporaryFile m_file;
+};
+
+void appendInteger(QByteArray& text, qint64 value)
+{
+    std::array<char, 24> digits{};
+    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr;
+    text.append(digits.data(), static_cast<int>(end - digits.data()));
+}
+
+// A comma and nine significant digits.
+void appendValue(QByteArray& text, float value)
+{
+    std::array<char, 32> digits{','};
+    const auto end = std::to_chars(digits.data() + 1, digits.data() + digits.size(), static_cast<double>(value),
+                                   std::chars_format::general, 9)
+                         .ptr;
+    text.append(digits.data(), static_cast<int>(end - digits.data()));
 }
 
 } // namespace
@@ -260,22 +379,28 @@ void writeEnviCube(ExportedCube& cube, const QString& strPath)
 void writeCsvCube(ExportedCube& cube, const QString& strPath)
 {
     StreamedFile file(strPath);
-    std::vector<CILImage> images(static_cast<std::size_t>(cube.count()));
-    for (int i = 0; i < cube.count(); ++i)
-        cube.read(i, images[static_cast<std::size_t>(i)]);
+    const SpooledImages images(cube, strPath);
     file.write(csvHeader(cube));
+    const qint64 pixels = static_cast<qint64>(cube.width()) * cube.height();
+    const qint64 block = std::max<qint64>(1, blockBytes / (cube.count() * static_cast<qint64>(sizeof(float))));
+    std::vector<float> floats;
     QByteArray rows;
-    for (long y = 0; y < cube.height(); ++y) {
-        for (long x = 0; x < cube.width(); ++x) {
-            rows += QByteArray::number(static_cast<qlonglong>(x)) + ',' + QByteArray::number(static_cast<qlonglong>(y));
-            const auto at = static_cast<std::size_t>(y * cube.width() + x);
-            for (const auto& image : images)
-                rows += ',' + QByteArray::number(static_cast<double>(image.floats()[at]), 'g', 9);
+    for (qint64 first = 0; first < pixels; first += block) {
+        const qint64 count = std::min(block, pixels - first);
+        images.read(first, count, floats);
+        for (qint64 i = 0; i < count; ++i) {
+            appendInteger(rows, (first + i) % cube.width());
+            rows += ',';
+            appendInteger(rows, (first + i) / cube.width());
+            for (int k = 0; k < cube.count(); ++k)
+                appendValue(rows, floats[static_cast<std::size_t>(k * count + i)]);
             rows += '\n';
-        }
-        if (rows.size() >= bufferBytes || y + 1 == cube.height()) {
-            file.write(rows);
-            rows.clear();
+            if (rows.size() >= bufferBytes || i + 1 == count) {
+                file.write(rows);
+                rows.resize(0);
+                CliSession::stopIfInterrupted();
+                cube.showWriting(static_cast<double>(first + i + 1) / static_cast<double>(pixels));
+            }
         }
     }
     file.commit();

@@ -18,7 +18,7 @@ void writeOmeTiffCube(ExportedCube& cube, const QString& strPath);
 void writeEnviCube(ExportedCube& cube, const QString& strPath);
 
 // CSV: a row a pixel, first its column and row from 0, then a column an image; nine significant digits, which give floats
-// back to the last bit. Takes the memory of all images.
+// back to the last bit. Memory holds an image and a block of rows, the images wait in a file beside the target.
 void writeCsvCube(ExportedCube& cube, const QString& strPath);
 
 // Header and data file of an ENVI cube: "cube.hdr" and "cube.dat" for "cube.hdr" or "cube"; a name with another suffix is

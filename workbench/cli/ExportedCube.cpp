@@ -13,8 +13,15 @@
 #include "workbench/cli/UnitForecast.h"
 #include "workbench/cli/UnitNames.h"
 
+#include <QDateTime>
 #include <QLocale>
 #include <QRegularExpression>
+#include <QSize>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <utility>
 
 namespace {
 
@@ -28,9 +35,10 @@ std::optional<double> wavelengthOf(const QString& strFilter)
     return match.hasMatch() ? std::optional<double>(match.captured().toDouble()) : std::nullopt;
 }
 
-QString shortest(double dValue)
+// Without an exponent, which a name could not be read with.
+QString plainNumber(double dValue)
 {
-    return QString::number(dValue, 'g', QLocale::FloatingPointShortest);
+    return QString::number(dValue, 'f', QLocale::FloatingPointShortest);
 }
 
 std::optional<double> clickFigure(const CORVDataset& dataset, const char* pSection, const char* pKey)
@@ -43,17 +51,25 @@ QString temporalName(const CORVDataset& dataset, double dTime)
     static const QRegularExpression digits(QStringLiteral(R"(\d+)"));
     const QString text = clickText(dataset.clickInfo, ClickKeys::kClickNumber, ClickKeys::kKyVoInterval);
     const int interval = digits.match(text).captured().toInt();
-    const QString time = QStringLiteral("t%1s").arg(shortest(dTime));
+    // A dash alone could stand between two parts of the name.
+    const QString time =
+        QStringLiteral("t%1%2s").arg(dTime < 0.0 ? QStringLiteral("=") : QString(), plainNumber(dTime));
     return interval > 1 ? QStringLiteral("int%1_%2").arg(interval).arg(time) : time;
+}
+
+QStringList wavelengthNames(const ExportedCube::Image& image)
+{
+    QStringList parts;
+    if (image.excitation)
+        parts.append(QStringLiteral("ex") + plainNumber(*image.excitation));
+    if (image.emission)
+        parts.append(QStringLiteral("em") + plainNumber(*image.emission));
+    return parts;
 }
 
 QString spectralName(const CORVDataset& dataset, const ExportedCube::Image& image)
 {
-    QStringList parts;
-    if (image.excitation)
-        parts.append(QStringLiteral("ex") + shortest(*image.excitation));
-    if (image.emission)
-        parts.append(QStringLiteral("em") + shortest(*image.emission));
+    QStringList parts = wavelengthNames(image);
     if (parts.isEmpty())
         return image.click.simplified();
     const QString x = dataset.getFLXspot().simplified();
@@ -61,6 +77,27 @@ QString spectralName(const CORVDataset& dataset, const ExportedCube::Image& imag
     if (!x.isEmpty() && !y.isEmpty())
         parts.append(QStringLiteral("spot x%1 y%2").arg(x, y));
     return parts.join(QLatin1Char('_'));
+}
+
+// Width and height before an import made a square of the image; nothing when they are not known.
+std::optional<QSize> extentOf(const CORVDataset& dataset)
+{
+    static const QRegularExpression size(QStringLiteral(R"(^(\d{1,6})\s*x\s*(\d{1,6})$)"));
+    const auto match = size.match(clickText(dataset.clickInfo, ClickKeys::kLuminescentImage, ClickKeys::kImageExtent));
+    return match.hasMatch() ? std::optional<QSize>(QSize(match.captured(1).toInt(), match.captured(2).toInt()))
+                            : std::nullopt;
+}
+
+// The upper left part of that size.
+void crop(CILImage& image, long lWidth, long lHeight)
+{
+    CILImage part;
+    if (part.InitWithType(ORVTYPE_FLOAT, lWidth, lHeight) != EIL_SUCCESS)
+        throw CliFailure(QStringLiteral("there is no memory for an image"));
+    for (long y = 0; y < lHeight; ++y)
+        std::copy_n(image.floats() + y * image.m_lWidth, lWidth, part.floats() + y * lWidth);
+    part.m_fBinning = image.m_fBinning;
+    image = std::move(part);
 }
 
 } // namespace
@@ -74,7 +111,9 @@ ExportedCube::ExportedCube(const QString& strSequence, const QString& strSelect,
         describe(*dataset);
     if (m_images.isEmpty())
         throw CliFailure(QStringLiteral("%1 holds no image").arg(strSequence));
+    settleTimes();
     checkSizes();
+    cropToExtent();
     chooseUnit(nUnit);
 }
 
@@ -117,15 +156,72 @@ void ExportedCube::describe(CORVDataset& dataset)
     Image image;
     image.click = dataset.getClickNumber();
     image.time = m_bTemporal ? clickFigure(dataset, ClickKeys::kClickNumber, ClickKeys::kKyVoTime) : std::nullopt;
-    if (!m_bTemporal) {
-        image.excitation = wavelengthOf(dataset.getExcitationFilter());
-        image.emission = wavelengthOf(dataset.getEmissionFilter());
-    }
+    image.excitation = wavelengthOf(dataset.getExcitationFilter());
+    image.emission = wavelengthOf(dataset.getEmissionFilter());
     double seconds = 0.0;
     if (dataset.getExposureTime(&seconds))
         image.exposure = seconds;
-    image.name = image.time ? temporalName(dataset, *image.time) : spectralName(dataset, image);
+    if (dataset.getExposureStart(&seconds))
+        image.start = QDateTime::fromMSecsSinceEpoch(std::llround(seconds * 1000.0), Qt::UTC)
+                          .toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss.zzz"));
+    const QString isotope = clickText(dataset.clickInfo, ClickKeys::kLuminescentImage, ClickKeys::kIsotope);
+    m_strIsotope = m_images.isEmpty() || m_strIsotope == isotope ? isotope : QString();
     m_images.append(image);
+}
+
+// Names the images. Where a temporal sequence does not tell its times they follow from the starts of the exposures; without
+// those the images are numbered.
+void ExportedCube::settleTimes()
+{
+    const auto all = [this](auto&& test) { return std::all_of(m_images.cbegin(), m_images.cend(), test); };
+    const bool timed = all([](const Image& image) { return image.time.has_value(); });
+    const bool started = all([](const Image& image) { return !image.start.isEmpty(); });
+    const auto instant = [](const Image& image) {
+        return QDateTime::fromString(image.start + QLatin1Char('Z'), Qt::ISODateWithMs).toMSecsSinceEpoch();
+    };
+    qint64 first = std::numeric_limits<qint64>::max();
+    for (const Image& image : m_images)
+        first = std::min(first, started ? instant(image) : first);
+    // A series of one pair of filters tells it; of an image alone it would hide that there is a time.
+    const bool filtered =
+        m_images.size() > 1 && all([this](const Image& image) {
+            return image.excitation == m_images.first().excitation && image.emission == m_images.first().emission;
+        });
+    for (int i = 0; i < m_images.size(); ++i) {
+        Image& image = m_images[i];
+        if (m_bTemporal && !filtered) {
+            image.excitation.reset();
+            image.emission.reset();
+        }
+        const CORVDataset& dataset = *m_opened.sequence().getDataset(image.click);
+        if (m_bTemporal && !timed)
+            image.time =
+                started ? std::optional<double>(static_cast<double>(instant(image) - first) / 1000.0) : std::nullopt;
+        if (!m_bTemporal)
+            image.name = spectralName(dataset, image);
+        else
+            image.name = (wavelengthNames(image)
+                          << (image.time ? temporalName(dataset, *image.time) : QStringLiteral("frame%1").arg(i)))
+                             .join(QLatin1Char('_'));
+    }
+    if (m_bTemporal && !timed)
+        m_session.warn(started ? QStringLiteral("the images do not tell their times; the starts of their exposures do")
+                               : QStringLiteral("the images do not tell their times and are numbered"));
+}
+
+// Where an import made squares of all images alike.
+void ExportedCube::cropToExtent()
+{
+    const auto extent = extentOf(*m_opened.sequence().getDataset(m_images.first().click));
+    m_lStoredWidth = m_lWidth;
+    m_lStoredHeight = m_lHeight;
+    for (const Image& image : m_images)
+        if (!extent || extentOf(*m_opened.sequence().getDataset(image.click)) != extent)
+            return;
+    if (extent->width() < 1 || extent->height() < 1 || extent->width() > m_lWidth || extent->height() > m_lHeight)
+        return;
+    m_lWidth = extent->width();
+    m_lHeight = extent->height();
 }
 
 void ExportedCube::checkSizes()
@@ -193,6 +289,13 @@ void ExportedCube::read(int i, CILImage& out)
     if (dataset->getCalibratedLuminImage(static_cast<tag_edisplayunit>(m_nUnit), &out, QStringLiteral("spum export")) !=
         ESTATUS_SUCCESS)
         throw CliFailure(QStringLiteral("image %1 (%2) cannot be read").arg(image.name, image.click));
-    if (out.m_lWidth != m_lWidth || out.m_lHeight != m_lHeight || out.dataType() != ORVTYPE_FLOAT)
+    if (out.m_lWidth != m_lStoredWidth || out.m_lHeight != m_lStoredHeight || out.dataType() != ORVTYPE_FLOAT)
         throw CliFailure(QStringLiteral("image %1 (%2) has changed while it was read").arg(image.name, image.click));
+    if (m_lWidth != m_lStoredWidth || m_lHeight != m_lStoredHeight)
+        crop(out, m_lWidth, m_lHeight);
+}
+
+void ExportedCube::showWriting(double dFraction)
+{
+    m_session.progress().show(QStringLiteral("Writing"), dFraction);
 }

@@ -105,6 +105,8 @@ QString textAnswer(const ImportReport& report, const QString& strFolder)
         text += QStringLiteral(", padded to %1 x %1").arg(report.side);
     text += report.temporal ? QStringLiteral(", at a series of times") : QString();
     text += report.fluorescence ? QStringLiteral(", fluorescence") : QString();
+    text += report.transillumination ? QStringLiteral(", a scan of spots") : QString();
+    text += report.unit.isEmpty() ? QString() : QStringLiteral(", in ") + report.unit.toLower();
     text += report.dark ? QStringLiteral(", dark image subtracted") : QString();
     text += report.flat ? QStringLiteral(", flat field divided") : QString();
     return text + QStringLiteral("\nphotograph: %1\nsequence in %2\n").arg(report.photographOrigin, strFolder);
@@ -120,6 +122,8 @@ QJsonObject jsonAnswer(const ImportReport& report, const QString& strFolder)
                        {"side", static_cast<qint64>(report.side)},
                        {"temporal", report.temporal},
                        {"fluorescence", report.fluorescence},
+                       {"transillumination", report.transillumination},
+                       {"unit", report.unit.isEmpty() ? QStringLiteral("Counts") : report.unit},
                        {"dark", report.dark},
                        {"flat", report.flat},
                        {"photograph", report.photographOrigin},
@@ -157,7 +161,8 @@ void ImportCommand::declare(QCommandLineParser& parser) const
     option(
         "images",
         QStringLiteral("Table of the images, with a header: file, page or band; and excitation and emission (nm), or "
-                       "interval and time (s). Without it the table is inferred from names, OME and ImageJ metadata "
+                       "interval and time (s); and more, see the manual of formats. Without it the table is inferred "
+                       "from names, OME and ImageJ metadata "
                        "and the ENVI header, and kept in OUT as images.csv."),
         "CSV");
     option("write-table", QStringLiteral("Write the inferred table to a file, to be edited, and stop."), "FILE");

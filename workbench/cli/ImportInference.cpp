@@ -9,6 +9,8 @@
 #include <QJsonObject>
 #include <QLocale>
 
+#include <algorithm>
+
 namespace {
 
 // Rows shown whole; of more, so many at either end.
@@ -47,6 +49,10 @@ QString inferredTableText(const InferredTable& table)
     QStringList header{QStringLiteral("image")};
     header += temporal ? QStringList{QStringLiteral("time")}
                        : QStringList{QStringLiteral("excitation"), QStringLiteral("emission")};
+    const bool scan = std::any_of(table.rows().cbegin(), table.rows().cend(),
+                                  [](const InferredTable::Row& row) { return !row.spotX.isEmpty(); });
+    if (scan)
+        header.append(QStringLiteral("spot"));
     TextTable text(header + QStringList{QStringLiteral("from")});
     const int count = table.rows().size();
     for (int i = 0; i < count; ++i) {
@@ -58,6 +64,8 @@ QString inferredTableText(const InferredTable& table)
         }
         QStringList cells{row.name};
         cells += temporal ? QStringList{figure(row.time)} : QStringList{figure(row.excitation), figure(row.emission)};
+        if (scan)
+            cells.append(QStringLiteral("%1, %2").arg(row.spotX, row.spotY));
         text.addRow(cells + QStringList{row.origin});
     }
     QString answer = text.toText();
@@ -81,6 +89,10 @@ QJsonArray inferredTableJson(const InferredTable& table)
             insert("excitation", row.excitation);
             insert("emission", row.emission);
         }
+        if (!row.spotX.isEmpty())
+            object.insert(QStringLiteral("spot"), QStringLiteral("%1, %2").arg(row.spotX, row.spotY));
+        insert("exposure", row.facts.exposure);
+        insert("pixelSize", row.facts.pixelSize);
         rows.append(object);
     }
     return rows;

@@ -61,6 +61,7 @@ void RoiMeasurement::measureImages(CORVSequenceDataset& sequence, tag_edisplayun
 {
     m_strUnit = UnitNames::text(eUnit);
     const auto datasets = sequence.getDatasets();
+    const bool scan = sequence.isTransillumination;
     for (int i = 0; i < datasets.size(); ++i) {
         step(static_cast<double>(i) / datasets.size());
         CORVDataset& dataset = *datasets[i];
@@ -71,7 +72,8 @@ void RoiMeasurement::measureImages(CORVSequenceDataset& sequence, tag_edisplayun
         const QString time = clickText(dataset.clickInfo, ClickKeys::kClickNumber, ClickKeys::kKyVoTime);
         for (const tagROIInfo& region : dataset.roiManager()->regions())
             m_rows.append({-1, dataset.getClickNumber(), dataset.getExcitationFilter(), dataset.getEmissionFilter(),
-                           time, region});
+                           time, scan ? dataset.getFLXspot() : QString(), scan ? dataset.getFLYspot() : QString(),
+                           region});
     }
 }
 
@@ -88,7 +90,7 @@ void RoiMeasurement::measureMaps(const CORVSequenceDataset& sequence, const QLis
         const CILImage map = maps.read(i);
         for (tagROIInfo region : regions) {
             region.statistics = measureROI(region, map, maps.unit(), pixelSize);
-            m_rows.append({result, maps.name(i), QString(), QString(), QString(), region});
+            m_rows.append({result, maps.name(i), QString(), QString(), QString(), QString(), QString(), region});
         }
     }
 }
@@ -108,11 +110,14 @@ TextTable RoiMeasurement::tableOf(int nResult) const
     };
     const bool timed = any([](const Row& row) { return !row.time.isEmpty(); });
     const bool filtered = !maps && !timed;
+    const bool scanned = any([](const Row& row) { return !row.spotX.isEmpty(); });
     const bool invalid = any([](const Row& row) { return row.region.statistics.invalidPixels > 0; });
     const bool sized = any([](const Row& row) { return std::isfinite(row.region.statistics.area); });
     QStringList header{maps ? QStringLiteral("map") : QStringLiteral("image")};
     if (filtered)
         header << QStringLiteral("excitation") << QStringLiteral("emission");
+    if (scanned)
+        header << QStringLiteral("spot");
     if (timed)
         header << QStringLiteral("time [s]");
     header << QStringLiteral("region") << QStringLiteral("pixels");
@@ -130,6 +135,8 @@ TextTable RoiMeasurement::tableOf(int nResult) const
         QStringList texts{row.image};
         if (filtered)
             texts << row.excitation << row.emission;
+        if (scanned)
+            texts << QStringLiteral("%1, %2").arg(row.spotX, row.spotY);
         if (timed)
             texts << row.time;
         texts << row.region.name << QString::number(statistics.pixels);
@@ -157,17 +164,19 @@ QString RoiMeasurement::toText() const
 QString RoiMeasurement::toCsv() const
 {
     TextTable table({QStringLiteral("source"), QStringLiteral("image"), QStringLiteral("excitation"),
-                     QStringLiteral("emission"), QStringLiteral("time_s"), QStringLiteral("region"),
-                     QStringLiteral("shape"), QStringLiteral("unit"), QStringLiteral("pixels"),
-                     QStringLiteral("invalid_pixels"), QStringLiteral("area_cm2"), QStringLiteral("sum"),
-                     QStringLiteral("mean"), QStringLiteral("minimum"), QStringLiteral("maximum"),
-                     QStringLiteral("standard_deviation")});
+                     QStringLiteral("emission"), QStringLiteral("spot_x"), QStringLiteral("spot_y"),
+                     QStringLiteral("time_s"), QStringLiteral("region"), QStringLiteral("shape"),
+                     QStringLiteral("unit"), QStringLiteral("pixels"), QStringLiteral("invalid_pixels"),
+                     QStringLiteral("area_cm2"), QStringLiteral("sum"), QStringLiteral("mean"),
+                     QStringLiteral("minimum"), QStringLiteral("maximum"), QStringLiteral("standard_deviation")});
     for (const Row& row : m_rows) {
         const tagROIStatistics& statistics = row.region.statistics;
         QStringList texts{sourceOf(row),
                           row.image,
                           row.excitation,
                           row.emission,
+                          row.spotX,
+                          row.spotY,
                           row.time,
                           row.region.name,
                           ROIShape::toText(row.region),
@@ -203,6 +212,8 @@ QJsonArray RoiMeasurement::toJson() const
             object.insert(QStringLiteral("excitation"), row.excitation);
         if (!row.emission.isEmpty())
             object.insert(QStringLiteral("emission"), row.emission);
+        if (!row.spotX.isEmpty())
+            object.insert(QStringLiteral("spot"), QStringLiteral("%1, %2").arg(row.spotX, row.spotY));
         if (!row.time.isEmpty())
             object.insert(QStringLiteral("time"), row.time);
         rows.append(object);

@@ -42,7 +42,9 @@ private:
         QString image;   // click number, or the name of the map
         QString excitation;
         QString emission;
-        QString time; // s, of a temporal sequence
+        QString time;  // s, of a temporal sequence
+        QString spotX; // of a scan
+        QString spotY;
         tagROIInfo region;
     };
     QString sourceOf(const Row& row) const;

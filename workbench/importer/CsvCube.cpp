@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "workbench/importer/CsvCube.h"
 
+#include "platform/orvutils/InputFile.h"
 #include "workbench/importer/CsvLine.h"
 
 #include <QDir>
 
 #include <algorithm>
-#include <cstring>
 #include <limits>
 #include <vector>
 
@@ -14,8 +14,10 @@ namespace {
 
 // A line of ten thousand images takes a fifth of this.
 constexpr qint64 maxLineBytes = 1024 * 1024;
-constexpr int bufferBytes = 1024 * 1024;
+// Floats of a block: long enough for its part of an image to be read at a stretch.
+constexpr qint64 blockFloats = 4 * 1024 * 1024;
 constexpr long maxSide = 32768;
+constexpr int maxImages = 10000;
 
 bool fail(QString* pError, const QString& path, qint64 line, const QString& reason)
 {
@@ -39,14 +41,14 @@ bool CsvCube::open(const QString& strPath, QString* pError)
     m_lHeight = 0;
     m_pending.clear();
     QFile file(strPath);
-    if (!file.open(QIODevice::ReadOnly)) {
-        return fail(pError, strPath, 0, file.errorString());
+    QString reason;
+    if (!orv::openInput(file, &reason)) {
+        return fail(pError, strPath, 0, reason);
     }
     m_pFloats = std::make_unique<QTemporaryFile>(QDir::tempPath() + QStringLiteral("/spum-XXXXXX.cube"));
     if (!m_pFloats->open()) {
         return fail(pError, m_pFloats->fileTemplate(), 0, m_pFloats->errorString());
     }
-    QString reason;
     if (!readHeader(file.readLine(maxLineBytes), &reason)) {
         return fail(pError, strPath, 1, reason);
     }
@@ -55,6 +57,14 @@ bool CsvCube::open(const QString& strPath, QString* pError)
 
 bool CsvCube::readHeader(const QByteArray& line, QString* pReason)
 {
+    if (line.size() >= maxLineBytes - 1 && !line.endsWith('\n')) {
+        *pReason = QStringLiteral("the line is longer than %1 bytes").arg(maxLineBytes);
+        return false;
+    }
+    if (line.trimmed().contains('\r')) {
+        *pReason = QStringLiteral("the lines end with carriage returns alone; save the file with LF or CR LF");
+        return false;
+    }
     QString text = QString::fromUtf8(line);
     if (text.startsWith(QChar(QChar::ByteOrderMark))) {
         text.remove(0, 1);
@@ -68,7 +78,12 @@ bool CsvCube::readHeader(const QByteArray& line, QString* pReason)
         *pReason = QStringLiteral("the first line is not \"x,y\" and a name an image: this is no cube");
         return false;
     }
+    if (fields.size() - 2 > maxImages) {
+        *pReason = QStringLiteral("%1 images are too many, %2 at most").arg(fields.size() - 2).arg(maxImages);
+        return false;
+    }
     m_names = fields.mid(2);
+    m_block = std::max<qint64>(1, blockFloats / bands());
     return true;
 }
 
@@ -104,7 +119,7 @@ bool CsvCube::readRow(const QByteArray& line, qint64 row, QString* pReason)
             *pReason = QStringLiteral("\"%1\" is not a number").arg(QString::fromUtf8(field.left(40)));
             return false;
         }
-        m_pending.append(reinterpret_cast<const char*>(&value), sizeof value);
+        m_pending.push_back(value);
     }
     return true;
 }
@@ -113,11 +128,6 @@ bool CsvCube::readRows(QFile& file, QString* pError)
 {
     qint64 row = 0;
     qint64 line = 1;
-    const auto flush = [&] {
-        const bool written = m_pFloats->write(m_pending) == m_pending.size() && m_pFloats->flush();
-        m_pending.clear();
-        return written || fail(pError, m_pFloats->fileName(), 0, m_pFloats->errorString());
-    };
     while (!file.atEnd()) {
         const QByteArray bytes = file.readLine(maxLineBytes);
         ++line;
@@ -133,7 +143,7 @@ bool CsvCube::readRows(QFile& file, QString* pError)
             return fail(pError, m_strPath, line, reason);
         }
         ++row;
-        if (m_pending.size() >= bufferBytes && !flush()) {
+        if (row % m_block == 0 && !flush(pError)) {
             return false;
         }
     }
@@ -150,7 +160,24 @@ bool CsvCube::readRows(QFile& file, QString* pError)
                     QStringLiteral("%1 x %2 pixels are too many").arg(m_lWidth).arg(row / m_lWidth));
     }
     m_lHeight = static_cast<long>(row / m_lWidth);
-    return flush();
+    return flush(pError);
+}
+
+// Writes the rows that wait, turned to images.
+bool CsvCube::flush(QString* pError)
+{
+    const auto images = static_cast<std::size_t>(bands());
+    const std::size_t rows = m_pending.size() / images;
+    std::vector<float> turned(m_pending.size());
+    for (std::size_t i = 0; i < rows; ++i) {
+        for (std::size_t k = 0; k < images; ++k) {
+            turned[k * rows + i] = m_pending[i * images + k];
+        }
+    }
+    m_pending.clear();
+    const auto bytes = static_cast<qint64>(turned.size() * sizeof(float));
+    return (m_pFloats->write(reinterpret_cast<const char*>(turned.data()), bytes) == bytes && m_pFloats->flush()) ||
+           fail(pError, m_pFloats->fileName(), 0, m_pFloats->errorString());
 }
 
 bool CsvCube::readBand(int nBand, CILImage& out, QString* pError) const
@@ -163,18 +190,14 @@ bool CsvCube::readBand(int nBand, CILImage& out, QString* pError) const
     if (out.InitWithType(ORVTYPE_FLOAT, m_lWidth, m_lHeight) != EIL_SUCCESS) {
         return fail(pError, m_strPath, 0, QStringLiteral("there is no memory for a band"));
     }
-    const auto stride = static_cast<std::size_t>(bands());
-    const std::size_t pixels = out.pixelCount();
-    const std::size_t block = std::max<std::size_t>(1, bufferBytes / (stride * sizeof(float)));
-    std::vector<float> floats(block * stride);
-    bool bRead = m_pFloats->seek(0);
-    for (std::size_t first = 0; first < pixels && bRead; first += block) {
-        const std::size_t count = std::min(block, pixels - first);
-        const auto bytes = static_cast<qint64>(count * stride * sizeof(float));
-        bRead = m_pFloats->read(reinterpret_cast<char*>(floats.data()), bytes) == bytes;
-        for (std::size_t i = 0; i < count && bRead; ++i) {
-            out.floats()[first + i] = floats[i * stride + static_cast<std::size_t>(nBand)];
-        }
+    constexpr auto size = static_cast<qint64>(sizeof(float));
+    const auto pixels = static_cast<qint64>(out.pixelCount());
+    bool bRead = true;
+    for (qint64 first = 0; first < pixels && bRead; first += m_block) {
+        const qint64 count = std::min(m_block, pixels - first);
+        char* target = reinterpret_cast<char*>(out.floats() + first);
+        bRead = m_pFloats->seek((first * bands() + nBand * count) * size) &&
+                m_pFloats->read(target, count * size) == count * size;
     }
     if (!bRead) {
         out.clear();

@@ -8,10 +8,11 @@
 #include <QTemporaryFile>
 
 #include <memory>
+#include <vector>
 
 // A cube in a CSV file: a row a pixel, first its column "x" and its row "y" (from 0, row by row), then a column an image,
-// which the first line names. The text is read once, into a temporary file of floats; images are read from there, one at a
-// time, so that memory holds no more than one.
+// which the first line names. The text is read once, into a temporary file of floats: blocks of rows, in each image
+// by image. Images are read from there, one at a time, so that memory holds no more than one and a block.
 class CsvCube
 {
 public:
@@ -33,6 +34,7 @@ public:
 private:
     bool readHeader(const QByteArray& line, QString* pReason);
     bool readRows(QFile& file, QString* pError);
+    bool flush(QString* pError);
     // Takes one row; false with a reason.
     bool readRow(const QByteArray& line, qint64 row, QString* pReason);
 
@@ -40,6 +42,7 @@ private:
     QStringList m_names;
     long m_lWidth = 0; // 0 until the second row of the image has begun
     long m_lHeight = 0;
-    QByteArray m_pending; // floats not yet written
+    std::vector<float> m_pending; // rows not yet written
+    qint64 m_block = 1;           // rows in each block of the temporary file; the last may have fewer
     std::unique_ptr<QTemporaryFile> m_pFloats;
 };

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "workbench/importer/EnviCube.h"
 
+#include "platform/orvutils/InputFile.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -134,8 +136,9 @@ bool EnviCube::open(const QString& strPath, QString* pError)
         m_strData = strPath;
     }
     QFile data(m_strData);
-    if (!data.open(QIODevice::ReadOnly)) {
-        return fail(pError, m_strData, data.errorString());
+    QString reason;
+    if (!orv::openInput(data, &reason)) {
+        return fail(pError, m_strData, reason);
     }
     if (data.size() < m_header.requiredBytes()) {
         return fail(pError, m_strData,
@@ -149,8 +152,9 @@ bool EnviCube::open(const QString& strPath, QString* pError)
 bool EnviCube::readHeader(const QString& strHeader, QString* pError)
 {
     QFile file(strHeader);
-    if (!file.open(QIODevice::ReadOnly)) {
-        return fail(pError, strHeader, file.errorString());
+    QString reason;
+    if (!orv::openInput(file, &reason)) {
+        return fail(pError, strHeader, reason);
     }
     const QByteArray text = file.read(maxHeaderBytes + 1);
     if (file.error() != QFileDevice::NoError) {
@@ -159,7 +163,6 @@ bool EnviCube::readHeader(const QString& strHeader, QString* pError)
     if (text.size() > maxHeaderBytes) {
         return fail(pError, strHeader, QStringLiteral("the file is too large for a header"));
     }
-    QString reason;
     return m_header.parse(text, &reason) || fail(pError, strHeader, reason);
 }
 

@@ -11,6 +11,8 @@ namespace {
 
 // Sides and bands beyond this are garbage; their products stay within 64 bits.
 constexpr long long maxSize = 1 << 24;
+constexpr long long maxBands = 1 << 16; // each is an image with a name
+constexpr int maxLines = 100000;
 constexpr qint64 maxCubeBytes = Q_INT64_C(1) << 62;
 
 struct Entry
@@ -29,7 +31,12 @@ bool fail(QString* pError, int line, const QString& reason)
 // The entries by key, in lower case with single blanks.
 bool readEntries(const QByteArray& text, Entries& entries, QString* pError)
 {
-    const QStringList lines = QString::fromUtf8(text).split(QLatin1Char('\n'));
+    QByteArray unixText = text;
+    unixText.replace("\r\n", "\n").replace('\r', '\n');
+    if (unixText.count('\n') > maxLines) {
+        return fail(pError, maxLines + 1, QStringLiteral("more than %1 lines").arg(maxLines));
+    }
+    const QStringList lines = QString::fromUtf8(unixText).split(QLatin1Char('\n'));
     QString magic = lines.first().trimmed();
     if (magic.startsWith(QChar(QChar::ByteOrderMark))) {
         magic.remove(0, 1);
@@ -153,6 +160,38 @@ QStringList readBandNames(const Entries& entries, int bands)
     return names.size() == bands && !(bands == 1 && names.first().isEmpty()) ? names : QStringList();
 }
 
+// One text a band; an entry that is alone holds for all.
+QStringList readTexts(const Entries& entries, const char* key, int bands)
+{
+    const QString value = entries.value(QLatin1String(key)).value;
+    QStringList texts = value.isEmpty() ? QStringList() : value.split(QLatin1Char(','));
+    if (texts.size() == 1) {
+        texts = QVector<QString>(bands, texts.first()).toList();
+    }
+    return texts.size() == bands ? texts : QStringList();
+}
+
+QVector<ImageFacts> readFacts(const Entries& entries, int bands)
+{
+    const QStringList exposures = readTexts(entries, "orvia exposure seconds", bands);
+    const QStringList starts = readTexts(entries, "orvia start", bands);
+    const QString size = entries.value(QStringLiteral("orvia pixel size micrometres")).value;
+    ImageFacts common;
+    common.pixelSize = ImageFacts::positive(size);
+    common.isotope = entries.value(QStringLiteral("orvia isotope")).value;
+    common.unit = ImageFacts::unitName(entries.value(QStringLiteral("orvia unit")).value);
+    if (exposures.isEmpty() && starts.isEmpty() && !common.pixelSize && common.isotope.isEmpty() &&
+        common.unit.isEmpty()) {
+        return {};
+    }
+    QVector<ImageFacts> facts(bands, common);
+    for (int band = 0; band < bands; ++band) {
+        facts[band].exposure = ImageFacts::positive(exposures.value(band));
+        facts[band].start = ImageFacts::instant(starts.value(band));
+    }
+    return facts;
+}
+
 // What would make the plain reading of the pixels wrong.
 bool refuseUnsupported(const Entries& entries, QString* pError)
 {
@@ -235,7 +274,7 @@ bool EnviHeader::parse(const QByteArray& text, QString* pError)
     if (!readEntries(text, entries, pError) || !refuseUnsupported(entries, pError) ||
         !readInteger(entries, "samples", true, 1, maxSize, &samples, pError) ||
         !readInteger(entries, "lines", true, 1, maxSize, &lines, pError) ||
-        !readInteger(entries, "bands", true, 1, maxSize, &bandCount, pError) ||
+        !readInteger(entries, "bands", true, 1, maxBands, &bandCount, pError) ||
         !readInteger(entries, "data type", true, 0, std::numeric_limits<int>::max(), &type, pError) ||
         !readInteger(entries, "byte order", false, 0, 1, &order, pError) ||
         !readInteger(entries, "header offset", false, 0, maxCubeBytes, &offset, pError) ||
@@ -262,6 +301,7 @@ bool EnviHeader::parse(const QByteArray& text, QString* pError)
     read.headerOffset = offset;
     read.dataFile = entries.value(QStringLiteral("data file")).value;
     read.bandNames = readBandNames(entries, read.bands);
+    read.facts = readFacts(entries, read.bands);
     if (!readWavelengths(entries, read.bands, &read.wavelengths, pError)) {
         return false;
     }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "host/orv_types.h"
+#include "workbench/importer/ImageFacts.h"
 
 #include <QByteArray>
 #include <QString>
@@ -28,6 +29,7 @@ struct EnviHeader
     qint64 headerOffset = 0;     // bytes ahead of the pixels in the data file
     QVector<double> wavelengths; // of the bands, in nm; empty without
     QStringList bandNames;       // one each; empty without
+    QVector<ImageFacts> facts;   // of the bands, as an export of this program notes them; empty without
     QString dataFile;            // as the header has it; usually empty
 
     int bytesPerPixel() const;

@@ -13,9 +13,12 @@ struct Figure
         Time,       // s
         TimeNumber, // a time without a unit: seconds, or the number of a frame
         Frame,      // the number of a frame
-        Interval
+        Interval,
+        SpotX, // coordinates of a scan spot, in a unit that the instrument knows
+        SpotY
     };
     Kind kind = Frame;
     double value = 0.0;
-    QString origin; // for people: "name: ex640", "OME channel 2"
+    QString origin;           // for people: "name: ex640", "OME channel 2"
+    QString text = QString(); // of a coordinate: the number as it was written
 };

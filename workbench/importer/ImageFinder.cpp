@@ -121,7 +121,10 @@ bool ImageFinder::findInFolder(const QString& strFolder, const Progress& progres
     }
     QStringList others;
     for (const QString& name : entries) {
-        if (!used.contains(name)) {
+        if (name.compare(QLatin1String("images.csv"), Qt::CaseInsensitive) == 0) {
+            m_warnings.append(
+                QStringLiteral("%1 lies in the folder and is not used; --images takes such a table").arg(name));
+        } else if (!used.contains(name)) {
             others.append(name);
         }
     }
@@ -188,6 +191,7 @@ bool ImageFinder::addTiff(const QString& strPath, QString* pError)
     const int pages = texts.pages.size();
     const QString description = texts.pages.first().description;
     QVector<QVector<Figure>> metadata(pages);
+    QVector<ImageFacts> facts(pages);
     const bool bOme = OmeMetadata::isOme(description);
     const bool bImageJ = ImageJMetadata::isImageJ(description);
     if (bOme) {
@@ -195,6 +199,7 @@ bool ImageFinder::addTiff(const QString& strPath, QString* pError)
         QString reason;
         if (ome.parse(description, file, pages, &reason)) {
             metadata = ome.pages();
+            facts = ome.facts();
             for (const QString& doubt : ome.doubts()) {
                 m_doubts.append(QStringLiteral("%1: %2").arg(file, doubt));
             }
@@ -225,6 +230,7 @@ bool ImageFinder::addTiff(const QString& strPath, QString* pError)
                 image.name += QStringLiteral(" band %1").arg(sample + 1);
             }
             image.figures = metadata.at(page);
+            image.facts = facts.at(page);
             addNamed(image, texts.pages.at(page).pageName, QStringLiteral("page name"), false);
             const QString text = texts.pages.at(page).description;
             if (!(page == 0 && (bOme || bImageJ)) && text.size() <= maxNameLength) {
@@ -256,6 +262,7 @@ bool ImageFinder::addEnvi(const QString& strPath, QString* pError)
             image.band = band + 1;
             image.name += QStringLiteral(" band %1").arg(band + 1);
         }
+        image.facts = header.facts.value(band);
         if (!header.wavelengths.isEmpty()) {
             image.figures.append({Figure::Emission, header.wavelengths.at(band), QStringLiteral("ENVI wavelength")});
         }

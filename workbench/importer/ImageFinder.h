@@ -2,6 +2,7 @@
 #pragma once
 
 #include "workbench/importer/Figure.h"
+#include "workbench/importer/ImageFacts.h"
 
 #include <QString>
 #include <QStringList>
@@ -18,6 +19,7 @@ struct FoundImage
     std::optional<int> band; // from 1
     QString name;            // for people
     QVector<Figure> figures;
+    ImageFacts facts;
 };
 
 // Lists the images of a stack without a table, in their order: files by name with numbers by value, then pages, then bands.

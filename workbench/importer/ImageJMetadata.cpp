@@ -11,10 +11,14 @@ namespace {
 
 using Entries = QHash<QString, QString>;
 
+// The keys that count come first; what follows is notes of any length.
+constexpr int maxHeadLength = 65536;
+
 Entries entriesOf(const QString& description)
 {
     Entries entries;
-    const QStringList lines = description.split(QLatin1Char('\n'));
+    const QStringList lines =
+        description.left(maxHeadLength).replace(QLatin1Char('\r'), QLatin1Char('\n')).split(QLatin1Char('\n'));
     for (const QString& line : lines) {
         const int at = line.indexOf(QLatin1Char('='));
         if (at > 0) {

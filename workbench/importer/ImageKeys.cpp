@@ -47,26 +47,36 @@ bool ImageKeys::make(const ImagesTable& table, const ImageStack& stack, QString*
         bEmissions = bEmissions || row.emission.has_value();
         temporal = temporal || row.time.has_value();
         fluorescence = fluorescence || row.excitation.has_value();
+        transillumination = transillumination || !row.spotX.isEmpty() || !row.spotY.isEmpty();
     }
     for (int i = 0; i < table.rows().size(); ++i) {
         const ImageRow& row = table.rows().at(i);
         QString reason;
         const std::optional<double> emission = row.emission ? row.emission : stack.wavelength(i);
+        if (transillumination && !checkSpot(row, &reason)) {
+            *pError = QStringLiteral("%1: %2: %3").arg(table.place(row), stack.name(i), reason);
+            return false;
+        }
         if (!(temporal ? addTemporal(row, &reason) : addSpectral(row, emission, bEmissions, &reason))) {
             *pError = QStringLiteral("%1: %2: %3").arg(table.place(row), stack.name(i), reason);
             return false;
         }
     }
-    fluorescence = fluorescence && !temporal;
     return refuseDuplicates(table, stack, pError);
+}
+
+bool ImageKeys::checkSpot(const ImageRow& row, QString* pReason) const
+{
+    if (temporal || !fluorescence) {
+        *pReason = QStringLiteral("a scan spot is given without an excitation");
+    } else if (row.spotX.isEmpty() || row.spotY.isEmpty()) {
+        *pReason = QStringLiteral("the scan spot is missing, which other rows have");
+    }
+    return pReason->isEmpty();
 }
 
 bool ImageKeys::addTemporal(const ImageRow& row, QString* pReason)
 {
-    if (row.excitation || row.emission) {
-        *pReason = QStringLiteral("a wavelength is given in a table of times");
-        return false;
-    }
     if (!row.time) {
         *pReason = QStringLiteral("the time is missing, which other rows have");
         return false;
@@ -78,6 +88,16 @@ bool ImageKeys::addTemporal(const ImageRow& row, QString* pReason)
     ImageKey key;
     key.interval = QString::number(row.interval.value_or(1));
     key.time = shortest(*row.time);
+    if ((row.excitation && !filterText("excitation", *row.excitation, key.excitation, pReason)) ||
+        (row.emission && !filterText("emission", *row.emission, key.emission, pReason))) {
+        return false;
+    }
+    if (!images.isEmpty() && (key.excitation != images.first().excitation || key.emission != images.first().emission)) {
+        *pReason =
+            QStringLiteral("the wavelengths are not those of the first row, and a sequence is either spectral or "
+                           "temporal");
+        return false;
+    }
     images.append(key);
     return true;
 }
@@ -103,6 +123,8 @@ bool ImageKeys::addSpectral(const ImageRow& row, std::optional<double> emission,
     ImageKey key;
     key.excitation = QStringLiteral("Block");
     key.emission = QStringLiteral("Open");
+    key.spotX = row.spotX;
+    key.spotY = row.spotY;
     if ((row.excitation && !filterText("excitation", *row.excitation, key.excitation, pReason)) ||
         (emission && !filterText("emission", *emission, key.emission, pReason))) {
         return false;
@@ -116,9 +138,9 @@ bool ImageKeys::refuseDuplicates(const ImagesTable& table, const ImageStack& sta
     QHash<QString, int> first;
     for (int i = 0; i < images.size(); ++i) {
         const ImageKey& key = images.at(i);
-        const QString text = temporal
-                                 ? QStringLiteral("second %1").arg(wholeSecond(key.time))
-                                 : QStringLiteral("excitation %1 and emission %2").arg(key.excitation, key.emission);
+        QString text = temporal ? QStringLiteral("second %1").arg(wholeSecond(key.time))
+                                : QStringLiteral("excitation %1 and emission %2").arg(key.excitation, key.emission);
+        text += transillumination ? QStringLiteral(" at the spot %1, %2").arg(key.spotX, key.spotY) : QString();
         if (first.contains(text)) {
             const int other = first.value(text);
             *pError = QStringLiteral("%1: %2 shares %3 with %4 (line %5)")

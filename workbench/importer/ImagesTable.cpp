@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "workbench/importer/ImagesTable.h"
 
+#include "platform/orvutils/InputFile.h"
 #include "workbench/importer/CsvLine.h"
 
 #include <QFile>
@@ -13,6 +14,8 @@ namespace {
 
 // Ten thousand images with long names need a tenth of this.
 constexpr qint64 maxTableBytes = 16 * 1024 * 1024;
+constexpr int maxImages = 100000;
+constexpr int maxColumns = 1000;
 
 enum Column
 {
@@ -23,10 +26,18 @@ enum Column
     ColumnEmission,
     ColumnInterval,
     ColumnTime,
+    ColumnSpotX,
+    ColumnSpotY,
+    ColumnExposure,
+    ColumnPixelSize,
+    ColumnStart,
+    ColumnIsotope,
+    ColumnUnit,
     ColumnCount
 };
-constexpr std::array<const char*, ColumnCount> columnNames{"file",     "page",     "band", "excitation",
-                                                           "emission", "interval", "time"};
+constexpr std::array<const char*, ColumnCount> columnNames{"file",       "page",  "band",    "excitation", "emission",
+                                                           "interval",   "time",  "spot_x",  "spot_y",     "exposure",
+                                                           "pixel_size", "start", "isotope", "unit"};
 
 // Position of each column among the fields, -1 without.
 using Columns = std::array<int, ColumnCount>;
@@ -99,6 +110,55 @@ bool readCount(const QString& field, Column column, const char* prefix, std::opt
     return true;
 }
 
+bool readPositive(const QString& field, Column column, const char* unit, std::optional<double>& value, QString& error)
+{
+    if (!readNumber(field, column, unit, value, error)) {
+        return false;
+    }
+    if (value && *value <= 0.0) {
+        error = QStringLiteral("the %1 \"%2\" is not above 0").arg(QLatin1String(columnNames[column]), field);
+        return false;
+    }
+    return true;
+}
+
+// A coordinate stays as it is written, since spots are told apart by it.
+bool readCoordinate(const QString& field, Column column, QString& value, QString& error)
+{
+    std::optional<double> number;
+    value = field;
+    return readNumber(field, column, "", number, error);
+}
+
+// A text that `reader` must understand.
+bool readText(const QString& field, Column column, QString (*reader)(const QString&), const char* wanted,
+              QString& value, QString& error)
+{
+    value = reader(field);
+    if (value.isEmpty() && !field.isEmpty()) {
+        error = QStringLiteral("the %1 \"%2\" is not %3")
+                    .arg(QLatin1String(columnNames[column]), field, QLatin1String(wanted));
+    }
+    return error.isEmpty();
+}
+
+bool readFacts(const QStringList& fields, const Columns& columns, ImageFacts& facts, QString& error)
+{
+    const auto field = [&](Column column) {
+        const int at = columns[static_cast<std::size_t>(column)];
+        return at < 0 ? QString() : fields.value(at);
+    };
+    facts.isotope = field(ColumnIsotope);
+    const QString unit = field(ColumnUnit);
+    return readPositive(field(ColumnExposure), ColumnExposure, "s", facts.exposure, error) &&
+           readPositive(field(ColumnPixelSize), ColumnPixelSize, "um", facts.pixelSize, error) &&
+           readText(field(ColumnStart), ColumnStart, ImageFacts::instant, "an instant such as 2024-03-05T09:30:00",
+                    facts.start, error) &&
+           (unit.compare(QLatin1String("counts"), Qt::CaseInsensitive) == 0 ||
+            readText(unit, ColumnUnit, ImageFacts::unitName, "Counts, Radiance, Radiant Efficiency or Efficiency",
+                     facts.unit, error));
+}
+
 bool readRow(const QStringList& fields, const Columns& columns, ImageRow& row, QString& error)
 {
     const auto field = [&](Column column) {
@@ -111,20 +171,27 @@ bool readRow(const QStringList& fields, const Columns& columns, ImageRow& row, Q
            readNumber(field(ColumnExcitation), ColumnExcitation, "nm", row.excitation, error) &&
            readNumber(field(ColumnEmission), ColumnEmission, "nm", row.emission, error) &&
            readCount(field(ColumnInterval), ColumnInterval, "Int", row.interval, error) &&
-           readNumber(field(ColumnTime), ColumnTime, "s", row.time, error);
+           readNumber(field(ColumnTime), ColumnTime, "s", row.time, error) &&
+           readCoordinate(field(ColumnSpotX), ColumnSpotX, row.spotX, error) &&
+           readCoordinate(field(ColumnSpotY), ColumnSpotY, row.spotY, error) &&
+           readFacts(fields, columns, row.facts, error);
 }
 
 // Which byte is no UTF-8 is told by its line.
 int firstLineThatIsNotText(const QByteArray& text, QTextCodec* codec)
 {
     int line = 0;
-    for (const QByteArray& bytes : text.split('\n')) {
+    for (int from = 0; from <= text.size();) {
         ++line;
+        int end = text.indexOf('\n', from);
+        end = end < 0 ? text.size() : end;
+        const QByteArray bytes = QByteArray::fromRawData(text.constData() + from, end - from);
         QTextCodec::ConverterState state;
         codec->toUnicode(bytes.constData(), bytes.size(), &state);
         if (state.invalidChars > 0 || state.remainingChars > 0 || bytes.contains('\0')) {
             return line;
         }
+        from = end + 1;
     }
     return 0;
 }
@@ -137,8 +204,9 @@ bool ImagesTable::load(const QString& strPath, QString* pError)
     m_warnings.clear();
     m_strName = strPath;
     QFile file(strPath);
-    if (!file.open(QIODevice::ReadOnly)) {
-        *pError = QStringLiteral("%1: %2").arg(strPath, file.errorString());
+    QString reason;
+    if (!orv::openInput(file, &reason)) {
+        *pError = QStringLiteral("%1: %2").arg(strPath, reason);
         return false;
     }
     const QByteArray text = file.read(maxTableBytes + 1);
@@ -159,11 +227,17 @@ bool ImagesTable::parse(const QByteArray& text, const QString& strName, QString*
     m_warnings.clear();
     m_strName = strName;
     QTextCodec* codec = QTextCodec::codecForName("UTF-8");
-    if (const int line = firstLineThatIsNotText(text, codec)) {
+    QByteArray unixText = text;
+    unixText.replace("\r\n", "\n").replace('\r', '\n');
+    if (unixText.count('\n') > maxImages) {
+        *pError = QStringLiteral("%1:%2: more than %3 images").arg(strName).arg(maxImages + 1).arg(maxImages);
+        return false;
+    }
+    if (const int line = firstLineThatIsNotText(unixText, codec)) {
         *pError = QStringLiteral("%1:%2: the text is not UTF-8").arg(strName).arg(line);
         return false;
     }
-    QString all = QString::fromUtf8(text);
+    QString all = QString::fromUtf8(unixText);
     if (all.startsWith(QChar(QChar::ByteOrderMark))) {
         all.remove(0, 1);
     }
@@ -192,6 +266,9 @@ bool ImagesTable::parseLines(const QStringList& lines, QString* pError)
         if (!bHeaderSeen) {
             const bool bSemicolons = line.contains(QLatin1Char(';')) && !line.contains(QLatin1Char(','));
             separator = bSemicolons ? QLatin1Char(';') : QLatin1Char(',');
+            if (line.count(separator) >= maxColumns) {
+                return fail(QStringLiteral("more than %1 columns").arg(maxColumns));
+            }
         }
         QStringList fields;
         QString reason;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "workbench/importer/ImageFacts.h"
+
 #include <QByteArray>
 #include <QString>
 #include <QStringList>
@@ -19,10 +21,13 @@ struct ImageRow
     std::optional<double> emission;   // nm
     std::optional<double> time;       // s
     std::optional<int> interval;
+    QString spotX; // a number as it was written; empty without
+    QString spotY;
+    ImageFacts facts;
 };
 
 // The table "images.csv". Its first line names the columns, in any order and case: file, page, band, excitation, emission,
-// interval, time; "origin" says nothing to the program, other columns are passed over with a warning. Fields are separated by commas, or by semicolons when the
+// interval, time, spot_x, spot_y, exposure, pixel_size, start, isotope, unit; "origin" says nothing to the program, other columns are passed over with a warning. Fields are separated by commas, or by semicolons when the
 // first line has those and no comma. Text is UTF-8, with or without a byte order mark, and lines end in either way; empty
 // ones are skipped. Wavelengths may have "nm" behind them, times "s"; numbers have a decimal point.
 class ImagesTable

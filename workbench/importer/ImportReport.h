@@ -14,6 +14,8 @@ struct ImportReport
     long side = 0; // of the square that was written
     bool temporal = false;
     bool fluorescence = false;
+    bool transillumination = false;
+    QString unit;             // of the pixels; empty for counts
     QString photographOrigin; // "mean image", or the name of the photograph's file
     bool dark = false;        // corrections that were made
     bool flat = false;

@@ -30,6 +30,11 @@ const char* const sourceKey = "Source Image";
 const char* const tableName = "images.csv";
 constexpr double micrometresPerCentimetre = 1e4;
 
+QString shortest(double value)
+{
+    return QString::number(value, 'g', QLocale::FloatingPointShortest);
+}
+
 // One import from the table to the finished folder.
 class Import
 {
@@ -59,6 +64,7 @@ private:
     bool readSquare(int i, CILImage& image, QString* pError);
     SequenceDescription describeSequence() const;
     DatasetDescription describeDataset(int i) const;
+    ImageFacts factsOf(int i) const;
     QString clickNumber(int i) const;
 
     const ImportOptions& m_options;
@@ -84,6 +90,19 @@ bool Import::readTable(QString* pError)
     if (!bTable || !m_stack.open(m_options.source, m_table, pError) || !m_keys.make(m_table, m_stack, pError)) {
         return false;
     }
+    for (const ImageRow& row : m_table.rows()) {
+        if (row.facts.unit != m_table.rows().first().facts.unit) {
+            *pError = QStringLiteral("%1: the unit is not that of line %2")
+                          .arg(m_table.place(row))
+                          .arg(m_table.rows().first().line);
+            return false;
+        }
+    }
+    if (!m_keys.fluorescence && m_table.rows().first().facts.unit == QLatin1String("Radiant Efficiency")) {
+        *pError = QStringLiteral("%1: the unit Radiant Efficiency is one of fluorescence, and there is no excitation")
+                      .arg(m_table.place(m_table.rows().first()));
+        return false;
+    }
     const long side = std::max(m_stack.width(), m_stack.height());
     if (side > maxSide) {
         *pError = QStringLiteral("%1: images of %2 x %3 pixels are too large (at most %4 along a side)")
@@ -105,6 +124,8 @@ bool Import::readTable(QString* pError)
     m_report.side = side;
     m_report.temporal = m_keys.temporal;
     m_report.fluorescence = m_keys.fluorescence;
+    m_report.transillumination = m_keys.transillumination;
+    m_report.unit = m_table.rows().first().facts.unit;
     m_report.warnings = m_table.warnings() + m_stack.warnings();
     return true;
 }
@@ -257,6 +278,7 @@ SequenceDescription Import::describeSequence() const
     description.name = m_strId;
     description.temporal = m_keys.temporal;
     description.fluorescence = m_keys.fluorescence;
+    description.transillumination = m_keys.transillumination;
     if (m_options.photo.isEmpty()) {
         description.photographOrigin = QString::fromLatin1(meanImageOrigin);
     }
@@ -268,6 +290,19 @@ QString Import::clickNumber(int i) const
     return QStringLiteral("IM%1-%2").arg(i + 1, 4, 10, QLatin1Char('0')).arg(m_strMark);
 }
 
+// What is known of an image; the options go before the table.
+ImageFacts Import::factsOf(int i) const
+{
+    ImageFacts facts = m_table.rows().at(i).facts;
+    if (!m_options.exposures.isEmpty()) {
+        facts.exposure = m_options.exposures.value(m_options.exposures.size() > 1 ? i : 0);
+    }
+    if (m_options.pixelSize > 0.0) {
+        facts.pixelSize = m_options.pixelSize;
+    }
+    return facts;
+}
+
 DatasetDescription Import::describeDataset(int i) const
 {
     const auto text = [](const char* key) { return QString::fromLatin1(key); };
@@ -277,9 +312,16 @@ DatasetDescription Import::describeDataset(int i) const
     if (m_keys.temporal) {
         click.setValue(text(ClickKeys::kKyVoTime), key.time);
         click.setValue(text(ClickKeys::kKyVoInterval), key.interval);
-    } else {
+    }
+    if (!key.excitation.isEmpty()) {
         image.setValue(text(ClickKeys::kExcitationFilter), key.excitation);
+    }
+    if (!key.emission.isEmpty()) {
         image.setValue(text(ClickKeys::kEmissionFilter), key.emission);
+    }
+    if (m_keys.transillumination) {
+        image.setValue(text(ClickKeys::kFLXSpot), key.spotX);
+        image.setValue(text(ClickKeys::kFLYSpot), key.spotY);
     }
     image.setValue(text(ClickKeys::kBinning), 1);
     image.setValue(text(ClickKeys::kImageExtent), QStringLiteral("%1 x %2").arg(m_stack.width()).arg(m_stack.height()));
@@ -289,19 +331,28 @@ DatasetDescription Import::describeDataset(int i) const
     if (m_correction.hasFlat()) {
         image.setValue(text(ClickKeys::kFlatFieldCorrected), 1);
     }
-    if (!m_options.exposures.isEmpty()) {
-        const double seconds = m_options.exposures.value(m_options.exposures.size() > 1 ? i : 0);
-        image.setValue(text(ClickKeys::kExposureTime), QString::number(seconds, 'g', QLocale::FloatingPointShortest));
+    const ImageFacts facts = factsOf(i);
+    if (facts.exposure) {
+        image.setValue(text(ClickKeys::kExposureTime), shortest(*facts.exposure));
+    }
+    if (!facts.start.isEmpty()) {
+        image.setValue(text(ClickKeys::kAcquisitionDate), facts.start.section(QLatin1Char('T'), 0, 0));
+        image.setValue(text(ClickKeys::kAcquisitionTime), facts.start.section(QLatin1Char('T'), 1, 1));
+    }
+    if (!facts.isotope.isEmpty()) {
+        image.setValue(text(ClickKeys::kIsotope), facts.isotope);
+    }
+    if (!facts.unit.isEmpty()) {
+        image.setValue(text(ClickKeys::kStoredUnit), facts.unit);
     }
     image.setValue(text(sourceKey), m_stack.name(i).simplified());
     DatasetDescription dataset;
     dataset.clickNumber = clickNumber(i);
     dataset.info.addSection(&click);
     dataset.info.addSection(&image);
-    if (m_options.pixelSize > 0.0) {
+    if (facts.pixelSize) {
         CPLSection camera(text(ClickKeys::kCameraSystemInfo));
-        camera.setValue(text(ClickKeys::kPixelSize), QString::number(m_options.pixelSize / micrometresPerCentimetre,
-                                                                     'g', QLocale::FloatingPointShortest));
+        camera.setValue(text(ClickKeys::kPixelSize), shortest(*facts.pixelSize / micrometresPerCentimetre));
         dataset.info.addSection(&camera);
     }
     return dataset;

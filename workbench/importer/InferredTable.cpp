@@ -88,6 +88,13 @@ void addOrigin(InferredTable::Row& row, const Figure& figure)
     row.origin = parts.join(QStringLiteral("; "));
 }
 
+// A column of the table as text.
+struct Column
+{
+    QString name;
+    std::function<QString(const InferredTable::Row&)> text;
+};
+
 // Whether the values, in ascending order, go up by one each time.
 bool countsUp(std::vector<double> values)
 {
@@ -110,9 +117,29 @@ InferredTable::InferredTable(const QVector<FoundImage>& images, const QStringLis
     choose();
     refuseMissing();
     refuseDuplicates();
+    noteFacts();
     if (m_bTemporal) {
         std::stable_sort(m_rows.begin(), m_rows.end(),
                          [](const Row& a, const Row& b) { return a.time.value_or(0.0) < b.time.value_or(0.0); });
+    }
+}
+
+// What is recorded beside the table that is shown.
+void InferredTable::noteFacts()
+{
+    QStringList known;
+    const auto add = [&](const char* what, const std::function<bool(const Row&)>& has) {
+        if (std::any_of(m_rows.cbegin(), m_rows.cend(), has)) {
+            known.append(QLatin1String(what));
+        }
+    };
+    add("exposures", [](const Row& row) { return row.facts.exposure.has_value(); });
+    add("the size of a pixel", [](const Row& row) { return row.facts.pixelSize.has_value(); });
+    add("the starts of the exposures", [](const Row& row) { return !row.facts.start.isEmpty(); });
+    add("the isotope", [](const Row& row) { return !row.facts.isotope.isEmpty(); });
+    add("the unit", [](const Row& row) { return !row.facts.unit.isEmpty(); });
+    if (!known.isEmpty()) {
+        m_notes.append(QStringLiteral("the metadata also tell: %1").arg(known.join(QStringLiteral(", "))));
     }
 }
 
@@ -148,6 +175,8 @@ void InferredTable::takeFigures(const QVector<FoundImage>& images, std::optional
         if (block && block->value >= 1.0) {
             row.interval = static_cast<int>(block->value);
         }
+        takeSpot(image, row);
+        row.facts = image.facts;
         doubt(first);
         doubt(second);
         doubt(third);
@@ -157,6 +186,19 @@ void InferredTable::takeFigures(const QVector<FoundImage>& images, std::optional
         m_rows.append(row);
     }
     takeTimes(images, interval);
+}
+
+void InferredTable::takeSpot(const FoundImage& image, Row& row)
+{
+    QString sentence;
+    const auto x = oneOf(image, Figure::SpotX, "scan spot's x", &sentence);
+    const auto y = sentence.isEmpty() ? oneOf(image, Figure::SpotY, "scan spot's y", &sentence) : std::nullopt;
+    doubt(sentence);
+    if (x && y) {
+        row.spotX = x->text;
+        row.spotY = y->text;
+        addOrigin(row, *x);
+    }
 }
 
 void InferredTable::takeTimes(const QVector<FoundImage>& images, std::optional<double> interval)
@@ -212,7 +254,8 @@ void InferredTable::choose()
     for (const Row& row : m_rows) {
         wavelengths += row.excitation || row.emission ? 1 : 0;
         times += row.time ? 1 : 0;
-        pairs.insert(cell(row.excitation) + QLatin1Char('/') + cell(row.emission));
+        pairs.insert(
+            QStringList{cell(row.excitation), cell(row.emission), row.spotX, row.spotY}.join(QLatin1Char('/')));
     }
     const bool bApart = pairs.size() == m_rows.size();
     m_bSpectral = wavelengths > 0 && (bApart || times == 0 || pairs.size() > 1);
@@ -253,6 +296,10 @@ void InferredTable::refuseMissing()
         if (std::any_of(m_rows.cbegin(), m_rows.cend(), emitting)) {
             lacking(emitting, "emission");
         }
+        const auto scanned = [](const Row& row) { return !row.spotX.isEmpty(); };
+        if (std::any_of(m_rows.cbegin(), m_rows.cend(), scanned)) {
+            lacking(scanned, "scan spot");
+        }
     }
 }
 
@@ -272,6 +319,9 @@ void InferredTable::refuseDuplicates()
             }
             if (row.emission) {
                 parts.append(QStringLiteral("emission %1 nm").arg(std::round(*row.emission)));
+            }
+            if (!row.spotX.isEmpty()) {
+                parts.append(QStringLiteral("the spot %1, %2").arg(row.spotX, row.spotY));
             }
             key = parts.join(QStringLiteral(" and "));
         } else {
@@ -298,7 +348,7 @@ void InferredTable::refuseDuplicates()
             m_notes.append(QStringLiteral("the images' times are not used: wavelengths tell them apart"));
         }
     } else if (m_bTemporal && (m_rows.first().excitation || m_rows.first().emission)) {
-        m_notes.append(QStringLiteral("the images' wavelengths are not used: they are the same in all"));
+        m_notes.append(QStringLiteral("the images' times tell them apart: their wavelengths are the same in all"));
     }
 }
 
@@ -307,32 +357,55 @@ QByteArray InferredTable::toCsv() const
     const auto any = [this](const std::function<bool(const Row&)>& has) {
         return std::any_of(m_rows.cbegin(), m_rows.cend(), has);
     };
-    const bool bPages = any([](const Row& row) { return row.page.has_value(); });
-    const bool bBands = any([](const Row& row) { return row.band.has_value(); });
     const bool bTimes = any([](const Row& row) { return row.time.has_value(); });
+    const bool bWavelengths = m_bSpectral || any([](const Row& row) { return row.excitation || row.emission; });
     // A template offers what could be meant.
     const bool bOpen = !m_doubts.isEmpty() && (bTimes == m_bSpectral || (!m_bSpectral && !m_bTemporal));
-    const bool bSpectralColumns = m_bSpectral || bOpen;
-    const bool bTimeColumns = m_bTemporal || bOpen;
-    const bool bIntervals = bTimeColumns && any([](const Row& row) { return row.interval.has_value(); });
-    QStringList lines;
-    const auto add = [&](const QString& file, const QString& page, const QString& band, const QStringList& spectral,
-                         const QString& interval, const QString& time, const QString& origin) {
-        QStringList fields{csvField(file)};
-        fields += bPages ? QStringList(page) : QStringList();
-        fields += bBands ? QStringList(band) : QStringList();
-        fields += bSpectralColumns ? spectral : QStringList();
-        fields += bIntervals ? QStringList(interval) : QStringList();
-        fields += bTimeColumns ? QStringList(time) : QStringList();
-        fields.append(csvField(origin));
-        lines.append(fields.join(QLatin1Char(',')));
+    QVector<Column> columns;
+    const auto add = [&columns](const char* name, const std::function<QString(const Row&)>& text, bool bWanted) {
+        if (bWanted) {
+            columns.append({QLatin1String(name), text});
+        }
     };
-    add(QStringLiteral("file"), QStringLiteral("page"), QStringLiteral("band"),
-        {QStringLiteral("excitation"), QStringLiteral("emission")}, QStringLiteral("interval"), QStringLiteral("time"),
-        QStringLiteral("origin"));
+    // A column that stands when any row has something to say there.
+    const auto addKnown = [&](const char* name, const std::function<QString(const Row&)>& text, bool bWanted = true) {
+        add(name, text, bWanted && any([&text](const Row& row) { return !text(row).isEmpty(); }));
+    };
+    add(
+        "file", [](const Row& row) { return csvField(row.file); }, true);
+    addKnown("page", [](const Row& row) { return cell(row.page); });
+    addKnown("band", [](const Row& row) { return cell(row.band); });
+    add(
+        "excitation", [](const Row& row) { return cell(row.excitation); }, bWavelengths || bOpen);
+    add(
+        "emission", [](const Row& row) { return cell(row.emission); }, bWavelengths || bOpen);
+    addKnown(
+        "spot_x", [](const Row& row) { return row.spotX; }, m_bSpectral);
+    addKnown(
+        "spot_y", [](const Row& row) { return row.spotY; }, m_bSpectral);
+    addKnown(
+        "interval", [](const Row& row) { return cell(row.interval); }, m_bTemporal || bOpen);
+    add(
+        "time", [](const Row& row) { return cell(row.time); }, m_bTemporal || bOpen);
+    addKnown("exposure", [](const Row& row) { return cell(row.facts.exposure); });
+    addKnown("pixel_size", [](const Row& row) { return cell(row.facts.pixelSize); });
+    addKnown("start", [](const Row& row) { return row.facts.start; });
+    addKnown("isotope", [](const Row& row) { return csvField(row.facts.isotope); });
+    addKnown("unit", [](const Row& row) { return row.facts.unit; });
+    add(
+        "origin", [](const Row& row) { return csvField(row.origin); }, true);
+
+    QStringList names;
+    for (const Column& column : columns) {
+        names.append(column.name);
+    }
+    QStringList lines{names.join(QLatin1Char(','))};
     for (const Row& row : m_rows) {
-        add(row.file, cell(row.page), cell(row.band), {cell(row.excitation), cell(row.emission)}, cell(row.interval),
-            cell(row.time), row.origin);
+        QStringList fields;
+        for (const Column& column : columns) {
+            fields.append(column.text(row));
+        }
+        lines.append(fields.join(QLatin1Char(',')));
     }
     return (lines.join(QLatin1Char('\n')) + QLatin1Char('\n')).toUtf8();
 }

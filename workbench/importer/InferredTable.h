@@ -25,6 +25,9 @@ public:
         std::optional<double> emission;   // nm
         std::optional<double> time;       // s
         std::optional<int> interval;
+        QString spotX; // of a scan, as it was written; empty without
+        QString spotY;
+        ImageFacts facts;
         QString origin; // where the figures come from
     };
 
@@ -47,7 +50,9 @@ public:
 
 private:
     void takeFigures(const QVector<FoundImage>& images, std::optional<double> interval);
+    void takeSpot(const FoundImage& image, Row& row);
     void takeTimes(const QVector<FoundImage>& images, std::optional<double> interval);
+    void noteFacts();
     void choose();
     void refuseMissing();
     void refuseDuplicates();

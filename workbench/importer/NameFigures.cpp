@@ -4,6 +4,7 @@
 #include <QRegularExpression>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -25,12 +26,13 @@ public:
 
     NameFigures read()
     {
+        readSpot();
         readWavelength(Figure::Excitation);
         readWavelength(Figure::Emission);
         if (!has(Figure::Excitation) && !has(Figure::Emission) && m_found.doubts.isEmpty()) {
             readPair();
         }
-        if (m_found.figures.isEmpty() && m_found.doubts.isEmpty()) {
+        if (!has(Figure::Excitation) && !has(Figure::Emission) && m_found.doubts.isEmpty()) {
             readNanometres();
         }
         if (has(Figure::Excitation) != has(Figure::Emission)) {
@@ -81,6 +83,7 @@ private:
         }
     }
 
+    void readSpot();
     void readWavelength(Figure::Kind kind);
     void readPair();
     void readNanometres();
@@ -92,6 +95,25 @@ private:
     QString m_what;
     NameFigures m_found;
 };
+
+// First, so that its numbers are taken for nothing else.
+void NameReader::readSpot()
+{
+    static const QRegularExpression spot =
+        pattern(R"((?<![a-z])spot[\s_=:]*x\s?=?([+-]?\d+(?:\.\d+)?)[\s_,;]*y\s?=?([+-]?\d+(?:\.\d+)?)(?![\da-z.]))");
+    const QVector<QRegularExpressionMatch> found = matches(spot);
+    if (found.size() > 1) {
+        return doubt(QStringLiteral("\"%1\" and \"%2\" could both be the scan spot")
+                         .arg(found.at(0).captured(), found.at(1).captured()));
+    }
+    if (!found.isEmpty()) {
+        const QRegularExpressionMatch& match = found.first();
+        for (const auto& [kind, group] : {std::pair(Figure::SpotX, 1), std::pair(Figure::SpotY, 2)}) {
+            take(kind, match.captured(group).toDouble(), match.captured());
+            m_found.figures.last().text = match.captured(group);
+        }
+    }
+}
 
 void NameReader::readWavelength(Figure::Kind kind)
 {
@@ -178,6 +200,9 @@ void NameReader::readTime()
     static const QRegularExpression negative = pattern(R"((?<![a-z])(?:time|t)[_ =]?-\s?\d)");
     static const QRegularExpression withUnit = pattern(
         R"((?:(?<![a-z])(?:time|t)[_ =]?|(?<![a-z\d.]))(\d+(?:\.\d+)?)\s?(ms|seconds|secs|sec|s|min|hr|h)(?![a-z]))");
+    // A dash alone could stand between two parts of the name.
+    static const QRegularExpression below =
+        pattern(R"((?<![a-z])(?:time|t)=(-\d+(?:\.\d+)?)\s?(ms|seconds|secs|sec|s|min|hr|h)(?![a-z]))");
     static const QRegularExpression without = pattern(R"((?<![a-z])(?:time|t)[_ =]?(\d+(?:\.\d+)?)(?![\da-z.]))");
     static const QRegularExpression interval = pattern(R"((?<![a-z])(?:interval|int)[_ =]?(\d{1,6})(?![\da-z.]))");
     const QVector<QRegularExpressionMatch> intervals = matches(interval);
@@ -186,11 +211,12 @@ void NameReader::readTime()
         values.append(match.captured(1).toDouble());
     }
     takeOne(Figure::Interval, "interval", intervals, values);
-    const QRegularExpressionMatch below = negative.match(m_text);
-    if (below.hasMatch()) {
-        return doubt(QStringLiteral("\"%1\" could be a time before 0").arg(below.captured()));
+    QVector<QRegularExpressionMatch> times = matches(below);
+    const QRegularExpressionMatch unclear = negative.match(m_text);
+    if (unclear.hasMatch()) {
+        return doubt(QStringLiteral("\"%1\" could be a time before 0").arg(unclear.captured()));
     }
-    const QVector<QRegularExpressionMatch> times = matches(withUnit);
+    times += matches(withUnit);
     values.clear();
     for (const QRegularExpressionMatch& match : times) {
         // Divided rather than multiplied, so that 250 ms are 0.25 s as they are written.

@@ -15,6 +15,8 @@ namespace {
 
 constexpr int maxTextLength = 16 * 1024 * 1024;
 constexpr int maxSize = 1000000;
+// The XML reader compares each attribute of an element with all before it.
+constexpr int maxElementLength = 64 * 1024;
 constexpr qint64 maxPlanes = 10000000;
 
 struct Channel
@@ -46,6 +48,8 @@ struct Pixels
     QVector<Channel> channels;
     QVector<PlaneRun> runs;
     QHash<qint64, double> times; // s, by plane
+    QHash<qint64, double> exposures;
+    std::optional<double> pixelSize; // um
 
     int channelCount() const { return channels.isEmpty() ? sizeC : channels.size(); }
     qint64 planeCount() const { return static_cast<qint64>(channelCount()) * sizeZ * sizeT; }
@@ -61,6 +65,15 @@ double nanometresOf(const QString& unit)
         {QStringLiteral("nm"), 1.0},      {QStringLiteral("um"), 1e3},     {QStringLiteral("\u00b5m"), 1e3},
         {QStringLiteral("\u03bcm"), 1e3}, {QStringLiteral("\u00c5"), 0.1}, {QStringLiteral("\u212b"), 0.1},
         {QStringLiteral("pm"), 1e-3},     {QStringLiteral("mm"), 1e6},     {QStringLiteral("m"), 1e9}};
+    return unit.isEmpty() ? 1.0 : factors.value(unit, 0.0);
+}
+
+double micrometresOf(const QString& unit)
+{
+    static const QHash<QString, double> factors{{QStringLiteral("nm"), 1e-3},     {QStringLiteral("um"), 1.0},
+                                                {QStringLiteral("\u00b5m"), 1.0}, {QStringLiteral("\u03bcm"), 1.0},
+                                                {QStringLiteral("mm"), 1e3},      {QStringLiteral("cm"), 1e4},
+                                                {QStringLiteral("m"), 1e6}};
     return unit.isEmpty() ? 1.0 : factors.value(unit, 0.0);
 }
 
@@ -82,17 +95,22 @@ public:
     bool read(QString* pError);
     const QVector<Pixels>& images() const { return m_images; }
     const QStringList& doubts() const { return m_doubts; }
+    const QHash<QString, QString>& notes() const { return m_notes; }
 
 private:
     void startElement();
+    void readNote();
     void readPixels();
     void readChannel();
     void readTiffData();
     void readPlane();
     QString text(const char* name) const { return m_xml.attributes().value(QLatin1String(name)).toString().trimmed(); }
     bool readInteger(const char* name, int least, int* pValue);
-    std::optional<double> quantity(const char* name, double (*factor)(const QString&));
+    std::optional<double> quantity(const char* name, double (*factor)(const QString&), bool bNeeded = true);
+    std::optional<double> fact(const char* name, double (*factor)(const QString&));
 
+    QHash<QString, QString> m_notes; // of the annotation that an export of this program writes
+    bool m_bNotes = false;           // within that annotation
     QXmlStreamReader m_xml;
     QVector<Pixels> m_images;
     QStringList m_doubts;
@@ -129,6 +147,10 @@ void OmeReader::startElement()
         m_images.last().runs.last().file = QFileInfo(text("FileName")).fileName();
     } else if (name == QLatin1String("Plane")) {
         readPlane();
+    } else if (name == QLatin1String("MapAnnotation")) {
+        m_bNotes = text("Namespace") == QLatin1String(OmeMetadata::kNamespace);
+    } else if (name == QLatin1String("M") && m_bNotes) {
+        readNote();
     }
 }
 
@@ -149,8 +171,14 @@ bool OmeReader::readInteger(const char* name, int least, int* pValue)
     return true;
 }
 
-// A number with its unit in the attribute of that name and "Unit"; one that cannot be used is a doubt.
-std::optional<double> OmeReader::quantity(const char* name, double (*factor)(const QString&))
+void OmeReader::readNote()
+{
+    const QString key = text("K");
+    m_notes.insert(key, m_xml.readElementText().simplified());
+}
+
+// A number with its unit in the attribute of that name and "Unit"; one that is needed and cannot be used is a doubt.
+std::optional<double> OmeReader::quantity(const char* name, double (*factor)(const QString&), bool bNeeded)
 {
     const QString value = text(name);
     if (value.isEmpty()) {
@@ -164,11 +192,18 @@ std::optional<double> OmeReader::quantity(const char* name, double (*factor)(con
         // A division where the unit is smaller gives the number as it is written.
         return scale < 1.0 ? number / std::round(1.0 / scale) : number * scale;
     }
-    if (m_doubts.size() < 10) {
+    if (bNeeded && m_doubts.size() < 10) {
         m_doubts.append(
             QStringLiteral("%1 \"%2 %3\" is not understood").arg(QLatin1String(name), value.left(40), unit.left(40)));
     }
     return std::nullopt;
+}
+
+// A number above 0 that nothing depends on.
+std::optional<double> OmeReader::fact(const char* name, double (*factor)(const QString&))
+{
+    const std::optional<double> value = quantity(name, factor, false);
+    return value && *value > 0.0 ? value : std::nullopt;
 }
 
 void OmeReader::readPixels()
@@ -191,6 +226,11 @@ void OmeReader::readPixels()
         return m_xml.raiseError(QStringLiteral("DimensionOrder is \"%1\"").arg(order.left(40)));
     }
     pixels.increment = quantity("TimeIncrement", secondsOf);
+    // Pixels that are no squares have no size that could be told.
+    pixels.pixelSize = fact("PhysicalSizeX", micrometresOf);
+    if (!text("PhysicalSizeY").isEmpty() && fact("PhysicalSizeY", micrometresOf) != pixels.pixelSize) {
+        pixels.pixelSize.reset();
+    }
     m_images.append(pixels);
 }
 
@@ -235,8 +275,15 @@ void OmeReader::readPlane()
         return;
     }
     const std::optional<double> time = quantity("DeltaT", secondsOf);
-    if (time && c < pixels.channelCount() && z < pixels.sizeZ && t < pixels.sizeT) {
+    const std::optional<double> exposure = fact("ExposureTime", secondsOf);
+    if (c >= pixels.channelCount() || z >= pixels.sizeZ || t >= pixels.sizeT) {
+        return;
+    }
+    if (time) {
         pixels.times.insert(pixels.planeOf(c, z, t), *time);
+    }
+    if (exposure) {
+        pixels.exposures.insert(pixels.planeOf(c, z, t), *exposure);
     }
 }
 
@@ -297,6 +344,20 @@ QVector<Figure> figuresOf(const Pixels& pixels, const Plane& plane, QStringList&
     return figures;
 }
 
+ImageFacts factsOf(const Pixels& pixels, const Plane& plane, const QHash<QString, QString>& notes, int page)
+{
+    ImageFacts facts;
+    const auto exposure = pixels.exposures.constFind(pixels.planeOf(plane.c, plane.z, plane.t));
+    if (exposure != pixels.exposures.constEnd()) {
+        facts.exposure = *exposure;
+    }
+    facts.pixelSize = pixels.pixelSize;
+    facts.start = ImageFacts::instant(notes.value(QStringLiteral("start %1").arg(page + 1)));
+    facts.isotope = notes.value(QStringLiteral("isotope"));
+    facts.unit = ImageFacts::unitName(notes.value(QStringLiteral("unit")));
+    return facts;
+}
+
 // Which of an image's runs lie in the file: of a set of files those that name it, of one file all, whatever its name is now.
 QVector<PlaneRun> runsOf(const Pixels& pixels, const QString& file)
 {
@@ -319,6 +380,20 @@ QVector<PlaneRun> runsOf(const Pixels& pixels, const QString& file)
     return own;
 }
 
+// Whether all that stands between "<" and ">" is short.
+bool hasShortElements(const QString& xml)
+{
+    int end = 0;
+    for (int at = xml.indexOf(QLatin1Char('<')); at >= 0; at = xml.indexOf(QLatin1Char('<'), end)) {
+        end = xml.indexOf(QLatin1Char('>'), at);
+        end = end < 0 ? xml.size() : end;
+        if (end - at > maxElementLength) {
+            return false;
+        }
+    }
+    return true;
+}
+
 } // namespace
 
 bool OmeMetadata::isOme(const QString& strDescription)
@@ -330,9 +405,14 @@ bool OmeMetadata::isOme(const QString& strDescription)
 bool OmeMetadata::parse(const QString& strXml, const QString& strFile, int nPages, QString* pError)
 {
     m_pages = QVector<QVector<Figure>>(nPages);
+    m_facts = QVector<ImageFacts>(nPages);
     m_doubts.clear();
     if (strXml.size() > maxTextLength) {
         *pError = QStringLiteral("the OME-XML is too large");
+        return false;
+    }
+    if (!hasShortElements(strXml)) {
+        *pError = QStringLiteral("the OME-XML has an element of more than 64 KiB");
         return false;
     }
     OmeReader reader(strXml);
@@ -357,6 +437,7 @@ bool OmeMetadata::parse(const QString& strXml, const QString& strFile, int nPage
                     return false;
                 }
                 m_pages[page] = figuresOf(pixels, plane, m_doubts);
+                m_facts[page] = factsOf(pixels, plane, reader.notes(), page);
                 bInside = advance(plane, pixels);
             }
             next = page;

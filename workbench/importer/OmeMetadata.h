@@ -2,6 +2,7 @@
 #pragma once
 
 #include "workbench/importer/Figure.h"
+#include "workbench/importer/ImageFacts.h"
 
 #include <QString>
 #include <QStringList>
@@ -12,6 +13,10 @@
 class OmeMetadata
 {
 public:
+    // The namespace of the annotation in which an export tells what OME has no place for, as a map: "unit", "isotope", and
+    // "start N" for page N, from 1.
+    static constexpr const char* const kNamespace = "orvia/image-cube/1";
+
     static bool isOme(const QString& strDescription);
 
     // Reads the text for a file of that name with `nPages` pages. Of a set of files each tells all; what is meant for other
@@ -21,10 +26,13 @@ public:
 
     // By page. A page that the text does not speak of has none.
     const QVector<QVector<Figure>>& pages() const { return m_pages; }
+    // By page as well: exposures of the planes and the size of a pixel, and what an export of this program notes besides.
+    const QVector<ImageFacts>& facts() const { return m_facts; }
     // Figures that cannot be used, a sentence each.
     const QStringList& doubts() const { return m_doubts; }
 
 private:
     QVector<QVector<Figure>> m_pages;
+    QVector<ImageFacts> m_facts;
     QStringList m_doubts;
 };

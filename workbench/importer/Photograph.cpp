@@ -2,10 +2,12 @@
 #include "workbench/importer/Photograph.h"
 
 #include "platform/orvimage/TiffIo.h"
+#include "platform/orvutils/InputFile.h"
 
 #include <QFile>
 #include <QImage>
 #include <QImageReader>
+#include <QtEndian>
 
 #include <algorithm>
 #include <cmath>
@@ -18,6 +20,10 @@ namespace {
 constexpr double clippedShare = 0.005;
 // Difference of the shapes (width over height) above which a photograph looks squeezed.
 constexpr double shapeTolerance = 0.02;
+
+// No format packs photographs better than deflate packs zeros (1032 to 1); twice that is allowed, and a picture of some size besides.
+constexpr qint64 maxCompression = 2064;
+constexpr qint64 allowedPixels = 1 << 20;
 
 template <class Pixel>
 void addPixels(const Pixel* pixels, std::vector<double>& sum)
@@ -53,15 +59,64 @@ bool isTiffName(const QString& path)
            path.endsWith(QLatin1String(".tiff"), Qt::CaseInsensitive);
 }
 
+// A header of a few bytes can claim any size, and some formats fill in what the file lacks.
+bool isCutShort(QFile& file, const QByteArray& format, const QSize& size)
+{
+    const qint64 place = file.pos();
+    bool cut = false;
+    if (format == "jpeg") {
+        // Behind the last scan stands the end mark; in the scan's data its bytes cannot occur.
+        constexpr qint64 tailBytes = 65536;
+        file.seek(std::max<qint64>(0, file.size() - tailBytes));
+        const QByteArray tail = file.read(tailBytes);
+        cut = tail.lastIndexOf("\xff\xd9") <= tail.lastIndexOf("\xff\xda");
+    } else if (format == "bmp") {
+        constexpr int headerBytes = 34;
+        file.seek(0);
+        const QByteArray header = file.read(headerBytes);
+        const auto word = [&header](int at) { return qFromLittleEndian<quint32>(header.constData() + at); };
+        const bool bPlain = header.size() == headerBytes && (word(30) == 0 || word(30) == 3); // else in runs
+        const qint64 bits = bPlain ? qFromLittleEndian<quint16>(header.constData() + 28) : 0;
+        const qint64 row = (size.width() * bits + 31) / 32 * 4;
+        cut = bPlain && word(10) + row * std::abs(size.height()) > file.size();
+    }
+    file.seek(place);
+    return cut;
+}
+
 bool readPicture(const QString& path, CILImage& out, QString* pError)
 {
-    QImageReader reader(path);
-    reader.setDecideFormatFromContent(true);
-    reader.setAutoTransform(true);
-    const QImage grey = reader.read().convertToFormat(QImage::Format_Grayscale8);
-    if (grey.isNull()) {
-        *pError = QStringLiteral("%1: %2").arg(path, reader.errorString());
+    const auto fail = [&](const QString& reason) {
+        *pError = QStringLiteral("%1: %2").arg(path, reason);
         return false;
+    };
+    QFile file(path);
+    QString reason;
+    if (!orv::openInput(file, &reason)) {
+        return fail(reason);
+    }
+    if (file.size() == 0) {
+        return fail(QStringLiteral("the file is empty"));
+    }
+    QImageReader reader(&file);
+    reader.setAutoTransform(true);
+    const QByteArray format = reader.format();
+    if (format.isEmpty() || format.startsWith("svg")) { // a drawing has no size of its own
+        return fail(QStringLiteral("this is no picture of a known format"));
+    }
+    const QSize size = reader.size();
+    const qint64 pixels = static_cast<qint64>(size.width()) * size.height();
+    if (size.isValid() && pixels > file.size() * maxCompression + allowedPixels) {
+        return fail(QStringLiteral("the header claims %1 x %2 pixels, more than a file of %3 bytes can hold")
+                        .arg(size.width())
+                        .arg(size.height())
+                        .arg(file.size()));
+    }
+    const bool bCut = size.isValid() && isCutShort(file, format, size);
+    const QImage grey = bCut ? QImage() : reader.read().convertToFormat(QImage::Format_Grayscale8);
+    if (grey.isNull()) {
+        return fail(bCut ? QStringLiteral("the picture is broken or cut short")
+                         : QStringLiteral("the picture is broken or cut short (%1)").arg(reader.errorString()));
     }
     if (out.InitWithType(ORVTYPE_BYTE, grey.width(), grey.height()) != EIL_SUCCESS) {
         *pError = QStringLiteral("%1: there is no memory for the photograph").arg(path);
