@@ -4,6 +4,7 @@
 
 #include "storage/ResultsList.h"
 #include "storage/SavedResultsOwner.h"
+#include "storage/documentText.h"
 #include "storage/resultsIndex.h"
 
 #include "engine/CORVSpumKyvo.h"
@@ -114,11 +115,17 @@ bool SavedResults::findResultFile(const QString& strName, const QString& strFold
 // A file that is not there gives an empty document, which the engine refuses as it does one of an unknown version.
 bool SavedResults::readResultFile(const QString& strPath, QString* pText)
 {
-    QDomDocument document(QStringLiteral("ORV.SpectralUnmixingResults.Data"));
+    QDomDocument document(documentText::documentType());
     QFile file(strPath);
-    if (file.exists() && (!file.open(QIODevice::ReadOnly) || !document.setContent(&file))) {
-        file.close();
-        return loadFailed();
+    if (file.exists()) {
+        QString strReason;
+        const bool bOpen = file.open(QIODevice::ReadOnly);
+        if (!bOpen || !documentText::parse(file.readAll(), &document, &strReason)) {
+            file.close();
+            logLine(strPath + QStringLiteral(": cannot be read: ") + (bOpen ? strReason : file.errorString()),
+                    CORVLOG_WARNING);
+            return loadFailed();
+        }
     }
     *pText = document.toString(1);
     return true;

@@ -6,10 +6,15 @@
 #include "engine/logLine.h"
 #include "host/CORVLog.h"
 
+#include <QElapsedTimer>
+#include <QThread>
+
 namespace {
 
 constexpr int staleMilliseconds = 30000;
 constexpr int waitMilliseconds = 5000;
+// Between two attempts. The lock's own waiting grows to seconds and would miss the short moments in which it is free.
+constexpr unsigned long pauseMilliseconds = 10;
 
 } // namespace
 
@@ -21,9 +26,20 @@ SavedResultsLock::SavedResultsLock(const QString& strFolder)
 
 bool SavedResultsLock::obtain()
 {
-    if (m_lock.tryLock(waitMilliseconds)) {
-        return true;
-    }
+    QElapsedTimer timer;
+    timer.start();
+    do {
+        if (m_lock.tryLock(0)) {
+            return true;
+        }
+        QThread::msleep(pauseMilliseconds);
+    } while (m_lock.error() == QLockFile::LockFailedError && timer.elapsed() < waitMilliseconds);
+    tellReason();
+    return false;
+}
+
+void SavedResultsLock::tellReason() const
+{
     qint64 nProcess = 0;
     QString strHost;
     QString strProgram;
@@ -36,5 +52,4 @@ bool SavedResultsLock::obtain()
     }
     logLine(QStringLiteral("%1: the index of saved results cannot be locked: %2").arg(m_strPath, strReason),
             CORVLOG_WARNING);
-    return false;
 }

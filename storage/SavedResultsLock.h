@@ -17,6 +17,8 @@ public:
     bool obtain();
 
 private:
+    void tellReason() const;
+
     QString m_strPath; // of the index
     QLockFile m_lock;
 };
