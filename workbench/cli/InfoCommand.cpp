@@ -19,6 +19,8 @@
 
 #include <QJsonArray>
 
+#include <algorithm>
+
 namespace {
 
 // What is told of one image, in the order of the table.
@@ -141,15 +143,19 @@ QString proposalText(OpenedSequence& opened)
 }
 
 // What the user should know of an analysis of maps; empty for a sequence of images.
-QString cautionText(const OpenedSequence& opened, const UnmixedMapLinks& maps)
+QString cautionText(OpenedSequence& opened, const UnmixedMapLinks& maps)
 {
     if (maps.isEmpty() || !opened.canBeAnalysed())
         return QString();
-    return maps.isComplete()
-               ? QStringLiteral(
-                     "these are unmixed maps, each at the filters where its component is brightest; what they "
-                     "hold has been unmixed already")
-               : QStringLiteral("some of the images are unmixed maps");
+    QStringList sentences{maps.isComplete()
+                              ? QStringLiteral("these are unmixed maps, each at the filters where its component is "
+                                               "brightest; what they hold has been unmixed already")
+                              : QStringLiteral("some of the images are unmixed maps")};
+    const auto& engine = opened.engine();
+    const int places = engine.getAllKeyPairs().size() * std::max(1, static_cast<int>(engine.m_spots.size()));
+    if (engine.m_imageRecords.size() > places)
+        sentences.append(QStringLiteral("of images at the same filters an analysis takes one"));
+    return sentences.join(QStringLiteral("; "));
 }
 
 QString textAnswer(OpenedSequence& opened, const QList<ImageRow>& rows, const AnalysisOutlook& outlook)
@@ -186,10 +192,10 @@ QString textAnswer(OpenedSequence& opened, const QList<ImageRow>& rows, const An
     for (const auto& entry : held)
         line(entry.first, entry.second);
     const UnmixedMapLinks maps(sequence);
-    if (!cautionText(opened, maps).isEmpty())
-        text += QString(14, QLatin1Char(' ')) + cautionText(opened, maps) + QLatin1Char('\n');
     if (!maps.isEmpty())
         line(QStringLiteral("Maps of"), maps.sources().join(QStringLiteral(", ")));
+    if (!cautionText(opened, maps).isEmpty())
+        line(QStringLiteral("Note"), cautionText(opened, maps));
     TextTable table({QStringLiteral("image"), temporal ? QStringLiteral("interval") : QStringLiteral("excitation"),
                      temporal ? QStringLiteral("time") : QStringLiteral("emission"), QStringLiteral("spot"),
                      QStringLiteral("size"), QStringLiteral("binning"), QStringLiteral("exposure"),

@@ -102,7 +102,8 @@ QStringList makeDatasets(CORVSpumKyvo& engine, std::optional<int> component)
     if (!errors.lines().isEmpty())
         throw CliFailure(errors.lines().join(QLatin1Char('\n')));
     throw CliFailure(
-        QStringLiteral("no component was chosen: of a scan of several spots the maps of one component are exported"),
+        QStringLiteral("no component was chosen: of a scan of several spots the maps of one component are exported; "
+                       "--component N names it"),
         CliFailure::Usage);
 }
 

@@ -38,6 +38,7 @@ private:
         QString concentration;
         QString component;
         QString unit; // of the stored pixels
+        QString spot; // "x,y" of a scan
     };
 
     QList<Link> m_links;

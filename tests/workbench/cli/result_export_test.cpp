@@ -170,7 +170,8 @@ TEST_F(ResultExportTest, InfoShowsEveryMapWithItsLinks)
     const QString text = infoTextOf("out");
     EXPECT_TRUE(text.contains("Maps of:      SMALL\n")) << qPrintable(text);
     EXPECT_TRUE(text.contains("Unmixed Concentration  Spectral Unmix Seq Dataset")) << qPrintable(text);
-    EXPECT_TRUE(text.contains("these are unmixed maps"));
+    EXPECT_TRUE(text.contains("Note:         these are unmixed maps"));
+    EXPECT_FALSE(text.contains("of images at the same filters"));
 }
 
 TEST_F(ResultExportTest, InfoOfASequenceOfImagesSaysNothingOfMaps)
@@ -204,7 +205,22 @@ TEST_F(ResultExportTest, OfAScanTheMapsOfOneComponentAreExportedAndInspectedAgai
     const QJsonObject info = infoOf("out");
     EXPECT_FALSE(info["analysable"].toBool());
     EXPECT_EQ(info["caution"], "");
-    EXPECT_EQ(info["maps"].toArray().size(), 2);
+    ASSERT_EQ(info["maps"].toArray().size(), 2);
+    EXPECT_EQ(info["maps"].toArray()[1].toObject()["spot"], "1.5,-2");
+}
+
+TEST_F(ResultExportTest, InfoSaysWhenMapsShareTheirFilters)
+{
+    m_sequence.writeTo(path("seq"));
+    m_pOpened = std::make_unique<OpenedSequence>(path("seq"));
+    engine().resetAnalysis(RUNMODE_MANUAL);
+    addSpectrum("Dye A", {1.0, 0.5, 0.0});
+    addSpectrum("Dye B", {0.0, 0.25, 1.0});
+    addSpectrum("Dye C", {0.25, 0.0, 1.0});
+    engine().solveConcentrations();
+    ASSERT_FALSE(engine().hasError());
+    exportResult(engine(), std::nullopt, path("out"));
+    EXPECT_TRUE(infoOf("out")["caution"].toString().contains("of images at the same filters an analysis takes one"));
 }
 
 TEST_F(ResultExportTest, WithoutANumberTheResponderIsAskedForTheComponent)
