@@ -41,6 +41,17 @@ bool hasDigit(const QString& strText)
     return std::any_of(strText.cbegin(), strText.cend(), [](QChar c) { return c.isDigit(); });
 }
 
+// Nobody reads more warnings than these.
+void shorten(QStringList& warnings, const QString& strFile)
+{
+    constexpr int most = 100;
+    const int more = warnings.size() - most;
+    if (more <= 0)
+        return;
+    warnings = warnings.mid(0, most);
+    warnings.append(QStringLiteral("%1: %2 more warnings").arg(strFile).arg(more));
+}
+
 bool hasTimes(const CORVDataset& dataset)
 {
     return !clickText(dataset.clickInfo, ClickKeys::kClickNumber, ClickKeys::kKyVoTime).isEmpty() &&
@@ -100,6 +111,7 @@ ESTATUS CORVSequenceDataset::open(const QString& strPath, QString* pError, QStri
         const bool described = readInfo(&info, &warnings);
         readDatasets(findFolders(described, info, &warnings), &warnings);
         takeOver(described, info, &warnings);
+        shorten(warnings, m_strInfoPath + QLatin1String(SequenceFiles::kSequenceInfo));
     }
     const bool usable = !m_datasets.isEmpty();
     if (!usable) {

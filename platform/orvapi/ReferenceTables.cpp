@@ -5,11 +5,15 @@
 #include "platform/orvapi/CsvTable.h"
 
 #include <QFileInfo>
+#include <QHash>
+#include <QSet>
 
 #include <algorithm>
 #include <functional>
 
 namespace {
+
+constexpr int maxProblems = 50;
 
 // A table whose columns are as expected; false, told, when they are not.
 bool readTable(const QString& strFile, bool bExpected, const QStringList& columns, CsvTable* pTable,
@@ -53,9 +57,11 @@ Numbers numbersOf(const CsvTable::Row& row, int nFirst)
 QStringList sourceNames(const CsvTable& table, QStringList& problems)
 {
     QStringList names;
+    QSet<QString> taken;
     for (int i = 1; i < table.header.size(); ++i) {
         const QString& name = table.header.at(i);
-        const bool usable = !name.isEmpty() && !names.contains(name);
+        const bool usable = !name.isEmpty() && !taken.contains(name);
+        taken.insert(name);
         if (!usable)
             problems.append(
                 QStringLiteral("%1: column %2 has no name of its own (\"%3\")").arg(table.file).arg(i + 1).arg(name));
@@ -128,17 +134,33 @@ void addSpectra(const QString& strFile, bool bExpected, const QStringList& colum
         records.insert(it.key(), it.value());
 }
 
+// Puts records into a list, each in the place of an earlier one with its name.
 template <typename Record>
-void putByName(QList<Record>& records, const Record& record)
+class ByName
 {
-    const auto it = std::find_if(records.begin(), records.end(), [&](const Record& other) {
-        return other.name.compare(record.name, Qt::CaseInsensitive) == 0;
-    });
-    if (it == records.end())
-        records.append(record);
-    else
-        *it = record;
-}
+public:
+    explicit ByName(QList<Record>& records) : m_records(records)
+    {
+        for (int i = 0; i < records.size(); ++i)
+            m_places.insert(records.at(i).name.toCaseFolded(), i);
+    }
+
+    void put(const Record& record)
+    {
+        const QString key = record.name.toCaseFolded();
+        const auto place = m_places.constFind(key);
+        if (place != m_places.constEnd()) {
+            m_records[place.value()] = record;
+            return;
+        }
+        m_places.insert(key, m_records.size());
+        m_records.append(record);
+    }
+
+private:
+    QList<Record>& m_records;
+    QHash<QString, int> m_places;
+};
 
 void addIsotopes(const QString& strFile, bool bExpected, QList<IsotopeRecord>& isotopes, QStringList& problems)
 {
@@ -147,6 +169,7 @@ void addIsotopes(const QString& strFile, bool bExpected, QList<IsotopeRecord>& i
                    {QStringLiteral("isotope"), QStringLiteral("half_life_s"), QStringLiteral("cherenkov")}, &table,
                    problems))
         return;
+    ByName<IsotopeRecord> byName(isotopes);
     for (const CsvTable::Row& row : table.rows) {
         const std::optional<double> halfLife = csvNumber(row.cells.at(1));
         const std::optional<bool> cherenkov = parseFlag(row.cells.at(2));
@@ -154,7 +177,7 @@ void addIsotopes(const QString& strFile, bool bExpected, QList<IsotopeRecord>& i
             problems.append(
                 table.problem(row.line, QStringLiteral("not a name, a half life in seconds, and yes or no")));
         else
-            putByName(isotopes, IsotopeRecord{row.cells.first(), *halfLife, *cherenkov});
+            byName.put(IsotopeRecord{row.cells.first(), *halfLife, *cherenkov});
     }
 }
 
@@ -166,6 +189,7 @@ void addProbes(const QString& strFile, bool bExpected, QList<sProbeParameters>& 
                     QStringLiteral("aliases")},
                    &table, problems))
         return;
+    ByName<sProbeParameters> byName(probes);
     for (const CsvTable::Row& row : table.rows) {
         const std::optional<bool> emission = parseFlag(row.cells.at(2));
         const std::optional<bool> excitation = parseFlag(row.cells.at(3));
@@ -180,7 +204,7 @@ void addProbes(const QString& strFile, bool bExpected, QList<sProbeParameters>& 
         probe.hasExcitation = *excitation;
         for (const QString& alias : row.cells.at(4).split(QLatin1Char(';'), Qt::SkipEmptyParts))
             probe.aliases.append(alias.trimmed());
-        putByName(probes, probe);
+        byName.put(probe);
     }
 }
 
@@ -190,26 +214,42 @@ void ReferenceTables::addFolder(const QString& strFolder, bool bExpected)
 {
     if (strFolder.isEmpty())
         return;
-    addSources(strFolder + QLatin1String("luminescent_sources.csv"), bExpected, luminescentSources, problems);
-    addSources(strFolder + QLatin1String("library_sources.csv"), bExpected, librarySources, problems);
-    addSources(strFolder + QLatin1String("radioactive_sources.csv"), bExpected, radioactiveSources, problems);
+    QStringList found;
+    // Of one table nobody reads more than these.
+    const auto tell = [&](const char* pFile) {
+        const int more = found.size() - maxProblems;
+        problems += found.mid(0, maxProblems);
+        if (more > 0)
+            problems.append(QStringLiteral("%1%2: %3 more problems").arg(strFolder, QLatin1String(pFile)).arg(more));
+        found.clear();
+    };
+    addSources(strFolder + QLatin1String("luminescent_sources.csv"), bExpected, luminescentSources, found);
+    tell("luminescent_sources.csv");
+    addSources(strFolder + QLatin1String("library_sources.csv"), bExpected, librarySources, found);
+    tell("library_sources.csv");
+    addSources(strFolder + QLatin1String("radioactive_sources.csv"), bExpected, radioactiveSources, found);
+    tell("radioactive_sources.csv");
     addSpectra<sTissuePropFileParameters>(
         strFolder + QLatin1String("tissues.csv"), bExpected,
         {QStringLiteral("tissue"), QStringLiteral("wavelength_nm"), QStringLiteral("absorption_per_cm"),
          QStringLiteral("reduced_scattering_per_cm")},
-        tissues, problems, [](sTissuePropFileParameters& tissue, const Numbers& numbers) {
+        tissues, found, [](sTissuePropFileParameters& tissue, const Numbers& numbers) {
             tissue.absorption.append(*numbers.at(1));
             tissue.scattering.append(*numbers.at(2));
         });
+    tell("tissues.csv");
     addSpectra<sColorSensorRGBspecFileParameters>(
         strFolder + QLatin1String("color_responses.csv"), bExpected,
         {QStringLiteral("sensor"), QStringLiteral("wavelength_nm"), QStringLiteral("red"), QStringLiteral("green"),
          QStringLiteral("blue")},
-        colorResponses, problems, [](sColorSensorRGBspecFileParameters& sensor, const Numbers& numbers) {
+        colorResponses, found, [](sColorSensorRGBspecFileParameters& sensor, const Numbers& numbers) {
             sensor.red.append(*numbers.at(1));
             sensor.green.append(*numbers.at(2));
             sensor.blue.append(*numbers.at(3));
         });
-    addIsotopes(strFolder + QLatin1String("isotopes.csv"), bExpected, isotopes, problems);
-    addProbes(strFolder + QLatin1String("probes.csv"), bExpected, probes, problems);
+    tell("color_responses.csv");
+    addIsotopes(strFolder + QLatin1String("isotopes.csv"), bExpected, isotopes, found);
+    tell("isotopes.csv");
+    addProbes(strFolder + QLatin1String("probes.csv"), bExpected, probes, found);
+    tell("probes.csv");
 }

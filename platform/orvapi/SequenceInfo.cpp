@@ -5,10 +5,14 @@
 #include "platform/orvapi/ClickInfoValues.h"
 
 #include <QDir>
+#include <QSet>
 
 namespace {
 
 using namespace SequenceKeys;
+
+// Ten times what anybody measures.
+constexpr int maxDatasets = 20000;
 
 const char* const kSpectral = "spectral";
 const char* const kTemporal = "temporal";
@@ -85,12 +89,23 @@ void readFolders(const CPLClickInfo& sections, Reader& reader, SequenceInfo* pIn
     QStringList values;
     pSection->getKeyList(&keys);
     pSection->getValueList(&values);
+    QSet<QString> seen;
     for (int i = 0; i < keys.size(); ++i) {
         if (keys.at(i) != QLatin1String(kDataset))
             continue;
         const QString folder = values.at(i).trimmed();
-        if (staysBelow(folder)) {
-            pInfo->folders.append(QDir::cleanPath(folder));
+        const QString clean = QDir::cleanPath(folder);
+        if (pInfo->folders.size() >= maxDatasets) {
+            reader.warn(kDatasets, kDataset, folder,
+                        "is beyond the number of datasets that a sequence can have; the rest is left out");
+            return;
+        }
+        if (staysBelow(folder) && seen.contains(clean)) {
+            ++pInfo->refusedFolders;
+            reader.warn(kDatasets, kDataset, folder, "was listed before");
+        } else if (staysBelow(folder)) {
+            pInfo->folders.append(clean);
+            seen.insert(clean);
         } else {
             pInfo->refusedFolders += folder.isEmpty() ? 0 : 1;
             reader.warn(kDatasets, kDataset, folder, "is no folder below the sequence's");

@@ -7,6 +7,8 @@
 #include <QFileInfo>
 #include <QTextCodec>
 
+#include <cerrno>
+
 namespace SectionText {
 
 namespace {
@@ -58,6 +60,8 @@ Outcome Parser::run()
     m_sections.clear();
     if (m_text.size() > maximumBytes)
         return refuse(QStringLiteral("more than %1 MiB, no text of keys is that large").arg(maximumBytes >> 20));
+    if (m_text.startsWith("\xff\xfe") || m_text.startsWith("\xfe\xff"))
+        return refuse(QStringLiteral("the text is UTF-16; save it as UTF-8"));
     const int binary = m_text.indexOf('\0');
     if (binary >= 0) {
         m_nLine = m_text.left(binary).count('\n') + 1;
@@ -240,16 +244,14 @@ bool readFile(const QString& strPath, QByteArray* pBytes, QString* pError)
         return false;
     };
     const QFileInfo info(strPath);
-    if (!info.exists())
-        return fail(QStringLiteral("no such file"));
     // A pipe would wait for ever, a device never end.
-    if (!info.isFile())
+    if (info.exists() && !info.isFile())
         return fail(QStringLiteral("not a file"));
     if (info.size() > maximumBytes)
         return fail(QStringLiteral("more than %1 MiB, no text of keys is that large").arg(maximumBytes >> 20));
     QFile file(strPath);
     if (!file.open(QIODevice::ReadOnly))
-        return fail(file.errorString());
+        return fail(errno == ENOENT ? QStringLiteral("no such file") : file.errorString());
     *pBytes = file.read(maximumBytes + 1);
     if (file.error() != QFileDevice::NoError)
         return fail(file.errorString());
