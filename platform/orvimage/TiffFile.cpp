@@ -2,6 +2,7 @@
 #include "platform/orvimage/TiffFile.h"
 
 #include <QFile>
+#include <QRegularExpression>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -96,6 +97,15 @@ bool TiffFile::fail(const QString& reason)
 {
     if (m_reason.isEmpty())
         m_reason = reason;
+    return false;
+}
+
+bool TiffFile::failFor(const QString& what)
+{
+    // The library tells where it was before, which is -1 at first.
+    static const QRegularExpression place(QStringLiteral(" at (scanline|row) \\d+(, col \\d+)?(, tile \\d+)?"));
+    m_reason.remove(place);
+    m_reason = m_reason.isEmpty() ? what : QStringLiteral("%1 (%2)").arg(what, m_reason);
     return false;
 }
 

@@ -34,6 +34,8 @@ public:
     const QString& reason() const { return m_reason; }
     // Keeps a reason unless there is an earlier one; always false.
     bool fail(const QString& reason);
+    // What could not be done, with the reason kept so far behind it; always false.
+    bool failFor(const QString& what);
 
 private:
     bool open(int descriptor, const QString& path, const char* mode, std::int64_t maxAllocation);

@@ -168,7 +168,7 @@ bool PageReader::decode(std::size_t buffer, std::uint32_t x, std::uint32_t y, st
     // Codecs may report an error and still deliver; what they delivered is not to be trusted.
     if (got == wanted && m_file.reason().isEmpty())
         return true;
-    return m_file.fail(QStringLiteral("the pixels from row %1 on cannot be read").arg(y));
+    return m_file.failFor(QStringLiteral("the pixels from row %1 on cannot be read").arg(y));
 }
 
 std::size_t PageReader::place(std::uint32_t x, std::uint32_t y) const
