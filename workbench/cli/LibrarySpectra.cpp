@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "workbench/cli/LibrarySpectra.h"
 
+#include "platform/orvutils/InputFile.h"
 #include "spectra/SpectrumPlotParams.h"
 #include "spectra/SpumKyvoDatabase.h"
 #include "workbench/cli/CliFailure.h"
@@ -22,15 +23,28 @@ QString missingPairs(const SpectrumPlotParams& spectrum, const QList<KeyPair>& p
     return pairsText(missing);
 }
 
-void checkValues(const SpectrumPlotParams& spectrum, const XTNT::Vector<double>& values)
+void checkValues(const QString& strSource, const SpectrumPlotParams& spectrum, const XTNT::Vector<double>& values)
 {
     for (long long i = 0; i < values.n_; ++i)
         if (!std::isfinite(values[i]))
-            throw CliFailure(
-                QStringLiteral("the spectrum \"%1\" holds a value that is not a number").arg(spectrum.settings.name));
+            throw CliFailure(QStringLiteral("%1: the spectrum \"%2\" holds a value that is not a number")
+                                 .arg(strSource, spectrum.settings.name));
     if (!(values.Max() > 0.0))
-        throw CliFailure(QStringLiteral("the spectrum \"%1\" has no value above 0 at the selected images")
-                             .arg(spectrum.settings.name));
+        throw CliFailure(QStringLiteral("%1: the spectrum \"%2\" has no value above 0 at the selected images")
+                             .arg(strSource, spectrum.settings.name));
+}
+
+// Refuses a file beyond what a library can be, before its spectra take memory.
+void checkSize(const QString& strFile)
+{
+    constexpr int maxMebibytes = 16;
+    constexpr int maxLines = 100000;
+    QByteArray text;
+    QString error;
+    if (!orv::readInput(strFile, maxMebibytes, QStringLiteral("library"), &text, &error))
+        throw CliFailure(error);
+    if (text.count('\n') > maxLines)
+        throw CliFailure(QStringLiteral("%1: more than %2 lines, no library is that long").arg(strFile).arg(maxLines));
 }
 
 } // namespace
@@ -52,6 +66,8 @@ void LibrarySpectra::load(const QString& strFileOrName)
                 .arg(strFileOrName, known.isEmpty() ? QStringLiteral("no library is saved")
                                                     : QStringLiteral("saved are ") + known.join(QStringLiteral(", "))));
     }
+    if (isFile)
+        checkSize(strFileOrName);
     const bool loaded = isFile ? database.loadLibraryFile(strFileOrName, m_spectra, m_strNote)
                                : database.loadLibrary(strFileOrName, m_spectra, m_strNote);
     if (!loaded)
@@ -60,6 +76,11 @@ void LibrarySpectra::load(const QString& strFileOrName)
                              .arg(strFileOrName));
     if (m_spectra.isEmpty())
         throw CliFailure(QStringLiteral("%1: the library holds no spectrum").arg(strFileOrName));
+    if (m_spectra.first()->points.isEmpty())
+        throw CliFailure(
+            QStringLiteral("%1: the library holds no value; it takes a line \"Excitation,Emission,names...\" "
+                           "and behind it one line a pair")
+                .arg(strFileOrName));
 }
 
 QList<SpectrumPlotParams*> LibrarySpectra::fitTo(const QList<KeyPair>& pairs, int nAxis) const
@@ -72,7 +93,7 @@ QList<SpectrumPlotParams*> LibrarySpectra::fitTo(const QList<KeyPair>& pairs, in
             throw CliFailure(QStringLiteral("%1: the spectrum \"%2\" has no value for %3")
                                  .arg(m_strSource, spectrum->settings.name, missingPairs(*spectrum, pairs)));
         const auto values = spectrum->valuesAt(pairs);
-        checkValues(*spectrum, values);
+        checkValues(m_strSource, *spectrum, values);
         auto copy = std::make_unique<SpectrumPlotParams>(*spectrum);
         copy->axis = nAxis;
         copy->settings.index = static_cast<int>(fitted.size());

@@ -3,13 +3,12 @@
 
 #include "platform/orvimage/TiffIo.h"
 #include "workbench/cli/CliFailure.h"
+#include "workbench/cli/ResultFolder.h"
 
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QImage>
 #include <QJsonArray>
-#include <QJsonDocument>
 #include <QJsonObject>
 
 #include <limits>
@@ -18,10 +17,8 @@ ResultMaps::ResultMaps(const QString& strFolder)
     : m_strFolder(QDir::cleanPath(QFileInfo(strFolder).absoluteFilePath()) + QLatin1Char('/')),
       m_strLabel(QDir(m_strFolder).dirName())
 {
-    QFile file(m_strFolder + QStringLiteral("summary.json"));
-    if (!file.open(QIODevice::ReadOnly))
-        throw CliFailure(QStringLiteral("%1: this is no folder with results of \"spum unmix\"").arg(strFolder));
-    const QJsonObject summary = QJsonDocument::fromJson(file.readAll()).object();
+    const QJsonObject summary = ResultFolder::readSummary(m_strFolder);
+    const QString file = m_strFolder + QStringLiteral("summary.json");
     m_strUnit = summary.value(QStringLiteral("unit")).toString();
     m_fBinning = static_cast<float>(summary.value(QStringLiteral("binning")).toDouble());
     // The names alone: a summary that leads elsewhere is not followed.
@@ -35,9 +32,9 @@ ResultMaps::ResultMaps(const QString& strFolder)
         for (const auto& value : components)
             m_files.append(QFileInfo(value.toObject().value(QStringLiteral("map")).toString()).fileName());
     if (m_files.isEmpty())
-        throw CliFailure(QStringLiteral("%1 names no maps").arg(file.fileName()));
+        throw CliFailure(QStringLiteral("%1 names no maps").arg(file));
     if (!(m_fBinning > 0.0F))
-        throw CliFailure(QStringLiteral("%1 does not tell the binning of the maps").arg(file.fileName()));
+        throw CliFailure(QStringLiteral("%1 does not tell the binning of the maps").arg(file));
     for (int i = 0; i < m_files.size(); ++i)
         m_names.append(m_files.size() == components.size()
                            ? components[i].toObject().value(QStringLiteral("name")).toString()
@@ -61,9 +58,7 @@ CILImage ResultMaps::read(int n) const
 
 void ResultMaps::maskOut(CILImage& map) const
 {
-    const QImage mask = QImage(m_strFolder + QStringLiteral("mask.png")).convertToFormat(QImage::Format_Grayscale8);
-    if (mask.isNull() || mask.width() != map.m_lWidth || mask.height() != map.m_lHeight)
-        return;
+    const QImage mask = ResultFolder::readMask(m_strFolder, map.m_lWidth, map.m_lHeight);
     for (int y = 0; y < mask.height(); ++y)
         for (int x = 0; x < mask.width(); ++x)
             if (mask.constScanLine(y)[x] == 0)

@@ -4,27 +4,22 @@
 #include "platform/orvimage/TiffIo.h"
 #include "spectra/SpectrumPlotParams.h"
 #include "workbench/cli/CliFailure.h"
+#include "workbench/cli/ResultFolder.h"
 #include "workbench/simulator/TruthWriter.h"
 
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QImage>
 #include <QJsonArray>
-#include <QJsonDocument>
 #include <QJsonObject>
 
 namespace {
 
-QJsonObject readSummary(const QString& strFile)
+QJsonObject readSummary(const QString& strFolder)
 {
-    QFile file(strFile);
-    if (!file.open(QIODevice::ReadOnly))
-        throw CliFailure(
-            QStringLiteral("%1: this is no folder with results of \"spum unmix\"").arg(QFileInfo(strFile).path()));
-    QJsonObject summary = QJsonDocument::fromJson(file.readAll()).object();
+    QJsonObject summary = ResultFolder::readSummary(strFolder);
     if (summary.value(QStringLiteral("components")).toArray().isEmpty())
-        throw CliFailure(QStringLiteral("%1 names no components").arg(strFile));
+        throw CliFailure(QStringLiteral("%1summary.json names no components").arg(strFolder));
     return summary;
 }
 
@@ -41,7 +36,7 @@ QString mapOfSpot(const QString& strFirst, int nSpot)
 void SavedResult::readResult(const QString& strFolder)
 {
     const QString folder = QDir::cleanPath(QFileInfo(strFolder).absoluteFilePath()) + QLatin1Char('/');
-    const QJsonObject summary = readSummary(folder + QStringLiteral("summary.json"));
+    const QJsonObject summary = readSummary(folder);
     m_strLabel = QDir(folder).dirName();
     m_strUnit = summary.value(QStringLiteral("unit")).toString();
     m_bDecayCorrected = summary.value(QStringLiteral("decayCorrected")).isObject();
@@ -56,7 +51,7 @@ void SavedResult::readResult(const QString& strFolder)
     }
     if (m_library.all().size() != m_names.size())
         throw CliFailure(QStringLiteral("%1spectra.csv does not hold one spectrum a component").arg(folder));
-    readMask(folder + QStringLiteral("mask.png"));
+    readMask(folder);
 }
 
 void SavedResult::readTruth(const QString& strFolder, bool bDecayCorrected)
@@ -103,11 +98,9 @@ void SavedResult::readMap(const QString& strFile)
     m_maps.push_back(std::move(map));
 }
 
-void SavedResult::readMask(const QString& strFile)
+void SavedResult::readMask(const QString& strFolder)
 {
-    const QImage mask = QImage(strFile).convertToFormat(QImage::Format_Grayscale8);
-    if (mask.isNull() || mask.width() != m_maps.front().m_lWidth || mask.height() != m_maps.front().m_lHeight)
-        return;
+    const QImage mask = ResultFolder::readMask(strFolder, m_maps.front().m_lWidth, m_maps.front().m_lHeight);
     for (int y = 0; y < mask.height(); ++y)
         for (int x = 0; x < mask.width(); ++x)
             if (mask.constScanLine(y)[x] > 0)

@@ -48,7 +48,7 @@ private:
     // The maps of the files that `fileOfSpot(spot)` names, from spot 0 to the last one that is there.
     void readSpots(const std::function<QString(int)>& fileOfSpot);
     void readMap(const QString& strFile);
-    void readMask(const QString& strFile);
+    void readMask(const QString& strFolder);
 
     QString m_strLabel;
     QString m_strUnit;

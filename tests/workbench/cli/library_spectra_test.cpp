@@ -85,10 +85,10 @@ TEST_F(LibrarySpectraTest, EveryPairThatASpectrumLacksIsNamed)
 TEST_F(LibrarySpectraTest, ASpectrumThatIsZeroAtTheImagesIsNamed)
 {
     EXPECT_EQ(refusal(twoSpectra, {{"640", "740"}}),
-              "the spectrum \"Dye B\" has no value above 0 at the selected images");
+              ": the spectrum \"Dye B\" has no value above 0 at the selected images");
     EXPECT_EQ(refusal(replaced("640,700,1,0.25\n640,720,0.5,1\n", "640,700,1,-1\n640,720,0.5,-2\n"),
                       {{"640", "700"}, {"640", "720"}}),
-              "the spectrum \"Dye B\" has no value above 0 at the selected images");
+              ": the spectrum \"Dye B\" has no value above 0 at the selected images");
 }
 
 TEST_F(LibrarySpectraTest, AValueThatIsNoNumberIsNamed)
@@ -96,7 +96,7 @@ TEST_F(LibrarySpectraTest, AValueThatIsNoNumberIsNamed)
     for (const char* value : {"nan", "inf"})
         EXPECT_EQ(
             refusal(replaced("640,720,0.5,1", QByteArray("640,720,") + value + ",1"), {{"640", "700"}, {"640", "720"}}),
-            "the spectrum \"Dye A\" holds a value that is not a number")
+            ": the spectrum \"Dye A\" holds a value that is not a number")
             << value;
 }
 
