@@ -5,6 +5,9 @@
 
 namespace {
 
+// So many stand in one row on paper.
+constexpr int fewMaps = 4;
+
 // Light and dark grounds alike keep the pictures on white; paper has no shadows and no colours behind text.
 const char* const styleSheet = R"(
 :root { color-scheme: light; --ink: #1b1f24; --soft: #5c6670; --line: #d9dee3; --ground: #f4f6f8; --accent: #0b5c8a; }
@@ -24,7 +27,7 @@ dt { color: var(--soft); font-size: 13px; }
 dd { margin: 0; font-size: 17px; font-weight: 600; overflow-wrap: anywhere; }
 figure { margin: 0; break-inside: avoid; }
 img { display: block; max-width: 100%; height: auto; }
-.large img { max-height: 720px; margin: 0 auto; }
+.large img { width: auto; max-height: 720px; margin: 0 auto; }
 .large { display: grid; gap: 20px; }
 .grid { display: grid; grid-template-columns: repeat(auto-fill, minmax(240px, 1fr)); gap: 20px; align-items: start; }
 .scroll { overflow-x: auto; }
@@ -49,6 +52,7 @@ footer { margin-top: 32px; color: var(--soft); font-size: 13px; }
   h2 { break-after: avoid; margin-top: 18pt; }
   .large img { max-height: 120mm; }
   .grid { grid-template-columns: repeat(3, 1fr); gap: 4mm; }
+  .few { grid-template-columns: repeat(4, 1fr); }
   .scroll { overflow: visible; }
   th, td { padding: 3px 6px; }
   tr, .settings section { break-inside: avoid; }
@@ -153,7 +157,9 @@ QByteArray reportHtml(const ReportContent& content)
             QLatin1String(styleSheet) + QStringLiteral("</style>\n</head>\n<body>\n<main>\n");
     html += headHtml(content);
     html += figuresHtml(QStringLiteral("Composite"), QStringLiteral("large"), content.composites);
-    html += figuresHtml(QStringLiteral("Maps"), QStringLiteral("grid"), content.maps);
+    html +=
+        figuresHtml(QStringLiteral("Maps"),
+                    content.maps.size() > fewMaps ? QStringLiteral("grid") : QStringLiteral("grid few"), content.maps);
     html += figuresHtml(QStringLiteral("Spectra"), QStringLiteral("large"), content.plots);
     if (!content.components.rows.isEmpty())
         html += QStringLiteral("<h2>Components</h2>\n<div class=\"scroll components\">\n") +

@@ -197,7 +197,7 @@ private:
             block += i % 2 == 0 ? QStringLiteral("<tr bgcolor=\"#f2f4f6\">") : QStringLiteral("<tr>");
             for (int k = 0; k < table.rows[i].size(); ++k)
                 block += cellBegin(k, pairs) + (k == 0 ? patch(table.colors.value(i)) : QString()) +
-                         cellText(table.rows[i][k], k == 0) + QStringLiteral("</td>");
+                         escaped(table.rows[i][k]) + QStringLiteral("</td>");
             block += QStringLiteral("</tr>");
         }
         block += QStringLiteral("</table>");
@@ -208,13 +208,8 @@ private:
     {
         if (bPairs)
             return nColumn == 0 ? QStringLiteral("<td width=\"35%\">") : QStringLiteral("<td>");
-        return nColumn == 0 ? QStringLiteral("<td width=\"22%\">") : QStringLiteral("<td align=\"right\">");
-    }
-
-    static QString cellText(const QString& strText, bool bOneLine)
-    {
-        QString text = escaped(strText);
-        return bOneLine ? text.replace(QLatin1Char(' '), QLatin1String("&nbsp;")) : text;
+        return nColumn == 0 ? QStringLiteral("<td style=\"white-space:nowrap; font-size:7.5pt\">")
+                            : QStringLiteral("<td align=\"right\" style=\"white-space:nowrap; font-size:7.5pt\">");
     }
 
     static QString patch(const QString& strColor)

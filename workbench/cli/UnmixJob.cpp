@@ -4,6 +4,7 @@
 #include "engine/CORVSpumKyvo.h"
 #include "engine/EngineEnums.h"
 #include "engine/runTexts.h"
+#include "host/CORVDatabase.h"
 #include "host/CORVLog.h"
 #include "host/CORVSequenceDataset.h"
 #include "platform/orvutils/StagedFolder.h"
@@ -63,6 +64,7 @@ void UnmixJob::run()
     m_setUp.checkImages(checkedFraction);
     if (isAutomatic())
         checkConstantImages();
+    takeIsotope();
     fit();
 
     ResultFiles files(m_setUp.engine(), m_numbers, folder.path());
@@ -164,6 +166,17 @@ void UnmixJob::checkConstantImages()
     if (!constant.isEmpty())
         m_session.warn(QStringLiteral("in these images all pixels that are analysed have one value: %1")
                            .arg(constant.join(QStringLiteral(", "))));
+}
+
+// A result tells of the isotope also where its decay is not corrected for.
+void UnmixJob::takeIsotope()
+{
+    AnalysisInput& input = m_setUp.engine().m_analysisInput;
+    QString isotope;
+    if (!input.isotope.isEmpty() || !m_setUp.opened().sequence().isCherenkovIsotopeInData(isotope))
+        return;
+    input.isotope = isotope;
+    input.halfLifeSeconds = CORVDatabase::getCherenkovRADHalflife(isotope);
 }
 
 void UnmixJob::fit()

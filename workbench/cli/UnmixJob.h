@@ -38,6 +38,7 @@ private:
     void takeSpectra();
     void takeComponents();
     void checkConstantImages();
+    void takeIsotope();
     void fit();
     ReportFrame reportFrame();
     void showPictures();

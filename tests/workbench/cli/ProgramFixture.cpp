@@ -3,6 +3,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QRegularExpression>
 
 ProgramResult ProgramFixture::succeed(const QStringList& arguments) const
 {
@@ -24,6 +25,16 @@ QString ProgramFixture::refusal(const QStringList& arguments, int nStatus) const
 }
 
 // The plain sequence is made once and copied from then on.
+QByteArray ProgramFixture::lastingContentOf(const QString& strFile) const
+{
+    QString text = QString::fromUtf8(contentOf(strFile));
+    if (!strFile.endsWith(QStringLiteral("report.html")))
+        return contentOf(strFile);
+    for (const char* part : {"<pre>[^<]*</pre>", "<footer>[^<]*</footer>"})
+        text.remove(QRegularExpression(QLatin1String(part)));
+    return text.toUtf8();
+}
+
 void ProgramFixture::simulate(const QStringList& options) const
 {
     static const QTemporaryDir store;

@@ -28,6 +28,9 @@ protected:
     // the rest of that line is returned.
     QString refusal(const QStringList& arguments, int nStatus = 1) const;
 
+    // The content of a file of results; of a report without the command and the time that made it.
+    QByteArray lastingContentOf(const QString& strFile) const;
+
     // A simulated sequence "seq", 64 x 64 pixels, 8 bands, binning 4.
     void simulate(const QStringList& options = {}) const;
     // The true spectra of "seq", in a unit.

@@ -7,7 +7,7 @@
 #include "workbench/cli/SavedDocument.h"
 
 #include <QDir>
-#include <QProcess>
+#include <QJsonDocument>
 #include <QRegularExpression>
 
 #include <algorithm>
@@ -273,4 +273,27 @@ TEST_F(ResultsProgramTest, TheReportOfARunTellsItsCommand)
     EXPECT_EQ(html.count("<img "), 4); // composite, two maps, spectra
     EXPECT_TRUE(contentOf(path("run/report.pdf")).startsWith("%PDF"));
     EXPECT_TRUE(QFileInfo::exists(path("run/composite.png")));
+}
+
+TEST_F(ResultsProgramTest, TheDecayOfAnIsotopeIsKeptWithItsState)
+{
+    QDir().rename(path("seq"), path("small"));
+    succeed({"simulate", "seq", "--kind", "cherenkov", "--size", "64", "--quiet"});
+    const QStringList run{"unmix", "seq", "--ncomponents", "2", "--force", "--quiet"};
+    succeed(run + QStringList{"--save", "plain", "--out", path("plain")});
+    succeed(run + QStringList{"--save", "corrected", "--decay", "auto", "--out", path("corrected")});
+    EXPECT_FALSE(succeed({"results", "show", "seq", "plain", "--json"}).json()["decayCorrected"].toBool(true));
+    EXPECT_TRUE(succeed({"results", "show", "seq", "corrected", "--json"}).json()["decayCorrected"].toBool(false));
+    const QString text = QString::fromUtf8(succeed({"results", "show", "seq", "plain"}).out);
+    EXPECT_TRUE(text.contains(QRegularExpression("decay of \\S+ \\(half life [0-9.]+ min\\): not corrected")))
+        << qPrintable(text);
+    // Each comes back in its own state.
+    for (const QString& name : {QStringLiteral("plain"), QStringLiteral("corrected")}) {
+        const auto loaded = succeed({"results", "load", "seq", name, "--out", path("again-" + name), "--json"}).json();
+        const auto made = QJsonDocument::fromJson(contentOf(path(name + "/summary.json"))).object();
+        EXPECT_NEAR(loaded["residual"].toDouble(), made["residual"].toDouble(), 0.02 * made["residual"].toDouble());
+        EXPECT_NEAR(loaded["components"].toArray()[0].toObject()["maximum"].toDouble(),
+                    made["components"].toArray()[0].toObject()["maximum"].toDouble(),
+                    0.05 * made["components"].toArray()[0].toObject()["maximum"].toDouble());
+    }
 }
