@@ -1,0 +1,171 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "odd_inputs/OddCase.h"
+#include "odd_inputs/OddTexts.h"
+#include "odd_inputs/OddTiff.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+#include <sys/stat.h>
+
+namespace {
+
+using C = OddCase;
+
+const QString umlauts = QStringLiteral(u"M\u00e4use und gr\u00fcne K\u00fche (neu)/");
+
+QString beside(const QString& path, const QString& name)
+{
+    return QFileInfo(path).path() + QLatin1Char('/') + name;
+}
+
+void putSound(const QString& path)
+{
+    OddTexts::putSequence(path, OddTexts::sequenceInfo(3));
+}
+
+OddCase program(const QByteArray& name, const QStringList& arguments, const QString& file,
+                const std::function<void(const QString&)>& make, OddCase::Outcome outcome, const QString& says,
+                bool plainUser = false)
+{
+    return {"Program" + name, OddReaders::spum(arguments), file, make, outcome, says, plainUser};
+}
+
+OddCases sequences()
+{
+    const QString file = QStringLiteral("SequenceInfo.txt");
+    const QStringList info{"info", "{dir}"};
+    return {
+        program("InfoOfPathWithBlanksAndUmlauts", info, umlauts + file, putSound, C::Silent, "{...}Odd one{...}"),
+        program(
+            "InfoOfNothing", {"info", "{dir}/none"}, file, [](const QString&) {}, C::Refused,
+            "spum: {dir}/none: is no sequence folder"),
+        program(
+            "InfoOfAFile", {"info", "{path}"}, "image.tif",
+            [](const QString& path) { putFile(path, OddTiff().bytes()); }, C::Refused,
+            "spum: {path}: is no sequence folder"),
+        program(
+            "InfoOfUnreadableFolder", info, "closed/" + file,
+            [](const QString& path) {
+                putSound(path);
+                ::chmod(QFile::encodeName(QFileInfo(path).path()).constData(), 0);
+            },
+            C::Refused, "spum: {dir}: holds no dataset that can be read; {...}", true),
+        program(
+            "InfoOfManyMissingDatasets", info, file,
+            [](const QString& path) {
+                OddTexts::putSequence(path,
+                                      OddTexts::sections(OddTexts::many("[Sequence]\nSequence ID: odd\n[Datasets]\n",
+                                                                        "Dataset: no%\n", 100000)));
+                for (const char* folder : {"C1", "C2", "C3"})
+                    QDir(beside(path, QLatin1String(folder))).removeRecursively();
+            },
+            C::Refused, "spum: {dir}: holds no dataset that can be read; {...}more warnings"),
+        program(
+            "PcaWithCutImage", {"pca", "{dir}", "--mask", "none", "--out", "{out}"}, file,
+            [](const QString& path) {
+                putSound(path);
+                const QByteArray bytes = OddTiff().deflated().bytes();
+                putFile(beside(path, QStringLiteral("C2/luminescent.TIF")), bytes.left(bytes.size() * 7 / 10));
+            },
+            C::Refused, "spum: the image NC2 cannot be read; --verbose tells more"),
+        program(
+            "CompareWithBrokenSummary", {"compare", "{dir}", "{dir}/a", "{dir}/a"}, file,
+            [](const QString& path) {
+                putSound(path);
+                OddTexts::putResult(beside(path, QStringLiteral("a/summary.json")), OddTexts::summary().left(60));
+            },
+            C::Refused, "spum: {dir}/a/summary.json:{n}: {...}"),
+        program(
+            "RegionsIntoUnreadableClickInfo", {"roi", "{dir}", "add", "--shape", "rect:0,0,64,64"}, file,
+            [](const QString& path) {
+                putSound(path);
+                putFile(beside(path, QStringLiteral("C2/ClickInfo.txt")),
+                        OddTexts::clickInfo("NC2", "520nm").replace("Probe", "nothing\nProbe"));
+            },
+            C::Refused,
+            "spum: {dir}/C2/ClickInfo.txt:11: neither \"[section]\" nor \"key: value\", the line is skipped; mend this "
+            "first, to store "
+            "regions writes the file anew"),
+    };
+}
+
+OddCases imports()
+{
+    const auto putStack = [](const QString& path) {
+        putFile(path, OddTexts::imagesTable());
+        for (const char* name : {"cells_00.tif", "cells_01.tif", "cells_02.tif"})
+            putFile(beside(path, QStringLiteral("stack/") + QLatin1String(name)), OddTiff().bytes());
+    };
+    const QStringList table{"import", "{dir}/stack", "{out}", "--images", "{path}"};
+    return {
+        program("ImportOfPathWithBlanksAndUmlauts", table, umlauts + "images.csv", putStack, C::Silent, "{...}"),
+        program(
+            "ImportOfOneImageTwice", table, "images.csv",
+            [putStack](const QString& path) {
+                putStack(path);
+                putFile(path, OddTexts::imagesTable().replace("cells_01", "cells_00"));
+            },
+            C::Refused, "spum: {path}:3: cells_00.tif is the image of line 2 again"),
+        program(
+            "ImportOfImageOutsideTheStack", table, "images.csv",
+            [putStack](const QString& path) {
+                putStack(path);
+                putFile(path, OddTexts::imagesTable().replace("cells_01.tif", "none.tif"));
+            },
+            C::Refused, "spum: {path}:3: {dir}/stack/none.tif: there is no such file"),
+        program(
+            "ImportOfImagesOfTwoSizes", table, "images.csv",
+            [putStack](const QString& path) {
+                putStack(path);
+                putFile(beside(path, QStringLiteral("stack/cells_01.tif")),
+                        OddTiff().set(OddTiff::Height, OddTiff::Short, {4}).setBlocks({QByteArray(256, 'a')}).bytes());
+            },
+            C::Refused, "spum: {path}:3: cells_01.tif has 32 x 4 pixels where cells_00.tif has 32 x 32"),
+        program(
+            "ImportOfCutImage", table, "images.csv",
+            [putStack](const QString& path) {
+                putStack(path);
+                const QByteArray bytes = OddTiff().deflated().bytes();
+                putFile(beside(path, QStringLiteral("stack/cells_01.tif")), bytes.left(bytes.size() * 7 / 10));
+            },
+            C::Refused, "spum: {dir}/stack/cells_01.tif: {...}"),
+        program(
+            "ImportOfLinkInACircle", {"import", "{path}", "{out}"}, "stack",
+            [](const QString& path) { QFile::link("stack", path); }, C::Refused,
+            "spum: {path}: there is no such file or folder"),
+        program(
+            "ImportOfEmptyFolder", {"import", "{dir}/stack", "{out}"}, "stack/readme.txt",
+            [](const QString& path) { putFile(path, "hello"); }, C::Refused, "spum: {...}"),
+        program(
+            "ImportOfFolderWithABrokenHeader", {"import", "{dir}", "{dir}-out"}, "stack/cube.hdr",
+            [](const QString& path) { putFile(path, "ENVI\nsamples = many\n"); }, C::Refused,
+            "spum: {path}: line 2: \"samples\" is \"many\", not a whole number from 1 to 16777216"),
+        program(
+            "ImportOfUnreadableStack", {"import", "{path}", "{out}"}, "stack.tif",
+            [](const QString& path) {
+                putFile(path, OddTiff().bytes());
+                ::chmod(QFile::encodeName(path).constData(), 0);
+            },
+            C::Refused, "spum: {path}: Permission denied", true),
+        program(
+            "ImportWithPhotographOfHugeSize", table + QStringList{"--photo", "{dir}/photo.jpg"}, "images.csv",
+            [putStack](const QString& path) {
+                putStack(path);
+                putFile(beside(path, QStringLiteral("photo.jpg")), "P6\n30000 30000\n255\n");
+            },
+            C::Refused,
+            "spum: {dir}/photo.jpg: the header claims 30000 x 30000 pixels, more than a file of {n} bytes can hold"),
+    };
+}
+
+} // namespace
+
+OddCases programCases()
+{
+    OddCases cases = sequences();
+    const OddCases more = imports();
+    cases.insert(cases.end(), more.begin(), more.end());
+    return cases;
+}
