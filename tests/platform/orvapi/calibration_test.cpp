@@ -5,6 +5,7 @@
 #include "host/orv_calibration.h"
 
 #include <QFile>
+#include <QMap>
 
 using namespace sequencefolders;
 
@@ -223,6 +224,27 @@ TEST_F(CalibrationTest, DataStoredAsEfficiencyComeAsTheyAreAndInNoOtherUnit)
     double factor = 9.0;
     EXPECT_FALSE(ORV_getImageIntensityCalibrationValue(IMAGETYPE_MAIN_DATA, &m_dataset, "counts", &factor));
     EXPECT_EQ(factor, 9.0);
+}
+
+// As an import leaves what an export wrote. The figures that could calibrate counts do not count.
+TEST_F(CalibrationTest, DataStoredInAUnitComeAsTheyAreAndInNoOther)
+{
+    const QMap<tag_edisplayunit, const char*> texts{{DISPLAYUNIT_RADIANCE, "Radiance"},
+                                                    {DISPLAYUNIT_RADIANT_EFFICIENCY, "radiant efficiency"},
+                                                    {DISPLAYUNIT_EFFICIENCY, "3"}};
+    for (auto stored = texts.cbegin(); stored != texts.cend(); ++stored) {
+        DatasetDescription click = fullClick("C1");
+        setKey(click.info, ClickKeys::kLuminescentImage, ClickKeys::kStoredUnit, stored.value());
+        makeDataset(click, flatImage(2, 2, 0.125, 4.0F));
+        EXPECT_EQ(m_dataset.nativeUnit, stored.key());
+        EXPECT_EQ(pixel(stored.key()), 0.125) << stored.value();
+        for (const tag_edisplayunit unit :
+             {DISPLAYUNIT_COUNTS, DISPLAYUNIT_RADIANCE, DISPLAYUNIT_RADIANT_EFFICIENCY, DISPLAYUNIT_EFFICIENCY})
+            if (unit != stored.key())
+                expectUnavailable(unit, "the data are stored as");
+        double factor = 9.0;
+        EXPECT_FALSE(ORV_getImageIntensityCalibrationValue(IMAGETYPE_MAIN_DATA, &m_dataset, "photons", &factor));
+    }
 }
 
 TEST_F(CalibrationTest, ImagesHeldInMemoryBringTheirBinning)

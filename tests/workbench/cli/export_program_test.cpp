@@ -8,6 +8,7 @@
 #include "workbench/cli/CubeFiles.h"
 
 #include <QDir>
+#include <QMap>
 #include <QXmlStreamReader>
 
 #include <sys/stat.h>
@@ -142,8 +143,9 @@ TEST_F(ExportProgramTest, OmeXmlTellsChannelsAndSizes)
             }
         }
     EXPECT_FALSE(xml.hasError()) << qPrintable(xml.errorString());
-    EXPECT_EQ(elements, (QStringList{"OME", "Image", "Description", "Pixels", "Channel", "Channel", "TiffData",
-                                     "TiffData", "Plane", "Plane"}));
+    EXPECT_EQ(elements,
+              (QStringList{"OME", "Image", "Description", "Pixels", "Channel", "Channel", "TiffData", "TiffData",
+                           "Plane", "Plane", "AnnotationRef", "StructuredAnnotations", "MapAnnotation", "Value", "M"}));
 }
 
 TEST_F(ExportProgramTest, AnEnviCubeHasTwoFiles)
@@ -220,6 +222,157 @@ TEST_F(ExportProgramTest, OneImageIsACubeToo)
     for (const QString& format : formats) {
         succeed({"export", "in", "--format", format, "--out", fileOf(format)});
         succeed({"import", fileOf(format), format});
+        EXPECT_EQ(pixelsOf(format), pixelsOf("in")) << qPrintable(format);
+    }
+}
+
+// What an import makes of images that are no squares is taken back.
+TEST_F(ExportProgramTest, ImagesComeOutAsTheyWentIn)
+{
+    const CILImage image = imageOf(6, 4, [](int i) { return 1.0F / (static_cast<float>(i) - 7.5F); });
+    writeTiffFile("stack/ex640_em700.tif", image);
+    writeTiffFile("stack/ex640_em720.tif", image);
+    succeed({"import", "stack", "in", "--exposure", "0.1,3", "--pixel-size", "12.3"});
+    for (const QString& format : formats) {
+        const QJsonObject json =
+            succeed({"export", "in", "--format", format, "--out", fileOf(format), "--json"}).json();
+        EXPECT_EQ(json["width"], 6) << qPrintable(format);
+        EXPECT_EQ(json["height"], 4) << qPrintable(format);
+        const QJsonObject back = succeed({"import", fileOf(format), format, "--json"}).json();
+        EXPECT_EQ(back["width"], 6);
+        EXPECT_EQ(back["height"], 4);
+        EXPECT_EQ(pixelsOf(format), pixelsOf("in")) << qPrintable(format);
+        CORVSequenceDataset sequence;
+        ASSERT_EQ(sequence.open(path(format)), ESTATUS_SUCCESS);
+        double seconds = 0.0;
+        QString size;
+        EXPECT_EQ(sequence.getDatasets()[1]->getExposureTime(&seconds), format != "csv");
+        const auto* camera = sequence.getDatasets()[1]->clickInfo["Camera System Info"];
+        EXPECT_EQ(camera != nullptr, format != "csv");
+        if (camera != nullptr) {
+            EXPECT_EQ(seconds, 3.0);
+            camera->getValue("Pixel Size cm", &size);
+            EXPECT_DOUBLE_EQ(size.toDouble(), 0.00123);
+        }
+    }
+    CILImage page;
+    ASSERT_TRUE(readTiff(path("cube.ome.tif"), 1, page, nullptr));
+    ASSERT_EQ(page.pixelCount(), image.pixelCount());
+    EXPECT_EQ(std::memcmp(page.floats(), image.floats(), image.pixelCount() * sizeof(float)), 0);
+}
+
+// Every kind goes out in the unit of its analysis and comes back without a doubt as what it was.
+TEST_F(ExportProgramTest, EveryKindComesBack)
+{
+    const QMap<QString, QStringList> kinds{{"luminescent", {"--bands", "2"}},
+                                           {"transillumination", {"--bands", "2", "--spots", "3"}},
+                                           {"temporal", {"--times", "0,20,100000"}},
+                                           {"temporal-without-keys", {"--times", "0,20,40", "--no-time-keys"}},
+                                           {"cherenkov", {"--bands", "2"}}};
+    for (auto kind = kinds.cbegin(); kind != kinds.cend(); ++kind) {
+        const QString name = kind.key();
+        succeed(QStringList{"simulate", name, "--size", "64", "--kind", name.section("-", 0, 0)} + kind.value());
+        CORVSequenceDataset sequence;
+        ASSERT_EQ(sequence.open(path(name)), ESTATUS_SUCCESS);
+        for (const QString& format : formats) {
+            const QString file = name + "-" + fileOf(format);
+            const QString back = name + "-" + format;
+            succeed({"export", name, "--format", format, "--out", file, "--quiet"});
+            succeed({"import", file, back});
+            CORVSequenceDataset copy;
+            ASSERT_EQ(copy.open(path(back)), ESTATUS_SUCCESS);
+            EXPECT_EQ(copy.isFluorescence, sequence.isFluorescence) << qPrintable(back);
+            EXPECT_EQ(copy.isTransillumination, sequence.isTransillumination) << qPrintable(back);
+            EXPECT_EQ(copy.isKyvoSequence(), sequence.isKyvoSequence()) << qPrintable(back);
+            const QJsonObject info = succeed({"info", back, "--json"}).json();
+            const QString unit = succeed({"info", name, "--json"}).json()["unit"].toString();
+            EXPECT_EQ(info["unit"], format == "csv" ? "Counts" : unit) << qPrintable(back);
+            const auto datasets = sequence.getDatasets();
+            const auto copies = copy.getDatasets();
+            ASSERT_EQ(copies.size(), datasets.size()) << qPrintable(back);
+            const int number = QStringList{"Counts", "Radiance", "Radiant Efficiency", "Efficiency"}.indexOf(unit);
+            for (int i = 0; i < datasets.size(); ++i) {
+                EXPECT_EQ(copies[i]->getFLXspot(), datasets[i]->getFLXspot()) << qPrintable(back);
+                EXPECT_EQ(copies[i]->getFLYspot(), datasets[i]->getFLYspot()) << qPrintable(back);
+                EXPECT_EQ(copies[i]->getExcitationFilter(), datasets[i]->getExcitationFilter()) << qPrintable(back);
+                EXPECT_EQ(copies[i]->getEmissionFilter(), datasets[i]->getEmissionFilter()) << qPrintable(back);
+                double before = -1.0;
+                double after = -1.0;
+                datasets[i]->getExposureStart(&before);
+                EXPECT_EQ(copies[i]->getExposureStart(&after), format != "csv");
+                EXPECT_TRUE(format == "csv" || before == after) << qPrintable(back);
+                CILImage image;
+                ASSERT_EQ(datasets[i]->getCalibratedLuminImage(static_cast<tag_edisplayunit>(number), &image, "test"),
+                          ESTATUS_SUCCESS);
+                const CILImage* stored = copies[i]->getCoreImage(IMAGETYPE_LUMINESCENT);
+                ASSERT_NE(stored, nullptr);
+                ASSERT_EQ(stored->pixelCount(), image.pixelCount());
+                EXPECT_EQ(std::memcmp(stored->floats(), image.floats(), image.pixelCount() * sizeof(float)), 0)
+                    << qPrintable(back) << " image " << i;
+            }
+        }
+    }
+}
+
+// An isotope and the starts of the exposures are what a correction for decay needs.
+TEST_F(ExportProgramTest, DecayCanBeCorrectedAfterwards)
+{
+    succeed({"simulate", "in", "--size", "64", "--kind", "cherenkov", "--bands", "3"});
+    for (const QString& format : {QString("ome-tiff"), QString("envi")}) {
+        succeed({"export", "in", "--format", format, "--out", fileOf(format)});
+        succeed({"import", fileOf(format), format});
+        CORVSequenceDataset in;
+        CORVSequenceDataset out;
+        ASSERT_EQ(in.open(path("in")), ESTATUS_SUCCESS);
+        ASSERT_EQ(out.open(path(format)), ESTATUS_SUCCESS);
+        QString isotope;
+        EXPECT_TRUE(out.isCherenkovIsotopeInData(isotope));
+        EXPECT_EQ(isotope, "F-18");
+        const auto factorsOf = [](CORVSequenceDataset& sequence) {
+            QVector<QString> clicks;
+            for (auto* dataset : sequence.getDatasets())
+                clicks.append(dataset->getClickNumber());
+            QVector<double> factors;
+            EXPECT_TRUE(sequence.calculateDecayCorrectFactor_CherenkovData(clicks, 6586.2, factors));
+            return factors;
+        };
+        EXPECT_EQ(factorsOf(out), factorsOf(in));
+    }
+}
+
+// More pixels than a block of rows holds.
+TEST_F(ExportProgramTest, ACsvFileOfManyBlocksIsWhatOneWouldBe)
+{
+    constexpr int images = 60;
+    constexpr int side = 200;
+    const auto value = [](int k, int i) { return 1e-3F * static_cast<float>((i * 7 + k * 13) % 9973) - 2.0F; };
+    for (int k = 0; k < images; ++k)
+        writeTiffFile(QStringLiteral("stack/t%1s.tif").arg(2 * k),
+                      imageOf(side, side, [&](int i) { return value(k, i); }));
+    succeed({"import", "stack", "in", "--quiet"});
+    succeed({"export", "in", "--format", "csv", "--out", "cube.csv"});
+    const QList<QByteArray> lines = contentOf(path("cube.csv")).split('\n');
+    ASSERT_EQ(lines.size(), side * side + 2);
+    for (int i = 0; i < side * side; i += 997) {
+        QByteArray expected = QByteArray::number(i % side) + ',' + QByteArray::number(i / side);
+        for (int k = 0; k < images; ++k)
+            expected += ',' + QByteArray::number(static_cast<double>(value(k, i)), 'g', 9);
+        ASSERT_EQ(lines[i + 1], expected) << i;
+    }
+    succeed({"import", "cube.csv", "back", "--quiet"});
+    EXPECT_EQ(pixelsOf("back"), pixelsOf("in"));
+    EXPECT_FALSE(entriesOf(path(".")).join(' ').contains(".cube")) << "the images that waited";
+}
+
+TEST_F(ExportProgramTest, ATimeBeforeZeroComesBack)
+{
+    importImages("file,time\na.tif,-20.5\nb.tif,100000\n");
+    for (const QString& format : formats) {
+        const QJsonObject json =
+            succeed({"export", "in", "--format", format, "--out", fileOf(format), "--json"}).json();
+        EXPECT_EQ(json["images"].toArray().toVariantList(), (QVariantList{"t=-20.5s", "t100000s"}));
+        succeed({"import", fileOf(format), format});
+        EXPECT_EQ(keysOf(format), keysOf("in")) << qPrintable(format);
         EXPECT_EQ(pixelsOf(format), pixelsOf("in")) << qPrintable(format);
     }
 }

@@ -125,9 +125,9 @@ TEST_F(RoiProgramTest, NumbersGoIntoATableWithAllDigits)
     EXPECT_EQ(listed(), QStringList{QString::fromUtf8("Gro\xC3\x9F, \"links\"")});
     succeed({"roi", "seq", "measure", "--unit", "counts", "--csv", "numbers.csv", "--quiet"});
     const QByteArray head =
-        "source,image,excitation,emission,time_s,region,shape,unit,pixels,invalid_pixels,area_cm2,"
+        "source,image,excitation,emission,spot_x,spot_y,time_s,region,shape,unit,pixels,invalid_pixels,area_cm2,"
         "sum,mean,minimum,maximum,standard_deviation\n"
-        "sequence,SMALL-000,640nm,700nm,,\"Gro\xC3\x9F, \"\"links\"\"\",\"rect:1,1,2,2\",Counts,4,0,4,"
+        "sequence,SMALL-000,640nm,700nm,,,,\"Gro\xC3\x9F, \"\"links\"\"\",\"rect:1,1,2,2\",Counts,4,0,4,"
         "30,7.5,5,10,2.0615528128088303\n";
     const QByteArray csv = contentOf(path("numbers.csv"));
     EXPECT_TRUE(csv.startsWith(head)) << csv.constData();

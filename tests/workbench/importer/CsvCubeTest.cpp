@@ -75,3 +75,33 @@ TEST_F(CsvCubeTest, ALineWithoutEndIsRefused)
 {
     EXPECT_FALSE(refusal("x,y,a\n0,0," + QByteArray(3 * 1024 * 1024, '1')).isEmpty());
 }
+
+// 3000 columns take a block of rows each 1400 pixels or so.
+TEST_F(CsvCubeTest, ImagesAreWholeOverManyBlocks)
+{
+    constexpr int bands = 3000;
+    constexpr int side = 60;
+    const auto value = [](int i, int k) { return (i * 31 + k) % 1000; };
+    QByteArray text = "x,y";
+    for (int k = 0; k < bands; ++k) {
+        text += ",t" + QByteArray::number(k) + "s";
+    }
+    text += '\n';
+    for (int i = 0; i < side * side; ++i) {
+        text += QByteArray::number(i % side) + ',' + QByteArray::number(i / side);
+        for (int k = 0; k < bands; ++k) {
+            text += ',' + QByteArray::number(value(i, k));
+        }
+        text += '\n';
+    }
+    CsvCube cube;
+    QString error;
+    ASSERT_TRUE(cube.open(write("cube.csv", text), &error)) << qPrintable(error);
+    for (const int k : {0, 1, 1499, bands - 1}) {
+        CILImage image;
+        ASSERT_TRUE(cube.readBand(k, image, &error)) << qPrintable(error);
+        for (int i = 0; i < side * side; ++i) {
+            ASSERT_EQ(image.floats()[i], static_cast<float>(value(i, k))) << k << " " << i;
+        }
+    }
+}

@@ -113,7 +113,7 @@ TEST(EnviHeaderTest, RefusesByLine)
     EXPECT_EQ(refusal(replaced("lines = 3", "lines = 3.5")),
               "line 3: \"lines\" is \"3.5\", not a whole number from 1 to 16777216");
     EXPECT_EQ(refusal(replaced("bands = 2", "bands = -2")),
-              "line 4: \"bands\" is \"-2\", not a whole number from 1 to 16777216");
+              "line 4: \"bands\" is \"-2\", not a whole number from 1 to 65536");
     EXPECT_EQ(refusal(replaced("bsq", "bsx")), "line 6: \"interleave\" is \"bsx\", not bsq, bil or bip");
     EXPECT_EQ(refusal(with("byte order = 2")), "line 7: \"byte order\" is \"2\", not a whole number from 0 to 1");
     EXPECT_EQ(refusal(with("header offset = -1")),
@@ -138,9 +138,8 @@ TEST(EnviHeaderTest, RefusesTypesThatItDoesNotKnow)
 
 TEST(EnviHeaderTest, RefusesMoreThanAFileCanHold)
 {
-    EXPECT_EQ(
-        refusal("ENVI\nsamples = 16777216\nlines = 16777216\nbands = 16777216\ndata type = 5\ninterleave = bip\n"),
-        "16777216 x 16777216 pixels in 16777216 bands are too many");
+    EXPECT_EQ(refusal("ENVI\nsamples = 16777216\nlines = 16777216\nbands = 65536\ndata type = 5\ninterleave = bip\n"),
+              "16777216 x 16777216 pixels in 65536 bands are too many");
     // The largest that is let through does not overflow.
     const EnviHeader large =
         parsed("ENVI\nsamples = 16777216\nlines = 16777216\nbands = 2000\ndata type = 5\ninterleave = bip\n");
@@ -156,4 +155,21 @@ TEST(EnviHeaderTest, EveryShorterTextIsRefusedOrRead)
         EXPECT_EQ(bRead, error.isEmpty()) << n;
         EXPECT_EQ(bRead, header.width > 0) << n;
     }
+}
+
+TEST(EnviHeaderTest, ReadsWhatAnExportNotes)
+{
+    const EnviHeader header = parsed(minimal + "orvia exposure seconds = {0.5, -}\norvia start = 2024-03-05T09:30:00\n"
+                                               "Orvia Pixel Size Micrometres = 12.5\norvia isotope = {F-18}\n"
+                                               "orvia unit = radiance\n");
+    ASSERT_EQ(header.facts.size(), 2);
+    EXPECT_EQ(header.facts[0].exposure, 0.5);
+    EXPECT_FALSE(header.facts[1].exposure);
+    EXPECT_EQ(header.facts[1].start, "2024-03-05T09:30:00.000"); // one for all
+    EXPECT_EQ(header.facts[1].pixelSize, 12.5);
+    EXPECT_EQ(header.facts[1].isotope, "F-18");
+    EXPECT_EQ(header.facts[1].unit, "Radiance");
+    EXPECT_TRUE(parsed(minimal).facts.isEmpty());
+    EXPECT_TRUE(parsed(with("orvia exposure seconds = {1, 2, 3}")).facts.isEmpty());
+    EXPECT_TRUE(parsed(with("orvia unit = lux")).facts.isEmpty());
 }

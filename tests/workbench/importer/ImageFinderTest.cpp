@@ -88,6 +88,15 @@ TEST_F(ImageFinderTest, OtherFilesArePassedOverWithAWord)
     EXPECT_EQ(m_finder.warnings(), QStringList("notes.txt and 1 more files are passed over"));
 }
 
+TEST_F(ImageFinderTest, ATableInTheFolderIsPointedOut)
+{
+    writeRamp("in/em700.tif", 1);
+    write("in/images.csv", "file,emission\nem700.tif,720\n");
+    EXPECT_EQ(table(path("in")), "em700.tif,,700,name: em700\n");
+    EXPECT_EQ(m_finder.warnings(),
+              QStringList("images.csv lies in the folder and is not used; --images takes such a table"));
+}
+
 TEST_F(ImageFinderTest, WhatCannotBeReadIsNamed)
 {
     QDir().mkpath(path("empty"));

@@ -273,7 +273,9 @@ TEST_F(ImporterTest, RefusesTimesByImageName)
     const auto temporal = [this](const char* rows) { return refusalOf(QByteArray("file,time,emission\n") + rows); };
     EXPECT_EQ(temporal("a.tif,1.2,\nb.tif,1.9,\n"), ":3: b.tif shares second 1 with a.tif (line 2)");
     EXPECT_EQ(temporal("a.tif,1.2,\nb.tif,,\n"), ":3: b.tif: the time is missing, which other rows have");
-    EXPECT_EQ(temporal("a.tif,1.2,510\n"), ":2: a.tif: a wavelength is given in a table of times");
+    EXPECT_EQ(
+        temporal("a.tif,1.2,510\nb.tif,3,530\n"),
+        ":3: b.tif: the wavelengths are not those of the first row, and a sequence is either spectral or temporal");
     EXPECT_EQ(temporal("a.tif,16777216,\n"), ":2: a.tif: the time 16777216 s is not within 16777216 s");
     // Before and after zero are one second, as both are cut to 0.
     EXPECT_EQ(temporal("a.tif,-0.5,\nb.tif,0.5,\n"), ":3: b.tif shares second 0 with a.tif (line 2)");
@@ -559,4 +561,63 @@ TEST_F(ImporterTest, TellsOfColumnsPassedOver)
     makeStack("file,emission,stain\na.tif,510,x\n");
     ASSERT_TRUE(import()) << qPrintable(m_error);
     EXPECT_EQ(m_report.warnings, QStringList{"the column \"stain\" is passed over"});
+}
+
+TEST_F(ImporterTest, TimesMayStandBesideWavelengthsThatAreTheSameInAll)
+{
+    makeStack();
+    m_options.table = write("images.csv", "file,excitation,emission,time\na.tif,640,700,0\nb.tif,640,700,5\n");
+    import();
+    CORVSequenceDataset sequence;
+    ASSERT_EQ(sequence.open(m_options.output), ESTATUS_SUCCESS);
+    EXPECT_TRUE(sequence.isKyvoSequence());
+    EXPECT_TRUE(sequence.isFluorescence);
+    EXPECT_EQ(sequence.getDatasets()[1]->getExcitationFilter(), "640nm");
+    EXPECT_EQ(value(sequence.getDatasets()[1], "ClickNumber", "KyVo Time(s)"), "5");
+}
+
+TEST_F(ImporterTest, ATableTellsSpotsAndWhatElseIsKnown)
+{
+    makeStack();
+    m_options.table =
+        write("images.csv", "file,excitation,emission,spot_x,spot_y,exposure,pixel_size,start,isotope,unit\n"
+                            "a.tif,640,700,-0.50,1,2.5 s,12.5,2024-03-05T09:30:00.250,F-18,efficiency\n"
+                            "b.tif,640,700,0.50,1,,,2024-03-05T10:30:00+01:00,,Efficiency\n");
+    import();
+    CORVSequenceDataset sequence;
+    ASSERT_EQ(sequence.open(m_options.output), ESTATUS_SUCCESS);
+    EXPECT_TRUE(sequence.isTransillumination);
+    CORVDataset* first = sequence.getDatasets()[0];
+    CORVDataset* second = sequence.getDatasets()[1];
+    EXPECT_EQ(first->getFLXspot(), "-0.50");
+    EXPECT_EQ(first->getFLYspot(), "1");
+    EXPECT_EQ(value(first, "luminescent image", "Exposure Time Sec"), "2.5");
+    EXPECT_EQ(value(first, "Camera System Info", "Pixel Size cm"), "0.00125");
+    EXPECT_EQ(value(first, "luminescent image", "Acquisition Time"), "09:30:00.250");
+    EXPECT_EQ(value(first, "luminescent image", "Isotope"), "F-18");
+    EXPECT_EQ(value(second, "luminescent image", "Acquisition Time"), "09:30:00.000");
+    EXPECT_EQ(value(second, "luminescent image", "Exposure Time Sec"), "absent");
+    CILImage image;
+    EXPECT_EQ(first->getCalibratedLuminImage(DISPLAYUNIT_EFFICIENCY, &image, "test"), ESTATUS_SUCCESS);
+    EXPECT_EQ(first->unitUnavailableReason(DISPLAYUNIT_COUNTS), "the data are stored as efficiency");
+}
+
+TEST_F(ImporterTest, RefusesSpotsAndUnitsThatDoNotFit)
+{
+    EXPECT_EQ(refusalOf("file,emission,spot_x,spot_y\na.tif,700,1,1\n"),
+              ":2: a.tif: a scan spot is given without an excitation");
+    EXPECT_EQ(refusalOf("file,excitation,spot_x,spot_y\na.tif,640,1,1\nb.tif,640,1,\n"),
+              ":3: b.tif: the scan spot is missing, which other rows have");
+    EXPECT_EQ(refusalOf("file,excitation,spot_x,spot_y\na.tif,640,1,1\nb.tif,640,1,1\n"),
+              ":3: b.tif shares excitation 640nm and emission Open at the spot 1, 1 with a.tif (line 2)");
+    EXPECT_EQ(refusalOf("file,emission,unit\na.tif,700,Radiance\nb.tif,720,\n"), ":3: the unit is not that of line 2");
+    EXPECT_EQ(refusalOf("file,emission,unit\na.tif,700,Radiant Efficiency\n"),
+              ":2: the unit Radiant Efficiency is one of fluorescence, and there is no excitation");
+    EXPECT_EQ(refusalOf("file,emission,unit\na.tif,700,lux\n"),
+              ":2: the unit \"lux\" is not Counts, Radiance, Radiant Efficiency or Efficiency");
+    EXPECT_EQ(refusalOf("file,emission,start\na.tif,700,yesterday\n"),
+              ":2: the start \"yesterday\" is not an instant such as 2024-03-05T09:30:00");
+    EXPECT_EQ(refusalOf("file,emission,exposure\na.tif,700,0\n"), ":2: the exposure \"0\" is not above 0");
+    EXPECT_EQ(refusalOf("file,excitation,spot_x,spot_y\na.tif,640,left,1\n"),
+              ":2: the spot_x \"left\" is not a number");
 }

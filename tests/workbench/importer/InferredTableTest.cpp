@@ -81,7 +81,7 @@ TEST(InferredTableTest, OnePairAtSeveralTimesIsTemporal)
     const InferredTable table = tableOf({first, second});
     EXPECT_TRUE(table.doubts().isEmpty());
     EXPECT_TRUE(table.isTemporal());
-    EXPECT_EQ(table.notes(), QStringList("the images' wavelengths are not used: they are the same in all"));
+    EXPECT_EQ(table.notes(), QStringList("the images' times tell them apart: their wavelengths are the same in all"));
 }
 
 TEST(InferredTableTest, WavelengthsAndTimesThatBothDifferAreADoubt)
@@ -175,4 +175,44 @@ TEST(InferredTableTest, NamesAreQuotedWhereTheyMustBe)
     EXPECT_EQ(read.rows()[1].page, 3);
     images[0].file = "a\nb.tif";
     EXPECT_EQ(InferredTable(images, {}, std::nullopt).doubts().size(), 1);
+}
+
+TEST(InferredTableTest, SpotsTellImagesOfOnePairApart)
+{
+    const auto scanned = [](const char* x) {
+        QVector<Figure> figures = pairOf(640, 700);
+        figures.append({Figure::SpotX, QString(x).toDouble(), "name: spot", x});
+        figures.append({Figure::SpotY, 1.0, "name: spot", "1.0"});
+        return figures;
+    };
+    const InferredTable table = tableOf({scanned("-0.50"), scanned("0.50")});
+    EXPECT_TRUE(table.doubts().isEmpty()) << qPrintable(table.doubts().join("; "));
+    EXPECT_TRUE(table.toCsv().startsWith("file,excitation,emission,spot_x,spot_y,origin\na.tif,640,700,-0.50,1.0,"))
+        << table.toCsv().constData();
+    EXPECT_EQ(doubtsOf({scanned("1"), scanned("1")}),
+              "a.tif and b.tif share excitation 640 nm and emission 700 nm and the spot 1, 1.0");
+    EXPECT_EQ(doubtsOf({scanned("1"), pairOf(640, 720)}), "1 of 2 lack the scan spot, the first is b.tif");
+}
+
+TEST(InferredTableTest, WhatTheMetadataTellBesidesIsKept)
+{
+    FoundImage image = imageOf("a.tif", pairOf(640, 700));
+    image.facts.exposure = 0.25;
+    image.facts.pixelSize = 12.5;
+    image.facts.start = "2024-03-05T09:30:00.000";
+    image.facts.isotope = "F-18, \"x\"";
+    image.facts.unit = "Radiance";
+    const InferredTable table({image, imageOf("b.tif", pairOf(640, 720))}, {}, std::nullopt);
+    EXPECT_EQ(table.notes(), QStringList("the metadata also tell: exposures, the size of a pixel, the starts of the "
+                                         "exposures, the isotope, the unit"));
+    EXPECT_EQ(table.toCsv(),
+              "file,excitation,emission,exposure,pixel_size,start,isotope,unit,origin\n"
+              "a.tif,640,700,0.25,12.5,2024-03-05T09:30:00.000,\"F-18, \"\"x\"\"\",Radiance,\"name: ex, em\"\n"
+              "b.tif,640,720,,,,,,\"name: ex, em\"\n");
+    ImagesTable read;
+    QString error;
+    ASSERT_TRUE(read.parse(table.toCsv(), "table", &error)) << qPrintable(error);
+    EXPECT_EQ(read.rows()[0].facts.isotope, "F-18, \"x\"");
+    EXPECT_EQ(read.rows()[0].facts.exposure, 0.25);
+    EXPECT_FALSE(read.rows()[1].facts.exposure);
 }

@@ -9,7 +9,7 @@ namespace {
 // "ex640 em700", "t12.5" and so on; doubts as "?".
 QString figuresOf(const QString& name)
 {
-    static const QStringList kinds{"ex", "em", "t", "T", "frame", "int"};
+    static const QStringList kinds{"ex", "em", "t", "T", "frame", "int", "x", "y"};
     const NameFigures read = NameFigures::read(name, "name");
     QStringList parts;
     for (const Figure& figure : read.figures) {
@@ -53,7 +53,15 @@ INSTANTIATE_TEST_SUITE_P(Times, NameFiguresTest,
                                            Case{"int2_t12.5s", "int2 t12.5"}, Case{"ex640_em700_t3s", "ex640 em700 t3"},
                                            Case{"frame12", "frame12"}, Case{"IMG_0012", "frame12"},
                                            Case{"tp3", "frame3"}, Case{"cells_0510", "frame510"},
-                                           Case{"512x512", "frame512"}, Case{"t-5s", "?"}, Case{"t1s_t2s", "?"}));
+                                           Case{"512x512", "frame512"}, Case{"t-5s", "?"}, Case{"t=-5s", "t-5"},
+                                           Case{"t=-5", "?"}, Case{"t1s_t2s", "?"}));
+
+INSTANTIATE_TEST_SUITE_P(Spots, NameFiguresTest,
+                         ::testing::Values(Case{"ex640_em700_spot x-0.45 y1.60", "x-0.45 y1.6 ex640 em700"},
+                                           Case{"640-700_Spot_X250_Y300", "x250 y300 ex640 em700"},
+                                           Case{"700nm spot x1,y2", "x1 y2 em700"},
+                                           Case{"spot x1 y2 spot x1 y3 em700", "em700 ?"}, Case{"em700 spotx", "em700"},
+                                           Case{"em700 spot x1", "em700"}));
 
 INSTANTIATE_TEST_SUITE_P(Doubts, NameFiguresTest,
                          ::testing::Values(Case{"640_700_720", "?"}, Case{"700-640", "?"}, Case{"640-640", "?"},
@@ -98,4 +106,13 @@ RC_GTEST_PROP(NameFiguresLaws, AnyTextIsReadWithoutHarm, (const std::string& tex
     for (const Figure& figure : read.figures) {
         RC_ASSERT(figure.value >= 0.0);
     }
+}
+
+TEST(NameFiguresTest, ASpotIsKeptAsItIsWritten)
+{
+    const NameFigures read = NameFigures::read("ex640_em700_spot x-0.50 y1", "name");
+    ASSERT_EQ(read.figures.size(), 4);
+    EXPECT_EQ(read.figures[0].kind, Figure::SpotX);
+    EXPECT_EQ(read.figures[0].text, "-0.50");
+    EXPECT_EQ(read.figures[1].text, "1");
 }

@@ -155,3 +155,46 @@ TEST(OmeMetadataTest, AnyOtherTextIsNotOme)
     EXPECT_FALSE(OmeMetadata::isOme("ImageJ=1.53"));
     EXPECT_FALSE(OmeMetadata::isOme("<OMELETTE>"));
 }
+
+TEST(OmeMetadataTest, ExposuresAndSizeOfAPixelAreFactsThatNeverRaiseADoubt)
+{
+    const QString inside = "<Channel EmissionWavelength=\"700\"/><Channel EmissionWavelength=\"720\"/><TiffData/>"
+                           "<Plane TheC=\"0\" TheZ=\"0\" TheT=\"0\" ExposureTime=\"250\" ExposureTimeUnit=\"ms\"/>"
+                           "<Plane TheC=\"1\" TheZ=\"0\" TheT=\"0\" ExposureTime=\"-1\"/>";
+    OmeMetadata metadata;
+    QString error;
+    const auto parse = [&](const char* sizes) {
+        return metadata.parse(ome(inside, QStringLiteral("SizeC=\"2\" ") + sizes), "a.ome.tif", 2, &error);
+    };
+    ASSERT_TRUE(parse("PhysicalSizeX=\"0.5\" PhysicalSizeXUnit=\"mm\" PhysicalSizeY=\"500\"")) << qPrintable(error);
+    EXPECT_TRUE(metadata.doubts().isEmpty());
+    EXPECT_EQ(metadata.facts()[0].exposure, 0.25);
+    EXPECT_FALSE(metadata.facts()[1].exposure);
+    EXPECT_EQ(metadata.facts()[1].pixelSize, 500.0);
+    ASSERT_TRUE(parse("PhysicalSizeX=\"1\" PhysicalSizeY=\"2\""));
+    EXPECT_FALSE(metadata.facts()[0].pixelSize) << "a pixel that is no square";
+    ASSERT_TRUE(parse("PhysicalSizeX=\"1\" PhysicalSizeXUnit=\"furlong\""));
+    EXPECT_TRUE(metadata.doubts().isEmpty());
+    EXPECT_FALSE(metadata.facts()[0].pixelSize);
+}
+
+TEST(OmeMetadataTest, NotesCountInTheProgramsOwnNamespaceAlone)
+{
+    const auto facts = [](const QString& name) {
+        QString xml = ome("<Channel/><TiffData/>", "SizeC=\"1\"");
+        xml.replace("</Image>", QStringLiteral("</Image><StructuredAnnotations><MapAnnotation Namespace=\"%1\"><Value>"
+                                               "<M K=\"unit\">radiance</M><M K=\"isotope\">F-18</M>"
+                                               "<M K=\"start 1\">2024-03-05T09:30:00.5</M></Value></MapAnnotation>"
+                                               "</StructuredAnnotations>")
+                                    .arg(name));
+        OmeMetadata metadata;
+        QString error;
+        EXPECT_TRUE(metadata.parse(xml, "a.tif", 1, &error)) << qPrintable(error);
+        return metadata.facts().value(0);
+    };
+    const ImageFacts own = facts(OmeMetadata::kNamespace);
+    EXPECT_EQ(own.unit, "Radiance");
+    EXPECT_EQ(own.isotope, "F-18");
+    EXPECT_EQ(own.start, "2024-03-05T09:30:00.500");
+    EXPECT_TRUE(facts("http://x").unit.isEmpty());
+}
