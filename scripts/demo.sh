@@ -17,7 +17,7 @@ echo "3. How many components its images hold"
 echo
 echo "4. Its images unmixed automatically: spectra and maps from the names of the components alone"
 "$spum" unmix "$out/mouse" --method automatic --components "TissueAF,Food,AlexaFluor 750,AlexaFluor 790" \
-    --out "$out/automatic" --force
+    --save "automatic" --note "The demo's mouse" --out "$out/automatic" --force
 echo
 echo "5. The same images unmixed with the known spectra"
 "$spum" unmix "$out/mouse" --method library --library "$out/mouse/truth/radiant-efficiency/spectra.csv" \
@@ -26,6 +26,7 @@ echo
 echo "6. Both beside the truth"
 "$spum" compare "$out/mouse" "$out/library" "$out/automatic" --out "$out/comparison" --force
 echo
+echo "Report:   $out/automatic/report.html, one page with pictures, numbers and settings"
 echo "Pictures: $out/comparison/comparison.png shows truth and both results with their spectra;"
 echo "          $out/automatic/overview.png and spectra.png, one map each in $out/automatic/*.png, $out/pca/scree.png"
 echo "Numbers:  $out/automatic/summary.csv (and summary.json), maps as float TIFF beside the pictures"
