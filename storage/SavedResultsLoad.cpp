@@ -22,6 +22,7 @@
 #include <QCursor>
 #include <QDomDocument>
 #include <QFile>
+#include <QFileInfo>
 
 namespace {
 
@@ -119,10 +120,12 @@ bool SavedResults::readResultFile(const QString& strPath, QString* pText)
     QFile file(strPath);
     if (file.exists()) {
         QString strReason;
-        const bool bOpen = file.open(QIODevice::ReadOnly);
+        // A pipe would let us wait for ever.
+        const bool bOpen = QFileInfo(strPath).isFile() && file.open(QIODevice::ReadOnly);
         if (!bOpen || !documentText::parse(file.readAll(), &document, &strReason)) {
             file.close();
-            logLine(strPath + QStringLiteral(": cannot be read: ") + (bOpen ? strReason : file.errorString()),
+            logLine(strPath + QStringLiteral(": cannot be read: ") +
+                        (bOpen ? strReason : QStringLiteral("no file, or no right to read it")),
                     CORVLOG_WARNING);
             return loadFailed();
         }

@@ -10,6 +10,8 @@
 #include <QGuiApplication>
 #include <QWindow>
 
+#include <sys/stat.h>
+
 namespace {
 
 const QString notLoaded = told("Unable to load Spectral Unmixing data for sequence [seq-7]");
@@ -160,6 +162,16 @@ TEST_F(LoadTest, AFolderInTheFilesPlaceCannotBeOpened)
     ASSERT_TRUE(saveAll({"kidney"}));
     const QString strFile = path("XML/SpecUnmix/" + files().first());
     ASSERT_TRUE(QFile::remove(strFile) && QDir().mkdir(strFile));
+    EXPECT_FALSE(load("kidney"));
+    EXPECT_EQ(m_boxes.shown, QStringList(notLoaded));
+    expectEarlyEnd();
+}
+
+TEST_F(LoadTest, APipeInTheFilesPlaceIsNotWaitedFor)
+{
+    ASSERT_TRUE(saveAll({"kidney"}));
+    const QString strFile = path("XML/SpecUnmix/" + files().first());
+    ASSERT_TRUE(QFile::remove(strFile) && ::mkfifo(strFile.toLocal8Bit().constData(), 0600) == 0);
     EXPECT_FALSE(load("kidney"));
     EXPECT_EQ(m_boxes.shown, QStringList(notLoaded));
     expectEarlyEnd();
