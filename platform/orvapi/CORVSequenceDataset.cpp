@@ -118,6 +118,9 @@ ESTATUS CORVSequenceDataset::open(const QString& strPath, QString* pError, QStri
         if (pError != nullptr) {
             *pError = exists ? QStringLiteral("%1: holds no dataset that can be read").arg(folder)
                              : QStringLiteral("%1: is no sequence folder").arg(strPath);
+            const QFileInfo info(folder);
+            if (exists && !(info.isReadable() && info.isExecutable()))
+                *pError = QStringLiteral("%1: the folder cannot be read, its permissions forbid it").arg(folder);
             if (!warnings.isEmpty())
                 *pError += QLatin1String("; ") + warnings.join(QLatin1String("; "));
         }

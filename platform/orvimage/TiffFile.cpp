@@ -63,6 +63,7 @@ bool TiffFile::openForWriting(int descriptor, const QString& path, bool big)
 
 bool TiffFile::open(int descriptor, const QString& path, const char* mode, std::int64_t maxAllocation)
 {
+    m_path = path;
     const std::unique_ptr<TIFFOpenOptions, OptionsDeleter> options(TIFFOpenOptionsAlloc());
     if (options) {
         TIFFOpenOptionsSetErrorHandlerExtR(options.get(), &TiffFile::onError, this);
@@ -118,7 +119,11 @@ int TiffFile::onError(TIFF*, void* self, const char* module, const char* format,
         message.chop(1);
     // The module is the name of a function of the library or of the file; neither helps.
     Q_UNUSED(module)
-    static_cast<TiffFile*>(self)->fail(message);
+    auto* const file = static_cast<TiffFile*>(self);
+    // Some messages begin with the file's name, which is told in front anyway.
+    if (message.startsWith(file->m_path + QLatin1String(": ")))
+        message.remove(0, file->m_path.size() + 2);
+    file->fail(message);
     return 1; // handled: nothing goes to the process-wide handlers
 }
 

@@ -45,6 +45,7 @@ private:
     TIFF* m_tiff = nullptr;
     int m_page = 0;
     std::uint64_t m_fileSize = 0;
+    QString m_path;
     QString m_reason;
 };
 

@@ -106,7 +106,7 @@ bool readPages(TiffFile& file, TiffTexts& read)
         if (TIFFLastDirectory(file.handle()) != 0)
             return true;
         if (TIFFReadDirectory(file.handle()) != 1)
-            return file.fail(QStringLiteral("page %1 cannot be read").arg(read.pages.size()));
+            return file.failFor(QStringLiteral("page %1 cannot be read").arg(read.pages.size()));
     }
 }
 
