@@ -4,7 +4,9 @@
 #include "odd_inputs/OddCase.h"
 #include "odd_inputs/OddTiff.h"
 
+#include <QBuffer>
 #include <QFileInfo>
+#include <QImage>
 
 namespace OddTexts {
 
@@ -90,6 +92,16 @@ QByteArray summary()
 {
     return "{\n  \"unit\": \"Counts\",\n  \"binning\": 4,\n  \"components\": [\n"
            "    {\"name\": \"A\", \"map\": \"01_A.tif\"},\n    {\"name\": \"B\", \"map\": \"02_B.tif\"}\n  ]\n}\n";
+}
+
+QByteArray onePixelPng()
+{
+    QImage image(1, 1, QImage::Format_Grayscale8);
+    image.fill(Qt::white);
+    QBuffer buffer;
+    buffer.open(QIODevice::WriteOnly);
+    image.save(&buffer, "PNG");
+    return buffer.data();
 }
 
 void putDataset(const QString& path, const QByteArray& info)

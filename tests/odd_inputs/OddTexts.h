@@ -18,6 +18,7 @@ QByteArray enviHeader();
 QByteArray csvCube();
 QByteArray imagesTable();
 QByteArray summary();
+QByteArray onePixelPng();
 
 // A dataset of 32 x 32 pixels in the folder of the ClickInfo.txt at `path`, whose text is `info`.
 void putDataset(const QString& path, const QByteArray& info);

@@ -51,7 +51,7 @@ OddCases sequences()
                 putSound(path);
                 ::chmod(QFile::encodeName(QFileInfo(path).path()).constData(), 0);
             },
-            C::Refused, "spum: {dir}: holds no dataset that can be read; {...}", true),
+            C::Refused, "spum: {dir}: the folder cannot be read, its permissions forbid it{...}", true),
         program(
             "InfoOfManyMissingDatasets", info, file,
             [](const QString& path) {
@@ -76,7 +76,7 @@ OddCases sequences()
                 putSound(path);
                 OddTexts::putResult(beside(path, QStringLiteral("a/summary.json")), OddTexts::summary().left(60));
             },
-            C::Refused, "spum: {dir}/a/summary.json:{n}: {...}"),
+            C::Refused, "spum: {dir}/a/summary.json:5: this is no JSON: unterminated array"),
         program(
             "RegionsIntoUnreadableClickInfo", {"roi", "{dir}", "add", "--shape", "rect:0,0,64,64"}, file,
             [](const QString& path) {
@@ -130,14 +130,17 @@ OddCases imports()
                 const QByteArray bytes = OddTiff().deflated().bytes();
                 putFile(beside(path, QStringLiteral("stack/cells_01.tif")), bytes.left(bytes.size() * 7 / 10));
             },
-            C::Refused, "spum: {dir}/stack/cells_01.tif: {...}"),
+            C::Refused,
+            "spum: {dir}/stack/cells_01.tif: the pixels from row {n} on cannot be read (Read error; got {n} bytes, "
+            "expected {n})"),
         program(
             "ImportOfLinkInACircle", {"import", "{path}", "{out}"}, "stack",
             [](const QString& path) { QFile::link("stack", path); }, C::Refused,
             "spum: {path}: there is no such file or folder"),
         program(
-            "ImportOfEmptyFolder", {"import", "{dir}/stack", "{out}"}, "stack/readme.txt",
-            [](const QString& path) { putFile(path, "hello"); }, C::Refused, "spum: {...}"),
+            "ImportOfEmptyFolder", {"import", "{dir}", "{dir}-out"}, "stack/readme.txt",
+            [](const QString& path) { putFile(path, "hello"); }, C::Refused,
+            "spum: {dir}: there is no TIFF file and no ENVI header in the folder"),
         program(
             "ImportOfFolderWithABrokenHeader", {"import", "{dir}", "{dir}-out"}, "stack/cube.hdr",
             [](const QString& path) { putFile(path, "ENVI\nsamples = many\n"); }, C::Refused,

@@ -39,15 +39,16 @@ OddCases regionCases()
     return {
         regions(
             "Sound", [] { return twoSound; }, C::Silent, twoRegions),
-        oneShape("OfUnknownShape", "star:1,2,3", "star:1,2,3\": {...}"),
-        oneShape("OfNegativeWidth", "rect:0,0,-8,8", "rect:0,0,-8,8\": {...}"),
-        oneShape("WithNumbersThatAreNone", "rect:0,nan,8,8", "rect:0,nan,8,8\": {...}"),
-        oneShape("WithHugeNumbers", "rect:0,0,1e300,1e300", "rect:0,0,1e300,1e300\": {...}"),
-        oneShape("OfTwoCorners", "polygon:0,0,8,8", "polygon:0,0,8,8\": {...}"),
+        oneShape("OfUnknownShape", "star:1,2,3",
+                 "star:1,2,3\": a shape begins with \"rect:\", \"ellipse:\", \"polygon:\" or \"freehand:\""),
+        oneShape("OfNegativeWidth", "rect:0,0,-8,8", "rect:0,0,-8,8\": width and height must be above 0"),
+        oneShape("WithNumbersThatAreNone", "rect:0,nan,8,8", "rect:0,nan,8,8\": a coordinate is too large"),
+        oneShape("WithHugeNumbers", "rect:0,0,1e300,1e300", "rect:0,0,1e300,1e300\": a coordinate is too large"),
+        oneShape("OfTwoCorners", "polygon:0,0,8,8", "polygon:0,0,8,8\": an outline takes three points at least"),
         oneShape("OfTenThousandAndOneCorners", "polygon:" + OddTexts::many("0,0", ",%,9", 10001),
-                 "polygon:0,0,{...}\": {...}"),
+                 "polygon:0,0,{...}\": an outline has 10000 points at most"),
         oneShape("OfAMillionCorners", "polygon:" + QByteArray("1,2,").repeated(1000000) + "1,2",
-                 "polygon:1,2,{...}\": {...}"),
+                 "polygon:1,2,{...}\": an outline has 10000 points at most"),
         regions(
             "WithoutShape", [] { return QByteArray("ROI 1 Name: a\n"); }, C::Warned,
             section("\"ROI 1 Shape\" is missing, the region is left out")),

@@ -55,7 +55,7 @@ QByteArray replaced(const QByteArray& what, const QByteArray& by)
 OddCases resultCases()
 {
     const QString noComponents = QStringLiteral("{path} names no components");
-    const QString broken = QStringLiteral("{path}:{n}: {...}");
+    const QString broken = QStringLiteral("{path}:{n}: this is no JSON: {...}");
     OddCases cases{
         summary(
             "Sound", OddReaders::result(), [] { return OddTexts::summary(); }, C::Silent, "A B"),
@@ -119,7 +119,10 @@ OddCases resultCases()
             "{dir}/spectra.csv: this is no spectrum library ({...})"),
         spoiled(
             "WithBrokenMask", "mask.png", [] { return QByteArray("\x89PNG\r\n\x1a\n", 8); }, C::Refused,
-            "{dir}/mask.png: {...}"),
+            "{dir}/mask.png: the mask is broken or cut short"),
+        spoiled(
+            "WithMaskOfAnotherSize", "mask.png", [] { return OddTexts::onePixelPng(); }, C::Refused,
+            "{dir}/mask.png: the mask has 1 x 1 pixels where the maps have 32 x 32"),
         {"ResultWithoutSummary", OddReaders::result(), file,
          [](const QString& path) {
              OddTexts::putResult(path, OddTexts::summary());

@@ -68,10 +68,16 @@ OddCases referenceTableCases()
         reference("WithNumberThatIsNone", sources, spoiled("0.25", "inf"), C::Warned, notNumbers),
         reference(
             "WithAMillionRows", sources, [] { return OddTexts::many("wavelength_nm,A Em\n", "%,1\n", 1000000); },
-            C::Warned, "{path}: {...}"),
+            C::Warned, "{path}: more than 4 MiB, no table is that large"),
         reference(
             "WithAMillionColumns", sources, [] { return OddTexts::many("wavelength_nm", ",c%", 1000000); }, C::Warned,
-            "{path}: {...}"),
+            "{path}: more than 4 MiB, no table is that large"),
+        reference(
+            "With200000Rows", sources, [] { return OddTexts::many("wavelength_nm,A Em\n", "%,1\n", 200000); },
+            C::Warned, "{path}:100002: more than 100000 rows"),
+        reference(
+            "With200000Columns", sources, [] { return OddTexts::many("wavelength_nm", ",c%", 200000); }, C::Warned,
+            "{path}:1: more than 10000 columns"),
         reference(
             "OfTwentyMegabytes", sources, [] { return twoSources + QByteArray(20 << 20, '1'); }, C::Warned,
             "{path}: more than {n} MiB, no table is that large"),
@@ -157,7 +163,7 @@ OddCases libraryCases()
             "{path}: no spectrum of the library is selected"),
         library(
             "WithAMillionRows", [] { return OddTexts::many(OddTexts::library(), "Open,%,1,1\n", 900000); }, C::Refused,
-            "{path}: {...}"),
+            "{path}: more than 100000 lines, no library is that long"),
         library(
             "OfTwentyMegabytes", [] { return OddTexts::library() + QByteArray(20 << 20, 'a'); }, C::Refused,
             "{path}: more than {n} MiB, no library is that large"),

@@ -64,40 +64,42 @@ OddCases headers()
         tiff(
             "Empty", [] { return QByteArray(); }, C::Refused, "{path}: the file is empty"),
         tiff(
-            "OfOneByte", [] { return QByteArray("I"); }, C::Refused, unreadable("{...}")),
+            "OfOneByte", [] { return QByteArray("I"); }, C::Refused, unreadable("Cannot read TIFF header")),
         tiff(
             "OfZeroBytes", [] { return QByteArray(4096, '\0'); }, C::Refused,
             unreadable("Not a TIFF or MDI file, bad magic number 0 (0x0)")),
         tiff(
             "ThatIsAPicture", [] { return QByteArray("\x89PNG\r\n\x1a\n"); }, C::Refused,
-            unreadable("{...}bad magic number{...}")),
+            unreadable("Not a TIFF or MDI file, bad magic number 20617 (0x5089)")),
         tiff(
             "ThatIsText", [] { return OddTexts::clickInfo("N1", "500nm"); }, C::Refused,
-            unreadable("{...}bad magic number{...}")),
+            unreadable("Not a TIFF or MDI file, bad magic number 8227 (0x2023)")),
         tiff(
             "OfUnknownVersion", [] { return OddTiff().bytes().replace(2, 1, "\x63"); }, C::Refused,
             unreadable("Not a TIFF file, bad version number 99 (0x63)")),
         tiff(
             "WithDirectoryBeyondTheEnd",
             [] { return OddTiff().bytes().replace(4, 4, QByteArray("\xff\xff\xff\x7f", 4)); }, C::Refused,
-            unreadable("{...}")),
+            unreadable("Can not read TIFF directory count")),
         tiff(
             "WithDirectoryAtItsStart", [] { return OddTiff().bytes().replace(4, 4, QByteArray(4, '\0')); }, C::Refused,
             "{path}: not a TIFF file"),
         tiff(
             "Of65535Entries", [] { return OddTiff().bytes().replace(8, 2, "\xff\xff"); }, C::Refused,
-            unreadable("{...}")),
+            unreadable("Sanity check on directory count failed, {...}")),
         tiff(
             "BigOfEndlessEntries", [] { return OddTiff().big().bytes().replace(16, 8, QByteArray(8, '\xff')); },
-            C::Refused, unreadable("{...}")),
+            C::Refused, unreadable("Sanity check on directory count failed, {...}")),
         tiff(
-            "WithoutWidth", [] { return OddTiff().remove(T::Width).bytes(); }, C::Refused, "{path}: {...}"),
+            "WithoutWidth", [] { return OddTiff().remove(T::Width).bytes(); }, C::Refused,
+            unreadable("Computed scanline size is zero")),
         tiff(
-            "OfNoWidth", [] { return OddTiff().set(T::Width, T::Long, {0}).bytes(); }, C::Refused, "{path}: {...}"),
+            "OfNoWidth", [] { return OddTiff().set(T::Width, T::Long, {0}).bytes(); }, C::Refused,
+            unreadable("Computed scanline size is zero")),
         tiff(
             "OfHugeSize",
             [] { return OddTiff().set(T::Width, T::Long, {0xffffffff}).set(T::Height, T::Long, {0xffffffff}).bytes(); },
-            C::Refused, "{path}: {...}"),
+            C::Refused, unreadable("Cannot handle zero number of strips")),
         tiff(
             "OfThousandMillionPixels",
             [] { return OddTiff().set(T::Width, T::Long, {40000}).set(T::Height, T::Long, {25000}).bytes(); },
@@ -110,13 +112,13 @@ OddCases headers()
             C::Refused, tooMuch("40000 x 25000 x 1 samples of 16 bits")),
         tiff(
             "Of65535Samples", [] { return OddTiff().set(T::Samples, T::Short, {65535}).bytes(); }, C::Refused,
-            "{path}: {...}"),
+            tooMuch("32 x 32 x 65535 samples of 16 bits")),
         tiff(
             "OfHalfFloats", [] { return OddTiff().set(T::SampleFormat, T::Short, {3}).bytes(); }, C::Refused,
             "{path}: 16 bit samples of format 3 are not supported"),
         tiff(
             "OfUnknownCompression", [] { return OddTiff().set(T::Compression, T::Short, {54321}).bytes(); }, C::Refused,
-            "{path}: {...}"),
+            "{path}: the pixels from row 0 on cannot be read (Compression scheme 54321 {...})"),
         tiff(
             "WithEightMillionStrips",
             [] {
@@ -127,14 +129,14 @@ OddCases headers()
                     .set(T::RowsPerStrip, T::Short, {1})
                     .bytes();
             },
-            C::Refused, "{path}: {...}"),
+            C::Refused, unreadable("Incorrect count for \"StripOffsets\"")),
         tiff(
             "WithEndlessTableOfStrips", [] { return OddTiff().claim(T::Offsets, T::Long, 0x3fffffff, 8).bytes(); },
-            C::Refused, "{path}: {...}"),
+            C::Refused, "{path}: the pixels from row {n} on cannot be read ({...})"),
         tiff(
             "BigWithEndlessTableOfStrips",
             [] { return OddTiff().big().claim(T::Offsets, T::Long8, quint64{1} << 61, 16).bytes(); }, C::Refused,
-            "{path}: {...}"),
+            "{path}: the pixels from row {n} on cannot be read ({...})"),
         tiff(
             "WithNegativeByteCount",
             [] {
@@ -144,7 +146,7 @@ OddCases headers()
         tiff(
             "WithStripsBeyondTheEnd",
             [] { return OddTiff().set(T::Offsets, T::Long, std::vector<quint64>(8, 0x7fffff00)).bytes(); }, C::Refused,
-            "{path}: {...}"),
+            "{path}: the pixels from row 0 on cannot be read (Read error; got 0 bytes, expected 256)"),
         tiff(
             "WithTilesOfHugeSize",
             [] {
@@ -154,14 +156,14 @@ OddCases headers()
                     .set(T::TileHeight, T::Long, {0x40000000})
                     .bytes();
             },
-            C::Refused, "{path}: {...}"),
+            C::Refused, tooMuch("32 x 32 x 1 samples of 16 bits")),
         tiff(
             "WithTilesOfNoSize", [] { return OddTiff().tiled().set(T::TileWidth, T::Long, {0}).bytes(); }, C::Refused,
-            "{path}: {...}"),
+            unreadable("Cannot handle zero number of tiles")),
         tiff(
             "WithGarbledDeflate",
             [] { return OddTiff().deflated().setBlocks(std::vector<QByteArray>(8, QByteArray(64, '\x55'))).bytes(); },
-            C::Refused, "{path}: {...}"),
+            C::Refused, "{path}: the pixels from row 0 on cannot be read (Decoding error{...})"),
         tiff(
             "WithTextOfFourGigabytes", [] { return OddTiff().claim(T::Description, T::Ascii, 0xfffffff0, 8).bytes(); },
             C::Silent, soundGist),
@@ -214,7 +216,8 @@ OddCases manyPages()
         {"StackOfPagesInACircle", OddReaders::stack(), file, [](const QString& path) { putFile(path, chain(3, 8)); },
          C::Refused, "{path}: page 3 cannot be read"},
         {"StackWithNextPageBeyondTheEnd", OddReaders::stack(), file,
-         [](const QString& path) { putFile(path, chain(2, 0x7fffff00)); }, C::Refused, "{path}: {...}"},
+         [](const QString& path) { putFile(path, chain(2, 0x7fffff00)); }, C::Refused,
+         "{path}: page 2 cannot be read (Can not read TIFF directory count)"},
         {"StackOfTwentyThousandPages", OddReaders::stack(), file,
          [](const QString& path) { putFile(path, chain(20000, 0)); }, C::Silent, "20000 images, page"},
     };
