@@ -125,8 +125,8 @@ bool CORVSpumKyvo::showUnmixedImages(CORVSequenceDataset& sequence, CORVDataset&
 
     UnmixedSource source;
     source.concentrations = m_concentrations;
-    // A mask without pixels counts as absent, as it does for the cube.
-    if (m_bUseMask != 0) {
+    source.masked = m_bUseMask != 0;
+    if (source.masked) {
         source.pixels = m_maskIndices;
     }
     source.width = m_nWidth;

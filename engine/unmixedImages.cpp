@@ -118,7 +118,7 @@ QString tileLabel(const QString& strName, int nSpot, int nSpots)
 
 long long UnmixedSource::pixelsPerSpot() const
 {
-    return pixels.empty() ? static_cast<long long>(width) * height : static_cast<long long>(pixels.size());
+    return masked ? static_cast<long long>(pixels.size()) : static_cast<long long>(width) * height;
 }
 
 bool UnmixedSource::isConsistent() const
@@ -145,7 +145,7 @@ std::unique_ptr<CILImage> concentrationMap(const UnmixedSource& source, int nCom
     const long long nPixels = source.pixelsPerSpot();
     const double* const from = source.concentrations.rowTable.data[nComponent] + nSpot * nPixels;
     double* const to = pMap->doubles();
-    if (source.pixels.empty()) {
+    if (!source.masked) {
         std::copy(from, from + nPixels, to);
         return pMap;
     }

@@ -56,7 +56,8 @@ struct UnmixedDisplay
 struct UnmixedSource
 {
     XTNT::Matrix<double> concentrations; // a row a component; a column a pixel of a spot, spot after spot
-    std::vector<int> pixels; // place in the map (row-major) of each pixel of a spot; empty: every one in turn
+    bool masked = false;     // the columns of a spot are the pixels that `pixels` lists; else those of the map in turn
+    std::vector<int> pixels; // places in the map (row-major); without any, a masked map is background alone
     int width = 0;
     int height = 0;
     int spots = 1;

@@ -208,12 +208,13 @@ TEST_F(ResultPicturesTest, WithoutUseOfAMaskItsIndicesAreLeftOut)
     EXPECT_EQ(levels(0), (std::vector<int>{0, 128, 255, 255}));
 }
 
-TEST_F(ResultPicturesTest, AMaskWithoutPixelsCountsAsAbsent)
+TEST_F(ResultPicturesTest, AMaskInUseWithoutPixelsShowsTheLowestConcentrationAlone)
 {
     m_engine.m_bUseMask = 1;
     m_engine.m_maskIndices.clear();
     ASSERT_TRUE(m_engine.updateUnmixedImages(true));
-    EXPECT_EQ(levels(0), (std::vector<int>{0, 128, 255, 255}));
+    EXPECT_EQ(levels(0), (std::vector<int>{0, 0, 0, 0}));
+    EXPECT_EQ(levels(1), (std::vector<int>{0, 0, 0, 0}));
 }
 
 TEST_F(ResultPicturesTest, EachSpotOfAScanHasItsTiles)

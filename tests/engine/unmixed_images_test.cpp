@@ -158,6 +158,7 @@ TEST_F(UnmixedSpotTest, PixelsOutsideTheMaskKeepTheBackground)
 {
     m_source.width = 2;
     m_source.height = 2;
+    m_source.masked = true;
     m_source.pixels = {1, 3};
     m_source.background = -7.0;
     m_source.spots = 2;
@@ -165,6 +166,14 @@ TEST_F(UnmixedSpotTest, PixelsOutsideTheMaskKeepTheBackground)
     EXPECT_EQ(valuesOf(*concentrationMap(m_source, 0, 0)), (std::vector<double>{-7, 1, -7, 2}));
     EXPECT_EQ(valuesOf(*concentrationMap(m_source, 0, 1)), (std::vector<double>{-7, 3, -7, 4}));
     EXPECT_EQ(valuesOf(*concentrationMap(m_source, 1, 1)), (std::vector<double>{-7, 7, -7, 8}));
+}
+
+TEST_F(UnmixedSpotTest, AMaskWithoutPixelsLeavesTheBackground)
+{
+    m_source.masked = true;
+    m_source.background = -7.0;
+    EXPECT_TRUE(m_source.isConsistent());
+    EXPECT_EQ(valuesOf(*concentrationMap(m_source, 1, 0)), (std::vector<double>{-7, -7, -7}));
 }
 
 TEST_F(UnmixedSpotTest, WhatDoesNotGoTogetherIsInconsistent)
@@ -179,10 +188,16 @@ TEST_F(UnmixedSpotTest, WhatDoesNotGoTogetherIsInconsistent)
     EXPECT_TRUE(differs([](UnmixedSource& s) { s.width = 4; }));
     EXPECT_TRUE(differs([](UnmixedSource& s) { s.width = 0; }));
     EXPECT_TRUE(differs([](UnmixedSource& s) { s.spots = 2; }));
-    EXPECT_TRUE(differs([](UnmixedSource& s) { s.pixels = {0, 3}; }));
-    EXPECT_TRUE(differs([](UnmixedSource& s) { s.pixels = {-1}; }));
+    const auto masked = [](std::vector<int> pixels) {
+        return [pixels](UnmixedSource& s) {
+            s.masked = true;
+            s.pixels = pixels;
+        };
+    };
+    EXPECT_TRUE(differs(masked({0, 3})));
+    EXPECT_TRUE(differs(masked({-1})));
     EXPECT_TRUE(differs([](UnmixedSource& s) { s.concentrations = XTNT::Matrix<double>(); }));
-    EXPECT_FALSE(differs([](UnmixedSource& s) { s.pixels = {2, 0}; }));
+    EXPECT_FALSE(differs(masked({2, 0})));
 }
 
 TEST_F(UnmixedSpotTest, AnIndividualRangeIsAPartOfTheMapsOwn)
@@ -428,6 +443,7 @@ RC_GTEST_PROP(UnmixedImagesLawTest, MapsHoldTheirColumnsAndLayersStayInTheShownP
     UnmixedSource source;
     source.width = nPlaces;
     source.height = 1;
+    source.masked = true;
     source.concentrations = XTNT::Matrix<double>(1, nPixels);
     for (int j = 0; j < nPixels; ++j) {
         source.concentrations[0][j] = numbers[static_cast<std::size_t>(j)] * 0.125;
