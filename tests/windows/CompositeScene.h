@@ -94,3 +94,13 @@ inline CILImage constantImage(long lWidth, long lHeight, double dValue)
     image.RefreshImageStats();
     return image;
 }
+
+// A background of 480 x 480 pixels: 0, then 40 in the first row, then 100 everywhere.
+inline CILImage stepBackground()
+{
+    CILImage image = constantImage(480, 480, 100.0);
+    image.setValue(0, 0.0);
+    image.setValue(1, 40.0);
+    image.RefreshImageStats();
+    return image;
+}

@@ -35,6 +35,21 @@ TEST(CompositeOfMapsTest, ValueAtTheUpperEndGoesThroughTheQuotient)
     EXPECT_THAT(colorsOf(scene.mapPicture()), ElementsAre(0U, 0U, rgb(255, 0, 0)));
 }
 
+TEST(CompositeOfMapsTest, ValueAtBothEndsAddsNothing)
+{
+    CompositeScene scene(2, 1, {{5.0, 10.0}, {1.0, 0.0}});
+    scene.start({channelOf("red", 0.5, 0.5), channelOf("blue")});
+    EXPECT_THAT(colorsOf(scene.mapPicture()), ElementsAre(rgb(0, 0, 255), rgb(255, 0, 0)));
+}
+
+TEST(CompositeOfMapsTest, ValuesAreDividedByTheLargestBeforeTheyAreStretched)
+{
+    // In this order 7 of 17 is 105 of 255; multiplied by 255 / 100 it would fall short of it.
+    CompositeScene scene(2, 1, {{7.0, 17.0}});
+    scene.start({channelOf("#640000")});
+    EXPECT_THAT(colorsOf(scene.mapPicture()), ElementsAre(rgb(105, 0, 0), rgb(255, 0, 0)));
+}
+
 TEST(CompositeOfMapsTest, LayersAddUpAndTheBrightestValueIs255)
 {
     CompositeScene scene(3, 1, {{4.0, 4.0, 0.0}, {8.0, 0.0, 4.0}, {0.0, 0.0, 1.0}});
@@ -57,6 +72,15 @@ TEST(CompositeOfMapsTest, LogScaleKeepsTheEndsAndLiftsWhatIsBetween)
     scene.layers[0].channel.logScale = true;
     // log10(0.1) + 3 = 2 of log10(1.001) + 3 = 3.000434
     EXPECT_THAT(colorsOf(scene.mapPicture()), ElementsAre(0U, rgb(0, 169, 0), rgb(0, 255, 0)));
+}
+
+TEST(CompositeOfMapsTest, LogScaleIsDividedByWhatItGivesForOne)
+{
+    // log10(0.100014) + 3 is 2.0000608: 169.98 of 255 over log10(1.001) + 3, but 170.005 over 3. Blue sets the scale.
+    CompositeScene scene(2, 1, {{9.9014, 100.0}, {1.0, 1.0}});
+    scene.start({channelOf("lime"), channelOf("blue")});
+    scene.layers[0].channel.logScale = true;
+    EXPECT_THAT(colorsOf(scene.mapPicture()), ElementsAre(rgb(0, 169, 255), rgb(0, 255, 255)));
 }
 
 TEST(CompositeOfMapsTest, UncheckedLayersTakeNoPartAndHalfCheckedOnesDo)
@@ -158,6 +182,21 @@ TEST(CompositeOfMapsTest, LargeAndUnevenMapsAreMixedToTheLastPixel)
     EXPECT_EQ(colorAt(picture, 0, 60), rgb(static_cast<int>((60 * 83 + 1) * 255 / (83 * 61)), 0, 0));
 }
 
+TEST(CompositeOfMapsTest, TheBrightestPixelMayStandAnywhere)
+{
+    for (const std::size_t place : {std::size_t{0}, std::size_t{2500}, std::size_t{4999}}) {
+        std::vector<double> values(5000, 1.0);
+        values[place] = 4.0;
+        CompositeScene scene(100, 50, {values});
+        scene.start({channelOf("red")});
+        scene.layers[0].maximum = 8.0;
+        const std::vector<unsigned> colors = colorsOf(scene.mapPicture());
+        for (std::size_t p = 0; p < colors.size(); ++p) {
+            ASSERT_EQ(colors[p], p == place ? rgb(255, 0, 0) : rgb(63, 0, 0)) << place << ' ' << p;
+        }
+    }
+}
+
 TEST(CompositeOfMapsTest, NoPixelsGiveNoPicture)
 {
     CompositeScene scene(0, 0, {{}});
@@ -245,6 +284,18 @@ TEST(CompositePictureTest, NarrowMapIsEnlargedWithItsAspectRatioKept)
     EXPECT_THAT(colorsOf(picture), Each(rgb(255, 0, 0)));
 }
 
+TEST(CompositePictureTest, EnlargedPixelsRunSmoothlyIntoEachOther)
+{
+    CompositeScene scene(2, 1, {{0.0, 1.0}});
+    scene.start({channelOf("red")});
+    const QImage picture = scene.picture();
+    ASSERT_EQ(picture.size(), QSize(480, 240));
+    EXPECT_EQ(colorAt(picture, 0, 0), 0U);
+    EXPECT_EQ(colorAt(picture, 479, 0), rgb(255, 0, 0));
+    EXPECT_NEAR(qRed(picture.pixel(240, 0)), 128, 4);
+    EXPECT_NEAR(qRed(picture.pixel(180, 0)), 64, 4);
+}
+
 TEST(CompositePictureTest, LargeMapKeepsItsPixels)
 {
     CompositeScene scene(500, 600, {std::vector<double>(300000, 1.0)});
@@ -264,16 +315,6 @@ TEST(CompositePictureTest, FrameTakesTheBackgroundInAlsoWhenItIsOff)
     EXPECT_EQ(scene.picture().size(), QSize(520, 520));
     scene.layers.last().checked = Qt::Checked;
     EXPECT_EQ(scene.picture().size(), QSize(700, 520));
-}
-
-// A background of 480 x 480 pixels: 0, then 40 in the first row, then 100 everywhere.
-CILImage stepBackground()
-{
-    CILImage image = constantImage(480, 480, 100.0);
-    image.setValue(0, 0.0);
-    image.setValue(1, 40.0);
-    image.RefreshImageStats();
-    return image;
 }
 
 TEST(CompositePictureTest, AllComponentsOffShowsTheGreyBackgroundOverBlack)
@@ -427,150 +468,6 @@ TEST(CompositePictureTest, WithoutABackgroundThereIsNothingToBlend)
     scene.start({channelOf("red")});
     scene.layers.last().checked = Qt::Checked;
     EXPECT_THAT(colorsOf(scene.picture()), Each(rgb(255, 0, 0)));
-}
-
-// ---- What a composite starts with ----
-
-TEST(CompositeStartTest, RangesGoFromZeroToTheLargestElementOfTheRow)
-{
-    CompositeScene scene(2, 1, {{1.0, 7.0, 9.0, 2.0}, {-3.0, -2.0, -1.0, -4.0}}, {}, 2);
-    const auto layers = compositeStartLayers(scene.maps(), {channelOf("red"), channelOf("blue")}, CILImage());
-    ASSERT_EQ(layers.size(), 3);
-    EXPECT_EQ(layers[0].minimum, 0.0);
-    EXPECT_EQ(layers[0].maximum, 9.0);
-    EXPECT_EQ(layers[1].minimum, 0.0);
-    EXPECT_EQ(layers[1].maximum, -1.0);
-    EXPECT_EQ(layers[0].checked, Qt::Checked);
-    EXPECT_EQ(layers[2].checked, Qt::Checked);
-}
-
-TEST(CompositeStartTest, OnlyTissueInItsOwnColorIsDimmed)
-{
-    CompositeScene scene(1, 1, {{1.0}, {1.0}, {1.0}, {1.0}});
-    CompositeChannel tissue = channelOf("lime", 0.1, 0.9, 0.7);
-    tissue.label = "TissueAF_1";
-    CompositeChannel redTissue = tissue;
-    redTissue.color = QColor("red");
-    CompositeChannel limeProbe = channelOf("lime", 0.1, 0.9, 0.7);
-    CompositeChannel otherCase = tissue;
-    otherCase.label = "tissueaf";
-    const auto layers = compositeStartLayers(scene.maps(), {tissue, redTissue, limeProbe, otherCase}, CILImage());
-    EXPECT_EQ(layers[0].channel.brightness, 0.3);
-    EXPECT_EQ(layers[1].channel.brightness, 1.0);
-    EXPECT_EQ(layers[2].channel.brightness, 1.0);
-    EXPECT_EQ(layers[3].channel.brightness, 1.0);
-    EXPECT_EQ(layers[0].channel.minFraction, 0.1);
-    EXPECT_EQ(layers[0].channel.maxFraction, 0.9);
-    EXPECT_EQ(layers[0].channel.label, "TissueAF_1");
-}
-
-TEST(CompositeStartTest, PhotographIsTheLastLayerAsItsPaletteShowsIt)
-{
-    CompositeScene scene(1, 1, {{1.0}});
-    CILImage photo = stepBackground();
-    photo.setValue(0, 20.0); // 20 to 100
-    photo.RefreshImageStats();
-    photo.getPalette()->SetImageMinMax(40.0, 80.0);
-    const CompositeLayer layer = compositeStartLayers(scene.maps(), {channelOf("red")}, photo).last();
-    EXPECT_EQ(layer.channel.label, "Photograph");
-    EXPECT_EQ(layer.channel.color, QColor("white"));
-    EXPECT_EQ(layer.channel.brightness, 0.35);
-    EXPECT_EQ(layer.channel.minFraction, 0.25);
-    EXPECT_EQ(layer.channel.maxFraction, 0.75);
-    EXPECT_FALSE(layer.channel.logScale);
-    EXPECT_EQ(layer.minimum, 20.0);
-    EXPECT_EQ(layer.maximum, 100.0);
-}
-
-TEST(CompositeStartTest, PhotographWithoutLimitsOrWithoutWidthIsShownWhole)
-{
-    CompositeScene scene(1, 1, {{1.0}});
-    CILImage constant = constantImage(4, 4, 9.0);
-    constant.getPalette()->SetImageMinMax(0.0, 5.0);
-    for (const CILImage& photo : {stepBackground(), constant, CILImage()}) {
-        const CompositeLayer layer = compositeStartLayers(scene.maps(), {channelOf("red")}, photo).last();
-        EXPECT_EQ(layer.channel.minFraction, 0.0);
-        EXPECT_EQ(layer.channel.maxFraction, 1.0);
-    }
-}
-
-TEST(CompositeStartTest, SizesMustMatch)
-{
-    CompositeScene scene(3, 2, {{1, 2, 3, 4, 5, 6}, {1, 2, 3, 4, 5, 6}});
-    EXPECT_TRUE(compositeSizesMatch(scene.maps(), 2));
-    EXPECT_FALSE(compositeSizesMatch(scene.maps(), 1));
-    scene.spots = 2;
-    EXPECT_FALSE(compositeSizesMatch(scene.maps(), 2));
-    scene.pixelIndices = {0, 2, 4};
-    EXPECT_TRUE(compositeSizesMatch(scene.maps(), 2));
-    scene.pixelIndices = {0, 2};
-    EXPECT_FALSE(compositeSizesMatch(scene.maps(), 2));
-    EXPECT_EQ(compositeSizeMismatchText(), "SpUnmixCompositeWnd: input data size mismatch for composite image.");
-}
-
-TEST(CompositeSpotTest, RangesBecomeThoseOfTheSpotAndTheBackgroundStays)
-{
-    CompositeScene scene(2, 1, {{8.0, 4.0, 1.0, 2.0}, {0.0, 3.0, kNaN, 5.0}}, {}, 2);
-    scene.start({channelOf("red"), channelOf("blue")}, stepBackground());
-    EXPECT_TRUE(takeCompositeSpot(scene.maps(), 1, scene.layers));
-    EXPECT_EQ(scene.layers[0].maximum, 2.0);
-    EXPECT_EQ(scene.layers[1].maximum, 5.0);
-    EXPECT_EQ(scene.layers[2].maximum, 100.0);
-    EXPECT_TRUE(takeCompositeSpot(scene.maps(), 0, scene.layers));
-    EXPECT_EQ(scene.layers[0].maximum, 8.0);
-    EXPECT_EQ(scene.layers[1].maximum, 3.0);
-}
-
-TEST(CompositeSpotTest, NothingHappensWithOneSpotOrBeyondTheLast)
-{
-    CompositeScene one(2, 1, {{8.0, 4.0}});
-    one.start({channelOf("red")});
-    one.layers[0].maximum = 77.0;
-    EXPECT_FALSE(takeCompositeSpot(one.maps(), 0, one.layers));
-    EXPECT_EQ(one.layers[0].maximum, 77.0);
-    CompositeScene two(1, 1, {{8.0, 4.0}}, {}, 2);
-    two.start({channelOf("red")});
-    two.layers[0].maximum = 77.0;
-    EXPECT_FALSE(takeCompositeSpot(two.maps(), 2, two.layers));
-    EXPECT_FALSE(takeCompositeSpot(two.maps(), -1, two.layers));
-    EXPECT_EQ(two.layers[0].maximum, 77.0);
-}
-
-TEST(CompositeBackgroundTest, XRayBringsItsNameAndRangeAndKeepsTheControls)
-{
-    CompositeScene scene(1, 1, {{1.0}});
-    CILImage photo = stepBackground();
-    photo.getPalette()->SetImageMinMax(25.0, 75.0);
-    scene.start({channelOf("red")}, photo);
-    scene.layers[0].checked = Qt::Unchecked;
-    CILImage xray = constantImage(480, 480, 2000.0);
-    xray.setValue(0, 1000.0);
-    xray.setValue(1, 1500.0);
-    xray.RefreshImageStats();
-    scene.background = xray;
-    takeCompositeBackground(scene.layers, xray, "X-Ray");
-    const CompositeLayer& layer = scene.layers.last();
-    EXPECT_EQ(layer.channel.label, "X-Ray");
-    EXPECT_EQ(layer.minimum, 1000.0);
-    EXPECT_EQ(layer.maximum, 2000.0);
-    EXPECT_EQ(layer.channel.minFraction, 0.25);
-    EXPECT_EQ(layer.channel.maxFraction, 0.75);
-    EXPECT_EQ(layer.channel.brightness, 0.35);
-    const QImage picture = scene.picture();
-    EXPECT_EQ(colorAt(picture, 0, 0), 0U);
-    EXPECT_EQ(colorAt(picture, 1, 0), rgb(44, 44, 44)); // 127.5 * 0.35 = 44.6
-    EXPECT_EQ(colorAt(picture, 2, 0), rgb(89, 89, 89)); // 255 * 0.35 = 89.25
-}
-
-TEST(CompositeLabelsTest, FromTheLastComponentToTheFirstWithoutTheBackground)
-{
-    CompositeScene scene(1, 1, {{1.0}, {1.0}});
-    scene.start({channelOf("red"), channelOf("blue")});
-    const auto labels = compositeLabels(scene.layers);
-    ASSERT_EQ(labels.size(), 2);
-    EXPECT_EQ(labels[0], qMakePair(QString("blue"), QColor("blue")));
-    EXPECT_EQ(labels[1], qMakePair(QString("red"), QColor("red")));
-    EXPECT_TRUE(compositeLabels({}).isEmpty());
 }
 
 } // namespace
