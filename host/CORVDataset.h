@@ -7,6 +7,7 @@
 
 #include <QList>
 #include <QMap>
+#include <QSet>
 #include <QSharedPointer>
 #include <QString>
 #include <QStringList>
@@ -15,6 +16,7 @@
 
 class CILImage;
 class CROIManager;
+class DatasetFolder; // the implementation's
 
 // One click of the instrument: a folder with a click info and TIFF images. Known by its click number to every user of the
 // process as long as it lives. Datasets come, go and change on the user-interface thread only; the worker may look one up
@@ -37,6 +39,19 @@ public:
     // and reason. *pWarnings takes what can be passed over: unreadable lines and numbers, and other broken images, which the
     // dataset then does not have.
     ESTATUS open(const QString& strFolder, QString* pError = nullptr, QStringList* pWarnings = nullptr);
+    // As open(), for a folder that a program made and no instrument numbered: when the click info lacks the click number, the
+    // dataset gets a new one, in memory.
+    ESTATUS openMade(const QString& strFolder, QString* pError = nullptr, QStringList* pWarnings = nullptr);
+    // Writes the dataset into that folder (with or without a separator at its end), which comes into being as a whole or not at
+    // all; its parent must exist. An image that setCoreImage() gave is written in its own pixel type, with its binning in the
+    // click info; any other is a copy of its file. The click info takes in the regions of interest, and goes a second time, without
+    // its section "Camera System Info", into an "AnalyzedClickInfo.txt" when the present folder holds one. A folder that is there
+    // is replaced when it is empty, or holds a click info and no folders; in the dataset's own folder other files stay. From then
+    // on the dataset lives in the folder and is unmodified.
+    // ESTATUS_INVALID_ARGUMENT for an empty name or a dataset without a click number, ESTATUS_FILE_UNREADABLE when an image's
+    // file cannot be read, ESTATUS_FILE_UNWRITABLE for all else; each is told in the log with file and reason, and folder and
+    // dataset are then as they were.
+    ESTATUS saveDatasetAs(const QString& strFolder);
 
     QString getClickNumber() const;
     // Filter texts such as "640nm"; empty when there is none.
@@ -100,6 +115,9 @@ public:
     void setFolderPath(const QString& strFolder);
     void setModified(bool bModified) { m_bModified = bModified; }
     bool isModified() const { return m_bModified; }
+    // Tells the host that pixels or regions of the dataset have changed. A host with image windows draws them anew; one without
+    // computes again what it keeps of the pixels: minimum and maximum of the images that have been borrowed or given.
+    void updateActiveImage();
     // Whether a dataset of that click-info path is loaded; *pModified and *pClickNumber (may be null) tell more.
     static bool isLoadedClickInfo(const QString& strPath, bool& bModified, QString* pClickNumber);
 
@@ -112,6 +130,11 @@ public:
     bool hasTransmissionImage = false;
 
 private:
+    ESTATUS load(const QString& strFolder, bool bMade, QString* pError, QStringList* pWarnings);
+    // The steps of saveDatasetAs(): every image under its name, and what else the click info says of them; the click infos.
+    ESTATUS writeImages(DatasetFolder& folder, CPLClickInfo& info, CORVImageList* pImages, QString* pReason) const;
+    ESTATUS writeFolder(DatasetFolder& folder, CPLClickInfo& info, CORVImageList* pImages, QString* pReason) const;
+    QString imageFileName(tag_eimagetype eType) const;
     // Image `eType` itself, or the one that stands for it.
     bool resolveType(tag_eimagetype eType, tag_eimagetype* pResolved) const;
     bool hasImage(tag_eimagetype eType) const;
@@ -136,6 +159,7 @@ private:
     QString m_strFolder;
     CORVImageList m_images;
     QMap<int, QSharedPointer<CILImage>> m_coreImages;
+    QSet<int> m_givenImages;                    // types of those that came from setCoreImage() and are not on disk
     std::unique_ptr<CROIManager> m_pROIManager; // made when it is asked for
     bool m_bModified = false;
 };

@@ -8,12 +8,15 @@
 #include "platform/orvapi/HostLog.h"
 #include "platform/orvapi/ImageCalibration.h"
 #include "platform/orvapi/ImageNames.h"
+#include "platform/orvapi/SectionIn.h"
 #include "platform/orvapi/UnitTexts.h"
 #include "platform/orvimage/TiffIo.h"
 
 #include <QDateTime>
 #include <QDir>
 #include <QFileInfo>
+
+#include <algorithm>
 
 namespace {
 
@@ -59,6 +62,19 @@ bool readHeader(const QString& strPath, TiffInfo* pInfo, QString* pReason)
         return true;
     *pReason = QStringLiteral("%1: holds pixels of a kind that cannot be read").arg(strPath);
     return false;
+}
+
+// The time in milliseconds, UTC. No two of a process are the same, and hardly any two of several.
+QString newClickNumber()
+{
+    static qint64 s_nLast = 0;
+    QString number;
+    do {
+        s_nLast = std::max(s_nLast + 1, QDateTime::currentMSecsSinceEpoch());
+        const QDateTime time = QDateTime::fromMSecsSinceEpoch(s_nLast, Qt::UTC);
+        number = QLatin1String("MADE") + time.toString(QStringLiteral("yyyyMMddHHmmsszzz"));
+    } while (CORVDataset::getDataset(number) != nullptr);
+    return number;
 }
 
 void tell(QString* pError, const QString& strReason)
@@ -114,6 +130,7 @@ void CORVDataset::reset()
     m_strFolder.clear();
     m_images.clear();
     m_coreImages.clear();
+    m_givenImages.clear();
     if (m_pROIManager)
         m_pROIManager->clearAllLists();
     m_bModified = false;
@@ -121,10 +138,23 @@ void CORVDataset::reset()
 
 ESTATUS CORVDataset::open(const QString& strFolder, QString* pError, QStringList* pWarnings)
 {
+    return load(strFolder, false, pError, pWarnings);
+}
+
+ESTATUS CORVDataset::openMade(const QString& strFolder, QString* pError, QStringList* pWarnings)
+{
+    return load(strFolder, true, pError, pWarnings);
+}
+
+ESTATUS CORVDataset::load(const QString& strFolder, bool bMade, QString* pError, QStringList* pWarnings)
+{
     reset();
     const QString file = withSeparator(strFolder) + QLatin1String(SequenceFiles::kClickInfo);
     QStringList lines;
     const bool readable = clickInfo.loadClickInfo(file, &lines) == 0;
+    if (readable && bMade && getClickNumber().isEmpty())
+        sectionIn(clickInfo, QString::fromLatin1(ClickKeys::kClickNumber))
+            .setValue(QString::fromLatin1(ClickKeys::kClickNumber), newClickNumber());
     if (!readable || getClickNumber().isEmpty()) {
         tell(pError, readable          ? QStringLiteral("%1: the click number is missing").arg(file)
                      : lines.isEmpty() ? QStringLiteral("%1: cannot be read").arg(file)
@@ -307,6 +337,7 @@ void CORVDataset::setCoreImage(tag_eimagetype eType, const CILImage& image)
         pSlot = QSharedPointer<CILImage>::create(image);
     else
         *pSlot = image;
+    m_givenImages.insert(eType);
     hasLuminescentImage = hasLuminescentImage || eType == IMAGETYPE_LUMINESCENT || eType == IMAGETYPE_MAIN_DATA;
     hasXRayImage = hasXRayImage || eType == IMAGETYPE_XRAY;
 }

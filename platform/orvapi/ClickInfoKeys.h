@@ -8,6 +8,8 @@
 namespace SequenceFiles {
 constexpr const char* const kSequenceInfo = "SequenceInfo.txt";
 constexpr const char* const kClickInfo = "ClickInfo.txt";
+constexpr const char* const kAnalyzedClickInfo =
+    "AnalyzedClickInfo.txt"; // of an unmixed map: without the camera's section
 } // namespace SequenceFiles
 
 namespace SequenceKeys {

@@ -4,6 +4,7 @@
 #include "host/CILImage.h"
 #include "platform/orvapi/ClickInfoKeys.h"
 #include "platform/orvapi/ImageNames.h"
+#include "platform/orvapi/SectionIn.h"
 #include "platform/orvapi/SequenceInfo.h"
 #include "platform/orvimage/TiffIo.h"
 
@@ -19,16 +20,6 @@ constexpr int kLongestFolderName = 80;
 bool hasControlCharacter(const QString& strText)
 {
     return std::any_of(strText.cbegin(), strText.cend(), [](QChar c) { return c.category() == QChar::Other_Control; });
-}
-
-// The section of that key, made when missing.
-CPLSection& sectionIn(CPLClickInfo& info, const QString& strKey)
-{
-    if (info[strKey] == nullptr) {
-        const CPLSection section(strKey);
-        info.addSection(&section);
-    }
-    return *info[strKey];
 }
 
 // A folder's name from any text: what a file system or a shell could take amiss becomes an underscore.
