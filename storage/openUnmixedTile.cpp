@@ -1,0 +1,124 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "storage/openUnmixedTile.h"
+
+#include "engine/CORVSpumKyvo.h"
+#include "engine/logLine.h"
+#include "storage/exportRegions.h"
+
+#include "host/CILImage.h"
+#include "host/CORVDataset.h"
+#include "host/CORVLog.h"
+#include "host/CORVUtilityFns.h"
+#include "host/CPLClickInfo.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+namespace {
+
+bool fail(const QString& strMessage)
+{
+    logLine(strMessage, CORVLOG_ERROR);
+    return false;
+}
+
+// What lies in the folder may be another map's the next time that it is looked at.
+bool takeImagesIntoMemory(CORVDataset& dataset)
+{
+    const QList<CORVImageDetails> images = dataset.imageList().images();
+    for (const CORVImageDetails& details : images) {
+        const CILImage* pImage = dataset.getCoreImage(details.imageType());
+        if (pImage == nullptr) {
+            return false; // told by the host
+        }
+        const CILImage copy(*pImage);
+        dataset.setCoreImage(details.imageType(), copy);
+    }
+    return true;
+}
+
+bool load(const QString& strFolder, int nBinning, CORVDataset& dataset)
+{
+    QString strReason;
+    if (dataset.openMade(strFolder, &strReason) != ESTATUS_SUCCESS) {
+        return fail(strReason);
+    }
+    // The click info has the binning of the camera's image, which may have been a finer one than that of the analysis.
+    double dSource = 0.0;
+    CPLSection* pLuminescent = dataset.clickInfo[QStringLiteral("luminescent image")];
+    const QString strBinning = QStringLiteral("Binning Factor");
+    if (pLuminescent != nullptr && (pLuminescent->getValue(strBinning, &dSource) != 0 || dSource != nBinning)) {
+        pLuminescent->setValue(strBinning, nBinning);
+    }
+    return takeImagesIntoMemory(dataset);
+}
+
+void takeRegions(const CORVSpumKyvo& engine, int nImgIndex, CORVDataset& dataset)
+{
+    const int nTiles = engine.m_nComponents + 1;
+    CORVDataset* pSource = engine.unmixedSource(nImgIndex % nTiles, nImgIndex / nTiles);
+    const auto eUnit = static_cast<tag_edisplayunit>(engine.m_eUnit);
+    if (pSource != nullptr && takeOverRegions(*pSource, dataset, eUnit) != ESTATUS_SUCCESS) {
+        logLine(QStringLiteral("%1: the regions of interest cannot be measured over the map").arg(dataset.folderPath()),
+                CORVLOG_WARNING);
+    }
+}
+
+std::unique_ptr<CORVDataset> openMap(CORVSpumKyvo& engine, int nImgIndex)
+{
+    QString strPath;
+    if (!engine.openUnmixedDataset(nImgIndex, nullptr, &strPath)) {
+        return nullptr;
+    }
+    const QString strFolder = QFileInfo(strPath).path();
+    auto pDataset = std::make_unique<CORVDataset>();
+    if (!load(strFolder, engine.m_nBinning, *pDataset)) {
+        return nullptr;
+    }
+    pDataset->setFolderPath(strFolder);
+    pDataset->setModified(true);
+    takeRegions(engine, nImgIndex, *pDataset);
+    pDataset->updateActiveImage();
+    return pDataset;
+}
+
+// Where it was saved, empty when it was not.
+QString saveInBatch(const QString& strBatchPath, CORVDataset& dataset)
+{
+    const QString strFolder = strBatchPath + QDir(dataset.folderPath()).dirName();
+    // A name alone would be a folder of wherever the program was started.
+    if (strBatchPath.isEmpty() || !QDir().mkpath(strFolder)) {
+        fail(QStringLiteral("Failed to create %1 folder.").arg(strFolder));
+        return QString();
+    }
+    const QString strTarget = strFolder + QLatin1Char('/');
+    return dataset.saveDatasetAs(strTarget) == ESTATUS_SUCCESS ? strTarget : QString();
+}
+
+} // namespace
+
+OpenedTile::OpenedTile() = default;
+OpenedTile::OpenedTile(OpenedTile&& other) noexcept = default;
+OpenedTile& OpenedTile::operator=(OpenedTile&& other) noexcept = default;
+OpenedTile::~OpenedTile() = default;
+
+OpenedTile openUnmixedTile(CORVSpumKyvo& engine, int nImgIndex)
+{
+    engine.m_bBatchMode = CORVUtilityFns::getSpumBatchStatus();
+    engine.m_nComponents = static_cast<int>(engine.m_concentrations.num_rows());
+    OpenedTile tile;
+    const int nComponents = engine.m_nComponents;
+    if (nComponents > 0 && nImgIndex >= 0 && nImgIndex % (nComponents + 1) == nComponents) {
+        tile.kind = OpenedTile::Kind::Composite;
+        return tile;
+    }
+    tile.dataset = openMap(engine, nImgIndex);
+    if (!tile.dataset) {
+        return tile;
+    }
+    tile.kind = OpenedTile::Kind::Dataset;
+    if (engine.m_bBatchMode) {
+        tile.savedFolder = saveInBatch(engine.m_strBatchPath, *tile.dataset);
+    }
+    return tile;
+}
