@@ -6,6 +6,8 @@
 #include "host/CPLSection.h"
 #include "host/CROIManager.h"
 
+#include <algorithm>
+
 namespace {
 
 struct ResultImage
@@ -61,4 +63,25 @@ ResultRegions collectResultRegions(const QString& strSeqId)
         }
     }
     return regions;
+}
+
+std::optional<ClosingRegions> closingRegions(CORVDataset* pDataset)
+{
+    const CPLSection* pSection = pDataset != nullptr ? pDataset->clickInfo["luminescent image"] : nullptr;
+    ClosingRegions closing;
+    ResultImage image{pDataset, QString()};
+    if (pSection == nullptr || pSection->getValue("Spectral Unmix Seq Dataset", &closing.sequenceId) != 0 ||
+        pSection->getValue("Unmixed Concentration", &image.map) != 0) {
+        return std::nullopt;
+    }
+    closing.record = regionsOf(image);
+    return closing;
+}
+
+void replaceRegions(QList<RoiRecord>& records, const RoiRecord& record)
+{
+    const int nMap = record.concentrationMap.toInt();
+    const auto isSameMap = [nMap](const RoiRecord& other) { return other.concentrationMap.toInt() == nMap; };
+    records.erase(std::remove_if(records.begin(), records.end(), isSameMap), records.end());
+    records.append(record);
 }

@@ -146,3 +146,70 @@ TEST_F(ResultRegionsTest, AKeyThatCannotBeHeldIsTold)
     EXPECT_TRUE(
         m_log.has("SpumKyvo: the region entry \"1 x\" has a name that a result file cannot hold.", CORVLOG_WARNING));
 }
+
+TEST_F(ResultRegionsTest, AClosingImageHandsItsRegionsToTheResultThatItNames)
+{
+    const auto pImage = resultImage("SEQ1", "SEQUMX2", {"a", "b"});
+    const std::optional<ClosingRegions> closing = closingRegions(pImage.get());
+    ASSERT_TRUE(closing.has_value());
+    EXPECT_EQ(closing->sequenceId, QString("SEQ1"));
+    EXPECT_EQ(closing->record.concentrationMap, QString("SEQUMX2"));
+    EXPECT_EQ(closing->record.keys.size(), closing->record.values.size());
+    EXPECT_TRUE(closing->record.values.contains("a"));
+    EXPECT_TRUE(closing->record.values.contains("b"));
+    EXPECT_EQ(pImage->clickInfo["ROIs"], nullptr); // written into a click info of its own
+}
+
+TEST_F(ResultRegionsTest, AClosingImageWithoutRegionsHasAnEmptyRecord)
+{
+    const auto pImage = resultImage("SEQ1", "1", {});
+    const std::optional<ClosingRegions> closing = closingRegions(pImage.get());
+    ASSERT_TRUE(closing.has_value());
+    EXPECT_TRUE(closing->record.keys.isEmpty() && closing->record.values.isEmpty());
+}
+
+TEST_F(ResultRegionsTest, AClosingDatasetThatIsNoResultsImageHasNone)
+{
+    EXPECT_FALSE(closingRegions(nullptr).has_value());
+    CORVDataset plain;
+    EXPECT_FALSE(closingRegions(&plain).has_value());
+    const CPLSection section("luminescent image");
+    plain.clickInfo.addSection(&section);
+    EXPECT_FALSE(closingRegions(&plain).has_value());
+    EXPECT_FALSE(closingRegions(resultImage("SEQ1", QString(), {"a"}).get()).has_value());
+}
+
+namespace {
+
+// The maps of the records, in order, each with its first value.
+QStringList mapsAfter(const QStringList& before, const QString& strNew)
+{
+    QList<RoiRecord> records;
+    for (const QString& strMap : before) {
+        records.append({{"k"}, {"old"}, strMap});
+    }
+    replaceRegions(records, {{"k"}, {"new"}, strNew});
+    QStringList maps;
+    for (const RoiRecord& record : qAsConst(records)) {
+        maps += record.concentrationMap + "=" + record.values.first();
+    }
+    return maps;
+}
+
+} // namespace
+
+TEST_F(ResultRegionsTest, ARecordTakesThePlaceOfAllWithItsNumberAndStandsLast)
+{
+    EXPECT_EQ(mapsAfter({}, "1"), QStringList({"1=new"}));
+    EXPECT_EQ(mapsAfter({"1", "2", "1"}, "1"), QStringList({"2=old", "1=new"}));
+    EXPECT_EQ(mapsAfter({"2", "10"}, "1"), QStringList({"2=old", "10=old", "1=new"}));
+    EXPECT_EQ(mapsAfter({"01", " 1 ", "+1", "-1"}, "1"), QStringList({"-1=old", "1=new"}));
+}
+
+TEST_F(ResultRegionsTest, NamesThatAreNoNumberAreAllOne)
+{
+    EXPECT_EQ(mapsAfter({"UMX1", "1"}, "1"), QStringList({"UMX1=old", "1=new"}));
+    EXPECT_EQ(mapsAfter({"UMX1", "1", "UMX2", "", "0", "1.5", "99999999999"}, "UMX3"),
+              QStringList({"1=old", "UMX3=new"}));
+    EXPECT_EQ(mapsAfter({"UMX1", "2"}, "0"), QStringList({"2=old", "0=new"}));
+}
