@@ -76,11 +76,6 @@ void LibrarySpectra::load(const QString& strFileOrName)
                              .arg(strFileOrName));
     if (m_spectra.isEmpty())
         throw CliFailure(QStringLiteral("%1: the library holds no spectrum").arg(strFileOrName));
-    if (m_spectra.first()->points.isEmpty())
-        throw CliFailure(
-            QStringLiteral("%1: the library holds no value; it takes a line \"Excitation,Emission,names...\" "
-                           "and behind it one line a pair")
-                .arg(strFileOrName));
 }
 
 QList<SpectrumPlotParams*> LibrarySpectra::fitTo(const QList<KeyPair>& pairs, int nAxis) const
@@ -89,6 +84,11 @@ QList<SpectrumPlotParams*> LibrarySpectra::fitTo(const QList<KeyPair>& pairs, in
     for (const auto* spectrum : m_spectra) {
         if (!spectrum->settings.selected)
             continue;
+        if (spectrum->points.isEmpty())
+            throw CliFailure(
+                QStringLiteral("%1: the library holds no value; it takes a line \"Excitation,Emission,names...\" "
+                               "and behind it one line a pair")
+                    .arg(m_strSource));
         if (!spectrum->coversPairs(pairs))
             throw CliFailure(QStringLiteral("%1: the spectrum \"%2\" has no value for %3")
                                  .arg(m_strSource, spectrum->settings.name, missingPairs(*spectrum, pairs)));

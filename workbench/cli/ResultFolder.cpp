@@ -18,12 +18,11 @@ constexpr int maxMebibytes = 4;
 
 } // namespace
 
-QJsonObject readSummary(const QString& strFolder)
+QJsonObject readSummary(const QString& strFolder, const QString& strShown)
 {
     const QString file = strFolder + QStringLiteral("summary.json");
     if (!QFileInfo::exists(file) && !QFileInfo(file).isSymLink())
-        throw CliFailure(
-            QStringLiteral("%1: this is no folder with results of \"spum unmix\"").arg(QFileInfo(file).path()));
+        throw CliFailure(QStringLiteral("%1: this is no folder with results of \"spum unmix\"").arg(strShown));
     QByteArray text;
     QString error;
     if (!orv::readInput(file, maxMebibytes, QStringLiteral("summary"), &text, &error))

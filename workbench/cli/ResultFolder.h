@@ -9,7 +9,8 @@
 namespace ResultFolder {
 
 // The object of "summary.json". A folder without it is none with results; a text that is no JSON object is told with its line.
-QJsonObject readSummary(const QString& strFolder);
+// `strShown` is the folder as the user gave it.
+QJsonObject readSummary(const QString& strFolder, const QString& strShown);
 
 // "mask.png" in grey values; null when there is none, all pixels were then analysed. A mask that cannot be read or is not of the maps' size is
 // refused: without it, pixels would count that were not analysed.

@@ -17,7 +17,7 @@ ResultMaps::ResultMaps(const QString& strFolder)
     : m_strFolder(QDir::cleanPath(QFileInfo(strFolder).absoluteFilePath()) + QLatin1Char('/')),
       m_strLabel(QDir(m_strFolder).dirName())
 {
-    const QJsonObject summary = ResultFolder::readSummary(m_strFolder);
+    const QJsonObject summary = ResultFolder::readSummary(m_strFolder, strFolder);
     const QString file = m_strFolder + QStringLiteral("summary.json");
     m_strUnit = summary.value(QStringLiteral("unit")).toString();
     m_fBinning = static_cast<float>(summary.value(QStringLiteral("binning")).toDouble());

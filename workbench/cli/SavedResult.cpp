@@ -17,7 +17,7 @@ namespace {
 
 QJsonObject readSummary(const QString& strFolder)
 {
-    QJsonObject summary = ResultFolder::readSummary(strFolder);
+    QJsonObject summary = ResultFolder::readSummary(strFolder, QFileInfo(strFolder).path());
     if (summary.value(QStringLiteral("components")).toArray().isEmpty())
         throw CliFailure(QStringLiteral("%1summary.json names no components").arg(strFolder));
     return summary;

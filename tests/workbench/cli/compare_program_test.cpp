@@ -136,7 +136,9 @@ TEST_F(CompareProgramTest, AFolderThatIsNoResultIsToldByName)
     };
     EXPECT_EQ(refusalOf(path("absent")), path("absent") + ": this is no folder with results of \"spum unmix\"");
     write("broken/summary.json", "{ \"components\": [");
-    EXPECT_EQ(refusalOf(path("broken")), path("broken/summary.json") + " names no components");
+    EXPECT_EQ(refusalOf(path("broken")), path("broken/summary.json") + ":1: this is no JSON: unterminated array");
+    write("empty/summary.json", "{ \"components\": [] }");
+    EXPECT_EQ(refusalOf(path("empty")), path("empty/summary.json") + " names no components");
     writeResult("mapless", {{"A", mapA, 1, 0.5}});
     QFile::remove(path("mapless/01.tif"));
     EXPECT_EQ(refusalOf(path("mapless")), path("mapless/01.tif") + ": the map is not there");

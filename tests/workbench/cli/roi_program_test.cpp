@@ -446,7 +446,9 @@ TEST_F(RoiProgramTest, AFolderThatIsNoResultIsToldByName)
     addSquare("liver");
     EXPECT_EQ(refusal({"roi", "seq", "measure", "--result", "absent"}),
               "absent: this is no folder with results of \"spum unmix\"");
-    write("empty/summary.json", "{ \"binning\": 1");
+    write("broken/summary.json", "{ \"files\": [");
+    EXPECT_EQ(refusalOfMaps("broken"), path("broken/summary.json") + ":1: this is no JSON: unterminated array");
+    write("empty/summary.json", "{ \"binning\": 1 }");
     EXPECT_EQ(refusalOfMaps("empty"), path("empty/summary.json") + " names no maps");
     writeResult("unbinned", {"01.tif"}, 1, 0);
     EXPECT_EQ(refusalOfMaps("unbinned"), path("unbinned/summary.json") + " does not tell the binning of the maps");
