@@ -9,7 +9,8 @@ class CORVOverlayImage : public CILImage
 public:
     // The layers are copied as pictures (CILImage::toQImage), so an overlay may be its own layer. The type is a label and
     // changes nothing. Photograph and background are the same layer, as are luminescent and foreground; null or an empty
-    // image takes a layer away.
+    // image takes a layer away. A foreground in four colours whose palette has limits (SetImageMinMax) is clear below the lower
+    // one over a background, so that a map does not cover the photograph where it has nothing to show.
     void setBackground(const CILImage* image, tag_eimagetype type);
     void setForeground(const CILImage* image, tag_eimagetype type);
     void setPhotograph(const CILImage* image, tag_eimagetype type) { setBackground(image, type); }
@@ -23,4 +24,5 @@ public:
 private:
     QImage m_background;
     QImage m_foreground;
+    QImage m_foregroundOver; // as it is shown over a background
 };

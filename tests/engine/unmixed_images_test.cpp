@@ -275,17 +275,18 @@ TEST_F(UnmixedSpotTest, ImagesInTheOrderOfTheirMakingAndTilesWithNames)
     EXPECT_EQ(spot.images[6]->getGLFormat(), 0x1908U);
 }
 
-TEST_F(UnmixedSpotTest, AnOverlayAtFullOpacityIsTheMap)
+TEST_F(UnmixedSpotTest, AnOverlayAtFullOpacityIsTheMapWhereItIsShown)
 {
     const UnmixedSpot spot = unmixedSpot(m_source, 0);
-    EXPECT_EQ(pixelsOf(*spot.tiles.at(0).image), grey({0, 128, 255}));
-    EXPECT_EQ(pixelsOf(*spot.tiles.at(1).image), grey({255, 128, 0}));
+    // The photograph, 100, below the lower limit.
+    EXPECT_EQ(pixelsOf(*spot.tiles.at(0).image), grey({100, 128, 255}));
+    EXPECT_EQ(pixelsOf(*spot.tiles.at(1).image), grey({255, 128, 100}));
 }
 
 TEST_F(UnmixedSpotTest, AnOverlayAtHalfOpacityMixesMapAndPhotograph)
 {
     m_source.display.overlayOpacity = 50;
-    EXPECT_EQ(pixelsOf(*unmixedSpot(m_source, 0).tiles.at(0).image), grey({50, 114, 178}));
+    EXPECT_EQ(pixelsOf(*unmixedSpot(m_source, 0).tiles.at(0).image), grey({100, 114, 178}));
 }
 
 TEST_F(UnmixedSpotTest, TheCompositeIsTheMeanOfTheLayers)
@@ -324,8 +325,8 @@ TEST_F(UnmixedSpotTest, EachSpotHasItsOwnMaps)
     m_source.spots = 2;
     m_source.concentrations = matrixOf({{0, 5, 10, 10, 10, 0}, {1, 1, 2, 4, 3, 3}});
     const UnmixedSpot spot = unmixedSpot(m_source, 1);
-    EXPECT_EQ(pixelsOf(*spot.tiles.at(0).image), grey({255, 255, 0}));
-    EXPECT_EQ(pixelsOf(*spot.tiles.at(1).image), grey({255, 0, 0}));
+    EXPECT_EQ(pixelsOf(*spot.tiles.at(0).image), grey({255, 255, 100}));
+    EXPECT_EQ(pixelsOf(*spot.tiles.at(1).image), grey({255, 100, 100}));
     EXPECT_EQ(spot.tiles.at(0).label, QString("A_002"));
     EXPECT_EQ(spot.tiles.at(2).label, QString("Composite_002"));
 }
@@ -355,8 +356,8 @@ TEST_F(UnmixedSpotTest, AConstantMapIsItsLowestColourAndABlackLayer)
 
 TEST_F(UnmixedSpotTest, WhatIsNotANumberShowsThePhotograph)
 {
-    m_source.concentrations = matrixOf({{notANumber, 0, 10}, {0, 5, 10}});
-    EXPECT_EQ(pixelsOf(*unmixedSpot(m_source, 0).tiles.at(0).image), grey({100, 0, 255}));
+    m_source.concentrations = matrixOf({{notANumber, 10, 0}, {0, 5, 10}});
+    EXPECT_EQ(pixelsOf(*unmixedSpot(m_source, 0).tiles.at(0).image), grey({100, 255, 100}));
 }
 
 TEST_F(UnmixedSpotTest, RatiosThatCrossDoNoHarm)

@@ -166,6 +166,36 @@ TEST(OverlayTest, TheForegroundsAlphaCounts)
     EXPECT_NEAR(0.5 * (qBlue(top) + 80), qBlue(inside), 0.51);
 }
 
+TEST(OverlayTest, BelowTheLimitOfItsPaletteAForegroundIsClear)
+{
+    const CILImage photograph = coloured(4, 1, qRgb(80, 80, 80));
+    CILImage map = makeImage(ORVTYPE_DOUBLE, 4, 1, {0.0, 0.999, 1.0, 3.0});
+    map.setGLFormat(kRgba);
+    map.getPalette()->SetImageMinMax(1.0, 3.0);
+    CORVOverlayImage overlay;
+    overlay.setBackground(&photograph, IMAGETYPE_PHOTOGRAPH);
+    overlay.setForeground(&map, IMAGETYPE_LUMINESCENT);
+    ASSERT_EQ(EIL_SUCCESS, overlay.blend(1.0F, 1));
+    EXPECT_EQ(qRgb(80, 80, 80), overlay.toQImage().pixel(0, 0));
+    EXPECT_EQ(qRgb(80, 80, 80), overlay.toQImage().pixel(1, 0));
+    EXPECT_EQ(map.getPalette()->colorAt(0.0), overlay.toQImage().pixel(2, 0)) << "the limit itself is shown";
+    EXPECT_EQ(map.getPalette()->colorAt(1.0), overlay.toQImage().pixel(3, 0));
+    overlay.setBackground(nullptr, IMAGETYPE_PHOTOGRAPH);
+    ASSERT_EQ(EIL_SUCCESS, overlay.blend(1.0F, 1));
+    EXPECT_EQ(map.getPalette()->colorAt(0.0), overlay.toQImage().pixel(0, 0)) << "alone it is whole";
+    overlay.setBackground(&photograph, IMAGETYPE_PHOTOGRAPH);
+    // Opaque in three colours, and over its own range.
+    map.setGLFormat(kRgb);
+    overlay.setForeground(&map, IMAGETYPE_LUMINESCENT);
+    ASSERT_EQ(EIL_SUCCESS, overlay.blend(1.0F, 1));
+    EXPECT_EQ(map.getPalette()->colorAt(0.0), overlay.toQImage().pixel(0, 0));
+    map.setGLFormat(kRgba);
+    map.getPalette()->clearImageMinMax();
+    overlay.setForeground(&map, IMAGETYPE_LUMINESCENT);
+    ASSERT_EQ(EIL_SUCCESS, overlay.blend(1.0F, 1));
+    EXPECT_EQ(map.getPalette()->colorAt(0.0), overlay.toQImage().pixel(0, 0));
+}
+
 TEST(OverlayTest, LayersAddUpAsARunningMean)
 {
     const CILImage photograph = coloured(1, 1, qRgb(10, 20, 30));
