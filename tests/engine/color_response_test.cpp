@@ -112,6 +112,14 @@ TEST(ResponseWeightsTest, AlongExcitationTheFirstKeyCounts)
     EXPECT_EQ(weights[2][0], 0.4);
 }
 
+TEST(ResponseWeightsTest, AlongTimeTheSecondKeyCounts)
+{
+    const XTNT::Matrix<double> weights =
+        responseWeights(fiveColours(), {{"700", "0"}, {"500", "30"}}, SPECTRUMAXIS_TIME, {0.0, 30.0});
+    EXPECT_EQ(weights[0][0], 0.0);
+    EXPECT_EQ(weights[1][0], 0.4);
+}
+
 TEST(ResponseWeightsTest, ACurveWithoutSpanGivesNoColour)
 {
     sColorSensorRGBspecFileParameters curve;

@@ -99,6 +99,19 @@ TEST_F(PseudoColorTest, AlongExcitationTheRangeIsThatOfTheExcitationKeys)
     EXPECT_EQ(weights[1][0], m_curve.red.last());
 }
 
+TEST_F(PseudoColorTest, AlongTimeTheRangeIsThatOfTheEmissionKeys)
+{
+    m_engine.m_eAxis = SPECTRUMAXIS_TIME;
+    m_engine.m_excitationKeys = QStringList{"5", "7"};
+    m_engine.m_emissionKeys = QStringList{"0", "1200"};
+    m_engine.m_selectedKeyPairs = {{"5", "0"}, {"5", "600"}, {"5", "1200"}};
+    XTNT::Matrix<double> weights;
+    ASSERT_TRUE(m_engine.computeRGBWeights(weights));
+    EXPECT_EQ(weights[0][2], m_curve.blue.first());
+    EXPECT_EQ(weights[1][1], m_curve.green.at((m_curve.n - 1) / 2));
+    EXPECT_EQ(weights[2][0], m_curve.red.last());
+}
+
 TEST_F(PseudoColorTest, TheOverviewHasTheColoursOfTheImages)
 {
     m_engine.m_bUseMask = 1;

@@ -107,9 +107,12 @@ TEST_F(ResultPicturesTest, OnlyAPhotographOfAnotherFormatBecomesOpaque)
     m_engine.m_pPhoto->setGLFormat(0x1907);
     ASSERT_TRUE(m_engine.updateUnmixedImages(true));
     EXPECT_EQ(m_engine.m_unmixedImages.first()->getPalette()->alphaMode(), 1);
+    EXPECT_EQ(m_engine.m_unmixedImages.last()->getPalette()->alphaMode(), 1);
     m_engine.m_pPhoto->setGLFormat(0x1908);
     ASSERT_TRUE(m_engine.updateUnmixedImages(true));
     EXPECT_EQ(m_engine.m_unmixedImages.first()->getPalette()->alphaMode(), 0);
+    EXPECT_EQ(m_engine.m_unmixedImages.last()->getPalette()->alphaMode(), 1)
+        << "the hint of it is of the photograph itself";
 }
 
 TEST_F(ResultPicturesTest, TheColourBarShowsTheCommonRange)
@@ -137,6 +140,11 @@ TEST_F(ResultPicturesTest, TheColourBarShowsTheCommonRange)
     EXPECT_DOUBLE_EQ(view().colorBar().maximum, 10.0);
     EXPECT_TRUE(view().colorBar().ntf);
     EXPECT_EQ(view().colorBar().unit, 3);
+    for (const int eKind : {SEQKIND_LUMINESCENT, SEQKIND_EPI_FLUORESCENT, SEQKIND_TEMPORAL, SEQKIND_3D_SCENE}) {
+        m_engine.m_eSeqKind = eKind;
+        ASSERT_TRUE(m_engine.updateUnmixedImages(false));
+        EXPECT_FALSE(view().colorBar().ntf) << eKind;
+    }
 }
 
 TEST_F(ResultPicturesTest, OnACommonScaleAllMapsHaveTheSameRange)
@@ -200,11 +208,12 @@ TEST_F(ResultPicturesTest, PixelsOutsideTheMaskKeepTheLowestConcentration)
     EXPECT_EQ(levels(1), (std::vector<int>{0, 0, 64, 0}));
 }
 
-TEST_F(ResultPicturesTest, WithoutUseOfAMaskItsIndicesAreLeftOut)
+TEST_F(ResultPicturesTest, WithoutUseOfAMaskItsIndicesAreLeftToTheComposite)
 {
     m_engine.m_bUseMask = 0;
     m_engine.m_maskIndices = {1, 2};
     ASSERT_TRUE(m_engine.updateUnmixedImages(true));
+    EXPECT_EQ(view().composite().pixelIndices, (std::vector<int>{1, 2}));
     EXPECT_EQ(levels(0), (std::vector<int>{0, 128, 255, 255}));
 }
 
