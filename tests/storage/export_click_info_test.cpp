@@ -226,8 +226,27 @@ TEST_F(ExportClickInfoTest, TheEngineFillsInWhatItKnows)
     EXPECT_TRUE(display.contains("Reversed=1"));
     EXPECT_TRUE(display.contains("ColorTableIsLog=1"));
     EXPECT_TRUE(display.contains("Alpha Blend=42"));
+    EXPECT_TRUE(luminescent.contains("FL Background Corrected=0"));
     const QString strVersion = entriesOf(info, "ClickNumber").filter("Orvia Version=").value(0);
     EXPECT_TRUE(strVersion.startsWith("Orvia Version=" + CORVPreference::getAppVersion() + "("))
         << qPrintable(strVersion);
     EXPECT_TRUE(strVersion.endsWith(")"));
+}
+
+TEST_F(ExportClickInfoTest, EachCorrectionFlagIsThatOfTheSource)
+{
+    makeResult(2, 3);
+    CPLSection& source = *dataset(0).clickInfo[QString("luminescent image")];
+    const QStringList keys{"Background Corrected", "Flat Field Corrected", "FL Background Corrected"};
+    for (const QString& strSet : keys) {
+        for (const QString& strKey : keys) {
+            source.setValue(strKey, strKey == strSet ? "1" : "0");
+        }
+        CPLClickInfo info;
+        engine().buildClickInfo(&info, &dataset(0), &m_map, 0, 0, "label", true, false);
+        const QStringList list = entriesOf(info, "luminescent image");
+        for (const QString& strKey : keys) {
+            EXPECT_TRUE(list.contains(strKey + (strKey == strSet ? "=1" : "=0"))) << qPrintable(strSet + ", " + strKey);
+        }
+    }
 }

@@ -155,6 +155,18 @@ TEST_F(ExportDatasetTest, ASourceWithoutACameraSectionGivesTwoEqualClickInfos)
               clickInfoAt(strFolder + "/AnalyzedClickInfo.txt").toText());
 }
 
+TEST_F(ExportDatasetTest, ClickNumberAndFolderOfTheSourceAreLeftOutAndItsOtherEntriesKept)
+{
+    makeResult(2, 3);
+    CPLSection& click = *dataset(0).clickInfo[QString("ClickNumber")];
+    click.setValue("Folder On Disk", "C:\\data");
+    click.setValue("KyVo Interval", "2");
+    const QStringList entries = entriesOf(clickInfoAt(make(0) + "/ClickInfo.txt"), "ClickNumber");
+    EXPECT_TRUE(entries.filter(QRegExp("^ClickNumber=")).isEmpty());
+    EXPECT_TRUE(entries.contains("Folder On Disk="));
+    EXPECT_TRUE(entries.contains("KyVo Interval=2"));
+}
+
 TEST_F(ExportDatasetTest, TheSourceIsLeftAsItWas)
 {
     makeResult(2, 3);

@@ -101,6 +101,7 @@ TEST_F(ExportSequenceTest, WithSeveralSpotsTheUserPicksAComponent)
     EXPECT_EQ(m_asked[0].m_strLabel, "Which one to export as a FRAX sequence?");
     EXPECT_EQ(m_asked[0].m_items, QStringList({"No.1", "No.2", "No.3"}));
     EXPECT_EQ(m_asked[0].m_pParent, nullptr);
+    EXPECT_EQ(m_asked[0].m_nCurrent, 0);
     EXPECT_FALSE(m_asked[0].m_bEditable);
 }
 
@@ -194,6 +195,22 @@ TEST_F(ExportSequenceTest, RegionsOfTheSourceAreTakenOverAndMeasuredOverTheMap)
     CPLClickInfo info;
     ASSERT_EQ(map.roiManager()->saveROIData(&info), ESTATUS_SUCCESS);
     EXPECT_TRUE(entriesOf(info, "ROIs").contains("ROI 1 Sum=4"));
+}
+
+TEST_F(ExportSequenceTest, RegionsThatCannotBeMeasuredDoNotKeepTheNumbersOfTheSource)
+{
+    makeResult(2, 3);
+    tagROIInfo region;
+    region.name = "left";
+    region.width = 1.0;
+    region.height = 2.0;
+    region.statistics.unit = "Counts";
+    region.statistics.pixels = 99;
+    ASSERT_TRUE(dataset(0).roiManager()->addRegion(region));
+    CORVDataset map; // has no image
+    EXPECT_NE(takeOverRegions(dataset(0), map, DISPLAYUNIT_COUNTS), ESTATUS_SUCCESS);
+    ASSERT_EQ(map.roiManager()->regions().size(), 1);
+    EXPECT_EQ(map.roiManager()->regions().first().statistics.pixels, tagROIStatistics().pixels);
 }
 
 TEST_F(ExportSequenceTest, WithoutRegionsThereIsNothingToMeasure)
