@@ -188,10 +188,10 @@ TEST(StackedColorBarTest, UnitLinesMakeRoomAndStayInside)
 TEST(StackedColorBarTest, LinesStandAtTheirFactorsOfTheFontHeight)
 {
     const int length = 60;
-    const auto topOfLine = [&](double dOffset) {
+    const auto inkUnderTheBar = [&](double dOffset, const char* pText) {
         StackedColorBarOptions options;
         options.fontPixels = 20;
-        options.lines = {{dOffset, "p"}};
+        options.lines = {{dOffset, pText}};
         const QImage with = drawStackedColorBar(CILPalette(), 0.0, 0.0, length, options);
         const QRect frame = frameOf(with, length);
         // Under the number beneath the bar, which a blank separates from the line.
@@ -200,10 +200,13 @@ TEST(StackedColorBarTest, LinesStandAtTheirFactorsOfTheFontHeight)
             --y;
         return y - frame.bottom();
     };
-    const double font = topOfLine(2.0) - topOfLine(1.0);
+    const double first = inkUnderTheBar(1.0, "p");
+    const double font = inkUnderTheBar(2.0, "p") - first;
     EXPECT_GT(font, 20.0);
-    EXPECT_NEAR(topOfLine(1.5) - topOfLine(1.0), 0.5 * font, 1.0);
-    EXPECT_NEAR(topOfLine(1.15) - topOfLine(1.0), 0.15 * font, 1.0);
+    EXPECT_NEAR(inkUnderTheBar(1.5, "p") - first, 0.5 * font, 1.0);
+    EXPECT_NEAR(inkUnderTheBar(1.15, "p") - first, 0.15 * font, 1.0);
+    // The number's box, then half a font height to the first baseline.
+    EXPECT_NEAR(inkUnderTheBar(0.0, "x"), (1.25 + 0.5) * font, 2.0);
 }
 
 TEST(StackedColorBarTest, ColoursOfTextAndBackground)
