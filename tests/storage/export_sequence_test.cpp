@@ -36,6 +36,18 @@ private:
     std::optional<QString> m_answer;
 };
 
+// The left column of two by two pixels, with numbers that are not those of a map.
+tagROIInfo leftColumn()
+{
+    tagROIInfo region;
+    region.name = "left";
+    region.width = 1.0;
+    region.height = 2.0;
+    region.statistics.unit = "Counts";
+    region.statistics.pixels = 99;
+    return region;
+}
+
 class ExportSequenceTest : public ExportFixture
 {
 protected:
@@ -174,12 +186,7 @@ TEST_F(ExportSequenceTest, ASecondExportReplacesTheFoldersOfTheFirst)
 TEST_F(ExportSequenceTest, RegionsOfTheSourceAreTakenOverAndMeasuredOverTheMap)
 {
     makeResult(2, 3);
-    tagROIInfo region;
-    region.name = "left";
-    region.width = 1.0;
-    region.height = 2.0;
-    region.statistics.unit = "Counts";
-    region.statistics.pixels = 99;
+    const tagROIInfo region = leftColumn();
     ASSERT_TRUE(dataset(0).roiManager()->addRegion(region));
     CORVDataset map;
     map.setCoreImage(IMAGETYPE_MAIN_DATA, squareImage(2, 1, [](int i) { return static_cast<float>(i + 1); }));
@@ -200,12 +207,7 @@ TEST_F(ExportSequenceTest, RegionsOfTheSourceAreTakenOverAndMeasuredOverTheMap)
 TEST_F(ExportSequenceTest, RegionsThatCannotBeMeasuredDoNotKeepTheNumbersOfTheSource)
 {
     makeResult(2, 3);
-    tagROIInfo region;
-    region.name = "left";
-    region.width = 1.0;
-    region.height = 2.0;
-    region.statistics.unit = "Counts";
-    region.statistics.pixels = 99;
+    const tagROIInfo region = leftColumn();
     ASSERT_TRUE(dataset(0).roiManager()->addRegion(region));
     CORVDataset map; // has no image
     EXPECT_NE(takeOverRegions(dataset(0), map, DISPLAYUNIT_COUNTS), ESTATUS_SUCCESS);
