@@ -18,6 +18,8 @@ constexpr qint64 maxLineBytes = 1024 * 1024;
 constexpr qint64 blockFloats = 4 * 1024 * 1024;
 constexpr long maxSide = 32768;
 constexpr int maxImages = 10000;
+// Lines between two calls of the progress.
+constexpr qint64 progressLines = 1024;
 
 bool fail(QString* pError, const QString& path, qint64 line, const QString& reason)
 {
@@ -33,26 +35,44 @@ bool CsvCube::isCsv(const QString& strPath)
     return strPath.endsWith(QLatin1String(".csv"), Qt::CaseInsensitive);
 }
 
-bool CsvCube::open(const QString& strPath, QString* pError)
+bool CsvCube::open(const QString& strPath, QString* pError, const Progress& progress)
 {
     m_strPath = strPath;
-    m_names.clear();
     m_lWidth = 0;
     m_lHeight = 0;
     m_pending.clear();
     QFile file(strPath);
-    QString reason;
-    if (!orv::openInput(file, &reason)) {
-        return fail(pError, strPath, 0, reason);
+    if (!openText(file, pError)) {
+        return false;
     }
     m_pFloats = std::make_unique<QTemporaryFile>(QDir::tempPath() + QStringLiteral("/spum-XXXXXX.cube"));
     if (!m_pFloats->open()) {
         return fail(pError, m_pFloats->fileTemplate(), 0, m_pFloats->errorString());
     }
-    if (!readHeader(file.readLine(maxLineBytes), &reason)) {
-        return fail(pError, strPath, 1, reason);
+    return readRows(file, progress, pError);
+}
+
+bool CsvCube::readNames(const QString& strPath, QStringList* pNames, QString* pError)
+{
+    CsvCube cube;
+    cube.m_strPath = strPath;
+    QFile file(strPath);
+    if (!cube.openText(file, pError)) {
+        return false;
     }
-    return readRows(file, pError);
+    *pNames = cube.m_names;
+    return true;
+}
+
+// Opens the file and reads its first line.
+bool CsvCube::openText(QFile& file, QString* pError)
+{
+    m_names.clear();
+    QString reason;
+    if (!orv::openInput(file, &reason)) {
+        return fail(pError, m_strPath, 0, reason);
+    }
+    return readHeader(file.readLine(maxLineBytes), &reason) || fail(pError, m_strPath, 1, reason);
 }
 
 bool CsvCube::readHeader(const QByteArray& line, QString* pReason)
@@ -124,13 +144,17 @@ bool CsvCube::readRow(const QByteArray& line, qint64 row, QString* pReason)
     return true;
 }
 
-bool CsvCube::readRows(QFile& file, QString* pError)
+bool CsvCube::readRows(QFile& file, const Progress& progress, QString* pError)
 {
     qint64 row = 0;
     qint64 line = 1;
     while (!file.atEnd()) {
         const QByteArray bytes = file.readLine(maxLineBytes);
         ++line;
+        if (progress && line % progressLines == 0 &&
+            !progress(static_cast<double>(file.pos()) / static_cast<double>(std::max<qint64>(1, file.size())))) {
+            return fail(pError, m_strPath, 0, QStringLiteral("the reading was aborted"));
+        }
         if (bytes.isEmpty()) {
             return fail(pError, m_strPath, line, file.errorString());
         }

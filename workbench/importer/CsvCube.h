@@ -7,6 +7,7 @@
 #include <QStringList>
 #include <QTemporaryFile>
 
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -16,12 +17,18 @@
 class CsvCube
 {
 public:
+    // Told the share of the file that has been read, from 0 to 1; false stops.
+    using Progress = std::function<bool(double dFraction)>;
+
     // True when the file's name ends in ".csv".
     static bool isCsv(const QString& strPath);
 
     // False with "file:line: reason" or "file: reason" in *pError: no such header, a row too few or too many, a pixel out of
-    // its order, a field that is no number. "nan" and "inf" are read as they are.
-    bool open(const QString& strPath, QString* pError);
+    // its order, a field that is no number. "nan" and "inf" are read as they are. `progress` may be empty.
+    bool open(const QString& strPath, QString* pError, const Progress& progress = {});
+
+    // Reads the first line alone: the names of the images. Errors as of open().
+    static bool readNames(const QString& strPath, QStringList* pNames, QString* pError);
 
     int bands() const { return m_names.size(); }
     long width() const { return m_lWidth; }
@@ -32,8 +39,9 @@ public:
     bool readBand(int nBand, CILImage& out, QString* pError) const;
 
 private:
+    bool openText(QFile& file, QString* pError);
     bool readHeader(const QByteArray& line, QString* pReason);
-    bool readRows(QFile& file, QString* pError);
+    bool readRows(QFile& file, const Progress& progress, QString* pError);
     bool flush(QString* pError);
     // Takes one row; false with a reason.
     bool readRow(const QByteArray& line, qint64 row, QString* pReason);

@@ -280,16 +280,16 @@ bool ImageFinder::addEnvi(const QString& strPath, QString* pError)
 
 bool ImageFinder::addCsv(const QString& strPath, QString* pError)
 {
-    CsvCube cube;
-    if (!cube.open(strPath, pError)) {
+    QStringList names; // the pixels are read by the import
+    if (!CsvCube::readNames(strPath, &names, pError)) {
         return false;
     }
-    for (int band = 0; band < cube.bands(); ++band) {
+    for (int band = 0; band < names.size(); ++band) {
         FoundImage image;
         image.file = QFileInfo(strPath).fileName();
         image.band = band + 1;
         image.name = QStringLiteral("%1 band %2").arg(image.file).arg(band + 1);
-        addNamed(image, cube.names().at(band), QStringLiteral("column"), false);
+        addNamed(image, names.at(band), QStringLiteral("column"), false);
         m_images.append(image);
     }
     return true;

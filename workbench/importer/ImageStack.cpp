@@ -20,12 +20,18 @@ bool ImageStack::isTiffFile(const QString& strPath)
            magic == QByteArray("MM\0+", 4);
 }
 
-bool ImageStack::open(const QString& strSource, const ImagesTable& table, QString* pError)
+bool ImageStack::open(const QString& strSource, const ImagesTable& table, QString* pError,
+                      const CsvCube::Progress& progress)
 {
     *this = ImageStack();
+    m_progress = progress;
     const QFileInfo source(strSource);
     if (!source.exists()) {
         *pError = QStringLiteral("%1: there is no such file or folder").arg(strSource);
+        return false;
+    }
+    // What is wrong in a cube that all rows speak of is no matter of a row.
+    if (source.isFile() && !isTiffFile(strSource) && CsvCube::isCsv(strSource) && !csvCube(strSource, pError)) {
         return false;
     }
     QHash<QString, int> lineOf;
@@ -63,6 +69,7 @@ bool ImageStack::open(const QString& strSource, const ImagesTable& table, QStrin
     }
     m_cubes.clear();
     m_csvCubes.clear();
+    m_progress = {};
     warnOf(m_mapped, QStringLiteral("a colour map: the stored values are taken, not the colours"));
     warnOf(m_coloured, QStringLiteral("colours: their grey values are taken"));
     warnOf(m_sampled, QStringLiteral("several samples a pixel and no band in the table: the first is taken"));
@@ -147,12 +154,9 @@ bool ImageStack::openCsv(const ImageRow& row, Image& image, QString* pReason)
         *pReason = QStringLiteral("%1: a CSV cube has bands, not pages").arg(image.path);
         return false;
     }
-    QSharedPointer<CsvCube>& cube = m_csvCubes[image.path];
+    const QSharedPointer<CsvCube> cube = csvCube(image.path, pReason);
     if (!cube) {
-        cube = QSharedPointer<CsvCube>::create();
-        if (!cube->open(image.path, pReason)) {
-            return false;
-        }
+        return false;
     }
     image.csv = cube;
     image.band = row.band.value_or(1) - 1;
@@ -165,6 +169,20 @@ bool ImageStack::openCsv(const ImageRow& row, Image& image, QString* pReason)
         return false;
     }
     return true;
+}
+
+// The cube of that file, read at the first call; null with a reason.
+QSharedPointer<CsvCube> ImageStack::csvCube(const QString& strPath, QString* pReason)
+{
+    QSharedPointer<CsvCube> cube = m_csvCubes.value(strPath);
+    if (!cube) {
+        cube = QSharedPointer<CsvCube>::create();
+        if (!cube->open(strPath, pReason, m_progress)) {
+            return {};
+        }
+        m_csvCubes.insert(strPath, cube);
+    }
+    return cube;
 }
 
 bool ImageStack::measure(Image& image, long* pWidth, long* pHeight, QString* pReason)

@@ -25,8 +25,10 @@ public:
 
     // Finds every image of the table and reads the headers. With a folder as `strSource` each row names its file there;
     // otherwise `strSource` is the file of all rows. A row without page or band means the first. False with one sentence in
-    // *pError (see importStack) when an image cannot be found or differs in size, or two rows name one image.
-    bool open(const QString& strSource, const ImagesTable& table, QString* pError);
+    // *pError (see importStack) when an image cannot be found or differs in size, or two rows name one image. A CSV cube is
+    // read whole here, which `progress` (may be empty) follows.
+    bool open(const QString& strSource, const ImagesTable& table, QString* pError,
+              const CsvCube::Progress& progress = {});
 
     int count() const { return m_images.size(); }
     long width() const { return m_lWidth; }
@@ -53,12 +55,14 @@ private:
     bool locate(const QString& strSource, bool bFolder, const ImageRow& row, Image& image, QString* pReason);
     bool openCube(const ImageRow& row, Image& image, QString* pReason);
     bool openCsv(const ImageRow& row, Image& image, QString* pReason);
+    QSharedPointer<CsvCube> csvCube(const QString& strPath, QString* pReason);
     bool measure(Image& image, long* pWidth, long* pHeight, QString* pReason);
     void warnOf(const QStringList& names, const QString& strWhat);
 
     QVector<Image> m_images;
     QHash<QString, QSharedPointer<EnviCube>> m_cubes; // by path, while opening
     QHash<QString, QSharedPointer<CsvCube>> m_csvCubes;
+    CsvCube::Progress m_progress; // while opening
     QSharedPointer<TiffPageReader> m_pages = QSharedPointer<TiffPageReader>::create();
     QStringList m_mapped; // names of images with a colour map, in colours, of several samples a pixel
     QStringList m_coloured;

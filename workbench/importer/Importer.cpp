@@ -2,6 +2,7 @@
 #include "workbench/importer/Importer.h"
 
 #include "platform/orvapi/ClickInfoKeys.h"
+#include "platform/orvapi/SavedResultsCheck.h"
 #include "platform/orvapi/SequenceWriter.h"
 #include "platform/orvutils/AtomicFile.h"
 #include "workbench/importer/ImageCorrection.h"
@@ -28,6 +29,7 @@ const char* const meanImageOrigin = "mean image";
 const char* const sourceKey = "Source Image";
 // The table that was inferred, in the new sequence.
 const char* const tableName = "images.csv";
+const char* const abortText = "the import was aborted";
 constexpr double micrometresPerCentimetre = 1e4;
 
 QString shortest(double value)
@@ -46,13 +48,14 @@ public:
 
     bool run(QString* pError)
     {
-        // The writer refuses a target before time is spent on images; it shows nothing before finish().
-        return readTable(pError) && readCorrections(pError) &&
+        // A target is refused before time is spent on images; the writer shows nothing before finish().
+        return spareResults(pError) && readTable(pError) && readCorrections(pError) &&
                m_writer.begin(m_options.output, describeSequence(), m_options.force, pError) && checkImages(pError) &&
                makePhotograph(pError) && write(pError);
     }
 
 private:
+    bool spareResults(QString* pError) const;
     bool readTable(QString* pError);
     bool readCorrections(QString* pError);
     bool readImage(int i, CILImage& image, QString* pError);
@@ -82,12 +85,28 @@ private:
     int m_nDone = 0;
 };
 
+bool Import::spareResults(QString* pError) const
+{
+    *pError = m_options.force ? savedResultsAtStake(m_options.output) : QString();
+    return pError->isEmpty();
+}
+
 bool Import::readTable(QString* pError)
 {
     const bool bTable = m_options.tableText.isEmpty()
                             ? m_table.load(m_options.table, pError)
                             : m_table.parse(m_options.tableText, QStringLiteral("inferred table"), pError);
-    if (!bTable || !m_stack.open(m_options.source, m_table, pError) || !m_keys.make(m_table, m_stack, pError)) {
+    const auto reading = [this](double dFraction) {
+        constexpr int steps = 1000;
+        const QString what = QStringLiteral("Reading %1").arg(QFileInfo(m_options.source).fileName());
+        m_report.aborted = m_progress && !m_progress(static_cast<int>(dFraction * steps), steps, what);
+        return !m_report.aborted;
+    };
+    if (!bTable || !m_stack.open(m_options.source, m_table, pError, reading)) {
+        *pError = m_report.aborted ? QString::fromLatin1(abortText) : *pError;
+        return false;
+    }
+    if (!m_keys.make(m_table, m_stack, pError)) {
         return false;
     }
     for (const ImageRow& row : m_table.rows()) {
@@ -172,7 +191,7 @@ bool Import::step(const QString& what, QString* pError)
 {
     if (m_progress && !m_progress(m_nDone, 2 * m_stack.count(), what)) {
         m_report.aborted = true;
-        *pError = QStringLiteral("the import was aborted");
+        *pError = QString::fromLatin1(abortText);
         return false;
     }
     ++m_nDone;
@@ -254,7 +273,7 @@ bool Import::write(QString* pError)
         }
         m_report.clickNumbers.append(clickNumber(i));
     }
-    return keepTable(pError) && m_writer.finish(pError);
+    return keepTable(pError) && spareResults(pError) && m_writer.finish(pError);
 }
 
 // An inferred table goes along, to be edited and given by hand the next time.

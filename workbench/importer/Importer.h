@@ -23,6 +23,6 @@ using ImportProgress = std::function<bool(int nDone, int nSteps, const QString& 
 //   - the dark image or the flat field cannot be read or has another size, or a pixel of the flat is not above 0;
 //   - there are several exposures, but not one an image;
 //   - two rows name one image, or two images share excitation and emission, or a whole second;
-//   - the output exists and `force` is not set, or cannot be written.
+//   - the output exists and `force` is not set, holds saved results, or cannot be written.
 // `pReport` and `pError` may be null, `progress` empty. The report counts only after success, but for `aborted`.
 bool importStack(const ImportOptions& options, const ImportProgress& progress, ImportReport* pReport, QString* pError);

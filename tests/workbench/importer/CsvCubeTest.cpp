@@ -3,7 +3,9 @@
 
 #include "workbench/importer/ImporterFixture.h"
 
+#include <algorithm>
 #include <cmath>
+#include <vector>
 
 namespace {
 
@@ -44,6 +46,43 @@ TEST_F(CsvCubeTest, ARowAPixelAndAColumnAnImage)
     EXPECT_EQ(image.floats()[1], 0.004F);
     EXPECT_FALSE(cube.readBand(2, image, &error));
     EXPECT_TRUE(image.isEmpty());
+}
+
+TEST_F(CsvCubeTest, TheNamesCanBeHadWithoutThePixels)
+{
+    QStringList names;
+    QString error;
+    ASSERT_TRUE(CsvCube::readNames(write("cube.csv", "x,y,em700,em720\nno pixel"), &names, &error))
+        << qPrintable(error);
+    EXPECT_EQ(names, (QStringList{"em700", "em720"}));
+    EXPECT_FALSE(CsvCube::readNames(write("cube.csv", "file,emission\n"), &names, &error));
+    EXPECT_TRUE(error.startsWith(path("cube.csv") + ":1: ")) << qPrintable(error);
+    EXPECT_FALSE(CsvCube::readNames(path("none.csv"), &names, &error));
+}
+
+TEST_F(CsvCubeTest, ReadingTellsHowFarItIsAndCanBeStopped)
+{
+    QByteArray text = "x,y,a\n";
+    for (int i = 0; i < 10000; ++i)
+        text += QByteArray::number(i) + ",0,1\n";
+    const QString file = write("cube.csv", text);
+    CsvCube cube;
+    QString error;
+    std::vector<double> shares;
+    ASSERT_TRUE(cube.open(file, &error, [&shares](double share) {
+        shares.push_back(share);
+        return true;
+    })) << qPrintable(error);
+    ASSERT_GT(shares.size(), 5U);
+    EXPECT_TRUE(std::is_sorted(shares.begin(), shares.end()));
+    EXPECT_GT(shares.front(), 0.0);
+    EXPECT_LT(shares.front(), 0.2);
+    EXPECT_GT(shares.back(), 0.8);
+    EXPECT_LE(shares.back(), 1.0);
+    int calls = 0;
+    EXPECT_FALSE(cube.open(file, &error, [&calls](double) { return ++calls < 3; }));
+    EXPECT_EQ(calls, 3);
+    EXPECT_EQ(error, file + ": the reading was aborted");
 }
 
 TEST_F(CsvCubeTest, OneRowAndOneColumnAreImages)

@@ -195,3 +195,29 @@ TEST_F(ImageCorrectionTest, ACsvCubeIsAStack)
     EXPECT_FALSE(importStack(options, ImportProgress(), nullptr, &m_error));
     EXPECT_EQ(m_error, "inferred table:3: " + path("cube.csv") + ": there is no band 3 (the cube has 2)");
 }
+
+TEST_F(ImageCorrectionTest, ACsvCubeIsReadWithProgressAndWhatIsWrongInItIsToldByItsOwnLine)
+{
+    QByteArray text = "x,y,em700\n";
+    for (int i = 0; i < 3000; ++i) {
+        text += QByteArray::number(i % 60) + ',' + QByteArray::number(i / 60) + ",1\n";
+    }
+    ImportOptions options;
+    options.source = write("cube.csv", text);
+    options.tableText = "file,band,emission\ncube.csv,1,700\n";
+    options.output = path("out");
+    ImportReport report;
+    QStringList told;
+    const auto stop = [&told](int, int, const QString& what) {
+        told.append(what);
+        return told.size() < 2;
+    };
+    EXPECT_FALSE(importStack(options, stop, &report, &m_error));
+    EXPECT_EQ(told, (QStringList{"Reading cube.csv", "Reading cube.csv"}));
+    EXPECT_TRUE(report.aborted);
+    EXPECT_EQ(m_error, "the import was aborted");
+    EXPECT_FALSE(QFileInfo::exists(path("out")));
+    options.source = write("cube.csv", "x,y,em700\n0,0,one\n");
+    EXPECT_FALSE(importStack(options, ImportProgress(), nullptr, &m_error));
+    EXPECT_EQ(m_error, path("cube.csv") + ":2: \"one\" is not a number");
+}

@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/orvapi/SavedResultsCheck.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+namespace {
+
+constexpr qint64 longestLine = 4096;
+
+bool hasEntries(const QString& strIndex)
+{
+    if (!QFileInfo::exists(strIndex))
+        return false;
+    QFile file(strIndex);
+    if (!QFileInfo(strIndex).isFile() || !file.open(QIODevice::ReadOnly))
+        return true;
+    while (!file.atEnd()) {
+        const QByteArray line = file.readLine(longestLine);
+        if (line.isEmpty()) // cannot be read
+            return true;
+        const QByteArray text = (line.startsWith("\xEF\xBB\xBF") ? line.mid(3) : line).trimmed();
+        if (!text.isEmpty() && !text.startsWith('#'))
+            return true;
+    }
+    return false;
+}
+
+} // namespace
+
+QString savedResultsAtStake(const QString& strFolder)
+{
+    const QDir folder(strFolder);
+    QStringList places{QStringLiteral("XML")};
+    places += folder.entryList({QStringLiteral("SPUM*")}, QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name);
+    for (const QString& place : places) {
+        const QString index = place + QStringLiteral("/SPUM.txt");
+        if (hasEntries(folder.filePath(index)))
+            return QStringLiteral(
+                       "%1 holds saved results (%2), which would be lost with it: delete them first, or choose "
+                       "another folder")
+                .arg(QDir::cleanPath(folder.absolutePath()), index);
+    }
+    return QString();
+}
