@@ -133,6 +133,7 @@ void writeNotes(QXmlStreamWriter& xml, const ExportedCube& cube)
         xml.writeCharacters(strValue);
         xml.writeEndElement();
     };
+    note(QStringLiteral("kind"), cube.isTemporal() ? QStringLiteral("temporal") : QString());
     note(QStringLiteral("unit"), UnitNames::text(cube.unit()));
     note(QStringLiteral("isotope"), cube.isotope());
     for (int i = 0; i < cube.count(); ++i)
@@ -189,7 +190,8 @@ QString noteLines(const ExportedCube& cube)
         exposures.append(image.exposure ? shortest(*image.exposure) : unknown);
         starts.append(image.start.isEmpty() ? unknown : image.start);
     }
-    QString text = QStringLiteral("orvia unit = %1\n").arg(UnitNames::text(cube.unit()));
+    QString text = cube.isTemporal() ? QStringLiteral("orvia kind = temporal\n") : QString();
+    text += QStringLiteral("orvia unit = %1\n").arg(UnitNames::text(cube.unit()));
     if (cube.pixelSize())
         text += QStringLiteral("orvia pixel size micrometres = %1\n").arg(shortest(*cube.pixelSize()));
     if (!cube.isotope().isEmpty())
@@ -202,7 +204,7 @@ QByteArray enviHeaderText(ExportedCube& cube, const QString& strDataFile)
     QStringList names;
     QStringList wavelengths;
     for (const auto& image : cube.images()) {
-        names.append(braced(image.name, true));
+        names.append(braced(image.fullName, true));
         if (image.emission)
             wavelengths.append(shortest(*image.emission));
     }

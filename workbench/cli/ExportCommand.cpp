@@ -98,11 +98,12 @@ void ExportCommand::run(const QCommandLineParser& parser, CliSession& session)
     QJsonArray names;
     for (const auto& image : cube.images())
         names.append(image.name);
-    session.answer(QStringLiteral("%1 images of %2 x %3 pixels in %4\n%5\n")
-                       .arg(cube.count())
-                       .arg(cube.width())
-                       .arg(cube.height())
-                       .arg(UnitNames::options()[cube.unit()], targets.join(QLatin1Char('\n'))));
+    session.answer(
+        QStringLiteral("%1 of %2 x %3 pixels in %4\n%5\n")
+            .arg(cube.count() == 1 ? QStringLiteral("1 image") : QStringLiteral("%1 images").arg(cube.count()))
+            .arg(cube.width())
+            .arg(cube.height())
+            .arg(UnitNames::options()[cube.unit()], targets.join(QLatin1Char('\n'))));
     session.answerJson(QJsonObject{{"format", format},
                                    {"files", QJsonArray::fromStringList(targets)},
                                    {"images", names},

@@ -182,11 +182,9 @@ void ExportedCube::settleTimes()
     qint64 first = std::numeric_limits<qint64>::max();
     for (const Image& image : m_images)
         first = std::min(first, started ? instant(image) : first);
-    // A series of one pair of filters tells it; of an image alone it would hide that there is a time.
-    const bool filtered =
-        m_images.size() > 1 && all([this](const Image& image) {
-            return image.excitation == m_images.first().excitation && image.emission == m_images.first().emission;
-        });
+    const bool filtered = all([this](const Image& image) {
+        return image.excitation == m_images.first().excitation && image.emission == m_images.first().emission;
+    });
     for (int i = 0; i < m_images.size(); ++i) {
         Image& image = m_images[i];
         if (m_bTemporal && !filtered) {
@@ -197,12 +195,10 @@ void ExportedCube::settleTimes()
         if (m_bTemporal && !timed)
             image.time =
                 started ? std::optional<double>(static_cast<double>(instant(image) - first) / 1000.0) : std::nullopt;
-        if (!m_bTemporal)
-            image.name = spectralName(dataset, image);
-        else
-            image.name = (wavelengthNames(image)
-                          << (image.time ? temporalName(dataset, *image.time) : QStringLiteral("frame%1").arg(i)))
-                             .join(QLatin1Char('_'));
+        const QString instantName = image.time ? temporalName(dataset, *image.time) : QStringLiteral("frame%1").arg(i);
+        image.fullName =
+            m_bTemporal ? (wavelengthNames(image) << instantName).join(QLatin1Char('_')) : spectralName(dataset, image);
+        image.name = m_bTemporal && m_images.size() == 1 ? instantName : image.fullName;
     }
     if (m_bTemporal && !timed)
         m_session.warn(started ? QStringLiteral("the images do not tell their times; the starts of their exposures do")

@@ -24,6 +24,8 @@ public:
         QString click;
         // As an import reads it: "ex640_em700", "em700", "int2_t12.5s", "ex640_em700_spot x-0.45 y1.6".
         QString name;
+        // The same with the filters of an image of a time that is alone. As a name without more it would hide the time.
+        QString fullName;
         std::optional<double> excitation; // nm
         std::optional<double> emission;   // nm
         std::optional<double> time;       // s

@@ -180,8 +180,9 @@ QVector<ImageFacts> readFacts(const Entries& entries, int bands)
     common.pixelSize = ImageFacts::positive(size);
     common.isotope = entries.value(QStringLiteral("orvia isotope")).value;
     common.unit = ImageFacts::unitName(entries.value(QStringLiteral("orvia unit")).value);
+    common.temporal = entries.value(QStringLiteral("orvia kind")).value == QLatin1String("temporal");
     if (exposures.isEmpty() && starts.isEmpty() && !common.pixelSize && common.isotope.isEmpty() &&
-        common.unit.isEmpty()) {
+        common.unit.isEmpty() && !common.temporal) {
         return {};
     }
     QVector<ImageFacts> facts(bands, common);

@@ -14,6 +14,7 @@ struct ImageFacts
     QString start;                   // of the exposure, UTC, "yyyy-MM-ddTHH:mm:ss.zzz"; empty when it is not known
     QString isotope;                 // name; empty without
     QString unit;                    // of the pixels: "Radiance", ...; empty for counts
+    bool temporal = false;           // said to be of a series of times, whatever wavelengths are told as well
 
     // A number above 0, else nothing.
     static std::optional<double> positive(const QString& strText);

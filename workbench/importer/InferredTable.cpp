@@ -245,7 +245,8 @@ void InferredTable::takeTimes(const QVector<FoundImage>& images, std::optional<d
     }
 }
 
-// What tells the images apart: wavelengths, or times at one pair of wavelengths.
+// What tells the images apart: wavelengths, or times at one pair of wavelengths. Of an image alone that has both, only its
+// metadata can say.
 void InferredTable::choose()
 {
     QSet<QString> pairs;
@@ -258,8 +259,9 @@ void InferredTable::choose()
             QStringList{cell(row.excitation), cell(row.emission), row.spotX, row.spotY}.join(QLatin1Char('/')));
     }
     const bool bApart = pairs.size() == m_rows.size();
-    m_bSpectral = wavelengths > 0 && (bApart || times == 0 || pairs.size() > 1);
-    m_bTemporal = times > 0 && !m_bSpectral;
+    const bool bSaid = std::any_of(m_rows.cbegin(), m_rows.cend(), [](const Row& row) { return row.facts.temporal; });
+    m_bSpectral = !bSaid && wavelengths > 0 && (bApart || times == 0 || pairs.size() > 1);
+    m_bTemporal = bSaid || (times > 0 && !m_bSpectral);
 }
 
 void InferredTable::refuseMissing()
@@ -288,7 +290,9 @@ void InferredTable::refuseMissing()
             QStringLiteral("nothing tells the images' wavelengths or times; names can (ex640_em700, 640-700, t12.5s), "
                            "and --interval S makes times of numbered frames"));
     } else if (m_bTemporal) {
-        lacking([](const Row& row) { return row.time.has_value(); }, "time");
+        if (lacking([](const Row& row) { return row.time.has_value(); }, "time")) {
+            doubt(QStringLiteral("--interval S makes times of numbered frames"));
+        }
     } else {
         if (std::any_of(m_rows.cbegin(), m_rows.cend(), excited)) {
             lacking(excited, "excitation");
@@ -347,7 +351,7 @@ void InferredTable::refuseDuplicates()
         } else {
             m_notes.append(QStringLiteral("the images' times are not used: wavelengths tell them apart"));
         }
-    } else if (m_bTemporal && (m_rows.first().excitation || m_rows.first().emission)) {
+    } else if (m_bTemporal && m_rows.size() > 1 && (m_rows.first().excitation || m_rows.first().emission)) {
         m_notes.append(QStringLiteral("the images' times tell them apart: their wavelengths are the same in all"));
     }
 }

@@ -355,6 +355,7 @@ ImageFacts factsOf(const Pixels& pixels, const Plane& plane, const QHash<QString
     facts.start = ImageFacts::instant(notes.value(QStringLiteral("start %1").arg(page + 1)));
     facts.isotope = notes.value(QStringLiteral("isotope"));
     facts.unit = ImageFacts::unitName(notes.value(QStringLiteral("unit")));
+    facts.temporal = notes.value(QStringLiteral("kind")) == QLatin1String("temporal");
     return facts;
 }
 

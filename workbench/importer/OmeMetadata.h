@@ -13,8 +13,8 @@
 class OmeMetadata
 {
 public:
-    // The namespace of the annotation in which an export tells what OME has no place for, as a map: "unit", "isotope", and
-    // "start N" for page N, from 1.
+    // The namespace of the annotation in which an export tells what OME has no place for, as a map: "kind" ("temporal"), "unit",
+    // "isotope", and "start N" for page N, from 1.
     static constexpr const char* const kNamespace = "orvia/image-cube/1";
 
     static bool isOme(const QString& strDescription);

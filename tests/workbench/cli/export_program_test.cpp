@@ -314,6 +314,30 @@ TEST_F(ExportProgramTest, EveryKindComesBack)
     }
 }
 
+// Without its filters a map in radiant efficiency would be one of no excitation.
+TEST_F(ExportProgramTest, AnImageOfATimeAloneComesBackAsWhatItWas)
+{
+    succeed({"simulate", "in", "--size", "64", "--kind", "temporal", "--times", "0,20.5,40"});
+    CORVSequenceDataset in;
+    ASSERT_EQ(in.open(path("in")), ESTATUS_SUCCESS);
+    for (const QString& format : formats) {
+        succeed({"export", "in", "--select", "*/20", "--format", format, "--out", fileOf(format)});
+        succeed({"import", fileOf(format), format});
+        CORVSequenceDataset out;
+        ASSERT_EQ(out.open(path(format)), ESTATUS_SUCCESS);
+        ASSERT_EQ(out.getDatasets().size(), 1) << qPrintable(format);
+        EXPECT_TRUE(out.isKyvoSequence()) << qPrintable(format);
+        const QString folder = format + '/' + QDir(path(format)).entryList({"IM*"}).value(0);
+        EXPECT_TRUE(contentOf(path(folder + "/ClickInfo.txt")).contains("KyVo Time(s): 20.5\n")) << qPrintable(format);
+        const bool named = format == "csv"; // a name has room for one of the two
+        EXPECT_EQ(contentOf(path(folder + "/ClickInfo.txt")).contains("Stored Unit: Radiant Efficiency\n"), !named);
+        EXPECT_EQ(out.getDatasets()[0]->getExcitationFilter(),
+                  named ? QString() : in.getDatasets()[0]->getExcitationFilter());
+        EXPECT_EQ(out.getDatasets()[0]->getEmissionFilter(),
+                  named ? QString() : in.getDatasets()[0]->getEmissionFilter());
+    }
+}
+
 // An isotope and the starts of the exposures are what a correction for decay needs.
 TEST_F(ExportProgramTest, DecayCanBeCorrectedAfterwards)
 {
