@@ -44,8 +44,8 @@ CliSession::CliSession(const QCommandLineParser& parser)
     QString error;
     if (!log.isEmpty() && !orv::setLogFile(log, &error))
         throw CliFailure(error);
-    orv::setConsoleLogLevel(m_bVerbose ? orv::ConsoleLog::Everything
-                                       : (m_bQuiet ? orv::ConsoleLog::Nothing : orv::ConsoleLog::Errors));
+    // Errors are told at the end, but for those that the command tells itself.
+    orv::setConsoleLogLevel(m_bVerbose ? orv::ConsoleLog::Everything : orv::ConsoleLog::Nothing);
 
     const QString trace = fileNameOption(parser, "trace");
     if (!trace.isEmpty()) {

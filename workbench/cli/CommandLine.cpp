@@ -12,6 +12,7 @@
 #include "workbench/cli/ImportCommand.h"
 #include "workbench/cli/InfoCommand.h"
 #include "workbench/cli/LibraryCommand.h"
+#include "workbench/cli/LoggedErrors.h"
 #include "workbench/cli/PcaCommand.h"
 #include "workbench/cli/ResultsCommand.h"
 #include "workbench/cli/RoiCommand.h"
@@ -117,16 +118,27 @@ int runCommand(Command& command, const QStringList& arguments)
         print(QStringLiteral("spum %1\n").arg(CORVPreference::getAppVersion()));
         return 0;
     }
+    const LoggedErrors errors;
+    // Why a command failed is told once; what was logged beyond that goes ahead of it, unless the log was shown.
+    const auto tell = [&](const QString& strFailure) {
+        const bool shown = parser.isSet(QStringLiteral("verbose")) || parser.isSet(QStringLiteral("quiet"));
+        const QStringList lines = shown ? QStringList() : errors.linesBeyond(strFailure);
+        for (const QString& line : lines)
+            complain(line);
+        if (!strFailure.isEmpty())
+            complain(strFailure);
+    };
     try {
         CliSession session(parser);
         // An interrupt that comes when all is done does not make a failure of it.
         command.run(parser, session);
+        tell(QString());
         return 0;
     } catch (const CliFailure& failure) {
-        complain(failure.message());
+        tell(failure.message());
         return failure.status();
     } catch (const std::bad_alloc&) {
-        complain(QStringLiteral("not enough memory for this; try a coarser --binning or a smaller selection"));
+        tell(QStringLiteral("not enough memory for this; try a coarser --binning or a smaller selection"));
         return CliFailure::Failed;
     }
 }

@@ -2,13 +2,13 @@
 #include "workbench/cli/ResultExport.h"
 
 #include "workbench/cli/CliFailure.h"
+#include "workbench/cli/LoggedErrors.h"
 #include "workbench/cli/MovedMaps.h"
 
 #include "engine/CORVSpumKyvo.h"
-#include "host/CORVLog.h"
 #include "host/CORVSequenceDataset.h"
 #include "platform/orvapi/ClickInfoKeys.h"
-#include "platform/orvutils/LogSinks.h"
+#include "platform/orvapi/SavedResultsCheck.h"
 #include "platform/orvutils/MessageResponder.h"
 #include "platform/orvutils/StagedFolder.h"
 #include "storage/exportNames.h"
@@ -47,28 +47,6 @@ public:
 
 private:
     std::unique_ptr<orv::MessageResponder> m_pEarlier;
-};
-
-// The errors that are logged as long as it lives.
-class LoggedErrors
-{
-public:
-    LoggedErrors()
-        : m_nSink(orv::addLogSink([this](const orv::LogRecord& record) {
-              if (record.m_nLevel == CORVLOG_ERROR)
-                  m_lines.append(record.m_strMessage);
-          }))
-    {
-    }
-    ~LoggedErrors() { orv::removeLogSink(m_nSink); }
-    LoggedErrors(const LoggedErrors&) = delete;
-    LoggedErrors& operator=(const LoggedErrors&) = delete;
-
-    const QStringList& lines() const { return m_lines; }
-
-private:
-    QStringList m_lines;
-    int m_nSink;
 };
 
 void checkRequest(const CORVSpumKyvo& engine, std::optional<int> component)
@@ -123,8 +101,10 @@ ExportedMaps exportResult(CORVSpumKyvo& engine, std::optional<int> component, co
     CORVSequenceDataset* pSequence = CORVSequenceDataset::getSequenceDataset(engine.getSequenceId());
     if (pSequence == nullptr)
         throw CliFailure(QStringLiteral("the sequence %1 is not open").arg(engine.getSequenceId()));
+    QString error = savedResultsAtStake(strOutFolder);
+    if (bForce && !error.isEmpty())
+        throw CliFailure(error);
     StagedFolder staged;
-    QString error;
     if (!staged.begin(strOutFolder, bForce, QString::fromLatin1(SequenceFiles::kSequenceInfo), &error))
         throw CliFailure(error);
 
