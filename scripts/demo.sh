@@ -7,7 +7,8 @@ out=$2
 mkdir -p "$out"
 
 echo "1. A simulated mouse: autofluorescence, food in the gut, a dye at 2 mm and one at 6 mm"
-"$spum" simulate "$out/mouse" --force
+# The folder is the demo's own, and so is the result that it saves there.
+"$spum" simulate "$out/mouse" --force --discard-results
 echo
 echo "2. What the sequence holds"
 "$spum" info "$out/mouse"

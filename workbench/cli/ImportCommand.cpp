@@ -99,8 +99,8 @@ void writeTable(const Request& request, const InferredTable& table)
 
 QString textAnswer(const ImportReport& report, const QString& strFolder)
 {
-    QString text =
-        QStringLiteral("%1 images of %2 x %3 pixels").arg(report.images).arg(report.width).arg(report.height);
+    QString text = report.images == 1 ? QStringLiteral("1 image") : QStringLiteral("%1 images").arg(report.images);
+    text += QStringLiteral(" of %1 x %2 pixels").arg(report.width).arg(report.height);
     if (report.side != report.width || report.side != report.height)
         text += QStringLiteral(", padded to %1 x %1").arg(report.side);
     text += report.temporal ? QStringLiteral(", at a series of times") : QString();
@@ -173,8 +173,9 @@ void ImportCommand::declare(QCommandLineParser& parser) const
     option("pixel-size", QStringLiteral("Side of a pixel in the object, in micrometres."), "UM");
     option("photo", QStringLiteral("Photograph of the same extent; else the mean image serves."), "FILE");
     option("name", QStringLiteral("Name of the sequence; that of OUT."), "NAME");
-    parser.addOption(
-        {QStringLiteral("force"), QStringLiteral("Replace a sequence of that name, or the file of --write-table.")});
+    parser.addOption({QStringLiteral("force"),
+                      QStringLiteral("Replace a sequence of that name, unless it holds saved results; or the "
+                                     "file of --write-table.")});
 }
 
 void ImportCommand::run(const QCommandLineParser& parser, CliSession& session)

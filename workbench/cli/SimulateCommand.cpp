@@ -82,7 +82,8 @@ constexpr OptionText kOptions[] = {
     {"mixed-binning", "Take the first two images at twice the binning.", "", "", kAll & ~kScan},
     {"name", "Name of the sequence.", "NAME", "that of OUT"},
     {"subject", "Subject type of the sequence.", "TEXT", "Mouse"},
-    {"force", "Replace a sequence that exists.", "", ""},
+    {"force", "Replace a sequence that exists, unless it holds saved results.", "", ""},
+    {"discard-results", "With --force: replace it together with its saved results.", "", ""},
 };
 
 QString optionName(const char* pName)
@@ -216,6 +217,9 @@ SimulationOptions takeOptions(const QCommandLineParser& parser)
     take(parser, "name", &options.name);
     take(parser, "subject", &options.subject);
     options.force = parser.isSet(QStringLiteral("force"));
+    options.discardResults = parser.isSet(QStringLiteral("discard-results"));
+    if (options.discardResults && !options.force)
+        usage(QStringLiteral("--discard-results goes with --force."));
     const QString problem = validate(options);
     if (!problem.isEmpty())
         usage(problem);

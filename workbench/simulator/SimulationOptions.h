@@ -48,7 +48,8 @@ struct SimulationOptions
 
     QString name; // of the sequence; empty: the target folder's
     QString subject = QStringLiteral("Mouse");
-    bool force = false; // replace a sequence that exists
+    bool force = false;          // replace a sequence that exists
+    bool discardResults = false; // even when it holds saved results
 
     // The defaults of a kind.
     static SimulationOptions standard(SimulationKind eKind);

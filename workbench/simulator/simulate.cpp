@@ -2,6 +2,7 @@
 #include "workbench/simulator/simulate.h"
 
 #include "platform/orvapi/ClickInfoKeys.h"
+#include "platform/orvapi/SavedResultsCheck.h"
 #include "platform/orvapi/SequenceWriter.h"
 #include "workbench/simulator/CameraModel.h"
 #include "workbench/simulator/FullDataset.h"
@@ -181,6 +182,13 @@ private:
 
     bool begin(const QString& strTarget)
     {
+        if (m_options.force && !m_options.discardResults) {
+            const QString refusal = savedResultsAtStake(strTarget);
+            if (!refusal.isEmpty()) {
+                *m_pError = refusal + QStringLiteral("; --discard-results gives them up");
+                return false;
+            }
+        }
         nameSequence(strTarget);
         return m_writer.begin(strTarget, m_description, m_options.force, m_pError);
     }

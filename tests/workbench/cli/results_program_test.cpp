@@ -252,6 +252,29 @@ TEST_F(ResultsProgramTest, ExportMakesASequenceOfTheMaps)
     EXPECT_FALSE(refusal({"results", "export", "seq", "a", "--out", path("m2"), "--component", "0"}, 2).isEmpty());
 }
 
+TEST_F(ResultsProgramTest, NoOtherSequenceTakesThePlaceOfOneWithSavedResults)
+{
+    save({"--save", "a"});
+    const QStringList before = filesBelow(path("seq"));
+    const QString why =
+        " holds saved results (XML/SPUM.txt), which would be lost with it: delete them first, or choose "
+        "another folder";
+    writeTiffFile("stack/em700.tif", imageOf(4, 4, [](int i) { return static_cast<float>(i); }));
+    EXPECT_TRUE(refusal({"import", "stack", "seq", "--force"}).endsWith("/seq" + why));
+    EXPECT_TRUE(refusal({"simulate", "seq", "--size", "64", "--force"})
+                    .endsWith("/seq" + why + "; --discard-results gives them up"));
+    smallSequence().writeTo(path("other"));
+    succeed({"unmix", "other", "--library", library(), "--save", "b"});
+    EXPECT_TRUE(refusal({"results", "export", "other", "b", "--out", path("seq"), "--force"}).endsWith("/seq" + why));
+    EXPECT_EQ(filesBelow(path("seq")), before);
+    EXPECT_EQ(refusal({"simulate", "seq", "--discard-results"}, 2),
+              "--discard-results goes with --force. See \"spum simulate --help\".");
+    succeed({"results", "delete", "seq", "a", "--force"});
+    succeed({"import", "stack", "seq", "--force"});
+    succeed({"simulate", "other", "--size", "64", "--bands", "3", "--probes", "Cy7", "--force", "--discard-results"});
+    EXPECT_EQ(succeed({"results", "list", "other", "--json"}).json()["results"].toArray().size(), 0);
+}
+
 TEST_F(ResultsProgramTest, WrongCallsAreUsageErrors)
 {
     for (const QStringList& arguments : {QStringList{"results"},
