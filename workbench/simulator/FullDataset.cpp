@@ -7,6 +7,8 @@
 #include "workbench/simulator/BodyPictures.h"
 #include "workbench/simulator/SimulationOptions.h"
 
+#include <cmath>
+
 namespace {
 
 using Entries = QList<QPair<QString, QString>>;
@@ -45,26 +47,26 @@ void addAcquisition(CPLClickInfo& info, tag_eimagetype eType, const CILImage& im
                 {text(ClickKeys::kFNumber), text("8")}});
 }
 
-// A region of each shape over the trunk, in pixels of the sensor, of which `side` lie along the field of view.
+// A region of each shape over the trunk, in whole pixels of the sensor, of which `side` lie along the field of view.
 void addRegions(CPLClickInfo& info, double side)
 {
     const auto outline = [side](std::initializer_list<tagROIInfo::Point> shares) {
         QVector<tagROIInfo::Point> points;
         for (const tagROIInfo::Point& share : shares)
-            points.append({share.x * side, share.y * side});
+            points.append({std::round(share.x * side), std::round(share.y * side)});
         return points;
     };
     tagROIInfo rectangle;
     rectangle.name = text("Back");
-    rectangle.x = 0.44 * side;
-    rectangle.y = 0.40 * side;
-    rectangle.width = 0.12 * side;
-    rectangle.height = 0.20 * side;
+    rectangle.x = std::round(0.44 * side);
+    rectangle.y = std::round(0.40 * side);
+    rectangle.width = std::round(0.12 * side);
+    rectangle.height = std::round(0.20 * side);
     tagROIInfo ellipse = rectangle;
     ellipse.name = text("Head");
     ellipse.shape = ROISHAPE_ELLIPSE;
-    ellipse.y = 0.16 * side;
-    ellipse.height = 0.14 * side;
+    ellipse.y = std::round(0.16 * side);
+    ellipse.height = std::round(0.14 * side);
     tagROIInfo polygon;
     polygon.name = text("Hind back");
     polygon.shape = ROISHAPE_POLYGON;
