@@ -2,7 +2,9 @@
 #include "workbench/cli/CompositePicture.h"
 
 #include "engine/CORVSpumKyvo.h"
+#include "engine/logLine.h"
 #include "host/CILImage.h"
+#include "host/CORVLog.h"
 #include "platform/orvutils/AtomicFile.h"
 #include "windows/compositePicture.h"
 #include "workbench/cli/CliFailure.h"
@@ -36,9 +38,12 @@ StartedComposite startedComposite(const CORVSpumKyvo& engine, int nSpot)
     StartedComposite started;
     const CompositeInput& input = engine.ownResultView().composite();
     const CompositeMaps maps{input.data, input.pixelIndices, input.width, input.height, input.spots};
-    if (input.channels.isEmpty() || nSpot < 0 || nSpot >= input.spots ||
-        !compositeSizesMatch(maps, input.channels.size()))
+    if (input.channels.isEmpty() || nSpot < 0 || nSpot >= input.spots)
         return started;
+    if (!compositeSizesMatch(maps, input.channels.size())) {
+        logLine(compositeSizeMismatchText(), CORVLOG_ERROR);
+        return started;
+    }
     const CILImage none;
     const CILImage& photo = input.photo != nullptr ? *input.photo : none;
     started.layers = compositeStartLayers(maps, input.channels, photo);

@@ -19,7 +19,7 @@ struct CompositeFile
 
 // The false-colour composite of a result at a spot (0 the first) over the photograph, as the composite window starts with it,
 // from what the engine handed to its own view for it (OwnResultView::composite()); each spot over its own range. Null without
-// such data and for a spot that there is not.
+// such data, for a spot that there is not, and, told in the log, for data whose sizes do not match.
 QImage compositePictureOf(const CORVSpumKyvo& engine, int nSpot);
 
 // The composite with a legend beneath: the labels of the components in their colours. Null as above.

@@ -4,6 +4,8 @@
 #include "workbench/cli/CliFailure.h"
 #include "workbench/cli/SmallAnalysis.h"
 
+#include "platform/orvutils/LogSinks.h"
+
 #include <QDir>
 
 namespace {
@@ -93,7 +95,14 @@ TEST_F(CompositePictureFileTest, ChannelsThatDoNotFitTheDataGiveNoPicture)
     handOver({{1.0, 0.0, 0.0, 1.0}, {0.0, 1.0, 0.0, 1.0}}, {"red", "blue"});
     const CompositeInput input = engine().ownResultView().composite();
     engine().ownResultView().setCompositeData(nullptr, input.data, 0, {}, 3, 1, input.channels, 1);
+    QStringList errors;
+    const int nSink = orv::addLogSink([&errors](const orv::LogRecord& record) {
+        if (record.m_nLevel == 3)
+            errors.append(record.m_strMessage);
+    });
     EXPECT_TRUE(compositePictureOf(engine(), 0).isNull());
+    orv::removeLogSink(nSink);
+    EXPECT_EQ(errors, QStringList("SpUnmixCompositeWnd: input data size mismatch for composite image."));
 }
 
 TEST_F(CompositePictureFileTest, LegendStandsUnderThePictureInTheColoursOfTheLayers)

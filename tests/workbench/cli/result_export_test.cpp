@@ -305,6 +305,24 @@ TEST_F(ResultExportTest, RegionsOfTheSourceComeAlongWithTheirNumbersOverTheMap)
     EXPECT_NEAR(taken.statistics.sum, 1.0 + 3.0 + 5.0 + 7.0, 1e-4);
 }
 
+TEST_F(ResultExportTest, OfAScanEachMapTakesTheRegionsOfItsOwnSpot)
+{
+    analyseScan();
+    tagROIInfo region;
+    region.name = "second spot";
+    region.width = 4.0;
+    region.height = 1.0;
+    ASSERT_TRUE(m_pOpened->sequence().getDatasets()[5]->roiManager()->addRegion(region));
+    exportResult(engine(), 2, path("out"));
+    CORVSequenceDataset sequence;
+    ASSERT_EQ(sequence.open(path("out")), ESTATUS_SUCCESS);
+    EXPECT_FALSE(sequence.getDatasets()[0]->hasROIData());
+    ASSERT_TRUE(sequence.getDatasets()[1]->hasROIData());
+    const tagROIInfo taken = sequence.getDatasets()[1]->roiManager()->regions().first();
+    EXPECT_EQ(taken.name, "second spot");
+    EXPECT_NEAR(taken.statistics.sum, 10.0 * (1.0 + 3.0 + 5.0 + 7.0), 1e-3);
+}
+
 TEST_F(ResultExportTest, TheFirstMapGetsThePhotographWhenNoneHasOne)
 {
     analyseScan();
