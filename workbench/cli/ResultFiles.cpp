@@ -36,6 +36,8 @@ const QSize plotSize(1100, 700);
 // A scan of many spots has too many maps for one sheet.
 constexpr int overviewMaps = 12;
 constexpr int reportedComposites = 6;
+// Bytes of a name within a file name; a folder takes names of 255, and there is more in ours.
+constexpr int longestPart = 150;
 
 // A component's map at a spot as an image; 0 outside the mask.
 CILImage imageOfMap(const CORVSpumKyvo& engine, int nComponent, int nSpot)
@@ -89,6 +91,8 @@ QString ResultFiles::fileNameOf(const QString& strLabel)
         else if (c.isSpace())
             name += QLatin1Char('_');
     }
+    while (name.toUtf8().size() > longestPart)
+        name.chop(1);
     return name.startsWith(QLatin1Char('.')) ? QLatin1Char('_') + name : name;
 }
 

@@ -33,6 +33,7 @@ public:
     QJsonObject summaryJson() const;
 
     // Name of a component as part of a file name: letters, digits, dot and dash stay, blanks become "_", the rest goes.
+    // A long name is cut.
     static QString fileNameOf(const QString& strLabel);
 
 private:

@@ -40,7 +40,7 @@ void checkText(const QString& strName)
 } // namespace
 
 ResultStore::ResultStore(CORVSpumKyvo& engine, bool bAgreed)
-    : m_engine(engine), m_questions(bAgreed), m_results(m_list, m_owner)
+    : m_engine(engine), m_bAgreed(bAgreed), m_questions(bAgreed), m_results(m_list, m_owner)
 {
     m_results.setEngine(&engine);
     m_results.m_bWaitForFreeFile = true;
@@ -73,9 +73,10 @@ void ResultStore::checkName(const CORVSequenceDataset& sequence, const QString& 
     const QStringList taken = names(sequence);
     if (strName.isEmpty())
         return;
-    checkText(strName);
-    if (!bOverwrite && taken.contains(strName))
-        throw CliFailure(QStringLiteral("there is a saved result \"%1\" already; --force overwrites it").arg(strName));
+    const QString name = resultsIndex::withoutNewMark(strName);
+    checkText(name);
+    if (!bOverwrite && taken.contains(name))
+        throw CliFailure(QStringLiteral("there is a saved result \"%1\" already; --force overwrites it").arg(name));
 }
 
 QString ResultStore::findName(const CORVSequenceDataset& sequence, const QString& strName)
@@ -102,7 +103,7 @@ QString ResultStore::save(const QString& strName)
     if (m_results.onClickSaveResults() != SaveOutcome::Saved)
         throw CliFailure(QStringLiteral("the result was not saved"));
     if (!strName.isEmpty())
-        return strName;
+        return resultsIndex::withoutNewMark(strName);
     // Another program may have taken the name that was next.
     const QStringList after = names(sequence());
     for (auto name = after.rbegin(); name != after.rend(); ++name)
@@ -124,12 +125,18 @@ void ResultStore::remove(const QString& strName)
     m_list.updateSavedResultsForSelSeqId(sequence().getSequenceName());
     m_list.setCurrentText(strName);
     if (!m_results.onClickDeleteResults())
-        throw CliFailure(QStringLiteral("the result \"%1\" was not deleted").arg(strName));
+        throw CliFailure(QStringLiteral("the result \"%1\" was not deleted").arg(strName) +
+                         (m_bAgreed ? QString() : QStringLiteral("; --force deletes it without a question")));
 }
 
 void ResultStore::rename(const QString& strOld, const QString& strNew)
 {
     checkText(strNew);
+    if (resultsIndex::withoutNewMark(strNew) != strNew)
+        throw CliFailure(
+            QStringLiteral("\"%1\" is no name for a result: \"%2\" at its end marks one that is not saved yet")
+                .arg(strNew, resultsIndex::newMark()),
+            CliFailure::Usage);
     const auto taken = resultsIndex::findName(names(sequence()), strNew);
     if (taken)
         throw CliFailure(QStringLiteral("Result \"%1\" already exist. Please choose a different name.").arg(strNew));

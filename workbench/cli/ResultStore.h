@@ -29,7 +29,7 @@ public:
     static QStringList names(const CORVSequenceDataset& sequence);
     static QString pathOf(const CORVSequenceDataset& sequence, const QString& strName);
 
-    // Saves the engine's result; the name it got.
+    // Saves the engine's result; the name it got: "(new)" at the end of one is taken off.
     QString save(const QString& strName);
     // The engine then shows the result.
     void load(const QString& strName);
@@ -40,6 +40,7 @@ private:
     CORVSequenceDataset& sequence() const;
 
     CORVSpumKyvo& m_engine;
+    bool m_bAgreed;
     Questions m_questions;
     ResultsListInMemory m_list;
     SavedResultsOwner m_owner;

@@ -1,11 +1,22 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "workbench/cli/SavedDocument.h"
 
+#include "storage/documentText.h"
+
 #include <QDomDocument>
-#include <QFile>
 #include <QFileInfo>
 
 namespace {
+
+constexpr double oldestVersion = 1.1;
+
+int countElements(const QDomElement& parent)
+{
+    int count = 0;
+    for (QDomElement child = parent.firstChildElement(); !child.isNull(); child = child.nextSiblingElement())
+        ++count;
+    return count;
+}
 
 bool isCalled(const QDomElement& element, const char* pName)
 {
@@ -30,9 +41,9 @@ void readSection(const QDomElement& section, SavedDocument& document)
     if (isCalled(section, "SeqDataset"))
         document.sequence = section.attribute(QStringLiteral("id"));
     if (isCalled(section, "SelectedKeyPairs") || isCalled(section, "SelectedWavelengths"))
-        document.images = section.childNodes().size();
+        document.images = countElements(section);
     if (isCalled(section, "ROIData"))
-        document.regions = section.childNodes().size();
+        document.regions = countElements(section);
     if (isCalled(section, "SpectrumList"))
         for (QDomElement child = first; !child.isNull(); child = child.nextSiblingElement())
             document.spectra.append(spectrumOf(child));
@@ -73,20 +84,19 @@ SavedDocument readSavedDocument(const QString& strPath)
         document.error = QStringLiteral("the list names no file");
         return document;
     }
-    QFile file(strPath);
-    if (!QFileInfo(strPath).isFile() || !file.open(QIODevice::ReadOnly)) {
-        document.error = QFileInfo::exists(strPath) ? QStringLiteral("the file cannot be read")
-                                                    : QStringLiteral("the file is missing");
+    if (!QFileInfo::exists(strPath) && !QFileInfo(strPath).isSymLink()) {
+        document.error = QStringLiteral("the file is missing");
         return document;
     }
     QDomDocument dom;
-    QString reason;
-    int line = 0;
-    if (!dom.setContent(&file, &reason, &line)) {
-        document.error = QStringLiteral("line %1: %2").arg(line).arg(reason);
+    if (!documentText::readFile(strPath, &dom, &document.error))
+        return document;
+    const QDomElement root = dom.documentElement();
+    const double version = root.attribute(QStringLiteral("Version")).toDouble();
+    if (!(version >= oldestVersion)) {
+        document.error = QStringLiteral("this is no saved result (a version of %1 at least)").arg(oldestVersion);
         return document;
     }
-    const QDomElement root = dom.documentElement();
     document.date = root.attribute(QStringLiteral("Date.Time"));
     document.version = root.attribute(QStringLiteral("Version"));
     document.note = root.attribute(QStringLiteral("Note"));

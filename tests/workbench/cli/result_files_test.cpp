@@ -62,6 +62,13 @@ TEST(ResultFilesNameTest, BlanksBecomeUnderscoresAndTheRestGoes)
     EXPECT_EQ(ResultFiles::fileNameOf(QString()), "");
 }
 
+TEST(ResultFilesNameTest, ALongNameIsCutWithinACharacterNever)
+{
+    EXPECT_EQ(ResultFiles::fileNameOf(QString(300, 'x')), QString(150, 'x'));
+    EXPECT_EQ(ResultFiles::fileNameOf(QString(300, QChar(0x65E5))), QString(50, QChar(0x65E5)));
+    EXPECT_EQ(ResultFiles::fileNameOf(QString(149, 'x') + QChar(0xE4)), QString(149, 'x'));
+}
+
 TEST(ResultFilesNameTest, NoNameIsHiddenOrLeadsElsewhere)
 {
     EXPECT_EQ(ResultFiles::fileNameOf("../../x"), "_....x");
