@@ -86,6 +86,15 @@ TEST_F(ResultRegionsTest, TheFirstImageWithoutAMapEndsTheWalk)
     EXPECT_TRUE(collect().hasResultImage);
 }
 
+// As little as a name may say, it is one.
+TEST_F(ResultRegionsTest, AnEmptyNameOfAMapDoesNotEndTheWalk)
+{
+    open(m_sequence.id(), "1", {"a"});
+    open(m_sequence.id(), "", {"b"});
+    open(m_sequence.id(), "3", {"c"});
+    EXPECT_EQ(maps(), QStringList({"1", "", "3"}));
+}
+
 TEST_F(ResultRegionsTest, AnImageWithoutRegionsGivesNoRecord)
 {
     open(m_sequence.id(), "1", {});

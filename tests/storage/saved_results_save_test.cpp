@@ -176,6 +176,30 @@ TEST_F(SaveTest, AnEntryInOtherCaseAndWithAnAbsolutePathCountsAsTheSameFile)
     EXPECT_EQ(entries().last(), QString("second > SpecUnmix/SPUM-20240131-235951.xml"));
 }
 
+TEST_F(SaveTest, TheWalkOverTheFilesGoesOnBehindATakenAutomaticName)
+{
+    ASSERT_TRUE(saveAll({"SPUM_001"}));
+    ASSERT_EQ(save("later"), SaveOutcome::Saved);
+    m_nStep = 1;
+    m_nAsked = 0;
+    m_results.m_bUseAutoName = true;
+    m_results.m_strAutoName = "SPUM_001(new)";
+    const QString strTaken = entries().last().section(" > ", 1);
+    ASSERT_EQ(save("not looked at"), SaveOutcome::Saved);
+    EXPECT_EQ(names().last(), QString("SPUM_002"));
+    EXPECT_NE(entries().last().section(" > ", 1), strTaken);
+    EXPECT_EQ(noteOf("later"), QString("note of later"));
+}
+
+// An index may hold results of other kinds; their names are taken too.
+TEST_F(SaveTest, NamesInSectionsOfAnyKeyCount)
+{
+    QDir(path("")).mkpath("XML");
+    writeBytes("XML/SPUM.txt", "[OTHER]\nMenuName: kidney\nFileName: SpecUnmix/other.xml\n");
+    EXPECT_EQ(save("kidney"), SaveOutcome::Declined);
+    EXPECT_EQ(m_boxes.shown.size(), 1);
+}
+
 TEST_F(SaveTest, TwoSavesOfOneSecondShareTheFileOfTheFirst)
 {
     ASSERT_EQ(save("first"), SaveOutcome::Saved);
