@@ -22,7 +22,6 @@
 #include <QCursor>
 #include <QDomDocument>
 #include <QFile>
-#include <QFileInfo>
 
 namespace {
 
@@ -117,18 +116,10 @@ bool SavedResults::findResultFile(const QString& strName, const QString& strFold
 bool SavedResults::readResultFile(const QString& strPath, QString* pText)
 {
     QDomDocument document(documentText::documentType());
-    QFile file(strPath);
-    if (file.exists()) {
-        QString strReason;
-        // A pipe would let us wait for ever.
-        const bool bOpen = QFileInfo(strPath).isFile() && file.open(QIODevice::ReadOnly);
-        if (!bOpen || !documentText::parse(file.readAll(), &document, &strReason)) {
-            file.close();
-            logLine(strPath + QStringLiteral(": cannot be read: ") +
-                        (bOpen ? strReason : QStringLiteral("no file, or no right to read it")),
-                    CORVLOG_WARNING);
-            return loadFailed();
-        }
+    QString strReason;
+    if (QFile::exists(strPath) && !documentText::readFile(strPath, &document, &strReason)) {
+        logLine(strPath + QStringLiteral(": cannot be read: ") + strReason, CORVLOG_WARNING);
+        return loadFailed();
     }
     *pText = document.toString(1);
     return true;

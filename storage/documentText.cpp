@@ -4,8 +4,12 @@
 #include <QByteArray>
 #include <QDomElement>
 #include <QDomNamedNodeMap>
+#include <QFile>
+#include <QFileInfo>
 #include <QHash>
+#include <QRegularExpression>
 #include <QStringList>
+#include <QTextCodec>
 #include <QVector>
 
 #include <algorithm>
@@ -13,6 +17,10 @@
 namespace {
 
 constexpr int deepestElement = 256;
+// An element with three attributes takes a kilobyte and a half; thirty components of ten thousand images are well below this.
+constexpr int mostElements = 500000;
+// Sixteen components of two million pixels in a document of the first generation.
+constexpr qint64 largestFile = qint64{512} << 20;
 
 // Place of each attribute among those of its element. No two elements disagree, so one list serves all.
 const QHash<QString, int>& attributePlaces()
@@ -172,11 +180,18 @@ int behindTag(const QString& text, int i)
     return std::min(i + 1, text.size());
 }
 
-// How deep the elements of a well-formed text lie, or of the part of another that a parser gets through.
-int deepestNesting(const QString& text)
+struct Extent
 {
+    int depth = 0;
+    int elements = 0;
+    bool entities = false; // it declares some
+};
+
+// How deep the elements lie and how many there are, of a well-formed text or of the part of another that a parser gets through.
+Extent extentOf(const QString& text)
+{
+    Extent extent;
     int nDepth = 0;
-    int nDeepest = 0;
     int i = text.indexOf(QLatin1Char('<'));
     while (i >= 0 && i < text.size()) {
         if (standsAt(text, i, "<!--")) {
@@ -189,39 +204,47 @@ int deepestNesting(const QString& text)
             nDepth = std::max(0, nDepth - 1);
             i += 2;
         } else if (standsAt(text, i, "<!")) {
+            extent.entities = extent.entities || standsAt(text, i, "<!ENTITY");
             i += 2;
         } else {
             const int nEnd = behindTag(text, i + 1);
-            nDeepest = std::max(nDeepest, nDepth + 1);
+            extent.depth = std::max(extent.depth, nDepth + 1);
+            ++extent.elements;
             nDepth += standsAt(text, nEnd - 2, "/>") ? 0 : 1;
             i = nEnd;
         }
         i = text.indexOf(QLatin1Char('<'), i);
     }
-    return nDeepest;
+    return extent;
 }
 
-bool refuseDepth(const QString& text, QDomDocument* pDocument, QString* pReason)
+bool refuseExtent(const QString& text, QDomDocument* pDocument, QString* pReason)
 {
-    if (deepestNesting(text) <= deepestElement) {
+    const Extent extent = extentOf(text);
+    if (extent.depth > deepestElement) {
+        *pReason = QStringLiteral("elements lie more than %1 deep").arg(deepestElement);
+    } else if (extent.elements > mostElements) {
+        *pReason = QStringLiteral("more than %1 elements").arg(mostElements);
+    } else if (extent.entities) {
+        *pReason = QStringLiteral("it declares entities, no saved result does");
+    } else {
         return false;
     }
     *pDocument = QDomDocument();
-    *pReason = QStringLiteral("elements lie more than %1 deep").arg(deepestElement);
     return true;
 }
 
-template <class Content>
-bool setContent(const Content& content, QDomDocument* pDocument, QString* pReason)
+// The encoding of a document: by its mark, else by its zero bytes, else as its first line says, else UTF-8. Null for one that is unknown.
+QTextCodec* codecOf(const QByteArray& bytes)
 {
-    QString strMessage;
-    int nLine = 0;
-    int nColumn = 0;
-    if (pDocument->setContent(content, false, &strMessage, &nLine, &nColumn)) {
-        return true;
+    static const QRegularExpression declared(QStringLiteral("^<\\?xml[^>]*\\sencoding\\s*=\\s*[\"']([^\"']*)[\"']"));
+    constexpr int longestDeclaration = 256;
+    if (bytes.size() > 1 && (bytes.at(0) == '\0') != (bytes.at(1) == '\0')) {
+        return QTextCodec::codecForName(bytes.at(0) == '\0' ? "UTF-16BE" : "UTF-16LE");
     }
-    *pReason = QStringLiteral("line %1, column %2: %3").arg(nLine).arg(nColumn).arg(strMessage);
-    return false;
+    const auto match = declared.match(QString::fromLatin1(bytes.left(longestDeclaration)));
+    const QByteArray name = match.hasMatch() ? match.captured(1).toLatin1() : QByteArrayLiteral("UTF-8");
+    return QTextCodec::codecForUtfText(bytes, QTextCodec::codecForName(name));
 }
 
 } // namespace
@@ -254,13 +277,60 @@ QString toText(const QDomDocument& document)
 
 bool parse(const QString& text, QDomDocument* pDocument, QString* pReason)
 {
-    return !refuseDepth(text, pDocument, pReason) && setContent(text, pDocument, pReason);
+    if (refuseExtent(text, pDocument, pReason)) {
+        return false;
+    }
+    QString strMessage;
+    int nLine = 0;
+    int nColumn = 0;
+    if (pDocument->setContent(text, false, &strMessage, &nLine, &nColumn)) {
+        return true;
+    }
+    *pReason = QStringLiteral("line %1, column %2: %3").arg(nLine).arg(nColumn).arg(strMessage);
+    return false;
 }
 
 bool parse(const QByteArray& bytes, QDomDocument* pDocument, QString* pReason)
 {
-    // The marks of elements are the same in every encoding that has ASCII in it; one of two bytes a character counts by its marks.
-    return !refuseDepth(QString::fromLatin1(bytes), pDocument, pReason) && setContent(bytes, pDocument, pReason);
+    *pDocument = QDomDocument();
+    QTextCodec* const pCodec = codecOf(bytes);
+    if (pCodec == nullptr) {
+        *pReason = QStringLiteral("its encoding is unknown");
+        return false;
+    }
+    QTextCodec::ConverterState state;
+    const QString strText = pCodec->toUnicode(bytes.constData(), bytes.size(), &state);
+    if (state.invalidChars > 0) {
+        *pReason = QStringLiteral("not all of it is %1").arg(QString::fromLatin1(pCodec->name()));
+        return false;
+    }
+    return parse(strText, pDocument, pReason);
+}
+
+bool readFile(const QString& strPath, QDomDocument* pDocument, QString* pReason)
+{
+    *pDocument = QDomDocument();
+    QFile file(strPath);
+    // A pipe would let us wait for ever. A link that leads nowhere does not exist either; opening it tells why.
+    const QFileInfo info(strPath);
+    if (info.exists() && !info.isFile()) {
+        *pReason = QStringLiteral("not a file");
+        return false;
+    }
+    if (!file.open(QIODevice::ReadOnly)) {
+        *pReason = file.errorString();
+        return false;
+    }
+    if (file.size() > largestFile) {
+        *pReason = QStringLiteral("more than %1 MiB, no saved result is that large").arg(largestFile >> 20);
+        return false;
+    }
+    const QByteArray bytes = file.read(largestFile);
+    if (file.error() != QFileDevice::NoError) {
+        *pReason = file.errorString();
+        return false;
+    }
+    return parse(bytes, pDocument, pReason);
 }
 
 } // namespace documentText
