@@ -90,6 +90,14 @@ TEST_F(CompositePictureFileTest, EverySpotHasItsFile)
     EXPECT_EQ(files[1].name, "composite_spot2.png");
 }
 
+TEST_F(CompositePictureFileTest, EachSpotIsShownOverItsOwnRange)
+{
+    handOver({{1.0, 0.0, 0.0, 0.0, 0.0, 0.0, 0.0, 8.0}, {0.0, 0.0, 0.0, 4.0, 4.0, 0.0, 0.0, 0.0}}, {"red", "blue"}, 2);
+    const QImage first = compositePictureOf(engine(), 0);
+    EXPECT_EQ(first.pixel(0, 60), qRgb(255, 0, 0)); // an eighth over the range of both
+    EXPECT_EQ(first.pixel(479, 60), qRgb(0, 0, 255));
+}
+
 TEST_F(CompositePictureFileTest, ChannelsThatDoNotFitTheDataGiveNoPicture)
 {
     handOver({{1.0, 0.0, 0.0, 1.0}, {0.0, 1.0, 0.0, 1.0}}, {"red", "blue"});
@@ -115,6 +123,9 @@ TEST_F(CompositePictureFileTest, LegendStandsUnderThePictureInTheColoursOfTheLay
     EXPECT_EQ(page.copy(picture.rect()), picture);
     EXPECT_GT(pixelsOf(page, QColor("red"), picture.height()), 50);
     EXPECT_GT(pixelsOf(page, QColor("#0a1400"), picture.height()), 50) << "a dark colour keeps its patch";
+    const QImage left = page.copy(0, 0, page.width() / 8, page.height());
+    EXPECT_GT(pixelsOf(left, QColor("red"), picture.height()), 50) << "the first component comes first";
+    EXPECT_EQ(pixelsOf(left, QColor("#0a1400"), picture.height()), 0);
 }
 
 TEST_F(CompositePictureFileTest, ManyAndLongLabelsTakeMoreRows)

@@ -147,6 +147,36 @@ TEST_F(ResultExportTest, EveryMapBecomesADatasetOfANewSequence)
         EXPECT_NEAR(image.value(static_cast<std::size_t>(i)), static_cast<double>(mapB(i)), 1e-5) << i;
 }
 
+TEST_F(ResultExportTest, TheTwoClickInfosStillDifferInTheCameraSectionAlone)
+{
+    analyseImages();
+    tagROIInfo region;
+    region.name = "row";
+    region.width = 4.0;
+    region.height = 1.0;
+    ASSERT_TRUE(m_pOpened->sequence().getDatasets()[2]->roiManager()->addRegion(region));
+    for (const QString& name : exportResult(engine(), std::nullopt, path("out")).names) {
+        CPLClickInfo whole;
+        CPLClickInfo analyzed;
+        ASSERT_EQ(whole.loadClickInfo(path("out/" + name + "/ClickInfo.txt")), 0);
+        ASSERT_EQ(analyzed.loadClickInfo(path("out/" + name + "/AnalyzedClickInfo.txt")), 0);
+        EXPECT_NE(whole.toText(), analyzed.toText());
+        whole.removeSection("Camera System Info");
+        EXPECT_EQ(whole.toText(), analyzed.toText());
+    }
+}
+
+TEST_F(ResultExportTest, TheNewSequenceIsShownAsTheOldOne)
+{
+    analyseImages();
+    tag_simageadjust& adjust = *m_pOpened->sequence().getImageAdjust();
+    adjust.m_nColorTable = 2;
+    exportResult(engine(), std::nullopt, path("out"));
+    CORVSequenceDataset sequence;
+    ASSERT_EQ(sequence.open(path("out")), ESTATUS_SUCCESS);
+    EXPECT_EQ(sequence.getImageAdjust()->m_nColorTable, 2);
+}
+
 TEST_F(ResultExportTest, InfoShowsEveryMapWithItsLinks)
 {
     analyseImages();
