@@ -43,8 +43,10 @@ void SavedResultsLock::tellReason() const
     qint64 nProcess = 0;
     QString strHost;
     QString strProgram;
-    QString strReason = QStringLiteral("its folder cannot be written to");
-    if (m_lock.error() == QLockFile::LockFailedError) {
+    QString strReason = QStringLiteral("its folder cannot be written to; the disk may be full");
+    if (m_lock.error() == QLockFile::PermissionError) {
+        strReason = QStringLiteral("there is no right to write to its folder");
+    } else if (m_lock.error() == QLockFile::LockFailedError) {
         strReason = QStringLiteral("another program is changing it");
         if (m_lock.getLockInfo(&nProcess, &strHost, &strProgram)) {
             strReason += QStringLiteral(" (%1, process %2 on %3)").arg(strProgram, QString::number(nProcess), strHost);

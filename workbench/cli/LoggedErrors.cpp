@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "workbench/cli/LoggedErrors.h"
 
-#include "host/CORVLog.h"
 #include "platform/orvutils/LogSinks.h"
 
-LoggedErrors::LoggedErrors()
-    : m_nSink(orv::addLogSink([this](const orv::LogRecord& record) {
-          if (record.m_nLevel != CORVLOG_ERROR)
+LoggedErrors::LoggedErrors(long nLevel)
+    : m_nSink(orv::addLogSink([this, nLevel](const orv::LogRecord& record) {
+          if (record.m_nLevel != nLevel)
               return;
           const QMutexLocker lock(&m_mutex);
           m_lines.append({record.m_strMessage, record.m_strExtra});

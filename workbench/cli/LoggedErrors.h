@@ -1,15 +1,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "host/CORVLog.h"
+
 #include <QMutex>
 #include <QString>
 #include <QStringList>
 
-// The errors that are logged, on any thread, as long as it lives.
+// The errors, or what has another level, that are logged on any thread as long as it lives.
 class LoggedErrors
 {
 public:
-    LoggedErrors();
+    explicit LoggedErrors(long nLevel = CORVLOG_ERROR);
     ~LoggedErrors();
     LoggedErrors(const LoggedErrors&) = delete;
     LoggedErrors& operator=(const LoggedErrors&) = delete;

@@ -6,6 +6,7 @@
 #include "host/CPLSettingsFileWrapper.h"
 #include "storage/resultsIndex.h"
 #include "workbench/cli/CliFailure.h"
+#include "workbench/cli/LoggedErrors.h"
 
 #include <QFileInfo>
 
@@ -17,9 +18,17 @@ namespace {
 void readIndex(const CORVSequenceDataset& sequence, CPLSettingsFileWrapper& index)
 {
     const QString path = resultsIndex::indexPath(resultsIndex::folder(sequence.getSequenceInfoPath()));
-    if (QFileInfo::exists(path) && !index.load(path))
+    // A link that leads nowhere does not exist either, but is no sequence without results.
+    if ((QFileInfo::exists(path) || QFileInfo(path).isSymLink()) && !index.load(path))
         throw CliFailure(QStringLiteral("%1: the list of saved results cannot be read").arg(path));
     resultsIndex::setTags(index);
+}
+
+// Ends the operation during which the warnings were logged; they tell why, which its own words do not.
+[[noreturn]] void fail(const QString& strText, const LoggedErrors& warnings)
+{
+    const QStringList reasons = warnings.lines();
+    throw CliFailure(reasons.isEmpty() ? strText : QStringLiteral("%1 (%2)").arg(strText, reasons.last()));
 }
 
 bool isOneLine(const QString& strName)
@@ -100,8 +109,9 @@ QString ResultStore::save(const QString& strName)
     if (!strName.isEmpty())
         m_list.setCurrentText(strName);
     const QStringList before = names(sequence());
+    const LoggedErrors warnings(CORVLOG_WARNING);
     if (m_results.onClickSaveResults() != SaveOutcome::Saved)
-        throw CliFailure(QStringLiteral("the result was not saved"));
+        fail(QStringLiteral("the result was not saved"), warnings);
     if (!strName.isEmpty())
         return resultsIndex::withoutNewMark(strName);
     // Another program may have taken the name that was next.
@@ -124,9 +134,11 @@ void ResultStore::remove(const QString& strName)
 {
     m_list.updateSavedResultsForSelSeqId(sequence().getSequenceName());
     m_list.setCurrentText(strName);
+    const LoggedErrors warnings(CORVLOG_WARNING);
     if (!m_results.onClickDeleteResults())
-        throw CliFailure(QStringLiteral("the result \"%1\" was not deleted").arg(strName) +
-                         (m_bAgreed ? QString() : QStringLiteral("; --force deletes it without a question")));
+        fail(QStringLiteral("the result \"%1\" was not deleted").arg(strName) +
+                 (m_bAgreed ? QString() : QStringLiteral("; --force deletes it without a question")),
+             warnings);
 }
 
 void ResultStore::rename(const QString& strOld, const QString& strNew)
@@ -144,7 +156,8 @@ void ResultStore::rename(const QString& strOld, const QString& strNew)
     m_list.choose(strOld);
     m_results.onChangeResultsName(strNew);
     m_list.setCurrentText(strNew);
+    const LoggedErrors warnings(CORVLOG_WARNING);
     // Also true when another program has taken the name meanwhile.
     if (!m_results.renameResult() || !names(sequence()).contains(strNew))
-        throw CliFailure(QStringLiteral("the result \"%1\" was not renamed").arg(strOld));
+        fail(QStringLiteral("the result \"%1\" was not renamed").arg(strOld), warnings);
 }

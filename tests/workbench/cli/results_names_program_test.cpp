@@ -4,6 +4,9 @@
 
 #include <QDir>
 
+#include <future>
+#include <vector>
+
 namespace {
 
 class ResultsNamesProgramTest : public ProgramFixture
@@ -76,4 +79,26 @@ TEST_F(ResultsNamesProgramTest, WhoIsNotAskedLearnsHowToDelete)
     const ProgramResult declined = spum({"results", "delete", "seq", "a"});
     EXPECT_EQ(declined.status, 1);
     EXPECT_TRUE(declined.errText().contains("the result \"a\" was not deleted; --force deletes it without a question"));
+}
+
+// The system's own sentences do not say why.
+TEST_F(ResultsNamesProgramTest, AnIndexThatCannotBeLockedIsTold)
+{
+    succeed(unmix("a"));
+    const QString lock = path("seq/XML/SPUM.txt.lock");
+    ASSERT_TRUE(QDir().mkpath(lock + "/in the way"));
+    const QStringList options{"--library", library(), "--out", path("run"), "--save"};
+    const std::vector<QStringList> commands{QStringList{"results", "rename", "seq", "a", "b"},
+                                            QStringList{"results", "delete", "seq", "a", "--force"},
+                                            QStringList{"unmix", "seq"} + options};
+    // Each waits a while for the lock.
+    std::vector<std::future<ProgramResult>> results;
+    for (const QStringList& arguments : commands)
+        results.push_back(std::async(std::launch::async, [this, arguments] { return spum(arguments); }));
+    for (std::future<ProgramResult>& future : results) {
+        const ProgramResult result = future.get();
+        EXPECT_EQ(result.status, 1);
+        EXPECT_TRUE(result.errText().contains("cannot be locked: ")) << qPrintable(result.errText());
+    }
+    EXPECT_EQ(listed(), QStringList{"a"});
 }
