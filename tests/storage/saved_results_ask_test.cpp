@@ -202,6 +202,15 @@ TEST_F(AskTest, MessagesHaveTheParentsThatTheWindowNames)
     m_list.setCurrentText("x");
     EXPECT_FALSE(results.onClickLoadResults());
     EXPECT_EQ(m_boxes.parents, QList<QWidget*>({&window.child, &window.message}));
+    // Questions about files that are there have none.
+    m_boxes.parents.clear();
+    m_boxes.answer = CORVMessageBox::YesButton;
+    EXPECT_EQ(results.onClickSaveResults(), SaveOutcome::Saved);
+    EXPECT_EQ(results.onClickSaveResults(), SaveOutcome::FileWasThere);
+    m_list.updateSavedResultsForSelSeqId("seq-7");
+    m_list.setCurrentText("x");
+    EXPECT_TRUE(results.onClickDeleteResults());
+    EXPECT_EQ(m_boxes.parents, QList<QWidget*>({nullptr, nullptr}));
 }
 
 } // namespace

@@ -136,6 +136,22 @@ TEST_F(DeleteTest, AnIndexThatCannotBeChangedEndsItSilentlyWithTheFileInPlace)
     EXPECT_EQ(names(), QStringList("kidney"));
 }
 
+TEST_F(DeleteTest, AnIndexThatCannotBeWrittenKeepsItsEntryAndTheList)
+{
+    ASSERT_TRUE(saveAll({"kidney", QString(1000, 'x')}));
+    const QByteArray before = bytes("XML/SPUM.txt");
+    // Room for the lock, but for no index that has the other result.
+    const int nFailed = inForkedChild([this] {
+        if (!limitFileSize(500)) {
+            return 1;
+        }
+        return !remove("kidney") && m_list.updates.isEmpty() && m_boxes.shown.size() == 1 ? 0 : 2;
+    });
+    EXPECT_EQ(nFailed, 0);
+    EXPECT_EQ(bytes("XML/SPUM.txt"), before);
+    EXPECT_EQ(files().size(), 1) << "the file goes first";
+}
+
 TEST_F(DeleteTest, ABrokenIndexEndsItSilently)
 {
     ASSERT_TRUE(saveAll({"kidney"}));

@@ -326,7 +326,8 @@ TEST_F(SaveTest, AFileInThePlaceOfTheFolderOfFilesEndsTheSave)
     EXPECT_EQ(save("x"), SaveOutcome::NotSaved);
     EXPECT_TRUE(m_log.has("Unable to create Directory to save the Results", 3));
     EXPECT_TRUE(m_boxes.shown.isEmpty());
-    EXPECT_TRUE(entries().isEmpty()) << "the index was made before";
+    EXPECT_TRUE(QFileInfo(path("XML/SPUM.txt")).isFile()) << "the index is made before";
+    EXPECT_EQ(bytes("XML/SPUM.txt"), QByteArray());
 }
 
 TEST_F(SaveTest, AnIndexThatCannotBeReadIsLeftAlone)
