@@ -97,7 +97,8 @@ bool CImageCube::init(int nWidth, int nHeight, int nSpots, int nImages, std::vec
     m_maskIndices = std::move(mask);
     std::sort(m_maskIndices.begin(), m_maskIndices.end());
     const long long nPixels = static_cast<long long>(nWidth) * nHeight;
-    if (m_bHasMask && (m_maskIndices.back() >= nPixels || m_maskIndices.front() < 0)) {
+    if (m_bHasMask && (m_maskIndices.back() >= nPixels || m_maskIndices.front() < 0 ||
+                       static_cast<long long>(m_maskIndices.size()) > nPixels)) {
         clear();
         return false;
     }

@@ -75,6 +75,15 @@ TEST(ImageCubeTest, AMaskIndexOutsideTheImageIsRefused)
     }
 }
 
+TEST(ImageCubeTest, AMaskOfMorePixelsThanTheImageIsRefused)
+{
+    CImageCube cube;
+    EXPECT_TRUE(cube.init(3, 2, 1, 4, {0, 1, 2, 3, 4, 5}));
+    EXPECT_FALSE(cube.init(3, 2, 1, 4, {0, 0, 1, 2, 3, 4, 5}));
+    EXPECT_TRUE(cube.m_data.empty());
+    EXPECT_FALSE(cube.m_bValid);
+}
+
 TEST(ImageCubeTest, ASecondInitForgetsTheFirst)
 {
     CImageCube cube;

@@ -22,6 +22,22 @@ int unitOf(const SavedDocument& document)
                                                                        : text);
 }
 
+// A load is done although the mask or the selection does not go with the images; there are no maps then. Those of an old file are shown as stored,
+// whatever their size.
+void checkMaps(const CORVSpumKyvo& engine, const QString& strName)
+{
+    const auto& data = engine.m_cube.m_data;
+    const auto& maps = engine.m_concentrations;
+    const auto& spectra = engine.m_spectra;
+    const int components = engine.m_spectrumPlots.size();
+    if (components == 0 || maps.num_rows() < components || maps.num_rows() != spectra.num_rows() ||
+        data.num_rows() == 0 || maps.num_cols() != data.num_rows() || spectra.num_cols() != data.num_cols())
+        throw CliFailure(
+            QStringLiteral("the result \"%1\" has no maps: its images, its mask or its maps do not go with the images "
+                           "of the sequence")
+                .arg(strName));
+}
+
 } // namespace
 
 LoadedResult::LoadedResult(OpenedSequence& opened, const QString& strName)
@@ -43,6 +59,7 @@ LoadedResult::LoadedResult(OpenedSequence& opened, const QString& strName)
     timer.start();
     try {
         ResultStore(engine, false).load(strName);
+        checkMaps(engine, strName);
     } catch (...) {
         CORVDataset::setUnitLimit(DISPLAYUNIT_EFFICIENCY);
         throw;

@@ -12,7 +12,8 @@ class OpenedSequence;
 class LoadedResult
 {
 public:
-    // `strName` is one of the saved names. Throws CliFailure when the sequence cannot be analysed or the result cannot be loaded.
+    // `strName` is one of the saved names. Throws CliFailure when the sequence cannot be analysed or the result cannot be
+    // loaded with its maps.
     LoadedResult(OpenedSequence& opened, const QString& strName);
     // Takes the process's limit of units back.
     ~LoadedResult();
