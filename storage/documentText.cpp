@@ -19,6 +19,7 @@ namespace {
 constexpr int deepestElement = 256;
 // An element with three attributes takes a kilobyte and a half; thirty components of ten thousand images are well below this.
 constexpr int mostElements = 500000;
+constexpr int mostAttributes = 1000; // of an element
 // Sixteen components of two million pixels in a document of the first generation.
 constexpr qint64 largestFile = qint64{512} << 20;
 
@@ -166,13 +167,15 @@ int behind(const QString& text, int i, const char* pEnd)
     return nAt < 0 ? text.size() : nAt + end.size();
 }
 
-// Behind the start tag whose name begins at i; quoted values may hold a ">".
-int behindTag(const QString& text, int i)
+// Behind the start tag whose name begins at i, and how many values are in it; quoted values may hold a ">".
+int behindTag(const QString& text, int i, int* pValues)
 {
+    *pValues = 0;
     while (i < text.size() && text.at(i) != QLatin1Char('>')) {
         const QChar c = text.at(i);
         if (c == QLatin1Char('"') || c == QLatin1Char('\'')) {
             const int nEnd = text.indexOf(c, i + 1);
+            ++*pValues;
             i = nEnd < 0 ? text.size() : nEnd;
         }
         ++i;
@@ -184,10 +187,11 @@ struct Extent
 {
     int depth = 0;
     int elements = 0;
+    int attributes = 0;    // most in an element
     bool entities = false; // it declares some
 };
 
-// How deep the elements lie and how many there are, of a well-formed text or of the part of another that a parser gets through.
+// Of a well-formed text or of the part of another that a parser gets through.
 Extent extentOf(const QString& text)
 {
     Extent extent;
@@ -207,7 +211,9 @@ Extent extentOf(const QString& text)
             extent.entities = extent.entities || standsAt(text, i, "<!ENTITY");
             i += 2;
         } else {
-            const int nEnd = behindTag(text, i + 1);
+            int nValues = 0;
+            const int nEnd = behindTag(text, i + 1, &nValues);
+            extent.attributes = std::max(extent.attributes, nValues);
             extent.depth = std::max(extent.depth, nDepth + 1);
             ++extent.elements;
             nDepth += standsAt(text, nEnd - 2, "/>") ? 0 : 1;
@@ -225,6 +231,8 @@ bool refuseExtent(const QString& text, QDomDocument* pDocument, QString* pReason
         *pReason = QStringLiteral("elements lie more than %1 deep").arg(deepestElement);
     } else if (extent.elements > mostElements) {
         *pReason = QStringLiteral("more than %1 elements").arg(mostElements);
+    } else if (extent.attributes > mostAttributes) {
+        *pReason = QStringLiteral("more than %1 attributes in an element").arg(mostAttributes);
     } else if (extent.entities) {
         *pReason = QStringLiteral("it declares entities, no saved result does");
     } else {

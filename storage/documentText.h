@@ -20,8 +20,8 @@ QString toText(const QDomDocument& document);
 
 // Parses the text. Of one that breaks off, or is wrong somewhere, *pDocument holds what stood before; the answer is then false and
 // *pReason tells where and why. Elements more than 256 deep are refused without an attempt, *pDocument being empty:
-// the tree takes itself apart by recursion; and so are more than 500,000 elements, whose tree takes up to a gigabyte, and
-// declared entities, of which few lines make many.
+// the tree takes itself apart by recursion; and so are more than 500,000 elements, whose tree takes up to a gigabyte, more
+// than 1000 attributes in one, and declared entities, of which few lines make many.
 bool parse(const QString& text, QDomDocument* pDocument, QString* pReason);
 // Same of the bytes of a file, in the encoding that it names; of bytes that are wrong in it *pDocument is empty.
 bool parse(const QByteArray& bytes, QDomDocument* pDocument, QString* pReason);

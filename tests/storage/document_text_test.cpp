@@ -4,6 +4,7 @@
 #include <QDomDocument>
 #include <QRegularExpression>
 #include <QStringList>
+#include <QTextCodec>
 
 #include <gtest/gtest.h>
 
@@ -170,6 +171,37 @@ TEST(DocumentTextTest, TheDepthIsThatOfElementsOnly)
     // A comment or a section of data does not make the way back up.
     const QString strHidden = QString("<a><!-- </a> --><![CDATA[</a>]]>").repeated(300000);
     EXPECT_FALSE(documentText::parse(strHidden, &document, &strReason));
+}
+
+TEST(DocumentTextTest, MoreElementsOrAttributesThanAResultHasAreRefused)
+{
+    QDomDocument document;
+    QString strReason;
+    EXPECT_FALSE(documentText::parse("<R>" + QString("<a/>").repeated(500000) + "</R>", &document, &strReason));
+    EXPECT_EQ(strReason, QString("more than 500000 elements"));
+    QString strMany = "<R";
+    for (int i = 0; i < 1000; ++i) {
+        strMany += QString(" a%1='>'").arg(i);
+    }
+    EXPECT_TRUE(documentText::parse(strMany + "/>", &document, &strReason));
+    EXPECT_FALSE(documentText::parse(strMany + " b=\"\"/>", &document, &strReason));
+    EXPECT_EQ(strReason, QString("more than 1000 attributes in an element"));
+    EXPECT_TRUE(document.documentElement().isNull());
+}
+
+TEST(DocumentTextTest, DeclaredEntitiesAreRefusedInEveryEncoding)
+{
+    const QString strText = "<!DOCTYPE R [<!ENTITY a \"b\">]><R c=\"&a;\"/>";
+    QDomDocument document;
+    QString strReason;
+    EXPECT_FALSE(documentText::parse(strText, &document, &strReason));
+    EXPECT_EQ(strReason, QString("it declares entities, no saved result does"));
+    for (const char* pName : {"UTF-8", "UTF-16", "UTF-16LE", "UTF-16BE"}) {
+        strReason.clear();
+        const QByteArray bytes = QTextCodec::codecForName(pName)->fromUnicode(strText);
+        EXPECT_FALSE(documentText::parse(bytes, &document, &strReason)) << pName;
+        EXPECT_EQ(strReason, QString("it declares entities, no saved result does")) << pName;
+    }
 }
 
 TEST(DocumentTextTest, BytesAreReadInTheEncodingThatTheyName)
