@@ -50,6 +50,7 @@ OddCases pictureCases();
 OddCases referenceTableCases();
 OddCases libraryCases();
 OddCases resultCases();
+OddCases savedResultCases();
 OddCases placeCases();
 OddCases programCases();
 

@@ -12,6 +12,7 @@
 #include "workbench/cli/LibrarySpectra.h"
 #include "workbench/cli/MaskFile.h"
 #include "workbench/cli/ResultMaps.h"
+#include "workbench/cli/SavedDocument.h"
 #include "workbench/cli/SavedResult.h"
 #include "workbench/importer/CsvCube.h"
 #include "workbench/importer/EnviCube.h"
@@ -331,6 +332,22 @@ OddReader maps()
             names.append(saved.name(i));
         }
         return Reading{true, {}, names.join(QLatin1Char(' '))};
+    });
+}
+
+OddReader savedResult()
+{
+    return reader([](const QString& path) {
+        const SavedDocument document = readSavedDocument(path);
+        if (!document.error.isEmpty())
+            return refused(path + QStringLiteral(": ") + document.error);
+        return Reading{true,
+                       {},
+                       QStringLiteral("%1: %2, %3 images, %4 properties, %5 regions")
+                           .arg(document.sequence, document.names().join(QLatin1Char(' ')))
+                           .arg(document.images)
+                           .arg(document.properties.size())
+                           .arg(document.regions)};
     });
 }
 

@@ -39,9 +39,10 @@ OddReader dark();
 OddReader flat();
 OddReader mask();
 OddReader referenceTables();
-OddReader library(); // with the pairs Open/500nm and Open/520nm asked for
-OddReader result();  // as compare reads the folder
-OddReader maps();    // as roi reads the folder
+OddReader library();     // with the pairs Open/500nm and Open/520nm asked for
+OddReader result();      // as compare reads the folder
+OddReader maps();        // as roi reads the folder
+OddReader savedResult(); // the document of a saved result, without its sequence
 // The program with these arguments; {path}, {dir} and {out} (a name in {dir} that is free) are filled in.
 OddReader spum(const QStringList& arguments);
 

@@ -94,6 +94,36 @@ QByteArray summary()
            "    {\"name\": \"A\", \"map\": \"01_A.tif\"},\n    {\"name\": \"B\", \"map\": \"02_B.tif\"}\n  ]\n}\n";
 }
 
+QByteArray savedIndex()
+{
+    return sections("[SPUM] SPUM\nMenuName: one\nFileName: SpecUnmix/SPUM-20240131-235959.xml\n");
+}
+
+QByteArray savedResult()
+{
+    QByteArray text = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<!DOCTYPE ORV.SpectralUnmixingResults.Data>\n"
+                      "<SpectralUnmixingResults Date.Time=\"1/31/24, 11:59 PM\" Version=\"2\" Note=\"\">\n"
+                      " <SeqDataset id=\"odd\"/>\n <SelectedKeyPairs>\n";
+    for (const char* emission : {"500", "520", "540"})
+        text += QByteArray("  <KeyPair Col=\"Block\" Row=\"") + emission + "\"/>\n";
+    text += " </SelectedKeyPairs>\n <SpectrumList>\n";
+    for (const char* name : {"A", "B"}) {
+        const QByteArray component = name[0] == 'A' ? "Component0" : "Component1";
+        text += "  <" + component + " Version=\"1\" Selected=\"1\" Name=\"" + name +
+                "\" Color=\"red\" Shape=\"1\" Axis=\"Emission\" Origin=\"lab\">\n";
+        for (const char* emission : {"500", "520", "540"})
+            text += QByteArray("   <Spectrum Col=\"Block\" Row=\"") + emission + "\" Data=\"" +
+                    (name[0] == 'A' && emission[1] == '2' ? "1" : "0.25") + "\"/>\n";
+        text += "  </" + component + ">\n";
+    }
+    return text + " </SpectrumList>\n <DataMask Version=\"1\" ImageBinning=\"4\" ImageWidth=\"32\" ImageHeight=\"32\" "
+                  "UseMask=\"1\" Pixels=\"2\">\n  <Index Text.Data=\"0100000002000000\"/>\n </DataMask>\n <Results>\n"
+                  "  <Method value=\"Library\"/>\n  <DataUnit value=\"Counts\"/>\n </Results>\n"
+                  " <ImageControl ColorMap=\"1\" Reverse=\"1\" Logscale=\"0\">\n"
+                  "  <MinMaxRatio MinRatio=\"0.1\" MaxRatio=\"0.9\"/>\n </ImageControl>\n"
+                  "</SpectralUnmixingResults>\n";
+}
+
 QByteArray onePixelPng()
 {
     QImage image(1, 1, QImage::Format_Grayscale8);
@@ -127,6 +157,13 @@ void putResult(const QString& path, const QByteArray& text)
     putFile(beside(path, "spectra.csv"), library());
     putFile(beside(path, "01_A.tif"), floatMap());
     putFile(beside(path, "02_B.tif"), floatMap());
+}
+
+void putSavedResult(const QString& path, const QByteArray& index, const QByteArray& document)
+{
+    putSequence(path, sequenceInfo(3));
+    putFile(beside(path, "XML/SPUM.txt"), index);
+    putFile(beside(path, "XML/SpecUnmix/SPUM-20240131-235959.xml"), document);
 }
 
 } // namespace OddTexts

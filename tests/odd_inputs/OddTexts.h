@@ -18,6 +18,8 @@ QByteArray enviHeader();
 QByteArray csvCube();
 QByteArray imagesTable();
 QByteArray summary();
+QByteArray savedIndex();  // names the result "one"
+QByteArray savedResult(); // of the sequence that putSequence() puts
 QByteArray onePixelPng();
 
 // A dataset of 32 x 32 pixels in the folder of the ClickInfo.txt at `path`, whose text is `info`.
@@ -26,5 +28,8 @@ void putDataset(const QString& path, const QByteArray& info);
 void putSequence(const QString& path, const QByteArray& info);
 // Two maps and their spectra beside the summary.json at `path`.
 void putResult(const QString& path, const QByteArray& summary);
+
+// That sequence with its SequenceInfo.txt at `path`, the index of its saved results, and the document of the one.
+void putSavedResult(const QString& path, const QByteArray& index, const QByteArray& document);
 
 } // namespace OddTexts

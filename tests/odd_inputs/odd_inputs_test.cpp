@@ -24,7 +24,7 @@ const OddCases& allCases()
         OddCases all;
         for (const auto& cases : {sectionCases(), sequenceCases(), regionCases(), tiffCases(), metadataCases(),
                                   imagesTableCases(), cubeCases(), pictureCases(), referenceTableCases(),
-                                  libraryCases(), resultCases(), placeCases(), programCases()})
+                                  libraryCases(), resultCases(), savedResultCases(), placeCases(), programCases()})
             all.insert(all.end(), cases.begin(), cases.end());
         return all;
     }();
