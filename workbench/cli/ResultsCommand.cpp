@@ -187,10 +187,10 @@ void ResultsCommand::show(OpenedSequence& opened, const QString& strName, CliSes
     if (!document.error.isEmpty())
         throw CliFailure(
             QStringLiteral("%1: %2").arg(document.path.isEmpty() ? strName : document.path, document.error));
-    QString text = QStringLiteral("%1, saved %2\n").arg(strName, document.date);
+    QString text = TextTable::oneLine(QStringLiteral("%1, saved %2").arg(strName, document.date)) + QLatin1Char('\n');
     text += QStringLiteral("%1\n").arg(document.path);
     if (!document.note.isEmpty())
-        text += QStringLiteral("note: ") + document.note + QLatin1Char('\n');
+        text += QStringLiteral("note: ") + TextTable::oneLine(document.note) + QLatin1Char('\n');
     TextTable properties({QStringLiteral("property"), QStringLiteral("value")});
     QJsonObject propertiesJson;
     for (const auto& property : document.properties) {

@@ -39,7 +39,8 @@ QString textLine(const QStringList& row, const QVector<int>& widths)
     for (int i = 0; i < row.size(); ++i) {
         if (i > 0)
             line += QLatin1String("  ");
-        line += isNumber(row[i]) ? row[i].rightJustified(widths[i]) : row[i].leftJustified(widths[i]);
+        const QString text = TextTable::oneLine(row[i]);
+        line += isNumber(text) ? text.rightJustified(widths[i]) : text.leftJustified(widths[i]);
     }
     while (line.endsWith(QLatin1Char(' ')))
         line.chop(1);
@@ -77,6 +78,15 @@ QString TextTable::toCsv() const
     for (const auto& row : m_rows)
         text += csvLine(row);
     return text;
+}
+
+QString TextTable::oneLine(QString strText)
+{
+    const auto breaksLine = [](QChar c) {
+        return c.category() == QChar::Other_Control || c == QChar::LineSeparator || c == QChar::ParagraphSeparator;
+    };
+    std::replace_if(strText.begin(), strText.end(), breaksLine, QChar(QLatin1Char(' ')));
+    return strText;
 }
 
 QString TextTable::number(double dValue, int nDigits)

@@ -81,3 +81,12 @@ TEST(TextTableTest, NumbersKeepTheirPointInAnyLocale)
     EXPECT_EQ(table.toText(), "n\n10.25\n    7\n");
     QLocale::setDefault(before);
 }
+
+TEST(TextTableTest, ControlCharactersAreBlanksInTextAndStayInCsv)
+{
+    TextTable table({"a", "b"});
+    table.addRow({"x\ny", "\x1b[31mz"});
+    EXPECT_EQ(table.toText(), "a    b\nx y   [31mz\n");
+    EXPECT_EQ(table.toCsv(), "a,b\n\"x\ny\",\x1b[31mz\n");
+    EXPECT_EQ(TextTable::oneLine(QString(QChar(0x2028)) + QChar(0x85) + "q"), "  q");
+}
