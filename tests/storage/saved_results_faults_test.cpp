@@ -24,7 +24,8 @@ protected:
     }
 
     // What a child found: 0 when the save failed with exactly this box, and the result still waits to be saved.
-    int failsWith(const QString& strBox, const QString& strLogged)
+    // A level of 0 looks for a part of a line.
+    int failsWith(const QString& strBox, const QString& strLogged, long nLevel)
     {
         if (save("new result") != SaveOutcome::NotSaved) {
             return 2;
@@ -32,7 +33,8 @@ protected:
         if (m_boxes.shown != (strBox.isEmpty() ? QStringList() : QStringList(strBox))) {
             return 3;
         }
-        return !m_list.m_bResultModified ? 4 : !m_log.mentions(strLogged) ? 5 : 0;
+        const bool bLogged = nLevel > 0 ? m_log.has(strLogged, nLevel) : m_log.mentions(strLogged);
+        return !m_list.m_bResultModified ? 4 : !bLogged ? 5 : 0;
     }
     void setRights(const QString& strFolder, int nRights) const
     {
@@ -80,7 +82,7 @@ TEST_F(SaveFaultTest, ADiskWithoutRoomForTheLockFailsBeforeAnythingIsWritten)
     const QByteArray index = bytes("XML/SPUM.txt");
     for (const rlim_t room : {0, 5}) {
         EXPECT_EQ(inForkedChild([&] {
-                      return limitFileSize(room) ? failsWith(unreadable, "SPUM.txt file could not be loaded...") : 1;
+                      return limitFileSize(room) ? failsWith(unreadable, "SPUM.txt file could not be loaded...", 1) : 1;
                   }),
                   0)
             << room;
@@ -99,9 +101,9 @@ TEST_F(SaveFaultTest, ADiskWithoutRoomForTheIndexLeavesTheDocumentBehind)
                  "\nFileName: SpecUnmix/SPUM-20240131-235950.xml\n";
     }
     writeBytes("XML/SPUM.txt", index);
-    EXPECT_EQ(
-        inForkedChild([&] { return limitFileSize(20000) ? failsWith(notSaved, "Unable to save SPUM.txt file") : 1; }),
-        0);
+    EXPECT_EQ(inForkedChild(
+                  [&] { return limitFileSize(20000) ? failsWith(notSaved, "Unable to save SPUM.txt file", 1) : 1; }),
+              0);
     EXPECT_EQ(bytes("XML/SPUM.txt"), index);
     EXPECT_EQ(files().size(), 3);
     EXPECT_EQ(names().size(), 901);
@@ -112,7 +114,7 @@ TEST_F(SaveFaultTest, WithoutTheRightToWriteTheFilesTheIndexStays)
     const QByteArray index = bytes("XML/SPUM.txt");
     setRights("XML", writable);
     setRights("XML/SpecUnmix", readOnly);
-    EXPECT_EQ(inForkedChild([&] { return becomePlainUser() ? failsWith(notSaved, "cannot be written") : 1; }), 0);
+    EXPECT_EQ(inForkedChild([&] { return becomePlainUser() ? failsWith(notSaved, "cannot be written", 0) : 1; }), 0);
     setRights("XML/SpecUnmix", writable);
     EXPECT_EQ(bytes("XML/SPUM.txt"), index);
     EXPECT_EQ(files().size(), 2);
@@ -125,7 +127,7 @@ TEST_F(SaveFaultTest, WithoutTheRightToChangeTheIndexNoFileIsWritten)
     setRights("XML/SpecUnmix", writable);
     setRights("XML", readOnly);
     EXPECT_EQ(inForkedChild([&] {
-                  return becomePlainUser() ? failsWith(unreadable, "SPUM.txt file could not be loaded...") : 1;
+                  return becomePlainUser() ? failsWith(unreadable, "SPUM.txt file could not be loaded...", 1) : 1;
               }),
               0);
     setRights("XML", writable);
@@ -138,7 +140,8 @@ TEST_F(SaveFaultTest, WithoutTheRightToMakeTheFolderOfFilesItIsTold)
     ASSERT_TRUE(QDir(path("XML/SpecUnmix")).removeRecursively());
     setRights("XML", readOnly);
     EXPECT_EQ(inForkedChild([&] {
-                  return becomePlainUser() ? failsWith(QString(), "Unable to create Directory to save the Results") : 1;
+                  return becomePlainUser() ? failsWith(QString(), "Unable to create Directory to save the Results", 3)
+                                           : 1;
               }),
               0);
     setRights("XML", writable);
@@ -149,7 +152,8 @@ TEST_F(SaveFaultTest, WithoutTheRightToMakeTheFolderItIsTold)
     ASSERT_TRUE(QDir(path("XML")).removeRecursively());
     setRights("", readOnly);
     EXPECT_EQ(
-        inForkedChild([&] { return becomePlainUser() ? failsWith(QString(), "Failed to create XML folder.") : 1; }), 0);
+        inForkedChild([&] { return becomePlainUser() ? failsWith(QString(), "Failed to create XML folder.", 3) : 1; }),
+        0);
     setRights("", writable);
 }
 
