@@ -147,7 +147,9 @@ bool CORVSpumKyvo::showUnmixedImages(CORVSequenceDataset& sequence, CORVDataset&
         return false;
     }
     for (int s = 0; s < source.spots; ++s) {
-        showSpot(source, s);
+        if (m_pResultView->showsUnmixedImages()) {
+            showSpot(source, s);
+        }
         m_pResultView->setCompositeData(m_pPhoto, m_concentrations, m_eUnit, m_maskIndices, m_nWidth, m_nHeight,
                                         compositeChannels(source.components), source.spots);
         if (dataset.hasXRayImage) {

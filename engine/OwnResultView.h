@@ -47,6 +47,7 @@ public:
     void getScaleRange(double* pLower, double* pUpper) const override;
     void setColorBar(const ColorBarState& bar) override { m_colorBar = bar; }
     void setHideColorBar(bool bHide) override { m_bHideColorBar = bHide; }
+    bool showsUnmixedImages() const override { return m_bShowsTiles; }
     void addUnmixedImage(CILImage* pImage, const QString& strLabel) override;
     void removeAllUnmixedImages() override;
     void setCompositeData(CILImage* pPhoto, const XTNT::Matrix<double>& data, int nUnit,
@@ -54,6 +55,8 @@ public:
                           const QList<CompositeChannel>& channels, int nSpots) override;
     void setXRayImage(CILImage* pImage) override;
 
+    // Off for whoever takes the composite alone.
+    void setShowsUnmixedImages(bool bShows) { m_bShowsTiles = bShows; }
     void setScaleRange(double dLower, double dUpper);
     const QList<UnmixedTile>& tiles() const { return m_tiles; }
     const ColorBarState& colorBar() const { return m_colorBar; }
@@ -71,6 +74,7 @@ private:
     double m_dUpper = 0.95;
     ColorBarState m_colorBar;
     bool m_bHideColorBar = false;
+    bool m_bShowsTiles = true;
     QList<UnmixedTile> m_tiles;
     CompositeInput m_composite;
 };

@@ -67,6 +67,9 @@ public:
     virtual void getScaleRange(double* pLower, double* pUpper) const = 0;
     virtual void setColorBar(const ColorBarState& bar) = 0;
     virtual void setHideColorBar(bool bHide) = 0;
+    // Whether the view has a use for tiles. Of a scan with many spots they take long to make and much room, so the engine makes
+    // none for a view without.
+    virtual bool showsUnmixedImages() const { return true; }
     // One tile; the image stays the caller's and must live until the tiles are removed.
     virtual void addUnmixedImage(CILImage* pImage, const QString& strLabel) = 0;
     virtual void removeAllUnmixedImages() = 0;

@@ -85,6 +85,15 @@ TEST_F(ResultPicturesTest, ATileForEachComponentAndTheComposite)
     EXPECT_EQ(log.reports(), "");
 }
 
+TEST_F(ResultPicturesTest, AViewWithoutUseForTilesGetsTheCompositeAlone)
+{
+    m_engine.ownResultView().setShowsUnmixedImages(false);
+    ASSERT_TRUE(m_engine.updateUnmixedImages(true));
+    EXPECT_TRUE(labels().isEmpty());
+    EXPECT_EQ(m_engine.m_unmixedImages.size(), 1);
+    EXPECT_EQ(m_engine.ownResultView().composite().channels.size(), 2);
+}
+
 TEST_F(ResultPicturesTest, TheEngineOwnsThePhotographsCopyFirst)
 {
     m_engine.m_pPhoto->setGLFormat(0x1909);

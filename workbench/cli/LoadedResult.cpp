@@ -55,6 +55,8 @@ LoadedResult::LoadedResult(OpenedSequence& opened, const QString& strName)
         CORVDataset::setUnitLimit(static_cast<tag_edisplayunit>(unit));
     const int mode = ModeNames::fromText(document.property(QStringLiteral("Method")));
     engine.resetAnalysis(mode >= 0 ? mode : engine.m_eMode);
+    // As after a run: the files have pictures of their own.
+    engine.ownResultView().setShowsUnmixedImages(false);
     QElapsedTimer timer;
     timer.start();
     try {

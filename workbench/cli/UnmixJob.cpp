@@ -90,6 +90,8 @@ void UnmixJob::showPictures()
     auto& engine = m_setUp.engine();
     engine.refreshDecayPanel();
     engine.updateConsoleSpectra();
+    // The files have pictures of their own; the composite alone is made of what the view keeps.
+    engine.ownResultView().setShowsUnmixedImages(false);
     if (!engine.updateUnmixedImages(true))
         throw CliFailure(QStringLiteral("the pictures of the result cannot be made; the log tells why"));
     engine.storeDecayState();
