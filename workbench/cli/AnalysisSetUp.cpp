@@ -35,12 +35,6 @@ AnalysisSetUp::AnalysisSetUp(const AnalysisRequest& request, CliSession& session
         throw CliFailure(QStringLiteral("%1 cannot be analysed: %2").arg(m_request.sequence, m_opened.reasonAgainst()));
 }
 
-// The limit is the process's; the next command starts without.
-AnalysisSetUp::~AnalysisSetUp()
-{
-    CORVDataset::setUnitLimit(DISPLAYUNIT_EFFICIENCY);
-}
-
 QString AnalysisSetUp::outFolder(const QString& strDefaultName) const
 {
     return m_request.out.isEmpty() ? m_opened.folder() + strDefaultName : m_request.out;
@@ -117,8 +111,7 @@ void AnalysisSetUp::takeMask(int nPixelsNeeded)
 
 void AnalysisSetUp::checkUnit()
 {
-    if (m_request.unit >= 0)
-        CORVDataset::setUnitLimit(static_cast<tag_edisplayunit>(m_request.unit));
+    m_unitLimit.set(m_request.unit);
     const UnitForecast forecast = forecastUnit(m_opened.sequence(), imagesOf(engine()));
     const QString why = forecast.refusals.join(QStringLiteral("; "));
     if (forecast.unit < 0)

@@ -3,6 +3,7 @@
 
 #include "workbench/cli/AnalysisOptions.h"
 #include "workbench/cli/OpenedSequence.h"
+#include "workbench/cli/UnitLimit.h"
 
 #include <QString>
 #include <QStringList>
@@ -16,8 +17,6 @@ class AnalysisSetUp
 public:
     // Opens the sequence and hands on its warnings.
     AnalysisSetUp(const AnalysisRequest& request, CliSession& session);
-    // Takes the process's limit of units back.
-    ~AnalysisSetUp();
     AnalysisSetUp(const AnalysisSetUp&) = delete;
     AnalysisSetUp& operator=(const AnalysisSetUp&) = delete;
 
@@ -45,6 +44,7 @@ private:
     AnalysisRequest m_request;
     CliSession& m_session;
     OpenedSequence m_opened;
+    UnitLimit m_unitLimit;
     int m_nUnit = -1;
     QStringList m_constantImages;
 };

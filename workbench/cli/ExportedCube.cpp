@@ -117,11 +117,6 @@ ExportedCube::ExportedCube(const QString& strSequence, const QString& strSelect,
     chooseUnit(nUnit);
 }
 
-ExportedCube::~ExportedCube()
-{
-    CORVDataset::setUnitLimit(DISPLAYUNIT_EFFICIENCY);
-}
-
 QString ExportedCube::name()
 {
     return m_opened.sequence().getSequenceName();
@@ -260,8 +255,7 @@ void ExportedCube::checkSizes()
 
 void ExportedCube::chooseUnit(int nUnit)
 {
-    if (nUnit >= 0)
-        CORVDataset::setUnitLimit(static_cast<tag_edisplayunit>(nUnit));
+    m_unitLimit.set(nUnit);
     QStringList clicks;
     for (const auto& image : m_images)
         clicks.append(image.click);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "workbench/cli/OpenedSequence.h"
+#include "workbench/cli/UnitLimit.h"
 
 #include <QList>
 #include <QString>
@@ -37,8 +38,6 @@ public:
     // that the images have. Throws CliFailure for a selection or a unit that cannot be had, and for images that differ in
     // size or binning.
     ExportedCube(const QString& strSequence, const QString& strSelect, int nUnit, CliSession& session);
-    // Takes the process's limit of units back.
-    ~ExportedCube();
     ExportedCube(const ExportedCube&) = delete;
     ExportedCube& operator=(const ExportedCube&) = delete;
 
@@ -70,6 +69,7 @@ private:
 
     CliSession& m_session;
     OpenedSequence m_opened;
+    UnitLimit m_unitLimit;
     QList<Image> m_images;
     bool m_bTemporal = false;
     long m_lWidth = 0; // of what is exported

@@ -50,29 +50,17 @@ LoadedResult::LoadedResult(OpenedSequence& opened, const QString& strName)
         throw CliFailure(
             QStringLiteral("%1: %2").arg(document.path.isEmpty() ? strName : document.path, document.error));
     auto& engine = opened.engine();
-    const int unit = unitOf(document);
-    if (unit >= 0)
-        CORVDataset::setUnitLimit(static_cast<tag_edisplayunit>(unit));
+    m_unitLimit.set(unitOf(document));
     const int mode = ModeNames::fromText(document.property(QStringLiteral("Method")));
     engine.resetAnalysis(mode >= 0 ? mode : engine.m_eMode);
     // As after a run: the files have pictures of their own.
     engine.ownResultView().setShowsUnmixedImages(false);
     QElapsedTimer timer;
     timer.start();
-    try {
-        ResultStore(engine, false).load(strName);
-        checkMaps(engine, strName);
-    } catch (...) {
-        CORVDataset::setUnitLimit(DISPLAYUNIT_EFFICIENCY);
-        throw;
-    }
+    ResultStore(engine, false).load(strName);
+    checkMaps(engine, strName);
     engine.storeDecayState();
     m_strNote = engine.resultView().getNote();
     m_numbers = numbersOfResult(engine, opened.truthFolder(engine.m_eUnit, engine.m_bDecayApplied));
     m_numbers.seconds = static_cast<double>(timer.nsecsElapsed()) * 1e-9;
-}
-
-LoadedResult::~LoadedResult()
-{
-    CORVDataset::setUnitLimit(DISPLAYUNIT_EFFICIENCY);
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "workbench/cli/ResultNumbers.h"
+#include "workbench/cli/UnitLimit.h"
 
 #include <QString>
 
@@ -15,8 +16,6 @@ public:
     // `strName` is one of the saved names. Throws CliFailure when the sequence cannot be analysed or the result cannot be
     // loaded with its maps.
     LoadedResult(OpenedSequence& opened, const QString& strName);
-    // Takes the process's limit of units back.
-    ~LoadedResult();
     LoadedResult(const LoadedResult&) = delete;
     LoadedResult& operator=(const LoadedResult&) = delete;
 
@@ -24,6 +23,7 @@ public:
     const QString& note() const { return m_strNote; }
 
 private:
+    UnitLimit m_unitLimit;
     ResultNumbers m_numbers;
     QString m_strNote;
 };

@@ -42,6 +42,15 @@ protected:
         ASSERT_TRUE(QDir().mkpath(path("tmp")));
         qputenv("TMPDIR", QFile::encodeName(path("tmp")));
     }
+    // A region of image n of the sequence.
+    void addUppermostRow(const QString& strName, int n)
+    {
+        tagROIInfo region;
+        region.name = strName;
+        region.width = 4.0;
+        region.height = 1.0;
+        ASSERT_TRUE(m_pOpened->sequence().getDatasets()[n]->roiManager()->addRegion(region));
+    }
     void TearDown() override
     {
         orv::setMessageResponder(nullptr);
@@ -150,11 +159,7 @@ TEST_F(ResultExportTest, EveryMapBecomesADatasetOfANewSequence)
 TEST_F(ResultExportTest, TheTwoClickInfosStillDifferInTheCameraSectionAlone)
 {
     analyseImages();
-    tagROIInfo region;
-    region.name = "row";
-    region.width = 4.0;
-    region.height = 1.0;
-    ASSERT_TRUE(m_pOpened->sequence().getDatasets()[2]->roiManager()->addRegion(region));
+    addUppermostRow("row", 2);
     for (const QString& name : exportResult(engine(), std::nullopt, path("out")).names) {
         CPLClickInfo whole;
         CPLClickInfo analyzed;
@@ -318,11 +323,7 @@ TEST_F(ResultExportTest, ATemporaryDirectoryThatCannotBeUsedIsToldInTheEnginesWo
 TEST_F(ResultExportTest, RegionsOfTheSourceComeAlongWithTheirNumbersOverTheMap)
 {
     analyseImages();
-    tagROIInfo region;
-    region.name = "row";
-    region.width = 4.0;
-    region.height = 1.0;
-    ASSERT_TRUE(m_pOpened->sequence().getDatasets()[2]->roiManager()->addRegion(region));
+    addUppermostRow("row", 2);
     exportResult(engine(), std::nullopt, path("out"));
     CORVSequenceDataset sequence;
     ASSERT_EQ(sequence.open(path("out")), ESTATUS_SUCCESS);
@@ -338,11 +339,7 @@ TEST_F(ResultExportTest, RegionsOfTheSourceComeAlongWithTheirNumbersOverTheMap)
 TEST_F(ResultExportTest, OfAScanEachMapTakesTheRegionsOfItsOwnSpot)
 {
     analyseScan();
-    tagROIInfo region;
-    region.name = "second spot";
-    region.width = 4.0;
-    region.height = 1.0;
-    ASSERT_TRUE(m_pOpened->sequence().getDatasets()[5]->roiManager()->addRegion(region));
+    addUppermostRow("second spot", 5);
     exportResult(engine(), 2, path("out"));
     CORVSequenceDataset sequence;
     ASSERT_EQ(sequence.open(path("out")), ESTATUS_SUCCESS);
