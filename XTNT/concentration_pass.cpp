@@ -35,8 +35,9 @@ constexpr int leastRounds = 10;
 bool hasNegative(const double* row, long long n)
 {
     bool negative = false;
-    for (long long i = 0; i < n; ++i)
+    for (long long i = 0; i < n; ++i) {
         negative |= row[i] < 0;
+    }
     return negative;
 }
 
@@ -57,8 +58,9 @@ void applyOperator(const double* __restrict op, const double* __restrict c, long
     }
     if (first < stride) {
         Lanes y0{};
-        for (long long i = 0; i < n; ++i)
+        for (long long i = 0; i < n; ++i) {
             y0 += c[i] * lanesAt(op + i * stride + first);
+        }
         lanesAt(y + first) = y0;
     }
 }
@@ -68,16 +70,18 @@ Mask offenders(const double* y, long long n, Mask passive, double tolerance)
 {
     const double limits[2] = {-tolerance, 0.0};
     Mask wrong = 0;
-    for (long long i = 0; i < n; ++i)
+    for (long long i = 0; i < n; ++i) {
         wrong |= static_cast<Mask>(y[i] < limits[passive >> i & 1U]) << i;
+    }
     return wrong;
 }
 
 Mask positives(const double* x, long long n)
 {
     Mask mask = 0;
-    for (long long i = 0; i < n; ++i)
+    for (long long i = 0; i < n; ++i) {
         mask |= static_cast<Mask>(x[i] > 0) << i;
+    }
     return mask;
 }
 
@@ -107,8 +111,9 @@ ConcentrationPass::ConcentrationPass(const Matrix<double>& D, const Matrix<doubl
 {
     XTNT_ASSERT(D.num_cols() == S.num_cols());
     XTNT_ASSERT(weights.num_rows() == S.num_cols() && weights.num_cols() == S.num_rows());
-    if (m_reduced.usable())
+    if (m_reduced.usable()) {
         m_reduce = std::make_unique<RowProduct>(m_reduced.basis());
+    }
 }
 
 void ConcentrationPass::run(Matrix<double>& C, const BlockStep& step)
@@ -125,8 +130,9 @@ void ConcentrationPass::run(Matrix<double>& C, const BlockStep& step)
         for (long long first = begin; first < end; first += blockRows) {
             const long long last = std::min(first + blockRows, end);
             runBlock(first, last, C, work);
-            if (step)
+            if (step) {
                 step(first, last);
+            }
             negative += static_cast<long long>(work.negative.size());
             left += static_cast<long long>(work.left.size());
         }
@@ -142,14 +148,17 @@ void ConcentrationPass::runBlock(long long begin, long long end, Matrix<double>&
 {
     m_fit.multiplyBlock(m_data, begin, end, C, work.scratch.data());
     findNegativeRows(begin, end, C, work);
-    if (m_negative == Negative::Keep)
+    if (m_negative == Negative::Keep) {
         return;
-    if (work.cache)
+    }
+    if (work.cache) {
         solveNegativeRows(C, work);
-    else
+    } else {
         work.left.assign(work.negative.begin(), work.negative.end());
-    for (long long row : work.left)
+    }
+    for (long long row : work.left) {
         work.nnls.fit(m_data[row], C[row]);
+    }
 }
 
 void ConcentrationPass::findNegativeRows(long long begin, long long end, const Matrix<double>& C, Workspace& work) const
@@ -157,8 +166,9 @@ void ConcentrationPass::findNegativeRows(long long begin, long long end, const M
     work.negative.clear();
     work.left.clear();
     for (long long row = begin; row < end; ++row) {
-        if (hasNegative(C[row], C.num_cols()))
+        if (hasNegative(C[row], C.num_cols())) {
             work.negative.push_back(row);
+        }
     }
 }
 
@@ -168,14 +178,16 @@ void ConcentrationPass::solveNegativeRows(Matrix<double>& C, Workspace& work) co
     const std::size_t count = work.negative.size();
     for (std::size_t first = 0; first < count; first += atOnce) {
         const double* rows[atOnce];
-        for (std::size_t r = 0; r < atOnce; ++r)
+        for (std::size_t r = 0; r < atOnce; ++r) {
             rows[r] = m_data[work.negative[std::min(first + r, count - 1)]];
+        }
         m_reduce->multiply(rows, work.reduced.data());
         for (std::size_t r = 0; r < std::min(atOnce, count - first); ++r) {
             const long long row = work.negative[first + r];
             const double* c = work.reduced.data() + static_cast<long long>(r) * m_reduce->paddedColumns();
-            if (!solveReduced(c, C[row], work))
+            if (!solveReduced(c, C[row], work)) {
                 work.left.push_back(row);
+            }
         }
     }
 }
@@ -186,11 +198,13 @@ bool ConcentrationPass::solveReduced(const double* c, double* x, Workspace& work
 {
     const long long n = m_reduced.components();
     double magnitude = 0;
-    for (long long i = 0; i < n; ++i)
+    for (long long i = 0; i < n; ++i) {
         magnitude += std::abs(c[i]);
+    }
     // Written so that NaN fails.
-    if (!(magnitude > smallestMagnitude && magnitude < largestMagnitude))
+    if (!(magnitude > smallestMagnitude && magnitude < largestMagnitude)) {
         return false;
+    }
 
     const double tolerance = dualRounding * static_cast<double>(n) * magnitude;
     double* y = work.trial.data();
@@ -202,8 +216,9 @@ bool ConcentrationPass::solveReduced(const double* c, double* x, Workspace& work
         applyOperator(work.cache->at(passive), c, n, work.cache->stride(), y);
         Mask wrong = offenders(y, n, passive, tolerance);
         if (wrong == 0) {
-            for (long long i = 0; i < n; ++i)
+            for (long long i = 0; i < n; ++i) {
                 x[i] = (passive >> i & 1U) != 0 && y[i] > 0 ? y[i] * m_reduced.scale(i) : 0.0;
+            }
             return true;
         }
         const int count = __builtin_popcount(wrong);

@@ -94,8 +94,9 @@ void sumWide(const Strip& strip, const double* __restrict y, double* __restrict 
 {
     Sums<n> sums;
     const double* d = strip.data;
-    for (long long i = 0; i < strip.rows; ++i, d += strip.stride)
+    for (long long i = 0; i < strip.rows; ++i, d += strip.stride) {
         sums.add(y + i, lanesAt(d), lanesAt(d + lanes));
+    }
     sums.store(to, toStride);
 }
 
@@ -104,8 +105,9 @@ void sumNarrow(const Strip& strip, const double* __restrict y, double* __restric
 {
     Sums<n> sums;
     const double* d = strip.data;
-    for (long long i = 0; i < strip.rows; ++i, d += strip.stride)
+    for (long long i = 0; i < strip.rows; ++i, d += strip.stride) {
         sums.addNarrow(y + i, lanesAt(d));
+    }
     sums.storeNarrow(to, toStride);
 }
 
@@ -137,8 +139,9 @@ Lanes restOfStrip(const Strip& strip, const double* __restrict y, const double* 
     Lanes sums[2] = {};
     const auto count = [&sums](const Lanes& low, const Lanes& high) {
         sums[0] += low * low;
-        if (wide)
+        if (wide) {
             sums[1] += high * high;
+        }
     };
     constexpr long long second = wide ? lanes : 0;
     for (long long i = 0; i < strip.rows; i += 4) {
@@ -166,12 +169,15 @@ Lanes restOfStrip(const Strip& strip, const double* __restrict y, const double* 
             }
         }
         count(a0, a1);
-        if (i + 1 <= last)
+        if (i + 1 <= last) {
             count(b0, b1);
-        if (i + 2 <= last)
+        }
+        if (i + 2 <= last) {
             count(c0, c1);
-        if (i + 3 <= last)
+        }
+        if (i + 3 <= last) {
             count(e0, e1);
+        }
     }
     return sums[0] + sums[1];
 }
@@ -197,8 +203,9 @@ public:
                   double* head)
     {
         loadPanel(C, begin, end);
-        for (long long k = 0; k < m_components; ++k)
+        for (long long k = 0; k < m_components; ++k) {
             reflect(k, triangle);
+        }
         makeCompact();
         multiplyData(D, begin, end);
         updateHead(head);
@@ -216,8 +223,9 @@ private:
         const double* rows = C[begin];
         for (long long k = 0; k < m_components; ++k) {
             double* column = panel(k);
-            for (long long i = 0; i < end - begin; ++i)
+            for (long long i = 0; i < end - begin; ++i) {
                 column[i] = rows[i * m_components + k];
+            }
             std::fill(column + (end - begin), column + blockRows, 0.0);
         }
     }
@@ -239,16 +247,18 @@ private:
         const double beta = alpha > 0 ? -norm : norm;
         const double tau = (beta - alpha) / beta;
         const double scale = 1 / (alpha - beta);
-        for (long long i = 0; i < blockRows; ++i)
+        for (long long i = 0; i < blockRows; ++i) {
             y[i] *= scale;
+        }
         row[k] = beta;
         m_tau[static_cast<std::size_t>(k)] = tau;
         for (long long j = k + 1; j < m_components; ++j) {
             double* column = panel(j);
             const double share = tau * (row[j] + dot(y, column));
             row[j] -= share;
-            for (long long i = 0; i < blockRows; ++i)
+            for (long long i = 0; i < blockRows; ++i) {
                 column[i] -= share * y[i];
+            }
         }
     }
 
@@ -258,12 +268,14 @@ private:
         for (long long k = 0; k < m_components; ++k) {
             const double tau = m_tau[static_cast<std::size_t>(k)];
             compact(k, k) = tau;
-            for (long long i = 0; i < k; ++i)
+            for (long long i = 0; i < k; ++i) {
                 compact(i, k) = -tau * dot(panel(i), panel(k));
+            }
             for (long long i = 0; i < k; ++i) {
                 double sum = 0;
-                for (long long l = i; l < k; ++l)
+                for (long long l = i; l < k; ++l) {
                     sum += compact(i, l) * compact(l, k);
+                }
                 compact(i, k) = sum;
             }
         }
@@ -277,15 +289,17 @@ private:
         const double* data = D[begin];
         const long long rows = end - begin;
         long long first = 0;
-        for (; first + stripColumns <= m_bands; first += stripColumns)
+        for (; first + stripColumns <= m_bands; first += stripColumns) {
             work(Strip{data + first, m_bands, rows}, first, true);
+        }
         if (first + lanes <= m_bands) {
             work(Strip{data + first, m_bands, rows}, first, false);
             first += lanes;
         }
         if (first < m_bands) {
-            for (long long i = 0; i < rows; ++i)
+            for (long long i = 0; i < rows; ++i) {
                 std::copy_n(data + i * m_bands + first, m_bands - first, m_leftover.data() + i * lanes);
+            }
             work(Strip{m_leftover.data(), lanes, rows}, first, false);
         }
     }
@@ -305,22 +319,26 @@ private:
         for (long long k = 0; k < m_components; ++k) {
             double* __restrict to = product(k);
             const double* __restrict from = head + k * m_bands;
-            for (long long j = 0; j < m_bands; ++j)
+            for (long long j = 0; j < m_bands; ++j) {
                 to[j] += from[j];
+            }
         }
         for (long long k = m_components - 1; k >= 0; --k) {
             double* __restrict to = product(k);
-            for (long long j = 0; j < m_padded; ++j)
+            for (long long j = 0; j < m_padded; ++j) {
                 to[j] *= compact(k, k);
+            }
             for (long long l = 0; l < k; ++l) {
                 const double factor = compact(l, k);
                 const double* __restrict from = product(l);
-                for (long long j = 0; j < m_padded; ++j)
+                for (long long j = 0; j < m_padded; ++j) {
                     to[j] += factor * from[j];
+                }
             }
             double* __restrict row = head + k * m_bands;
-            for (long long j = 0; j < m_bands; ++j)
+            for (long long j = 0; j < m_bands; ++j) {
                 row[j] -= to[j];
+            }
         }
     }
 
@@ -377,8 +395,9 @@ void LeftReduction::finish()
     Matrix<double> triangle(m_components, m_components);
     Matrix<double> head(m_components, m_data.num_cols());
     double rest = 0;
-    for (double part : m_rests)
+    for (double part : m_rests) {
         rest += part;
+    }
     const std::unique_ptr<Reducer> reducer = makeReducer();
     for (long long first = 0; first < m_triangles.num_rows(); first += blockRows) {
         const long long end = std::min(first + blockRows, m_triangles.num_rows());
@@ -393,8 +412,9 @@ void LeftReduction::addAll(const Matrix<double>& C)
 {
     XTNT_ASSERT(C.num_rows() == m_data.num_rows() && C.num_cols() == m_components);
     parallelChunks(C.num_rows(), m_chunkRows, [&](long long begin, long long end) {
-        for (long long first = begin; first < end; first += blockRows)
+        for (long long first = begin; first < end; first += blockRows) {
             add(C, first, std::min(first + blockRows, end));
+        }
     });
     finish();
 }
@@ -409,11 +429,13 @@ bool LeftReduction::inRange() const
 {
     for (long long k = 0; k < m_components; ++k) {
         double squares = 0;
-        for (long long i = 0; i <= k; ++i)
+        for (long long i = 0; i <= k; ++i) {
             squares += m_triangles[i][k] * m_triangles[i][k];
+        }
         // Written so that NaN fails.
-        if (!(squares > smallestNorm * smallestNorm && squares < largestNorm * largestNorm))
+        if (!(squares > smallestNorm * smallestNorm && squares < largestNorm * largestNorm)) {
             return false;
+        }
     }
     return true;
 }

@@ -24,13 +24,16 @@ int exponentOf(double norm)
 double rowNorm(const double* row, long long n)
 {
     double largest = 0;
-    for (long long i = 0; i < n; ++i)
+    for (long long i = 0; i < n; ++i) {
         largest = std::max(largest, std::abs(row[i]));
-    if (!(largest > 0) || !std::isfinite(largest))
+    }
+    if (!(largest > 0) || !std::isfinite(largest)) {
         return largest;
+    }
     double sum = 0;
-    for (long long i = 0; i < n; ++i)
+    for (long long i = 0; i < n; ++i) {
         sum += (row[i] / largest) * (row[i] / largest);
+    }
     return largest * std::sqrt(sum);
 }
 
@@ -38,8 +41,9 @@ double rowNorm(const double* row, long long n)
 
 ReducedSpectra::ReducedSpectra(const Matrix<double>& spectra) : m_components(spectra.num_rows())
 {
-    if (m_components >= 1 && m_components <= maxComponents && spectra.num_cols() >= m_components)
+    if (m_components >= 1 && m_components <= maxComponents && spectra.num_cols() >= m_components) {
         factorise(spectra);
+    }
 }
 
 void ReducedSpectra::factorise(const Matrix<double>& spectra)
@@ -48,22 +52,26 @@ void ReducedSpectra::factorise(const Matrix<double>& spectra)
     std::vector<double> scaled(static_cast<std::size_t>(m_components * bands));
     for (long long i = 0; i < m_components; ++i) {
         const double norm = rowNorm(spectra[i], bands);
-        if (!std::isfinite(norm) || !std::isnormal(norm))
+        if (!std::isfinite(norm) || !std::isnormal(norm)) {
             return;
+        }
         const int exponent = exponentOf(norm);
         m_scales.push_back(std::ldexp(1.0, -exponent));
-        for (long long b = 0; b < bands; ++b)
+        for (long long b = 0; b < bands; ++b) {
             scaled[static_cast<std::size_t>(i * bands + b)] = std::ldexp(spectra[i][b], -exponent);
+        }
     }
 
     const ThinQr factor(scaled.data(), bands, m_components);
     // Written so that NaN fails.
-    if (!(factor.conditionBound() <= maxCondition))
+    if (!(factor.conditionBound() <= maxCondition)) {
         return;
+    }
     m_basis = Matrix<double>(bands, m_components);
     for (long long i = 0; i < m_components; ++i) {
-        for (long long b = 0; b < bands; ++b)
+        for (long long b = 0; b < bands; ++b) {
             m_basis[b][i] = factor.q(i)[b];
+        }
         m_r.insert(m_r.end(), factor.rColumn(i), factor.rColumn(i) + m_components);
     }
     m_usable = true;
@@ -77,8 +85,9 @@ PassiveSetCache::PassiveSetCache(const ReducedSpectra& spectra)
     const long long sets = 1LL << spectra.components();
     m_capacity = std::min(sets, maxBytes / operatorBytes);
     std::size_t slots = 2;
-    while (slots < 2 * static_cast<std::size_t>(m_capacity))
+    while (slots < 2 * static_cast<std::size_t>(m_capacity)) {
         slots *= 2;
+    }
     m_slots.assign(slots, -1);
 }
 
@@ -87,8 +96,9 @@ std::size_t PassiveSetCache::slotOf(Mask mask) const
 {
     // Fibonacci hashing: neighbouring masks land far apart.
     std::size_t slot = (mask * 0x9E3779B97F4A7C15ULL >> 32U) & (m_slots.size() - 1);
-    while (m_slots[slot] >= 0 && m_masks[static_cast<std::size_t>(m_slots[slot])] != mask)
+    while (m_slots[slot] >= 0 && m_masks[static_cast<std::size_t>(m_slots[slot])] != mask) {
         slot = (slot + 1) & (m_slots.size() - 1);
+    }
     return slot;
 }
 
@@ -139,13 +149,15 @@ void PassiveSetCache::fillSolutionRows(Mask mask, const ThinQr& factor, double* 
     std::vector<double> column(static_cast<std::size_t>(components));
     for (long long i = 0; i < components; ++i) {
         long long count = 0;
-        for (Mask rest = mask; rest != 0; rest &= rest - 1, ++count)
+        for (Mask rest = mask; rest != 0; rest &= rest - 1, ++count) {
             column[static_cast<std::size_t>(count)] = factor.q(count)[i];
+        }
         factor.solveUpper(column.data());
         long long position = 0;
         for (long long j = 0; j < components; ++j) {
-            if ((mask >> j & 1U) != 0)
+            if ((mask >> j & 1U) != 0) {
                 op[i * m_stride + j] = column[static_cast<std::size_t>(position++)];
+            }
         }
     }
 }
@@ -156,19 +168,23 @@ void PassiveSetCache::fillDualRows(Mask mask, const ThinQr& factor, double* op) 
     const long long components = m_spectra.components();
     const int count = __builtin_popcount(mask);
     for (long long j = 0; j < components; ++j) {
-        if ((mask >> j & 1U) != 0)
+        if ((mask >> j & 1U) != 0) {
             continue;
+        }
         std::vector<double> rest(m_spectra.column(j), m_spectra.column(j) + components);
         for (int k = 0; k < count; ++k) {
             const double* q = factor.q(k);
             double share = 0;
-            for (long long i = 0; i < components; ++i)
+            for (long long i = 0; i < components; ++i) {
                 share += q[i] * rest[static_cast<std::size_t>(i)];
-            for (long long i = 0; i < components; ++i)
+            }
+            for (long long i = 0; i < components; ++i) {
                 rest[static_cast<std::size_t>(i)] -= share * q[i];
+            }
         }
-        for (long long i = 0; i < components; ++i)
+        for (long long i = 0; i < components; ++i) {
             op[i * m_stride + j] = -rest[static_cast<std::size_t>(i)];
+        }
     }
 }
 

@@ -67,11 +67,13 @@ void forProducts(const Matrix<double>& C, const Matrix<double>& S, Work work)
         std::vector<double> results(static_cast<std::size_t>(rowsAtOnce * product.paddedColumns()));
         for (long long first = begin; first < end; first += rowsAtOnce) {
             const double* rows[rowsAtOnce];
-            for (long long r = 0; r < rowsAtOnce; ++r)
+            for (long long r = 0; r < rowsAtOnce; ++r) {
                 rows[r] = C[std::min(first + r, end - 1)];
+            }
             product.multiply(rows, results.data());
-            for (long long r = 0; r < std::min(rowsAtOnce, end - first); ++r)
+            for (long long r = 0; r < std::min(rowsAtOnce, end - first); ++r) {
                 work(begin / chunkRows, first + r, results.data() + r * product.paddedColumns(), r);
+            }
         }
     });
 }
@@ -104,8 +106,9 @@ double largestMagnitude(const Matrix<double>& T, const Matrix<double>& C, const 
     const long long bands = T.num_cols();
     forProducts(C, S, [&](long long chunk, long long row, const double* product, long long) {
         double& largest = parts[static_cast<std::size_t>(chunk)];
-        for (long long j = 0; j < bands; ++j)
+        for (long long j = 0; j < bands; ++j) {
             largest = std::max(largest, std::abs(T[row][j] - product[j]));
+        }
     });
     return *std::max_element(parts.begin(), parts.end());
 }
@@ -115,14 +118,17 @@ double largestMagnitude(const Matrix<double>& T, const Matrix<double>& C, const 
 double residualNorm(const Matrix<double>& T, const Matrix<double>& C, const Matrix<double>& S)
 {
     checkSizes(T, C, S);
-    if (T.empty())
+    if (T.empty()) {
         return 0;
+    }
     const double squares = sumOfSquares(T, C, S, 1.0);
-    if (std::isnormal(squares) || std::isnan(squares))
+    if (std::isnormal(squares) || std::isnan(squares)) {
         return std::sqrt(squares);
+    }
     const double largest = largestMagnitude(T, C, S);
-    if (!(largest > 0) || std::isinf(largest))
+    if (!(largest > 0) || std::isinf(largest)) {
         return largest;
+    }
     const int exponent = std::clamp(std::ilogb(largest), -1000, 1000);
     return std::ldexp(std::sqrt(sumOfSquares(T, C, S, std::ldexp(1.0, -exponent))), exponent);
 }
@@ -136,8 +142,9 @@ ResidualNorms residuals(const Matrix<double>& T, const Matrix<double>& X, const 
     preferLargePages(fit);
     raw.reshape(T.num_rows(), T.num_cols());
     preferLargePages(raw);
-    if (T.empty())
+    if (T.empty()) {
         return ResidualNorms();
+    }
 
     std::vector<SquareSums> fitParts(chunkCount(T));
     std::vector<SquareSums> rawParts(chunkCount(T));

@@ -26,8 +26,9 @@ RowProduct::RowProduct(const Matrix<double>& factor)
     for (long long first = 0; first < m_paddedColumns; first += stripColumns) {
         const long long width = stripWidth(first, m_paddedColumns);
         const long long used = std::min(width, m_columns - first);
-        for (long long b = 0; b < m_bands; ++b, packed += width)
+        for (long long b = 0; b < m_bands; ++b, packed += width) {
             std::copy_n(factor[b] + first, used, packed);
+        }
     }
 }
 
@@ -43,11 +44,13 @@ void RowProduct::multiplyBlock(const Matrix<double>& data, long long begin, long
 {
     for (long long row = begin; row < end; row += rowsAtOnce) {
         const double* rows[rowsAtOnce];
-        for (int r = 0; r < rowsAtOnce; ++r)
+        for (int r = 0; r < rowsAtOnce; ++r) {
             rows[r] = data[std::min(row + r, end - 1)];
+        }
         multiply(rows, scratch);
-        for (long long r = 0; r < std::min<long long>(rowsAtOnce, end - row); ++r)
+        for (long long r = 0; r < std::min<long long>(rowsAtOnce, end - row); ++r) {
             std::copy_n(scratch + r * m_paddedColumns, m_columns, result[row + r]);
+        }
     }
 }
 
@@ -55,8 +58,9 @@ Matrix<double> multiplyRows(const Matrix<double>& data, const Matrix<double>& fa
 {
     XTNT_ASSERT(data.num_cols() == factor.num_rows());
     Matrix<double> result(data.num_rows(), factor.num_cols());
-    if (result.empty())
+    if (result.empty()) {
         return result;
+    }
     preferLargePages(result);
     const RowProduct product(factor);
     parallelChunks(data.num_rows(), chunkRows, [&](long long begin, long long end) {

@@ -13,8 +13,9 @@ namespace {
 double dot(const double* a, const double* b, long long n)
 {
     double sum = 0;
-    for (long long i = 0; i < n; ++i)
+    for (long long i = 0; i < n; ++i) {
         sum += a[i] * b[i];
+    }
     return sum;
 }
 
@@ -25,8 +26,9 @@ ThinQr::ThinQr(const double* a, long long rows, long long columns)
       m_r(static_cast<std::size_t>(columns * columns), 0.0)
 {
     XTNT_ASSERT(rows >= columns);
-    for (long long column = 0; column < columns; ++column)
+    for (long long column = 0; column < columns; ++column) {
         orthogonalise(column);
+    }
 }
 
 void ThinQr::orthogonalise(long long column)
@@ -37,22 +39,25 @@ void ThinQr::orthogonalise(long long column)
         for (long long j = 0; j < column; ++j) {
             const double share = dot(q(j), v, m_rows);
             coefficients[j] += share;
-            for (long long i = 0; i < m_rows; ++i)
+            for (long long i = 0; i < m_rows; ++i) {
                 v[i] -= share * q(j)[i];
+            }
         }
     }
     const double norm = std::sqrt(dot(v, v, m_rows));
     coefficients[column] = norm;
-    for (long long i = 0; i < m_rows && norm > 0; ++i)
+    for (long long i = 0; i < m_rows && norm > 0; ++i) {
         v[i] /= norm;
+    }
 }
 
 void ThinQr::solveUpper(double* y) const
 {
     for (long long j = m_columns - 1; j >= 0; --j) {
         y[j] /= r(j, j);
-        for (long long i = 0; i < j; ++i)
+        for (long long i = 0; i < j; ++i) {
             y[i] -= y[j] * r(i, j);
+        }
     }
 }
 

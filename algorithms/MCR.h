@@ -39,7 +39,7 @@ public:
     MCR(const MCR&) = delete;
     MCR& operator=(const MCR&) = delete;
 
-    // --- data and size ---------------------------------------------------------------------------------------------------
+    // --- data and size -----------------------------------------------------------------------------------------------
 
     // Takes a share of x (M x N) and decomposes it; the result of PCA::decompose: 1, or 0 for an empty x.
     int setData(const XTNT::Matrix<double>& x);
@@ -55,7 +55,7 @@ public:
     // first spectra, normalised and sorted; a zero mean row leaves lastError 3.
     void computeInitialEstimate(int state);
 
-    // --- setters ---------------------------------------------------------------------------------------------------------
+    // --- setters -----------------------------------------------------------------------------------------------------
 
     // Makes `spectrum` (N values, as they are) row `component` of the first estimate. The estimate that resembles it most by
     // correlation gives way: its row takes what stood in row `component`, unless it holds a known spectrum itself; then the next best
@@ -89,7 +89,7 @@ public:
     // At the listed pixels every other component is zero. Checks as above; a pixel outside the image is passed over.
     bool setPureMask(int component, const XTNT::Vector<int>& pixels);
 
-    // --- run -------------------------------------------------------------------------------------------------------------
+    // --- run ---------------------------------------------------------------------------------------------------------
 
     // 0 converged or fit good enough, 1 divergence, 2 iteration limit reached, 3 degenerate estimate (lastError is 3; the residuals
     // and lacks of fit keep their old values). Writes a trace of the iterations to `out`. NaNs are not tested for: they travel

@@ -27,8 +27,9 @@ constexpr long long chunkRows = 4096;
 Matrix<double> diagonal(const Vector<double>& s, long long n)
 {
     Matrix<double> result(n, n);
-    for (long long i = 0; i < s.n_; ++i)
+    for (long long i = 0; i < s.n_; ++i) {
         result[i][i] = s[i];
+    }
     return result;
 }
 
@@ -57,14 +58,17 @@ Matrix<double> multiplyFirstColumns(const Matrix<double>& left, const Matrix<dou
 
 int PCA::decompose(const Matrix<double>& x, unsigned mode)
 {
-    if (x.empty())
+    if (x.empty()) {
         return 0;
+    }
     Vector<double> means;
     Vector<double> deviations;
-    if (mode == autoscale || mode == meanCentre)
+    if (mode == autoscale || mode == meanCentre) {
         means = columnMeans(x);
-    if (mode == autoscale)
+    }
+    if (mode == autoscale) {
         deviations = columnDeviations(x, means);
+    }
     const XTNT::SVD svd(x, means, deviations);
     const Matrix<double> singularValues = diagonal(svd.s, svd.n);
     U = svd.U;
@@ -80,8 +84,9 @@ Matrix<double>& PCA::reconstruct(Matrix<double>& out, int k) const
     const long long kept = std::max(0, std::min(rank, k));
     Matrix<double> factor(kept, V.num_rows());
     for (long long i = 0; i < kept; ++i) {
-        for (long long j = 0; j < V.num_rows(); ++j)
+        for (long long j = 0; j < V.num_rows(); ++j) {
             factor[i][j] = S[i][i] * V[j][i];
+        }
     }
     out = Matrix<double>(); // a large block that goes before the new one comes
     out = kept > 0 ? multiplyFirstColumns(U, factor) : Matrix<double>(U.num_rows(), V.num_rows());
@@ -91,15 +96,17 @@ Matrix<double>& PCA::reconstruct(Matrix<double>& out, int k) const
 Vector<double> PCA::eigenvalues() const
 {
     Vector<double> result(S.num_rows());
-    for (long long i = 0; i < result.n_; ++i)
+    for (long long i = 0; i < result.n_; ++i) {
         result[i] = S[i][i] * S[i][i];
+    }
     return result;
 }
 
 Matrix<double> PCA::scores() const
 {
-    if (U.empty())
+    if (U.empty()) {
         return Matrix<double>();
+    }
     return multiplyFirstColumns(U, S.subMatrix(0, U.num_cols() - 1, 0, S.num_cols() - 1));
 }
 
@@ -112,11 +119,13 @@ int PCA::suggestComponents(double fraction) const
 {
     const Vector<double> cumulated = eigenvalues().cumulativeSum();
     const double total = cumulated.n_ > 0 ? cumulated[cumulated.n_ - 1] : 0;
-    if (total == 0 || !(fraction >= 0 && fraction <= 1))
+    if (total == 0 || !(fraction >= 0 && fraction <= 1)) {
         return rank;
+    }
     for (long long i = 0; i < cumulated.n_; ++i) {
-        if (cumulated[i] / total >= fraction)
+        if (cumulated[i] / total >= fraction) {
             return static_cast<int>(i + 1);
+        }
     }
     return rank;
 }

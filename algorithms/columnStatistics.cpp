@@ -24,8 +24,9 @@ Vector<double> sumTerms(const Matrix<double>& x, const double* centre, Term term
         double* __restrict sums = partial[begin / chunkRows];
         for (long long i = begin; i < end; ++i) {
             const double* __restrict row = x[i];
-            for (long long j = 0; j < n; ++j)
+            for (long long j = 0; j < n; ++j) {
                 sums[j] += term(row[j] - centre[j]);
+            }
         }
     });
     return partial.sum(0);
@@ -37,8 +38,9 @@ Vector<double> columnMeans(const Matrix<double>& x)
 {
     const Vector<double> sums = sumTerms(x, x[0], [](double difference) { return difference; });
     Vector<double> means(x.num_cols());
-    for (long long j = 0; j < means.n_; ++j)
+    for (long long j = 0; j < means.n_; ++j) {
         means[j] = x[0][j] + sums[j] / static_cast<double>(x.num_rows());
+    }
     return means;
 }
 
@@ -47,7 +49,8 @@ Vector<double> columnDeviations(const Matrix<double>& x, const Vector<double>& m
     const Vector<double> squares = sumTerms(x, means.data, [](double difference) { return difference * difference; });
     const double denominator = static_cast<double>(std::max(1LL, x.num_rows() - 1));
     Vector<double> deviations(x.num_cols());
-    for (long long j = 0; j < deviations.n_; ++j)
+    for (long long j = 0; j < deviations.n_; ++j) {
         deviations[j] = std::sqrt(squares[j] / denominator);
+    }
     return deviations;
 }

@@ -74,8 +74,9 @@ RunOutcome resolve(CORVSpumKyvo& engine, const bench::DiskSequence&)
     const SilentTrace silence;
     engine.resetAnalysis(RUNMODE_AUTOMATIC);
     engine.m_analysisInput.componentNames.clear();
-    for (long long k = 0; k < size.components; ++k)
+    for (long long k = 0; k < size.components; ++k) {
         engine.m_analysisInput.componentNames.append(QStringLiteral("Unknown"));
+    }
     engine.takeComponents();
     return runEngine(engine);
 }
@@ -114,8 +115,9 @@ void abortLatency(benchmark::State& state, const Analysis& analysis)
 {
     const bench::DiskSequence sequence(size);
     CORVSpumKyvo engine(sequence.id());
-    if (!engine.buildDatasetInfo() || analysis.run(engine, sequence) != RunOutcome::Succeeded)
+    if (!engine.buildDatasetInfo() || analysis.run(engine, sequence) != RunOutcome::Succeeded) {
         bench::giveUp(QStringLiteral("the sequence cannot be unmixed"));
+    }
     const bench::Matrix<double> first = analysis.result(engine);
     const Clock::time_point start = Clock::now();
     analysis.run(engine, sequence);
@@ -126,14 +128,17 @@ void abortLatency(benchmark::State& state, const Analysis& analysis)
     std::vector<double> waits;
     for (auto _ : state) {
         const double wait = abortAfter(analysis, engine, sequence, moment(random));
-        if (wait >= 0.0)
+        if (wait >= 0.0) {
             waits.push_back(wait);
+        }
         state.SetIterationTime(std::max(wait, 0.0) / 1e3);
     }
-    if (analysis.run(engine, sequence) != RunOutcome::Succeeded || (analysis.result(engine) - first).norm(0) != 0.0)
+    if (analysis.run(engine, sequence) != RunOutcome::Succeeded || (analysis.result(engine) - first).norm(0) != 0.0) {
         bench::giveUp(QStringLiteral("the run after the aborts gave another result"));
-    if (waits.empty())
+    }
+    if (waits.empty()) {
         bench::giveUp(QStringLiteral("no abort struck a run"));
+    }
     state.counters["run_ms"] = whole;
     state.counters["aborted"] = static_cast<double>(waits.size());
     state.counters["median_ms"] = bench::medianOf(waits);

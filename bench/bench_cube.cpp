@@ -23,8 +23,9 @@ void cubeFromDisk(benchmark::State& state)
     const bench::Size size = bench::sizes[state.range(0)];
     const bench::DiskSequence sequence(size);
     CORVSpumKyvo engine(sequence.id());
-    if (!engine.buildDatasetInfo())
+    if (!engine.buildDatasetInfo()) {
         bench::giveUp(QStringLiteral("the sequence cannot be analysed"));
+    }
     double peak = 0.0;
     for (auto _ : state) {
         state.PauseTiming();
@@ -34,8 +35,9 @@ void cubeFromDisk(benchmark::State& state)
         state.ResumeTiming();
         const bool ok = engine.buildImageCube();
         state.PauseTiming();
-        if (!ok || engine.m_eUnit != DISPLAYUNIT_RADIANT_EFFICIENCY)
+        if (!ok || engine.m_eUnit != DISPLAYUNIT_RADIANT_EFFICIENCY) {
             bench::giveUp(QStringLiteral("the cube cannot be built"));
+        }
         peak = std::max(peak, bench::processBytes("VmHWM:") - before);
         state.ResumeTiming();
     }
@@ -55,10 +57,11 @@ void storeImages(benchmark::State& state)
     for (auto _ : state) {
         CImageCube cube;
         cube.init(side, side, 1, bands, {});
-        for (int i = 0; i < bands; i += together)
+        for (int i = 0; i < bands; i += together) {
             cube.setImages(
                 0, i, std::vector<const float*>(static_cast<std::size_t>(std::min(together, bands - i)), image.data()),
                 image.size());
+        }
         benchmark::DoNotOptimize(cube.m_data.storage.data);
     }
     state.SetBytesProcessed(static_cast<std::int64_t>(8.0 * elements(size)) * state.iterations());

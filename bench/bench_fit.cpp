@@ -41,8 +41,9 @@ double largestError(const Matrix<double>& result, const Matrix<double>& referenc
             largest = std::max(largest, std::abs(reference[p][k]));
             difference = std::max(difference, std::abs(result[p][k] - reference[p][k]));
         }
-        if (largest > 0)
+        if (largest > 0) {
             error = std::max(error, difference / largest);
+        }
     }
     return error;
 }
@@ -50,8 +51,9 @@ double largestError(const Matrix<double>& result, const Matrix<double>& referenc
 double negativeShare(const Matrix<double>& fit)
 {
     long long rows = 0;
-    for (long long p = 0; p < fit.num_rows(); ++p)
+    for (long long p = 0; p < fit.num_rows(); ++p) {
         rows += std::any_of(fit[p], fit[p] + fit.num_cols(), [](double c) { return c < 0; }) ? 1 : 0;
+    }
     return static_cast<double>(rows) / static_cast<double>(fit.num_rows());
 }
 
@@ -61,8 +63,9 @@ Matrix<double> everyRowThroughNnls(const Problem& p)
     XTNT::WorkspacePool<XTNT::NnlsRowFit> pool([&p] { return std::make_unique<XTNT::NnlsRowFit>(p.spectra); });
     XTNT::parallelChunks(p.pixels.num_rows(), 64, [&](long long begin, long long end) {
         const XTNT::WorkspacePool<XTNT::NnlsRowFit>::Lease lease(pool);
-        for (long long row = begin; row < end; ++row)
+        for (long long row = begin; row < end; ++row) {
             (*lease).fit(p.pixels[row], result[row]);
+        }
     });
     return result;
 }

@@ -27,8 +27,9 @@ struct Problem
     KMeansSolver solver() const
     {
         std::vector<const double*> rows;
-        for (long long p = 0; p < pixels.num_rows(); ++p)
+        for (long long p = 0; p < pixels.num_rows(); ++p) {
             rows.push_back(pixels[p]);
+        }
         return KMeansSolver(std::move(rows), size.bands, size.components);
     }
 
@@ -71,8 +72,9 @@ void wholeRun(benchmark::State& state, KMeansSolver::Method method)
         KMeansSolver reference = p.solver();
         reference.run(maxIterations, KMeansSolver::Method::Plain);
         long long different = 0;
-        for (std::size_t i = 0; i < reference.labels().size(); ++i)
+        for (std::size_t i = 0; i < reference.labels().size(); ++i) {
             different += reference.labels()[i] != solver.labels()[i] ? 1 : 0;
+        }
         state.counters["error"] = static_cast<double>(different);
     }
 }

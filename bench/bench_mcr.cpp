@@ -76,7 +76,7 @@ double largestDifference(const Matrix<double>& a, const Matrix<double>& b)
     return (a - b).norm(0) / b.norm(0);
 }
 
-// --- an iteration ------------------------------------------------------------------------------------------------------
+// --- an iteration ----------------------------------------------------------------------------------------------------
 
 // Exactly so many iterations from the first estimate.
 void iterate(Problem& p, int iterations, bool plain)
@@ -149,7 +149,7 @@ void iterationTwoThreads(benchmark::State& state)
     state.counters["gain_share"] = state.counters["gain_path"] / state.counters["gain_sum"];
 }
 
-// --- its parts -----------------------------------------------------------------------------------------------------------
+// --- its parts -------------------------------------------------------------------------------------------------------
 
 using Part = double (*)(Problem&);
 
@@ -174,8 +174,9 @@ double spectraOf(SpectrumFit& fit)
     const Matrix<double> spec = fit.solve();
     double sum = spec[0][0];
     for (long long j = 0; j < spec.num_cols(); ++j) {
-        if (spec.column(j).Min() < 0)
+        if (spec.column(j).Min() < 0) {
             sum += fit.nonNegative(j)[0];
+        }
     }
     return sum;
 }
@@ -251,7 +252,7 @@ void partTwoThreads(benchmark::State& state, Part part)
     bench::timeTwoThreads(state, p.pixels, [&] { benchmark::DoNotOptimize(part(p)); });
 }
 
-// --- the whole -----------------------------------------------------------------------------------------------------------
+// --- the whole -------------------------------------------------------------------------------------------------------
 
 void firstEstimate(benchmark::State& state)
 {
@@ -284,8 +285,9 @@ void runOneThread(benchmark::State& state, bool plain)
     double peak = 0;
     bench::timeInUnits(state, p.pixels, [&] { peak = bench::peakBytes([&] { outcome = wholeRun(p, plain); }); });
     state.counters["iterations"] = outcome.iterations;
-    if (!plain)
+    if (!plain) {
         state.counters["error"] = relative(outcome.lackOfFit, wholeRun(p, true).lackOfFit);
+    }
     state.counters["peak_per_8_bytes"] = peak / (8.0 * static_cast<double>(p.pixels.storage.n_));
 }
 
@@ -295,7 +297,7 @@ void runTwoThreads(benchmark::State& state)
     bench::timeTwoThreads(state, p.pixels, [&] { wholeRun(p, false); });
 }
 
-// --- list ----------------------------------------------------------------------------------------------------------------
+// --- list ------------------------------------------------------------------------------------------------------------
 
 template <class Function, class... Arguments>
 void add(const std::string& name, int size, int iterations, Function function, Arguments... arguments)

@@ -37,8 +37,9 @@ struct Problem
 double product(const double* a, const double* b, long long n)
 {
     double sum = 0;
-    for (long long i = 0; i < n; ++i)
+    for (long long i = 0; i < n; ++i) {
         sum += a[i] * b[i];
+    }
     return sum;
 }
 
@@ -49,16 +50,18 @@ double makeReflection(double* v, long long n)
     const double length = -std::copysign(std::sqrt(product(v, v, n)), v[0]);
     v[0] -= length;
     const double scale = std::sqrt(2.0 / product(v, v, n));
-    for (long long i = 0; i < n; ++i)
+    for (long long i = 0; i < n; ++i) {
         v[i] *= scale;
+    }
     return length;
 }
 
 void reflect(const double* v, double* column, long long n)
 {
     const double amount = product(v, column, n);
-    for (long long i = 0; i < n; ++i)
+    for (long long i = 0; i < n; ++i) {
         column[i] -= amount * v[i];
+    }
 }
 
 struct Factors
@@ -85,10 +88,12 @@ Factors plainSvd(const Matrix<double>& a)
     const XTNT::SVD small(triangle);
     Matrix<double> left(n, m);
     for (long long j = 0; j < n; ++j) {
-        for (long long i = 0; i < n; ++i)
+        for (long long i = 0; i < n; ++i) {
             left[j][i] = small.U[i][j];
-        for (long long k = n - 1; k >= 0; --k)
+        }
+        for (long long k = n - 1; k >= 0; --k) {
             reflect(columns[k] + k, left[j] + k, m - k);
+        }
     }
     return {transpose(left), small.s, small.V};
 }
@@ -99,13 +104,16 @@ Matrix<double> autoscaled(const Matrix<double>& x)
     Matrix<double> result = x.deepCopy();
     for (long long j = 0; j < x.num_cols(); ++j) {
         double mean = 0;
-        for (long long i = 0; i < x.num_rows(); ++i)
+        for (long long i = 0; i < x.num_rows(); ++i) {
             mean += x[i][j] / m;
+        }
         double squares = 0;
-        for (long long i = 0; i < x.num_rows(); ++i)
+        for (long long i = 0; i < x.num_rows(); ++i) {
             squares += (x[i][j] - mean) * (x[i][j] - mean);
-        for (long long i = 0; i < x.num_rows(); ++i)
+        }
+        for (long long i = 0; i < x.num_rows(); ++i) {
             result[i][j] = (x[i][j] - mean) / std::sqrt(squares / (m - 1));
+        }
     }
     return result;
 }
@@ -133,8 +141,9 @@ Outcome pcaFast(const Problem& p)
 Outcome pcaPlain(const Problem& p)
 {
     Outcome values = plainSvd(autoscaled(p.pixels)).s;
-    for (long long i = 0; i < values.n_; ++i)
+    for (long long i = 0; i < values.n_; ++i) {
         values[i] *= values[i];
+    }
     return values;
 }
 

@@ -37,8 +37,9 @@ inline CILImage cameraImage(const Matrix<double>& pixels, long long side, long l
     CILImage image;
     image.InitWithType(ORVTYPE_USHORT, side, side);
     auto* counts = static_cast<std::uint16_t*>(image.m_pData);
-    for (long long p = 0; p < pixels.num_rows(); ++p)
+    for (long long p = 0; p < pixels.num_rows(); ++p) {
         counts[p] = static_cast<std::uint16_t>(std::clamp(pixels[p][band] * scale, 0.0, 65535.0));
+    }
     return image;
 }
 
@@ -70,8 +71,9 @@ public:
         QString error;
         const QString folder = m_folder.filePath(QStringLiteral("sequence"));
         write(size, folder, &error);
-        if (!error.isEmpty() || m_sequence.open(folder, &error) != ESTATUS_SUCCESS)
+        if (!error.isEmpty() || m_sequence.open(folder, &error) != ESTATUS_SUCCESS) {
             giveUp(error);
+        }
     }
 
     QString id() const { return m_sequence.getSequenceID(); }
@@ -100,12 +102,14 @@ private:
         for (long long band = 0; ok && band < size.bands; ++band) {
             const CILImage image = cameraImage(pixels, size.side, band, scale);
             SequenceWriter::Images images{{IMAGETYPE_LUMINESCENT, &image}};
-            if (band == 0)
+            if (band == 0) {
                 images.append({IMAGETYPE_PHOTOGRAPH, &image});
+            }
             ok = writer.addDataset(datasetOf(band), images, pError);
         }
-        if (ok)
+        if (ok) {
             writer.finish(pError);
+        }
     }
 
     QTemporaryDir m_folder;

@@ -74,11 +74,13 @@ inline Matrix<double> makePixels(const Size& size, const Matrix<double>& spectra
         double* d = pixels[p];
         for (long long k = 0; k < size.components; ++k) {
             const double c = chance(generator) < absentShare ? 0 : amount(generator);
-            for (long long b = 0; b < size.bands; ++b)
+            for (long long b = 0; b < size.bands; ++b) {
                 d[b] += c * spectra[k][b];
+            }
         }
-        for (long long b = 0; b < size.bands; ++b)
+        for (long long b = 0; b < size.bands; ++b) {
             d[b] += noise(generator);
+        }
     }
     return pixels;
 }
@@ -90,14 +92,17 @@ inline double sumPass(const double* p, long long n)
     double sums[width] = {};
     long long i = 0;
     for (; i + width <= n; i += width) {
-        for (int j = 0; j < width; ++j)
+        for (int j = 0; j < width; ++j) {
             sums[j] += p[i + j];
+        }
     }
     double sum = 0;
-    for (; i < n; ++i)
+    for (; i < n; ++i) {
         sum += p[i];
-    for (double part : sums)
+    }
+    for (double part : sums) {
         sum += part;
+    }
     return sum;
 }
 
@@ -110,8 +115,9 @@ inline double parallelSumPass(const double* p, long long n)
         parts[static_cast<std::size_t>(begin / grain)] = sumPass(p + begin, end - begin);
     });
     double sum = 0;
-    for (double part : parts)
+    for (double part : parts) {
         sum += part;
+    }
     return sum;
 }
 

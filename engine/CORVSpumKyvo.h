@@ -61,7 +61,7 @@ public:
     // Does not stop a running thread: the owner waits for its end first.
     ~CORVSpumKyvo() override;
 
-    // --- run control ---------------------------------------------------------------------------------------------------
+    // --- run control -------------------------------------------------------------------------------------------------
 
     // Does the run that m_bRunPCA and m_eMode ask for. Public so that the same work can be done without the thread.
     void run() override;
@@ -92,7 +92,7 @@ public:
     // purpose, log included. Safe from the worker.
     void reportStatus(const QString& strMessage, long nLevel);
 
-    // --- the analysis --------------------------------------------------------------------------------------------------
+    // --- the analysis ------------------------------------------------------------------------------------------------
 
     // "Temporal Unmixing" or "Spectral Unmixing".
     QString getAnalysisName() const;
@@ -105,7 +105,7 @@ public:
     void resetAnalysis(int nMode);
     void clearUnmixedImages();
 
-    // --- inspection and selection --------------------------------------------------------------------------------------
+    // --- inspection and selection ------------------------------------------------------------------------------------
 
     // Reads kind, images, keys, probes and subject from the sequence; true when it can be analysed.
     bool buildDatasetInfo();
@@ -118,7 +118,7 @@ public:
     void updateKeys();
     static bool wavelengthDigits(QString& strKey);
 
-    // --- cube and mask -------------------------------------------------------------------------------------------------
+    // --- cube and mask -----------------------------------------------------------------------------------------------
 
     // Click numbers of the selected pairs into m_imageList, spot after spot; false when a pair has no image.
     bool createImageList();
@@ -133,7 +133,7 @@ public:
     void applyDecayCorrection(CImageCube cube, double dHalfLifeSec, const QString& strSeqId,
                               const QVector<QString>& clickNumbers);
 
-    // --- what an automatic run starts from ----------------------------------------------------------------------------
+    // --- what an automatic run starts from ---------------------------------------------------------------------------
 
     // How the selected images lie on the grid of m_secondaryKeys (rows) by m_primaryKeys (columns); see wavelengthTopology().
     void buildTopology(XTNT::Matrix<int>& out);
@@ -156,7 +156,7 @@ public:
     // run ends without a solution.
     void takeComponents();
 
-    // --- pictures ------------------------------------------------------------------------------------------------------
+    // --- pictures ----------------------------------------------------------------------------------------------------
 
     // How much red, green and blue each selected image gives to the overview of the cube, pairs x 3. False, told in the log and
     // the weights left alone, without a sensor's curve in the database; false too when memory runs out.
@@ -175,7 +175,7 @@ public:
     // Takes the view's decay controls as those of the result.
     void storeDecayState();
 
-    // --- export --------------------------------------------------------------------------------------------------------
+    // --- export ------------------------------------------------------------------------------------------------------
 
     // Makes the dataset of one unmixed map in a folder of the system's temporary directory and opens nothing. The index is
     // spot x (components + 1) + component; the last of each spot stands for the composite, which is no dataset. Gives back the
@@ -191,7 +191,7 @@ public:
     // change of the sequence.
     CORVDataset* unmixedSource(int nComponent, int nSpot) const;
 
-    // --- results -------------------------------------------------------------------------------------------------------
+    // --- results -----------------------------------------------------------------------------------------------------
 
     // The present result as the text of a file of version 2 (storage/). m_roiResults takes in the regions of open images of the
     // result, and is empty afterwards.
@@ -205,7 +205,7 @@ public:
     bool readResultV1(QDomElement root);
     bool readResultV2(QDomElement root);
 
-    // --- where results are shown ---------------------------------------------------------------------------------------
+    // --- where results are shown -------------------------------------------------------------------------------------
 
     // Never null. The engine's own lists until a window takes their place; a view that is set is borrowed, and null sets the
     // engine's own again.
@@ -214,7 +214,7 @@ public:
     OwnResultView& ownResultView() { return m_ownResultView; }
     const OwnResultView& ownResultView() const { return m_ownResultView; }
 
-    // --- getters -------------------------------------------------------------------------------------------------------
+    // --- getters -----------------------------------------------------------------------------------------------------
 
     const QStringList& getEmissionKeys() const { return m_emissionKeys; }
     const QStringList& getExcitationKeys() const { return m_excitationKeys; }

@@ -7,25 +7,30 @@
 
 bool OwnResultView::setImageCube(const QList<KeyPair>& xValues, int /*nSpectrumType*/, CImageCube& cube)
 {
-    if (xValues.size() != cube.m_nImages)
+    if (xValues.size() != cube.m_nImages) {
         return false;
-    if (!m_engine.m_bCherenkov)
+    }
+    if (!m_engine.m_bCherenkov) {
         return true;
+    }
     const AnalysisInput& input = m_engine.m_analysisInput;
-    if (input.decayCorrection)
+    if (input.decayCorrection) {
         m_engine.applyDecayCorrection(cube, input.halfLifeSeconds, m_engine.m_strSeqId, m_engine.m_imageList);
-    else
+    } else {
         cube.applyDecayFactors(cube.m_rawData, QVector<double>(cube.m_nImages, 1.0), false);
+    }
     return true;
 }
 
 void OwnResultView::setSpectra(const QList<SpectrumPlotParams*>& spectra)
 {
-    if (&spectra == &m_engine.m_spectrumPlots)
+    if (&spectra == &m_engine.m_spectrumPlots) {
         return;
+    }
     QList<SpectrumPlotParams*> copies;
-    for (const SpectrumPlotParams* pSpectrum : spectra)
+    for (const SpectrumPlotParams* pSpectrum : spectra) {
         copies.append(new SpectrumPlotParams(*pSpectrum));
+    }
     qDeleteAll(m_engine.m_spectrumPlots);
     m_engine.m_spectrumPlots = copies;
 }
@@ -89,6 +94,7 @@ void OwnResultView::setCompositeData(CILImage* pPhoto, const XTNT::Matrix<double
 
 void OwnResultView::setXRayImage(CILImage* pImage)
 {
-    if (pImage != nullptr)
+    if (pImage != nullptr) {
         m_composite.xray = pImage;
+    }
 }

@@ -11,8 +11,9 @@ namespace {
 
 void require(bool bHolds)
 {
-    if (!bHolds)
+    if (!bHolds) {
         std::abort();
+    }
 }
 
 QString keyOf(const CPLSection& section)
@@ -77,8 +78,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t siz
     require(count == again);
     for (int i = 0; i < count; ++i) {
         requireEqual(*first.section(i), *second.section(i));
-        if (size < 4096) // the look-ups are quadratic
+        if (size < 4096) { // the look-ups are quadratic
             readNumbers(*first.section(i));
+        }
     }
     return 0;
 }

@@ -14,8 +14,9 @@ namespace {
 
 void require(bool holds)
 {
-    if (!holds)
+    if (!holds) {
         std::abort();
+    }
 }
 
 const QString& cubeFile()

@@ -10,8 +10,9 @@ namespace {
 
 void require(bool holds)
 {
-    if (!holds)
+    if (!holds) {
         std::abort();
+    }
 }
 
 } // namespace

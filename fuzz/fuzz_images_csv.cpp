@@ -11,8 +11,9 @@ namespace {
 
 void require(bool holds)
 {
-    if (!holds)
+    if (!holds) {
         std::abort();
+    }
 }
 
 } // namespace

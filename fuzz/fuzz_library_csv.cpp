@@ -13,8 +13,9 @@ namespace {
 
 void require(bool holds)
 {
-    if (!holds)
+    if (!holds) {
         std::abort();
+    }
 }
 
 } // namespace

@@ -17,8 +17,9 @@ namespace {
 
 void require(bool holds)
 {
-    if (!holds)
+    if (!holds) {
         std::abort();
+    }
 }
 
 const QString& folderOfTables()

@@ -19,8 +19,9 @@ namespace {
 
 void require(bool holds)
 {
-    if (!holds)
+    if (!holds) {
         std::abort();
+    }
 }
 
 // Three images of 4 x 4 pixels, of an isotope, made once.

@@ -18,8 +18,9 @@ namespace {
 
 void require(bool bHolds)
 {
-    if (!bHolds)
+    if (!bHolds) {
         std::abort();
+    }
 }
 
 const QString& indexFile()
@@ -74,8 +75,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t siz
     file.write(reinterpret_cast<const char*>(pData), static_cast<qint64>(size));
     file.close();
     CPLSettingsFileWrapper index;
-    if (!load(index))
+    if (!load(index)) {
         return 0;
+    }
     for (const QString& name : names(index)) {
         require(resultsIndex::findName(names(index), name) == name);
         require(index.getSectionByMenuName(name) != nullptr);

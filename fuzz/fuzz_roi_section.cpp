@@ -16,8 +16,9 @@ constexpr long side = 24;
 
 void require(bool bHolds)
 {
-    if (!bHolds)
+    if (!bHolds) {
         std::abort();
+    }
 }
 
 void fill(const tagROIInfo& region)
@@ -25,8 +26,9 @@ void fill(const tagROIInfo& region)
     std::vector<int> visits(side * side, 0);
     ROIShape::visitRuns(region, side, side, 2.0, [&](long row, long first, long end) {
         require(row >= 0 && row < side && first >= 0 && first < end && end <= side);
-        for (long x = first; x < end; ++x)
+        for (long x = first; x < end; ++x) {
             require(++visits[static_cast<std::size_t>(row * side + x)] == 1);
+        }
     });
 }
 
@@ -36,8 +38,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t siz
 {
     const QByteArray text = "[ROIs]\n" + QByteArray(reinterpret_cast<const char*>(pData), static_cast<int>(size));
     CPLClickInfo info;
-    if (info.parse(text, QStringLiteral("click.txt")) != 0)
+    if (info.parse(text, QStringLiteral("click.txt")) != 0) {
         return 0;
+    }
     CROIManager first;
     first.readROIData(info);
     CPLClickInfo written;
@@ -49,8 +52,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t siz
         const tagROIInfo& region = first.regions()[i];
         require(region.name == second.regions()[i].name);
         require(ROIShape::toText(region) == ROIShape::toText(second.regions()[i]));
-        if (size < 4096)
+        if (size < 4096) {
             fill(region);
+        }
     }
     CPLClickInfo again;
     require(second.saveROIData(&again) == ESTATUS_SUCCESS && again.toText() == written.toText());

@@ -16,19 +16,22 @@ namespace {
 
 void require(bool holds)
 {
-    if (!holds)
+    if (!holds) {
         std::abort();
+    }
 }
 
 void readAsSequence(const CPLClickInfo& sections)
 {
     SequenceInfo info;
     QStringList warnings;
-    if (!readSequenceInfo(sections, QStringLiteral("file"), &info, warnings))
+    if (!readSequenceInfo(sections, QStringLiteral("file"), &info, warnings)) {
         return;
+    }
     require(info.adjust.m_nColorTable >= 0 && info.refusedFolders >= 0);
-    for (const QString& folder : info.folders)
+    for (const QString& folder : info.folders) {
         require(staysBelow(folder));
+    }
     CPLClickInfo copy;
     require(copy.parse(sequenceInfoSections(info).toText(), QStringLiteral("copy"), nullptr) == 0);
     SequenceInfo again;

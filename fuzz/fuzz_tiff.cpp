@@ -13,8 +13,9 @@ namespace {
 
 void require(bool holds)
 {
-    if (!holds)
+    if (!holds) {
         std::abort();
+    }
 }
 
 void readPage(const QString& path, int page, const TiffReadOptions& options)

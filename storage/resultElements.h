@@ -26,7 +26,7 @@ QString numberText(double dValue);
 // Appends an element and gives it back.
 QDomElement appendElement(QDomElement& parent, const QString& strName);
 
-// --- images ------------------------------------------------------------------------------------------------------------
+// --- images ----------------------------------------------------------------------------------------------------------
 
 // The pairs that a result is told to be made of: none without spectra; the selected ones when there are as many as the first
 // spectrum has points; otherwise the points' own, since the selection may have been changed after the run.
@@ -35,7 +35,7 @@ void appendPairs(QDomElement& root, const QList<KeyPair>& pairs);
 // One pair a child, whatever its name, from the two attributes named.
 QList<KeyPair> readPairs(const QDomElement& element, const QString& strFirst, const QString& strSecond);
 
-// --- mask --------------------------------------------------------------------------------------------------------------
+// --- mask ------------------------------------------------------------------------------------------------------------
 
 struct MaskRecord
 {
@@ -52,7 +52,7 @@ MaskRecord readMask(const QDomElement& element);
 // cannot hold so many (hexText::isIndexCount); the indices are untouched then. Those of 2^31 and above come out negative.
 bool readPixels(const QDomElement& element, const QString& strCountName, std::vector<int>* pIndices, long long* pCount);
 
-// --- properties and regions --------------------------------------------------------------------------------------------
+// --- properties and regions ------------------------------------------------------------------------------------------
 
 void appendProperties(QDomElement& root, const QList<QPair<QString, QString>>& properties);
 QList<QPair<QString, QString>> readProperties(const QDomElement& element);
@@ -63,7 +63,7 @@ QStringList appendRegions(QDomElement& root, const QList<RoiRecord>& records);
 // One record a child, of one key and one value.
 QList<RoiRecord> readRegions(const QDomElement& element);
 
-// --- display -----------------------------------------------------------------------------------------------------------
+// --- display ---------------------------------------------------------------------------------------------------------
 
 struct DisplayRecord
 {
@@ -77,7 +77,7 @@ void appendDisplay(QDomElement& root, const DisplayRecord& display);
 // One ratio a child, whatever its name; a limit that is missing is that of a new ScaleRatio.
 DisplayRecord readDisplay(const QDomElement& element);
 
-// --- decay -------------------------------------------------------------------------------------------------------------
+// --- decay -----------------------------------------------------------------------------------------------------------
 
 struct DecayRecord
 {

@@ -41,8 +41,9 @@ const ReferenceTables& tables()
     if (!storage()) {
         auto pTables = std::make_unique<ReferenceTables>();
         const QString program = getORVPath(ORV_PATH_PROGRAM_DATA, false, nullptr);
-        if (program.isEmpty())
+        if (program.isEmpty()) {
             pTables->problems.append(QStringLiteral("the program's folder of reference tables is missing"));
+        }
         pTables->addFolder(program, true);
         pTables->addFolder(getORVPath(ORV_PATH_USER_DATA, false, nullptr), false);
         putUndefinedFirst(pTables->isotopes);
@@ -62,16 +63,19 @@ QStringList sortedNames(const QMap<QString, Record>& records)
 template <typename Record>
 bool read(const QMap<QString, Record>& records, const QString& strName, Record* pRecord)
 {
-    if (pRecord != nullptr)
+    if (pRecord != nullptr) {
         *pRecord = records.value(strName);
+    }
     return records.contains(strName);
 }
 
 const IsotopeRecord* findIsotope(const QString& strIsotope)
 {
-    for (const IsotopeRecord& isotope : tables().isotopes)
-        if (isotope.name.compare(strIsotope.trimmed(), Qt::CaseInsensitive) == 0)
+    for (const IsotopeRecord& isotope : tables().isotopes) {
+        if (isotope.name.compare(strIsotope.trimmed(), Qt::CaseInsensitive) == 0) {
             return &isotope;
+        }
+    }
     return nullptr;
 }
 
@@ -82,8 +86,9 @@ QStringList CORVDatabase::getSourceList()
     QStringList names;
     for (const QString& source : tables().luminescentSources.keys()) {
         // A look-up by name appends the suffix, so a source without one cannot be offered.
-        if (source.endsWith(QLatin1String("Em")) || source.endsWith(QLatin1String("Ex")))
+        if (source.endsWith(QLatin1String("Em")) || source.endsWith(QLatin1String("Ex"))) {
             names.append(source.chopped(2));
+        }
     }
     names.removeDuplicates();
     std::sort(names.begin(), names.end(), insensitiveLessThan);
@@ -137,18 +142,21 @@ double CORVDatabase::getCherenkovRADHalflife(const QString& strIsotope)
 QStringList CORVDatabase::isotopeList()
 {
     QStringList names;
-    for (const IsotopeRecord& isotope : tables().isotopes)
+    for (const IsotopeRecord& isotope : tables().isotopes) {
         names.append(isotope.name);
+    }
     return names;
 }
 
 bool CORVDatabase::isCherenkovIsotope(const QString& strIsotope, QString* pName)
 {
     const IsotopeRecord* pIsotope = findIsotope(strIsotope);
-    if (pIsotope == nullptr || !pIsotope->cherenkov)
+    if (pIsotope == nullptr || !pIsotope->cherenkov) {
         return false;
-    if (pName != nullptr)
+    }
+    if (pName != nullptr) {
         *pName = pIsotope->name;
+    }
     return true;
 }
 
@@ -165,8 +173,9 @@ bool CORVDatabase::findProbe(const QString& strName, sProbeParameters* pProbe)
     };
     const QList<sProbeParameters>& probes = tables().probes;
     const auto it = std::find_if(probes.cbegin(), probes.cend(), names);
-    if (pProbe != nullptr)
+    if (pProbe != nullptr) {
         *pProbe = it == probes.cend() ? sProbeParameters() : *it;
+    }
     return it != probes.cend();
 }
 

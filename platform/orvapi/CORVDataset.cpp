@@ -46,20 +46,25 @@ QString cleanPath(const QString& strPath)
 // The file of one of the names in the folder, without regard to case; empty when there is none.
 QString findFile(const QStringList& files, const QStringList& names)
 {
-    for (const QString& name : names)
-        for (const QString& file : files)
-            if (file.compare(name, Qt::CaseInsensitive) == 0)
+    for (const QString& name : names) {
+        for (const QString& file : files) {
+            if (file.compare(name, Qt::CaseInsensitive) == 0) {
                 return file;
+            }
+        }
+    }
     return QString();
 }
 
 // The header of a file whose pixels can be read, as far as the header tells.
 bool readHeader(const QString& strPath, TiffInfo* pInfo, QString* pReason)
 {
-    if (!readTiffHeader(strPath, 0, pInfo, pReason))
+    if (!readTiffHeader(strPath, 0, pInfo, pReason)) {
         return false;
-    if (pInfo->type != ORVTYPE_NONE)
+    }
+    if (pInfo->type != ORVTYPE_NONE) {
         return true;
+    }
     *pReason = QStringLiteral("%1: holds pixels of a kind that cannot be read").arg(strPath);
     return false;
 }
@@ -79,8 +84,9 @@ QString newClickNumber()
 
 void tell(QString* pError, const QString& strReason)
 {
-    if (pError != nullptr)
+    if (pError != nullptr) {
         *pError = strReason;
+    }
 }
 
 } // namespace
@@ -97,11 +103,14 @@ CORVDataset::~CORVDataset()
 
 CORVDataset* CORVDataset::getDataset(const QString& strClickNumber)
 {
-    if (strClickNumber.isEmpty())
+    if (strClickNumber.isEmpty()) {
         return nullptr;
-    for (CORVDataset* pDataset : registry())
-        if (pDataset->getClickNumber() == strClickNumber)
+    }
+    for (CORVDataset* pDataset : registry()) {
+        if (pDataset->getClickNumber() == strClickNumber) {
             return pDataset;
+        }
+    }
     return nullptr;
 }
 
@@ -131,8 +140,9 @@ void CORVDataset::reset()
     m_images.clear();
     m_coreImages.clear();
     m_givenImages.clear();
-    if (m_pROIManager)
+    if (m_pROIManager) {
         m_pROIManager->clearAllLists();
+    }
     m_bModified = false;
 }
 
@@ -152,9 +162,10 @@ ESTATUS CORVDataset::load(const QString& strFolder, bool bMade, QString* pError,
     const QString file = withSeparator(strFolder) + QLatin1String(SequenceFiles::kClickInfo);
     QStringList lines;
     const bool readable = clickInfo.loadClickInfo(file, &lines) == 0;
-    if (readable && bMade && getClickNumber().isEmpty())
+    if (readable && bMade && getClickNumber().isEmpty()) {
         sectionIn(clickInfo, QString::fromLatin1(ClickKeys::kClickNumber))
             .setValue(QString::fromLatin1(ClickKeys::kClickNumber), newClickNumber());
+    }
     if (!readable || getClickNumber().isEmpty()) {
         tell(pError, readable          ? QStringLiteral("%1: the click number is missing").arg(file)
                      : lines.isEmpty() ? QStringLiteral("%1: cannot be read").arg(file)
@@ -162,16 +173,19 @@ ESTATUS CORVDataset::load(const QString& strFolder, bool bMade, QString* pError,
         reset();
         return ESTATUS_FILE_UNREADABLE;
     }
-    for (const QString& wrong : wrongNumbers(clickInfo))
+    for (const QString& wrong : wrongNumbers(clickInfo)) {
         lines.append(file + QLatin1String(": ") + wrong);
+    }
     setFolderPath(strFolder);
     readNativeUnit(&lines);
     readRegions(&lines);
     const ESTATUS status = findImages(pError, &lines);
-    if (pWarnings != nullptr)
+    if (pWarnings != nullptr) {
         pWarnings->append(lines);
-    if (status != ESTATUS_SUCCESS)
+    }
+    if (status != ESTATUS_SUCCESS) {
         reset();
+    }
     return status;
 }
 
@@ -181,24 +195,27 @@ void CORVDataset::readNativeUnit(QStringList* pWarnings)
     for (const char* pKey : {ClickKeys::kNativeUnit, ClickKeys::kStoredUnit}) {
         const QString text = clickText(clickInfo, ClickKeys::kLuminescentImage, pKey);
         const int unit = displayUnitOf(text);
-        if (unit >= 0)
+        if (unit >= 0) {
             nativeUnit = unit;
-        else if (!text.isEmpty())
+        } else if (!text.isEmpty()) {
             pWarnings->append(QStringLiteral("%1%2: section \"%3\": \"%4\" is \"%5\", which is no unit")
                                   .arg(m_strFolder, QLatin1String(SequenceFiles::kClickInfo),
                                        QLatin1String(ClickKeys::kLuminescentImage), QLatin1String(pKey), text));
+        }
     }
 }
 
 void CORVDataset::readRegions(QStringList* pWarnings)
 {
     const QString section = QString::fromLatin1(ClickKeys::kROIs);
-    if (clickInfo[section] == nullptr)
+    if (clickInfo[section] == nullptr) {
         return;
+    }
     roiManager()->readROIData(clickInfo);
-    for (const QString& message : roiManager()->messages())
+    for (const QString& message : roiManager()->messages()) {
         pWarnings->append(QStringLiteral("%1%2: section \"%3\": %4")
                               .arg(m_strFolder, QLatin1String(SequenceFiles::kClickInfo), section, message));
+    }
 }
 
 bool CORVDataset::hasROIData() const
@@ -208,8 +225,9 @@ bool CORVDataset::hasROIData() const
 
 CROIManager* CORVDataset::roiManager()
 {
-    if (!m_pROIManager)
+    if (!m_pROIManager) {
         m_pROIManager = std::make_unique<CROIManager>(this);
+    }
     return m_pROIManager.get();
 }
 
@@ -218,8 +236,9 @@ ESTATUS CORVDataset::findImages(QString* pError, QStringList* pWarnings)
     const QStringList files = QDir(m_strFolder).entryList(QDir::Files);
     for (const tag_eimagetype type : allImageTypes()) {
         const QString file = findFile(files, imageFileNames(type));
-        if (file.isEmpty())
+        if (file.isEmpty()) {
             continue;
+        }
         TiffInfo header;
         QString reason;
         if (readHeader(m_strFolder + file, &header, &reason)) {
@@ -233,9 +252,10 @@ ESTATUS CORVDataset::findImages(QString* pError, QStringList* pWarnings)
     }
     hasLuminescentImage = hasImage(IMAGETYPE_LUMINESCENT) || hasImage(IMAGETYPE_MAIN_DATA);
     hasXRayImage = hasImage(IMAGETYPE_XRAY);
-    if (const CORVImageDetails* pReference = m_images.getImage(IMAGETYPE_FLUORESCENT_REFERENCE))
+    if (const CORVImageDetails* pReference = m_images.getImage(IMAGETYPE_FLUORESCENT_REFERENCE)) {
         hasTransmissionImage = pReference->fileName().compare(imageFileNames(IMAGETYPE_FLUORESCENT_REFERENCE).last(),
                                                               Qt::CaseInsensitive) == 0;
+    }
     if (!hasLuminescentImage && clickInfo[QString::fromLatin1(ClickKeys::kLuminescentImage)] != nullptr) {
         tell(pError,
              QStringLiteral("%1%2: is missing").arg(m_strFolder, imageFileNames(IMAGETYPE_LUMINESCENT).first()));
@@ -277,10 +297,12 @@ bool CORVDataset::hasImage(tag_eimagetype eType) const
 bool CORVDataset::resolveType(tag_eimagetype eType, tag_eimagetype* pResolved) const
 {
     *pResolved = eType;
-    if (hasImage(eType))
+    if (hasImage(eType)) {
         return true;
-    if (eType != IMAGETYPE_LUMINESCENT && eType != IMAGETYPE_MAIN_DATA)
+    }
+    if (eType != IMAGETYPE_LUMINESCENT && eType != IMAGETYPE_MAIN_DATA) {
         return false;
+    }
     *pResolved = eType == IMAGETYPE_LUMINESCENT ? IMAGETYPE_MAIN_DATA : IMAGETYPE_LUMINESCENT;
     return hasImage(*pResolved);
 }
@@ -299,8 +321,9 @@ ESTATUS CORVDataset::readImage(tag_eimagetype eType, CILImage* pOut, const QStri
         return ESTATUS_SUCCESS;
     }
     const CORVImageDetails* pDetails = m_images.getImage(eType);
-    if (pDetails == nullptr)
+    if (pDetails == nullptr) {
         return ESTATUS_IMAGE_MISSING;
+    }
     CILImage image;
     QString reason;
     TiffReadOptions options;
@@ -317,14 +340,17 @@ ESTATUS CORVDataset::readImage(tag_eimagetype eType, CILImage* pOut, const QStri
 CILImage* CORVDataset::getCoreImage(tag_eimagetype eType)
 {
     tag_eimagetype type = eType;
-    if (!resolveType(eType, &type))
+    if (!resolveType(eType, &type)) {
         return nullptr;
+    }
     const auto it = m_coreImages.constFind(type);
-    if (it != m_coreImages.constEnd())
+    if (it != m_coreImages.constEnd()) {
         return it.value().data();
+    }
     const auto pImage = QSharedPointer<CILImage>::create();
-    if (readImage(type, pImage.data(), QString()) != ESTATUS_SUCCESS)
+    if (readImage(type, pImage.data(), QString()) != ESTATUS_SUCCESS) {
         return nullptr;
+    }
     pImage->RefreshImageStats();
     m_coreImages.insert(type, pImage);
     return pImage.data();
@@ -333,10 +359,11 @@ CILImage* CORVDataset::getCoreImage(tag_eimagetype eType)
 void CORVDataset::setCoreImage(tag_eimagetype eType, const CILImage& image)
 {
     QSharedPointer<CILImage>& pSlot = m_coreImages[eType];
-    if (pSlot.isNull())
+    if (pSlot.isNull()) {
         pSlot = QSharedPointer<CILImage>::create(image);
-    else
+    } else {
         *pSlot = image;
+    }
     m_givenImages.insert(eType);
     hasLuminescentImage = hasLuminescentImage || eType == IMAGETYPE_LUMINESCENT || eType == IMAGETYPE_MAIN_DATA;
     hasXRayImage = hasXRayImage || eType == IMAGETYPE_XRAY;
@@ -351,8 +378,9 @@ float CORVDataset::getBinningForImage(tag_eimagetype eType)
 bool CORVDataset::getImageSize(tag_eimagetype eType, long* pWidth, long* pHeight)
 {
     tag_eimagetype type = eType;
-    if (!resolveType(eType, &type))
+    if (!resolveType(eType, &type)) {
         return false;
+    }
     const auto it = m_coreImages.constFind(type);
     TiffInfo header;
     if (it != m_coreImages.constEnd()) {
@@ -365,10 +393,12 @@ bool CORVDataset::getImageSize(tag_eimagetype eType, long* pWidth, long* pHeight
             return false;
         }
     }
-    if (pWidth != nullptr)
+    if (pWidth != nullptr) {
         *pWidth = header.width;
-    if (pHeight != nullptr)
+    }
+    if (pHeight != nullptr) {
         *pHeight = header.height;
+    }
     return true;
 }
 
@@ -398,8 +428,9 @@ bool CORVDataset::getExposureStart(double* pSeconds) const
         QDate::fromString(clickText(clickInfo, ClickKeys::kLuminescentImage, ClickKeys::kAcquisitionDate), Qt::ISODate);
     const QTime time = QTime::fromString(
         clickText(clickInfo, ClickKeys::kLuminescentImage, ClickKeys::kAcquisitionTime), Qt::ISODateWithMs);
-    if (!date.isValid() || !time.isValid())
+    if (!date.isValid() || !time.isValid()) {
         return false;
+    }
     *pSeconds = static_cast<double>(QDateTime(date, time, Qt::UTC).toMSecsSinceEpoch()) / 1000.0;
     return true;
 }
@@ -408,8 +439,9 @@ bool CORVDataset::getExposureTime(double* pSeconds) const
 {
     const std::optional<double> seconds =
         clickNumberValue(clickInfo, acquisitionSections(IMAGETYPE_MAIN_DATA), ClickKeys::kExposureTime);
-    if (seconds)
+    if (seconds) {
         *pSeconds = *seconds;
+    }
     return seconds.has_value();
 }
 
@@ -423,11 +455,13 @@ bool CORVDataset::isLoadedClickInfo(const QString& strPath, bool& bModified, QSt
     const QString wanted = cleanPath(strPath);
     for (const CORVDataset* pDataset : registry()) {
         if (pDataset->m_strFolder.isEmpty() ||
-            pDataset->m_strFolder + QLatin1String(SequenceFiles::kClickInfo) != wanted)
+            pDataset->m_strFolder + QLatin1String(SequenceFiles::kClickInfo) != wanted) {
             continue;
+        }
         bModified = pDataset->m_bModified;
-        if (pClickNumber != nullptr)
+        if (pClickNumber != nullptr) {
             *pClickNumber = pDataset->getClickNumber();
+        }
         return true;
     }
     return false;

@@ -37,8 +37,9 @@ QString missingFigure(const char* pKey)
 // The unit in which the pixels are stored. The preferred unit 3 says the same of efficiencies.
 int storedUnit(const CORVDataset& dataset)
 {
-    if (dataset.nativeUnit == DISPLAYUNIT_EFFICIENCY)
+    if (dataset.nativeUnit == DISPLAYUNIT_EFFICIENCY) {
         return DISPLAYUNIT_EFFICIENCY;
+    }
     const QString text = clickText(dataset.clickInfo, ClickKeys::kLuminescentImage, ClickKeys::kStoredUnit);
     return std::max<int>(displayUnitOf(text), DISPLAYUNIT_COUNTS);
 }
@@ -49,8 +50,9 @@ void divideByReference(CILImage& image, const CILImage& reference)
     float* pPixels = image.floats();
     const float* pReference = reference.floats();
     const std::size_t count = image.pixelCount();
-    for (std::size_t i = 0; i < count; ++i)
+    for (std::size_t i = 0; i < count; ++i) {
         pPixels[i] = pReference[i] > 0.0F ? pPixels[i] / pReference[i] : 0.0F;
+    }
     image.RefreshImageStats();
 }
 
@@ -65,22 +67,29 @@ bool CORVDataset::radianceFactor(tag_eimagetype eType, double* pFactor, QString*
 QString CORVDataset::unitUnavailableReason(tag_edisplayunit eUnit) const
 {
     tag_eimagetype type = IMAGETYPE_MAIN_DATA;
-    if (!resolveType(IMAGETYPE_MAIN_DATA, &type))
+    if (!resolveType(IMAGETYPE_MAIN_DATA, &type)) {
         return QStringLiteral("there is no luminescent image");
-    if (eUnit < DISPLAYUNIT_COUNTS || eUnit > DISPLAYUNIT_EFFICIENCY)
+    }
+    if (eUnit < DISPLAYUNIT_COUNTS || eUnit > DISPLAYUNIT_EFFICIENCY) {
         return QStringLiteral("there is no such unit");
-    if (eUnit > unitLimit())
+    }
+    if (eUnit > unitLimit()) {
         return QStringLiteral("the unit is beyond the limit that was set");
-    if (const int stored = storedUnit(*this); stored != DISPLAYUNIT_COUNTS)
+    }
+    if (const int stored = storedUnit(*this); stored != DISPLAYUNIT_COUNTS) {
         return eUnit == stored ? QString()
                                : QStringLiteral("the data are stored as %1").arg(displayUnitText(stored).toLower());
-    if (eUnit == DISPLAYUNIT_COUNTS)
+    }
+    if (eUnit == DISPLAYUNIT_COUNTS) {
         return QString();
+    }
     QString reason;
-    if (!radianceFactor(type, nullptr, &reason))
+    if (!radianceFactor(type, nullptr, &reason)) {
         return reason;
-    if (eUnit == DISPLAYUNIT_RADIANT_EFFICIENCY && !positive(clickInfo, ClickKeys::kExcitationIrradiance))
+    }
+    if (eUnit == DISPLAYUNIT_RADIANT_EFFICIENCY && !positive(clickInfo, ClickKeys::kExcitationIrradiance)) {
         return missingFigure(ClickKeys::kExcitationIrradiance);
+    }
     return eUnit == DISPLAYUNIT_EFFICIENCY ? efficiencyUnavailableReason() : QString();
 }
 
@@ -93,8 +102,9 @@ bool CORVDataset::hasReferenceImage(QString* pReason) const
 QString CORVDataset::efficiencyUnavailableReason() const
 {
     QString reason;
-    if (hasReferenceImage(&reason) || positive(clickInfo, ClickKeys::kReferenceRadiance))
+    if (hasReferenceImage(&reason) || positive(clickInfo, ClickKeys::kReferenceRadiance)) {
         return QString();
+    }
     return reason.isEmpty()
                ? missingFigure(ClickKeys::kReferenceRadiance) + QLatin1String(", and there is no reference image")
                : reason;
@@ -104,81 +114,99 @@ ESTATUS CORVDataset::readReference(const CILImage& image, CILImage* pOut, const 
 {
     CILImage reference;
     const ESTATUS status = readImage(IMAGETYPE_FLUORESCENT_REFERENCE, &reference, strCaller);
-    if (status != ESTATUS_SUCCESS)
+    if (status != ESTATUS_SUCCESS) {
         return status;
+    }
     double factor = 0.0;
     if (!radianceFactor(IMAGETYPE_FLUORESCENT_REFERENCE, &factor, nullptr) ||
-        !applyCalibration(reference, imageBias(clickInfo, IMAGETYPE_FLUORESCENT_REFERENCE), factor))
+        !applyCalibration(reference, imageBias(clickInfo, IMAGETYPE_FLUORESCENT_REFERENCE), factor)) {
         return ESTATUS_FAILURE;
+    }
     const int width = static_cast<int>(image.m_lWidth);
     const int height = static_cast<int>(image.m_lHeight);
     EILSTATUS resampled = EIL_SUCCESS;
-    if (reference.m_lWidth > image.m_lWidth || reference.m_lHeight > image.m_lHeight)
+    if (reference.m_lWidth > image.m_lWidth || reference.m_lHeight > image.m_lHeight) {
         resampled = reference.downSample(width, height, IL_RESAMPLE_AREA);
-    else if (reference.m_lWidth < image.m_lWidth || reference.m_lHeight < image.m_lHeight)
+    } else if (reference.m_lWidth < image.m_lWidth || reference.m_lHeight < image.m_lHeight) {
         resampled = reference.upSample(width, height, IL_RESAMPLE_SMOOTH);
-    if (resampled != EIL_SUCCESS)
+    }
+    if (resampled != EIL_SUCCESS) {
         return ESTATUS_FAILURE;
+    }
     *pOut = std::move(reference);
     return ESTATUS_SUCCESS;
 }
 
 ESTATUS CORVDataset::divideByIllumination(tag_edisplayunit eUnit, CILImage& image, const QString& strCaller) const
 {
-    if (eUnit != DISPLAYUNIT_EFFICIENCY || storedUnit(*this) == DISPLAYUNIT_EFFICIENCY)
+    if (eUnit != DISPLAYUNIT_EFFICIENCY || storedUnit(*this) == DISPLAYUNIT_EFFICIENCY) {
         return ESTATUS_SUCCESS;
-    if (!hasReferenceImage(nullptr))
+    }
+    if (!hasReferenceImage(nullptr)) {
         return ESTATUS_SUCCESS; // the one number for all pixels is in the factor
+    }
     CILImage reference;
     const ESTATUS status = readReference(image, &reference, strCaller);
-    if (status == ESTATUS_SUCCESS)
+    if (status == ESTATUS_SUCCESS) {
         divideByReference(image, reference);
+    }
     return status;
 }
 
 double CORVDataset::unitFactor(tag_edisplayunit eUnit, tag_eimagetype eType) const
 {
     double factor = 1.0;
-    if (eUnit == DISPLAYUNIT_COUNTS || storedUnit(*this) != DISPLAYUNIT_COUNTS)
+    if (eUnit == DISPLAYUNIT_COUNTS || storedUnit(*this) != DISPLAYUNIT_COUNTS) {
         return factor;
+    }
     radianceFactor(eType, &factor, nullptr);
-    if (eUnit == DISPLAYUNIT_RADIANT_EFFICIENCY)
+    if (eUnit == DISPLAYUNIT_RADIANT_EFFICIENCY) {
         factor /= positive(clickInfo, ClickKeys::kExcitationIrradiance).value_or(1.0);
-    if (eUnit == DISPLAYUNIT_EFFICIENCY && !hasReferenceImage(nullptr))
+    }
+    if (eUnit == DISPLAYUNIT_EFFICIENCY && !hasReferenceImage(nullptr)) {
         factor /= positive(clickInfo, ClickKeys::kReferenceRadiance).value_or(1.0);
+    }
     return factor;
 }
 
 ESTATUS CORVDataset::getCalibratedLuminImage(tag_edisplayunit eUnit, CILImage* pOut, const QString& strCaller)
 {
     tag_eimagetype type = IMAGETYPE_MAIN_DATA;
-    if (pOut == nullptr)
+    if (pOut == nullptr) {
         return ESTATUS_INVALID_ARGUMENT;
-    if (!resolveType(IMAGETYPE_MAIN_DATA, &type))
+    }
+    if (!resolveType(IMAGETYPE_MAIN_DATA, &type)) {
         return ESTATUS_IMAGE_MISSING;
-    if (!unitUnavailableReason(eUnit).isEmpty())
+    }
+    if (!unitUnavailableReason(eUnit).isEmpty()) {
         return ESTATUS_UNIT_UNAVAILABLE;
+    }
     CILImage image;
     const ESTATUS status = readImage(type, &image, strCaller);
-    if (status != ESTATUS_SUCCESS)
+    if (status != ESTATUS_SUCCESS) {
         return status;
+    }
     const double bias = storedUnit(*this) != DISPLAYUNIT_COUNTS ? 0.0 : imageBias(clickInfo, type);
-    if (!applyCalibration(image, bias, unitFactor(eUnit, type)))
+    if (!applyCalibration(image, bias, unitFactor(eUnit, type))) {
         return ESTATUS_FAILURE;
+    }
     const ESTATUS divided = divideByIllumination(eUnit, image, strCaller);
-    if (divided == ESTATUS_SUCCESS)
+    if (divided == ESTATUS_SUCCESS) {
         *pOut = std::move(image);
+    }
     return divided;
 }
 
 bool CORVDataset::intensityCalibration(tag_eimagetype eType, const char* pUnit, double* pValue) const
 {
     tag_eimagetype type = eType;
-    if (pUnit == nullptr || pValue == nullptr || !resolveType(eType, &type))
+    if (pUnit == nullptr || pValue == nullptr || !resolveType(eType, &type)) {
         return false;
+    }
     const bool mainData = type == IMAGETYPE_LUMINESCENT || type == IMAGETYPE_MAIN_DATA;
-    if (mainData && storedUnit(*this) != DISPLAYUNIT_COUNTS)
+    if (mainData && storedUnit(*this) != DISPLAYUNIT_COUNTS) {
         return false;
+    }
     if (std::strcmp(pUnit, "counts") == 0) {
         *pValue = 1.0;
         return true;

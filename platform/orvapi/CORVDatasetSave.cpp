@@ -14,8 +14,9 @@
 
 QString CORVDataset::imageFileName(tag_eimagetype eType) const
 {
-    if (const CORVImageDetails* pDetails = m_images.getImage(eType))
+    if (const CORVImageDetails* pDetails = m_images.getImage(eType)) {
         return pDetails->fileName();
+    }
     const QStringList names = imageFileNames(eType);
     return eType == IMAGETYPE_FLUORESCENT_REFERENCE && hasTransmissionImage ? names.last() : names.first();
 }
@@ -24,18 +25,21 @@ ESTATUS CORVDataset::writeImages(DatasetFolder& folder, CPLClickInfo& info, CORV
                                  QString* pReason) const
 {
     for (const tag_eimagetype type : allImageTypes()) {
-        if (!hasImage(type))
+        if (!hasImage(type)) {
             continue;
+        }
         const QString name = imageFileName(type);
         const CILImage* pGiven = m_givenImages.contains(type) ? m_coreImages.value(type).data() : nullptr;
         const ESTATUS status = pGiven != nullptr ? folder.addImage(name, *pGiven, pReason)
                                                  : folder.addFile(m_images.getImage(type)->path(), name, pReason);
-        if (status != ESTATUS_SUCCESS)
+        if (status != ESTATUS_SUCCESS) {
             return status;
-        if (pGiven != nullptr && imageBinning(info, type) != pGiven->m_fBinning)
+        }
+        if (pGiven != nullptr && imageBinning(info, type) != pGiven->m_fBinning) {
             sectionIn(info, imageSection(type))
                 .setValue(QString::fromLatin1(ClickKeys::kBinning),
                           QString::number(static_cast<double>(pGiven->m_fBinning)));
+        }
         pImages->add(CORVImageDetails(type, name, folder.target() + QLatin1Char('/') + name));
     }
     return ESTATUS_SUCCESS;
@@ -51,8 +55,9 @@ ESTATUS CORVDataset::writeFolder(DatasetFolder& folder, CPLClickInfo& info, CORV
         withoutCamera.removeSection(QString::fromLatin1(ClickKeys::kCameraSystemInfo));
         status = folder.addClickInfo(analyzed, withoutCamera, pReason);
     }
-    if (status == ESTATUS_SUCCESS)
+    if (status == ESTATUS_SUCCESS) {
         status = folder.addClickInfo(QString::fromLatin1(SequenceFiles::kClickInfo), info, pReason);
+    }
     return status == ESTATUS_SUCCESS ? folder.keepOtherFiles(pReason) : status;
 }
 
@@ -70,14 +75,16 @@ ESTATUS CORVDataset::saveDatasetAs(const QString& strFolder)
     QString reason;
     ESTATUS status = folder.begin(strFolder, m_strFolder, &reason);
     if (status == ESTATUS_SUCCESS) {
-        if (m_pROIManager)
+        if (m_pROIManager) {
             m_pROIManager->saveROIData(&info);
+        }
         sectionIn(info, QString::fromLatin1(ClickKeys::kClickNumber))
             .setValue(QString::fromLatin1(ClickKeys::kFolderOnDisk), QFileInfo(folder.target()).fileName());
         status = writeFolder(folder, info, &images, &reason);
     }
-    if (status == ESTATUS_SUCCESS)
+    if (status == ESTATUS_SUCCESS) {
         status = folder.commit(&reason);
+    }
     if (status != ESTATUS_SUCCESS) {
         logError(reason);
         return status;
@@ -92,6 +99,7 @@ ESTATUS CORVDataset::saveDatasetAs(const QString& strFolder)
 
 void CORVDataset::updateActiveImage()
 {
-    for (const auto& pImage : qAsConst(m_coreImages))
+    for (const auto& pImage : qAsConst(m_coreImages)) {
         pImage->RefreshImageStats();
+    }
 }

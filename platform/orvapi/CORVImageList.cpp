@@ -19,8 +19,9 @@ const CORVImageDetails* CORVImageList::getImage(tag_eimagetype eType) const
 
 void CORVImageList::add(const CORVImageDetails& details)
 {
-    if (CORVImageDetails* pExisting = getImage(details.imageType()))
+    if (CORVImageDetails* pExisting = getImage(details.imageType())) {
         *pExisting = details;
-    else
+    } else {
         m_images.append(details);
+    }
 }

@@ -31,8 +31,9 @@ bool isTakenByOther(const QString& strId, const CORVSequenceDataset* pOwn)
 QString freeId(const QString& strId, const CORVSequenceDataset* pOwn)
 {
     QString id = strId;
-    for (int number = 2; isTakenByOther(id, pOwn); ++number)
+    for (int number = 2; isTakenByOther(id, pOwn); ++number) {
         id = QStringLiteral("%1_%2").arg(strId).arg(number);
+    }
     return id;
 }
 
@@ -46,8 +47,9 @@ void shorten(QStringList& warnings, const QString& strFile)
 {
     constexpr int most = 100;
     const int more = warnings.size() - most;
-    if (more <= 0)
+    if (more <= 0) {
         return;
+    }
     warnings = warnings.mid(0, most);
     warnings.append(QStringLiteral("%1: %2 more warnings").arg(strFile).arg(more));
 }
@@ -72,11 +74,14 @@ CORVSequenceDataset::~CORVSequenceDataset()
 
 CORVSequenceDataset* CORVSequenceDataset::getSequenceDataset(const QString& strId)
 {
-    if (strId.isEmpty())
+    if (strId.isEmpty()) {
         return nullptr;
-    for (CORVSequenceDataset* pSequence : registry())
-        if (pSequence->getSequenceID() == strId)
+    }
+    for (CORVSequenceDataset* pSequence : registry()) {
+        if (pSequence->getSequenceID() == strId) {
             return pSequence;
+        }
+    }
     return nullptr;
 }
 
@@ -119,17 +124,21 @@ ESTATUS CORVSequenceDataset::open(const QString& strPath, QString* pError, QStri
             *pError = exists ? QStringLiteral("%1: holds no dataset that can be read").arg(folder)
                              : QStringLiteral("%1: is no sequence folder").arg(strPath);
             const QFileInfo info(folder);
-            if (exists && !(info.isReadable() && info.isExecutable()))
+            if (exists && !(info.isReadable() && info.isExecutable())) {
                 *pError = QStringLiteral("%1: the folder cannot be read, its permissions forbid it").arg(folder);
-            if (!warnings.isEmpty())
+            }
+            if (!warnings.isEmpty()) {
                 *pError += QLatin1String("; ") + warnings.join(QLatin1String("; "));
+            }
         }
         reset();
     }
-    if (pWarnings != nullptr)
+    if (pWarnings != nullptr) {
         pWarnings->append(warnings);
-    if (usable)
+    }
+    if (usable) {
         return ESTATUS_SUCCESS;
+    }
     return exists ? ESTATUS_FILE_UNREADABLE : ESTATUS_INVALID_ARGUMENT;
 }
 
@@ -142,11 +151,13 @@ bool CORVSequenceDataset::readInfo(SequenceInfo* pInfo, QStringList* pWarnings)
     }
     QStringList lines;
     const bool readable = m_info.loadClickInfo(file, &lines) == 0;
-    if (!readable && lines.isEmpty())
+    if (!readable && lines.isEmpty()) {
         lines.append(QStringLiteral("%1: cannot be read").arg(file));
+    }
     pWarnings->append(lines);
-    if (readable && readSequenceInfo(m_info, file, pInfo, *pWarnings))
+    if (readable && readSequenceInfo(m_info, file, pInfo, *pWarnings)) {
         return true;
+    }
     pWarnings->append(
         QStringLiteral("%1: describes no sequence; the folders beside it are taken as datasets").arg(file));
     return false;
@@ -154,14 +165,16 @@ bool CORVSequenceDataset::readInfo(SequenceInfo* pInfo, QStringList* pWarnings)
 
 QStringList CORVSequenceDataset::findFolders(bool bDescribed, const SequenceInfo& info, QStringList* pWarnings) const
 {
-    if (!bDescribed)
+    if (!bDescribed) {
         return foldersOnDisk();
+    }
     const int listed = info.folders.size() + info.refusedFolders;
     const bool allListed = info.announcedCount ? listed >= *info.announcedCount : listed > 0;
     // A file that was cut inside the last name still counts right; that folder is not there.
     const bool endsWhole = info.folders.isEmpty() || QFileInfo::exists(m_strInfoPath + info.folders.last());
-    if (allListed && endsWhole)
+    if (allListed && endsWhole) {
         return info.folders;
+    }
     pWarnings->append(
         QStringLiteral(
             "%1%2: the list of datasets is cut short (%3 of %4, or the last is not there); the other folders "
@@ -170,9 +183,11 @@ QStringList CORVSequenceDataset::findFolders(bool bDescribed, const SequenceInfo
             .arg(listed)
             .arg(info.announcedCount ? QString::number(*info.announcedCount) : QStringLiteral("?")));
     QStringList folders = info.folders;
-    for (const QString& folder : foldersOnDisk())
-        if (!folders.contains(folder))
+    for (const QString& folder : foldersOnDisk()) {
+        if (!folders.contains(folder)) {
             folders.append(folder);
+        }
+    }
     return folders;
 }
 
@@ -194,11 +209,13 @@ void CORVSequenceDataset::readDatasets(const QStringList& folders, QStringList* 
 
 void CORVSequenceDataset::takeOver(bool bDescribed, const SequenceInfo& info, QStringList* pWarnings)
 {
-    if (m_datasets.isEmpty())
+    if (m_datasets.isEmpty()) {
         return;
-    if (bDescribed && !(info.temporal && info.fluorescence && info.transillumination))
+    }
+    if (bDescribed && !(info.temporal && info.fluorescence && info.transillumination)) {
         pWarnings->append(QStringLiteral("%1%2: does not tell the kind of the sequence in full; the click infos serve")
                               .arg(m_strInfoPath, QLatin1String(SequenceFiles::kSequenceInfo)));
+    }
     const auto all = [this](auto&& test) {
         return std::all_of(m_datasets.cbegin(), m_datasets.cend(), [&](const auto& p) { return test(*p); });
     };
@@ -223,9 +240,11 @@ QStringList CORVSequenceDataset::foldersOnDisk() const
 {
     const QDir dir(m_strInfoPath);
     QStringList folders;
-    for (const QString& folder : dir.entryList(QDir::Dirs | QDir::NoDotAndDotDot))
-        if (QFileInfo::exists(dir.filePath(folder + QLatin1Char('/') + QLatin1String(SequenceFiles::kClickInfo))))
+    for (const QString& folder : dir.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+        if (QFileInfo::exists(dir.filePath(folder + QLatin1Char('/') + QLatin1String(SequenceFiles::kClickInfo)))) {
             folders.append(folder);
+        }
+    }
     std::sort(folders.begin(), folders.end(), numberAwareLess);
     return folders;
 }
@@ -237,8 +256,9 @@ void CORVSequenceDataset::setSequenceID(const QString& strId)
 
 bool CORVSequenceDataset::addDataset(CORVDataset* pDataset)
 {
-    if (pDataset == nullptr || getDataset(pDataset->getClickNumber()) != nullptr)
+    if (pDataset == nullptr || getDataset(pDataset->getClickNumber()) != nullptr) {
         return false;
+    }
     m_datasets.append(QSharedPointer<CORVDataset>(pDataset));
     return true;
 }
@@ -246,26 +266,31 @@ bool CORVSequenceDataset::addDataset(CORVDataset* pDataset)
 QList<CORVDataset*> CORVSequenceDataset::getDatasets() const
 {
     QList<CORVDataset*> datasets;
-    for (const QSharedPointer<CORVDataset>& pDataset : m_datasets)
+    for (const QSharedPointer<CORVDataset>& pDataset : m_datasets) {
         datasets.append(pDataset.data());
+    }
     return datasets;
 }
 
 CORVDataset* CORVSequenceDataset::getDataset(const QString& strClickNumber) const
 {
-    for (const QSharedPointer<CORVDataset>& pDataset : m_datasets)
-        if (pDataset->getClickNumber() == strClickNumber)
+    for (const QSharedPointer<CORVDataset>& pDataset : m_datasets) {
+        if (pDataset->getClickNumber() == strClickNumber) {
             return pDataset.data();
+        }
+    }
     return nullptr;
 }
 
 CILImage* CORVSequenceDataset::getEquivalentImageFromSequence(CORVDataset* pDataset, tag_eimagetype eType) const
 {
     for (const QSharedPointer<CORVDataset>& pOther : m_datasets) {
-        if (pOther.data() == pDataset)
+        if (pOther.data() == pDataset) {
             continue;
-        if (CILImage* pImage = pOther->getCoreImage(eType))
+        }
+        if (CILImage* pImage = pOther->getCoreImage(eType)) {
             return pImage;
+        }
     }
     return nullptr;
 }
@@ -292,8 +317,9 @@ bool CORVSequenceDataset::isCherenkovIsotopeInData(QString& strIsotope) const
     strIsotope.clear();
     for (const QSharedPointer<CORVDataset>& pDataset : m_datasets) {
         const QString isotope = clickText(pDataset->clickInfo, ClickKeys::kLuminescentImage, ClickKeys::kIsotope);
-        if (!isotope.isEmpty() && CORVDatabase::isCherenkovIsotope(isotope, &strIsotope))
+        if (!isotope.isEmpty() && CORVDatabase::isCherenkovIsotope(isotope, &strIsotope)) {
             return true;
+        }
     }
     return false;
 }
@@ -307,8 +333,9 @@ bool CORVSequenceDataset::calculateDecayCorrectFactor_CherenkovData(const QVecto
         const CORVDataset* pDataset = getDataset(clickNumber);
         Exposure exposure;
         if (pDataset == nullptr || !pDataset->getExposureStart(&exposure.start) ||
-            !pDataset->getExposureTime(&exposure.length))
+            !pDataset->getExposureTime(&exposure.length)) {
             return false;
+        }
         exposures.append(exposure);
     }
     return decayCorrectionFactors(exposures, dHalfLifeSec, factors);

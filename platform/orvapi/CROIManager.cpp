@@ -38,18 +38,21 @@ QString CROIManager::freeName(const QString& strName) const
 bool CROIManager::addRegion(const tagROIInfo& region, QString* pError)
 {
     QString reason = ROISection::reasonAgainstName(region.name);
-    if (!reason.isEmpty())
+    if (!reason.isEmpty()) {
         reason.prepend(QStringLiteral("the name "));
-    else if (isTaken(region.name))
+    } else if (isTaken(region.name)) {
         reason = QStringLiteral("there is a region \"%1\" already").arg(region.name);
-    else if (m_regions.size() >= ROISection::kMaximumRegions)
+    } else if (m_regions.size() >= ROISection::kMaximumRegions) {
         reason = QStringLiteral("a dataset has %1 regions at most").arg(ROISection::kMaximumRegions);
-    else
+    } else {
         reason = ROIShape::reasonAgainst(region);
-    if (pError != nullptr && !reason.isEmpty())
+    }
+    if (pError != nullptr && !reason.isEmpty()) {
         *pError = reason;
-    if (reason.isEmpty())
+    }
+    if (reason.isEmpty()) {
         m_regions.append(region);
+    }
     return reason.isEmpty();
 }
 
@@ -57,23 +60,27 @@ bool CROIManager::removeRegion(const QString& strName)
 {
     const auto found = std::find_if(m_regions.begin(), m_regions.end(),
                                     [&](const tagROIInfo& region) { return region.name == strName; });
-    if (found == m_regions.end())
+    if (found == m_regions.end()) {
         return false;
+    }
     m_regions.erase(found);
     return true;
 }
 
 ESTATUS CROIManager::measure(tag_edisplayunit eUnit)
 {
-    if (m_pDataset == nullptr)
+    if (m_pDataset == nullptr) {
         return ESTATUS_IMAGE_MISSING;
+    }
     CILImage image;
     const ESTATUS status = m_pDataset->getCalibratedLuminImage(eUnit, &image, QStringLiteral("CROIManager"));
-    if (status != ESTATUS_SUCCESS)
+    if (status != ESTATUS_SUCCESS) {
         return status;
+    }
     const std::optional<double> pixelSize = pixelSizeOf(m_pDataset->clickInfo);
-    for (tagROIInfo& region : m_regions)
+    for (tagROIInfo& region : m_regions) {
         region.statistics = measureROI(region, image, displayUnitText(eUnit), pixelSize);
+    }
     return ESTATUS_SUCCESS;
 }
 
@@ -81,8 +88,9 @@ bool CROIManager::loadROIData(const QString& strKey, const QString& strValue)
 {
     m_created.clear();
     m_createdList.clear();
-    if (!ROISection::regionNumber(strKey))
+    if (!ROISection::regionNumber(strKey)) {
         return false;
+    }
     m_loaded.append({strKey, strValue});
     return true;
 }
@@ -102,11 +110,13 @@ const QList<tagROIInfo*>* CROIManager::getCreatedROIInfoList()
 
 ESTATUS CROIManager::createROIFromFile(const QList<tagROIInfo*>* pInfos, bool bReplace, bool bStatistics)
 {
-    if (pInfos == nullptr)
+    if (pInfos == nullptr) {
         return ESTATUS_INVALID_ARGUMENT;
+    }
     m_messages.clear();
-    if (bReplace)
+    if (bReplace) {
         m_regions.clear();
+    }
     for (const tagROIInfo* pInfo : *pInfos) {
         if (pInfo == nullptr) {
             m_messages.append(QStringLiteral("a region is missing"));
@@ -114,11 +124,13 @@ ESTATUS CROIManager::createROIFromFile(const QList<tagROIInfo*>* pInfos, bool bR
         }
         tagROIInfo region = *pInfo;
         region.name = freeName(region.name);
-        if (!bStatistics)
+        if (!bStatistics) {
             region.statistics = tagROIStatistics();
+        }
         QString reason;
-        if (!addRegion(region, &reason))
+        if (!addRegion(region, &reason)) {
             m_messages.append(QStringLiteral("the region \"%1\" is left out: %2").arg(region.name, reason));
+        }
     }
     return m_messages.isEmpty() ? ESTATUS_SUCCESS : ESTATUS_FAILURE;
 }
@@ -127,10 +139,12 @@ void CROIManager::readROIData(const CPLClickInfo& info)
 {
     clearAllLists();
     const CPLSection* pSection = info[sectionKey()];
-    if (pSection == nullptr)
+    if (pSection == nullptr) {
         return;
-    for (const auto& entry : ROISection::entriesOf(*pSection))
+    }
+    for (const auto& entry : ROISection::entriesOf(*pSection)) {
         loadROIData(entry.first, entry.second);
+    }
     getCreatedROIInfoList();
     const QStringList ofReading = m_messages;
     createROIFromFile(&m_createdList, true, true);
@@ -140,8 +154,9 @@ void CROIManager::readROIData(const CPLClickInfo& info)
 
 ESTATUS CROIManager::saveROIData(CPLClickInfo* pInfo) const
 {
-    if (pInfo == nullptr)
+    if (pInfo == nullptr) {
         return ESTATUS_INVALID_ARGUMENT;
+    }
     CPLSection* pOld = (*pInfo)[sectionKey()];
     ROISection::Entries kept;
     QSet<int> taken;
@@ -150,29 +165,33 @@ ESTATUS CROIManager::saveROIData(CPLClickInfo* pInfo) const
         const QSet<int> readable = ROISection::read(entries).numbers;
         for (const auto& entry : entries) {
             const std::optional<int> number = ROISection::regionNumber(entry.first);
-            if (number && readable.contains(*number))
+            if (number && readable.contains(*number)) {
                 continue;
+            }
             kept.append(entry);
-            if (number)
+            if (number) {
                 taken.insert(*number);
+            }
         }
     }
     CPLSection section(sectionKey(), QStringLiteral("Regions of interest"));
     int number = 0;
     for (const tagROIInfo& region : m_regions) {
-        do
+        do {
             ++number;
-        while (taken.contains(number));
+        } while (taken.contains(number));
         ROISection::write(region, number, section);
     }
-    for (const auto& entry : kept)
+    for (const auto& entry : kept) {
         section.addKeyValue(entry.first, entry.second);
-    if (section.count() == 0)
+    }
+    if (section.count() == 0) {
         pInfo->removeSection(sectionKey());
-    else if (pOld != nullptr)
+    } else if (pOld != nullptr) {
         *pOld = section;
-    else
+    } else {
         pInfo->addSection(&section);
+    }
     return ESTATUS_SUCCESS;
 }
 

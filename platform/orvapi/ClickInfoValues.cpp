@@ -24,8 +24,9 @@ void tellWrongNumber(const CPLSection& section, const QString& strSection, const
 {
     const QString key = QString::fromLatin1(pKey);
     QString text;
-    if (section.getValue(key, &text) == 0 && !text.trimmed().isEmpty() && !isNumber(section, pKey))
+    if (section.getValue(key, &text) == 0 && !text.trimmed().isEmpty() && !isNumber(section, pKey)) {
         wrong.append(QStringLiteral("section \"%1\": \"%2\" is \"%3\", which is no number").arg(strSection, key, text));
+    }
 }
 
 } // namespace
@@ -34,8 +35,9 @@ QString clickText(const CPLClickInfo& info, const char* pSection, const char* pK
 {
     QString text;
     const CPLSection* pFound = sectionOf(info, QString::fromLatin1(pSection));
-    if (pFound != nullptr)
+    if (pFound != nullptr) {
         pFound->getValue(QString::fromLatin1(pKey), &text);
+    }
     return text.trimmed();
 }
 
@@ -44,11 +46,13 @@ std::optional<double> clickNumberValue(const CPLClickInfo& info, const QStringLi
     const QString key = QString::fromLatin1(pKey);
     for (const QString& name : sections) {
         const CPLSection* pSection = sectionOf(info, name);
-        if (pSection == nullptr || !pSection->isKeyPresent(key))
+        if (pSection == nullptr || !pSection->isKeyPresent(key)) {
             continue;
+        }
         double value = 0.0;
-        if (pSection->getValue(key, &value) == 0 && std::isfinite(value))
+        if (pSection->getValue(key, &value) == 0 && std::isfinite(value)) {
             return value;
+        }
         return std::nullopt;
     }
     return std::nullopt;
@@ -57,10 +61,12 @@ std::optional<double> clickNumberValue(const CPLClickInfo& info, const QStringLi
 std::optional<bool> parseFlag(const QString& strText)
 {
     const QString text = strText.trimmed().toLower();
-    if (text == QLatin1String("1") || text == QLatin1String("yes") || text == QLatin1String("true"))
+    if (text == QLatin1String("1") || text == QLatin1String("yes") || text == QLatin1String("true")) {
         return true;
-    if (text == QLatin1String("0") || text == QLatin1String("no") || text == QLatin1String("false"))
+    }
+    if (text == QLatin1String("0") || text == QLatin1String("no") || text == QLatin1String("false")) {
         return false;
+    }
     return std::nullopt;
 }
 
@@ -75,17 +81,22 @@ QStringList wrongNumbers(const CPLClickInfo& info)
     QStringList wrong;
     for (const tag_eimagetype type : allImageTypes()) {
         const QString name = imageSection(type);
-        if (const CPLSection* pSection = sectionOf(info, name))
+        if (const CPLSection* pSection = sectionOf(info, name)) {
             for (const char* pKey :
-                 {kExposureTime, kBinning, kFNumber, kReadBiasLevel, kExcitationIrradiance, kReferenceRadiance})
+                 {kExposureTime, kBinning, kFNumber, kReadBiasLevel, kExcitationIrradiance, kReferenceRadiance}) {
                 tellWrongNumber(*pSection, name, pKey, wrong);
+            }
+        }
     }
     const QString camera = QString::fromLatin1(kCameraSystemInfo);
-    if (const CPLSection* pSection = sectionOf(info, camera))
-        for (const char* pKey : {kPhotonsPerCount, kPixelSize, kLensSolidAngle})
+    if (const CPLSection* pSection = sectionOf(info, camera)) {
+        for (const char* pKey : {kPhotonsPerCount, kPixelSize, kLensSolidAngle}) {
             tellWrongNumber(*pSection, camera, pKey, wrong);
+        }
+    }
     const QString click = QString::fromLatin1(kClickNumber);
-    if (const CPLSection* pSection = sectionOf(info, click))
+    if (const CPLSection* pSection = sectionOf(info, click)) {
         tellWrongNumber(*pSection, click, kKyVoTime, wrong);
+    }
     return wrong;
 }

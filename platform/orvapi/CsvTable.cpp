@@ -18,14 +18,16 @@ constexpr int mibUtf8 = 106;
 // The text with LF alone for ends of line. What is not UTF-8 is read as Latin-1, with the line where that begins in *pLine, else 0.
 QString decode(QByteArray bytes, int* pLine)
 {
-    if (bytes.startsWith("\xEF\xBB\xBF"))
+    if (bytes.startsWith("\xEF\xBB\xBF")) {
         bytes.remove(0, 3);
+    }
     bytes.replace("\r\n", "\n").replace('\r', '\n');
     QTextCodec::ConverterState state(QTextCodec::IgnoreHeader);
     const QString text = QTextCodec::codecForMib(mibUtf8)->toUnicode(bytes.constData(), bytes.size(), &state);
     *pLine = 0;
-    if (state.invalidChars == 0 && state.remainingChars == 0)
+    if (state.invalidChars == 0 && state.remainingChars == 0) {
         return text;
+    }
     const int bad = text.indexOf(QChar::ReplacementCharacter);
     *pLine = text.leftRef(bad).count(QLatin1Char('\n')) + 1;
     return QString::fromLatin1(bytes);
@@ -34,8 +36,9 @@ QString decode(QByteArray bytes, int* pLine)
 QStringList cellsOf(const QString& strLine)
 {
     QStringList cells = strLine.split(QLatin1Char(','));
-    for (QString& cell : cells)
+    for (QString& cell : cells) {
         cell = cell.trimmed();
+    }
     return cells;
 }
 
@@ -63,15 +66,17 @@ bool readCsvTable(const QString& strFile, CsvTable* pTable, QStringList& problem
         return false;
     }
     const QString text = decode(bytes, &number);
-    if (number > 0)
+    if (number > 0) {
         problems.append(pTable->problem(number, QStringLiteral("not UTF-8, read as Latin-1")));
+    }
     const QVector<QStringRef> lines = text.splitRef(QLatin1Char('\n'));
     number = 0;
     for (const QStringRef& raw : lines) {
         ++number;
         const QString line = raw.trimmed().toString();
-        if (line.isEmpty() || line.startsWith(QLatin1Char('#')))
+        if (line.isEmpty() || line.startsWith(QLatin1Char('#'))) {
             continue;
+        }
         const bool wide = pTable->header.isEmpty() && line.count(QLatin1Char(',')) >= maxColumns;
         if (wide || pTable->rows.size() >= maxRows) {
             problems.append(pTable->problem(number, wide ? QStringLiteral("more than %1 columns").arg(maxColumns)
@@ -79,16 +84,18 @@ bool readCsvTable(const QString& strFile, CsvTable* pTable, QStringList& problem
             return false;
         }
         const QStringList cells = cellsOf(line);
-        if (pTable->header.isEmpty())
+        if (pTable->header.isEmpty()) {
             pTable->header = cells;
-        else if (cells.size() == pTable->header.size())
+        } else if (cells.size() == pTable->header.size()) {
             pTable->rows.append({number, cells});
-        else
+        } else {
             problems.append(pTable->problem(
                 number, QStringLiteral("%1 cells where %2 belong").arg(cells.size()).arg(pTable->header.size())));
+        }
     }
-    if (pTable->header.isEmpty())
+    if (pTable->header.isEmpty()) {
         problems.append(QStringLiteral("%1: holds no table").arg(strFile));
+    }
     return !pTable->header.isEmpty();
 }
 

@@ -27,8 +27,9 @@ void copyBytes(QFile& from, QFile& to)
 {
     while (!from.atEnd() && from.error() == QFileDevice::NoError) {
         const QByteArray block = from.read(kBlockBytes);
-        if (block.isEmpty() || to.write(block) != block.size())
+        if (block.isEmpty() || to.write(block) != block.size()) {
             return;
+        }
     }
     to.flush(); // what is still in a buffer may not fit either
 }
@@ -38,8 +39,9 @@ void copyBytes(QFile& from, QFile& to)
 ESTATUS DatasetFolder::unwritable(const QString& strReason, QString* pReason) const
 {
     *pReason = strReason;
-    if (!m_folder.path().isEmpty())
+    if (!m_folder.path().isEmpty()) {
         pReason->replace(m_folder.path(), m_folder.target() + QLatin1Char('/'));
+    }
     return ESTATUS_FILE_UNWRITABLE;
 }
 
@@ -47,8 +49,9 @@ ESTATUS DatasetFolder::begin(const QString& strTarget, const QString& strOwn, QS
 {
     const QString target = QDir::cleanPath(QFileInfo(strTarget).absoluteFilePath());
     m_bOwn = !strOwn.isEmpty() && target == QDir::cleanPath(strOwn);
-    if (!m_bOwn && holdsFolders(target))
+    if (!m_bOwn && holdsFolders(target)) {
         return unwritable(QStringLiteral("%1: holds folders; it is not replaced").arg(target), pReason);
+    }
     QString reason;
     return m_folder.begin(target, true, QString::fromLatin1(SequenceFiles::kClickInfo), &reason)
                ? ESTATUS_SUCCESS
@@ -73,14 +76,16 @@ ESTATUS DatasetFolder::addFile(const QString& strPath, const QString& strName, Q
         return ESTATUS_FILE_UNREADABLE;
     }
     QFile to(m_folder.path() + strName);
-    if (to.open(QIODevice::WriteOnly))
+    if (to.open(QIODevice::WriteOnly)) {
         copyBytes(from, to);
+    }
     if (from.error() != QFileDevice::NoError) {
         *pReason = QStringLiteral("%1: cannot be read: %2").arg(strPath, from.errorString());
         return ESTATUS_FILE_UNREADABLE;
     }
-    if (to.error() != QFileDevice::NoError || to.size() != from.size())
+    if (to.error() != QFileDevice::NoError || to.size() != from.size()) {
         return unwritable(QStringLiteral("%1: cannot be written: %2").arg(to.fileName(), to.errorString()), pReason);
+    }
     return ESTATUS_SUCCESS;
 }
 
@@ -91,28 +96,33 @@ ESTATUS DatasetFolder::addClickInfo(const QString& strName, const CPLClickInfo& 
     const QByteArray text = info.toText();
     QString reason;
     // What could not be read back is not written.
-    if (text.size() > SectionText::maximumBytes || text.count('\n') > SectionText::maximumLines)
+    if (text.size() > SectionText::maximumBytes || text.count('\n') > SectionText::maximumLines) {
         return unwritable(QStringLiteral("%1: not written: too many keys").arg(path), pReason);
+    }
     return orv::writeFileAtomically(path, text, &reason) ? ESTATUS_SUCCESS : unwritable(reason, pReason);
 }
 
 ESTATUS DatasetFolder::keepOtherFiles(QString* pReason)
 {
-    if (!m_bOwn)
+    if (!m_bOwn) {
         return ESTATUS_SUCCESS;
+    }
     const QDir own(target());
     const QSet<QString> added = m_added;
     QDirIterator files(target(), QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
     while (files.hasNext()) {
         const QString path = files.next();
         const QString name = own.relativeFilePath(path);
-        if (added.contains(name.toLower()))
+        if (added.contains(name.toLower())) {
             continue;
-        if (!QDir(m_folder.path()).mkpath(QFileInfo(name).path()))
+        }
+        if (!QDir(m_folder.path()).mkpath(QFileInfo(name).path())) {
             return unwritable(QStringLiteral("%1: cannot be made").arg(QFileInfo(path).path()), pReason);
+        }
         const ESTATUS status = addFile(path, name, pReason);
-        if (status != ESTATUS_SUCCESS)
+        if (status != ESTATUS_SUCCESS) {
             return status;
+        }
     }
     return ESTATUS_SUCCESS;
 }

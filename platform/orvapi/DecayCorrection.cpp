@@ -7,13 +7,15 @@
 bool decayCorrectionFactors(const QVector<Exposure>& exposures, double dHalfLifeSec, QVector<double>& factors)
 {
     factors.clear();
-    if (!(dHalfLifeSec > 0.0))
+    if (!(dHalfLifeSec > 0.0)) {
         return false;
+    }
     double earliest = 0.0;
     for (int i = 0; i < exposures.size(); ++i) {
         const Exposure& exposure = exposures.at(i);
-        if (!std::isfinite(exposure.start) || !std::isfinite(exposure.length) || !(exposure.length > 0.0))
+        if (!std::isfinite(exposure.start) || !std::isfinite(exposure.length) || !(exposure.length > 0.0)) {
             return false;
+        }
         earliest = i == 0 ? exposure.start : std::min(earliest, exposure.start);
     }
     const double rate = std::log(2.0) / dHalfLifeSec;
@@ -24,8 +26,9 @@ bool decayCorrectionFactors(const QVector<Exposure>& exposures, double dHalfLife
         // x / (1 - exp(-x)), without loss of digits for a small x; 1 at 0.
         const double duringExposure = x > 0.0 ? x / -std::expm1(-x) : 1.0;
         const double factor = std::exp(rate * (exposure.start - earliest)) * duringExposure;
-        if (!std::isfinite(factor))
+        if (!std::isfinite(factor)) {
             return false;
+        }
         result.append(factor);
     }
     factors = result;

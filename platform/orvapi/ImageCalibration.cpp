@@ -22,10 +22,11 @@ bool positiveFigure(const CPLClickInfo& info, const QStringList& sections, const
         *pValue = *value;
         return true;
     }
-    if (pReason != nullptr)
+    if (pReason != nullptr) {
         *pReason = QStringLiteral("section \"%1\": \"%2\" %3")
                        .arg(sections.first(), QString::fromLatin1(pKey),
                             value ? QStringLiteral("is not above 0") : QStringLiteral("is missing or no number"));
+    }
     return false;
 }
 
@@ -35,15 +36,18 @@ double imageBias(const CPLClickInfo& info, tag_eimagetype eType)
 {
     // What is stored in a unit, counts included, has been calibrated: no bias is left on it.
     const bool dataImage = eType == IMAGETYPE_LUMINESCENT || eType == IMAGETYPE_MAIN_DATA;
-    if (dataImage && !clickText(info, ClickKeys::kLuminescentImage, ClickKeys::kStoredUnit).isEmpty())
+    if (dataImage && !clickText(info, ClickKeys::kLuminescentImage, ClickKeys::kStoredUnit).isEmpty()) {
         return 0.0;
+    }
     for (const QString& section : acquisitionSections(eType)) {
         const std::optional<bool> corrected =
             clickFlag(info, section.toLatin1().constData(), ClickKeys::kBackgroundCorrected);
-        if (corrected && *corrected)
+        if (corrected && *corrected) {
             return 0.0;
-        if (corrected)
+        }
+        if (corrected) {
             break;
+        }
     }
     return clickNumberValue(info, acquisitionSections(eType), ClickKeys::kReadBiasLevel).value_or(0.0);
 }
@@ -59,8 +63,9 @@ bool radianceOfCount(const CPLClickInfo& info, tag_eimagetype eType, std::option
 {
     const QStringList own = acquisitionSections(eType);
     QStringList lens = own;
-    if (eType == IMAGETYPE_FLUORESCENT_REFERENCE)
+    if (eType == IMAGETYPE_FLUORESCENT_REFERENCE) {
         lens.append(imageSection(IMAGETYPE_LUMINESCENT));
+    }
     const QStringList camera{QString::fromLatin1(ClickKeys::kCameraSystemInfo)};
     double photons = 0.0;
     double exposure = 0.0;
@@ -73,28 +78,33 @@ bool radianceOfCount(const CPLClickInfo& info, tag_eimagetype eType, std::option
         !positiveFigure(info, camera, ClickKeys::kPixelSize, &pixelSize, pReason) ||
         (!ownBinning && !positiveFigure(info, own, ClickKeys::kBinning, &binning, pReason)) ||
         !positiveFigure(info, camera, ClickKeys::kLensSolidAngle, &solidAngle, pReason) ||
-        !positiveFigure(info, lens, ClickKeys::kFNumber, &fNumber, pReason))
+        !positiveFigure(info, lens, ClickKeys::kFNumber, &fNumber, pReason)) {
         return false;
+    }
     const double side = pixelSize * binning;
     const double factor = photons / (exposure * side * side * solidAngle / (fNumber * fNumber));
     if (!std::isfinite(factor) || factor <= 0.0 || binning > kCoarsestBinning) {
-        if (pReason != nullptr)
+        if (pReason != nullptr) {
             *pReason = QStringLiteral("the calibration figures give no usable factor");
+        }
         return false;
     }
-    if (pFactor != nullptr)
+    if (pFactor != nullptr) {
         *pFactor = factor;
+    }
     return true;
 }
 
 bool applyCalibration(CILImage& image, double bias, double factor)
 {
-    if (image.isEmpty() || image.ChangeType(ORVTYPE_FLOAT) != EIL_SUCCESS)
+    if (image.isEmpty() || image.ChangeType(ORVTYPE_FLOAT) != EIL_SUCCESS) {
         return false;
+    }
     float* pPixels = image.floats();
     const std::size_t count = image.pixelCount();
-    for (std::size_t i = 0; i < count; ++i)
+    for (std::size_t i = 0; i < count; ++i) {
         pPixels[i] = static_cast<float>((static_cast<double>(pPixels[i]) - bias) * factor);
+    }
     image.RefreshImageStats();
     return true;
 }

@@ -27,9 +27,11 @@ constexpr ImageName kNames[] = {
 
 const ImageName* nameOf(tag_eimagetype eType)
 {
-    for (const ImageName& name : kNames)
-        if (name.type == eType)
+    for (const ImageName& name : kNames) {
+        if (name.type == eType) {
             return &name;
+        }
+    }
     return nullptr;
 }
 
@@ -38,8 +40,9 @@ const ImageName* nameOf(tag_eimagetype eType)
 QList<tag_eimagetype> allImageTypes()
 {
     QList<tag_eimagetype> types;
-    for (const ImageName& name : kNames)
+    for (const ImageName& name : kNames) {
         types.append(name.type);
+    }
     return types;
 }
 
@@ -48,8 +51,9 @@ QStringList imageFileNames(tag_eimagetype eType)
     QStringList files;
     if (const ImageName* pName = nameOf(eType)) {
         files.append(QString::fromLatin1(pName->file));
-        if (pName->otherFile != nullptr)
+        if (pName->otherFile != nullptr) {
             files.append(QString::fromLatin1(pName->otherFile));
+        }
     }
     return files;
 }
@@ -63,7 +67,8 @@ QString imageSection(tag_eimagetype eType)
 QStringList acquisitionSections(tag_eimagetype eType)
 {
     QStringList sections{imageSection(eType)};
-    if (eType == IMAGETYPE_MAIN_DATA)
+    if (eType == IMAGETYPE_MAIN_DATA) {
         sections.append(imageSection(IMAGETYPE_LUMINESCENT));
+    }
     return sections;
 }

@@ -42,8 +42,9 @@ std::optional<KeyParts> partsOf(const QString& strKey)
                                             QRegularExpression::CaseInsensitiveOption |
                                                 QRegularExpression::DotMatchesEverythingOption);
     const QRegularExpressionMatch match = pattern.match(strKey);
-    if (!match.hasMatch())
+    if (!match.hasMatch()) {
         return std::nullopt;
+    }
     return KeyParts{match.captured(1).toInt(), match.captured(2).trimmed()};
 }
 
@@ -119,37 +120,42 @@ bool RegionReader::read(tagROIInfo* pRegion)
         m_seen.insert(field);
         readEntry(entry.first, entry.second);
     }
-    if (!m_seen.contains(QStringLiteral("shape")))
+    if (!m_seen.contains(QStringLiteral("shape"))) {
         tell(QStringLiteral("Shape"), QStringLiteral("is missing, the region is left out"));
-    if (!m_bHasShape)
+    }
+    if (!m_bHasShape) {
         return false;
+    }
     settleName();
     // Numbers without a count of pixels were not written by a measurement.
-    if (!m_region.statistics.isMeasured())
+    if (!m_region.statistics.isMeasured()) {
         m_region.statistics = tagROIStatistics();
+    }
     *pRegion = m_region;
     return true;
 }
 
 void RegionReader::readEntry(const QString& strField, const QString& strValue)
 {
-    if (isField(strField, "Name"))
+    if (isField(strField, "Name")) {
         m_region.name = strValue.trimmed();
-    else if (isField(strField, "Shape"))
+    } else if (isField(strField, "Shape")) {
         m_bHasShape = readShape(strField, strValue);
-    else if (readStatistics(strField, strValue))
+    } else if (readStatistics(strField, strValue)) {
         return;
-    else if (canEndAnElementName(strField))
+    } else if (canEndAnElementName(strField)) {
         m_region.extra.append({strField, strValue});
-    else
+    } else {
         tell(strField, QStringLiteral("cannot name an element, the entry is left out"));
+    }
 }
 
 bool RegionReader::readShape(const QString& strField, const QString& strValue)
 {
     QString reason;
-    if (ROIShape::fromText(strValue, &m_region, &reason))
+    if (ROIShape::fromText(strValue, &m_region, &reason)) {
         return true;
+    }
     tell(strField, QStringLiteral("is \"%1\": %2; the region is left out").arg(shown(strValue), reason));
     return false;
 }
@@ -170,14 +176,16 @@ bool RegionReader::readStatistics(const QString& strField, const QString& strVal
         return true;
     }
     for (const NumberField& number : kNumbers) {
-        if (!isField(strField, number.name))
+        if (!isField(strField, number.name)) {
             continue;
+        }
         bool ok = false;
         const double value = strValue.trimmed().toDouble(&ok);
-        if (ok && std::isfinite(value))
+        if (ok && std::isfinite(value)) {
             statistics.*number.member = value;
-        else
+        } else {
             tell(strField, QStringLiteral("is \"%1\", which is no number").arg(shown(strValue)));
+        }
         return true;
     }
     return false;
@@ -187,18 +195,20 @@ void RegionReader::readCount(const QString& strField, const QString& strValue, q
 {
     bool ok = false;
     const qint64 count = strValue.trimmed().toLongLong(&ok);
-    if (ok && count >= 0)
+    if (ok && count >= 0) {
         *pCount = count;
-    else
+    } else {
         tell(strField, QStringLiteral("is \"%1\", which is no number of pixels").arg(shown(strValue)));
+    }
 }
 
 void RegionReader::settleName()
 {
     const QString fallback = QStringLiteral("ROI %1").arg(m_nNumber);
     const QString reason = reasonAgainstName(m_region.name);
-    if (reason.isEmpty())
+    if (reason.isEmpty()) {
         return;
+    }
     tell(QStringLiteral("Name"), QStringLiteral("%1, the region is called \"%2\"")
                                      .arg(m_region.name.isEmpty() ? QStringLiteral("is missing") : reason, fallback));
     m_region.name = fallback;
@@ -211,9 +221,10 @@ void settleNames(Reading& reading)
     for (tagROIInfo& region : reading.regions) {
         const QString name =
             freeName(region.name, [&names](const QString& strName) { return names.contains(strName); });
-        if (name != region.name)
+        if (name != region.name) {
             reading.messages.append(
                 QStringLiteral("two regions are called \"%1\", the later becomes \"%2\"").arg(region.name, name));
+        }
         region.name = name;
         names.insert(name);
     }
@@ -222,8 +233,9 @@ void settleNames(Reading& reading)
 void limitMessages(QStringList& messages)
 {
     const int more = messages.size() - kMaximumMessages;
-    if (more <= 0)
+    if (more <= 0) {
         return;
+    }
     messages = messages.mid(0, kMaximumMessages);
     messages.append(QStringLiteral("%1 more messages on regions of interest").arg(more));
 }
@@ -233,9 +245,11 @@ void limitMessages(QStringList& messages)
 Reading read(const Entries& entries)
 {
     QMap<int, Entries> groups;
-    for (const auto& entry : entries)
-        if (const std::optional<KeyParts> parts = partsOf(entry.first))
+    for (const auto& entry : entries) {
+        if (const std::optional<KeyParts> parts = partsOf(entry.first)) {
             groups[parts->number].append({parts->field, entry.second});
+        }
+    }
     Reading reading;
     for (auto group = groups.cbegin(); group != groups.cend(); ++group) {
         if (reading.regions.size() == kMaximumRegions) {
@@ -243,8 +257,9 @@ Reading read(const Entries& entries)
             break;
         }
         tagROIInfo region;
-        if (!RegionReader(group.key(), group.value(), &reading.messages).read(&region))
+        if (!RegionReader(group.key(), group.value(), &reading.messages).read(&region)) {
             continue;
+        }
         reading.regions.append(region);
         reading.numbers.insert(group.key());
     }
@@ -260,8 +275,9 @@ Entries entriesOf(const CPLSection& section)
     section.getKeyList(&keys);
     section.getValueList(&values);
     Entries entries;
-    for (int i = 0; i < keys.size(); ++i)
+    for (int i = 0; i < keys.size(); ++i) {
         entries.append({keys[i], values[i]});
+    }
     return entries;
 }
 
@@ -283,27 +299,34 @@ void write(const tagROIInfo& region, int nNumber, CPLSection& section)
         add(QStringLiteral("Unit"), statistics.unit);
         add(QStringLiteral("Pixels"), QString::number(statistics.pixels));
         add(QStringLiteral("Invalid Pixels"), QString::number(statistics.invalidPixels));
-        for (const NumberField& number : kNumbers)
-            if (std::isfinite(statistics.*number.member))
+        for (const NumberField& number : kNumbers) {
+            if (std::isfinite(statistics.*number.member)) {
                 add(QLatin1String(number.name), numberText(statistics.*number.member));
+            }
+        }
     }
-    for (const auto& entry : region.extra)
+    for (const auto& entry : region.extra) {
         add(entry.first, entry.second);
+    }
 }
 
 QString reasonAgainstName(const QString& strName)
 {
-    if (strName.trimmed().isEmpty())
+    if (strName.trimmed().isEmpty()) {
         return QStringLiteral("is empty");
-    if (strName != strName.trimmed())
+    }
+    if (strName != strName.trimmed()) {
         return QStringLiteral("has blanks at an end");
-    if (strName.size() > kLongestName)
+    }
+    if (strName.size() > kLongestName) {
         return QStringLiteral("is longer than %1 characters").arg(kLongestName);
+    }
     const auto unfit = [](QChar c) {
         return c.category() == QChar::Other_Control || c.unicode() == 0xfffe || c.unicode() == 0xffff;
     };
-    if (!strName.isValidUtf16() || std::any_of(strName.begin(), strName.end(), unfit))
+    if (!strName.isValidUtf16() || std::any_of(strName.begin(), strName.end(), unfit)) {
         return QStringLiteral("has characters that cannot be shown");
+    }
     return QString();
 }
 

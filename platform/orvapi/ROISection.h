@@ -50,8 +50,9 @@ template <typename Predicate>
 QString freeName(const QString& strName, Predicate&& isTaken)
 {
     QString name = strName;
-    for (int number = 2; isTaken(name); ++number)
+    for (int number = 2; isTaken(name); ++number) {
         name = strName + QLatin1Char(' ') + QString::number(number);
+    }
     return name;
 }
 

@@ -51,8 +51,9 @@ QString kindText(tag_eroishape eShape)
 bool shapeOf(const QString& strKind, tag_eroishape* pShape)
 {
     for (const tag_eroishape shape : {ROISHAPE_RECTANGLE, ROISHAPE_ELLIPSE, ROISHAPE_POLYGON, ROISHAPE_FREEHAND}) {
-        if (strKind.compare(kindText(shape), Qt::CaseInsensitive) != 0)
+        if (strKind.compare(kindText(shape), Qt::CaseInsensitive) != 0) {
             continue;
+        }
         *pShape = shape;
         return true;
     }
@@ -95,8 +96,9 @@ bool takePoints(const std::vector<double>& numbers, tagROIInfo* pInfo, QString* 
         *pError = QStringLiteral("the last point has an x without a y");
         return false;
     }
-    for (std::size_t i = 0; i < numbers.size(); i += 2)
+    for (std::size_t i = 0; i < numbers.size(); i += 2) {
         pInfo->points.append({numbers[i], numbers[i + 1]});
+    }
     return true;
 }
 
@@ -120,19 +122,23 @@ bool liesOnALine(const QVector<Point>& points)
 
 QString reasonAgainstBox(const tagROIInfo& info)
 {
-    if (!isFit(info.x) || !isFit(info.y) || !isFit(info.width) || !isFit(info.height))
+    if (!isFit(info.x) || !isFit(info.y) || !isFit(info.width) || !isFit(info.height)) {
         return QStringLiteral("a coordinate is too large");
+    }
     return info.width > 0.0 && info.height > 0.0 ? QString() : QStringLiteral("width and height must be above 0");
 }
 
 QString reasonAgainstOutline(const tagROIInfo& info)
 {
-    if (info.points.size() < 3)
+    if (info.points.size() < 3) {
         return QStringLiteral("an outline takes three points at least");
-    if (info.points.size() > kMaximumPoints)
+    }
+    if (info.points.size() > kMaximumPoints) {
         return QStringLiteral("an outline has %1 points at most").arg(kMaximumPoints);
-    if (!std::all_of(info.points.begin(), info.points.end(), [](const Point& p) { return isFit(p.x) && isFit(p.y); }))
+    }
+    if (!std::all_of(info.points.begin(), info.points.end(), [](const Point& p) { return isFit(p.x) && isFit(p.y); })) {
         return QStringLiteral("a coordinate is too large");
+    }
     return liesOnALine(info.points) ? QStringLiteral("all points lie on a line") : QString();
 }
 
@@ -146,8 +152,9 @@ long firstPixel(double dCoordinate, double binning, long count)
 void ellipseIntervals(const tagROIInfo& info, double y, std::vector<Interval>& intervals)
 {
     const double t = (y - (info.y + 0.5 * info.height)) / (0.5 * info.height);
-    if (std::abs(t) >= 1.0)
+    if (std::abs(t) >= 1.0) {
         return;
+    }
     const double half = 0.5 * info.width * std::sqrt(1.0 - t * t);
     const double middle = info.x + 0.5 * info.width;
     intervals.push_back({middle - half, middle + half});
@@ -175,10 +182,11 @@ void outlineIntervals(const QVector<Point>& points, double y, std::vector<Crossi
     for (const Crossing& crossing : crossings) {
         const int before = winding;
         winding += crossing.direction;
-        if (before == 0)
+        if (before == 0) {
             intervals.push_back({crossing.x, crossing.x});
-        else if (winding == 0)
+        } else if (winding == 0) {
             intervals.back().right = crossing.x;
+        }
     }
 }
 
@@ -196,8 +204,9 @@ QString toText(const tagROIInfo& info)
             append(point.y);
         }
     } else {
-        for (const double number : {info.x, info.y, info.width, info.height})
+        for (const double number : {info.x, info.y, info.width, info.height}) {
             append(number);
+        }
     }
     return kindText(info.shape) + QLatin1Char(':') + texts.join(QLatin1Char(','));
 }
@@ -213,13 +222,16 @@ bool fromText(const QString& strText, tagROIInfo* pInfo, QString* pError)
     read.x = read.y = read.width = read.height = 0.0;
     read.points.clear();
     std::vector<double> numbers;
-    if (!readNumbers(strText.mid(colon + 1), &numbers, pError))
+    if (!readNumbers(strText.mid(colon + 1), &numbers, pError)) {
         return false;
-    if (!(isOutline(read) ? takePoints(numbers, &read, pError) : takeBox(numbers, &read, pError)))
+    }
+    if (!(isOutline(read) ? takePoints(numbers, &read, pError) : takeBox(numbers, &read, pError))) {
         return false;
+    }
     *pError = reasonAgainst(read);
-    if (!pError->isEmpty())
+    if (!pError->isEmpty()) {
         return false;
+    }
     *pInfo = read;
     return true;
 }
@@ -231,10 +243,12 @@ QString reasonAgainst(const tagROIInfo& info)
 
 Bounds boundsOf(const tagROIInfo& info)
 {
-    if (!isOutline(info))
+    if (!isOutline(info)) {
         return {info.x, info.y, info.x + info.width, info.y + info.height};
-    if (info.points.isEmpty())
+    }
+    if (info.points.isEmpty()) {
         return {};
+    }
     const Point& first = info.points.first();
     Bounds bounds{first.x, first.y, first.x, first.y};
     for (const Point& point : info.points) {
@@ -255,17 +269,19 @@ void visitRuns(const tagROIInfo& info, long width, long height, double binning, 
     for (long row = firstPixel(bounds.top, binning, height); row < end; ++row) {
         const double y = (static_cast<double>(row) + 0.5) * binning;
         intervals.clear();
-        if (isOutline(info))
+        if (isOutline(info)) {
             outlineIntervals(info.points, y, crossings, intervals);
-        else if (info.shape == ROISHAPE_ELLIPSE)
+        } else if (info.shape == ROISHAPE_ELLIPSE) {
             ellipseIntervals(info, y, intervals);
-        else
+        } else {
             intervals.push_back({bounds.left, bounds.right});
+        }
         for (const Interval& interval : intervals) {
             const long first = firstPixel(interval.left, binning, width);
             const long last = firstPixel(interval.right, binning, width);
-            if (first < last)
+            if (first < last) {
                 visit(row, first, last);
+            }
         }
     }
 }

@@ -17,8 +17,9 @@ template <typename Visitor>
 void visitValues(const tagROIInfo& region, const CILImage& image, double binning, Visitor&& visit)
 {
     ROIShape::visitRuns(region, image.m_lWidth, image.m_lHeight, binning, [&](long row, long first, long end) {
-        for (long column = first; column < end; ++column)
+        for (long column = first; column < end; ++column) {
             visit(image.value(static_cast<std::size_t>(row * image.m_lWidth + column)));
+        }
     });
 }
 
@@ -44,15 +45,18 @@ tagROIStatistics measureROI(const tagROIInfo& region, const CILImage& image, con
         sum += static_cast<long double>(value);
     });
     statistics.sum = static_cast<double>(sum);
-    if (pixelSizeCm)
+    if (pixelSizeCm) {
         statistics.area = static_cast<double>(statistics.pixels) * std::pow(*pixelSizeCm * binning, 2.0);
-    if (statistics.pixels == 0)
+    }
+    if (statistics.pixels == 0) {
         return statistics;
+    }
     const long double mean = sum / static_cast<long double>(statistics.pixels);
     long double squares = 0.0L;
     visitValues(region, image, binning, [&](double value) {
-        if (std::isfinite(value))
+        if (std::isfinite(value)) {
             squares += (static_cast<long double>(value) - mean) * (static_cast<long double>(value) - mean);
+        }
     });
     statistics.mean = static_cast<double>(mean);
     statistics.deviation = static_cast<double>(std::sqrt(squares / static_cast<long double>(statistics.pixels)));

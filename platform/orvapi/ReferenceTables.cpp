@@ -20,14 +20,17 @@ bool readTable(const QString& strFile, bool bExpected, const QStringList& column
                QStringList& problems)
 {
     if (!QFileInfo::exists(strFile)) {
-        if (bExpected)
+        if (bExpected) {
             problems.append(QStringLiteral("%1: is missing").arg(strFile));
+        }
         return false;
     }
-    if (!readCsvTable(strFile, pTable, problems))
+    if (!readCsvTable(strFile, pTable, problems)) {
         return false;
-    if (pTable->header.mid(0, columns.size()) == columns)
+    }
+    if (pTable->header.mid(0, columns.size()) == columns) {
         return true;
+    }
     problems.append(QStringLiteral("%1: the columns must begin with %2").arg(strFile, columns.join(QLatin1Char(','))));
     return false;
 }
@@ -48,8 +51,9 @@ bool allNumbers(const Numbers& numbers)
 Numbers numbersOf(const CsvTable::Row& row, int nFirst)
 {
     Numbers numbers;
-    for (int i = nFirst; i < row.cells.size(); ++i)
+    for (int i = nFirst; i < row.cells.size(); ++i) {
         numbers.append(csvNumber(row.cells.at(i)));
+    }
     return numbers;
 }
 
@@ -62,9 +66,10 @@ QStringList sourceNames(const CsvTable& table, QStringList& problems)
         const QString& name = table.header.at(i);
         const bool usable = !name.isEmpty() && !taken.contains(name);
         taken.insert(name);
-        if (!usable)
+        if (!usable) {
             problems.append(
                 QStringLiteral("%1: column %2 has no name of its own (\"%3\")").arg(table.file).arg(i + 1).arg(name));
+        }
         names.append(usable ? name : QString());
     }
     return names;
@@ -75,8 +80,9 @@ void addSources(const QString& strFile, bool bExpected, QMap<QString, sSourceSpe
                 QStringList& problems)
 {
     CsvTable table;
-    if (!readTable(strFile, bExpected, {QStringLiteral("wavelength_nm")}, &table, problems))
+    if (!readTable(strFile, bExpected, {QStringLiteral("wavelength_nm")}, &table, problems)) {
         return;
+    }
     const QStringList names = sourceNames(table, problems);
     QVector<sSourceSpecFileParameters> read(names.size());
     QVector<double> wavelengths;
@@ -99,12 +105,14 @@ void addSources(const QString& strFile, bool bExpected, QMap<QString, sSourceSpe
         }
     }
     for (int i = 0; i < names.size(); ++i) {
-        if (names.at(i).isEmpty())
+        if (names.at(i).isEmpty()) {
             continue;
-        if (read.at(i).n > 0)
+        }
+        if (read.at(i).n > 0) {
             sources.insert(names.at(i), read.at(i));
-        else
+        } else {
             problems.append(QStringLiteral("%1: %2 has no figures").arg(strFile, names.at(i)));
+        }
     }
 }
 
@@ -114,8 +122,9 @@ void addSpectra(const QString& strFile, bool bExpected, const QStringList& colum
                 QStringList& problems, const std::function<void(Record&, const Numbers&)>& append)
 {
     CsvTable table;
-    if (!readTable(strFile, bExpected, columns, &table, problems))
+    if (!readTable(strFile, bExpected, columns, &table, problems)) {
         return;
+    }
     QMap<QString, Record> read;
     for (const CsvTable::Row& row : table.rows) {
         const QString name = row.cells.first();
@@ -130,8 +139,9 @@ void addSpectra(const QString& strFile, bool bExpected, const QStringList& colum
         append(record, numbers);
         ++record.n;
     }
-    for (auto it = read.cbegin(); it != read.cend(); ++it)
+    for (auto it = read.cbegin(); it != read.cend(); ++it) {
         records.insert(it.key(), it.value());
+    }
 }
 
 // Puts records into a list, each in the place of an earlier one with its name.
@@ -141,8 +151,9 @@ class ByName
 public:
     explicit ByName(QList<Record>& records) : m_records(records)
     {
-        for (int i = 0; i < records.size(); ++i)
+        for (int i = 0; i < records.size(); ++i) {
             m_places.insert(records.at(i).name.toCaseFolded(), i);
+        }
     }
 
     void put(const Record& record)
@@ -167,17 +178,19 @@ void addIsotopes(const QString& strFile, bool bExpected, QList<IsotopeRecord>& i
     CsvTable table;
     if (!readTable(strFile, bExpected,
                    {QStringLiteral("isotope"), QStringLiteral("half_life_s"), QStringLiteral("cherenkov")}, &table,
-                   problems))
+                   problems)) {
         return;
+    }
     ByName<IsotopeRecord> byName(isotopes);
     for (const CsvTable::Row& row : table.rows) {
         const std::optional<double> halfLife = csvNumber(row.cells.at(1));
         const std::optional<bool> cherenkov = parseFlag(row.cells.at(2));
-        if (row.cells.first().isEmpty() || !halfLife || *halfLife < 0.0 || !cherenkov)
+        if (row.cells.first().isEmpty() || !halfLife || *halfLife < 0.0 || !cherenkov) {
             problems.append(
                 table.problem(row.line, QStringLiteral("not a name, a half life in seconds, and yes or no")));
-        else
+        } else {
             byName.put(IsotopeRecord{row.cells.first(), *halfLife, *cherenkov});
+        }
     }
 }
 
@@ -187,8 +200,9 @@ void addProbes(const QString& strFile, bool bExpected, QList<sProbeParameters>& 
     if (!readTable(strFile, bExpected,
                    {QStringLiteral("name"), QStringLiteral("kind"), QStringLiteral("has_em"), QStringLiteral("has_ex"),
                     QStringLiteral("aliases")},
-                   &table, problems))
+                   &table, problems)) {
         return;
+    }
     ByName<sProbeParameters> byName(probes);
     for (const CsvTable::Row& row : table.rows) {
         const std::optional<bool> emission = parseFlag(row.cells.at(2));
@@ -202,8 +216,9 @@ void addProbes(const QString& strFile, bool bExpected, QList<sProbeParameters>& 
         probe.kind = row.cells.at(1);
         probe.hasEmission = *emission;
         probe.hasExcitation = *excitation;
-        for (const QString& alias : row.cells.at(4).split(QLatin1Char(';'), Qt::SkipEmptyParts))
+        for (const QString& alias : row.cells.at(4).split(QLatin1Char(';'), Qt::SkipEmptyParts)) {
             probe.aliases.append(alias.trimmed());
+        }
         byName.put(probe);
     }
 }
@@ -212,15 +227,17 @@ void addProbes(const QString& strFile, bool bExpected, QList<sProbeParameters>& 
 
 void ReferenceTables::addFolder(const QString& strFolder, bool bExpected)
 {
-    if (strFolder.isEmpty())
+    if (strFolder.isEmpty()) {
         return;
+    }
     QStringList found;
     // Of one table nobody reads more than these.
     const auto tell = [&](const char* pFile) {
         const int more = found.size() - maxProblems;
         problems += found.mid(0, maxProblems);
-        if (more > 0)
+        if (more > 0) {
             problems.append(QStringLiteral("%1%2: %3 more problems").arg(strFolder, QLatin1String(pFile)).arg(more));
+        }
         found.clear();
     };
     addSources(strFolder + QLatin1String("luminescent_sources.csv"), bExpected, luminescentSources, found);

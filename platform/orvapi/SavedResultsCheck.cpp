@@ -11,18 +11,22 @@ constexpr qint64 longestLine = 4096;
 
 bool hasEntries(const QString& strIndex)
 {
-    if (!QFileInfo::exists(strIndex))
+    if (!QFileInfo::exists(strIndex)) {
         return false;
+    }
     QFile file(strIndex);
-    if (!QFileInfo(strIndex).isFile() || !file.open(QIODevice::ReadOnly))
+    if (!QFileInfo(strIndex).isFile() || !file.open(QIODevice::ReadOnly)) {
         return true;
+    }
     while (!file.atEnd()) {
         const QByteArray line = file.readLine(longestLine);
-        if (line.isEmpty()) // cannot be read
+        if (line.isEmpty()) { // cannot be read
             return true;
+        }
         const QByteArray text = (line.startsWith("\xEF\xBB\xBF") ? line.mid(3) : line).trimmed();
-        if (!text.isEmpty() && !text.startsWith('#'))
+        if (!text.isEmpty() && !text.startsWith('#')) {
             return true;
+        }
     }
     return false;
 }
@@ -36,11 +40,12 @@ QString savedResultsAtStake(const QString& strFolder)
     places += folder.entryList({QStringLiteral("SPUM*")}, QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name);
     for (const QString& place : places) {
         const QString index = place + QStringLiteral("/SPUM.txt");
-        if (hasEntries(folder.filePath(index)))
+        if (hasEntries(folder.filePath(index))) {
             return QStringLiteral(
                        "%1 holds saved results (%2), which would be lost with it: delete them first, or choose "
                        "another folder")
                 .arg(QDir::cleanPath(folder.absolutePath()), index);
+        }
     }
     return QString();
 }

@@ -35,8 +35,9 @@ public:
     {
         const QString value = text(pSection, pKey);
         const std::optional<bool> parsed = parseFlag(value);
-        if (!parsed && !value.isEmpty())
+        if (!parsed && !value.isEmpty()) {
             warn(pSection, pKey, value, "is neither 0 nor 1");
+        }
         return parsed;
     }
 
@@ -45,10 +46,12 @@ public:
         const QString value = text(pSection, pKey);
         bool ok = false;
         const int number = value.toInt(&ok);
-        if (ok && number >= 0)
+        if (ok && number >= 0) {
             return number;
-        if (!value.isEmpty())
+        }
+        if (!value.isEmpty()) {
             warn(pSection, pKey, value, "is no whole number");
+        }
         return std::nullopt;
     }
 
@@ -58,12 +61,14 @@ public:
         const QString value = text(pSection, pKey);
         int index = 0;
         for (const char* pChoice : choices) {
-            if (value.compare(QLatin1String(pChoice), Qt::CaseInsensitive) == 0)
+            if (value.compare(QLatin1String(pChoice), Qt::CaseInsensitive) == 0) {
                 return index;
+            }
             ++index;
         }
-        if (!value.isEmpty())
+        if (!value.isEmpty()) {
             warn(pSection, pKey, value, "is not known");
+        }
         return -1;
     }
 
@@ -83,16 +88,18 @@ private:
 void readFolders(const CPLClickInfo& sections, Reader& reader, SequenceInfo* pInfo)
 {
     const CPLSection* pSection = sections[QString::fromLatin1(kDatasets)];
-    if (pSection == nullptr)
+    if (pSection == nullptr) {
         return;
+    }
     QStringList keys;
     QStringList values;
     pSection->getKeyList(&keys);
     pSection->getValueList(&values);
     QSet<QString> seen;
     for (int i = 0; i < keys.size(); ++i) {
-        if (keys.at(i) != QLatin1String(kDataset))
+        if (keys.at(i) != QLatin1String(kDataset)) {
             continue;
+        }
         const QString folder = values.at(i).trimmed();
         const QString clean = QDir::cleanPath(folder);
         if (pInfo->folders.size() >= maxDatasets) {
@@ -127,8 +134,9 @@ void addEntry(CPLSection& section, const char* pKey, const QString& strValue)
 
 bool staysBelow(const QString& strPath)
 {
-    if (strPath.isEmpty() || QDir::isAbsolutePath(strPath) || strPath.contains(QChar(0)))
+    if (strPath.isEmpty() || QDir::isAbsolutePath(strPath) || strPath.contains(QChar(0))) {
         return false;
+    }
     const QString clean = QDir::cleanPath(strPath);
     return clean != QLatin1String(".") && clean != QLatin1String("..") && !clean.startsWith(QLatin1String("../"));
 }
@@ -138,11 +146,13 @@ bool numberAwareLess(const QString& strA, const QString& strB)
     const auto isDigit = [](QChar c) { return c >= QLatin1Char('0') && c <= QLatin1Char('9'); };
     const auto digitsFrom = [&](const QString& text, int* pPlace) {
         const int begin = *pPlace;
-        while (*pPlace < text.size() && isDigit(text.at(*pPlace)))
+        while (*pPlace < text.size() && isDigit(text.at(*pPlace))) {
             ++*pPlace;
+        }
         int first = begin;
-        while (first < *pPlace && text.at(first) == QLatin1Char('0'))
+        while (first < *pPlace && text.at(first) == QLatin1Char('0')) {
             ++first;
+        }
         return text.mid(first, *pPlace - first);
     };
     int a = 0;
@@ -151,31 +161,36 @@ bool numberAwareLess(const QString& strA, const QString& strB)
         if (isDigit(strA.at(a)) && isDigit(strB.at(b))) {
             const QString numberA = digitsFrom(strA, &a);
             const QString numberB = digitsFrom(strB, &b);
-            if (numberA != numberB)
+            if (numberA != numberB) {
                 return numberA.size() != numberB.size() ? numberA.size() < numberB.size() : numberA < numberB;
+            }
             continue;
         }
-        if (strA.at(a) != strB.at(b))
+        if (strA.at(a) != strB.at(b)) {
             return strA.at(a) < strB.at(b);
+        }
         ++a;
         ++b;
     }
-    if (a < strA.size() || b < strB.size())
+    if (a < strA.size() || b < strB.size()) {
         return b < strB.size();
+    }
     return strA < strB; // equal but for leading zeros
 }
 
 bool readSequenceInfo(const CPLClickInfo& sections, const QString& strFile, SequenceInfo* pInfo, QStringList& warnings)
 {
     *pInfo = SequenceInfo();
-    if (sections[QString::fromLatin1(kSequence)] == nullptr)
+    if (sections[QString::fromLatin1(kSequence)] == nullptr) {
         return false;
+    }
     Reader reader(sections, strFile, warnings);
     pInfo->id = reader.text(kSequence, kId);
     pInfo->name = reader.text(kSequence, kName);
     const int kind = reader.choice(kSequence, kKind, {kSpectral, kTemporal});
-    if (kind >= 0)
+    if (kind >= 0) {
         pInfo->temporal = kind == 1;
+    }
     pInfo->fluorescence = reader.flag(kSequence, kFluorescence);
     pInfo->transillumination = reader.flag(kSequence, kTransillumination);
     pInfo->sceneOnly3D = reader.flag(kSequence, k3DSceneOnly).value_or(false);
@@ -209,8 +224,9 @@ CPLClickInfo sequenceInfoSections(const SequenceInfo& info)
     addEntry(adjust, kLogScale, flagText(info.adjust.m_bLogScale));
     CPLSection datasets(QString::fromLatin1(kDatasets));
     addEntry(datasets, kDatasetCount, QString::number(info.folders.size()));
-    for (const QString& folder : info.folders)
+    for (const QString& folder : info.folders) {
         addEntry(datasets, kDataset, folder);
+    }
     CPLClickInfo sections;
     sections.addSection(&sequence);
     sections.addSection(&adjust);

@@ -20,8 +20,10 @@ QString displayUnitText(int nUnit)
 int displayUnitOf(const QString& strText)
 {
     const QString text = strText.trimmed();
-    for (int unit = DISPLAYUNIT_COUNTS; unit <= DISPLAYUNIT_EFFICIENCY; ++unit)
-        if (text == QString::number(unit) || text.compare(displayUnitText(unit), Qt::CaseInsensitive) == 0)
+    for (int unit = DISPLAYUNIT_COUNTS; unit <= DISPLAYUNIT_EFFICIENCY; ++unit) {
+        if (text == QString::number(unit) || text.compare(displayUnitText(unit), Qt::CaseInsensitive) == 0) {
             return unit;
+        }
+    }
     return -1;
 }

@@ -12,10 +12,12 @@ void CILHistogram::reset()
 
 void CILHistogram::add(double value)
 {
-    if (std::isnan(value))
+    if (std::isnan(value)) {
         return;
-    if (m_counts.empty())
+    }
+    if (m_counts.empty()) {
         reset();
+    }
     const std::size_t last = m_counts.size() - 1;
     std::size_t bin = 0;
     if (value >= m_dMax) {
@@ -40,12 +42,14 @@ void CILHistogram::integrate(CILHistogram* out)
 
 int CILHistogram::findLevel(float count) const
 {
-    if (m_counts.empty())
+    if (m_counts.empty()) {
         return 0;
+    }
     const auto wanted = static_cast<double>(count);
     for (std::size_t i = 0; i < m_counts.size(); ++i) {
-        if (m_counts[i] >= wanted)
+        if (m_counts[i] >= wanted) {
             return static_cast<int>(i);
+        }
     }
     return static_cast<int>(m_counts.size()) - 1;
 }

@@ -17,22 +17,27 @@ CILImage::~CILImage() = default;
 
 EILSTATUS CILImage::ChangeType(ORVDataTypes type)
 {
-    if (bytesPerPixel(type) == 0)
+    if (bytesPerPixel(type) == 0) {
         return EIL_INVALID_ARGUMENT;
-    if (isEmpty())
+    }
+    if (isEmpty()) {
         return EIL_FAILURE;
-    if (type == m_eType)
+    }
+    if (type == m_eType) {
         return EIL_SUCCESS;
+    }
 
     CILImageBase converted;
     const EILSTATUS status = converted.InitWithType(type, m_lWidth, m_lHeight);
-    if (status != EIL_SUCCESS)
+    if (status != EIL_SUCCESS) {
         return status;
+    }
     visitPixels(std::as_const(*this), [&](const auto* from, std::size_t) {
         visitPixels(converted, [&](auto* to, std::size_t n) {
             using Pixel = std::remove_pointer_t<decltype(to)>;
-            for (std::size_t i = 0; i < n; ++i)
+            for (std::size_t i = 0; i < n; ++i) {
                 to[i] = toPixel<Pixel>(static_cast<double>(from[i]));
+            }
         });
     });
     converted.m_fBinning = m_fBinning;
@@ -51,8 +56,9 @@ void combine(CILImage& image, const CILImage& other, Operation operation)
     visitPixels(std::as_const(other), [&](const auto* operand, std::size_t) {
         visitPixels(image, [&](auto* pixels, std::size_t n) {
             using Pixel = std::remove_pointer_t<decltype(pixels)>;
-            for (std::size_t i = 0; i < n; ++i)
+            for (std::size_t i = 0; i < n; ++i) {
                 pixels[i] = toPixel<Pixel>(operation(static_cast<double>(pixels[i]), static_cast<double>(operand[i])));
+            }
         });
     });
 }
@@ -62,8 +68,9 @@ void combine(CILImage& image, const CILImage& other, Operation operation)
 CILImage& CILImage::operator*=(const CILImage& other)
 {
     m_bLastOk = m_lWidth == other.m_lWidth && m_lHeight == other.m_lHeight;
-    if (!m_bLastOk)
+    if (!m_bLastOk) {
         return *this;
+    }
     combine(*this, other, [](double a, double b) { return a * b; });
     m_rgb = QImage();
     return *this;
@@ -72,8 +79,9 @@ CILImage& CILImage::operator*=(const CILImage& other)
 CILImage& CILImage::operator/=(const CILImage& other)
 {
     m_bLastOk = m_lWidth == other.m_lWidth && m_lHeight == other.m_lHeight;
-    if (!m_bLastOk)
+    if (!m_bLastOk) {
         return *this;
+    }
     combine(*this, other, [](double a, double b) { return a / b; });
     m_rgb = QImage();
     return *this;
@@ -84,8 +92,9 @@ CILImage& CILImage::operator/=(double divisor)
     m_bLastOk = true;
     visitPixels(*this, [&](auto* pixels, std::size_t n) {
         using Pixel = std::remove_pointer_t<decltype(pixels)>;
-        for (std::size_t i = 0; i < n; ++i)
+        for (std::size_t i = 0; i < n; ++i) {
             pixels[i] = toPixel<Pixel>(static_cast<double>(pixels[i]) / divisor);
+        }
     });
     m_rgb = QImage();
     return *this;
@@ -111,16 +120,19 @@ void CILImage::Histogram(CILHistogram& histogram) const
 {
     histogram.reset();
     visitPixels(*this, [&](const auto* pixels, std::size_t n) {
-        for (std::size_t i = 0; i < n; ++i)
+        for (std::size_t i = 0; i < n; ++i) {
             histogram.add(static_cast<double>(pixels[i]));
+        }
     });
 }
 
 EILSTATUS CILImage::saveAsTIFF(const char* path) const
 {
-    if (path == nullptr || *path == '\0')
+    if (path == nullptr || *path == '\0') {
         return EIL_INVALID_ARGUMENT;
-    if (isEmpty())
+    }
+    if (isEmpty()) {
         return EIL_FAILURE;
+    }
     return writeTiff(QFile::decodeName(path), *this, {}, nullptr) ? EIL_SUCCESS : EIL_FILE_UNWRITABLE;
 }

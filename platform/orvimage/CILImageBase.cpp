@@ -12,19 +12,22 @@ CILImageBase::CILImageBase(const CILImageBase& other)
     : m_lWidth(other.m_lWidth), m_lHeight(other.m_lHeight), m_fBinning(other.m_fBinning), m_dMin(other.m_dMin),
       m_dMax(other.m_dMax), m_eType(other.m_eType)
 {
-    if (other.m_pData == nullptr)
+    if (other.m_pData == nullptr) {
         return;
+    }
     const std::size_t size = other.pixelCount() * bytesPerPixel(other.m_eType);
     m_pData = std::malloc(size);
-    if (m_pData == nullptr)
+    if (m_pData == nullptr) {
         throw std::bad_alloc();
+    }
     std::memcpy(m_pData, other.m_pData, size);
 }
 
 CILImageBase& CILImageBase::operator=(const CILImageBase& other)
 {
-    if (this != &other)
+    if (this != &other) {
         *this = CILImageBase(other);
+    }
     return *this;
 }
 
@@ -38,8 +41,9 @@ CILImageBase::CILImageBase(CILImageBase&& other) noexcept
 
 CILImageBase& CILImageBase::operator=(CILImageBase&& other) noexcept
 {
-    if (this == &other)
+    if (this == &other) {
         return *this;
+    }
     std::free(m_pData);
     m_lWidth = std::exchange(other.m_lWidth, 0);
     m_lHeight = std::exchange(other.m_lHeight, 0);
@@ -60,15 +64,18 @@ EILSTATUS CILImageBase::InitWithType(ORVDataTypes type, long w, long h)
 {
     clear();
     const std::size_t bytes = bytesPerPixel(type);
-    if (w < 1 || h < 1 || bytes == 0)
+    if (w < 1 || h < 1 || bytes == 0) {
         return EIL_INVALID_ARGUMENT;
+    }
     const auto width = static_cast<std::size_t>(w);
     const auto height = static_cast<std::size_t>(h);
-    if (width > SIZE_MAX / bytes / height)
+    if (width > SIZE_MAX / bytes / height) {
         return EIL_NO_MEMORY;
+    }
     m_pData = std::calloc(width * height, bytes);
-    if (m_pData == nullptr)
+    if (m_pData == nullptr) {
         return EIL_NO_MEMORY;
+    }
     m_lWidth = w;
     m_lHeight = h;
     m_eType = type;
@@ -82,8 +89,9 @@ EILSTATUS CILImageBase::initWithData(ORVDataTypes type, long w, long h, const vo
         return EIL_INVALID_ARGUMENT;
     }
     const EILSTATUS status = InitWithType(type, w, h);
-    if (status == EIL_SUCCESS)
+    if (status == EIL_SUCCESS) {
         std::memcpy(m_pData, data, pixelCount() * bytesPerPixel(type));
+    }
     return status;
 }
 
@@ -141,8 +149,9 @@ orvimage::FiniteRange orvimage::finiteRange(const CILImageBase& image)
     visitPixels(image, [&](const auto* pixels, std::size_t n) {
         for (std::size_t i = 0; i < n; ++i) {
             const auto v = static_cast<double>(pixels[i]);
-            if (!std::isfinite(v))
+            if (!std::isfinite(v)) {
                 continue;
+            }
             ++range.count;
             lowest = v < lowest ? v : lowest;
             highest = v > highest ? v : highest;

@@ -61,37 +61,44 @@ void morphology(CILImageBase& image, Morphology operation, int kernel, int count
                    image.m_pData);
     const cv::Mat element = cv::getStructuringElement(cv::MORPH_RECT, cv::Size(kernel, kernel));
     const cv::Mat from = pixels.clone();
-    if (operation == Morphology::Dilate)
+    if (operation == Morphology::Dilate) {
         cv::dilate(from, pixels, element, cv::Point(-1, -1), count);
-    else
+    } else {
         cv::erode(from, pixels, element, cv::Point(-1, -1), count);
+    }
 
     for (const std::size_t i : places) {
-        if (image.value(i) == neutral)
+        if (image.value(i) == neutral) {
             image.setValue(i, std::numeric_limits<double>::quiet_NaN());
+        }
     }
 }
 
 EILSTATUS applyMorphology(CILImage& image, Morphology operation, int kernel, int count)
 {
     constexpr long maxSide = std::numeric_limits<int>::max();
-    if (kernel < 1 || count < 0)
+    if (kernel < 1 || count < 0) {
         return EIL_INVALID_ARGUMENT;
-    if (image.isEmpty() || image.m_lWidth > maxSide || image.m_lHeight > maxSide)
+    }
+    if (image.isEmpty() || image.m_lWidth > maxSide || image.m_lHeight > maxSide) {
         return EIL_FAILURE;
-    if (count == 0 || kernel == 1)
+    }
+    if (count == 0 || kernel == 1) {
         return EIL_SUCCESS;
+    }
     // Nothing changes any more once the kernel covers the image from any pixel.
     const long covering = 2 * std::max(image.m_lWidth, image.m_lHeight) - 1;
     const int odd = static_cast<int>(std::min<long>(kernel % 2 == 0 ? kernel + 1L : kernel, covering));
     const int times = std::min(count, static_cast<int>(covering / std::max(1, odd - 1)) + 1);
 
     const ORVDataTypes type = image.dataType();
-    if (type == ORVTYPE_INT) // OpenCV's morphology refuses 32 bit integers; doubles hold them exactly
+    if (type == ORVTYPE_INT) { // OpenCV's morphology refuses 32 bit integers; doubles hold them exactly
         image.ChangeType(ORVTYPE_DOUBLE);
+    }
     morphology(image, operation, odd, times);
-    if (type == ORVTYPE_INT)
+    if (type == ORVTYPE_INT) {
         image.ChangeType(ORVTYPE_INT);
+    }
     image.RefreshImageStats();
     return EIL_SUCCESS;
 }
@@ -100,17 +107,20 @@ EILSTATUS applyMorphology(CILImage& image, Morphology operation, int kernel, int
 
 EILSTATUS CILImage::Threshold(float level, CILImage& out) const
 {
-    if (isEmpty())
+    if (isEmpty()) {
         return EIL_FAILURE;
+    }
     CILImage mask;
     const EILSTATUS status = mask.InitWithType(ORVTYPE_BYTE, m_lWidth, m_lHeight);
-    if (status != EIL_SUCCESS)
+    if (status != EIL_SUCCESS) {
         return status;
+    }
     const auto limit = static_cast<double>(level);
     orvimage::visitPixels(*this, [&](const auto* pixels, std::size_t n) {
         unsigned char* bits = mask.bytes();
-        for (std::size_t i = 0; i < n; ++i)
+        for (std::size_t i = 0; i < n; ++i) {
             bits[i] = static_cast<double>(pixels[i]) > limit ? 1 : 0;
+        }
     });
     mask.m_fBinning = m_fBinning;
     mask.RefreshImageStats();

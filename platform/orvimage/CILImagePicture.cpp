@@ -25,8 +25,9 @@ int brightestChannel(const QImage& picture)
     for (int y = 0; y < picture.height(); ++y) {
         const QRgb* line = reinterpret_cast<const QRgb*>(picture.constScanLine(y));
         for (int x = 0; x < picture.width(); ++x) {
-            if (qAlpha(line[x]) > 0)
+            if (qAlpha(line[x]) > 0) {
                 brightest = std::max({brightest, qRed(line[x]), qGreen(line[x]), qBlue(line[x])});
+            }
         }
     }
     return brightest;
@@ -36,11 +37,13 @@ int brightestChannel(const QImage& picture)
 void adjustBrightness(QImage& picture, int level)
 {
     const int brightest = brightestChannel(picture);
-    if (brightest == 0 || brightest == level)
+    if (brightest == 0 || brightest == level) {
         return;
+    }
     int scaled[256];
-    for (int c = 0; c < 256; ++c)
+    for (int c = 0; c < 256; ++c) {
         scaled[c] = std::min(255, (2 * c * level + brightest) / (2 * brightest));
+    }
     for (int y = 0; y < picture.height(); ++y) {
         QRgb* line = reinterpret_cast<QRgb*>(picture.scanLine(y));
         for (int x = 0; x < picture.width(); ++x) {
@@ -52,8 +55,9 @@ void adjustBrightness(QImage& picture, int level)
 
 QRgb shownColor(QRgb color, unsigned format)
 {
-    if (format == kFormatRgba)
+    if (format == kFormatRgba) {
         return color;
+    }
     if (format == kFormatGrey) {
         const int grey = luma(color);
         return qRgb(grey, grey, grey);
@@ -70,8 +74,9 @@ void CILImage::setColorTable(int index)
 
 void CILImage::setCustomColorTable(int steps, double red, double green, double blue)
 {
-    if (steps < 2)
+    if (steps < 2) {
         return;
+    }
     const auto unit = [](double c) { return std::isnan(c) ? 0.0 : std::clamp(c, 0.0, 1.0); };
     QVector<QColor> colors;
     colors.reserve(steps);
@@ -85,13 +90,15 @@ void CILImage::setCustomColorTable(int steps, double red, double green, double b
 
 QImage CILImage::toQImage() const
 {
-    if (isEmpty() || m_lWidth > kMaxPictureSide || m_lHeight > kMaxPictureSide)
+    if (isEmpty() || m_lWidth > kMaxPictureSide || m_lHeight > kMaxPictureSide) {
         return {};
+    }
     QImage picture = m_rgb;
     if (picture.isNull()) {
         picture = QImage(static_cast<int>(m_lWidth), static_cast<int>(m_lHeight), QImage::Format_ARGB32);
-        if (picture.isNull())
+        if (picture.isNull()) {
             return {};
+        }
         double minimum = m_palette.imageMin();
         double maximum = m_palette.imageMax();
         if (!m_palette.hasImageMinMax()) {
@@ -102,26 +109,30 @@ QImage CILImage::toQImage() const
         orvimage::visitPixels(*this, [&](const auto* pixels, std::size_t) {
             for (int y = 0; y < picture.height(); ++y) {
                 QRgb* line = reinterpret_cast<QRgb*>(picture.scanLine(y));
-                for (int x = 0; x < picture.width(); ++x)
+                for (int x = 0; x < picture.width(); ++x) {
                     line[x] = shownColor(m_palette.map(static_cast<double>(*pixels++), minimum, maximum), m_nGLFormat);
+                }
             }
         });
     }
-    if (m_nBrightness > 0)
+    if (m_nBrightness > 0) {
         adjustBrightness(picture, m_nBrightness);
+    }
     return picture;
 }
 
 void CILImage::setRGBImage(const QImage& picture)
 {
     const QImage colours = picture.convertToFormat(QImage::Format_ARGB32); // a copy of its own: it may be ours
-    if (InitWithType(ORVTYPE_BYTE, colours.width(), colours.height()) != EIL_SUCCESS)
+    if (InitWithType(ORVTYPE_BYTE, colours.width(), colours.height()) != EIL_SUCCESS) {
         return;
+    }
     unsigned char* grey = bytes();
     for (int y = 0; y < colours.height(); ++y) {
         const QRgb* line = reinterpret_cast<const QRgb*>(colours.constScanLine(y));
-        for (int x = 0; x < colours.width(); ++x)
+        for (int x = 0; x < colours.width(); ++x) {
             *grey++ = static_cast<unsigned char>(luma(line[x]));
+        }
     }
     m_rgb = colours;
     RefreshImageStats();

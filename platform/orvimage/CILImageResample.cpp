@@ -53,8 +53,9 @@ AxisTaps tapsFor(IL_RESAMPLEMODES mode, int from, int to)
 EILSTATUS resampled(const CILImage& source, int w, int h, IL_RESAMPLEMODES mode, CILImageBase& out)
 {
     const EILSTATUS status = out.InitWithType(source.dataType(), w, h);
-    if (status != EIL_SUCCESS)
+    if (status != EIL_SUCCESS) {
         return status;
+    }
     const auto width = static_cast<int>(source.m_lWidth);
     const auto height = static_cast<int>(source.m_lHeight);
     orvimage::resample(source, tapsFor(mode, width, w), tapsFor(mode, height, h), true, out);
@@ -76,25 +77,30 @@ bool isTooLarge(const CILImage& image)
 
 EILSTATUS CILImage::changeBinning(int binning, CILImage& out) const
 {
-    if (binning < 1 || !(m_fBinning > 0.0F) || !std::isfinite(m_fBinning))
+    if (binning < 1 || !(m_fBinning > 0.0F) || !std::isfinite(m_fBinning)) {
         return EIL_INVALID_ARGUMENT;
-    if (isEmpty() || isTooLarge(*this))
+    }
+    if (isEmpty() || isTooLarge(*this)) {
         return EIL_FAILURE;
+    }
     const double ratio = binning / static_cast<double>(m_fBinning);
     if (ratio == 1.0) {
-        if (&out != this)
+        if (&out != this) {
             out = *this;
+        }
         return EIL_SUCCESS;
     }
     const long width = wholePixels(m_lWidth, ratio);
     const long height = wholePixels(m_lHeight, ratio);
-    if (width < 1 || height < 1)
+    if (width < 1 || height < 1) {
         return EIL_FAILURE;
+    }
 
     CILImage binned;
     const EILSTATUS status = binned.InitWithType(sumType(m_eType), width, height);
-    if (status != EIL_SUCCESS)
+    if (status != EIL_SUCCESS) {
         return status;
+    }
     const auto taps = [ratio](long from, long to) {
         return orvimage::areaTaps(static_cast<int>(from), static_cast<int>(to), ratio, false);
     };
@@ -110,16 +116,20 @@ EILSTATUS CILImage::changeBinning(int binning, CILImage& out) const
 
 EILSTATUS CILImage::upSample(int w, int h, IL_RESAMPLEMODES mode)
 {
-    if (w < 1 || h < 1 || !isResampleMode(mode))
+    if (w < 1 || h < 1 || !isResampleMode(mode)) {
         return EIL_INVALID_ARGUMENT;
-    if (isEmpty() || isTooLarge(*this))
+    }
+    if (isEmpty() || isTooLarge(*this)) {
         return EIL_FAILURE;
-    if (w == m_lWidth && h == m_lHeight)
+    }
+    if (w == m_lWidth && h == m_lHeight) {
         return EIL_SUCCESS;
+    }
     CILImageBase result;
     const EILSTATUS status = resampled(*this, w, h, mode, result);
-    if (status != EIL_SUCCESS)
+    if (status != EIL_SUCCESS) {
         return status;
+    }
     CILImageBase::operator=(std::move(result));
     m_rgb = QImage();
     RefreshImageStats();

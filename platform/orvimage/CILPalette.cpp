@@ -10,12 +10,15 @@ namespace {
 // Place of a value in a range, limited to 0 to 1. In an empty range all up to the limit is at its lower end.
 double fractionOf(double value, double minimum, double maximum)
 {
-    if (!(maximum > minimum))
+    if (!(maximum > minimum)) {
         return value > minimum ? 1.0 : 0.0;
-    if (value >= maximum)
+    }
+    if (value >= maximum) {
         return 1.0;
-    if (value <= minimum)
+    }
+    if (value <= minimum) {
         return 0.0;
+    }
     return (value / 2 - minimum / 2) / (maximum / 2 - minimum / 2);
 }
 
@@ -26,8 +29,9 @@ CILPalette::CILPalette() : m_colors(orvimage::colorTables().front().colors) {}
 QStringList CILPalette::colorTableNames()
 {
     QStringList names;
-    for (const orvimage::ColorTable& table : orvimage::colorTables())
+    for (const orvimage::ColorTable& table : orvimage::colorTables()) {
         names.append(table.name);
+    }
     return names;
 }
 
@@ -35,8 +39,9 @@ int CILPalette::colorTableIndex(const QString& name)
 {
     const QVector<orvimage::ColorTable>& tables = orvimage::colorTables();
     for (int i = 0; i < tables.size(); ++i) {
-        if (tables[i].name.compare(name, Qt::CaseInsensitive) == 0)
+        if (tables[i].name.compare(name, Qt::CaseInsensitive) == 0) {
             return i;
+        }
     }
     return -1;
 }
@@ -44,20 +49,23 @@ int CILPalette::colorTableIndex(const QString& name)
 void CILPalette::setColorTable(int index)
 {
     const QVector<orvimage::ColorTable>& tables = orvimage::colorTables();
-    if (index < 0 || index >= tables.size())
+    if (index < 0 || index >= tables.size()) {
         return;
+    }
     m_colors = tables[index].colors;
     m_nTable = index;
 }
 
 void CILPalette::setColors(const QVector<QColor>& colors)
 {
-    if (colors.isEmpty())
+    if (colors.isEmpty()) {
         return;
+    }
     m_colors.clear();
     m_colors.reserve(colors.size());
-    for (const QColor& color : colors)
+    for (const QColor& color : colors) {
         m_colors.append(color.rgb());
+    }
     m_nTable = -1;
 }
 
@@ -90,25 +98,30 @@ void CILPalette::setAlphaMode(int mode, double factor)
 
 QRgb CILPalette::colorAt(double fraction) const
 {
-    if (m_colors.isEmpty()) // moved from
+    if (m_colors.isEmpty()) { // moved from
         return qRgb(0, 0, 0);
+    }
     double f = std::isnan(fraction) ? 0.0 : std::clamp(fraction, 0.0, 1.0);
-    if (m_bLogScale)
+    if (m_bLogScale) {
         f = std::log10(1.0 + 9.0 * f);
-    if (m_bReversed)
+    }
+    if (m_bReversed) {
         f = 1.0 - f;
+    }
     const int last = m_colors.size() - 1;
     return m_colors[std::clamp(static_cast<int>(std::lround(f * last)), 0, last)];
 }
 
 QRgb CILPalette::map(double value, double minimum, double maximum) const
 {
-    if (std::isnan(value))
+    if (std::isnan(value)) {
         return qRgba(0, 0, 0, 0);
+    }
     const double fraction = fractionOf(value, minimum, maximum);
     double alpha = m_dAlpha == 0.0 ? 1.0 : m_dAlpha;
-    if (m_nAlphaMode == 1)
+    if (m_nAlphaMode == 1) {
         alpha = value < minimum ? 0.0 : fraction * m_dAlpha;
+    }
     const int level = static_cast<int>(std::lround(255.0 * std::clamp(alpha, 0.0, 1.0)));
     return (colorAt(fraction) & 0x00ffffffU) | (static_cast<QRgb>(level) << 24);
 }

@@ -20,15 +20,18 @@ QImage foregroundLayer(const CILImage* image)
 {
     QImage picture = layer(image);
     if (picture.isNull() || image->isRGB() || image->getGLFormat() != fourColours ||
-        !image->getPalette()->hasImageMinMax())
+        !image->getPalette()->hasImageMinMax()) {
         return picture;
+    }
     const double minimum = image->getPalette()->imageMin();
     std::size_t i = 0;
     for (int y = 0; y < picture.height(); ++y) {
         QRgb* line = reinterpret_cast<QRgb*>(picture.scanLine(y));
-        for (int x = 0; x < picture.width(); ++x)
-            if (image->value(i++) < minimum)
+        for (int x = 0; x < picture.width(); ++x) {
+            if (image->value(i++) < minimum) {
                 line[x] = 0;
+            }
+        }
     }
     return picture;
 }
@@ -39,8 +42,9 @@ QRgb over(QRgb upper, QRgb lower, double opacity)
     const double a = opacity * qAlpha(upper) / 255.0;
     const double b = (1.0 - a) * qAlpha(lower) / 255.0;
     const double total = a + b;
-    if (total <= 0.0)
+    if (total <= 0.0) {
         return qRgba(0, 0, 0, 0);
+    }
     const auto mix = [&](int u, int l) { return static_cast<int>(std::lround((a * u + b * l) / total)); };
     return qRgba(mix(qRed(upper), qRed(lower)), mix(qGreen(upper), qGreen(lower)), mix(qBlue(upper), qBlue(lower)),
                  static_cast<int>(std::lround(255.0 * total)));
@@ -62,26 +66,30 @@ void CORVOverlayImage::setForeground(const CILImage* image, tag_eimagetype)
 EILSTATUS CORVOverlayImage::blend(float opacity, int smooth)
 {
     const QImage& base = m_background.isNull() ? m_foreground : m_background;
-    if (base.isNull())
+    if (base.isNull()) {
         return EIL_FAILURE;
+    }
     const double share = std::isnan(opacity) ? 0.0 : std::clamp(static_cast<double>(opacity), 0.0, 1.0);
 
     QImage upper = m_background.isNull() ? m_foreground : m_foregroundOver;
-    if (!upper.isNull() && upper.size() != base.size())
+    if (!upper.isNull() && upper.size() != base.size()) {
         upper = upper
                     .scaled(base.size(), Qt::IgnoreAspectRatio,
                             smooth != 0 ? Qt::SmoothTransformation : Qt::FastTransformation)
                     .convertToFormat(QImage::Format_ARGB32);
+    }
     QImage result(base.size(), QImage::Format_ARGB32);
-    if (result.isNull())
+    if (result.isNull()) {
         return EIL_NO_MEMORY;
+    }
     for (int y = 0; y < result.height(); ++y) {
         QRgb* out = reinterpret_cast<QRgb*>(result.scanLine(y));
         const QRgb* below =
             reinterpret_cast<const QRgb*>(m_background.isNull() ? nullptr : m_background.constScanLine(y));
         const QRgb* above = reinterpret_cast<const QRgb*>(upper.isNull() ? nullptr : upper.constScanLine(y));
-        for (int x = 0; x < result.width(); ++x)
+        for (int x = 0; x < result.width(); ++x) {
             out[x] = over(above == nullptr ? 0U : above[x], below == nullptr ? 0U : below[x], share);
+        }
     }
     setRGBImage(result);
     return EIL_SUCCESS;

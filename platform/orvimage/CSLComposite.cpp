@@ -27,8 +27,9 @@ std::vector<double> finiteHistogram(const CILImage& image, const orvimage::Finit
     orvimage::visitPixels(image, [&](const auto* pixels, std::size_t n) {
         for (std::size_t i = 0; i < n; ++i) {
             const auto v = static_cast<double>(pixels[i]);
-            if (std::isfinite(v))
+            if (std::isfinite(v)) {
                 histogram.add(v);
+            }
         }
     });
     return histogram.bins();
@@ -40,12 +41,14 @@ double middleOfExtreme(const std::vector<double>& values, int first, int last, d
     const auto at = [&](int i) { return sign * values[static_cast<std::size_t>(i)]; };
     int best = first;
     for (int i = first + 1; i <= last; ++i) {
-        if (at(i) > at(best) + tolerance)
+        if (at(i) > at(best) + tolerance) {
             best = i;
+        }
     }
     int end = best;
-    while (end < last && at(end + 1) >= at(best) - tolerance)
+    while (end < last && at(end + 1) >= at(best) - tolerance) {
         ++end;
+    }
     return 0.5 * (best + end);
 }
 
@@ -84,12 +87,14 @@ std::vector<int> modes(const std::vector<double>& h)
     while (begin < n) {
         int end = begin;
         const double level = h[static_cast<std::size_t>(begin)];
-        while (end + 1 < n && h[static_cast<std::size_t>(end + 1)] == level)
+        while (end + 1 < n && h[static_cast<std::size_t>(end + 1)] == level) {
             ++end;
+        }
         const bool leftLower = begin == 0 || h[static_cast<std::size_t>(begin - 1)] < level;
         const bool rightLower = end == n - 1 || h[static_cast<std::size_t>(end + 1)] < level;
-        if (leftLower && rightLower && level > 0.0)
+        if (leftLower && rightLower && level > 0.0) {
             found.push_back((begin + end) / 2);
+        }
         begin = end + 1;
     }
     return found;
@@ -115,22 +120,26 @@ double valueAt(const orvimage::FiniteRange& range, double fraction)
 
 float CSLComposite::AutomaticThresholdOtsu(const CILImage* image)
 {
-    if (image == nullptr)
+    if (image == nullptr) {
         return 0.0F;
+    }
     const orvimage::FiniteRange range = orvimage::finiteRange(*image);
-    if (range.count == 0 || !(range.maximum > range.minimum))
+    if (range.count == 0 || !(range.maximum > range.minimum)) {
         return 0.0F;
+    }
     // The threshold is the upper edge of the lower class's last bin.
     return static_cast<float>(100.0 * (otsuBin(finiteHistogram(*image, range)) + 1.0) / kBins);
 }
 
 float CSLComposite::AutomaticThresholdBimodal(const CILImage* image)
 {
-    if (image == nullptr)
+    if (image == nullptr) {
         return 0.0F;
+    }
     const orvimage::FiniteRange range = orvimage::finiteRange(*image);
-    if (range.count == 0 || !(range.maximum > range.minimum))
+    if (range.count == 0 || !(range.maximum > range.minimum)) {
         return static_cast<float>(range.minimum);
+    }
 
     const std::vector<double> counts = finiteHistogram(*image, range);
     std::vector<double> h = counts;
@@ -139,16 +148,18 @@ float CSLComposite::AutomaticThresholdBimodal(const CILImage* image)
         smooth(h);
         peaks = modes(h);
     }
-    if (peaks.size() != 2)
+    if (peaks.size() != 2) {
         return static_cast<float>(valueAt(range, (otsuBin(counts) + 1.0) / kBins));
+    }
     const double valley = middleOfExtreme(h, peaks[0], peaks[1], -1.0, 0.0);
     return static_cast<float>(valueAt(range, (valley + 0.5) / kBins));
 }
 
 void CSLComposite::closeHolesInBinaryImage(CILImage& image)
 {
-    if (image.isEmpty())
+    if (image.isEmpty()) {
         return;
+    }
     const orvimage::FiniteRange range = orvimage::finiteRange(image);
     // A frame of zeros round the image joins all of its border, so that one fill from a corner reaches what is no hole.
     const auto width = static_cast<int>(image.m_lWidth);
@@ -158,8 +169,9 @@ void CSLComposite::closeHolesInBinaryImage(CILImage& image)
         using Pixel = std::remove_const_t<std::remove_pointer_t<decltype(pixels)>>;
         for (int y = 0; y < height; ++y) {
             unsigned char* row = zeros.ptr(y + 1) + 1;
-            for (int x = 0; x < width; ++x)
+            for (int x = 0; x < width; ++x) {
                 row[x] = *pixels++ == Pixel{0} ? 1 : 0;
+            }
         }
     });
     cv::floodFill(zeros, cv::Point(0, 0), cv::Scalar(2), nullptr, cv::Scalar(), cv::Scalar(), 4);
@@ -167,8 +179,9 @@ void CSLComposite::closeHolesInBinaryImage(CILImage& image)
     for (int y = 0; y < height; ++y) {
         const unsigned char* row = zeros.ptr(y + 1) + 1;
         for (int x = 0; x < width; ++x, ++i) {
-            if (row[x] == 1)
+            if (row[x] == 1) {
                 image.setValue(i, range.maximum);
+            }
         }
     }
     image.RefreshImageStats();

@@ -61,8 +61,9 @@ Scale makeScale(double minimum, double maximum, int most, const QFontMetrics* me
     scale.caption = exponentText(scale.labels.exponent);
     scale.unit = unitLines.join(QStringLiteral(", "));
     if (metrics != nullptr) {
-        for (const QString& text : scale.labels.texts)
+        for (const QString& text : scale.labels.texts) {
             scale.widest = std::max(scale.widest, metrics->horizontalAdvance(text));
+        }
     }
     return scale;
 }
@@ -124,9 +125,10 @@ QImage BarPainter::vertical() const
     for (std::size_t i = 0; i < scale.values.size(); ++i) {
         const int y = above + m_length - 1 - place(scale.values[i]);
         painter.drawLine(bar, y, bar + tick, y);
-        if (texts)
+        if (texts) {
             painter.drawText(QRect(labels, y - m_em, scale.widest, 2 * m_em), Qt::AlignRight | Qt::AlignVCenter,
                              scale.labels.texts[static_cast<int>(i)]);
+        }
     }
     if (texts) {
         painter.drawText(0, metrics.ascent(), scale.caption);
@@ -163,9 +165,10 @@ QImage BarPainter::horizontal() const
     for (std::size_t i = 0; i < scale.values.size(); ++i) {
         const int x = beside + place(scale.values[i]);
         painter.drawLine(x, bar, x, bar + tick);
-        if (texts)
+        if (texts) {
             painter.drawText(QRect(x - 2 * beside, labels, 4 * beside, metrics.height()), Qt::AlignCenter,
                              scale.labels.texts[static_cast<int>(i)]);
+        }
     }
     if (texts) {
         painter.drawText(beside + m_length + m_em / 2, (bar + metrics.ascent()) / 2, scale.caption);
@@ -179,8 +182,9 @@ QImage BarPainter::horizontal() const
 
 double colorBarPosition(const CILPalette& palette, double value, double minimum, double maximum)
 {
-    if (!(maximum > minimum) || std::isnan(value))
+    if (!(maximum > minimum) || std::isnan(value)) {
         return 0.0;
+    }
     const double fraction = std::clamp((value - minimum) / (maximum - minimum), 0.0, 1.0);
     return palette.isLogScale() ? std::log10(1.0 + 9.0 * fraction) : fraction;
 }
@@ -195,8 +199,9 @@ QImage drawColorBar(const CILPalette& palette, double minimum, double maximum, i
 QImage withColorBar(const QImage& picture, const CILPalette& palette, double minimum, double maximum,
                     const ColorBarOptions& options)
 {
-    if (picture.isNull())
+    if (picture.isNull()) {
         return {};
+    }
     const bool vertical = options.orientation == Qt::Vertical;
     const int em = std::max(6, options.fontPixels);
     const int length = vertical ? picture.height() - 3 * em : picture.width() * 4 / 5;
@@ -208,10 +213,11 @@ QImage withColorBar(const QImage& picture, const CILPalette& palette, double min
     page.fill(options.background);
     QPainter painter(&page);
     painter.drawImage(vertical ? 0 : (size.width() - picture.width()) / 2, 0, picture);
-    if (vertical)
+    if (vertical) {
         painter.drawImage(picture.width() + gap, std::max(0, (size.height() - bar.height()) / 2), bar);
-    else
+    } else {
         painter.drawImage((size.width() - bar.width()) / 2, picture.height() + gap, bar);
+    }
     return page;
 }
 

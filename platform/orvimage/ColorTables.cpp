@@ -57,8 +57,9 @@ QRgb oklchColor(double lightness, double chroma, double hueDegrees)
     const auto at = [&](double c) { return linearFromOklab(lightness, c * std::cos(hue), c * std::sin(hue)); };
     double inside = 0.0;
     double outside = chroma;
-    if (isShowable(at(chroma)))
+    if (isShowable(at(chroma))) {
         inside = chroma;
+    }
     for (int i = 0; i < 40 && inside < chroma; ++i) {
         const double middle = 0.5 * (inside + outside);
         (isShowable(at(middle)) ? inside : outside) = middle;
@@ -98,8 +99,9 @@ QVector<QRgb> gradient(std::initializer_list<Stop> stops)
     for (int i = 0; i < kColors; ++i) {
         const double t = i / (kColors - 1.0);
         const Stop* upper = stops.begin() + 1;
-        while (upper + 1 != stops.end() && upper->position < t)
+        while (upper + 1 != stops.end() && upper->position < t) {
             ++upper;
+        }
         const Stop& a = *(upper - 1);
         const Stop& b = *upper;
         const double f = (t - a.position) / (b.position - a.position);

@@ -18,10 +18,12 @@ T toPixel(double v)
     if constexpr (std::is_integral_v<T>) {
         constexpr double lowest = static_cast<double>(std::numeric_limits<T>::min());
         constexpr double highest = static_cast<double>(std::numeric_limits<T>::max());
-        if (!(v > lowest)) // NaN too, which no comparison lets through
+        if (!(v > lowest)) { // NaN too, which no comparison lets through
             return std::isnan(v) ? T{0} : std::numeric_limits<T>::min();
-        if (v >= highest)
+        }
+        if (v >= highest) {
             return std::numeric_limits<T>::max();
+        }
         return static_cast<T>(std::round(v));
     } else {
         return static_cast<T>(v);

@@ -27,8 +27,9 @@ std::vector<double> finiteValues(const CILImage& image)
     visitPixels(image, [&](const auto* pixels, std::size_t n) {
         for (std::size_t i = 0; i < n; ++i) {
             const auto v = static_cast<double>(pixels[i]);
-            if (std::isfinite(v))
+            if (std::isfinite(v)) {
                 values.push_back(v);
+            }
         }
     });
     return values;
@@ -131,23 +132,27 @@ QImage framed(const QImage& picture, const QString& title, int em)
 ValueRange robustRange(const CILImage& map)
 {
     std::vector<double> values = finiteValues(map);
-    if (values.empty())
+    if (values.empty()) {
         return {};
+    }
     ValueRange range;
     range.maximum = quantile(values, 1.0 - 0.0002);
     range.minimum = std::min(0.0, quantile(values, 0.001));
-    if (!(range.maximum > range.minimum))
+    if (!(range.maximum > range.minimum)) {
         range.maximum = *std::max_element(values.begin(), values.end());
+    }
     return range;
 }
 
 QImage renderMapOverPhotograph(const CILImage& map, const CILImage* photograph, const RenderMapOptions& options)
 {
-    if (map.isEmpty() || std::max(map.m_lWidth, map.m_lHeight) > kMaxSide)
+    if (map.isEmpty() || std::max(map.m_lWidth, map.m_lHeight) > kMaxSide) {
         return {};
+    }
     ValueRange range{options.minimum, options.maximum};
-    if (!options.hasRange)
+    if (!options.hasRange) {
         range = robustRange(map);
+    }
     CILPalette palette;
     palette.setCLUTinfo(options.colorTable, options.reversed, options.logScale);
 
@@ -164,8 +169,9 @@ QImage renderMapOverPhotograph(const CILImage& map, const CILImage* photograph, 
     const int em = std::max(13, std::max(size.width(), size.height()) / 38);
     ColorBarOptions bar;
     bar.fontPixels = em;
-    if (!options.unit.isEmpty())
+    if (!options.unit.isEmpty()) {
         bar.unitLines.append(options.unit);
+    }
     return framed(withColorBar(picture, palette, range.minimum, range.maximum, bar), options.title, em);
 }
 

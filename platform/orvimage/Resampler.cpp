@@ -13,14 +13,16 @@ namespace {
 
 void addTap(AxisTaps& axis, int from, int source, double weight)
 {
-    if (weight == 0.0)
+    if (weight == 0.0) {
         return;
+    }
     const int inside = std::clamp(source, 0, from - 1);
     const bool first = axis.taps.size() == axis.begin.back();
-    if (!first && axis.taps.back().source == inside)
+    if (!first && axis.taps.back().source == inside) {
         axis.taps.back().weight += weight;
-    else
+    } else {
         axis.taps.push_back({inside, weight});
+    }
 }
 
 void endPixel(AxisTaps& axis)
@@ -37,10 +39,12 @@ double centre(int i, int from, int to)
 double keys(double distance)
 {
     const double d = std::fabs(distance);
-    if (d < 1.0)
+    if (d < 1.0) {
         return (1.5 * d - 2.5) * d * d + 1.0;
-    if (d < 2.0)
+    }
+    if (d < 2.0) {
         return ((-0.5 * d + 2.5) * d - 4.0) * d + 2.0;
+    }
     return 0.0;
 }
 
@@ -58,8 +62,9 @@ AxisTaps areaTaps(int from, int size, double ratio, bool mean)
         for (int source = first; source < last; ++source) {
             const double overlap = std::min(upper, source + 1.0) - std::max(lower, static_cast<double>(source));
             // Slivers that only rounding of i * ratio makes are no part of the pixel.
-            if (overlap > 1e-9 * ratio)
+            if (overlap > 1e-9 * ratio) {
                 addTap(axis, from, source, overlap * norm);
+            }
         }
         endPixel(axis);
     }
@@ -96,8 +101,9 @@ AxisTaps cubicTaps(int from, int to)
     for (int i = 0; i < to; ++i) {
         const double position = centre(i, from, to);
         const int left = static_cast<int>(std::floor(position));
-        for (int source = left - 1; source <= left + 2; ++source)
+        for (int source = left - 1; source <= left + 2; ++source) {
             addTap(axis, from, source, keys(position - source));
+        }
         endPixel(axis);
     }
     return axis;
@@ -115,8 +121,9 @@ void resample(const CILImageBase& source, const AxisTaps& x, const AxisTaps& y, 
             const auto* from = pixels + row * static_cast<std::size_t>(source.m_lWidth);
             for (std::size_t i = 0; i < width; ++i) {
                 double sum = 0.0;
-                for (std::size_t k = x.begin[i]; k < x.begin[i + 1]; ++k)
+                for (std::size_t k = x.begin[i]; k < x.begin[i + 1]; ++k) {
                     sum += static_cast<double>(from[x.taps[k].source]) * x.taps[k].weight;
+                }
                 across[row * width + i] = sum;
             }
         }
@@ -131,8 +138,9 @@ void resample(const CILImageBase& source, const AxisTaps& x, const AxisTaps& y, 
             for (std::size_t k = y.begin[row]; k < y.begin[row + 1]; ++k) {
                 const double weight = y.taps[k].weight;
                 const double* from = across.data() + static_cast<std::size_t>(y.taps[k].source) * width;
-                for (std::size_t i = 0; i < width; ++i)
+                for (std::size_t i = 0; i < width; ++i) {
                     line[i] += weight * from[i];
+                }
             }
             for (std::size_t i = 0; i < width; ++i) {
                 const bool held = limit && std::isfinite(line[i]);

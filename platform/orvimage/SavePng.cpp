@@ -8,9 +8,11 @@ bool orvimage::savePng(const QString& path, const QImage& picture, QString* erro
 {
     QBuffer buffer;
     buffer.open(QIODevice::WriteOnly);
-    if (!picture.isNull() && picture.save(&buffer, "PNG"))
+    if (!picture.isNull() && picture.save(&buffer, "PNG")) {
         return orv::writeFileAtomically(path, buffer.data(), error);
-    if (error != nullptr)
+    }
+    if (error != nullptr) {
         *error = path + QStringLiteral(": an empty picture cannot be written");
+    }
     return false;
 }

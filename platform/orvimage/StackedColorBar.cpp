@@ -40,10 +40,12 @@ QFont textFont(int pixels)
 QString withoutTrailingZeros(QString number)
 {
     if (number.contains(QLatin1Char('.'))) {
-        while (number.endsWith(QLatin1Char('0')))
+        while (number.endsWith(QLatin1Char('0'))) {
             number.chop(1);
-        if (number.endsWith(QLatin1Char('.')))
+        }
+        if (number.endsWith(QLatin1Char('.'))) {
             number.chop(1);
+        }
     }
     return number;
 }
@@ -94,13 +96,15 @@ QImage colorBarStrip(const CILPalette& palette, int width, int height)
 
 QString colorBarNumber(double value)
 {
-    if (!std::isfinite(value))
+    if (!std::isfinite(value)) {
         return QStringLiteral("-");
+    }
     const QString text = QString::number(value, 'e', kDigits - 1);
     const int split = text.indexOf(QLatin1Char('e'));
     const int exponent = text.mid(split + 1).toInt();
-    if (exponent >= kSmallestPlain && exponent <= kLargestPlain)
+    if (exponent >= kSmallestPlain && exponent <= kLargestPlain) {
         return withoutTrailingZeros(QString::number(value, 'f', std::max(0, kDigits - 1 - exponent)));
+    }
     return withoutTrailingZeros(text.left(split)) + exponentText(exponent);
 }
 
@@ -113,8 +117,9 @@ QImage drawStackedColorBar(const CILPalette& palette, double minimum, double max
     const int thickness = em * kThickness;
     const QFont font = textFont(em);
     TextLayout layout;
-    if (texts)
+    if (texts) {
         layout = layOut(minimum, maximum, QFontMetrics(font), options.lines);
+    }
     const int margin = em / 2;
     const int top = margin + layout.lineHeight;
     const int bottom = top + length; // the first row under the bar
@@ -125,14 +130,16 @@ QImage drawStackedColorBar(const CILPalette& palette, double minimum, double max
     painter.drawImage(margin, top, colorBarStrip(palette, thickness, length));
     painter.setPen(options.text);
     painter.drawRect(margin - 1, top - 1, thickness + 1, length + 1);
-    if (!texts)
+    if (!texts) {
         return image;
+    }
     painter.setFont(font);
     painter.drawText(margin, top - layout.descent, layout.maximum);
     painter.drawText(margin, bottom + layout.ascent, layout.minimum);
     const double first = bottom + (kNumberBox + kUnitGap) * layout.lineHeight;
-    for (const ColorBarTextLine& line : options.lines)
+    for (const ColorBarTextLine& line : options.lines) {
         painter.drawText(QPointF(margin, first + line.offset * layout.lineHeight), line.text);
+    }
     return image;
 }
 

@@ -18,8 +18,9 @@ double niceStep(double step)
 {
     const double power = std::pow(10.0, std::floor(std::log10(step)));
     for (const double factor : {1.0, 2.0, 5.0}) {
-        if (factor * power >= step * (1.0 - 1e-9))
+        if (factor * power >= step * (1.0 - 1e-9)) {
             return factor * power;
+        }
     }
     return 10.0 * power;
 }
@@ -28,11 +29,13 @@ double niceStep(double step)
 
 std::vector<double> tickValues(double minimum, double maximum, int most)
 {
-    if (!std::isfinite(minimum))
+    if (!std::isfinite(minimum)) {
         return {};
+    }
     const double span = maximum - minimum;
-    if (!std::isfinite(span) || !(span > std::fabs(minimum) * 1e-12) || most < 2)
+    if (!std::isfinite(span) || !(span > std::fabs(minimum) * 1e-12) || most < 2) {
         return {minimum};
+    }
     // Multiples of the step are counted, not added up, so that no rounding gathers.
     const double slack = 1e-9;
     double step = niceStep(span / most);
@@ -41,15 +44,18 @@ std::vector<double> tickValues(double minimum, double maximum, int most)
     for (int attempt = 0; attempt < 4; ++attempt) {
         first = std::ceil(minimum / step - slack);
         last = std::floor(maximum / step + slack);
-        if (last - first + 1.0 <= most)
+        if (last - first + 1.0 <= most) {
             break;
+        }
         step = niceStep(step * 1.5);
     }
     std::vector<double> values;
-    for (double i = first; i <= last; i += 1.0)
+    for (double i = first; i <= last; i += 1.0) {
         values.push_back(i * step);
-    if (values.empty())
+    }
+    if (values.empty()) {
         values.push_back(minimum);
+    }
     return values;
 }
 
@@ -57,10 +63,12 @@ TickLabels tickLabels(const std::vector<double>& values)
 {
     TickLabels labels;
     double largest = 0.0;
-    for (const double v : values)
+    for (const double v : values) {
         largest = std::max(largest, std::fabs(v));
-    if (largest > 0.0 && (largest >= kPlainBelow || largest < kPlainFrom))
+    }
+    if (largest > 0.0 && (largest >= kPlainBelow || largest < kPlainFrom)) {
         labels.exponent = static_cast<int>(std::floor(std::log10(largest) + 1e-9));
+    }
     const double unit = std::pow(10.0, labels.exponent);
     // Decimals of the smallest distance, or of three digits for a single value.
     double step = largest / unit / 100.0;
@@ -79,12 +87,14 @@ TickLabels tickLabels(const std::vector<double>& values)
 
 QString exponentText(int exponent)
 {
-    if (exponent == 0)
+    if (exponent == 0) {
         return {};
+    }
     static const char16_t superscripts[] = u"\u2070\u00b9\u00b2\u00b3\u2074\u2075\u2076\u2077\u2078\u2079";
     QString text = QStringLiteral("\u00d710");
-    for (const QChar c : QString::number(exponent))
+    for (const QChar c : QString::number(exponent)) {
         text += c == QLatin1Char('-') ? QChar(u'\u207b') : QChar(superscripts[c.digitValue()]);
+    }
     return text;
 }
 

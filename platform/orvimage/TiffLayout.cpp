@@ -36,8 +36,9 @@ std::uint64_t decodedBytes(TiffFile& file, const TiffLayout& layout)
 
 ORVDataTypes TiffLayout::pixelType() const
 {
-    if (!isPlain())
+    if (!isPlain()) {
         return bits <= 16 && sampleKind() == TiffInfo::Samples::Unsigned ? ORVTYPE_BYTE : ORVTYPE_NONE;
+    }
     switch (sampleKind()) {
     case TiffInfo::Samples::Unsigned:
         return bits == 8 ? ORVTYPE_BYTE : bits == 16 ? ORVTYPE_USHORT : bits == 32 ? ORVTYPE_DOUBLE : ORVTYPE_NONE;
@@ -77,8 +78,9 @@ bool readTiffLayout(TiffFile& file, int page, TiffLayout* layout)
     }
     TiffLayout read;
     if (TIFFGetField(tiff, TIFFTAG_IMAGEWIDTH, &read.width) != 1 ||
-        TIFFGetField(tiff, TIFFTAG_IMAGELENGTH, &read.height) != 1)
+        TIFFGetField(tiff, TIFFTAG_IMAGELENGTH, &read.height) != 1) {
         return file.fail(QStringLiteral("the image has no width or height"));
+    }
     read.bits = field(tiff, TIFFTAG_BITSPERSAMPLE, 1);
     read.format = field(tiff, TIFFTAG_SAMPLEFORMAT, SAMPLEFORMAT_UINT);
     read.samples = field(tiff, TIFFTAG_SAMPLESPERPIXEL, 1);
@@ -96,30 +98,35 @@ bool readTiffLayout(TiffFile& file, int page, TiffLayout* layout)
 
 bool checkTiffLayout(TiffFile& file, const TiffLayout& layout)
 {
-    if (layout.width == 0 || layout.height == 0 || layout.samples == 0)
+    if (layout.width == 0 || layout.height == 0 || layout.samples == 0) {
         return file.fail(QStringLiteral("the image has no pixels"));
+    }
     const ORVDataTypes type = layout.pixelType();
-    if (type == ORVTYPE_NONE)
+    if (type == ORVTYPE_NONE) {
         return file.fail(
             QStringLiteral("%1 bit samples of format %2 are not supported").arg(layout.bits).arg(layout.format));
+    }
 
     const std::uint64_t pixels = std::uint64_t{layout.width} * layout.height;
     const std::uint64_t sampleBytes =
         layout.isPlain() ? std::max<std::uint64_t>(layout.bits / 8U, CILImage::bytesPerPixel(type)) : 4U;
     const QString size = QStringLiteral("%1 x %2 x %3").arg(layout.width).arg(layout.height).arg(layout.samples);
-    if (layout.width > kMaxSide || layout.height > kMaxSide || pixels > kMaxPixelBytes / sampleBytes / layout.samples)
+    if (layout.width > kMaxSide || layout.height > kMaxSide || pixels > kMaxPixelBytes / sampleBytes / layout.samples) {
         return file.fail(QStringLiteral("the header claims %1 samples, more than 4 GiB").arg(size));
+    }
 
     const std::uint64_t decoded = decodedBytes(file, layout);
     const bool packed = layout.compression != COMPRESSION_NONE;
     const std::uint64_t most = packed ? file.fileSize() * kMaxCompression + kAllowance : file.fileSize();
     const std::uint64_t raster = layout.isPlain() ? 0 : pixels * 4;
-    if (decoded == 0 || decoded > most || raster > std::max(file.fileSize() * kMaxCompression, std::uint64_t{64} << 20))
+    if (decoded == 0 || decoded > most ||
+        raster > std::max(file.fileSize() * kMaxCompression, std::uint64_t{64} << 20)) {
         return file.fail(
             QStringLiteral("the header claims %1 samples of %2 bits, more than a file of %3 bytes can hold")
                 .arg(size)
                 .arg(layout.bits)
                 .arg(file.fileSize()));
+    }
     return true;
 }
 

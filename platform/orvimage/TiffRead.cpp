@@ -22,8 +22,9 @@ namespace {
 
 bool report(const QString& path, const QString& reason, QString* error)
 {
-    if (error != nullptr)
+    if (error != nullptr) {
         *error = path + QStringLiteral(": ") + (reason.isEmpty() ? QStringLiteral("cannot be read") : reason);
+    }
     return false;
 }
 
@@ -86,12 +87,14 @@ private:
 bool PageReader::read(CILImage& out)
 {
     if (out.InitWithType(m_layout.pixelType(), static_cast<long>(m_layout.width), static_cast<long>(m_layout.height)) !=
-        EIL_SUCCESS)
+        EIL_SUCCESS) {
         return m_file.fail(QStringLiteral("there is not enough memory for the image"));
+    }
     if (m_keepColours) {
         m_colours = QImage(static_cast<int>(m_layout.width), static_cast<int>(m_layout.height), QImage::Format_ARGB32);
-        if (m_colours.isNull())
+        if (m_colours.isNull()) {
             return m_file.fail(QStringLiteral("there is not enough memory for the image"));
+        }
     }
     return readBlocks(out);
 }
@@ -103,14 +106,16 @@ bool PageReader::readBlocks(CILImage& out)
     std::uint32_t blockHeight = m_layout.height;
     if (m_layout.tiled) {
         if (TIFFGetField(tiff, TIFFTAG_TILEWIDTH, &blockWidth) != 1 ||
-            TIFFGetField(tiff, TIFFTAG_TILELENGTH, &blockHeight) != 1)
+            TIFFGetField(tiff, TIFFTAG_TILELENGTH, &blockHeight) != 1) {
             return m_file.fail(QStringLiteral("the tiles have no size"));
+        }
     } else {
         TIFFGetFieldDefaulted(tiff, TIFFTAG_ROWSPERSTRIP, &blockHeight);
         blockHeight = std::min(blockHeight, m_layout.height);
     }
-    if (blockWidth == 0 || blockHeight == 0)
+    if (blockWidth == 0 || blockHeight == 0) {
         return m_file.fail(QStringLiteral("the strips or tiles have no size"));
+    }
 
     for (std::uint64_t y = 0; y < m_layout.height; y += blockHeight) {
         for (std::uint64_t x = 0; x < m_layout.width; x += blockWidth) {
@@ -120,8 +125,9 @@ bool PageReader::readBlocks(CILImage& out)
             block.width = std::min(blockWidth, m_layout.width - left);
             block.height = std::min(blockHeight, m_layout.height - top);
             // A tile is whole even where it reaches beyond the image; the last strip is not.
-            if (!readBlock(left, top, m_layout.tiled ? blockHeight : block.height, blockWidth, &block))
+            if (!readBlock(left, top, m_layout.tiled ? blockHeight : block.height, blockWidth, &block)) {
                 return false;
+            }
             store(block, out);
         }
     }
@@ -143,8 +149,9 @@ bool PageReader::readBlock(std::uint32_t x, std::uint32_t y, std::uint32_t rows,
         const std::size_t buffer = apart ? channel : 0;
         if (apart || c == 0) {
             m_buffers[buffer].resize(bytes);
-            if (!decode(buffer, x, y, bytes))
+            if (!decode(buffer, x, y, bytes)) {
                 return false;
+            }
         }
         block->channel[channel] = m_buffers[buffer].data() + (apart ? 0 : sample * sampleBytes);
     }
@@ -166,8 +173,9 @@ bool PageReader::decode(std::size_t buffer, std::uint32_t x, std::uint32_t y, st
         got = TIFFReadEncodedStrip(tiff, TIFFComputeStrip(tiff, y, plane), m_buffers[buffer].data(), wanted);
     }
     // Codecs may report an error and still deliver; what they delivered is not to be trusted.
-    if (got == wanted && m_file.reason().isEmpty())
+    if (got == wanted && m_file.reason().isEmpty()) {
         return true;
+    }
     return m_file.failFor(QStringLiteral("the pixels from row %1 on cannot be read").arg(y));
 }
 
@@ -212,18 +220,20 @@ void PageReader::storeAs(const Block& block, CILImage& out)
             for (std::uint32_t i = 0; i < block.width; ++i) {
                 const std::size_t at = i * block.stride;
                 Pixel& pixel = pixels[place(block.x + i, block.y + j)];
-                if (m_channels.count == 3)
+                if (m_channels.count == 3) {
                     pixel = orvimage::toPixel<Pixel>(luma(first[at], row(1)[at], row(2)[at]));
-                else if (turn)
+                } else if (turn) {
                     pixel = static_cast<Pixel>(std::numeric_limits<Sample>::max() - first[at]);
-                else
+                } else {
                     pixel = static_cast<Pixel>(first[at]);
+                }
             }
         }
     });
     if constexpr (std::is_unsigned_v<Sample> && sizeof(Sample) <= 2) {
-        if (m_keepColours)
+        if (m_keepColours) {
             storeColours<Sample>(block);
+        }
     }
 }
 
@@ -248,26 +258,31 @@ void PageReader::storeColours(const Block& block)
 bool readAsColours(TiffFile& file, const TiffLayout& layout, QImage& picture)
 {
     char reason[1024] = "";
-    if (TIFFRGBAImageOK(file.handle(), reason) != 1)
+    if (TIFFRGBAImageOK(file.handle(), reason) != 1) {
         return file.fail(QString::fromLocal8Bit(reason));
+    }
     constexpr std::uint32_t maxSide = 32767;
-    if (layout.width > maxSide || layout.height > maxSide)
+    if (layout.width > maxSide || layout.height > maxSide) {
         return file.fail(
             QStringLiteral("%1 x %2 pixels in colours are not supported").arg(layout.width).arg(layout.height));
+    }
     std::vector<std::uint32_t> raster(std::size_t{layout.width} * layout.height);
     if (TIFFReadRGBAImageOriented(file.handle(), layout.width, layout.height, raster.data(), ORIENTATION_TOPLEFT, 1) !=
             1 ||
-        !file.reason().isEmpty())
+        !file.reason().isEmpty()) {
         return file.fail(QStringLiteral("the pixels cannot be read"));
+    }
     picture = QImage(static_cast<int>(layout.width), static_cast<int>(layout.height), QImage::Format_ARGB32);
-    if (picture.isNull())
+    if (picture.isNull()) {
         return file.fail(QStringLiteral("there is not enough memory for the image"));
+    }
     const std::uint32_t* from = raster.data();
     for (int y = 0; y < picture.height(); ++y) {
         auto* line = reinterpret_cast<QRgb*>(picture.scanLine(y));
-        for (int x = 0; x < picture.width(); ++x, ++from)
+        for (int x = 0; x < picture.width(); ++x, ++from) {
             line[x] = qRgb(static_cast<int>(TIFFGetR(*from)), static_cast<int>(TIFFGetG(*from)),
                            static_cast<int>(TIFFGetB(*from)));
+        }
     }
     return true;
 }
@@ -275,42 +290,53 @@ bool readAsColours(TiffFile& file, const TiffLayout& layout, QImage& picture)
 bool readPage(TiffFile& file, int page, const TiffReadOptions& options, CILImage& out)
 {
     TiffLayout layout;
-    if (!readTiffLayout(file, page, &layout))
+    if (!readTiffLayout(file, page, &layout)) {
         return false;
+    }
     // Asked for by its number, a sample is what the file stores; a colour map tells only how to show it.
-    if (options.band >= 0 && layout.photometric == PHOTOMETRIC_PALETTE)
+    if (options.band >= 0 && layout.photometric == PHOTOMETRIC_PALETTE) {
         layout.photometric = PHOTOMETRIC_MINISBLACK;
-    if (!checkTiffLayout(file, layout))
+    }
+    if (!checkTiffLayout(file, layout)) {
         return false;
-    if (options.band >= layout.samples)
+    }
+    if (options.band >= layout.samples) {
         return file.fail(QStringLiteral("there is no sample %1, only %2").arg(options.band).arg(layout.samples));
+    }
     if (!layout.isPlain()) {
         QImage picture;
-        if (!readAsColours(file, layout, picture))
+        if (!readAsColours(file, layout, picture)) {
             return false;
+        }
         out.setRGBImage(picture);
-        if (out.isEmpty())
+        if (out.isEmpty()) {
             return file.fail(QStringLiteral("there is not enough memory for the image"));
-        if (!options.keepColours || layout.isGrey())
+        }
+        if (!options.keepColours || layout.isGrey()) {
             out.dropRGBImage();
+        }
         return true;
     }
-    if (layout.orientation > ORIENTATION_BOTLEFT)
+    if (layout.orientation > ORIENTATION_BOTLEFT) {
         return file.fail(QStringLiteral("the image lies on its side (orientation %1), which is not supported")
                              .arg(layout.orientation));
+    }
     Channels channels;
     const bool mix = layout.isRgb() && options.band < 0;
-    if (mix)
+    if (mix) {
         channels = {{0, 1, 2}, 3};
-    else
+    } else {
         channels.sample[0] = std::max(0, options.band);
+    }
     const bool keepColours =
         mix && options.keepColours && layout.bits <= 16 && layout.sampleKind() == TiffInfo::Samples::Unsigned;
     PageReader reader(file, layout, channels, keepColours);
-    if (!reader.read(out))
+    if (!reader.read(out)) {
         return false;
-    if (keepColours)
+    }
+    if (keepColours) {
         out.setRGBImage(reader.colours());
+    }
     return true;
 }
 
@@ -336,12 +362,14 @@ TiffPageReader::~TiffPageReader() = default;
 
 bool TiffPageReader::open(const QString& path, QString* error)
 {
-    if (m_pFile != nullptr && path == m_strPath)
+    if (m_pFile != nullptr && path == m_strPath) {
         return true;
+    }
     m_pFile = std::make_unique<TiffFile>();
     m_strPath = path;
-    if (m_pFile->openForReading(path))
+    if (m_pFile->openForReading(path)) {
         return true;
+    }
     report(path, m_pFile->reason(), error);
     m_pFile.reset();
     return false;
@@ -351,8 +379,9 @@ bool TiffPageReader::read(const QString& path, int page, const TiffReadOptions& 
 {
     out.clear();
     const bool reused = m_pFile != nullptr && path == m_strPath;
-    if (!open(path, error))
+    if (!open(path, error)) {
         return false;
+    }
     bool ok = false;
     try {
         ok = readPage(*m_pFile, page, options, out);
@@ -374,8 +403,9 @@ bool TiffPageReader::readHeader(const QString& path, int page, TiffInfo* info, Q
 {
     TiffLayout layout;
     const bool reused = m_pFile != nullptr && path == m_strPath;
-    if (!open(path, error))
+    if (!open(path, error)) {
         return false;
+    }
     if (!readTiffLayout(*m_pFile, page, &layout)) {
         report(path, m_pFile->reason(), error);
         m_pFile.reset();
@@ -403,7 +433,8 @@ int tiffPageCount(const QString& path, QString* error)
 {
     TiffFile file;
     const int pages = file.openForReading(path) ? static_cast<int>(TIFFNumberOfDirectories(file.handle())) : 0;
-    if (pages < 1)
+    if (pages < 1) {
         report(path, file.reason(), error);
+    }
     return pages;
 }

@@ -44,10 +44,12 @@ void setFields(TIFF* tiff, const CILImage& image, std::size_t rowsPerStrip, cons
     TIFFSetField(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
     TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, static_cast<std::uint32_t>(rowsPerStrip));
     TIFFSetField(tiff, TIFFTAG_SOFTWARE, "orvimage");
-    if (!options.description.isEmpty())
+    if (!options.description.isEmpty()) {
         TIFFSetField(tiff, TIFFTAG_IMAGEDESCRIPTION, options.description.toUtf8().constData());
-    if (!options.pageName.isEmpty())
+    }
+    if (!options.pageName.isEmpty()) {
         TIFFSetField(tiff, TIFFTAG_PAGENAME, options.pageName.toUtf8().constData());
+    }
     if (options.compression == TiffWriteOptions::Compression::Deflate) {
         TIFFSetField(tiff, TIFFTAG_COMPRESSION, COMPRESSION_ADOBE_DEFLATE);
         TIFFSetField(tiff, TIFFTAG_PREDICTOR, isFloat(type) ? PREDICTOR_FLOATINGPOINT : PREDICTOR_HORIZONTAL);
@@ -65,8 +67,9 @@ bool writeStrips(TIFF* tiff, const CILImage& image, std::size_t rowBytes, std::s
         const unsigned char* from = image.bytes() + row * rowBytes;
         strip.assign(from, from + rows * rowBytes);
         const auto number = static_cast<std::uint32_t>(row / rowsPerStrip);
-        if (TIFFWriteEncodedStrip(tiff, number, strip.data(), static_cast<tmsize_t>(strip.size())) < 0)
+        if (TIFFWriteEncodedStrip(tiff, number, strip.data(), static_cast<tmsize_t>(strip.size())) < 0) {
             return false;
+        }
     }
     return TIFFWriteDirectory(tiff) == 1 && TIFFFlush(tiff) == 1;
 }
@@ -100,11 +103,13 @@ bool TiffStackWriter::Output::open(bool big)
 {
     const int descriptor = ::open(QFile::encodeName(target.path()).constData(), O_RDWR | O_TRUNC | O_CLOEXEC);
     second = descriptor < 0 ? -1 : ::fcntl(descriptor, F_DUPFD_CLOEXEC, 0);
-    if (second >= 0)
+    if (second >= 0) {
         return file.openForWriting(descriptor, target.path(), big);
+    }
     const QString reason = qt_error_string(errno);
-    if (descriptor >= 0)
+    if (descriptor >= 0) {
         ::close(descriptor);
+    }
     return file.fail(reason);
 }
 
@@ -113,8 +118,9 @@ bool TiffStackWriter::Output::close()
 {
     file.close();
     const bool onDisk = ::fsync(second) == 0 || errno == EINVAL || errno == ENOTSUP;
-    if (!onDisk || !closeDescriptor())
+    if (!onDisk || !closeDescriptor()) {
         file.fail(qt_error_string(errno));
+    }
     return file.reason().isEmpty();
 }
 
@@ -124,8 +130,9 @@ TiffStackWriter::~TiffStackWriter() = default;
 bool TiffStackWriter::fail(const QString& sentence, QString* error)
 {
     m_pOutput.reset();
-    if (error != nullptr)
+    if (error != nullptr) {
         *error = sentence;
+    }
     return false;
 }
 
@@ -138,34 +145,41 @@ bool TiffStackWriter::begin(const QString& path, std::uint64_t pixelBytes, QStri
 {
     m_strPath = path;
     m_pOutput = std::make_unique<Output>(path);
-    if (!m_pOutput->target.isValid())
+    if (!m_pOutput->target.isValid()) {
         return fail(m_pOutput->target.error(), error);
+    }
     return m_pOutput->open(pixelBytes > kMaxClassicBytes) || failWriting(error);
 }
 
 bool TiffStackWriter::add(const CILImage& image, const TiffWriteOptions& options, QString* error)
 {
-    if (image.isEmpty())
+    if (image.isEmpty()) {
         return fail(m_strPath + QStringLiteral(": an empty image cannot be written"), error);
-    if (m_pOutput == nullptr)
+    }
+    if (m_pOutput == nullptr) {
         return fail(m_strPath + QStringLiteral(": the file is not being written"), error);
+    }
     const std::size_t rowBytes = static_cast<std::size_t>(image.m_lWidth) * CILImage::bytesPerPixel(image.dataType());
     const std::size_t rowsPerStrip = std::max<std::size_t>(1, kStripBytes / rowBytes);
     orvimage::TiffFile& file = m_pOutput->file;
     setFields(file.handle(), image, rowsPerStrip, options);
-    if (!writeStrips(file.handle(), image, rowBytes, rowsPerStrip))
+    if (!writeStrips(file.handle(), image, rowBytes, rowsPerStrip)) {
         file.fail(QStringLiteral("the pixels cannot be written"));
+    }
     return file.reason().isEmpty() || failWriting(error);
 }
 
 bool TiffStackWriter::finish(QString* error)
 {
-    if (m_pOutput == nullptr)
+    if (m_pOutput == nullptr) {
         return fail(m_strPath + QStringLiteral(": the file is not being written"), error);
-    if (!m_pOutput->close())
+    }
+    if (!m_pOutput->close()) {
         return failWriting(error);
-    if (!m_pOutput->target.commit())
+    }
+    if (!m_pOutput->target.commit()) {
         return fail(m_pOutput->target.error(), error);
+    }
     m_pOutput.reset();
     return true;
 }
@@ -173,8 +187,9 @@ bool TiffStackWriter::finish(QString* error)
 bool writeTiff(const QString& path, const CILImage& image, const TiffWriteOptions& options, QString* error)
 {
     if (image.isEmpty()) {
-        if (error != nullptr)
+        if (error != nullptr) {
             *error = path + QStringLiteral(": an empty image cannot be written");
+        }
         return false;
     }
     const std::uint64_t bytes = image.pixelCount() * CILImage::bytesPerPixel(image.dataType());

@@ -25,12 +25,14 @@ std::vector<Element> privateField(TIFF* tiff, std::uint32_t tag, TIFFDataType ty
 {
     const TIFFField* field = TIFFFindField(tiff, tag, TIFF_ANY);
     if (field == nullptr || TIFFFieldDataType(field) != type || TIFFFieldPassCount(field) == 0 ||
-        TIFFFieldReadCount(field) != TIFF_VARIABLE2)
+        TIFFFieldReadCount(field) != TIFF_VARIABLE2) {
         return {};
+    }
     std::uint32_t count = 0;
     const Element* elements = nullptr;
-    if (TIFFGetField(tiff, tag, &count, &elements) != 1 || elements == nullptr || count > kMaxTextBytes)
+    if (TIFFGetField(tiff, tag, &count, &elements) != 1 || elements == nullptr || count > kMaxTextBytes) {
         return {};
+    }
     return std::vector<Element>(elements, elements + count);
 }
 
@@ -43,8 +45,9 @@ Number loadNumber(const unsigned char* from, bool big)
 QString utf16Text(const unsigned char* from, std::size_t bytes, bool big)
 {
     QString text;
-    for (std::size_t i = 0; i + 1 < bytes; i += 2)
+    for (std::size_t i = 0; i + 1 < bytes; i += 2) {
         text.append(QChar(loadNumber<quint16>(from + i, big)));
+    }
     return text;
 }
 
@@ -58,8 +61,9 @@ QStringList readLabels(TIFF* tiff)
     const std::vector<unsigned char> blocks = privateField<unsigned char>(tiff, kBlocksTag, TIFF_BYTE);
     const bool big = TIFFIsBigEndian(tiff) != 0;
     if (sizes.empty() || sizes[0] < 4 + entryBytes || sizes[0] > blocks.size() ||
-        loadNumber<quint32>(blocks.data(), big) != magic)
+        loadNumber<quint32>(blocks.data(), big) != magic) {
         return {};
+    }
     QStringList labels;
     std::size_t block = 1;
     std::size_t at = sizes[0];
@@ -67,10 +71,12 @@ QStringList readLabels(TIFF* tiff)
         const auto kind = loadNumber<quint32>(blocks.data() + entry, big);
         const auto count = loadNumber<quint32>(blocks.data() + entry + 4, big);
         for (quint32 i = 0; i < count; ++i, ++block) {
-            if (block >= sizes.size() || sizes[block] > blocks.size() - at)
+            if (block >= sizes.size() || sizes[block] > blocks.size() - at) {
                 return labels;
-            if (kind == labelKind)
+            }
+            if (kind == labelKind) {
                 labels.append(utf16Text(blocks.data() + at, sizes[block], big));
+            }
             at += sizes[block];
         }
     }
@@ -80,11 +86,13 @@ QStringList readLabels(TIFF* tiff)
 bool readText(TiffFile& file, std::uint32_t tag, QString* text)
 {
     const char* characters = nullptr;
-    if (TIFFGetField(file.handle(), tag, &characters) != 1 || characters == nullptr)
+    if (TIFFGetField(file.handle(), tag, &characters) != 1 || characters == nullptr) {
         return true;
+    }
     const std::size_t length = std::strlen(characters);
-    if (length > kMaxTextBytes)
+    if (length > kMaxTextBytes) {
         return file.fail(QStringLiteral("a text of %1 bytes is too large").arg(length));
+    }
     *text = QString::fromUtf8(characters, static_cast<int>(length));
     return true;
 }
@@ -94,8 +102,9 @@ bool readPages(TiffFile& file, TiffTexts& read)
     for (;;) {
         TiffTexts::Page page;
         if (!readText(file, TIFFTAG_IMAGEDESCRIPTION, &page.description) ||
-            !readText(file, TIFFTAG_PAGENAME, &page.pageName))
+            !readText(file, TIFFTAG_PAGENAME, &page.pageName)) {
             return false;
+        }
         if (read.pages.isEmpty()) {
             read.labels = readLabels(file.handle());
         } else {
@@ -103,10 +112,12 @@ bool readPages(TiffFile& file, TiffTexts& read)
             page.pageName.truncate(kMaxLaterText);
         }
         read.pages.append(page);
-        if (TIFFLastDirectory(file.handle()) != 0)
+        if (TIFFLastDirectory(file.handle()) != 0) {
             return true;
-        if (TIFFReadDirectory(file.handle()) != 1)
+        }
+        if (TIFFReadDirectory(file.handle()) != 1) {
             return file.failFor(QStringLiteral("page %1 cannot be read").arg(read.pages.size()));
+        }
     }
 }
 
@@ -120,7 +131,8 @@ bool readTiffTexts(const QString& path, TiffTexts* texts, QString* error)
         *texts = read;
         return true;
     }
-    if (error != nullptr)
+    if (error != nullptr) {
         *error = path + QStringLiteral(": ") + file.reason();
+    }
     return false;
 }

@@ -22,8 +22,9 @@ void preferLargePages(Matrix<double>& matrix)
 #ifdef MADV_HUGEPAGE
     const auto begin = reinterpret_cast<std::uintptr_t>(matrix.storage.data);
     const std::uintptr_t bytes = static_cast<std::uintptr_t>(matrix.storage.n_) * sizeof(double);
-    if (bytes < smallestBlock)
+    if (bytes < smallestBlock) {
         return;
+    }
     const std::uintptr_t first = (begin + largePage - 1) / largePage * largePage;
     const std::uintptr_t last = (begin + bytes) / largePage * largePage;
     // Only whole large pages inside the block: what lies beside it is not ours. A refusal is no loss.

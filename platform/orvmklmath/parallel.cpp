@@ -77,8 +77,9 @@ int defaultThreadCount()
 {
     cpu_set_t set;
     CPU_ZERO(&set);
-    if (sched_getaffinity(0, sizeof set, &set) != 0)
+    if (sched_getaffinity(0, sizeof set, &set) != 0) {
         return 1;
+    }
     return std::max(1, CPU_COUNT(&set));
 }
 
@@ -123,14 +124,16 @@ public:
     {
         std::vector<std::thread> helpers;
         try {
-            for (int i = 1; i < threads; ++i)
+            for (int i = 1; i < threads; ++i) {
                 helpers.emplace_back([&slice] { slice.drain(); });
+            }
         } catch (const std::system_error&) {
             // No further thread to be had: those that run, at least this one, do the work.
         }
         slice.drain();
-        for (std::thread& helper : helpers)
+        for (std::thread& helper : helpers) {
             helper.join();
+        }
     }
 
 private:
@@ -187,8 +190,9 @@ long long nextSliceLength(long long length, double seconds, long long threads)
 void parallelChunks(long long count, long long grain, const std::function<void(long long begin, long long end)>& body)
 {
     XTNT_ASSERT(!insideBody);
-    if (count < 1)
+    if (count < 1) {
         return;
+    }
     grain = std::max(grain, 1LL);
 
     const ClosedDoor door;
@@ -202,10 +206,11 @@ void parallelChunks(long long count, long long grain, const std::function<void(l
         const long long last = first + std::min(length, chunks - first);
         Slice slice(count, grain, body, first, last);
         const int helpers = static_cast<int>(std::min(threads, last - first));
-        if (helpers == 1)
+        if (helpers == 1) {
             slice.drain();
-        else
+        } else {
             workers.run(slice, helpers);
+        }
         const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
         length = nextSliceLength(last - first, elapsed.count(), threads);
         first = last;
@@ -229,8 +234,9 @@ void setThreadCount(int n)
 {
     XTNT_ASSERT(!insideBody);
     const int threads = n < 1 ? defaultThreadCount() : n;
-    if (threads != threadCount())
+    if (threads != threadCount()) {
         workersSlot() = std::make_unique<Workers>(threads);
+    }
 }
 
 int threadCount()

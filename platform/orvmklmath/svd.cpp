@@ -39,12 +39,14 @@ struct Source
         const double* from = a[i];
         std::copy_n(from, a.N, to);
         if (shift.n_ > 0) {
-            for (long long j = 0; j < a.N; ++j)
+            for (long long j = 0; j < a.N; ++j) {
                 to[j] -= shift.data[j];
+            }
         }
         if (divisor.n_ > 0) {
-            for (long long j = 0; j < a.N; ++j)
+            for (long long j = 0; j < a.N; ++j) {
                 to[j] /= divisor.data[j];
+            }
         }
     }
 };
@@ -79,8 +81,9 @@ bool factoriseBlocks(const Source& source, Matrix<double>& factors, Matrix<doubl
         const long long begin = blocks.begin(i);
         const long long rows = blocks.begin(i + 1) - begin;
         HouseholderBlock block(rows, n);
-        for (long long r = 0; r < rows; ++r)
+        for (long long r = 0; r < rows; ++r) {
             source.copyRow(begin + r, block.row(r));
+        }
         if (!block.scale(exponents[static_cast<std::size_t>(i)])) {
             finite.store(false, std::memory_order_relaxed);
             return;
@@ -89,13 +92,15 @@ bool factoriseBlocks(const Source& source, Matrix<double>& factors, Matrix<doubl
         block.storeFactors(factors[begin]);
         block.storeTriangle(triangles[i * n]);
     });
-    if (!finite.load())
+    if (!finite.load()) {
         return false;
+    }
     exponent = *std::max_element(exponents.begin(), exponents.end());
     for (long long i = 0; i < blocks.count(); ++i) {
         const int own = exponents[static_cast<std::size_t>(i)];
-        for (long long k = i * n * n; own != exponent && k < (i + 1) * n * n; ++k)
+        for (long long k = i * n * n; own != exponent && k < (i + 1) * n * n; ++k) {
             triangles.storage[k] = std::ldexp(triangles.storage[k], own - exponent);
+        }
     }
     return true;
 }
@@ -113,8 +118,9 @@ void applyBlocks(Matrix<double>& factors, const Matrix<double>& coefficients)
 void copyTo(const MatrixXd& from, Matrix<double>& to)
 {
     for (long long i = 0; i < from.rows(); ++i) {
-        for (long long j = 0; j < from.cols(); ++j)
+        for (long long j = 0; j < from.cols(); ++j) {
             to[i][j] = from(i, j);
+        }
     }
 }
 
@@ -124,8 +130,9 @@ MatrixXd asDense(const Source& source)
     Vector<double> row(source.a.N);
     for (long long i = 0; i < source.a.M; ++i) {
         source.copyRow(i, row.data);
-        for (long long j = 0; j < source.a.N; ++j)
+        for (long long j = 0; j < source.a.N; ++j) {
             dense(i, j) = row[j];
+        }
     }
     return dense;
 }
@@ -134,8 +141,9 @@ MatrixXd asDense(const Source& source)
 // False when an element is not finite.
 bool decomposeSmall(const MatrixXd& a, Matrix<double>& U, Vector<double>& s, Matrix<double>& V)
 {
-    if (!a.allFinite())
+    if (!a.allFinite()) {
         return false;
+    }
     cancellationPoint();
     const Eigen::JacobiSVD<MatrixXd> svd(a, Eigen::ComputeFullU | Eigen::ComputeFullV);
     copyTo(svd.matrixU(), U);
@@ -151,25 +159,29 @@ bool decomposeTall(const Source& source, SVD& svd)
     std::vector<Matrix<double>> levels{svd.U};
     Matrix<double> triangles;
     int exponent = 0;
-    if (!factoriseBlocks(source, levels.back(), triangles, exponent))
+    if (!factoriseBlocks(source, levels.back(), triangles, exponent)) {
         return false;
+    }
     while (triangles.M > svd.n) {
         levels.push_back(triangles);
         int further = 0;
         Matrix<double>& level = levels.back();
-        if (!factoriseBlocks({level, asItIs, asItIs}, level, triangles, further))
+        if (!factoriseBlocks({level, asItIs, asItIs}, level, triangles, further)) {
             return false;
+        }
         exponent += further;
     }
     Matrix<double> coefficients(svd.n, svd.n);
-    if (!decomposeSmall(asDense({triangles, asItIs, asItIs}), coefficients, svd.s, svd.V))
+    if (!decomposeSmall(asDense({triangles, asItIs, asItIs}), coefficients, svd.s, svd.V)) {
         return false;
+    }
     for (; !levels.empty(); levels.pop_back()) {
         applyBlocks(levels.back(), coefficients);
         coefficients = levels.back();
     }
-    for (long long j = 0; j < svd.n; ++j)
+    for (long long j = 0; j < svd.n; ++j) {
         svd.s[j] = std::ldexp(svd.s[j], exponent);
+    }
     return true;
 }
 
@@ -191,13 +203,15 @@ SVD::SVD(const Matrix<double>& a, const Vector<double>& shift, const Vector<doub
 {
     XTNT_ASSERT(shift.n_ == 0 || shift.n_ == a.N);
     XTNT_ASSERT(divisor.n_ == 0 || divisor.n_ == a.N);
-    if (a.empty())
+    if (a.empty()) {
         return;
+    }
     preferLargePages(U);
     const Source source{a, shift, divisor};
     const bool finite = m < n ? decomposeSmall(asDense(source), U, s, V) : decomposeTall(source, *this);
-    if (!finite)
+    if (!finite) {
         fillWithNaN(*this);
+    }
 }
 
 } // namespace XTNT

@@ -51,8 +51,9 @@ void passRun(const PassRows& rows, const double* __restrict update, double* __re
     constexpr int sets = width == 1 ? 4 : width <= 3 ? 2 : 1;
     Lanes taken[width];
     Lanes total[sets][width] = {};
-    for (int v = 0; v < width; ++v)
+    for (int v = 0; v < width; ++v) {
         taken[v] = updates ? lanesAt(update + v * lanes) : Lanes{};
+    }
     const auto addRow = [&](long long r, Lanes* to) {
         double* row = rows.first + r * rows.stride;
         const double* pivot = rows.pivot + r * rows.stride;
@@ -64,23 +65,28 @@ void passRun(const PassRows& rows, const double* __restrict update, double* __re
                 lanesAt(row + v * lanes) = values[v];
             }
         } else {
-            for (int v = 0; v < width; ++v)
+            for (int v = 0; v < width; ++v) {
                 values[v] = lanesAt(row + v * lanes);
+            }
         }
         const double weight = *pivot;
-        for (int v = 0; v < width; ++v)
+        for (int v = 0; v < width; ++v) {
             to[v] += weight * values[v];
+        }
     };
     long long r = 0;
     for (; r + sets <= rows.count; r += sets) {
-        for (int set = 0; set < sets; ++set)
+        for (int set = 0; set < sets; ++set) {
             addRow(r + set, total[set]);
+        }
     }
-    for (; r < rows.count; ++r)
+    for (; r < rows.count; ++r) {
         addRow(r, total[0]);
+    }
     for (int v = 0; v < width; ++v) {
-        for (int set = 1; set < sets; ++set)
+        for (int set = 1; set < sets; ++set) {
             total[0][v] += total[set][v];
+        }
         lanesAt(sums + v * lanes) += total[0][v];
     }
 }
@@ -142,8 +148,9 @@ public:
         for (long long first = 0; first < m_padded; first += stripColumns) {
             const long long width = stripWidth(first, m_padded);
             const long long used = std::min(width, columns - first);
-            for (long long i = 0; i < rows; ++i, to += width)
+            for (long long i = 0; i < rows; ++i, to += width) {
                 std::copy_n(matrix + i * columns + first, used, to);
+            }
         }
     }
 
@@ -153,12 +160,14 @@ public:
     {
         for (long long first = 0; first < count; first += stripRows) {
             const double* rows[stripRows];
-            for (long long r = 0; r < stripRows; ++r)
+            for (long long r = 0; r < stripRows; ++r) {
                 rows[r] = left + std::min(first + r, count - 1) * m_rows;
+            }
             sumStrips(rows, m_rows, m_packed.data(), m_padded, m_results.data(),
                       [](Lanes& sum, double value, const Lanes& factor) { sum += value * factor; });
-            for (long long r = 0; r < std::min<long long>(stripRows, count - first); ++r)
+            for (long long r = 0; r < std::min<long long>(stripRows, count - first); ++r) {
                 std::copy_n(m_results.data() + r * m_padded, m_columns, result + (first + r) * m_columns);
+            }
         }
     }
 
@@ -192,12 +201,14 @@ bool HouseholderBlock::scale(int& exponent)
     }
     double largest = 0;
     std::memcpy(&largest, &largestBits, sizeof largest);
-    if (!std::isfinite(largest))
+    if (!std::isfinite(largest)) {
         return false;
+    }
     exponent = largest > 0 ? std::ilogb(largest) : zeroBlock;
     if (largest > 0 && std::abs(exponent) > safeExponent) {
-        for (double& value : m_tile)
+        for (double& value : m_tile) {
             value = std::ldexp(value, -exponent);
+        }
     } else if (largest > 0) {
         exponent = 0;
     }
@@ -210,8 +221,9 @@ void HouseholderBlock::factorise()
     passStrips<false>(below, m_stride / lanes, m_update.data(), m_products.data());
     for (long long k = 0; k < m_columns; ++k) {
         reflect(k);
-        if (k + 1 < m_columns)
+        if (k + 1 < m_columns) {
             passRows(k);
+        }
     }
 }
 
@@ -222,8 +234,9 @@ void HouseholderBlock::reflect(long long k)
     const double square = m_products[static_cast<std::size_t>(k)];
     std::fill(m_update.begin(), m_update.end(), 0.0);
     m_inverses[static_cast<std::size_t>(k)] = 0;
-    if (!(square > negligibleSquare))
+    if (!(square > negligibleSquare)) {
         return;
+    }
     const double beta = -std::copysign(std::sqrt(top[k] * top[k] + square), top[k]);
     const double tau = (beta - top[k]) / beta;
     const double inverse = 1 / (top[k] - beta);
@@ -244,8 +257,9 @@ void HouseholderBlock::setTriangularColumn(long long k, double tau)
     const double* top = row(k);
     for (long long j = 0; j < k; ++j) {
         const double product = inverse(j) * (top[j] + inverse(k) * m_products[static_cast<std::size_t>(j)]);
-        for (long long i = 0; i <= j; ++i)
+        for (long long i = 0; i <= j; ++i) {
             t(i)[k] -= tau * t(i)[j] * product;
+        }
     }
     t(k)[k] = tau;
 }
@@ -256,8 +270,9 @@ void HouseholderBlock::passRows(long long k)
     const long long next = k + 1;
     double* top = row(next);
     const double reflected = top[k];
-    for (long long j = next; j < m_columns; ++j)
+    for (long long j = next; j < m_columns; ++j) {
         top[j] -= reflected * m_update[static_cast<std::size_t>(j)];
+    }
 
     const long long done = next / lanes * lanes;
     double* below = top + m_stride;
@@ -273,10 +288,12 @@ void HouseholderBlock::storeFactors(double* to) const
         const double* from = m_tile.data() + r * m_stride;
         double* __restrict result = to + r * m_columns;
         const long long below = std::min(r, m_columns);
-        for (long long j = 0; j < below; ++j)
+        for (long long j = 0; j < below; ++j) {
             result[j] = from[j] * m_inverses[static_cast<std::size_t>(j)];
-        if (r < m_columns)
+        }
+        if (r < m_columns) {
             std::copy(t(r) + r, t(r) + m_columns, result + r);
+        }
     }
 }
 
@@ -298,19 +315,22 @@ void applyFactors(double* block, long long rows, long long columns, const double
     std::vector<double> minusT(lower.size());
     for (long long i = 0; i < n; ++i) {
         lower[static_cast<std::size_t>(i * n + i)] = lowerTransposed[static_cast<std::size_t>(i * n + i)] = 1;
-        for (long long j = 0; j < i; ++j)
+        for (long long j = 0; j < i; ++j) {
             lower[static_cast<std::size_t>(i * n + j)] = lowerTransposed[static_cast<std::size_t>(j * n + i)] =
                 block[i * n + j];
-        for (long long j = i; j < n; ++j)
+        }
+        for (long long j = i; j < n; ++j) {
             minusT[static_cast<std::size_t>(i * n + j)] = -block[i * n + j];
+        }
     }
     std::vector<double> factor(lower.size());
     PackedMatrix(c, n, n).multiply(lowerTransposed.data(), n, factor.data());
     PackedMatrix(factor.data(), n, n).multiply(minusT.data(), n, factor.data());
     PackedMatrix packed(factor.data(), n, n);
     packed.multiply(lower.data(), n, block);
-    for (long long i = 0; i < n * n; ++i)
+    for (long long i = 0; i < n * n; ++i) {
         block[i] += c[i];
+    }
     packed.multiply(block + n * n, rows - n, block + n * n);
 }
 

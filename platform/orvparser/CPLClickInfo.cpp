@@ -22,20 +22,24 @@ CPLClickInfo::CPLClickInfo(const CPLClickInfo& other)
 
 CPLClickInfo& CPLClickInfo::operator=(const CPLClickInfo& other)
 {
-    if (this == &other)
+    if (this == &other) {
         return *this;
+    }
     m_sections.clear();
-    for (const auto& section : other.m_sections)
+    for (const auto& section : other.m_sections) {
         m_sections.append(QSharedPointer<CPLSection>::create(*section));
+    }
     return *this;
 }
 
 const CPLSection* CPLClickInfo::operator[](const QString& strKey) const
 {
     QString key;
-    for (const auto& section : m_sections)
-        if (section->getSectionKey(&key) == 0 && key == strKey)
+    for (const auto& section : m_sections) {
+        if (section->getSectionKey(&key) == 0 && key == strKey) {
             return section.data();
+        }
+    }
     return nullptr;
 }
 
@@ -68,8 +72,9 @@ int CPLClickInfo::getSectionCount(int* pCount) const
 
 int CPLClickInfo::addSection(const CPLSection* pSection)
 {
-    if (pSection == nullptr)
+    if (pSection == nullptr) {
         return Failure;
+    }
     m_sections.append(QSharedPointer<CPLSection>::create(*pSection));
     return Success;
 }
@@ -91,10 +96,12 @@ int CPLClickInfo::loadClickInfo(const QString& strPath, QStringList* pWarnings)
     m_sections.clear();
     QByteArray text;
     QString error;
-    if (SectionText::readFile(strPath, &text, &error))
+    if (SectionText::readFile(strPath, &text, &error)) {
         return parse(text, strPath, pWarnings);
-    if (pWarnings != nullptr)
+    }
+    if (pWarnings != nullptr) {
         pWarnings->append(error);
+    }
     return Failure;
 }
 
@@ -114,10 +121,11 @@ int CPLClickInfo::saveClickInfo(const QString& strPath) const
     const QByteArray text = toText();
     QString error;
     // What could not be read back is not put in a good file's place.
-    if (text.size() > SectionText::maximumBytes || text.count('\n') > SectionText::maximumLines)
+    if (text.size() > SectionText::maximumBytes || text.count('\n') > SectionText::maximumLines) {
         error = QStringLiteral("%1: not written: too many keys").arg(strPath);
-    else if (orv::writeFileAtomically(strPath, text, &error))
+    } else if (orv::writeFileAtomically(strPath, text, &error)) {
         return Success;
+    }
     CORVLog::getLogObject()->log(error, QString(), 0, QString(), CORVLOG_ERROR, false);
     return Failure;
 }

@@ -28,12 +28,14 @@ bool leadingNumber(const QString& strText, double* pValue)
     const QByteArray text = strText.trimmed().toLatin1();
     const char* pBegin = text.constData();
     const char* const pEnd = pBegin + text.size();
-    if (pBegin != pEnd && *pBegin == '+' && pEnd - pBegin > 1 && pBegin[1] != '-')
+    if (pBegin != pEnd && *pBegin == '+' && pEnd - pBegin > 1 && pBegin[1] != '-') {
         ++pBegin;
+    }
     double value = 0.0;
     const auto [pStop, error] = std::from_chars(pBegin, pEnd, value);
-    if (error != std::errc() || !std::isfinite(value) || (pStop != pEnd && spoilsNumber(*pStop)))
+    if (error != std::errc() || !std::isfinite(value) || (pStop != pEnd && spoilsNumber(*pStop))) {
         return false;
+    }
     *pValue = value;
     return true;
 }
@@ -56,11 +58,13 @@ int CPLSection::getValue(const QString& strKey, QString* pValue) const
 int CPLSection::getValue(const QString& strKey, double* pValue) const
 {
     QString text;
-    if (getValue(strKey, &text) != Success)
+    if (getValue(strKey, &text) != Success) {
         return Missing;
+    }
     double value = 0.0;
-    if (!leadingNumber(text, &value))
+    if (!leadingNumber(text, &value)) {
         return NotANumber;
+    }
     *pValue = value;
     return Success;
 }
@@ -69,10 +73,12 @@ int CPLSection::getValue(const QString& strKey, float* pValue) const
 {
     double value = 0.0;
     const int status = getValue(strKey, &value);
-    if (status != Success)
+    if (status != Success) {
         return status;
-    if (std::fabs(value) > static_cast<double>(std::numeric_limits<float>::max()))
+    }
+    if (std::fabs(value) > static_cast<double>(std::numeric_limits<float>::max())) {
         return NotANumber;
+    }
     *pValue = static_cast<float>(value);
     return Success;
 }
@@ -81,11 +87,13 @@ int CPLSection::getValue(const QString& strKey, int* pValue) const
 {
     double value = 0.0;
     const int status = getValue(strKey, &value);
-    if (status != Success)
+    if (status != Success) {
         return status;
+    }
     const bool inRange = value >= std::numeric_limits<int>::min() && value <= std::numeric_limits<int>::max();
-    if (!inRange || value != std::trunc(value))
+    if (!inRange || value != std::trunc(value)) {
         return NotANumber;
+    }
     *pValue = static_cast<int>(value);
     return Success;
 }
@@ -113,9 +121,11 @@ void CPLSection::addKeyValue(const QString& strKey, const QString& strValue)
 
 void CPLSection::removeKey(const QString& strKey)
 {
-    for (int i = m_entries.size() - 1; i >= 0; --i)
-        if (m_entries[i].first == strKey)
+    for (int i = m_entries.size() - 1; i >= 0; --i) {
+        if (m_entries[i].first == strKey) {
             m_entries.removeAt(i);
+        }
+    }
 }
 
 bool CPLSection::isKeyPresent(const QString& strKey) const
@@ -127,15 +137,17 @@ bool CPLSection::isKeyPresent(const QString& strKey) const
 void CPLSection::getKeyList(QStringList* pKeys) const
 {
     pKeys->clear();
-    for (const auto& entry : m_entries)
+    for (const auto& entry : m_entries) {
         pKeys->append(entry.first);
+    }
 }
 
 void CPLSection::getValueList(QStringList* pValues) const
 {
     pValues->clear();
-    for (const auto& entry : m_entries)
+    for (const auto& entry : m_entries) {
         pValues->append(entry.second);
+    }
 }
 
 int CPLSection::getSectionName(QString* pName, bool bTrimmed) const

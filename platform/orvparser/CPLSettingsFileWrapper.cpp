@@ -13,15 +13,18 @@ bool CPLSettingsFileWrapper::load(const QString& strPath)
     QByteArray text;
     QString error;
     QStringList warnings;
-    if (!SectionText::readFile(strPath, &text, &error))
+    if (!SectionText::readFile(strPath, &text, &error)) {
         warnings.append(error);
-    else if (text.trimmed().isEmpty())
+    } else if (text.trimmed().isEmpty()) {
         return true;
+    }
     // A list with a skipped line would be saved back without it, so it counts as broken as a whole.
-    else if (SectionText::parse(text, strPath, &m_sections, &warnings) == SectionText::Outcome::Complete)
+    else if (SectionText::parse(text, strPath, &m_sections, &warnings) == SectionText::Outcome::Complete) {
         return true;
-    for (const auto& warning : warnings)
+    }
+    for (const auto& warning : warnings) {
         CORVLog::getLogObject()->log(warning, QString(), 0, QString(), CORVLOG_WARNING, false);
+    }
     clear();
     return false;
 }
@@ -46,8 +49,9 @@ QStringList CPLSettingsFileWrapper::getMenuNames(const QString& strSectionKey) c
         section->getSectionKey(&key);
         section->getSectionName(&title);
         const bool wanted = strSectionKey.isEmpty() || key == strSectionKey || title == strSectionKey;
-        if (wanted && section->getValue(m_strMenuNameTag, &menuName) == 0)
+        if (wanted && section->getValue(m_strMenuNameTag, &menuName) == 0) {
             names.append(menuName);
+        }
     }
     return names;
 }
@@ -55,9 +59,11 @@ QStringList CPLSettingsFileWrapper::getMenuNames(const QString& strSectionKey) c
 const CPLSection* CPLSettingsFileWrapper::find(const QString& strMenuName) const
 {
     QString menuName;
-    for (const auto& section : m_sections)
-        if (section->getValue(m_strMenuNameTag, &menuName) == 0 && menuName == strMenuName)
+    for (const auto& section : m_sections) {
+        if (section->getValue(m_strMenuNameTag, &menuName) == 0 && menuName == strMenuName) {
             return section.data();
+        }
+    }
     return nullptr;
 }
 
@@ -76,8 +82,9 @@ QString CPLSettingsFileWrapper::getFileNameForMenuName(const QString& strMenuNam
 bool CPLSettingsFileWrapper::setFileNameForMenuName(const QString& strMenuName, const QString& strFileName)
 {
     CPLSection* section = getSectionByMenuName(strMenuName);
-    if (section == nullptr || m_strFileNameTag.isEmpty())
+    if (section == nullptr || m_strFileNameTag.isEmpty()) {
         return false;
+    }
     section->setValue(m_strFileNameTag, strFileName);
     return true;
 }
@@ -88,8 +95,9 @@ QString CPLSettingsFileWrapper::getNextAutoMenuName() const
     const QSet<QString> taken(list.begin(), list.end());
     for (int number = 1;; ++number) {
         const QString name = m_strAutoMenuNameTag + QStringLiteral("%1").arg(number, 3, 10, QLatin1Char('0'));
-        if (!taken.contains(name))
+        if (!taken.contains(name)) {
             return name;
+        }
     }
 }
 
@@ -98,8 +106,9 @@ bool CPLSettingsFileWrapper::addSection(const QString& strSectionKey, const QStr
 {
     const bool incomplete =
         m_strMenuNameTag.isEmpty() || m_strFileNameTag.isEmpty() || strSectionKey.isEmpty() || strMenuName.isEmpty();
-    if (incomplete || find(strMenuName) != nullptr)
+    if (incomplete || find(strMenuName) != nullptr) {
         return false;
+    }
     QSet<QString> taken;
     QString key;
     for (const auto& section : m_sections) {
@@ -107,8 +116,9 @@ bool CPLSettingsFileWrapper::addSection(const QString& strSectionKey, const QStr
         taken.insert(key);
     }
     key = strSectionKey;
-    for (int number = 2; taken.contains(key); ++number)
+    for (int number = 2; taken.contains(key); ++number) {
         key = strSectionKey + QLatin1Char(' ') + QString::number(number);
+    }
     CPLSection section(key, strSectionKey);
     section.addKeyValue(m_strMenuNameTag, strMenuName);
     section.addKeyValue(m_strFileNameTag, strFileName);

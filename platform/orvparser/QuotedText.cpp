@@ -9,23 +9,30 @@ namespace {
 bool needsEscape(const QString& strText, int i)
 {
     const ushort c = strText[i].unicode();
-    if ((c < 0x20 && c != '\t') || (c >= 0x7f && c < 0xa0) || c == 0x2028 || c == 0x2029 || c == 0xfeff || c >= 0xfffe)
+    if ((c < 0x20 && c != '\t') || (c >= 0x7f && c < 0xa0) || c == 0x2028 || c == 0x2029 || c == 0xfeff ||
+        c >= 0xfffe) {
         return true;
-    if (QChar::isHighSurrogate(c))
+    }
+    if (QChar::isHighSurrogate(c)) {
         return i + 1 >= strText.size() || !strText[i + 1].isLowSurrogate();
+    }
     return QChar::isLowSurrogate(c) && (i == 0 || !strText[i - 1].isHighSurrogate());
 }
 
 bool canStand(const QString& strText, const QString& strReserved, const QString& strReservedFirst)
 {
-    if (strText.isEmpty())
+    if (strText.isEmpty()) {
         return true;
+    }
     if (strText.front().isSpace() || strText.back().isSpace() || strText.front() == QLatin1Char('"') ||
-        strReservedFirst.contains(strText.front()))
+        strReservedFirst.contains(strText.front())) {
         return false;
-    for (int i = 0; i < strText.size(); ++i)
-        if (needsEscape(strText, i) || strReserved.contains(strText[i]))
+    }
+    for (int i = 0; i < strText.size(); ++i) {
+        if (needsEscape(strText, i) || strReserved.contains(strText[i])) {
             return false;
+        }
+    }
     return true;
 }
 
@@ -45,16 +52,18 @@ QString escaped(const QString& strText, int i)
     default:
         break;
     }
-    if (needsEscape(strText, i))
+    if (needsEscape(strText, i)) {
         return QStringLiteral("\\u%1").arg(strText[i].unicode(), 4, 16, QLatin1Char('0'));
+    }
     return strText.mid(i, 1);
 }
 
 // The character of the escape at `*pPosition` (behind the backslash), which moves past it. False for an unknown escape.
 bool readEscape(const QString& strLine, int* pPosition, QChar* pCharacter)
 {
-    if (*pPosition >= strLine.size())
+    if (*pPosition >= strLine.size()) {
         return false;
+    }
     const QChar c = strLine[(*pPosition)++];
     switch (c.unicode()) {
     case 'n':
@@ -87,18 +96,21 @@ bool readEscape(const QString& strLine, int* pPosition, QChar* pCharacter)
 
 QString write(const QString& strText, const QString& strReserved, const QString& strReservedFirst)
 {
-    if (canStand(strText, strReserved, strReservedFirst))
+    if (canStand(strText, strReserved, strReservedFirst)) {
         return strText;
+    }
     QString result = QStringLiteral("\"");
-    for (int i = 0; i < strText.size(); ++i)
+    for (int i = 0; i < strText.size(); ++i) {
         result += escaped(strText, i);
+    }
     return result + QLatin1Char('"');
 }
 
 bool read(const QString& strLine, int nFrom, QString* pText, int* pEnd)
 {
-    if (nFrom >= strLine.size() || strLine[nFrom] != QLatin1Char('"'))
+    if (nFrom >= strLine.size() || strLine[nFrom] != QLatin1Char('"')) {
         return false;
+    }
     QString text;
     int i = nFrom + 1;
     while (i < strLine.size()) {
@@ -108,8 +120,9 @@ bool read(const QString& strLine, int nFrom, QString* pText, int* pEnd)
             *pEnd = i;
             return true;
         }
-        if (c == QLatin1Char('\\') && !readEscape(strLine, &i, &c))
+        if (c == QLatin1Char('\\') && !readEscape(strLine, &i, &c)) {
             return false;
+        }
         text += c;
     }
     return false;

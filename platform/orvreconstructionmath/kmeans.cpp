@@ -54,8 +54,9 @@ Survey surveyRows(const Matrix<double>& data)
 Matrix<double> rescaled(const Matrix<double>& data, int exponent)
 {
     Matrix<double> result(data.num_rows(), data.num_cols());
-    for (long long i = 0; i < data.storage.n_; ++i)
+    for (long long i = 0; i < data.storage.n_; ++i) {
         result.storage[i] = std::ldexp(data.storage[i], -exponent);
+    }
     return result;
 }
 
@@ -64,8 +65,9 @@ std::vector<const double*> finiteRows(const Matrix<double>& data, const Survey& 
     std::vector<const double*> rows;
     rows.reserve(survey.finite.size());
     for (long long row = 0; row < data.num_rows(); ++row) {
-        if (survey.finite[static_cast<std::size_t>(row)] != 0)
+        if (survey.finite[static_cast<std::size_t>(row)] != 0) {
             rows.push_back(data[row]);
+        }
     }
     return rows;
 }
@@ -76,8 +78,9 @@ void kmeans(Matrix<double>& data, long long k, Vector<long long>& labels, long l
             KMEANS_DISTFUN /*distance*/, int /*option*/)
 {
     labels.reshape(data.num_rows());
-    if (data.empty())
+    if (data.empty()) {
         return;
+    }
     const Survey survey = surveyRows(data);
     int exponent = 0;
     std::frexp(survey.largest, &exponent);
@@ -85,15 +88,17 @@ void kmeans(Matrix<double>& data, long long k, Vector<long long>& labels, long l
     std::vector<const double*> rows = finiteRows(scaled, survey);
     const auto count = static_cast<long long>(rows.size());
     const long long clusters = std::min(std::max(k, 1LL), count);
-    if (clusters < 1)
+    if (clusters < 1) {
         return;
+    }
 
     KMeansSolver solver(std::move(rows), data.num_cols(), clusters);
     solver.run(maxIterations, KMeansSolver::Method::Bounded);
     std::size_t next = 0;
     for (long long row = 0; row < data.num_rows(); ++row) {
-        if (survey.finite[static_cast<std::size_t>(row)] != 0)
+        if (survey.finite[static_cast<std::size_t>(row)] != 0) {
             labels[row] = solver.labels()[next++];
+        }
     }
 }
 

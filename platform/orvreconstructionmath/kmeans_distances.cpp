@@ -16,8 +16,9 @@ CentreDistances::CentreDistances(const std::vector<double>& centres, long long c
         const long long width = stripWidth(first, m_stride);
         const long long used = std::min(width, clusters - first);
         for (long long i = 0; i < columns; ++i, packed += width) {
-            for (long long j = 0; j < used; ++j)
+            for (long long j = 0; j < used; ++j) {
                 packed[j] = centres[static_cast<std::size_t>((first + j) * columns + i)];
+            }
         }
     }
 }
@@ -39,8 +40,9 @@ double squaredDistance(const double* a, const double* b, long long n)
         sums += t * t;
     }
     double sum = (sums[0] + sums[1]) + (sums[2] + sums[3]);
-    for (; i < n; ++i)
+    for (; i < n; ++i) {
         sum += (a[i] - b[i]) * (a[i] - b[i]);
+    }
     return sum;
 }
 

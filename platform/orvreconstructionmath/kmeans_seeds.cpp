@@ -28,21 +28,24 @@ long long rowAt(double target, const std::vector<double>& distances, const std::
 {
     const auto rows = static_cast<long long>(distances.size());
     std::size_t chunk = 0;
-    for (; chunk + 1 < chunkSums.size() && target >= chunkSums[chunk]; ++chunk)
+    for (; chunk + 1 < chunkSums.size() && target >= chunkSums[chunk]; ++chunk) {
         target -= chunkSums[chunk];
+    }
     long long last = -1;
     for (long long row = static_cast<long long>(chunk) * chunkRows; row < rows; ++row) {
         const double distance = distances[static_cast<std::size_t>(row)];
         if (distance > 0) {
             last = row;
-            if (target < distance)
+            if (target < distance) {
                 return row;
+            }
             target -= distance;
         }
     }
     for (long long row = rows - 1; last < 0; --row) {
-        if (distances[static_cast<std::size_t>(row)] > 0)
+        if (distances[static_cast<std::size_t>(row)] > 0) {
             last = row;
+        }
     }
     return last;
 }
@@ -77,10 +80,12 @@ KMeansSeeds drawSeeds(const std::vector<const double*>& rows, long long columns,
             chunkSums[static_cast<std::size_t>(begin / chunkRows)] = sum;
         });
         seeds.objective = 0;
-        for (double sum : chunkSums)
+        for (double sum : chunkSums) {
             seeds.objective += sum;
-        if (static_cast<long long>(seeds.rows.size()) >= clusters || !(seeds.objective > 0))
+        }
+        if (static_cast<long long>(seeds.rows.size()) >= clusters || !(seeds.objective > 0)) {
             return seeds;
+        }
         next = rowAt(uniform(generator) * seeds.objective, distances, chunkSums);
     }
 }

@@ -83,8 +83,9 @@ void KMeansSolver::run(long long maxIterations, Method method)
     m_comparedRows = 0;
     start();
     // All rows coincide with a drawn one when nothing is left between them: there is nothing to sweep.
-    if (m_clusters > 1 && m_objective > 0)
+    if (m_clusters > 1 && m_objective > 0) {
         iterate(maxIterations, method);
+    }
     fillEmptyClusters();
 }
 
@@ -111,21 +112,24 @@ void KMeansSolver::iterate(long long maxIterations, Method method)
     while (m_sweeps < maxIterations) {
         const std::vector<double> former = m_centres;
         const bool split = moveCentres();
-        if (method == Method::Bounded)
+        if (method == Method::Bounded) {
             updateShifts(former);
+        }
         const bool audit = m_sweeps % auditInterval == 0;
         const long long changes =
             sweep(method, method == Method::Bounded && !audit, audit ? Sums::Anew : Sums::Changes);
         ++m_sweeps;
-        if (changes == 0 && sumsAreNew && !split)
+        if (changes == 0 && sumsAreNew && !split) {
             return;
+        }
         sumsAreNew = audit;
         if (changes == 0) {
             sumAnew();
             sumsAreNew = true;
         } else if (audit) {
-            if (!(m_objective < lastAudit))
+            if (!(m_objective < lastAudit)) {
                 return;
+            }
             lastAudit = m_objective;
         }
     }
@@ -148,8 +152,9 @@ void KMeansSolver::sumAnew()
             const int label = m_labels[at(row)];
             const double* __restrict x = m_rows[at(row)];
             double* __restrict sum = sums + label * m_columns;
-            for (long long i = 0; i < m_columns; ++i)
+            for (long long i = 0; i < m_columns; ++i) {
                 sum[i] += x[i];
+            }
             ++counts[label];
         }
         m_results[at(chunk)].touched = true;
@@ -162,8 +167,9 @@ void KMeansSolver::sumAnew()
 long long KMeansSolver::sweep(Method method, bool useBounds, Sums sums)
 {
     const CentreDistances distances(m_centres, m_clusters, m_columns);
-    if (useBounds)
+    if (useBounds) {
         updateSeparations();
+    }
     parallelChunks(static_cast<long long>(m_rows.size()), m_grain, [&](long long begin, long long end) {
         const long long chunk = begin / m_grain;
         ChunkWork work{distances,
@@ -185,8 +191,9 @@ long long KMeansSolver::sweep(Method method, bool useBounds, Sums sums)
         m_comparedRows += result.compared;
         objective += result.objective;
     }
-    if (sums == Sums::Anew)
+    if (sums == Sums::Anew) {
         m_objective = objective;
+    }
     reduceChunks(sums);
     return changes;
 }
@@ -210,11 +217,13 @@ void KMeansSolver::compareRows(ChunkWork& work)
     constexpr long long atOnce = CentreDistances::rowsAtOnce;
     for (long long first = 0; first < work.rowCount; first += atOnce) {
         const double* rows[atOnce];
-        for (long long r = 0; r < atOnce; ++r)
+        for (long long r = 0; r < atOnce; ++r) {
             rows[r] = m_rows[at(work.rows[std::min(first + r, work.rowCount - 1)])];
+        }
         work.distances.compute(rows, work.tile.data());
-        for (long long r = 0; r < std::min(atOnce, work.rowCount - first); ++r)
+        for (long long r = 0; r < std::min(atOnce, work.rowCount - first); ++r) {
             settleRow(work.rows[first + r], work.tile.data() + r * work.distances.stride(), work);
+        }
     }
     work.result.compared += work.rowCount;
 }
@@ -260,8 +269,9 @@ void KMeansSolver::addRow(long long row, int label, double sign, ChunkWork& work
     }
     const double* __restrict x = m_rows[at(row)];
     double* __restrict sum = work.sums + label * m_columns;
-    for (long long i = 0; i < m_columns; ++i)
+    for (long long i = 0; i < m_columns; ++i) {
         sum[i] += sign * x[i];
+    }
     work.counts[label] += sign > 0 ? 1 : -1;
 }
 
@@ -285,25 +295,30 @@ void KMeansSolver::reduceChunks(Sums sums)
     }
     const long long elements = m_clusters * m_columns;
     for (long long chunk = 0; chunk < m_chunks; ++chunk) {
-        if (!m_results[at(chunk)].touched)
+        if (!m_results[at(chunk)].touched) {
             continue;
+        }
         const double* __restrict part = m_chunkSums.data() + chunk * elements;
         double* __restrict sum = m_sums.data();
-        for (long long i = 0; i < elements; ++i)
+        for (long long i = 0; i < elements; ++i) {
             sum[i] += part[i];
-        for (long long j = 0; j < m_clusters; ++j)
+        }
+        for (long long j = 0; j < m_clusters; ++j) {
             m_counts[at(j)] += m_chunkCounts[at(chunk * m_clusters + j)];
+        }
     }
 }
 
 bool KMeansSolver::moveCentres()
 {
     for (long long j = 0; j < m_clusters; ++j) {
-        if (m_counts[at(j)] < 1)
+        if (m_counts[at(j)] < 1) {
             continue;
+        }
         const auto count = static_cast<double>(m_counts[at(j)]);
-        for (long long i = 0; i < m_columns; ++i)
+        for (long long i = 0; i < m_columns; ++i) {
             m_centres[at(j * m_columns + i)] = m_sums[at(j * m_columns + i)] / count;
+        }
     }
     return fillEmptyClusters();
 }
@@ -334,14 +349,16 @@ void KMeansSolver::updateSeparations()
 {
     std::fill(m_separations.begin(), m_separations.end(), 0.0);
     // With very many clusters this would cost more than it saves.
-    if (m_clusters * m_clusters > static_cast<long long>(m_rows.size()))
+    if (m_clusters * m_clusters > static_cast<long long>(m_rows.size())) {
         return;
+    }
     for (long long j = 0; j < m_clusters; ++j) {
         double nearest = std::numeric_limits<double>::infinity();
         for (long long other = 0; other < m_clusters; ++other) {
-            if (other != j)
+            if (other != j) {
                 nearest = std::min(nearest, squaredDistance(m_centres.data() + j * m_columns,
                                                             m_centres.data() + other * m_columns, m_columns));
+            }
         }
         m_separations[at(j)] = 0.5 * std::sqrt(nearest) * (1 - 4 * m_rounding) - absoluteSlack;
     }
@@ -355,8 +372,9 @@ bool KMeansSolver::fillEmptyClusters()
     for (long long j = 0; j < m_clusters; ++j) {
         if (m_counts[at(j)] == 0) {
             cancellationPoint();
-            if (!splitFarthest(static_cast<int>(j)))
+            if (!splitFarthest(static_cast<int>(j))) {
                 break;
+            }
             changed = true;
         }
     }
@@ -373,16 +391,18 @@ bool KMeansSolver::splitFarthest(int emptyCluster)
     double distance = -1;
     for (long long row = 0; row < static_cast<long long>(m_rows.size()); ++row) {
         const int label = m_labels[at(row)];
-        if (uniform[at(label)] != 0)
+        if (uniform[at(label)] != 0) {
             continue;
+        }
         const double candidate = squaredDistance(m_rows[at(row)], m_centres.data() + label * m_columns, m_columns);
         if (candidate > distance) {
             distance = candidate;
             farthest = row;
         }
     }
-    if (farthest < 0)
+    if (farthest < 0) {
         return false;
+    }
 
     const int former = m_labels[at(farthest)];
     m_labels[at(farthest)] = emptyCluster;
@@ -409,14 +429,16 @@ void KMeansSolver::findUniformClusters(std::vector<char>& uniform)
     std::vector<const double*> first(at(m_clusters), nullptr);
     for (std::size_t row = 0; row < m_rows.size(); ++row) {
         const auto label = at(m_labels[row]);
-        if (first[label] == nullptr)
+        if (first[label] == nullptr) {
             first[label] = m_rows[row];
-        else if (uniform[label] != 0 && !std::equal(first[label], first[label] + m_columns, m_rows[row]))
+        } else if (uniform[label] != 0 && !std::equal(first[label], first[label] + m_columns, m_rows[row])) {
             uniform[label] = 0;
+        }
     }
     for (long long j = 0; j < m_clusters; ++j) {
-        if (uniform[at(j)] != 0 && first[at(j)] != nullptr)
+        if (uniform[at(j)] != 0 && first[at(j)] != nullptr) {
             std::copy_n(first[at(j)], m_columns, m_centres.data() + j * m_columns);
+        }
     }
 }
 

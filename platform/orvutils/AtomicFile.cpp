@@ -8,13 +8,15 @@ namespace orv {
 bool writeFileAtomically(const QString& strPath, const QByteArray& bytes, QString* pError)
 {
     const auto fail = [&strPath, pError](const QString& strReason) {
-        if (pError != nullptr)
+        if (pError != nullptr) {
             *pError = QStringLiteral("%1: cannot be written: %2").arg(strPath, strReason);
+        }
         return false;
     };
     QSaveFile file(strPath);
-    if (!file.open(QIODevice::WriteOnly))
+    if (!file.open(QIODevice::WriteOnly)) {
         return fail(file.errorString());
+    }
     // commit() alone answers true on a full disk and would put a torn file in place: the last block is only written by
     // flush(), and its failure shows in error().
     if (file.write(bytes) != bytes.size() || !file.flush() || file.error() != QFileDevice::NoError) {

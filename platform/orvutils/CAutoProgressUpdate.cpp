@@ -30,16 +30,18 @@ Installed& installed()
 double fractionDone()
 {
     const auto state = processState();
-    if (state.m_nSteps <= 0)
+    if (state.m_nSteps <= 0) {
         return -1.0;
+    }
     return std::clamp(static_cast<double>(state.m_nStep) / state.m_nSteps, 0.0, 1.0);
 }
 
 void show(const QString& strMessage, double dFraction, double dSeconds)
 {
     QMutexLocker lock(&installed().m_mutex);
-    if (installed().m_display)
+    if (installed().m_display) {
         installed().m_display(strMessage, dFraction, dSeconds);
+    }
 }
 
 } // namespace
@@ -79,16 +81,18 @@ QString CAutoProgressUpdate::statusMessage() const
 void CAutoProgressUpdate::stop()
 {
     // Without a thread there is nothing to end, and a later start must not find the order to stop.
-    if (!isRunning())
+    if (!isRunning()) {
         return;
+    }
     {
         QMutexLocker lock(&m_mutex);
         m_bStop = true;
         m_wake.wakeAll();
     }
     // A display that ends its own updater: the thread can't wait for itself, it ends with this turn.
-    if (QThread::currentThread() == this)
+    if (QThread::currentThread() == this) {
         return;
+    }
     wait();
     QMutexLocker lock(&m_mutex);
     m_bStop = false;
@@ -107,8 +111,9 @@ void CAutoProgressUpdate::run()
         lock.unlock();
         orv::show(message, orv::fractionDone(), seconds());
         lock.relock();
-        if (!m_bStop && !m_bChanged)
+        if (!m_bStop && !m_bChanged) {
             m_wake.wait(&m_mutex, orv::intervalMilliseconds);
+        }
     }
     lock.unlock();
     orv::show(QString(), -1.0, seconds());

@@ -65,9 +65,11 @@ bool isForConsole(ConsoleLog eConsole, long nLevel)
 
 QString oneLine(QString strText)
 {
-    for (auto& c : strText)
-        if (c.unicode() < 0x20 || c == QChar::LineSeparator || c == QChar::ParagraphSeparator)
+    for (auto& c : strText) {
+        if (c.unicode() < 0x20 || c == QChar::LineSeparator || c == QChar::ParagraphSeparator) {
             c = QLatin1Char(' ');
+        }
+    }
     return strText;
 }
 
@@ -78,8 +80,9 @@ void writeConsole(const QByteArray& line)
 
 void writeFile(Sinks& all, const QByteArray& line)
 {
-    if (!all.m_pFile || (all.m_pFile->write(line) == line.size() && all.m_pFile->flush()))
+    if (!all.m_pFile || (all.m_pFile->write(line) == line.size() && all.m_pFile->flush())) {
         return;
+    }
     writeConsole(QStringLiteral("%1: the log ends here: %2\n")
                      .arg(all.m_pFile->fileName(), all.m_pFile->errorString())
                      .toLocal8Bit());
@@ -94,9 +97,11 @@ void callFunctions(Sinks& all, const LogRecord& record)
         ~Guard() { insideSink = false; }
     } guard;
     const auto functions = all.m_functions;
-    for (const auto& [id, pFunction] : functions)
-        if (all.m_functions.count(id) != 0)
+    for (const auto& [id, pFunction] : functions) {
+        if (all.m_functions.count(id) != 0) {
             (*pFunction)(record);
+        }
+    }
 }
 
 } // namespace
@@ -113,8 +118,9 @@ bool setLogFile(const QString& strPath, QString* pError)
     if (!strPath.isEmpty()) {
         pFile = std::make_unique<QFile>(strPath);
         if (!pFile->open(QIODevice::WriteOnly | QIODevice::Append)) {
-            if (pError)
+            if (pError) {
                 *pError = QStringLiteral("%1: the log cannot be written: %2").arg(strPath, pFile->errorString());
+            }
             return false;
         }
     }
@@ -142,8 +148,9 @@ QString logLine(const LogRecord& record)
     QString line = record.m_time.toUTC().toString(Qt::ISODateWithMs) + QLatin1String("  ") +
                    QString::fromLatin1(levelWord(record.m_nLevel)).leftJustified(8) + QLatin1String("  ") +
                    oneLine(record.m_strMessage);
-    if (!record.m_strExtra.isEmpty())
+    if (!record.m_strExtra.isEmpty()) {
         line += QLatin1String(" | ") + oneLine(record.m_strExtra);
+    }
     return line;
 }
 
@@ -158,16 +165,18 @@ CORVLog* CORVLog::getLogObject()
 // The caller's time field is the time at which its source was compiled; the line states the time of the call.
 void CORVLog::log(const QString& strMessage, const QString& strExtra, int, const QString&, long nLevel, bool)
 {
-    if (orv::insideSink)
+    if (orv::insideSink) {
         return;
+    }
     auto& all = orv::sinks();
     QMutexLocker lock(&all.m_mutex);
     const orv::LogRecord record{QDateTime::currentDateTimeUtc(), nLevel, strMessage, strExtra};
     const bool console = orv::isForConsole(all.m_eConsole, nLevel);
     if (console || all.m_pFile) {
         const QString line = orv::logLine(record) + QLatin1Char('\n');
-        if (console)
+        if (console) {
             orv::writeConsole(line.toLocal8Bit());
+        }
         orv::writeFile(all, line.toUtf8());
     }
     orv::callFunctions(all, record);

@@ -35,9 +35,11 @@ QStringList sameFormat(const QString& strSuffix)
 {
     const QStringList families[] = {{QStringLiteral("jpg"), QStringLiteral("jpeg")},
                                     {QStringLiteral("tif"), QStringLiteral("tiff")}};
-    for (const auto& family : families)
-        if (family.contains(strSuffix))
+    for (const auto& family : families) {
+        if (family.contains(strSuffix)) {
             return family;
+        }
+    }
     return {strSuffix};
 }
 
@@ -66,8 +68,9 @@ QSettings* CORVPreference::getSettings()
         folder.isEmpty() ? QStringLiteral("/dev/null/settings.ini") : folder + QLatin1String("settings.ini");
     QMutexLocker lock(&preferences().m_mutex);
     auto& pSettings = preferences().m_settings[path];
-    if (!pSettings)
+    if (!pSettings) {
         pSettings = std::make_unique<QSettings>(path, QSettings::IniFormat);
+    }
     return pSettings.get();
 }
 
@@ -93,15 +96,17 @@ void CORVPreference::setSequenceLoading(const void* pSequence, bool bLoading)
         return;
     }
     const auto found = loading.find(pSequence);
-    if (found != loading.end())
+    if (found != loading.end()) {
         loading.erase(found);
+    }
 }
 
 void CORVPreference::modifySaveFilterListByPreference(QStringList& filters)
 {
     const QString preferred = usersPreferredFormat();
-    if (preferred.isEmpty())
+    if (preferred.isEmpty()) {
         return;
+    }
     const QStringList suffixes = sameFormat(preferred);
     std::stable_partition(filters.begin(), filters.end(), [&suffixes](const QString& strFilter) {
         return std::any_of(suffixes.begin(), suffixes.end(),
@@ -112,8 +117,9 @@ void CORVPreference::modifySaveFilterListByPreference(QStringList& filters)
 void CORVPreference::setUsersPreferredFormat(const QString& strSuffix)
 {
     QString suffix = strSuffix.trimmed().toLower();
-    while (suffix.startsWith(QLatin1Char('.')) || suffix.startsWith(QLatin1Char('*')))
+    while (suffix.startsWith(QLatin1Char('.')) || suffix.startsWith(QLatin1Char('*'))) {
         suffix.remove(0, 1);
+    }
     getSettings()->setValue(QLatin1String(formatKey), suffix);
 }
 

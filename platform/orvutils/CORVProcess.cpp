@@ -69,8 +69,9 @@ void announce(QMutexLocker& lock)
     const auto state = stateOf(registry());
     const Observers observers = registry().m_observers;
     lock.unlock();
-    for (const auto& [id, observer] : observers)
+    for (const auto& [id, observer] : observers) {
         observer(state);
+    }
 }
 
 void setMessage(const QString& strMessage, int nMilliseconds, int nStep, int nSteps)
@@ -94,8 +95,9 @@ void endProcess(const QString& strMessage, int nMilliseconds, tag_eLongProcessTy
     QMutexLocker lock(&all.m_mutex);
     const auto last = std::find_if(all.m_processes.rbegin(), all.m_processes.rend(),
                                    [eType](const Process& process) { return endsType(eType, process.m_eType); });
-    if (last != all.m_processes.rend())
+    if (last != all.m_processes.rend()) {
         all.m_processes.erase(std::next(last).base());
+    }
     setMessage(strMessage, nMilliseconds, 0, 0);
     announce(lock);
 }
@@ -149,8 +151,9 @@ void CORVProcess::startLongProcess(int, tag_eLongProcessTypes eType, bool bCanAb
 {
     auto& all = orv::registry();
     QMutexLocker lock(&all.m_mutex);
-    if (all.m_processes.empty())
+    if (all.m_processes.empty()) {
         orv::aborted = false;
+    }
     all.m_processes.push_back({eType, bCanAbort, strAbortText});
     orv::setMessage(QString(), 0, 0, 0);
     orv::announce(lock);
@@ -181,8 +184,9 @@ bool CORVProcess::isProcessInProgress(tag_eLongProcessTypes eType)
 
 void CORVProcess::setProcessMessage(const QString& strMessage, int nStep, int nSteps, bool* pAborted)
 {
-    if (pAborted)
+    if (pAborted) {
         *pAborted = isProcessAborted();
+    }
     auto& all = orv::registry();
     QMutexLocker lock(&all.m_mutex);
     orv::setMessage(strMessage, 0, nStep, nSteps);

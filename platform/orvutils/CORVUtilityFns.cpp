@@ -51,17 +51,20 @@ QString CORVUtilityFns::getAppName()
 void CORVUtilityFns::setCursor(const QCursor& cursor)
 {
     const bool shown = hasWindow();
-    if (shown)
+    if (shown) {
         QGuiApplication::setOverrideCursor(cursor);
+    }
     cursorCalls().push_back(shown);
 }
 
 void CORVUtilityFns::restoreCursor()
 {
-    if (cursorCalls().empty())
+    if (cursorCalls().empty()) {
         return;
-    if (cursorCalls().back() && qobject_cast<QGuiApplication*>(QCoreApplication::instance()))
+    }
+    if (cursorCalls().back() && qobject_cast<QGuiApplication*>(QCoreApplication::instance())) {
         QGuiApplication::restoreOverrideCursor();
+    }
     cursorCalls().pop_back();
 }
 

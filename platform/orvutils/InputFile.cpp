@@ -14,8 +14,9 @@ bool openInput(QFile& file, QString* pReason)
         *pReason = QStringLiteral("not a file");
         return false;
     }
-    if (file.open(QIODevice::ReadOnly))
+    if (file.open(QIODevice::ReadOnly)) {
         return true;
+    }
     *pReason = file.errorString();
     return false;
 }
@@ -27,15 +28,18 @@ bool readInput(const QString& strPath, int nMaxMiB, const QString& strWhat, QByt
     QFile file(strPath);
     QString reason;
     if (openInput(file, &reason)) {
-        if (file.size() <= most)
+        if (file.size() <= most) {
             *pBytes = file.read(most + 1);
-        if (file.size() > most || pBytes->size() > most)
+        }
+        if (file.size() > most || pBytes->size() > most) {
             reason = QStringLiteral("more than %1 MiB, no %2 is that large").arg(QString::number(nMaxMiB), strWhat);
-        else if (file.error() != QFileDevice::NoError)
+        } else if (file.error() != QFileDevice::NoError) {
             reason = file.errorString();
+        }
     }
-    if (reason.isEmpty())
+    if (reason.isEmpty()) {
         return true;
+    }
     pBytes->clear();
     *pError = QStringLiteral("%1: %2").arg(strPath, reason);
     return false;

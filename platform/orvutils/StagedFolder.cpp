@@ -9,8 +9,9 @@ namespace {
 
 bool fail(const QString& strReason, QString* pError)
 {
-    if (pError != nullptr)
+    if (pError != nullptr) {
         *pError = strReason;
+    }
     return false;
 }
 
@@ -33,17 +34,20 @@ bool StagedFolder::begin(const QString& strTarget, bool bForce, const QString& s
     m_strTarget = QDir::cleanPath(QFileInfo(strTarget).absoluteFilePath());
     const QFileInfo target(m_strTarget);
     if (target.exists() || target.isSymLink()) {
-        if (!bForce)
+        if (!bForce) {
             return fail(QStringLiteral("%1 exists already; --force replaces it").arg(m_strTarget), pError);
-        if (!isReplaceable(m_strTarget, strMarker))
+        }
+        if (!isReplaceable(m_strTarget, strMarker)) {
             return fail(
                 QStringLiteral("%1 exists and was not made by this program (it holds no %2); it is not replaced")
                     .arg(m_strTarget, strMarker),
                 pError);
+        }
     }
     const QString parent = target.absolutePath();
-    if (!QFileInfo(parent).isDir())
+    if (!QFileInfo(parent).isDir()) {
         return fail(QStringLiteral("%1 cannot be made: %2 is not a folder").arg(m_strTarget, parent), pError);
+    }
     m_pHidden =
         std::make_unique<QTemporaryDir>(parent + QLatin1String("/.") + target.fileName() + QLatin1String("-XXXXXX"));
     if (!m_pHidden->isValid()) {
@@ -66,8 +70,9 @@ QString StagedFolder::path() const
 
 bool StagedFolder::commit(QString* pError)
 {
-    if (!m_pHidden)
+    if (!m_pHidden) {
         return fail(QStringLiteral("nothing was prepared"), pError);
+    }
     const QString fresh = m_pHidden->path() + QLatin1String("/new");
     const QString old = m_pHidden->path() + QLatin1String("/old");
     const bool replaced = QFileInfo::exists(m_strTarget);
@@ -77,8 +82,9 @@ bool StagedFolder::commit(QString* pError)
     }
     QDir dir;
     const bool moved = (!replaced || dir.rename(m_strTarget, old)) && dir.rename(fresh, m_strTarget);
-    if (!moved && replaced && QFileInfo::exists(old))
+    if (!moved && replaced && QFileInfo::exists(old)) {
         dir.rename(old, m_strTarget);
+    }
     m_pHidden.reset();
     return moved || fail(QStringLiteral("%1 cannot be put in place").arg(m_strTarget), pError);
 }

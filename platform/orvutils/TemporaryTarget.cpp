@@ -27,8 +27,9 @@ QString temporaryName(const QFileInfo& target)
 bool bringToDisk(const QByteArray& path)
 {
     const int descriptor = ::open(path.constData(), O_RDONLY | O_CLOEXEC);
-    if (descriptor < 0)
+    if (descriptor < 0) {
         return false;
+    }
     // A file system that knows no such order is no failure.
     const bool done = ::fsync(descriptor) == 0 || errno == EINVAL || errno == ENOTSUP;
     const int reason = errno;
@@ -43,8 +44,9 @@ TemporaryTarget::TemporaryTarget(const QString& strTarget) : m_strTarget(strTarg
 {
     // A link stays a link: the file that it names is the one to replace.
     const QString real = QFileInfo(strTarget).canonicalFilePath();
-    if (!real.isEmpty())
+    if (!real.isEmpty()) {
         m_strTarget = real;
+    }
     const QFileInfo target(m_strTarget);
     if (target.fileName().isEmpty() || target.isDir()) {
         fail(QStringLiteral("it is a folder"));
@@ -59,29 +61,34 @@ TemporaryTarget::TemporaryTarget(const QString& strTarget) : m_strTarget(strTarg
             m_strPath = name;
             return;
         }
-        if (errno != EEXIST)
+        if (errno != EEXIST) {
             break;
+        }
     }
     fail(qt_error_string(errno));
 }
 
 TemporaryTarget::~TemporaryTarget()
 {
-    if (isValid())
+    if (isValid()) {
         QFile::remove(m_strPath);
+    }
 }
 
 bool TemporaryTarget::commit()
 {
-    if (!isValid())
+    if (!isValid()) {
         return false;
+    }
     const QByteArray from = QFile::encodeName(m_strPath);
     const QByteArray to = QFile::encodeName(m_strTarget);
     struct stat earlier = {};
-    if (::stat(to.constData(), &earlier) == 0)
+    if (::stat(to.constData(), &earlier) == 0) {
         ::chmod(from.constData(), earlier.st_mode & 07777);
-    if (!bringToDisk(from) || std::rename(from.constData(), to.constData()) != 0)
+    }
+    if (!bringToDisk(from) || std::rename(from.constData(), to.constData()) != 0) {
         return fail(qt_error_string(errno));
+    }
     m_strPath.clear();
     return true;
 }
@@ -89,8 +96,9 @@ bool TemporaryTarget::commit()
 bool TemporaryTarget::fail(const QString& strReason)
 {
     m_strError = QStringLiteral("%1: cannot be written: %2").arg(m_strTarget, strReason);
-    if (isValid())
+    if (isValid()) {
         QFile::remove(m_strPath);
+    }
     m_strPath.clear();
     return false;
 }

@@ -10,8 +10,9 @@ namespace {
 
 QString asFolder(const QString& strPath)
 {
-    if (strPath.isEmpty())
+    if (strPath.isEmpty()) {
         return QString();
+    }
     const QString clean = QDir::cleanPath(QDir(strPath).absolutePath());
     return clean.endsWith(QLatin1Char('/')) ? clean : clean + QLatin1Char('/');
 }
@@ -28,8 +29,9 @@ QString libraryFolder()
 {
     static const char marker = 0;
     Dl_info info = {};
-    if (::dladdr(&marker, &info) == 0 || !info.dli_fname)
+    if (::dladdr(&marker, &info) == 0 || !info.dli_fname) {
         return QString();
+    }
     return QFileInfo(QFileInfo(QFile::decodeName(info.dli_fname)).canonicalFilePath()).path();
 }
 
@@ -42,16 +44,18 @@ QString programFolder()
 QString programData()
 {
     const QByteArray named = qgetenv("ORVIA_DATA_DIR");
-    if (!named.isEmpty())
+    if (!named.isEmpty()) {
         return existingFolder(QFile::decodeName(named));
+    }
     const QString installed = QStringLiteral(ORV_INSTALL_DATA_DIR);
     // A library lies in "lib" or in "lib/<system>".
     for (const auto& candidate :
          {programFolder() + QLatin1String("/../") + installed, libraryFolder() + QLatin1String("/../") + installed,
           libraryFolder() + QLatin1String("/../../") + installed, QStringLiteral(ORV_SOURCE_DATA_DIR)}) {
         const QString found = existingFolder(candidate);
-        if (!found.isEmpty())
+        if (!found.isEmpty()) {
             return found;
+        }
     }
     return QString();
 }
@@ -62,8 +66,9 @@ QString userBase()
     QString base = QFile::decodeName(qgetenv("XDG_DATA_HOME"));
     if (base.isEmpty() || !QDir::isAbsolutePath(base)) {
         const QString home = QFile::decodeName(qgetenv("HOME"));
-        if (home.isEmpty() || !QDir::isAbsolutePath(home))
+        if (home.isEmpty() || !QDir::isAbsolutePath(home)) {
             return QString();
+        }
         base = home + QLatin1String("/.local/share");
     }
     return asFolder(base + QLatin1String("/orvia"));
@@ -72,11 +77,13 @@ QString userBase()
 QString userFolder(const QString& strBelow, bool bCreate)
 {
     const QString base = userBase();
-    if (base.isEmpty())
+    if (base.isEmpty()) {
         return QString();
+    }
     const QString folder = base + strBelow;
-    if (bCreate && !QDir().mkpath(folder))
+    if (bCreate && !QDir().mkpath(folder)) {
         return QString();
+    }
     return folder;
 }
 

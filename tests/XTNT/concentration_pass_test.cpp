@@ -38,8 +38,9 @@ Matrix<double> randomMatrix(long long rows, long long columns, std::uint64_t see
     std::mt19937_64 generator(seed);
     std::uniform_real_distribution<double> value(low, high);
     Matrix<double> result(rows, columns);
-    for (long long i = 0; i < result.storage.n_; ++i)
+    for (long long i = 0; i < result.storage.n_; ++i) {
         result.storage[i] = value(generator);
+    }
     return result;
 }
 
@@ -53,11 +54,13 @@ Matrix<double> mixtures(const Matrix<double>& spectra, long long rows, double no
     for (long long r = 0; r < rows; ++r) {
         for (long long k = 0; k < spectra.num_rows(); ++k) {
             const double amount = chance(generator) < 0.4 ? 0 : chance(generator);
-            for (long long b = 0; b < spectra.num_cols(); ++b)
+            for (long long b = 0; b < spectra.num_cols(); ++b) {
                 result[r][b] += amount * spectra[k][b];
+            }
         }
-        for (long long b = 0; b < spectra.num_cols(); ++b)
+        for (long long b = 0; b < spectra.num_cols(); ++b) {
             result[r][b] += error(generator);
+        }
     }
     return result;
 }
@@ -101,8 +104,9 @@ double rowError(const Matrix<double>& result, const Matrix<double>& reference)
             largest = std::max(largest, std::abs(reference[p][k]));
             difference = std::max(difference, std::abs(result[p][k] - reference[p][k]));
         }
-        if (difference > 0)
+        if (difference > 0) {
             error = std::max(error, difference / largest);
+        }
     }
     return error;
 }
@@ -110,8 +114,9 @@ double rowError(const Matrix<double>& result, const Matrix<double>& reference)
 double norm(const double* v, long long n)
 {
     double sum = 0;
-    for (long long i = 0; i < n; ++i)
+    for (long long i = 0; i < n; ++i) {
         sum += v[i] * v[i];
+    }
     return std::sqrt(sum);
 }
 
@@ -123,15 +128,17 @@ double optimalityBreach(const double* d, const Matrix<double>& S, const double* 
     std::vector<double> rest(d, d + bands);
     double size = norm(d, bands);
     for (long long k = 0; k < S.num_rows(); ++k) {
-        for (long long b = 0; b < bands; ++b)
+        for (long long b = 0; b < bands; ++b) {
             rest[static_cast<std::size_t>(b)] -= x[k] * S[k][b];
+        }
         size += std::abs(x[k]) * norm(S[k], bands);
     }
     double breach = 0;
     for (long long k = 0; k < S.num_rows(); ++k) {
         double dual = 0;
-        for (long long b = 0; b < bands; ++b)
+        for (long long b = 0; b < bands; ++b) {
             dual += S[k][b] * rest[static_cast<std::size_t>(b)];
+        }
         dual /= std::max(norm(S[k], bands) * size, std::numeric_limits<double>::min());
         breach = std::max({breach, x[k] < 0 ? 1.0 : 0.0, x[k] > 0 ? std::abs(dual) : dual});
     }
@@ -171,8 +178,9 @@ TEST_P(ShapesTest, FastPathAgreesWithThePlainOne)
     EXPECT_GT(counts.negative, 0);
     // Where a component is near zero both paths round; the spectra's condition carries it into the others.
     EXPECT_LT(rowError(C, plainResult(D, S)), 1e-11);
-    for (long long p = 0; p < D.num_rows(); ++p)
+    for (long long p = 0; p < D.num_rows(); ++p) {
         ASSERT_LE(optimalityBreach(D[p], S, C[p]), roundings(S)) << "row " << p;
+    }
 }
 
 TEST_P(ShapesTest, NegativeDataAreFittedToo)
@@ -264,8 +272,9 @@ TEST(ConcentrationPassTest, ZeroPixelStaysZero)
     Matrix<double> C;
     const Counts counts = runPass(Matrix<double>(5, 12), S, C);
     EXPECT_EQ(0, counts.negative) << "minus zero is not below zero";
-    for (long long i = 0; i < C.storage.n_; ++i)
+    for (long long i = 0; i < C.storage.n_; ++i) {
         EXPECT_EQ(0, C.storage[i]);
+    }
 }
 
 TEST(ConcentrationPassTest, PixelInTheNegativeConeGivesZeros)
@@ -286,8 +295,9 @@ TEST(ConcentrationPassTest, BadlyScaledSpectraAreFittedAsWell)
     const double scales[] = {1e-8, 1, 1e8, 3e-4, 7e5};
     Matrix<double> unscaled = S.deepCopy();
     for (long long k = 0; k < 5; ++k) {
-        for (long long b = 0; b < 20; ++b)
+        for (long long b = 0; b < 20; ++b) {
             S[k][b] *= scales[k];
+        }
     }
     const Matrix<double> D = mixtures(unscaled, 1000, 0.1, 24);
     Matrix<double> C;
@@ -296,8 +306,9 @@ TEST(ConcentrationPassTest, BadlyScaledSpectraAreFittedAsWell)
     EXPECT_EQ(0, counts.nnls);
     Matrix<double> reference = plainResult(D, unscaled);
     for (long long p = 0; p < D.num_rows(); ++p) {
-        for (long long k = 0; k < 5; ++k)
+        for (long long k = 0; k < 5; ++k) {
             C[p][k] *= scales[k];
+        }
     }
     EXPECT_LT(rowError(C, reference), 1e-11);
 }
@@ -308,8 +319,9 @@ TEST(ConcentrationPassTest, PixelsOfAnyMagnitudeAreFitted)
     const Matrix<double> base = mixtures(S, 200, 0.3, 26);
     for (double scale : {1e-300, 1e-250, 1e-8, 1e8, 1e250, 1e290}) {
         Matrix<double> D = base.deepCopy();
-        for (long long i = 0; i < D.storage.n_; ++i)
+        for (long long i = 0; i < D.storage.n_; ++i) {
             D.storage[i] *= scale;
+        }
         Matrix<double> C;
         runPass(D, S, C);
         EXPECT_LT(rowError(C, plainResult(D, S)), 1e-11) << scale;
@@ -319,8 +331,9 @@ TEST(ConcentrationPassTest, PixelsOfAnyMagnitudeAreFitted)
 TEST(ConcentrationPassTest, DependentSpectraGoToNnls)
 {
     Matrix<double> S = randomMatrix(4, 16, 27, 0, 1);
-    for (long long b = 0; b < 16; ++b)
+    for (long long b = 0; b < 16; ++b) {
         S[3][b] = S[1][b];
+    }
     EXPECT_FALSE(ReducedSpectra(S).usable());
     const Matrix<double> D = mixtures(S, 300, 0.3, 28);
     const Matrix<double> weights(16, 4, -1.0); // makes every row of positive data negative
@@ -343,16 +356,18 @@ TEST(ConcentrationPassTest, NearlyDependentSpectraAgreeWithThePlainPathToTheirCo
     for (double apart : {1e-2, 1e-3, 1e-4, 1e-5, 1e-6, 1e-8, 1e-10, 1e-12}) {
         Matrix<double> S = randomMatrix(4, 16, 29, 0, 1);
         const Matrix<double> noise = randomMatrix(1, 16, 30);
-        for (long long b = 0; b < 16; ++b)
+        for (long long b = 0; b < 16; ++b) {
             S[3][b] = S[1][b] + apart * noise[0][b];
+        }
         const Matrix<double> D = mixtures(S, 500, 0.05, 31);
         Matrix<double> C;
         const Counts counts = runPass(D, S, C);
         EXPECT_EQ(ReducedSpectra(S).usable() ? 0 : counts.negative, counts.nnls) << apart;
         // Spectra `apart` have a condition of some times its inverse, and a residual enters with the square.
         EXPECT_LT(rowError(C, plainResult(D, S)), std::min(1.0, 1e3 * epsilon / (apart * apart))) << apart;
-        for (long long p = 0; p < D.num_rows(); ++p)
+        for (long long p = 0; p < D.num_rows(); ++p) {
             ASSERT_TRUE(std::all_of(C[p], C[p] + 4, [](double c) { return std::isfinite(c); }));
+        }
     }
 }
 
@@ -364,8 +379,9 @@ TEST(ConcentrationPassTest, FewerBandsThanComponentsGoToNnls)
     Matrix<double> C;
     EXPECT_EQ(0, XTNT::constrainedConcentrations(D, S, C));
     EXPECT_TRUE(sameBits(C, plainResult(D, S)));
-    for (long long i = 0; i < C.storage.n_; ++i)
+    for (long long i = 0; i < C.storage.n_; ++i) {
         ASSERT_GE(C.storage[i], 0);
+    }
 }
 
 TEST(ConcentrationPassTest, RowThatIsNotFiniteSpoilsNoOther)
@@ -375,10 +391,12 @@ TEST(ConcentrationPassTest, RowThatIsNotFiniteSpoilsNoOther)
     const double infinity = std::numeric_limits<double>::infinity();
     const double bad[] = {std::nan(""), infinity, -infinity, std::numeric_limits<double>::max()};
     Matrix<double> D = clean.deepCopy();
-    for (long long i = 0; i < 4; ++i)
+    for (long long i = 0; i < 4; ++i) {
         D[10 + 71 * i][i] = bad[i];
-    for (long long b = 0; b < 24; ++b)
+    }
+    for (long long b = 0; b < 24; ++b) {
         D[299][b] = b % 2 == 0 ? infinity : -infinity;
+    }
     Matrix<double> expected;
     Matrix<double> C;
     runPass(clean, S, expected);
@@ -486,8 +504,9 @@ TEST(RowProductTest, EqualsThePlainSumForEveryShape)
                 for (long long r = 0; r < rows; ++r) {
                     for (long long j = 0; j < columns; ++j) {
                         double sum = 0;
-                        for (long long b = 0; b < bands; ++b)
+                        for (long long b = 0; b < bands; ++b) {
                             sum += data[r][b] * factor[b][j];
+                        }
                         ASSERT_NEAR(sum, result[r][j], 8 * epsilon * static_cast<double>(bands));
                     }
                 }
@@ -506,20 +525,23 @@ TEST(ThinQrTest, ReproducesTheMatrixWithAnOrthonormalBasis)
 {
     // Nearly dependent columns: one pass of orthogonalisation would lose the basis.
     Matrix<double> columns = randomMatrix(4, 9, 42);
-    for (long long i = 0; i < 9; ++i)
+    for (long long i = 0; i < 9; ++i) {
         columns[2][i] = columns[0][i] + 1e-9 * columns[2][i];
+    }
     const ThinQr factor(columns.storage.data, 9, 4);
     for (long long a = 0; a < 4; ++a) {
         for (long long b = 0; b < 4; ++b) {
             double dot = 0;
-            for (long long i = 0; i < 9; ++i)
+            for (long long i = 0; i < 9; ++i) {
                 dot += factor.q(a)[i] * factor.q(b)[i];
+            }
             EXPECT_NEAR(a == b ? 1 : 0, dot, 32 * epsilon);
         }
         for (long long i = 0; i < 9; ++i) {
             double sum = 0;
-            for (long long k = 0; k <= a; ++k)
+            for (long long k = 0; k <= a; ++k) {
                 sum += factor.q(k)[i] * factor.r(k, a);
+            }
             EXPECT_NEAR(columns[a][i], sum, 32 * epsilon);
         }
     }
@@ -572,15 +594,17 @@ TEST(PassiveSetCacheTest, EverySetOfFiveHasItsOperatorAtOnce)
     const ReducedSpectra spectra(randomMatrix(5, 12, 46));
     PassiveSetCache cache(spectra);
     for (int round = 0; round < 2; ++round) {
-        for (PassiveSetCache::Mask mask = 0; mask < 32; ++mask)
+        for (PassiveSetCache::Mask mask = 0; mask < 32; ++mask) {
             cache.at(mask);
+        }
         EXPECT_EQ(32, cache.size());
     }
     // The empty set: the negated dual is that of the data themselves, -R' c.
     const double* op = cache.at(0);
     for (long long i = 0; i < 5; ++i) {
-        for (long long j = 0; j < 5; ++j)
+        for (long long j = 0; j < 5; ++j) {
             EXPECT_EQ(-spectra.column(j)[i], op[i * cache.stride() + j]);
+        }
     }
 }
 
@@ -596,8 +620,9 @@ RC_GTEST_PROP(ConcentrationPassLaws, EveryRowMeetsTheOptimalityConditions, ())
     RC_PRE(components == 1 || ReducedSpectra(S).usable());
     Matrix<double> C;
     runPass(D, S, C);
-    for (long long p = 0; p < D.num_rows(); ++p)
+    for (long long p = 0; p < D.num_rows(); ++p) {
         RC_ASSERT(optimalityBreach(D[p], S, C[p]) <= roundings(S) * 64);
+    }
 }
 
 // Pixels that are exact mixtures put the duals and the absent amounts at rounding level: the pivoting must still end.
@@ -607,8 +632,9 @@ RC_GTEST_PROP(ConcentrationPassLaws, ExactMixturesComeBack, ())
     const auto seed = *rc::gen::arbitrary<std::uint32_t>();
     const Matrix<double> S = randomMatrix(components, components + 6, seed, 0, 1);
     Matrix<double> amounts = randomMatrix(50, components, seed + 1ULL);
-    for (long long i = 0; i < amounts.storage.n_; ++i)
+    for (long long i = 0; i < amounts.storage.n_; ++i) {
         amounts.storage[i] = std::max(0.0, amounts.storage[i]);
+    }
     const Matrix<double> D = amounts * S;
     Matrix<double> C;
     runPass(D, S, C);

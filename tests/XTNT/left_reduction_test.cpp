@@ -33,8 +33,9 @@ constexpr double squaresTolerance = 200 * epsilon;
 double squaresOf(const Matrix<double>& a)
 {
     long double sum = 0;
-    for (long long i = 0; i < a.storage.n_; ++i)
+    for (long long i = 0; i < a.storage.n_; ++i) {
         sum += static_cast<long double>(a.storage[i]) * a.storage[i];
+    }
     return static_cast<double>(sum);
 }
 
@@ -45,8 +46,9 @@ double residualSquares(const Matrix<double>& C, const Matrix<double>& S, const M
     for (long long i = 0; i < D.M; ++i) {
         for (long long j = 0; j < D.N; ++j) {
             long double rest = D[i][j];
-            for (long long k = 0; k < C.N; ++k)
+            for (long long k = 0; k < C.N; ++k) {
                 rest -= static_cast<long double>(C[i][k]) * S[k][j];
+            }
             sum += rest * rest;
         }
     }
@@ -60,8 +62,9 @@ double residualSquares(const Matrix<double>& C, const Matrix<double>& S, const M
     const Matrix<double>& triangle = reduction.triangle();
     for (long long i = 0; i < triangle.M; ++i) {
         for (long long j = 0; j < i; ++j) {
-            if (triangle[i][j] != 0)
+            if (triangle[i][j] != 0) {
                 return ::testing::AssertionFailure() << "[" << i << "][" << j << "] is not 0";
+            }
         }
     }
     for (double size : {0.0, 1e-3, 1.0, 10.0}) {
@@ -156,14 +159,16 @@ RC_GTEST_PROP(LeftReductionLaws, AnyProblemMayBeReducedWhateverItsRank, (unsigne
 TEST(LeftReductionTest, ZeroColumnLeavesAZeroColumn)
 {
     Matrix<double> C = randomMatrix(700, 3, 13);
-    for (long long i = 0; i < C.M; ++i)
+    for (long long i = 0; i < C.M; ++i) {
         C[i][1] = 0;
+    }
     const Matrix<double> D = randomMatrix(700, 5, 14);
     LeftReduction reduction(D, 3);
     reduction.addAll(C);
     EXPECT_TRUE(standsFor(reduction, C, D, 15));
-    for (long long i = 0; i < 3; ++i)
+    for (long long i = 0; i < 3; ++i) {
         EXPECT_EQ(0, reduction.triangle()[i][1]);
+    }
     EXPECT_FALSE(reduction.inRange());
 }
 
@@ -172,8 +177,9 @@ TEST(LeftReductionTest, ColumnsThatNearlyAgreeKeepTheirDifference)
     const Matrix<double> base = randomMatrix(2000, 2, 16);
     for (double apart : {1e-4, 1e-8, 1e-11}) {
         Matrix<double> C = base.deepCopy();
-        for (long long i = 0; i < C.M; ++i)
+        for (long long i = 0; i < C.M; ++i) {
             C[i][1] = C[i][0] + apart * C[i][1];
+        }
         // The part of the difference that is at right angles to the first column.
         double along = 0;
         double first = 0;
@@ -269,8 +275,9 @@ TEST(LeftReductionTest, NanInTheDataSpoilsItsBandOnly)
     EXPECT_TRUE(reduction.inRange());
     EXPECT_TRUE(std::isnan(reduction.restSquares()));
     for (long long k = 0; k < 3; ++k) {
-        for (long long j : {0, 1, 3, 4})
+        for (long long j : {0, 1, 3, 4}) {
             EXPECT_EQ(expected.head()[k][j], reduction.head()[k][j]);
+        }
         EXPECT_TRUE(std::isnan(reduction.head()[k][2]));
         EXPECT_FALSE(std::isfinite(reduction.head()[k][5]));
     }
@@ -298,8 +305,9 @@ TEST(LeftReductionTest, MagnitudesBeyondSquaresAreNotInRange)
                  {1e110, true},   {1e125, false},  {1e200, false}};
     for (const auto& c : cases) {
         Matrix<double> C = base.deepCopy();
-        for (long long i = 0; i < C.M; ++i)
+        for (long long i = 0; i < C.M; ++i) {
             C[i][2] *= c.scale;
+        }
         LeftReduction reduction(randomMatrix(300, 4, 32), 3);
         reduction.addAll(C);
         EXPECT_EQ(c.inRange, reduction.inRange()) << c.scale;
@@ -311,8 +319,9 @@ TEST(LeftReductionTest, ElementsTooSmallForASquareDistortNothing)
     // The first blocks hold a column whose squares have few digits left, or none.
     for (double tiny : {1e-150, 1e-158, 1e-161, 1e-300}) {
         Matrix<double> C = randomMatrix(400, 3, 33);
-        for (long long i = 0; i < 200; ++i)
+        for (long long i = 0; i < 200; ++i) {
             C[i][0] *= tiny;
+        }
         const Matrix<double> D = randomMatrix(400, 5, 34);
         LeftReduction reduction(D, 3);
         reduction.addAll(C);

@@ -26,8 +26,9 @@ constexpr double tolerance = 100 * epsilon;
 Matrix<double> scaled(const Matrix<double>& a, double factor)
 {
     Matrix<double> result = a.deepCopy();
-    for (long long i = 0; i < result.storage.n_; ++i)
+    for (long long i = 0; i < result.storage.n_; ++i) {
         result.storage[i] *= factor;
+    }
     return result;
 }
 

@@ -55,8 +55,9 @@ Matrix<double> asColumn(const Vector<double>& v)
 
 void scaleColumn(Matrix<double>& a, long long column, double factor)
 {
-    for (long long i = 0; i < a.M; ++i)
+    for (long long i = 0; i < a.M; ++i) {
         a[i][column] *= factor;
+    }
 }
 
 } // namespace
@@ -93,12 +94,14 @@ RC_GTEST_PROP(ReducedSpectrumFitLaws, FreeComponentsAreFittedAgainAsByTheWholePr
     const long long mask = *rc::gen::inRange(1LL, (1LL << components) - 1);
     std::vector<long long> free;
     std::vector<long long> fixed;
-    for (long long k = 0; k < components; ++k)
+    for (long long k = 0; k < components; ++k) {
         ((mask >> k & 1) != 0 ? free : fixed).push_back(k);
+    }
     std::vector<long long> some{0};
     for (long long band = 1; band < bands; ++band) {
-        if ((seed >> (band % 32) & 1U) != 0)
+        if ((seed >> (band % 32) & 1U) != 0) {
             some.push_back(band);
+        }
     }
     const Matrix<double> conc = randomMatrix(300, components, seed, 0, 1);
     const Matrix<double> truth = randomMatrix(components, bands, seed + 1, 0, 1);
@@ -152,8 +155,9 @@ TEST(ReducedSpectrumFitTest, DependentColumnsGiveTheSolutionOfSmallestNorm)
     for (const Matrix<double>& conc : {repeated, zero, Matrix<double>(500, 4)}) {
         ReducedSpectrumFit fit(conc, data);
         EXPECT_EQ(elements(XTNT::solveForLeft(conc, data)), elements(fit.solve()));
-        for (long long band = 0; band < 6; ++band)
+        for (long long band = 0; band < 6; ++band) {
             EXPECT_TRUE(isNonNegativeOptimum(conc, data.column(band), fit.nonNegative(band)));
+        }
         const Matrix<double> spec = randomMatrix(4, 6, 11);
         const double expected = (data - conc * spec).norm(2);
         EXPECT_NEAR(expected, fit.residualNorm(data, spec), 100 * epsilon * expected);
@@ -164,8 +168,9 @@ TEST(ReducedSpectrumFitTest, NearlyDependentColumnsAreFittedToTheirCondition)
 {
     for (double apart : {1e-1, 1e-2, 1e-3, 1e-4, 1e-6, 1e-8, 1e-9}) {
         Matrix<double> conc = randomMatrix(3000, 4, 12, 0, 1);
-        for (long long i = 0; i < conc.M; ++i)
+        for (long long i = 0; i < conc.M; ++i) {
             conc[i][3] = conc[i][1] + apart * conc[i][3];
+        }
         const Matrix<double> data = noisyProduct(conc, randomMatrix(4, 6, 13, 0, 1), 1e-3, 14);
         ReducedSpectrumFit fit(conc, data);
         const Matrix<double> expected = XTNT::solveForLeft(conc, data);
@@ -177,8 +182,9 @@ TEST(ReducedSpectrumFitTest, NearlyDependentColumnsAreFittedToTheirCondition)
         const double rounding = 1e-12 + 4 * epsilon * conc.norm(2) * spec.norm(2) / least;
         EXPECT_NEAR(1, (data - conc * spec).norm(2) / least, rounding) << apart;
         EXPECT_NEAR(1, fit.residualNorm(data, spec) / least, rounding) << apart;
-        for (long long band = 0; band < 6; ++band)
+        for (long long band = 0; band < 6; ++band) {
             EXPECT_TRUE(isNonNegativeOptimum(conc, data.column(band), fit.nonNegative(band))) << apart;
+        }
     }
 }
 
@@ -258,8 +264,9 @@ TEST(ReducedSpectrumFitTest, ReorderedColumnsBelongToReorderedSpectra)
         std::copy_n(reordered.storage.data, conc.storage.n_, conc.storage.data);
         fit.reorder(order);
         const Matrix<double> after = fit.solve();
-        for (long long k = 0; k < 4; ++k)
+        for (long long k = 0; k < 4; ++k) {
             EXPECT_TRUE(areClose(after.subMatrix(k, k, 0, 5), before.subMatrix(order[k], order[k], 0, 5))) << k;
+        }
         const double expected = (data - conc * after).norm(2);
         EXPECT_NEAR(1, fit.residualNorm(data, after) / expected, 1e-13);
         EXPECT_TRUE(isNonNegativeOptimum(conc, data.column(3), fit.nonNegative(3), 1e-10) || factor != 1);
@@ -298,8 +305,9 @@ TEST(ReducedSpectrumFitTest, ResidualOfDataBeyondSquares)
     const Matrix<double> spec(2, 4);
     for (double factor : {1e-250, 1e250}) {
         Matrix<double> data = base.deepCopy();
-        for (long long i = 0; i < data.storage.n_; ++i)
+        for (long long i = 0; i < data.storage.n_; ++i) {
             data.storage[i] *= factor;
+        }
         EXPECT_NEAR(1, ReducedSpectrumFit(conc, data).residualNorm(data, spec) / data.norm(2), 1e-13) << factor;
     }
     const Matrix<double> zeros(300, 4);
@@ -331,15 +339,17 @@ double resolve(const Matrix<double>& data, Matrix<double> spec, int iterations, 
             const Vector<double> column = spec.column(j);
             if (column.Min() < 0) {
                 const Vector<double> x = fit->nonNegative(j);
-                for (long long k = 0; k < spec.M; ++k)
+                for (long long k = 0; k < spec.M; ++k) {
                     spec[k][j] = x[k];
+                }
             }
         }
         sigma = fit->residualNorm(data, spec);
         for (long long k = 0; k < spec.M; ++k) {
             const double largest = spec.row(k).Max();
-            for (long long j = 0; j < spec.N; ++j)
+            for (long long j = 0; j < spec.N; ++j) {
                 spec[k][j] /= largest;
+            }
         }
     }
     return sigma / data.norm(2);
@@ -351,8 +361,9 @@ TEST(ReducedSpectrumFitTest, TwentyIterationsEndWithTheLackOfFitOfThePlainSteps)
 {
     const Matrix<double> conc = randomMatrix(3000, 4, 32, -0.3, 1);
     Matrix<double> positive = conc.deepCopy();
-    for (long long i = 0; i < positive.storage.n_; ++i)
+    for (long long i = 0; i < positive.storage.n_; ++i) {
         positive.storage[i] = std::max(positive.storage[i], 0.0);
+    }
     Matrix<double> spec = randomMatrix(4, 12, 33, 0, 1);
     const Matrix<double> start = randomMatrix(4, 12, 34, 0, 1);
     const double plain = resolve(noisyProduct(positive, spec, 0.02, 35), start, 20, true);
@@ -367,8 +378,9 @@ TEST(ReducedSpectrumFitTest, TwentyIterationsOnACubeOfConditionAMillion)
     // the plain steps itself changes by more when the data change in their last bits.
     const Matrix<double> conc = randomMatrix(3000, 3, 36, 0, 1);
     Matrix<double> spec = randomMatrix(3, 12, 37, 0, 1);
-    for (long long j = 0; j < 12; ++j)
+    for (long long j = 0; j < 12; ++j) {
         spec[2][j] = spec[1][j] + 1e-6 * spec[2][j];
+    }
     for (double noise : {1e-3, 1e-5, 1e-6}) {
         const Matrix<double> data = noisyProduct(conc, spec, noise, 38);
         const double plain = resolve(data, spec, 20, true);

@@ -34,8 +34,9 @@ QVector<QStringList> readTable(const QString& name)
     QVector<QStringList> rows;
     const QStringList lines = QString::fromUtf8(file.readAll()).split('\n', Qt::SkipEmptyParts);
     for (const QString& line : lines) {
-        if (!line.startsWith('#'))
+        if (!line.startsWith('#')) {
             rows.append(line.split(','));
+        }
     }
     return rows;
 }
@@ -54,8 +55,9 @@ QMap<QString, QMap<int, double>> readSources(const QString& name)
     const QVector<QStringList> rows = readTable(name);
     QMap<QString, QMap<int, double>> sources;
     for (int r = 1; r < rows.size(); ++r) {
-        for (int c = 1; c < rows[r].size(); ++c)
+        for (int c = 1; c < rows[r].size(); ++c) {
             sources[rows[0].value(c)][rows[r][0].toInt()] = number(rows[r][c]);
+        }
     }
     return sources;
 }
@@ -78,8 +80,9 @@ QMap<int, std::pair<double, double>> readTissue(const QString& tissue)
 {
     QMap<int, std::pair<double, double>> result;
     for (const QStringList& row : readTable("tissues.csv")) {
-        if (row.value(0) == tissue)
+        if (row.value(0) == tissue) {
             result[row.value(1).toInt()] = {number(row.value(2)), number(row.value(3))};
+        }
     }
     return result;
 }
@@ -117,8 +120,9 @@ TEST(DataTablesTest, TheScriptWritesTheSameBytesInAnotherLocaleAndAFolderWithBla
     ASSERT_TRUE(QDir(folder.path()).mkdir("with blanks"));
     const QString out = folder.filePath("with blanks");
     ASSERT_EQ(runScript({"--out", out}, "de_DE.UTF-8"), 0);
-    for (const QString& name : tableNames)
+    for (const QString& name : tableNames) {
         EXPECT_EQ(contents(out + "/" + name), contents(dataFolder + name)) << qPrintable(name);
+    }
 }
 
 TEST(DataTablesTest, TheCheckFailsOnAChangedAndOnAMissingTable)
@@ -144,8 +148,9 @@ TEST(DataTablesTest, EveryTableHasLineFeedsAndRowsAsLongAsTheHeader)
         EXPECT_TRUE(bytes.endsWith('\n')) << qPrintable(name);
         const QVector<QStringList> rows = readTable(name);
         ASSERT_GT(rows.size(), 1) << qPrintable(name);
-        for (const QStringList& row : rows)
+        for (const QStringList& row : rows) {
             ASSERT_EQ(row.size(), rows[0].size()) << qPrintable(name + ": " + row.join(','));
+        }
     }
 }
 
@@ -241,11 +246,13 @@ TEST(DataTablesTest, AGaussianSumIsTabulatedAsWorkedOutByHand)
 TEST(DataTablesTest, AutofluorescenceHasBothCurvesAndItsShape)
 {
     const QMap<QString, QMap<int, double>> sources = readSources("library_sources.csv");
-    for (const char* name : {"ALFreeEm", "ALFreeEx", "ALFoodEm", "ALFoodEx"})
+    for (const char* name : {"ALFreeEm", "ALFreeEx", "ALFoodEm", "ALFoodEx"}) {
         ASSERT_TRUE(sources.contains(name)) << name;
+    }
     const QMap<int, double> tissue = sources["ALFreeEm"];
-    for (int w = 580; w < 1000; w += 20)
+    for (int w = 580; w < 1000; w += 20) {
         EXPECT_GT(tissue[w], tissue[w + 20]) << w;
+    }
     EXPECT_GT(tissue[820], 0.05);
     const QMap<int, double> food = sources["ALFoodEm"];
     EXPECT_GT(food[730], 0.2);
@@ -267,11 +274,13 @@ TEST(DataTablesTest, LuciferasesPeakAsAtBodyTemperature)
                                                     {"Renilla LuciferaseEm", 480},
                                                     {"Shrimp LuciferaseEm", 460}};
     EXPECT_EQ(sources.size(), peaks.size());
-    for (const auto& [name, wavelength] : peaks)
+    for (const auto& [name, wavelength] : peaks) {
         EXPECT_NEAR(peak(sources.value(name)), wavelength, 1) << qPrintable(name);
+    }
     int width = 0;
-    for (double value : sources["Firefly LuciferaseEm"])
+    for (double value : sources["Firefly LuciferaseEm"]) {
         width += value >= 0.5 ? 1 : 0;
+    }
     EXPECT_NEAR(width, 100, 10);
 }
 
@@ -292,8 +301,9 @@ TEST(DataTablesTest, CherenkovLightFallsWithTheSquareOfTheWavelength)
 TEST(DataTablesTest, IsotopesHaveTheirHalfLives)
 {
     QMap<QString, QStringList> isotopes;
-    for (const QStringList& row : readTable("isotopes.csv"))
+    for (const QStringList& row : readTable("isotopes.csv")) {
         isotopes[row.value(0)] = row;
+    }
     EXPECT_EQ(isotopes.value("Undefined").mid(1), QStringList({"0", "no"}));
     EXPECT_NEAR(number(isotopes.value("F-18").value(1)) / 60.0, 109.734, 1e-3);
     EXPECT_NEAR(number(isotopes.value("Zr-89").value(1)) / 3600.0, 78.36, 1e-2);
@@ -302,8 +312,9 @@ TEST(DataTablesTest, IsotopesHaveTheirHalfLives)
     EXPECT_EQ(isotopes.value("Tc-99m").value(2), "no");
     const QMap<QString, QMap<int, double>> sources = readSources("radioactive_sources.csv");
     isotopes.remove("isotope");
-    for (const QStringList& row : qAsConst(isotopes))
+    for (const QStringList& row : qAsConst(isotopes)) {
         EXPECT_EQ(sources.contains(row[0]), row[2] == "yes") << qPrintable(row[0]);
+    }
 }
 
 TEST(DataTablesTest, MuscleIsBloodAndWaterAsWorkedOutByHand)
@@ -382,10 +393,12 @@ TEST(DataTablesTest, TheListOfProbesNamesExactlyTheSources)
     ASSERT_EQ(probes.takeFirst(), QStringList({"name", "kind", "has_em", "has_ex", "aliases"}));
     for (const QStringList& probe : qAsConst(probes)) {
         const bool suffix = probe[1] != "radioactive";
-        if (probe[2] == "yes")
+        if (probe[2] == "yes") {
             expected.append(probe[0] + (suffix ? "Em" : ""));
-        if (probe[3] == "yes")
+        }
+        if (probe[3] == "yes") {
             expected.append(probe[0] + "Ex");
+        }
         if (probe[0] == "AlexaFluor 750") {
             EXPECT_EQ(probe[4], "Alexa Fluor 750;AF750");
         }

@@ -29,11 +29,13 @@ bool isContainer(const std::string& path)
 std::optional<int> floorOf(const std::string& path)
 {
     const auto room = path.substr(0, path.find('/'));
-    if (room == "XTNT")
+    if (room == "XTNT") {
         return isContainer(path) ? 0 : 2;
+    }
     const auto found = floors.find(room);
-    if (found == floors.end())
+    if (found == floors.end()) {
         return std::nullopt;
+    }
     return found->second;
 }
 
@@ -51,13 +53,16 @@ std::string complaint(const std::string& path, const std::string& target)
         return allowed ? "" : "platform/ includes only host/, the containers and itself";
     }
     const auto own = floorOf(path);
-    if (!own)
+    if (!own) {
         return "";
-    if (targetIsPlatform)
+    }
+    if (targetIsPlatform) {
         return *own == 7 ? "" : "only workbench/ and tests include platform/";
+    }
     const auto other = floorOf(target);
-    if (other && *other > *own)
+    if (other && *other > *own) {
         return "a room above its own";
+    }
     return "";
 }
 
@@ -67,20 +72,25 @@ std::vector<std::string> includesOf(const fs::path& file)
     std::vector<std::string> found;
     std::ifstream stream(file);
     std::smatch match;
-    for (std::string line; std::getline(stream, line);)
-        if (std::regex_search(line, match, pattern))
+    for (std::string line; std::getline(stream, line);) {
+        if (std::regex_search(line, match, pattern)) {
             found.push_back(match[1]);
+        }
+    }
     return found;
 }
 
 std::vector<fs::path> sourcesOf(const std::string& room)
 {
     std::vector<fs::path> files;
-    if (!fs::exists(root / room))
+    if (!fs::exists(root / room)) {
         return files;
-    for (const auto& entry : fs::recursive_directory_iterator(root / room))
-        if (entry.is_regular_file() && (entry.path().extension() == ".h" || entry.path().extension() == ".cpp"))
+    }
+    for (const auto& entry : fs::recursive_directory_iterator(root / room)) {
+        if (entry.is_regular_file() && (entry.path().extension() == ".h" || entry.path().extension() == ".cpp")) {
             files.push_back(entry.path());
+        }
+    }
     return files;
 }
 
@@ -92,8 +102,9 @@ TEST(FloorsTest, NoFileIncludesARoomAboveItsOwn)
         for (const auto& file : sourcesOf(room)) {
             const auto path = fs::relative(file, root).generic_string();
             ++looked;
-            for (const auto& target : includesOf(file))
+            for (const auto& target : includesOf(file)) {
                 EXPECT_EQ(complaint(path, target), "") << path << " includes " << target;
+            }
         }
     }
     EXPECT_GT(looked, 50);
@@ -114,10 +125,12 @@ TEST(FloorsTest, IncludesNameTheirRoom)
 {
     for (const char* room :
          {"XTNT", "host", "platform", "algorithms", "spectra", "windows", "engine", "storage", "plugin", "workbench"}) {
-        for (const auto& file : sourcesOf(room))
-            for (const auto& target : includesOf(file))
+        for (const auto& file : sourcesOf(room)) {
+            for (const auto& target : includesOf(file)) {
                 EXPECT_NE(target.find('/'), std::string::npos)
                     << file << " includes " << target << " without its room, past the check of floors";
+            }
+        }
     }
 }
 

@@ -38,10 +38,11 @@ QByteArray readAll(int descriptor)
     char buffer[65536];
     for (;;) {
         const ssize_t n = ::read(descriptor, buffer, sizeof buffer);
-        if (n > 0)
+        if (n > 0) {
             bytes.append(buffer, static_cast<int>(n));
-        else if (n == 0 || errno != EINTR)
+        } else if (n == 0 || errno != EINTR) {
             return bytes;
+        }
     }
 }
 
@@ -51,18 +52,21 @@ GuardedRun runGuarded(const std::function<int(int descriptor)>& work)
 {
     GuardedRun run;
     int ends[2] = {-1, -1};
-    if (::pipe2(ends, O_CLOEXEC) != 0)
+    if (::pipe2(ends, O_CLOEXEC) != 0) {
         return run;
+    }
     const pid_t child = ::fork();
-    if (child == 0)
+    if (child == 0) {
         runChild(work, ends[1]);
+    }
     ::close(ends[1]);
     run.output = readAll(ends[0]);
     ::close(ends[0]);
     int status = 0;
     rusage usage = {};
-    if (child < 0 || ::wait4(child, &status, 0, &usage) != child)
+    if (child < 0 || ::wait4(child, &status, 0, &usage) != child) {
         return run;
+    }
     run.exited = WIFEXITED(status);
     run.status = run.exited ? WEXITSTATUS(status) : 0;
     run.signal = WIFSIGNALED(status) ? WTERMSIG(status) : 0;

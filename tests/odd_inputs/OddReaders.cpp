@@ -74,8 +74,9 @@ Reading refused(const QString& error)
 
 Reading ofImage(bool bRead, CILImage& image, const QString& error, const QStringList& warnings = {})
 {
-    if (!bRead)
+    if (!bRead) {
         return refused(error);
+    }
     image.RefreshImageStats();
     return {true, warnings, sizeOf(image)};
 }
@@ -102,8 +103,9 @@ void writeReading(int descriptor, const Reading& reading)
     const QByteArray bytes = separator + parts.join(QLatin1Char(separator)).toUtf8();
     for (qint64 done = 0; done < bytes.size();) {
         const ssize_t n = ::write(descriptor, bytes.constData() + done, static_cast<std::size_t>(bytes.size() - done));
-        if (n <= 0)
+        if (n <= 0) {
             return;
+        }
         done += n;
     }
 }
@@ -121,8 +123,9 @@ Reading parseReading(const QByteArray& output, int status)
     reading.accepted = status == 0;
     QStringList rest;
     const QStringList lines = QString::fromUtf8(output).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
-    for (const QString& line : lines)
+    for (const QString& line : lines) {
         (line.startsWith(QLatin1String("spum: ")) ? reading.messages : rest).append(line);
+    }
     reading.gist = rest.join(QLatin1Char('\n'));
     return reading;
 }
@@ -135,8 +138,9 @@ OddReader dataset()
         CORVDataset dataset;
         QString error;
         QStringList warnings;
-        if (dataset.open(folderOf(path), &error, &warnings) != ESTATUS_SUCCESS)
+        if (dataset.open(folderOf(path), &error, &warnings) != ESTATUS_SUCCESS) {
             return refused(error);
+        }
         double exposure = 0.0;
         dataset.getExposureTime(&exposure);
         return Reading{true, warnings,
@@ -153,8 +157,9 @@ OddReader sequence()
         CORVSequenceDataset opened;
         QString error;
         QStringList warnings;
-        if (opened.open(folderOf(path), &error, &warnings) != ESTATUS_SUCCESS)
+        if (opened.open(folderOf(path), &error, &warnings) != ESTATUS_SUCCESS) {
             return refused(error);
+        }
         return Reading{
             true, warnings,
             QStringLiteral("%1, %2 datasets").arg(opened.getSequenceName()).arg(opened.getDatasets().size())};
@@ -204,11 +209,13 @@ OddReader stack()
     return reader([](const QString& path) {
         ImageFinder finder;
         QString error;
-        if (!finder.find(path, {}, &error))
+        if (!finder.find(path, {}, &error)) {
             return refused(error);
+        }
         QString figures;
-        for (const Figure& figure : finder.images().first().figures)
+        for (const Figure& figure : finder.images().first().figures) {
             figures += QStringLiteral(", ") + figure.origin;
+        }
         return Reading{true, finder.warnings() + finder.doubts(),
                        QStringLiteral("%1 images%2").arg(finder.images().size()).arg(figures)};
     });
@@ -219,8 +226,9 @@ OddReader table()
     return reader([](const QString& path) {
         ImagesTable images;
         QString error;
-        if (!images.load(path, &error))
+        if (!images.load(path, &error)) {
             return refused(error);
+        }
         return Reading{true, images.warnings(), QStringLiteral("%1 rows").arg(images.rows().size())};
     });
 }
@@ -300,14 +308,16 @@ OddReader library()
         LibrarySpectra spectra;
         spectra.load(path);
         KeyPair pairs[2];
-        for (KeyPair& pair : pairs)
+        for (KeyPair& pair : pairs) {
             pair.first = QStringLiteral("Open");
+        }
         pairs[0].second = QStringLiteral("500nm");
         pairs[1].second = QStringLiteral("520nm");
         const QList<SpectrumPlotParams*> fitted = spectra.fitTo({pairs[0], pairs[1]}, 0);
         QStringList names;
-        for (const SpectrumPlotParams* spectrum : fitted)
+        for (const SpectrumPlotParams* spectrum : fitted) {
             names.append(spectrum->settings.name);
+        }
         qDeleteAll(fitted);
         return Reading{true, {}, names.mid(0, 5).join(QLatin1Char(' '))};
     });
@@ -339,8 +349,9 @@ OddReader savedResult()
 {
     return reader([](const QString& path) {
         const SavedDocument document = readSavedDocument(path);
-        if (!document.error.isEmpty())
+        if (!document.error.isEmpty()) {
             return refused(path + QStringLiteral(": ") + document.error);
+        }
         return Reading{true,
                        {},
                        QStringLiteral("%1: %2, %3 images, %4 properties, %5 regions")
@@ -355,19 +366,24 @@ OddReader spum(const QStringList& arguments)
 {
     return [arguments](const QString& path, int descriptor) {
         QList<QByteArray> words{QByteArrayLiteral(ORV_BINARY_DIR "/bin/spum")};
-        for (const QString& argument : arguments)
+        for (const QString& argument : arguments) {
             words.append(filled(argument, path).toUtf8());
+        }
         const QByteArray home = folderOf(path).toUtf8();
         QList<QByteArray> settings{"PATH=/usr/bin:/bin", "HOME=" + home, "XDG_DATA_HOME=" + home + "/data"};
-        for (const char* name : {"ASAN_OPTIONS", "UBSAN_OPTIONS", "TSAN_OPTIONS", "LSAN_OPTIONS"})
-            if (const char* value = std::getenv(name))
+        for (const char* name : {"ASAN_OPTIONS", "UBSAN_OPTIONS", "TSAN_OPTIONS", "LSAN_OPTIONS"}) {
+            if (const char* value = std::getenv(name)) {
                 settings.append(QByteArray(name) + '=' + value);
+            }
+        }
         std::vector<char*> argv;
         std::vector<char*> environment;
-        for (QByteArray& word : words)
+        for (QByteArray& word : words) {
             argv.push_back(word.data());
-        for (QByteArray& setting : settings)
+        }
+        for (QByteArray& setting : settings) {
             environment.push_back(setting.data());
+        }
         argv.push_back(nullptr);
         environment.push_back(nullptr);
         ::dup2(descriptor, STDOUT_FILENO);

@@ -48,8 +48,9 @@ QByteArray sequenceInfo(int datasets)
     QByteArray text = "[Sequence]\nSequence ID: odd\nSequence Name: Odd one\nKind: spectral\nFluorescence: 0\n"
                       "Transillumination: 0\n\n[Datasets]\nDataset Count: " +
                       QByteArray::number(datasets) + "\n";
-    for (int i = 1; i <= datasets; ++i)
+    for (int i = 1; i <= datasets; ++i) {
         text += "Dataset: C" + QByteArray::number(i) + "\n";
+    }
     return sections(text);
 }
 
@@ -57,8 +58,9 @@ QByteArray many(const QByteArray& begin, const QByteArray& line, int count)
 {
     QByteArray text = begin;
     const QList<QByteArray> parts = line.split('%');
-    for (int i = 0; i < count; ++i)
+    for (int i = 0; i < count; ++i) {
         text += parts.join(QByteArray::number(i + 1));
+    }
     return text;
 }
 
@@ -77,9 +79,11 @@ QByteArray enviHeader()
 QByteArray csvCube()
 {
     QByteArray text = "x,y,em500,em520\n";
-    for (int y = 0; y < 4; ++y)
-        for (int x = 0; x < 4; ++x)
+    for (int y = 0; y < 4; ++y) {
+        for (int x = 0; x < 4; ++x) {
             text += QByteArray::number(x) + ',' + QByteArray::number(y) + ",10.25,1.125\n";
+        }
+    }
     return text;
 }
 
@@ -104,16 +108,18 @@ QByteArray savedResult()
     QByteArray text = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<!DOCTYPE ORV.SpectralUnmixingResults.Data>\n"
                       "<SpectralUnmixingResults Date.Time=\"1/31/24, 11:59 PM\" Version=\"2\" Note=\"\">\n"
                       " <SeqDataset id=\"odd\"/>\n <SelectedKeyPairs>\n";
-    for (const char* emission : {"500", "520", "540"})
+    for (const char* emission : {"500", "520", "540"}) {
         text += QByteArray("  <KeyPair Col=\"Block\" Row=\"") + emission + "\"/>\n";
+    }
     text += " </SelectedKeyPairs>\n <SpectrumList>\n";
     for (const char* name : {"A", "B"}) {
         const QByteArray component = name[0] == 'A' ? "Component0" : "Component1";
         text += "  <" + component + " Version=\"1\" Selected=\"1\" Name=\"" + name +
                 "\" Color=\"red\" Shape=\"1\" Axis=\"Emission\" Origin=\"lab\">\n";
-        for (const char* emission : {"500", "520", "540"})
+        for (const char* emission : {"500", "520", "540"}) {
             text += QByteArray("   <Spectrum Col=\"Block\" Row=\"") + emission + "\" Data=\"" +
                     (name[0] == 'A' && emission[1] == '2' ? "1" : "0.25") + "\"/>\n";
+        }
         text += "  </" + component + ">\n";
     }
     return text + " </SpectrumList>\n <DataMask Version=\"1\" ImageBinning=\"4\" ImageWidth=\"32\" ImageHeight=\"32\" "

@@ -40,8 +40,9 @@ OddTiff::OddTiff()
     int pixel = 0;
     for (int strip = 0; strip < side / rowsPerStrip; ++strip) {
         QByteArray block;
-        for (int i = 0; i < side * rowsPerStrip; ++i, ++pixel)
+        for (int i = 0; i < side * rowsPerStrip; ++i, ++pixel) {
             append(block, static_cast<quint64>(pixel), 2);
+        }
         m_blocks.push_back(block);
     }
 }
@@ -55,9 +56,11 @@ OddTiff& OddTiff::big()
 OddTiff& OddTiff::motorola()
 {
     m_motorola = true;
-    for (QByteArray& block : m_blocks)
-        for (int i = 0; i + 1 < block.size(); i += 2)
+    for (QByteArray& block : m_blocks) {
+        for (int i = 0; i + 1 < block.size(); i += 2) {
             std::swap(block.data()[i], block.data()[i + 1]);
+        }
+    }
     return *this;
 }
 
@@ -67,8 +70,9 @@ OddTiff& OddTiff::tiled()
     m_blocks.clear();
     for (int tile = 0; tile < (side / tileSide) * (side / tileSide); ++tile) {
         QByteArray block;
-        for (int i = 0; i < tileSide * tileSide; ++i)
+        for (int i = 0; i < tileSide * tileSide; ++i) {
             append(block, static_cast<quint64>(tile * tileSide * tileSide + i), 2);
+        }
         m_blocks.push_back(block);
     }
     set(TileWidth, Short, {tileSide});
@@ -78,8 +82,9 @@ OddTiff& OddTiff::tiled()
 
 OddTiff& OddTiff::deflated()
 {
-    for (QByteArray& block : m_blocks)
+    for (QByteArray& block : m_blocks) {
         block = qCompress(block).mid(zlibAhead);
+    }
     return set(Compression, Short, {8});
 }
 
@@ -148,11 +153,13 @@ void OddTiff::append(QByteArray& to, quint64 value, int width) const
 
 QByteArray OddTiff::valueBytes(const Entry& entry) const
 {
-    if (!entry.text.isEmpty())
+    if (!entry.text.isEmpty()) {
         return entry.text;
+    }
     QByteArray bytes;
-    for (const quint64 value : entry.values)
+    for (const quint64 value : entry.values) {
         append(bytes, value, entry.claimed ? (m_big ? 8 : 4) : widthOf(entry.type));
+    }
     return bytes;
 }
 
@@ -197,8 +204,9 @@ QByteArray OddTiff::bytes() const
 {
     std::map<int, Entry> entries = m_entries;
     const auto put = [&](int tag, const std::vector<quint64>& values) {
-        if (m_entries.count(tag) == 0)
+        if (m_entries.count(tag) == 0) {
             entries[tag] = Entry{Long, values.size(), values, {}, false};
+        }
     };
     std::vector<quint64> lengths;
     QByteArray blocks;

@@ -43,8 +43,9 @@ OddCase envi(const QByteArray& name, const std::function<QByteArray()>& text, Od
                 putFile(path, text());
                 const QString data = QFileInfo(path).path() + QStringLiteral("/cube.dat");
                 putFile(data, QByteArray("\0\0\0\x3f", 4).repeated(cubeBytes / 4));
-                if (bytes > 0)
+                if (bytes > 0) {
                     QFile::resize(data, bytes); // a hole, which takes no room
+                }
             },
             outcome,
             says};
@@ -139,7 +140,7 @@ OddCases enviHeaders()
 OddCases enviData()
 {
     OddCases cases;
-    for (int tenths = 0; tenths < 10; ++tenths)
+    for (int tenths = 0; tenths < 10; ++tenths) {
         cases.push_back({"EnviDataCutAt" + QByteArray::number(10 * tenths) + "Percent", OddReaders::envi(), headerFile,
                          [tenths](const QString& path) {
                              putFile(path, OddTexts::enviHeader());
@@ -147,6 +148,7 @@ OddCases enviData()
                                      QByteArray(cubeBytes * tenths / 10, 'a'));
                          },
                          C::Refused, "{dir}/cube.dat: the file has {n} bytes where its header asks for 8192"});
+    }
     cases.push_back({"EnviWithoutData", OddReaders::envi(), headerFile,
                      [](const QString& path) { putFile(path, OddTexts::enviHeader()); }, C::Refused,
                      "{path}: no data file of that name lies beside the header"});
@@ -323,7 +325,8 @@ OddCases imagesTableCases()
 OddCases cubeCases()
 {
     OddCases cases = enviHeaders();
-    for (const OddCases& more : {enviData(), enviHeaderCuts(), csvCubes(), csvCubeCuts()})
+    for (const OddCases& more : {enviData(), enviHeaderCuts(), csvCubes(), csvCubeCuts()}) {
         cases.insert(cases.end(), more.begin(), more.end());
+    }
     return cases;
 }

@@ -149,7 +149,8 @@ OddCases metadataCases()
             bRecognised ? unused("line 1 of the OME-XML: Premature end of document.")
                         : QStringLiteral("1 images{...}")));
     }
-    for (const OddCases& more : {omeCases(), imageJCases()})
+    for (const OddCases& more : {omeCases(), imageJCases()}) {
         cases.insert(cases.end(), more.begin(), more.end());
+    }
     return cases;
 }

@@ -24,8 +24,9 @@ const OddCases& allCases()
         OddCases all;
         for (const auto& cases : {sectionCases(), sequenceCases(), regionCases(), tiffCases(), metadataCases(),
                                   imagesTableCases(), cubeCases(), pictureCases(), referenceTableCases(),
-                                  libraryCases(), resultCases(), savedResultCases(), placeCases(), programCases()})
+                                  libraryCases(), resultCases(), savedResultCases(), placeCases(), programCases()}) {
             all.insert(all.end(), cases.begin(), cases.end());
+        }
         return all;
     }();
     return collected;
@@ -64,8 +65,9 @@ TEST_P(OddInputTest, IsToldAndHarmless)
     const QString path = folder.filePath(oddCase.file);
     oddCase.make(path);
     const GuardedRun run = runGuarded([&](int descriptor) {
-        if (oddCase.plainUser && !becomePlainUser())
+        if (oddCase.plainUser && !becomePlainUser()) {
             return 99;
+        }
         return oddCase.read(path, descriptor);
     });
 

@@ -37,8 +37,9 @@ std::uint32_t checksum(const QByteArray& bytes)
     std::uint32_t sum = 0xffffffffU;
     for (const char byte : bytes) {
         sum ^= static_cast<unsigned char>(byte);
-        for (int bit = 0; bit < 8; ++bit)
+        for (int bit = 0; bit < 8; ++bit) {
             sum = (sum >> 1) ^ ((sum & 1U) != 0 ? 0xedb88320U : 0U);
+        }
     }
     return ~sum;
 }
@@ -46,16 +47,18 @@ std::uint32_t checksum(const QByteArray& bytes)
 QByteArray bigEndian(std::uint32_t value, int width)
 {
     QByteArray bytes;
-    for (int i = width - 1; i >= 0; --i)
+    for (int i = width - 1; i >= 0; --i) {
         bytes.append(static_cast<char>(value >> (8 * i) & 0xffU));
+    }
     return bytes;
 }
 
 QByteArray littleEndian(std::uint32_t value)
 {
     QByteArray bytes;
-    for (int i = 0; i < 4; ++i)
+    for (int i = 0; i < 4; ++i) {
         bytes.append(static_cast<char>(value >> (8 * i) & 0xffU));
+    }
     return bytes;
 }
 
@@ -93,8 +96,9 @@ OddCase photograph(const QByteArray& name, const QString& file, const std::funct
 OddTiff floats(float value)
 {
     QByteArray strip;
-    for (int i = 0; i < side * side; ++i)
+    for (int i = 0; i < side * side; ++i) {
         strip.append(reinterpret_cast<const char*>(&value), sizeof value);
+    }
     return OddTiff()
         .set(T::Bits, T::Short, {32})
         .set(T::SampleFormat, T::Short, {3})
@@ -159,8 +163,9 @@ OddCases photographCuts()
     OddCases cases;
     for (const char* format : {"PNG", "JPG", "BMP", "PPM", "GIF"}) {
         const QByteArray bytes = picture(format);
-        if (bytes.isEmpty())
+        if (bytes.isEmpty()) {
             continue; // not every format can be written
+        }
         const OddCases more = cutAtEachTenth("Photograph" + QByteArray(format), OddReaders::photograph(),
                                              QStringLiteral("photo.") + QString(format).toLower(), bytes,
                                              std::vector<QString>(9, broken));
@@ -237,7 +242,8 @@ OddCases corrections()
 OddCases pictureCases()
 {
     OddCases cases = photographs();
-    for (const OddCases& more : {photographCuts(), corrections()})
+    for (const OddCases& more : {photographCuts(), corrections()}) {
         cases.insert(cases.end(), more.begin(), more.end());
+    }
     return cases;
 }

@@ -58,8 +58,9 @@ OddCases sequences()
                 OddTexts::putSequence(path,
                                       OddTexts::sections(OddTexts::many("[Sequence]\nSequence ID: odd\n[Datasets]\n",
                                                                         "Dataset: no%\n", 100000)));
-                for (const char* folder : {"C1", "C2", "C3"})
+                for (const char* folder : {"C1", "C2", "C3"}) {
                     QDir(beside(path, QLatin1String(folder))).removeRecursively();
+                }
             },
             C::Refused, "spum: {dir}: holds no dataset that can be read; {...}more warnings"),
         program(
@@ -95,8 +96,9 @@ OddCases imports()
 {
     const auto putStack = [](const QString& path) {
         putFile(path, OddTexts::imagesTable());
-        for (const char* name : {"cells_00.tif", "cells_01.tif", "cells_02.tif"})
+        for (const char* name : {"cells_00.tif", "cells_01.tif", "cells_02.tif"}) {
             putFile(beside(path, QStringLiteral("stack/") + QLatin1String(name)), OddTiff().bytes());
+        }
     };
     const QStringList table{"import", "{dir}/stack", "{out}", "--images", "{path}"};
     return {

@@ -41,9 +41,10 @@ QByteArray old()
 QByteArray laughs()
 {
     QByteArray text = "<?xml version=\"1.0\"?>\n<!DOCTYPE a [<!ENTITY e0 \"<b/>\">\n";
-    for (int i = 1; i < 10; ++i)
+    for (int i = 1; i < 10; ++i) {
         text += "<!ENTITY e" + QByteArray::number(i) + " \"" + ("&e" + QByteArray::number(i - 1) + ";").repeated(10) +
                 "\">\n";
+    }
     return text + "]><SpectralUnmixingResults Version=\"2\"><Results>&e9;</Results></SpectralUnmixingResults>";
 }
 
@@ -273,7 +274,8 @@ OddCases savedResultCases()
     const QString cut = QStringLiteral("{path}: line {n}, column {n}: {...}");
     for (const OddCases& more : {cutAtEachTenth("SavedResult", OddReaders::savedResult(), "SPUM-20240131-235959.xml",
                                                 OddTexts::savedResult(), std::vector<QString>(9, cut)),
-                                 loads(), programs()})
+                                 loads(), programs()}) {
         cases.insert(cases.end(), more.begin(), more.end());
+    }
     return cases;
 }

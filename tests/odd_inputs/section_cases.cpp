@@ -203,7 +203,8 @@ OddCases sectionCases()
         cutAtEachTenth("Index", OddReaders::index(), indexFile, soundIndex(), std::vector<QString>(9, cut));
     // Within the line that tells that there must be a last one.
     index.front().says = QStringLiteral("{path}:1: no section, a line \"[key] name\", in the file");
-    for (const OddCases& more : {index, brokenClicks(), oddClicks(), brokenDatasets(), indexCases()})
+    for (const OddCases& more : {index, brokenClicks(), oddClicks(), brokenDatasets(), indexCases()}) {
         cases.insert(cases.end(), more.begin(), more.end());
+    }
     return cases;
 }

@@ -149,7 +149,8 @@ OddCases sequenceCases()
             put(path);
         };
     }
-    for (const OddCases& more : {infos(), folders()})
+    for (const OddCases& more : {infos(), folders()}) {
         cases.insert(cases.end(), more.begin(), more.end());
+    }
     return cases;
 }

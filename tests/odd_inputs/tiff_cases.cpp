@@ -190,15 +190,17 @@ QByteArray chain(int count, quint64 last)
     const int nextAt = static_cast<int>(begin) + 2 + 9 * 12;
     const auto number = [](quint64 value) {
         QByteArray text;
-        for (int i = 0; i < 4; ++i)
+        for (int i = 0; i < 4; ++i) {
             text.append(static_cast<char>(value >> (8 * i) & 0xff));
+        }
         return text;
     };
     const int length = first.size() + 4;
     const int behind = bytes.size();
     bytes.replace(nextAt, 4, number(count > 1 ? static_cast<quint64>(behind) : last));
-    for (int i = 1; i < count; ++i)
+    for (int i = 1; i < count; ++i) {
         bytes += first + number(i + 1 < count ? static_cast<quint64>(behind + i * length) : last);
+    }
     return bytes;
 }
 
@@ -228,7 +230,8 @@ OddCases manyPages()
 OddCases tiffCases()
 {
     OddCases cases = cut();
-    for (const OddCases& more : {headers(), manyPages()})
+    for (const OddCases& more : {headers(), manyPages()}) {
         cases.insert(cases.end(), more.begin(), more.end());
+    }
     return cases;
 }

@@ -13,11 +13,13 @@ template <class Function>
 int inForkedChild(Function function)
 {
     const pid_t child = ::fork();
-    if (child == 0)
+    if (child == 0) {
         ::_exit(function());
+    }
     int status = 0;
-    if (child < 0 || ::waitpid(child, &status, 0) != child)
+    if (child < 0 || ::waitpid(child, &status, 0) != child) {
         return 200;
+    }
     return WIFEXITED(status) ? WEXITSTATUS(status) : 201;
 }
 

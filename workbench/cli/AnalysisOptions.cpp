@@ -11,10 +11,11 @@ namespace {
 int unitOf(const QString& strText)
 {
     const int unit = UnitNames::fromText(strText);
-    if (unit < 0)
+    if (unit < 0) {
         throw CliFailure(QStringLiteral("--unit takes %1, not \"%2\".")
                              .arg(UnitNames::options().join(QStringLiteral(", ")), strText),
                          CliFailure::Usage);
+    }
     return unit;
 }
 
@@ -22,9 +23,10 @@ int binningOf(const QString& strText)
 {
     bool ok = false;
     const int binning = strText.toInt(&ok);
-    if (!ok || binning < 1 || binning > 64)
+    if (!ok || binning < 1 || binning > 64) {
         throw CliFailure(QStringLiteral("--binning takes a whole number from 1 to 64, not \"%1\".").arg(strText),
                          CliFailure::Usage);
+    }
     return binning;
 }
 
@@ -51,19 +53,23 @@ AnalysisRequest analysisRequestOf(const QCommandLineParser& parser, const QStrin
 {
     const auto value = [&parser](const char* pName) { return parser.value(QLatin1String(pName)); };
     const QStringList arguments = parser.positionalArguments();
-    if (arguments.size() != 1)
+    if (arguments.size() != 1) {
         throw CliFailure(QStringLiteral("%1 takes one sequence. See \"spum %1 --help\".").arg(strCommand),
                          CliFailure::Usage);
+    }
     AnalysisRequest request;
     request.sequence = arguments[0];
     request.select = value("select");
-    if (parser.isSet(QStringLiteral("select")) && request.select.trimmed().isEmpty())
+    if (parser.isSet(QStringLiteral("select")) && request.select.trimmed().isEmpty()) {
         throw CliFailure(QStringLiteral("--select names no image."), CliFailure::Usage);
+    }
     request.mask = maskOptionOf(parser, eMaskDefault);
-    if (!value("unit").isEmpty())
+    if (!value("unit").isEmpty()) {
         request.unit = unitOf(value("unit"));
-    if (!value("binning").isEmpty())
+    }
+    if (!value("binning").isEmpty()) {
         request.binning = binningOf(value("binning"));
+    }
     request.out = value("out");
     request.force = parser.isSet(QStringLiteral("force"));
     return request;

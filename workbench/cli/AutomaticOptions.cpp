@@ -24,8 +24,9 @@ QStringList namesOf(const QString& strText)
     QStringList names;
     for (const QString& part : strText.split(QLatin1Char(','))) {
         names.append(part.trimmed());
-        if (names.last().isEmpty())
+        if (names.last().isEmpty()) {
             usage(QStringLiteral("--components takes names split by commas; one in \"%1\" is empty.").arg(strText));
+        }
     }
     return names;
 }
@@ -34,22 +35,25 @@ int countOf(const QString& strText)
 {
     bool good = false;
     const int count = strText.toInt(&good);
-    if (!good || count < 1 || count > mostComponents)
+    if (!good || count < 1 || count > mostComponents) {
         usage(QStringLiteral("--ncomponents takes a whole number from 2 on, not \"%1\".").arg(strText));
+    }
     return count;
 }
 
 double halfLifeOf(const QString& strText)
 {
-    if (strText == QLatin1String("auto"))
+    if (strText == QLatin1String("auto")) {
         return 0.0;
+    }
     bool good = false;
     const double minutes = strText.toDouble(&good);
-    if (!good || !(minutes >= smallestHalfLife && minutes <= largestHalfLife))
+    if (!good || !(minutes >= smallestHalfLife && minutes <= largestHalfLife)) {
         usage(QStringLiteral("--decay takes auto or a half life in minutes from %1 to %2, not \"%3\".")
                   .arg(smallestHalfLife)
                   .arg(largestHalfLife, 0, 'f', 0)
                   .arg(strText));
+    }
     return minutes;
 }
 
@@ -82,28 +86,35 @@ void declareAutomaticOptions(QCommandLineParser& parser)
 QStringList givenAutomaticOptions(const QCommandLineParser& parser)
 {
     QStringList given;
-    for (const char* name : {"components", "ncomponents", "constraints", "no-constraints", "decay"})
-        if (parser.isSet(QLatin1String(name)))
+    for (const char* name : {"components", "ncomponents", "constraints", "no-constraints", "decay"}) {
+        if (parser.isSet(QLatin1String(name))) {
             given.append(QStringLiteral("--") + QLatin1String(name));
+        }
+    }
     return given;
 }
 
 AutomaticRequest automaticRequestOf(const QCommandLineParser& parser)
 {
     const auto isSet = [&parser](const char* pName) { return parser.isSet(QLatin1String(pName)); };
-    if (isSet("components") && isSet("ncomponents"))
+    if (isSet("components") && isSet("ncomponents")) {
         usage(QStringLiteral("--components and --ncomponents exclude each other."));
-    if (isSet("constraints") && isSet("no-constraints"))
+    }
+    if (isSet("constraints") && isSet("no-constraints")) {
         usage(QStringLiteral("--constraints and --no-constraints exclude each other."));
+    }
     AutomaticRequest request;
-    if (isSet("components"))
+    if (isSet("components")) {
         request.components = namesOf(parser.value(QStringLiteral("components")));
-    if (isSet("ncomponents"))
+    }
+    if (isSet("ncomponents")) {
         request.count = countOf(parser.value(QStringLiteral("ncomponents")));
+    }
     request.useConstraints = !isSet("no-constraints");
     request.constraintsAsked = isSet("constraints");
     request.correctDecay = isSet("decay");
-    if (request.correctDecay)
+    if (request.correctDecay) {
         request.halfLifeMinutes = halfLifeOf(parser.value(QStringLiteral("decay")));
+    }
     return request;
 }

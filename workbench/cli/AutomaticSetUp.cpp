@@ -19,28 +19,34 @@ constexpr double secondsPerMinute = 60.0;
 
 QStringList namesOf(const AutomaticRequest& request, const CORVSpumKyvo& engine)
 {
-    if (!request.components.isEmpty())
+    if (!request.components.isEmpty()) {
         return request.components;
-    if (request.count == 0)
+    }
+    if (request.count == 0) {
         return proposedComponents(engine);
+    }
     QStringList names;
-    for (int k = 0; k < request.count; ++k)
+    for (int k = 0; k < request.count; ++k) {
         names.append(QLatin1String(kUnknownProbe));
+    }
     return names;
 }
 
 void checkCount(int nComponents, int nImages, bool bBeyondSix)
 {
-    if (isComponentCountValid(nComponents, nImages))
+    if (isComponentCountValid(nComponents, nImages)) {
         return;
+    }
     const bool fits = nComponents >= kMinComponents && nComponents <= nImages;
-    if (bBeyondSix && fits)
+    if (bBeyondSix && fits) {
         return;
-    if (bBeyondSix && nComponents > nImages)
+    }
+    if (bBeyondSix && nComponents > nImages) {
         throw CliFailure(QStringLiteral("%1 (%2 components for %3 images)")
                              .arg(errorText(RUNERROR_NO_SOLUTION))
                              .arg(nComponents)
                              .arg(nImages));
+    }
     throw CliFailure(QStringLiteral("%1 (asked for: %2%3)")
                          .arg(componentCountWarning(nComponents, nImages))
                          .arg(nComponents)
@@ -58,9 +64,10 @@ QString missingPrediction(const QString& strName, const CORVSpumKyvo& engine)
         return QStringLiteral("the database has no source \"%1\"%2: where it lies is not predicted")
             .arg(source, similar ? QStringLiteral(" (\"%1\" is there)").arg(probe.name) : QString());
     }
-    if (!(engine.sourceSpectrum(source, engine.m_primaryKeys).Max() > 0.0))
+    if (!(engine.sourceSpectrum(source, engine.m_primaryKeys).Max() > 0.0)) {
         return QStringLiteral("the source \"%1\" has no light at these images: where it lies is not predicted")
             .arg(source);
+    }
     return QString();
 }
 
@@ -69,15 +76,17 @@ QStringList predictionWarnings(const QStringList& names, bool bAsked, const CORV
     QStringList warnings;
     const bool temporal = engine.m_eSeqKind == SEQKIND_TEMPORAL;
     if (temporal || !canPredict(names, engine.m_eSeqKind)) {
-        if (bAsked)
+        if (bAsked) {
             warnings.append(temporal ? QStringLiteral("a temporal sequence takes no constraints")
                                      : QStringLiteral("nothing can be predicted of these components"));
+        }
         return warnings;
     }
     for (const QString& name : names) {
         const QString missing = missingPrediction(name, engine);
-        if (!missing.isEmpty())
+        if (!missing.isEmpty()) {
             warnings.append(missing);
+        }
     }
     return warnings;
 }
@@ -86,20 +95,24 @@ void takeDecay(const AutomaticRequest& request, const CORVSequenceDataset& seque
 {
     AnalysisInput& input = engine.m_analysisInput;
     input.decayCorrection = request.correctDecay;
-    if (!request.correctDecay)
+    if (!request.correctDecay) {
         return;
-    if (!sequence.isCherenkovIsotopeInData(input.isotope))
+    }
+    if (!sequence.isCherenkovIsotopeInData(input.isotope)) {
         throw CliFailure(QStringLiteral("--decay: the sequence holds no isotope with Cherenkov light"));
+    }
     input.halfLifeSeconds = request.halfLifeMinutes > 0.0 ? request.halfLifeMinutes * secondsPerMinute
                                                           : CORVDatabase::getCherenkovRADHalflife(input.isotope);
-    if (!(input.halfLifeSeconds > 0.0))
+    if (!(input.halfLifeSeconds > 0.0)) {
         throw CliFailure(invalidHalfLifeText(input.isotope, 0.0, engine.m_strSeqId) +
                          QStringLiteral(" Give it in minutes: --decay MINUTES"));
+    }
     QVector<double> factors;
-    if (!sequence.calculateDecayCorrectFactor_CherenkovData(engine.m_imageList, input.halfLifeSeconds, factors))
+    if (!sequence.calculateDecayCorrectFactor_CherenkovData(engine.m_imageList, input.halfLifeSeconds, factors)) {
         throw CliFailure(
             QStringLiteral("the decay cannot be corrected for: an image lacks the start or the length of its "
                            "exposure, or the half life is too short for the time between the images"));
+    }
 }
 
 } // namespace
@@ -121,14 +134,16 @@ QStringList setUpAutomatic(const AutomaticRequest& request, bool bBeyondSix, con
     input.componentNames = names;
     input.useConstraints = request.useConstraints && isConstrainedByDefault(engine.m_eSeqKind);
     QStringList warnings;
-    if (request.useConstraints)
+    if (request.useConstraints) {
         warnings = predictionWarnings(names, request.constraintsAsked, engine);
+    }
     takeDecay(request, sequence, engine);
     engine.takeComponents();
-    if (engine.m_params.Constraints.size() != names.size())
+    if (engine.m_params.Constraints.size() != names.size()) {
         throw CliFailure(
             QStringLiteral("of the components %1 two lie at one place of the spectrum, as far as is known; give "
                            "one of them another name, \"Unknown\", or use --no-constraints")
                 .arg(names.join(QStringLiteral(", "))));
+    }
     return warnings;
 }

@@ -33,15 +33,17 @@ bool CliProgress::terminalPresent()
 QString CliProgress::timeText(double dSeconds)
 {
     const auto seconds = static_cast<long long>(std::ceil(std::max(dSeconds, 1.0)));
-    if (seconds < 60)
+    if (seconds < 60) {
         return QStringLiteral("%1 s").arg(seconds);
+    }
     return QStringLiteral("%1 min %2 s").arg(seconds / 60).arg(seconds % 60, 2, 10, QLatin1Char('0'));
 }
 
 QString CliProgress::lineText(const QString& strMessage, double dFraction, double dElapsedSeconds)
 {
-    if (!(dFraction > 0.0))
+    if (!(dFraction > 0.0)) {
         return QStringLiteral("%1  %2").arg(strMessage, timeText(dElapsedSeconds));
+    }
     const double fraction = std::min(dFraction, 1.0);
     const double remaining = dElapsedSeconds * (1.0 - fraction) / fraction;
     return QStringLiteral("%1  %2 %, %3 left")
@@ -59,8 +61,9 @@ void CliProgress::start(const QString& strMessage)
 
 void CliProgress::show(const QString& strMessage, double dFraction)
 {
-    if (!m_bEnabled || (m_sinceDrawn.isValid() && m_sinceDrawn.elapsed() < redrawMilliseconds))
+    if (!m_bEnabled || (m_sinceDrawn.isValid() && m_sinceDrawn.elapsed() < redrawMilliseconds)) {
         return;
+    }
     m_sinceDrawn.restart();
     m_bShown = true;
     const double elapsed = static_cast<double>(m_total.elapsed()) / 1000.0;
@@ -69,7 +72,8 @@ void CliProgress::show(const QString& strMessage, double dFraction)
 
 void CliProgress::finish()
 {
-    if (m_bShown)
+    if (m_bShown) {
         CliSession::writeAll(STDERR_FILENO, clearLine);
+    }
     m_bShown = false;
 }

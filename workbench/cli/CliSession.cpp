@@ -29,8 +29,9 @@ extern "C" void onInterrupt(int signalNumber)
 QString fileNameOption(const QCommandLineParser& parser, const char* pName)
 {
     const QString name = parser.value(QLatin1String(pName));
-    if (parser.isSet(QLatin1String(pName)) && name.isEmpty())
+    if (parser.isSet(QLatin1String(pName)) && name.isEmpty()) {
         throw CliFailure(QStringLiteral("--%1 needs a file name").arg(QLatin1String(pName)), CliFailure::Usage);
+    }
     return name;
 }
 
@@ -42,16 +43,18 @@ CliSession::CliSession(const QCommandLineParser& parser)
 {
     const QString log = fileNameOption(parser, "log");
     QString error;
-    if (!log.isEmpty() && !orv::setLogFile(log, &error))
+    if (!log.isEmpty() && !orv::setLogFile(log, &error)) {
         throw CliFailure(error);
+    }
     // Errors are told at the end, but for those that the command tells itself.
     orv::setConsoleLogLevel(m_bVerbose ? orv::ConsoleLog::Everything : orv::ConsoleLog::Nothing);
 
     const QString trace = fileNameOption(parser, "trace");
     if (!trace.isEmpty()) {
         m_trace.open(QFile::encodeName(trace).constData());
-        if (!m_trace)
+        if (!m_trace) {
             throw CliFailure(QStringLiteral("%1: the trace file cannot be written").arg(trace));
+        }
     }
     // A stream without a buffer drops what it is given.
     m_pOldBuffer = std::cout.rdbuf(trace.isEmpty() ? nullptr : m_trace.rdbuf());
@@ -78,31 +81,36 @@ void CliSession::declareOptions(QCommandLineParser& parser)
 
 void CliSession::answer(const QString& strText) const
 {
-    if (m_bQuiet || m_bJson)
+    if (m_bQuiet || m_bJson) {
         return;
+    }
     m_pProgress->finish();
-    if (!writeAll(STDOUT_FILENO, strText.toUtf8()))
+    if (!writeAll(STDOUT_FILENO, strText.toUtf8())) {
         throw CliFailure(QStringLiteral("standard output cannot be written"));
+    }
 }
 
 void CliSession::answerJson(const QJsonObject& object) const
 {
-    if (m_bJson && !writeAll(STDOUT_FILENO, QJsonDocument(object).toJson(QJsonDocument::Indented)))
+    if (m_bJson && !writeAll(STDOUT_FILENO, QJsonDocument(object).toJson(QJsonDocument::Indented))) {
         throw CliFailure(QStringLiteral("standard output cannot be written"));
+    }
 }
 
 void CliSession::warn(const QString& strText) const
 {
-    if (m_bQuiet)
+    if (m_bQuiet) {
         return;
+    }
     m_pProgress->finish();
     writeAll(STDERR_FILENO, (QLatin1String("spum: warning: ") + strText + QLatin1Char('\n')).toUtf8());
 }
 
 void CliSession::warnAll(const QStringList& lines) const
 {
-    for (const auto& line : lines)
+    for (const auto& line : lines) {
         warn(line);
+    }
 }
 
 void CliSession::catchInterrupts()
@@ -121,15 +129,17 @@ bool CliSession::isInterrupted()
 
 void CliSession::stopIfInterrupted()
 {
-    if (isInterrupted())
+    if (isInterrupted()) {
         throw CliFailure(QStringLiteral("aborted by user"), CliFailure::Aborted);
+    }
 }
 
 void CliSession::setInterrupted(bool bInterrupted)
 {
     interrupted = bInterrupted ? 1 : 0;
-    if (!bInterrupted)
+    if (!bInterrupted) {
         orv::clearAborts();
+    }
 }
 
 bool CliSession::writeAll(int descriptor, const QByteArray& bytes)
@@ -137,10 +147,12 @@ bool CliSession::writeAll(int descriptor, const QByteArray& bytes)
     qint64 done = 0;
     while (done < bytes.size()) {
         const auto written = ::write(descriptor, bytes.constData() + done, static_cast<size_t>(bytes.size() - done));
-        if (written < 0 && errno == EINTR)
+        if (written < 0 && errno == EINTR) {
             continue;
-        if (written <= 0)
+        }
+        if (written <= 0) {
             return false;
+        }
         done += written;
     }
     return true;

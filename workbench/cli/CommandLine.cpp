@@ -36,8 +36,9 @@ namespace {
 void settleLocale()
 {
     std::setlocale(LC_ALL, "");
-    if (std::strcmp(nl_langinfo(CODESET), "UTF-8") != 0)
+    if (std::strcmp(nl_langinfo(CODESET), "UTF-8") != 0) {
         ::setenv("LC_ALL", "C.UTF-8", 1);
+    }
     QLocale::setDefault(QLocale::c());
 }
 
@@ -62,8 +63,9 @@ QString overview(const std::vector<std::unique_ptr<Command>>& commands)
 {
     QString text = QStringLiteral("Usage: spum COMMAND [options]\n"
                                   "Separates the sources of light in a sequence of optical images.\n\nCommands:\n");
-    for (const auto& command : commands)
+    for (const auto& command : commands) {
         text += QStringLiteral("  %1 %2\n").arg(command->name().leftJustified(9), command->summary());
+    }
     return text + QStringLiteral(
                       "\n\"spum COMMAND --help\" tells the options of a command; \"spum --version\" the version.\n");
 }
@@ -81,13 +83,15 @@ QStringList withOptionalValues(const Command& command, QCommandLineParser& parse
 {
     for (const QString& name : command.optionsWithOptionalValue()) {
         const int at = arguments.indexOf(QLatin1String("--") + name);
-        if (at < 0)
+        if (at < 0) {
             continue;
+        }
         arguments[at] += QLatin1Char('=');
         const QString next = arguments.value(at + 1, QStringLiteral("-"));
         parser.parse(arguments);
-        if (next.startsWith(QLatin1Char('-')) || parser.positionalArguments().size() <= command.argumentCount())
+        if (next.startsWith(QLatin1Char('-')) || parser.positionalArguments().size() <= command.argumentCount()) {
             continue;
+        }
         arguments[at] += next;
         arguments.removeAt(at + 1);
     }
@@ -123,10 +127,12 @@ int runCommand(Command& command, const QStringList& arguments)
     const auto tell = [&](const QString& strFailure) {
         const bool shown = parser.isSet(QStringLiteral("verbose")) || parser.isSet(QStringLiteral("quiet"));
         const QStringList lines = shown ? QStringList() : errors.linesBeyond(strFailure);
-        for (const QString& line : lines)
+        for (const QString& line : lines) {
             complain(line);
-        if (!strFailure.isEmpty())
+        }
+        if (!strFailure.isEmpty()) {
             complain(strFailure);
+        }
     };
     try {
         CliSession session(parser);
@@ -156,8 +162,9 @@ int dispatch(const QStringList& arguments)
         return 0;
     }
     for (const auto& command : commands) {
-        if (command->name() != word)
+        if (command->name() != word) {
             continue;
+        }
         QStringList rest = arguments.mid(1);
         rest[0] = QLatin1String("spum ") + word;
         return runCommand(*command, rest);

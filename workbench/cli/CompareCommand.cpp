@@ -40,8 +40,9 @@ void addTruths(Results& results, const OpenedSequence& opened)
             return !result->isTruth() && result->isDecayCorrected() == corrected;
         });
         const QString truth = wanted ? opened.truthFolder(unit, corrected) : QString();
-        if (truth.isEmpty())
+        if (truth.isEmpty()) {
             continue;
+        }
         results.insert(results.begin(), std::make_unique<SavedResult>());
         results.front()->readTruth(truth, corrected);
     }
@@ -54,14 +55,16 @@ Results readAll(const QStringList& names, const OpenedSequence& opened)
     for (const QString& name : names) {
         results.push_back(std::make_unique<SavedResult>());
         results.back()->readResult(folderOf(name, opened));
-        if (results.back()->unit() != results.front()->unit())
+        if (results.back()->unit() != results.front()->unit()) {
             throw CliFailure(QStringLiteral("%1 is in %2, %3 in %4: results of one unit can be compared")
                                  .arg(results.front()->label(), results.front()->unit(), results.back()->label(),
                                       results.back()->unit()));
+        }
     }
     addTruths(results, opened);
-    if (results.size() < 2)
+    if (results.size() < 2) {
         throw CliFailure(QStringLiteral("the sequence has no truth to compare with; name two results at least"));
+    }
     return results;
 }
 
@@ -77,10 +80,11 @@ TextTable tableOf(const ResultComparison& comparison, int nDigits)
     for (int i = 0; i < comparison.rowCount(); ++i) {
         for (int j = 0; j < comparison.columnCount(); ++j) {
             const ComparedComponent& component = comparison.at(i, j);
-            if (component.present && !comparison.isReference(i))
+            if (component.present && !comparison.isReference(i)) {
                 table.addRow({comparison.rowNames().at(i), component.name,
                               comparison.at(comparison.referenceOf(i), j).name, number(component.cosine, nDigits),
                               number(component.correlation, nDigits), number(component.relativeError, nDigits)});
+            }
         }
     }
     return table;
@@ -93,10 +97,11 @@ QString referenceText(const ResultComparison& comparison)
     QStringList pairs;
     for (int i = 0; i < comparison.rowCount(); ++i) {
         const QString reference = comparison.rowNames().at(comparison.referenceOf(i));
-        if (comparison.isReference(i))
+        if (comparison.isReference(i)) {
             references.append(reference);
-        else
+        } else {
             pairs.append(QStringLiteral("%1 (%2)").arg(reference, comparison.rowNames().at(i)));
+        }
     }
     return references.size() == 1 ? references.first() : pairs.join(QStringLiteral(", "));
 }
@@ -106,18 +111,20 @@ QJsonObject jsonOf(const ResultComparison& comparison)
     const auto value = [](double dValue) { return std::isfinite(dValue) ? QJsonValue(dValue) : QJsonValue(); };
     QJsonArray results;
     for (int i = 0; i < comparison.rowCount(); ++i) {
-        if (comparison.isReference(i))
+        if (comparison.isReference(i)) {
             continue;
+        }
         const int reference = comparison.referenceOf(i);
         QJsonArray components;
         for (int j = 0; j < comparison.columnCount(); ++j) {
             const ComparedComponent& component = comparison.at(i, j);
-            if (component.present)
+            if (component.present) {
                 components.append(QJsonObject{{"name", component.name},
                                               {"reference", comparison.at(reference, j).name},
                                               {"cosine", value(component.cosine)},
                                               {"correlation", value(component.correlation)},
                                               {"relativeError", value(component.relativeError)}});
+            }
         }
         results.append(QJsonObject{{"result", comparison.rowNames().at(i)},
                                    {"reference", comparison.rowNames().at(reference)},
@@ -132,8 +139,9 @@ QJsonObject jsonOf(const ResultComparison& comparison)
 void put(const QString& strPath, const QByteArray& bytes)
 {
     QString error;
-    if (!orv::writeFileAtomically(strPath, bytes, &error))
+    if (!orv::writeFileAtomically(strPath, bytes, &error)) {
         throw CliFailure(error);
+    }
 }
 
 } // namespace
@@ -154,10 +162,11 @@ void CompareCommand::declare(QCommandLineParser& parser) const
 void CompareCommand::run(const QCommandLineParser& parser, CliSession& session)
 {
     const QStringList arguments = parser.positionalArguments();
-    if (arguments.size() < 2)
+    if (arguments.size() < 2) {
         throw CliFailure(
             QStringLiteral("compare takes a sequence and one result at least. See \"spum compare --help\"."),
             CliFailure::Usage);
+    }
     OpenedSequence opened(arguments[0]);
     session.warnAll(opened.warnings());
     const Results results = readAll(arguments.mid(1), opened);
@@ -168,8 +177,9 @@ void CompareCommand::run(const QCommandLineParser& parser, CliSession& session)
     QString error;
     const QString out = parser.value(QStringLiteral("out"));
     if (!folder.begin(out.isEmpty() ? opened.folder() + QStringLiteral("comparison") : out,
-                      parser.isSet(QStringLiteral("force")), QStringLiteral("comparison.csv"), &error))
+                      parser.isSet(QStringLiteral("force")), QStringLiteral("comparison.csv"), &error)) {
         throw CliFailure(error);
+    }
     ComparisonStyle style;
     style.photograph = opened.engine().m_pPhoto;
     style.colorTable = opened.engine().m_nColorMap;
@@ -178,8 +188,9 @@ void CompareCommand::run(const QCommandLineParser& parser, CliSession& session)
     put(folder.path() + QStringLiteral("comparison.png"), pngBytes(comparisonPicture(comparison, style)));
     put(folder.path() + QStringLiteral("comparison.csv"), tableOf(comparison, 9).toCsv().toUtf8());
     CliSession::stopIfInterrupted();
-    if (!folder.commit(&error))
+    if (!folder.commit(&error)) {
         throw CliFailure(error);
+    }
     session.answer(QStringLiteral("compared with %1 over %2 pixels and %3 images\n\n%4\nresults in %5\n")
                        .arg(referenceText(comparison))
                        .arg(comparison.pixelCount())

@@ -30,8 +30,9 @@ QColor rowColor(const ResultComparison& comparison, int nRow)
     static const QColor results[] = {QColor(31, 119, 180), QColor(214, 39, 40), QColor(44, 160, 44),
                                      QColor(148, 103, 189), QColor(227, 137, 25)};
     int before = 0;
-    for (int i = 0; i < nRow; ++i)
+    for (int i = 0; i < nRow; ++i) {
         before += comparison.isReference(i) == comparison.isReference(nRow) ? 1 : 0;
+    }
     return comparison.isReference(nRow) ? references[before % 2] : results[before % 5];
 }
 
@@ -44,8 +45,9 @@ double rowLine(const ResultComparison& comparison, int nRow)
 QString titleOf(const ResultComparison& comparison, int nRow, int nColumn)
 {
     const ComparedComponent& component = comparison.at(nRow, nColumn);
-    if (comparison.isReference(nRow) || std::isnan(component.correlation))
+    if (comparison.isReference(nRow) || std::isnan(component.correlation)) {
         return component.name;
+    }
     return QStringLiteral("%1: correlation %2").arg(component.name, QString::number(component.correlation, 'f', 3));
 }
 
@@ -55,9 +57,10 @@ QImage renderCell(const ComparedComponent& component, const QString& strTitle, c
 {
     CILImage map = component.map;
     const long side = std::max(map.m_lWidth, map.m_lHeight);
-    if (side > mapSide)
+    if (side > mapSide) {
         map.downSample(static_cast<int>(map.m_lWidth * mapSide / side),
                        static_cast<int>(map.m_lHeight * mapSide / side), IL_RESAMPLE_AREA);
+    }
     orvimage::RenderMapOptions options;
     options.title = strTitle;
     options.unit = style.unit;
@@ -75,11 +78,14 @@ QImage renderCell(const ComparedComponent& component, const QString& strTitle, c
 orvimage::ValueRange rangeOf(const ResultComparison& comparison, int nRow, int nColumn)
 {
     const ComparedComponent& reference = comparison.at(comparison.referenceOf(nRow), nColumn);
-    if (reference.present)
+    if (reference.present) {
         return orvimage::robustRange(reference.map);
-    for (int i = 0; i < comparison.rowCount(); ++i)
-        if (comparison.at(i, nColumn).present)
+    }
+    for (int i = 0; i < comparison.rowCount(); ++i) {
+        if (comparison.at(i, nColumn).present) {
             return orvimage::robustRange(comparison.at(i, nColumn).map);
+        }
+    }
     return {};
 }
 
@@ -90,8 +96,9 @@ SpectrumPlot plotOfColumn(const ResultComparison& comparison, int nColumn)
     plot.setLegend(false);
     for (int i = 0; i < comparison.rowCount(); ++i) {
         const ComparedComponent& component = comparison.at(i, nColumn);
-        if (!component.present)
+        if (!component.present) {
             continue;
+        }
         PlotCurve curve;
         curve.label = comparison.rowNames().at(i);
         curve.color = rowColor(comparison, i);
@@ -134,8 +141,9 @@ QList<QPoint> legendPlaces(const QStringList& names, int nWidth)
     QPoint place(legendMargin, 0);
     for (const QString& name : names) {
         const int width = legendLine + metrics.horizontalAdvance(name);
-        if (place.x() > legendMargin && place.x() + width > nWidth)
+        if (place.x() > legendMargin && place.x() + width > nWidth) {
             place = QPoint(legendMargin, place.y() + legendHeight);
+        }
         places.append(place);
         place.rx() += width + legendGap;
     }
@@ -184,16 +192,18 @@ QImage comparisonPicture(const ResultComparison& comparison, const ComparisonSty
     for (int i = 0; i < rows; ++i) {
         drawSideways(painter, QRect(0, i * cell.height(), labelWidth, cell.height()), comparison.rowNames().at(i),
                      comparison.isReference(i) ? QColor(Qt::black) : rowColor(comparison, i));
-        for (int j = 0; j < columns; ++j)
+        for (int j = 0; j < columns; ++j) {
             painter.drawImage(
                 labelWidth + j * cell.width(), i * cell.height(),
                 cells[static_cast<std::size_t>(i) * static_cast<std::size_t>(columns) + static_cast<std::size_t>(j)]);
+        }
     }
     const int top = rows * cell.height();
     drawSideways(painter, QRect(0, top, labelWidth, plotHeight), QStringLiteral("spectra"), Qt::black);
-    for (int j = 0; j < columns; ++j)
+    for (int j = 0; j < columns; ++j) {
         painter.drawImage(labelWidth + j * cell.width(), top,
                           plotOfColumn(comparison, j).toImage(QSize(cell.width() - 12, plotHeight)));
+    }
     drawLegend(painter, QPoint(labelWidth, top + plotHeight), legend, comparison);
     painter.end();
     return sheet;

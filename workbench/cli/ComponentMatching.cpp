@@ -36,8 +36,9 @@ std::vector<int> cheapestAssignment(const Costs& costs, std::size_t columns)
             std::size_t next = 0;
             double step = std::numeric_limits<double>::infinity();
             for (std::size_t j = 1; j <= columns; ++j) {
-                if (done[j])
+                if (done[j]) {
                     continue;
+                }
                 const double reduced = costs[row - 1][j - 1] - rowPotential[row] - columnPotential[j];
                 if (reduced < slack[j]) {
                     slack[j] = reduced;
@@ -58,13 +59,16 @@ std::vector<int> cheapestAssignment(const Costs& costs, std::size_t columns)
             }
             column = next;
         } while (rowOf[column] != 0);
-        for (; column != 0; column = before[column])
+        for (; column != 0; column = before[column]) {
             rowOf[column] = rowOf[before[column]];
+        }
     }
     std::vector<int> columnOf(rows, -1);
-    for (std::size_t j = 1; j <= columns; ++j)
-        if (rowOf[j] != 0)
+    for (std::size_t j = 1; j <= columns; ++j) {
+        if (rowOf[j] != 0) {
             columnOf[rowOf[j] - 1] = static_cast<int>(j) - 1;
+        }
+    }
     return columnOf;
 }
 
@@ -92,13 +96,17 @@ std::vector<int> matchByShape(const std::vector<ComponentShape>& found, const st
     // Places that stand for "no partner" make the table square.
     const std::size_t size = std::max(found.size(), reference.size());
     Costs costs(size, std::vector<double>(size, 0.0));
-    for (std::size_t i = 0; i < found.size(); ++i)
-        for (std::size_t j = 0; j < reference.size(); ++j)
+    for (std::size_t i = 0; i < found.size(); ++i) {
+        for (std::size_t j = 0; j < reference.size(); ++j) {
             costs[i][j] = -likeness(found[i], reference[j]);
+        }
+    }
     std::vector<int> partners = cheapestAssignment(costs, size);
     partners.resize(found.size());
-    for (int& partner : partners)
-        if (partner >= static_cast<int>(reference.size()))
+    for (int& partner : partners) {
+        if (partner >= static_cast<int>(reference.size())) {
             partner = -1;
+        }
+    }
     return partners;
 }

@@ -38,8 +38,9 @@ StartedComposite startedComposite(const CORVSpumKyvo& engine, int nSpot)
     StartedComposite started;
     const CompositeInput& input = engine.ownResultView().composite();
     const CompositeMaps maps{input.data, input.pixelIndices, input.width, input.height, input.spots};
-    if (input.channels.isEmpty() || nSpot < 0 || nSpot >= input.spots)
+    if (input.channels.isEmpty() || nSpot < 0 || nSpot >= input.spots) {
         return started;
+    }
     if (!compositeSizesMatch(maps, input.channels.size())) {
         logLine(compositeSizeMismatchText(), CORVLOG_ERROR);
         return started;
@@ -54,8 +55,9 @@ StartedComposite startedComposite(const CORVSpumKyvo& engine, int nSpot)
 
 QColor readable(QColor color)
 {
-    while (qGray(color.rgb()) < darkestText)
+    while (qGray(color.rgb()) < darkestText) {
         color = QColor((color.red() * 7 + 255) / 8, (color.green() * 7 + 255) / 8, (color.blue() * 7 + 255) / 8);
+    }
     return color;
 }
 
@@ -114,8 +116,9 @@ private:
 QImage withLegend(const QImage& picture, const QList<QPair<QString, QColor>>& labels)
 {
     const bool drawable = qobject_cast<QGuiApplication*>(QCoreApplication::instance()) != nullptr;
-    if (picture.isNull() || labels.isEmpty() || !drawable)
+    if (picture.isNull() || labels.isEmpty() || !drawable) {
         return picture;
+    }
     QFont font(QStringLiteral("DejaVu Sans"));
     font.setStyleHint(QFont::SansSerif);
     font.setPixelSize(std::max(smallestText, std::max(picture.width(), picture.height()) / textsPerSide));
@@ -149,8 +152,9 @@ QList<CompositeFile> compositeFilesOf(const CORVSpumKyvo& engine)
     const int spots = engine.ownResultView().composite().spots;
     for (int s = 0; s < spots; ++s) {
         const QImage picture = compositeWithLegendOf(engine, s);
-        if (picture.isNull())
+        if (picture.isNull()) {
             continue;
+        }
         const QString spot = spots > 1 ? QStringLiteral("_spot%1").arg(s + 1) : QString();
         files.append({QStringLiteral("composite%1.png").arg(spot), picture});
     }
@@ -163,8 +167,9 @@ QStringList writeComposites(const CORVSpumKyvo& engine, const QString& strFolder
     const QList<CompositeFile> files = compositeFilesOf(engine);
     for (const CompositeFile& file : files) {
         QString error;
-        if (!orv::writeFileAtomically(strFolder + file.name, pngBytes(file.picture), &error))
+        if (!orv::writeFileAtomically(strFolder + file.name, pngBytes(file.picture), &error)) {
             throw CliFailure(error);
+        }
         names.append(file.name);
     }
     return names;

@@ -49,8 +49,9 @@ void writeChannel(QXmlStreamWriter& xml, int nChannel, const QString& strName, c
     xml.writeAttribute(QStringLiteral("Name"), strName);
     xml.writeAttribute(QStringLiteral("SamplesPerPixel"), QStringLiteral("1"));
     const auto wavelength = [&xml](const QString& strKey, const std::optional<double>& value) {
-        if (!value)
+        if (!value) {
             return;
+        }
         xml.writeAttribute(strKey, shortest(*value));
         xml.writeAttribute(strKey + QStringLiteral("Unit"), QStringLiteral("nm"));
     };
@@ -66,8 +67,9 @@ void writePlane(QXmlStreamWriter& xml, int nChannel, int nTime, const ExportedCu
     xml.writeAttribute(QStringLiteral("TheT"), QString::number(nTime));
     xml.writeAttribute(QStringLiteral("TheC"), QString::number(nChannel));
     const auto seconds = [&xml](const QString& strKey, const std::optional<double>& value) {
-        if (!value)
+        if (!value) {
             return;
+        }
         xml.writeAttribute(strKey, shortest(*value));
         xml.writeAttribute(strKey + QStringLiteral("Unit"), QStringLiteral("s"));
     };
@@ -99,10 +101,12 @@ void writePixels(QXmlStreamWriter& xml, const ExportedCube& cube)
             xml.writeAttribute(key + QStringLiteral("Unit"), QStringLiteral("\u00b5m"));
         }
     }
-    if (cube.isTemporal())
+    if (cube.isTemporal()) {
         writeChannel(xml, 0, QStringLiteral("all times"), cube.images().first());
-    for (int c = 0; c < channels && !cube.isTemporal(); ++c)
+    }
+    for (int c = 0; c < channels && !cube.isTemporal(); ++c) {
         writeChannel(xml, c, cube.images().at(c).name, cube.images().at(c));
+    }
     for (int i = 0; i < cube.count(); ++i) {
         xml.writeStartElement(QStringLiteral("TiffData"));
         attribute("IFD", QString::number(i));
@@ -112,8 +116,9 @@ void writePixels(QXmlStreamWriter& xml, const ExportedCube& cube)
         attribute("PlaneCount", QStringLiteral("1"));
         xml.writeEndElement();
     }
-    for (int i = 0; i < cube.count(); ++i)
+    for (int i = 0; i < cube.count(); ++i) {
         writePlane(xml, cube.isTemporal() ? 0 : i, cube.isTemporal() ? i : 0, cube.images().at(i));
+    }
     xml.writeEndElement();
 }
 
@@ -126,8 +131,9 @@ void writeNotes(QXmlStreamWriter& xml, const ExportedCube& cube)
     xml.writeAttribute(QStringLiteral("Namespace"), QLatin1String(OmeMetadata::kNamespace));
     xml.writeStartElement(QStringLiteral("Value"));
     const auto note = [&xml](const QString& strKey, const QString& strValue) {
-        if (strValue.isEmpty())
+        if (strValue.isEmpty()) {
             return;
+        }
         xml.writeStartElement(QStringLiteral("M"));
         xml.writeAttribute(QStringLiteral("K"), strKey);
         xml.writeCharacters(strValue);
@@ -136,8 +142,9 @@ void writeNotes(QXmlStreamWriter& xml, const ExportedCube& cube)
     note(QStringLiteral("kind"), cube.isTemporal() ? QStringLiteral("temporal") : QString());
     note(QStringLiteral("unit"), UnitNames::text(cube.unit()));
     note(QStringLiteral("isotope"), cube.isotope());
-    for (int i = 0; i < cube.count(); ++i)
+    for (int i = 0; i < cube.count(); ++i) {
         note(QStringLiteral("start %1").arg(i + 1), cube.images().at(i).start);
+    }
     xml.writeEndElement();
     xml.writeEndElement();
     xml.writeEndElement();
@@ -192,10 +199,12 @@ QString noteLines(const ExportedCube& cube)
     }
     QString text = cube.isTemporal() ? QStringLiteral("orvia kind = temporal\n") : QString();
     text += QStringLiteral("orvia unit = %1\n").arg(UnitNames::text(cube.unit()));
-    if (cube.pixelSize())
+    if (cube.pixelSize()) {
         text += QStringLiteral("orvia pixel size micrometres = %1\n").arg(shortest(*cube.pixelSize()));
-    if (!cube.isotope().isEmpty())
+    }
+    if (!cube.isotope().isEmpty()) {
         text += QStringLiteral("orvia isotope = {%1}\n").arg(braced(cube.isotope(), false));
+    }
     return text + noteLine("orvia exposure seconds", exposures) + noteLine("orvia start", starts);
 }
 
@@ -205,8 +214,9 @@ QByteArray enviHeaderText(ExportedCube& cube, const QString& strDataFile)
     QStringList wavelengths;
     for (const auto& image : cube.images()) {
         names.append(braced(image.fullName, true));
-        if (image.emission)
+        if (image.emission) {
             wavelengths.append(shortest(*image.emission));
+        }
     }
     QString text = QStringLiteral("ENVI\ndescription = {%1, %2}\n").arg(braced(cube.name(), false), unitSentence(cube));
     text +=
@@ -217,9 +227,10 @@ QByteArray enviHeaderText(ExportedCube& cube, const QString& strDataFile)
     text += QStringLiteral("band names = {%1}\n").arg(names.join(QLatin1String(", ")));
     text += noteLines(cube);
     wavelengths.removeDuplicates();
-    if (wavelengths.size() == cube.count())
+    if (wavelengths.size() == cube.count()) {
         text += QStringLiteral("wavelength units = Nanometers\nwavelength = {%1}\n")
                     .arg(wavelengths.join(QLatin1String(", ")));
+    }
     return text.toUtf8();
 }
 
@@ -234,25 +245,30 @@ class StreamedFile
 public:
     explicit StreamedFile(const QString& strPath) : m_strPath(strPath), m_target(strPath)
     {
-        if (!m_target.isValid())
+        if (!m_target.isValid()) {
             throw CliFailure(m_target.error());
+        }
         m_file.setFileName(m_target.path());
-        if (!m_file.open(QIODevice::WriteOnly | QIODevice::Truncate))
+        if (!m_file.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
             failWriting(m_strPath, m_file.errorString());
+        }
     }
     void write(const char* pBytes, qint64 nBytes)
     {
-        if (m_file.write(pBytes, nBytes) != nBytes)
+        if (m_file.write(pBytes, nBytes) != nBytes) {
             failWriting(m_strPath, m_file.errorString());
+        }
     }
     void write(const QByteArray& bytes) { write(bytes.constData(), bytes.size()); }
     void commit()
     {
-        if (!m_file.flush() || m_file.error() != QFileDevice::NoError)
+        if (!m_file.flush() || m_file.error() != QFileDevice::NoError) {
             failWriting(m_strPath, m_file.errorString());
+        }
         m_file.close();
-        if (!m_target.commit())
+        if (!m_target.commit()) {
             throw CliFailure(m_target.error());
+        }
     }
 
 private:
@@ -264,8 +280,9 @@ private:
 QByteArray csvHeader(const ExportedCube& cube)
 {
     QStringList names{QStringLiteral("x"), QStringLiteral("y")};
-    for (const auto& image : cube.images())
+    for (const auto& image : cube.images()) {
         names.append(image.name);
+    }
     return TextTable(names).toCsv().toUtf8();
 }
 
@@ -279,17 +296,20 @@ public:
         : m_strTarget(strTarget), m_images(cube.count()), m_pixels(static_cast<qint64>(cube.width()) * cube.height()),
           m_file(QFileInfo(strTarget).dir().filePath(QStringLiteral(".spum-XXXXXX.cube")))
     {
-        if (!m_file.open())
+        if (!m_file.open()) {
             failWriting(m_strTarget, m_file.errorString());
+        }
         CILImage image;
         for (int i = 0; i < m_images; ++i) {
             cube.read(i, image);
             const auto bytes = m_pixels * static_cast<qint64>(sizeof(float));
-            if (m_file.write(reinterpret_cast<const char*>(image.floats()), bytes) != bytes)
+            if (m_file.write(reinterpret_cast<const char*>(image.floats()), bytes) != bytes) {
                 failWriting(m_strTarget, m_file.errorString());
+            }
         }
-        if (!m_file.flush())
+        if (!m_file.flush()) {
             failWriting(m_strTarget, m_file.errorString());
+        }
     }
     // Pixels `first` to `first` + `count` - 1 of every image, image by image.
     void read(qint64 first, qint64 count, std::vector<float>& floats) const
@@ -298,8 +318,9 @@ public:
         floats.resize(static_cast<std::size_t>(count * m_images));
         for (int i = 0; i < m_images; ++i) {
             char* target = reinterpret_cast<char*>(floats.data() + i * count);
-            if (!m_file.seek((i * m_pixels + first) * size) || m_file.read(target, count * size) != count * size)
+            if (!m_file.seek((i * m_pixels + first) * size) || m_file.read(target, count * size) != count * size) {
                 failWriting(m_strTarget, m_file.errorString());
+            }
         }
     }
 
@@ -334,19 +355,22 @@ void writeOmeTiffCube(ExportedCube& cube, const QString& strPath)
     const auto pixels = static_cast<std::uint64_t>(cube.width()) * static_cast<std::uint64_t>(cube.height());
     TiffStackWriter writer;
     QString error;
-    if (!writer.begin(strPath, pixels * sizeof(float) * static_cast<std::uint64_t>(cube.count()), &error))
+    if (!writer.begin(strPath, pixels * sizeof(float) * static_cast<std::uint64_t>(cube.count()), &error)) {
         throw CliFailure(error);
+    }
     CILImage image;
     for (int i = 0; i < cube.count(); ++i) {
         cube.read(i, image);
         TiffWriteOptions options;
         options.description = i == 0 ? omeXml(cube, cube.name()) : QString();
         options.pageName = cube.images().at(i).name;
-        if (!writer.add(image, options, &error))
+        if (!writer.add(image, options, &error)) {
             throw CliFailure(error);
+        }
     }
-    if (!writer.finish(&error))
+    if (!writer.finish(&error)) {
         throw CliFailure(error);
+    }
 }
 
 QStringList enviPaths(const QString& strPath)
@@ -354,8 +378,9 @@ QStringList enviPaths(const QString& strPath)
     const QString suffix = QFileInfo(strPath).suffix();
     const QString stem = strPath.left(strPath.size() - suffix.size() - 1);
     const bool header = suffix.compare(QLatin1String("hdr"), Qt::CaseInsensitive) == 0;
-    if (suffix.isEmpty())
+    if (suffix.isEmpty()) {
         return {strPath + QStringLiteral(".hdr"), strPath + QStringLiteral(".dat")};
+    }
     return header ? QStringList{strPath, stem + QStringLiteral(".dat")}
                   : QStringList{stem + QStringLiteral(".hdr"), strPath};
 }
@@ -374,8 +399,9 @@ void writeEnviCube(ExportedCube& cube, const QString& strPath)
     }
     data.commit();
     QString error;
-    if (!orv::writeFileAtomically(paths[0], enviHeaderText(cube, QFileInfo(paths[1]).fileName()), &error))
+    if (!orv::writeFileAtomically(paths[0], enviHeaderText(cube, QFileInfo(paths[1]).fileName()), &error)) {
         throw CliFailure(error);
+    }
 }
 
 void writeCsvCube(ExportedCube& cube, const QString& strPath)
@@ -394,8 +420,9 @@ void writeCsvCube(ExportedCube& cube, const QString& strPath)
             appendInteger(rows, (first + i) % cube.width());
             rows += ',';
             appendInteger(rows, (first + i) / cube.width());
-            for (int k = 0; k < cube.count(); ++k)
+            for (int k = 0; k < cube.count(); ++k) {
                 appendValue(rows, floats[static_cast<std::size_t>(k * count + i)]);
+            }
             rows += '\n';
             if (rows.size() >= bufferBytes || i + 1 == count) {
                 file.write(rows);

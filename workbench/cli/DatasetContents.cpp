@@ -37,7 +37,7 @@ QString counted(const QList<QStringList>& lists)
 {
     QStringList texts;
     QList<int> counts;
-    for (const QStringList& list : lists)
+    for (const QStringList& list : lists) {
         for (const QString& text : list) {
             if (!texts.contains(text)) {
                 texts.append(text);
@@ -45,17 +45,20 @@ QString counted(const QList<QStringList>& lists)
             }
             ++counts[texts.indexOf(text)];
         }
+    }
     QStringList parts;
-    for (int i = 0; i < texts.size(); ++i)
+    for (int i = 0; i < texts.size(); ++i) {
         parts.append(counts[i] == lists.size() ? texts[i] : QStringLiteral("%1 in %2").arg(texts[i]).arg(counts[i]));
+    }
     return parts.join(QStringLiteral(", "));
 }
 
 QStringList imageTexts(const DatasetContents& contents)
 {
     QStringList texts;
-    for (const tag_eimagetype type : contents.images)
+    for (const tag_eimagetype type : contents.images) {
         texts.append(QStringLiteral("%1 (%2)").arg(imageSection(type)).arg(static_cast<int>(type)));
+    }
     return texts;
 }
 
@@ -64,12 +67,15 @@ QStringList otherSections(const DatasetContents& contents)
 {
     QStringList told = {QLatin1String(ClickKeys::kClickNumber), QLatin1String(ClickKeys::kCameraSystemInfo),
                         QLatin1String(ClickKeys::kROIs)};
-    for (const tag_eimagetype type : allImageTypes())
+    for (const tag_eimagetype type : allImageTypes()) {
         told.append(imageSection(type));
+    }
     QStringList others;
-    for (const QString& section : contents.sections)
-        if (!told.contains(section))
+    for (const QString& section : contents.sections) {
+        if (!told.contains(section)) {
             others.append(section);
+        }
+    }
     return others;
 }
 
@@ -78,24 +84,29 @@ QStringList otherSections(const DatasetContents& contents)
 DatasetContents DatasetContents::of(CORVDataset& dataset)
 {
     DatasetContents contents;
-    for (const CORVImageDetails& image : dataset.imageList().images())
+    for (const CORVImageDetails& image : dataset.imageList().images()) {
         contents.images.append(image.imageType());
+    }
     std::sort(contents.images.begin(), contents.images.end());
     for (const char* pFlag : kFlags) {
         const std::optional<bool> set = clickFlag(dataset.clickInfo, ClickKeys::kLuminescentImage, pFlag);
-        if (set.has_value())
+        if (set.has_value()) {
             contents.flags.append(QLatin1String(pFlag));
-        if (set.value_or(false))
+        }
+        if (set.value_or(false)) {
             contents.setFlags.append(QLatin1String(pFlag));
+        }
     }
-    for (const tagROIInfo& region : dataset.roiManager()->regions())
+    for (const tagROIInfo& region : dataset.roiManager()->regions()) {
         contents.regions.append(QStringLiteral("%1 (%2)").arg(region.name, shapeText(region.shape)));
+    }
     int count = 0;
     dataset.clickInfo.getSectionCount(&count);
     for (int i = 0; i < count; ++i) {
         QString key;
-        if (dataset.clickInfo.section(i)->getSectionKey(&key) == 0)
+        if (dataset.clickInfo.section(i)->getSectionKey(&key) == 0) {
             contents.sections.append(key);
+        }
     }
     return contents;
 }
@@ -103,11 +114,13 @@ DatasetContents DatasetContents::of(CORVDataset& dataset)
 QJsonObject DatasetContents::json() const
 {
     QJsonArray held;
-    for (const tag_eimagetype type : images)
+    for (const tag_eimagetype type : images) {
         held.append(QJsonObject{{"type", static_cast<int>(type)}, {"name", imageSection(type)}});
+    }
     QJsonObject told;
-    for (const QString& flag : flags)
+    for (const QString& flag : flags) {
         told.insert(flag, setFlags.contains(flag));
+    }
     return QJsonObject{{"images", held},
                        {"flags", told},
                        {"regions", QJsonArray::fromStringList(regions)},
@@ -128,14 +141,17 @@ QList<QPair<QString, QString>> contentsOfSequence(const CORVSequenceDataset& seq
         sections.append(otherSections(contents));
     }
     QStringList scans;
-    if (sequence.isSLASequence())
+    if (sequence.isSLASequence()) {
         scans.append(QStringLiteral("structured light"));
-    if (sequence.isCTSequence(true))
+    }
+    if (sequence.isCTSequence(true)) {
         scans.append(sequence.isCTSequence(false) ? QStringLiteral("CT") : QStringLiteral("CT (incomplete)"));
+    }
     QList<QPair<QString, QString>> lines;
     const auto add = [&lines](const QString& strKey, const QString& strValue) {
-        if (!strValue.isEmpty())
+        if (!strValue.isEmpty()) {
             lines.append({strKey, strValue});
+        }
     };
     add(QStringLiteral("Holds"), counted(images));
     add(QStringLiteral("Flags"), counted(flags));

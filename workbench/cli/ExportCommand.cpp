@@ -20,13 +20,15 @@ namespace {
 
 int unitOf(const QCommandLineParser& parser)
 {
-    if (!parser.isSet(QStringLiteral("unit")))
+    if (!parser.isSet(QStringLiteral("unit"))) {
         return -1;
+    }
     const QString text = parser.value(QStringLiteral("unit"));
     const int unit = UnitNames::fromText(text);
-    if (unit < 0)
+    if (unit < 0) {
         usage(
             QStringLiteral("--unit takes %1, not \"%2\".").arg(UnitNames::options().join(QStringLiteral(", ")), text));
+    }
     return unit;
 }
 
@@ -39,10 +41,12 @@ QStringList targetsOf(const QString& strFormat, const QString& strPath)
 void refuseTargets(const QStringList& targets, bool bForce)
 {
     for (const auto& target : targets) {
-        if (QFileInfo(target).isDir())
+        if (QFileInfo(target).isDir()) {
             throw CliFailure(QStringLiteral("%1 is a folder; --out takes the file to write").arg(target));
-        if (!bForce && QFileInfo::exists(target))
+        }
+        if (!bForce && QFileInfo::exists(target)) {
             throw CliFailure(QStringLiteral("%1 exists already; --force replaces it").arg(target));
+        }
     }
 }
 
@@ -71,33 +75,39 @@ void ExportCommand::declare(QCommandLineParser& parser) const
 void ExportCommand::run(const QCommandLineParser& parser, CliSession& session)
 {
     const QStringList arguments = parser.positionalArguments();
-    if (arguments.size() != 1)
+    if (arguments.size() != 1) {
         usage(QStringLiteral("export takes one sequence."));
+    }
     const QString format = parser.value(QStringLiteral("format")).toLower();
-    if (format != QLatin1String("ome-tiff") && format != QLatin1String("envi") && format != QLatin1String("csv"))
+    if (format != QLatin1String("ome-tiff") && format != QLatin1String("envi") && format != QLatin1String("csv")) {
         usage(QStringLiteral("--format takes ome-tiff, envi or csv, not \"%1\".").arg(format));
+    }
     const QString out = parser.value(QStringLiteral("out"));
-    if (out.isEmpty())
+    if (out.isEmpty()) {
         usage(QStringLiteral("--out is missing: the file to write."));
-    if (parser.isSet(QStringLiteral("select")) && parser.value(QStringLiteral("select")).trimmed().isEmpty())
+    }
+    if (parser.isSet(QStringLiteral("select")) && parser.value(QStringLiteral("select")).trimmed().isEmpty()) {
         usage(QStringLiteral("--select names no image."));
+    }
     const int unit = unitOf(parser);
     const QStringList targets = targetsOf(format, out);
     refuseTargets(targets, parser.isSet(QStringLiteral("force")));
 
     session.progress().start(QStringLiteral("Exporting"));
     ExportedCube cube(arguments[0], parser.value(QStringLiteral("select")), unit, session);
-    if (format == QLatin1String("ome-tiff"))
+    if (format == QLatin1String("ome-tiff")) {
         writeOmeTiffCube(cube, out);
-    else if (format == QLatin1String("envi"))
+    } else if (format == QLatin1String("envi")) {
         writeEnviCube(cube, out);
-    else
+    } else {
         writeCsvCube(cube, out);
+    }
     session.progress().finish();
 
     QJsonArray names;
-    for (const auto& image : cube.images())
+    for (const auto& image : cube.images()) {
         names.append(image.name);
+    }
     session.answer(
         QStringLiteral("%1 of %2 x %3 pixels in %4\n%5\n")
             .arg(cube.count() == 1 ? QStringLiteral("1 image") : QStringLiteral("%1 images").arg(cube.count()))

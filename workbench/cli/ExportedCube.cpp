@@ -60,22 +60,26 @@ QString temporalName(const CORVDataset& dataset, double dTime)
 QStringList wavelengthNames(const ExportedCube::Image& image)
 {
     QStringList parts;
-    if (image.excitation)
+    if (image.excitation) {
         parts.append(QStringLiteral("ex") + plainNumber(*image.excitation));
-    if (image.emission)
+    }
+    if (image.emission) {
         parts.append(QStringLiteral("em") + plainNumber(*image.emission));
+    }
     return parts;
 }
 
 QString spectralName(const CORVDataset& dataset, const ExportedCube::Image& image)
 {
     QStringList parts = wavelengthNames(image);
-    if (parts.isEmpty())
+    if (parts.isEmpty()) {
         return image.click.simplified();
+    }
     const QString x = dataset.getFLXspot().simplified();
     const QString y = dataset.getFLYspot().simplified();
-    if (!x.isEmpty() && !y.isEmpty())
+    if (!x.isEmpty() && !y.isEmpty()) {
         parts.append(QStringLiteral("spot x%1 y%2").arg(x, y));
+    }
     return parts.join(QLatin1Char('_'));
 }
 
@@ -92,10 +96,12 @@ std::optional<QSize> extentOf(const CORVDataset& dataset)
 void crop(CILImage& image, long lWidth, long lHeight)
 {
     CILImage part;
-    if (part.InitWithType(ORVTYPE_FLOAT, lWidth, lHeight) != EIL_SUCCESS)
+    if (part.InitWithType(ORVTYPE_FLOAT, lWidth, lHeight) != EIL_SUCCESS) {
         throw CliFailure(QStringLiteral("there is no memory for an image"));
-    for (long y = 0; y < lHeight; ++y)
+    }
+    for (long y = 0; y < lHeight; ++y) {
         std::copy_n(image.floats() + y * image.m_lWidth, lWidth, part.floats() + y * lWidth);
+    }
     part.m_fBinning = image.m_fBinning;
     image = std::move(part);
 }
@@ -107,10 +113,12 @@ ExportedCube::ExportedCube(const QString& strSequence, const QString& strSelect,
 {
     m_session.warnAll(m_opened.warnings());
     m_bTemporal = m_opened.sequence().isKyvoSequence();
-    for (auto* dataset : selected(strSelect))
+    for (auto* dataset : selected(strSelect)) {
         describe(*dataset);
-    if (m_images.isEmpty())
+    }
+    if (m_images.isEmpty()) {
         throw CliFailure(QStringLiteral("%1 holds no image").arg(strSequence));
+    }
     settleTimes();
     checkSizes();
     cropToExtent();
@@ -125,24 +133,30 @@ QString ExportedCube::name()
 QList<CORVDataset*> ExportedCube::selected(const QString& strSelect)
 {
     QList<CORVDataset*> datasets;
-    for (auto* dataset : m_opened.sequence().getDatasets())
-        if (dataset->hasLuminescentImage)
+    for (auto* dataset : m_opened.sequence().getDatasets()) {
+        if (dataset->hasLuminescentImage) {
             datasets.append(dataset);
-    if (strSelect.isEmpty())
+        }
+    }
+    if (strSelect.isEmpty()) {
         return datasets;
-    if (!m_opened.canBeAnalysed())
+    }
+    if (!m_opened.canBeAnalysed()) {
         throw CliFailure(
             QStringLiteral("--select: the images have no keys to select by: %1").arg(m_opened.reasonAgainst()));
+    }
     const auto& engine = m_opened.engine();
     QList<CORVDataset*> chosen;
-    for (const auto& pair : selectPairs(strSelect, engine.getAllKeyPairs()))
+    for (const auto& pair : selectPairs(strSelect, engine.getAllKeyPairs())) {
         for (auto* dataset : datasets) {
             const ImageRecord record = engine.m_imageRecords.value(dataset->getClickNumber());
             const KeyPair own =
                 m_bTemporal ? KeyPair{record.interval, record.time} : KeyPair{record.excitation, record.emission};
-            if (own == pair)
+            if (own == pair) {
                 chosen.append(dataset);
+            }
         }
+    }
     return chosen;
 }
 
@@ -154,11 +168,13 @@ void ExportedCube::describe(CORVDataset& dataset)
     image.excitation = wavelengthOf(dataset.getExcitationFilter());
     image.emission = wavelengthOf(dataset.getEmissionFilter());
     double seconds = 0.0;
-    if (dataset.getExposureTime(&seconds))
+    if (dataset.getExposureTime(&seconds)) {
         image.exposure = seconds;
-    if (dataset.getExposureStart(&seconds))
+    }
+    if (dataset.getExposureStart(&seconds)) {
         image.start = QDateTime::fromMSecsSinceEpoch(std::llround(seconds * 1000.0), Qt::UTC)
                           .toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss.zzz"));
+    }
     const QString isotope = clickText(dataset.clickInfo, ClickKeys::kLuminescentImage, ClickKeys::kIsotope);
     m_strIsotope = m_images.isEmpty() || m_strIsotope == isotope ? isotope : QString();
     m_images.append(image);
@@ -175,8 +191,9 @@ void ExportedCube::settleTimes()
         return QDateTime::fromString(image.start + QLatin1Char('Z'), Qt::ISODateWithMs).toMSecsSinceEpoch();
     };
     qint64 first = std::numeric_limits<qint64>::max();
-    for (const Image& image : m_images)
+    for (const Image& image : m_images) {
         first = std::min(first, started ? instant(image) : first);
+    }
     const bool filtered = all([this](const Image& image) {
         return image.excitation == m_images.first().excitation && image.emission == m_images.first().emission;
     });
@@ -187,17 +204,19 @@ void ExportedCube::settleTimes()
             image.emission.reset();
         }
         const CORVDataset& dataset = *m_opened.sequence().getDataset(image.click);
-        if (m_bTemporal && !timed)
+        if (m_bTemporal && !timed) {
             image.time =
                 started ? std::optional<double>(static_cast<double>(instant(image) - first) / 1000.0) : std::nullopt;
+        }
         const QString instantName = image.time ? temporalName(dataset, *image.time) : QStringLiteral("frame%1").arg(i);
         image.fullName =
             m_bTemporal ? (wavelengthNames(image) << instantName).join(QLatin1Char('_')) : spectralName(dataset, image);
         image.name = m_bTemporal && m_images.size() == 1 ? instantName : image.fullName;
     }
-    if (m_bTemporal && !timed)
+    if (m_bTemporal && !timed) {
         m_session.warn(started ? QStringLiteral("the images do not tell their times; the starts of their exposures do")
                                : QStringLiteral("the images do not tell their times and are numbered"));
+    }
 }
 
 // Where an import made squares of all images alike.
@@ -206,11 +225,14 @@ void ExportedCube::cropToExtent()
     const auto extent = extentOf(*m_opened.sequence().getDataset(m_images.first().click));
     m_lStoredWidth = m_lWidth;
     m_lStoredHeight = m_lHeight;
-    for (const Image& image : m_images)
-        if (!extent || extentOf(*m_opened.sequence().getDataset(image.click)) != extent)
+    for (const Image& image : m_images) {
+        if (!extent || extentOf(*m_opened.sequence().getDataset(image.click)) != extent) {
             return;
-    if (extent->width() < 1 || extent->height() < 1 || extent->width() > m_lWidth || extent->height() > m_lHeight)
+        }
+    }
+    if (extent->width() < 1 || extent->height() < 1 || extent->width() > m_lWidth || extent->height() > m_lHeight) {
         return;
+    }
     m_lWidth = extent->width();
     m_lHeight = extent->height();
 }
@@ -223,8 +245,9 @@ void ExportedCube::checkSizes()
         CORVDataset& dataset = *m_opened.sequence().getDataset(image.click);
         long width = 0;
         long height = 0;
-        if (!dataset.getImageSize(IMAGETYPE_MAIN_DATA, &width, &height))
+        if (!dataset.getImageSize(IMAGETYPE_MAIN_DATA, &width, &height)) {
             throw CliFailure(QStringLiteral("image %1: its size cannot be read").arg(image.click));
+        }
         const float own = dataset.getBinningForImage(IMAGETYPE_MAIN_DATA);
         const auto size = clickFigure(dataset, ClickKeys::kCameraSystemInfo, ClickKeys::kPixelSize);
         const auto micrometres =
@@ -237,7 +260,7 @@ void ExportedCube::checkSizes()
             m_pixelSize = micrometres;
         }
         sameSize = sameSize && micrometres == m_pixelSize;
-        if (width != m_lWidth || height != m_lHeight || own < binning || own > binning)
+        if (width != m_lWidth || height != m_lHeight || own < binning || own > binning) {
             throw CliFailure(QStringLiteral("image %1 has %2 x %3 pixels at binning %4 where %5 has %6 x %7 at binning "
                                             "%8; --select images of one size")
                                  .arg(image.name)
@@ -248,25 +271,30 @@ void ExportedCube::checkSizes()
                                  .arg(m_lWidth)
                                  .arg(m_lHeight)
                                  .arg(static_cast<double>(binning)));
+        }
     }
-    if (!sameSize)
+    if (!sameSize) {
         m_pixelSize.reset();
+    }
 }
 
 void ExportedCube::chooseUnit(int nUnit)
 {
     m_unitLimit.set(nUnit);
     QStringList clicks;
-    for (const auto& image : m_images)
+    for (const auto& image : m_images) {
         clicks.append(image.click);
+    }
     const UnitForecast forecast = forecastUnit(m_opened.sequence(), clicks);
     const QString why = forecast.refusals.join(QStringLiteral("; "));
-    if (forecast.unit < 0)
+    if (forecast.unit < 0) {
         throw CliFailure(QStringLiteral("the images can be had in no unit: %1").arg(why));
-    if (nUnit >= 0 && forecast.unit != nUnit)
+    }
+    if (nUnit >= 0 && forecast.unit != nUnit) {
         throw CliFailure(QStringLiteral("the unit %1 cannot be reached; the images would be in %2%3")
                              .arg(UnitNames::options()[nUnit], UnitNames::options()[forecast.unit],
                                   why.isEmpty() ? QString() : QStringLiteral(" (%1)").arg(why)));
+    }
     m_nUnit = forecast.unit;
 }
 
@@ -277,12 +305,15 @@ void ExportedCube::read(int i, CILImage& out)
     m_session.progress().show(QStringLiteral("Exporting %1").arg(image.name), static_cast<double>(i) / count());
     CORVDataset* dataset = m_opened.sequence().getDataset(image.click);
     if (dataset->getCalibratedLuminImage(static_cast<tag_edisplayunit>(m_nUnit), &out, QStringLiteral("spum export")) !=
-        ESTATUS_SUCCESS)
+        ESTATUS_SUCCESS) {
         throw CliFailure(QStringLiteral("image %1 (%2) cannot be read").arg(image.name, image.click));
-    if (out.m_lWidth != m_lStoredWidth || out.m_lHeight != m_lStoredHeight || out.dataType() != ORVTYPE_FLOAT)
+    }
+    if (out.m_lWidth != m_lStoredWidth || out.m_lHeight != m_lStoredHeight || out.dataType() != ORVTYPE_FLOAT) {
         throw CliFailure(QStringLiteral("image %1 (%2) has changed while it was read").arg(image.name, image.click));
-    if (m_lWidth != m_lStoredWidth || m_lHeight != m_lStoredHeight)
+    }
+    if (m_lWidth != m_lStoredWidth || m_lHeight != m_lStoredHeight) {
         crop(out, m_lWidth, m_lHeight);
+    }
 }
 
 void ExportedCube::showWriting(double dFraction)

@@ -32,8 +32,9 @@ double positiveNumber(const char* pOption, const QString& strText)
 {
     bool ok = false;
     const double value = strText.trimmed().toDouble(&ok);
-    if (!ok || !std::isfinite(value) || value <= 0.0)
+    if (!ok || !std::isfinite(value) || value <= 0.0) {
         usage(QStringLiteral("--%1 takes a number above 0, not \"%2\".").arg(QLatin1String(pOption), strText));
+    }
     return value;
 }
 
@@ -46,14 +47,18 @@ Request requestOf(const QCommandLineParser& parser)
     const QStringList arguments = parser.positionalArguments();
     options.table = value("images");
     request.writeTable = value("write-table");
-    if (given("write-table") && request.writeTable.isEmpty())
+    if (given("write-table") && request.writeTable.isEmpty()) {
         usage(QStringLiteral("--write-table takes the file to write."));
-    if (given("images") && options.table.isEmpty())
+    }
+    if (given("images") && options.table.isEmpty()) {
         usage(QStringLiteral("--images takes the table that says which image is what."));
-    if (given("images") && (given("write-table") || given("interval")))
+    }
+    if (given("images") && (given("write-table") || given("interval"))) {
         usage(QStringLiteral("--images does not go with --write-table or --interval, which infer such a table."));
-    if (arguments.size() != 2 && !(given("write-table") && arguments.size() == 1))
+    }
+    if (arguments.size() != 2 && !(given("write-table") && arguments.size() == 1)) {
         usage(QStringLiteral("import takes the images and the folder to make."));
+    }
     options.source = arguments[0];
     options.output = arguments.value(1);
     options.photo = value("photo");
@@ -61,34 +66,41 @@ Request requestOf(const QCommandLineParser& parser)
     options.flat = value("flat");
     options.name = value("name");
     options.force = given("force");
-    if (given("interval"))
+    if (given("interval")) {
         request.interval = positiveNumber("interval", value("interval"));
-    if (given("pixel-size"))
+    }
+    if (given("pixel-size")) {
         options.pixelSize = positiveNumber("pixel-size", value("pixel-size"));
-    if (given("exposure"))
-        for (const auto& text : value("exposure").split(QLatin1Char(',')))
+    }
+    if (given("exposure")) {
+        for (const auto& text : value("exposure").split(QLatin1Char(','))) {
             options.exposures.append(positiveNumber("exposure", text));
+        }
+    }
     return request;
 }
 
 // Writes the table to the file that was asked for; never over one that the user may have filled in.
 void writeTable(const Request& request, const InferredTable& table)
 {
-    if (QFileInfo::exists(request.writeTable) && !request.import.force)
+    if (QFileInfo::exists(request.writeTable) && !request.import.force) {
         throw CliFailure(QStringLiteral("%1 exists already; --force replaces it").arg(request.writeTable));
+    }
     QString error;
-    if (!orv::writeFileAtomically(request.writeTable, table.toCsv(), &error))
+    if (!orv::writeFileAtomically(request.writeTable, table.toCsv(), &error)) {
         throw CliFailure(error);
+    }
 }
 
 // With doubts nothing is imported: the table goes out as a template.
 [[noreturn]] void refuseDoubts(const Request& request, const InferredTable& table, CliSession& session)
 {
     const bool written = !request.writeTable.isEmpty();
-    if (written)
+    if (written) {
         writeTable(request, table);
-    else
+    } else {
         session.answer(QString::fromUtf8(table.toCsv()));
+    }
     session.answerJson(QJsonObject{{"doubts", QJsonArray::fromStringList(table.doubts())},
                                    {"template", QString::fromUtf8(table.toCsv())}});
     throw CliFailure(QStringLiteral("%1: it is in doubt which image is what: %2. Fill in the table %3 and give it by "
@@ -101,8 +113,9 @@ QString textAnswer(const ImportReport& report, const QString& strFolder)
 {
     QString text = report.images == 1 ? QStringLiteral("1 image") : QStringLiteral("%1 images").arg(report.images);
     text += QStringLiteral(" of %1 x %2 pixels").arg(report.width).arg(report.height);
-    if (report.side != report.width || report.side != report.height)
+    if (report.side != report.width || report.side != report.height) {
         text += QStringLiteral(", padded to %1 x %1").arg(report.side);
+    }
     text += report.temporal ? QStringLiteral(", at a series of times") : QString();
     text += report.fluorescence ? QStringLiteral(", fluorescence") : QString();
     text += report.transillumination ? QStringLiteral(", a scan of spots") : QString();
@@ -142,8 +155,9 @@ ImportReport import(const ImportOptions& options, CliSession& session)
     };
     const bool imported = importStack(options, progress, &report, &error);
     session.progress().finish();
-    if (!imported)
+    if (!imported) {
         throw CliFailure(error, report.aborted ? CliFailure::Aborted : CliFailure::Failed);
+    }
     session.warnAll(report.warnings);
     return report;
 }
@@ -185,8 +199,9 @@ void ImportCommand::run(const QCommandLineParser& parser, CliSession& session)
     QJsonArray rows;
     if (request.import.table.isEmpty()) {
         const InferredTable table = inferImagesTable(request.import.source, request.interval, session);
-        if (!table.doubts().isEmpty())
+        if (!table.doubts().isEmpty()) {
             refuseDoubts(request, table, session);
+        }
         shown = inferredTableText(table);
         rows = inferredTableJson(table);
         if (!request.writeTable.isEmpty()) {
@@ -201,7 +216,8 @@ void ImportCommand::run(const QCommandLineParser& parser, CliSession& session)
     const QString folder = QFileInfo(request.import.output).absoluteFilePath();
     session.answer(shown + textAnswer(report, folder));
     QJsonObject json = jsonAnswer(report, folder);
-    if (!rows.isEmpty())
+    if (!rows.isEmpty()) {
         json.insert(QStringLiteral("table"), rows);
+    }
     session.answerJson(json);
 }

@@ -37,8 +37,9 @@ InferredTable inferImagesTable(const QString& strSource, std::optional<double> i
     };
     const bool found = finder.find(strSource, progress, &error);
     session.progress().finish();
-    if (!found)
+    if (!found) {
         throw CliFailure(error, finder.aborted() ? CliFailure::Aborted : CliFailure::Failed);
+    }
     session.warnAll(finder.warnings());
     return InferredTable(finder.images(), finder.doubts(), interval);
 }
@@ -51,8 +52,9 @@ QString inferredTableText(const InferredTable& table)
                        : QStringList{QStringLiteral("excitation"), QStringLiteral("emission")};
     const bool scan = std::any_of(table.rows().cbegin(), table.rows().cend(),
                                   [](const InferredTable::Row& row) { return !row.spotX.isEmpty(); });
-    if (scan)
+    if (scan) {
         header.append(QStringLiteral("spot"));
+    }
     TextTable text(header + QStringList{QStringLiteral("from")});
     const int count = table.rows().size();
     for (int i = 0; i < count; ++i) {
@@ -64,13 +66,15 @@ QString inferredTableText(const InferredTable& table)
         }
         QStringList cells{row.name};
         cells += temporal ? QStringList{figure(row.time)} : QStringList{figure(row.excitation), figure(row.emission)};
-        if (scan)
+        if (scan) {
             cells.append(QStringLiteral("%1, %2").arg(row.spotX, row.spotY));
+        }
         text.addRow(cells + QStringList{row.origin});
     }
     QString answer = text.toText();
-    for (const auto& note : table.notes())
+    for (const auto& note : table.notes()) {
         answer += note + QLatin1Char('\n');
+    }
     return answer;
 }
 
@@ -80,8 +84,9 @@ QJsonArray inferredTableJson(const InferredTable& table)
     for (const auto& row : table.rows()) {
         QJsonObject object{{"image", row.name}, {"origin", row.origin}};
         const auto insert = [&object](const char* pKey, const std::optional<double>& value) {
-            if (value)
+            if (value) {
                 object.insert(QLatin1String(pKey), *value);
+            }
         };
         if (table.isTemporal()) {
             insert("time", row.time);
@@ -89,8 +94,9 @@ QJsonArray inferredTableJson(const InferredTable& table)
             insert("excitation", row.excitation);
             insert("emission", row.emission);
         }
-        if (!row.spotX.isEmpty())
+        if (!row.spotX.isEmpty()) {
             object.insert(QStringLiteral("spot"), QStringLiteral("%1, %2").arg(row.spotX, row.spotY));
+        }
         insert("exposure", row.facts.exposure);
         insert("pixelSize", row.facts.pixelSize);
         rows.append(object);

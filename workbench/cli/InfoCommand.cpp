@@ -42,17 +42,20 @@ QString sizeText(CORVDataset& dataset)
 {
     long width = 0;
     long height = 0;
-    if (!dataset.getImageSize(IMAGETYPE_MAIN_DATA, &width, &height))
+    if (!dataset.getImageSize(IMAGETYPE_MAIN_DATA, &width, &height)) {
         return QStringLiteral("-");
+    }
     return QStringLiteral("%1 x %2").arg(width).arg(height);
 }
 
 QString availableUnits(const CORVDataset& dataset)
 {
     QStringList units;
-    for (int unit = DISPLAYUNIT_COUNTS; unit <= DISPLAYUNIT_EFFICIENCY; ++unit)
-        if (dataset.unitUnavailableReason(static_cast<tag_edisplayunit>(unit)).isEmpty())
+    for (int unit = DISPLAYUNIT_COUNTS; unit <= DISPLAYUNIT_EFFICIENCY; ++unit) {
+        if (dataset.unitUnavailableReason(static_cast<tag_edisplayunit>(unit)).isEmpty()) {
             units.append(UnitNames::options()[unit]);
+        }
+    }
     return units.isEmpty() ? QStringLiteral("none") : units.join(QLatin1Char(' '));
 }
 
@@ -84,12 +87,14 @@ QString kindText(const CORVSpumKyvo& engine)
 
 QString photographText(CORVSequenceDataset& sequence, const CORVSpumKyvo& engine)
 {
-    if (engine.m_pPhoto == nullptr)
+    if (engine.m_pPhoto == nullptr) {
         return QStringLiteral("none");
+    }
     QString origin;
     CPLSection* section = sequence.sequenceInfo()[QLatin1String(SequenceKeys::kSequence)];
-    if (section != nullptr)
+    if (section != nullptr) {
         section->getValue(QLatin1String(SequenceKeys::kPhotographOrigin), &origin);
+    }
     const QString size = QStringLiteral("%1 x %2").arg(engine.m_pPhoto->m_lWidth).arg(engine.m_pPhoto->m_lHeight);
     return origin.isEmpty() ? size : QStringLiteral("%1 (no photograph was given; this is the %2)").arg(size, origin);
 }
@@ -97,8 +102,9 @@ QString photographText(CORVSequenceDataset& sequence, const CORVSpumKyvo& engine
 QStringList modeTexts(const CORVSpumKyvo& engine)
 {
     QStringList texts;
-    for (const int mode : engine.availableModes())
+    for (const int mode : engine.availableModes()) {
         texts.append(ModeNames::option(mode));
+    }
     return texts;
 }
 
@@ -115,13 +121,15 @@ AnalysisOutlook lookAhead(OpenedSequence& opened)
 {
     AnalysisOutlook outlook;
     auto& engine = opened.engine();
-    if (!opened.canBeAnalysed() || !engine.createImageList() || !engine.setBinningAndSize(true))
+    if (!opened.canBeAnalysed() || !engine.createImageList() || !engine.setBinningAndSize(true)) {
         return outlook;
+    }
     outlook.binning = QString::number(engine.m_nBinning);
     outlook.size = QStringLiteral("%1 x %2").arg(engine.m_nWidth).arg(engine.m_nHeight);
     QStringList clicks;
-    for (const auto& click : engine.m_imageList)
+    for (const auto& click : engine.m_imageList) {
         clicks.append(click);
+    }
     const UnitForecast forecast = forecastUnit(opened.sequence(), clicks);
     outlook.unit = forecast.unit < 0 ? QStringLiteral("none") : UnitNames::text(forecast.unit);
     outlook.refusals = forecast.refusals;
@@ -145,16 +153,18 @@ QString proposalText(OpenedSequence& opened)
 // What the user should know of an analysis of maps; empty for a sequence of images.
 QString cautionText(OpenedSequence& opened, const UnmixedMapLinks& maps)
 {
-    if (maps.isEmpty() || !opened.canBeAnalysed())
+    if (maps.isEmpty() || !opened.canBeAnalysed()) {
         return QString();
+    }
     QStringList sentences{maps.isComplete()
                               ? QStringLiteral("these are unmixed maps, each at the filters where its component is "
                                                "brightest; what they hold has been unmixed already")
                               : QStringLiteral("some of the images are unmixed maps")};
     const auto& engine = opened.engine();
     const int places = engine.getAllKeyPairs().size() * std::max(1, static_cast<int>(engine.m_spots.size()));
-    if (engine.m_imageRecords.size() > places)
+    if (engine.m_imageRecords.size() > places) {
         sentences.append(QStringLiteral("of images at the same filters an analysis takes one"));
+    }
     return sentences.join(QStringLiteral("; "));
 }
 
@@ -180,29 +190,35 @@ QString textAnswer(OpenedSequence& opened, const QList<ImageRow>& rows, const An
     line(QStringLiteral("Binning"), outlook.binning);
     line(QStringLiteral("Cube"), outlook.size);
     line(QStringLiteral("Unit"), outlook.unit);
-    for (const auto& refusal : outlook.refusals)
+    for (const auto& refusal : outlook.refusals) {
         text += QString(14, QLatin1Char(' ')) + QStringLiteral("not ") + refusal + QLatin1Char('\n');
+    }
     line(QStringLiteral("Analysis"), opened.canBeAnalysed()
                                          ? modeTexts(engine).join(QStringLiteral(", "))
                                          : QStringLiteral("not possible: ") + opened.reasonAgainst());
     QList<DatasetContents> contents;
-    for (const auto& row : rows)
+    for (const auto& row : rows) {
         contents.append(row.contents);
+    }
     const auto held = contentsOfSequence(sequence, contents);
-    for (const auto& entry : held)
+    for (const auto& entry : held) {
         line(entry.first, entry.second);
+    }
     const UnmixedMapLinks maps(sequence);
-    if (!maps.isEmpty())
+    if (!maps.isEmpty()) {
         line(QStringLiteral("Maps of"), maps.sources().join(QStringLiteral(", ")));
-    if (!cautionText(opened, maps).isEmpty())
+    }
+    if (!cautionText(opened, maps).isEmpty()) {
         line(QStringLiteral("Note"), cautionText(opened, maps));
+    }
     TextTable table({QStringLiteral("image"), temporal ? QStringLiteral("interval") : QStringLiteral("excitation"),
                      temporal ? QStringLiteral("time") : QStringLiteral("emission"), QStringLiteral("spot"),
                      QStringLiteral("size"), QStringLiteral("binning"), QStringLiteral("exposure"),
                      QStringLiteral("used"), QStringLiteral("units")});
-    for (const auto& row : rows)
+    for (const auto& row : rows) {
         table.addRow({row.click, row.first, row.second, row.spot, row.size, row.binning, row.exposure,
                       row.used ? QStringLiteral("yes") : QStringLiteral("no"), row.units});
+    }
     text += QLatin1Char('\n') + table.toText();
     return maps.isEmpty() ? text : text + QLatin1Char('\n') + maps.toText();
 }
@@ -211,7 +227,7 @@ QJsonObject jsonAnswer(OpenedSequence& opened, const QList<ImageRow>& rows, cons
 {
     auto& engine = opened.engine();
     QJsonArray images;
-    for (const auto& row : rows)
+    for (const auto& row : rows) {
         images.append(QJsonObject{{"image", row.click},
                                   {"first", row.first},
                                   {"second", row.second},
@@ -222,6 +238,7 @@ QJsonObject jsonAnswer(OpenedSequence& opened, const QList<ImageRow>& rows, cons
                                   {"used", row.used},
                                   {"contents", row.contents.json()},
                                   {"units", QJsonArray::fromStringList(row.units.split(QLatin1Char(' ')))}});
+    }
     return QJsonObject{
         {"id", opened.sequence().getSequenceID()},
         {"name", opened.sequence().getSequenceName()},
@@ -254,8 +271,9 @@ void InfoCommand::declare(QCommandLineParser& parser) const
 void InfoCommand::run(const QCommandLineParser& parser, CliSession& session)
 {
     const QStringList arguments = parser.positionalArguments();
-    if (arguments.size() != 1)
+    if (arguments.size() != 1) {
         throw CliFailure(QStringLiteral("info takes one sequence. See \"spum info --help\"."), CliFailure::Usage);
+    }
     OpenedSequence opened(arguments[0]);
     session.warnAll(opened.warnings());
     QList<ImageRow> rows;

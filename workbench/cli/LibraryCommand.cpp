@@ -24,23 +24,27 @@ namespace {
 QJsonArray jsonPoints(const SpectrumPlotParams& spectrum)
 {
     QJsonArray points;
-    for (const auto& point : spectrum.points)
+    for (const auto& point : spectrum.points) {
         points.append(QJsonObject{{"first", point.first}, {"second", point.second}, {"value", point.value}});
+    }
     return points;
 }
 
 // The file of a library that is to be saved; the folder is made.
 QString pathToSave(const QString& strName, bool bForce)
 {
-    if (strName.isEmpty() || strName.contains(QLatin1Char('/')) || strName.startsWith(QLatin1Char('.')))
+    if (strName.isEmpty() || strName.contains(QLatin1Char('/')) || strName.startsWith(QLatin1Char('.'))) {
         usage(QStringLiteral("\"%1\" cannot be the name of a library.").arg(strName));
+    }
     const QString base = getORVPath(ORV_PATH_USER_DATA, true, nullptr);
     const QString folder = base + QStringLiteral("Spum/");
-    if (base.isEmpty() || !QDir().mkpath(folder))
+    if (base.isEmpty() || !QDir().mkpath(folder)) {
         throw CliFailure(QStringLiteral("Failed to create the SPUM database folder (%1)").arg(folder));
+    }
     const QString path = folder + strName + QStringLiteral(".csv");
-    if (QFileInfo::exists(path) && !bForce)
+    if (QFileInfo::exists(path) && !bForce) {
         throw CliFailure(QStringLiteral("the library %1 exists already; --force replaces it").arg(strName));
+    }
     return path;
 }
 
@@ -69,14 +73,15 @@ void LibraryCommand::run(const QCommandLineParser& parser, CliSession& session)
 {
     const QStringList arguments = parser.positionalArguments();
     const QString action = arguments.value(0);
-    if (action == QLatin1String("list") && arguments.size() == 1)
+    if (action == QLatin1String("list") && arguments.size() == 1) {
         list(session);
-    else if (action == QLatin1String("show") && arguments.size() == 2)
+    } else if (action == QLatin1String("show") && arguments.size() == 2) {
         show(arguments[1], session);
-    else if (action == QLatin1String("save") && arguments.size() == 2)
+    } else if (action == QLatin1String("save") && arguments.size() == 2) {
         save(parser, arguments[1], session);
-    else
+    } else {
         usage(QStringLiteral("library takes: list; show NAME; or save NAME."));
+    }
 }
 
 void LibraryCommand::list(CliSession& session) const
@@ -118,8 +123,9 @@ void LibraryCommand::show(const QString& strName, CliSession& session) const
     const auto& points = library.all().first()->points;
     for (int j = 0; j < points.size(); ++j) {
         QStringList row = {points[j].first, points[j].second};
-        for (const auto* spectrum : library.all())
+        for (const auto* spectrum : library.all()) {
             row.append(TextTable::number(spectrum->points[j].value));
+        }
         table.addRow(row);
     }
     const QString note = library.note().isEmpty() ? QString() : QStringLiteral("Note: %1\n\n").arg(library.note());
@@ -132,27 +138,31 @@ void LibraryCommand::save(const QCommandLineParser& parser, const QString& strNa
     const int sources = (parser.isSet(QStringLiteral("from")) ? 1 : 0) +
                         (parser.isSet(QStringLiteral("probes")) ? 1 : 0) +
                         (parser.isSet(QStringLiteral("region")) ? 1 : 0);
-    if (sources != 1)
+    if (sources != 1) {
         usage(QStringLiteral("save takes one of --from, --probes and --region."));
+    }
     SpectrumSources made;
-    if (parser.isSet(QStringLiteral("from")))
+    if (parser.isSet(QStringLiteral("from"))) {
         made.fromLibrary(parser.value(QStringLiteral("from")));
-    else if (parser.value(QStringLiteral("sequence")).isEmpty())
+    } else if (parser.value(QStringLiteral("sequence")).isEmpty()) {
         usage(QStringLiteral("--sequence is missing: the images that the spectra are for."));
-    else if (parser.isSet(QStringLiteral("probes")))
+    } else if (parser.isSet(QStringLiteral("probes"))) {
         made.fromDatabase(parser.value(QStringLiteral("probes")), parser.value(QStringLiteral("sequence")));
-    else
+    } else {
         made.fromRegions(parser.values(QStringLiteral("region")), parser.value(QStringLiteral("sequence")));
+    }
 
     CliSession::stopIfInterrupted();
     const QString path = pathToSave(strName, parser.isSet(QStringLiteral("force")));
     const QString note = parser.isSet(QStringLiteral("note")) ? parser.value(QStringLiteral("note")) : made.note();
-    if (note.contains(QLatin1Char(',')))
+    if (note.contains(QLatin1Char(','))) {
         session.warn(QStringLiteral("the file's form ends a note at its first comma"));
+    }
     QList<SpectrumPlotParams*> spectra = made.spectra();
     SpumKyvoDatabase database;
-    if (!database.saveLibrary(path, spectra, note))
+    if (!database.saveLibrary(path, spectra, note)) {
         throw CliFailure(QStringLiteral("%1 cannot be written").arg(path));
+    }
     session.answer(QStringLiteral("saved %1 spectra of %2 points as %3 (%4)\n")
                        .arg(spectra.size())
                        .arg(spectra.first()->points.size())

@@ -31,24 +31,27 @@ void checkMaps(const CORVSpumKyvo& engine, const QString& strName)
     const auto& spectra = engine.m_spectra;
     const int components = engine.m_spectrumPlots.size();
     if (components == 0 || maps.num_rows() < components || maps.num_rows() != spectra.num_rows() ||
-        data.num_rows() == 0 || maps.num_cols() != data.num_rows() || spectra.num_cols() != data.num_cols())
+        data.num_rows() == 0 || maps.num_cols() != data.num_rows() || spectra.num_cols() != data.num_cols()) {
         throw CliFailure(
             QStringLiteral("the result \"%1\" has no maps: its images, its mask or its maps do not go with the images "
                            "of the sequence")
                 .arg(strName));
+    }
 }
 
 } // namespace
 
 LoadedResult::LoadedResult(OpenedSequence& opened, const QString& strName)
 {
-    if (!opened.canBeAnalysed())
+    if (!opened.canBeAnalysed()) {
         throw CliFailure(QStringLiteral("the result cannot be computed again: the sequence cannot be analysed: %1")
                              .arg(opened.reasonAgainst()));
+    }
     const SavedDocument document = readSavedDocument(ResultStore::pathOf(opened.sequence(), strName));
-    if (!document.error.isEmpty())
+    if (!document.error.isEmpty()) {
         throw CliFailure(
             QStringLiteral("%1: %2").arg(document.path.isEmpty() ? strName : document.path, document.error));
+    }
     auto& engine = opened.engine();
     m_unitLimit.set(unitOf(document));
     const int mode = ModeNames::fromText(document.property(QStringLiteral("Method")));

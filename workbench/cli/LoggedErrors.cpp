@@ -5,8 +5,9 @@
 
 LoggedErrors::LoggedErrors(long nLevel)
     : m_nSink(orv::addLogSink([this, nLevel](const orv::LogRecord& record) {
-          if (record.m_nLevel != nLevel)
+          if (record.m_nLevel != nLevel) {
               return;
+          }
           const QMutexLocker lock(&m_mutex);
           m_lines.append({record.m_strMessage, record.m_strExtra});
       }))
@@ -22,8 +23,9 @@ QStringList LoggedErrors::lines() const
 {
     const QMutexLocker lock(&m_mutex);
     QStringList messages;
-    for (const Line& line : m_lines)
+    for (const Line& line : m_lines) {
         messages.append(line.message);
+    }
     return messages;
 }
 
@@ -35,10 +37,12 @@ QStringList LoggedErrors::linesBeyond(const QString& strFailure) const
     QStringList beyond;
     for (const Line& line : m_lines) {
         QString text = line.message.simplified();
-        if (text.startsWith(engine))
+        if (text.startsWith(engine)) {
             text.remove(0, engine.size());
-        if (text.isEmpty() || told.contains(text))
+        }
+        if (text.isEmpty() || told.contains(text)) {
             continue;
+        }
         beyond.append(line.extra.isEmpty() ? text : text + QLatin1String(" | ") + line.extra.simplified());
     }
     beyond.removeDuplicates();

@@ -19,31 +19,37 @@ MaskOption shapeOf(MaskOption::Kind eKind, const QString& strText)
     const QStringList numbers = strText.section(QLatin1Char(':'), 1).split(QLatin1Char(','));
     int* const targets[] = {&option.x, &option.y, &option.width, &option.height};
     bool good = numbers.size() == 4;
-    for (int i = 0; good && i < 4; ++i)
+    for (int i = 0; good && i < 4; ++i) {
         *targets[i] = numbers[i].toInt(&good);
-    if (!good || option.width < 1 || option.height < 1)
+    }
+    if (!good || option.width < 1 || option.height < 1) {
         throw CliFailure(QStringLiteral("--mask: \"%1\" is not of the form %2:X,Y,W,H in whole pixels")
                              .arg(strText, strText.section(QLatin1Char(':'), 0, 0)),
                          CliFailure::Usage);
+    }
     return option;
 }
 
 MaskOption parseMask(const QString& strText)
 {
     MaskOption option;
-    if (strText == QLatin1String("none"))
+    if (strText == QLatin1String("none")) {
         return option;
+    }
     if (strText == QLatin1String("auto")) {
         option.kind = MaskOption::Kind::Photograph;
         return option;
     }
-    if (strText.startsWith(QLatin1String("rect:")))
+    if (strText.startsWith(QLatin1String("rect:"))) {
         return shapeOf(MaskOption::Kind::Rectangle, strText);
-    if (strText.startsWith(QLatin1String("ellipse:")))
+    }
+    if (strText.startsWith(QLatin1String("ellipse:"))) {
         return shapeOf(MaskOption::Kind::Ellipse, strText);
-    if (strText.isEmpty())
+    }
+    if (strText.isEmpty()) {
         throw CliFailure(QStringLiteral("--mask takes auto, none, rect:X,Y,W,H, ellipse:X,Y,W,H or a file"),
                          CliFailure::Usage);
+    }
     option.kind = MaskOption::Kind::File;
     option.file = strText;
     return option;
@@ -53,11 +59,12 @@ double thresholdOf(const QString& strText)
 {
     bool good = false;
     const double percent = strText.toDouble(&good);
-    if (!good || !(percent >= 0.0 && percent <= 100.0))
+    if (!good || !(percent >= 0.0 && percent <= 100.0)) {
         throw CliFailure(QStringLiteral("--threshold takes a number from 0 to 100 (percent of the photograph's range), "
                                         "not \"%1\"")
                              .arg(strText),
                          CliFailure::Usage);
+    }
     return percent;
 }
 
@@ -81,12 +88,15 @@ MaskOption maskOptionOf(const QCommandLineParser& parser, MaskOption::Kind eDefa
 {
     MaskOption option;
     option.kind = eDefault;
-    if (parser.isSet(maskName))
+    if (parser.isSet(maskName)) {
         option = parseMask(parser.value(maskName));
-    if (!parser.isSet(thresholdName))
+    }
+    if (!parser.isSet(thresholdName)) {
         return option;
-    if (option.kind != MaskOption::Kind::Photograph)
+    }
+    if (option.kind != MaskOption::Kind::Photograph) {
         throw CliFailure(QStringLiteral("--threshold goes with --mask auto"), CliFailure::Usage);
+    }
     option.threshold = thresholdOf(parser.value(thresholdName));
     return option;
 }

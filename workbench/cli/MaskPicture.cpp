@@ -7,7 +7,8 @@ QImage maskPicture(const CORVSpumKyvo& engine)
 {
     QImage mask(engine.m_nWidth, engine.m_nHeight, QImage::Format_Grayscale8);
     mask.fill(engine.m_cube.m_bHasMask ? 0 : 255);
-    for (const int index : engine.m_cube.m_maskIndices)
+    for (const int index : engine.m_cube.m_maskIndices) {
         mask.scanLine(index / engine.m_nWidth)[index % engine.m_nWidth] = 255;
+    }
     return mask;
 }

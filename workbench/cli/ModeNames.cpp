@@ -12,9 +12,11 @@ QString ModeNames::option(int nMode)
 int ModeNames::fromText(const QString& strText)
 {
     const QString wanted = strText.trimmed().toLower();
-    for (int mode = RUNMODE_LIBRARY; mode <= RUNMODE_MANUAL; ++mode)
-        if (option(mode) == wanted)
+    for (int mode = RUNMODE_LIBRARY; mode <= RUNMODE_MANUAL; ++mode) {
+        if (option(mode) == wanted) {
             return mode;
+        }
+    }
     return -1;
 }
 

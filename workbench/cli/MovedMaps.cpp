@@ -69,11 +69,14 @@ MovedMaps::MovedMaps(CORVSpumKyvo& engine, CORVSequenceDataset& sequence, const 
 void MovedMaps::copyFiles(const QString& strFrom, const QString& strName) const
 {
     const QString to = m_staged.path() + strName;
-    if (!QDir().mkdir(to))
+    if (!QDir().mkdir(to)) {
         throw CliFailure(QStringLiteral("%1/%2: cannot be made").arg(m_staged.target(), strName));
-    for (const QString& file : QDir(strFrom).entryList(QDir::Files))
-        if (!QFile::copy(strFrom + QLatin1Char('/') + file, to + QLatin1Char('/') + file))
+    }
+    for (const QString& file : QDir(strFrom).entryList(QDir::Files)) {
+        if (!QFile::copy(strFrom + QLatin1Char('/') + file, to + QLatin1Char('/') + file)) {
             throw CliFailure(QStringLiteral("%1/%2/%3: cannot be written").arg(m_staged.target(), strName, file));
+        }
+    }
 }
 
 void MovedMaps::change(const QString& strName, const std::function<void(CPLClickInfo&)>& edit) const
@@ -81,11 +84,13 @@ void MovedMaps::change(const QString& strName, const std::function<void(CPLClick
     for (const char* file : {SequenceFiles::kClickInfo, analyzedClickInfo}) {
         const QString inside = strName + QLatin1Char('/') + QLatin1String(file);
         CPLClickInfo info;
-        if (info.loadClickInfo(m_staged.path() + inside) != 0)
+        if (info.loadClickInfo(m_staged.path() + inside) != 0) {
             throw CliFailure(QStringLiteral("%1/%2: cannot be read").arg(m_staged.target(), inside));
+        }
         edit(info);
-        if (info.saveClickInfo(m_staged.path() + inside) != 0)
+        if (info.saveClickInfo(m_staged.path() + inside) != 0) {
             throw CliFailure(QStringLiteral("%1/%2: cannot be written").arg(m_staged.target(), inside));
+        }
     }
 }
 
@@ -98,23 +103,28 @@ void MovedMaps::complete(const QString& strName, int nComponent, CPLClickInfo& i
     CPLSection& luminescent = sectionIn(info, QString::fromLatin1(ClickKeys::kLuminescentImage));
     double binning = 0.0;
     luminescent.getValue(QString::fromLatin1(ClickKeys::kBinning), &binning);
-    if (std::lround(binning) != m_engine.m_nBinning)
+    if (std::lround(binning) != m_engine.m_nBinning) {
         luminescent.setValue(QString::fromLatin1(ClickKeys::kBinning), m_engine.m_nBinning);
-    if (const auto* plot = m_engine.m_spectrumPlots.value(nComponent))
+    }
+    if (const auto* plot = m_engine.m_spectrumPlots.value(nComponent)) {
         luminescent.setValue(QString::fromLatin1(UnmixedMapKeys::kComponent), plot->settings.name);
+    }
 }
 
 void MovedMaps::takeRegions(const QString& strName, CORVDataset& source) const
 {
-    if (!source.hasROIData())
+    if (!source.hasROIData()) {
         return;
+    }
     CORVDataset map;
     QString error;
-    if (map.open(m_staged.path() + strName, &error) != ESTATUS_SUCCESS)
+    if (map.open(m_staged.path() + strName, &error) != ESTATUS_SUCCESS) {
         throw CliFailure(error);
-    if (takeOverRegions(source, map, static_cast<tag_edisplayunit>(m_engine.m_eUnit)) != ESTATUS_SUCCESS)
+    }
+    if (takeOverRegions(source, map, static_cast<tag_edisplayunit>(m_engine.m_eUnit)) != ESTATUS_SUCCESS) {
         throw CliFailure(QStringLiteral("%1/%2: the regions of interest cannot be measured over the map")
                              .arg(m_staged.target(), strName));
+    }
     change(strName, [&map](CPLClickInfo& info) { map.roiManager()->saveROIData(&info); });
 }
 
@@ -124,12 +134,14 @@ void MovedMaps::add(const QString& strClickInfo)
     const QString name = QFileInfo(from).fileName();
     copyFiles(from, name);
     CPLClickInfo made;
-    if (made.loadClickInfo(strClickInfo) != 0)
+    if (made.loadClickInfo(strClickInfo) != 0) {
         throw CliFailure(QStringLiteral("%1: cannot be read").arg(strClickInfo));
+    }
     const int component = componentOf(clickText(made, ClickKeys::kLuminescentImage, UnmixedMapKeys::kConcentration));
     change(name, [&](CPLClickInfo& info) { complete(name, component, info); });
-    if (CORVDataset* pSource = m_engine.unmixedSource(component, spotOf(m_names.size(), m_engine.m_spots.size())))
+    if (CORVDataset* pSource = m_engine.unmixedSource(component, spotOf(m_names.size(), m_engine.m_spots.size()))) {
         takeRegions(name, *pSource);
+    }
     m_names.append(name);
 }
 
@@ -138,27 +150,31 @@ void MovedMaps::lendPhotograph() const
     const auto hasPhotograph = [this](const QString& name) {
         return QFileInfo::exists(m_staged.path() + name + QLatin1Char('/') + photographName());
     };
-    if (std::any_of(m_names.begin(), m_names.end(), hasPhotograph))
+    if (std::any_of(m_names.begin(), m_names.end(), hasPhotograph)) {
         return;
+    }
     const QString target = m_staged.path() + m_names.first() + QLatin1Char('/') + photographName();
     const QString binningKey = QString::fromLatin1(ClickKeys::kBinning);
     for (CORVDataset* dataset : m_sequence.getDatasets()) {
         const CORVImageDetails* details = dataset->imageList().getImage(IMAGETYPE_PHOTOGRAPH);
         const CILImage* image = details == nullptr ? dataset->getCoreImage(IMAGETYPE_PHOTOGRAPH) : nullptr;
-        if (details == nullptr && image == nullptr)
+        if (details == nullptr && image == nullptr) {
             continue;
+        }
         // A photograph in colour keeps its colours as a file.
         const bool written = details != nullptr
                                  ? QFile::copy(details->path(), target)
                                  : image->saveAsTIFF(QFile::encodeName(target).constData()) == EIL_SUCCESS;
-        if (!written)
+        if (!written) {
             throw CliFailure(QStringLiteral("%1/%2/%3: cannot be written")
                                  .arg(m_staged.target(), m_names.first(), photographName()));
+        }
         const float binning = dataset->getBinningForImage(IMAGETYPE_PHOTOGRAPH);
         change(m_names.first(), [&](CPLClickInfo& info) {
             CPLSection& section = sectionIn(info, imageSection(IMAGETYPE_PHOTOGRAPH));
-            if (!section.isKeyPresent(binningKey))
+            if (!section.isKeyPresent(binningKey)) {
                 section.setValue(binningKey, QString::number(static_cast<double>(binning)));
+            }
         });
         return;
     }
@@ -177,12 +193,14 @@ void MovedMaps::writeInfo() const
     CPLClickInfo sections = sequenceInfoSections(info);
     const QString origin =
         clickText(m_sequence.sequenceInfo(), SequenceKeys::kSequence, SequenceKeys::kPhotographOrigin);
-    if (!origin.isEmpty())
+    if (!origin.isEmpty()) {
         sectionIn(sections, QString::fromLatin1(SequenceKeys::kSequence))
             .setValue(QString::fromLatin1(SequenceKeys::kPhotographOrigin), origin);
-    if (sections.saveClickInfo(m_staged.path() + QLatin1String(SequenceFiles::kSequenceInfo)) != 0)
+    }
+    if (sections.saveClickInfo(m_staged.path() + QLatin1String(SequenceFiles::kSequenceInfo)) != 0) {
         throw CliFailure(QStringLiteral("%1/%2: cannot be written")
                              .arg(m_staged.target(), QLatin1String(SequenceFiles::kSequenceInfo)));
+    }
 }
 
 void MovedMaps::finish()

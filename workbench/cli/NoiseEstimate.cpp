@@ -17,14 +17,17 @@ NoiseEstimate NoiseEstimate::ofEigenvalues(const std::vector<double>& eigenvalue
 {
     NoiseEstimate estimate;
     const std::size_t images = eigenvalues.size();
-    if (images < fewestImages)
+    if (images < fewestImages) {
         return estimate;
+    }
     // left[k]: what k components leave, summed from the small end so that it does not cancel.
     std::vector<double> left(images + 1, 0.0);
-    for (std::size_t k = images; k > 0; --k)
+    for (std::size_t k = images; k > 0; --k) {
         left[k - 1] = left[k] + eigenvalues[k - 1];
-    if (!std::isfinite(left[0]) || !(left[0] > 0.0))
+    }
+    if (!std::isfinite(left[0]) || !(left[0] > 0.0)) {
         return estimate;
+    }
     double smallest = std::numeric_limits<double>::infinity();
     for (std::size_t k = 1; k < images; ++k) {
         // The pixels' number is the same for all k and left out.
@@ -41,17 +44,19 @@ NoiseEstimate NoiseEstimate::ofEigenvalues(const std::vector<double>& eigenvalue
 
 QString NoiseEstimate::text(int nComponents) const
 {
-    if (components == 0)
+    if (components == 0) {
         return QString();
+    }
     QString text =
         QStringLiteral("%1 principal %2 clearly above the noise and %3 %4 % of the data\n")
             .arg(components)
             .arg(components == 1 ? QStringLiteral("component stands") : QStringLiteral("components stand"),
                  components == 1 ? QStringLiteral("leaves") : QStringLiteral("leave"), TextTable::number(lackOfFit, 4));
-    if (components > nComponents)
+    if (components > nComponents) {
         text += QStringLiteral("%1 components are too few for these images: try --ncomponents %2%3, or name as many\n")
                     .arg(nComponents)
                     .arg(components)
                     .arg(components > kMaxComponents ? QStringLiteral(" --force") : QString());
+    }
     return text;
 }

@@ -14,12 +14,14 @@
 OpenedSequence::OpenedSequence(const QString& strPath) : m_pSequence(std::make_unique<CORVSequenceDataset>())
 {
     QString error;
-    if (m_pSequence->open(strPath, &error, &m_warnings) != ESTATUS_SUCCESS)
+    if (m_pSequence->open(strPath, &error, &m_warnings) != ESTATUS_SUCCESS) {
         throw CliFailure(error);
+    }
     m_pEngine = std::make_unique<CORVSpumKyvo>(m_pSequence->getSequenceID());
     m_bAnalysable = m_pEngine->buildDatasetInfo();
-    if (!m_bAnalysable)
+    if (!m_bAnalysable) {
         m_strReason = findReason();
+    }
 }
 
 OpenedSequence::~OpenedSequence() = default;
@@ -34,8 +36,9 @@ QString OpenedSequence::truthFolder(int nUnit, bool bDecayCorrected) const
     QString name;
     CPLSection* section = m_pSequence->sequenceInfo()[QLatin1String(SequenceKeys::kSequence)];
     if (section == nullptr || section->getValue(QLatin1String(SequenceKeys::kTruthFolder), &name) != 0 ||
-        name.isEmpty())
+        name.isEmpty()) {
         return QString();
+    }
     const QString units = folder() + name + QLatin1Char('/');
     const QString unit =
         bDecayCorrected ? truthDecayFolder(static_cast<tag_edisplayunit>(nUnit)) : UnitNames::options().value(nUnit);
@@ -47,14 +50,18 @@ QString OpenedSequence::truthFolder(int nUnit, bool bDecayCorrected) const
 QString OpenedSequence::findReason() const
 {
     const auto datasets = m_pSequence->getDatasets();
-    if (datasets.isEmpty())
+    if (datasets.isEmpty()) {
         return QStringLiteral("the sequence holds no image");
-    for (auto* dataset : datasets)
+    }
+    for (auto* dataset : datasets) {
         if (dataset->getCoreImage(IMAGETYPE_PHOTOGRAPH) == nullptr &&
-            m_pSequence->getEquivalentImageFromSequence(dataset, IMAGETYPE_PHOTOGRAPH) == nullptr)
+            m_pSequence->getEquivalentImageFromSequence(dataset, IMAGETYPE_PHOTOGRAPH) == nullptr) {
             return QStringLiteral("there is no photograph");
-    if (m_pEngine->m_spots.size() > 1 && m_pEngine->getAllKeyPairs().size() > 1)
+        }
+    }
+    if (m_pEngine->m_spots.size() > 1 && m_pEngine->getAllKeyPairs().size() > 1) {
         return QStringLiteral("the scan is not complete: every spot needs every pair of filters");
+    }
     return m_pSequence->isKyvoSequence()
                ? QStringLiteral("it takes images at two time points at least")
                : QStringLiteral(

@@ -24,18 +24,21 @@ KeyPair parsePart(const QString& strPart)
         pattern.first = halves[0].trimmed();
         pattern.second = halves[1].trimmed();
     }
-    if (halves.size() > 2 || pattern.second.isEmpty())
+    if (halves.size() > 2 || pattern.second.isEmpty()) {
         throw CliFailure(
             QStringLiteral("--select: \"%1\" is not of the form EXCITATION/EMISSION or INTERVAL/TIME").arg(strPart),
             CliFailure::Usage);
+    }
     return pattern;
 }
 
 bool contains(const QList<KeyPair>& pairs, const KeyPair& pair)
 {
-    for (const auto& other : pairs)
-        if (other.first == pair.first && other.second == pair.second)
+    for (const auto& other : pairs) {
+        if (other.first == pair.first && other.second == pair.second) {
             return true;
+        }
+    }
     return false;
 }
 
@@ -48,15 +51,18 @@ QList<KeyPair> selectPairs(const QString& strSelect, const QList<KeyPair>& all)
         const KeyPair pattern = parsePart(part);
         bool found = false;
         for (const auto& pair : all) {
-            if (!matches(pattern.first, pair.first) || !matches(pattern.second, pair.second))
+            if (!matches(pattern.first, pair.first) || !matches(pattern.second, pair.second)) {
                 continue;
+            }
             found = true;
-            if (!contains(selected, pair))
+            if (!contains(selected, pair)) {
                 selected.append(pair);
+            }
         }
-        if (!found)
+        if (!found) {
             throw CliFailure(
                 QStringLiteral("--select: no image is \"%1\"; there are %2").arg(part.trimmed(), pairsText(all)));
+        }
     }
     return selected;
 }
@@ -69,7 +75,8 @@ QString pairText(const KeyPair& pair)
 QString pairsText(const QList<KeyPair>& pairs)
 {
     QStringList texts;
-    for (const auto& pair : pairs)
+    for (const auto& pair : pairs) {
         texts.append(pairText(pair));
+    }
     return texts.join(QLatin1String(", "));
 }

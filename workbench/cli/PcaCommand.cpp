@@ -20,8 +20,9 @@ constexpr double checkedFraction = 0.5;
 void maskEveryPixel(CORVSpumKyvo& engine)
 {
     CILImage& mask = engine.m_analysisInput.maskImage;
-    if (mask.InitWithType(ORVTYPE_BYTE, engine.m_nWidth, engine.m_nHeight) != EIL_SUCCESS)
+    if (mask.InitWithType(ORVTYPE_BYTE, engine.m_nWidth, engine.m_nHeight) != EIL_SUCCESS) {
         throw std::bad_alloc();
+    }
     mask.setConstData(1.0);
     mask.m_fBinning = static_cast<float>(engine.m_nBinning);
 }
@@ -29,11 +30,12 @@ void maskEveryPixel(CORVSpumKyvo& engine)
 // Each image is divided by its standard deviation.
 void checkConstantImages(const QStringList& constant)
 {
-    if (!constant.isEmpty())
+    if (!constant.isEmpty()) {
         throw CliFailure(
             QStringLiteral("in these images all pixels that are analysed have one value, so that they have no "
                            "variance to scale: %1")
                 .arg(constant.join(QStringLiteral(", "))));
+    }
 }
 
 } // namespace
@@ -52,25 +54,29 @@ void PcaCommand::run(const QCommandLineParser& parser, CliSession& session)
     setUp.checkMode(RUNMODE_AUTOMATIC);
     StagedFolder folder;
     QString error;
-    if (!folder.begin(setUp.outFolder(QStringLiteral("pca")), request.force, QStringLiteral("pca.json"), &error))
+    if (!folder.begin(setUp.outFolder(QStringLiteral("pca")), request.force, QStringLiteral("pca.json"), &error)) {
         throw CliFailure(error);
+    }
     setUp.select();
     setUp.reset(RUNMODE_AUTOMATIC);
     setUp.takeMask(static_cast<int>(kMinMaskPixels));
-    if (request.mask.kind == MaskOption::Kind::None)
+    if (request.mask.kind == MaskOption::Kind::None) {
         maskEveryPixel(setUp.engine());
+    }
     setUp.checkUnit();
     setUp.checkImages(checkedFraction);
     checkConstantImages(setUp.constantImages());
 
     PcaFiles files(setUp.engine(), runPca(setUp.engine(), session.progress()));
-    if (!files.isMeaningful())
+    if (!files.isMeaningful()) {
         throw CliFailure(QStringLiteral("the images have no variance to explain"));
+    }
     CliSession::stopIfInterrupted();
     files.write(folder.path());
     CliSession::stopIfInterrupted();
-    if (!folder.commit(&error))
+    if (!folder.commit(&error)) {
         throw CliFailure(error);
+    }
     session.progress().finish();
     session.answer(files.text() + QStringLiteral("results in %1\n").arg(folder.target()));
     QJsonObject json = files.json();

@@ -49,8 +49,9 @@ QString PcaFiles::text() const
 {
     TextTable table(
         {QStringLiteral("# of Components"), QStringLiteral("Explained Variance(%)"), QStringLiteral("of this one(%)")});
-    for (int i = 0; i < m_explained.percent.size(); ++i)
+    for (int i = 0; i < m_explained.percent.size(); ++i) {
         table.addRow({QString::number(i + 1), tableCell(i, false), tableCell(i, true)});
+    }
     return QStringLiteral("%1, %2 images of %3 x %4 pixels at binning %5, %6 pixels analysed\n\n%7\n"
                           "Suggested # of components: %8\n"
                           "Explained variance (%): %9\n")
@@ -126,8 +127,9 @@ SpectrumPlot PcaFiles::screePlot() const
 void PcaFiles::put(const QString& strPath, const QByteArray& bytes)
 {
     QString error;
-    if (!orv::writeFileAtomically(strPath, bytes, &error))
+    if (!orv::writeFileAtomically(strPath, bytes, &error)) {
         throw CliFailure(error);
+    }
     m_files.append(QFileInfo(strPath).fileName());
 }
 
@@ -136,13 +138,15 @@ void PcaFiles::write(const QString& strFolder)
     const SpectrumPlot plot = screePlot();
     put(strFolder + QStringLiteral("scree.png"), pngBytes(plot.toImage(plotSize)));
     put(strFolder + QStringLiteral("scree.svg"), plot.toSvg(plotSize));
-    if (m_engine.m_cube.pixelsPerSpot() < static_cast<long long>(m_engine.m_nWidth) * m_engine.m_nHeight)
+    if (m_engine.m_cube.pixelsPerSpot() < static_cast<long long>(m_engine.m_nWidth) * m_engine.m_nHeight) {
         put(strFolder + QStringLiteral("mask.png"), pngBytes(maskPicture(m_engine)));
+    }
     TextTable table({QStringLiteral("components"), QStringLiteral("explained variance"), QStringLiteral("of this one"),
                      QStringLiteral("eigenvalue")});
-    for (int i = 0; i < m_explained.percent.size(); ++i)
+    for (int i = 0; i < m_explained.percent.size(); ++i) {
         table.addRow(
             {QString::number(i + 1), tableCell(i, false), tableCell(i, true), TextTable::number(m_eigenvalues[i], 9)});
+    }
     put(strFolder + QStringLiteral("pca.csv"), table.toCsv().toUtf8());
     // Last, as it names the other files; it also marks the folder as ours.
     const QByteArray document = QJsonDocument(json()).toJson(QJsonDocument::Indented);

@@ -45,12 +45,15 @@ XTNT::Vector<double> runPca(CORVSpumKyvo& engine, CliProgress& progress)
     engine.m_bRunPCA = true;
     const LastLogLine log;
     const RunOutcome outcome = runShown(engine, progress, QStringLiteral("Analysing the images"), -1.0);
-    if (outcome == RunOutcome::Aborted)
+    if (outcome == RunOutcome::Aborted) {
         throw CliFailure(QStringLiteral("PCA aborted by user"), CliFailure::Aborted);
-    if (engine.hasError())
+    }
+    if (engine.hasError()) {
         throw CliFailure(engine.getErrorText());
+    }
     // The last act of a run that ends in silence is to say why in the log.
-    if (engine.m_pcaResult.empty())
+    if (engine.m_pcaResult.empty()) {
         throw CliFailure(log.text());
+    }
     return engine.m_pcaResult;
 }

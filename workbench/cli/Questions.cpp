@@ -19,8 +19,9 @@ public:
 
     int ask(const orv::MessageRequest& request) override
     {
-        if (m_bAgreed && request.answers().contains(CORVMessageBox::YesButton))
+        if (m_bAgreed && request.answers().contains(CORVMessageBox::YesButton)) {
             return CORVMessageBox::YesButton;
+        }
         return orv::TextResponder::ask(request);
     }
 

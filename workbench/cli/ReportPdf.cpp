@@ -120,15 +120,18 @@ public:
         addPictures(QStringLiteral("Composite"), content.composites, 1);
         addPictures(QStringLiteral("Maps"), content.maps, content.maps.size() <= fewMaps ? fewMaps : mapsARow);
         addPictures(QStringLiteral("Spectra"), content.plots, 1);
-        if (!content.components.rows.isEmpty())
+        if (!content.components.rows.isEmpty()) {
             addTable(QStringLiteral("<h2>Components</h2>"), content.components);
-        for (int i = 0; i < content.tables.size(); ++i)
+        }
+        for (int i = 0; i < content.tables.size(); ++i) {
             addTable((i == 0 ? QStringLiteral("<h2>Settings</h2>") : QString()) + QStringLiteral("<h3>") +
                          escaped(content.tables[i].title) + QStringLiteral("</h3>"),
                      content.tables[i]);
-        if (!content.command.isEmpty())
+        }
+        if (!content.command.isEmpty()) {
             add() += QStringLiteral("<h2>Command</h2><p style=\"font-family:'DejaVu Sans Mono',monospace\">") +
                      escaped(content.command) + QStringLiteral("</p>");
+        }
         return std::move(m_blocks);
     }
 
@@ -144,11 +147,13 @@ private:
         Block& block = add();
         block += QStringLiteral("<h1>") + escaped(content.title) + QStringLiteral("</h1><p class=\"soft\">") +
                  escaped(content.subtitle) + QStringLiteral("</p>");
-        if (!content.note.isEmpty())
+        if (!content.note.isEmpty()) {
             block += QStringLiteral("<p style=\"white-space:pre-wrap\"><b>Note:</b> ") + escaped(content.note) +
                      QStringLiteral("</p>");
-        for (const QString& warning : content.warnings)
+        }
+        for (const QString& warning : content.warnings) {
             block += QStringLiteral("<p><b>Warning:</b> ") + escaped(warning) + QStringLiteral("</p>");
+        }
         block += QStringLiteral("<table width=\"100%\" cellpadding=\"3\">");
         for (int i = 0; i < content.facts.size(); i += factsARow) {
             block += QStringLiteral("<tr>");
@@ -168,13 +173,15 @@ private:
         const QSizeF room((m_page.width() - gap * columns) / columns, m_page.height() * pictureShare);
         for (int i = 0; i < figures.size(); i += columns) {
             Block& block = add();
-            if (i == 0)
+            if (i == 0) {
                 block += QStringLiteral("<h2>") + escaped(strTitle) + QStringLiteral("</h2>");
+            }
             block += QStringLiteral("<table align=\"center\" cellspacing=\"0\" cellpadding=\"%1\"><tr>").arg(gap / 2);
             for (int k = i; k < i + columns; ++k) {
                 block += QStringLiteral("<td align=\"center\" width=\"%1\">").arg(static_cast<int>(room.width()));
-                if (k < figures.size())
+                if (k < figures.size()) {
                     block.addPicture(figures[k], room);
+                }
                 block += QStringLiteral("</td>");
             }
             block += QStringLiteral("</tr></table>");
@@ -188,16 +195,18 @@ private:
         block += strTitle + QStringLiteral("<table width=\"100%\" cellspacing=\"0\" cellpadding=\"3\">");
         if (!pairs) {
             block += QStringLiteral("<tr>");
-            for (int k = 0; k < table.header.size(); ++k)
+            for (int k = 0; k < table.header.size(); ++k) {
                 block += cellBegin(k, pairs) + QStringLiteral("<span class=\"soft\">") + escaped(table.header[k]) +
                          QStringLiteral("</span></td>");
+            }
             block += QStringLiteral("</tr>");
         }
         for (int i = 0; i < table.rows.size(); ++i) {
             block += i % 2 == 0 ? QStringLiteral("<tr bgcolor=\"#f2f4f6\">") : QStringLiteral("<tr>");
-            for (int k = 0; k < table.rows[i].size(); ++k)
+            for (int k = 0; k < table.rows[i].size(); ++k) {
                 block += cellBegin(k, pairs) + (k == 0 ? patch(table.colors.value(i)) : QString()) +
                          escaped(table.rows[i][k]) + QStringLiteral("</td>");
+            }
             block += QStringLiteral("</tr>");
         }
         block += QStringLiteral("</table>");
@@ -206,8 +215,9 @@ private:
     // Names and values stand close together in a table of pairs, numbers to the right in a table with a header.
     static QString cellBegin(int nColumn, bool bPairs)
     {
-        if (bPairs)
+        if (bPairs) {
             return nColumn == 0 ? QStringLiteral("<td width=\"35%\">") : QStringLiteral("<td>");
+        }
         return nColumn == 0 ? QStringLiteral("<td style=\"white-space:nowrap; font-size:7.5pt\">")
                             : QStringLiteral("<td align=\"right\" style=\"white-space:nowrap; font-size:7.5pt\">");
     }
@@ -247,8 +257,9 @@ std::vector<Piece> placed(const Blocks& blocks, double dPageHeight)
             top = 0.0;
         }
         for (double from = 0.0; from < height; from += dPageHeight) {
-            if (from > 0.0)
+            if (from > 0.0) {
                 ++page;
+            }
             pieces.push_back({block.get(), from, std::min(dPageHeight, height - from), page, top});
         }
         top = blockGap + (height > dPageHeight ? std::fmod(height, dPageHeight) : top + height);
@@ -274,8 +285,9 @@ QByteArray reportPdf(const ReportContent& content)
 {
     QByteArray bytes;
     QBuffer buffer(&bytes);
-    if (!buffer.open(QIODevice::WriteOnly))
+    if (!buffer.open(QIODevice::WriteOnly)) {
         return QByteArray();
+    }
     QPdfWriter writer(&buffer);
     writer.setPageSize(QPageSize(QPageSize::A4));
     writer.setPageMargins(QMarginsF(marginMillimetres, marginMillimetres, marginMillimetres, marginMillimetres),
@@ -289,15 +301,17 @@ QByteArray reportPdf(const ReportContent& content)
     const Blocks blocks = Composer(page).compose(content);
     const std::vector<Piece> pieces = placed(blocks, page.height());
     QPainter painter;
-    if (!painter.begin(&writer))
+    if (!painter.begin(&writer)) {
         return QByteArray();
+    }
     painter.scale(static_cast<double>(fileDpi) / layoutDpi, static_cast<double>(fileDpi) / layoutDpi);
     const int pages = pieces.empty() ? 1 : pieces.back().page + 1;
     int shown = -1;
     for (const Piece& piece : pieces) {
         if (piece.page != shown) {
-            if (shown >= 0)
+            if (shown >= 0) {
                 writer.newPage();
+            }
             shown = piece.page;
             paintFooter(painter, page, content.program, QStringLiteral("%1 / %2").arg(shown + 1).arg(pages));
         }

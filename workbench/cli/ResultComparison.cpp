@@ -18,12 +18,15 @@ QList<KeyPair> commonPairs(const Results& results)
 {
     QList<KeyPair> common;
     const QList<KeyPair> pairs = results.back()->pairs();
-    for (const auto& pair : pairs)
-        if (std::all_of(results.begin(), results.end(), [&](const auto& result) { return result->hasPair(pair); }))
+    for (const auto& pair : pairs) {
+        if (std::all_of(results.begin(), results.end(), [&](const auto& result) { return result->hasPair(pair); })) {
             common.append(pair);
-    if (common.isEmpty())
+        }
+    }
+    if (common.isEmpty()) {
         throw CliFailure(QStringLiteral("the spectra of %1 and %2 have no image in common")
                              .arg(results.front()->label(), results.back()->label()));
+    }
     return common;
 }
 
@@ -32,7 +35,7 @@ void checkSizes(const Results& results)
     const CILImage& first = results.front()->map(0);
     for (const auto& result : results) {
         const CILImage& map = result->map(0);
-        if (map.m_lWidth != first.m_lWidth || map.m_lHeight != first.m_lHeight)
+        if (map.m_lWidth != first.m_lWidth || map.m_lHeight != first.m_lHeight) {
             throw CliFailure(QStringLiteral("the maps of %1 have %2 x %3 pixels, those of %4 %5 x %6")
                                  .arg(result->label())
                                  .arg(map.m_lWidth)
@@ -40,12 +43,14 @@ void checkSizes(const Results& results)
                                  .arg(results.front()->label())
                                  .arg(first.m_lWidth)
                                  .arg(first.m_lHeight));
-        if (result->spotCount() != results.front()->spotCount())
+        }
+        if (result->spotCount() != results.front()->spotCount()) {
             throw CliFailure(QStringLiteral("%1 has maps of %2 spots, %3 of %4")
                                  .arg(result->label())
                                  .arg(result->spotCount())
                                  .arg(results.front()->label())
                                  .arg(results.front()->spotCount()));
+        }
     }
 }
 
@@ -56,8 +61,9 @@ CILImage meanMap(const SavedResult& result, int n)
     float* pixels = mean.floats();
     for (std::size_t i = 0; i < mean.pixelCount(); ++i) {
         double sum = 0.0;
-        for (int spot = 0; spot < result.spotCount(); ++spot)
+        for (int spot = 0; spot < result.spotCount(); ++spot) {
             sum += result.map(n, spot).value(i);
+        }
         pixels[i] = static_cast<float>(sum / result.spotCount());
     }
     return mean;
@@ -75,15 +81,19 @@ ResultComparison::ResultComparison(const Results& results)
     for (const auto& result : results) {
         m_rowNames.append(result->label());
         Row components;
-        for (int n = 0; n < result->count(); ++n)
+        for (int n = 0; n < result->count(); ++n) {
             components.push_back(componentOf(*result, n, pairs));
+        }
         addRow(std::move(components));
     }
-    for (Row& row : m_rows)
+    for (Row& row : m_rows) {
         row.resize(static_cast<std::size_t>(m_columnNames.size()));
-    for (std::size_t i = 0; i < m_rows.size(); ++i)
-        for (std::size_t j = 0; j < m_rows[i].size(); ++j)
+    }
+    for (std::size_t i = 0; i < m_rows.size(); ++i) {
+        for (std::size_t j = 0; j < m_rows[i].size(); ++j) {
             compareWithReference(m_rows[i][j], m_rows[static_cast<std::size_t>(m_references[i])][j]);
+        }
+    }
 }
 
 void ResultComparison::findReferences(const Results& results)
@@ -107,14 +117,18 @@ ComparedComponent ResultComparison::componentOf(const SavedResult& result, int n
     const double top = *std::max_element(component.spectrum.begin(), component.spectrum.end());
     const double factor = top > 0.0 ? top : 1.0;
     component.values.reserve(m_pixels.size() * static_cast<std::size_t>(result.spotCount()));
-    for (int spot = 0; spot < result.spotCount(); ++spot)
-        for (const int pixel : m_pixels)
+    for (int spot = 0; spot < result.spotCount(); ++spot) {
+        for (const int pixel : m_pixels) {
             component.values.push_back(factor * result.map(n, spot).value(static_cast<std::size_t>(pixel)));
-    for (double& value : component.spectrum)
+        }
+    }
+    for (double& value : component.spectrum) {
         value /= factor;
+    }
     float* pixels = component.map.floats();
-    for (std::size_t i = 0; i < component.map.pixelCount(); ++i)
+    for (std::size_t i = 0; i < component.map.pixelCount(); ++i) {
         pixels[i] = static_cast<float>(pixels[i] * factor);
+    }
     component.map.RefreshImageStats();
     return component;
 }
@@ -125,15 +139,17 @@ void ResultComparison::findCommonPixels(const Results& results)
     m_pixels.resize(map.pixelCount());
     std::iota(m_pixels.begin(), m_pixels.end(), 0);
     for (const auto& result : results) {
-        if (result->pixels().empty())
+        if (result->pixels().empty()) {
             continue;
+        }
         std::vector<int> both;
         std::set_intersection(m_pixels.begin(), m_pixels.end(), result->pixels().begin(), result->pixels().end(),
                               std::back_inserter(both));
         m_pixels.swap(both);
     }
-    if (m_pixels.empty())
+    if (m_pixels.empty()) {
         throw CliFailure(QStringLiteral("there is no pixel that all results analysed"));
+    }
 }
 
 // A column of that name in which the row has nothing yet; a new one when there is none.
@@ -141,8 +157,9 @@ int ResultComparison::freeColumn(const Row& row, const QString& strName)
 {
     for (int j = 0; j < m_columnNames.size(); ++j) {
         const auto i = static_cast<std::size_t>(j);
-        if (m_columnNames[j] == strName && (i >= row.size() || !row[i].present))
+        if (m_columnNames[j] == strName && (i >= row.size() || !row[i].present)) {
             return j;
+        }
     }
     m_columnNames.append(strName);
     return m_columnNames.size() - 1;
@@ -154,8 +171,9 @@ void ResultComparison::addRow(Row components)
     if (!m_rows.empty()) {
         const auto shapesOf = [](const Row& row) {
             std::vector<ComponentShape> shapes;
-            for (const auto& component : row)
+            for (const auto& component : row) {
                 shapes.push_back({component.name, component.values, component.spectrum});
+            }
             return shapes;
         };
         const auto found = shapesOf(components);
@@ -164,8 +182,9 @@ void ResultComparison::addRow(Row components)
         const auto reference = shapesOf(m_rows[own < m_rows.size() ? own : 0]);
         const auto byName = matchByName(found, reference);
         const bool named = std::any_of(byName.begin(), byName.end(), [](int partner) { return partner >= 0; });
-        if (!named)
+        if (!named) {
             partners = matchByShape(found, reference);
+        }
     }
     Row row(static_cast<std::size_t>(m_columnNames.size()));
     for (std::size_t k = 0; k < components.size(); ++k) {
@@ -178,8 +197,9 @@ void ResultComparison::addRow(Row components)
 
 void ResultComparison::compareWithReference(ComparedComponent& component, const ComparedComponent& reference) const
 {
-    if (!component.present || !reference.present)
+    if (!component.present || !reference.present) {
         return;
+    }
     component.cosine = ResultSummary::cosine(component.spectrum, reference.spectrum);
     component.correlation = ResultSummary::correlation(component.values, reference.values);
     component.relativeError = ResultSummary::relativeError(component.values, reference.values);

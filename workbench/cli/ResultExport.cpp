@@ -52,16 +52,20 @@ private:
 void checkRequest(const CORVSpumKyvo& engine, std::optional<int> component)
 {
     const long long count = engine.m_concentrations.num_rows();
-    if (count < 1)
+    if (count < 1) {
         throw CliFailure(QStringLiteral("there is no result to export"));
-    if (!component)
+    }
+    if (!component) {
         return;
-    if (engine.m_spots.size() < 2)
+    }
+    if (engine.m_spots.size() < 2) {
         throw CliFailure(QStringLiteral("all components are exported; one is chosen only in a scan of several spots"),
                          CliFailure::Usage);
-    if (*component < 1 || *component > count)
+    }
+    if (*component < 1 || *component > count) {
         throw CliFailure(QStringLiteral("there is no component %1: the result has %2").arg(*component).arg(count),
                          CliFailure::Usage);
+    }
 }
 
 // Has the engine make the datasets; paths of their click infos.
@@ -75,10 +79,12 @@ QStringList makeDatasets(CORVSpumKyvo& engine, std::optional<int> component)
         &engine, &CORVSpumKyvo::createSpumKyvoSequence, [&paths](const QStringList& made, bool) { paths = made; });
     engine.onClickExportAsSequence();
     QObject::disconnect(connection);
-    if (!paths.isEmpty())
+    if (!paths.isEmpty()) {
         return paths;
-    if (!errors.lines().isEmpty())
+    }
+    if (!errors.lines().isEmpty()) {
         throw CliFailure(errors.lines().join(QLatin1Char('\n')));
+    }
     throw CliFailure(
         QStringLiteral("no component was chosen: of a scan of several spots the maps of one component are exported; "
                        "--component N names it"),
@@ -88,8 +94,9 @@ QStringList makeDatasets(CORVSpumKyvo& engine, std::optional<int> component)
 // The datasets are in their new place; what the export made on its way goes.
 void removeMade(const QStringList& paths, const QString& strTarget)
 {
-    for (const QString& path : paths)
+    for (const QString& path : paths) {
         deleteFolderTree(QFileInfo(path).absolutePath());
+    }
     QDir().rmdir(strTarget); // stays when it holds another export's
 }
 
@@ -99,28 +106,34 @@ ExportedMaps exportResult(CORVSpumKyvo& engine, std::optional<int> component, co
 {
     checkRequest(engine, component);
     CORVSequenceDataset* pSequence = CORVSequenceDataset::getSequenceDataset(engine.getSequenceId());
-    if (pSequence == nullptr)
+    if (pSequence == nullptr) {
         throw CliFailure(QStringLiteral("the sequence %1 is not open").arg(engine.getSequenceId()));
+    }
     QString error = savedResultsAtStake(strOutFolder);
-    if (bForce && !error.isEmpty())
+    if (bForce && !error.isEmpty()) {
         throw CliFailure(error);
+    }
     StagedFolder staged;
-    if (!staged.begin(strOutFolder, bForce, QString::fromLatin1(SequenceFiles::kSequenceInfo), &error))
+    if (!staged.begin(strOutFolder, bForce, QString::fromLatin1(SequenceFiles::kSequenceInfo), &error)) {
         throw CliFailure(error);
+    }
 
     // Every export of a sequence goes by way of the same folder.
     const QString target = unmixedTargetFolder(engine.getSequenceId());
     QLockFile lock(target + QLatin1String(".lock"));
-    if (!lock.tryLock(lockMilliseconds))
+    if (!lock.tryLock(lockMilliseconds)) {
         throw CliFailure(QStringLiteral("%1: cannot be written, or another program exports the same sequence")
                              .arg(target + QLatin1String(".lock")));
+    }
     const QStringList paths = makeDatasets(engine, component);
     MovedMaps maps(engine, *pSequence, staged);
-    for (const QString& path : paths)
+    for (const QString& path : paths) {
         maps.add(path);
+    }
     maps.finish();
-    if (!staged.commit(&error))
+    if (!staged.commit(&error)) {
         throw CliFailure(error);
+    }
     removeMade(paths, target);
     return {staged.target(), maps.sequenceId(), maps.names()};
 }

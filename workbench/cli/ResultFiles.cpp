@@ -86,13 +86,15 @@ QString ResultFiles::fileNameOf(const QString& strLabel)
 {
     QString name;
     for (const QChar c : strLabel.trimmed()) {
-        if (c.isLetterOrNumber() || c == QLatin1Char('.') || c == QLatin1Char('-') || c == QLatin1Char('_'))
+        if (c.isLetterOrNumber() || c == QLatin1Char('.') || c == QLatin1Char('-') || c == QLatin1Char('_')) {
             name += c;
-        else if (c.isSpace())
+        } else if (c.isSpace()) {
             name += QLatin1Char('_');
+        }
     }
-    while (name.toUtf8().size() > longestPart)
+    while (name.toUtf8().size() > longestPart) {
         name.chop(1);
+    }
     return name.startsWith(QLatin1Char('.')) ? QLatin1Char('_') + name : name;
 }
 
@@ -123,8 +125,9 @@ void ResultFiles::write(const std::function<void(double fraction)>& step)
     writePlot();
     writeMask();
     writeProperties();
-    if (m_bReport)
+    if (m_bReport) {
         writeReport();
+    }
     writeSummary();
 }
 
@@ -140,8 +143,9 @@ void ResultFiles::setReport(const ReportFrame& frame, bool bPdf)
 void ResultFiles::put(const QString& strName, const QByteArray& bytes)
 {
     QString error;
-    if (!orv::writeFileAtomically(m_strFolder + strName, bytes, &error))
+    if (!orv::writeFileAtomically(m_strFolder + strName, bytes, &error)) {
         throw CliFailure(error);
+    }
     m_files.append(strName);
 }
 
@@ -153,8 +157,9 @@ void ResultFiles::writeMap(int nComponent, int nSpot)
     QString error;
     TiffWriteOptions tiff;
     tiff.description = QStringLiteral("%1, %2").arg(label, UnitNames::quantity(m_engine.m_eUnit));
-    if (!writeTiff(m_strFolder + name + QStringLiteral(".tif"), map, tiff, &error))
+    if (!writeTiff(m_strFolder + name + QStringLiteral(".tif"), map, tiff, &error)) {
         throw CliFailure(error);
+    }
     m_files.append(name + QStringLiteral(".tif"));
 
     orvimage::RenderMapOptions options;
@@ -166,8 +171,9 @@ void ResultFiles::writeMap(int nComponent, int nSpot)
     const QImage picture = orvimage::renderMapOverPhotograph(map, m_engine.m_pPhoto, options);
     const QByteArray png = pngBytes(picture);
     put(name + QStringLiteral(".png"), png);
-    if (m_pictures.size() >= overviewMaps)
+    if (m_pictures.size() >= overviewMaps) {
         return;
+    }
     m_pictures.append(picture);
     const QString title = spotCount(m_engine) > 1 ? QStringLiteral("%1, spot %2").arg(label).arg(nSpot + 1) : label;
     m_frame.maps.append({title, png, picture.size(), QByteArray()});
@@ -179,14 +185,16 @@ void ResultFiles::writeOverview()
     const int count = m_pictures.size();
     const int columns = count <= 3 ? count : static_cast<int>(std::ceil(std::sqrt(count)));
     QSize cell;
-    for (const auto& picture : m_pictures)
+    for (const auto& picture : m_pictures) {
         cell = cell.expandedTo(picture.size());
+    }
     const int rows = (count + columns - 1) / columns;
     QImage sheet(cell.width() * columns, cell.height() * rows, QImage::Format_RGB32);
     sheet.fill(Qt::white);
     QPainter painter(&sheet);
-    for (int i = 0; i < count; ++i)
+    for (int i = 0; i < count; ++i) {
         painter.drawImage(cell.width() * (i % columns), cell.height() * (i / columns), m_pictures[i]);
+    }
     painter.end();
     put(QStringLiteral("overview.png"), pngBytes(sheet));
 }
@@ -196,8 +204,9 @@ void ResultFiles::writeComposites()
     for (const CompositeFile& file : compositeFilesOf(m_engine)) {
         const QByteArray png = pngBytes(file.picture);
         put(file.name, png);
-        if (m_frame.composites.size() < reportedComposites)
+        if (m_frame.composites.size() < reportedComposites) {
             m_frame.composites.append({QStringLiteral("Composite"), png, file.picture.size(), QByteArray()});
+        }
     }
 }
 
@@ -210,12 +219,14 @@ void ResultFiles::writeSpectra()
         copies.last().setValues(m_engine.m_spectra.row(k));
     }
     QList<SpectrumPlotParams*> list;
-    for (auto& copy : copies)
+    for (auto& copy : copies) {
         list.append(&copy);
+    }
     const QString name = QStringLiteral("spectra.csv");
     const QString note = QStringLiteral("spectra in %1").arg(UnitNames::text(m_engine.m_eUnit));
-    if (!database.saveLibrary(m_strFolder + name, list, note))
+    if (!database.saveLibrary(m_strFolder + name, list, note)) {
         throw CliFailure(QStringLiteral("%1 cannot be written").arg(m_strFolder + name));
+    }
     m_files.append(name);
 }
 
@@ -228,16 +239,18 @@ void ResultFiles::writePlot()
 
 void ResultFiles::writeMask()
 {
-    if (!m_engine.m_cube.m_bHasMask)
+    if (!m_engine.m_cube.m_bHasMask) {
         return;
+    }
     put(QStringLiteral("mask.png"), pngBytes(maskPicture(m_engine)));
 }
 
 void ResultFiles::writeProperties()
 {
     TextTable table({QStringLiteral("property"), QStringLiteral("value")});
-    for (const auto& property : m_engine.m_properties)
+    for (const auto& property : m_engine.m_properties) {
         table.addRow({property.first, property.second});
+    }
     put(QStringLiteral("properties.csv"), table.toCsv().toUtf8());
 }
 
@@ -245,11 +258,13 @@ void ResultFiles::writeReport()
 {
     const ReportContent content = contentOfReport(m_engine, summaryJson(), m_frame);
     put(QStringLiteral("report.html"), reportHtml(content));
-    if (!m_bPdf)
+    if (!m_bPdf) {
         return;
+    }
     const QByteArray pdf = reportPdf(content);
-    if (pdf.isEmpty())
+    if (pdf.isEmpty()) {
         throw CliFailure(QStringLiteral("the report cannot be made as PDF"));
+    }
     put(QStringLiteral("report.pdf"), pdf);
 }
 
@@ -269,8 +284,9 @@ void ResultFiles::writeSummary()
         {QStringLiteral("iterations"), "iterations"}, {QStringLiteral("ending"), "ending"},
         {QStringLiteral("lack of fit"), "lackOfFit"}, {QStringLiteral("lack of fit denoised"), "lackOfFitDenoised"}};
     QStringList header;
-    for (const auto& column : ofComponent + ofRun)
+    for (const auto& column : ofComponent + ofRun) {
         header.append(column.first);
+    }
     TextTable table(header);
     const QJsonObject summary = summaryJson();
     const auto cell = [](const QJsonObject& object, const char* pKey) {
@@ -280,10 +296,12 @@ void ResultFiles::writeSummary()
     const QJsonArray components = summary.value(QStringLiteral("components")).toArray();
     for (const auto& component : components) {
         QStringList row;
-        for (const auto& column : ofComponent)
+        for (const auto& column : ofComponent) {
             row.append(cell(component.toObject(), column.second));
-        for (const auto& column : ofRun)
+        }
+        for (const auto& column : ofRun) {
             row.append(cell(summary, column.second));
+        }
         table.addRow(row);
     }
     put(QStringLiteral("summary.csv"), table.toCsv().toUtf8());
@@ -299,28 +317,35 @@ QString ResultFiles::tableText() const
     const auto& truth = m_numbers.truth;
     const bool known = std::any_of(truth.begin(), truth.end(), [](const TrueComparison& c) { return c.known; });
     bool renamed = false;
-    for (std::size_t i = 0; i < truth.size(); ++i)
+    for (std::size_t i = 0; i < truth.size(); ++i) {
         renamed |= truth[i].known && truth[i].trueName != m_engine.m_spectrumPlots[static_cast<int>(i)]->settings.name;
+    }
     QStringList header = {QStringLiteral("component"), QStringLiteral("share [%]"), QStringLiteral("maximum")};
-    if (m_numbers.automatic)
+    if (m_numbers.automatic) {
         header << QStringLiteral("high pass");
-    if (known && renamed)
+    }
+    if (known && renamed) {
         header << QStringLiteral("truth");
-    if (known)
+    }
+    if (known) {
         header << QStringLiteral("cosine") << QStringLiteral("correlation") << QStringLiteral("rel. error");
+    }
     TextTable table(header);
     for (int k = 0; k < m_engine.m_spectrumPlots.size(); ++k) {
         const auto i = static_cast<std::size_t>(k);
         QStringList row = {m_engine.m_spectrumPlots[k]->settings.name,
                            TextTable::number(m_numbers.shares[i] * 100.0, 4),
                            TextTable::number(m_engine.m_concentrations.row(k).Max(), 5)};
-        if (m_numbers.automatic)
+        if (m_numbers.automatic) {
             row << componentJson(k).value(QStringLiteral("highPass")).toString(QStringLiteral("-"));
-        if (known && renamed)
+        }
+        if (known && renamed) {
             row << (truth[i].known ? truth[i].trueName : QStringLiteral("-"));
-        if (truth[i].known)
+        }
+        if (truth[i].known) {
             row << TextTable::number(truth[i].cosine, 5) << TextTable::number(truth[i].correlation, 5)
                 << TextTable::number(truth[i].relativeError, 3);
+        }
         table.addRow(row);
     }
     return table.toText();
@@ -339,8 +364,9 @@ QString ResultFiles::summaryText() const
                        .arg(tableText(), TextTable::number(m_numbers.residual * 100.0, 4),
                             TextTable::number(ResultSummary::explainedVariance(m_numbers.residual), 6));
     text += QStringLiteral("the fit took %1 s\n").arg(TextTable::number(m_numbers.seconds, 3));
-    if (!m_numbers.automatic)
+    if (!m_numbers.automatic) {
         return text;
+    }
     const AutomaticRunFacts& facts = m_numbers.facts;
     return text +
            QStringLiteral("%1 after %2 iterations; lack of fit %3 % of the data, %4 % of the denoised data\n")
@@ -362,8 +388,9 @@ QJsonObject ResultFiles::componentJson(int nComponent) const
     const auto& constraints = m_engine.m_lastParams.Constraints;
     if (m_numbers.automatic && nComponent < constraints.size()) {
         const ComponentConstraint& constraint = constraints[nComponent];
-        if (constraint.HighPass != QLatin1String("N/A"))
+        if (constraint.HighPass != QLatin1String("N/A")) {
             component.insert(QStringLiteral("highPass"), constraint.HighPass);
+        }
         component.insert(QStringLiteral("locked"), constraint.Locked);
     }
     const TrueComparison& truth = m_numbers.truth[i];
@@ -390,19 +417,22 @@ void ResultFiles::addRunFacts(QJsonObject& json) const
         json.insert(QStringLiteral("principalLackOfFit"), jsonNumber(noise.lackOfFit));
     }
     const AnalysisInput& input = m_engine.m_analysisInput;
-    if (m_engine.m_bCherenkov && input.decayCorrection)
+    if (m_engine.m_bCherenkov && input.decayCorrection) {
         json.insert(QStringLiteral("decayCorrected"),
                     QJsonObject{{"isotope", input.isotope}, {"halfLifeSeconds", input.halfLifeSeconds}});
+    }
 }
 
 QJsonObject ResultFiles::summaryJson() const
 {
     QJsonArray components;
-    for (int k = 0; k < m_engine.m_spectrumPlots.size(); ++k)
+    for (int k = 0; k < m_engine.m_spectrumPlots.size(); ++k) {
         components.append(componentJson(k));
+    }
     QJsonObject properties;
-    for (const auto& property : m_engine.m_properties)
+    for (const auto& property : m_engine.m_properties) {
         properties.insert(property.first, property.second);
+    }
     QJsonObject json{{"method", ModeNames::option(m_engine.m_eMode)},
                      {"unit", UnitNames::text(m_engine.m_eUnit)},
                      {"images", m_engine.m_selectedKeyPairs.size()},
@@ -415,7 +445,8 @@ QJsonObject ResultFiles::summaryJson() const
                      {"components", components},
                      {"properties", properties},
                      {"files", QJsonArray::fromStringList(m_files)}};
-    if (m_numbers.automatic)
+    if (m_numbers.automatic) {
         addRunFacts(json);
+    }
     return json;
 }

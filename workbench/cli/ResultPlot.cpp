@@ -28,8 +28,9 @@ PlotCurve curveOf(const CORVSpumKyvo& engine, int nComponent, const QString& str
     QVector<double> y;
     for (int j = 0; j < engine.m_selectedKeyPairs.size(); ++j) {
         const KeyPair& pair = engine.m_selectedKeyPairs[j];
-        if (otherKey(engine, pair) != strOther)
+        if (otherKey(engine, pair) != strOther) {
             continue;
+        }
         x.append(keyAlong(engine, pair).toDouble());
         y.append(engine.m_spectra[nComponent][j]);
     }
@@ -66,9 +67,11 @@ SpectrumPlot plotOfSpectra(const CORVSpumKyvo& engine)
     SpectrumPlot plot(temporal ? QStringLiteral("Time courses") : QStringLiteral("Pure spectra"),
                       axisLabel(engine.m_eAxis), QStringLiteral("relative intensity"));
     QStringList others;
-    for (const auto& pair : engine.m_selectedKeyPairs)
-        if (!others.contains(otherKey(engine, pair)))
+    for (const auto& pair : engine.m_selectedKeyPairs) {
+        if (!others.contains(otherKey(engine, pair))) {
             others.append(otherKey(engine, pair));
+        }
+    }
     for (int k = 0; k < engine.m_spectrumPlots.size(); ++k) {
         const SpectrumSettings& settings = engine.m_spectrumPlots[k]->settings;
         for (int i = 0; i < others.size(); ++i) {

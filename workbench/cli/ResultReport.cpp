@@ -64,10 +64,12 @@ QList<QPair<QString, QString>> factsOf(const CORVSpumKyvo& engine, const QJsonOb
         {QStringLiteral("Size"),
          QStringLiteral("%1 x %2, binning %3").arg(engine.m_nWidth).arg(engine.m_nHeight).arg(engine.m_nBinning)},
         {QStringLiteral("Unit"), UnitNames::text(engine.m_eUnit)}};
-    if (engine.m_cube.m_nSpots > 1)
+    if (engine.m_cube.m_nSpots > 1) {
         facts.append({QStringLiteral("Scan spots"), QString::number(engine.m_cube.m_nSpots)});
-    if (!summary.contains(QStringLiteral("iterations")))
+    }
+    if (!summary.contains(QStringLiteral("iterations"))) {
         return facts;
+    }
     facts.append({QStringLiteral("Ending"), QStringLiteral("%1 after %2 iterations")
                                                 .arg(summary.value(QStringLiteral("ending")).toString())
                                                 .arg(summary.value(QStringLiteral("iterations")).toInt())});
@@ -82,14 +84,18 @@ QString peakOf(const CORVSpumKyvo& engine, int nComponent)
 {
     const XTNT::Vector<double> spectrum = engine.m_spectra.row(nComponent);
     int best = -1;
-    for (int k = 0; k < static_cast<int>(spectrum.size()) && k < engine.m_selectedKeyPairs.size(); ++k)
-        if (best < 0 || spectrum[k] > spectrum[best])
+    for (int k = 0; k < static_cast<int>(spectrum.size()) && k < engine.m_selectedKeyPairs.size(); ++k) {
+        if (best < 0 || spectrum[k] > spectrum[best]) {
             best = k;
-    if (best < 0)
+        }
+    }
+    if (best < 0) {
         return QStringLiteral("-");
+    }
     const KeyPair& pair = engine.m_selectedKeyPairs[best];
-    if (engine.m_eAxis == SPECTRUMAXIS_TIME)
+    if (engine.m_eAxis == SPECTRUMAXIS_TIME) {
         return pair.second + QStringLiteral(" s");
+    }
     return pair.first.isEmpty() ? pair.second : pair.first + QStringLiteral(" / ") + pair.second;
 }
 
@@ -104,24 +110,28 @@ ReportTable componentTable(const CORVSpumKyvo& engine, const QJsonArray& compone
     ReportTable table;
     table.header = QStringList{QStringLiteral("Component"), QStringLiteral("Share of the signal"),
                                QStringLiteral("Largest value"), QStringLiteral("Peak")};
-    if (bound)
+    if (bound) {
         table.header << QStringLiteral("High pass");
-    if (truth)
+    }
+    if (truth) {
         table.header << QStringLiteral("Truth") << QStringLiteral("Cosine") << QStringLiteral("Correlation")
                      << QStringLiteral("Rel. error");
+    }
     for (int i = 0; i < components.size(); ++i) {
         const QJsonObject component = components[i].toObject();
         const QJsonValue share = component.value(QStringLiteral("share"));
         QStringList row = {component.value(QStringLiteral("name")).toString(),
                            share.isDouble() ? percent(share.toDouble() * 100.0, 4) : QStringLiteral("-"),
                            numberOf(component.value(QStringLiteral("maximum")), 5), peakOf(engine, i)};
-        if (bound)
+        if (bound) {
             row << component.value(QStringLiteral("highPass")).toString(QStringLiteral("-"));
-        if (truth)
+        }
+        if (truth) {
             row << component.value(QStringLiteral("truthName")).toString(QStringLiteral("-"))
                 << numberOf(component.value(QStringLiteral("truthCosine")), 5)
                 << numberOf(component.value(QStringLiteral("truthCorrelation")), 5)
                 << numberOf(component.value(QStringLiteral("truthRelativeError")), 3);
+        }
         table.rows.append(row);
         table.colors.append(component.value(QStringLiteral("color")).toString());
     }
@@ -132,14 +142,16 @@ ReportTable propertyTable(const CORVSpumKyvo& engine)
 {
     ReportTable table;
     table.title = QStringLiteral("Properties of the result");
-    for (const auto& property : engine.m_properties)
+    for (const auto& property : engine.m_properties) {
         table.rows.append({property.first, property.second});
+    }
     if (engine.m_bCherenkov) {
         table.rows.append({QStringLiteral("Decay correction"),
                            engine.m_bDecayApplied ? QStringLiteral("applied") : QStringLiteral("not applied")});
-        if (engine.m_bDecayApplied)
+        if (engine.m_bDecayApplied) {
             table.rows.append({engine.m_strIsotope.isEmpty() ? QStringLiteral("Half life") : engine.m_strIsotope,
                                QStringLiteral("half life %1 min").arg(engine.m_dHalfLifeSec / 60.0)});
+        }
     }
     return table;
 }
@@ -165,10 +177,11 @@ ReportTable constraintTable(const CORVSpumKyvo& engine)
         QStringList{QStringLiteral("Component"), QStringLiteral("Initial guess"), QStringLiteral("Unimodality"),
                     QStringLiteral("High pass"), QStringLiteral("Low pass"),      QStringLiteral("Locked")};
     const auto& constraints = engine.m_lastParams.Constraints;
-    for (int i = 0; i < constraints.size() && i < engine.m_spectrumPlots.size(); ++i)
+    for (int i = 0; i < constraints.size() && i < engine.m_spectrumPlots.size(); ++i) {
         table.rows.append({engine.m_spectrumPlots[i]->settings.name, constraints[i].InitGuess,
                            constraints[i].Unimodality, constraints[i].HighPass, constraints[i].LowPass,
                            constraints[i].Locked ? QStringLiteral("yes") : QStringLiteral("no")});
+    }
     return table;
 }
 
@@ -182,12 +195,14 @@ ReportTable selectionTable(const CORVSpumKyvo& engine)
     const bool byEmission = engine.m_eAxis != SPECTRUMAXIS_EXCITATION;
     for (const KeyPair& pair : engine.m_selectedKeyPairs) {
         const QString group = byEmission ? pair.first : pair.second;
-        if (!groups.contains(group))
+        if (!groups.contains(group)) {
             order.append(group);
+        }
         groups[group].append(byEmission ? pair.second : pair.first);
     }
-    for (const QString& group : qAsConst(order))
+    for (const QString& group : qAsConst(order)) {
         table.rows.append({group.isEmpty() ? QStringLiteral("all") : group, groups[group].join(QStringLiteral(", "))});
+    }
     return table;
 }
 
@@ -236,7 +251,8 @@ ReportContent contentOfReport(const CORVSpumKyvo& engine, const QJsonObject& sum
     content.tables.append(selectionTable(engine));
     content.command = frame.command;
     content.program = QStringLiteral("spum %1").arg(CORVPreference::getAppVersion());
-    if (!frame.made.isEmpty())
+    if (!frame.made.isEmpty()) {
         content.program += QStringLiteral(", ") + frame.made;
+    }
     return content;
 }

@@ -19,8 +19,9 @@ void readIndex(const CORVSequenceDataset& sequence, CPLSettingsFileWrapper& inde
 {
     const QString path = resultsIndex::indexPath(resultsIndex::folder(sequence.getSequenceInfoPath()));
     // A link that leads nowhere does not exist either, but is no sequence without results.
-    if ((QFileInfo::exists(path) || QFileInfo(path).isSymLink()) && !index.load(path))
+    if ((QFileInfo::exists(path) || QFileInfo(path).isSymLink()) && !index.load(path)) {
         throw CliFailure(QStringLiteral("%1: the list of saved results cannot be read").arg(path));
+    }
     resultsIndex::setTags(index);
 }
 
@@ -39,11 +40,12 @@ bool isOneLine(const QString& strName)
 
 void checkText(const QString& strName)
 {
-    if (strName.trimmed().isEmpty() || strName != strName.trimmed() || !isOneLine(strName))
+    if (strName.trimmed().isEmpty() || strName != strName.trimmed() || !isOneLine(strName)) {
         throw CliFailure(
             QStringLiteral("\"%1\" is no name for a result: it takes one line of text without blanks at its ends")
                 .arg(strName.simplified()),
             CliFailure::Usage);
+    }
 }
 
 } // namespace
@@ -80,20 +82,23 @@ QString ResultStore::pathOf(const CORVSequenceDataset& sequence, const QString& 
 void ResultStore::checkName(const CORVSequenceDataset& sequence, const QString& strName, bool bOverwrite)
 {
     const QStringList taken = names(sequence);
-    if (strName.isEmpty())
+    if (strName.isEmpty()) {
         return;
+    }
     const QString name = resultsIndex::withoutNewMark(strName);
     checkText(name);
-    if (!bOverwrite && taken.contains(name))
+    if (!bOverwrite && taken.contains(name)) {
         throw CliFailure(QStringLiteral("there is a saved result \"%1\" already; --force overwrites it").arg(name));
+    }
 }
 
 QString ResultStore::findName(const CORVSequenceDataset& sequence, const QString& strName)
 {
     const QStringList saved = names(sequence);
     const auto found = resultsIndex::findName(saved, strName);
-    if (found)
+    if (found) {
         return *found;
+    }
     throw CliFailure(saved.isEmpty()
                          ? QStringLiteral("the sequence has no saved results; \"spum unmix SEQ --save\" keeps one")
                          : QStringLiteral("there is no saved result \"%1\"; there are: %2")
@@ -106,19 +111,24 @@ QString ResultStore::save(const QString& strName)
     m_list.updateSavedResultsForSelSeqId(sequence().getSequenceName());
     m_results.m_strAutoName = m_list.currentText();
     m_results.m_bUseAutoName = strName.isEmpty();
-    if (!strName.isEmpty())
+    if (!strName.isEmpty()) {
         m_list.setCurrentText(strName);
+    }
     const QStringList before = names(sequence());
     const LoggedErrors warnings(CORVLOG_WARNING);
-    if (m_results.onClickSaveResults() != SaveOutcome::Saved)
+    if (m_results.onClickSaveResults() != SaveOutcome::Saved) {
         fail(QStringLiteral("the result was not saved"), warnings);
-    if (!strName.isEmpty())
+    }
+    if (!strName.isEmpty()) {
         return resultsIndex::withoutNewMark(strName);
+    }
     // Another program may have taken the name that was next.
     const QStringList after = names(sequence());
-    for (auto name = after.rbegin(); name != after.rend(); ++name)
-        if (!before.contains(*name))
+    for (auto name = after.rbegin(); name != after.rend(); ++name) {
+        if (!before.contains(*name)) {
             return *name;
+        }
+    }
     return resultsIndex::withoutNewMark(m_results.m_strAutoName);
 }
 
@@ -126,8 +136,9 @@ void ResultStore::load(const QString& strName)
 {
     m_list.m_bResultModified = false;
     m_list.setCurrentText(strName);
-    if (!m_results.onClickLoadResults())
+    if (!m_results.onClickLoadResults()) {
         throw CliFailure(QStringLiteral("the result \"%1\" cannot be loaded").arg(strName));
+    }
 }
 
 void ResultStore::remove(const QString& strName)
@@ -135,29 +146,33 @@ void ResultStore::remove(const QString& strName)
     m_list.updateSavedResultsForSelSeqId(sequence().getSequenceName());
     m_list.setCurrentText(strName);
     const LoggedErrors warnings(CORVLOG_WARNING);
-    if (!m_results.onClickDeleteResults())
+    if (!m_results.onClickDeleteResults()) {
         fail(QStringLiteral("the result \"%1\" was not deleted").arg(strName) +
                  (m_bAgreed ? QString() : QStringLiteral("; --force deletes it without a question")),
              warnings);
+    }
 }
 
 void ResultStore::rename(const QString& strOld, const QString& strNew)
 {
     checkText(strNew);
-    if (resultsIndex::withoutNewMark(strNew) != strNew)
+    if (resultsIndex::withoutNewMark(strNew) != strNew) {
         throw CliFailure(
             QStringLiteral("\"%1\" is no name for a result: \"%2\" at its end marks one that is not saved yet")
                 .arg(strNew, resultsIndex::newMark()),
             CliFailure::Usage);
+    }
     const auto taken = resultsIndex::findName(names(sequence()), strNew);
-    if (taken)
+    if (taken) {
         throw CliFailure(QStringLiteral("Result \"%1\" already exist. Please choose a different name.").arg(strNew));
+    }
     m_list.updateSavedResultsForSelSeqId(sequence().getSequenceName());
     m_list.choose(strOld);
     m_results.onChangeResultsName(strNew);
     m_list.setCurrentText(strNew);
     const LoggedErrors warnings(CORVLOG_WARNING);
     // Also true when another program has taken the name meanwhile.
-    if (!m_results.renameResult() || !names(sequence()).contains(strNew))
+    if (!m_results.renameResult() || !names(sequence()).contains(strNew)) {
         fail(QStringLiteral("the result \"%1\" was not renamed").arg(strOld), warnings);
+    }
 }

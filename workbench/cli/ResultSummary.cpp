@@ -34,8 +34,9 @@ Sums residualOfRows(const Matrix<double>& data, const Matrix<double>& concentrat
         for (long long k = 0; k < components; ++k) {
             const double amount = concentrations[k][p];
             const double* spectrum = spectra[k];
-            for (long long j = 0; j < bands; ++j)
+            for (long long j = 0; j < bands; ++j) {
                 fit[static_cast<std::size_t>(j)] += amount * spectrum[j];
+            }
         }
         const double* row = data[p];
         for (long long j = 0; j < bands; ++j) {
@@ -50,8 +51,9 @@ Sums residualOfRows(const Matrix<double>& data, const Matrix<double>& concentrat
 double sumOfRow(const Matrix<double>& matrix, long long i)
 {
     double sum = 0.0;
-    for (long long j = 0; j < matrix.num_cols(); ++j)
+    for (long long j = 0; j < matrix.num_cols(); ++j) {
         sum += matrix[i][j];
+    }
     return sum;
 }
 
@@ -68,11 +70,13 @@ std::vector<double> ResultSummary::signalShares(const Matrix<double>& data, cons
                                                 const Matrix<double>& spectra)
 {
     double total = 0.0;
-    for (long long p = 0; p < data.num_rows(); ++p)
+    for (long long p = 0; p < data.num_rows(); ++p) {
         total += sumOfRow(data, p);
+    }
     std::vector<double> shares;
-    for (long long k = 0; k < spectra.num_rows(); ++k)
+    for (long long k = 0; k < spectra.num_rows(); ++k) {
         shares.push_back(total == 0.0 ? notKnown : sumOfRow(concentrations, k) * sumOfRow(spectra, k) / total);
+    }
     return shares;
 }
 
@@ -95,8 +99,9 @@ double ResultSummary::relativeResidual(const Matrix<double>& data, const Matrix<
 
 double ResultSummary::correlation(const std::vector<double>& a, const std::vector<double>& b)
 {
-    if (a.size() != b.size() || !varies(a) || !varies(b))
+    if (a.size() != b.size() || !varies(a) || !varies(b)) {
         return notKnown;
+    }
     // Views of what stays the caller's: nothing is written through them.
     XTNT::Vector<double> first(const_cast<double*>(a.data()), static_cast<long long>(a.size()));
     XTNT::Vector<double> second(const_cast<double*>(b.data()), static_cast<long long>(b.size()));
@@ -105,8 +110,9 @@ double ResultSummary::correlation(const std::vector<double>& a, const std::vecto
 
 double ResultSummary::cosine(const std::vector<double>& a, const std::vector<double>& b)
 {
-    if (a.size() != b.size())
+    if (a.size() != b.size()) {
         return notKnown;
+    }
     double product = 0.0;
     double squaresA = 0.0;
     double squaresB = 0.0;
@@ -121,8 +127,9 @@ double ResultSummary::cosine(const std::vector<double>& a, const std::vector<dou
 
 double ResultSummary::relativeError(const std::vector<double>& map, const std::vector<double>& truth)
 {
-    if (map.size() != truth.size())
+    if (map.size() != truth.size()) {
         return notKnown;
+    }
     double difference = 0.0;
     double size = 0.0;
     for (std::size_t i = 0; i < map.size(); ++i) {

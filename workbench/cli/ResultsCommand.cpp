@@ -48,9 +48,11 @@ void refuseForeignOptions(const QCommandLineParser& parser, const QString& strAc
         {QStringLiteral("pdf"), {QStringLiteral("load")}},
         {QStringLiteral("component"), {QStringLiteral("export")}},
         {QStringLiteral("force"), {QStringLiteral("load"), QStringLiteral("export"), QStringLiteral("delete")}}};
-    for (auto owner = owners.cbegin(); owner != owners.cend(); ++owner)
-        if (parser.isSet(owner.key()) && !owner.value().contains(strAction))
+    for (auto owner = owners.cbegin(); owner != owners.cend(); ++owner) {
+        if (parser.isSet(owner.key()) && !owner.value().contains(strAction)) {
             usage(QStringLiteral("--%1 does not go with \"spum results %2\".").arg(owner.key(), strAction));
+        }
+    }
 }
 
 QJsonObject jsonOf(const QString& strName, const SavedDocument& document)
@@ -63,8 +65,9 @@ QJsonObject jsonOf(const QString& strName, const SavedDocument& document)
                      {"unit", document.property(QStringLiteral("DataUnit"))},
                      {"images", document.images},
                      {"components", QJsonArray::fromStringList(document.names())}};
-    if (!document.error.isEmpty())
+    if (!document.error.isEmpty()) {
         json.insert(QStringLiteral("error"), document.error);
+    }
     return json;
 }
 
@@ -73,9 +76,10 @@ QJsonArray spectraJson(const SavedDocument& document)
     QJsonArray spectra;
     for (const SavedDocument::Spectrum& spectrum : document.spectra) {
         QJsonArray points;
-        for (int i = 0; i < spectrum.pairs.size(); ++i)
+        for (int i = 0; i < spectrum.pairs.size(); ++i) {
             points.append(
                 QJsonArray{spectrum.pairs[i].first, spectrum.pairs[i].second, QJsonValue(spectrum.values[i])});
+        }
         spectra.append(QJsonObject{{"name", spectrum.name}, {"color", spectrum.color}, {"points", points}});
     }
     return spectra;
@@ -83,8 +87,9 @@ QJsonArray spectraJson(const SavedDocument& document)
 
 QString spectraText(const SavedDocument& document)
 {
-    if (document.spectra.isEmpty())
+    if (document.spectra.isEmpty()) {
         return QString();
+    }
     QStringList header = {QStringLiteral("images")};
     header += document.names();
     TextTable table(header);
@@ -92,8 +97,9 @@ QString spectraText(const SavedDocument& document)
     for (int i = 0; i < pairs.size(); ++i) {
         QStringList row = {pairs[i].first.isEmpty() ? pairs[i].second
                                                     : pairs[i].first + QLatin1Char('/') + pairs[i].second};
-        for (const SavedDocument::Spectrum& spectrum : document.spectra)
+        for (const SavedDocument::Spectrum& spectrum : document.spectra) {
             row.append(i < spectrum.values.size() ? TextTable::number(spectrum.values[i], 5) : QStringLiteral("-"));
+        }
         table.addRow(row);
     }
     return table.toText();
@@ -101,12 +107,14 @@ QString spectraText(const SavedDocument& document)
 
 std::optional<int> componentOf(const QCommandLineParser& parser)
 {
-    if (!parser.isSet(QStringLiteral("component")))
+    if (!parser.isSet(QStringLiteral("component"))) {
         return std::nullopt;
+    }
     bool ok = false;
     const int component = parser.value(QStringLiteral("component")).toInt(&ok);
-    if (!ok || component < 1)
+    if (!ok || component < 1) {
         usage(QStringLiteral("--component takes the number of a component, from 1."));
+    }
     return component;
 }
 
@@ -136,27 +144,31 @@ void ResultsCommand::run(const QCommandLineParser& parser, CliSession& session)
 {
     const QStringList arguments = parser.positionalArguments();
     const QString action = arguments.value(0);
-    if (!actions().contains(action) || arguments.size() != actions().value(action) + 2)
+    if (!actions().contains(action) || arguments.size() != actions().value(action) + 2) {
         usage(QStringLiteral("results takes: list SEQ; show SEQ NAME; load SEQ NAME; rename SEQ NAME NEW; delete SEQ "
                              "NAME; or export SEQ NAME --out DIR."));
+    }
     refuseForeignOptions(parser, action);
-    if (action == QLatin1String("export") && parser.value(QStringLiteral("out")).isEmpty())
+    if (action == QLatin1String("export") && parser.value(QStringLiteral("out")).isEmpty()) {
         usage(QStringLiteral("--out is missing: the folder of the new sequence."));
+    }
     OpenedSequence opened(arguments[1]);
     session.warnAll(opened.warnings());
-    if (action == QLatin1String("list"))
+    if (action == QLatin1String("list")) {
         return list(opened, session);
+    }
     const QString name = ResultStore::findName(opened.sequence(), arguments[2]);
-    if (action == QLatin1String("show"))
+    if (action == QLatin1String("show")) {
         show(opened, name, session);
-    else if (action == QLatin1String("load"))
+    } else if (action == QLatin1String("load")) {
         load(opened, name, parser, session);
-    else if (action == QLatin1String("rename"))
+    } else if (action == QLatin1String("rename")) {
         rename(opened, {name, arguments[3]}, session);
-    else if (action == QLatin1String("delete"))
+    } else if (action == QLatin1String("delete")) {
         remove(opened, name, parser, session);
-    else
+    } else {
         exportMaps(opened, name, parser, session);
+    }
 }
 
 void ResultsCommand::list(OpenedSequence& opened, CliSession& session) const
@@ -184,13 +196,15 @@ void ResultsCommand::list(OpenedSequence& opened, CliSession& session) const
 void ResultsCommand::show(OpenedSequence& opened, const QString& strName, CliSession& session) const
 {
     const SavedDocument document = readSavedDocument(ResultStore::pathOf(opened.sequence(), strName));
-    if (!document.error.isEmpty())
+    if (!document.error.isEmpty()) {
         throw CliFailure(
             QStringLiteral("%1: %2").arg(document.path.isEmpty() ? strName : document.path, document.error));
+    }
     QString text = TextTable::oneLine(QStringLiteral("%1, saved %2").arg(strName, document.date)) + QLatin1Char('\n');
     text += QStringLiteral("%1\n").arg(document.path);
-    if (!document.note.isEmpty())
+    if (!document.note.isEmpty()) {
         text += QStringLiteral("note: ") + TextTable::oneLine(document.note) + QLatin1Char('\n');
+    }
     TextTable properties({QStringLiteral("property"), QStringLiteral("value")});
     QJsonObject propertiesJson;
     for (const auto& property : document.properties) {
@@ -198,18 +212,21 @@ void ResultsCommand::show(OpenedSequence& opened, const QString& strName, CliSes
         propertiesJson.insert(property.first, property.second);
     }
     text += QLatin1Char('\n') + properties.toText() + QLatin1Char('\n') + spectraText(document);
-    if (!document.isotope.isEmpty())
+    if (!document.isotope.isEmpty()) {
         text += QStringLiteral("\ndecay of %1 (half life %2 min): %3\n")
                     .arg(document.isotope, document.halfLifeMinutes,
                          document.decayCorrected ? QStringLiteral("corrected") : QStringLiteral("not corrected"));
-    if (document.regions > 0)
+    }
+    if (document.regions > 0) {
         text += QStringLiteral("\n%1 entries of regions of interest\n").arg(document.regions);
+    }
     session.answer(text);
     QJsonObject json = jsonOf(strName, document);
     json.insert(QStringLiteral("properties"), propertiesJson);
     json.insert(QStringLiteral("spectra"), spectraJson(document));
-    if (!document.isotope.isEmpty())
+    if (!document.isotope.isEmpty()) {
         json.insert(QStringLiteral("decayCorrected"), document.decayCorrected);
+    }
     session.answerJson(json);
 }
 
@@ -221,8 +238,9 @@ void ResultsCommand::load(OpenedSequence& opened, const QString& strName, const 
         out.isEmpty() ? opened.folder() + QStringLiteral("result-") + ResultFiles::fileNameOf(strName) : out;
     StagedFolder folder;
     QString error;
-    if (!folder.begin(target, parser.isSet(QStringLiteral("force")), QStringLiteral("summary.json"), &error))
+    if (!folder.begin(target, parser.isSet(QStringLiteral("force")), QStringLiteral("summary.json"), &error)) {
         throw CliFailure(error);
+    }
     session.progress().start(QStringLiteral("Loading the result"));
     const LoadedResult loaded(opened, strName);
     ReportFrame frame;
@@ -236,8 +254,9 @@ void ResultsCommand::load(OpenedSequence& opened, const QString& strName, const 
         session.progress().show(QStringLiteral("Writing the results"), fraction);
     });
     CliSession::stopIfInterrupted();
-    if (!folder.commit(&error))
+    if (!folder.commit(&error)) {
         throw CliFailure(error);
+    }
     session.progress().finish();
     session.answer(files.summaryText() + QStringLiteral("results in %1\n").arg(folder.target()));
     QJsonObject json = files.summaryJson();

@@ -38,10 +38,13 @@ void refuseForeignOptions(const QCommandLineParser& parser, const QString& strAc
         {QStringLiteral("measure"),
          {QStringLiteral("unit"), QStringLiteral("result"), QStringLiteral("csv"), QStringLiteral("force"),
           QStringLiteral("save")}}};
-    for (auto owner = owners.cbegin(); owner != owners.cend(); ++owner)
-        for (const QString& option : owner.value())
-            if (owner.key() != strAction && parser.isSet(option))
+    for (auto owner = owners.cbegin(); owner != owners.cend(); ++owner) {
+        for (const QString& option : owner.value()) {
+            if (owner.key() != strAction && parser.isSet(option)) {
                 usage(QStringLiteral("--%1 belongs to \"spum roi SEQ %2\".").arg(option, owner.key()));
+            }
+        }
+    }
 }
 
 // Size in pixels and binning of a dataset's images.
@@ -62,19 +65,22 @@ QList<Geometry> geometriesOf(const CORVSequenceDataset& sequence)
     QList<Geometry> geometries;
     for (auto* dataset : sequence.getDatasets()) {
         Geometry geometry;
-        if (!dataset->getImageSize(IMAGETYPE_MAIN_DATA, &geometry.width, &geometry.height))
+        if (!dataset->getImageSize(IMAGETYPE_MAIN_DATA, &geometry.width, &geometry.height)) {
             continue;
+        }
         geometry.binning = static_cast<double>(dataset->getBinningForImage(IMAGETYPE_MAIN_DATA));
-        if (!geometries.contains(geometry))
+        if (!geometries.contains(geometry)) {
             geometries.append(geometry);
+        }
     }
     return geometries;
 }
 
 void scale(tagROIInfo& region, double factor)
 {
-    for (double* number : {&region.x, &region.y, &region.width, &region.height})
+    for (double* number : {&region.x, &region.y, &region.width, &region.height}) {
         *number *= factor;
+    }
     for (auto& point : region.points) {
         point.x *= factor;
         point.y *= factor;
@@ -83,30 +89,37 @@ void scale(tagROIInfo& region, double factor)
 
 tagROIInfo regionOf(const QCommandLineParser& parser, const QList<Geometry>& geometries)
 {
-    if (parser.values(QStringLiteral("shape")).size() != 1)
+    if (parser.values(QStringLiteral("shape")).size() != 1) {
         usage(QStringLiteral("add takes one --shape, such as rect:x,y,width,height."));
+    }
     tagROIInfo region;
     QString reason;
-    if (!ROIShape::fromText(parser.value(QStringLiteral("shape")), &region, &reason))
+    if (!ROIShape::fromText(parser.value(QStringLiteral("shape")), &region, &reason)) {
         usage(QStringLiteral("--shape: %1.").arg(reason));
-    if (parser.isSet(QStringLiteral("image-pixels")))
+    }
+    if (parser.isSet(QStringLiteral("image-pixels"))) {
         scale(region, geometries.first().binning);
+    }
     return region;
 }
 
 QString nameOf(const QCommandLineParser& parser, const RoiStore& store)
 {
-    if (!parser.isSet(QStringLiteral("name")))
+    if (!parser.isSet(QStringLiteral("name"))) {
         return store.freeName();
+    }
     const QString name = parser.value(QStringLiteral("name")).trimmed();
     const QString reason = ROISection::reasonAgainstName(name);
-    if (!reason.isEmpty())
+    if (!reason.isEmpty()) {
         usage(QStringLiteral("--name: the name %1.").arg(reason));
-    if (name == QLatin1String("all"))
+    }
+    if (name == QLatin1String("all")) {
         usage(QStringLiteral("--name: \"all\" stands for all regions and names none."));
-    if (store.names().contains(name))
+    }
+    if (store.names().contains(name)) {
         throw CliFailure(
             QStringLiteral("there is a region \"%1\" already; remove it first or choose another --name").arg(name));
+    }
     return name;
 }
 
@@ -121,16 +134,18 @@ qint64 pixelsIn(const tagROIInfo& region, const QList<Geometry>& geometries, Cli
         width = std::max(width, static_cast<double>(geometry.width) * geometry.binning);
         height = std::max(height, static_cast<double>(geometry.height) * geometry.binning);
     }
-    if (pixels == 0)
+    if (pixels == 0) {
         throw CliFailure(
             QStringLiteral("the region holds no pixel of the images, which are %1 x %2 pixels of the unbinned sensor "
                            "at binning %3; --image-pixels takes a shape in pixels of the first image")
                 .arg(width)
                 .arg(height)
                 .arg(geometries.first().binning));
+    }
     const ROIShape::Bounds bounds = ROIShape::boundsOf(region);
-    if (bounds.left < 0.0 || bounds.top < 0.0 || bounds.right > width || bounds.bottom > height)
+    if (bounds.left < 0.0 || bounds.top < 0.0 || bounds.right > width || bounds.bottom > height) {
         session.warn(QStringLiteral("a part of the region lies outside the images"));
+    }
     return pixels;
 }
 
@@ -150,19 +165,23 @@ tag_edisplayunit unitOf(const QCommandLineParser& parser, const CORVSequenceData
 {
     const QString text = parser.value(QStringLiteral("unit"));
     int unit = UnitNames::fromText(text);
-    if (!text.isEmpty() && unit < 0)
+    if (!text.isEmpty() && unit < 0) {
         usage(
             QStringLiteral("--unit: \"%1\" is none of %2.").arg(text, UnitNames::options().join(QStringLiteral(", "))));
+    }
     if (text.isEmpty()) {
         QStringList clicks;
-        for (auto* dataset : sequence.getDatasets())
-            if (dataset->hasROIData())
+        for (auto* dataset : sequence.getDatasets()) {
+            if (dataset->hasROIData()) {
                 clicks.append(dataset->getClickNumber());
+            }
+        }
         unit = forecastUnit(sequence, clicks).unit;
     }
-    if (unit < 0)
+    if (unit < 0) {
         throw CliFailure(
             QStringLiteral("the images can be had in no common unit; \"spum info\" tells the units of each"));
+    }
     return static_cast<tag_edisplayunit>(unit);
 }
 
@@ -211,32 +230,36 @@ void RoiCommand::run(const QCommandLineParser& parser, CliSession& session)
     static const QStringList actions{QStringLiteral("add"), QStringLiteral("list"), QStringLiteral("measure"),
                                      QStringLiteral("remove")};
     const int expected = action == QLatin1String("remove") ? 3 : 2;
-    if (!actions.contains(action) || arguments.size() != expected)
+    if (!actions.contains(action) || arguments.size() != expected) {
         usage(QStringLiteral("roi takes: SEQ add --shape SHAPE; SEQ list; SEQ measure; or SEQ remove NAME."));
+    }
     refuseForeignOptions(parser, action);
     CORVSequenceDataset sequence;
     QString error;
     QStringList warnings;
-    if (sequence.open(arguments[0], &error, &warnings) != ESTATUS_SUCCESS)
+    if (sequence.open(arguments[0], &error, &warnings) != ESTATUS_SUCCESS) {
         throw CliFailure(error);
+    }
     session.warnAll(warnings);
     RoiStore store(sequence);
-    if (action == QLatin1String("add"))
+    if (action == QLatin1String("add")) {
         add(parser, sequence, store, session);
-    else if (action == QLatin1String("list"))
+    } else if (action == QLatin1String("list")) {
         list(store, session);
-    else if (action == QLatin1String("measure"))
+    } else if (action == QLatin1String("measure")) {
         measure(parser, sequence, store, session);
-    else
+    } else {
         remove(arguments[2], store, session);
+    }
 }
 
 void RoiCommand::add(const QCommandLineParser& parser, CORVSequenceDataset& sequence, RoiStore& store,
                      CliSession& session) const
 {
     const QList<Geometry> geometries = geometriesOf(sequence);
-    if (geometries.isEmpty())
+    if (geometries.isEmpty()) {
         throw CliFailure(QStringLiteral("the sequence holds no image that could have a region"));
+    }
     tagROIInfo region = regionOf(parser, geometries);
     region.name = nameOf(parser, store);
     const qint64 pixels = pixelsIn(region, geometries, session);
@@ -268,13 +291,16 @@ void RoiCommand::measure(const QCommandLineParser& parser, CORVSequenceDataset& 
                          CliSession& session) const
 {
     QList<tagROIInfo> regions;
-    for (const RoiStore::Entry& entry : store.distinct())
+    for (const RoiStore::Entry& entry : store.distinct()) {
         regions.append(entry.region);
-    if (regions.isEmpty())
+    }
+    if (regions.isEmpty()) {
         throw CliFailure(noRegion(sequence.getSequenceName()));
+    }
     const QString csv = parser.value(QStringLiteral("csv"));
-    if (!csv.isEmpty() && QFileInfo::exists(csv) && !parser.isSet(QStringLiteral("force")))
+    if (!csv.isEmpty() && QFileInfo::exists(csv) && !parser.isSet(QStringLiteral("force"))) {
         throw CliFailure(QStringLiteral("%1 exists already; --force replaces it").arg(csv));
+    }
     const tag_edisplayunit unit = unitOf(parser, sequence);
 
     session.progress().start(QStringLiteral("measuring"));
@@ -284,16 +310,19 @@ void RoiCommand::measure(const QCommandLineParser& parser, CORVSequenceDataset& 
     };
     RoiMeasurement measurement;
     measurement.measureImages(sequence, unit, step);
-    for (const QString& name : parser.values(QStringLiteral("result")))
+    for (const QString& name : parser.values(QStringLiteral("result"))) {
         measurement.measureMaps(sequence, regions, resultFolder(name, sequence), step);
+    }
     CliSession::stopIfInterrupted();
     session.progress().finish();
 
     QString error;
-    if (!csv.isEmpty() && !orv::writeFileAtomically(csv, measurement.toCsv().toUtf8(), &error))
+    if (!csv.isEmpty() && !orv::writeFileAtomically(csv, measurement.toCsv().toUtf8(), &error)) {
         throw CliFailure(error);
-    if (parser.isSet(QStringLiteral("save")))
+    }
+    if (parser.isSet(QStringLiteral("save"))) {
         store.save();
+    }
     session.warnAll(measurement.warnings());
     session.answer(measurement.toText());
     session.answerJson(QJsonObject{{"unit", UnitNames::text(unit)}, {"measurements", measurement.toJson()}});

@@ -40,18 +40,21 @@ QList<double> numbersOf(const tagROIStatistics& statistics)
 [[noreturn]] void refuseImage(const CORVDataset& dataset, tag_edisplayunit eUnit)
 {
     const QString reason = dataset.unitUnavailableReason(eUnit);
-    if (reason.isEmpty())
+    if (reason.isEmpty()) {
         throw CliFailure(
             QStringLiteral("the image %1 cannot be read; --verbose tells more").arg(dataset.getClickNumber()));
+    }
     throw CliFailure(QStringLiteral("%1 cannot be had in %2: %3; try --unit counts")
                          .arg(dataset.getClickNumber(), UnitNames::text(eUnit), reason));
 }
 
 std::optional<double> pixelSizeOfSequence(const CORVSequenceDataset& sequence)
 {
-    for (const auto* dataset : sequence.getDatasets())
-        if (const std::optional<double> size = pixelSizeOf(dataset->clickInfo))
+    for (const auto* dataset : sequence.getDatasets()) {
+        if (const std::optional<double> size = pixelSizeOf(dataset->clickInfo)) {
             return size;
+        }
+    }
     return std::nullopt;
 }
 
@@ -65,15 +68,18 @@ void RoiMeasurement::measureImages(CORVSequenceDataset& sequence, tag_edisplayun
     for (int i = 0; i < datasets.size(); ++i) {
         step(static_cast<double>(i) / datasets.size());
         CORVDataset& dataset = *datasets[i];
-        if (!dataset.hasROIData())
+        if (!dataset.hasROIData()) {
             continue;
-        if (dataset.roiManager()->measure(eUnit) != ESTATUS_SUCCESS)
+        }
+        if (dataset.roiManager()->measure(eUnit) != ESTATUS_SUCCESS) {
             refuseImage(dataset, eUnit);
+        }
         const QString time = clickText(dataset.clickInfo, ClickKeys::kClickNumber, ClickKeys::kKyVoTime);
-        for (const tagROIInfo& region : dataset.roiManager()->regions())
+        for (const tagROIInfo& region : dataset.roiManager()->regions()) {
             m_rows.append({-1, dataset.getClickNumber(), dataset.getExcitationFilter(), dataset.getEmissionFilter(),
                            time, scan ? dataset.getFLXspot() : QString(), scan ? dataset.getFLYspot() : QString(),
                            region});
+        }
     }
 }
 
@@ -114,37 +120,48 @@ TextTable RoiMeasurement::tableOf(int nResult) const
     const bool invalid = any([](const Row& row) { return row.region.statistics.invalidPixels > 0; });
     const bool sized = any([](const Row& row) { return std::isfinite(row.region.statistics.area); });
     QStringList header{maps ? QStringLiteral("map") : QStringLiteral("image")};
-    if (filtered)
+    if (filtered) {
         header << QStringLiteral("excitation") << QStringLiteral("emission");
-    if (scanned)
+    }
+    if (scanned) {
         header << QStringLiteral("spot");
-    if (timed)
+    }
+    if (timed) {
         header << QStringLiteral("time [s]");
+    }
     header << QStringLiteral("region") << QStringLiteral("pixels");
-    if (invalid)
+    if (invalid) {
         header << QStringLiteral("invalid");
-    if (sized)
+    }
+    if (sized) {
         header << QStringLiteral("area [cm²]");
+    }
     header << QStringLiteral("sum") << QStringLiteral("mean") << QStringLiteral("minimum") << QStringLiteral("maximum")
            << QStringLiteral("deviation");
     TextTable table(header);
     for (const Row& row : m_rows) {
-        if (row.result != nResult)
+        if (row.result != nResult) {
             continue;
+        }
         const tagROIStatistics& statistics = row.region.statistics;
         QStringList texts{row.image};
-        if (filtered)
+        if (filtered) {
             texts << row.excitation << row.emission;
-        if (scanned)
+        }
+        if (scanned) {
             texts << QStringLiteral("%1, %2").arg(row.spotX, row.spotY);
-        if (timed)
+        }
+        if (timed) {
             texts << row.time;
+        }
         texts << row.region.name << QString::number(statistics.pixels);
-        if (invalid)
+        if (invalid) {
             texts << QString::number(statistics.invalidPixels);
+        }
         const QList<double> numbers = numbersOf(statistics);
-        for (const double number : sized ? numbers : numbers.mid(1))
+        for (const double number : sized ? numbers : numbers.mid(1)) {
             texts << TextTable::number(number, 5);
+        }
         table.addRow(texts);
     }
     return table;
@@ -154,10 +171,12 @@ QString RoiMeasurement::toText() const
 {
     QStringList parts;
     const TextTable images = tableOf(-1);
-    if (images.rowCount() > 0)
+    if (images.rowCount() > 0) {
         parts.append(QStringLiteral("images in %1\n\n%2").arg(m_strUnit, images.toText()));
-    for (int i = 0; i < m_results.size(); ++i)
+    }
+    for (int i = 0; i < m_results.size(); ++i) {
         parts.append(QStringLiteral("maps of %1 in %2\n\n%3").arg(m_results[i], m_resultUnits[i], tableOf(i).toText()));
+    }
     return parts.join(QLatin1Char('\n'));
 }
 
@@ -183,8 +202,9 @@ QString RoiMeasurement::toCsv() const
                           statistics.unit,
                           QString::number(statistics.pixels),
                           QString::number(statistics.invalidPixels)};
-        for (const double number : numbersOf(statistics))
+        for (const double number : numbersOf(statistics)) {
             texts.append(exactNumber(number));
+        }
         table.addRow(texts);
     }
     return table.toCsv();
@@ -208,14 +228,18 @@ QJsonArray RoiMeasurement::toJson() const
                            {"minimum", jsonNumber(statistics.minimum)},
                            {"maximum", jsonNumber(statistics.maximum)},
                            {"standardDeviation", jsonNumber(statistics.deviation)}};
-        if (!row.excitation.isEmpty())
+        if (!row.excitation.isEmpty()) {
             object.insert(QStringLiteral("excitation"), row.excitation);
-        if (!row.emission.isEmpty())
+        }
+        if (!row.emission.isEmpty()) {
             object.insert(QStringLiteral("emission"), row.emission);
-        if (!row.spotX.isEmpty())
+        }
+        if (!row.spotX.isEmpty()) {
             object.insert(QStringLiteral("spot"), QStringLiteral("%1, %2").arg(row.spotX, row.spotY));
-        if (!row.time.isEmpty())
+        }
+        if (!row.time.isEmpty()) {
             object.insert(QStringLiteral("time"), row.time);
+        }
         rows.append(object);
     }
     return rows;
@@ -227,8 +251,9 @@ QStringList RoiMeasurement::warnings() const
     QMap<QString, int> counts;
     QMap<QString, QString> first;
     for (const Row& row : m_rows) {
-        if (row.region.statistics.pixels > 0)
+        if (row.region.statistics.pixels > 0) {
             continue;
+        }
         if (counts[row.region.name]++ == 0) {
             names.append(row.region.name);
             first[row.region.name] = row.image;

@@ -18,8 +18,9 @@ namespace {
 QByteArray contentOf(const QString& strPath)
 {
     QFile file(strPath);
-    if (!file.open(QIODevice::ReadOnly))
+    if (!file.open(QIODevice::ReadOnly)) {
         throw CliFailure(QStringLiteral("%1: cannot be read: %2").arg(strPath, file.errorString()));
+    }
     return file.readAll();
 }
 
@@ -46,8 +47,9 @@ QList<RoiStore::Entry> RoiStore::distinct() const
 QStringList RoiStore::names() const
 {
     QStringList names;
-    for (const Entry& entry : distinct())
+    for (const Entry& entry : distinct()) {
         names.append(entry.region.name);
+    }
     names.removeDuplicates();
     return names;
 }
@@ -56,8 +58,9 @@ QString RoiStore::freeName() const
 {
     const QStringList taken = names();
     int number = 1;
-    while (taken.contains(QStringLiteral("ROI %1").arg(number)))
+    while (taken.contains(QStringLiteral("ROI %1").arg(number))) {
         ++number;
+    }
     return QStringLiteral("ROI %1").arg(number);
 }
 
@@ -65,24 +68,27 @@ void RoiStore::add(const tagROIInfo& region)
 {
     for (auto* dataset : m_sequence.getDatasets()) {
         QString reason;
-        if (!dataset->roiManager()->addRegion(region, &reason))
+        if (!dataset->roiManager()->addRegion(region, &reason)) {
             throw CliFailure(QStringLiteral("%1: %2").arg(dataset->getClickNumber(), reason));
+        }
     }
 }
 
 int RoiStore::remove(const QString& strName)
 {
     int removed = 0;
-    for (auto* dataset : m_sequence.getDatasets())
+    for (auto* dataset : m_sequence.getDatasets()) {
         removed += dataset->roiManager()->removeRegion(strName) ? 1 : 0;
+    }
     return removed;
 }
 
 void RoiStore::removeAll()
 {
     m_bRemoveAll = true;
-    for (auto* dataset : m_sequence.getDatasets())
+    for (auto* dataset : m_sequence.getDatasets()) {
         dataset->roiManager()->clearAllLists();
+    }
 }
 
 QList<RoiStore::File> RoiStore::changedFiles() const
@@ -95,15 +101,18 @@ QList<RoiStore::File> RoiStore::changedFiles() const
         CPLClickInfo info;
         QStringList warnings;
         info.parse(file.before, file.path, &warnings);
-        if (!warnings.isEmpty())
+        if (!warnings.isEmpty()) {
             throw CliFailure(
                 QStringLiteral("%1; mend this first, to store regions writes the file anew").arg(warnings.first()));
-        if (m_bRemoveAll)
+        }
+        if (m_bRemoveAll) {
             info.removeSection(QString::fromLatin1(ClickKeys::kROIs));
+        }
         dataset->roiManager()->saveROIData(&info);
         file.after = info.toText();
-        if (file.after != file.before)
+        if (file.after != file.before) {
             files.append(file);
+        }
     }
     return files;
 }
@@ -113,12 +122,15 @@ void RoiStore::save() const
     const QList<File> files = changedFiles();
     for (int i = 0; i < files.size(); ++i) {
         QString error;
-        if (orv::writeFileAtomically(files[i].path, files[i].after, &error))
+        if (orv::writeFileAtomically(files[i].path, files[i].after, &error)) {
             continue;
-        for (int j = 0; j < i; ++j)
-            if (!orv::writeFileAtomically(files[j].path, files[j].before))
+        }
+        for (int j = 0; j < i; ++j) {
+            if (!orv::writeFileAtomically(files[j].path, files[j].before)) {
                 throw CliFailure(QStringLiteral("%1; %2 has been written already and cannot be taken back")
                                      .arg(error, files[j].path));
+            }
+        }
         throw CliFailure(error);
     }
 }

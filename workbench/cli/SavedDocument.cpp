@@ -13,8 +13,9 @@ constexpr double oldestVersion = 1.1;
 int countElements(const QDomElement& parent)
 {
     int count = 0;
-    for (QDomElement child = parent.firstChildElement(); !child.isNull(); child = child.nextSiblingElement())
+    for (QDomElement child = parent.firstChildElement(); !child.isNull(); child = child.nextSiblingElement()) {
         ++count;
+    }
     return count;
 }
 
@@ -38,18 +39,25 @@ SavedDocument::Spectrum spectrumOf(const QDomElement& element)
 void readSection(const QDomElement& section, SavedDocument& document)
 {
     const QDomElement first = section.firstChildElement();
-    if (isCalled(section, "SeqDataset"))
+    if (isCalled(section, "SeqDataset")) {
         document.sequence = section.attribute(QStringLiteral("id"));
-    if (isCalled(section, "SelectedKeyPairs") || isCalled(section, "SelectedWavelengths"))
+    }
+    if (isCalled(section, "SelectedKeyPairs") || isCalled(section, "SelectedWavelengths")) {
         document.images = countElements(section);
-    if (isCalled(section, "ROIData"))
+    }
+    if (isCalled(section, "ROIData")) {
         document.regions = countElements(section);
-    if (isCalled(section, "SpectrumList"))
-        for (QDomElement child = first; !child.isNull(); child = child.nextSiblingElement())
+    }
+    if (isCalled(section, "SpectrumList")) {
+        for (QDomElement child = first; !child.isNull(); child = child.nextSiblingElement()) {
             document.spectra.append(spectrumOf(child));
-    if (isCalled(section, "Results"))
-        for (QDomElement child = first; !child.isNull(); child = child.nextSiblingElement())
+        }
+    }
+    if (isCalled(section, "Results")) {
+        for (QDomElement child = first; !child.isNull(); child = child.nextSiblingElement()) {
             document.properties.append({child.tagName(), child.attribute(QStringLiteral("value"))});
+        }
+    }
     if (isCalled(section, "Cherenkov_Decay_Correction")) {
         document.isotope = section.attribute(QStringLiteral("IsotopeName"));
         document.halfLifeMinutes = section.attribute(QStringLiteral("HalfLife"));
@@ -62,17 +70,20 @@ void readSection(const QDomElement& section, SavedDocument& document)
 
 QString SavedDocument::property(const QString& strKey) const
 {
-    for (const auto& property : properties)
-        if (property.first == strKey)
+    for (const auto& property : properties) {
+        if (property.first == strKey) {
             return property.second;
+        }
+    }
     return QString();
 }
 
 QStringList SavedDocument::names() const
 {
     QStringList list;
-    for (const Spectrum& spectrum : spectra)
+    for (const Spectrum& spectrum : spectra) {
         list.append(spectrum.name);
+    }
     return list;
 }
 
@@ -89,8 +100,9 @@ SavedDocument readSavedDocument(const QString& strPath)
         return document;
     }
     QDomDocument dom;
-    if (!documentText::readFile(strPath, &dom, &document.error))
+    if (!documentText::readFile(strPath, &dom, &document.error)) {
         return document;
+    }
     const QDomElement root = dom.documentElement();
     const double version = root.attribute(QStringLiteral("Version")).toDouble();
     if (!(version >= oldestVersion)) {
@@ -100,7 +112,8 @@ SavedDocument readSavedDocument(const QString& strPath)
     document.date = root.attribute(QStringLiteral("Date.Time"));
     document.version = root.attribute(QStringLiteral("Version"));
     document.note = root.attribute(QStringLiteral("Note"));
-    for (QDomElement section = root.firstChildElement(); !section.isNull(); section = section.nextSiblingElement())
+    for (QDomElement section = root.firstChildElement(); !section.isNull(); section = section.nextSiblingElement()) {
         readSection(section, document);
+    }
     return document;
 }

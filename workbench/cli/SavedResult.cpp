@@ -18,8 +18,9 @@ namespace {
 QJsonObject readSummary(const QString& strFolder)
 {
     QJsonObject summary = ResultFolder::readSummary(strFolder, QFileInfo(strFolder).path());
-    if (summary.value(QStringLiteral("components")).toArray().isEmpty())
+    if (summary.value(QStringLiteral("components")).toArray().isEmpty()) {
         throw CliFailure(QStringLiteral("%1summary.json names no components").arg(strFolder));
+    }
     return summary;
 }
 
@@ -49,8 +50,9 @@ void SavedResult::readResult(const QString& strFolder)
         const QString map = folder + QFileInfo(component.value(QStringLiteral("map")).toString()).fileName();
         readSpots([&map](int spot) { return mapOfSpot(map, spot); });
     }
-    if (m_library.all().size() != m_names.size())
+    if (m_library.all().size() != m_names.size()) {
         throw CliFailure(QStringLiteral("%1spectra.csv does not hold one spectrum a component").arg(folder));
+    }
     readMask(folder);
 }
 
@@ -73,38 +75,47 @@ void SavedResult::readSpots(const std::function<QString(int)>& fileOfSpot)
     const bool first = m_maps.empty();
     readMap(fileOfSpot(0));
     int spots = 1;
-    while (fileOfSpot(spots) != fileOfSpot(0) && QFileInfo(fileOfSpot(spots)).isFile())
+    while (fileOfSpot(spots) != fileOfSpot(0) && QFileInfo(fileOfSpot(spots)).isFile()) {
         readMap(fileOfSpot(spots++));
-    if (first)
+    }
+    if (first) {
         m_nSpots = spots;
-    if (spots != m_nSpots)
+    }
+    if (spots != m_nSpots) {
         throw CliFailure(QStringLiteral("%1: there are maps of %2 spots, where the first component has %3")
                              .arg(fileOfSpot(0))
                              .arg(spots)
                              .arg(m_nSpots));
+    }
 }
 
 void SavedResult::readMap(const QString& strFile)
 {
     CILImage map;
     QString error;
-    if (!QFileInfo(strFile).isFile())
+    if (!QFileInfo(strFile).isFile()) {
         throw CliFailure(QStringLiteral("%1: the map is not there").arg(strFile));
-    if (!readTiff(strFile, 0, map, &error))
+    }
+    if (!readTiff(strFile, 0, map, &error)) {
         throw CliFailure(error);
+    }
     map.ChangeType(ORVTYPE_FLOAT);
-    if (!m_maps.empty() && (map.m_lWidth != m_maps.front().m_lWidth || map.m_lHeight != m_maps.front().m_lHeight))
+    if (!m_maps.empty() && (map.m_lWidth != m_maps.front().m_lWidth || map.m_lHeight != m_maps.front().m_lHeight)) {
         throw CliFailure(QStringLiteral("%1: the map is of another size than the others").arg(strFile));
+    }
     m_maps.push_back(std::move(map));
 }
 
 void SavedResult::readMask(const QString& strFolder)
 {
     const QImage mask = ResultFolder::readMask(strFolder, m_maps.front().m_lWidth, m_maps.front().m_lHeight);
-    for (int y = 0; y < mask.height(); ++y)
-        for (int x = 0; x < mask.width(); ++x)
-            if (mask.constScanLine(y)[x] > 0)
+    for (int y = 0; y < mask.height(); ++y) {
+        for (int x = 0; x < mask.width(); ++x) {
+            if (mask.constScanLine(y)[x] > 0) {
                 m_pixels.push_back(y * mask.width() + x);
+            }
+        }
+    }
 }
 
 QList<KeyPair> SavedResult::pairs() const
@@ -121,9 +132,11 @@ QList<KeyPair> SavedResult::pairs() const
 
 bool SavedResult::hasPair(const KeyPair& pair) const
 {
-    for (const auto* spectrum : m_library.all())
-        if (!spectrum->coversPairs({pair}))
+    for (const auto* spectrum : m_library.all()) {
+        if (!spectrum->coversPairs({pair})) {
             return false;
+        }
+    }
     return true;
 }
 
@@ -131,7 +144,8 @@ std::vector<double> SavedResult::spectrum(int n, const QList<KeyPair>& pairs) co
 {
     const auto values = m_library.all().at(n)->valuesAt(pairs);
     std::vector<double> list;
-    for (long long j = 0; j < values.n_; ++j)
+    for (long long j = 0; j < values.n_; ++j) {
         list.push_back(values[j]);
+    }
     return list;
 }

@@ -8,8 +8,9 @@
 RunOutcome runShown(CORVSpumKyvo& engine, CliProgress& progress, const QString& strText, double dFraction)
 {
     orv::setProgressDisplay([&](const QString& message, double, double) {
-        if (!message.isNull())
+        if (!message.isNull()) {
             progress.show(strText, dFraction);
+        }
     });
     const RunOutcome outcome = runEngine(engine);
     orv::setProgressDisplay({});

@@ -94,8 +94,9 @@ QString optionName(const char* pName)
 QStringList fieldsOf(const QString& strText)
 {
     QStringList fields;
-    for (const QString& field : strText.split(QLatin1Char(',')))
+    for (const QString& field : strText.split(QLatin1Char(','))) {
         fields.append(field.trimmed());
+    }
     return fields;
 }
 
@@ -103,8 +104,9 @@ double toNumber(const QString& strText, const char* pName)
 {
     bool ok = false;
     const double value = strText.toDouble(&ok);
-    if (!ok)
+    if (!ok) {
         usage(QStringLiteral("%1 takes a number, not \"%2\".").arg(optionName(pName), strText));
+    }
     return value;
 }
 
@@ -112,56 +114,66 @@ int toWhole(const QString& strText, const char* pName)
 {
     bool ok = false;
     const int value = strText.toInt(&ok);
-    if (!ok)
+    if (!ok) {
         usage(QStringLiteral("%1 takes a whole number, not \"%2\".").arg(optionName(pName), strText));
+    }
     return value;
 }
 
 void take(const QCommandLineParser& parser, const char* pName, double* pValue)
 {
-    if (parser.isSet(QLatin1String(pName)))
+    if (parser.isSet(QLatin1String(pName))) {
         *pValue = toNumber(parser.value(QLatin1String(pName)), pName);
+    }
 }
 
 void take(const QCommandLineParser& parser, const char* pName, int* pValue)
 {
-    if (parser.isSet(QLatin1String(pName)))
+    if (parser.isSet(QLatin1String(pName))) {
         *pValue = toWhole(parser.value(QLatin1String(pName)), pName);
+    }
 }
 
 void take(const QCommandLineParser& parser, const char* pName, QString* pValue)
 {
-    if (parser.isSet(QLatin1String(pName)))
+    if (parser.isSet(QLatin1String(pName))) {
         *pValue = parser.value(QLatin1String(pName));
+    }
 }
 
 void take(const QCommandLineParser& parser, const char* pName, QList<double>* pValues)
 {
-    if (!parser.isSet(QLatin1String(pName)))
+    if (!parser.isSet(QLatin1String(pName))) {
         return;
+    }
     pValues->clear();
-    for (const QString& field : fieldsOf(parser.value(QLatin1String(pName))))
+    for (const QString& field : fieldsOf(parser.value(QLatin1String(pName)))) {
         pValues->append(toNumber(field, pName));
+    }
 }
 
 void take(const QCommandLineParser& parser, const char* pName, QList<int>* pValues)
 {
-    if (!parser.isSet(QLatin1String(pName)))
+    if (!parser.isSet(QLatin1String(pName))) {
         return;
+    }
     pValues->clear();
-    for (const QString& field : fieldsOf(parser.value(QLatin1String(pName))))
+    for (const QString& field : fieldsOf(parser.value(QLatin1String(pName)))) {
         pValues->append(toWhole(field, pName));
+    }
 }
 
 std::uint64_t takeSeed(const QCommandLineParser& parser, std::uint64_t standard)
 {
-    if (!parser.isSet(QStringLiteral("seed")))
+    if (!parser.isSet(QStringLiteral("seed"))) {
         return standard;
+    }
     bool ok = false;
     const QString text = parser.value(QStringLiteral("seed"));
     const std::uint64_t seed = text.toULongLong(&ok);
-    if (!ok)
+    if (!ok) {
         usage(QStringLiteral("--seed takes a whole number from 0 on, not \"%1\".").arg(text));
+    }
     return seed;
 }
 
@@ -169,8 +181,9 @@ bool takeNoise(const QCommandLineParser& parser)
 {
     QString kind = QStringLiteral("default");
     take(parser, "noise", &kind);
-    if (kind != QLatin1String("default") && kind != QLatin1String("none"))
+    if (kind != QLatin1String("default") && kind != QLatin1String("none")) {
         usage(QStringLiteral("--noise is \"default\" or \"none\", not \"%1\".").arg(kind));
+    }
     return kind == QLatin1String("default");
 }
 
@@ -180,11 +193,14 @@ SimulationKind takeKind(const QCommandLineParser& parser)
     QString name = kindName(SimulationKind::Epi);
     take(parser, "kind", &name);
     SimulationKind kind = SimulationKind::Epi;
-    if (!kindOfName(name, &kind))
+    if (!kindOfName(name, &kind)) {
         usage(QStringLiteral("--kind is %1, not \"%2\".").arg(kindNames().join(QStringLiteral(", ")), name));
-    for (const OptionText& option : kOptions)
-        if (parser.isSet(QLatin1String(option.name)) && (option.kinds & flagOf(kind)) == 0)
+    }
+    for (const OptionText& option : kOptions) {
+        if (parser.isSet(QLatin1String(option.name)) && (option.kinds & flagOf(kind)) == 0) {
             usage(QStringLiteral("%1 does not go with the kind %2.").arg(optionName(option.name), name));
+        }
+    }
     return kind;
 }
 
@@ -193,8 +209,9 @@ SimulationOptions takeOptions(const QCommandLineParser& parser)
     SimulationOptions options = SimulationOptions::standard(takeKind(parser));
     take(parser, "size", &options.size);
     take(parser, "bands", &options.bands);
-    if (parser.isSet(QStringLiteral("probes")))
+    if (parser.isSet(QStringLiteral("probes"))) {
         options.probes = fieldsOf(parser.value(QStringLiteral("probes")));
+    }
     take(parser, "depths", &options.depthsMm);
     take(parser, "excitations", &options.excitationsNm);
     take(parser, "ratio", &options.ratio);
@@ -218,19 +235,22 @@ SimulationOptions takeOptions(const QCommandLineParser& parser)
     take(parser, "subject", &options.subject);
     options.force = parser.isSet(QStringLiteral("force"));
     options.discardResults = parser.isSet(QStringLiteral("discard-results"));
-    if (options.discardResults && !options.force)
+    if (options.discardResults && !options.force) {
         usage(QStringLiteral("--discard-results goes with --force."));
+    }
     const QString problem = validate(options);
-    if (!problem.isEmpty())
+    if (!problem.isEmpty()) {
         usage(problem);
+    }
     return options;
 }
 
 QJsonArray jsonNumbers(const QList<double>& values)
 {
     QJsonArray array;
-    for (const double value : values)
+    for (const double value : values) {
         array.append(value);
+    }
     return array;
 }
 
@@ -276,8 +296,9 @@ QString textAnswer(const SimulationOptions& options, const Outcome& outcome)
 // What only some kinds have.
 void addKindAnswers(QJsonObject& json, const SimulationOptions& options)
 {
-    if (options.kind == SimulationKind::Transillumination)
+    if (options.kind == SimulationKind::Transillumination) {
         json.insert(QStringLiteral("spots"), options.spots);
+    }
     if (options.kind == SimulationKind::Temporal) {
         json.insert(QStringLiteral("timesSeconds"), jsonNumbers(timesOf(options)));
         json.insert(QStringLiteral("timeKeys"), options.timeKeys);
@@ -291,8 +312,9 @@ void addKindAnswers(QJsonObject& json, const SimulationOptions& options)
 QJsonObject jsonAnswer(const SimulationOptions& options, const Outcome& outcome)
 {
     QJsonArray pairs;
-    for (const FilterPair& pair : outcome.pairs)
+    for (const FilterPair& pair : outcome.pairs) {
         pairs.append(QJsonObject{{"excitation", pair.excitation}, {"emission", pair.emission}});
+    }
     QJsonObject json{{"folder", outcome.folder},
                      {"truth", outcome.folder + QLatin1Char('/') + QLatin1String(kTruthFolder)},
                      {"kind", kindName(options.kind)},
@@ -326,8 +348,9 @@ void SimulateCommand::declare(QCommandLineParser& parser) const
     parser.addPositionalArgument(QStringLiteral("OUT"), QStringLiteral("Folder of the new sequence."));
     for (const OptionText& option : kOptions) {
         QString help = QString::fromLatin1(option.help);
-        if (*option.standard != '\0')
+        if (*option.standard != '\0') {
             help += QStringLiteral(" Default: %1.").arg(QLatin1String(option.standard));
+        }
         parser.addOption({QString::fromLatin1(option.name), help, QString::fromLatin1(option.value)});
     }
 }
@@ -335,8 +358,9 @@ void SimulateCommand::declare(QCommandLineParser& parser) const
 void SimulateCommand::run(const QCommandLineParser& parser, CliSession& session)
 {
     const QStringList arguments = parser.positionalArguments();
-    if (arguments.size() != 1 || arguments[0].isEmpty())
+    if (arguments.size() != 1 || arguments[0].isEmpty()) {
         usage(QStringLiteral("simulate takes one folder to write."));
+    }
     const SimulationOptions options = takeOptions(parser);
     session.progress().start(QStringLiteral("simulating"));
     QString error;

@@ -43,15 +43,17 @@ Range rangeOf(const QList<PlotCurve>& curves, const Frame& frame, bool ofX)
     Range range{HUGE_VAL, -HUGE_VAL};
     for (const auto& curve : curves) {
         for (int i = 0; i < std::min(curve.x.size(), curve.y.size()); ++i) {
-            if (!frame.shows(curve, i))
+            if (!frame.shows(curve, i)) {
                 continue;
+            }
             const double v = ofX ? curve.x[i] : frame.height(curve.y[i]);
             range.low = std::min(range.low, v);
             range.high = std::max(range.high, v);
         }
     }
-    if (!(range.low <= range.high))
+    if (!(range.low <= range.high)) {
         return Range{};
+    }
     if (range.low == range.high) {
         const double half = range.low == 0.0 ? 1.0 : std::abs(range.low) * 0.5;
         range = Range{range.low - half, range.high + half};
@@ -67,10 +69,11 @@ QString tickText(double value)
 QVector<double> xTicks(const Range& range, bool bWhole)
 {
     QVector<double> values = SpectrumPlot::ticks(range.low, range.high);
-    if (bWhole)
+    if (bWhole) {
         values.erase(
             std::remove_if(values.begin(), values.end(), [](double v) { return std::abs(v - std::round(v)) > 1e-9; }),
             values.end());
+    }
     return values;
 }
 
@@ -125,13 +128,15 @@ void drawCurve(QPainter& painter, const Frame& frame, const PlotCurve& curve)
             continue;
         }
         const auto p = frame.place(curve.x[i], frame.height(curve.y[i]));
-        if (drawing)
+        if (drawing) {
             path.lineTo(p);
-        else
+        } else {
             path.moveTo(p);
+        }
         drawing = true;
-        if (curve.markers)
+        if (curve.markers) {
             painter.drawEllipse(p, 3.0, 3.0);
+        }
     }
     painter.setBrush(Qt::NoBrush);
     painter.setPen(curvePen(curve));
@@ -144,8 +149,9 @@ void drawLegend(QPainter& painter, const QRectF& area, const QList<PlotCurve>& c
     const double step = metrics.height() * 1.4;
     double y = area.top() + step / 2;
     for (const auto& curve : curves) {
-        if (y > area.bottom())
+        if (y > area.bottom()) {
             return;
+        }
         painter.setPen(curvePen(curve));
         painter.drawLine(QPointF(area.left(), y), QPointF(area.left() + 24, y));
         painter.setPen(Qt::black);
@@ -166,8 +172,9 @@ SpectrumPlot::SpectrumPlot(const QString& strTitle, const QString& strXLabel, co
 QVector<double> SpectrumPlot::ticks(double minimum, double maximum)
 {
     const double span = maximum - minimum;
-    if (!(span > 0.0) || !std::isfinite(span))
+    if (!(span > 0.0) || !std::isfinite(span)) {
         return {};
+    }
     const double decade = std::pow(10.0, std::floor(std::log10(span)));
     double step = decade * 0.2;
     for (const double factor : {2.0, 1.0, 0.5}) {
@@ -180,11 +187,13 @@ QVector<double> SpectrumPlot::ticks(double minimum, double maximum)
     const double first = std::ceil(minimum / step - 1e-9);
     const double last = std::floor(maximum / step + 1e-9);
     // A span of denormal numbers has no step.
-    if (!(last - first < 100.0))
+    if (!(last - first < 100.0)) {
         return values;
+    }
     const int count = static_cast<int>(std::lround(last - first)) + 1;
-    for (int k = 0; k < count; ++k)
+    for (int k = 0; k < count; ++k) {
         values.append((first + k) * step + 0.0); // no -0
+    }
     return values;
 }
 
@@ -193,14 +202,16 @@ QVector<double> SpectrumPlot::decades(double minimum, double maximum)
     constexpr int most = 8;
     // Logarithms of what a double can hold.
     constexpr double farthest = 400.0;
-    if (!(maximum > minimum) || !(minimum > -farthest) || !(maximum < farthest))
+    if (!(maximum > minimum) || !(minimum > -farthest) || !(maximum < farthest)) {
         return {};
+    }
     const int first = static_cast<int>(std::ceil(minimum - 1e-9));
     const int last = static_cast<int>(std::floor(maximum + 1e-9));
     const int step = std::max(1, (last - first + most) / most);
     QVector<double> values;
-    for (int k = first; k <= last; k += step)
+    for (int k = first; k <= last; k += step) {
         values.append(std::pow(10.0, k));
+    }
     return values;
 }
 
@@ -217,10 +228,11 @@ void SpectrumPlot::draw(QPainter& painter, const QSize& size) const
     frame.logarithmic = m_bLogarithmicY;
     frame.x = rangeOf(m_curves, frame, true);
     frame.y = rangeOf(m_curves, frame, false);
-    if (m_bLogarithmicY)
+    if (m_bLogarithmicY) {
         frame.y = Range{std::floor(frame.y.low), std::max(std::ceil(frame.y.high), std::floor(frame.y.low) + 1.0)};
-    else
+    } else {
         frame.y.low = std::min(0.0, frame.y.low);
+    }
     const double margin = (frame.x.high - frame.x.low) * 0.02;
     frame.x = Range{frame.x.low - margin, frame.x.high + margin};
     frame.y.high += (frame.y.high - frame.y.low) * 0.04;
@@ -231,12 +243,14 @@ void SpectrumPlot::draw(QPainter& painter, const QSize& size) const
     painter.drawText(QRectF(frame.area.left(), 0.4 * unit, frame.area.width(), 1.5 * unit),
                      Qt::AlignHCenter | Qt::AlignTop, m_strTitle);
     drawAxes(painter, frame, xTicks(frame.x, m_bWholeX), m_strXLabel, m_strYLabel);
-    for (const auto& curve : m_curves)
+    for (const auto& curve : m_curves) {
         drawCurve(painter, frame, curve);
-    if (m_bLegend)
+    }
+    if (m_bLegend) {
         drawLegend(painter,
                    QRectF(frame.area.right() + unit, frame.area.top(), legendWidth - unit, frame.area.height()),
                    m_curves);
+    }
 }
 
 QImage SpectrumPlot::toImage(const QSize& size) const

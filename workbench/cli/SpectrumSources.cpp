@@ -23,12 +23,14 @@ namespace {
 // The curve at a wavelength, linear between its entries and 0 outside.
 double valueAt(const sSourceSpecFileParameters& curve, double wavelength)
 {
-    if (curve.n < 1 || wavelength < curve.wavelength.first() || wavelength > curve.wavelength.last())
+    if (curve.n < 1 || wavelength < curve.wavelength.first() || wavelength > curve.wavelength.last()) {
         return 0.0;
+    }
     const auto upper = std::lower_bound(curve.wavelength.begin(), curve.wavelength.end(), wavelength);
     const auto i = static_cast<int>(upper - curve.wavelength.begin());
-    if (*upper == wavelength || i == 0)
+    if (*upper == wavelength || i == 0) {
         return curve.intensity[i];
+    }
     const double t = (wavelength - curve.wavelength[i - 1]) / (curve.wavelength[i] - curve.wavelength[i - 1]);
     return curve.intensity[i - 1] + t * (curve.intensity[i] - curve.intensity[i - 1]);
 }
@@ -50,31 +52,38 @@ XTNT::Vector<double> valuesOf(const QString& strName, const QList<KeyPair>& pair
 {
     sSourceSpecFileParameters emission;
     sSourceSpecFileParameters excitation;
-    if (!readCurve(strName + QStringLiteral("Em"), &emission))
+    if (!readCurve(strName + QStringLiteral("Em"), &emission)) {
         throw CliFailure(
             QStringLiteral("the database has no source \"%1\" (sources carry no suffix here)").arg(strName));
+    }
     const bool hasExcitation = readCurve(strName + QStringLiteral("Ex"), &excitation);
-    if (!hasExcitation && !oneExcitation(pairs))
+    if (!hasExcitation && !oneExcitation(pairs)) {
         throw CliFailure(
             QStringLiteral("the database has no excitation curve of \"%1\", and the images have several excitations")
                 .arg(strName));
+    }
     XTNT::Vector<double> values(pairs.size());
-    for (int j = 0; j < pairs.size(); ++j)
+    for (int j = 0; j < pairs.size(); ++j) {
         values[j] = valueAt(emission, pairs[j].second.toDouble()) *
                     (hasExcitation && !oneExcitation(pairs) ? valueAt(excitation, pairs[j].first.toDouble()) : 1.0);
+    }
     return values;
 }
 
 void normalise(XTNT::Vector<double>& values, const QString& strName)
 {
-    for (long long j = 0; j < values.n_; ++j)
-        if (!std::isfinite(values[j]))
+    for (long long j = 0; j < values.n_; ++j) {
+        if (!std::isfinite(values[j])) {
             throw CliFailure(QStringLiteral("\"%1\" has values that are not finite at these images").arg(strName));
+        }
+    }
     const double maximum = values.Max();
-    if (!(maximum > 0.0))
+    if (!(maximum > 0.0)) {
         throw CliFailure(QStringLiteral("\"%1\" gives no light at these images").arg(strName));
-    for (long long j = 0; j < values.n_; ++j)
+    }
+    for (long long j = 0; j < values.n_; ++j) {
         values[j] /= maximum;
+    }
 }
 
 struct Region
@@ -99,32 +108,37 @@ Region parseRegion(const QString& strText)
         region.width = numbers[2].toInt(&ok[2]);
         region.height = numbers[3].toInt(&ok[3]);
     }
-    if (!ok[0] || !ok[1] || !ok[2] || !ok[3] || region.name.isEmpty() || region.width < 1 || region.height < 1)
+    if (!ok[0] || !ok[1] || !ok[2] || !ok[3] || region.name.isEmpty() || region.width < 1 || region.height < 1) {
         throw CliFailure(QStringLiteral("--region: \"%1\" is not of the form NAME=X,Y,W,H").arg(strText),
                          CliFailure::Usage);
+    }
     return region;
 }
 
 std::vector<int> pixelsOf(const Region& region, const CORVSpumKyvo& engine)
 {
     if (region.x < 0 || region.y < 0 || region.x > engine.m_nWidth - region.width ||
-        region.y > engine.m_nHeight - region.height)
+        region.y > engine.m_nHeight - region.height) {
         throw CliFailure(QStringLiteral("the region \"%1\" leaves the image of %2 x %3 pixels")
                              .arg(region.name)
                              .arg(engine.m_nWidth)
                              .arg(engine.m_nHeight));
+    }
     std::vector<int> pixels;
-    for (int y = region.y; y < region.y + region.height; ++y)
-        for (int x = region.x; x < region.x + region.width; ++x)
+    for (int y = region.y; y < region.y + region.height; ++y) {
+        for (int x = region.x; x < region.x + region.width; ++x) {
             pixels.push_back(y * engine.m_nWidth + x);
+        }
+    }
     return pixels;
 }
 
 // Opens the sequence for its pairs; throws when it cannot be analysed.
 void requireAnalysable(const OpenedSequence& opened, const QString& strSequence)
 {
-    if (!opened.canBeAnalysed())
+    if (!opened.canBeAnalysed()) {
         throw CliFailure(QStringLiteral("%1 cannot be analysed: %2").arg(strSequence, opened.reasonAgainst()));
+    }
 }
 
 } // namespace
@@ -135,8 +149,9 @@ SpectrumSources::~SpectrumSources() = default;
 QList<SpectrumPlotParams*> SpectrumSources::spectra() const
 {
     QList<SpectrumPlotParams*> list;
-    for (const auto& spectrum : m_spectra)
+    for (const auto& spectrum : m_spectra) {
         list.append(spectrum.get());
+    }
     return list;
 }
 
@@ -157,16 +172,18 @@ void SpectrumSources::fromLibrary(const QString& strFileOrName)
     LibrarySpectra library;
     library.load(strFileOrName);
     m_strNote = library.note();
-    for (const auto* spectrum : library.all())
+    for (const auto* spectrum : library.all()) {
         m_spectra.push_back(std::make_unique<SpectrumPlotParams>(*spectrum));
+    }
 }
 
 void SpectrumSources::fromDatabase(const QString& strNames, const QString& strSequence)
 {
     OpenedSequence opened(strSequence);
     requireAnalysable(opened, strSequence);
-    if (opened.engine().m_eSeqKind == SEQKIND_TEMPORAL)
+    if (opened.engine().m_eSeqKind == SEQKIND_TEMPORAL) {
         throw CliFailure(QStringLiteral("the database holds spectra; %1 is a temporal sequence").arg(strSequence));
+    }
     const QList<KeyPair> pairs = opened.engine().getSelectedKeyPairs();
     for (const auto& part : strNames.split(QLatin1Char(','))) {
         const QString name = part.trimmed();
@@ -185,8 +202,9 @@ void SpectrumSources::fromRegions(const QStringList& regions, const QString& str
     requireAnalysable(opened, strSequence);
     auto& engine = opened.engine();
     engine.resetAnalysis(RUNMODE_MANUAL);
-    if (!engine.buildImageCube())
+    if (!engine.buildImageCube()) {
         throw CliFailure(QStringLiteral("%1: the images cannot be read; --verbose tells more").arg(strSequence));
+    }
     for (const auto& text : regions) {
         const Region region = parseRegion(text);
         auto values = engine.m_cube.spectrum(pixelsOf(region, engine));

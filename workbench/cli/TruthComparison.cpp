@@ -19,16 +19,19 @@ namespace {
 // The truth at the pixels of the analysis, in the cube's order; empty when the sizes differ.
 std::vector<double> pixelsOfAnalysis(const CORVSpumKyvo& engine, const CILImage& image)
 {
-    if (image.m_lWidth != engine.m_nWidth || image.m_lHeight != engine.m_nHeight)
+    if (image.m_lWidth != engine.m_nWidth || image.m_lHeight != engine.m_nHeight) {
         return {};
+    }
     std::vector<double> values;
     if (engine.m_cube.m_bHasMask) {
-        for (const int index : engine.m_cube.m_maskIndices)
+        for (const int index : engine.m_cube.m_maskIndices) {
             values.push_back(image.value(static_cast<std::size_t>(index)));
+        }
         return values;
     }
-    for (std::size_t i = 0; i < image.pixelCount(); ++i)
+    for (std::size_t i = 0; i < image.pixelCount(); ++i) {
         values.push_back(image.value(i));
+    }
     return values;
 }
 
@@ -36,8 +39,9 @@ std::vector<double> pixelsOfAnalysis(const CORVSpumKyvo& engine, const CILImage&
 std::vector<ComponentShape> trueSpectra(const CORVSpumKyvo& engine, const QString& strFolder)
 {
     std::vector<ComponentShape> shapes;
-    if (!QFileInfo::exists(strFolder + QStringLiteral("spectra.csv")))
+    if (!QFileInfo::exists(strFolder + QStringLiteral("spectra.csv"))) {
         return shapes;
+    }
     try {
         LibrarySpectra library;
         library.load(strFolder + QStringLiteral("spectra.csv"));
@@ -46,8 +50,9 @@ std::vector<ComponentShape> trueSpectra(const CORVSpumKyvo& engine, const QStrin
             const auto values = spectrum->values();
             ComponentShape shape;
             shape.name = spectrum->settings.name;
-            for (long long j = 0; j < values.n_; ++j)
+            for (long long j = 0; j < values.n_; ++j) {
                 shape.spectrum.push_back(values[j]);
+            }
             shapes.push_back(shape);
         }
         qDeleteAll(spectra);
@@ -72,11 +77,13 @@ std::vector<double> trueMap(const CORVSpumKyvo& engine, const QString& strFolder
     for (int spot = 0; spot < spots; ++spot) {
         const QString file = strFolder + (spots > 1 ? truthMapFile(strName, spot) : truthMapFile(strName));
         CILImage image;
-        if (!QFileInfo::exists(file) || !readTiff(file, 0, image, nullptr))
+        if (!QFileInfo::exists(file) || !readTiff(file, 0, image, nullptr)) {
             return {};
+        }
         const std::vector<double> pixels = pixelsOfAnalysis(engine, image);
-        if (pixels.empty())
+        if (pixels.empty()) {
             return {};
+        }
         map.insert(map.end(), pixels.begin(), pixels.end());
     }
     return map;
@@ -90,18 +97,21 @@ std::vector<ComponentShape> shapesOfTruth(const CORVSpumKyvo& engine, const QStr
         const bool known = std::any_of(shapes.begin(), shapes.end(), [&](const ComponentShape& shape) {
             return comparable(shape.name) == comparable(plot->settings.name);
         });
-        if (!known)
+        if (!known) {
             shapes.push_back({plot->settings.name, {}, {}});
+        }
     }
     std::vector<ComponentShape> complete;
     for (auto& shape : shapes) {
         shape.map = trueMap(engine, strFolder, shape.name);
-        if (shape.map.empty())
+        if (shape.map.empty()) {
             continue;
+        }
         if (!shape.spectrum.empty()) {
             const double top = *std::max_element(shape.spectrum.begin(), shape.spectrum.end());
-            for (double& value : shape.map)
+            for (double& value : shape.map) {
                 value *= top;
+            }
         }
         complete.push_back(std::move(shape));
     }
@@ -113,12 +123,14 @@ std::vector<int> partnersOf(const CORVSpumKyvo& engine, const std::vector<Compon
 {
     std::vector<ComponentShape> byFile;
     byFile.reserve(truth.size());
-    for (const auto& shape : truth)
+    for (const auto& shape : truth) {
         byFile.push_back({comparable(shape.name), {}, {}});
+    }
     std::vector<ComponentShape> wanted;
     wanted.reserve(found.size());
-    for (const auto& shape : found)
+    for (const auto& shape : found) {
         wanted.push_back({comparable(shape.name), {}, {}});
+    }
     const std::vector<int> partners = matchByName(wanted, byFile);
     const bool named = std::any_of(partners.begin(), partners.end(), [](int partner) { return partner >= 0; });
     return named || engine.m_eMode != RUNMODE_AUTOMATIC ? partners : matchByShape(found, truth);
@@ -145,14 +157,16 @@ std::vector<ComponentShape> shapesOfResult(const CORVSpumKyvo& engine)
 std::vector<TrueComparison> compareWithTruth(const CORVSpumKyvo& engine, const QString& strFolder)
 {
     std::vector<TrueComparison> list(static_cast<std::size_t>(engine.m_spectrumPlots.size()));
-    if (strFolder.isEmpty())
+    if (strFolder.isEmpty()) {
         return list;
+    }
     const std::vector<ComponentShape> found = shapesOfResult(engine);
     const std::vector<ComponentShape> truth = shapesOfTruth(engine, strFolder);
     const std::vector<int> partners = partnersOf(engine, found, truth);
     for (std::size_t k = 0; k < found.size(); ++k) {
-        if (partners[k] < 0)
+        if (partners[k] < 0) {
             continue;
+        }
         const ComponentShape& partner = truth[static_cast<std::size_t>(partners[k])];
         list[k] = {true, ResultSummary::correlation(found[k].map, partner.map),
                    ResultSummary::relativeError(found[k].map, partner.map), partner.name,

@@ -15,7 +15,8 @@ public:
     // A number below 0 sets none.
     void set(int nUnit)
     {
-        if (nUnit >= 0)
+        if (nUnit >= 0) {
             CORVDataset::setUnitLimit(static_cast<tag_edisplayunit>(nUnit));
+        }
     }
 };

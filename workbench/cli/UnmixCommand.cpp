@@ -22,11 +22,13 @@ namespace {
 int modeOf(const QCommandLineParser& parser)
 {
     const QString text = parser.value(QStringLiteral("method"));
-    if (!parser.isSet(QStringLiteral("method")))
+    if (!parser.isSet(QStringLiteral("method"))) {
         return parser.isSet(QStringLiteral("library")) ? RUNMODE_LIBRARY : RUNMODE_AUTOMATIC;
+    }
     const int mode = ModeNames::fromText(text);
-    if (mode != RUNMODE_LIBRARY && mode != RUNMODE_MANUAL && mode != RUNMODE_AUTOMATIC)
+    if (mode != RUNMODE_LIBRARY && mode != RUNMODE_MANUAL && mode != RUNMODE_AUTOMATIC) {
         usage(QStringLiteral("--method takes automatic, library or manual, not \"%1\".").arg(text));
+    }
     return mode;
 }
 
@@ -34,13 +36,16 @@ int modeOf(const QCommandLineParser& parser)
 void checkOptionsOfMethod(const QCommandLineParser& parser, int nMode)
 {
     const bool automatic = nMode == RUNMODE_AUTOMATIC;
-    if (automatic && parser.isSet(QStringLiteral("library")))
+    if (automatic && parser.isSet(QStringLiteral("library"))) {
         usage(QStringLiteral("--library does not go with --method automatic, which finds the spectra itself."));
-    if (!automatic && parser.value(QStringLiteral("library")).isEmpty())
+    }
+    if (!automatic && parser.value(QStringLiteral("library")).isEmpty()) {
         usage(QStringLiteral("--library is missing: the spectra to fit."));
+    }
     const QStringList given = givenAutomaticOptions(parser);
-    if (!automatic && !given.isEmpty())
+    if (!automatic && !given.isEmpty()) {
         usage(QStringLiteral("%1 takes --method automatic.").arg(given.join(QStringLiteral(", "))));
+    }
 }
 
 } // namespace

@@ -45,25 +45,29 @@ void UnmixJob::run()
 {
     m_session.progress().start(QStringLiteral("Looking at the images"));
     m_setUp.checkMode(m_request.mode);
-    if (m_request.save)
+    if (m_request.save) {
         ResultStore::checkName(m_setUp.opened().sequence(), m_request.saveName, m_request.analysis.force);
+    }
     StagedFolder folder;
     QString error;
     const QString target = m_setUp.outFolder(QStringLiteral("unmixed-") + ModeNames::option(m_request.mode));
-    if (!folder.begin(target, m_request.analysis.force, QStringLiteral("summary.json"), &error))
+    if (!folder.begin(target, m_request.analysis.force, QStringLiteral("summary.json"), &error)) {
         throw CliFailure(error);
+    }
     m_setUp.select();
     m_setUp.reset(m_request.mode);
-    if (isAutomatic())
+    if (isAutomatic()) {
         takeComponents();
-    else
+    } else {
         takeSpectra();
+    }
     // A fit of known spectra takes each pixel by itself; to resolve spectra takes as many as the wizard asks for.
     m_setUp.takeMask(isAutomatic() ? static_cast<int>(kMinMaskPixels) : 1);
     m_setUp.checkUnit();
     m_setUp.checkImages(checkedFraction);
-    if (isAutomatic())
+    if (isAutomatic()) {
         checkConstantImages();
+    }
     takeIsotope();
     fit();
 
@@ -75,12 +79,14 @@ void UnmixJob::run()
                                   fittedFraction + (1.0 - fittedFraction) * fraction);
     });
     CliSession::stopIfInterrupted();
-    if (!folder.commit(&error))
+    if (!folder.commit(&error)) {
         throw CliFailure(error);
+    }
     m_session.progress().finish();
     QString saved;
-    if (m_request.save)
+    if (m_request.save) {
         saved = saveResult(folder.target());
+    }
     tell(files, folder.target(), saved);
 }
 
@@ -92,8 +98,9 @@ void UnmixJob::showPictures()
     engine.updateConsoleSpectra();
     // The files have pictures of their own; the composite alone is made of what the view keeps.
     engine.ownResultView().setShowsUnmixedImages(false);
-    if (!engine.updateUnmixedImages(true))
+    if (!engine.updateUnmixedImages(true)) {
         throw CliFailure(QStringLiteral("the pictures of the result cannot be made; the log tells why"));
+    }
     engine.storeDecayState();
 }
 
@@ -112,8 +119,9 @@ ReportFrame UnmixJob::reportFrame()
     ReportFrame frame;
     frame.sequenceName = m_setUp.opened().sequence().getSequenceName();
     frame.note = m_request.note;
-    if (isAutomatic() && m_numbers.facts.ending == MCR::Ending::IterationLimit)
+    if (isAutomatic() && m_numbers.facts.ending == MCR::Ending::IterationLimit) {
         frame.warnings.append(QStringLiteral("Maximum iteration number is reached!"));
+    }
     frame.command = m_request.command;
     frame.made = QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd hh:mm"));
     return frame;
@@ -128,15 +136,17 @@ void UnmixJob::tell(const ResultFiles& files, const QString& strFolder, const QS
                              .arg(strFolder);
     CORVLog::getLogObject()->log(line, QString(), 0, QStringLiteral(__TIME__), CORVLOG_NOTE, false);
     QString text = files.summaryText() + QStringLiteral("results in %1\n").arg(strFolder);
-    if (!strSaved.isEmpty())
+    if (!strSaved.isEmpty()) {
         text += QStringLiteral("saved with the sequence as %1\n").arg(strSaved);
+    }
     m_session.answer(text);
     QJsonObject json = files.summaryJson();
     // Of the answer only: files of the same input are the same.
     json.insert(QStringLiteral("seconds"), m_numbers.seconds);
     json.insert(QStringLiteral("folder"), strFolder);
-    if (!strSaved.isEmpty())
+    if (!strSaved.isEmpty()) {
         json.insert(QStringLiteral("saved"), strSaved);
+    }
     m_session.answerJson(json);
 }
 
@@ -146,10 +156,11 @@ void UnmixJob::takeSpectra()
     library.load(m_request.library);
     auto& engine = m_setUp.engine();
     engine.m_spectrumPlots = library.fitTo(engine.getSelectedKeyPairs(), engine.m_eAxis);
-    if (engine.m_spectrumPlots.size() > engine.getSelectedKeyPairs().size())
+    if (engine.m_spectrumPlots.size() > engine.getSelectedKeyPairs().size()) {
         m_session.warn(QStringLiteral("%1 spectra for %2 images: the maps are not unique")
                            .arg(engine.m_spectrumPlots.size())
                            .arg(engine.getSelectedKeyPairs().size()));
+    }
 }
 
 void UnmixJob::takeComponents()
@@ -162,12 +173,14 @@ void UnmixJob::takeComponents()
 void UnmixJob::checkConstantImages()
 {
     const QStringList constant = m_setUp.constantImages();
-    if (m_setUp.allImagesConstant())
+    if (m_setUp.allImagesConstant()) {
         throw CliFailure(QStringLiteral("%1 (in every image all pixels that are analysed have one value)")
                              .arg(errorText(RUNERROR_TOO_MANY_COMPONENTS)));
-    if (!constant.isEmpty())
+    }
+    if (!constant.isEmpty()) {
         m_session.warn(QStringLiteral("in these images all pixels that are analysed have one value: %1")
                            .arg(constant.join(QStringLiteral(", "))));
+    }
 }
 
 // A result tells of the isotope also where its decay is not corrected for.
@@ -175,8 +188,9 @@ void UnmixJob::takeIsotope()
 {
     AnalysisInput& input = m_setUp.engine().m_analysisInput;
     QString isotope;
-    if (!input.isotope.isEmpty() || !m_setUp.opened().sequence().isCherenkovIsotopeInData(isotope))
+    if (!input.isotope.isEmpty() || !m_setUp.opened().sequence().isCherenkovIsotopeInData(isotope)) {
         return;
+    }
     input.isotope = isotope;
     input.halfLifeSeconds = CORVDatabase::getCherenkovRADHalflife(isotope);
 }
@@ -190,16 +204,19 @@ void UnmixJob::fit()
         isAutomatic() ? runShown(engine, m_session.progress(), QStringLiteral("Resolving the components"), notKnown)
                       : runShown(engine, m_session.progress(), QStringLiteral("Fitting"), checkedFraction);
     const double seconds = static_cast<double>(timer.nsecsElapsed()) * 1e-9;
-    if (outcome == RunOutcome::Aborted)
+    if (outcome == RunOutcome::Aborted) {
         throw CliFailure(QStringLiteral("unmixing aborted by user"), CliFailure::Aborted);
-    if (engine.hasError())
+    }
+    if (engine.hasError()) {
         throw CliFailure(engine.getErrorText());
+    }
     CliSession::stopIfInterrupted();
     showPictures();
     const bool corrected = isAutomatic() && m_request.automatic.correctDecay;
     m_numbers = numbersOfResult(engine, m_setUp.opened().truthFolder(engine.m_eUnit, corrected));
     m_numbers.seconds = seconds;
     m_numbers.automatic = isAutomatic();
-    if (isAutomatic() && m_numbers.facts.ending == MCR::Ending::IterationLimit)
+    if (isAutomatic() && m_numbers.facts.ending == MCR::Ending::IterationLimit) {
         m_session.warn(QStringLiteral("Maximum iteration number is reached!"));
+    }
 }

@@ -29,19 +29,22 @@ UnmixedMapLinks::UnmixedMapLinks(const CORVSequenceDataset& sequence)
         Link link{
             dataset->getClickNumber(),        text(UnmixedMapKeys::kSequence), text(UnmixedMapKeys::kConcentration),
             text(UnmixedMapKeys::kComponent), text(ClickKeys::kStoredUnit),    spotOf(*dataset)};
-        if (link.sequence.isEmpty() || link.concentration.isEmpty())
+        if (link.sequence.isEmpty() || link.concentration.isEmpty()) {
             m_bComplete = false;
-        else
+        } else {
             m_links.append(link);
+        }
     }
 }
 
 QStringList UnmixedMapLinks::sources() const
 {
     QStringList ids;
-    for (const auto& link : m_links)
-        if (!ids.contains(link.sequence))
+    for (const auto& link : m_links) {
+        if (!ids.contains(link.sequence)) {
             ids.append(link.sequence);
+        }
+    }
     return ids;
 }
 
@@ -50,20 +53,22 @@ QString UnmixedMapLinks::toText() const
     TextTable table({QStringLiteral("map"), QStringLiteral("component"), QStringLiteral("spot"),
                      QStringLiteral("stored in"), QString::fromLatin1(UnmixedMapKeys::kConcentration),
                      QString::fromLatin1(UnmixedMapKeys::kSequence)});
-    for (const auto& link : m_links)
+    for (const auto& link : m_links) {
         table.addRow({link.click, link.component, link.spot, link.unit, link.concentration, link.sequence});
+    }
     return table.toText();
 }
 
 QJsonArray UnmixedMapLinks::toJson() const
 {
     QJsonArray maps;
-    for (const auto& link : m_links)
+    for (const auto& link : m_links) {
         maps.append(QJsonObject{{"image", link.click},
                                 {"component", link.component},
                                 {"spot", link.spot},
                                 {"storedUnit", link.unit},
                                 {"unmixedConcentration", link.concentration},
                                 {"spectralUnmixSeqDataset", link.sequence}});
+    }
     return maps;
 }

@@ -46,12 +46,14 @@ void light(const SimulationOptions& options, const FilterPair& pair, Band& band)
         options.gain / (CameraFigures::quantumEfficiency(pair.emission) * CameraFigures::kTransmission);
     band.firstKey = pair.excitation > 0 ? QString::number(pair.excitation) : QString::fromLatin1(kBlock);
     band.secondKey = QString::number(pair.emission);
-    if (pair.excitation <= 0)
+    if (pair.excitation <= 0) {
         return;
+    }
     band.irradiance = CameraFigures::irradiance(pair.excitation);
     band.referenceRadiance = whiteRadiance(band.irradiance, pair.excitation);
-    if (options.kind == SimulationKind::Transillumination)
+    if (options.kind == SimulationKind::Transillumination) {
         band.referenceRadiance *= kTransmittedShare;
+    }
 }
 
 // Keys of an image of a temporal sequence: as its click info tells them, or as images without times are numbered.
@@ -70,12 +72,15 @@ void setTime(const SimulationOptions& options, int index, Band& band)
 // Band::timeSeconds of image `index`, which follows `before`.
 double startOf(const SimulationOptions& options, int index, const QList<Band>& before)
 {
-    if (options.kind == SimulationKind::Temporal)
+    if (options.kind == SimulationKind::Temporal) {
         return timesOf(options).at(index);
-    if (options.kind == SimulationKind::Cherenkov)
+    }
+    if (options.kind == SimulationKind::Cherenkov) {
         return index * bandStepSeconds(options);
-    if (before.isEmpty())
+    }
+    if (before.isEmpty()) {
         return 0.0;
+    }
     return before.last().timeSeconds +
            static_cast<double>(kReadOutMilliseconds + milliseconds(before.last().exposureSeconds)) / 1000.0;
 }
@@ -83,12 +88,15 @@ double startOf(const SimulationOptions& options, int index, const QList<Band>& b
 void setDecay(const SimulationOptions& options, QList<Band>& bands)
 {
     QVector<Exposure> exposures;
-    for (const Band& band : bands)
+    for (const Band& band : bands) {
         exposures.append({static_cast<double>(band.start.toMSecsSinceEpoch()) / 1000.0, band.exposureSeconds});
+    }
     QVector<double> factors;
-    if (decayCorrectionFactors(exposures, CORVDatabase::getCherenkovRADHalflife(options.isotope), factors))
-        for (int i = 0; i < bands.size(); ++i)
+    if (decayCorrectionFactors(exposures, CORVDatabase::getCherenkovRADHalflife(options.isotope), factors)) {
+        for (int i = 0; i < bands.size(); ++i) {
             bands[i].decayCorrection = factors.at(i);
+        }
+    }
 }
 
 void set(CPLSection& section, const char* pKey, const QString& strValue)
@@ -115,10 +123,12 @@ CPLSection luminescentSection(const SimulationOptions& options, const Band& band
     set(section, kAcquisitionTime, band.start.toString(QStringLiteral("HH:mm:ss.zzz")));
     set(section, kProbe, strProbes);
     set(section, kSubjectType, options.subject);
-    if (isFluorescent(options.kind))
+    if (isFluorescent(options.kind)) {
         set(section, kExcitationIrradiance, band.irradiance);
-    if (options.kind == SimulationKind::Epi || options.kind == SimulationKind::Temporal)
+    }
+    if (options.kind == SimulationKind::Epi || options.kind == SimulationKind::Temporal) {
         set(section, kReferenceRadiance, band.referenceRadiance);
+    }
     if (options.kind == SimulationKind::Transillumination) {
         set(section, kFLXSpot, band.spotX);
         set(section, kFLYSpot, band.spotY);
@@ -168,16 +178,18 @@ QList<Band> planBands(const SimulationOptions& options, const QList<FilterPair>&
         band.clickNumber = QStringLiteral("%1_%2").arg(strPrefix).arg(i + 1, 3, 10, QLatin1Char('0'));
         band.timeSeconds = startOf(options, i, bands);
         band.start = begin.addMSecs(milliseconds(band.timeSeconds));
-        if (temporal)
+        if (temporal) {
             setTime(options, i, band);
+        }
         if (!spots.isEmpty()) {
             band.spotX = spots.at(i / each).xText();
             band.spotY = spots.at(i / each).yText();
         }
         bands.append(band);
     }
-    if (options.kind == SimulationKind::Cherenkov)
+    if (options.kind == SimulationKind::Cherenkov) {
         setDecay(options, bands);
+    }
     return bands;
 }
 
@@ -203,17 +215,22 @@ CPLClickInfo describeBand(const SimulationOptions& options, const Band& band, in
 
 double unitOfCount(const SimulationOptions& options, const Band& band, tag_edisplayunit eUnit)
 {
-    if (eUnit == DISPLAYUNIT_COUNTS)
+    if (eUnit == DISPLAYUNIT_COUNTS) {
         return 1.0;
-    if (eUnit != DISPLAYUNIT_RADIANCE && !isFluorescent(options.kind))
+    }
+    if (eUnit != DISPLAYUNIT_RADIANCE && !isFluorescent(options.kind)) {
         return 0.0;
+    }
     double factor = 0.0;
     const CPLClickInfo info = describeBand(options, band, options.binning, QString());
-    if (!radianceOfCount(info, IMAGETYPE_MAIN_DATA, std::nullopt, &factor, nullptr))
+    if (!radianceOfCount(info, IMAGETYPE_MAIN_DATA, std::nullopt, &factor, nullptr)) {
         return 0.0;
-    if (eUnit == DISPLAYUNIT_RADIANT_EFFICIENCY)
+    }
+    if (eUnit == DISPLAYUNIT_RADIANT_EFFICIENCY) {
         factor /= band.irradiance;
-    if (eUnit == DISPLAYUNIT_EFFICIENCY)
+    }
+    if (eUnit == DISPLAYUNIT_EFFICIENCY) {
         factor /= band.referenceRadiance;
+    }
     return factor;
 }

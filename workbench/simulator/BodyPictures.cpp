@@ -22,17 +22,19 @@ template <typename Pixel, typename Value>
 CILImage picture(const MouseShape& shape, ORVDataTypes eType, int side, const Value& value)
 {
     CILImage image;
-    if (side < 1 || image.InitWithType(eType, side, side) != EIL_SUCCESS)
+    if (side < 1 || image.InitWithType(eType, side, side) != EIL_SUCCESS) {
         return image;
+    }
     auto* pPixels = static_cast<Pixel*>(image.m_pData);
     const double step = MouseShape::kFieldOfView / side;
     XTNT::parallelChunks(side, 4, [&](long long begin, long long end) {
-        for (long long row = begin; row < end; ++row)
+        for (long long row = begin; row < end; ++row) {
             for (int column = 0; column < side; ++column) {
                 const double x = (column + 0.5) * step - 0.5 * MouseShape::kFieldOfView;
                 const double y = (static_cast<double>(row) + 0.5) * step - 0.5 * MouseShape::kFieldOfView;
                 pPixels[row * side + column] = static_cast<Pixel>(std::lround(value(x, y, shape.at(x, y))));
             }
+        }
     });
     image.RefreshImageStats();
     return image;
@@ -48,11 +50,13 @@ double bone(const MouseShape& shape, double x, double y)
 {
     const double across = x - shape.spineShift(y);
     double content = 0.0;
-    if (y > -2.7 && y < 2.4)
+    if (y > -2.7 && y < 2.4) {
         content += bump(across, 0.07) * (0.75 + 0.25 * std::cos(kTurn * y / 0.16)); // vertebrae
-    if (y > -1.7 && y < 0.1 && std::fabs(across) < 0.85)
+    }
+    if (y > -1.7 && y < 0.1 && std::fabs(across) < 0.85) {
         content += 0.22 * bump(std::remainder(y + 0.35 * std::fabs(across), 0.15), 0.02); // ribs
-    content += 0.5 * bump(std::hypot(across / 0.42, (y + 3.3) / 0.6) - 1.0, 0.12);        // skull
+    }
+    content += 0.5 * bump(std::hypot(across / 0.42, (y + 3.3) / 0.6) - 1.0, 0.12); // skull
     return content;
 }
 

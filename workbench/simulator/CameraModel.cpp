@@ -11,8 +11,9 @@ CILImage CameraModel::expose(const std::vector<double>& expectedCounts, int side
                              bool* pSaturated) const
 {
     CILImage image;
-    if (image.InitWithType(ORVTYPE_USHORT, side, side) != EIL_SUCCESS)
+    if (image.InitWithType(ORVTYPE_USHORT, side, side) != EIL_SUCCESS) {
         return image;
+    }
     auto* pPixels = static_cast<std::uint16_t*>(image.m_pData);
     XTNT::parallelChunks(side, 1, [&](long long begin, long long end) {
         for (long long row = begin; row < end; ++row) {
@@ -26,16 +27,18 @@ CILImage CameraModel::expose(const std::vector<double>& expectedCounts, int side
         }
     });
     image.RefreshImageStats();
-    if (pSaturated != nullptr)
+    if (pSaturated != nullptr) {
         *pSaturated = image.Max() >= kHighestCount;
+    }
     return image;
 }
 
 CILImage exactImage(const std::vector<double>& expectedCounts, int side)
 {
     CILImage image;
-    if (image.InitWithType(ORVTYPE_FLOAT, side, side) != EIL_SUCCESS)
+    if (image.InitWithType(ORVTYPE_FLOAT, side, side) != EIL_SUCCESS) {
         return image;
+    }
     std::transform(expectedCounts.begin(), expectedCounts.end(), image.floats(),
                    [](double value) { return static_cast<float>(value); });
     image.RefreshImageStats();

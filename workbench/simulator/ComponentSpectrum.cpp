@@ -11,8 +11,9 @@ double meanOverFilter(int centre, Function value)
 {
     constexpr int kHalf = FilterPlan::kBandwidthNm / 2;
     double sum = 0.0;
-    for (int offset = -kHalf; offset <= kHalf; ++offset)
+    for (int offset = -kHalf; offset <= kHalf; ++offset) {
         sum += (offset == -kHalf || offset == kHalf ? 0.5 : 1.0) * value(static_cast<double>(centre + offset));
+    }
     return sum / FilterPlan::kBandwidthNm;
 }
 
@@ -34,10 +35,12 @@ std::vector<double> componentSpectrum(const SceneComponent& component, const Tis
                    tissue.transmission(nm, component.depthMm);
         });
         double electrons = band.exposureSeconds * (excited ? band.irradiance : 1.0) * in * out;
-        if (component.course)
+        if (component.course) {
             electrons *= component.course->at(band.timeSeconds + 0.5 * band.exposureSeconds);
-        if (component.decays)
+        }
+        if (component.decays) {
             electrons /= band.decayCorrection;
+        }
         spectrum.push_back(electrons);
     }
     return spectrum;

@@ -32,16 +32,18 @@ struct LitPart
 LitPart litPart(const std::vector<double>& grid, int side)
 {
     LitPart part{side, -1, side, -1};
-    for (int row = 0; row < side; ++row)
+    for (int row = 0; row < side; ++row) {
         for (int column = 0; column < side; ++column) {
             if (grid[static_cast<std::size_t>(row) * static_cast<std::size_t>(side) +
-                     static_cast<std::size_t>(column)] == 0.0)
+                     static_cast<std::size_t>(column)] == 0.0) {
                 continue;
+            }
             part.top = std::min(part.top, row);
             part.bottom = row;
             part.left = std::min(part.left, column);
             part.right = std::max(part.right, column);
         }
+    }
     return part;
 }
 
@@ -69,15 +71,18 @@ void DepthBlur::sample(const Density& density)
     const auto width = static_cast<std::size_t>(m_side);
     m_grid.assign(width * width, 0.0);
     XTNT::parallelChunks(m_side, 8, [&](long long begin, long long end) {
-        for (auto row = static_cast<std::size_t>(begin); row < static_cast<std::size_t>(end); ++row)
+        for (auto row = static_cast<std::size_t>(begin); row < static_cast<std::size_t>(end); ++row) {
             for (std::size_t column = 0; column < width; ++column) {
                 double sum = 0.0;
-                for (int i = 0; i < kSubsamples; ++i)
-                    for (int j = 0; j < kSubsamples; ++j)
+                for (int i = 0; i < kSubsamples; ++i) {
+                    for (int j = 0; j < kSubsamples; ++j) {
                         sum += density((static_cast<double>(column) + 0.5 + subOffset(j)) * m_step - 0.5 * m_field,
                                        (static_cast<double>(row) + 0.5 + subOffset(i)) * m_step - 0.5 * m_field);
+                    }
+                }
                 m_grid[row * width + column] = sum / (kSubsamples * kSubsamples);
             }
+        }
     });
 }
 
@@ -87,20 +92,24 @@ std::vector<double> DepthBlur::makeKernel(const TissueOptics& tissue, double dep
     std::vector<double> kernel(static_cast<std::size_t>(side) * static_cast<std::size_t>(side), 0.0);
     const double end = tissue.surfaceSpread(kReferenceNm, depthMm, 10.0 * reachCm); // taken off: no step at the end
     double total = 0.0;
-    for (int row = -reach; row <= reach; ++row)
+    for (int row = -reach; row <= reach; ++row) {
         for (int column = -reach; column <= reach; ++column) {
             double sum = 0.0;
-            for (int i = 0; i < kSubsamples; ++i)
+            for (int i = 0; i < kSubsamples; ++i) {
                 for (int j = 0; j < kSubsamples; ++j) {
                     const double distance = m_step * std::hypot(row + subOffset(i), column + subOffset(j));
-                    if (distance < reachCm)
+                    if (distance < reachCm) {
                         sum += tissue.surfaceSpread(kReferenceNm, depthMm, 10.0 * distance) - end;
+                    }
                 }
+            }
             kernel[static_cast<std::size_t>((row + reach) * side + column + reach)] = sum;
             total += sum;
         }
-    for (double& value : kernel)
+    }
+    for (double& value : kernel) {
         value /= total;
+    }
     return kernel;
 }
 
@@ -111,9 +120,10 @@ void DepthBlur::convolve(const std::vector<double>& kernel, int reach)
     const auto span = static_cast<std::size_t>(2 * reach + 1);
     const std::size_t wide = side + span - 1;
     std::vector<double> padded(wide * wide, 0.0);
-    for (std::size_t row = 0; row < side; ++row)
+    for (std::size_t row = 0; row < side; ++row) {
         std::copy_n(m_grid.begin() + static_cast<std::ptrdiff_t>(row * side), side,
                     padded.begin() + static_cast<std::ptrdiff_t>((row + span / 2) * wide + span / 2));
+    }
     const LitPart lit = litPart(m_grid, m_side);
     std::fill(m_grid.begin(), m_grid.end(), 0.0);
     XTNT::parallelChunks(m_side, 4, [&](long long begin, long long end) {
@@ -121,15 +131,17 @@ void DepthBlur::convolve(const std::vector<double>& kernel, int reach)
             double* __restrict pOut = m_grid.data() + row * side;
             for (std::size_t i = 0; i < span; ++i) {
                 const int source = static_cast<int>(row + i) - reach;
-                if (source < lit.top || source > lit.bottom)
+                if (source < lit.top || source > lit.bottom) {
                     continue;
+                }
                 for (std::size_t j = 0; j < span; ++j) {
                     const double weight = kernel[i * span + j];
                     const double* __restrict pIn = padded.data() + (row + i) * wide + j;
                     const int shift = reach - static_cast<int>(j);
                     const int last = std::min(m_side - 1, lit.right + shift);
-                    for (int column = std::max(0, lit.left + shift); column <= last; ++column)
+                    for (int column = std::max(0, lit.left + shift); column <= last; ++column) {
                         pOut[column] += weight * pIn[column];
+                    }
                 }
             }
         }
@@ -138,8 +150,9 @@ void DepthBlur::convolve(const std::vector<double>& kernel, int reach)
 
 double DepthBlur::node(int row, int column) const
 {
-    if (row < 0 || column < 0 || row >= m_side || column >= m_side)
+    if (row < 0 || column < 0 || row >= m_side || column >= m_side) {
         return 0.0;
+    }
     return m_grid[static_cast<std::size_t>(row) * static_cast<std::size_t>(m_side) + static_cast<std::size_t>(column)];
 }
 
@@ -147,14 +160,16 @@ double DepthBlur::at(double x, double y) const
 {
     const double u = (x + 0.5 * m_field) / m_step - 0.5;
     const double v = (y + 0.5 * m_field) / m_step - 0.5;
-    if (!(std::fabs(u) < 1e6 && std::fabs(v) < 1e6))
+    if (!(std::fabs(u) < 1e6 && std::fabs(v) < 1e6)) {
         return 0.0;
+    }
     const int column = static_cast<int>(std::floor(u));
     const int row = static_cast<int>(std::floor(v));
     double lines[4];
-    for (int i = 0; i < 4; ++i)
+    for (int i = 0; i < 4; ++i) {
         lines[i] = cubic(node(row + i - 1, column - 1), node(row + i - 1, column), node(row + i - 1, column + 1),
                          node(row + i - 1, column + 2), u - column);
+    }
     // The interpolation may swing below 0 at an edge; light does not.
     return std::max(0.0, cubic(lines[0], lines[1], lines[2], lines[3], v - row));
 }

@@ -27,8 +27,9 @@ constexpr int kFinestSteps[] = {20, 10, 5, 2, 1};
 double bluestPeak(const QList<Probe>& probes)
 {
     double peak = 1000.0;
-    for (const Probe& probe : probes)
+    for (const Probe& probe : probes) {
         peak = std::min(peak, probe.emission.peak());
+    }
     return peak;
 }
 
@@ -40,8 +41,9 @@ QList<int> chooseExcitations(int count, const QList<Probe>& probes)
     const int before = kWholeSteps * qRound((bluestPeak(probes) - kBeforeEmission) / kWholeSteps);
     const int first = std::max(kShortestNm, std::min(before, kLastChosenNm) - (filters - 1) * kExcitationStep);
     QList<int> excitations;
-    for (int i = 0; i < filters; ++i)
+    for (int i = 0; i < filters; ++i) {
         excitations.append(first + i * kExcitationStep);
+    }
     return excitations;
 }
 
@@ -58,8 +60,9 @@ bool place(int count, const QList<int>& excitations, int step, QList<FilterPair>
         const int share = count / excitations.size() + (i < count % excitations.size() ? 1 : 0);
         int emission = firstEmission(excitations.at(i), step);
         for (int j = 0; j < share; ++j, emission += step) {
-            if (emission > FilterPlan::kLongestNm)
+            if (emission > FilterPlan::kLongestNm) {
                 return false;
+            }
             pairs.append({excitations.at(i), emission});
         }
     }
@@ -69,16 +72,19 @@ bool place(int count, const QList<int>& excitations, int step, QList<FilterPair>
 
 QString checkExcitations(const QList<int>& excitations)
 {
-    if (excitations.size() > kMostExcitations)
+    if (excitations.size() > kMostExcitations) {
         return QStringLiteral("There are more than %1 excitation filters.").arg(kMostExcitations);
+    }
     for (int i = 0; i < excitations.size(); ++i) {
-        if (excitations.at(i) < kShortestNm || excitations.at(i) > kLongestExcitationNm)
+        if (excitations.at(i) < kShortestNm || excitations.at(i) > kLongestExcitationNm) {
             return QStringLiteral("An excitation filter must lie between %1 and %2 nm, not at %3.")
                 .arg(kShortestNm)
                 .arg(kLongestExcitationNm)
                 .arg(excitations.at(i));
-        if (excitations.indexOf(excitations.at(i)) != i)
+        }
+        if (excitations.indexOf(excitations.at(i)) != i) {
             return QStringLiteral("The excitation filter %1 nm is given twice.").arg(excitations.at(i));
+        }
     }
     return QString();
 }
@@ -89,13 +95,16 @@ bool FilterPlan::choose(int count, const QList<int>& excitations, const QList<Pr
                         QString* pError)
 {
     *pError = checkExcitations(excitations);
-    if (!pError->isEmpty())
+    if (!pError->isEmpty()) {
         return false;
+    }
     QList<int> filters = excitations.isEmpty() ? chooseExcitations(count, probes) : excitations;
     std::sort(filters.begin(), filters.end());
-    for (const int step : kFinestSteps)
-        if (place(count, filters, step, pPairs))
+    for (const int step : kFinestSteps) {
+        if (place(count, filters, step, pPairs)) {
             return true;
+        }
+    }
     *pError =
         QStringLiteral("There is no room for %1 bands between these excitations and %2 nm.").arg(count).arg(kLongestNm);
     return false;
@@ -104,11 +113,13 @@ bool FilterPlan::choose(int count, const QList<int>& excitations, const QList<Pr
 bool FilterPlan::chooseEmissions(int count, int firstNm, QList<FilterPair>* pPairs, QString* pError)
 {
     for (const int step : kFinestSteps) {
-        if (firstNm + (count - 1) * step > kLongestNm)
+        if (firstNm + (count - 1) * step > kLongestNm) {
             continue;
+        }
         pPairs->clear();
-        for (int i = 0; i < count; ++i)
+        for (int i = 0; i < count; ++i) {
             pPairs->append({0, firstNm + i * step});
+        }
         return true;
     }
     *pError =
@@ -120,16 +131,19 @@ bool FilterPlan::chooseOne(const QList<int>& excitations, const QList<Probe>& pr
                            QString* pError)
 {
     *pError = checkExcitations(excitations);
-    if (pError->isEmpty() && excitations.size() > 1)
+    if (pError->isEmpty() && excitations.size() > 1) {
         *pError = QStringLiteral("A temporal sequence has one excitation filter, not %1.").arg(excitations.size());
-    if (!pError->isEmpty())
+    }
+    if (!pError->isEmpty()) {
         return false;
+    }
     const int before = kWholeSteps * qRound((bluestPeak(probes) - kBeforeEmission) / kWholeSteps);
     pPair->excitation =
         excitations.isEmpty() ? std::max(kShortestNm, std::min(before, kLastForTimes)) : excitations.first();
     double mean = 0.0;
-    for (const Probe& probe : probes)
+    for (const Probe& probe : probes) {
         mean += probe.emission.peak() / probes.size();
+    }
     pPair->emission = std::max(firstEmission(pPair->excitation, kCoarseStep), kCoarseStep * qRound(mean / kCoarseStep));
     pPair->emission = std::min(pPair->emission, kLongestNm);
     return true;
@@ -137,20 +151,24 @@ bool FilterPlan::chooseOne(const QList<int>& excitations, const QList<Probe>& pr
 
 bool choosePairs(const SimulationOptions& options, QList<FilterPair>* pPairs, QString* pError)
 {
-    if (options.kind == SimulationKind::Cherenkov)
+    if (options.kind == SimulationKind::Cherenkov) {
         return FilterPlan::chooseEmissions(options.bands, kCherenkovEmissionNm, pPairs, pError);
+    }
     QList<Probe> probes;
-    if (!resolveProbes(options.probes, lightOf(options.kind), &probes, pError))
+    if (!resolveProbes(options.probes, lightOf(options.kind), &probes, pError)) {
         return false;
+    }
     if (options.kind == SimulationKind::Luminescent) {
         const int first = kCoarseStep * qRound((bluestPeak(probes) - kBeforePeak) / kCoarseStep);
         return FilterPlan::chooseEmissions(options.bands, std::max(first, kShortestEmissionNm), pPairs, pError);
     }
-    if (options.kind != SimulationKind::Temporal)
+    if (options.kind != SimulationKind::Temporal) {
         return FilterPlan::choose(options.bands, options.excitationsNm, probes, pPairs, pError);
+    }
     FilterPair pair{0, 0};
-    if (!FilterPlan::chooseOne(options.excitationsNm, probes, &pair, pError))
+    if (!FilterPlan::chooseOne(options.excitationsNm, probes, &pair, pError)) {
         return false;
+    }
     *pPairs = {pair};
     return true;
 }

@@ -16,8 +16,9 @@ using Entries = QList<QPair<QString, QString>>;
 void addSection(CPLClickInfo& info, const QString& strKey, const Entries& entries)
 {
     CPLSection section(strKey);
-    for (const auto& entry : entries)
+    for (const auto& entry : entries) {
         section.addKeyValue(entry.first, entry.second);
+    }
     info.addSection(&section);
 }
 
@@ -52,8 +53,9 @@ void addRegions(CPLClickInfo& info, double side)
 {
     const auto outline = [side](std::initializer_list<tagROIInfo::Point> shares) {
         QVector<tagROIInfo::Point> points;
-        for (const tagROIInfo::Point& share : shares)
+        for (const tagROIInfo::Point& share : shares) {
             points.append({std::round(share.x * side), std::round(share.y * side)});
+        }
         return points;
     };
     tagROIInfo rectangle;
@@ -76,8 +78,9 @@ void addRegions(CPLClickInfo& info, double side)
     freehand.shape = ROISHAPE_FREEHAND;
     freehand.points = outline({{0.42, 0.36}, {0.45, 0.33}, {0.48, 0.34}, {0.49, 0.38}, {0.46, 0.40}, {0.43, 0.39}});
     CROIManager regions;
-    for (const tagROIInfo& region : {rectangle, ellipse, polygon, freehand})
+    for (const tagROIInfo& region : {rectangle, ellipse, polygon, freehand}) {
         regions.addRegion(region);
+    }
     regions.saveROIData(&info);
 }
 
@@ -89,8 +92,9 @@ bool FullDataset::prepare(const SimulationOptions& options, const MouseShape& sh
     m_reference = takeStructuredLight(shape, side, false);
     m_structure = takeStructuredLight(shape, side, true);
     m_xRay = takeXRay(shape, side);
-    for (CILImage* pImage : {&m_reference, &m_structure, &m_xRay})
+    for (CILImage* pImage : {&m_reference, &m_structure, &m_xRay}) {
         pImage->m_fBinning = photograph.m_fBinning;
+    }
     m_pPhotograph = &photograph;
     m_bExcited = isFluorescent(options.kind);
     return !m_reference.isEmpty() && !m_structure.isEmpty() && !m_xRay.isEmpty();
@@ -114,15 +118,17 @@ void FullDataset::addTo(DatasetDescription& dataset, SequenceWriter::Images& ima
     for (const char* pKey :
          {ClickKeys::kExposureTime, ClickKeys::kBinning, ClickKeys::kFNumber, ClickKeys::kReadBiasLevel}) {
         QString value;
-        if (luminescent.getValue(text(pKey), &value) == 0)
+        if (luminescent.getValue(text(pKey), &value) == 0) {
             set(main, pKey, value);
+        }
     }
     set(main, ClickKeys::kBackgroundCorrected, text("0"));
     dataset.info.addSection(&main);
     images.append({IMAGETYPE_MAIN_DATA, &data});
     addNotes(dataset.info);
-    if (!bFirst)
+    if (!bFirst) {
         return;
+    }
     addRegions(dataset.info, static_cast<double>(data.m_fBinning) * static_cast<double>(data.m_lWidth));
     images.append({IMAGETYPE_REFERENCE, &m_reference});
     addAcquisition(dataset.info, IMAGETYPE_REFERENCE, m_reference, "0.2");

@@ -45,10 +45,12 @@ TimeCourse Kinetics::tracer(int index)
 QList<double> Kinetics::standardTimes()
 {
     QList<double> times;
-    for (double t = 0.0; t <= kFastEnd; t += kFastStep)
+    for (double t = 0.0; t <= kFastEnd; t += kFastStep) {
         times.append(t);
-    for (double t = kFastEnd + kSlowStep; t <= kSlowEnd; t += kSlowStep)
+    }
+    for (double t = kFastEnd + kSlowStep; t <= kSlowEnd; t += kSlowStep) {
         times.append(t);
+    }
     return times;
 }
 

@@ -52,10 +52,12 @@ Relief buildRelief(const MouseShape& shape, int side)
     const auto width = static_cast<std::size_t>(relief.side);
     relief.points.resize(width * width);
     XTNT::parallelChunks(relief.side, 8, [&](long long begin, long long end) {
-        for (long long row = begin; row < end; ++row)
-            for (int column = 0; column < relief.side; ++column)
+        for (long long row = begin; row < end; ++row) {
+            for (int column = 0; column < relief.side; ++column) {
                 relief.points[static_cast<std::size_t>(row) * width + static_cast<std::size_t>(column)] =
                     shape.at(place(column, relief.step), place(static_cast<int>(row), relief.step));
+            }
+        }
     });
     return relief;
 }
@@ -74,15 +76,17 @@ public:
     double grey(double x, double y, const MouseShape::Point& point, double slopeX, double slopeY, double shade) const
     {
         constexpr double kBeyondHair = 0.12; // cm
-        if (point.distance > kBeyondHair)
+        if (point.distance > kBeyondHair) {
             return bedGrey(x, y, shade);
+        }
         const double strands = fur(x, y);
         // Hairs stand out over the edge of the coat.
         const double ragged = point.distance - 0.045 * point.fur * strands;
         const double coverage = MouseShape::coverage(ragged, 0.03 + 0.05 * point.fur);
         const double bed = coverage < 1.0 ? bedGrey(x, y, shade) : 0.0;
-        if (coverage <= 0.0)
+        if (coverage <= 0.0) {
             return bed;
+        }
         const double albedo = skinAlbedo(x, y) * (1.0 - point.fur) + coatAlbedo(x, y, strands) * point.fur;
         const double body = albedo * light(slopeX, slopeY, strands * point.fur) * creaseLight(point);
         return bed + coverage * (features(x, y, body) - bed);
@@ -167,8 +171,9 @@ private:
 CILImage takeMousePhotograph(const MouseShape& shape, int side, std::uint64_t seed)
 {
     CILImage photograph;
-    if (photograph.InitWithType(ORVTYPE_BYTE, side, side) != EIL_SUCCESS)
+    if (photograph.InitWithType(ORVTYPE_BYTE, side, side) != EIL_SUCCESS) {
         return photograph;
+    }
     const Relief relief = buildRelief(shape, side);
     const Painter painter(shape, seed);
     unsigned char* pPixels = photograph.bytes();

@@ -50,8 +50,9 @@ void MouseShape::addBody()
                                  {-2.85, 0.80}, {-2.40, 0.86}, {-1.85, 1.05}, {-1.10, 1.18}, {-0.20, 1.34},
                                  {0.65, 1.52},  {1.40, 1.55},  {2.05, 1.33},  {2.50, 0.98},  {2.85, 0.55}};
     std::vector<TubePath::Node> nodes;
-    for (const auto& row : outline)
+    for (const auto& row : outline) {
         nodes.push_back({spineShift(row[0]), row[0], row[1]});
+    }
     m_parts.push_back({TubePath(nodes, 5), 0.05, kTrunkFlatness, 1.0, 1.0, false});
     measureTrunk(nodes);
 }
@@ -66,8 +67,9 @@ void MouseShape::measureTrunk(const std::vector<TubePath::Node>& nodes)
         const double y = kTrunkTop + i * kTrunkStep;
         double inside = 0.0;
         double outside = 2.5;
-        if (tube.nearest(spineShift(y), y).edgeDistance() >= 0.0)
+        if (tube.nearest(spineShift(y), y).edgeDistance() >= 0.0) {
             continue;
+        }
         while (outside - inside > 1e-4) {
             const double middle = 0.5 * (inside + outside);
             (tube.nearest(spineShift(y) + middle, y).edgeDistance() < 0.0 ? inside : outside) = middle;
@@ -90,8 +92,9 @@ void MouseShape::measureTrunk(const std::vector<TubePath::Node>& nodes)
 double MouseShape::trunkHeight(double x, double y) const
 {
     const double position = (y - kTrunkTop) / kTrunkStep;
-    if (!(position > 0.0) || position >= kTrunkSteps - 1)
+    if (!(position > 0.0) || position >= kTrunkSteps - 1) {
         return 0.0;
+    }
     const auto index = static_cast<std::size_t>(position);
     const double t = position - static_cast<double>(index);
     const double square = m_trunkSquares[index] * (1.0 - t) + m_trunkSquares[index + 1] * t;
@@ -177,8 +180,9 @@ MouseShape::Point MouseShape::at(double x, double y) const
     double furWeight = 0.0;
     double fur = 0.0;
     for (const Part& part : m_parts) {
-        if (!part.path.mayReach(x, y, kCulling))
+        if (!part.path.mayReach(x, y, kCulling)) {
             continue;
+        }
         const TubePath::Nearest nearest = part.path.nearest(x, y);
         const double edge = nearest.edgeDistance();
         point.distance = meltMinimum(point.distance, edge, part.blend);
@@ -207,8 +211,9 @@ double MouseShape::coverage(double distance, double softness)
 double MouseShape::alongTail(double x, double y) const
 {
     const TubePath& tail = m_parts[m_tail].path;
-    if (!tail.mayReach(x, y, 0.0))
+    if (!tail.mayReach(x, y, 0.0)) {
         return -1.0;
+    }
     const TubePath::Nearest nearest = tail.nearest(x, y);
     return nearest.edgeDistance() < 0.0 ? nearest.along : -1.0;
 }

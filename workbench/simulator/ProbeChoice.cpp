@@ -20,8 +20,9 @@ using ReadSource = bool (*)(const QString& strName, sSourceSpecFileParameters* p
 bool readCurve(const QString& strSource, SpectralCurve* pCurve, ReadSource pRead = &CORVDatabase::readLIBSource)
 {
     sSourceSpecFileParameters source;
-    if (!pRead(strSource, &source) || source.n < 1)
+    if (!pRead(strSource, &source) || source.n < 1) {
         return false;
+    }
     *pCurve = SpectralCurve(source.wavelength, source.intensity, SpectralCurve::Beyond::Zero);
     return true;
 }
@@ -52,9 +53,11 @@ int editDistance(const QString& strA, const QString& strB)
 QString comparable(const QString& strText)
 {
     QString text;
-    for (const QChar c : strText.toLower())
-        if (c.isLetterOrNumber())
+    for (const QChar c : strText.toLower()) {
+        if (c.isLetterOrNumber()) {
             text.append(c);
+        }
+    }
     return text;
 }
 
@@ -64,19 +67,23 @@ QString unknownProbe(const QString& strName, ProbeLight eLight)
     QStringList keys;
     QHash<QString, QString> nameOf;
     for (const sProbeParameters& probe : CORVDatabase::probeList()) {
-        if (probe.kind != lightName(eLight))
+        if (probe.kind != lightName(eLight)) {
             continue;
+        }
         for (const QString& key : QStringList(probe.name) + probe.aliases) {
             keys.append(key);
             nameOf.insert(key, probe.name);
         }
     }
     QStringList similar;
-    for (const QString& key : similarNames(strName, keys, 9))
-        if (!similar.contains(nameOf.value(key)) && similar.size() < 3)
+    for (const QString& key : similarNames(strName, keys, 9)) {
+        if (!similar.contains(nameOf.value(key)) && similar.size() < 3) {
             similar.append(nameOf.value(key));
-    if (similar.isEmpty())
+        }
+    }
+    if (similar.isEmpty()) {
         return QStringLiteral("There is no probe \"%1\", and the reference data hold none at all.").arg(strName);
+    }
     return QStringLiteral("There is no probe \"%1\"; did you mean %2?")
         .arg(strName, QStringLiteral("\"%1\"").arg(similar.join(QStringLiteral("\", \""))));
 }
@@ -101,8 +108,9 @@ bool resolveProbe(const QString& strName, ProbeLight eLight, Probe* pProbe, QStr
         *pError = QStringLiteral("The reference data hold no emission of \"%1\".").arg(parameters.name);
         return false;
     }
-    if (eLight == ProbeLight::Luciferase)
+    if (eLight == ProbeLight::Luciferase) {
         return true;
+    }
     if (!readCurve(parameters.name + QStringLiteral("Ex"), &pProbe->excitation)) {
         pProbe->excitation = estimateExcitation(parameters.name, pProbe->emission);
         pProbe->excitationIsEstimate = true;
@@ -146,13 +154,15 @@ bool resolveProbes(const QStringList& names, ProbeLight eLight, QList<Probe>* pP
     QList<Probe> probes;
     for (const QString& name : names) {
         Probe probe;
-        if (!resolveProbe(name, eLight, &probe, pError))
+        if (!resolveProbe(name, eLight, &probe, pError)) {
             return false;
-        for (const Probe& other : probes)
+        }
+        for (const Probe& other : probes) {
             if (other.name == probe.name) {
                 *pError = QStringLiteral("The probe \"%1\" is given twice.").arg(probe.name);
                 return false;
             }
+        }
         probes.append(probe);
     }
     *pProbes = probes;
@@ -180,9 +190,11 @@ bool readAutofluorescence(const QString& strName, Probe* pProbe)
 QString probeText(const QString& strName)
 {
     QString text = strName;
-    if (text.startsWith(QLatin1String("AlexaFluor ")))
+    if (text.startsWith(QLatin1String("AlexaFluor "))) {
         return text.replace(QLatin1String("AlexaFluor "), QLatin1String("AF"));
-    if (text.startsWith(QLatin1String("QDot ")))
+    }
+    if (text.startsWith(QLatin1String("QDot "))) {
         return text.replace(QLatin1String("QDot "), QLatin1String("QD"));
+    }
     return text;
 }

@@ -22,8 +22,9 @@ double logFactorial(double k)
 {
     if (k < 10.0) {
         double product = 1.0;
-        for (double i = 2.0; i <= k; i += 1.0)
+        for (double i = 2.0; i <= k; i += 1.0) {
             product *= i;
+        }
         return std::log(product);
     }
     // Stirling's series; the first term left out is below 1e-10 from k = 10 on.
@@ -59,8 +60,9 @@ double RandomStream::normal()
         const double x = 2.0 * uniform() - 1.0;
         const double y = 2.0 * uniform() - 1.0;
         const double square = x * x + y * y;
-        if (square >= 1.0 || square <= 0.0)
+        if (square >= 1.0 || square <= 0.0) {
             continue;
+        }
         const double factor = std::sqrt(-2.0 * std::log(square) / square);
         m_spare = y * factor;
         m_bHasSpare = true;
@@ -70,8 +72,9 @@ double RandomStream::normal()
 
 double RandomStream::poisson(double mean)
 {
-    if (!(mean > 0.0))
+    if (!(mean > 0.0)) {
         return 0.0;
+    }
     return mean < kInversionBelow ? smallPoisson(mean) : largePoisson(mean);
 }
 
@@ -101,14 +104,18 @@ double RandomStream::largePoisson(double mean)
         const double u = uniform() - 0.5;
         const double v = uniform();
         const double us = 0.5 - std::fabs(u);
-        if (us <= 0.0)
+        if (us <= 0.0) {
             continue;
+        }
         const double k = std::floor((2.0 * a / us + b) * u + mean + 0.43);
-        if (us >= 0.07 && v <= acceptBelow)
+        if (us >= 0.07 && v <= acceptBelow) {
             return k;
-        if (k < 0.0 || (us < 0.013 && v > us) || v <= 0.0)
+        }
+        if (k < 0.0 || (us < 0.013 && v > us) || v <= 0.0) {
             continue;
-        if (std::log(v * inverseAlpha / (a / (us * us) + b)) <= k * logMean - mean - logFactorial(k))
+        }
+        if (std::log(v * inverseAlpha / (a / (us * us) + b)) <= k * logMean - mean - logFactorial(k)) {
             return k;
+        }
     }
 }

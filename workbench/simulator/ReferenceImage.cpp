@@ -45,8 +45,9 @@ ReferenceImage ReferenceImage::take(const SimulationOptions& options, const Scen
     std::vector<double> counts(model.pixelsPerSpot(), kBrightest);
     if (!model.reference.empty()) {
         const std::size_t spot = static_cast<std::size_t>(index) / model.spectra.front().size();
-        for (std::size_t i = 0; i < counts.size(); ++i)
+        for (std::size_t i = 0; i < counts.size(); ++i) {
             counts[i] *= model.reference[spot * counts.size() + i];
+        }
     }
     const CameraModel camera{options.gain, options.readNoise, options.offset, options.seed};
     reference.image =

@@ -59,14 +59,15 @@ std::vector<double> ScanSpots::transmittedReference(const QList<ScanSpot>& spots
     std::vector<double> reference(static_cast<std::size_t>(spots.size()) * pixels, 0.0);
     const double step = MouseShape::kFieldOfView / size;
     XTNT::parallelChunks(size, 4, [&](long long begin, long long end) {
-        for (auto row = static_cast<std::size_t>(begin); row < static_cast<std::size_t>(end); ++row)
+        for (auto row = static_cast<std::size_t>(begin); row < static_cast<std::size_t>(end); ++row) {
             for (std::size_t column = 0; column < width; ++column) {
                 const double x = (static_cast<double>(column) + 0.5) * step - 0.5 * MouseShape::kFieldOfView;
                 const double y = (static_cast<double>(row) + 0.5) * step - 0.5 * MouseShape::kFieldOfView;
                 const MouseShape::Point point = shape.at(x, y);
                 const double coverage = MouseShape::coverage(point);
-                if (coverage <= 0.0)
+                if (coverage <= 0.0) {
                     continue;
+                }
                 const double thickness = std::max(kMmPerCm * point.height, kThinnestMm);
                 for (int s = 0; s < spots.size(); ++s) {
                     const double lateral = kMmPerCm * std::hypot(x - spots.at(s).x, y - spots.at(s).y);
@@ -74,9 +75,11 @@ std::vector<double> ScanSpots::transmittedReference(const QList<ScanSpot>& spots
                         coverage * tissue.surfaceSpread(DepthBlur::kReferenceNm, thickness, lateral);
                 }
             }
+        }
     });
     const double top = *std::max_element(reference.begin(), reference.end());
-    for (double& value : reference)
+    for (double& value : reference) {
         value = kBedShare + (1.0 - kBedShare) * (top > 0.0 ? value / top : 0.0);
+    }
     return reference;
 }

@@ -19,8 +19,9 @@ std::size_t maximumIndex(const std::vector<double>& values)
 
 void scale(std::vector<double>& values, double factor)
 {
-    for (double& value : values)
+    for (double& value : values) {
         value *= factor;
+    }
 }
 
 } // namespace
@@ -30,11 +31,12 @@ std::vector<double> binTwofold(const std::vector<double>& pixels, int size)
     const auto width = static_cast<std::size_t>(size);
     const std::size_t half = width / 2;
     std::vector<double> coarse(half * half);
-    for (std::size_t row = 0; row < half; ++row)
+    for (std::size_t row = 0; row < half; ++row) {
         for (std::size_t column = 0; column < half; ++column) {
             const double* pPixel = pixels.data() + 2 * row * width + 2 * column;
             coarse[row * half + column] = (pPixel[0] + pPixel[1]) + (pPixel[width] + pPixel[width + 1]);
         }
+    }
     return coarse;
 }
 
@@ -44,8 +46,9 @@ bool SceneModel::build(const ScenePlan& plan, const SimulationOptions& options, 
     size = options.size;
     spots = std::max(1, plan.spots().size());
     maps = plan.renderMaps(size);
-    if (!plan.spots().isEmpty())
+    if (!plan.spots().isEmpty()) {
         reference = ScanSpots::transmittedReference(plan.spots(), plan.shape(), plan.tissue(), size);
+    }
     const QList<Band> bandsOfSpot = bands.mid(0, bands.size() / spots);
     for (int i = 0; i < plan.components().size(); ++i) {
         const SceneComponent& component = plan.components().at(i);
@@ -64,19 +67,22 @@ bool SceneModel::build(const ScenePlan& plan, const SimulationOptions& options, 
         }
         scale(spectrum, 1.0 / spectrum[brightest]);
         spectra.push_back(spectrum);
-        if (i > 0)
+        if (i > 0) {
             scale(maps[index], component.ratio * maps[0][peak] * spectra[0][brightest] / maps[index][peak]);
+        }
     }
 
     double top = 0.0;
     for (int band = 0; band < bands.size(); ++band) {
         std::vector<double> counts = expectedCounts(band);
-        if (bands.at(band).binning != options.binning)
+        if (bands.at(band).binning != options.binning) {
             counts = binTwofold(counts, size);
+        }
         top = std::max(top, *std::max_element(counts.begin(), counts.end()));
     }
-    for (std::vector<double>& map : maps)
+    for (std::vector<double>& map : maps) {
         scale(map, options.peakElectrons / options.gain / top);
+    }
     return true;
 }
 
@@ -90,8 +96,9 @@ std::vector<double> SceneModel::expectedCounts(int band) const
             const double weight = spectra[k][static_cast<std::size_t>(band) % bandsOfSpot];
             const double* __restrict pMap = maps[k].data() + first;
             double* __restrict pOut = counts.data();
-            for (long long i = begin; i < end; ++i)
+            for (long long i = begin; i < end; ++i) {
                 pOut[i] += weight * pMap[i];
+            }
         }
     });
     return counts;

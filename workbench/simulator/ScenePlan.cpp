@@ -22,9 +22,11 @@ constexpr double kLitTissueDepthMm = 5.0; // where tissue that is lit from below
 void scaleToOne(std::vector<double>& map)
 {
     const double top = map.empty() ? 0.0 : *std::max_element(map.begin(), map.end());
-    if (top > 0.0)
-        for (double& value : map)
+    if (top > 0.0) {
+        for (double& value : map) {
             value /= top;
+        }
+    }
 }
 
 } // namespace
@@ -34,8 +36,9 @@ bool ScenePlan::build(const SimulationOptions& options, QString* pError)
     m_components.clear();
     m_shape = std::make_shared<const MouseShape>(options.seed);
     m_spots.clear();
-    if (options.kind == SimulationKind::Transillumination)
+    if (options.kind == SimulationKind::Transillumination) {
         m_spots = ScanSpots::plan(options.spots, *m_shape);
+    }
     const QString tissue = QStringLiteral("Muscle");
     if (!m_tissue.load(tissue)) {
         *pError = QStringLiteral("The reference data lack the optical properties of \"%1\".").arg(tissue);
@@ -59,16 +62,19 @@ std::vector<SceneComponent::Density> ScenePlan::blurred(const DepthBlur::Density
         const auto pBlur = std::make_shared<const DepthBlur>(lit, MouseShape::kFieldOfView, m_tissue, depthMm);
         densities.emplace_back([pBlur](double x, double y, const MouseShape::Point&) { return pBlur->at(x, y); });
     };
-    if (m_spots.isEmpty())
+    if (m_spots.isEmpty()) {
         add(density);
-    for (const ScanSpot& spot : m_spots)
+    }
+    for (const ScanSpot& spot : m_spots) {
         add([&](double x, double y) {
             const double content = density(x, y);
-            if (!(content > 0.0))
+            if (!(content > 0.0)) {
                 return 0.0;
+            }
             const double height = kMmPerCm * m_shape->at(x, y).height - depthMm;
             return content * ScanSpots::fluence(m_tissue, height, kMmPerCm * std::hypot(x - spot.x, y - spot.y));
         });
+    }
     return densities;
 }
 
@@ -89,11 +95,12 @@ bool ScenePlan::addTissue(const SimulationOptions& options, QString* pError)
         component.depthMm = kLitTissueDepthMm;
         component.excitationPathMm = pathFromBelowMm(kLitTissueDepthMm);
     }
-    for (const ScanSpot& spot : m_spots)
+    for (const ScanSpot& spot : m_spots) {
         component.densities.emplace_back([this, glow, spot](double x, double y, const MouseShape::Point& point) {
             return glow(x, y, point) * ScanSpots::fluence(m_tissue, kMmPerCm * point.height - kLitTissueDepthMm,
                                                           kMmPerCm * std::hypot(x - spot.x, y - spot.y));
         });
+    }
     m_components.append(component);
     return true;
 }
@@ -101,8 +108,9 @@ bool ScenePlan::addTissue(const SimulationOptions& options, QString* pError)
 bool ScenePlan::addFood(const SimulationOptions& options, QString* pError)
 {
     const bool fits = options.kind == SimulationKind::Epi || options.kind == SimulationKind::Transillumination;
-    if (!fits || !(options.foodRatio > 0.0))
+    if (!fits || !(options.foodRatio > 0.0)) {
         return true;
+    }
     SceneComponent component;
     component.name = QString::fromLatin1(kFoodName);
     component.depthMm = kFoodDepthMm;
@@ -111,8 +119,9 @@ bool ScenePlan::addFood(const SimulationOptions& options, QString* pError)
         *pError = QStringLiteral("The reference data lack the spectra of \"ALFood\".");
         return false;
     }
-    if (!m_spots.isEmpty())
+    if (!m_spots.isEmpty()) {
         component.excitationPathMm = pathFromBelowMm(kFoodDepthMm);
+    }
     component.densities = blurred(SourceShapes::food(*m_shape, options.seed), kFoodDepthMm);
     m_components.append(component);
     return true;
@@ -127,8 +136,9 @@ void ScenePlan::addSource(const SimulatedSource& source, const Probe& light, con
     component.depthMm = source.depthMm;
     component.ratio = options.ratio;
     component.decays = options.kind == SimulationKind::Cherenkov;
-    if (!m_spots.isEmpty())
+    if (!m_spots.isEmpty()) {
         component.excitationPathMm = pathFromBelowMm(source.depthMm);
+    }
     component.densities = blurred(density, source.depthMm);
     m_components.append(component);
 }
@@ -141,18 +151,21 @@ bool ScenePlan::addIsotope(const SimulationOptions& options, QString* pError)
         return false;
     }
     const QList<SimulatedSource> sources = sourcesOf(options);
-    for (int i = 0; i < sources.size(); ++i)
+    for (int i = 0; i < sources.size(); ++i) {
         addSource(sources.at(i), light, SourceShapes::probePatch(*m_shape, i, options.seed), options);
+    }
     return true;
 }
 
 bool ScenePlan::addSources(const SimulationOptions& options, QString* pError)
 {
-    if (options.kind == SimulationKind::Cherenkov)
+    if (options.kind == SimulationKind::Cherenkov) {
         return addIsotope(options, pError);
+    }
     QList<Probe> probes;
-    if (!resolveProbes(options.probes, lightOf(options.kind), &probes, pError))
+    if (!resolveProbes(options.probes, lightOf(options.kind), &probes, pError)) {
         return false;
+    }
     const QList<SimulatedSource> sources = sourcesOf(options);
     const bool organs = hasOrgans(options);
     for (int i = 0; i < sources.size(); ++i) {
@@ -160,8 +173,9 @@ bool ScenePlan::addSources(const SimulationOptions& options, QString* pError)
                   organs ? Kinetics::density(i, *m_shape, options.seed)
                          : SourceShapes::probePatch(*m_shape, i, options.seed),
                   options);
-        if (options.kind == SimulationKind::Temporal)
+        if (options.kind == SimulationKind::Temporal) {
             m_components.last().course = organs ? Kinetics::organs().at(i).course : Kinetics::tracer(i);
+        }
     }
     return true;
 }
@@ -169,11 +183,13 @@ bool ScenePlan::addSources(const SimulationOptions& options, QString* pError)
 void ScenePlan::leaveOutUnlitFood(const QList<Band>& bands)
 {
     for (int i = 0; i < m_components.size(); ++i) {
-        if (m_components.at(i).name != QLatin1String(kFoodName))
+        if (m_components.at(i).name != QLatin1String(kFoodName)) {
             continue;
+        }
         const std::vector<double> spectrum = componentSpectrum(m_components.at(i), m_tissue, bands);
-        if (!(*std::max_element(spectrum.begin(), spectrum.end()) > 0.0))
+        if (!(*std::max_element(spectrum.begin(), spectrum.end()) > 0.0)) {
             m_components.removeAt(i);
+        }
         return;
     }
 }
@@ -192,22 +208,28 @@ std::vector<std::vector<double>> ScenePlan::renderMaps(int size) const
     };
     const double share = 1.0 / (sub * sub);
     XTNT::parallelChunks(size, 4, [&](long long begin, long long end) {
-        for (auto row = static_cast<std::size_t>(begin); row < static_cast<std::size_t>(end); ++row)
-            for (std::size_t column = 0; column < width; ++column)
+        for (auto row = static_cast<std::size_t>(begin); row < static_cast<std::size_t>(end); ++row) {
+            for (std::size_t column = 0; column < width; ++column) {
                 for (int i = 0; i < sub * sub; ++i) {
                     const double x = place(column, i % sub);
                     const double y = place(row, i / sub);
                     const MouseShape::Point point = m_shape->at(x, y);
                     const double weight = share * MouseShape::coverage(point);
-                    if (weight <= 0.0)
+                    if (weight <= 0.0) {
                         continue;
-                    for (std::size_t k = 0; k < count; ++k)
-                        for (std::size_t spot = 0; spot < spots; ++spot)
+                    }
+                    for (std::size_t k = 0; k < count; ++k) {
+                        for (std::size_t spot = 0; spot < spots; ++spot) {
                             maps[k][spot * pixels + row * width + column] +=
                                 weight * m_components.at(static_cast<int>(k)).densities[spot](x, y, point);
+                        }
+                    }
                 }
+            }
+        }
     });
-    for (std::vector<double>& map : maps)
+    for (std::vector<double>& map : maps) {
         scaleToOne(map);
+    }
     return maps;
 }

@@ -15,8 +15,9 @@ QString kindName(SimulationKind eKind)
 bool kindOfName(const QString& strName, SimulationKind* pKind)
 {
     const int index = kindNames().indexOf(strName);
-    if (index < 0)
+    if (index < 0) {
         return false;
+    }
     *pKind = static_cast<SimulationKind>(index);
     return true;
 }

@@ -45,9 +45,11 @@ struct Range
 
 QString checkRanges(const QList<Range>& ranges)
 {
-    for (const Range& range : ranges)
-        if (!(range.value >= range.low && range.value <= range.high))
+    for (const Range& range : ranges) {
+        if (!(range.value >= range.low && range.value <= range.high)) {
             return outOfRange(range.what, range.value, range.low, range.high);
+        }
+    }
     return QString();
 }
 
@@ -58,34 +60,43 @@ QString checkCamera(const SimulationOptions& options)
                                        {"The offset (counts)", options.offset, 0.0, 60000.0},
                                        {"The brightest pixel (electrons)", options.peakElectrons, 1.0, 1e7},
                                        {"The binning", static_cast<double>(options.binning), 1.0, kCoarsestBinning}});
-    if (!range.isEmpty())
+    if (!range.isEmpty()) {
         return range;
+    }
     const int count = options.exposuresSeconds.size();
     const bool chosen = count == 0 && options.kind == SimulationKind::Cherenkov;
-    if (count != 1 && count != bandCount(options) && !chosen)
+    if (count != 1 && count != bandCount(options) && !chosen) {
         return QStringLiteral("There are %1 exposures for %2 %3; give one for all or one each.")
             .arg(count)
             .arg(bandCount(options))
             .arg(options.kind == SimulationKind::Temporal ? QStringLiteral("times") : QStringLiteral("bands"));
-    for (const double seconds : options.exposuresSeconds)
-        if (!(seconds >= 1e-3 && seconds <= kLongestExposure))
+    }
+    for (const double seconds : options.exposuresSeconds) {
+        if (!(seconds >= 1e-3 && seconds <= kLongestExposure)) {
             return outOfRange("An exposure (seconds)", seconds, 1e-3, kLongestExposure);
+        }
+    }
     return QString();
 }
 
 QString checkMixedBinning(const SimulationOptions& options)
 {
-    if (!options.mixedBinning)
+    if (!options.mixedBinning) {
         return QString();
-    if (!options.noise)
+    }
+    if (!options.noise) {
         return QStringLiteral(
             "A sequence without noise has one binning; leave out the mixed binning or the missing noise.");
-    if (options.kind == SimulationKind::Transillumination)
+    }
+    if (options.kind == SimulationKind::Transillumination) {
         return QStringLiteral("A transillumination scan has one binning; leave out the mixed binning.");
-    if (bandCount(options) < kFewestMixedBands)
+    }
+    if (bandCount(options) < kFewestMixedBands) {
         return QStringLiteral("Mixed binning needs at least %1 bands.").arg(kFewestMixedBands);
-    if (options.size % 2 != 0 || options.size < 2 * kSmallestSize)
+    }
+    if (options.size % 2 != 0 || options.size < 2 * kSmallestSize) {
         return QStringLiteral("Mixed binning needs an even size of at least %1 pixels.").arg(2 * kSmallestSize);
+    }
     return QString();
 }
 
@@ -93,41 +104,50 @@ QString checkScene(const SimulationOptions& options)
 {
     const QString range = checkRanges({{"The ratio of probe to autofluorescence", options.ratio, 1e-3, 1e4},
                                        {"The ratio of food to autofluorescence", options.foodRatio, 0.0, 1e4}});
-    if (!range.isEmpty())
+    if (!range.isEmpty()) {
         return range;
-    for (const double depth : options.depthsMm)
-        if (!(depth >= kShallowestMm && depth <= kDeepestMm))
+    }
+    for (const double depth : options.depthsMm) {
+        if (!(depth >= kShallowestMm && depth <= kDeepestMm)) {
             return outOfRange("A depth (mm)", depth, kShallowestMm, kDeepestMm);
+        }
+    }
     const int depths = options.depthsMm.size();
-    if (depths > 1 && depths != sourceCount(options))
+    if (depths > 1 && depths != sourceCount(options)) {
         return QStringLiteral("There are %1 depths for %2 probes; give one for all or one each.")
             .arg(depths)
             .arg(sourceCount(options));
+    }
     return QString();
 }
 
 QString checkTimes(const SimulationOptions& options)
 {
     const QList<double> times = timesOf(options);
-    if (times.size() < FilterPlan::kFewest || times.size() > kMostTimes)
+    if (times.size() < FilterPlan::kFewest || times.size() > kMostTimes) {
         return QStringLiteral("A temporal sequence takes %1 to %2 times, not %3.")
             .arg(FilterPlan::kFewest)
             .arg(kMostTimes)
             .arg(times.size());
+    }
     for (int i = 0; i < times.size(); ++i) {
-        if (!(times.at(i) >= 0.0 && times.at(i) <= kLatestTime))
+        if (!(times.at(i) >= 0.0 && times.at(i) <= kLatestTime)) {
             return outOfRange("A time (seconds)", times.at(i), 0.0, kLatestTime);
-        if (i == 0)
+        }
+        if (i == 0) {
             continue;
-        if (std::floor(times.at(i)) <= std::floor(times.at(i - 1)))
+        }
+        if (std::floor(times.at(i)) <= std::floor(times.at(i - 1))) {
             return QStringLiteral("The times must ascend by a whole second at least; %1 follows %2.")
                 .arg(times.at(i))
                 .arg(times.at(i - 1));
+        }
         const double exposure = bandExposureSeconds(options, i - 1);
-        if (times.at(i) - times.at(i - 1) < exposure)
+        if (times.at(i) - times.at(i - 1) < exposure) {
             return QStringLiteral("The exposure of %1 s does not end before the next image at %2 s.")
                 .arg(exposure)
                 .arg(times.at(i));
+        }
     }
     return QString();
 }
@@ -137,30 +157,37 @@ QString checkIsotope(const SimulationOptions& options)
     if (!(CORVDatabase::isCherenkovIsotope(options.isotope) &&
           CORVDatabase::getCherenkovRADHalflife(options.isotope) > 0.0)) {
         QStringList known;
-        for (const QString& name : CORVDatabase::isotopeList())
-            if (CORVDatabase::isCherenkovIsotope(name) && CORVDatabase::getCherenkovRADHalflife(name) > 0.0)
+        for (const QString& name : CORVDatabase::isotopeList()) {
+            if (CORVDatabase::isCherenkovIsotope(name) && CORVDatabase::getCherenkovRADHalflife(name) > 0.0) {
                 known.append(name);
+            }
+        }
         return QStringLiteral("\"%1\" is no isotope with Cherenkov light; there are %2.")
             .arg(options.isotope, known.join(QStringLiteral(", ")));
     }
     const QString range = checkRanges({{"The time span (half lives)", options.spanHalfLives, 0.01, 10.0}});
-    if (!range.isEmpty())
+    if (!range.isEmpty()) {
         return range;
+    }
     QSet<double> depths;
     for (const double depth : options.depthsMm) {
-        if (depths.contains(depth))
+        if (depths.contains(depth)) {
             return QStringLiteral("The depth %1 mm is given twice.").arg(depth);
+        }
         depths.insert(depth);
     }
-    if (options.depthsMm.size() > kMostProbes)
+    if (options.depthsMm.size() > kMostProbes) {
         return QStringLiteral("An isotope lies at %1 depths at most.").arg(kMostProbes);
+    }
     const double step = bandStepSeconds(options);
-    for (int i = 0; i < options.bands; ++i)
-        if (bandExposureSeconds(options, i) > step)
+    for (int i = 0; i < options.bands; ++i) {
+        if (bandExposureSeconds(options, i) > step) {
             return QStringLiteral("The exposure of %1 s is longer than the %2 s from image to image; choose a shorter "
                                   "one, fewer bands or a longer span.")
                 .arg(bandExposureSeconds(options, i))
                 .arg(step);
+        }
+    }
     return QString();
 }
 
@@ -182,9 +209,11 @@ QString checkKind(const SimulationOptions& options)
 
 bool isOneLine(const QString& strText)
 {
-    for (const QChar c : strText)
-        if (c.category() == QChar::Other_Control)
+    for (const QChar c : strText) {
+        if (c.category() == QChar::Other_Control) {
             return false;
+        }
+    }
     return true;
 }
 
@@ -195,19 +224,25 @@ QString validate(const SimulationOptions& options)
     QString problem = checkRanges(
         {{"The size", static_cast<double>(options.size), kSmallestSize, kLargestSize},
          {"The number of bands", static_cast<double>(options.bands), FilterPlan::kFewest, FilterPlan::kMost}});
-    if (!problem.isEmpty())
+    if (!problem.isEmpty()) {
         return problem;
+    }
     problem = checkCamera(options);
-    if (problem.isEmpty())
+    if (problem.isEmpty()) {
         problem = checkMixedBinning(options);
-    if (problem.isEmpty())
+    }
+    if (problem.isEmpty()) {
         problem = checkScene(options);
-    if (problem.isEmpty())
+    }
+    if (problem.isEmpty()) {
         problem = checkKind(options);
-    if (!problem.isEmpty())
+    }
+    if (!problem.isEmpty()) {
         return problem;
-    if (!isOneLine(options.name) || !isOneLine(options.subject))
+    }
+    if (!isOneLine(options.name) || !isOneLine(options.subject)) {
         return QStringLiteral("The name and the subject must be a single line each.");
+    }
     QList<FilterPair> pairs;
     choosePairs(options, &pairs, &problem);
     return problem;
@@ -265,10 +300,12 @@ double probeDepthMm(const SimulationOptions& options, int index)
 {
     constexpr double kFirstMm = 2.0;
     constexpr double kLastMm = 6.0;
-    if (options.depthsMm.size() == 1)
+    if (options.depthsMm.size() == 1) {
         return options.depthsMm.first();
-    if (!options.depthsMm.isEmpty())
+    }
+    if (!options.depthsMm.isEmpty()) {
         return options.depthsMm.at(index);
+    }
     const int last = sourceCount(options) - 1;
     return last < 1 ? kFirstMm : kFirstMm + (kLastMm - kFirstMm) * index / last;
 }

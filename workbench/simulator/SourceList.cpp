@@ -15,8 +15,9 @@ bool hasOrgans(const SimulationOptions& options)
 
 int sourceCount(const SimulationOptions& options)
 {
-    if (options.kind == SimulationKind::Cherenkov)
+    if (options.kind == SimulationKind::Cherenkov) {
         return std::max(1, options.depthsMm.size());
+    }
     return hasOrgans(options) ? Kinetics::organs().size() : options.probes.size();
 }
 
@@ -35,15 +36,17 @@ QList<SimulatedSource> sourcesOf(const SimulationOptions& options)
     }
     if (hasOrgans(options)) {
         const QList<Organ> organs = Kinetics::organs();
-        for (int i = 0; i < organs.size(); ++i)
+        for (int i = 0; i < organs.size(); ++i) {
             sources.append(
                 {organs.at(i).name, options.depthsMm.isEmpty() ? organs.at(i).depthMm : probeDepthMm(options, i)});
+        }
         return sources;
     }
     QList<Probe> probes;
     QString error;
     resolveProbes(options.probes, lightOf(options.kind), &probes, &error);
-    for (int i = 0; i < probes.size(); ++i)
+    for (int i = 0; i < probes.size(); ++i) {
         sources.append({probes.at(i).name, probeDepthMm(options, i)});
+    }
     return sources;
 }

@@ -17,8 +17,9 @@ constexpr std::uint64_t kGlowSeed = 0x676c6f77;
 // Thickness of a tube at a place, with a soft edge.
 double tubeContent(const TubePath& tube, double x, double y)
 {
-    if (!tube.mayReach(x, y, 0.0))
+    if (!tube.mayReach(x, y, 0.0)) {
         return 0.0;
+    }
     const TubePath::Nearest nearest = tube.nearest(x, y);
     const double q = nearest.axisDistance / std::max(nearest.radius, 1e-6);
     return q < 1.0 ? nearest.radius * std::sqrt(1.0 - q * q) : 0.0;
@@ -106,8 +107,9 @@ DepthBlur::Density SourceShapes::probePatch(const MouseShape& shape, int index, 
     const NoiseField texture(RandomStream::mix(seed, kPatchSeed, static_cast<std::uint64_t>(index)));
     return [=](double x, double y) {
         constexpr double kBeyond = 0.9; // cm: outside both
-        if (std::hypot(x - x0, y - y0) > kBeyond)
+        if (std::hypot(x - x0, y - y0) > kBeyond) {
             return 0.0;
+        }
         const double u = (std::cos(angle) * (x - x0) + std::sin(angle) * (y - y0)) / longSide;
         const double v = (std::cos(angle) * (y - y0) - std::sin(angle) * (x - x0)) / shortSide;
         const double ragged = 1.0 + 0.35 * texture.fractal(4.0 * x, 4.0 * y, 2);

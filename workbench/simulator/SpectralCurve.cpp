@@ -13,14 +13,17 @@ SpectralCurve::SpectralCurve(QVector<double> wavelengths, QVector<double> values
 
 double SpectralCurve::at(double nm) const
 {
-    if (m_wavelengths.isEmpty())
+    if (m_wavelengths.isEmpty()) {
         return 0.0;
+    }
     const bool before = nm < m_wavelengths.first();
-    if (before || nm > m_wavelengths.last())
+    if (before || nm > m_wavelengths.last()) {
         return m_beyond == Beyond::Zero ? 0.0 : (before ? m_values.first() : m_values.last());
+    }
     const auto next = std::upper_bound(m_wavelengths.begin(), m_wavelengths.end(), nm);
-    if (next == m_wavelengths.end())
+    if (next == m_wavelengths.end()) {
         return m_values.last();
+    }
     const int i = static_cast<int>(next - m_wavelengths.begin());
     const double t = (nm - m_wavelengths.at(i - 1)) / (m_wavelengths.at(i) - m_wavelengths.at(i - 1));
     return m_values.at(i - 1) + t * (m_values.at(i) - m_values.at(i - 1));
@@ -28,8 +31,9 @@ double SpectralCurve::at(double nm) const
 
 double SpectralCurve::peak() const
 {
-    if (m_wavelengths.isEmpty())
+    if (m_wavelengths.isEmpty()) {
         return 0.0;
+    }
     const auto top = std::max_element(m_values.begin(), m_values.end());
     return m_wavelengths.at(static_cast<int>(top - m_values.begin()));
 }

@@ -23,12 +23,15 @@ bool TissueOptics::load(const QString& strTissue)
 {
     *this = TissueOptics();
     sTissuePropFileParameters tissue;
-    if (!CORVDatabase::readOpticalProperty(strTissue, &tissue) || tissue.n < 1)
+    if (!CORVDatabase::readOpticalProperty(strTissue, &tissue) || tissue.n < 1) {
         return false;
-    for (double& value : tissue.absorption)
+    }
+    for (double& value : tissue.absorption) {
         value /= kMmPerCm;
-    for (double& value : tissue.scattering)
+    }
+    for (double& value : tissue.scattering) {
         value /= kMmPerCm;
+    }
     m_absorption = SpectralCurve(tissue.wavelength, tissue.absorption, SpectralCurve::Beyond::Hold);
     m_scattering = SpectralCurve(tissue.wavelength, tissue.scattering, SpectralCurve::Beyond::Hold);
     return true;

@@ -41,8 +41,9 @@ QByteArray libraryText(const QStringList& names, const Spectra& spectra, const Q
     text += QStringLiteral("Excitation,Emission,") + names.join(QLatin1Char(',')) + QLatin1Char('\n');
     for (int j = 0; j < bands.size(); ++j) {
         text += bands.at(j).firstKey + QLatin1Char(',') + bands.at(j).secondKey;
-        for (const std::vector<double>& spectrum : spectra)
+        for (const std::vector<double>& spectrum : spectra) {
             text += QLatin1Char(',') + exactText(spectrum[static_cast<std::size_t>(j)]);
+        }
         text += QLatin1Char('\n');
     }
     return text.toUtf8();
@@ -63,8 +64,9 @@ std::vector<double> unitsOf(const Truth& truth, tag_edisplayunit eUnit)
     std::vector<double> units;
     for (const Band& band : truth.bands) {
         units.push_back(unitOfCount(truth.options, band, eUnit));
-        if (!(units.back() > 0.0))
+        if (!(units.back() > 0.0)) {
             return {};
+        }
     }
     return units;
 }
@@ -73,8 +75,9 @@ bool writeMap(const Truth& truth, std::vector<double> map, const QString& strPat
 {
     CILImage image = exactImage(map, truth.model.size);
     image.m_fBinning = static_cast<float>(truth.options.binning);
-    if (!image.isEmpty())
+    if (!image.isEmpty()) {
         return writeTiff(strPath, image, TiffWriteOptions(), pError);
+    }
     *pError = QStringLiteral("There is not enough memory for the true maps.");
     return false;
 }
@@ -91,12 +94,14 @@ bool writeMaps(const Truth& truth, std::size_t component, double factor, bool bO
         std::vector<double> map(pixels);
         for (std::size_t i = 0; i < pixels; ++i) {
             map[i] = model.maps[component][first + i] * factor;
-            if (bOverReference)
+            if (bOverReference) {
                 map[i] /= model.reference[first + i];
+            }
         }
         const QString file = model.spots == 1 ? truthMapFile(name) : truthMapFile(name, spot);
-        if (!writeMap(truth, map, strFolder + QLatin1Char('/') + file, pError))
+        if (!writeMap(truth, map, strFolder + QLatin1Char('/') + file, pError)) {
             return false;
+        }
     }
     return true;
 }
@@ -111,13 +116,16 @@ bool writeUnit(const Truth& truth, const QString& strUnit, const std::vector<dou
     }
     Spectra spectra = truth.model.spectra;
     for (std::size_t k = 0; k < spectra.size(); ++k) {
-        for (std::size_t j = 0; j < units.size(); ++j)
+        for (std::size_t j = 0; j < units.size(); ++j) {
             spectra[k][j] *= units[j];
+        }
         const double top = *std::max_element(spectra[k].begin(), spectra[k].end());
-        for (double& value : spectra[k])
+        for (double& value : spectra[k]) {
             value /= top;
-        if (!writeMaps(truth, k, top, bOverReference, folder, pError))
+        }
+        if (!writeMaps(truth, k, top, bOverReference, folder, pError)) {
             return false;
+        }
     }
     const QString note = QStringLiteral("true spectra of a simulation in %1").arg(strUnit);
     return orv::writeFileAtomically(folder + QStringLiteral("/spectra.csv"),
@@ -155,9 +163,11 @@ QString truthMapFile(const QString& strComponent, int nSpot)
 QString truthMapFile(const QString& strComponent)
 {
     QString name = strComponent;
-    for (QChar& c : name)
-        if (!c.isLetterOrNumber() && !QStringLiteral(" ._+-()").contains(c))
+    for (QChar& c : name) {
+        if (!c.isLetterOrNumber() && !QStringLiteral(" ._+-()").contains(c)) {
             c = QLatin1Char('_');
+        }
+    }
     return name + QStringLiteral(".tif");
 }
 
@@ -168,17 +178,22 @@ bool writeTruth(const QString& strFolder, const SceneModel& model, const Simulat
     for (const tag_edisplayunit unit :
          {DISPLAYUNIT_COUNTS, DISPLAYUNIT_RADIANCE, DISPLAYUNIT_RADIANT_EFFICIENCY, DISPLAYUNIT_EFFICIENCY}) {
         std::vector<double> units = unitsOf(truth, unit);
-        if (units.empty())
+        if (units.empty()) {
             continue;
+        }
         const bool overReference = unit == DISPLAYUNIT_EFFICIENCY && !model.reference.empty();
-        if (!writeUnit(truth, truthUnitFolder(unit), units, overReference, pError))
+        if (!writeUnit(truth, truthUnitFolder(unit), units, overReference, pError)) {
             return false;
-        if (options.kind != SimulationKind::Cherenkov)
+        }
+        if (options.kind != SimulationKind::Cherenkov) {
             continue;
-        for (std::size_t j = 0; j < units.size(); ++j)
+        }
+        for (std::size_t j = 0; j < units.size(); ++j) {
             units[j] *= truth.bands.at(static_cast<int>(j)).decayCorrection;
-        if (!writeUnit(truth, truthDecayFolder(unit), units, false, pError))
+        }
+        if (!writeUnit(truth, truthDecayFolder(unit), units, false, pError)) {
             return false;
+        }
     }
     return true;
 }

@@ -30,9 +30,11 @@ TubePath::TubePath(const std::vector<Node>& nodes, int subdivisions)
 {
     XTNT_ASSERT(nodes.size() >= 2 && subdivisions >= 1);
     std::vector<Node> points;
-    for (std::size_t span = 0; span + 1 < nodes.size(); ++span)
-        for (int i = 0; i < subdivisions; ++i)
+    for (std::size_t span = 0; span + 1 < nodes.size(); ++span) {
+        for (int i = 0; i < subdivisions; ++i) {
             points.push_back(onCurve(nodes, span, static_cast<double>(i) / subdivisions));
+        }
+    }
     points.push_back(nodes.back());
 
     m_left = m_top = std::numeric_limits<double>::max();

@@ -39,8 +39,9 @@ QString listText(const QStringList& texts)
 QString numbersText(const QList<double>& values)
 {
     QStringList texts;
-    for (const double value : values)
+    for (const double value : values) {
         texts.append(exactText(value));
+    }
     return listText(texts);
 }
 
@@ -50,13 +51,16 @@ void addKindEntries(CPLSection& section, const SimulationOptions& options)
     const auto set = [&section](const char* pKey, const QString& strValue) {
         section.setValue(QString::fromLatin1(pKey), strValue);
     };
-    if (options.full)
+    if (options.full) {
         set("Full", QStringLiteral("1"));
-    if (options.kind == SimulationKind::Epi)
+    }
+    if (options.kind == SimulationKind::Epi) {
         return;
+    }
     set("Simulated Kind", kindName(options.kind));
-    if (options.kind == SimulationKind::Transillumination)
+    if (options.kind == SimulationKind::Transillumination) {
         set("Spots", QString::number(options.spots));
+    }
     if (options.kind == SimulationKind::Temporal) {
         set("Times Sec", numbersText(timesOf(options)));
         set("Time Keys", options.timeKeys ? QStringLiteral("1") : QStringLiteral("0"));
@@ -99,9 +103,11 @@ CPLSection optionsSection(const SimulationOptions& options, const ScenePlan& pla
 // The largest whole part of the binning that keeps the photograph within its size: it shares the images' field.
 int photographMagnification(const SimulationOptions& options)
 {
-    for (int m = options.binning; m > 1; --m)
-        if (options.binning % m == 0 && options.size * m <= std::max(kPhotographSide, options.size))
+    for (int m = options.binning; m > 1; --m) {
+        if (options.binning % m == 0 && options.size * m <= std::max(kPhotographSide, options.size)) {
             return m;
+        }
+    }
     return 1;
 }
 
@@ -128,8 +134,9 @@ private:
         *m_pError = validate(m_options);
         QList<FilterPair> pairs;
         if (!m_pError->isEmpty() || !tell(0.0, QStringLiteral("laying out the animal")) ||
-            !m_scene.build(m_options, m_pError) || !choosePairs(m_options, &pairs, m_pError) || !nameProbes())
+            !m_scene.build(m_options, m_pError) || !choosePairs(m_options, &pairs, m_pError) || !nameProbes()) {
             return false;
+        }
         m_bands = planBands(m_options, pairs, QString(), m_scene.spots());
         m_scene.leaveOutUnlitFood(m_bands);
         return tell(kSceneDone, QStringLiteral("rendering the maps"));
@@ -145,11 +152,13 @@ private:
             return true;
         }
         QList<Probe> probes;
-        if (!resolveProbes(m_options.probes, lightOf(m_options.kind), &probes, m_pError))
+        if (!resolveProbes(m_options.probes, lightOf(m_options.kind), &probes, m_pError)) {
             return false;
+        }
         QStringList texts;
-        for (const Probe& probe : probes)
+        for (const Probe& probe : probes) {
             texts.append(probeText(probe.name));
+        }
         m_probeText = listText(texts);
         return true;
     }
@@ -163,13 +172,15 @@ private:
         const CPLSection section = optionsSection(m_options, m_scene);
         everything.addSection(&section);
         QByteArray text = everything.toText() + folder.toUtf8() + name.toUtf8();
-        for (const Band& band : m_bands)
+        for (const Band& band : m_bands) {
             text += QByteArray::number(band.filters.excitation) + ' ' + QByteArray::number(band.filters.emission) + ' ';
+        }
         text += QByteArray::number(m_options.size) + ' ' + QByteArray::number(m_options.binning);
         const QByteArray hash = QCryptographicHash::hash(text, QCryptographicHash::Sha256).toHex().left(10);
         m_id = QStringLiteral("SIM%1").arg(QString::fromLatin1(hash).toUpper());
-        for (Band& band : m_bands)
+        for (Band& band : m_bands) {
             band.clickNumber.prepend(m_id);
+        }
         m_description.id = m_id;
         m_description.name = name;
         m_description.fluorescence = isFluorescent(m_options.kind);
@@ -196,13 +207,15 @@ private:
     bool build()
     {
         if (!m_model.build(m_scene, m_options, m_bands, m_pError) ||
-            !tell(kMapsDone, QStringLiteral("taking the photograph")))
+            !tell(kMapsDone, QStringLiteral("taking the photograph"))) {
             return false;
+        }
         const int magnification = photographMagnification(m_options);
         m_photograph = takeMousePhotograph(m_scene.shape(), m_options.size * magnification, m_options.seed);
         m_photograph.m_fBinning = static_cast<float>(m_options.binning / magnification);
-        if (m_photograph.isEmpty() || (m_options.full && !m_full.prepare(m_options, m_scene.shape(), m_photograph)))
+        if (m_photograph.isEmpty() || (m_options.full && !m_full.prepare(m_options, m_scene.shape(), m_photograph))) {
             return outOfMemory();
+        }
         return true;
     }
 
@@ -212,8 +225,9 @@ private:
             const double share = static_cast<double>(i) / m_bands.size();
             if (!tell(kPhotographDone + share * (kImagesDone - kPhotographDone),
                       QStringLiteral("exposing image %1 of %2").arg(i + 1).arg(m_bands.size())) ||
-                !writeImage(i))
+                !writeImage(i)) {
                 return false;
+            }
         }
         return true;
     }
@@ -230,8 +244,9 @@ private:
         bool saturated = false;
         const CameraModel camera{m_options.gain, m_options.readNoise, m_options.offset, m_options.seed};
         CILImage image = m_options.noise ? camera.expose(counts, side, index, &saturated) : exactImage(counts, side);
-        if (image.isEmpty())
+        if (image.isEmpty()) {
             return outOfMemory();
+        }
         image.m_fBinning = static_cast<float>(band.binning);
         DatasetDescription dataset;
         dataset.clickNumber = band.clickNumber;
@@ -247,13 +262,15 @@ private:
         ReferenceImage reference;
         if (hasReference()) {
             reference = ReferenceImage::take(m_options, m_model, m_bands, index, m_bands.size() + index);
-            if (reference.image.isEmpty())
+            if (reference.image.isEmpty()) {
                 return outOfMemory();
+            }
             dataset.info.addSection(&reference.section);
             images.append({IMAGETYPE_FLUORESCENT_REFERENCE, &reference.image});
         }
-        if (m_options.full)
+        if (m_options.full) {
             m_full.addTo(dataset, images, image, index == 0);
+        }
         return m_writer.addDataset(dataset, images, m_pError);
     }
 
@@ -276,8 +293,9 @@ private:
 
     bool writeTruthFiles()
     {
-        if (!tell(kImagesDone, QStringLiteral("writing the truth")))
+        if (!tell(kImagesDone, QStringLiteral("writing the truth"))) {
             return false;
+        }
         const QString folder = m_writer.extraFolder(QString::fromLatin1(kTruthFolder));
         if (folder.isEmpty()) {
             *m_pError = QStringLiteral("The folder for the truth cannot be made.");

@@ -35,8 +35,9 @@ Matrix<double> matrixOf(const std::vector<std::vector<double>>& rows)
 {
     Matrix<double> data(static_cast<long long>(rows.size()),
                         rows.empty() ? 0 : static_cast<long long>(rows.front().size()));
-    for (std::size_t r = 0; r < rows.size(); ++r)
+    for (std::size_t r = 0; r < rows.size(); ++r) {
         std::copy(rows[r].begin(), rows[r].end(), data[static_cast<long long>(r)]);
+    }
     return data;
 }
 
@@ -49,8 +50,9 @@ Matrix<double> clouds(long long rows, long long columns, long long places, doubl
     std::uniform_real_distribution<double> place(-1, 1);
     std::normal_distribution<double> noise(0, spread);
     Matrix<double> centres(places, columns);
-    for (long long i = 0; i < centres.storage.n_; ++i)
+    for (long long i = 0; i < centres.storage.n_; ++i) {
         centres.storage[i] = place(generator);
+    }
     Matrix<double> data(rows, columns);
     for (long long r = 0; r < rows; ++r) {
         for (long long i = 0; i < columns; ++i) {
@@ -64,8 +66,9 @@ Matrix<double> clouds(long long rows, long long columns, long long places, doubl
 std::vector<const double*> rowsOf(const Matrix<double>& data)
 {
     std::vector<const double*> rows;
-    for (long long r = 0; r < data.num_rows(); ++r)
+    for (long long r = 0; r < data.num_rows(); ++r) {
         rows.push_back(data[r]);
+    }
     return rows;
 }
 
@@ -83,12 +86,14 @@ void expectFixedPoint(const Matrix<double>& data, const Labels& labels, long lon
     for (long long r = 0; r < data.num_rows(); ++r) {
         const auto label = static_cast<std::size_t>(labels[static_cast<std::size_t>(r)]);
         counts[label] += 1;
-        for (long long i = 0; i < data.num_cols(); ++i)
+        for (long long i = 0; i < data.num_cols(); ++i) {
             means[label][static_cast<std::size_t>(i)] += data[r][i];
+        }
     }
     for (std::size_t j = 0; j < means.size(); ++j) {
-        for (double& value : means[j])
+        for (double& value : means[j]) {
             value /= std::max(1.0, counts[j]);
+        }
     }
     for (long long r = 0; r < data.num_rows(); ++r) {
         const auto label = static_cast<std::size_t>(labels[static_cast<std::size_t>(r)]);
@@ -116,8 +121,9 @@ TEST_F(KMeansTest, WellSeparatedCloudsComeOutWhole)
     const Matrix<double> data = clouds(900, 6, 3, 0.01, 4);
     const Labels labels = cluster(data, 3);
     EXPECT_EQ(3u, used(labels).size());
-    for (std::size_t r = 3; r < labels.size(); ++r)
+    for (std::size_t r = 3; r < labels.size(); ++r) {
         ASSERT_EQ(labels[r % 3], labels[r]) << r;
+    }
 }
 
 TEST_F(KMeansTest, EveryRowEndsAtItsNearestMean)
@@ -262,12 +268,14 @@ TEST_F(KMeansTest, ConstantDataMakesOneCluster)
 TEST_F(KMeansTest, FewerDistinctRowsThanClustersKeepsEqualRowsTogether)
 {
     Matrix<double> data(3000, 2);
-    for (long long r = 0; r < data.num_rows(); ++r)
+    for (long long r = 0; r < data.num_rows(); ++r) {
         data[r][0] = data[r][1] = 0.1 * static_cast<double>(r % 3) + 0.7;
+    }
     const Labels labels = cluster(data, 8);
     EXPECT_EQ(3u, used(labels).size());
-    for (std::size_t r = 3; r < labels.size(); ++r)
+    for (std::size_t r = 3; r < labels.size(); ++r) {
         ASSERT_EQ(labels[r % 3], labels[r]);
+    }
 }
 
 TEST_F(KMeansTest, NoClusterStaysEmptyWhenDistinctRowsDifferByOneBit)
@@ -289,8 +297,9 @@ TEST_F(KMeansTest, FarOutlierLeavesNoClusterEmpty)
 {
     Matrix<double> data = clouds(200, 2, 1, 1e-6, 12);
     data[17][0] = 1e9;
-    for (long long k : {2, 5, 20, 200})
+    for (long long k : {2, 5, 20, 200}) {
         EXPECT_EQ(static_cast<std::size_t>(k), used(cluster(data, k)).size()) << k;
+    }
 }
 
 TEST_F(KMeansTest, RowsThatAreNotFiniteTakeLabelZeroAndMoveNoCentre)
@@ -302,16 +311,18 @@ TEST_F(KMeansTest, RowsThatAreNotFiniteTakeLabelZeroAndMoveNoCentre)
     Matrix<double> data(303, 4);
     for (long long r = 0; r < 303; ++r) {
         const long long from = r - r / 101 - (r % 101 == 100 ? 1 : 0);
-        for (long long i = 0; i < 4; ++i)
+        for (long long i = 0; i < 4; ++i) {
             data[r][i] = r % 101 == 100 ? bad[r / 101] : clean[std::min(from, 299LL)][i];
+        }
     }
     const Labels labels = cluster(data, 3);
     Labels kept;
     for (std::size_t r = 0; r < labels.size(); ++r) {
-        if (r % 101 == 100)
+        if (r % 101 == 100) {
             EXPECT_EQ(0, labels[r]);
-        else
+        } else {
             kept.push_back(labels[r]);
+        }
     }
     EXPECT_EQ(expected, kept);
 }
@@ -327,8 +338,9 @@ TEST_F(KMeansTest, ScaleOfTheDataDoesNotMatterWithinPowersOfTwo)
     const Labels expected = cluster(data, 4);
     for (int exponent : {-1000, -30, 30, 1000}) {
         Matrix<double> scaled = data.deepCopy();
-        for (long long i = 0; i < scaled.storage.n_; ++i)
+        for (long long i = 0; i < scaled.storage.n_; ++i) {
             scaled.storage[i] = std::ldexp(scaled.storage[i], exponent);
+        }
         EXPECT_EQ(expected, cluster(scaled, 4)) << exponent;
     }
 }
@@ -384,8 +396,9 @@ TEST_F(KMeansTest, SeedsAreDistinctRowsWithTheLabelsOfTheNearest)
         objective += least;
     }
     EXPECT_NEAR(objective, seeds.objective, 1e-12 * objective);
-    for (std::size_t j = 0; j < 9; ++j)
+    for (std::size_t j = 0; j < 9; ++j) {
         EXPECT_EQ(static_cast<int>(j), seeds.labels[static_cast<std::size_t>(seeds.rows[j])]);
+    }
 }
 
 // Small integers make ties, equal rows and empty clusters frequent.

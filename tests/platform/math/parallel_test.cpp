@@ -36,8 +36,9 @@ std::vector<double> partialSums(long long count, long long grain, int threads)
     std::vector<double> sums(static_cast<std::size_t>((count + grain - 1) / grain), 0.0);
     parallelChunks(count, grain, [&](long long begin, long long end) {
         double sum = 0;
-        for (long long i = begin; i < end; ++i)
+        for (long long i = begin; i < end; ++i) {
             sum += std::sin(static_cast<double>(i)) / static_cast<double>(i + 1);
+        }
         sums[static_cast<std::size_t>(begin / grain)] = sum;
     });
     return sums;
@@ -117,8 +118,9 @@ void* cancelWhenStarted(Interrupted& record)
 {
     pthread_t thread{};
     EXPECT_EQ(0, pthread_create(&thread, nullptr, &runInterrupted, &record));
-    while (!record.started)
+    while (!record.started) {
         spin(std::chrono::microseconds(50));
+    }
     EXPECT_EQ(0, pthread_cancel(thread));
     void* result = nullptr;
     EXPECT_EQ(0, pthread_join(thread, &result));
@@ -182,8 +184,9 @@ TEST_F(ParallelTest, TwoThreadsWorkAtTheSameTime)
     parallelChunks(2, 1, [&](long long, long long) {
         ++begun;
         const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(60);
-        while (begun < 2 && std::chrono::steady_clock::now() < limit)
+        while (begun < 2 && std::chrono::steady_clock::now() < limit) {
             spin(std::chrono::microseconds(10));
+        }
     });
     EXPECT_EQ(2, begun);
 }
@@ -237,8 +240,9 @@ TEST_F(ParallelTest, TerminatedQThreadWithTerminationDisabledEndsAtACancellation
     };
     Worker worker;
     worker.start();
-    while (!worker.started)
+    while (!worker.started) {
         QThread::usleep(100);
+    }
     worker.terminate();
     EXPECT_TRUE(worker.wait(60000));
     EXPECT_FALSE(worker.isRunning());

@@ -28,18 +28,21 @@ inline QString describe(const tagROIInfo& region)
     const tagROIStatistics& s = region.statistics;
     QStringList parts{region.name, ROIShape::toText(region), s.unit, QString::number(s.pixels),
                       QString::number(s.invalidPixels)};
-    for (const double number : {s.area, s.sum, s.mean, s.minimum, s.maximum, s.deviation})
+    for (const double number : {s.area, s.sum, s.mean, s.minimum, s.maximum, s.deviation}) {
         parts.append(std::isnan(number) ? QStringLiteral("-") : QString::number(number, 'g', 17));
-    for (const auto& entry : region.extra)
+    }
+    for (const auto& entry : region.extra) {
         parts.append(entry.first + '=' + entry.second);
+    }
     return parts.join('|');
 }
 
 inline QStringList describe(const QList<tagROIInfo>& regions)
 {
     QStringList list;
-    for (const auto& region : regions)
+    for (const auto& region : regions) {
         list.append(describe(region));
+    }
     return list;
 }
 
@@ -60,8 +63,9 @@ inline rc::Gen<tagROIInfo> anyShape()
                          tagROIInfo region;
                          region.shape = static_cast<tag_eroishape>(std::get<0>(parts));
                          if (region.shape == ROISHAPE_POLYGON || region.shape == ROISHAPE_FREEHAND) {
-                             for (const auto& [x, y] : std::get<2>(parts))
+                             for (const auto& [x, y] : std::get<2>(parts)) {
                                  region.points.append({x, y});
+                             }
                              region.points.append({0.5, 0.5});
                              region.points.append({3.25, 0.5});
                              region.points.append({3.25, 7.0});
@@ -96,21 +100,24 @@ inline rc::Gen<tagROIStatistics> anyStatistics()
                                        rc::gen::container<std::vector<double>>(6, number)),
                         [](const std::tuple<bool, int, std::vector<double>>& parts) {
                             tagROIStatistics statistics;
-                            if (!std::get<0>(parts))
+                            if (!std::get<0>(parts)) {
                                 return statistics;
+                            }
                             statistics.unit = QStringLiteral("Radiant Efficiency");
                             statistics.pixels = std::get<1>(parts);
                             statistics.invalidPixels = statistics.pixels / 3;
                             const auto& numbers = std::get<2>(parts);
                             statistics.sum = numbers[0];
-                            if (statistics.pixels == 0)
+                            if (statistics.pixels == 0) {
                                 return statistics;
+                            }
                             statistics.mean = numbers[1];
                             statistics.minimum = numbers[2];
                             statistics.maximum = numbers[3];
                             statistics.deviation = numbers[4];
-                            if (statistics.pixels % 2 == 0)
+                            if (statistics.pixels % 2 == 0) {
                                 statistics.area = numbers[5];
+                            }
                             return statistics;
                         });
 }

@@ -92,8 +92,9 @@ protected:
     // Three clicks C1 to C3 of 6 x 4 pixels of 340 at binning 4, the first with a photograph.
     void writeThreeClicks(SequenceDescription description = SequenceDescription())
     {
-        if (description.id.isEmpty())
+        if (description.id.isEmpty()) {
             description.id = "SEQ001";
+        }
         SequenceWriter writer;
         QString error;
         ASSERT_TRUE(writer.begin(m_strTarget, description, false, &error)) << error.toStdString();
@@ -101,8 +102,9 @@ protected:
         const CILImage photo = flatImage(12, 8, 100.0, 2.0F, ORVTYPE_BYTE);
         for (int click = 1; click <= 3; ++click) {
             SequenceWriter::Images images{{IMAGETYPE_LUMINESCENT, &data}};
-            if (click == 1)
+            if (click == 1) {
                 images.append({IMAGETYPE_PHOTOGRAPH, &photo});
+            }
             const DatasetDescription dataset =
                 fullClick(QStringLiteral("C%1").arg(click), QStringLiteral("%1nm").arg(600 + 20 * click));
             ASSERT_TRUE(writer.addDataset(dataset, images, &error)) << error.toStdString();
@@ -115,8 +117,9 @@ protected:
     static QStringList clickNumbers(const CORVSequenceDataset& sequence)
     {
         QStringList numbers;
-        for (const CORVDataset* pDataset : sequence.getDatasets())
+        for (const CORVDataset* pDataset : sequence.getDatasets()) {
             numbers.append(pDataset->getClickNumber());
+        }
         return numbers;
     }
 

@@ -23,8 +23,9 @@ protected:
         description.transillumination = pReference != nullptr;
         ASSERT_TRUE(writer.begin(m_strTarget, description, true, &m_strError)) << m_strError.toStdString();
         SequenceWriter::Images images{{IMAGETYPE_LUMINESCENT, &data}};
-        if (pReference != nullptr)
+        if (pReference != nullptr) {
             images.append({IMAGETYPE_FLUORESCENT_REFERENCE, pReference});
+        }
         ASSERT_TRUE(writer.addDataset(click, images, &m_strError)) << m_strError.toStdString();
         ASSERT_TRUE(writer.finish(&m_strError)) << m_strError.toStdString();
         ASSERT_EQ(m_dataset.open(inTarget(click.clickNumber), &m_strError), ESTATUS_SUCCESS)
@@ -150,8 +151,9 @@ TEST_F(CalibrationTest, ReferenceOfAnotherSizeIsBroughtToTheImages)
         ASSERT_EQ(out.m_lWidth, 6);
         ASSERT_EQ(out.m_lHeight, 6);
         EXPECT_FLOAT_EQ(out.m_fBinning, 4.0F);
-        for (std::size_t i = 0; i < out.pixelCount(); ++i)
+        for (std::size_t i = 0; i < out.pixelCount(); ++i) {
             EXPECT_NEAR(out.value(i), 0.5, 1e-5) << "side " << side << ", pixel " << i;
+        }
     }
 }
 
@@ -179,8 +181,9 @@ TEST_F(CalibrationTest, EveryMissingFigureMakesRadianceUnavailableAndIsNamed)
         for (const char* pText : {"0", "-1", "much", "nan", ""}) {
             setKey(m_dataset.clickInfo, section, key, pText);
             for (const tag_edisplayunit unit :
-                 {DISPLAYUNIT_RADIANCE, DISPLAYUNIT_RADIANT_EFFICIENCY, DISPLAYUNIT_EFFICIENCY})
+                 {DISPLAYUNIT_RADIANCE, DISPLAYUNIT_RADIANT_EFFICIENCY, DISPLAYUNIT_EFFICIENCY}) {
                 expectUnavailable(unit, key);
+            }
         }
         m_dataset.clickInfo[section]->removeKey(key);
         expectUnavailable(DISPLAYUNIT_RADIANCE, key);
@@ -219,8 +222,9 @@ TEST_F(CalibrationTest, DataStoredAsEfficiencyComeAsTheyAreAndInNoOtherUnit)
     makeDataset(click, flatImage(2, 2, 0.125, 4.0F));
     ASSERT_EQ(m_dataset.nativeUnit, DISPLAYUNIT_EFFICIENCY);
     EXPECT_EQ(pixel(DISPLAYUNIT_EFFICIENCY), 0.125);
-    for (const tag_edisplayunit unit : {DISPLAYUNIT_COUNTS, DISPLAYUNIT_RADIANCE, DISPLAYUNIT_RADIANT_EFFICIENCY})
+    for (const tag_edisplayunit unit : {DISPLAYUNIT_COUNTS, DISPLAYUNIT_RADIANCE, DISPLAYUNIT_RADIANT_EFFICIENCY}) {
         expectUnavailable(unit, "efficiency");
+    }
     double factor = 9.0;
     EXPECT_FALSE(ORV_getImageIntensityCalibrationValue(IMAGETYPE_MAIN_DATA, &m_dataset, "counts", &factor));
     EXPECT_EQ(factor, 9.0);
@@ -239,9 +243,11 @@ TEST_F(CalibrationTest, DataStoredInAUnitComeAsTheyAreAndInNoOther)
         EXPECT_EQ(m_dataset.nativeUnit, stored.key());
         EXPECT_EQ(pixel(stored.key()), 0.125) << stored.value();
         for (const tag_edisplayunit unit :
-             {DISPLAYUNIT_COUNTS, DISPLAYUNIT_RADIANCE, DISPLAYUNIT_RADIANT_EFFICIENCY, DISPLAYUNIT_EFFICIENCY})
-            if (unit != stored.key())
+             {DISPLAYUNIT_COUNTS, DISPLAYUNIT_RADIANCE, DISPLAYUNIT_RADIANT_EFFICIENCY, DISPLAYUNIT_EFFICIENCY}) {
+            if (unit != stored.key()) {
                 expectUnavailable(unit, "the data are stored as");
+            }
+        }
         double factor = 9.0;
         EXPECT_FALSE(ORV_getImageIntensityCalibrationValue(IMAGETYPE_MAIN_DATA, &m_dataset, "photons", &factor));
     }

@@ -68,8 +68,9 @@ TEST_F(ReferenceTablesTest, GarbledRowsAreToldWithFileAndLineAndTheRestServes)
     write("luminescent_sources.csv",
           "wavelength_nm,A\n500,1\nfoo,2\n510,bar\n505\n520,nan\n499,3\n500,3\n530,0x1\n540,4\n");
     read();
-    for (const int line : {3, 4, 5, 6, 7, 8, 9})
+    for (const int line : {3, 4, 5, 6, 7, 8, 9}) {
         expectProblem("luminescent_sources.csv", line);
+    }
     EXPECT_EQ(m_tables.problems.size(), 7) << problems();
     EXPECT_EQ(m_tables.luminescentSources.value("A").wavelength, (QVector<double>{500.0, 540.0}));
 }
@@ -154,8 +155,9 @@ protected:
     }
     void TearDown() override
     {
-        for (const QString& file : QDir(m_strUser).entryList({"*.csv"}))
+        for (const QString& file : QDir(m_strUser).entryList({"*.csv"})) {
             QFile::remove(m_strUser + file);
+        }
         CORVDatabase::reload();
     }
     QString m_strUser;
@@ -172,12 +174,14 @@ TEST_F(DatabaseTest, InstalledTablesReadWithoutAProblem)
         EXPECT_EQ(source.n, source.wavelength.size());
         EXPECT_EQ(source.n, source.intensity.size());
         EXPECT_NEAR(*std::max_element(source.intensity.cbegin(), source.intensity.cend()), 1.0, 0.05) << pName;
-        for (int i = 1; i < source.n; ++i)
+        for (int i = 1; i < source.n; ++i) {
             ASSERT_EQ(source.wavelength.at(i), source.wavelength.at(i - 1) + 1.0) << pName;
+        }
     }
     ASSERT_FALSE(CORVDatabase::getSourceList().isEmpty());
-    for (const QString& name : CORVDatabase::getSourceList())
+    for (const QString& name : CORVDatabase::getSourceList()) {
         EXPECT_TRUE(CORVDatabase::readSource(name + "Em", &source)) << name.toStdString();
+    }
     EXPECT_TRUE(CORVDatabase::readRADSource("F-18", &source));
     sTissuePropFileParameters tissue;
     EXPECT_TRUE(CORVDatabase::readOpticalProperty("Muscle", &tissue));

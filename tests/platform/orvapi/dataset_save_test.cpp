@@ -37,8 +37,9 @@ protected:
     static QString entryOf(const CPLClickInfo& info, const char* pSection, const char* pKey)
     {
         QString value = "(none)";
-        if (const CPLSection* pFound = info[QString(pSection)])
+        if (const CPLSection* pFound = info[QString(pSection)]) {
             pFound->getValue(QString(pKey), &value);
+        }
         return value;
     }
     static CPLClickInfo clickInfoIn(const QString& strFolder, const QString& strName = "ClickInfo.txt")
@@ -73,8 +74,9 @@ TEST_F(DatasetSaveTest, ClickInfoAndImagesGoIntoAFolderThatIsMade)
     m_dataset.setModified(true);
     ASSERT_EQ(m_dataset.saveDatasetAs(folder + "/"), ESTATUS_SUCCESS) << m_log.reports();
     EXPECT_EQ(entries(folder), QStringList({"ClickInfo.txt", "luminescent.TIF", "photograph.TIF"}));
-    for (const char* pName : {"/luminescent.TIF", "/photograph.TIF"})
+    for (const char* pName : {"/luminescent.TIF", "/photograph.TIF"}) {
         EXPECT_EQ(contentOf(folder + pName), contentOf(inTarget("C1") + pName));
+    }
     // The click info differs in the folder's name alone.
     CPLClickInfo info = clickInfoIn(folder);
     EXPECT_EQ(entryOf(info, "ClickNumber", "Folder On Disk"), QFileInfo(folder).fileName());
@@ -244,12 +246,14 @@ TEST_F(DatasetSaveTest, WhatElseStandsInTheFoldersPlaceIsKept)
 TEST_F(DatasetSaveTest, InTheDatasetsOwnFolderOtherFilesStay)
 {
     ASSERT_TRUE(QDir().mkpath(inTarget("C1/deep/er")));
-    for (const char* pName : {"C1/Note.txt", "C1/note.txt", "C1/.hidden", "C1/deep/er/ClickInfo.txt"})
+    for (const char* pName : {"C1/Note.txt", "C1/note.txt", "C1/.hidden", "C1/deep/er/ClickInfo.txt"}) {
         overwrite(inTarget(pName), pName);
+    }
     m_dataset.setCoreImage(IMAGETYPE_LUMINESCENT, flatImage(2, 2, 9.0, 4.0F));
     ASSERT_EQ(m_dataset.saveDatasetAs(m_dataset.folderPath()), ESTATUS_SUCCESS) << m_log.reports();
-    for (const char* pName : {"C1/Note.txt", "C1/note.txt", "C1/.hidden", "C1/deep/er/ClickInfo.txt"})
+    for (const char* pName : {"C1/Note.txt", "C1/note.txt", "C1/.hidden", "C1/deep/er/ClickInfo.txt"}) {
         EXPECT_EQ(contentOf(inTarget(pName)), pName);
+    }
     EXPECT_EQ(entries(inTarget("C1")).size(), 7);
     CORVDataset again;
     ASSERT_EQ(again.open(inTarget("C1")), ESTATUS_SUCCESS);
@@ -300,8 +304,9 @@ TEST_F(DatasetSaveTest, AFullDiskLeavesNothingBehindAtWhateverFileItStrikes)
             for (const QString& target : {home("new"), home("earlier")}) {
                 const QByteArray before = contentOf(home("earlier/X-ray.TIF"));
                 const int answer = inForkedChild([&] {
-                    if (!limitFileSize(bytes))
+                    if (!limitFileSize(bytes)) {
                         return 99;
+                    }
                     const bool failed = m_dataset.saveDatasetAs(target) == ESTATUS_FILE_UNWRITABLE;
                     const bool told =
                         m_log.lines().size() == 1 && m_log.lines().back().m_strMessage.startsWith(target + "/");
@@ -322,12 +327,14 @@ TEST_F(DatasetSaveTest, AFolderThatMayNotBeWrittenToIsTold)
 {
     const QString parent = home("locked");
     ASSERT_TRUE(QDir().mkpath(parent));
-    for (const QString& place : {m_home.path(), m_strTarget, inTarget("C1")})
+    for (const QString& place : {m_home.path(), m_strTarget, inTarget("C1")}) {
         ASSERT_EQ(::chmod(QFile::encodeName(place).constData(), 0755), 0);
+    }
     ASSERT_EQ(::chmod(QFile::encodeName(parent).constData(), 0555), 0);
     const int answer = inForkedChild([&] {
-        if (!becomePlainUser())
+        if (!becomePlainUser()) {
             return 99;
+        }
         const bool failed = m_dataset.saveDatasetAs(parent + "/new") == ESTATUS_FILE_UNWRITABLE;
         const bool told = m_log.lines().size() == 1 && m_log.lines().back().m_strMessage.startsWith(parent + "/new");
         return (failed ? 0 : 1) + (told ? 0 : 2) + (m_dataset.folderPath() == inTarget("C1/") ? 0 : 4);

@@ -156,12 +156,14 @@ TEST_F(DatasetTest, SizeAndBinningComeWithoutPixels)
     TiffWriteOptions options;
     options.compression = TiffWriteOptions::Compression::Deflate;
     CILImage noise = flatImage(60, 40, 0.0);
-    for (std::size_t i = 0; i < noise.pixelCount(); ++i)
+    for (std::size_t i = 0; i < noise.pixelCount(); ++i) {
         noise.setValue(i, static_cast<double>((i * 7919U) % 1009U));
+    }
     ASSERT_TRUE(writeTiff(file, noise, options, &m_strError)) << m_strError.toStdString();
     QByteArray bytes = contentOf(file);
-    for (int i = 64; i < 1000; ++i)
+    for (int i = 64; i < 1000; ++i) {
         bytes[i] = static_cast<char>(~bytes[i]);
+    }
     overwrite(file, bytes);
     open();
     long width = 0;
@@ -214,8 +216,9 @@ TEST_F(DatasetTest, GarbledNumbersAreToldWithFileAndPlace)
     ASSERT_EQ(info.saveClickInfo(inTarget("C1/ClickInfo.txt")), 0);
     open();
     ASSERT_EQ(m_warnings.size(), 3) << m_warnings.join("\n").toStdString();
-    for (const QString& warning : m_warnings)
+    for (const QString& warning : m_warnings) {
         EXPECT_TRUE(warning.startsWith(inTarget("C1/ClickInfo.txt"))) << warning.toStdString();
+    }
     EXPECT_TRUE(m_warnings.join("\n").contains("quarter"));
     EXPECT_TRUE(m_warnings.join("\n").contains("wide"));
     EXPECT_TRUE(m_warnings.join("\n").contains("Furlongs"));

@@ -58,8 +58,9 @@ TEST(DecayTest, RefusedFiguresLeaveNoFactors)
         EXPECT_FALSE(decayCorrectionFactors({{0.0, 1.0}}, halfLife, factors));
         EXPECT_TRUE(factors.isEmpty());
     }
-    for (const Exposure& exposure : {Exposure{0.0, 0.0}, Exposure{0.0, -1.0}, Exposure{0.0, nan}, Exposure{nan, 1.0}})
+    for (const Exposure& exposure : {Exposure{0.0, 0.0}, Exposure{0.0, -1.0}, Exposure{0.0, nan}, Exposure{nan, 1.0}}) {
         EXPECT_FALSE(decayCorrectionFactors({{0.0, 1.0}, exposure}, 100.0, factors));
+    }
     EXPECT_FALSE(decayCorrectionFactors({{0.0, 1.0}, {1e6, 1.0}}, 1.0, factors)); // 2^1e6
     EXPECT_TRUE(factors.isEmpty());
     EXPECT_TRUE(decayCorrectionFactors({}, 100.0, factors));

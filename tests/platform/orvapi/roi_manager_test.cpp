@@ -11,16 +11,18 @@ namespace {
 QStringList namesOf(const CROIManager& manager)
 {
     QStringList names;
-    for (const auto& region : manager.regions())
+    for (const auto& region : manager.regions()) {
         names.append(region.name);
+    }
     return names;
 }
 
 QStringList keysOf(const CPLClickInfo& info)
 {
     QStringList keys;
-    if (info[QStringLiteral("ROIs")] != nullptr)
+    if (info[QStringLiteral("ROIs")] != nullptr) {
         info[QStringLiteral("ROIs")]->getKeyList(&keys);
+    }
     return keys;
 }
 
@@ -233,8 +235,9 @@ RC_GTEST_PROP(RoiManagerLawTest, AnyRegionsSurviveTheFile, ())
 {
     CROIManager manager;
     const QList<tagROIInfo> regions = *anyRegions();
-    for (const auto& region : regions)
+    for (const auto& region : regions) {
         RC_ASSERT(manager.addRegion(region));
+    }
     CPLClickInfo info;
     RC_ASSERT(manager.saveROIData(&info) == ESTATUS_SUCCESS);
     CPLClickInfo again;

@@ -14,8 +14,9 @@ ROISection::Entries entriesFor(const QList<tagROIInfo>& regions)
 {
     CPLSection section(QStringLiteral("ROIs"));
     int number = 0;
-    for (const auto& region : regions)
+    for (const auto& region : regions) {
         ROISection::write(region, ++number, section);
+    }
     return ROISection::entriesOf(section);
 }
 
@@ -97,8 +98,9 @@ TEST(RoiSectionTest, KeysOfOtherKindsAreNotOfARegion)
     EXPECT_EQ(ROISection::regionNumber("ROI12StandardDeviation"), 12);
     EXPECT_EQ(ROISection::regionNumber(" roi 3 x"), 3);
     for (const char* other :
-         {"", "ROI", "ROI 7", "ROI Name", "ROI 1 2nd", "Region 1 Name", "ROI 1234567 Name", "1 ROI"})
+         {"", "ROI", "ROI 7", "ROI Name", "ROI 1 2nd", "Region 1 Name", "ROI 1234567 Name", "1 ROI"}) {
         EXPECT_FALSE(ROISection::regionNumber(other)) << other;
+    }
 }
 
 TEST(RoiSectionTest, RegionsComeInTheOrderOfTheirNumbersWhateverThatOfTheEntries)
@@ -181,8 +183,9 @@ TEST(RoiSectionTest, WhatElseIsToldOfARegionIsKeptWhileItCanNameAnElement)
 TEST(RoiSectionTest, RegionsAndMessagesBeyondMeasureAreCutOff)
 {
     ROISection::Entries many;
-    for (int i = 1; i <= ROISection::kMaximumRegions + 5; ++i)
+    for (int i = 1; i <= ROISection::kMaximumRegions + 5; ++i) {
         many.append({QStringLiteral("ROI %1 Shape").arg(i), "rect:1,1,1,1"});
+    }
     const auto reading = ROISection::read(many);
     EXPECT_EQ(reading.regions.size(), ROISection::kMaximumRegions);
     EXPECT_FALSE(reading.numbers.contains(ROISection::kMaximumRegions + 1));
@@ -193,11 +196,13 @@ TEST(RoiSectionTest, RegionsAndMessagesBeyondMeasureAreCutOff)
 TEST(RoiSectionTest, NamesAreTextsThatCanBeShown)
 {
     for (const auto& good : {QString("a"), QString::fromUtf8("\xC3\x84, \"x\"; <&> 50%"), QString(200, 'x'),
-                             QString::fromUtf8("\xF0\x9F\x90\xAD")})
+                             QString::fromUtf8("\xF0\x9F\x90\xAD")}) {
         EXPECT_EQ(ROISection::reasonAgainstName(good), QString()) << qPrintable(good);
+    }
     for (const auto& bad : {QString(), QString(" "), QString(" a"), QString("a\nb"), QString(201, 'x'),
-                            QString(QChar(0xd800)), QString(QChar(0xffff))})
+                            QString(QChar(0xd800)), QString(QChar(0xffff))}) {
         EXPECT_NE(ROISection::reasonAgainstName(bad), QString());
+    }
 }
 
 RC_GTEST_PROP(RoiSectionTest, WhatWasReadFromAnyEntriesSurvives, ())
@@ -209,8 +214,9 @@ RC_GTEST_PROP(RoiSectionTest, WhatWasReadFromAnyEntriesSurvives, ())
         rc::gen::elementOf(std::vector<QString>{"1", "-1", "1e400", "nan", "rect:1,2,3,4", "polygon:1", "0.1"}));
     ROISection::Entries entries;
     for (const auto& [number, name, text] : *rc::gen::container<std::vector<std::tuple<int, QString, QString>>>(
-             rc::gen::tuple(rc::gen::inRange(0, 4), field, value)))
+             rc::gen::tuple(rc::gen::inRange(0, 4), field, value))) {
         entries.append({QStringLiteral("ROI ") + QString::number(number) + ' ' + name, text});
+    }
     const auto first = ROISection::read(entries);
     const auto second = ROISection::read(entriesFor(first.regions));
     RC_ASSERT(second.messages.isEmpty());

@@ -10,8 +10,9 @@ namespace {
 QStringList drawn(const QString& strShape, long width, long height, double binning = 1.0)
 {
     QStringList rows;
-    for (long y = 0; y < height; ++y)
+    for (long y = 0; y < height; ++y) {
         rows.append(QString(static_cast<int>(width), QLatin1Char('.')));
+    }
     ROIShape::visitRuns(regionFrom(strShape), width, height, binning, [&](long row, long first, long end) {
         for (long x = first; x < end; ++x) {
             QCharRef pixel = rows[static_cast<int>(row)][static_cast<int>(x)];
@@ -35,12 +36,15 @@ int windingNumber(const QVector<tagROIInfo::Point>& points, double x, double y)
         const auto& b = points[(i + 1) % points.size()];
         const double area = (b.x - a.x) * (y - a.y) - (x - a.x) * (b.y - a.y);
         if (area == 0.0 && std::min(a.x, b.x) <= x && x <= std::max(a.x, b.x) && std::min(a.y, b.y) <= y &&
-            y <= std::max(a.y, b.y))
+            y <= std::max(a.y, b.y)) {
             return 1000;
-        if (a.y <= y && b.y > y && area > 0.0)
+        }
+        if (a.y <= y && b.y > y && area > 0.0) {
             ++winding;
-        if (a.y > y && b.y <= y && area < 0.0)
+        }
+        if (a.y > y && b.y <= y && area < 0.0) {
             --winding;
+        }
     }
     return winding;
 }
@@ -100,8 +104,9 @@ TEST(RoiShapeTest, WhatIsNoShapeIsRefusedWithItsReasonAndLeavesTheRegionAlone)
 TEST(RoiShapeTest, AnOutlineOfTooManyPointsIsRefused)
 {
     QString text = "freehand:0,0";
-    for (int i = 1; i < ROIShape::kMaximumPoints; ++i)
+    for (int i = 1; i < ROIShape::kMaximumPoints; ++i) {
         text += QStringLiteral(",%1,%2").arg(i).arg(i % 2);
+    }
     EXPECT_EQ(regionFrom(text).points.size(), ROIShape::kMaximumPoints);
     tagROIInfo region;
     QString error;
@@ -119,8 +124,9 @@ RC_GTEST_PROP(RoiShapeTest, AnyShapeSurvivesItsText, ())
     RC_ASSERT(again.x == region.x && again.y == region.y);
     RC_ASSERT(again.width == region.width && again.height == region.height);
     RC_ASSERT(again.points.size() == region.points.size());
-    for (int i = 0; i < region.points.size(); ++i)
+    for (int i = 0; i < region.points.size(); ++i) {
         RC_ASSERT(again.points[i].x == region.points[i].x && again.points[i].y == region.points[i].y);
+    }
 }
 
 TEST(RoiShapeTest, ARectangleHoldsThePixelsWhoseCentresItHolds)
@@ -141,8 +147,9 @@ TEST(RoiShapeTest, WhatLiesBeyondTheImageDoesNotCount)
     EXPECT_EQ(drawn("rect:-5,-5,6,7", 3, 3), (QStringList{"#..", "#..", "..."}));
     EXPECT_EQ(drawn("ellipse:2,2,1e6,1e6", 3, 3), (QStringList{"...", "...", "..."}));
     EXPECT_EQ(drawn("polygon:1,-9,90,-9,90,90,1,90", 3, 2), (QStringList{".##", ".##"}));
-    for (const char* outside : {"rect:3,0,5,5", "rect:-9,0,9,3", "ellipse:0,3,4,4", "polygon:5,5,9,5,5,9"})
+    for (const char* outside : {"rect:3,0,5,5", "rect:-9,0,9,3", "ellipse:0,3,4,4", "polygon:5,5,9,5,5,9"}) {
         EXPECT_EQ(pixels(outside, 3), 0) << outside;
+    }
     EXPECT_EQ(pixels("rect:-1e9,-1e9,1e9,1e9", 3), 0);
     EXPECT_EQ(ROIShape::pixelCount(regionFrom("rect:0,0,9,9"), 0, 0, 1.0), 0);
 }
@@ -204,20 +211,23 @@ RC_GTEST_PROP(RoiShapeTest, AnyOutlineHoldsTheCentresItWindsAround, ())
     region.shape = ROISHAPE_FREEHAND;
     const auto coordinate = rc::gen::map(rc::gen::inRange(-4, 2 * side + 4), [](int n) { return 0.5 * n; });
     for (const auto& [x, y] :
-         *rc::gen::container<std::vector<std::pair<double, double>>>(rc::gen::pair(coordinate, coordinate)))
+         *rc::gen::container<std::vector<std::pair<double, double>>>(rc::gen::pair(coordinate, coordinate))) {
         region.points.append({x, y});
+    }
     RC_PRE(ROIShape::reasonAgainst(region).isEmpty());
     std::vector<int> visits(side * side, 0);
     ROIShape::visitRuns(region, side, side, 1.0, [&](long row, long first, long end) {
-        for (long x = first; x < end; ++x)
+        for (long x = first; x < end; ++x) {
             ++visits[static_cast<std::size_t>(row * side + x)];
+        }
     });
     for (int i = 0; i < side * side; ++i) {
         const int winding = windingNumber(region.points, i % side + 0.5, i / side + 0.5);
-        if (winding != 1000)
+        if (winding != 1000) {
             RC_ASSERT(visits[static_cast<std::size_t>(i)] == (winding != 0 ? 1 : 0));
-        else
+        } else {
             RC_ASSERT(visits[static_cast<std::size_t>(i)] <= 1);
+        }
     }
 }
 
@@ -230,8 +240,9 @@ RC_GTEST_PROP(RoiShapeTest, RegionsSideBySideShareNoPixelAndMissNone, ())
     const auto bends = *rc::gen::container<std::vector<std::pair<int, int>>>(
         rc::gen::pair(rc::gen::inRange(0, 700), rc::gen::inRange(0, 700)));
     QVector<tagROIInfo::Point> line{{length / 3.0, 0.0}};
-    for (const auto& [x, y] : bends)
+    for (const auto& [x, y] : bends) {
         line.append({length * x / 700.0, length * y / 700.0});
+    }
     std::sort(line.begin(), line.end(), [](const auto& a, const auto& b) { return a.y < b.y; });
     line.append({length / 7.0, length});
     std::vector<int> visits(side * side, 0);
@@ -242,10 +253,12 @@ RC_GTEST_PROP(RoiShapeTest, RegionsSideBySideShareNoPixelAndMissNone, ())
         part.points.append({edge, length});
         part.points.append({edge, 0.0});
         ROIShape::visitRuns(part, side, side, binning, [&](long row, long first, long end) {
-            for (long x = first; x < end; ++x)
+            for (long x = first; x < end; ++x) {
                 ++visits[static_cast<std::size_t>(row * side + x)];
+            }
         });
     }
-    for (const int count : visits)
+    for (const int count : visits) {
         RC_ASSERT(count == 1);
+    }
 }

@@ -20,8 +20,9 @@ CILImage imageOf(long width, const std::vector<double>& values, ORVDataTypes typ
 {
     CILImage image;
     EXPECT_EQ(image.InitWithType(type, width, static_cast<long>(values.size()) / width), EIL_SUCCESS);
-    for (std::size_t i = 0; i < values.size(); ++i)
+    for (std::size_t i = 0; i < values.size(); ++i) {
         image.setValue(i, values[i]);
+    }
     image.m_fBinning = binning;
     return image;
 }
@@ -84,8 +85,9 @@ TEST(RoiStatisticsTest, ARegionWithoutAPixelHasASumAndNoMean)
         EXPECT_EQ(s.invalidPixels, image.m_lWidth == 2 ? 2 : 0);
         EXPECT_EQ(s.sum, 0.0);
         EXPECT_EQ(s.area, 0.0);
-        for (const double number : {s.mean, s.minimum, s.maximum, s.deviation})
+        for (const double number : {s.mean, s.minimum, s.maximum, s.deviation}) {
             EXPECT_TRUE(std::isnan(number));
+        }
     }
     EXPECT_EQ(measured("rect:0,0,2,1", CILImage()).pixels, 0);
 }

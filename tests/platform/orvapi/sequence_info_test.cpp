@@ -10,10 +10,12 @@ namespace {
 
 TEST(SequenceInfoTest, PathsStayBelowOnlyWhenTheyDo)
 {
-    for (const char* pPath : {"a", "a/b", "a/../b", "./a", "a b", "..a", "a.."})
+    for (const char* pPath : {"a", "a/b", "a/../b", "./a", "a b", "..a", "a.."}) {
         EXPECT_TRUE(staysBelow(pPath)) << pPath;
-    for (const char* pPath : {"", ".", "..", "../a", "a/../..", "a/../../b", "/a", "/", "./.."})
+    }
+    for (const char* pPath : {"", ".", "..", "../a", "a/../..", "a/../../b", "/a", "/", "./.."}) {
         EXPECT_FALSE(staysBelow(pPath)) << pPath;
+    }
 }
 
 TEST(SequenceInfoTest, NumbersInNamesCompareByValue)
@@ -31,8 +33,9 @@ RC_GTEST_PROP(SequenceInfoLaw, NameOrderIsStrictAndTotal, ())
     const QString c = QString::fromStdString(*name);
     RC_ASSERT(!numberAwareLess(a, a));
     RC_ASSERT(a == b || numberAwareLess(a, b) != numberAwareLess(b, a));
-    if (numberAwareLess(a, b) && numberAwareLess(b, c))
+    if (numberAwareLess(a, b) && numberAwareLess(b, c)) {
         RC_ASSERT(numberAwareLess(a, c));
+    }
 }
 
 RC_GTEST_PROP(SequenceInfoLaw, WhatIsWrittenReadsBack, ())
@@ -49,8 +52,9 @@ RC_GTEST_PROP(SequenceInfoLaw, WhatIsWrittenReadsBack, ())
     info.adjust.m_nColorTable = *rc::gen::inRange(0, 20);
     info.adjust.m_bReversed = *rc::gen::arbitrary<bool>();
     info.adjust.m_bLogScale = *rc::gen::arbitrary<bool>();
-    for (int i = *rc::gen::inRange(0, 20); i > 0; --i)
+    for (int i = *rc::gen::inRange(0, 20); i > 0; --i) {
         info.folders.append(QStringLiteral("click %1").arg(i));
+    }
     CPLClickInfo sections;
     QStringList warnings;
     RC_ASSERT(sections.parse(sequenceInfoSections(info).toText(), "file", &warnings) == 0);

@@ -19,9 +19,11 @@ protected:
     }
     bool isWarned(const QString& strA, const QString& strB = QString()) const
     {
-        for (const QString& warning : m_warnings)
-            if (warning.contains(strA) && warning.contains(strB))
+        for (const QString& warning : m_warnings) {
+            if (warning.contains(strA) && warning.contains(strB)) {
                 return true;
+            }
+        }
         return false;
     }
     std::string warnings() const { return m_warnings.join("\n").toStdString(); }
@@ -222,8 +224,9 @@ TEST_F(SequenceTest, EntriesThatLeaveTheFolderAreRefused)
         const QString folder = m_home.filePath("variant");
         QDir(folder).removeRecursively();
         ASSERT_TRUE(QDir().mkpath(folder + "/C2"));
-        for (const QString& file : entries(inTarget("C2")))
+        for (const QString& file : entries(inTarget("C2"))) {
             ASSERT_TRUE(QFile::copy(inTarget("C2/" + file), folder + "/C2/" + file));
+        }
         ASSERT_EQ(info.saveClickInfo(folder + "/SequenceInfo.txt"), 0);
         CORVSequenceDataset sequence;
         m_warnings.clear();
@@ -259,12 +262,13 @@ TEST_P(DamagedDatasetTest, IsLeftOutWithFileAndReasonAndTheRestOpens)
 {
     writeThreeClicks();
     const QString file = inTarget(GetParam().file);
-    if (GetParam().keep == -2)
+    if (GetParam().keep == -2) {
         ASSERT_TRUE(QFile::remove(file));
-    else if (GetParam().keep == -1)
+    } else if (GetParam().keep == -1) {
         overwrite(file, QByteArray("\x01\x02\x00\xfe garbage \x00\xff\xff", 16).repeated(20));
-    else
+    } else {
         overwrite(file, contentOf(file).left(GetParam().keep));
+    }
     CORVSequenceDataset sequence;
     expectOpens(sequence, m_strTarget);
     EXPECT_EQ(clickNumbers(sequence), (QStringList{"C1", "C3"}));
@@ -294,8 +298,9 @@ TEST_F(SequenceTest, MissingDatasetFolderIsToldAndTheRestOpens)
 TEST_F(SequenceTest, NothingReadableFailsWithTheReasonAndLeavesTheSequenceEmpty)
 {
     writeThreeClicks();
-    for (const char* pClick : {"C1", "C2", "C3"})
+    for (const char* pClick : {"C1", "C2", "C3"}) {
         ASSERT_TRUE(QFile::remove(inTarget(QString(pClick) + "/ClickInfo.txt")));
+    }
     CORVSequenceDataset sequence;
     EXPECT_NE(sequence.open(m_strTarget, &m_strError, &m_warnings), ESTATUS_SUCCESS);
     EXPECT_TRUE(m_strError.contains(m_strTarget)) << m_strError.toStdString();

@@ -31,8 +31,9 @@ template <typename Body>
 int statusOfChild(Body body)
 {
     const pid_t child = fork();
-    if (child == 0)
+    if (child == 0) {
         _exit(body());
+    }
     int status = -1;
     EXPECT_EQ(waitpid(child, &status, 0), child);
     return WIFEXITED(status) ? WEXITSTATUS(status) : 1000;
@@ -118,8 +119,9 @@ TEST_F(SequenceWriterTest, ReadOnlyFolderIsRefused)
     const QByteArray home = QFile::encodeName(m_home.path());
     ASSERT_EQ(chmod(home.constData(), 0555), 0);
     const int status = statusOfChild([&] {
-        if (geteuid() == 0 && (setgid(65534) != 0 || setuid(65534) != 0))
+        if (geteuid() == 0 && (setgid(65534) != 0 || setuid(65534) != 0)) {
             return 9;
+        }
         SequenceWriter writer;
         QString error;
         return !writer.begin(m_strTarget, named("SEQ"), false, &error) && error.contains(m_strTarget) ? 0 : 1;
@@ -134,24 +136,29 @@ TEST_F(SequenceWriterTest, FullDiskFailsWithTheFileAndLeavesNothing)
     for (const rlim_t limit : {rlim_t{16}, rlim_t{5000}, rlim_t{40000}}) {
         const int status = statusOfChild([&] {
             const struct rlimit size = {limit, limit};
-            if (signal(SIGXFSZ, SIG_IGN) == SIG_ERR || setrlimit(RLIMIT_FSIZE, &size) != 0)
+            if (signal(SIGXFSZ, SIG_IGN) == SIG_ERR || setrlimit(RLIMIT_FSIZE, &size) != 0) {
                 return 9;
+            }
             const CILImage large = flatImage(200, 200, 1.0);
             SequenceWriter writer;
             QString error;
-            if (!writer.begin(m_strTarget, named("SEQ"), false, &error))
+            if (!writer.begin(m_strTarget, named("SEQ"), false, &error)) {
                 return 8;
-            if (writer.addDataset(fullClick("C1"), {{IMAGETYPE_LUMINESCENT, &large}}, &error))
+            }
+            if (writer.addDataset(fullClick("C1"), {{IMAGETYPE_LUMINESCENT, &large}}, &error)) {
                 return 7;
-            if (!error.contains(inTarget("C1/luminescent.TIF")) || writer.finish(&error))
+            }
+            if (!error.contains(inTarget("C1/luminescent.TIF")) || writer.finish(&error)) {
                 return 6;
+            }
             return 0;
         });
         EXPECT_EQ(status, 0) << "limit " << limit;
         EXPECT_TRUE(entries(m_home.path()).size() <= 1); // the child ended without its destructors
         EXPECT_FALSE(QFile::exists(m_strTarget));
-        for (const QString& left : entries(m_home.path()))
+        for (const QString& left : entries(m_home.path())) {
             QDir(m_home.filePath(left)).removeRecursively();
+        }
     }
 }
 
@@ -159,19 +166,22 @@ TEST_F(SequenceWriterTest, DiskFullAtTheClickInfoFailsToo)
 {
     const int status = statusOfChild([&] {
         const struct rlimit size = {700, 700};
-        if (signal(SIGXFSZ, SIG_IGN) == SIG_ERR || setrlimit(RLIMIT_FSIZE, &size) != 0)
+        if (signal(SIGXFSZ, SIG_IGN) == SIG_ERR || setrlimit(RLIMIT_FSIZE, &size) != 0) {
             return 9;
+        }
         int result = 0;
         {
             DatasetDescription click = fullClick("C1");
             setKey(click.info, "User Input", "Label", QString(2000, 'x'));
             SequenceWriter writer;
             QString error;
-            if (!writer.begin(m_strTarget, named("SEQ"), false, &error))
+            if (!writer.begin(m_strTarget, named("SEQ"), false, &error)) {
                 return 8;
+            }
             if (writer.addDataset(click, {{IMAGETYPE_LUMINESCENT, &m_data}}, &error) ||
-                !error.contains("ClickInfo.txt"))
+                !error.contains("ClickInfo.txt")) {
                 result = 7;
+            }
         }
         return result;
     });
@@ -240,8 +250,9 @@ TEST_F(SequenceWriterTest, ClickNumbersOfAnyKindBecomeFoldersOfTheirOwn)
     ASSERT_FALSE(truth.isEmpty());
     EXPECT_EQ(m_writer.extraFolder("truth"), truth);
     overwrite(truth + "map.csv", "1,2");
-    for (const QString& click : clicks)
+    for (const QString& click : clicks) {
         ASSERT_TRUE(add(click)) << click.toStdString() << ": " << m_strError.toStdString();
+    }
     ASSERT_TRUE(m_writer.finish(&m_strError)) << m_strError.toStdString();
     EXPECT_TRUE(QFile::exists(inTarget("truth/map.csv")));
     CORVSequenceDataset sequence;
@@ -253,8 +264,9 @@ TEST_F(SequenceWriterTest, ExtraFolderTakesPlainNamesAlone)
 {
     ASSERT_TRUE(begin());
     ASSERT_TRUE(add("C1"));
-    for (const char* pName : {"", ".", "..", "a/b", "../a", ".a", "C1"})
+    for (const char* pName : {"", ".", "..", "a/b", "../a", ".a", "C1"}) {
         EXPECT_TRUE(m_writer.extraFolder(pName).isEmpty()) << pName;
+    }
 }
 
 TEST_F(SequenceWriterTest, OriginOfThePhotographAndTruthFolderAreWritten)
@@ -290,8 +302,9 @@ TEST_F(SequenceWriterTest, BinningOfEachImageIsWrittenUnlessItIsThere)
 TEST_F(SequenceWriterTest, PixelsComeBackAsTheyWere)
 {
     CILImage data = flatImage(5, 7, 0.0, 2.0F);
-    for (std::size_t i = 0; i < data.pixelCount(); ++i)
+    for (std::size_t i = 0; i < data.pixelCount(); ++i) {
         data.setValue(i, 0.1 * static_cast<double>(i) - 1.5);
+    }
     ASSERT_TRUE(begin());
     ASSERT_TRUE(add("C1", {{IMAGETYPE_LUMINESCENT, &data}}));
     ASSERT_TRUE(m_writer.finish());
@@ -300,8 +313,9 @@ TEST_F(SequenceWriterTest, PixelsComeBackAsTheyWere)
     CILImage* pRead = dataset.getCoreImage(IMAGETYPE_LUMINESCENT);
     ASSERT_NE(pRead, nullptr);
     ASSERT_EQ(pRead->dataType(), ORVTYPE_FLOAT);
-    for (std::size_t i = 0; i < data.pixelCount(); ++i)
+    for (std::size_t i = 0; i < data.pixelCount(); ++i) {
         ASSERT_EQ(pRead->floats()[i], data.floats()[i]);
+    }
 }
 
 } // namespace

@@ -20,8 +20,9 @@ inline CILImage makeImage(ORVDataTypes type, long w, long h, const std::vector<d
     CILImage image;
     EXPECT_EQ(EIL_SUCCESS, image.InitWithType(type, w, h));
     EXPECT_EQ(image.pixelCount(), values.size());
-    for (std::size_t i = 0; i < values.size(); ++i)
+    for (std::size_t i = 0; i < values.size(); ++i) {
         image.setValue(i, values[i]);
+    }
     image.RefreshImageStats();
     return image;
 }
@@ -29,16 +30,18 @@ inline CILImage makeImage(ORVDataTypes type, long w, long h, const std::vector<d
 inline std::vector<double> valuesOf(const CILImage& image)
 {
     std::vector<double> values;
-    for (std::size_t i = 0; i < image.pixelCount(); ++i)
+    for (std::size_t i = 0; i < image.pixelCount(); ++i) {
         values.push_back(image.value(i));
+    }
     return values;
 }
 
 inline double sumOf(const CILImage& image)
 {
     double sum = 0.0;
-    for (const double v : valuesOf(image))
+    for (const double v : valuesOf(image)) {
         sum += v;
+    }
     return sum;
 }
 

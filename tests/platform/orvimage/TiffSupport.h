@@ -51,10 +51,12 @@ inline void setTestFields(TIFF* tiff, const TestPage& page)
     TIFFSetField(tiff, TIFFTAG_PLANARCONFIG, page.planar);
     TIFFSetField(tiff, TIFFTAG_COMPRESSION, page.compression);
     TIFFSetField(tiff, TIFFTAG_ORIENTATION, page.orientation);
-    if (page.predictor != PREDICTOR_NONE)
+    if (page.predictor != PREDICTOR_NONE) {
         TIFFSetField(tiff, TIFFTAG_PREDICTOR, page.predictor);
-    if (page.description != nullptr)
+    }
+    if (page.description != nullptr) {
         TIFFSetField(tiff, TIFFTAG_IMAGEDESCRIPTION, page.description);
+    }
     if (page.tile > 0) {
         TIFFSetField(tiff, TIFFTAG_TILEWIDTH, page.tile);
         TIFFSetField(tiff, TIFFTAG_TILELENGTH, page.tile);
@@ -101,12 +103,13 @@ inline void writeTestTiff(const QString& path, const std::vector<TestPage>& page
                     std::vector<unsigned char> block = testBlock(page, x, y, w, rows, plane);
                     const auto size = static_cast<tmsize_t>(block.size());
                     const auto sample = static_cast<std::uint16_t>(plane);
-                    if (page.tile > 0)
+                    if (page.tile > 0) {
                         ASSERT_EQ(size, TIFFWriteEncodedTile(tiff, TIFFComputeTile(tiff, x, y, 0, sample), block.data(),
                                                              size));
-                    else
+                    } else {
                         ASSERT_EQ(size,
                                   TIFFWriteEncodedStrip(tiff, TIFFComputeStrip(tiff, y, sample), block.data(), size));
+                    }
                 }
             }
         }

@@ -94,8 +94,9 @@ TEST(ColorBarTest, TheColourAtATickIsTheColourOfItsValue)
         ASSERT_GT(bar.width(), length);
         // The bar begins where its frame does: the first dark pixel of a row through its middle.
         int left = 0;
-        while (bar.pixel(left, 5) == qRgb(255, 255, 255))
+        while (bar.pixel(left, 5) == qRgb(255, 255, 255)) {
             ++left;
+        }
         for (const double value : {1.0, 5.0, 9.0}) {
             const int x =
                 left + static_cast<int>(std::lround(orvimage::colorBarPosition(palette, value, 0, 10) * (length - 1)));
@@ -129,9 +130,11 @@ TEST(ColorBarTest, TextIsDrawn)
         options.unitLines = unit;
         const QImage bar = orvimage::drawColorBar(CILPalette(), 0, 5e6, 300, options);
         int dark = 0;
-        for (int y = 0; y < bar.height(); ++y)
-            for (int x = 30; x < bar.width(); ++x)
+        for (int y = 0; y < bar.height(); ++y) {
+            for (int x = 30; x < bar.width(); ++x) {
                 dark += qGray(bar.pixel(x, y)) < 100 ? 1 : 0;
+            }
+        }
         return dark;
     };
     EXPECT_GT(darkPixels({}), 50) << "numbers; is a font installed?";

@@ -221,8 +221,9 @@ TEST(HistogramTest, IntegratesInPlaceOrIntoAnother)
     CILHistogram histogram;
     histogram.setMaxBins(3);
     histogram.setImageMax(3);
-    for (const double v : {0.5, 1.5, 1.6, 2.5})
+    for (const double v : {0.5, 1.5, 1.6, 2.5}) {
         histogram.add(v);
+    }
     CILHistogram sums;
     histogram.integrate(&sums);
     EXPECT_EQ((std::vector<double>{1, 2, 1}), histogram.bins());
@@ -248,8 +249,9 @@ TEST(HistogramTest, TheNinetyNinePointNinePercentLevelOfARamp)
 {
     CILImage ramp;
     ramp.InitWithType(ORVTYPE_BYTE, 256, 4);
-    for (std::size_t i = 0; i < ramp.pixelCount(); ++i)
+    for (std::size_t i = 0; i < ramp.pixelCount(); ++i) {
         ramp.setValue(i, static_cast<double>(i % 256));
+    }
     ramp.RefreshImageStats();
     CILHistogram histogram;
     histogram.setMaxBins(256);

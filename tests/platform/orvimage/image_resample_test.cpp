@@ -16,8 +16,9 @@ CILImage randomImage(ORVDataTypes type, int w, int h, const std::vector<int>& va
 {
     CILImage image;
     image.InitWithType(type, w, h);
-    for (std::size_t i = 0; i < image.pixelCount(); ++i)
+    for (std::size_t i = 0; i < image.pixelCount(); ++i) {
         image.setValue(i, values[i]);
+    }
     image.RefreshImageStats();
     return image;
 }
@@ -138,12 +139,14 @@ RC_GTEST_PROP(ChangeBinningLaws, TheSumStaysAndTheSideIsTheFloor, ())
     const int width = w * own / wanted;
     const int height = h * own / wanted;
     RC_ASSERT((status == EIL_SUCCESS) == (width > 0 && height > 0));
-    if (status != EIL_SUCCESS)
+    if (status != EIL_SUCCESS) {
         return;
+    }
     RC_ASSERT(out.m_lWidth == width);
     RC_ASSERT(out.m_lHeight == height);
-    if (w * own % wanted == 0 && h * own % wanted == 0)
+    if (w * own % wanted == 0 && h * own % wanted == 0) {
         RC_ASSERT(std::fabs(sumOf(out) - sumOf(image)) <= kRounding * 1000 * w * h);
+    }
 }
 
 TEST(ResampleTest, AreaTakesMeans)
@@ -211,10 +214,12 @@ TEST(ResampleTest, NaNStaysNearItsPlace)
     CILImage image = makeImage(ORVTYPE_DOUBLE, 4, 1, {kNaN, 1, 2, 3});
     ASSERT_EQ(EIL_SUCCESS, image.upSample(8, 1, IL_RESAMPLE_LINEAR));
     const std::vector<double> values = valuesOf(image);
-    for (std::size_t i = 0; i < 3; ++i)
+    for (std::size_t i = 0; i < 3; ++i) {
         EXPECT_TRUE(std::isnan(values[i])) << i;
-    for (std::size_t i = 3; i < 8; ++i)
+    }
+    for (std::size_t i = 3; i < 8; ++i) {
         EXPECT_FALSE(std::isnan(values[i])) << i;
+    }
 }
 
 RC_GTEST_PROP(ResampleLaws, EveryModeGivesTheSizeWithinTheRange, ())
@@ -246,6 +251,7 @@ RC_GTEST_PROP(ResampleLaws, AConstantImageStaysThatConstant, ())
     image.InitWithType(ORVTYPE_DOUBLE, *rc::gen::inRange(1, 9), *rc::gen::inRange(1, 9));
     image.setConstData(constant);
     image.upSample(*rc::gen::inRange(1, 20), *rc::gen::inRange(1, 20), static_cast<IL_RESAMPLEMODES>(mode));
-    for (const double v : valuesOf(image))
+    for (const double v : valuesOf(image)) {
         RC_ASSERT(v == constant);
+    }
 }

@@ -93,8 +93,9 @@ TEST(PaletteTest, ReversedIsMirrored)
         palette.setColorTable(table);
         reversed.setCLUTinfo(table, true, false);
         EXPECT_TRUE(reversed.isReversed());
-        for (int i = 0; i < 256; ++i)
+        for (int i = 0; i < 256; ++i) {
             EXPECT_EQ(palette.colorAt(i / 255.0), reversed.colorAt(1.0 - i / 255.0));
+        }
     }
 }
 

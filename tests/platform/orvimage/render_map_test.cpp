@@ -32,8 +32,9 @@ TEST(RobustRangeTest, BeginsAtZeroAndForgetsSingleHotPixels)
 {
     CILImage map;
     map.InitWithType(ORVTYPE_DOUBLE, 100, 100);
-    for (std::size_t i = 0; i < map.pixelCount(); ++i)
+    for (std::size_t i = 0; i < map.pixelCount(); ++i) {
         map.setValue(i, 2.0 + static_cast<double>(i) * 1e-4);
+    }
     map.setValue(5, 1e6);
     map.setValue(6, kNaN);
     const orvimage::ValueRange range = robustRange(map);
@@ -45,8 +46,9 @@ TEST(RobustRangeTest, AFewPixelsOfAProbeStillCount)
 {
     CILImage map;
     map.InitWithType(ORVTYPE_FLOAT, 64, 64);
-    for (const std::size_t i : {2000U, 2001U, 2064U, 2065U})
+    for (const std::size_t i : {2000U, 2001U, 2064U, 2065U}) {
         map.setValue(i, 50.0);
+    }
     EXPECT_EQ(50.0, robustRange(map).maximum);
 }
 

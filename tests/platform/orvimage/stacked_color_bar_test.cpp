@@ -31,8 +31,9 @@ QRect inkOf(const QImage& picture, const QRect& within)
     QRect ink;
     for (int y = within.top(); y <= within.bottom(); ++y) {
         for (int x = within.left(); x <= within.right(); ++x) {
-            if (picture.pixel(x, y) != white)
+            if (picture.pixel(x, y) != white) {
                 ink |= QRect(x, y, 1, 1);
+            }
         }
     }
     return ink;
@@ -45,8 +46,9 @@ QRect frameOf(const QImage& picture, int length)
         int run = 0;
         for (int y = 0; y < picture.height(); ++y) {
             run = picture.pixel(x, y) == black ? run + 1 : 0;
-            if (run == length + 2)
+            if (run == length + 2) {
                 return QRect(x, y - run + 1, 1, run);
+            }
         }
     }
     return {};
@@ -91,8 +93,9 @@ TEST(ColorBarStripTest, GreysRiseFromTheBottomToTheTop)
     const QImage strip = colorBarStrip(paletteOf("Grays"), 3, 256);
     ASSERT_EQ(strip.size(), QSize(3, 256));
     for (int y = 0; y < 256; ++y) {
-        for (int x = 0; x < 3; ++x)
+        for (int x = 0; x < 3; ++x) {
             ASSERT_EQ(strip.pixel(x, y), qRgb(255 - y, 255 - y, 255 - y));
+        }
     }
 }
 
@@ -151,8 +154,9 @@ TEST(StackedColorBarTest, BarKeepsItsColoursInsideItsFrame)
     const QRect frame = frameOf(picture, length);
     ASSERT_TRUE(frame.isValid());
     const QImage strip = colorBarStrip(palette, 1, length);
-    for (int y = 0; y < length; ++y)
+    for (int y = 0; y < length; ++y) {
         ASSERT_EQ(picture.pixel(frame.x() + 1, frame.y() + 1 + y), strip.pixel(0, y)) << y;
+    }
 }
 
 TEST(StackedColorBarTest, TextsStandAboveAndBeneath)
@@ -196,8 +200,9 @@ TEST(StackedColorBarTest, LinesStandAtTheirFactorsOfTheFontHeight)
         const QRect frame = frameOf(with, length);
         // Under the number beneath the bar, which a blank separates from the line.
         int y = with.height() - 1;
-        while (inkOf(with, QRect(0, y, with.width(), 1)).isNull())
+        while (inkOf(with, QRect(0, y, with.width(), 1)).isNull()) {
             --y;
+        }
         return y - frame.bottom();
     };
     const double first = inkUnderTheBar(1.0, "p");
@@ -219,8 +224,9 @@ TEST(StackedColorBarTest, ColoursOfTextAndBackground)
     EXPECT_EQ(picture.pixel(picture.width() - 1, picture.height() - 1), black);
     bool yellow = false;
     for (int y = 80; y < picture.height(); ++y) {
-        for (int x = 0; x < picture.width(); ++x)
+        for (int x = 0; x < picture.width(); ++x) {
             yellow |= picture.pixel(x, y) == qRgb(255, 255, 0);
+        }
     }
     EXPECT_TRUE(yellow);
 }

@@ -60,8 +60,9 @@ TEST(OtsuTest, ScaleAndOffsetChangeNothing)
 {
     const CILImage image = twoModes(ORVTYPE_DOUBLE);
     CILImage scaled = image;
-    for (std::size_t i = 0; i < scaled.pixelCount(); ++i)
+    for (std::size_t i = 0; i < scaled.pixelCount(); ++i) {
         scaled.setValue(i, image.value(i) * 0.125 - 20.0);
+    }
     EXPECT_FLOAT_EQ(CSLComposite::AutomaticThresholdOtsu(&image), CSLComposite::AutomaticThresholdOtsu(&scaled));
 }
 
@@ -107,8 +108,9 @@ TEST(BimodalTest, TheValleyBetweenTwoModesIsFoundInTheImagesValues)
 TEST(BimodalTest, OneModeFallsBackOnOtsu)
 {
     std::vector<double> values;
-    for (int v = 0; v < 256; ++v)
+    for (int v = 0; v < 256; ++v) {
         values.insert(values.end(), static_cast<std::size_t>(256 - v), v);
+    }
     const CILImage image = makeImage(ORVTYPE_BYTE, static_cast<long>(values.size()), 1, values);
     const double otsu = 255.0 * CSLComposite::AutomaticThresholdOtsu(&image) / 100.0;
     EXPECT_NEAR(otsu, CSLComposite::AutomaticThresholdBimodal(&image), 1e-3);

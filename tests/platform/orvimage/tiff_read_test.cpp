@@ -108,8 +108,9 @@ TEST_F(TiffReadTest, StripsTilesCompressionsAndPredictors)
                 page.compression = compression;
                 page.tile = tile;
                 page.rowsPerStrip = 4; // 21 rows: the last strip is short
-                if (compression == COMPRESSION_LZW || compression == COMPRESSION_ADOBE_DEFLATE)
+                if (compression == COMPRESSION_LZW || compression == COMPRESSION_ADOBE_DEFLATE) {
                     page.predictor = PREDICTOR_HORIZONTAL;
+                }
                 writeTestTiff(path(), {page}, mode);
                 EXPECT_EQ(expected, valuesOf(read(path()))) << compression << ' ' << tile << ' ' << mode;
             }
@@ -128,9 +129,10 @@ TEST_F(TiffReadTest, NaNsStay)
 TEST_F(TiffReadTest, PagesAreReadByNumber)
 {
     std::vector<TestPage> pages;
-    for (std::uint8_t i = 0; i < 5; ++i)
+    for (std::uint8_t i = 0; i < 5; ++i) {
         pages.push_back(greyPage<std::uint8_t>(static_cast<std::uint32_t>(i) + 1U, 1, SAMPLEFORMAT_UINT,
                                                std::vector<std::uint8_t>(i + 1U, i)));
+    }
     writeTestTiff(path(), pages);
     QString error;
     EXPECT_EQ(5, tiffPageCount(path(), &error));
@@ -288,8 +290,9 @@ TEST_F(TiffReadTest, APathWithSpacesAndAccents)
 TEST_F(TiffReadTest, ATruncatedFileIsAnErrorAtAnyLength)
 {
     std::vector<std::uint16_t> samples(64 * 48);
-    for (std::size_t i = 0; i < samples.size(); ++i)
+    for (std::size_t i = 0; i < samples.size(); ++i) {
         samples[i] = static_cast<std::uint16_t>(i * i);
+    }
     for (const int compression : {COMPRESSION_NONE, COMPRESSION_LZW, COMPRESSION_ADOBE_DEFLATE}) {
         for (const std::uint32_t tile : {0U, 16U}) {
             TestPage page = greyPage(64, 48, SAMPLEFORMAT_UINT, samples);
@@ -375,13 +378,15 @@ TEST_F(TiffReadTest, ThreadsKeepTheirErrorsApart)
                 QString error;
                 const bool good = i % 2 == 0;
                 const QString file = path(good ? "good.tif" : "bad.tif");
-                if (readTiff(file, 0, image, &error) != good || error.startsWith(file) == good)
+                if (readTiff(file, 0, image, &error) != good || error.startsWith(file) == good) {
                     ++wrong[t];
+                }
             }
         });
     }
-    for (std::thread& thread : threads)
+    for (std::thread& thread : threads) {
         thread.join();
+    }
     EXPECT_EQ((std::vector<int>{0, 0, 0, 0}), wrong);
 }
 

@@ -27,8 +27,9 @@ protected:
     {
         CILImage image;
         EXPECT_EQ(image.InitWithType(ORVTYPE_FLOAT, 5, 3), EIL_SUCCESS);
-        for (int i = 0; i < 15; ++i)
+        for (int i = 0; i < 15; ++i) {
             image.floats()[i] = base + static_cast<float>(i) / 3.0F;
+        }
         return image;
     }
     // Pages named "page 0" and so on, the first with a description.
@@ -115,8 +116,9 @@ TEST_F(TiffStackTest, EveryPageComesBack)
         ASSERT_TRUE(readTiff(path("stack.tif"), page, image, &error)) << qPrintable(error);
         const CILImage expected = ramp(static_cast<float>(100 * page));
         ASSERT_EQ(image.dataType(), ORVTYPE_FLOAT);
-        for (std::size_t i = 0; i < 15; ++i)
+        for (std::size_t i = 0; i < 15; ++i) {
             EXPECT_EQ(image.floats()[i], expected.floats()[i]);
+        }
     }
     EXPECT_EQ(entries().size(), 1);
 }

@@ -31,8 +31,9 @@ CILImage bigImage()
 {
     CILImage image;
     image.InitWithType(ORVTYPE_DOUBLE, 400, 300);
-    for (std::size_t i = 0; i < image.pixelCount(); ++i)
+    for (std::size_t i = 0; i < image.pixelCount(); ++i) {
         image.setValue(i, std::sin(static_cast<double>(i)));
+    }
     return image;
 }
 
@@ -41,8 +42,9 @@ template <typename Body>
 int inChild(Body body)
 {
     const pid_t child = fork();
-    if (child == 0)
+    if (child == 0) {
         _exit(body());
+    }
     int status = 0;
     waitpid(child, &status, 0);
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
@@ -95,8 +97,9 @@ RC_GTEST_PROP(TiffLaws, WhatIsWrittenIsRead, ())
     const unsigned seed = *rc::gen::arbitrary<unsigned>();
     CILImage image;
     image.InitWithType(type, w, h);
-    for (std::size_t i = 0; i < image.pixelCount(); ++i)
+    for (std::size_t i = 0; i < image.pixelCount(); ++i) {
         image.setValue(i, static_cast<double>((seed + i * 2654435761U) % 70001U));
+    }
     const QTemporaryDir folder;
     const auto compression =
         *rc::gen::element(TiffWriteOptions::Compression::None, TiffWriteOptions::Compression::Deflate);
@@ -161,8 +164,9 @@ TEST_F(TiffWriteTest, AReadOnlyFolderIsAnError)
     ASSERT_EQ(0, chmod(folder.constData(), 0555));
     const CILImage image = makeImage(ORVTYPE_BYTE, 1, 1, {5});
     const int status = inChild([&] {
-        if (geteuid() == 0 && (setgid(65534) != 0 || setuid(65534) != 0))
+        if (geteuid() == 0 && (setgid(65534) != 0 || setuid(65534) != 0)) {
             return 3;
+        }
         QString error;
         return writeTiff(path(), image, {}, &error) ? 1 : error.startsWith(path() + ": ") ? 0 : 2;
     });

@@ -33,8 +33,9 @@ inline SectionContent contentOf(const CPLSection& section)
 inline QList<SectionContent> contentOf(const CPLClickInfo& info)
 {
     QList<SectionContent> contents;
-    for (int i = 0; info.section(i) != nullptr; ++i)
+    for (int i = 0; info.section(i) != nullptr; ++i) {
         contents.append(contentOf(*info.section(i)));
+    }
     return contents;
 }
 
@@ -53,7 +54,8 @@ inline bool putBytes(const QString& strPath, const QByteArray& bytes)
 inline QString valueOf(const CPLSection* pSection, const QString& strKey)
 {
     QString value = QStringLiteral("(absent)");
-    if (pSection != nullptr)
+    if (pSection != nullptr) {
         pSection->getValue(strKey, &value);
+    }
     return value;
 }

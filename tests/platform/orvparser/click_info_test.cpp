@@ -227,8 +227,9 @@ TEST_F(ClickInfoTest, FileThatMayNotBeReadIsRefused)
     ASSERT_EQ(::chmod(QFile::encodeName(m_folder.path()), 0755), 0);
     ASSERT_EQ(::chmod(QFile::encodeName(m_strPath), 0000), 0);
     const int status = inForkedChild([this] {
-        if (!becomePlainUser())
+        if (!becomePlainUser()) {
             return 1;
+        }
         const bool read = m_info.loadClickInfo(m_strPath, &m_warnings) == 0;
         return !read && m_warnings.size() == 1 && m_warnings[0].startsWith(m_strPath) ? 0 : 2;
     });
@@ -243,8 +244,9 @@ TEST_F(ClickInfoTest, FileCutOffAnywhereIsRefused)
         EXPECT_EQ(sectionCount(), 0);
         EXPECT_TRUE(m_warnings.last().startsWith("dir/click.txt"));
     }
-    for (int size = 0; size < text.size() - 1; ++size)
+    for (int size = 0; size < text.size() - 1; ++size) {
         ASSERT_NE(parse(text.left(size)), 0) << size;
+    }
     // Only the last end of line is missing.
     EXPECT_EQ(parse(text.left(text.size() - 1)), 0);
 }
@@ -260,7 +262,7 @@ TEST_F(ClickInfoTest, GarbledBytesAnywhereNeitherCrashNorHideWhatTheyDid)
 {
     const QByteArray text = m_info.toText();
     const auto whole = contentOf(m_info);
-    for (const char garbage : {'\0', '\xff', ':', '[', '\n', '"'})
+    for (const char garbage : {'\0', '\xff', ':', '[', '\n', '"'}) {
         for (int tenth = 0; tenth < 10; ++tenth) {
             QByteArray garbled = text;
             garbled[text.size() * tenth / 10] = garbage;
@@ -272,6 +274,7 @@ TEST_F(ClickInfoTest, GarbledBytesAnywhereNeitherCrashNorHideWhatTheyDid)
                 EXPECT_EQ(m_warnings.size(), 1);
             }
         }
+    }
     ASSERT_EQ(parse(text), 0);
     EXPECT_EQ(contentOf(m_info), whole);
 }
@@ -279,8 +282,9 @@ TEST_F(ClickInfoTest, GarbledBytesAnywhereNeitherCrashNorHideWhatTheyDid)
 TEST_F(ClickInfoTest, WarningsOfOneFileAreLimited)
 {
     QByteArray text = "[a]\n";
-    for (int i = 0; i < 1000; ++i)
+    for (int i = 0; i < 1000; ++i) {
         text += "garbage\n";
+    }
     ASSERT_EQ(parse(text), 0);
     EXPECT_EQ(m_warnings.size(), 51);
     EXPECT_EQ(m_warnings.last(), "dir/click.txt: 950 more warnings");
@@ -324,8 +328,9 @@ TEST_F(ClickInfoTest, ReadOnlyFolderAndFullDiskKeepTheEarlierFile)
     ASSERT_TRUE(putBytes(m_strPath, "old"));
     ASSERT_EQ(::chmod(QFile::encodeName(m_folder.path()), 0555), 0);
     EXPECT_EQ(inForkedChild([this] {
-                  if (!becomePlainUser())
+                  if (!becomePlainUser()) {
                       return 1;
+                  }
                   return m_info.saveClickInfo(m_strPath) == 0 ? 2 : 0;
               }),
               0);

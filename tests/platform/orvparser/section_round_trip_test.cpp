@@ -31,8 +31,9 @@ rc::Gen<CPLSection> anySection()
         rc::gen::tuple(anyText(), anyText(), rc::gen::container<Entries>(rc::gen::pair(anyText(), anyText()))),
         [](const std::tuple<QString, QString, Entries>& parts) {
             CPLSection section(std::get<0>(parts), std::get<1>(parts));
-            for (const auto& [key, value] : std::get<2>(parts))
+            for (const auto& [key, value] : std::get<2>(parts)) {
                 section.addKeyValue(key, value);
+            }
             return section;
         });
 }
@@ -40,8 +41,9 @@ rc::Gen<CPLSection> anySection()
 CPLClickInfo infoOf(const std::vector<CPLSection>& sections)
 {
     CPLClickInfo info;
-    for (const auto& section : sections)
+    for (const auto& section : sections) {
         info.addSection(&section);
+    }
     return info;
 }
 
@@ -72,8 +74,9 @@ RC_GTEST_PROP(SectionRoundTripTest, WhatWasReadFromAnyBytesSurvivesToo, ())
     const auto bytes = *rc::gen::container<std::string>(
         rc::gen::oneOf(rc::gen::elementOf(std::string("[]:\"\\\n\r# a")), rc::gen::arbitrary<char>()));
     CPLClickInfo info;
-    if (info.parse(QByteArray::fromStdString("[a]\n" + bytes), QStringLiteral("x")) == 0)
+    if (info.parse(QByteArray::fromStdString("[a]\n" + bytes), QStringLiteral("x")) == 0) {
         requireRoundTrip(info, info.toText());
+    }
 }
 
 RC_GTEST_PROP(SectionRoundTripTest, OrdinaryValuesStandUnquoted, ())

@@ -155,8 +155,9 @@ TEST(SectionTest, WholeNumbersAreReadExactlyAndOthersRefused)
     EXPECT_EQ(whole, std::numeric_limits<int>::min());
     EXPECT_EQ(withValue("4.0 x").getValue("k", &whole), 0);
     EXPECT_EQ(whole, 4);
-    for (const char* pText : {"2147483648", "-2147483649", "1e30", "4.5", "four", ""})
+    for (const char* pText : {"2147483648", "-2147483649", "1e30", "4.5", "four", ""}) {
         EXPECT_NE(withValue(pText).getValue("k", &whole), 0) << pText;
+    }
     EXPECT_EQ(whole, 4);
 }
 
@@ -175,9 +176,11 @@ TEST(SectionTest, NumbersAreThoseOfTheCLocaleUnderAnother)
     const std::string earlier = std::setlocale(LC_ALL, nullptr);
     const QLocale earlierLocale;
     // Where the system has no such locale the one of Qt still differs.
-    for (const char* pName : {"de_DE.UTF-8", "de_DE", "fr_FR.UTF-8"})
-        if (std::setlocale(LC_ALL, pName))
+    for (const char* pName : {"de_DE.UTF-8", "de_DE", "fr_FR.UTF-8"}) {
+        if (std::setlocale(LC_ALL, pName)) {
             break;
+        }
+    }
     QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
     double real = 0.0;
     CPLSection section = withValue("1234.5");

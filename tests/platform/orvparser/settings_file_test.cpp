@@ -122,8 +122,9 @@ TEST_F(SettingsFileTest, IncompleteEntryIsRefused)
 
 TEST_F(SettingsFileTest, KeyOfTheSecondEntryRemovesExactlyThatEntry)
 {
-    for (const char* pName : {"first", "second", "third"})
+    for (const char* pName : {"first", "second", "third"}) {
         ASSERT_TRUE(m_index.addSection("SPUM", pName, pName));
+    }
     QString key;
     ASSERT_EQ(m_index.getSectionByMenuName("second")->getSectionKey(&key), 0);
     EXPECT_EQ(m_index.removeSection(key), 0);
@@ -154,8 +155,9 @@ TEST_F(SettingsFileTest, NextAutomaticNameIsTheSmallestFreeNumber)
     EXPECT_EQ(m_index.getNextAutoMenuName(), "SPUM_002");
     ASSERT_TRUE(m_index.addSection("SPUM", "SPUM_002", "2"));
     EXPECT_EQ(m_index.getNextAutoMenuName(), "SPUM_004");
-    for (int i = 4; i <= 999; ++i)
+    for (int i = 4; i <= 999; ++i) {
         ASSERT_TRUE(m_index.addSection("SPUM", m_index.getNextAutoMenuName(), "f"));
+    }
     EXPECT_EQ(m_index.getNextAutoMenuName(), "SPUM_1000");
 }
 
@@ -163,8 +165,9 @@ TEST_F(SettingsFileTest, AwkwardNamesSurvive)
 {
     const QStringList names = {"a: b", " blank ", "new\nline", "[x]",
                                "# y",  "\"q\"",   "C:\\a%20",  QString::fromUtf8("\xc3\xa4\xf0\x9f\x90\xad")};
-    for (const auto& name : names)
+    for (const auto& name : names) {
         ASSERT_TRUE(m_index.addSection("SPUM", name, name));
+    }
     ASSERT_TRUE(m_index.save());
     EXPECT_EQ(reloaded().getMenuNames("SPUM"), names);
 }

@@ -95,8 +95,9 @@ TEST_F(AtomicFileTest, ReadOnlyFolderKeepsTheEarlierFile)
     write(m_strPath, "old");
     ASSERT_EQ(::chmod(QFile::encodeName(m_folder.path()), 0555), 0);
     const int status = inForkedChild([this] {
-        if (!becomePlainUser())
+        if (!becomePlainUser()) {
             return 1;
+        }
         const bool written = orv::writeFileAtomically(m_strPath, "new", &m_strError);
         return written || !m_strError.startsWith(m_strPath) ? 2 : 0;
     });
@@ -125,10 +126,12 @@ TEST_P(FullDiskTest, EarlierFileStaysAndTheErrorNamesFileAndReason)
 {
     write(m_strPath, "old");
     const int status = inForkedChild([this] {
-        if (!limitFileSize(static_cast<rlim_t>(GetParam().m_nLimit)))
+        if (!limitFileSize(static_cast<rlim_t>(GetParam().m_nLimit))) {
             return 1;
-        if (orv::writeFileAtomically(m_strPath, QByteArray(GetParam().m_nBytes, 'x'), &m_strError))
+        }
+        if (orv::writeFileAtomically(m_strPath, QByteArray(GetParam().m_nBytes, 'x'), &m_strError)) {
             return 2;
+        }
         const QString text = m_strPath + ": cannot be written: ";
         return m_strError == text + "File too large" || m_strError == text + "no room for all of it" ? 0 : 3;
     });
@@ -140,8 +143,9 @@ TEST_P(FullDiskTest, EarlierFileStaysAndTheErrorNamesFileAndReason)
 TEST_P(FullDiskTest, FileThatJustFitsIsWritten)
 {
     const int status = inForkedChild([this] {
-        if (!limitFileSize(static_cast<rlim_t>(GetParam().m_nBytes)))
+        if (!limitFileSize(static_cast<rlim_t>(GetParam().m_nBytes))) {
             return 1;
+        }
         return orv::writeFileAtomically(m_strPath, QByteArray(GetParam().m_nBytes, 'x')) ? 0 : 2;
     });
     EXPECT_EQ(status, 0);
@@ -235,8 +239,9 @@ TEST_F(TemporaryTargetTest, ReadOnlyFolderIsAnError)
 {
     ASSERT_EQ(::chmod(QFile::encodeName(m_folder.path()), 0555), 0);
     const int status = inForkedChild([this] {
-        if (!becomePlainUser())
+        if (!becomePlainUser()) {
             return 1;
+        }
         const orv::TemporaryTarget target(m_strPath);
         return target.isValid() || target.error().isEmpty() ? 2 : 0;
     });

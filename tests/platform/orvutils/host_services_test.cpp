@@ -34,8 +34,9 @@ protected:
     }
     void TearDown() override
     {
-        for (const auto& [name, value] : m_earlier)
+        for (const auto& [name, value] : m_earlier) {
             value.isNull() ? qunsetenv(name.c_str()) : qputenv(name.c_str(), value);
+        }
     }
 
     QTemporaryDir m_folder;
@@ -43,8 +44,9 @@ protected:
 private:
     void remember(const char* pName)
     {
-        if (m_earlier.count(pName) == 0)
+        if (m_earlier.count(pName) == 0) {
             m_earlier[pName] = qEnvironmentVariableIsSet(pName) ? qgetenv(pName) : QByteArray();
+        }
     }
 
     std::map<std::string, QByteArray> m_earlier;
@@ -105,8 +107,9 @@ TEST_F(PathsTest, FolderThatCannotBeMadeIsEmpty)
     setVariable("XDG_DATA_HOME", QFile::encodeName(m_folder.path()));
     ASSERT_EQ(::chmod(QFile::encodeName(m_folder.path()), 0555), 0);
     const int status = inForkedChild([] {
-        if (!becomePlainUser())
+        if (!becomePlainUser()) {
             return 1;
+        }
         return getORVPath(ORV_PATH_USER_DATA, true, nullptr).isEmpty() ? 0 : 2;
     });
     ASSERT_EQ(::chmod(QFile::encodeName(m_folder.path()), 0755), 0);

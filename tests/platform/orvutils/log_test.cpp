@@ -32,8 +32,9 @@ protected:
     QStringList fileLines() const
     {
         QFile file(m_strPath);
-        if (!file.open(QIODevice::ReadOnly))
+        if (!file.open(QIODevice::ReadOnly)) {
             return {};
+        }
         QStringList lines = QString::fromUtf8(file.readAll()).split('\n');
         EXPECT_EQ(lines.takeLast(), QString());
         return lines;
@@ -49,8 +50,9 @@ protected:
         logAt(CORVLOG_PROGRESS, "p");
         const std::string text = ::testing::internal::GetCapturedStderr();
         std::string words;
-        for (const auto& line : QString::fromStdString(text).split('\n', Qt::SkipEmptyParts))
+        for (const auto& line : QString::fromStdString(text).split('\n', Qt::SkipEmptyParts)) {
             words += line.back().toLatin1();
+        }
         return words;
     }
 
@@ -69,8 +71,9 @@ TEST_F(LogTest, FileHoldsOneLineAMessageWithTimeLevelAndText)
     const QStringList lines = fileLines();
     ASSERT_EQ(lines.size(), 4);
     const QRegularExpression stamp("^\\d{4}-\\d\\d-\\d\\dT\\d\\d:\\d\\d:\\d\\d\\.\\d{3}Z  ");
-    for (const auto& line : lines)
+    for (const auto& line : lines) {
         EXPECT_TRUE(stamp.match(line).hasMatch()) << line.toStdString();
+    }
     EXPECT_TRUE(lines[0].endsWith("Z  NOTE      note"));
     EXPECT_TRUE(lines[1].endsWith("Z  WARNING   warning | extra"));
     EXPECT_TRUE(lines[2].endsWith(QString::fromUtf8("Z  ERROR     \xc3\xa4rger")));
@@ -110,12 +113,14 @@ TEST_F(LogTest, FileThatCannotBeOpenedLeavesTheEarlierOneInUse)
 TEST_F(LogTest, FullDiskEndsTheFileAndNothingElse)
 {
     const int status = inForkedChild([this] {
-        if (!orv::setLogFile(m_strPath) || !limitFileSize(500) || !std::freopen("/dev/null", "w", stderr))
+        if (!orv::setLogFile(m_strPath) || !limitFileSize(500) || !std::freopen("/dev/null", "w", stderr)) {
             return 1;
+        }
         int received = 0;
         orv::addLogSink([&received](const orv::LogRecord&) { ++received; });
-        for (int i = 0; i < 100; ++i)
+        for (int i = 0; i < 100; ++i) {
             logAt(CORVLOG_ERROR, "a line that fills the disk");
+        }
         return received == 100 ? 0 : 2;
     });
     EXPECT_EQ(status, 0);
@@ -188,18 +193,22 @@ TEST_F(LogTest, ThreadsThatLogAtOnceLoseAndMixNoLine)
     int received = 0; // not atomic: one call at a time
     const int sink = orv::addLogSink([&received](const orv::LogRecord&) { ++received; });
     std::vector<std::thread> workers;
-    for (int t = 0; t < threads; ++t)
+    for (int t = 0; t < threads; ++t) {
         workers.emplace_back([t] {
-            for (int i = 0; i < linesEach; ++i)
+            for (int i = 0; i < linesEach; ++i) {
                 logAt(CORVLOG_PROGRESS, QString("thread %1 line %2").arg(t).arg(i));
+            }
         });
-    for (auto& worker : workers)
+    }
+    for (auto& worker : workers) {
         worker.join();
+    }
     orv::removeLogSink(sink);
     EXPECT_EQ(received, threads * linesEach);
     QSet<QString> texts;
-    for (const auto& line : fileLines())
+    for (const auto& line : fileLines()) {
         texts.insert(line.mid(line.indexOf("thread ")));
+    }
     EXPECT_EQ(texts.size(), threads * linesEach);
     EXPECT_TRUE(texts.contains("thread 7 line 199"));
 }

@@ -29,8 +29,9 @@ protected:
 
 TEST_F(ProcessTest, NothingRunsAtFirst)
 {
-    for (const auto type : {LONGPROCESS_GENERAL, LONGPROCESS_LOADING, LONGPROCESS_ANALYSIS, LONGPROCESS_ACQUISITION})
+    for (const auto type : {LONGPROCESS_GENERAL, LONGPROCESS_LOADING, LONGPROCESS_ANALYSIS, LONGPROCESS_ACQUISITION}) {
         EXPECT_FALSE(CORVProcess::isProcessInProgress(type));
+    }
     EXPECT_FALSE(CORVProcess::isProcessAborted());
     EXPECT_FALSE(orv::processState().m_bCanAbort);
 }
@@ -172,7 +173,7 @@ TEST_F(ProcessTest, ObserverHearsOfEachChangeAndMayAskTheRegistry)
 TEST_F(ProcessTest, ThreadsMayStartAndEndAtOnce)
 {
     std::vector<std::thread> threads;
-    for (int t = 0; t < 8; ++t)
+    for (int t = 0; t < 8; ++t) {
         threads.emplace_back([] {
             for (int i = 0; i < 500; ++i) {
                 start(LONGPROCESS_LOADING);
@@ -181,8 +182,10 @@ TEST_F(ProcessTest, ThreadsMayStartAndEndAtOnce)
                 CORVProcess::endLongProcess(LONGPROCESS_LOADING);
             }
         });
-    for (auto& thread : threads)
+    }
+    for (auto& thread : threads) {
         thread.join();
+    }
     EXPECT_FALSE(CORVProcess::isProcessInProgress(LONGPROCESS_LOADING));
 }
 

@@ -39,9 +39,11 @@ protected:
     {
         while (m_calls.tryAcquire(1, 60000)) {
             QMutexLocker lock(&m_mutex);
-            for (const auto& shown : m_shown)
-                if (shown.m_strMessage == strMessage)
+            for (const auto& shown : m_shown) {
+                if (shown.m_strMessage == strMessage) {
                     return true;
+                }
+            }
         }
         return false;
     }
@@ -70,8 +72,9 @@ TEST_F(ProgressUpdateTest, KeepsTheDisplayAliveWithoutNews)
     update.start();
     EXPECT_TRUE(m_calls.tryAcquire(4, 60000));
     update.stop();
-    for (std::size_t i = 1; i < m_shown.size(); ++i)
+    for (std::size_t i = 1; i < m_shown.size(); ++i) {
         EXPECT_GE(m_shown[i].m_dSeconds, m_shown[i - 1].m_dSeconds);
+    }
 }
 
 TEST_F(ProgressUpdateTest, EmptyTextIsShownAndIsNotTheEnd)
@@ -89,13 +92,16 @@ TEST_F(ProgressUpdateTest, MessagesMayComeFromOtherThreads)
     CAutoProgressUpdate update("Starting");
     update.start();
     std::vector<std::thread> threads;
-    for (int t = 0; t < 4; ++t)
+    for (int t = 0; t < 4; ++t) {
         threads.emplace_back([&update, t] {
-            for (int i = 0; i < 500; ++i)
+            for (int i = 0; i < 500; ++i) {
                 update.setStatusMessage(QString("%1/%2").arg(t).arg(i));
+            }
         });
-    for (auto& thread : threads)
+    }
+    for (auto& thread : threads) {
         thread.join();
+    }
     update.setStatusMessage("last");
     EXPECT_EQ(update.statusMessage(), "last");
     EXPECT_TRUE(waitFor("last"));

@@ -29,8 +29,9 @@ CILImage CliFixture::imageOf(long width, long height, const std::function<float(
     CILImage image;
     EXPECT_EQ(image.InitWithType(ORVTYPE_FLOAT, width, height), EIL_SUCCESS);
     image.m_fBinning = binning;
-    for (int i = 0; i < width * height; ++i)
+    for (int i = 0; i < width * height; ++i) {
         image.floats()[i] = value(i);
+    }
     return image;
 }
 
@@ -58,8 +59,9 @@ QStringList filesBelow(const QString& folder)
 {
     QStringList files;
     QDirIterator it(folder, QDir::Files | QDir::Hidden | QDir::System, QDirIterator::Subdirectories);
-    while (it.hasNext())
+    while (it.hasNext()) {
         files.append(QDir(folder).relativeFilePath(it.next()));
+    }
     files.sort();
     return files;
 }

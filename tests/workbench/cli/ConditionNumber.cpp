@@ -21,8 +21,9 @@ bool rotate(Row& a, Row& b)
     const double aa = dot(a, a);
     const double bb = dot(b, b);
     const double ab = dot(a, b);
-    if (std::abs(ab) <= 1e-15 * std::sqrt(aa * bb))
+    if (std::abs(ab) <= 1e-15 * std::sqrt(aa * bb)) {
         return false;
+    }
     const double zeta = (bb - aa) / (2.0 * ab);
     const double t = std::copysign(1.0, zeta) / (std::abs(zeta) + std::hypot(1.0, zeta));
     const double c = 1.0 / std::hypot(1.0, t);
@@ -40,19 +41,23 @@ bool rotate(Row& a, Row& b)
 double conditionNumber(const XTNT::Matrix<double>& matrix)
 {
     std::vector<Row> rows;
-    for (long long k = 0; k < matrix.num_rows(); ++k)
+    for (long long k = 0; k < matrix.num_rows(); ++k) {
         rows.emplace_back(matrix[k], matrix[k] + matrix.num_cols());
+    }
     constexpr int sweeps = 60;
     bool rotated = true;
     for (int sweep = 0; sweep < sweeps && rotated; ++sweep) {
         rotated = false;
-        for (std::size_t i = 0; i < rows.size(); ++i)
-            for (std::size_t k = i + 1; k < rows.size(); ++k)
+        for (std::size_t i = 0; i < rows.size(); ++i) {
+            for (std::size_t k = i + 1; k < rows.size(); ++k) {
                 rotated = rotate(rows[i], rows[k]) || rotated;
+            }
+        }
     }
     std::vector<double> norms;
-    for (const auto& row : rows)
+    for (const auto& row : rows) {
         norms.push_back(std::sqrt(dot(row, row)));
+    }
     const auto extremes = std::minmax_element(norms.begin(), norms.end());
     return *extremes.second / *extremes.first;
 }

@@ -28,10 +28,12 @@ QString ProgramFixture::refusal(const QStringList& arguments, int nStatus) const
 QByteArray ProgramFixture::lastingContentOf(const QString& strFile) const
 {
     QString text = QString::fromUtf8(contentOf(strFile));
-    if (!strFile.endsWith(QStringLiteral("report.html")))
+    if (!strFile.endsWith(QStringLiteral("report.html"))) {
         return contentOf(strFile);
-    for (const char* part : {"<pre>[^<]*</pre>", "<footer>[^<]*</footer>"})
+    }
+    for (const char* part : {"<pre>[^<]*</pre>", "<footer>[^<]*</footer>"}) {
         text.remove(QRegularExpression(QLatin1String(part)));
+    }
     return text.toUtf8();
 }
 
@@ -40,10 +42,12 @@ void ProgramFixture::simulate(const QStringList& options) const
     static const QTemporaryDir store;
     const QString original = store.filePath("seq");
     const QString target = options.isEmpty() ? original : path("seq");
-    if (!options.isEmpty() || !QFileInfo::exists(original))
+    if (!options.isEmpty() || !QFileInfo::exists(original)) {
         succeed(QStringList{"simulate", target, "--size", "64", "--bands", "8"} + options);
-    if (!options.isEmpty())
+    }
+    if (!options.isEmpty()) {
         return;
+    }
     for (const auto& name : filesBelow(original)) {
         const QString copy = path("seq/" + name);
         ASSERT_TRUE(QDir().mkpath(QFileInfo(copy).path()));

@@ -55,8 +55,9 @@ protected:
     {
         XTNT::Vector<double> vector(static_cast<long long>(values.size()));
         long long j = 0;
-        for (const double value : values)
+        for (const double value : values) {
             vector[j++] = value;
+        }
         auto* plot = new SpectrumPlotParams;
         plot->settings.name = strName;
         plot->settings.color = engine().m_spectrumPlots.isEmpty() ? QStringLiteral("red") : QStringLiteral("blue");

@@ -15,8 +15,9 @@ CILImage pixelsOf(const SmallImage& image)
     CILImage pixels;
     EXPECT_EQ(pixels.InitWithType(ORVTYPE_FLOAT, image.width, image.height), EIL_SUCCESS);
     pixels.m_fBinning = static_cast<float>(image.binning);
-    for (int i = 0; i < image.width * image.height; ++i)
+    for (int i = 0; i < image.width * image.height; ++i) {
         pixels.floats()[i] = image.value(i);
+    }
     return pixels;
 }
 
@@ -24,38 +25,47 @@ CILImage photograph()
 {
     CILImage photo;
     EXPECT_EQ(photo.InitWithType(ORVTYPE_BYTE, 32, 32), EIL_SUCCESS);
-    for (int i = 0; i < 32 * 32; ++i)
+    for (int i = 0; i < 32 * 32; ++i) {
         photo.setValue(static_cast<std::size_t>(i), 8.0 * (i % 32));
+    }
     return photo;
 }
 
 CPLSection luminescentSection(const SmallImage& image)
 {
     CPLSection section(ClickKeys::kLuminescentImage);
-    if (!image.excitation.isEmpty())
+    if (!image.excitation.isEmpty()) {
         section.setValue(ClickKeys::kExcitationFilter, image.excitation);
-    if (!image.emission.isEmpty())
+    }
+    if (!image.emission.isEmpty()) {
         section.setValue(ClickKeys::kEmissionFilter, image.emission);
+    }
     section.setValue(ClickKeys::kBackgroundCorrected, 1);
     section.setValue(ClickKeys::kBinning, image.binning);
     section.setValue(ClickKeys::kExposureTime, 1);
     section.setValue(ClickKeys::kFNumber, 1);
-    if (image.calibratedUnit >= DISPLAYUNIT_RADIANT_EFFICIENCY)
+    if (image.calibratedUnit >= DISPLAYUNIT_RADIANT_EFFICIENCY) {
         section.setValue(ClickKeys::kExcitationIrradiance, 1);
-    if (image.calibratedUnit >= DISPLAYUNIT_EFFICIENCY)
+    }
+    if (image.calibratedUnit >= DISPLAYUNIT_EFFICIENCY) {
         section.setValue(ClickKeys::kReferenceRadiance, 1);
-    if (!image.isotope.isEmpty())
+    }
+    if (!image.isotope.isEmpty()) {
         section.setValue(ClickKeys::kIsotope, image.isotope);
-    if (!image.probe.isEmpty())
+    }
+    if (!image.probe.isEmpty()) {
         section.setValue(ClickKeys::kProbe, image.probe);
-    if (!image.subject.isEmpty())
+    }
+    if (!image.subject.isEmpty()) {
         section.setValue(ClickKeys::kSubjectType, image.subject);
+    }
     if (!image.started.isEmpty()) {
         section.setValue(ClickKeys::kAcquisitionDate, QStringLiteral("2024-01-31"));
         section.setValue(ClickKeys::kAcquisitionTime, image.started);
     }
-    if (image.nativeEfficiency)
+    if (image.nativeEfficiency) {
         section.setValue(ClickKeys::kNativeUnit, static_cast<int>(DISPLAYUNIT_EFFICIENCY));
+    }
     return section;
 }
 
@@ -76,10 +86,12 @@ CPLClickInfo SmallSequence::clickInfo(int n) const
     const SmallImage& image = images.at(n);
     CPLSection number(ClickKeys::kClickNumber);
     number.setValue(ClickKeys::kClickNumber, click(n));
-    if (!image.kyvoTime.isEmpty())
+    if (!image.kyvoTime.isEmpty()) {
         number.setValue(ClickKeys::kKyVoTime, image.kyvoTime);
-    if (!image.kyvoInterval.isEmpty())
+    }
+    if (!image.kyvoInterval.isEmpty()) {
         number.setValue(ClickKeys::kKyVoInterval, image.kyvoInterval);
+    }
     const CPLSection luminescent = luminescentSection(image);
     CPLClickInfo info;
     info.addSection(&number);
@@ -109,8 +121,9 @@ void SmallSequence::writeTo(const QString& folder) const
     for (int n = 0; n < images.size(); ++n) {
         const CILImage data = pixelsOf(images[n]);
         SequenceWriter::Images files{{IMAGETYPE_LUMINESCENT, &data}};
-        if (photograph && n == 0)
+        if (photograph && n == 0) {
             files.append({IMAGETYPE_PHOTOGRAPH, &photo});
+        }
         ASSERT_TRUE(writer.addDataset({click(n), clickInfo(n)}, files, &error)) << qPrintable(error);
     }
     ASSERT_TRUE(writer.finish(&error)) << qPrintable(error);
@@ -128,10 +141,12 @@ std::unique_ptr<CORVSequenceDataset> SmallSequence::inMemory() const
         dataset->clickInfo = clickInfo(n);
         dataset->setCoreImage(IMAGETYPE_MAIN_DATA, pixelsOf(images[n]));
         dataset->hasLuminescentImage = true;
-        if (images[n].nativeEfficiency)
+        if (images[n].nativeEfficiency) {
             dataset->nativeUnit = DISPLAYUNIT_EFFICIENCY;
-        if (photograph)
+        }
+        if (photograph) {
             dataset->setCoreImage(IMAGETYPE_PHOTOGRAPH, ::photograph());
+        }
         EXPECT_TRUE(sequence->addDataset(dataset));
     }
     return sequence;

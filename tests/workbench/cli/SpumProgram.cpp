@@ -49,9 +49,11 @@ void SpumProgram::prepare(QProcess& process, const QStringList& arguments) const
     environment.insert(QStringLiteral("HOME"), m_strHome);
     environment.insert(QStringLiteral("XDG_DATA_HOME"), m_strHome + QStringLiteral("/data"));
     // For builds under a sanitizer.
-    for (const char* name : {"ASAN_OPTIONS", "UBSAN_OPTIONS", "TSAN_OPTIONS", "LSAN_OPTIONS"})
-        if (qEnvironmentVariableIsSet(name))
+    for (const char* name : {"ASAN_OPTIONS", "UBSAN_OPTIONS", "TSAN_OPTIONS", "LSAN_OPTIONS"}) {
+        if (qEnvironmentVariableIsSet(name)) {
             environment.insert(QLatin1String(name), qEnvironmentVariable(name));
+        }
+    }
     process.setProcessEnvironment(environment);
     process.setWorkingDirectory(m_strFolder);
     process.setProgram(path());
@@ -68,8 +70,9 @@ ProgramResult SpumProgram::finish(QProcess& process)
         process.waitForFinished();
     }
     EXPECT_TRUE(ended) << "the program did not end";
-    if (ended && process.exitStatus() == QProcess::NormalExit)
+    if (ended && process.exitStatus() == QProcess::NormalExit) {
         result.status = process.exitCode();
+    }
     result.out = process.readAllStandardOutput();
     result.err = process.readAllStandardError();
     return result;
@@ -91,11 +94,13 @@ ProgramResult SpumProgram::runAndInterrupt(const QStringList& arguments, const Q
     process.start();
     QElapsedTimer timer;
     timer.start();
-    while (!stagingPresent(strWatched) && !process.waitForFinished(1) && timer.elapsed() < timeout)
+    while (!stagingPresent(strWatched) && !process.waitForFinished(1) && timer.elapsed() < timeout) {
         continue;
+    }
     QThread::msleep(static_cast<unsigned long>(nMilliseconds));
-    if (process.state() == QProcess::Running)
+    if (process.state() == QProcess::Running) {
         ::kill(static_cast<pid_t>(process.processId()), nSignal);
+    }
     return finish(process);
 }
 
@@ -115,11 +120,13 @@ ProgramResult SpumProgram::runOnTerminal(const QStringList& arguments) const
     timer.start();
     const auto drain = [&] {
         char buffer[4096];
-        for (ssize_t n = ::read(master, buffer, sizeof buffer); n > 0; n = ::read(master, buffer, sizeof buffer))
+        for (ssize_t n = ::read(master, buffer, sizeof buffer); n > 0; n = ::read(master, buffer, sizeof buffer)) {
             shown.append(buffer, static_cast<int>(n));
+        }
     };
-    while (!process.waitForFinished(10) && timer.elapsed() < timeout)
+    while (!process.waitForFinished(10) && timer.elapsed() < timeout) {
         drain();
+    }
     drain();
     ProgramResult result = finish(process);
     ::close(master);

@@ -26,8 +26,9 @@ double worstError(const std::function<double(std::size_t)>& map, const CILImage&
     double largest = 0.0;
     for (std::size_t i = 0; i < truth.pixelCount(); ++i) {
         largest = std::max(largest, truth.value(i));
-        if (body.value(i) > 0.0)
+        if (body.value(i) > 0.0) {
             worst = std::max(worst, std::abs(map(i) - truth.value(i)));
+        }
     }
     return worst / largest;
 }
@@ -49,8 +50,9 @@ protected:
         LibrarySpectra library;
         library.load(truth());
         XTNT::Matrix<double> spectra(library.all().size(), library.all().first()->points.size());
-        for (int k = 0; k < library.all().size(); ++k)
+        for (int k = 0; k < library.all().size(); ++k) {
             spectra.setRow(k, library.all()[k]->values());
+        }
         return conditionNumber(spectra);
     }
     void simulateExactly() const { succeed({"simulate", "seq", "--size", "128", "--noise", "none", "--quiet"}); }
@@ -84,8 +86,9 @@ private:
     {
         static const QTemporaryDir store;
         const QString folder = store.filePath(pName);
-        if (!QFileInfo::exists(folder))
+        if (!QFileInfo::exists(folder)) {
             succeed(QStringList{"simulate", folder, "--quiet"} + options);
+        }
         return folder;
     }
 };
@@ -150,8 +153,9 @@ TEST_F(AccuracyTest, WithNoiseEachProbeFollowsTheTruth)
         int probes = 0;
         for (const auto& value : json["components"].toArray()) {
             const QJsonObject component = value.toObject();
-            if (!component["name"].toString().startsWith("AlexaFluor"))
+            if (!component["name"].toString().startsWith("AlexaFluor")) {
                 continue;
+            }
             ++probes;
             EXPECT_GT(component["truthCorrelation"].toDouble(), 0.95)
                 << qPrintable(component["name"].toString()) << " seed " << seed;

@@ -36,15 +36,17 @@ TEST(AutomaticOptionsTest, NamesAreTrimmedAndKeepTheirBlanks)
 
 TEST(AutomaticOptionsTest, AnEmptyNameIsAUsageError)
 {
-    for (const char* text : {"", "A,,B", "A, ", ","})
+    for (const char* text : {"", "A,,B", "A, ", ","}) {
         EXPECT_TRUE(refusalOf({"--components", text}).startsWith("[2] --components takes names")) << text;
+    }
 }
 
 TEST(AutomaticOptionsTest, ANumberOfComponentsIsWhole)
 {
     EXPECT_EQ(requestOf({"--ncomponents", "3"}).count, 3);
-    for (const char* text : {"0", "-2", "two", "2.5", "", "100000"})
+    for (const char* text : {"0", "-2", "two", "2.5", "", "100000"}) {
         EXPECT_TRUE(refusalOf({"--ncomponents", text}).startsWith("[2] --ncomponents takes a whole number")) << text;
+    }
 }
 
 TEST(AutomaticOptionsTest, OptionsThatExcludeEachOtherAreUsageErrors)
@@ -66,9 +68,10 @@ TEST(AutomaticOptionsTest, DecayTakesMinutesOrTheDatabase)
     EXPECT_TRUE(requestOf({"--decay", "auto"}).correctDecay);
     EXPECT_EQ(requestOf({"--decay", "auto"}).halfLifeMinutes, 0.0);
     EXPECT_EQ(requestOf({"--decay", "0.01"}).halfLifeMinutes, 0.01);
-    for (const char* text : {"0", "0.009", "-5", "1e9", "long", "", "nan"})
+    for (const char* text : {"0", "0.009", "-5", "1e9", "long", "", "nan"}) {
         EXPECT_TRUE(refusalOf({"--decay", text}).startsWith("[2] --decay takes auto or a half life in minutes"))
             << text;
+    }
 }
 
 TEST(AutomaticOptionsTest, TheGivenOptionsAreNamed)

@@ -30,8 +30,9 @@ protected:
     QString refused(const QStringList& arguments) const
     {
         const QString text = refusal(arguments + QStringList{"--out", "out"});
-        for (const auto& name : entriesOf(path(".")))
+        for (const auto& name : entriesOf(path("."))) {
             EXPECT_TRUE(name != "out" && !name.startsWith('.')) << qPrintable(name);
+        }
         return text;
     }
     QString unmixRefusal(const QStringList& options) const { return refused(QStringList{"unmix", "seq"} + options); }
@@ -58,8 +59,9 @@ protected:
 QStringList namesOf(const QJsonObject& json)
 {
     QStringList list;
-    for (const auto& component : json["components"].toArray())
+    for (const auto& component : json["components"].toArray()) {
         list.append(component.toObject()["name"].toString());
+    }
     return list;
 }
 
@@ -121,8 +123,9 @@ TEST_F(AutomaticProgramTest, ANumberGivesUnnamedComponentsThatAreLikenedToTheTru
     const QJsonObject json = unmix({"--ncomponents", "3"});
     EXPECT_EQ(namesOf(json), (QStringList{"UMX1", "UMX2", "UMX3"}));
     QStringList likened;
-    for (const auto& component : json["components"].toArray())
+    for (const auto& component : json["components"].toArray()) {
         likened.append(component.toObject()["truthName"].toString());
+    }
     likened.sort();
     EXPECT_EQ(likened, (QStringList{"AlexaFluor 680", "AlexaFluor 750", "TissueAF"}));
     EXPECT_TRUE(entriesOf(path("out")).contains("02_UMX2.tif"));
@@ -141,18 +144,21 @@ TEST_F(AutomaticProgramTest, TheSpectraFoundServeAsALibrary)
     const QJsonObject json =
         succeed({"unmix", "seq", "--library", "out/spectra.csv", "--mask", "auto", "--out", "again", "--json"}).json();
     EXPECT_EQ(namesOf(json), (QStringList{"TissueAF", "AlexaFluor 680", "AlexaFluor 750"}));
-    for (const auto& value : json["components"].toArray())
+    for (const auto& value : json["components"].toArray()) {
         EXPECT_GT(value.toObject()["truthCorrelation"].toDouble(), 0.9);
+    }
 }
 
 TEST_F(AutomaticProgramTest, TheSameInputGivesTheSameFiles)
 {
     simulateApart();
-    for (const char* out : {"one", "two"})
+    for (const char* out : {"one", "two"}) {
         succeed({"unmix", "seq", "--components", names, "--out", out});
+    }
     EXPECT_EQ(entriesOf(path("one")), entriesOf(path("two")));
-    for (const auto& name : entriesOf(path("one")))
+    for (const auto& name : entriesOf(path("one"))) {
         EXPECT_EQ(lastingContentOf(path("one/" + name)), lastingContentOf(path("two/" + name))) << qPrintable(name);
+    }
 }
 
 TEST_F(AutomaticProgramTest, TheBodyAloneIsAnalysedUnlessAskedOtherwise)
@@ -201,9 +207,10 @@ TEST_F(AutomaticProgramTest, AMaskOfTooFewPixelsIsRefused)
 TEST_F(AutomaticProgramTest, APhotographThatDoesNotCoverTheImagesIsNoMask)
 {
     writeBands(4, mixture);
-    for (const char* command : {"unmix", "pca"})
+    for (const char* command : {"unmix", "pca"}) {
         EXPECT_TRUE(refused({command, "seq", "--threshold", "50"})
                         .startsWith("SpumKyvo: unable to get a valid photo mask! The photograph (32 x 32 pixels"));
+    }
 }
 
 TEST_F(AutomaticProgramTest, ANumberThatCannotBeResolvedIsRefused)
@@ -315,13 +322,15 @@ TEST_F(AutomaticProgramTest, ImagesOfAnotherExtentAreRefused)
     SmallSequence sequence;
     const auto ramp = [](int i) { return static_cast<float>(i); };
     sequence.addBands({ramp, ramp, ramp});
-    for (auto& image : sequence.images)
+    for (auto& image : sequence.images) {
         image.width = image.height = 6;
+    }
     sequence.images[2].width = sequence.images[2].height = 8;
     sequence.writeTo(path("seq"));
-    for (const char* command : {"unmix", "pca"})
+    for (const char* command : {"unmix", "pca"}) {
         EXPECT_TRUE(refused({command, "seq", "--mask", "none"})
                         .startsWith("the image SMALL-002 (8 pixels a side at binning 1) does not cover the area"));
+    }
 }
 
 TEST_F(AutomaticProgramTest, MoreThanSixComponentsTakeForce)

@@ -241,8 +241,9 @@ TEST_F(AutomaticSetUpTest, DecayTakesTheHalfLifeOfTheDatabaseOrTheUsers)
 TEST_F(AutomaticSetUpTest, DecayTakesTheTimesOfTheExposures)
 {
     bands(3);
-    for (auto& image : m_sequence.images)
+    for (auto& image : m_sequence.images) {
         image.isotope = "F-18";
+    }
     AutomaticRequest request = counted(2);
     request.correctDecay = true;
     EXPECT_TRUE(refusal(request).startsWith("the decay cannot be corrected for: an image lacks the start"));

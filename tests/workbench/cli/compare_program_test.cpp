@@ -105,8 +105,9 @@ TEST_F(CompareProgramTest, OnlyPixelsThatAllAnalysedCount)
     writeResult("two", {{"A", [](int i) { return i < 8 ? mapA(i) : 0.0F; }, 1, 0.5}});
     QImage mask(side, side, QImage::Format_Grayscale8);
     mask.fill(0);
-    for (int i = 0; i < 8; ++i)
+    for (int i = 0; i < 8; ++i) {
         mask.scanLine(i / side)[i % side] = 255;
+    }
     ASSERT_TRUE(mask.save(path("two/mask.png")));
     const ResultComparison comparison = compare({path("one"), path("two")});
     EXPECT_EQ(comparison.pixelCount(), 8);

@@ -21,9 +21,11 @@ ComponentShape named(const QString& strName)
 double total(const Shapes& found, const Shapes& reference, const std::vector<int>& partners)
 {
     double sum = 0.0;
-    for (std::size_t i = 0; i < partners.size(); ++i)
-        if (partners[i] >= 0)
+    for (std::size_t i = 0; i < partners.size(); ++i) {
+        if (partners[i] >= 0) {
             sum += likeness(found[i], reference[static_cast<std::size_t>(partners[i])]);
+        }
+    }
     return sum;
 }
 
@@ -35,8 +37,9 @@ double bestTotal(const Shapes& found, const Shapes& reference)
     double best = -HUGE_VAL;
     do {
         std::vector<int> partners(places.begin(), places.begin() + static_cast<std::ptrdiff_t>(found.size()));
-        for (int& partner : partners)
+        for (int& partner : partners) {
             partner = partner < static_cast<int>(reference.size()) ? partner : -1;
+        }
         best = std::max(best, total(found, reference, partners));
     } while (std::next_permutation(places.begin(), places.end()));
     return best;
@@ -47,8 +50,9 @@ Shapes shapesOf(const std::vector<std::vector<int>>& numbers)
     Shapes shapes;
     for (const auto& row : numbers) {
         ComponentShape shape;
-        for (std::size_t i = 0; i < row.size(); ++i)
+        for (std::size_t i = 0; i < row.size(); ++i) {
             (i < row.size() / 2 ? shape.map : shape.spectrum).push_back(row[i]);
+        }
         shapes.push_back(shape);
     }
     return shapes;
@@ -107,14 +111,17 @@ RC_GTEST_PROP(ComponentMatchingLaw, NoPairingIsBetter, ())
     const auto partners = matchByShape(found, reference);
     RC_ASSERT(partners.size() == found.size());
     std::vector<int> used;
-    for (const int partner : partners)
-        if (partner >= 0)
+    for (const int partner : partners) {
+        if (partner >= 0) {
             used.push_back(partner);
+        }
+    }
     RC_ASSERT(used.size() == std::min(found.size(), reference.size()));
     std::sort(used.begin(), used.end());
     RC_ASSERT(std::adjacent_find(used.begin(), used.end()) == used.end());
     // In parentheses: the macro would evaluate both sides.
     RC_ASSERT((used.empty() || used.back() < static_cast<int>(reference.size())));
-    if (!found.empty())
+    if (!found.empty()) {
         RC_ASSERT(std::abs(total(found, reference, partners) - bestTotal(found, reference)) < 1e-9);
+    }
 }

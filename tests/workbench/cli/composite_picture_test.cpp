@@ -20,8 +20,9 @@ protected:
         XTNT::Matrix<double> data(static_cast<long long>(rows.size()), static_cast<long long>(rows.front().size()));
         QList<CompositeChannel> channels;
         for (std::size_t i = 0; i < rows.size(); ++i) {
-            for (std::size_t j = 0; j < rows[i].size(); ++j)
+            for (std::size_t j = 0; j < rows[i].size(); ++j) {
                 data[static_cast<long long>(i)][j] = rows[i][j];
+            }
             CompositeChannel channel;
             channel.minFraction = 0.0;
             channel.maxFraction = 1.0;
@@ -37,9 +38,11 @@ protected:
 int pixelsOf(const QImage& picture, const QColor& color, int nTop)
 {
     int count = 0;
-    for (int y = nTop; y < picture.height(); ++y)
-        for (int x = 0; x < picture.width(); ++x)
+    for (int y = nTop; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x) {
             count += picture.pixel(x, y) == color.rgb() ? 1 : 0;
+        }
+    }
     return count;
 }
 
@@ -105,8 +108,9 @@ TEST_F(CompositePictureFileTest, ChannelsThatDoNotFitTheDataGiveNoPicture)
     engine().ownResultView().setCompositeData(nullptr, input.data, 0, {}, 3, 1, input.channels, 1);
     QStringList errors;
     const int nSink = orv::addLogSink([&errors](const orv::LogRecord& record) {
-        if (record.m_nLevel == 3)
+        if (record.m_nLevel == 3) {
             errors.append(record.m_strMessage);
+        }
     });
     EXPECT_TRUE(compositePictureOf(engine(), 0).isNull());
     orv::removeLogSink(nSink);
@@ -134,8 +138,9 @@ TEST_F(CompositePictureFileTest, ManyAndLongLabelsTakeMoreRows)
     picture.fill(Qt::black);
     QList<QPair<QString, QColor>> labels = {{"A", Qt::red}};
     const int one = withLegend(picture, labels).height();
-    for (int i = 0; i < 20; ++i)
+    for (int i = 0; i < 20; ++i) {
         labels.append({QStringLiteral("AlexaFluor %1").arg(600 + i), Qt::green});
+    }
     EXPECT_GT(withLegend(picture, labels).height(), one);
     EXPECT_EQ(withLegend(picture, {{QString(500, 'W'), Qt::red}}).size(), QSize(480, one));
     EXPECT_EQ(withLegend(picture, {}), picture);

@@ -51,8 +51,9 @@ protected:
     {
         QStringList keys;
         const auto images = succeed({"info", name, "--json"}).json()["images"].toArray();
-        for (const auto& image : images)
+        for (const auto& image : images) {
             keys.append(image.toObject()["first"].toString() + '/' + image.toObject()["second"].toString());
+        }
         return keys;
     }
 };
@@ -127,7 +128,7 @@ TEST_F(ExportProgramTest, OmeXmlTellsChannelsAndSizes)
     EXPECT_EQ(texts.pages[1].pageName, "ex640_em720");
     QStringList elements;
     QXmlStreamReader xml(texts.pages[0].description);
-    while (!xml.atEnd())
+    while (!xml.atEnd()) {
         if (xml.readNext() == QXmlStreamReader::StartElement) {
             elements.append(xml.name().toString());
             const auto value = [&](const char* name) { return xml.attributes().value(name).toString(); };
@@ -142,6 +143,7 @@ TEST_F(ExportProgramTest, OmeXmlTellsChannelsAndSizes)
                 EXPECT_EQ(value("ExposureTime"), value("TheC") == "0" ? "0.5" : "2");
             }
         }
+    }
     EXPECT_FALSE(xml.hasError()) << qPrintable(xml.errorString());
     EXPECT_EQ(elements,
               (QStringList{"OME", "Image", "Description", "Pixels", "Channel", "Channel", "TiffData", "TiffData",
@@ -354,8 +356,9 @@ TEST_F(ExportProgramTest, DecayCanBeCorrectedAfterwards)
         EXPECT_EQ(isotope, "F-18");
         const auto factorsOf = [](CORVSequenceDataset& sequence) {
             QVector<QString> clicks;
-            for (auto* dataset : sequence.getDatasets())
+            for (auto* dataset : sequence.getDatasets()) {
                 clicks.append(dataset->getClickNumber());
+            }
             QVector<double> factors;
             EXPECT_TRUE(sequence.calculateDecayCorrectFactor_CherenkovData(clicks, 6586.2, factors));
             return factors;
@@ -370,17 +373,19 @@ TEST_F(ExportProgramTest, ACsvFileOfManyBlocksIsWhatOneWouldBe)
     constexpr int images = 60;
     constexpr int side = 200;
     const auto value = [](int k, int i) { return 1e-3F * static_cast<float>((i * 7 + k * 13) % 9973) - 2.0F; };
-    for (int k = 0; k < images; ++k)
+    for (int k = 0; k < images; ++k) {
         writeTiffFile(QStringLiteral("stack/t%1s.tif").arg(2 * k),
                       imageOf(side, side, [&](int i) { return value(k, i); }));
+    }
     succeed({"import", "stack", "in", "--quiet"});
     succeed({"export", "in", "--format", "csv", "--out", "cube.csv"});
     const QList<QByteArray> lines = contentOf(path("cube.csv")).split('\n');
     ASSERT_EQ(lines.size(), side * side + 2);
     for (int i = 0; i < side * side; i += 997) {
         QByteArray expected = QByteArray::number(i % side) + ',' + QByteArray::number(i / side);
-        for (int k = 0; k < images; ++k)
+        for (int k = 0; k < images; ++k) {
             expected += ',' + QByteArray::number(static_cast<double>(value(k, i)), 'g', 9);
+        }
         ASSERT_EQ(lines[i + 1], expected) << i;
     }
     succeed({"import", "cube.csv", "back", "--quiet"});

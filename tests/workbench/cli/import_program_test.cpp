@@ -26,8 +26,9 @@ QByteArray colourTiff()
 {
     QByteArray file("II*\0\x08\0\0\0", 8);
     const auto put = [&file](unsigned value, int bytes) {
-        for (int i = 0; i < bytes; ++i)
+        for (int i = 0; i < bytes; ++i) {
             file.append(static_cast<char>(value >> (8 * i)));
+        }
     };
     constexpr unsigned pixels = 8 + 2 + 9 * 12 + 4 + 6;
     const unsigned entries[9][4] = {{256, 3, 1, 4}, {257, 3, 1, 4}, {258, 3, 3, pixels - 6},
@@ -41,10 +42,12 @@ QByteArray colourTiff()
         put(entry[3], 4);
     }
     put(0, 4);
-    for (int i = 0; i < 3; ++i)
+    for (int i = 0; i < 3; ++i) {
         put(8, 2);
-    for (int i = 0; i < 16; ++i)
+    }
+    for (int i = 0; i < 16; ++i) {
         file.append("\xC8\x64\x32");
+    }
     return file;
 }
 
@@ -74,10 +77,12 @@ TEST_F(ImportProgramTest, TiffFilesBecomeASequenceThatUnmixes)
     EXPECT_EQ(json["unit"], "Counts");
     CILImage map;
     ASSERT_TRUE(readTiff(path("out/01_Dye_A.tif"), 0, map, nullptr));
-    for (int i = 0; i < 30; ++i)
+    for (int i = 0; i < 30; ++i) {
         EXPECT_NEAR(map.value(static_cast<std::size_t>(i)), static_cast<double>(dyeA(i)), 1e-5) << i;
-    for (int i = 30; i < 36; ++i)
+    }
+    for (int i = 30; i < 36; ++i) {
         EXPECT_EQ(map.value(static_cast<std::size_t>(i)), 0.0) << i;
+    }
 }
 
 TEST_F(ImportProgramTest, TheAnswerTellsWhatWasMade)
@@ -176,8 +181,9 @@ TEST_F(ImportProgramTest, TheTableCanBeWrittenAlone)
 
 TEST_F(ImportProgramTest, ASeriesOfNumberedFramesNeedsTheirInterval)
 {
-    for (int i = 0; i < 3; ++i)
+    for (int i = 0; i < 3; ++i) {
         writeTiffFile(QStringLiteral("stack/t000%1.tif").arg(i), imageOf(4, 4, [](int p) { return dyeA(p); }));
+    }
     EXPECT_TRUE(spum({"import", "stack", "seq"}).errText().contains("--interval S tells the seconds between frames"));
     const QJsonObject json = succeed({"import", "stack", "seq", "--interval", "2.5", "--json"}).json();
     EXPECT_EQ(json["temporal"], true);
@@ -259,8 +265,9 @@ TEST_F(ImportProgramTest, ColoursAreGreyValues)
 TEST_F(ImportProgramTest, RealCellsAreImportedAndUnmixed)
 {
     const QString cells = QStringLiteral(ORV_SOURCE_DIR "/../shared/data/cells");
-    if (!QDir(cells).exists())
+    if (!QDir(cells).exists()) {
         GTEST_SKIP() << "the images of cells are not beside the source: " << qPrintable(cells);
+    }
     // The files have a colour map, which the importer warns of.
     const QJsonObject imported = spum({"import", cells, "cells", "--images", cells + "/images.csv", "--json"}).json();
     EXPECT_EQ(imported["images"], 12);

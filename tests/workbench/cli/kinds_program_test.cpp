@@ -48,23 +48,27 @@ protected:
 
 QJsonObject componentOf(const QJsonObject& json, const QString& strTrueName)
 {
-    for (const auto& value : json["components"].toArray())
-        if (value.toObject()["truthName"] == strTrueName)
+    for (const auto& value : json["components"].toArray()) {
+        if (value.toObject()["truthName"] == strTrueName) {
             return value.toObject();
+        }
+    }
     ADD_FAILURE() << "no component was found to be " << qPrintable(strTrueName);
     return {};
 }
 
 void expectCorrelation(const QJsonObject& json, const QStringList& names, double dLeast)
 {
-    for (const QString& name : names)
+    for (const QString& name : names) {
         EXPECT_GT(componentOf(json, name)["truthCorrelation"].toDouble(), dLeast) << qPrintable(name);
+    }
 }
 
 void expectExact(const QJsonObject& json, const QStringList& names)
 {
-    for (const QString& name : names)
+    for (const QString& name : names) {
         EXPECT_LT(componentOf(json, name)["truthRelativeError"].toDouble(), 1e-5) << qPrintable(name);
+    }
 }
 
 const QStringList luminescentNames = {"TissueAF", "Click-Beetle Green Luciferase", "Click-Beetle Red Luciferase"};
@@ -119,8 +123,9 @@ TEST_F(KindsProgramTest, InspectionTellsEveryKind)
         EXPECT_EQ(json["methods"].toArray(), QJsonArray::fromStringList(expected.methods)) << expected.kind;
         EXPECT_EQ(json["proposedComponents"].toArray(), QJsonArray::fromStringList(expected.proposed));
         EXPECT_TRUE(json["analysable"].toBool());
-        for (const auto& image : json["images"].toArray())
+        for (const auto& image : json["images"].toArray()) {
             EXPECT_TRUE(image.toObject()["used"].toBool());
+        }
     }
 }
 
@@ -130,8 +135,9 @@ TEST_F(KindsProgramTest, FullDatasetsAreAnalysedLikePlainOnes)
         simulateKind(kind, {"--full"});
         const QString unit = QString(kind) == "epi" || QString(kind) == "temporal" ? "radiant-efficiency" : "radiance";
         const QJsonObject full = unmixWithTruth(QString(kind) == "temporal" ? "manual" : "library", unit);
-        for (const auto& component : full["components"].toArray())
+        for (const auto& component : full["components"].toArray()) {
             EXPECT_GT(component.toObject()["truthCorrelation"].toDouble(), 0.95) << kind;
+        }
     }
 }
 
@@ -151,8 +157,9 @@ TEST_F(KindsProgramTest, LuminescentIsResolvedAutomatically)
     simulateKind("luminescent");
     const QJsonObject json = unmix({"--method", "automatic"});
     expectCorrelation(json, luminescentNames.mid(1), 0.98);
-    for (const QString& name : luminescentNames)
+    for (const QString& name : luminescentNames) {
         EXPECT_GT(componentOf(json, name)["truthCosine"].toDouble(), 0.95) << qPrintable(name);
+    }
     expectComponents(3);
 }
 
@@ -170,9 +177,10 @@ TEST_F(KindsProgramTest, LibraryAndManualGiveTheSameMaps)
 TEST_F(KindsProgramTest, MethodsThatAreNotOfferedAreRefused)
 {
     simulateKind("transillumination", {"--spots", "2", "--bands", "3"});
-    for (const char* method : {"library", "manual"})
+    for (const char* method : {"library", "manual"}) {
         EXPECT_EQ(refusal({"unmix", "seq", "--method", method, "--library", truth("efficiency")}),
                   QString("this sequence cannot be unmixed by the method %1; it takes automatic").arg(method));
+    }
     simulateKind("temporal");
     EXPECT_EQ(refusal({"unmix", "seq", "--method", "library", "--library", truth()}),
               "this sequence cannot be unmixed by the method library; it takes automatic, manual");
@@ -217,15 +225,17 @@ TEST_F(KindsProgramTest, ScanLiesInBlocksOfSpots)
     const CImageCube& cube = engine.m_cube;
     ASSERT_EQ(cube.m_data.num_rows(), 3 * 64 * 64);
     ASSERT_EQ(cube.m_data.num_cols(), 5);
-    for (int spot = 0; spot < 3; ++spot)
+    for (int spot = 0; spot < 3; ++spot) {
         for (int j = 0; j < 5; ++j) {
             CORVDataset* dataset = opened.sequence().getDataset(engine.m_imageList[spot * 5 + j]);
             EXPECT_EQ(dataset->getFLXspot() + ',' + dataset->getFLYspot(), engine.m_spots[spot]);
             CILImage image;
             ASSERT_EQ(dataset->getCalibratedLuminImage(DISPLAYUNIT_EFFICIENCY, &image, "test"), ESTATUS_SUCCESS);
-            for (long long i = 0; i < 64 * 64; i += 37)
+            for (long long i = 0; i < 64 * 64; i += 37) {
                 ASSERT_EQ(cube.m_data[spot * 64 * 64 + i][j], image.value(static_cast<std::size_t>(i)));
+            }
         }
+    }
 }
 
 TEST_F(KindsProgramTest, ScanIsResolvedAutomaticallyWithAMapForEachSpot)
@@ -238,8 +248,9 @@ TEST_F(KindsProgramTest, ScanIsResolvedAutomaticallyWithAMapForEachSpot)
         EXPECT_GT(componentOf(json, name)["truthCorrelation"].toDouble(), 0.8) << qPrintable(name);
     }
     int maps = 0;
-    for (const QString& file : entriesOf(path("out")))
+    for (const QString& file : entriesOf(path("out"))) {
         maps += file.contains("_spot") && file.endsWith(".tif") ? 1 : 0;
+    }
     EXPECT_EQ(maps, 12);
     expectComponents(3);
 }
@@ -386,21 +397,27 @@ TEST_F(KindsProgramTest, DecayCorrectionUndoesTheDecayAndIsUndone)
     engine.solveConcentrations(); // the cube is there and stays
     const auto exact = compareWithTruth(engine, opened.truthFolder(engine.m_eUnit, true));
     ASSERT_EQ(exact.size(), 2U);
-    for (const TrueComparison& found : exact)
+    for (const TrueComparison& found : exact) {
         EXPECT_LT(found.relativeError, 1e-5) << qPrintable(found.trueName);
+    }
 
     const XTNT::Matrix<double> raw = engine.m_cube.m_rawData;
     ASSERT_EQ(raw.num_rows(), engine.m_cube.m_data.num_rows());
     double largest = 0.0;
-    for (long long i = 0; i < raw.num_rows(); ++i)
-        for (long long j = 0; j < raw.num_cols(); ++j)
-            if (raw[i][j] > 0.0)
+    for (long long i = 0; i < raw.num_rows(); ++i) {
+        for (long long j = 0; j < raw.num_cols(); ++j) {
+            if (raw[i][j] > 0.0) {
                 largest = std::max(largest, engine.m_cube.m_data[i][j] / raw[i][j]);
+            }
+        }
+    }
     EXPECT_NEAR(largest, 2.0, 0.02); // a half life, and what an exposure of a minute adds
     engine.m_cube.applyDecayFactors(raw, {}, false);
-    for (long long i = 0; i < raw.num_rows(); ++i)
-        for (long long j = 0; j < raw.num_cols(); ++j)
+    for (long long i = 0; i < raw.num_rows(); ++i) {
+        for (long long j = 0; j < raw.num_cols(); ++j) {
             ASSERT_EQ(engine.m_cube.m_data[i][j], raw[i][j]);
+        }
+    }
 }
 
 // Each result stands beside the truth of its own state, alone and together.
@@ -413,8 +430,9 @@ TEST_F(KindsProgramTest, DecayCorrectedResultsAreComparedWithTheTruthOfTheirStat
         EXPECT_EQ(result["reference"], strReference);
         ASSERT_EQ(result["components"].toArray().size(), 2);
         for (const auto& component : result["components"].toArray()) {
-            if (component.toObject()["reference"] != "F-18")
+            if (component.toObject()["reference"] != "F-18") {
                 continue;
+            }
             EXPECT_GT(component.toObject()["cosine"].toDouble(), 0.999);
             EXPECT_LT(component.toObject()["relativeError"].toDouble(), 0.1);
         }
@@ -445,9 +463,11 @@ TEST_F(KindsProgramTest, ScansAreComparedOverAllSpots)
         EXPECT_NEAR(component["correlation"].toDouble(), own["truthCorrelation"].toDouble(), 1e-5);
         EXPECT_NEAR(component["cosine"].toDouble(), own["truthCosine"].toDouble(), 1e-5);
     }
-    for (const QString& file : entriesOf(path("out")))
-        if (file.endsWith("_spot3.tif") && file.startsWith("02_"))
+    for (const QString& file : entriesOf(path("out"))) {
+        if (file.endsWith("_spot3.tif") && file.startsWith("02_")) {
             QFile::remove(path("out/" + file));
+        }
+    }
     EXPECT_TRUE(refusal({"compare", "seq", path("out"), "--force"}).contains("maps of 2 spots"));
 }
 
@@ -456,8 +476,9 @@ TEST_F(KindsProgramTest, InfoTellsEverythingThatAFullSequenceHolds)
     simulateKind("epi", {"--full"});
     const QJsonObject first = info()["images"].toArray()[0].toObject()["contents"].toObject();
     QList<int> types;
-    for (const auto& image : first["images"].toArray())
+    for (const auto& image : first["images"].toArray()) {
         types.append(image.toObject()["type"].toInt());
+    }
     EXPECT_EQ(types, (QList<int>{0, 1, 6, 7, 9, 12, 13, 17}));
     const QJsonObject flags = first["flags"].toObject();
     EXPECT_EQ(flags.keys(),
@@ -469,8 +490,9 @@ TEST_F(KindsProgramTest, InfoTellsEverythingThatAFullSequenceHolds)
     for (const char* section :
          {"ClickNumber", "luminescent image", "main data image", "fluorescent reference image", "photographic image",
           "reference image", "structure image", "x-ray image", "x-ray photographic image", "Camera System Info", "ROIs",
-          "User Input", "Analysis User Input", "User Label Name Set", "Graph Controls"})
+          "User Input", "Analysis User Input", "User Label Name Set", "Graph Controls"}) {
         EXPECT_TRUE(first["sections"].toArray().contains(section)) << section;
+    }
     const QString text = QString::fromUtf8(succeed({"info", "seq"}).out);
     EXPECT_TRUE(text.contains("photographic image (0) in 1, luminescent image (1), reference image (6) in 1"))
         << qPrintable(text);
@@ -486,6 +508,7 @@ TEST_F(KindsProgramTest, InfoTellsNothingOfWhatIsNotThere)
     const QString text = QString::fromUtf8(succeed({"info", "seq"}).out);
     EXPECT_TRUE(text.contains("Holds:        photographic image (0) in 1, luminescent image (1)\n"))
         << qPrintable(text);
-    for (const char* key : {"Regions:", "Scans:", "Flags:", "Sections:"})
+    for (const char* key : {"Regions:", "Scans:", "Flags:", "Sections:"}) {
         EXPECT_FALSE(text.contains(key)) << key;
+    }
 }

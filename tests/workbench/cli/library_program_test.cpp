@@ -12,8 +12,9 @@ protected:
     QStringList saved() const
     {
         QStringList names;
-        for (const auto& library : succeed({"library", "list", "--json"}).json()["libraries"].toArray())
+        for (const auto& library : succeed({"library", "list", "--json"}).json()["libraries"].toArray()) {
             names.append(library.toObject()["name"].toString());
+        }
         return names;
     }
     QJsonArray spectra(const QString& strName) const
@@ -81,8 +82,9 @@ TEST_F(LibraryProgramTest, ANoteWithACommaIsToldOf)
 
 TEST_F(LibraryProgramTest, ANameThatIsNoFileNameIsAUsageError)
 {
-    for (const char* name : {"", "a/b", "../a", ".hidden"})
+    for (const char* name : {"", "a/b", "../a", ".hidden"}) {
         refusal({"library", "save", name, "--from", library()}, 2);
+    }
     EXPECT_EQ(saved(), QStringList());
 }
 
@@ -94,8 +96,9 @@ TEST_F(LibraryProgramTest, SourcesOfTheDatabaseAreSavedForTheImagesOfASequence)
     ASSERT_EQ(list.size(), 1);
     EXPECT_EQ(list[0].toObject()["points"].toArray().size(), 8);
     double largest = 0.0;
-    for (int j = 0; j < 8; ++j)
+    for (int j = 0; j < 8; ++j) {
         largest = std::max(largest, valueOf(list[0], j));
+    }
     EXPECT_EQ(largest, 1.0);
     EXPECT_EQ(succeed({"unmix", "seq", "--library", "dyes", "--json"}).json()["images"], 8);
 }

@@ -35,8 +35,9 @@ protected:
         LibrarySpectra library;
         library.load(write("a library.csv", text));
         Spectra spectra;
-        for (auto* spectrum : library.fitTo(pairs, SPECTRUMAXIS_EMISSION))
+        for (auto* spectrum : library.fitTo(pairs, SPECTRUMAXIS_EMISSION)) {
             spectra.emplace_back(spectrum);
+        }
         return spectra;
     }
     QString refusal(const QByteArray& text, const QList<KeyPair>& pairs) const
@@ -93,11 +94,12 @@ TEST_F(LibrarySpectraTest, ASpectrumThatIsZeroAtTheImagesIsNamed)
 
 TEST_F(LibrarySpectraTest, AValueThatIsNoNumberIsNamed)
 {
-    for (const char* value : {"nan", "inf"})
+    for (const char* value : {"nan", "inf"}) {
         EXPECT_EQ(
             refusal(replaced("640,720,0.5,1", QByteArray("640,720,") + value + ",1"), {{"640", "700"}, {"640", "720"}}),
             ": the spectrum \"Dye A\" holds a value that is not a number")
             << value;
+    }
 }
 
 TEST_F(LibrarySpectraTest, ASpectrumThatIsNotSelectedIsLeftOut)

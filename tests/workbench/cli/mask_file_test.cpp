@@ -51,8 +51,9 @@ TEST_F(MaskFileTest, EveryMultipleServesAtEveryBinning)
     for (int factor = 1; factor <= 25; ++factor) {
         const int side = 2 * factor;
         const QString name = file(side, side, [&](int i) { return i == side * side - 1 ? 1.0F : 0.0F; });
-        for (const int binning : {1, 2, 3, 4, 7, 8, 16})
+        for (const int binning : {1, 2, 3, 4, 7, 8, 16}) {
             EXPECT_EQ(indices(name, 2, binning), (std::vector<int>{3})) << factor << " at " << binning;
+        }
     }
 }
 

@@ -36,8 +36,9 @@ protected:
         QStringList rows;
         for (int y = 0; y < side; ++y) {
             rows.append(QString());
-            for (int x = 0; x < side; ++x)
+            for (int x = 0; x < side; ++x) {
                 rows.last() += mask.value(static_cast<std::size_t>(y * side + x)) > 0.0 ? '#' : '.';
+            }
         }
         return rows;
     }
@@ -88,8 +89,9 @@ TEST_F(MaskImageTest, NoneIsNoImage)
 TEST_F(MaskImageTest, ARectangleCoversItsPixelsFromTheTopLeft)
 {
     const QStringList rows = picture(shape(MaskOption::Kind::Rectangle, 3, 1, 5, 2));
-    for (int y = 0; y < side; ++y)
+    for (int y = 0; y < side; ++y) {
         EXPECT_EQ(rows[y], y == 1 || y == 2 ? "...#####" + QString(side - 8, '.') : QString(side, '.')) << y;
+    }
 }
 
 TEST_F(MaskImageTest, ARectangleMayBeTheWholeImageAndOnePixel)
@@ -120,10 +122,11 @@ TEST_F(MaskImageTest, AShapeThatLeavesTheImageIsRefused)
 {
     for (const auto& option :
          {shape(MaskOption::Kind::Rectangle, -1, 0, 5, 5), shape(MaskOption::Kind::Rectangle, 20, 0, 5, 5),
-          shape(MaskOption::Kind::Ellipse, 0, 20, 5, 5), shape(MaskOption::Kind::Rectangle, 0, 0, 2147483647, 5)})
+          shape(MaskOption::Kind::Ellipse, 0, 20, 5, 5), shape(MaskOption::Kind::Rectangle, 0, 0, 2147483647, 5)}) {
         EXPECT_TRUE(failureOf([&] {
                         maskImageOf(option, engine());
                     }).contains("leaves the images of 24 x 24 pixels at binning 2"));
+    }
 }
 
 TEST_F(MaskImageTest, TheBodyIsFoundInThePhotograph)

@@ -55,9 +55,10 @@ TEST(MaskOptionTest, ShapesHaveFourWholeNumbers)
 TEST(MaskOptionTest, ShapesThatAreNoneAreUsageErrors)
 {
     for (const char* text :
-         {"rect:", "rect:1,2,3", "rect:1,2,3,4,5", "rect:1,2,3,x", "rect:1,2,0,4", "rect:1,2,3,-4", "rect:1.5,2,3,4"})
+         {"rect:", "rect:1,2,3", "rect:1,2,3,4,5", "rect:1,2,3,x", "rect:1,2,0,4", "rect:1,2,3,-4", "rect:1.5,2,3,4"}) {
         EXPECT_EQ(refusalOf({"--mask", text}),
                   QStringLiteral("[2] --mask: \"%1\" is not of the form rect:X,Y,W,H in whole pixels").arg(text));
+    }
     EXPECT_TRUE(refusalOf({"--mask", "ellipse:1"}).contains("ellipse:X,Y,W,H"));
     EXPECT_TRUE(refusalOf({"--mask", ""}).startsWith("[2] --mask takes auto, none, "));
 }
@@ -66,14 +67,16 @@ TEST(MaskOptionTest, AThresholdIsAPercentage)
 {
     EXPECT_EQ(maskOf({"--threshold", "12.5"}, Kind::Photograph).threshold, 12.5);
     EXPECT_EQ(maskOf({"--mask", "auto", "--threshold", "0"}).threshold, 0.0);
-    for (const char* text : {"-1", "100.5", "much", "nan", "12,5"})
+    for (const char* text : {"-1", "100.5", "much", "nan", "12,5"}) {
         EXPECT_TRUE(refusalOf({"--threshold", text}).startsWith("[2] --threshold takes a number from 0 to 100"))
             << text;
+    }
 }
 
 TEST(MaskOptionTest, AThresholdGoesWithThePhotographAlone)
 {
-    for (const char* mask : {"none", "body.tif", "rect:1,2,3,4"})
+    for (const char* mask : {"none", "body.tif", "rect:1,2,3,4"}) {
         EXPECT_EQ(refusalOf({"--mask", mask, "--threshold", "20"}), "[2] --threshold goes with --mask auto");
+    }
     EXPECT_EQ(refusalOf({"--threshold", "20"}, Kind::None), "[2] --threshold goes with --mask auto");
 }

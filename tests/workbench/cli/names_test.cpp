@@ -25,8 +25,9 @@ TEST(UnitNamesTest, TheNamesAreThoseOfTheCommandLine)
 
 TEST(UnitNamesTest, AnythingElseIsNoUnit)
 {
-    for (const char* text : {"", "count", "radiant", "4", "*"})
+    for (const char* text : {"", "count", "radiant", "4", "*"}) {
         EXPECT_EQ(UnitNames::fromText(text), -1) << text;
+    }
     EXPECT_EQ(UnitNames::quantity(7), "");
 }
 
@@ -42,8 +43,9 @@ TEST(ModeNamesTest, EachModeIsFoundByItsNameWithoutRegardToCase)
 
 TEST(ModeNamesTest, AnythingElseIsNoMode)
 {
-    for (const char* text : {"", "lib", "pca", "0"})
+    for (const char* text : {"", "lib", "pca", "0"}) {
         EXPECT_EQ(ModeNames::fromText(text), -1) << text;
+    }
 }
 
 TEST(ModeNamesTest, TheAxisHasItsUnit)

@@ -38,8 +38,9 @@ protected:
     {
         XTNT::Vector<double> vector(static_cast<long long>(values.size()));
         long long i = 0;
-        for (const double value : values)
+        for (const double value : values) {
             vector[i++] = value;
+        }
         return vector;
     }
 };

@@ -17,8 +17,9 @@ protected:
     void writeWithoutCalibration() const
     {
         SmallSequence sequence = smallSequence();
-        for (auto& image : sequence.images)
+        for (auto& image : sequence.images) {
             image.calibratedUnit = DISPLAYUNIT_COUNTS;
+        }
         sequence.writeTo(path("seq"));
     }
 };
@@ -28,8 +29,9 @@ protected:
 TEST_F(ProgramTest, TellsItsVersion)
 {
     for (const QStringList& arguments :
-         {QStringList{"--version"}, QStringList{"-v"}, QStringList{"unmix", "--version"}})
+         {QStringList{"--version"}, QStringList{"-v"}, QStringList{"unmix", "--version"}}) {
         EXPECT_EQ(succeed(arguments).out, "spum 0.1.0\n");
+    }
 }
 
 TEST_F(ProgramTest, HelpListsTheCommands)
@@ -37,8 +39,9 @@ TEST_F(ProgramTest, HelpListsTheCommands)
     for (const char* word : {"--help", "-h", "help"}) {
         const QString text = QString::fromUtf8(succeed({word}).out);
         EXPECT_TRUE(text.startsWith("Usage: spum COMMAND [options]\n"));
-        for (const auto& command : commands)
+        for (const auto& command : commands) {
             EXPECT_TRUE(text.contains("\n  " + command + ' ')) << qPrintable(command);
+        }
     }
 }
 
@@ -47,8 +50,9 @@ TEST_F(ProgramTest, EachCommandHasItsHelp)
     for (const auto& command : commands) {
         const QString text = QString::fromUtf8(succeed({command, "--help"}).out);
         EXPECT_TRUE(text.startsWith("Usage: spum " + command + " [options]")) << qPrintable(text);
-        for (const char* option : {"--help", "--json", "--quiet", "--verbose", "--log <FILE>", "--trace <FILE>"})
+        for (const char* option : {"--help", "--json", "--quiet", "--verbose", "--log <FILE>", "--trace <FILE>"}) {
             EXPECT_TRUE(text.contains(option)) << qPrintable(command) << option;
+        }
         EXPECT_EQ(succeed({command, "-h"}).out, text.toUtf8());
     }
 }
@@ -77,8 +81,9 @@ TEST_F(ProgramTest, AWrongNumberOfArgumentsIsAUsageError)
           QStringList{"pca", "a", "b"}, QStringList{"compare"}, QStringList{"compare", "a"},
           QStringList{"unmix", "a", "b", "--library", "l"}, QStringList{"library"}, QStringList{"library", "show"},
           QStringList{"library", "list", "x"}, QStringList{"library", "save", "x"},
-          QStringList{"library", "drop", "x"}})
+          QStringList{"library", "drop", "x"}}) {
         EXPECT_TRUE(refusal(arguments, 2).contains("--help")) << qPrintable(arguments.join(' '));
+    }
     EXPECT_EQ(entriesOf(path(".")), QStringList());
 }
 
@@ -87,15 +92,17 @@ TEST_F(ProgramTest, AnOptionThatMakesNoSenseIsAUsageError)
     for (const QStringList& options :
          {QStringList{"--method", "guided"}, QStringList{"--method", "x"}, QStringList{"--unit", "lux"},
           QStringList{"--binning", "0"}, QStringList{"--binning", "65"}, QStringList{"--binning", "two"},
-          QStringList{"--select", " "}, QStringList{"--trace", ""}, QStringList{"--log", ""}})
+          QStringList{"--select", " "}, QStringList{"--trace", ""}, QStringList{"--log", ""}}) {
         refusal(QStringList{"unmix", "seq", "--library", "l"} + options, 2);
+    }
     for (const QStringList& options :
          {QStringList{"--components", "A,,B"}, QStringList{"--components", "A,B", "--ncomponents", "2"},
           QStringList{"--ncomponents", "two"}, QStringList{"--constraints", "--no-constraints"},
           QStringList{"--decay", "soon"}, QStringList{"--decay", "0"}, QStringList{"--library", "l"},
           QStringList{"--mask", "rect:1,2,3"}, QStringList{"--mask", ""}, QStringList{"--threshold", "101"},
-          QStringList{"--threshold", "20", "--mask", "none"}})
+          QStringList{"--threshold", "20", "--mask", "none"}}) {
         refusal(QStringList{"unmix", "seq", "--method", "automatic"} + options, 2);
+    }
     EXPECT_TRUE(refusal({"unmix", "seq", "--method", "library"}, 2).startsWith("--library is missing"));
     EXPECT_TRUE(refusal({"unmix", "seq", "--library", "l", "--components", "A,B", "--decay", "auto"}, 2)
                     .startsWith("--components, --decay takes --method automatic."));
@@ -103,8 +110,9 @@ TEST_F(ProgramTest, AnOptionThatMakesNoSenseIsAUsageError)
     EXPECT_TRUE(refusal({"import", "a", "b", "--images", ""}, 2).startsWith("--images takes the table"));
     for (const QStringList& options :
          {QStringList{"--size", "many"}, QStringList{"--noise", "loud"}, QStringList{"--size", "-5"},
-          QStringList{"--probes", "Nobody"}, QStringList{"--seed", "-1"}, QStringList{"--bands", "1"}})
+          QStringList{"--probes", "Nobody"}, QStringList{"--seed", "-1"}, QStringList{"--bands", "1"}}) {
         refusal(QStringList{"simulate", "out"} + options, 2);
+    }
     EXPECT_EQ(entriesOf(path(".")), QStringList());
 }
 
@@ -122,9 +130,10 @@ TEST_F(ProgramTest, OnATerminalProgressIsShownAndTakenAway)
     EXPECT_EQ(result.status, 0);
     EXPECT_TRUE(result.err.contains("simulating")) << result.err.constData();
     EXPECT_TRUE(result.err.endsWith("\r\x1b[K")) << result.err.toHex().constData();
-    for (const char* option : {"--quiet", "--json"})
+    for (const char* option : {"--quiet", "--json"}) {
         EXPECT_EQ(program().runOnTerminal({"simulate", "seq", "--size", "64", "--bands", "8", "--force", option}).err,
                   QByteArray());
+    }
 }
 
 TEST_F(ProgramTest, QuietSaysNothingButErrors)
@@ -249,13 +258,15 @@ TEST_F(ProgramTest, AParentThatCannotBeWrittenToIsRefused)
     const QByteArray binary = QFile::encodeName(SpumProgram::path());
     const int status = inForkedChild([&] {
         if (::freopen(log.constData(), "w", stderr) == nullptr || !becomePlainUser() ||
-            ::access(binary.constData(), X_OK) != 0)
+            ::access(binary.constData(), X_OK) != 0) {
             return 99;
+        }
         ::execl(binary.constData(), "spum", "simulate", target.constData(), static_cast<char*>(nullptr));
         return 98;
     });
-    if (status == 99)
+    if (status == 99) {
         GTEST_SKIP() << "another user cannot run the program where it was built";
+    }
     EXPECT_EQ(status, 1);
     EXPECT_TRUE(contentOf(path("stderr.txt")).startsWith("spum: " + target + " cannot be made: "))
         << contentOf(path("stderr.txt")).constData();
@@ -264,14 +275,16 @@ TEST_F(ProgramTest, AParentThatCannotBeWrittenToIsRefused)
 
 TEST_F(ProgramTest, AFullOutputIsAnError)
 {
-    if (!QFileInfo::exists("/dev/full"))
+    if (!QFileInfo::exists("/dev/full")) {
         GTEST_SKIP() << "there is no /dev/full";
+    }
     simulate();
     const QByteArray binary = QFile::encodeName(SpumProgram::path());
     const QByteArray sequence = QFile::encodeName(path("seq"));
     const int status = inForkedChild([&] {
-        if (::freopen("/dev/full", "w", stdout) == nullptr || ::freopen("/dev/null", "w", stderr) == nullptr)
+        if (::freopen("/dev/full", "w", stdout) == nullptr || ::freopen("/dev/null", "w", stderr) == nullptr) {
             return 99;
+        }
         ::execl(binary.constData(), "spum", "info", sequence.constData(), static_cast<char*>(nullptr));
         return 98;
     });

@@ -53,8 +53,9 @@ QStringList sourcesIn(const QString& strHtml)
 {
     QStringList sources;
     auto found = QRegularExpression(QStringLiteral("src=\"([^\"]*)\"")).globalMatch(strHtml);
-    while (found.hasNext())
+    while (found.hasNext()) {
         sources.append(found.next().captured(1));
+    }
     return sources;
 }
 
@@ -131,8 +132,9 @@ TEST(ReportPdfTest, MoreThanAPageHoldsGoesToTheNext)
 {
     ReportContent content = smallContent();
     content.maps.clear();
-    for (int i = 0; i < 12; ++i)
+    for (int i = 0; i < 12; ++i) {
         content.maps.append(figure(QString::number(i), 600, 600));
+    }
     const int pages = pagesOf(reportPdf(content));
     EXPECT_GE(pages, 2);
     EXPECT_LE(pages, 4);
@@ -142,8 +144,9 @@ TEST(ReportPdfTest, ATableHigherThanAPageIsCut)
 {
     ReportContent content;
     ReportTable table;
-    for (int i = 0; i < 400; ++i)
+    for (int i = 0; i < 400; ++i) {
         table.rows.append({QString::number(i), QStringLiteral("value")});
+    }
     content.tables = {table};
     const int pages = pagesOf(reportPdf(content));
     EXPECT_GE(pages, 5);
@@ -183,9 +186,11 @@ class ResultReportTest : public SmallAnalysis
 
 QString factOf(const ReportContent& content, const QString& strLabel)
 {
-    for (const auto& fact : content.facts)
-        if (fact.first == strLabel)
+    for (const auto& fact : content.facts) {
+        if (fact.first == strLabel) {
             return fact.second;
+        }
+    }
     return QStringLiteral("none");
 }
 
@@ -222,7 +227,8 @@ TEST_F(ResultReportTest, TellsNumbersSettingsAndCommand)
     EXPECT_EQ(content.command, frame.command);
     EXPECT_TRUE(content.program.endsWith(QStringLiteral(", 2026-01-31 12:00")));
     QStringList titles;
-    for (const ReportTable& table : content.tables)
+    for (const ReportTable& table : content.tables) {
         titles.append(table.title);
+    }
     EXPECT_EQ(titles, (QStringList{QStringLiteral("Properties of the result"), QStringLiteral("Images")}));
 }

@@ -54,10 +54,11 @@ protected:
     void TearDown() override
     {
         orv::setMessageResponder(nullptr);
-        if (m_earlier.isNull())
+        if (m_earlier.isNull()) {
             qunsetenv("TMPDIR");
-        else
+        } else {
             qputenv("TMPDIR", m_earlier);
+        }
         SmallAnalysis::TearDown();
     }
     // The three images at two spots each; the second is ten times as bright.
@@ -152,8 +153,9 @@ TEST_F(ResultExportTest, EveryMapBecomesADatasetOfANewSequence)
     EXPECT_EQ(clickText(second.clickInfo, ClickKeys::kClickNumber, ClickKeys::kFolderOnDisk), "Unmixed Result 2");
     CILImage image;
     ASSERT_EQ(second.getCalibratedLuminImage(DISPLAYUNIT_RADIANT_EFFICIENCY, &image, "test"), ESTATUS_SUCCESS);
-    for (int i = 0; i < side * side; ++i)
+    for (int i = 0; i < side * side; ++i) {
         EXPECT_NEAR(image.value(static_cast<std::size_t>(i)), static_cast<double>(mapB(i)), 1e-5) << i;
+    }
 }
 
 TEST_F(ResultExportTest, TheTwoClickInfosStillDifferInTheCameraSectionAlone)
@@ -384,9 +386,11 @@ TEST_F(ResultExportTest, TwoExportsHaveClickNumbersOfTheirOwn)
     exportResult(engine(), std::nullopt, path("out"));
     exportResult(engine(), std::nullopt, path("out 2"));
     QStringList clicks;
-    for (const char* name : {"out", "out 2"})
-        for (const auto& image : infoOf(name)["images"].toArray())
+    for (const char* name : {"out", "out 2"}) {
+        for (const auto& image : infoOf(name)["images"].toArray()) {
             clicks.append(image.toObject()["image"].toString());
+        }
+    }
     EXPECT_EQ(clicks.size(), 4);
     EXPECT_EQ(clicks.removeDuplicates(), 0);
     EXPECT_TRUE(clicks.first().startsWith("UMX0001-"));

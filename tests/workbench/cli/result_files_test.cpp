@@ -83,8 +83,9 @@ TEST_F(ResultFilesTest, EveryFileIsThereAndNoOther)
                                              "overview.png", "properties.csv", "spectra.csv", "spectra.png",
                                              "spectra.svg", "summary.csv", "summary.json"}));
     QStringList told;
-    for (const auto& name : writtenJson()["files"].toArray())
+    for (const auto& name : writtenJson()["files"].toArray()) {
         told.append(name.toString());
+    }
     told.sort();
     EXPECT_EQ(told, entriesOf(out()));
 }
@@ -97,8 +98,9 @@ TEST_F(ResultFilesTest, MapsAreFloatsOfTheConcentrations)
     ASSERT_EQ(map.m_lWidth, side);
     ASSERT_EQ(map.m_lHeight, side);
     EXPECT_NE(map.floats(), nullptr);
-    for (int i = 0; i < side * side; ++i)
+    for (int i = 0; i < side * side; ++i) {
         EXPECT_NEAR(map.value(static_cast<std::size_t>(i)), static_cast<double>(mapB(i)), 1e-5) << i;
+    }
     TiffInfo info;
     ASSERT_TRUE(readTiffHeader(out() + "02_Dye_B.tif", 0, &info, nullptr));
     EXPECT_EQ(info.type, ORVTYPE_FLOAT);
@@ -130,9 +132,11 @@ TEST_F(ResultFilesTest, PicturesHoldMapAndPhotograph)
     EXPECT_EQ(sheet.width(), 2 * std::max(picture.width(), QImage(out() + "02_Dye_B.png").width()));
     EXPECT_FALSE(QImage(out() + "spectra.png").isNull());
     int coloured = 0;
-    for (int y = 0; y < picture.height(); y += 8)
-        for (int x = 0; x < picture.width(); x += 8)
+    for (int y = 0; y < picture.height(); y += 8) {
+        for (int x = 0; x < picture.width(); x += 8) {
             coloured += QColor(picture.pixel(x, y)).saturation() > 100 ? 1 : 0;
+        }
+    }
     EXPECT_GT(coloured, 500);
 }
 
@@ -223,8 +227,9 @@ TEST_F(ResultFilesTest, AStepMayStopTheWriting)
     ASSERT_TRUE(QDir().mkpath(out()));
     ResultFiles files(engine(), m_numbers, out());
     EXPECT_THROW(files.write([](double fraction) {
-        if (fraction > 0.5)
+        if (fraction > 0.5) {
             throw std::runtime_error("stop");
+        }
     }),
                  std::runtime_error);
     EXPECT_FALSE(entriesOf(out()).contains("summary.json"));
@@ -308,7 +313,8 @@ TEST(RunEndingTest, EveryEndingHasItsWord)
 {
     QStringList words;
     for (const auto ending : {MCR::Ending::NotRun, MCR::Ending::Converged, MCR::Ending::GoodFit, MCR::Ending::Diverged,
-                              MCR::Ending::IterationLimit, MCR::Ending::Degenerate})
+                              MCR::Ending::IterationLimit, MCR::Ending::Degenerate}) {
         words.append(endingText(ending));
+    }
     EXPECT_EQ(words, (QStringList{"not run", "converged", "good fit", "diverged", "iteration limit", "degenerate"}));
 }

@@ -24,8 +24,9 @@ protected:
     QStringList listed() const
     {
         QStringList names;
-        for (const auto& result : succeed({"results", "list", "seq", "--json"}).json()["results"].toArray())
+        for (const auto& result : succeed({"results", "list", "seq", "--json"}).json()["results"].toArray()) {
             names.append(result.toObject()["name"].toString());
+        }
         return names;
     }
 };
@@ -93,8 +94,9 @@ TEST_F(ResultsNamesProgramTest, AnIndexThatCannotBeLockedIsTold)
                                             QStringList{"unmix", "seq"} + options};
     // Each waits a while for the lock.
     std::vector<std::future<ProgramResult>> results;
-    for (const QStringList& arguments : commands)
+    for (const QStringList& arguments : commands) {
         results.push_back(std::async(std::launch::async, [this, arguments] { return spum(arguments); }));
+    }
     for (std::future<ProgramResult>& future : results) {
         const ProgramResult result = future.get();
         EXPECT_EQ(result.status, 1);

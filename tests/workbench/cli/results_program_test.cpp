@@ -32,8 +32,9 @@ protected:
     QStringList listed() const
     {
         QStringList names;
-        for (const auto& result : succeed({"results", "list", "seq", "--json"}).json()["results"].toArray())
+        for (const auto& result : succeed({"results", "list", "seq", "--json"}).json()["results"].toArray()) {
             names.append(result.toObject()["name"].toString());
+        }
         return names;
     }
     QStringList files() const { return QDir(path("seq/XML/SpecUnmix")).entryList(QDir::Files); }
@@ -48,8 +49,9 @@ protected:
     {
         EXPECT_EQ(a.pixelCount(), b.pixelCount());
         double largest = 0.0;
-        for (std::size_t i = 0; i < std::min(a.pixelCount(), b.pixelCount()); ++i)
+        for (std::size_t i = 0; i < std::min(a.pixelCount(), b.pixelCount()); ++i) {
             largest = std::max(largest, std::abs(a.value(i) - b.value(i)));
+        }
         return largest;
     }
 };
@@ -101,9 +103,10 @@ TEST_F(ResultsProgramTest, ATakenNameIsRefusedAheadOfTheRunAndOverwrittenWithFor
 
 TEST_F(ResultsProgramTest, NamesThatFitNoLineAreRefused)
 {
-    for (const QString& name : {QStringLiteral(" a"), QStringLiteral("a\nb"), QStringLiteral("   ")})
+    for (const QString& name : {QStringLiteral(" a"), QStringLiteral("a\nb"), QStringLiteral("   ")}) {
         EXPECT_TRUE(refusal({"unmix", "seq", "--library", library(), "--save=" + name}, 2).contains("is no name"))
             << qPrintable(name);
+    }
 }
 
 TEST_F(ResultsProgramTest, ShowTellsWhatTheFileSays)
@@ -130,12 +133,14 @@ TEST_F(ResultsProgramTest, ALoadedResultHasTheMapsOfTheRun)
     EXPECT_EQ(json["unit"].toString(), "Counts");
     EXPECT_EQ(json["method"].toString(), "library");
     EXPECT_EQ(json["saved"].toString(), "x");
-    for (const QString& name : {QStringLiteral("01_Dye_A.tif"), QStringLiteral("02_Dye_B.tif")})
+    for (const QString& name : {QStringLiteral("01_Dye_A.tif"), QStringLiteral("02_Dye_B.tif")}) {
         EXPECT_LE(largestDifference(map("run", name), map("again", name)), 1e-6);
+    }
     const QDir run(path("run"));
     EXPECT_EQ(QDir(path("again")).entryList(QDir::Files), run.entryList(QDir::Files));
-    for (const QString& name : run.entryList({"*.png"}, QDir::Files))
+    for (const QString& name : run.entryList({"*.png"}, QDir::Files)) {
         EXPECT_EQ(contentOf(path("again/" + name)), contentOf(run.filePath(name))) << qPrintable(name);
+    }
     EXPECT_TRUE(QString::fromUtf8(contentOf(path("again/report.html"))).contains("saved result x"));
     // Without a folder it goes beside the images, and an earlier one stays unless it is to be replaced.
     succeed({"results", "load", "seq", "x", "--quiet"});
@@ -211,21 +216,25 @@ TEST_F(ResultsProgramTest, ManySavesAtOnceAreAllKept)
     constexpr int savers = 6;
     std::vector<std::thread> threads;
     std::vector<ProgramResult> results(savers);
-    for (int i = 0; i < savers; ++i)
+    for (int i = 0; i < savers; ++i) {
         threads.emplace_back([&, i] {
             results[static_cast<std::size_t>(i)] =
                 spum({"unmix", "seq", "--library", library(), "--save", "--out", path("out") + QString::number(i)});
         });
-    for (auto& thread : threads)
+    }
+    for (auto& thread : threads) {
         thread.join();
-    for (const ProgramResult& result : results)
+    }
+    for (const ProgramResult& result : results) {
         EXPECT_EQ(result.status, 0) << qPrintable(result.errText());
+    }
     QStringList names = listed();
     EXPECT_EQ(names.size(), savers);
     EXPECT_EQ(names.removeDuplicates(), 0);
     EXPECT_EQ(files().size(), savers);
-    for (const auto& result : succeed({"results", "list", "seq", "--json"}).json()["results"].toArray())
+    for (const auto& result : succeed({"results", "list", "seq", "--json"}).json()["results"].toArray()) {
         EXPECT_FALSE(result.toObject().contains("error"));
+    }
 }
 
 TEST_F(ResultsProgramTest, AFolderThatCannotBeWrittenKeepsTheFilesOfTheRun)
@@ -283,8 +292,9 @@ TEST_F(ResultsProgramTest, WrongCallsAreUsageErrors)
                                          {"results", "show", "seq"},
                                          {"results", "list", "seq", "--force"},
                                          {"results", "rename", "seq", "a"},
-                                         {"results", "load", "seq", "a", "b"}})
+                                         {"results", "load", "seq", "a", "b"}}) {
         EXPECT_TRUE(refusal(arguments, 2).endsWith("See \"spum results --help\".")) << qPrintable(arguments.join(' '));
+    }
 }
 
 TEST_F(ResultsProgramTest, TheReportOfARunTellsItsCommand)

@@ -37,18 +37,21 @@ protected:
     QStringList listed() const
     {
         QStringList names;
-        for (const auto& region : succeed({"roi", "seq", "list", "--json"}).json()["regions"].toArray())
+        for (const auto& region : succeed({"roi", "seq", "list", "--json"}).json()["regions"].toArray()) {
             names.append(region.toObject()["name"].toString());
+        }
         return names;
     }
     // A result as unmix leaves it: a map of ascending numbers.
     void writeResult(const QString& strFolder, const QStringList& files, int nComponents = 1, int nBinning = 1) const
     {
-        for (const auto& file : files)
+        for (const auto& file : files) {
             writeTiffFile(strFolder + '/' + file, imageOf(4, 4, [](int i) { return static_cast<float>(i); }));
+        }
         QJsonArray components;
-        for (int i = 0; i < nComponents; ++i)
+        for (int i = 0; i < nComponents; ++i) {
             components.append(QJsonObject{{"name", QStringLiteral("Dye, %1").arg(i)}, {"map", files.value(i)}});
+        }
         const QJsonObject summary{{"unit", "Radiance"},
                                   {"binning", nBinning},
                                   {"components", components},
@@ -77,9 +80,10 @@ TEST_F(RoiProgramTest, ARegionIsStoredWithEveryImageAndListed)
     EXPECT_EQ(json["shape"], square);
     EXPECT_EQ(json["pixels"], 4);
     EXPECT_EQ(json["images"], 3);
-    for (const auto& text : clickInfos())
+    for (const auto& text : clickInfos()) {
         EXPECT_TRUE(text.contains("\n[ROIs] Regions of interest\nROI 1 Name: liver\nROI 1 Shape: rect:1,1,2,2\n"))
             << text.constData();
+    }
     EXPECT_EQ(succeed({"roi", "seq", "list"}).out, "region  images  shape\nliver        3  rect:1,1,2,2\n");
     const QByteArray text = succeed({"roi", "seq", "add", "--shape", "ellipse:0,0,1,1"}).out;
     EXPECT_EQ(text, "region \"ROI 1\" (ellipse:0,0,1,1) stored with 3 images; it holds 1 pixel\n");
@@ -162,8 +166,9 @@ TEST_F(RoiProgramTest, ARegionKeepsItsPlaceInImagesOfAnotherBinning)
 TEST_F(RoiProgramTest, ShapesMayBeInPixelsOfTheFirstImage)
 {
     SmallSequence sequence = smallSequence();
-    for (auto& image : sequence.images)
+    for (auto& image : sequence.images) {
         image.binning = 4;
+    }
     sequence.writeTo(path("seq"));
     const QJsonObject json =
         succeed({"roi", "seq", "add", "--shape", "polygon:1,1,3,1,3,3,1,3", "--image-pixels", "--json"}).json();
@@ -366,19 +371,23 @@ TEST_F(RoiProgramTest, InAReadOnlyFolderRegionsAreMeasuredAndNoneIsStored)
     addSquare("liver");
     const auto before = clickInfos();
     ASSERT_EQ(::chmod(QFile::encodeName(path("..")).constData(), 0755), 0);
-    for (int i = 0; i < 3; ++i)
+    for (int i = 0; i < 3; ++i) {
         ASSERT_EQ(::chmod(QFile::encodeName(clickInfo(i)).constData(), 0666), 0);
-    for (const char* open : {"seq/SMALL-000", "seq/SMALL-001"})
+    }
+    for (const char* open : {"seq/SMALL-000", "seq/SMALL-001"}) {
         ASSERT_EQ(::chmod(QFile::encodeName(path(open)).constData(), 0777), 0);
+    }
     ASSERT_EQ(::chmod(QFile::encodeName(path("seq/SMALL-002")).constData(), 0555), 0);
     // The first two can be written, and must be taken back.
     const int status = inForkedChild([&] {
         CORVSequenceDataset sequence;
-        if (!becomePlainUser() || sequence.open(path("seq")) != ESTATUS_SUCCESS)
+        if (!becomePlainUser() || sequence.open(path("seq")) != ESTATUS_SUCCESS) {
             return 1;
+        }
         RoiStore store(sequence);
-        if (sequence.getDatasets().first()->roiManager()->measure(DISPLAYUNIT_COUNTS) != ESTATUS_SUCCESS)
+        if (sequence.getDatasets().first()->roiManager()->measure(DISPLAYUNIT_COUNTS) != ESTATUS_SUCCESS) {
             return 2;
+        }
         tagROIInfo region = store.distinct().first().region;
         region.name = "second";
         store.add(region);
@@ -417,8 +426,9 @@ TEST_F(RoiProgramTest, MapsOfAResultAreMeasuredToo)
 TEST_F(RoiProgramTest, MapsHaveTheirOwnBinningAndNamesAndNoValueOutsideTheMask)
 {
     SmallSequence sequence = smallSequence();
-    for (auto& image : sequence.images)
+    for (auto& image : sequence.images) {
         image.width = image.height = 8;
+    }
     sequence.writeTo(path("seq"));
     succeed({"roi", "seq", "add", "--shape", "rect:0,0,8,4", "--quiet"});
     writeResult("masked", {"01_Dye_0.tif"}, 1, 2);

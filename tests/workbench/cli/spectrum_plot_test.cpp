@@ -30,8 +30,9 @@ PlotCurve curveOf(const QVector<double>& x, const QVector<double>& y, const QCol
 SpectrumPlot plotOf(const QList<PlotCurve>& curves)
 {
     SpectrumPlot plot(QStringLiteral("Title"), QStringLiteral("x"), QStringLiteral("y"));
-    for (const auto& curve : curves)
+    for (const auto& curve : curves) {
         plot.addCurve(curve);
+    }
     return plot;
 }
 
@@ -56,9 +57,11 @@ int pixelsLike(const QImage& image, const QColor& color, const QRect& part)
 int darkPixels(const QImage& image, const QRect& part)
 {
     int count = 0;
-    for (int y = part.top(); y <= part.bottom(); ++y)
-        for (int x = part.left(); x <= part.right(); ++x)
+    for (int y = part.top(); y <= part.bottom(); ++y) {
+        for (int x = part.left(); x <= part.right(); ++x) {
             count += image.pixelColor(x, y).value() < 160 ? 1 : 0;
+        }
+    }
     return count;
 }
 
@@ -179,8 +182,9 @@ TEST(SpectrumPlotTest, ColumnsOfUnequalLengthAreDrawnAsFarAsBothGo)
 TEST(SpectrumPlotTest, MoreCurvesThanTheLegendHoldsAreStillDrawn)
 {
     QList<PlotCurve> curves;
-    for (int i = 0; i < 80; ++i)
+    for (int i = 0; i < 80; ++i) {
         curves.append(curveOf({1, 2}, {i / 80.0, i / 80.0}));
+    }
     const QImage image = plotOf(curves).toImage(pageSize);
     EXPECT_GT(pixelsLike(image, Qt::red, plotPart(image)), 2000);
 }
@@ -196,8 +200,9 @@ TEST(SpectrumPlotTest, TheSvgIsXmlWithTheTitleAndTheLabels)
     EXPECT_EQ(document.elementsByTagName("title").at(0).toElement().text(), "Title");
     QStringList texts;
     const auto elements = document.elementsByTagName("text");
-    for (int i = 0; i < elements.size(); ++i)
+    for (int i = 0; i < elements.size(); ++i) {
         texts.append(elements.at(i).toElement().text().trimmed());
+    }
     EXPECT_TRUE(texts.contains("Dye & <b>")) << qPrintable(texts.join('|'));
     EXPECT_TRUE(texts.contains("600"));
     EXPECT_FALSE(document.elementsByTagName("path").isEmpty());
@@ -237,10 +242,12 @@ TEST(SpectrumPlotTest, ALogarithmicAxisHasPowersOfTenAndLeavesZeroOut)
     EXPECT_FALSE(svg.contains("inf"));
     QStringList texts;
     const auto elements = document.elementsByTagName("text");
-    for (int i = 0; i < elements.size(); ++i)
+    for (int i = 0; i < elements.size(); ++i) {
         texts.append(elements.at(i).toElement().text().trimmed());
-    for (const char* text : {"0.01", "0.1", "1", "10", "100", "2", "3", "4"})
+    }
+    for (const char* text : {"0.01", "0.1", "1", "10", "100", "2", "3", "4"}) {
         EXPECT_TRUE(texts.contains(text)) << text << " in " << qPrintable(texts.join('|'));
+    }
     EXPECT_FALSE(texts.contains("1.5"));
     EXPECT_FALSE(texts.contains("2.5"));
 }

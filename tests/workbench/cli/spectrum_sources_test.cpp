@@ -74,8 +74,9 @@ private:
 void expectValues(const SpectrumPlotParams& spectrum, const std::vector<double>& expected)
 {
     ASSERT_EQ(spectrum.points.size(), static_cast<int>(expected.size()));
-    for (std::size_t j = 0; j < expected.size(); ++j)
+    for (std::size_t j = 0; j < expected.size(); ++j) {
         EXPECT_NEAR(spectrum.points[static_cast<int>(j)].value, expected[j], 1e-12) << j;
+    }
 }
 
 } // namespace
@@ -172,17 +173,19 @@ TEST_F(SpectrumSourcesTest, AMalformedRegionIsAUsageError)
 {
     const QString sequence = sequenceOf({{640, 700}, {640, 720}});
     for (const char* text : {"", "A", "A=1,2,3", "=0,0,1,1", " =0,0,1,1", "A=x,0,1,1", "A=0,0,0,1", "A=0,0,1,-1",
-                             "A=0,0,1,1,1", "A=0.5,0,1,1", "A=99999999999,0,1,1"})
+                             "A=0,0,1,1,1", "A=0.5,0,1,1", "A=99999999999,0,1,1"}) {
         EXPECT_EQ(regionRefusal(text, sequence),
                   QStringLiteral("[2] --region: \"%1\" is not of the form NAME=X,Y,W,H").arg(text));
+    }
 }
 
 TEST_F(SpectrumSourcesTest, ARegionBeyondTheImageIsRefused)
 {
     const QString sequence = sequenceOf({{640, 700}, {640, 720}});
     for (const char* text :
-         {"A=3,0,2,1", "A=0,3,1,2", "A=-1,0,1,1", "A=0,-1,1,1", "A=2147483647,0,1,1", "A=0,0,2147483647,1"})
+         {"A=3,0,2,1", "A=0,3,1,2", "A=-1,0,1,1", "A=0,-1,1,1", "A=2147483647,0,1,1", "A=0,0,2147483647,1"}) {
         EXPECT_EQ(regionRefusal(text, sequence), "the region \"A\" leaves the image of 4 x 4 pixels") << text;
+    }
 }
 
 TEST_F(SpectrumSourcesTest, ARegionWithoutLightIsRefused)
@@ -219,6 +222,7 @@ TEST_F(SpectrumSourcesTest, ASequenceThatCannotBeAnalysedIsRefusedWithTheReason)
     SmallSequence sequence;
     sequence.addBands({[](int) { return 1.0F; }});
     sequence.writeTo(path("seq"));
-    for (const QString& refusal : {databaseRefusal("Hand", path("seq")), regionRefusal("A=0,0,1,1", path("seq"))})
+    for (const QString& refusal : {databaseRefusal("Hand", path("seq")), regionRefusal("A=0,0,1,1", path("seq"))}) {
         EXPECT_TRUE(refusal.startsWith(path("seq") + " cannot be analysed: it takes images at two wavelengths"));
+    }
 }

@@ -20,16 +20,18 @@ protected:
         QByteArray text = "$,NumSpec," + QByteArray::number(commas.size() + 1) + "\n$,Color," + commas +
                           "\n$,Select,1" + QByteArray(",1").repeated(commas.size()) + "\nExcitation,Emission," + names +
                           '\n';
-        for (int j = 0; j < rows.size(); ++j)
+        for (int j = 0; j < rows.size(); ++j) {
             text += "640," + QByteArray::number(700 + 20 * j) + ',' + rows[j] + '\n';
+        }
         write("truth/spectra.csv", text);
     }
     // As after an automatic run by number alone.
     void nameless()
     {
         engine().m_eMode = RUNMODE_AUTOMATIC;
-        for (int k = 0; k < 2; ++k)
+        for (int k = 0; k < 2; ++k) {
             engine().m_spectrumPlots[k]->settings.name = QStringLiteral("UMX%1").arg(k + 1);
+        }
     }
     std::vector<TrueComparison> compare() { return compareWithTruth(engine(), path("truth/")); }
 };
@@ -79,8 +81,9 @@ TEST_F(TruthComparisonTest, ATruthOfAnotherSizeIsNotCompared)
         "Dye A", [](int i) { return mapA(i); }, 2 * side);
     writeTruth(
         "Dye B", [](int i) { return mapB(i); }, side - 1);
-    for (const auto& comparison : compare())
+    for (const auto& comparison : compare()) {
         EXPECT_FALSE(comparison.known);
+    }
 }
 
 TEST_F(TruthComparisonTest, ABrokenTruthIsNotCompared)
@@ -176,8 +179,9 @@ TEST_F(TruthComparisonTest, KnownSpectraGoByNamesAlone)
     writeTruth("Dye A", [](int i) { return mapA(i); });
     writeTruth("Dye B", [](int i) { return mapB(i); });
     writeSpectra("Dye B,Dye A", {"0,1", "0.25,0.5", "1,0"});
-    for (const auto& comparison : compare())
+    for (const auto& comparison : compare()) {
         EXPECT_FALSE(comparison.known);
+    }
 }
 
 TEST_F(TruthComparisonTest, TrueSpectraThatLackAnImageAreNotUsed)

@@ -29,8 +29,9 @@ public:
 QStringList clicksOf(const SmallSequence& sequence)
 {
     QStringList clicks;
-    for (int n = 0; n < sequence.images.size(); ++n)
+    for (int n = 0; n < sequence.images.size(); ++n) {
         clicks.append(sequence.click(n));
+    }
     return clicks;
 }
 
@@ -100,8 +101,9 @@ TEST(UnitForecastTest, NativeEfficienciesBelowALimitHaveNoUnit)
 {
     const ProcessSettings settings;
     SmallSequence sequence = threeImages(2, 2, 2);
-    for (auto& image : sequence.images)
+    for (auto& image : sequence.images) {
         image.nativeEfficiency = true;
+    }
     EXPECT_EQ(forecastOf(sequence).unit, DISPLAYUNIT_EFFICIENCY);
     CORVDataset::setUnitLimit(DISPLAYUNIT_RADIANCE);
     EXPECT_EQ(forecastOf(sequence).unit, -1);

@@ -24,32 +24,37 @@ protected:
     {
         const QString refused = refusal(QStringList{"unmix", strSequence, "--out", "out"} + options);
         EXPECT_FALSE(entriesOf(path(".")).contains("out"));
-        for (const auto& name : entriesOf(path(".")))
+        for (const auto& name : entriesOf(path("."))) {
             EXPECT_FALSE(name.startsWith('.')) << qPrintable(name);
+        }
         return refused;
     }
     QStringList pairsOfSequence() const
     {
         QStringList pairs;
-        for (const auto& image : spum({"info", "seq", "--json"}).json()["images"].toArray())
+        for (const auto& image : spum({"info", "seq", "--json"}).json()["images"].toArray()) {
             pairs.append(image.toObject()["first"].toString() + '/' + image.toObject()["second"].toString());
+        }
         return pairs;
     }
 };
 
 double correlationOf(const QJsonObject& json, const QString& strName)
 {
-    for (const auto& component : json["components"].toArray())
-        if (component.toObject()["name"] == strName)
+    for (const auto& component : json["components"].toArray()) {
+        if (component.toObject()["name"] == strName) {
             return component.toObject()["truthCorrelation"].toDouble(-1.0);
+        }
+    }
     return -1.0;
 }
 
 QStringList namesOf(const QJsonObject& json)
 {
     QStringList names;
-    for (const auto& component : json["components"].toArray())
+    for (const auto& component : json["components"].toArray()) {
         names.append(component.toObject()["name"].toString());
+    }
     return names;
 }
 
@@ -106,8 +111,9 @@ TEST_F(UnmixProgramTest, InfoTellsWhatASequenceHolds)
     EXPECT_TRUE(json["methods"].toArray().contains("library"));
     const QString text = QString::fromUtf8(succeed({"info", "seq"}).out);
     for (const char* word : {"Sequence:", "Kind:", "Axis:", "Photograph:", "Subject:", "Probes:", "Binning:", "Unit:",
-                             "Analysis:", "excitation", "emission"})
+                             "Analysis:", "excitation", "emission"}) {
         EXPECT_TRUE(text.contains(word)) << word;
+    }
 }
 
 TEST_F(UnmixProgramTest, InfoTellsWhyASequenceCannotBeAnalysed)
@@ -191,8 +197,9 @@ TEST_F(UnmixProgramTest, ASelectionIsUsedAloneAndInItsOrder)
               4);
     const QList<QByteArray> lines = contentOf(path("out/spectra.csv")).split('\n');
     int head = 0;
-    while (!lines[head].startsWith("Excitation,"))
+    while (!lines[head].startsWith("Excitation,")) {
         ++head;
+    }
     EXPECT_TRUE(lines[head + 1].startsWith(QString(pairs[5]).replace('/', ',').toUtf8() + ','));
     EXPECT_TRUE(lines[head + 2].startsWith(QString(pairs[1]).replace('/', ',').toUtf8() + ','));
 }
@@ -202,8 +209,9 @@ TEST_F(UnmixProgramTest, AStarSelectsAnyImage)
     simulate();
     const QString excitation = pairsOfSequence().first().section('/', 0, 0);
     int count = 0;
-    for (const auto& pair : pairsOfSequence())
+    for (const auto& pair : pairsOfSequence()) {
         count += pair.startsWith(excitation + '/') ? 1 : 0;
+    }
     ASSERT_GT(count, 1);
     const ProgramResult result =
         spum({"unmix", "seq", "--out", "out", "--json", "--library", truth(), "--select", excitation + "/*"});
@@ -268,9 +276,11 @@ TEST_F(UnmixProgramTest, ALibraryThatLacksAPairNamesIt)
     simulate();
     const QString pair = pairsOfSequence().at(2);
     QByteArray text;
-    for (const QByteArray& line : contentOf(truth()).split('\n'))
-        if (!line.startsWith(QString(pair).replace('/', ',').toUtf8() + ','))
+    for (const QByteArray& line : contentOf(truth()).split('\n')) {
+        if (!line.startsWith(QString(pair).replace('/', ',').toUtf8() + ',')) {
             text += line + '\n';
+        }
+    }
     write("lacks.csv", text);
     EXPECT_EQ(unmixRefusal({"--library", "lacks.csv"}),
               "lacks.csv: the spectrum \"TissueAF\" has no value for " + pair);
@@ -340,8 +350,9 @@ TEST_F(UnmixProgramTest, ATemporalSequenceTakesTimeCoursesByHand)
     EXPECT_EQ(namesOf(json), (QStringList{"fast", "slow"}));
     CILImage map;
     ASSERT_TRUE(readTiff(path("out/02_slow.tif"), 0, map, nullptr));
-    for (int i = 0; i < 16; ++i)
+    for (int i = 0; i < 16; ++i) {
         EXPECT_NEAR(map.value(static_cast<std::size_t>(i)), static_cast<double>(slow(i)), 1e-4);
+    }
     EXPECT_TRUE(contentOf(path("out/spectra.svg")).contains("Time Point [s]"));
     EXPECT_EQ(succeed({"info", "seq", "--json"}).json()["kind"], "temporal");
     EXPECT_TRUE(refusal({"unmix", "seq", "--library", "courses.csv", "--method", "manual", "--select", "Int1/20"})
@@ -353,11 +364,13 @@ TEST_F(UnmixProgramTest, TheSameInputGivesTheSameFiles)
     simulate();
     const QList<QStringList> methods{{"--library", truth()}, {"--ncomponents", "3"}};
     for (const QStringList& method : methods) {
-        for (const char* out : {"one", "two"})
+        for (const char* out : {"one", "two"}) {
             succeed(QStringList{"unmix", "seq", "--out", out, "--force"} + method);
+        }
         EXPECT_EQ(entriesOf(path("one")), entriesOf(path("two")));
-        for (const auto& name : entriesOf(path("one")))
+        for (const auto& name : entriesOf(path("one"))) {
             EXPECT_EQ(lastingContentOf(path("one/" + name)), lastingContentOf(path("two/" + name))) << qPrintable(name);
+        }
     }
 }
 
@@ -370,8 +383,9 @@ TEST_F(UnmixProgramTest, TheSameSimulationGivesTheSameFiles)
     const QStringList files = filesBelow(path("a/seq"));
     EXPECT_EQ(files, filesBelow(path("b/seq")));
     EXPECT_GT(files.size(), 16);
-    for (const auto& name : files)
+    for (const auto& name : files) {
         EXPECT_EQ(contentOf(path("a/seq/" + name)), contentOf(path("b/seq/" + name))) << qPrintable(name);
+    }
 }
 
 TEST_F(UnmixProgramTest, ASequenceMayBeNamedByItsInfoFileAndFromInside)

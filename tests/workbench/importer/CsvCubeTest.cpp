@@ -63,8 +63,9 @@ TEST_F(CsvCubeTest, TheNamesCanBeHadWithoutThePixels)
 TEST_F(CsvCubeTest, ReadingTellsHowFarItIsAndCanBeStopped)
 {
     QByteArray text = "x,y,a\n";
-    for (int i = 0; i < 10000; ++i)
+    for (int i = 0; i < 10000; ++i) {
         text += QByteArray::number(i) + ",0,1\n";
+    }
     const QString file = write("cube.csv", text);
     CsvCube cube;
     QString error;

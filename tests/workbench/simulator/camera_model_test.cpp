@@ -41,11 +41,13 @@ TEST_P(PhotonTransfer, VarianceFollowsTheSignal)
     const CILImage image = camera.expose(flat(signal), kSide, 0, nullptr);
     ASSERT_EQ(image.dataType(), ORVTYPE_USHORT);
     double mean = 0.0;
-    for (std::size_t i = 0; i < image.pixelCount(); ++i)
+    for (std::size_t i = 0; i < image.pixelCount(); ++i) {
         mean += image.value(i) / kPixels;
+    }
     double variance = 0.0;
-    for (std::size_t i = 0; i < image.pixelCount(); ++i)
+    for (std::size_t i = 0; i < image.pixelCount(); ++i) {
         variance += (image.value(i) - mean) * (image.value(i) - mean) / (kPixels - 1.0);
+    }
     const double expected = signal / kGain + kReadNoise * kReadNoise / (kGain * kGain) + 1.0 / 12.0;
     EXPECT_NEAR(mean, signal + kOffset, kSigmas * std::sqrt(expected / kPixels));
     EXPECT_NEAR(variance, expected, kSigmas * expected * std::sqrt(2.0 / kPixels));

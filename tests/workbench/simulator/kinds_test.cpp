@@ -32,8 +32,9 @@ SimulationOptions smallKind(SimulationKind eKind)
         options.bands = 4;
         options.spots = 3;
     }
-    if (eKind == SimulationKind::Temporal)
+    if (eKind == SimulationKind::Temporal) {
         options.timesSeconds = {0, 30, 60, 120, 240, 480, 960};
+    }
     return options;
 }
 
@@ -45,8 +46,9 @@ SimulationOptions smallestKind(SimulationKind eKind)
     options.bands = 2;
     options.spots = 2;
     options.foodRatio = 0.0;
-    if (eKind == SimulationKind::Temporal)
+    if (eKind == SimulationKind::Temporal) {
         options.timesSeconds = {0, 60, 240};
+    }
     return options;
 }
 
@@ -67,8 +69,9 @@ struct Simulated
     {
         QString text;
         CPLSection* pFound = sequence.getDatasets().at(image)->clickInfo[QString::fromLatin1(pSection)];
-        if (pFound != nullptr)
+        if (pFound != nullptr) {
             pFound->getValue(QString::fromLatin1(pKey), &text);
+        }
         return text;
     }
     std::vector<double> image(int index, tag_edisplayunit eUnit)
@@ -76,8 +79,9 @@ struct Simulated
         CILImage image;
         EXPECT_EQ(sequence.getDatasets().at(index)->getCalibratedLuminImage(eUnit, &image, QString()), ESTATUS_SUCCESS);
         std::vector<double> pixels(image.pixelCount());
-        for (std::size_t i = 0; i < pixels.size(); ++i)
+        for (std::size_t i = 0; i < pixels.size(); ++i) {
             pixels[i] = image.value(i);
+        }
         return pixels;
     }
     ReadTruth truthOfSpot(tag_edisplayunit eUnit, int spot) const
@@ -95,8 +99,9 @@ void expectSum(const std::vector<double>& pixels, const ReadTruth& truth, std::s
 {
     for (std::size_t i = 0; i < pixels.size(); ++i) {
         double sum = 0.0;
-        for (std::size_t k = 0; k < truth.maps.size(); ++k)
+        for (std::size_t k = 0; k < truth.maps.size(); ++k) {
             sum += truth.maps[k][i] * truth.spectra[k][band];
+        }
         // Stored image, converted image, reference and each map are rounded to floats.
         ASSERT_NEAR(factor * pixels[i], sum, 4.0 * static_cast<double>(FLT_EPSILON) * sum) << band << " " << i;
     }
@@ -157,8 +162,9 @@ TEST(LuminescentSimulationTest, DataAreTheSumOfTheTruthInCountsAndRadiance)
         EXPECT_EQ(truth.names, (QStringList{QStringLiteral("TissueAF"), QStringLiteral("Click-Beetle Green Luciferase"),
                                             QStringLiteral("Click-Beetle Red Luciferase")}));
         EXPECT_EQ(truth.pairs.first(), QStringLiteral("Block,500"));
-        for (std::size_t j = 0; j < truth.spectra.front().size(); ++j)
+        for (std::size_t j = 0; j < truth.spectra.front().size(); ++j) {
             expectSum(simulated.image(static_cast<int>(j), unit), truth, j);
+        }
     }
     EXPECT_EQ(foldersOfTruth(simulated.path()), (QStringList{QStringLiteral("counts"), QStringLiteral("radiance")}));
 }
@@ -220,14 +226,16 @@ TEST(TransilluminationSimulationTest, EverySpotIsTheSumOfItsTruthInEveryUnit)
     Simulated simulated(options);
     ASSERT_EQ(simulated.sequence.getDatasets().size(), 12);
     for (const tag_edisplayunit unit :
-         {DISPLAYUNIT_COUNTS, DISPLAYUNIT_RADIANCE, DISPLAYUNIT_RADIANT_EFFICIENCY, DISPLAYUNIT_EFFICIENCY})
+         {DISPLAYUNIT_COUNTS, DISPLAYUNIT_RADIANCE, DISPLAYUNIT_RADIANT_EFFICIENCY, DISPLAYUNIT_EFFICIENCY}) {
         for (int spot = 0; spot < 3; ++spot) {
             const ReadTruth truth = simulated.truthOfSpot(unit, spot);
             ASSERT_EQ(truth.names.size(), 4);
             ASSERT_EQ(truth.pairs.size(), 4);
-            for (int j = 0; j < 4; ++j)
+            for (int j = 0; j < 4; ++j) {
                 expectSum(simulated.image(4 * spot + j, unit), truth, static_cast<std::size_t>(j));
+            }
         }
+    }
 }
 
 TEST(TransilluminationSimulationTest, EverySpotHasEveryPairAndSpotsLieApart)
@@ -240,16 +248,18 @@ TEST(TransilluminationSimulationTest, EverySpotHasEveryPairAndSpotsLieApart)
     for (int i = 0; i < 12; ++i) {
         const QString spot =
             simulated.luminescent(i, ClickKeys::kFLXSpot) + ',' + simulated.luminescent(i, ClickKeys::kFLYSpot);
-        if (!spots.contains(spot))
+        if (!spots.contains(spot)) {
             spots.append(spot);
+        }
         images.append(spot + ',' + simulated.luminescent(i, ClickKeys::kEmissionFilter));
     }
     EXPECT_EQ(spots.size(), 3);
     EXPECT_EQ(images.removeDuplicates(), 0);
     for (int count = 2; count <= ScanSpots::kMost; ++count) {
         const QList<ScanSpot> planned = ScanSpots::plan(count, MouseShape(1));
-        for (int i = 1; i < count; ++i)
+        for (int i = 1; i < count; ++i) {
             EXPECT_GT(std::hypot(planned.at(i).x - planned.at(i - 1).x, planned.at(i).y - planned.at(i - 1).y), 0.6);
+        }
     }
 }
 
@@ -397,8 +407,9 @@ TEST(CherenkovSimulationTest, DataAreTheSumOfTheTruthAsTheyStandAndCorrected)
     options.depthsMm = {2.0, 5.0};
     Simulated simulated(options);
     QVector<QString> clicks;
-    for (CORVDataset* pDataset : simulated.sequence.getDatasets())
+    for (CORVDataset* pDataset : simulated.sequence.getDatasets()) {
         clicks.append(pDataset->getClickNumber());
+    }
     QVector<double> factors;
     ASSERT_TRUE(simulated.sequence.calculateDecayCorrectFactor_CherenkovData(
         clicks, CORVDatabase::getCherenkovRADHalflife(QStringLiteral("F-18")), factors));
@@ -568,8 +579,9 @@ TEST_P(FullSimulationTest, HoldsEveryImageOfItsKind)
     CORVDataset* pFirst = simulated.sequence.getDatasets().first();
     for (const tag_eimagetype type :
          {IMAGETYPE_PHOTOGRAPH, IMAGETYPE_LUMINESCENT, IMAGETYPE_REFERENCE, IMAGETYPE_STRUCTURE, IMAGETYPE_XRAY,
-          IMAGETYPE_XRAY_PHOTOGRAPH, IMAGETYPE_MAIN_DATA})
+          IMAGETYPE_XRAY_PHOTOGRAPH, IMAGETYPE_MAIN_DATA}) {
         EXPECT_NE(pFirst->getCoreImage(type), nullptr) << "type " << type;
+    }
     EXPECT_EQ(pFirst->getCoreImage(IMAGETYPE_FLUORESCENT_REFERENCE) != nullptr, isFluorescent(GetParam()));
     EXPECT_TRUE(simulated.sequence.isSLASequence());
     EXPECT_TRUE(simulated.sequence.isCTSequence(false));
@@ -589,22 +601,25 @@ TEST_P(FullSimulationTest, HoldsFlagsSectionsAndRegions)
               QStringLiteral("first line\nsecond line: 100 % simulated"));
     for (const char* pSection :
          {"User Input", "Analysis User Input", "User Label Name Set", "Graph Controls", "photographic image",
-          "reference image", "structure image", "x-ray image", "x-ray photographic image", "main data image"})
+          "reference image", "structure image", "x-ray image", "x-ray photographic image", "main data image"}) {
         EXPECT_NE(pFirst->clickInfo[QString::fromLatin1(pSection)], nullptr) << pSection;
+    }
     CROIManager regions;
     regions.readROIData(pFirst->clickInfo);
     EXPECT_TRUE(regions.messages().isEmpty());
     ASSERT_EQ(regions.regions().size(), 4);
-    for (int shape = ROISHAPE_RECTANGLE; shape <= ROISHAPE_FREEHAND; ++shape)
+    for (int shape = ROISHAPE_RECTANGLE; shape <= ROISHAPE_FREEHAND; ++shape) {
         EXPECT_EQ(regions.regions().at(shape).shape, shape);
+    }
 }
 
 TEST_P(FullSimulationTest, LeavesTheDataAsTheyAre)
 {
     Simulated& plain = sequence(false);
     Simulated& full = sequence(true);
-    for (int i = 0; i < plain.sequence.getDatasets().size(); ++i)
+    for (int i = 0; i < plain.sequence.getDatasets().size(); ++i) {
         EXPECT_EQ(plain.image(i, DISPLAYUNIT_RADIANCE), full.image(i, DISPLAYUNIT_RADIANCE)) << i;
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(Kinds, FullSimulationTest, ::testing::ValuesIn(kKinds));
@@ -619,6 +634,7 @@ TEST(FullReferenceTest, ReferenceImageAgreesWithTheReferenceRadiance)
     Simulated full(options);
     const std::vector<double> expected = plain.image(1, DISPLAYUNIT_EFFICIENCY);
     const std::vector<double> found = full.image(1, DISPLAYUNIT_EFFICIENCY);
-    for (std::size_t i = 0; i < expected.size(); ++i)
+    for (std::size_t i = 0; i < expected.size(); ++i) {
         ASSERT_NEAR(found[i], expected[i], 1e-6 * expected[i]);
+    }
 }

@@ -32,7 +32,7 @@ TEST_P(MouseShapeTest, PhotographAboveAThresholdIsTheAnimal)
     double both = 0.0;
     double inPhotograph = 0.0;
     double inShape = 0.0;
-    for (int row = 0; row < kSide; ++row)
+    for (int row = 0; row < kSide; ++row) {
         for (int column = 0; column < kSide; ++column) {
             const bool bright = photograph.bytes()[row * kSide + column] > kThreshold;
             const bool inside = shape.at(place(column, kSide), place(row, kSide)).distance < 0.0;
@@ -40,6 +40,7 @@ TEST_P(MouseShapeTest, PhotographAboveAThresholdIsTheAnimal)
             inPhotograph += bright ? 1.0 : 0.0;
             inShape += inside ? 1.0 : 0.0;
         }
+    }
     EXPECT_GT(2.0 * both / (inPhotograph + inShape), 0.96);
     EXPECT_GT(inShape / (kSide * kSide), 0.10); // the animal fills a fair part of the field
     EXPECT_LT(inShape / (kSide * kSide), 0.40);
@@ -49,11 +50,12 @@ TEST_P(MouseShapeTest, AnimalLiesInsideTheField)
 {
     const MouseShape shape(static_cast<std::uint64_t>(GetParam()));
     constexpr double kRim = 0.5 * MouseShape::kFieldOfView - 0.3;
-    for (double t = -6.0; t <= 6.0; t += 0.05)
+    for (double t = -6.0; t <= 6.0; t += 0.05) {
         for (const double rim : {-kRim, kRim}) {
             EXPECT_GT(shape.at(t, rim).distance, 0.0);
             EXPECT_GT(shape.at(rim, t).distance, 0.0);
         }
+    }
     EXPECT_LT(shape.at(shape.spineShift(0.0), 0.0).distance, -1.0);
     EXPECT_EQ(shape.at(5.9, -5.9).height, 0.0);
 }
@@ -81,12 +83,14 @@ TEST(ScenePlanTest, SmallImagesAreMeansOfLargeOnes)
         double top = 0.0;
         std::vector<double> means(32 * 32, 0.0);
         for (std::size_t i = 0; i < means.size(); ++i) {
-            for (std::size_t j = 0; j < 16; ++j)
+            for (std::size_t j = 0; j < 16; ++j) {
                 means[i] += fine[k][(i / 32 * 4 + j / 4) * 128 + i % 32 * 4 + j % 4] / 16.0;
+            }
             top = std::max(top, means[i]);
         }
-        for (std::size_t i = 0; i < means.size(); ++i)
+        for (std::size_t i = 0; i < means.size(); ++i) {
             ASSERT_NEAR(coarse[k][i], means[i] / top, 1e-9) << "component " << k << " pixel " << i;
+        }
     }
 }
 

@@ -43,9 +43,11 @@ QList<FilterPair> pairsFor(int count, const QStringList& names = SimulationOptio
 QList<int> excitationsFor(int count, const char* pProbe)
 {
     QList<int> excitations;
-    for (const FilterPair& pair : pairsFor(count, {QString::fromLatin1(pProbe)}))
-        if (!excitations.contains(pair.excitation))
+    for (const FilterPair& pair : pairsFor(count, {QString::fromLatin1(pProbe)})) {
+        if (!excitations.contains(pair.excitation)) {
             excitations.append(pair.excitation);
+        }
+    }
     return excitations;
 }
 

@@ -51,8 +51,9 @@ TEST_P(PoissonTest, MeanAndVarianceAreTheMean)
 TEST_P(PoissonTest, ShareOfEachCountIsItsProbability)
 {
     const double mean = GetParam();
-    if (mean > 200.0)
+    if (mean > 200.0) {
         return; // single counts are too rare to tell
+    }
     RandomStream random(11, 2);
     std::vector<int> seen(1000, 0);
     for (int i = 0; i < kDraws; ++i) {
@@ -74,8 +75,9 @@ INSTANTIATE_TEST_SUITE_P(Means, PoissonTest,
 TEST(RandomStreamTest, MeanThatIsNotAboveZeroGivesZero)
 {
     RandomStream random(1, 1);
-    for (const double mean : {0.0, -3.0, std::numeric_limits<double>::quiet_NaN()})
+    for (const double mean : {0.0, -3.0, std::numeric_limits<double>::quiet_NaN()}) {
         EXPECT_EQ(random.poisson(mean), 0.0);
+    }
 }
 
 TEST(RandomStreamTest, NormalHasMeanZeroAndVarianceOne)
@@ -112,8 +114,9 @@ TEST(LogFactorialTest, AgreesWithTheSumOfLogarithms)
 {
     double sum = 0.0;
     for (int k = 0; k < 300; ++k) {
-        if (k > 0)
+        if (k > 0) {
             sum += std::log(k);
+        }
         EXPECT_NEAR(logFactorial(k), sum, 1e-9 * (1.0 + sum)) << k;
     }
 }

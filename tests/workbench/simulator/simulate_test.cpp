@@ -47,21 +47,25 @@ std::vector<double> solveSmall(std::vector<std::vector<double>> a, std::vector<d
     const std::size_t n = b.size();
     for (std::size_t i = 0; i < n; ++i) {
         std::size_t pivot = i;
-        for (std::size_t row = i + 1; row < n; ++row)
-            if (std::fabs(a[row][i]) > std::fabs(a[pivot][i]))
+        for (std::size_t row = i + 1; row < n; ++row) {
+            if (std::fabs(a[row][i]) > std::fabs(a[pivot][i])) {
                 pivot = row;
+            }
+        }
         std::swap(a[i], a[pivot]);
         std::swap(b[i], b[pivot]);
         for (std::size_t row = i + 1; row < n; ++row) {
             const double factor = a[row][i] / a[i][i];
-            for (std::size_t column = i; column < n; ++column)
+            for (std::size_t column = i; column < n; ++column) {
                 a[row][column] -= factor * a[i][column];
+            }
             b[row] -= factor * b[i];
         }
     }
     for (std::size_t i = n; i-- > 0;) {
-        for (std::size_t column = i + 1; column < n; ++column)
+        for (std::size_t column = i + 1; column < n; ++column) {
             b[i] -= a[i][column] * b[column];
+        }
         b[i] /= a[i][i];
     }
     return b;
@@ -72,19 +76,25 @@ std::vector<std::vector<double>> fitMaps(const std::vector<std::vector<double>>&
 {
     const std::size_t count = truth.spectra.size();
     std::vector<std::vector<double>> gram(count, std::vector<double>(count, 0.0));
-    for (std::size_t a = 0; a < count; ++a)
-        for (std::size_t b = 0; b < count; ++b)
-            for (std::size_t j = 0; j < images.size(); ++j)
+    for (std::size_t a = 0; a < count; ++a) {
+        for (std::size_t b = 0; b < count; ++b) {
+            for (std::size_t j = 0; j < images.size(); ++j) {
                 gram[a][b] += truth.spectra[a][j] * truth.spectra[b][j];
+            }
+        }
+    }
     std::vector<std::vector<double>> maps(count, std::vector<double>(images.front().size()));
     for (std::size_t i = 0; i < images.front().size(); ++i) {
         std::vector<double> right(count, 0.0);
-        for (std::size_t a = 0; a < count; ++a)
-            for (std::size_t j = 0; j < images.size(); ++j)
+        for (std::size_t a = 0; a < count; ++a) {
+            for (std::size_t j = 0; j < images.size(); ++j) {
                 right[a] += truth.spectra[a][j] * images[j][i];
+            }
+        }
         const std::vector<double> solution = solveSmall(gram, right);
-        for (std::size_t a = 0; a < count; ++a)
+        for (std::size_t a = 0; a < count; ++a) {
             maps[a][i] = solution[a];
+        }
     }
     return maps;
 }
@@ -96,8 +106,9 @@ std::vector<std::vector<double>> readImages(CORVSequenceDataset& sequence, tag_e
         CILImage image;
         EXPECT_EQ(pDataset->getCalibratedLuminImage(eUnit, &image, QStringLiteral("test")), ESTATUS_SUCCESS);
         std::vector<double> pixels(image.pixelCount());
-        for (std::size_t i = 0; i < pixels.size(); ++i)
+        for (std::size_t i = 0; i < pixels.size(); ++i) {
             pixels[i] = image.value(i);
+        }
         images.push_back(pixels);
     }
     return images;
@@ -117,8 +128,9 @@ protected:
         options.noise = false;
         options.gain = 2.0;
         options.exposuresSeconds.clear();
-        for (int i = 0; i < options.bands; ++i)
+        for (int i = 0; i < options.bands; ++i) {
             options.exposuresSeconds.append(0.5 + 0.25 * (i % 4));
+        }
         mustSimulate(s_pFolder->path(QStringLiteral("exact")), options);
         s_pSequence = new CORVSequenceDataset;
         QString error;
@@ -147,15 +159,17 @@ TEST_F(ExactSimulationTest, DataAreTheSumOfTrueMapsTimesTrueSpectraInEveryUnit)
         ASSERT_EQ(truth.names.size(), 4);
         const auto images = readImages(*s_pSequence, unit);
         ASSERT_EQ(images.size(), truth.spectra.front().size());
-        for (std::size_t j = 0; j < images.size(); ++j)
+        for (std::size_t j = 0; j < images.size(); ++j) {
             for (std::size_t i = 0; i < images[j].size(); ++i) {
                 double sum = 0.0;
-                for (std::size_t k = 0; k < truth.maps.size(); ++k)
+                for (std::size_t k = 0; k < truth.maps.size(); ++k) {
                     sum += truth.maps[k][i] * truth.spectra[k][j];
+                }
                 // The stored image, the converted image and each map are rounded to floats once.
                 ASSERT_NEAR(images[j][i], sum, 2.0 * static_cast<double>(FLT_EPSILON) * sum)
                     << "unit " << unit << " band " << j << " pixel " << i;
             }
+        }
     }
 }
 
@@ -180,8 +194,9 @@ TEST_F(ExactSimulationTest, TrueSpectraHaveMaximumOneAndTheSequencesPairs)
 TEST_F(ExactSimulationTest, BrightestPixelHoldsTheElectronsAskedFor)
 {
     double top = 0.0;
-    for (const auto& image : readImages(*s_pSequence, DISPLAYUNIT_COUNTS))
+    for (const auto& image : readImages(*s_pSequence, DISPLAYUNIT_COUNTS)) {
         top = std::max(top, image[indexOfMaximum(image)]);
+    }
     EXPECT_NEAR(top, 20000.0 / 2.0, 1e-6 * 10000.0); // two electrons a count
 }
 
@@ -266,9 +281,10 @@ TEST(SimulateTest, DefaultNoiseLeavesTheProbesToBeFound)
     for (const tag_edisplayunit unit : {DISPLAYUNIT_COUNTS, DISPLAYUNIT_RADIANT_EFFICIENCY}) {
         const ReadTruth truth(path, unit);
         const auto maps = fitMaps(readImages(sequence, unit), truth);
-        for (std::size_t k = 0; k < maps.size(); ++k)
+        for (std::size_t k = 0; k < maps.size(); ++k) {
             EXPECT_GT(correlation(maps[k], truth.maps[k]), 0.95)
                 << qPrintable(truth.names.at(int(k))) << " unit " << unit;
+        }
     }
 }
 
@@ -306,12 +322,15 @@ TEST(SimulateTest, MixedBinningGathersFourPixelsIntoOneAndKeepsTheRadiance)
         EXPECT_EQ(sequence.getDatasets().at(static_cast<int>(j))->getBinningForImage(IMAGETYPE_MAIN_DATA),
                   j < 2 ? 8.0F : 4.0F);
         double mean = 0.0;
-        for (const double value : images[j])
+        for (const double value : images[j]) {
             mean += value / static_cast<double>(pixels);
+        }
         double expected = 0.0;
-        for (std::size_t k = 0; k < truth.maps.size(); ++k)
-            for (const double value : truth.maps[k])
+        for (std::size_t k = 0; k < truth.maps.size(); ++k) {
+            for (const double value : truth.maps[k]) {
                 expected += value * truth.spectra[k][j] / static_cast<double>(64 * 64);
+            }
+        }
         EXPECT_NEAR(mean, expected, 0.01 * expected); // noise of the mean is a few parts in a thousand
     }
 }
@@ -331,8 +350,9 @@ TEST_P(SimulateSizes, AreWritten)
     CORVSequenceDataset sequence;
     ASSERT_EQ(sequence.open(folder.path(QStringLiteral("seq"))), ESTATUS_SUCCESS);
     ASSERT_EQ(sequence.getDatasets().size(), 2);
-    for (const auto& image : readImages(sequence, DISPLAYUNIT_COUNTS))
+    for (const auto& image : readImages(sequence, DISPLAYUNIT_COUNTS)) {
         EXPECT_EQ(image.size(), static_cast<std::size_t>(options.size * options.size));
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(SmallestAndOdd, SimulateSizes, ::testing::Values(16, 17, 45, 101));
@@ -354,8 +374,9 @@ TEST(SimulateTest, StoppingAtAnyMomentLeavesNothing)
             },
             &error);
         EXPECT_TRUE(error.isEmpty()) << qPrintable(error);
-        if (done)
+        if (done) {
             break;
+        }
         EXPECT_TRUE(folder.entries().isEmpty()) << qPrintable(folder.entries().join(QLatin1Char(' ')));
     }
     EXPECT_GE(calls, 12);

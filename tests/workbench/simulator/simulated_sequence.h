@@ -90,8 +90,9 @@ struct ReadTruth
                 spectra.resize(static_cast<std::size_t>(names.size()));
             } else if (fields.first() != QLatin1String("$")) {
                 pairs.append(fields.mid(0, 2).join(QLatin1Char(',')));
-                for (std::size_t k = 0; k < spectra.size(); ++k)
+                for (std::size_t k = 0; k < spectra.size(); ++k) {
                     spectra[k].push_back(fields.at(static_cast<int>(k) + 2).toDouble());
+                }
             }
         }
         for (const QString& name : names) {
@@ -99,8 +100,9 @@ struct ReadTruth
             QString error;
             EXPECT_TRUE(readTiff(folder + QLatin1Char('/') + fileOfName(name), 0, image, &error)) << qPrintable(error);
             std::vector<double> map(image.pixelCount());
-            for (std::size_t i = 0; i < map.size(); ++i)
+            for (std::size_t i = 0; i < map.size(); ++i) {
                 map[i] = image.value(i);
+            }
             maps.push_back(map);
         }
     }

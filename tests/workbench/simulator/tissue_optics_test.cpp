@@ -35,8 +35,9 @@ Colour colourAt(double depthMm)
     component.source = probes.first();
     component.depthMm = depthMm;
     QList<FilterPair> pairs;
-    for (int emission = 600; emission <= 740; emission += 20) // where blood lets the red through
+    for (int emission = 600; emission <= 740; emission += 20) { // where blood lets the red through
         pairs.append({570, emission});
+    }
     SimulationOptions options;
     options.bands = pairs.size();
     const std::vector<double> spectrum = componentSpectrum(component, muscle(), planBands(options, pairs, QString()));
@@ -57,7 +58,7 @@ double spreadAt(double depthMm, double* pTotal)
     constexpr double kStep = 0.05;
     double total = 0.0;
     double square = 0.0;
-    for (int i = -120; i < 120; ++i)
+    for (int i = -120; i < 120; ++i) {
         for (int j = -120; j < 120; ++j) {
             const double x = (j + 0.5) * kStep;
             const double y = (i + 0.5) * kStep;
@@ -66,6 +67,7 @@ double spreadAt(double depthMm, double* pTotal)
             total += value;
             square += value * (x * x + y * y);
         }
+    }
     *pTotal = total * kStep * kStep;
     return square / total;
 }
