@@ -17,8 +17,8 @@ namespace {
 
 using Mask = PassiveSetCache::Mask;
 
-// Rounding of a dual per component, relative to the sum of the magnitudes of c: an element of the operator carries a few
-// roundings for every component that was taken out, and the product one more each. A dual up to this is zero.
+// Rounding of a dual per component, relative to the sum of the magnitudes of c: an element of the operator carries a
+// few roundings for every component that was taken out, and the product one more each. A dual up to this is zero.
 constexpr double dualRounding = 4 * std::numeric_limits<double>::epsilon();
 
 // Range of magnitudes in which products neither overflow nor lose digits to underflow.

@@ -12,8 +12,8 @@ Matrix<double> solveForLeft(const Matrix<double>& A, const Matrix<double>& B);
 // X with X A close to B in the least-squares sense: the transpose of solveForLeft(transpose(A), transpose(B)). B holds
 // one right-hand side a row (pixels x bands), A is K x bands, X pixels x K. One small factorisation of A and one pass
 // over the rows of B on all threads; B is neither copied nor transposed. Passes cancellation points. An empty result
-// tells failure: sizes that do not fit, an empty B, and an A with which solveForLeft fails. A row of B that is not finite
-// spoils its own row of X and no other: one dead pixel does not cost the image.
+// tells failure: sizes that do not fit, an empty B, and an A with which solveForLeft fails. A row of B that is not
+// finite spoils its own row of X and no other: one dead pixel does not cost the image.
 Matrix<double> solveForRight(const Matrix<double>& B, const Matrix<double>& A);
 
 // The operator of solveForRight: G (bands x K) with X = B G, from the orthogonal factorisation of transpose(A) applied

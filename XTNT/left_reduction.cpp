@@ -14,8 +14,8 @@ namespace XTNT {
 
 namespace {
 
-// A sum of squares below this has lost digits to underflow. A column of a block that is so small is nothing beside a column
-// in range.
+// A sum of squares below this has lost digits to underflow. A column of a block that is so small is nothing beside a
+// column in range.
 constexpr double smallestSquares = 1e-280;
 constexpr double smallestNorm = 1e-120;
 constexpr double largestNorm = 1e120;
@@ -130,8 +130,8 @@ void sumOverRows(const SumKernel* kernels, const Strip& strip, const double* y, 
     }
 }
 
-// Sum of the squares of strip[i][j] - sum over k of y[k * blockRows + i] * w[k * wStride + j], in lanes. Four rows at a time; y is zero
-// beyond the rows, and a row that is missing is read as the last one and not counted.
+// Sum of the squares of strip[i][j] - sum over k of y[k * blockRows + i] * w[k * wStride + j], in lanes. Four rows at a
+// time; y is zero beyond the rows, and a row that is missing is read as the last one and not counted.
 template <bool wide>
 Lanes restOfStrip(const Strip& strip, const double* __restrict y, const double* __restrict w, long long wStride,
                   long long components)
@@ -197,8 +197,9 @@ public:
     {
     }
 
-    // Makes [triangle; C] upper triangular by an orthogonal transformation, for at most blockRows rows, and applies that to
-    // [head; D]. `triangle` is K x K and `head` K x N, row by row. Returns the sum of the squares of what becomes of D.
+    // Makes [triangle; C] upper triangular by an orthogonal transformation, for at most blockRows rows, and applies
+    // that to [head; D]. `triangle` is K x K and `head` K x N, row by row. Returns the sum of the squares of what
+    // becomes of D.
     double absorb(const Matrix<double>& C, const Matrix<double>& D, long long begin, long long end, double* triangle,
                   double* head)
     {
@@ -230,8 +231,8 @@ private:
         }
     }
 
-    // The reflection that takes column k of the panel into the triangle's diagonal: it leaves the rows of the triangle but k
-    // alone. Its vector, 1 in row k, stays in the panel.
+    // The reflection that takes column k of the panel into the triangle's diagonal: it leaves the rows of the triangle
+    // but k alone. Its vector, 1 in row k, stays in the panel.
     void reflect(long long k, double* triangle)
     {
         double* row = triangle + k * m_components;
@@ -281,8 +282,8 @@ private:
         }
     }
 
-    // Calls work(strip, first column, whether it has two vectors) for the strips of the block's data. What the vectors do not fill is
-    // copied, so that no row is read beyond its end.
+    // Calls work(strip, first column, whether it has two vectors) for the strips of the block's data. What the vectors
+    // do not fill is copied, so that no row is read beyond its end.
     template <class Work>
     void forStrips(const Matrix<double>& D, long long begin, long long end, Work work)
     {
@@ -313,7 +314,8 @@ private:
         });
     }
 
-    // Turns the products into W = T' (head + Y' D), and takes W off the head. From the last row up, as row k needs those above.
+    // Turns the products into W = T' (head + Y' D), and takes W off the head. From the last row up, as row k needs
+    // those above.
     void updateHead(double* head)
     {
         for (long long k = 0; k < m_components; ++k) {

@@ -9,22 +9,23 @@
 
 namespace XTNT {
 
-// The least-squares problems min |C s - d| for the columns d of D (M x N), all with one tall C (M x K), brought to K rows: with
-// C = Q R, Q orthonormal and R upper triangular,
+// The least-squares problems min |C s - d| for the columns d of D (M x N), all with one tall C (M x K), brought to K
+// rows: with C = Q R, Q orthonormal and R upper triangular,
 //
 //   |C s - d|^2 = |R s - Q' d|^2 + |rest of d outside the range of C|^2   for every s,
 //
-// so R, Q' D and the norm of the rest answer everything about the spectra that belong to C, constrained or not. Householder
-// reflections, block of rows after block of rows (J. Demmel, L. Grigori, M. Hoemmen, J. Langou, Communication-optimal parallel
-// and sequential QR and LU factorizations, 2012), in compact form (R. Schreiber, C. Van Loan, A storage-efficient WY
-// representation for products of Householder transformations, 1989): the data are read where they lie, twice a block, and no
-// Gram matrix is formed, so a nearly dependent C loses no more digits than it must and the rest does not cancel.
+// so R, Q' D and the norm of the rest answer everything about the spectra that belong to C, constrained or not.
+// Householder reflections, block of rows after block of rows (J. Demmel, L. Grigori, M. Hoemmen, J. Langou,
+// Communication-optimal parallel and sequential QR and LU factorizations, 2012), in compact form (R. Schreiber, C. Van
+// Loan, A storage-efficient WY representation for products of Householder transformations, 1989): the data are read
+// where they lie, twice a block, and no Gram matrix is formed, so a nearly dependent C loses no more digits than it
+// must and the rest does not cancel.
 //
-// A zero or dependent column of C leaves a singular R and is otherwise no trouble. Elements that are not finite spoil what they
-// meet. Elements of C below about 1e-140 count as zero and those above 1e140 overflow: see inRange().
+// A zero or dependent column of C leaves a singular R and is otherwise no trouble. Elements that are not finite spoil
+// what they meet. Elements of C below about 1e-140 count as zero and those above 1e140 overflow: see inRange().
 //
-// Each chunk of passChunkRows(M) rows has a partial result of its own and they are folded in order: the same bits whatever the number
-// of threads.
+// Each chunk of passChunkRows(M) rows has a partial result of its own and they are folded in order: the same bits
+// whatever the number of threads.
 class LeftReduction
 {
 public:
@@ -53,8 +54,8 @@ public:
     // Sum of the squares of what D has outside the range of C.
     double restSquares() const { return m_rests[0]; }
 
-    // Whether the columns of C had magnitudes with which the above is right: norms between 1e-120 and 1e120. A zero column is not in range:
-    // it cannot be told from a tiny one.
+    // Whether the columns of C had magnitudes with which the above is right: norms between 1e-120 and 1e120. A zero
+    // column is not in range: it cannot be told from a tiny one.
     bool inRange() const;
 
 private:

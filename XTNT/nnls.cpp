@@ -211,8 +211,8 @@ void ActiveSet::solveTriangle()
     }
 }
 
-// The longest step from x towards zz that keeps the positive set feasible, and the place of the variable that blocks it;
-// noBlock when none does.
+// The longest step from x towards zz that keeps the positive set feasible, and the place of the variable that blocks
+// it; noBlock when none does.
 double ActiveSet::blockedStep(int& place) const
 {
     double step = noBlock;

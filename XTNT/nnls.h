@@ -11,7 +11,8 @@ namespace XTNT {
 //   b      m elements. Overwritten by the transformed right-hand side.
 //   x      n elements, out: the solution.
 //   rnorm  out: |A x - b|.
-//   w      n elements, out: the dual A'(b - A x), not above 0 (within rounding) for variables at zero, 0 for the others and for
+//   w      n elements, out: the dual A'(b - A x), not above 0 (within rounding) for variables at zero, 0 for the others
+//   and for
 //          variables that were refused as dependent.
 //   zz     m elements of work space.
 //   index  n elements, out: first the variables of the positive set, then those at zero.

@@ -332,10 +332,10 @@ public:
         return result;
     }
 
-    // X (N x B.N) that minimises the Frobenius norm of A X - B, where this is A (M x N, M not equal to N in any use) and
-    // B has M rows. Orthogonal factorisation with column pivoting; a tall A is reduced block by block, so that memory
-    // beyond A, B and X is a few small blocks. A rank-deficient or wide A gives the solution of smallest norm. A and B
-    // are left alone. Empty result: sizes that do not fit, an empty A or B, an element that is not finite.
+    // X (N x B.N) that minimises the Frobenius norm of A X - B, where this is A (M x N, M not equal to N in any use)
+    // and B has M rows. Orthogonal factorisation with column pivoting; a tall A is reduced block by block, so that
+    // memory beyond A, B and X is a few small blocks. A rank-deficient or wide A gives the solution of smallest norm. A
+    // and B are left alone. Empty result: sizes that do not fit, an empty A or B, an element that is not finite.
     // Defined for double only, in the mathematics library.
     Matrix lssolve(const Matrix& B) const;
 

@@ -13,8 +13,8 @@ namespace XTNT {
 // cancellationPoint() and must not start another parallel pass. count < 1 does nothing; grain < 1 counts as 1.
 void parallelChunks(long long count, long long grain, const std::function<void(long long begin, long long end)>& body);
 
-// Opens and closes the door for thread cancellation: a worker that was told to terminate ends here, by an unwinding that
-// looks like an exception (abi::__forced_unwind) and must not be swallowed. On any other thread it does nothing of
+// Opens and closes the door for thread cancellation: a worker that was told to terminate ends here, by an unwinding
+// that looks like an exception (abi::__forced_unwind) and must not be swallowed. On any other thread it does nothing of
 // note. Never to be called inside a parallel body, a destructor or a noexcept function.
 void cancellationPoint();
 

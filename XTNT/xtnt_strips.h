@@ -76,9 +76,9 @@ inline void sumNarrowStrip(const double* const* rows, long long n, const double*
 
 } // namespace detail
 
-// Four rows of n elements against the columns of an n by `paddedColumns` matrix: results[r * paddedColumns + j] is the sum
-// over i, in order, of what add(sum, rows[r][i], matrix[i][j]) adds for four j at once. `packed` holds the matrix strip after
-// strip (stripWidth), each row by row.
+// Four rows of n elements against the columns of an n by `paddedColumns` matrix: results[r * paddedColumns + j] is the
+// sum over i, in order, of what add(sum, rows[r][i], matrix[i][j]) adds for four j at once. `packed` holds the matrix
+// strip after strip (stripWidth), each row by row.
 template <class Add>
 inline void sumStrips(const double* const* rows, long long n, const double* packed, long long paddedColumns,
                       double* __restrict results, Add add)

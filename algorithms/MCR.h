@@ -12,8 +12,8 @@
 #include <memory>
 #include <ostream>
 
-// Multivariate curve resolution by alternating least squares (R. Tauler, Multivariate curve resolution applied to second
-// order data, 1995): D (M x N, a row a pixel, a column a band) is resolved into C (M x K) times S (K x N) under
+// Multivariate curve resolution by alternating least squares (R. Tauler, Multivariate curve resolution applied to
+// second order data, 1995): D (M x N, a row a pixel, a column a band) is resolved into C (M x K) times S (K x N) under
 // constraints. One object serves one run:
 //
 //   setData, setComponents, setters, the plain members, run; then conc and spec.
@@ -46,23 +46,25 @@ public:
     // The same on the caller's buffer, row by row, which is not copied and must outlive the object.
     int setData(double* buffer, long long rows, long long columns);
 
-    // Number of components. 1: more than bands or pixels; 2, and lastError is 2: more than the rank of the data; 3: fewer
-    // than 2. Otherwise sizes the members, makes the first estimate and gives lastError (3 for an estimate with a zero
-    // spectrum). Passes cancellation points.
+    // Number of components. 1: more than bands or pixels; 2, and lastError is 2: more than the rank of the data; 3:
+    // fewer than 2. Otherwise sizes the members, makes the first estimate and gives lastError (3 for an estimate with a
+    // zero spectrum). Passes cancellation points.
     int setComponents(int k);
 
-    // Fills knownSpectrumState with `state`. State 0 also clusters the pixels into K groups and takes the groups' mean rows as
-    // first spectra, normalised and sorted; a zero mean row leaves lastError 3.
+    // Fills knownSpectrumState with `state`. State 0 also clusters the pixels into K groups and takes the groups' mean
+    // rows as first spectra, normalised and sorted; a zero mean row leaves lastError 3.
     void computeInitialEstimate(int state);
 
     // --- setters -----------------------------------------------------------------------------------------------------
 
-    // Makes `spectrum` (N values, as they are) row `component` of the first estimate. The estimate that resembles it most by
-    // correlation gives way: its row takes what stood in row `component`, unless it holds a known spectrum itself; then the next best
-    // is tried. Switches autoSorting and forceAF off. False for a wrong component or length, and when every row is taken.
+    // Makes `spectrum` (N values, as they are) row `component` of the first estimate. The estimate that resembles it
+    // most by correlation gives way: its row takes what stood in row `component`, unless it holds a known spectrum
+    // itself; then the next best is tried. Switches autoSorting and forceAF off. False for a wrong component or length,
+    // and when every row is taken.
     bool setKnownSpectrum(int component, XTNT::Vector<double> spectrum);
 
-    // Which bands exist on the grid of secondary (rows) by primary (columns) values: ones and zeros. 1 when they are not N.
+    // Which bands exist on the grid of secondary (rows) by primary (columns) values: ones and zeros. 1 when they are
+    // not N.
     int setTopology(const XTNT::Matrix<int>& layout);
 
     // which: 0 concentrations, 1 spectra (1 for any other). mode: 0 none, 1 clamp, 2 non-negative least squares.
@@ -79,27 +81,27 @@ public:
     int setWeights(const XTNT::Matrix<double>& values);
     // Refused without weights of the right size.
     int setWeightingMode(int mode);
-    // Forces bands of a spectrum to zero once the warm-up is over: in every row of the topology those up to column `band`
-    // (kind 0, high pass) or from it on (kind 1, low pass), the column itself included. Marks stay.
+    // Forces bands of a spectrum to zero once the warm-up is over: in every row of the topology those up to column
+    // `band` (kind 0, high pass) or from it on (kind 1, low pass), the column itself included. Marks stay.
     bool setBandCutoff(unsigned kind, int component, int band);
     bool setLocked(int component, unsigned char locked);
-    // Keeps a component to the first pixels, as many as the list is long: required so, whatever pixels it names. False when the
-    // component is out of range, or when the list both begins below 0 and ends beyond the last pixel.
+    // Keeps a component to the first pixels, as many as the list is long: required so, whatever pixels it names. False
+    // when the component is out of range, or when the list both begins below 0 and ends beyond the last pixel.
     bool setSolutionMask(int component, const XTNT::Vector<int>& pixels);
     // At the listed pixels every other component is zero. Checks as above; a pixel outside the image is passed over.
     bool setPureMask(int component, const XTNT::Vector<int>& pixels);
 
     // --- run ---------------------------------------------------------------------------------------------------------
 
-    // 0 converged or fit good enough, 1 divergence, 2 iteration limit reached, 3 degenerate estimate (lastError is 3; the residuals
-    // and lacks of fit keep their old values). Writes a trace of the iterations to `out`. NaNs are not tested for: they travel
-    // through to the limit. Passes cancellation points.
+    // 0 converged or fit good enough, 1 divergence, 2 iteration limit reached, 3 degenerate estimate (lastError is 3;
+    // the residuals and lacks of fit keep their old values). Writes a trace of the iterations to `out`. NaNs are not
+    // tested for: they travel through to the limit. Passes cancellation points.
     int run(std::ostream& out);
 
     Ending ending() const { return m_ending; }
 
-    // Solves every half-step as a textbook has it, with whole-matrix operations and one solver call a row or column: the
-    // reference for the faster passes.
+    // Solves every half-step as a textbook has it, with whole-matrix operations and one solver call a row or column:
+    // the reference for the faster passes.
     void usePlainPath(bool plain) { m_plain = plain; }
 
     long long nComponents = 0; // K

@@ -124,8 +124,8 @@ bool MCR::solveConcentrationsPlainly()
     return !conc.empty();
 }
 
-// Fits, corrects and, where nothing else changes the concentrations before the spectra are solved, reduces each block of
-// rows while it is in the cache.
+// Fits, corrects and, where nothing else changes the concentrations before the spectra are solved, reduces each block
+// of rows while it is in the cache.
 bool MCR::solveConcentrationsInOnePass(bool bSpectraFollow)
 {
     const Matrix<double> solution = XTNT::rightSolutionOperator(spec);

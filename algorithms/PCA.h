@@ -4,22 +4,22 @@
 #include "XTNT/xtnt_matrix.h"
 #include "XTNT/xtnt_vector.h"
 
-// Principal component analysis by singular value decomposition: x, pre-processed, is U S V'. The matrices are m x n with
-// many more rows than columns; U is the largest object.
+// Principal component analysis by singular value decomposition: x, pre-processed, is U S V'. The matrices are m x n
+// with many more rows than columns; U is the largest object.
 class PCA
 {
 public:
     PCA() = default;
     virtual ~PCA() = default;
 
-    // Decomposes a copy of x (m x n). mode 1 scales each column to mean 0 and standard deviation 1 (denominator m - 1; the
-    // plain root of the sum of squares with one row), a constant column without guard; mode 2 subtracts the column means; any other
-    // mode takes x as it is. 1 on success; 0 for an empty x, and no member changes. Elements that are not finite go in unchecked:
-    // rank is 0 then and the members hold NaNs. Passes cancellation points.
+    // Decomposes a copy of x (m x n). mode 1 scales each column to mean 0 and standard deviation 1 (denominator m - 1;
+    // the plain root of the sum of squares with one row), a constant column without guard; mode 2 subtracts the column
+    // means; any other mode takes x as it is. 1 on success; 0 for an empty x, and no member changes. Elements that are
+    // not finite go in unchecked: rank is 0 then and the members hold NaNs. Passes cancellation points.
     int decompose(const XTNT::Matrix<double>& x, unsigned mode);
 
-    // out becomes the approximation of rank min(rank, k) of the pre-processed matrix, of the size of x; returned. Passes
-    // cancellation points.
+    // out becomes the approximation of rank min(rank, k) of the pre-processed matrix, of the size of x; returned.
+    // Passes cancellation points.
     XTNT::Matrix<double>& reconstruct(XTNT::Matrix<double>& out, int k) const;
 
     // The squares of the singular values, descending, n of them; empty before a decomposition.
@@ -29,8 +29,8 @@ public:
     // A share of V.
     XTNT::Matrix<double> loadings() const;
 
-    // The smallest number of components whose share of the eigenvalues' total is at least `fraction`; the rank when none
-    // reaches it, when the total is 0 and when the fraction is outside 0 to 1.
+    // The smallest number of components whose share of the eigenvalues' total is at least `fraction`; the rank when
+    // none reaches it, when the total is 0 and when the fraction is outside 0 to 1.
     int suggestComponents(double fraction) const;
 
     int rank = 0;           // singular values above max(m, n) times the largest times 2^-52

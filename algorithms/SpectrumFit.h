@@ -4,8 +4,8 @@
 #include "XTNT/xtnt_matrix.h"
 #include "XTNT/xtnt_vector.h"
 
-// The spectra that belong to given concentrations: everything of an iteration that asks C (M x K) and the data D (M x N)
-// together. C and D stay as they are while an object of this kind is in use, but for reorder().
+// The spectra that belong to given concentrations: everything of an iteration that asks C (M x K) and the data D (M x
+// N) together. C and D stay as they are while an object of this kind is in use, but for reorder().
 class SpectrumFit
 {
 public:
@@ -20,9 +20,9 @@ public:
     // The s >= 0 (K values) that minimises |C s - column `band` of D|.
     virtual XTNT::Vector<double> nonNegative(long long band) = 0;
 
-    // With the components `fixed` taken from `spec` (K x N): the spectra of the components `free` at `bands`, as a matrix of
-    // free rows and band columns, by least squares; a column with a negative element is replaced by its non-negative
-    // solution. Empty when the least squares fail. Both lists are ascending and not empty.
+    // With the components `fixed` taken from `spec` (K x N): the spectra of the components `free` at `bands`, as a
+    // matrix of free rows and band columns, by least squares; a column with a negative element is replaced by its
+    // non-negative solution. Empty when the least squares fail. Both lists are ascending and not empty.
     virtual XTNT::Matrix<double> refit(const XTNT::Vector<long long>& free, const XTNT::Vector<long long>& fixed,
                                        const XTNT::Vector<long long>& bands, const XTNT::Matrix<double>& spec) = 0;
 

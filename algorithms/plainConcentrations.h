@@ -10,7 +10,7 @@
 XTNT::Matrix<double> plainConcentrations(const XTNT::Matrix<double>& data, const XTNT::Matrix<double>& spec,
                                          bool trace);
 
-// Replaces each row of conc that has an element below 0 by its non-negative least-squares solution. Rows without stay as they
-// are, even where the solver would return something else.
+// Replaces each row of conc that has an element below 0 by its non-negative least-squares solution. Rows without stay
+// as they are, even where the solver would return something else.
 void makeRowsNonNegative(const XTNT::Matrix<double>& data, const XTNT::Matrix<double>& spec, XTNT::Matrix<double>& conc,
                          bool trace);

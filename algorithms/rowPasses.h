@@ -11,7 +11,8 @@ namespace rowpass {
 // Euclidean norm of each row; a NaN counts as 0, as in Vector::clampedSqrt.
 XTNT::Vector<double> rowNorms(const XTNT::Matrix<double>& a);
 
-// Frobenius norm. Partial sums over chunks of rows; a sum that leaves the range of normal numbers is taken again by Matrix::norm.
+// Frobenius norm. Partial sums over chunks of rows; a sum that leaves the range of normal numbers is taken again by
+// Matrix::norm.
 double frobeniusNorm(const XTNT::Matrix<double>& a);
 
 // Multiplies, or divides, the elements of row i by factors[i], without guard. In place, so every share sees it.

@@ -13,8 +13,9 @@ enum Mode
     WideAverage = 4
 };
 
-// Averaging goes back over what it changed, and over again: with a tolerance of a few percent some hundred steps an element at
-// most, but without any tolerance each further element multiplies the steps. A walk that takes longer than this stays as it is.
+// Averaging goes back over what it changed, and over again: with a tolerance of a few percent some hundred steps an
+// element at most, but without any tolerance each further element multiplies the steps. A walk that takes longer than
+// this stays as it is.
 constexpr long long stepsPerElement = 4096;
 constexpr long long stepsAtLeast = 1LL << 24;
 
@@ -74,8 +75,8 @@ private:
 
     long long average(long long i, long long other, double cur)
     {
-        // Behind an element below zero comes a zero, and whatever rises behind that is halved each time the walk goes over
-        // the pair again, until nothing is left of it.
+        // Behind an element below zero comes a zero, and whatever rises behind that is halved each time the walk goes
+        // over the pair again, until nothing is left of it.
         const bool worksOff = m_mode == Average && m_fallenBelowZero;
         if (!(cur >= 0) || !inside(other) || worksOff) {
             m_fallenBelowZero = m_fallenBelowZero || cur < 0;

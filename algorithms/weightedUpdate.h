@@ -3,9 +3,9 @@
 
 #include "XTNT/xtnt_matrix.h"
 
-// Weighted projections of the data T (M x N) with weights of the same shape, into `data` (M x N, storage of its own). A row
-// or column whose small system is singular (weights of zero, say) is left as it stands in `data`. Both pass cancellation
-// points.
+// Weighted projections of the data T (M x N) with weights of the same shape, into `data` (M x N, storage of its own). A
+// row or column whose small system is singular (weights of zero, say) is left as it stands in `data`. Both pass
+// cancellation points.
 
 // Row i becomes d W S' (S W S')^-1 S, with d and W = diag(w) from rows i and S (K x N).
 void projectOnSpectra(const XTNT::Matrix<double>& target, const XTNT::Matrix<double>& weights,

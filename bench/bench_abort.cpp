@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// How long a user waits for an abort: the time from the press of the control to the return of the run loop, for aborts at
-// random moments of a run at the largest size, from disk. The median and the worst are counters; a run that ended before
-// its abort counts for nothing. The next run must give the result of the first.
+// How long a user waits for an abort: the time from the press of the control to the return of the run loop, for aborts
+// at random moments of a run at the largest size, from disk. The median and the worst are counters; a run that ended
+// before its abort counts for nothing. The next run must give the result of the first.
 #include "bench_sequence.h"
 
 #include "engine/runEngine.h"

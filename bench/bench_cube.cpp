@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Building the image cube from disk (16 bit TIFF, which the system's cache holds): time, bytes of the cube a second, and the
-// highest memory during it, above that of before, as a multiple of 8 bytes an element. Beside it the storing of the images
-// alone, one by one and four in a pass.
+// Building the image cube from disk (16 bit TIFF, which the system's cache holds): time, bytes of the cube a second,
+// and the highest memory during it, above that of before, as a multiple of 8 bytes an element. Beside it the storing of
+// the images alone, one by one and four in a pass.
 #include "bench_sequence.h"
 #include "process_memory.h"
 

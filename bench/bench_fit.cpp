@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The fit of all pixels with known spectra: unconstrained, and non-negative by the fast path, by the plain path and with
-// every row through NNLS. Times also in units of R, one single-threaded pass that sums the same matrix.
+// The fit of all pixels with known spectra: unconstrained, and non-negative by the fast path, by the plain path and
+// with every row through NNLS. Times also in units of R, one single-threaded pass that sums the same matrix.
 #include "bench_support.h"
 
 #include "XTNT/concentration_pass.h"

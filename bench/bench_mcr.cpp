@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Curve resolution with both factors non-negative: an iteration (both half-steps and the norm of the residual) and a whole
-// run, plain path beside fast path; the parts of an iteration; the first estimate. Times also in units of R, one
+// Curve resolution with both factors non-negative: an iteration (both half-steps and the norm of the residual) and a
+// whole run, plain path beside fast path; the parts of an iteration; the first estimate. Times also in units of R, one
 // single-threaded pass that sums the same matrix; the highest memory beside the data in units of theirs.
 #include "bench_support.h"
 #include "process_memory.h"

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The thin singular value decomposition, the principal components of the autoscaled data and the reconstruction from six of
-// them, each beside a plain path: one Householder factorisation of the whole matrix, column by column, and whole-matrix products. Times
-// also in units of R, one single-threaded pass that sums the same matrix; the highest memory beside the data in units of theirs.
+// The thin singular value decomposition, the principal components of the autoscaled data and the reconstruction from
+// six of them, each beside a plain path: one Householder factorisation of the whole matrix, column by column, and
+// whole-matrix products. Times also in units of R, one single-threaded pass that sums the same matrix; the highest
+// memory beside the data in units of theirs.
 #include "bench_support.h"
 #include "process_memory.h"
 
@@ -43,8 +44,8 @@ double product(const double* a, const double* b, long long n)
     return sum;
 }
 
-// v becomes the vector of the reflection that takes it to its first axis; the number it has there is returned. Of length root of two,
-// so that the reflection is x - v (v'x).
+// v becomes the vector of the reflection that takes it to its first axis; the number it has there is returned. Of
+// length root of two, so that the reflection is x - v (v'x).
 double makeReflection(double* v, long long n)
 {
     const double length = -std::copysign(std::sqrt(product(v, v, n)), v[0]);

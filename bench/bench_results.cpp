@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Results documents with a mask: how long a mask of a million pixels takes to write and to read, and the memory on the way.
+// Results documents with a mask: how long a mask of a million pixels takes to write and to read, and the memory on the
+// way.
 #include "engine/CORVSpumKyvo.h"
 #include "process_memory.h"
 

@@ -20,8 +20,8 @@
 #include <cstdio>
 #include <cstdlib>
 
-// A sequence on disk for the benchmarks of the engine: 16 bit camera images of the mixtures of bench_support.h, calibrated
-// so that radiant efficiency can be had.
+// A sequence on disk for the benchmarks of the engine: 16 bit camera images of the mixtures of bench_support.h,
+// calibrated so that radiant efficiency can be had.
 namespace bench {
 
 constexpr double brightestCount = 20000.0;

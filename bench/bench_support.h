@@ -15,7 +15,8 @@
 
 #include <time.h>
 
-// What the benchmarks share: data with a fixed seed, the pass that is the unit R, and timing of a path in turns with it.
+// What the benchmarks share: data with a fixed seed, the pass that is the unit R, and timing of a path in turns with
+// it.
 namespace bench {
 
 using XTNT::Matrix;
@@ -152,9 +153,9 @@ inline double medianOf(std::vector<double> values)
     return *middle;
 }
 
-// Times `path` on one thread in turns with the unit R, so that a busy machine slows both. Counters: R_ms the unit, ratio
-// the path in units of R, ratio_cpu the same in processor time, ratio_least of the least times, and bytes a second of
-// the matrix.
+// Times `path` on one thread in turns with the unit R, so that a busy machine slows both. Counters: R_ms the unit,
+// ratio the path in units of R, ratio_cpu the same in processor time, ratio_least of the least times, and bytes a
+// second of the matrix.
 template <class Path>
 void timeInUnits(benchmark::State& state, const Matrix<double>& pixels, const Path& path)
 {

@@ -10,7 +10,8 @@
 
 namespace bench {
 
-// A figure of this process in bytes, from the system: "VmRSS:" what is held now, "VmHWM:" the highest. 0 when the system tells none.
+// A figure of this process in bytes, from the system: "VmRSS:" what is held now, "VmHWM:" the highest. 0 when the
+// system tells none.
 inline double processBytes(const std::string& name)
 {
     std::ifstream status("/proc/self/status");
@@ -31,7 +32,8 @@ inline void forgetPeak()
     std::ofstream("/proc/self/clear_refs") << "5";
 }
 
-// The highest memory during `path`, above that of before, in bytes. What earlier work let go of is given back to the system first.
+// The highest memory during `path`, above that of before, in bytes. What earlier work let go of is given back to the
+// system first.
 template <class Path>
 double peakBytes(const Path& path)
 {

@@ -6,8 +6,8 @@
 #include <QString>
 #include <QStringList>
 
-// What the user settles before an analysis, apart from the selection of images: filled from a window or from the options of
-// a command line.
+// What the user settles before an analysis, apart from the selection of images: filled from a window or from the
+// options of a command line.
 struct AnalysisInput
 {
     // Pixels above 0 count as data. Square like the images, with its binning set; an empty image is no mask.

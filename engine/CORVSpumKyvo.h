@@ -50,8 +50,8 @@ struct downloaded_save_data;
 //
 // The object lives on the user-interface thread; run() and what it calls are all that the worker executes. There are no
 // locks: between start() and the end of isRunning() the user-interface thread touches nothing of the engine but
-// isRunning(), abortRun(), wait() and, after an abort, reportStatus(). Results are read from the members afterwards. See
-// runEngine.h for the loop that keeps to this.
+// isRunning(), abortRun(), wait() and, after an abort, reportStatus(). Results are read from the members afterwards.
+// See runEngine.h for the loop that keeps to this.
 class CORVSpumKyvo : public QThread
 {
     Q_OBJECT
@@ -67,19 +67,19 @@ public:
     void run() override;
     // Ends the worker where it next passes a cancellation point, unwinding its stack; wait() for it afterwards.
     virtual void abortRun();
-    // As QThread::wait(). Once it has answered true, all that the worker wrote is visible to the caller, also to a checker
-    // of threads that cannot look into Qt's own locks.
+    // As QThread::wait(). Once it has answered true, all that the worker wrote is visible to the caller, also to a
+    // checker of threads that cannot look into Qt's own locks.
     bool wait(unsigned long nMilliseconds = ULONG_MAX);
 
     // Fits the known spectra of m_spectrumPlots to every pixel: m_concentrations, m_spectra, m_nError.
     void solveConcentrations();
     // Resolves the data of the cube into spectra and concentrations under m_params: m_lastParams, m_concentrations,
-    // m_spectra, m_spectrumPlots, m_scaleRatios, m_runFacts, m_nError. A failure leaves the results of the last run where they
-    // were. Writes the trace of the iterations to std::cout. Passes cancellation points.
+    // m_spectra, m_spectrumPlots, m_scaleRatios, m_runFacts, m_nError. A failure leaves the results of the last run
+    // where they were. Writes the trace of the iterations to std::cout. Passes cancellation points.
     void runMCR();
-    // The eigenvalues of the data inside the mask of m_analysisInput: m_pcaResult, m_nError. A selection without images or a
-    // mask that cannot be taken ends it with a line and no error code, m_pcaResult being what it was. Clears m_bRunPCA.
-    // Passes cancellation points.
+    // The eigenvalues of the data inside the mask of m_analysisInput: m_pcaResult, m_nError. A selection without images
+    // or a mask that cannot be taken ends it with a line and no error code, m_pcaResult being what it was. Clears
+    // m_bRunPCA. Passes cancellation points.
     void runPCA();
     // Brings m_spectrumPlots to m_spectra. As many plots as there are components keep their names and colours.
     void createSpectrumPlots();
@@ -100,8 +100,8 @@ public:
     QList<int> availableModes() const;
     // Takes ownership of the spectra and deletes those of before.
     void setPresetSpectra(const QList<SpectrumPlotParams*>& spectra);
-    // Brings the engine to a known state before an analysis in the given mode: no cube, mask, labels, plots or results. The
-    // selection and the analysis input stay.
+    // Brings the engine to a known state before an analysis in the given mode: no cube, mask, labels, plots or results.
+    // The selection and the analysis input stay.
     void resetAnalysis(int nMode);
     void clearUnmixedImages();
 
@@ -111,8 +111,8 @@ public:
     bool buildDatasetInfo();
     // See checkSelection(); logs when bLog. *pAxis is left alone when the result is 0.
     int validateSelection(QList<KeyPair>& selection, int* pAxis, bool bLog);
-    // Takes the user's selection: true when it is usable as it stands. Otherwise false, and either the part of it that is
-    // usable is stored, or, when nothing is, the argument becomes the selection of before.
+    // Takes the user's selection: true when it is usable as it stands. Otherwise false, and either the part of it that
+    // is usable is stored, or, when nothing is, the argument becomes the selection of before.
     bool applySelection(QList<KeyPair>& selection);
     // Rebuilds m_primaryKeys and m_secondaryKeys from the selection.
     void updateKeys();
@@ -129,45 +129,48 @@ public:
     // Turns the mask image of m_analysisInput into m_maskIndices at the analysis binning. False, told in the log, when
     // there is no such image or it does not fit; nothing is changed then.
     bool takeDataMask();
-    // Multiplies the raw data of the cube by the decay factors of its images. The cube is a copy: its elements are shared.
+    // Multiplies the raw data of the cube by the decay factors of its images. The cube is a copy: its elements are
+    // shared.
     void applyDecayCorrection(CImageCube cube, double dHalfLifeSec, const QString& strSeqId,
                               const QVector<QString>& clickNumbers);
 
     // --- what an automatic run starts from ---------------------------------------------------------------------------
 
-    // How the selected images lie on the grid of m_secondaryKeys (rows) by m_primaryKeys (columns); see wavelengthTopology().
+    // How the selected images lie on the grid of m_secondaryKeys (rows) by m_primaryKeys (columns); see
+    // wavelengthTopology().
     void buildTopology(XTNT::Matrix<int>& out);
-    // The spectrum over the selected images that an initial guess names; empty for an "Auto" one. A spectrumType other than 0 is
-    // told and gives zeros.
+    // The spectrum over the selected images that an initial guess names; empty for an "Auto" one. A spectrumType other
+    // than 0 is told and gives zeros.
     XTNT::Vector<double> guessSpectrum(int spectrumType, const QString& name);
     // A source's value at a wavelength; see curveValue().
     double lookupCurve(const QString& name, const QString& wavelength) const;
-    // What is known beforehand of the components m_labels, from blue to red: one constraint each in `out`, and m_suggestedLabels in
-    // the same order. When nothing can be predicted, defaults in the order of m_labels, and m_suggestedLabels stays. Components of
-    // one and the same place leave fewer constraints than labels.
+    // What is known beforehand of the components m_labels, from blue to red: one constraint each in `out`, and
+    // m_suggestedLabels in the same order. When nothing can be predicted, defaults in the order of m_labels, and
+    // m_suggestedLabels stays. Components of one and the same place leave fewer constraints than labels.
     void suggestConstraints(QList<ComponentConstraint>& out);
-    // A source (name with suffix) at the wavelengths, largest intensity of its curve 1; zeros when the database lacks it.
+    // A source (name with suffix) at the wavelengths, largest intensity of its curve 1; zeros when the database lacks
+    // it.
     XTNT::Vector<double> sourceSpectrum(const QString& strName, const QStringList& bandKeys) const;
-    // What crosses the tissue at the wavelengths; an empty name takes that of the subject, "RMP-7" when no subject is known.
-    // Ones for a tissue that is not there. See attenuationFactors().
+    // What crosses the tissue at the wavelengths; an empty name takes that of the subject, "RMP-7" when no subject is
+    // known. Ones for a tissue that is not there. See attenuationFactors().
     XTNT::Vector<double> tissueAttenuation(const QString& strTissue, const QStringList& bandKeys) const;
-    // Takes the component names of m_analysisInput into m_labels and m_params.Constraints: suggested constraints when they are
-    // wanted and the sequence is not temporal, else defaults. Fewer suggestions than names leave no constraints at all, and the
-    // run ends without a solution.
+    // Takes the component names of m_analysisInput into m_labels and m_params.Constraints: suggested constraints when
+    // they are wanted and the sequence is not temporal, else defaults. Fewer suggestions than names leave no
+    // constraints at all, and the run ends without a solution.
     void takeComponents();
 
     // --- pictures ----------------------------------------------------------------------------------------------------
 
-    // How much red, green and blue each selected image gives to the overview of the cube, pairs x 3. False, told in the log and
-    // the weights left alone, without a sensor's curve in the database; false too when memory runs out.
+    // How much red, green and blue each selected image gives to the overview of the cube, pairs x 3. False, told in the
+    // log and the weights left alone, without a sensor's curve in the database; false too when memory runs out.
     bool computeRGBWeights(XTNT::Matrix<double>& weights);
     // Builds the cube and its overview, m_cube.m_rgbImage. Failures are told in the log.
     bool createPseudoColorImage();
-    // Makes m_unmixedImages from the concentrations and shows them: a map over the photograph for each component and a composite,
-    // for each spot. The first of the images is a copy of the photograph (empty when there is none), the rest are the layers
-    // and what was made of them. bNew: of a new result, whose spectra are then unmodified. False without concentrations or
-    // without the sequence, nothing being done then; false too, told in the log, when the first image of m_imageList is gone, the
-    // result does not go together (a loaded one may be so), or memory runs out.
+    // Makes m_unmixedImages from the concentrations and shows them: a map over the photograph for each component and a
+    // composite, for each spot. The first of the images is a copy of the photograph (empty when there is none), the
+    // rest are the layers and what was made of them. bNew: of a new result, whose spectra are then unmodified. False
+    // without concentrations or without the sequence, nothing being done then; false too, told in the log, when the
+    // first image of m_imageList is gone, the result does not go together (a loaded one may be so), or memory runs out.
     bool updateUnmixedImages(bool bNew);
     // After a run: hand its spectra, and the decay controls that it started from, to the view of an automatic run.
     void updateConsoleSpectra();
@@ -177,38 +180,38 @@ public:
 
     // --- export ------------------------------------------------------------------------------------------------------
 
-    // Makes the dataset of one unmixed map in a folder of the system's temporary directory and opens nothing. The index is
-    // spot x (components + 1) + component; the last of each spot stands for the composite, which is no dataset. Gives back the
-    // dataset's label and the path of its "ClickInfo.txt" (either may be null; untouched after a failure). A failure is told
-    // in the log; a folder that was begun remains.
+    // Makes the dataset of one unmixed map in a folder of the system's temporary directory and opens nothing. The index
+    // is spot x (components + 1) + component; the last of each spot stands for the composite, which is no dataset.
+    // Gives back the dataset's label and the path of its "ClickInfo.txt" (either may be null; untouched after a
+    // failure). A failure is told in the log; a folder that was begun remains.
     bool openUnmixedDataset(int nIndex, QString* pStrName, QString* pStrPath);
-    // The seven sections of the click info of a map that was made from pSource, appended to *pOut; see exportClickInfo().
-    // nClick is the scan spot, from 1, or 0 when there is no choice; strName the dataset's label. With bMerge the source's
-    // entries are taken over, with bKeepInfo its click number and folder too.
+    // The seven sections of the click info of a map that was made from pSource, appended to *pOut; see
+    // exportClickInfo(). nClick is the scan spot, from 1, or 0 when there is no choice; strName the dataset's label.
+    // With bMerge the source's entries are taken over, with bKeepInfo its click number and folder too.
     void buildClickInfo(CPLClickInfo* pOut, CORVDataset* pSource, CILImage* pMap, int nComponent, int nClick,
                         QString strName, bool bMerge, bool bKeepInfo);
-    // The dataset of the image in which a component is brightest at a spot, both from 0; null when there is none, as after a
-    // change of the sequence.
+    // The dataset of the image in which a component is brightest at a spot, both from 0; null when there is none, as
+    // after a change of the sequence.
     CORVDataset* unmixedSource(int nComponent, int nSpot) const;
 
     // --- results -----------------------------------------------------------------------------------------------------
 
-    // The present result as the text of a file of version 2 (storage/). m_roiResults takes in the regions of open images of the
-    // result, and is empty afterwards.
+    // The present result as the text of a file of version 2 (storage/). m_roiResults takes in the regions of open
+    // images of the result, and is empty afterwards.
     QString resultToXml();
     // Brings engine and view to the result in a file's text, of either version. True when they show it, and also, after
-    // cancelRun(), when the overview of the cube cannot be made; failures are told in the log. What was read before a failure
-    // stays, so after one there is no result to go on with.
+    // cancelRun(), when the overview of the cube cannot be made; failures are told in the log. What was read before a
+    // failure stays, so after one there is no result to go on with.
     bool loadResult(QString content);
-    // Fill the engine from the root element of such a document, and no more. False, told in the log, at the first element
-    // that does not fit; what was read until then stays.
+    // Fill the engine from the root element of such a document, and no more. False, told in the log, at the first
+    // element that does not fit; what was read until then stays.
     bool readResultV1(QDomElement root);
     bool readResultV2(QDomElement root);
 
     // --- where results are shown -------------------------------------------------------------------------------------
 
-    // Never null. The engine's own lists until a window takes their place; a view that is set is borrowed, and null sets the
-    // engine's own again.
+    // Never null. The engine's own lists until a window takes their place; a view that is set is borrowed, and null
+    // sets the engine's own again.
     ResultView& resultView() { return *m_pResultView; }
     void setResultView(ResultView* pView) { m_pResultView = pView != nullptr ? pView : &m_ownResultView; }
     OwnResultView& ownResultView() { return m_ownResultView; }
@@ -223,8 +226,8 @@ public:
     const QString& getSequenceId() const { return m_strSeqId; }
 
 public Q_SLOTS:
-    // Makes a dataset of every map, or at several scan spots of the maps of one component that the user picks, and has the
-    // host group them (createSpumKyvoSequence). The first failure ends it without that.
+    // Makes a dataset of every map, or at several scan spots of the maps of one component that the user picks, and has
+    // the host group them (createSpumKyvoSequence). The first failure ends it without that.
     void onClickExportAsSequence();
     // Asks for a PCA in place of an unmixing.
     void onRunPCA();

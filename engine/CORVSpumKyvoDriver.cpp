@@ -28,9 +28,9 @@ const QStringList& unimodalityNames()
     return names;
 }
 
-// The error code that the work gives, also where it throws. The unwinding of an aborted thread has no object: the reference
-// that catches it refers to nothing and is not used, which the sanitizer of undefined behaviour would report; inlined,
-// it would do so in the caller.
+// The error code that the work gives, also where it throws. The unwinding of an aborted thread has no object: the
+// reference that catches it refers to nothing and is not used, which the sanitizer of undefined behaviour would report;
+// inlined, it would do so in the caller.
 [[gnu::no_sanitize("null"), gnu::noinline]] int errorCodeOf(const std::function<int()>& work)
 {
     try {
@@ -81,7 +81,8 @@ void CORVSpumKyvo::runMCR()
     m_nError = errorCodeOf([this] { return buildImageCube() ? resolveSpectra() : RUNERROR_DATA; });
 }
 
-// All that is taken from the resolution is stored behind the last cancellation point, so an abort leaves no half result.
+// All that is taken from the resolution is stored behind the last cancellation point, so an abort leaves no half
+// result.
 int CORVSpumKyvo::resolveSpectra()
 {
     MCR mcr;

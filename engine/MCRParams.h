@@ -5,8 +5,8 @@
 
 #include <QList>
 
-// The settings of an automatic run. All but Components and Constraints are the fixed tuning of the product, kept as data so
-// that a result can state them.
+// The settings of an automatic run. All but Components and Constraints are the fixed tuning of the product, kept as
+// data so that a result can state them.
 struct MCRParams
 {
     bool TransMode = false;

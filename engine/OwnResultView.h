@@ -26,8 +26,8 @@ struct CompositeInput
     int spots = 1;
 };
 
-// The view of an engine without windows: its spectra are those of the engine (m_spectrumPlots), its decay controls those of the
-// engine's analysis input, and the pictures are kept in lists for whoever writes them to files.
+// The view of an engine without windows: its spectra are those of the engine (m_spectrumPlots), its decay controls
+// those of the engine's analysis input, and the pictures are kept in lists for whoever writes them to files.
 class OwnResultView : public ResultView
 {
 public:

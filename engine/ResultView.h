@@ -35,8 +35,8 @@ struct ColorBarState
 };
 
 // Where a result is shown and edited, as far as the engine and the storage of results have to do with it: its note, its
-// spectra, its decay controls, its pictures. The console and the composite window stand behind it in a program with windows;
-// without them the engine's own lists do (OwnResultView). All on the user-interface thread.
+// spectra, its decay controls, its pictures. The console and the composite window stand behind it in a program with
+// windows; without them the engine's own lists do (OwnResultView). All on the user-interface thread.
 class ResultView
 {
 public:
@@ -48,9 +48,9 @@ public:
     virtual QString getNote() const = 0;
     virtual void setNote(const QString& strNote) = 0;
 
-    // The cube that the spectra refer to, one pair an image, all of one axis (0 emission, 1 excitation, 2 time); borrowed. In
-    // data of a Cherenkov isotope the decay controls take effect on it. False, and nothing changed, when the numbers of pairs
-    // and of images differ.
+    // The cube that the spectra refer to, one pair an image, all of one axis (0 emission, 1 excitation, 2 time);
+    // borrowed. In data of a Cherenkov isotope the decay controls take effect on it. False, and nothing changed, when
+    // the numbers of pairs and of images differ.
     virtual bool setImageCube(const QList<KeyPair>& xValues, int nSpectrumType, CImageCube& cube) = 0;
     // True is the drawing step before an analysis, false the analysis itself. Clears the spectra.
     virtual void setBackgroundMode(bool bOn) = 0;
@@ -67,21 +67,22 @@ public:
     virtual void getScaleRange(double* pLower, double* pUpper) const = 0;
     virtual void setColorBar(const ColorBarState& bar) = 0;
     virtual void setHideColorBar(bool bHide) = 0;
-    // Whether the view has a use for tiles. Of a scan with many spots they take long to make and much room, so the engine makes
-    // none for a view without.
+    // Whether the view has a use for tiles. Of a scan with many spots they take long to make and much room, so the
+    // engine makes none for a view without.
     virtual bool showsUnmixedImages() const { return true; }
     // One tile; the image stays the caller's and must live until the tiles are removed.
     virtual void addUnmixedImage(CILImage* pImage, const QString& strLabel) = 0;
     virtual void removeAllUnmixedImages() = 0;
 
-    // See the composite's arithmetic (windows/): one row of data a channel, one column per pixel and spot. The photograph is
-    // borrowed.
+    // See the composite's arithmetic (windows/): one row of data a channel, one column per pixel and spot. The
+    // photograph is borrowed.
     virtual void setCompositeData(CILImage* pPhoto, const XTNT::Matrix<double>& data, int nUnit,
                                   const std::vector<int>& pixelIndices, int nWidth, int nHeight,
                                   const QList<CompositeChannel>& channels, int nSpots) = 0;
     // Borrowed; null does nothing.
     virtual void setXRayImage(CILImage* pImage) = 0;
 
-    // Closes the window of a loaded dataset whose folder is about to be replaced. Without windows there is none to close.
+    // Closes the window of a loaded dataset whose folder is about to be replaced. Without windows there is none to
+    // close.
     virtual void closeImageWindow(const QString&) {}
 };

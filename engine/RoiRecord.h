@@ -4,8 +4,8 @@
 #include <QString>
 #include <QStringList>
 
-// The regions of interest of one unmixed image: keys and values side by side, and the number of the concentration map that
-// they belong to.
+// The regions of interest of one unmixed image: keys and values side by side, and the number of the concentration map
+// that they belong to.
 struct RoiRecord
 {
     QStringList keys;

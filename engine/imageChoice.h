@@ -10,9 +10,10 @@
 #include <QStringList>
 #include <QVector>
 
-// The click number of the image of every selected pair, spot after spot: entry k is spot k / n, pair k % n of n pairs. The
-// kind decides what an image is known by: interval and time, or its filters, with the scan spot in front in a scan. Of two
-// images that are known alike the later click number counts. False when a pair has no image; `list` is then partly filled.
+// The click number of the image of every selected pair, spot after spot: entry k is spot k / n, pair k % n of n pairs.
+// The kind decides what an image is known by: interval and time, or its filters, with the scan spot in front in a scan.
+// Of two images that are known alike the later click number counts. False when a pair has no image; `list` is then
+// partly filled.
 bool imagesOfSelection(const QMap<QString, ImageRecord>& records, const QList<KeyPair>& selection,
                        const QStringList& spots, int eSeqKind, QVector<QString>& list);
 

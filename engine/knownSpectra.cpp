@@ -23,8 +23,8 @@ bool scaledSpectra(const QList<SpectrumPlotParams*>& plots, int nImages, XTNT::M
     return true;
 }
 
-// The unwinding of an aborted thread has no object: the reference that catches it refers to nothing and is not used, which
-// the sanitizer of undefined behaviour would report.
+// The unwinding of an aborted thread has no object: the reference that catches it refers to nothing and is not used,
+// which the sanitizer of undefined behaviour would report.
 [[gnu::no_sanitize("null")]] bool fitConcentrations(const XTNT::Matrix<double>& data,
                                                     const XTNT::Matrix<double>& spectra,
                                                     XTNT::Matrix<double>& concentrations)

@@ -4,8 +4,8 @@
 #include <QString>
 #include <QStringList>
 
-// The probe names of a comma-separated text under the names of the source database: "AF750" is "AlexaFluor 750", "QD800"
-// is "QDot 800".
+// The probe names of a comma-separated text under the names of the source database: "AF750" is "AlexaFluor 750",
+// "QD800" is "QDot 800".
 //
 // Two required oddities: a name that says "QDot" already has its "QD" replaced all the same, and a name that stands for
 // "Ferrin-Mark 750" or "Glowmark Pronto COX - 2" comes twice.

@@ -23,8 +23,8 @@ enum class RunOutcome
     Aborted // the engine's members are as the run left them: reset before the next analysis
 };
 
-// Runs the engine once from the user-interface thread: announces a long process that can be aborted, starts the engine's
-// thread and that of its progress display, keeps events flowing until the thread ends or the user aborts, and reports. The
-// engine's m_bRunPCA decides whether it is a PCA or an unmixing. No run may be under way. m_pProgress is valid meanwhile and
-// null afterwards.
+// Runs the engine once from the user-interface thread: announces a long process that can be aborted, starts the
+// engine's thread and that of its progress display, keeps events flowing until the thread ends or the user aborts, and
+// reports. The engine's m_bRunPCA decides whether it is a PCA or an unmixing. No run may be under way. m_pProgress is
+// valid meanwhile and null afterwards.
 RunOutcome runEngine(CORVSpumKyvo& engine, const RunSteps& steps = RunSteps());

@@ -33,8 +33,8 @@ struct UnmixedComponent
     ScaleRatio ratio; // what is shown of its own range
 };
 
-// The colour of a component's layer in a composite. Autofluorescence of tissue in its default colour gets a dark green, so that it
-// does not drown the other layers.
+// The colour of a component's layer in a composite. Autofluorescence of tissue in its default colour gets a dark green,
+// so that it does not drown the other layers.
 QColor layerColor(const UnmixedComponent& component);
 // The components as the composite starts from them.
 QList<CompositeChannel> compositeChannels(const QList<UnmixedComponent>& components);
@@ -79,8 +79,8 @@ CILImage pictureOf(const CILImage& image);
 std::unique_ptr<CILImage> concentrationMap(const UnmixedSource& source, int nComponent, int nSpot);
 // Sets how a map is shown: its statistics, colours, format and range.
 void showMap(CILImage& map, const UnmixedDisplay& display, const ScaleRatio& ratio);
-// Makes a map, whose statistics are known, a layer of one colour: its values become what exceeds the lower limit of the shown part
-// of its range, up to the upper one. The statistics stay those of the map.
+// Makes a map, whose statistics are known, a layer of one colour: its values become what exceeds the lower limit of the
+// shown part of its range, up to the upper one. The statistics stay those of the map.
 void makeLayer(CILImage& map, const QColor& color, const ScaleRatio& ratio);
 
 // The pictures of one spot.
@@ -95,6 +95,6 @@ struct UnmixedSpot
     QList<Tile> tiles;                             // the components in their order, then the composite
 };
 
-// Each component's map over the photograph, and the composite: the running mean of the components' layers (the first at weight 1,
-// the second at 1/2 and so on) with a hint of the photograph over it. The source is consistent.
+// Each component's map over the photograph, and the composite: the running mean of the components' layers (the first at
+// weight 1, the second at 1/2 and so on) with a hint of the photograph over it. The source is consistent.
 UnmixedSpot unmixedSpot(const UnmixedSource& source, int nSpot);

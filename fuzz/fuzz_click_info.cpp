@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Text files of sections: whatever the bytes, they are refused with a reason that names the file, or what was read survives being
-// written and read again.
+// Text files of sections: whatever the bytes, they are refused with a reason that names the file, or what was read
+// survives being written and read again.
 #include "host/CPLClickInfo.h"
 
 #include <cstddef>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Reference tables: whatever the bytes and whichever table they stand for, entries whose figures mean something; what was left out is told with
-// the file.
+// Reference tables: whatever the bytes and whichever table they stand for, entries whose figures mean something; what
+// was left out is told with the file.
 #include "platform/orvapi/ReferenceTables.h"
 
 #include <QDir>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Readers of results documents, both generations: whatever the text, the engine of a small sequence takes it or refuses it, and
-// can write a document afterwards that can be read.
+// Readers of results documents, both generations: whatever the text, the engine of a small sequence takes it or refuses
+// it, and can write a document afterwards that can be read.
 #include "engine/CORVSpumKyvo.h"
 
 #include "engine/TestSequence.h"

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The index of saved results: whatever the file says, what is asked of it is answered, it is written back as it was read, and a
-// new entry, a renamed one and a removed one leave all others alone.
+// The index of saved results: whatever the file says, what is asked of it is answered, it is written back as it was
+// read, and a new entry, a renamed one and a removed one leave all others alone.
 #include "storage/resultsIndex.h"
 
 #include "host/CPLSettingsFileWrapper.h"

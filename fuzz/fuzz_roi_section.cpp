@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Regions of interest in a click info: whatever the text says, what was read survives being written and read again, and filling a
-// region over a small image visits no pixel twice.
+// Regions of interest in a click info: whatever the text says, what was read survives being written and read again, and
+// filling a region over a small image visits no pixel twice.
 #include "host/CPLClickInfo.h"
 #include "host/CROIManager.h"
 #include "platform/orvapi/ROIShape.h"

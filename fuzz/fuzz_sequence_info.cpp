@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Sequence and click infos: whatever the text, the readers give figures that can be used, and what they read as a sequence reads
-// the same after writing.
+// Sequence and click infos: whatever the text, the readers give figures that can be used, and what they read as a
+// sequence reads the same after writing.
 #include "host/CORVDataset.h"
 #include "platform/orvapi/ClickInfoValues.h"
 #include "platform/orvapi/ImageCalibration.h"

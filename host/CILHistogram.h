@@ -16,8 +16,8 @@ public:
 
     // Makes maxBins() empty bins.
     void reset();
-    // Adds a value; below the minimum it falls into the first bin, above the maximum into the last. NaNs do not count. The
-    // first call makes the bins when reset() has not.
+    // Adds a value; below the minimum it falls into the first bin, above the maximum into the last. NaNs do not count.
+    // The first call makes the bins when reset() has not.
     void add(double value);
 
     const std::vector<double>& bins() const { return m_counts; }

@@ -18,8 +18,8 @@ public:
     CILImageBase& operator=(CILImageBase&& other) noexcept;
     virtual ~CILImageBase();
 
-    // Allocates w x h pixels of the type, all zero; the earlier pixels are gone, the binning stays. A size below 1 or an
-    // unknown type gives EIL_INVALID_ARGUMENT, exhausted memory EIL_NO_MEMORY; both leave an empty image.
+    // Allocates w x h pixels of the type, all zero; the earlier pixels are gone, the binning stays. A size below 1 or
+    // an unknown type gives EIL_INVALID_ARGUMENT, exhausted memory EIL_NO_MEMORY; both leave an empty image.
     EILSTATUS InitWithType(ORVDataTypes type, long w, long h);
     // As InitWithType, then copies w x h pixels of that type from `data`, which stays the caller's and may not be this
     // image's own block. Null gives EIL_INVALID_ARGUMENT.

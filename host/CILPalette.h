@@ -12,8 +12,9 @@ class CILPalette
 public:
     CILPalette();
 
-    // The tables by name, in the order of their indices. The list begins with "Grays", "Rainbow" (red at its lower end, so
-    // that the usual sense, blue for little, is the reversed one), "Fire" and "Lumen", a table of evenly rising lightness.
+    // The tables by name, in the order of their indices. The list begins with "Grays", "Rainbow" (red at its lower end,
+    // so that the usual sense, blue for little, is the reversed one), "Fire" and "Lumen", a table of evenly rising
+    // lightness.
     static QStringList colorTableNames();
     // Index of a name, without regard to case; -1 when there is none.
     static int colorTableIndex(const QString& name);
@@ -36,8 +37,8 @@ public:
     bool hasImageMinMax() const { return m_bHasRange; }
     double imageMin() const { return m_dMin; }
     double imageMax() const { return m_dMax; }
-    // Alpha of the colours. Mode 0: all opaque but for the factor (0 counts as 1); mode 1: alpha follows the position in
-    // the range (without reversal and logarithm) times the factor, values below the minimum are transparent.
+    // Alpha of the colours. Mode 0: all opaque but for the factor (0 counts as 1); mode 1: alpha follows the position
+    // in the range (without reversal and logarithm) times the factor, values below the minimum are transparent.
     void setAlphaMode(int mode, double factor);
     int alphaMode() const { return m_nAlphaMode; }
 

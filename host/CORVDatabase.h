@@ -43,20 +43,21 @@ struct sProbeParameters
     QStringList aliases;
 };
 
-// The host's read-only database of sources, tissues, sensors and isotopes: CSV tables installed with the program, to which
-// tables of the same form in the user's data folder add (a user's entry of the same name wins). Read once, on first use, from any thread.
+// The host's read-only database of sources, tissues, sensors and isotopes: CSV tables installed with the program, to
+// which tables of the same form in the user's data folder add (a user's entry of the same name wins). Read once, on
+// first use, from any thread.
 class CORVDatabase
 {
 public:
-    // Names of luminescent sources, each once and without a suffix; of fluorescent library sources, with their suffix "Em" or
-    // "Ex"; and of radioactive sources, which have none. Sorted by insensitiveLessThan, but for "Undefined", the isotope whose
-    // half life the user states, which stands first among the radioactive ones and has no curve.
+    // Names of luminescent sources, each once and without a suffix; of fluorescent library sources, with their suffix
+    // "Em" or "Ex"; and of radioactive sources, which have none. Sorted by insensitiveLessThan, but for "Undefined",
+    // the isotope whose half life the user states, which stands first among the radioactive ones and has no curve.
     static QStringList getSourceList();
     static QStringList getLIBSourceList();
     static QStringList getRADSourceList();
 
-    // A source (with its suffix, if it has one), tissue or sensor by its exact name; false when it is absent, the record is then empty. A null record only
-    // asks.
+    // A source (with its suffix, if it has one), tissue or sensor by its exact name; false when it is absent, the
+    // record is then empty. A null record only asks.
     static bool readSource(const QString& strName, sSourceSpecFileParameters* pSource);
     static bool readLIBSource(const QString& strName, sSourceSpecFileParameters* pSource);
     static bool readRADSource(const QString& strName, sSourceSpecFileParameters* pSource);
@@ -67,11 +68,12 @@ public:
     static double getCherenkovRADHalflife(const QString& strIsotope);
     // Every isotope that the database knows, "Undefined" first.
     static QStringList isotopeList();
-    // Whether the isotope's decay gives Cherenkov light; by name without regard to case. *pName (may be null) receives the
-    // name as the database spells it.
+    // Whether the isotope's decay gives Cherenkov light; by name without regard to case. *pName (may be null) receives
+    // the name as the database spells it.
     static bool isCherenkovIsotope(const QString& strIsotope, QString* pName = nullptr);
 
-    // Every probe in file order, and one by its name or another name in use, without regard to case; false when unknown.
+    // Every probe in file order, and one by its name or another name in use, without regard to case; false when
+    // unknown.
     static QList<sProbeParameters> probeList();
     static bool findProbe(const QString& strName, sProbeParameters* pProbe);
 

@@ -18,9 +18,9 @@ class CILImage;
 class CROIManager;
 class DatasetFolder; // the implementation's
 
-// One click of the instrument: a folder with a click info and TIFF images. Known by its click number to every user of the
-// process as long as it lives. Datasets come, go and change on the user-interface thread only; the worker may look one up
-// and read its images while that thread leaves them alone.
+// One click of the instrument: a folder with a click info and TIFF images. Known by its click number to every user of
+// the process as long as it lives. Datasets come, go and change on the user-interface thread only; the worker may look
+// one up and read its images while that thread leaves them alone.
 class CORVDataset
 {
 public:
@@ -33,24 +33,24 @@ public:
     static CORVDataset* getDataset(const QString& strClickNumber);
     static QList<CORVDataset*> loadedDatasets();
 
-    // Reads the folder's "ClickInfo.txt" and the headers of its images, no pixels. Fails on a click info that cannot be read
-    // or lacks the click number (ESTATUS_FILE_UNREADABLE), on a broken main data image (the same), and when the click info
-    // describes a main data image that is not there (ESTATUS_IMAGE_MISSING): the dataset is then empty and *pError tells file
-    // and reason. *pWarnings takes what can be passed over: unreadable lines and numbers, and other broken images, which the
-    // dataset then does not have.
+    // Reads the folder's "ClickInfo.txt" and the headers of its images, no pixels. Fails on a click info that cannot be
+    // read or lacks the click number (ESTATUS_FILE_UNREADABLE), on a broken main data image (the same), and when the
+    // click info describes a main data image that is not there (ESTATUS_IMAGE_MISSING): the dataset is then empty and
+    // *pError tells file and reason. *pWarnings takes what can be passed over: unreadable lines and numbers, and other
+    // broken images, which the dataset then does not have.
     ESTATUS open(const QString& strFolder, QString* pError = nullptr, QStringList* pWarnings = nullptr);
-    // As open(), for a folder that a program made and no instrument numbered: when the click info lacks the click number, the
-    // dataset gets a new one, in memory.
+    // As open(), for a folder that a program made and no instrument numbered: when the click info lacks the click
+    // number, the dataset gets a new one, in memory.
     ESTATUS openMade(const QString& strFolder, QString* pError = nullptr, QStringList* pWarnings = nullptr);
-    // Writes the dataset into that folder (with or without a separator at its end), which comes into being as a whole or not at
-    // all; its parent must exist. An image that setCoreImage() gave is written in its own pixel type, with its binning in the
-    // click info; any other is a copy of its file. The click info takes in the regions of interest, and goes a second time, without
-    // its section "Camera System Info", into an "AnalyzedClickInfo.txt" when the present folder holds one. A folder that is there
-    // is replaced when it is empty, or holds a click info and no folders; in the dataset's own folder other files stay. From then
-    // on the dataset lives in the folder and is unmodified.
-    // ESTATUS_INVALID_ARGUMENT for an empty name or a dataset without a click number, ESTATUS_FILE_UNREADABLE when an image's
-    // file cannot be read, ESTATUS_FILE_UNWRITABLE for all else; each is told in the log with file and reason, and folder and
-    // dataset are then as they were.
+    // Writes the dataset into that folder (with or without a separator at its end), which comes into being as a whole
+    // or not at all; its parent must exist. An image that setCoreImage() gave is written in its own pixel type, with
+    // its binning in the click info; any other is a copy of its file. The click info takes in the regions of interest,
+    // and goes a second time, without its section "Camera System Info", into an "AnalyzedClickInfo.txt" when the
+    // present folder holds one. A folder that is there is replaced when it is empty, or holds a click info and no
+    // folders; in the dataset's own folder other files stay. From then on the dataset lives in the folder and is
+    // unmodified. ESTATUS_INVALID_ARGUMENT for an empty name or a dataset without a click number,
+    // ESTATUS_FILE_UNREADABLE when an image's file cannot be read, ESTATUS_FILE_UNWRITABLE for all else; each is told
+    // in the log with file and reason, and folder and dataset are then as they were.
     ESTATUS saveDatasetAs(const QString& strFolder);
 
     QString getClickNumber() const;
@@ -64,27 +64,27 @@ public:
     // The image, or null when the dataset has none of that type or its file is broken (told in the log with file and
     // reason). Owned by the dataset and kept from then on. Types 1 and 17 stand for each other when one is missing.
     CILImage* getCoreImage(tag_eimagetype eType);
-    // Gives the dataset an image that has no file (or not yet); copied, kept, and used in place of a file of that type. A
-    // pointer lent before stays valid and shows the new image.
+    // Gives the dataset an image that has no file (or not yet); copied, kept, and used in place of a file of that type.
+    // A pointer lent before stays valid and shows the new image.
     void setCoreImage(tag_eimagetype eType, const CILImage& image);
     // From the click info, without reading pixels; 1 when it does not say, 0 when there is no such image.
     float getBinningForImage(tag_eimagetype eType);
     // Size from the file's header; false when there is no such image or its header is broken.
     bool getImageSize(tag_eimagetype eType, long* pWidth, long* pHeight);
 
-    // Fills *pOut with the main data image in that unit, as floats with its binning; what was read is not kept. With p the
-    // stored pixel, b the bias a stored pixel (0 when it is taken off already or unknown) and B the binning:
+    // Fills *pOut with the main data image in that unit, as floats with its binning; what was read is not kept. With p
+    // the stored pixel, b the bias a stored pixel (0 when it is taken off already or unknown) and B the binning:
     //     counts             = p - b
     //     radiance           = counts * photons a count / (exposure * (pixel size * B)^2 * solid angle at f/1 / f^2)
     //     radiant efficiency = radiance / excitation irradiance
     //     efficiency         = radiance / radiance of the transmitted reference, by pixel; 0 where that is not above 0
-    // The transmitted reference is image 9, brought to this image's size, or else one number for all pixels. With nativeUnit
-    // 3 the stored pixels are efficiencies and no other unit can be had.
-    // 16 (ESTATUS_UNIT_UNAVAILABLE) when calibration data for the unit are missing or the unit is beyond unitLimit();
-    // another non-zero status, told in the log under the name `strCaller`, when an image cannot be read. *pOut is untouched
-    // after any failure.
+    // The transmitted reference is image 9, brought to this image's size, or else one number for all pixels. With
+    // nativeUnit 3 the stored pixels are efficiencies and no other unit can be had. 16 (ESTATUS_UNIT_UNAVAILABLE) when
+    // calibration data for the unit are missing or the unit is beyond unitLimit(); another non-zero status, told in the
+    // log under the name `strCaller`, when an image cannot be read. *pOut is untouched after any failure.
     ESTATUS getCalibratedLuminImage(tag_edisplayunit eUnit, CILImage* pOut, const QString& strCaller);
-    // As getCalibratedLuminImage decides, without reading pixels; an empty text when the unit can be had, else the reason.
+    // As getCalibratedLuminImage decides, without reading pixels; an empty text when the unit can be had, else the
+    // reason.
     QString unitUnavailableReason(tag_edisplayunit eUnit) const;
     // The host offers no unit that ranks above this one (by number); 3 at the start. For the whole process.
     static void setUnitLimit(tag_edisplayunit eLimit);
@@ -99,12 +99,12 @@ public:
 
     // Whether the dataset has a region of interest.
     bool hasROIData() const;
-    // The dataset's regions, read by open() from the section "ROIs" of the click info (what cannot be read is a warning). Owned by
-    // the dataset, never null. A change reaches `clickInfo` by way of CROIManager::saveROIData().
+    // The dataset's regions, read by open() from the section "ROIs" of the click info (what cannot be read is a
+    // warning). Owned by the dataset, never null. A change reaches `clickInfo` by way of CROIManager::saveROIData().
     CROIManager* roiManager();
 
-    // Start of the exposure in seconds since 1970 (UTC) and its length in seconds; false when the click info lacks them or
-    // they cannot be read, the output is then untouched.
+    // Start of the exposure in seconds since 1970 (UTC) and its length in seconds; false when the click info lacks them
+    // or they cannot be read, the output is then untouched.
     bool getExposureStart(double* pSeconds) const;
     bool getExposureTime(double* pSeconds) const;
 
@@ -115,8 +115,9 @@ public:
     void setFolderPath(const QString& strFolder);
     void setModified(bool bModified) { m_bModified = bModified; }
     bool isModified() const { return m_bModified; }
-    // Tells the host that pixels or regions of the dataset have changed. A host with image windows draws them anew; one without
-    // computes again what it keeps of the pixels: minimum and maximum of the images that have been borrowed or given.
+    // Tells the host that pixels or regions of the dataset have changed. A host with image windows draws them anew; one
+    // without computes again what it keeps of the pixels: minimum and maximum of the images that have been borrowed or
+    // given.
     void updateActiveImage();
     // Whether a dataset of that click-info path is loaded; *pModified and *pClickNumber (may be null) tell more.
     static bool isLoadedClickInfo(const QString& strPath, bool& bModified, QString* pClickNumber);
@@ -131,7 +132,8 @@ public:
 
 private:
     ESTATUS load(const QString& strFolder, bool bMade, QString* pError, QStringList* pWarnings);
-    // The steps of saveDatasetAs(): every image under its name, and what else the click info says of them; the click infos.
+    // The steps of saveDatasetAs(): every image under its name, and what else the click info says of them; the click
+    // infos.
     ESTATUS writeImages(DatasetFolder& folder, CPLClickInfo& info, CORVImageList* pImages, QString* pReason) const;
     ESTATUS writeFolder(DatasetFolder& folder, CPLClickInfo& info, CORVImageList* pImages, QString* pReason) const;
     QString imageFileName(tag_eimagetype eType) const;

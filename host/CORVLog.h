@@ -17,8 +17,8 @@ class CORVLog
 {
 public:
     static CORVLog* getLogObject();
-    // Writes a line. `strExtra` goes behind the message when it is not empty; the int and the bool are the host's own and
-    // carry nothing here.
+    // Writes a line. `strExtra` goes behind the message when it is not empty; the int and the bool are the host's own
+    // and carry nothing here.
     void log(const QString& strMessage, const QString& strExtra, int nReserved, const QString& strTime, long nLevel,
              bool bReserved);
 

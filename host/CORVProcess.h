@@ -12,8 +12,8 @@ public:
     // Marks a long operation and shows its abort control, when it can be aborted. The outermost start clears an earlier
     // abort; a start inside another process keeps it.
     static void startLongProcess(int nReserved, tag_eLongProcessTypes eType, bool bCanAbort, QString strAbortText);
-    // Ends the latest process of that type. LONGPROCESS_ANALYSIS also ends one that began as LONGPROCESS_GENERAL, as a run
-    // of the engine does. Without such a process nothing ends.
+    // Ends the latest process of that type. LONGPROCESS_ANALYSIS also ends one that began as LONGPROCESS_GENERAL, as a
+    // run of the engine does. Without such a process nothing ends.
     static void endLongProcess(tag_eLongProcessTypes eType);
     // As above with a last message, shown for nMilliseconds.
     static void endLongProcess(const QString& strMessage, int nMilliseconds, tag_eLongProcessTypes eType);
@@ -21,6 +21,7 @@ public:
     static bool isProcessAborted();
     // True while a process of that type runs.
     static bool isProcessInProgress(tag_eLongProcessTypes eType);
-    // Shows step nStep of nSteps of a loading operation; *pAborted (may be null) tells whether the user has pressed abort.
+    // Shows step nStep of nSteps of a loading operation; *pAborted (may be null) tells whether the user has pressed
+    // abort.
     static void setProcessMessage(const QString& strMessage, int nStep, int nSteps, bool* pAborted);
 };

@@ -13,8 +13,8 @@
 
 struct SequenceInfo; // the implementation's
 
-// One sequence: a folder with "SequenceInfo.txt" and a folder for each dataset. An open sequence is known by its id to every
-// user of the process as long as it lives. Sequences come, go and change on the user-interface thread only.
+// One sequence: a folder with "SequenceInfo.txt" and a folder for each dataset. An open sequence is known by its id to
+// every user of the process as long as it lives. Sequences come, go and change on the user-interface thread only.
 class CORVSequenceDataset : public QObject
 {
     Q_OBJECT
@@ -27,14 +27,15 @@ public:
     static CORVSequenceDataset* getSequenceDataset(const QString& strId);
     static QList<CORVSequenceDataset*> openSequences();
 
-    // Opens the sequence at `strPath` (its folder, or the info file). Images are not read. A dataset that cannot be read, has
-    // the click number of an earlier one, or lies outside the folder is left out and told in *pWarnings with file and reason;
-    // only a sequence of which nothing can be read fails, with *pError, and is then empty. Without an info file, or with a
-    // broken one, the folders that hold a click info are the datasets, ordered by name with numbers by value, and the kinds
-    // are derived from their click infos, told in *pWarnings. An id that is open already gets a number behind.
+    // Opens the sequence at `strPath` (its folder, or the info file). Images are not read. A dataset that cannot be
+    // read, has the click number of an earlier one, or lies outside the folder is left out and told in *pWarnings with
+    // file and reason; only a sequence of which nothing can be read fails, with *pError, and is then empty. Without an
+    // info file, or with a broken one, the folders that hold a click info are the datasets, ordered by name with
+    // numbers by value, and the kinds are derived from their click infos, told in *pWarnings. An id that is open
+    // already gets a number behind.
     ESTATUS open(const QString& strPath, QString* pError = nullptr, QStringList* pWarnings = nullptr);
-    // Adds a dataset that was made in memory; the sequence owns it from then on. False for null and for a click number that
-    // the sequence has already; the dataset then stays the caller's.
+    // Adds a dataset that was made in memory; the sequence owns it from then on. False for null and for a click number
+    // that the sequence has already; the dataset then stays the caller's.
     bool addDataset(CORVDataset* pDataset);
 
     QString getSequenceID() const { return m_strId; }
@@ -65,12 +66,13 @@ public:
     void set3DSceneOnlySequence(bool bOnly) { m_b3DSceneOnly = bOnly; }
 
     // True if the data hold an isotope whose decay gives Cherenkov light (it is named in a dataset's click info and the
-    // database knows it as one); the argument receives the first such name as the database spells it, else an empty text.
+    // database knows it as one); the argument receives the first such name as the database spells it, else an empty
+    // text.
     bool isCherenkovIsotopeInData(QString& strIsotope) const;
     // One factor per click number, with L = ln 2 / half life: exp(L (t - t0)) * L dt / (1 - exp(-L dt)), where t is the
-    // start of the exposure, dt its length and t0 the earliest start among the given click numbers: it turns the mean of an
-    // exposure into the value at t0. False when a dataset, a time or a length is missing, a length is not above 0, the half
-    // life is not above 0, or a factor exceeds what a double holds; the output is then empty.
+    // start of the exposure, dt its length and t0 the earliest start among the given click numbers: it turns the mean
+    // of an exposure into the value at t0. False when a dataset, a time or a length is missing, a length is not above
+    // 0, the half life is not above 0, or a factor exceeds what a double holds; the output is then empty.
     bool calculateDecayCorrectFactor_CherenkovData(const QVector<QString>& clickNumbers, double dHalfLifeSec,
                                                    QVector<double>& factors) const;
 

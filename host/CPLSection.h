@@ -6,17 +6,17 @@
 #include <QString>
 #include <QStringList>
 
-// A named set of key and value pairs in file order. Keys compare exactly; a section has a key (which names it in a file)
-// and a display name.
+// A named set of key and value pairs in file order. Keys compare exactly; a section has a key (which names it in a
+// file) and a display name.
 class CPLSection
 {
 public:
     CPLSection() = default;
     explicit CPLSection(const QString& strKey, const QString& strName = QString());
 
-    // The value of a key; 0 on success. Non-zero when the key is absent, or when the text does not begin with a decimal number
-    // of the C locale that fits the type ("12.5 s" is 12.5; "12,5", "nan" and, for an int, "12.5" are refused); the output
-    // is then untouched. Of a key that is there twice the first entry counts.
+    // The value of a key; 0 on success. Non-zero when the key is absent, or when the text does not begin with a decimal
+    // number of the C locale that fits the type ("12.5 s" is 12.5; "12,5", "nan" and, for an int, "12.5" are refused);
+    // the output is then untouched. Of a key that is there twice the first entry counts.
     int getValue(const QString& strKey, QString* pValue) const;
     int getValue(const QString& strKey, float* pValue) const;
     int getValue(const QString& strKey, double* pValue) const;

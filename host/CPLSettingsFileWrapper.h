@@ -10,8 +10,8 @@
 class CPLSettingsFileWrapper : public CPLClickInfo
 {
 public:
-    // Reads the file; false when it cannot be read or is broken (a skipped line counts: saving would lose it), with the reasons in
-    // the log. An empty file is an empty list. The path is kept for save().
+    // Reads the file; false when it cannot be read or is broken (a skipped line counts: saving would lose it), with the
+    // reasons in the log. An empty file is an empty list. The path is kept for save().
     bool load(const QString& strPath);
     // Writes to the path of the last load, atomically; false on failure, the file is then as it was.
     bool save() const;
@@ -29,8 +29,8 @@ public:
     bool setFileNameForMenuName(const QString& strMenuName, const QString& strFileName);
     // The tag with the smallest positive number, in three digits at least, that no entry has yet: "SPUM_001".
     QString getNextAutoMenuName() const;
-    // Appends an entry; false when a tag is unset, the key or the menu name is empty, or the menu name is taken. The entry's
-    // section bears `strSectionKey` as its name; as its key the same, made unique by a number behind, so that
+    // Appends an entry; false when a tag is unset, the key or the menu name is empty, or the menu name is taken. The
+    // entry's section bears `strSectionKey` as its name; as its key the same, made unique by a number behind, so that
     // removeSection() of the key read from an entry removes exactly that entry.
     bool addSection(const QString& strSectionKey, const QString& strMenuName, const QString& strFileName);
     using CPLClickInfo::addSection;

@@ -17,8 +17,8 @@ class CPLClickInfo;
 
 // The regions of interest of a dataset, each with a name of its own.
 //
-// Regions come back from texts in two steps, so that a caller can look at them between: loadROIData() takes the entries of a
-// section "ROIs", or of a result that was made from one, and createROIFromFile() makes regions of what
+// Regions come back from texts in two steps, so that a caller can look at them between: loadROIData() takes the entries
+// of a section "ROIs", or of a result that was made from one, and createROIFromFile() makes regions of what
 // getCreatedROIInfoList() gives. readROIData() does both for a click info.
 class CROIManager
 {
@@ -36,24 +36,24 @@ public:
     // False when there is no region of that name.
     bool removeRegion(const QString& strName);
 
-    // Measures every region over the dataset's main data image in that unit; the numbers stay with the regions until the next
-    // measurement. The image's status when it cannot be had; the regions are then as they were.
+    // Measures every region over the dataset's main data image in that unit; the numbers stay with the regions until
+    // the next measurement. The image's status when it cannot be had; the regions are then as they were.
     ESTATUS measure(tag_edisplayunit eUnit);
 
     // Takes one entry. The key may have lost its blanks. False for a key that is not of a region.
     bool loadROIData(const QString& strKey, const QString& strValue);
-    // The regions that the loaded entries describe, ordered by the number in their keys; owned by the manager and valid until
-    // entries are loaded or cleared. messages() then tells what could not be read.
+    // The regions that the loaded entries describe, ordered by the number in their keys; owned by the manager and valid
+    // until entries are loaded or cleared. messages() then tells what could not be read.
     const QList<tagROIInfo*>* getCreatedROIInfoList();
-    // Makes regions of copies; with `bReplace` the present ones go first, without `bStatistics` the numbers that come along are
-    // dropped. A name that is taken gets a number behind. ESTATUS_FAILURE when one was no region, told in messages(); the others
-    // are made. Null gives ESTATUS_INVALID_ARGUMENT.
+    // Makes regions of copies; with `bReplace` the present ones go first, without `bStatistics` the numbers that come
+    // along are dropped. A name that is taken gets a number behind. ESTATUS_FAILURE when one was no region, told in
+    // messages(); the others are made. Null gives ESTATUS_INVALID_ARGUMENT.
     ESTATUS createROIFromFile(const QList<tagROIInfo*>* pInfos, bool bReplace, bool bStatistics);
     // Replaces the regions by those of the click info's section "ROIs"; messages() tells what could not be read.
     void readROIData(const CPLClickInfo& info);
-    // Writes regions, and numbers where they were measured, into the section "ROIs". Entries found there that are no readable
-    // region stay, other regions go. Without regions and such entries there is no section. Keys consist of letters and digits once
-    // their blanks are removed, and begin with a letter. Null gives ESTATUS_INVALID_ARGUMENT.
+    // Writes regions, and numbers where they were measured, into the section "ROIs". Entries found there that are no
+    // readable region stay, other regions go. Without regions and such entries there is no section. Keys consist of
+    // letters and digits once their blanks are removed, and begin with a letter. Null gives ESTATUS_INVALID_ARGUMENT.
     ESTATUS saveROIData(CPLClickInfo* pInfo) const;
 
     // What the last reading or making had to leave out or change, one sentence each.

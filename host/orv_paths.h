@@ -7,6 +7,6 @@
 
 class CPLCameraInfo;
 
-// A folder of the host, absolute, with forward slashes and one at its end. The bool makes a user folder that is missing;
-// the camera is not looked at. Empty when there is no such folder (no home, or it cannot be made).
+// A folder of the host, absolute, with forward slashes and one at its end. The bool makes a user folder that is
+// missing; the camera is not looked at. Empty when there is no such folder (no home, or it cannot be made).
 QString getORVPath(ORV_PATH_TAGS eTag, bool bCreate, const CPLCameraInfo* pCamera);

@@ -49,10 +49,10 @@ namespace NR {
 //   a       the tableau at the optimum: a[0][0] the objective, a[i + 1][0] the value of the variable of row i + 1;
 //   iposv   [i] names the variable of constraint row i + 1; a value of n or more is a slack variable;
 //   izrov   [j] names the variable at zero of column j + 1, numbered alike.
-// Both index vectors are sized by the routine. Degenerate vertices do not make it cycle (R. G. Bland, New finite pivoting
-// rules for the simplex method, 1977). Throws std::invalid_argument on a tableau of another size, a negative right-hand
-// side or an element that is not finite, and std::runtime_error when rounding errors keep it from an end. `a` and the index
-// vectors are left alone unless icase is 0.
+// Both index vectors are sized by the routine. Degenerate vertices do not make it cycle (R. G. Bland, New finite
+// pivoting rules for the simplex method, 1977). Throws std::invalid_argument on a tableau of another size, a negative
+// right-hand side or an element that is not finite, and std::runtime_error when rounding errors keep it from an end.
+// `a` and the index vectors are left alone unless icase is 0.
 void simplx(NRMat<double>& a, std::size_t m1, std::size_t m2, std::size_t m3, int& icase, NRVec<int>& izrov,
             NRVec<int>& iposv);
 

@@ -18,11 +18,13 @@ enum tag_eroishape
 
 // A region of interest.
 //
-// Coordinates are pixels of the unbinned sensor, x to the right and y down, from the outer corner of the image's first pixel: a
-// region keeps its place when an image comes at another binning. Pixel (i, j) of an image with binning B has its centre at
-// ((i + 1/2) B, (j + 1/2) B) and belongs to a region that holds this centre. A centre on the upper or left edge is inside, one
-// on the lower or right edge is not, so that regions side by side share no pixel. Polygon and free-hand outline close by
-// themselves; where an outline crosses itself, all that it runs around is inside (the winding number is not 0).
+// Coordinates are pixels of the unbinned sensor, x to the right and y down, from the outer corner of the image's first
+// pixel: a region keeps its place when an image comes at another binning. Pixel (i, j) of an image with binning B has
+// its centre at
+// ((i + 1/2) B, (j + 1/2) B) and belongs to a region that holds this centre. A centre on the upper or left edge is
+// inside, one on the lower or right edge is not, so that regions side by side share no pixel. Polygon and free-hand
+// outline close by themselves; where an outline crosses itself, all that it runs around is inside (the winding number
+// is not 0).
 struct tagROIInfo
 {
     struct Point

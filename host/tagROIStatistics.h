@@ -5,7 +5,8 @@
 
 #include <limits>
 
-// What a region of interest holds of one image. Pixels that are NaN or infinite are left out of every number and counted apart.
+// What a region of interest holds of one image. Pixels that are NaN or infinite are left out of every number and
+// counted apart.
 struct tagROIStatistics
 {
     static constexpr double unknown() { return std::numeric_limits<double>::quiet_NaN(); }

@@ -32,8 +32,8 @@ QHash<QString, int> indexByPair(const QVector<SpectrumPoint>& points)
     return index;
 }
 
-// The text that QDomElement::setAttribute(QString, double) makes, but for its decimal point: that one follows the locale
-// of the C library.
+// The text that QDomElement::setAttribute(QString, double) makes, but for its decimal point: that one follows the
+// locale of the C library.
 QString doubleText(double value)
 {
     return QString::number(value, 'g', 16);

@@ -16,9 +16,9 @@ class QDomDocument;
 class QDomElement;
 class SpumKyvoSpectrumCtrl;
 
-// The record of one spectrum: its settings and its values over the band list. It lives with or without a row of the list
-// on screen; when a row is attached, the two are kept in step by the operations that say so, and by nothing else. Copies
-// share nothing but the weak pointer to the row.
+// The record of one spectrum: its settings and its values over the band list. It lives with or without a row of the
+// list on screen; when a row is attached, the two are kept in step by the operations that say so, and by nothing else.
+// Copies share nothing but the weak pointer to the row.
 //
 // A pair matches a point when the texts `first` and `second`, in lower case and joined by ",", are equal. Where points
 // are duplicates in that sense the last one counts.
@@ -36,21 +36,21 @@ public:
     QString origin; // where the spectrum came from
     QWeakPointer<SpumKyvoSpectrumCtrl> control;
 
-    // The points' places along the axis, one a point: `first` if `axis` is 1, else `second`, as a number; 0 for a text that
-    // is none.
+    // The points' places along the axis, one a point: `first` if `axis` is 1, else `second`, as a number; 0 for a text
+    // that is none.
     XTNT::Vector<double> axisValues() const;
     // The points' values.
     XTNT::Vector<double> values() const;
-    // Writes the values in order. False, with nothing changed, when the length differs from that of `points`. With a row
-    // attached and any points, enables the row's select box and name edit.
+    // Writes the values in order. False, with nothing changed, when the length differs from that of `points`. With a
+    // row attached and any points, enables the row's select box and name edit.
     bool setValues(const XTNT::Vector<double>& newValues);
     // One point per pair, of value 0, in place of what was there.
     void setPairs(const QList<KeyPair>& pairs);
     // True if there are points and the Euclidean norm of the values is above 0 (so not if one of them is NaN).
     bool hasData() const;
 
-    // Keeps a weak pointer to `row` (null detaches). A live row is enabled by hasData() or `force`, then shows the settings;
-    // these come last, so the name edit ends as `settings.enabled` has it.
+    // Keeps a weak pointer to `row` (null detaches). A live row is enabled by hasData() or `force`, then shows the
+    // settings; these come last, so the name edit ends as `settings.enabled` has it.
     void attachControl(const QWeakPointer<SpumKyvoSpectrumCtrl>& row, bool force);
     // With a live row, takes all settings from it. Returns the settings.
     const SpectrumSettings& readControl();
@@ -68,8 +68,8 @@ public:
     // Appends an element "Component%1" to `out`, an element of `doc`. Values are written with 16 significant digits, in
     // the C locale whatever the process is set to. `curveId`, `curveFlag` and `enabled` are not written.
     void writeXml(QDomElement& out, QDomDocument& doc) const;
-    // Reads what writeXml() made from the element "Component%1" itself. False if the tag does not say "Component" (in any
-    // case) and an integer, or the version is not 1.0; the members are then left as they were. Attributes that are missing
-    // count as empty, and as 0.
+    // Reads what writeXml() made from the element "Component%1" itself. False if the tag does not say "Component" (in
+    // any case) and an integer, or the version is not 1.0; the members are then left as they were. Attributes that are
+    // missing count as empty, and as 0.
     bool readXml(const QDomElement& in);
 };

@@ -18,8 +18,8 @@
 #include <QSignalBlocker>
 #include <QToolButton>
 
-// The icons are linked from a static library, so nothing registers them unless asked. Q_INIT_RESOURCE must stand outside
-// every namespace.
+// The icons are linked from a static library, so nothing registers them unless asked. Q_INIT_RESOURCE must stand
+// outside every namespace.
 static void initSpectraResources()
 {
     Q_INIT_RESOURCE(spectra);
@@ -124,8 +124,8 @@ void SpumKyvoSpectrumCtrl::buildTool(QWidget* parent, bool withImport)
         m_pImportAction =
             m_pToolMenu->addAction(QIcon(QStringLiteral(":/Resource/fileopen_enabled.xpm")), QStringLiteral("Import"));
     }
-    // The default of the menu and not of the button: a button with a default action triggers that at each click and would
-    // fall back to "Medium" instead of being turned on and off.
+    // The default of the menu and not of the button: a button with a default action triggers that at each click and
+    // would fall back to "Medium" instead of being turned on and off.
     m_pToolMenu->setDefaultAction(pMedium);
 
     m_pToolButton = new QToolButton(parent);

@@ -19,10 +19,10 @@ class QMenu;
 class QToolButton;
 class QWidget;
 
-// The row of widgets that shows one spectrum in a list: index, select box, name, colour, drawing tool. It has no signals
-// or slots of its own: the owner of the list connects those of the widgets and puts the layout where it belongs. A row is
-// owned by a shared pointer in that list (records hold weak ones), so it has no QObject parent; its widgets are children of
-// the widget given to the constructor and may die with it before the row does.
+// The row of widgets that shows one spectrum in a list: index, select box, name, colour, drawing tool. It has no
+// signals or slots of its own: the owner of the list connects those of the widgets and puts the layout where it
+// belongs. A row is owned by a shared pointer in that list (records hold weak ones), so it has no QObject parent; its
+// widgets are children of the widget given to the constructor and may die with it before the row does.
 class SpumKyvoSpectrumCtrl : public QObject
 {
     Q_OBJECT
@@ -35,8 +35,8 @@ public:
         QIcon icon;
     };
 
-    // `withImport` adds "Import" to the tool menu. With `multiSelect` the select control is a check box, otherwise a radio
-    // button (exclusive among the rows of one parent). `parent` may be null.
+    // `withImport` adds "Import" to the tool menu. With `multiSelect` the select control is a check box, otherwise a
+    // radio button (exclusive among the rows of one parent). `parent` may be null.
     SpumKyvoSpectrumCtrl(QWidget* parent, bool withImport, bool multiSelect);
     // Deletes the widgets that are still there and the layout, then the colour entries.
     ~SpumKyvoSpectrumCtrl() override;

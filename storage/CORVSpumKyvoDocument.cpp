@@ -25,7 +25,8 @@ constexpr double oldestVersion = 1.1;
 constexpr double presentVersion = 2.0;
 constexpr double secondsAMinute = 60.0;
 
-// What the decay controls say of a result whose file tells nothing: no isotope, a half life so long that nothing decays.
+// What the decay controls say of a result whose file tells nothing: no isotope, a half life so long that nothing
+// decays.
 constexpr const char* unknownIsotope = "Undefined";
 constexpr double unknownHalfLifeSeconds = 599999994.0;
 

@@ -9,8 +9,8 @@
 
 class CORVSpumKyvo;
 
-// Reads the root of a results document into an engine, child by child in document order, and knows the elements that both
-// generations of the file have. What was read before a failure stays in the engine.
+// Reads the root of a results document into an engine, child by child in document order, and knows the elements that
+// both generations of the file have. What was read before a failure stays in the engine.
 class ResultReader
 {
 public:
@@ -18,9 +18,9 @@ public:
     ResultReader& operator=(const ResultReader&) = delete;
     virtual ~ResultReader() = default;
 
-    // Takes the spectra, ratios and regions of before from the engine, then walks the children. An element is handed to the
-    // first entry of its name, compared without regard to case; others are skipped. False at the first that fails, which the log
-    // then tells.
+    // Takes the spectra, ratios and regions of before from the engine, then walks the children. An element is handed to
+    // the first entry of its name, compared without regard to case; others are skipped. False at the first that fails,
+    // which the log then tells.
     bool read(const QDomElement& root);
 
 protected:

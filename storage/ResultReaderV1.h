@@ -11,8 +11,8 @@ class ResultReaderV1 : public ResultReader
 public:
     explicit ResultReaderV1(CORVSpumKyvo& engine);
 
-    // As read(), and then what such a file leaves out: ratios, one a component when it has none, and the values of the spectra
-    // over the selection.
+    // As read(), and then what such a file leaves out: ratios, one a component when it has none, and the values of the
+    // spectra over the selection.
     bool readAll(const QDomElement& root);
 
 private:

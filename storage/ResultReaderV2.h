@@ -3,7 +3,8 @@
 
 #include "storage/ResultReader.h"
 
-// The reader of the present files: selection, spectra, mask and display; the concentrations are computed again afterwards.
+// The reader of the present files: selection, spectra, mask and display; the concentrations are computed again
+// afterwards.
 class ResultReaderV2 : public ResultReader
 {
 public:

@@ -4,9 +4,9 @@
 #include <QString>
 #include <QStringList>
 
-// The list of a sequence's saved results, as the saving, loading, deleting and renaming of results see it: an editable text and
-// the names to choose from. In a window a combo box and the host's control of it stand behind; ResultsListInMemory serves
-// programs without one. All on the user-interface thread.
+// The list of a sequence's saved results, as the saving, loading, deleting and renaming of results see it: an editable
+// text and the names to choose from. In a window a combo box and the host's control of it stand behind;
+// ResultsListInMemory serves programs without one. All on the user-interface thread.
 class ResultsList
 {
 public:
@@ -25,8 +25,8 @@ public:
     virtual QString itemText(int nIndex) const = 0;
     // The names of the results that are saved, in the order of the index.
     virtual QStringList getSavedMenuNames() const = 0;
-    // Fills the list with the saved names of the sequence (its id or its name) and, while m_bResultModified is set, with the next
-    // automatic name with "(new)" behind, which is then chosen.
+    // Fills the list with the saved names of the sequence (its id or its name) and, while m_bResultModified is set,
+    // with the next automatic name with "(new)" behind, which is then chosen.
     virtual void updateSavedResultsForSelSeqId(const QString& strSequence) = 0;
 
     // A result is on screen that has been neither saved nor dropped.

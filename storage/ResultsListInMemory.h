@@ -12,8 +12,8 @@ public:
     void setCurrentIndex(int nIndex) override;
     QString itemText(int nIndex) const override { return m_items.value(nIndex); }
     QStringList getSavedMenuNames() const override { return m_saved; }
-    // A sequence that is not open, has no folder or no readable index has no saved names. The item that was chosen stays so
-    // when its text, without "(new)", is still there; else the one at its place is.
+    // A sequence that is not open, has no folder or no readable index has no saved names. The item that was chosen
+    // stays so when its text, without "(new)", is still there; else the one at its place is.
     void updateSavedResultsForSelSeqId(const QString& strSequence) override;
 
     int count() const { return m_items.size(); }

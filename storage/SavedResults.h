@@ -18,17 +18,20 @@ class SavedResultsOwner;
 enum class SaveOutcome
 {
     Saved,
-    // The name is in the index and points at the file of an earlier result with the same time stamp; this result is not on disk.
+    // The name is in the index and points at the file of an earlier result with the same time stamp; this result is not
+    // on disk.
     FileWasThere,
     Declined, // the user did not want to overwrite; nothing was changed
     NotSaved  // told in the log or by a message, but for a sequence that got no folder
 };
 
-// Saves the results of an engine beside its sequence, brings them back, deletes and renames them, and asks the user to keep
-// one that would be lost. Results of one sequence may be saved by several programs at once: who changes the index holds a
-// lock from reading it to writing it, and each file appears as a whole, the result ahead of the entry that points at it.
+// Saves the results of an engine beside its sequence, brings them back, deletes and renames them, and asks the user to
+// keep one that would be lost. Results of one sequence may be saved by several programs at once: who changes the index
+// holds a lock from reading it to writing it, and each file appears as a whole, the result ahead of the entry that
+// points at it.
 //
-// All on the user-interface thread, with no run of the engine in progress. Messages go through CORVMessageBox and the log.
+// All on the user-interface thread, with no run of the engine in progress. Messages go through CORVMessageBox and the
+// log.
 class SavedResults
 {
 public:
@@ -46,8 +49,8 @@ public:
     bool onClickLoadResults();
     // Deletes the result of the current text once the user has agreed; true when it is gone from the index.
     bool onClickDeleteResults();
-    // Gives the result of the item at m_nEditedIndex the current text for its name. Also true when that name is taken, which
-    // the user has been told then.
+    // Gives the result of the item at m_nEditedIndex the current text for its name. Also true when that name is taken,
+    // which the user has been told then.
     bool renameResult();
     // Asks the user to keep a result that is about to be lost; false when they backed out, or without an engine. True
     // leaves the tree of result properties empty, but for a batch.

@@ -36,7 +36,8 @@ bool isNeededByOther(const CPLSettingsFileWrapper& index, const QString& strName
     });
 }
 
-// Of a list that was not written by this program several sections may have one key; removing by key would take the first.
+// Of a list that was not written by this program several sections may have one key; removing by key would take the
+// first.
 void makeKeyUnique(CPLSettingsFileWrapper& index, CPLSection& section)
 {
     QString strKey;
@@ -79,7 +80,8 @@ bool SavedResults::onClickDeleteResults()
     return true;
 }
 
-// An index that cannot be read or written ends it without a word of its own: the index's reader and writer have logged why.
+// An index that cannot be read or written ends it without a word of its own: the index's reader and writer have logged
+// why.
 bool SavedResults::deleteEntry(const QString& strFolder, const QString& strName)
 {
     SavedResultsLock lock(strFolder);

@@ -4,8 +4,8 @@
 class CORVSequenceDataset;
 class QWidget;
 
-// What the saving and loading of results asks of the window around it, in the words of that window. A program without one
-// takes this class as it is: nothing happens, and no result is shown that could be lost.
+// What the saving and loading of results asks of the window around it, in the words of that window. A program without
+// one takes this class as it is: nothing happens, and no result is shown that could be lost.
 class SavedResultsOwner
 {
 public:
@@ -18,7 +18,8 @@ public:
     virtual QWidget* messageParent() { return nullptr; }
     virtual QWidget* activeChildWindow() { return nullptr; }
 
-    // Lets the sequence's window give a sequence without a folder one; 0 when it has one afterwards, or there is no window.
+    // Lets the sequence's window give a sequence without a folder one; 0 when it has one afterwards, or there is no
+    // window.
     virtual int giveSequenceHome(CORVSequenceDataset*) { return 0; }
     // Shows the parent of the sequence's window if it is minimised.
     virtual void showMinimisedWindow(CORVSequenceDataset*) {}

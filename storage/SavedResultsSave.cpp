@@ -34,8 +34,8 @@ bool makeFolder(const QString& strFolder)
     return QDir(strFolder).exists() || QDir().mkdir(strFolder) || QDir(strFolder).exists();
 }
 
-// An empty index, unless there is one: never the end of one that another program has just written. That it could not be made
-// shows when it is read.
+// An empty index, unless there is one: never the end of one that another program has just written. That it could not be
+// made shows when it is read.
 void makeIndex(const QString& strPath)
 {
     if (!QFileInfo::exists(strPath)) {

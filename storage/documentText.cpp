@@ -17,7 +17,8 @@
 namespace {
 
 constexpr int deepestElement = 256;
-// An element with three attributes takes a kilobyte and a half; thirty components of ten thousand images are well below this.
+// An element with three attributes takes a kilobyte and a half; thirty components of ten thousand images are well below
+// this.
 constexpr int mostElements = 500000;
 constexpr int mostAttributes = 1000; // of an element
 // Sixteen components of two million pixels in a document of the first generation.
@@ -242,7 +243,8 @@ bool refuseExtent(const QString& text, QDomDocument* pDocument, QString* pReason
     return true;
 }
 
-// The encoding of a document: by its mark, else by its zero bytes, else as its first line says, else UTF-8. Null for one that is unknown.
+// The encoding of a document: by its mark, else by its zero bytes, else as its first line says, else UTF-8. Null for
+// one that is unknown.
 QTextCodec* codecOf(const QByteArray& bytes)
 {
     static const QRegularExpression declared(QStringLiteral("^<\\?xml[^>]*\\sencoding\\s*=\\s*[\"']([^\"']*)[\"']"));

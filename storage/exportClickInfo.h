@@ -36,7 +36,7 @@ struct ExportClickFacts
     bool keepInfo = false;
 };
 
-// Appends the seven sections of a map's click info to `out`: "ClickNumber", "User Input", "Analysis User Input", "luminescent
-// image", "User Label Name Set", "photographic image", "Graph Controls", in this order, each with the name of the source's
-// section. Min and max of the map are those of its last RefreshImageStats().
+// Appends the seven sections of a map's click info to `out`: "ClickNumber", "User Input", "Analysis User Input",
+// "luminescent image", "User Label Name Set", "photographic image", "Graph Controls", in this order, each with the name
+// of the source's section. Min and max of the map are those of its last RefreshImageStats().
 void exportClickInfo(const CPLClickInfo& source, const CILImage& map, const ExportClickFacts& facts, CPLClickInfo& out);

@@ -7,10 +7,11 @@ class CORVDataset;
 class CORVSequenceDataset;
 class CPLClickInfo;
 
-// Images that a map's dataset takes over, each with its section. `strFolder` ends with a separator. Every function is false
-// when a file cannot be written, and true when there is nothing to be taken.
+// Images that a map's dataset takes over, each with its section. `strFolder` ends with a separator. Every function is
+// false when a file cannot be written, and true when there is nothing to be taken.
 
-// Structure and reference image of the first structured-light dataset of the sequence: "structure.TIF", "reference.TIF".
+// Structure and reference image of the first structured-light dataset of the sequence: "structure.TIF",
+// "reference.TIF".
 bool exportStructuredLight(const CORVSequenceDataset& sequence, const QString& strFolder, CPLClickInfo& info);
 // The source's photograph: "photograph.TIF".
 bool exportPhotograph(CORVDataset& source, const QString& strFolder);

@@ -25,12 +25,13 @@ struct OldSpectrum
     QString color;
 };
 
-// The children that describe resolved spectra, in order; others are skipped. A colour that is none of the twelve default ones is
-// the default colour at the child's own place.
+// The children that describe resolved spectra, in order; others are skipped. A colour that is none of the twelve
+// default ones is the default colour at the child's own place.
 QList<OldSpectrum> readSpectra(const QDomElement& element);
 
 // A matrix of the size that the element tells, from the text of its first child. False when a file cannot hold so much
-// (hexText::isDoubleCount) or a size is negative; *pSize then tells it as "rows x columns", and the matrix is untouched.
+// (hexText::isDoubleCount) or a size is negative; *pSize then tells it as "rows x columns", and the matrix is
+// untouched.
 bool readMatrix(const QDomElement& element, XTNT::Matrix<double>* pMatrix, QString* pSize);
 
 } // namespace oldResultElements

@@ -24,19 +24,21 @@ struct OpenedTile
     ~OpenedTile();
 
     Kind kind = Kind::Nothing;
-    // Of a map, loaded; belongs to whoever asked for it, as a rule to hand it on to the window that shows it. Its images are in
-    // memory, so that it stays what it is when the same tile is opened again and the folder gets other files.
+    // Of a map, loaded; belongs to whoever asked for it, as a rule to hand it on to the window that shows it. Its
+    // images are in memory, so that it stays what it is when the same tile is opened again and the folder gets other
+    // files.
     std::unique_ptr<CORVDataset> dataset;
-    // In a batch, where the dataset has been saved, with a separator at its end. Empty when it was not; the dataset then lies in
-    // the system's temporary directory alone.
+    // In a batch, where the dataset has been saved, with a separator at its end. Empty when it was not; the dataset
+    // then lies in the system's temporary directory alone.
     QString savedFolder;
 };
 
-// Opens a tile of the engine's unmixed images, from 0; with K components each scan spot has K + 1 of them, the last its composite.
-// Any other becomes a dataset (CORVSpumKyvo::openUnmixedDataset): modified, as nobody has saved it yet, and with the regions of
-// interest of the image in which its component is brightest, measured over the map.
+// Opens a tile of the engine's unmixed images, from 0; with K components each scan spot has K + 1 of them, the last its
+// composite. Any other becomes a dataset (CORVSpumKyvo::openUnmixedDataset): modified, as nobody has saved it yet, and
+// with the regions of interest of the image in which its component is brightest, measured over the map.
 //
-// First of all the engine takes over (m_bBatchMode) whether the host has a batch under way. In a batch the dataset is saved into a
-// folder of its own below m_strBatchPath, made when it is missing; a folder that cannot be made and a dataset that cannot be
-// saved are told in the log, and the dataset is open all the same. Without a batch path there is no such folder.
+// First of all the engine takes over (m_bBatchMode) whether the host has a batch under way. In a batch the dataset is
+// saved into a folder of its own below m_strBatchPath, made when it is missing; a folder that cannot be made and a
+// dataset that cannot be saved are told in the log, and the dataset is open all the same. Without a batch path there is
+// no such folder.
 OpenedTile openUnmixedTile(CORVSpumKyvo& engine, int nImgIndex);

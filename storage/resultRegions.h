@@ -19,8 +19,8 @@ struct ResultRegions
     bool hasResultImage = false;
 };
 
-// Looks through the loaded datasets for those whose click info tells, without regard to case, that they were unmixed from the
-// sequence. The first that does not name its concentration map ends the collection.
+// Looks through the loaded datasets for those whose click info tells, without regard to case, that they were unmixed
+// from the sequence. The first that does not name its concentration map ends the collection.
 ResultRegions collectResultRegions(const QString& strSeqId);
 
 // The regions of an image of a result that is about to be closed, and the sequence whose result has to keep them.
@@ -30,9 +30,9 @@ struct ClosingRegions
     RoiRecord record; // without entries when the image has no regions
 };
 
-// From what the dataset's click info tells of sequence and concentration map. Nothing for null, and for a dataset that does not
-// name both.
+// From what the dataset's click info tells of sequence and concentration map. Nothing for null, and for a dataset that
+// does not name both.
 std::optional<ClosingRegions> closingRegions(CORVDataset* pDataset);
-// Appends the record, in place of all whose map has the same number. A map's number is its name as QString::toInt() reads it, so
-// all names that are no number are one: 0.
+// Appends the record, in place of all whose map has the same number. A map's number is its name as QString::toInt()
+// reads it, so all names that are no number are one: 0.
 void replaceRegions(QList<RoiRecord>& records, const RoiRecord& record);

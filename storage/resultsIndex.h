@@ -43,8 +43,8 @@ QString relativeFile(const QString& strFileName);
 
 // To be called ahead of every use of an index.
 void setTags(CPLSettingsFileWrapper& index);
-// The name that is meant, without regard to case. Names that differ in case alone may stand beside each other, so the one
-// that is equal comes first.
+// The name that is meant, without regard to case. Names that differ in case alone may stand beside each other, so the
+// one that is equal comes first.
 std::optional<QString> findName(const QStringList& names, const QString& strName);
 
 } // namespace resultsIndex

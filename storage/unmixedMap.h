@@ -29,8 +29,8 @@ struct UnmixedMapPlace
     const std::vector<int>* pixels = nullptr;
 };
 
-// Fills `out` with the component's concentrations (components x pixels of all spots, one spot after the other), as floats
-// divided by the largest value of its spectrum; 0 where nothing was analysed. False, and `out` empty, when the concentrations
-// have no such component or spot, or a pixel lies outside the image.
+// Fills `out` with the component's concentrations (components x pixels of all spots, one spot after the other), as
+// floats divided by the largest value of its spectrum; 0 where nothing was analysed. False, and `out` empty, when the
+// concentrations have no such component or spot, or a pixel lies outside the image.
 bool unmixedMap(const XTNT::Matrix<double>& concentrations, const UnmixedMapPlace& place, double dSpectrumMaximum,
                 CILImage& out);

@@ -29,9 +29,9 @@ struct ColorBarLayout
     double textRoom = 0.0; // left free for the text beneath
 };
 
-// The unit under a colour bar, line by line from above: 0 counts, 1 radiance, 2 radiant efficiency, 3 efficiency, anything
-// else unknown; bNTF tells the wording of 2 and 3. The lines build a fraction by hand, so blanks, underscores and offsets
-// belong together.
+// The unit under a colour bar, line by line from above: 0 counts, 1 radiance, 2 radiant efficiency, 3 efficiency,
+// anything else unknown; bNTF tells the wording of 2 and 3. The lines build a fraction by hand, so blanks, underscores
+// and offsets belong together.
 QList<ColorBarUnitLine> colorBarUnitLines(int nUnit, bool bNTF);
 
 // Where the first line stands, with y running downwards as the offsets do: half a font height beneath the text tag.

@@ -3,7 +3,8 @@
 
 #include <QString>
 
-// How many components may be resolved: at least kMinComponents, at most kMaxComponents and the number of selected images.
+// How many components may be resolved: at least kMinComponents, at most kMaxComponents and the number of selected
+// images.
 constexpr int kMinComponents = 2;
 constexpr int kMaxComponents = 6;
 

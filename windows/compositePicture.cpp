@@ -10,8 +10,8 @@
 #include <new>
 #include <vector>
 
-// This file is compiled without fused multiplications: values are truncated at the end, and a product that is not rounded can
-// end up on the other side of an integer.
+// This file is compiled without fused multiplications: values are truncated at the end, and a product that is not
+// rounded can end up on the other side of an integer.
 
 namespace {
 

@@ -19,8 +19,8 @@ struct ExplainedVariance
 // Percent that the suggested number of components explains at least.
 constexpr double kExplainedTarget = 99.0;
 
-// Of eigenvalues in descending order, which stay as they are (the result shares nothing with them). Empty when there are
-// none, when the largest is not above 0, and when they have no sum to be parts of (NaN or infinity among them).
+// Of eigenvalues in descending order, which stay as they are (the result shares nothing with them). Empty when there
+// are none, when the largest is not above 0, and when they have no sum to be parts of (NaN or infinity among them).
 ExplainedVariance explainedVariance(const XTNT::Vector<double>& eigenvalues);
 
 // A percentage as it is shown: six significant digits.

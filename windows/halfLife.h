@@ -3,8 +3,8 @@
 
 #include <QString>
 
-// Reads a half life in minutes (C locale). True when it is a number above 0, finite also in seconds: dMinutes and dSeconds
-// then hold it. Otherwise dMinutes holds the number that was read, 0 for none, and dSeconds is left alone.
+// Reads a half life in minutes (C locale). True when it is a number above 0, finite also in seconds: dMinutes and
+// dSeconds then hold it. Otherwise dMinutes holds the number that was read, 0 for none, and dSeconds is left alone.
 bool parseHalfLife(const QString& strMinutes, double& dMinutes, double& dSeconds);
 
 // A half life in seconds as text in minutes, with up to six significant digits.

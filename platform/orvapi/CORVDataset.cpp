@@ -20,7 +20,8 @@
 
 namespace {
 
-// Every dataset that lives, in the order of their making. Never destroyed, so that a dataset with static storage finds it.
+// Every dataset that lives, in the order of their making. Never destroyed, so that a dataset with static storage finds
+// it.
 QList<CORVDataset*>& registry()
 {
     static auto* const s_pDatasets = new QList<CORVDataset*>;

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-// Names of the sections and keys of "SequenceInfo.txt" and "ClickInfo.txt" that this program reads and writes, with their
-// units. Numbers are in the C locale, flags are 0 or 1. docs/formats.md describes the files.
+// Names of the sections and keys of "SequenceInfo.txt" and "ClickInfo.txt" that this program reads and writes, with
+// their units. Numbers are in the C locale, flags are 0 or 1. docs/formats.md describes the files.
 
 // Files of a sequence and of a dataset.
 namespace SequenceFiles {

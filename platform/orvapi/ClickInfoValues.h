@@ -8,8 +8,8 @@
 
 class CPLClickInfo;
 
-// Values of a click info with their meaning tested. An absent section, an absent key and a value that cannot be read are all
-// "no value"; wrongNumbers() tells the last from the others.
+// Values of a click info with their meaning tested. An absent section, an absent key and a value that cannot be read
+// are all "no value"; wrongNumbers() tells the last from the others.
 
 // The text without blanks at its ends; empty when there is none.
 QString clickText(const CPLClickInfo& info, const char* pSection, const char* pKey);

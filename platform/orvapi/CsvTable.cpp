@@ -15,7 +15,8 @@ constexpr int maxRows = 100000;
 constexpr int maxColumns = 10000;
 constexpr int mibUtf8 = 106;
 
-// The text with LF alone for ends of line. What is not UTF-8 is read as Latin-1, with the line where that begins in *pLine, else 0.
+// The text with LF alone for ends of line. What is not UTF-8 is read as Latin-1, with the line where that begins in
+// *pLine, else 0.
 QString decode(QByteArray bytes, int* pLine)
 {
     if (bytes.startsWith("\xEF\xBB\xBF")) {

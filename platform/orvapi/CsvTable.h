@@ -7,8 +7,9 @@
 
 #include <optional>
 
-// A table of comma-separated cells in UTF-8: lines that begin with '#' and blank lines do not count, the first other line
-// names the columns, and every further one has as many cells. Cells are without blanks at their ends; there is no quoting.
+// A table of comma-separated cells in UTF-8: lines that begin with '#' and blank lines do not count, the first other
+// line names the columns, and every further one has as many cells. Cells are without blanks at their ends; there is no
+// quoting.
 struct CsvTable
 {
     struct Row
@@ -24,8 +25,8 @@ struct CsvTable
     QString problem(int nLine, const QString& strWhat) const;
 };
 
-// False when the file cannot be read or has no header; `problems` tells why. A row with another number of cells than the
-// header is left out and told.
+// False when the file cannot be read or has no header; `problems` tells why. A row with another number of cells than
+// the header is left out and told.
 bool readCsvTable(const QString& strFile, CsvTable* pTable, QStringList& problems);
 
 // A finite number in the C locale that is the whole cell.

@@ -10,8 +10,9 @@
 class CILImage;
 class CPLClickInfo;
 
-// The folder of a dataset that is being saved: built beside its target, in place as a whole or not at all. A status other than
-// success comes with one sentence in *pReason: the file and what is wrong. Names are those of files inside the folder.
+// The folder of a dataset that is being saved: built beside its target, in place as a whole or not at all. A status
+// other than success comes with one sentence in *pReason: the file and what is wrong. Names are those of files inside
+// the folder.
 class DatasetFolder
 {
 public:

@@ -15,6 +15,6 @@ QList<tag_eimagetype> allImageTypes();
 // reference has a second name for an image taken in transmission.
 QStringList imageFileNames(tag_eimagetype eType);
 QString imageSection(tag_eimagetype eType);
-// The sections that tell of an image's acquisition, the one that counts first: a separate main data image takes from the
-// luminescent image's section what its own lacks.
+// The sections that tell of an image's acquisition, the one that counts first: a separate main data image takes from
+// the luminescent image's section what its own lacks.
 QStringList acquisitionSections(tag_eimagetype eType);

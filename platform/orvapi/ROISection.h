@@ -31,8 +31,9 @@ struct Reading
     QStringList messages;      // what was left out or changed
 };
 
-// Keys may have lost their blanks; case does not count. A region needs a shape; without a fit name it is called "ROI 1" after its
-// number, and of two with one name the later gets a number behind. Of a key that comes twice the first counts.
+// Keys may have lost their blanks; case does not count. A region needs a shape; without a fit name it is called "ROI 1"
+// after its number, and of two with one name the later gets a number behind. Of a key that comes twice the first
+// counts.
 Reading read(const Entries& entries);
 Entries entriesOf(const CPLSection& section);
 

@@ -160,8 +160,8 @@ void ellipseIntervals(const tagROIInfo& info, double y, std::vector<Interval>& i
     intervals.push_back({middle - half, middle + half});
 }
 
-// The winding number of the outline along the row. Each edge is evaluated from its upper end, whatever its direction, so that
-// two outlines that share an edge share its crossings to the bit.
+// The winding number of the outline along the row. Each edge is evaluated from its upper end, whatever its direction,
+// so that two outlines that share an edge share its crossings to the bit.
 void outlineIntervals(const QVector<Point>& points, double y, std::vector<Crossing>& crossings,
                       std::vector<Interval>& intervals)
 {

@@ -15,7 +15,8 @@ struct IsotopeRecord
     bool cherenkov = false;
 };
 
-// The reference tables of one folder, or of several of which a later one adds to the earlier: its entry of the same name wins.
+// The reference tables of one folder, or of several of which a later one adds to the earlier: its entry of the same
+// name wins.
 struct ReferenceTables
 {
     QMap<QString, sSourceSpecFileParameters> luminescentSources;
@@ -27,7 +28,7 @@ struct ReferenceTables
     QList<sProbeParameters> probes; // likewise
     QStringList problems;
 
-    // Adds the folder's tables. A row that cannot be read is left out and told in `problems` with file and line. A table that
-    // is not there is told when `bExpected`.
+    // Adds the folder's tables. A row that cannot be read is left out and told in `problems` with file and line. A
+    // table that is not there is told when `bExpected`.
     void addFolder(const QString& strFolder, bool bExpected);
 };

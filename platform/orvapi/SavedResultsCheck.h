@@ -3,7 +3,7 @@
 
 #include <QString>
 
-// One sentence when the folder of a sequence holds saved results, which would be lost if another sequence took its place;
-// empty when it holds none, or does not exist. Results are there when an index, of single results or of a batch, has more than
-// comments, or cannot be read.
+// One sentence when the folder of a sequence holds saved results, which would be lost if another sequence took its
+// place; empty when it holds none, or does not exist. Results are there when an index, of single results or of a batch,
+// has more than comments, or cannot be read.
 QString savedResultsAtStake(const QString& strFolder);

@@ -26,8 +26,8 @@ struct SequenceInfo
     std::optional<int> announcedCount; // how many folders the file announces
 };
 
-// Reads the sections. False when there is no section of a sequence at all; what could not be read is told in `warnings` with
-// the file's name `strFile` in front. Folders that are not plainly below the sequence's are left out and told.
+// Reads the sections. False when there is no section of a sequence at all; what could not be read is told in `warnings`
+// with the file's name `strFile` in front. Folders that are not plainly below the sequence's are left out and told.
 bool readSequenceInfo(const CPLClickInfo& sections, const QString& strFile, SequenceInfo* pInfo, QStringList& warnings);
 
 // The sections of a file that reads as `info`.

@@ -39,9 +39,9 @@ struct DatasetDescription
     CPLClickInfo info; // complete sections; the entry "ClickNumber" and missing "Binning Factor"s are filled in
 };
 
-// Writes a new sequence folder as a whole or not at all. Everything is built in a hidden folder beside the target, which
-// finish() renames; the destructor removes what was not finished. After a failure the writer refuses further calls, and
-// the target is as it was.
+// Writes a new sequence folder as a whole or not at all. Everything is built in a hidden folder beside the target,
+// which finish() renames; the destructor removes what was not finished. After a failure the writer refuses further
+// calls, and the target is as it was.
 //
 //     SequenceWriter writer;
 //     if (!writer.begin(target, description, force, &error)) ...
@@ -59,22 +59,24 @@ public:
     SequenceWriter& operator=(const SequenceWriter&) = delete;
     ~SequenceWriter();
 
-    // Prepares the folder `strTarget`, whose parent must exist. A target that exists is refused; with `bForce` it is replaced
-    // at finish(), provided that it is a sequence or an empty folder, so that no other folder is lost by a slip.
+    // Prepares the folder `strTarget`, whose parent must exist. A target that exists is refused; with `bForce` it is
+    // replaced at finish(), provided that it is a sequence or an empty folder, so that no other folder is lost by a
+    // slip.
     bool begin(const QString& strTarget, const SequenceDescription& description, bool bForce,
                QString* pError = nullptr);
 
-    // Appends a dataset with its images, which are written in their own pixel type and stay the caller's. Refused: an empty
-    // or repeated click number, an empty image, two images of one type. Only the first dataset needs a photograph; the
-    // sequence lends it to the others.
+    // Appends a dataset with its images, which are written in their own pixel type and stay the caller's. Refused: an
+    // empty or repeated click number, an empty image, two images of one type. Only the first dataset needs a
+    // photograph; the sequence lends it to the others.
     bool addDataset(const DatasetDescription& dataset, const Images& images, QString* pError = nullptr);
 
     // A folder of that name inside the sequence, made when missing, to write further files to before finish(); with a
-    // separator at its end. Empty before begin(), when it cannot be made, or for a name that is not a plain folder name.
+    // separator at its end. Empty before begin(), when it cannot be made, or for a name that is not a plain folder
+    // name.
     QString extraFolder(const QString& strName);
 
-    // Where to write a further file of that name, beside the datasets, before finish(). Empty before begin(), or for a name
-    // that is not a plain file name or is taken.
+    // Where to write a further file of that name, beside the datasets, before finish(). Empty before begin(), or for a
+    // name that is not a plain file name or is taken.
     QString extraFile(const QString& strName);
 
     // Writes the info file and puts the folder in its place. Refused without a dataset.

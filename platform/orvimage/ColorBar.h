@@ -23,9 +23,9 @@ struct ColorBarOptions
 // logarithmic palette bends the scale instead of the colours.
 double colorBarPosition(const CILPalette& palette, double value, double minimum, double maximum);
 
-// A colour bar of that length in pixels from minimum to maximum, with ticks at round values, a common power of ten and the
-// unit's lines; in QImage::Format_ARGB32. Text needs a QGuiApplication, which may be the "offscreen" one; without it the
-// bar comes without text.
+// A colour bar of that length in pixels from minimum to maximum, with ticks at round values, a common power of ten and
+// the unit's lines; in QImage::Format_ARGB32. Text needs a QGuiApplication, which may be the "offscreen" one; without
+// it the bar comes without text.
 QImage drawColorBar(const CILPalette& palette, double minimum, double maximum, int length,
                     const ColorBarOptions& options);
 

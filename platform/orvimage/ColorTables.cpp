@@ -68,8 +68,9 @@ QRgb oklchColor(double lightness, double chroma, double hueDegrees)
     return rgbFromUnit(srgbFromLinear(c[0]), srgbFromLinear(c[1]), srgbFromLinear(c[2]));
 }
 
-// A table of evenly rising lightness in Oklab, its hue turning from violet by blue and green to yellow. Made by formula, so
-// that equal steps of a value look like equal steps of brightness, in print without colour and to the colour-blind too.
+// A table of evenly rising lightness in Oklab, its hue turning from violet by blue and green to yellow. Made by
+// formula, so that equal steps of a value look like equal steps of brightness, in print without colour and to the
+// colour-blind too.
 QVector<QRgb> lumen()
 {
     QVector<QRgb> colors;

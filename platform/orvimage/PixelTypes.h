@@ -10,8 +10,8 @@
 
 namespace orvimage {
 
-// A number as a pixel of type T: integers by rounding to nearest (halves away from zero) and limiting to the type's range,
-// NaN as 0; floats by conversion.
+// A number as a pixel of type T: integers by rounding to nearest (halves away from zero) and limiting to the type's
+// range, NaN as 0; floats by conversion.
 template <typename T>
 T toPixel(double v)
 {

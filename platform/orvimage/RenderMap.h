@@ -14,9 +14,9 @@ struct ValueRange
     double maximum = 0.0;
 };
 
-// The range that a picture of a map should show: from 0 (or, where there are negative values, the value that 0.1 percent of
-// the finite pixels lie below) to the value that 0.02 percent lie above, so that single hot pixels do not darken the rest
-// while a probe of a few pixels still counts. Without finite pixels 0 to 0.
+// The range that a picture of a map should show: from 0 (or, where there are negative values, the value that 0.1
+// percent of the finite pixels lie below) to the value that 0.02 percent lie above, so that single hot pixels do not
+// darken the rest while a probe of a few pixels still counts. Without finite pixels 0 to 0.
 ValueRange robustRange(const CILImage& map);
 
 struct RenderMapOptions
@@ -34,9 +34,9 @@ struct RenderMapOptions
     int scale = 0; // screen pixels per pixel of the map along a side; 0: so many that the longer side reaches 512
 };
 
-// The picture of a map: its colours over the photograph (null: over black), enlarged by whole pixels, with a title and a
-// colour bar, on white. The photograph is brought to the map's extent and stretched between its own extremes; one with
-// colours keeps them. NaNs show the photograph. An empty map gives a null picture.
+// The picture of a map: its colours over the photograph (null: over black), enlarged by whole pixels, with a title and
+// a colour bar, on white. The photograph is brought to the map's extent and stretched between its own extremes; one
+// with colours keeps them. NaNs show the photograph. An empty map gives a null picture.
 QImage renderMapOverPhotograph(const CILImage& map, const CILImage* photograph, const RenderMapOptions& options);
 
 } // namespace orvimage

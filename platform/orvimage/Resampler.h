@@ -8,8 +8,9 @@
 
 namespace orvimage {
 
-// How each new pixel along one side is made from old ones: new pixel i is the sum of old[taps[k].source] * taps[k].weight
-// over k in [begin[i], begin[i + 1]). Weights of zero are left out, so that a NaN reaches only what it touches.
+// How each new pixel along one side is made from old ones: new pixel i is the sum of old[taps[k].source] *
+// taps[k].weight over k in [begin[i], begin[i + 1]). Weights of zero are left out, so that a NaN reaches only what it
+// touches.
 struct AxisTaps
 {
     struct Tap
@@ -23,8 +24,8 @@ struct AxisTaps
     int size() const { return static_cast<int>(begin.size()) - 1; }
 };
 
-// New pixel i covers the old coordinates [i * ratio, (i + 1) * ratio); its weights are the overlaps, which sum to `ratio`
-// (a sum of the content), or divided by their sum (`mean`). `size` new pixels, from `from` old ones.
+// New pixel i covers the old coordinates [i * ratio, (i + 1) * ratio); its weights are the overlaps, which sum to
+// `ratio` (a sum of the content), or divided by their sum (`mean`). `size` new pixels, from `from` old ones.
 AxisTaps areaTaps(int from, int size, double ratio, bool mean);
 // Nearest old pixel to the new pixel's centre.
 AxisTaps nearestTaps(int from, int to);
@@ -33,8 +34,8 @@ AxisTaps linearTaps(int from, int to);
 // Cubic convolution (R. Keys, Cubic convolution interpolation for digital image processing, 1981, a = -1/2).
 AxisTaps cubicTaps(int from, int to);
 
-// `out` (x.size() by y.size() pixels, any type) from `source` in double arithmetic. With `limit` the values are held within
-// the range of the source's finite pixels.
+// `out` (x.size() by y.size() pixels, any type) from `source` in double arithmetic. With `limit` the values are held
+// within the range of the source's finite pixels.
 void resample(const CILImageBase& source, const AxisTaps& x, const AxisTaps& y, bool limit, CILImageBase& out);
 
 } // namespace orvimage

@@ -6,8 +6,8 @@
 
 namespace orvimage {
 
-// Writes a picture as PNG, beside the target first and renamed when all is on disk: after a failure the target is as it was
-// and `error` (may be null) holds "file: reason".
+// Writes a picture as PNG, beside the target first and renamed when all is on disk: after a failure the target is as it
+// was and `error` (may be null) holds "file: reason".
 bool savePng(const QString& path, const QImage& picture, QString* error);
 
 } // namespace orvimage

@@ -32,9 +32,10 @@ QImage colorBarStrip(const CILPalette& palette, int width, int height);
 // A number at an end of a bar, with four significant digits, as "0.125" or "1.25×10⁷"; "-" for what is not finite.
 QString colorBarNumber(double value);
 
-// An upright bar of `height` pixels with the text of the maximum above, that of the minimum beneath and the unit's lines
-// under that, the first one's baseline half a font height under the minimum's box, in QImage::Format_ARGB32. Text needs a
-// QGuiApplication, which may be the "offscreen" one; without it the bar comes alone. A height below 2 counts as 2.
+// An upright bar of `height` pixels with the text of the maximum above, that of the minimum beneath and the unit's
+// lines under that, the first one's baseline half a font height under the minimum's box, in QImage::Format_ARGB32. Text
+// needs a QGuiApplication, which may be the "offscreen" one; without it the bar comes alone. A height below 2 counts
+// as 2.
 QImage drawStackedColorBar(const CILPalette& palette, double minimum, double maximum, int height,
                            const StackedColorBarOptions& options);
 

@@ -8,9 +8,9 @@
 
 namespace orvimage {
 
-// Values between `minimum` and `maximum` (both included when they fall on one) at multiples of 1, 2 or 5 times a power of
-// ten: the finest such step that gives at most `most` of them, ascending. A range that is empty or not finite gives its
-// minimum alone, or nothing when that is not finite.
+// Values between `minimum` and `maximum` (both included when they fall on one) at multiples of 1, 2 or 5 times a power
+// of ten: the finest such step that gives at most `most` of them, ascending. A range that is empty or not finite gives
+// its minimum alone, or nothing when that is not finite.
 std::vector<double> tickValues(double minimum, double maximum, int most);
 
 // Texts for ticks, with as many decimals as tell them apart.

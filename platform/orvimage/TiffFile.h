@@ -24,8 +24,8 @@ public:
     bool openForWriting(int descriptor, const QString& path, bool big);
     void close();
 
-    // Goes to a page of the file that is open for reading, at once where it is the present page or the next one. False when
-    // there is no such page or its directory cannot be read; the present page is then not defined.
+    // Goes to a page of the file that is open for reading, at once where it is the present page or the next one. False
+    // when there is no such page or its directory cannot be read; the present page is then not defined.
     bool goToPage(int page);
 
     TIFF* handle() const { return m_tiff; }

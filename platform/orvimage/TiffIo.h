@@ -5,8 +5,8 @@
 
 #include <QString>
 
-// TIFF files. Every function is safe to call from several threads at once, prints nothing, and on failure gives false (or 0)
-// and one sentence "file: reason" in `error`, which may be null. Pages count from 0.
+// TIFF files. Every function is safe to call from several threads at once, prints nothing, and on failure gives false
+// (or 0) and one sentence "file: reason" in `error`, which may be null. Pages count from 0.
 
 // What a page's header says.
 struct TiffInfo
@@ -33,8 +33,8 @@ struct TiffReadOptions
 {
     // A colour picture is kept beside its grey values (CILImage::setRGBImage); pixels are then bytes.
     bool keepColours = false;
-    // Reads this sample of each pixel (from 0), as stored: with a colour map, the index into it. Below 0: colours become
-    // their luma, else sample 0.
+    // Reads this sample of each pixel (from 0), as stored: with a colour map, the index into it. Below 0: colours
+    // become their luma, else sample 0.
     int band = -1;
 };
 
@@ -50,12 +50,12 @@ struct TiffWriteOptions
     QString pageName{};
 };
 
-// Reads a page. Unsigned 8 and 16 bit samples become bytes and 16 bit pixels, signed 8, 16 and 32 bit ones 32 bit integers,
-// unsigned 32 bit ones doubles, floats and doubles themselves (NaNs stay). Colours become luma (ITU-R BT.601) in the type
-// of their samples; samples below 8 bits and colour maps give bytes. Where white is the smallest value, unsigned samples are
-// turned over. Strips, tiles, planes apart, either byte order, BigTIFF and all compressions of the installed libtiff serve.
-// A header that claims more than 4 GiB, or more than a file of that length can hold, is refused before memory is taken.
-// `out` keeps its binning; after a failure it is empty.
+// Reads a page. Unsigned 8 and 16 bit samples become bytes and 16 bit pixels, signed 8, 16 and 32 bit ones 32 bit
+// integers, unsigned 32 bit ones doubles, floats and doubles themselves (NaNs stay). Colours become luma (ITU-R BT.601)
+// in the type of their samples; samples below 8 bits and colour maps give bytes. Where white is the smallest value,
+// unsigned samples are turned over. Strips, tiles, planes apart, either byte order, BigTIFF and all compressions of the
+// installed libtiff serve. A header that claims more than 4 GiB, or more than a file of that length can hold, is
+// refused before memory is taken. `out` keeps its binning; after a failure it is empty.
 bool readTiff(const QString& path, int page, CILImage& out, QString* error);
 bool readTiff(const QString& path, int page, const TiffReadOptions& options, CILImage& out, QString* error);
 
@@ -65,6 +65,6 @@ bool readTiffHeader(const QString& path, int page, TiffInfo* info, QString* erro
 // Number of pages; 0 when the file cannot be read.
 int tiffPageCount(const QString& path, QString* error);
 
-// Writes the pixels in their own type, beside the target first and renamed when all is on disk: after a failure the target
-// is as it was. A file that would pass 4 GB becomes a BigTIFF.
+// Writes the pixels in their own type, beside the target first and renamed when all is on disk: after a failure the
+// target is as it was. A file that would pass 4 GB becomes a BigTIFF.
 bool writeTiff(const QString& path, const CILImage& image, const TiffWriteOptions& options, QString* error);

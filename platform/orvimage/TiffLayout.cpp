@@ -9,8 +9,8 @@ namespace {
 
 constexpr std::uint64_t kMaxPixelBytes = std::uint64_t{4} << 30;
 constexpr std::uint32_t kMaxSide = 0x7fffffff;
-// No compression in use packs photographs and maps better than deflate packs zeros (1032 to 1); twice that is allowed, and
-// a small amount besides, so that a tiny file can still hold an empty image.
+// No compression in use packs photographs and maps better than deflate packs zeros (1032 to 1); twice that is allowed,
+// and a small amount besides, so that a tiny file can still hold an empty image.
 constexpr std::uint64_t kMaxCompression = 2064;
 constexpr std::uint64_t kAllowance = std::uint64_t{1} << 20;
 

@@ -24,8 +24,8 @@ struct TiffLayout
 
     bool isRgb() const { return photometric == PHOTOMETRIC_RGB && samples >= 3; }
     bool isGrey() const { return photometric == PHOTOMETRIC_MINISBLACK || photometric == PHOTOMETRIC_MINISWHITE; }
-    // Samples that are whole numbers of bytes with a plain meaning are decoded here, the rest (colour maps, bits, YCbCr,
-    // CMYK and so on) by libtiff's own conversion to colours.
+    // Samples that are whole numbers of bytes with a plain meaning are decoded here, the rest (colour maps, bits,
+    // YCbCr, CMYK and so on) by libtiff's own conversion to colours.
     bool isPlain() const { return bits >= 8 && (isGrey() || isRgb()); }
     // Type of the image, ORVTYPE_NONE for samples that are not supported.
     ORVDataTypes pixelType() const;

@@ -9,8 +9,9 @@ namespace orvimage {
 class TiffFile;
 }
 
-// Reads many pages of one TIFF file, which stays open meanwhile: each page next to the one before is found at once, where
-// readTiff() walks from the first page every time. Otherwise as readTiffHeader() and readTiff(). Used from one thread.
+// Reads many pages of one TIFF file, which stays open meanwhile: each page next to the one before is found at once,
+// where readTiff() walks from the first page every time. Otherwise as readTiffHeader() and readTiff(). Used from one
+// thread.
 class TiffPageReader
 {
 public:

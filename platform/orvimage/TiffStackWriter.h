@@ -8,9 +8,9 @@
 #include <cstdint>
 #include <memory>
 
-// Writes a TIFF file page by page, beside the target first and renamed by finish(): after a failure, or without finish(),
-// the target is as it was. Nothing of a page is kept once it is written. Every `error` may be null; it receives one
-// sentence "file: reason". A writer writes one file and refuses further calls after a failure.
+// Writes a TIFF file page by page, beside the target first and renamed by finish(): after a failure, or without
+// finish(), the target is as it was. Nothing of a page is kept once it is written. Every `error` may be null; it
+// receives one sentence "file: reason". A writer writes one file and refuses further calls after a failure.
 class TiffStackWriter
 {
 public:

@@ -17,6 +17,7 @@ struct TiffTexts
     QStringList labels;  // of the slices, which ImageJ keeps with the first page (tags 50838 and 50839); may be fewer
 };
 
-// Reads the texts of all pages in one pass; no pixels. Texts are taken as UTF-8. A text above 16 MiB is refused. False with
-// one sentence "file: reason" in `error`, which may be null; *texts is then as it was. Malformed labels count as none.
+// Reads the texts of all pages in one pass; no pixels. Texts are taken as UTF-8. A text above 16 MiB is refused. False
+// with one sentence "file: reason" in `error`, which may be null; *texts is then as it was. Malformed labels count as
+// none.
 bool readTiffTexts(const QString& path, TiffTexts* texts, QString* error);

@@ -83,8 +83,8 @@ long long blockRows(const Matrix<double>& A)
 }
 
 // Replaces each block of rows of [scale A, B] by the triangular factor of its part of A and the head of what becomes of
-// its part of B: the least-squares problem stays the same. A block with fewer rows than columns leaves zero rows at its end. An
-// empty problem tells of an element that is not finite.
+// its part of B: the least-squares problem stays the same. A block with fewer rows than columns leaves zero rows at its
+// end. An empty problem tells of an element that is not finite.
 Problem reduceBlocks(const Problem& tall, double scale)
 {
     const long long n = tall.A.N;

@@ -67,9 +67,9 @@ private:
     long long m_count;
 };
 
-// One step down: the blocks of `source` are factorised into `factors`, of its size, and their triangles stand one below the
-// other in `triangles`. The source may be the factors. `exponent` is that of a power of two which the triangles lack. False
-// when an element is not finite.
+// One step down: the blocks of `source` are factorised into `factors`, of its size, and their triangles stand one below
+// the other in `triangles`. The source may be the factors. `exponent` is that of a power of two which the triangles
+// lack. False when an element is not finite.
 bool factoriseBlocks(const Source& source, Matrix<double>& factors, Matrix<double>& triangles, int& exponent)
 {
     const long long n = source.a.N;
@@ -137,8 +137,8 @@ MatrixXd asDense(const Source& source)
     return dense;
 }
 
-// The decomposition of a small matrix with at most as many rows as columns, into members of the right sizes that are zero.
-// False when an element is not finite.
+// The decomposition of a small matrix with at most as many rows as columns, into members of the right sizes that are
+// zero. False when an element is not finite.
 bool decomposeSmall(const MatrixXd& a, Matrix<double>& U, Vector<double>& s, Matrix<double>& V)
 {
     if (!a.allFinite()) {

@@ -43,8 +43,8 @@ struct PassRows
 };
 
 // sums[j] += sum over rows of pivot * row[j], for `width` vectors of j. With an update each row first loses
-// pivot[-1] * update[j]: the column before the pivot is the one just reflected. Narrow strips keep several sets of sums,
-// lest every addition waits for the one before.
+// pivot[-1] * update[j]: the column before the pivot is the one just reflected. Narrow strips keep several sets of
+// sums, lest every addition waits for the one before.
 template <int width, bool updates>
 void passRun(const PassRows& rows, const double* __restrict update, double* __restrict sums)
 {
@@ -91,7 +91,8 @@ void passRun(const PassRows& rows, const double* __restrict update, double* __re
     }
 }
 
-// The same from zero, in runs of rows: the errors of a sum grow with the number of terms that are added one after the other.
+// The same from zero, in runs of rows: the errors of a sum grow with the number of terms that are added one after the
+// other.
 template <int width, bool updates>
 void passStrip(PassRows rows, const double* __restrict update, double* __restrict sums)
 {
@@ -154,8 +155,8 @@ public:
         }
     }
 
-    // Rows of `left` (of rows() elements, one after the other) times the matrix, into `result`, which may be `left` when both have
-    // rows of one length.
+    // Rows of `left` (of rows() elements, one after the other) times the matrix, into `result`, which may be `left`
+    // when both have rows of one length.
     void multiply(const double* left, long long count, double* result)
     {
         for (long long first = 0; first < count; first += stripRows) {

@@ -6,9 +6,9 @@
 namespace XTNT {
 
 // Householder factorisation A = Q R of one block of rows, with Q as I - V T V' (R. Schreiber, C. Van Loan, A
-// storage-efficient WY representation for products of Householder transformations, 1989): V is unit lower trapezoidal, T
-// upper triangular. The block is worked on row by row, padded to whole vectors; one pass a column applies a reflection and adds
-// up the inner products that the next one needs, those of V with itself for T included.
+// storage-efficient WY representation for products of Householder transformations, 1989): V is unit lower trapezoidal,
+// T upper triangular. The block is worked on row by row, padded to whole vectors; one pass a column applies a
+// reflection and adds up the inner products that the next one needs, those of V with itself for T included.
 class HouseholderBlock
 {
 public:
@@ -18,9 +18,9 @@ public:
     // Start of a row, `columns` elements, to be filled before factorise().
     double* row(long long i) { return m_tile.data() + i * m_stride; }
 
-    // Multiplies all elements by a power of two that takes their largest magnitude out of reach of overflow and underflow
-    // of squares, when it is within such reach, and puts into `exponent` that of the power taken out. `exponent` is
-    // zeroBlock for a block of zeros. False when an element is not finite.
+    // Multiplies all elements by a power of two that takes their largest magnitude out of reach of overflow and
+    // underflow of squares, when it is within such reach, and puts into `exponent` that of the power taken out.
+    // `exponent` is zeroBlock for a block of zeros. False when an element is not finite.
     bool scale(int& exponent);
     static constexpr int zeroBlock = -1000000;
 

@@ -14,15 +14,15 @@ enum Status
     NotANumber = 2
 };
 
-// Characters that cannot follow a number: what stands there is then no number that we know, such as one with a decimal comma,
-// a date or a time.
+// Characters that cannot follow a number: what stands there is then no number that we know, such as one with a decimal
+// comma, a date or a time.
 bool spoilsNumber(char c)
 {
     return (c >= '0' && c <= '9') || c == '.' || c == ',' || c == ':' || c == '+' || c == '-';
 }
 
-// The decimal number at the start of the text, in the C locale whatever the program's is: "12.5 s" is 12.5. Neither infinity
-// nor NaN is a number here.
+// The decimal number at the start of the text, in the C locale whatever the program's is: "12.5 s" is 12.5. Neither
+// infinity nor NaN is a number here.
 bool leadingNumber(const QString& strText, double* pValue)
 {
     const QByteArray text = strText.trimmed().toLatin1();

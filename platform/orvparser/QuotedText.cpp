@@ -5,7 +5,8 @@ namespace QuotedText {
 
 namespace {
 
-// Control characters, ends of line of any kind, marks that readers drop, and halves of a surrogate pair, which UTF-8 can't hold.
+// Control characters, ends of line of any kind, marks that readers drop, and halves of a surrogate pair, which UTF-8
+// can't hold.
 bool needsEscape(const QString& strText, int i)
 {
     const ushort c = strText[i].unicode();

@@ -13,8 +13,8 @@ namespace SectionText {
 
 namespace {
 
-// A file that begins with the first line and lacks the last one was cut off. Both are comments, so a file written by hand needs
-// neither.
+// A file that begins with the first line and lacks the last one was cut off. Both are comments, so a file written by
+// hand needs neither.
 constexpr char firstLine[] = "# Orvia sections 1";
 constexpr char lastLine[] = "# end";
 

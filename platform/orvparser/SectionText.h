@@ -8,8 +8,8 @@
 #include <QSharedPointer>
 #include <QStringList>
 
-// The text form of sections; docs/formats.md describes it. For every list of sections, parsing what toText() wrote gives the same
-// list.
+// The text form of sections; docs/formats.md describes it. For every list of sections, parsing what toText() wrote
+// gives the same list.
 namespace SectionText {
 
 // What is larger is no text of this kind: it is refused before it takes memory.

@@ -10,10 +10,10 @@ namespace XTNT {
 // Lloyd's clustering of finite rows, with or without acceleration by bounds; both give the same labels, bit for bit the
 // same centres, sweep by sweep.
 //
-// A sweep gives each row to its nearest centre; a row changes only to a centre that is strictly nearer. The acceleration
-// keeps for each row an upper bound of the distance to its own centre and a lower bound of that to any other (G. Hamerly,
-// Making k-means even faster, 2010), widened by all roundings: a row whose bounds do not touch would come out of the
-// comparison of computed distances with the label that it has, so it is not looked at.
+// A sweep gives each row to its nearest centre; a row changes only to a centre that is strictly nearer. The
+// acceleration keeps for each row an upper bound of the distance to its own centre and a lower bound of that to any
+// other (G. Hamerly, Making k-means even faster, 2010), widened by all roundings: a row whose bounds do not touch would
+// come out of the comparison of computed distances with the label that it has, so it is not looked at.
 //
 // The sums behind the centres are kept up by the rows that change, and made anew in an audit every `auditInterval`
 // sweeps. The clustering ends when no row changes from centres whose sums are new, when an audit finds that the

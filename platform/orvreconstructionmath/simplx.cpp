@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The simplex method on a dictionary: every basic variable and the objective written as a constant plus a combination of
-// the variables at zero. Two phases (V. Chvatal, Linear Programming, 1983), Bland's rule for entering and leaving.
+// The simplex method on a dictionary: every basic variable and the objective written as a constant plus a combination
+// of the variables at zero. Two phases (V. Chvatal, Linear Programming, 1983), Bland's rule for entering and leaving.
 #include "host/simplx.h"
 
 #include <algorithm>
@@ -21,8 +21,8 @@ double powerOfTwoNear(double magnitude)
     return magnitude > 0 ? std::ldexp(1.0, std::clamp(std::ilogb(magnitude), -1000, 1000)) : 1.0;
 }
 
-// A linear program in dictionary form. Variables are numbered: 0 to n - 1 those of the problem, n + i the slack, surplus
-// or (of an equality) artificial variable of constraint i, and from n + m on the artificial variables of the
+// A linear program in dictionary form. Variables are numbered: 0 to n - 1 those of the problem, n + i the slack,
+// surplus or (of an equality) artificial variable of constraint i, and from n + m on the artificial variables of the
 // constraints "at least", which exist in the first phase only.
 class Dictionary
 {
@@ -72,8 +72,8 @@ Dictionary::Dictionary(const NRMat<double>& a, std::size_t m1, std::size_t m2, s
     readObjective(a);
 }
 
-// Rows as they stand: slack = b - a x. In a row "at least" the artificial variable is basic and the surplus, at zero, has
-// a column of its own: artificial = b - a x + surplus.
+// Rows as they stand: slack = b - a x. In a row "at least" the artificial variable is basic and the surplus, at zero,
+// has a column of its own: artificial = b - a x + surplus.
 void Dictionary::readConstraints(const NRMat<double>& a)
 {
     const std::size_t rows = m_atMost + m_atLeast + m_equal;
@@ -203,8 +203,8 @@ std::size_t Dictionary::entering(const Row& objective) const
     return best;
 }
 
-// Bland's rule: of the basic variables that reach zero first the one with the lowest number. An artificial variable that
-// stayed basic at zero has a row of zeros and never blocks.
+// Bland's rule: of the basic variables that reach zero first the one with the lowest number. An artificial variable
+// that stayed basic at zero has a row of zeros and never blocks.
 std::size_t Dictionary::leaving(std::size_t column) const
 {
     std::size_t best = m_rows.size();

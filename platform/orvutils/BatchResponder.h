@@ -5,9 +5,9 @@
 
 namespace orv {
 
-// Answers every question itself, without a word on the screen: with the preferred button where it is on offer, else with the
-// default. Each message goes to the log with its answer, at the level of its kind. A question for an item is backed out of, which
-// goes to the log as a warning.
+// Answers every question itself, without a word on the screen: with the preferred button where it is on offer, else
+// with the default. Each message goes to the log with its answer, at the level of its kind. A question for an item is
+// backed out of, which goes to the log as a warning.
 class BatchResponder : public MessageResponder
 {
 public:

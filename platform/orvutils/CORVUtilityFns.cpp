@@ -26,8 +26,8 @@ HostState& state()
     return hostState;
 }
 
-// Whether each setCursor() reached the screen, so that restoreCursor() takes back what its own call set and nothing else.
-// User-interface thread only.
+// Whether each setCursor() reached the screen, so that restoreCursor() takes back what its own call set and nothing
+// else. User-interface thread only.
 std::vector<bool>& cursorCalls()
 {
     static std::vector<bool> calls;

@@ -29,13 +29,14 @@ enum class ConsoleLog
 
 void setConsoleLogLevel(ConsoleLog eLevel);
 
-// Appends every line to a file, made when missing, until another call; an empty path ends it. False when the file cannot
-// be opened, with the file and the reason in `pError` (may be null); the earlier log file then stays in use. When a line
-// cannot be written later on (full disk), the file is given up with one line on standard error.
+// Appends every line to a file, made when missing, until another call; an empty path ends it. False when the file
+// cannot be opened, with the file and the reason in `pError` (may be null); the earlier log file then stays in use.
+// When a line cannot be written later on (full disk), the file is given up with one line on standard error.
 bool setLogFile(const QString& strPath, QString* pError = nullptr);
 
-// Hands every record to a function, on the thread that logs, one call at a time. What the function itself logs is dropped. The
-// number is for removeLogSink(), which returns when no call is under way (from inside the function itself: at once).
+// Hands every record to a function, on the thread that logs, one call at a time. What the function itself logs is
+// dropped. The number is for removeLogSink(), which returns when no call is under way (from inside the function itself:
+// at once).
 int addLogSink(std::function<void(const LogRecord&)> sink);
 void removeLogSink(int nSink);
 

@@ -29,13 +29,13 @@ struct MessageRequest
     // Three texts, of which empty ones are no buttons; an empty list when m_nButtons counts.
     QStringList m_buttonTexts;
 
-    // The answers on offer, in the order of Ok, Yes, No, No to All, Cancel or of the texts. Never empty: a question without a
-    // button is answered with Ok, or with position 0.
+    // The answers on offer, in the order of Ok, Yes, No, No to All, Cancel or of the texts. Never empty: a question
+    // without a button is answered with Ok, or with position 0.
     QList<int> answers() const;
     // The text of an answer, such as "No to All".
     QString answerText(int nAnswer) const;
-    // The default button when it is on offer, else the answer that changes least: Cancel before No before the first. With
-    // button texts the first.
+    // The default button when it is on offer, else the answer that changes least: Cancel before No before the first.
+    // With button texts the first.
     int defaultAnswer() const;
 };
 

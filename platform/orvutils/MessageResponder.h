@@ -14,15 +14,16 @@ class MessageResponder
 {
 public:
     virtual ~MessageResponder() = default;
-    // The button chosen: a value of CORVMessageBox::Button, or the position of the text for a request with button texts.
+    // The button chosen: a value of CORVMessageBox::Button, or the position of the text for a request with button
+    // texts.
     virtual int ask(const MessageRequest& request) = 0;
-    // The item chosen, or no value when the user backs out. Who has no user to ask backs out: no item is the one that changes
-    // least.
+    // The item chosen, or no value when the user backs out. Who has no user to ask backs out: no item is the one that
+    // changes least.
     virtual std::optional<QString> chooseItem(const ItemRequest& request);
 };
 
-// Installs a responder and hands back the earlier one; null installs the one of the start, which puts the text on standard error
-// and answers with the default. Questions are asked on the user-interface thread, and so is this called.
+// Installs a responder and hands back the earlier one; null installs the one of the start, which puts the text on
+// standard error and answers with the default. Questions are asked on the user-interface thread, and so is this called.
 std::unique_ptr<MessageResponder> setMessageResponder(std::unique_ptr<MessageResponder> pResponder);
 // The one in use; valid until another is installed.
 MessageResponder& messageResponder();

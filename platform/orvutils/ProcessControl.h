@@ -7,8 +7,8 @@
 
 #include <functional>
 
-// The application's side of CORVProcess: what a display shows and what its abort control does. Every function is safe from
-// any thread.
+// The application's side of CORVProcess: what a display shows and what its abort control does. Every function is safe
+// from any thread.
 namespace orv {
 
 // The innermost process under way. Without one the message of the last end remains, everything else is empty.
@@ -27,11 +27,11 @@ struct ProcessState
 ProcessState processState();
 QString currentMessage();
 
-// What the abort control does: CORVProcess::isProcessAborted() is true from now on until the next outermost start. May be
-// called from a signal handler.
+// What the abort control does: CORVProcess::isProcessAborted() is true from now on until the next outermost start. May
+// be called from a signal handler.
 void requestAbort();
-// As above, but no start takes it back, only clearAborts(). For an interrupt of the whole program, which must not be lost between
-// two processes. May be called from a signal handler.
+// As above, but no start takes it back, only clearAborts(). For an interrupt of the whole program, which must not be
+// lost between two processes. May be called from a signal handler.
 void requestAbortForGood();
 void clearAborts();
 

@@ -18,16 +18,17 @@ public:
     StagedFolder(const StagedFolder&) = delete;
     StagedFolder& operator=(const StagedFolder&) = delete;
 
-    // Prepares `strTarget`, whose parent must exist. A target that exists is refused; with `bForce` commit() replaces it,
-    // provided that it is an empty folder or holds a file named `strMarker`, so that no other folder is lost by a slip.
+    // Prepares `strTarget`, whose parent must exist. A target that exists is refused; with `bForce` commit() replaces
+    // it, provided that it is an empty folder or holds a file named `strMarker`, so that no other folder is lost by a
+    // slip.
     bool begin(const QString& strTarget, bool bForce, const QString& strMarker, QString* pError = nullptr);
 
     // Where to write, with a separator at its end; empty before begin() and after commit().
     QString path() const;
     QString target() const { return m_strTarget; }
 
-    // Puts the folder in its place. On failure (a target that has appeared since, without `bForce`, is one) the target is as
-    // it was, and what was written is removed.
+    // Puts the folder in its place. On failure (a target that has appeared since, without `bForce`, is one) the target
+    // is as it was, and what was written is removed.
     bool commit(QString* pError = nullptr);
 
 private:

@@ -23,7 +23,8 @@ public:
     QString error() const { return m_strError; }
 
     // Brings the bytes to the disk and gives the file the target's name and, where there was a target, its permissions.
-    // Call it once the writer has closed the file. False on failure: the temporary file is removed, the target untouched.
+    // Call it once the writer has closed the file. False on failure: the temporary file is removed, the target
+    // untouched.
     bool commit();
 
 private:

@@ -7,11 +7,11 @@
 
 namespace orv {
 
-// Messages as text, for a program without windows. With an input stream a question that has a choice is put to the user:
-// an answer is the button's text or as much of its beginning as tells it from the others, without regard to case; an empty line
-// means the default, and so does the end of the input. Without an input every question is answered with the default, and the
-// text says so. An item is chosen from a list in the same way, by its text or the beginning of it; an empty line means the one
-// proposed, and the end of the input, or none at all, backs out.
+// Messages as text, for a program without windows. With an input stream a question that has a choice is put to the
+// user: an answer is the button's text or as much of its beginning as tells it from the others, without regard to case;
+// an empty line means the default, and so does the end of the input. Without an input every question is answered with
+// the default, and the text says so. An item is chosen from a list in the same way, by its text or the beginning of it;
+// an empty line means the one proposed, and the end of the input, or none at all, backs out.
 class TextResponder : public MessageResponder
 {
 public:

@@ -23,8 +23,8 @@ QString existingFolder(const QString& strPath)
     return QFileInfo(strPath).isDir() ? asFolder(strPath) : QString();
 }
 
-// The folder of the library that holds this function. An installed tree can be moved, and a program that loads the library from
-// elsewhere still finds the tables that came with it.
+// The folder of the library that holds this function. An installed tree can be moved, and a program that loads the
+// library from elsewhere still finds the tables that came with it.
 QString libraryFolder()
 {
     static const char marker = 0;

@@ -36,7 +36,8 @@ struct McrOutcome
 McrOutcome runMcr(const XTNT::Matrix<double>& data, int K, const Configure& configure, bool plain = false);
 
 // Runs the case on both paths and by the reference, and expects everything that a run leaves to agree within a relative
-// 1e-8. Gives the outcome of the ordinary path. With `compareTrace` the traces are compared too, numbers as far as they are printed.
+// 1e-8. Gives the outcome of the ordinary path. With `compareTrace` the traces are compared too, numbers as far as they
+// are printed.
 McrOutcome expectAsReference(const XTNT::Matrix<double>& data, int K, const Configure& configure,
                              bool compareTrace = true);
 

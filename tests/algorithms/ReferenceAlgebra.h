@@ -49,8 +49,8 @@ Table asColumn(const Column& values);
 Table pickColumns(const Table& a, const std::vector<Index>& chosen);
 double frobenius(const Table& a);
 
-// Singular values of a, descending, by rotations of its columns (M. R. Hestenes, 1958) in long double; with each the right singular
-// vector and a times it.
+// Singular values of a, descending, by rotations of its columns (M. R. Hestenes, 1958) in long double; with each the
+// right singular vector and a times it.
 struct SingularTriplet
 {
     long double value = 0;

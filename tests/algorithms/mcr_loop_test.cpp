@@ -62,7 +62,8 @@ int occurrences(const std::string& text, const std::string& part)
     return count;
 }
 
-// First spectra that the loop without constraints leaves as they are, but for the disturbance: the leading directions of the data.
+// First spectra that the loop without constraints leaves as they are, but for the disturbance: the leading directions
+// of the data.
 void startAtTheFit(MCR& mcr, double disturbance = 0)
 {
     mcr.spec = mcr.pca.V.transpose().subMatrix(0, K - 1, 0, N - 1);
@@ -75,7 +76,8 @@ void startAtTheFit(MCR& mcr, double disturbance = 0)
 TEST(McrLoopTest, TraceIsWordForWord)
 {
     // conc is the data, and the spectra come out as given. The bound then moves one element, and the other spectrum is
-    // fitted again in that band: to what is left of it, (-2, 2, 1.5), its amounts (0, 2, 3) give 8.5 / 13. The residual is
+    // fitted again in that band: to what is left of it, (-2, 2, 1.5), its amounts (0, 2, 3) give 8.5 / 13. The residual
+    // is
     // (-26, 9, -6) / 13; the norm of the data is the root of 38.
     const McrOutcome outcome = runMcr(matrixOf({{4, 0}, {0, 2}, {3, 3}}), 2, [](MCR& mcr) {
         bareLoop()(mcr);

@@ -33,7 +33,8 @@ double slope(long long j)
     return 9 - static_cast<double>(j);
 }
 
-// What a run of one iteration makes of these values as the first spectrum: bounds set them, then comes unimodality, and nothing after.
+// What a run of one iteration makes of these values as the first spectrum: bounds set them, then comes unimodality, and
+// nothing after.
 Values asSpectrum(const Values& values, int mode, double tolerance, const Matrix<int>& topology)
 {
     const auto N = static_cast<long long>(values.size());
@@ -231,7 +232,8 @@ TEST(McrUnimodalityTest, LongAveragingEnds)
     EXPECT_GE(*std::min_element(walked.begin(), walked.end()), 0);
 }
 
-// Averaging is tried on positive columns only: behind an element below zero the plain walk would take hours to halve a rise away.
+// Averaging is tried on positive columns only: behind an element below zero the plain walk would take hours to halve a
+// rise away.
 RC_GTEST_PROP(McrUnimodalityTest, AnyColumnIsWalkedAsByTheReference, ())
 {
     const auto length = *rc::gen::inRange<std::size_t>(3, 9);

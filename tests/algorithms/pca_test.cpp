@@ -415,8 +415,8 @@ TEST_F(PcaThreads, ResultsHaveTheSameBitsForAnyNumberOfThreads)
     }
 }
 
-// What rank k leaves over is, squared, what the other eigenvalues add up to (C. Eckart, G. Young, The approximation of one matrix by
-// another of lower rank, 1936).
+// What rank k leaves over is, squared, what the other eigenvalues add up to (C. Eckart, G. Young, The approximation of
+// one matrix by another of lower rank, 1936).
 RC_GTEST_PROP(PcaLaws, ReconstructionLeavesTheOtherEigenvalues, ())
 {
     const auto rows = *rc::gen::inRange<long long>(1, 2500);

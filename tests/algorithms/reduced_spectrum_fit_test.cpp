@@ -316,8 +316,8 @@ TEST(ReducedSpectrumFitTest, ResidualOfDataBeyondSquares)
 
 namespace {
 
-// Alternating least squares with both factors non-negative and spectra of maximum 1, by the plain and by the reduced steps.
-// Returns the lack of fit.
+// Alternating least squares with both factors non-negative and spectra of maximum 1, by the plain and by the reduced
+// steps. Returns the lack of fit.
 double resolve(const Matrix<double>& data, Matrix<double> spec, int iterations, bool plainSteps)
 {
     double sigma = 0;
@@ -374,8 +374,8 @@ TEST(ReducedSpectrumFitTest, TwentyIterationsEndWithTheLackOfFitOfThePlainSteps)
 
 TEST(ReducedSpectrumFitTest, TwentyIterationsOnACubeOfConditionAMillion)
 {
-    // Two spectra that differ by a millionth: so do the singular values of their mixtures. With less noise than this the result of
-    // the plain steps itself changes by more when the data change in their last bits.
+    // Two spectra that differ by a millionth: so do the singular values of their mixtures. With less noise than this
+    // the result of the plain steps itself changes by more when the data change in their last bits.
     const Matrix<double> conc = randomMatrix(3000, 3, 36, 0, 1);
     Matrix<double> spec = randomMatrix(3, 12, 37, 0, 1);
     for (long long j = 0; j < 12; ++j) {

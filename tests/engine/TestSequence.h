@@ -36,14 +36,15 @@ struct TestImage
     bool luminescentSection = true;
     bool dataImage = true;
     bool photograph = true;
-    // Which calibration figures the click info has: 0 none (counts only), 1 radiance, 2 radiant efficiency, 3 efficiency.
+    // Which calibration figures the click info has: 0 none (counts only), 1 radiance, 2 radiant efficiency, 3
+    // efficiency.
     int calibratedUnit = 2;
     QString isotope;
     QString acquisitionTime; // HH:mm:ss, with a date
 };
 
-// A sequence in memory, registered with the host as long as it lives. With calibration figures of 1 throughout, an image at
-// binning B has radiance = counts / B^2, and every other unit the same numbers as radiance.
+// A sequence in memory, registered with the host as long as it lives. With calibration figures of 1 throughout, an
+// image at binning B has radiance = counts / B^2, and every other unit the same numbers as radiance.
 class TestSequence
 {
 public:

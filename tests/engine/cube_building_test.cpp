@@ -221,7 +221,8 @@ TEST(BuildImageCubeTest, WhenAllUnitsAreRefusedTheCubeIsCleared)
     // The first image gives 2, the second asks for 3 by itself and has it: mixed data are as the images prefer them.
     ASSERT_TRUE(engine.buildImageCube());
     EXPECT_EQ(engine.m_eUnit, 3);
-    // Another order: 3 is refused at the start for want of a reference, and below it the other image refuses everything.
+    // Another order: 3 is refused at the start for want of a reference, and below it the other image refuses
+    // everything.
     engine.m_bCubeValid = false;
     sequence->isTransillumination = true;
     sequence->getDatasets().first()->nativeUnit = 1;

@@ -58,7 +58,8 @@ std::vector<QRgb> grey(std::initializer_list<int> levels)
     return pixels;
 }
 
-// Two components of three pixels over a grey photograph, in shades of grey so that a fraction f of the range is the level 255 f.
+// Two components of three pixels over a grey photograph, in shades of grey so that a fraction f of the range is the
+// level 255 f.
 class UnmixedSpotTest : public ::testing::Test
 {
 protected:
@@ -307,8 +308,8 @@ TEST_F(UnmixedSpotTest, ThreeLayersHaveAThirdEach)
 
 TEST_F(UnmixedSpotTest, TheLastCompositeHasAHintOfThePhotographAndFullBrightness)
 {
-    // The photograph's share is 101 x 0.15 %: blue 0.1515 x 100 + 0.8485 x 128 = 123.8, red and green 15.2; in the middle 69.5.
-    // The brightest, 124, becomes 255: 15 becomes 31 and 69 becomes 142.
+    // The photograph's share is 101 x 0.15 %: blue 0.1515 x 100 + 0.8485 x 128 = 123.8, red and green 15.2; in the
+    // middle 69.5. The brightest, 124, becomes 255: 15 becomes 31 and 69 becomes 142.
     const std::vector<QRgb> expected{qRgb(31, 31, 255), qRgb(142, 31, 142), qRgb(255, 31, 31)};
     EXPECT_EQ(pixelsOf(*unmixedSpot(m_source, 0).tiles.at(2).image), expected);
 }
@@ -385,11 +386,12 @@ int largestDifference(const QImage& a, const QImage& b)
     return nLargest;
 }
 
-// Compares with tests/engine/golden/, which this test made and people looked at; a picture that differs is kept in the build
-// folder, from where it can be copied when the difference is wanted.
+// Compares with tests/engine/golden/, which this test made and people looked at; a picture that differs is kept in the
+// build folder, from where it can be copied when the difference is wanted.
 void expectGolden(const QImage& picture, const QString& strName)
 {
-    // Qt's smooth scaling rounds as the processor's instructions go, by one level; blending and brightness pass that on.
+    // Qt's smooth scaling rounds as the processor's instructions go, by one level; blending and brightness pass that
+    // on.
     constexpr int tolerance = 3;
     const QImage golden(QStringLiteral(ORV_SOURCE_DIR "/tests/engine/golden/") + strName);
     const int nDifference = largestDifference(picture, golden.convertToFormat(picture.format()));

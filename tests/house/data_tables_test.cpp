@@ -235,8 +235,8 @@ TEST(DataTablesTest, LibrarySourcesBearTheNamesThatProbeTextsTurnInto)
 
 TEST(DataTablesTest, AGaussianSumIsTabulatedAsWorkedOutByHand)
 {
-    // The figures of QDot 525 are one Gaussian: 525.9 nm, sigma 14.8. Largest on the grid at 526; at 550 the exponents are
-    // (24.1 / 14.8)^2 / 2 = 1.325808 and (0.1 / 14.8)^2 / 2 = 0.0000228, so exp(-1.325785) = 0.265594.
+    // The figures of QDot 525 are one Gaussian: 525.9 nm, sigma 14.8. Largest on the grid at 526; at 550 the exponents
+    // are (24.1 / 14.8)^2 / 2 = 1.325808 and (0.1 / 14.8)^2 / 2 = 0.0000228, so exp(-1.325785) = 0.265594.
     const QMap<int, double> curve = readSources("library_sources.csv").value("QDot 525Em");
     EXPECT_EQ(curve[526], 1.0);
     EXPECT_NEAR(curve[550], 0.265594, 1e-6);
@@ -323,8 +323,8 @@ TEST(DataTablesTest, MuscleIsBloodAndWaterAsWorkedOutByHand)
     ASSERT_EQ(muscle.size(), 551);
     EXPECT_EQ(muscle.firstKey(), 450);
     EXPECT_EQ(muscle.lastKey(), 1000);
-    // 0.04 x 2.303 x 150 / 64500 = 2.142326e-4 a unit of extinction. At 800 nm the extinction is 0.75 x 816 + 0.25 x 761.72 =
-    // 802.43 and water adds 0.7 x 0.01964 = 0.013748: 0.171907 + 0.013748. The scattering is 13 x 1.6^-0.926.
+    // 0.04 x 2.303 x 150 / 64500 = 2.142326e-4 a unit of extinction. At 800 nm the extinction is 0.75 x 816 + 0.25 x
+    // 761.72 = 802.43 and water adds 0.7 x 0.01964 = 0.013748: 0.171907 + 0.013748. The scattering is 13 x 1.6^-0.926.
     EXPECT_NEAR(muscle[800].first, 0.185655, 2e-6);
     EXPECT_NEAR(muscle[800].second, 8.41256, 2e-5);
     EXPECT_NEAR(muscle[500].second, 13.0, 1e-9);
@@ -338,7 +338,8 @@ TEST(DataTablesTest, MuscleIsBloodAndWaterAsWorkedOutByHand)
 
 TEST(DataTablesTest, OxygenatedAndDeoxygenatedBloodCrossAtTheIsosbesticPoint)
 {
-    // Below 790 nm deoxygenated blood absorbs more, above 800 nm oxygenated blood does: the well-known crossing near 797 nm.
+    // Below 790 nm deoxygenated blood absorbs more, above 800 nm oxygenated blood does: the well-known crossing near
+    // 797 nm.
     const QVector<QStringList> rows = readTable("figures/absorbers.csv");
     int crossings = 0;
     for (int r = 1; r + 1 < rows.size(); ++r) {

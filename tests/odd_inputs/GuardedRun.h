@@ -16,6 +16,6 @@ struct GuardedRun
     QByteArray output;
 };
 
-// Runs `work` in a forked process; what it writes to the descriptor is `output`, what it returns is `status`. Ended by SIGXCPU after 25 seconds of the
-// processor's time and by SIGALRM after 30 on the clock.
+// Runs `work` in a forked process; what it writes to the descriptor is `output`, what it returns is `status`. Ended by
+// SIGXCPU after 25 seconds of the processor's time and by SIGALRM after 30 on the clock.
 GuardedRun runGuarded(const std::function<int(int descriptor)>& work);

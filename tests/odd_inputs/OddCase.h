@@ -25,8 +25,8 @@ struct OddCase
     QString file; // below the case's own folder; what `read` is given, and {path} in `says`
     std::function<void(const QString& path)> make;
     Outcome outcome = Refused;
-    // The whole error, one whole warning or, where the outcome is Silent, what was read. {path} is the file, {dir} its folder, {n} stands for a
-    // whole number and {...} for anything.
+    // The whole error, one whole warning or, where the outcome is Silent, what was read. {path} is the file, {dir} its
+    // folder, {n} stands for a whole number and {...} for anything.
     QString says;
     bool plainUser = false; // read by a user who is not root
 };
@@ -54,8 +54,8 @@ OddCases savedResultCases();
 OddCases placeCases();
 OddCases programCases();
 
-// A file cut off at each tenth of its length; `says[i]` belongs to (i + 1) tenths, with "ok: " ahead where the rest is read in silence and
-// "warning: " where it is read with one.
+// A file cut off at each tenth of its length; `says[i]` belongs to (i + 1) tenths, with "ok: " ahead where the rest is
+// read in silence and "warning: " where it is read with one.
 OddCases cutAtEachTenth(const QByteArray& name, OddReader read, const QString& file, const QByteArray& whole,
                         const std::vector<QString>& says);
 

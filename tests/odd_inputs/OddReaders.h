@@ -14,7 +14,8 @@ struct Reading
     QString gist;         // what was read, in few words
 };
 
-// Reads `path`, and writes the reading to the descriptor (writeReading()); or becomes a program that writes its own words there.
+// Reads `path`, and writes the reading to the descriptor (writeReading()); or becomes a program that writes its own
+// words there.
 using OddReader = std::function<int(const QString& path, int descriptor)>;
 
 // As a reader of this process writes it and parseReading() reads it.
@@ -22,7 +23,8 @@ void writeReading(int descriptor, const Reading& reading);
 // Also of a program: lines that begin with "spum: " are messages, other lines the gist.
 Reading parseReading(const QByteArray& output, int status);
 
-// The readers, each with the message of the product's own call. `path` is the file in question; those that take folders take its own.
+// The readers, each with the message of the product's own call. `path` is the file in question; those that take folders
+// take its own.
 namespace OddReaders {
 
 OddReader dataset();  // ClickInfo.txt and the images beside it

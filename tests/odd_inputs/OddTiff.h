@@ -6,8 +6,8 @@
 #include <map>
 #include <vector>
 
-// A TIFF file byte by byte, so that everything in it can be wrong. As it begins: 32 x 32 pixels of 16 bits that count from 0, in strips of four rows,
-// behind the directory.
+// A TIFF file byte by byte, so that everything in it can be wrong. As it begins: 32 x 32 pixels of 16 bits that count
+// from 0, in strips of four rows, behind the directory.
 class OddTiff
 {
 public:

@@ -13,7 +13,8 @@ namespace {
 
 using C = OddCase;
 
-// What each reader of one file says when there is none to be had. The readers' own words differ where one of them is also asked for names.
+// What each reader of one file says when there is none to be had. The readers' own words differ where one of them is
+// also asked for names.
 struct Place
 {
     const char* name;

@@ -28,10 +28,11 @@ inline const QString noDatasetLine = "SpumKyvo: Unable to locate the required da
 inline const QString noImageLine =
     "SpumKyvo: Invalid fluorescent image instance encountered, unable to load the image.";
 
-// An analysed sequence of 2 x 2 pixels and a temporary directory of its own, with a blank and a letter beyond ASCII in its name.
+// An analysed sequence of 2 x 2 pixels and a temporary directory of its own, with a blank and a letter beyond ASCII in
+// its name.
 //
-// Images at 640 nm excitation and emissions 700, 720, ... Component c is brightest in image c, where its spectrum is c + 1. The
-// concentration of component c at pixel i of spot s is 100 c + 10 s + i.
+// Images at 640 nm excitation and emissions 700, 720, ... Component c is brightest in image c, where its spectrum is c
+// + 1. The concentration of component c at pixel i of spot s is 100 c + 10 s + i.
 class ExportFixture : public ::testing::Test
 {
 protected:

@@ -60,7 +60,8 @@ QString nested(int nDepth)
     return QString("<a>").repeated(nDepth) + QString("</a>").repeated(nDepth);
 }
 
-// A character of a text that may stand in a name that a user types: markup, blanks, breaks, beyond ASCII, beyond 16 bits.
+// A character of a text that may stand in a name that a user types: markup, blanks, breaks, beyond ASCII, beyond 16
+// bits.
 QString anyText(const std::vector<int>& choices)
 {
     static const QStringList pieces{"a",      "Z",      "\"",         "&",      "<",  ">", "]]>",

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The units below the saving of results: names and paths, the list, the lock, files as a whole, and what holds for any name.
+// The units below the saving of results: names and paths, the list, the lock, files as a whole, and what holds for any
+// name.
 #include "storage/SavedResultsLock.h"
 #include "storage/resultsIndex.h"
 #include "storage/saved_fixture.h"

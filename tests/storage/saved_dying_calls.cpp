@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The C library's functions that change files, as every library of this program finds them: a program's own come first. No
-// header that declares them may be included here.
+// The C library's functions that change files, as every library of this program finds them: a program's own come first.
+// No header that declares them may be included here.
 #include "storage/saved_dying_calls.h"
 
 #include <asm/unistd.h>

@@ -6,8 +6,8 @@ namespace dyingCalls {
 
 constexpr int exitStatus = 77;
 
-// From here on calls are counted, from 1. The one with this number is not done any more; with bHalf a write is done for half of
-// its bytes first. 0 ends nothing.
+// From here on calls are counted, from 1. The one with this number is not done any more; with bHalf a write is done for
+// half of its bytes first. 0 ends nothing.
 void dieAt(int nCall, bool bHalf);
 // So far.
 int count();

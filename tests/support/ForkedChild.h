@@ -7,8 +7,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-// Runs a function in a forked child and answers with what it returns (0 to 99), or with 200 and above when the child died. For
-// states that a process cannot leave again: another user, a limit.
+// Runs a function in a forked child and answers with what it returns (0 to 99), or with 200 and above when the child
+// died. For states that a process cannot leave again: another user, a limit.
 template <class Function>
 int inForkedChild(Function function)
 {

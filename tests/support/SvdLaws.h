@@ -38,8 +38,8 @@ inline ::testing::AssertionResult areOrthonormal(const XTNT::Matrix<double>& A, 
     return ::testing::AssertionSuccess();
 }
 
-// No element of U diag(s) V' is further from A than the tolerance times the largest magnitude of A. All of them are brought near 1 first:
-// A may be as large or small as numbers get.
+// No element of U diag(s) V' is further from A than the tolerance times the largest magnitude of A. All of them are
+// brought near 1 first: A may be as large or small as numbers get.
 inline ::testing::AssertionResult multiplyBackTo(const XTNT::Matrix<double>& A, const XTNT::Matrix<double>& U,
                                                  const XTNT::Vector<double>& s, const XTNT::Matrix<double>& V)
 {
@@ -65,8 +65,8 @@ inline ::testing::AssertionResult multiplyBackTo(const XTNT::Matrix<double>& A, 
     return ::testing::AssertionSuccess();
 }
 
-// A = U diag(s) V' with orthonormal columns and descending values of which none is below 0; of a wide matrix the column and
-// the value beyond the rows are zero.
+// A = U diag(s) V' with orthonormal columns and descending values of which none is below 0; of a wide matrix the column
+// and the value beyond the rows are zero.
 inline ::testing::AssertionResult isSvd(const XTNT::Matrix<double>& A, const XTNT::Matrix<double>& U,
                                         const XTNT::Vector<double>& s, const XTNT::Matrix<double>& V)
 {

@@ -20,8 +20,8 @@ constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
 TEST(CompositeOfMapsTest, WindowKeepsBothEndsInside)
 {
-    // Fractions 0, 0.25, 0.5, 0.75, 1 in a window from 0.25 to 0.75: a value at the lower end gives 0, one at the upper end
-    // the quotient 1.
+    // Fractions 0, 0.25, 0.5, 0.75, 1 in a window from 0.25 to 0.75: a value at the lower end gives 0, one at the upper
+    // end the quotient 1.
     CompositeScene scene(5, 1, {{0.0, 2.5, 5.0, 7.5, 10.0}});
     scene.start({channelOf("red", 0.25, 0.75)});
     EXPECT_THAT(colorsOf(scene.mapPicture()), ElementsAre(0U, 0U, rgb(127, 0, 0), rgb(255, 0, 0), rgb(255, 0, 0)));

@@ -10,8 +10,8 @@
 
 class CliSession;
 
-// An opened sequence on its way to a run: the steps between the request and the start of the engine, each of which throws
-// CliFailure for what cannot be analysed. They are called in the order of their declaration.
+// An opened sequence on its way to a run: the steps between the request and the start of the engine, each of which
+// throws CliFailure for what cannot be analysed. They are called in the order of their declaration.
 class AnalysisSetUp
 {
 public:
@@ -30,7 +30,8 @@ public:
     void select();
     // Resets the engine for that mode, chooses binning and size.
     void reset(int nMode);
-    // The mask of the request becomes the engine's. With `nPixelsNeeded` above 0 the pixels that are left must be so many.
+    // The mask of the request becomes the engine's. With `nPixelsNeeded` above 0 the pixels that are left must be so
+    // many.
     void takeMask(int nPixelsNeeded);
     void checkUnit();
     // Looks at every pixel; shows progress up to `dFraction`.

@@ -15,11 +15,13 @@ class CliProgress;
 // What a running command shares with its process: where answers go, how talkative it is, progress, interruption.
 //
 // The command's answer goes straight to descriptor 1; std::cout belongs to the iteration trace of the algorithms and is
-// pointed at the file of --trace, or nowhere, so that pipes and --json stay clean. Warnings and errors go to standard error.
+// pointed at the file of --trace, or nowhere, so that pipes and --json stay clean. Warnings and errors go to standard
+// error.
 class CliSession
 {
 public:
-    // Takes --log, --trace, --quiet, --verbose and --json from the parser; throws CliFailure when a file cannot be opened.
+    // Takes --log, --trace, --quiet, --verbose and --json from the parser; throws CliFailure when a file cannot be
+    // opened.
     explicit CliSession(const QCommandLineParser& parser);
     ~CliSession();
     CliSession(const CliSession&) = delete;

@@ -7,8 +7,8 @@
 
 class CliSession;
 
-// One command of `spum`. A command reads its options from the parser, answers through the session, and throws CliFailure
-// when it cannot do what was asked; it then has changed nothing and left nothing half written.
+// One command of `spum`. A command reads its options from the parser, answers through the session, and throws
+// CliFailure when it cannot do what was asked; it then has changed nothing and left nothing half written.
 class Command
 {
 public:
@@ -22,8 +22,8 @@ public:
     virtual QString summary() const = 0;
     // Declares options and positional arguments.
     virtual void declare(QCommandLineParser& parser) const = 0;
-    // Options whose value may be left out, by name; it is then empty. Such an option takes the word behind it as its value only
-    // where the command has one more argument than it takes.
+    // Options whose value may be left out, by name; it is then empty. Such an option takes the word behind it as its
+    // value only where the command has one more argument than it takes.
     virtual QStringList optionsWithOptionalValue() const { return {}; }
     // How many positional arguments the command takes at most; only asked of a command with such options.
     virtual int argumentCount() const { return 1; }

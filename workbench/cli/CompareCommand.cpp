@@ -31,7 +31,8 @@ QString folderOf(const QString& strName, const OpenedSequence& opened)
     return !QFileInfo::exists(strName) && QFileInfo::exists(inside) ? inside : strName;
 }
 
-// The truth of data as they stand, and that of data corrected for decay, as far as there are such and results to compare.
+// The truth of data as they stand, and that of data corrected for decay, as far as there are such and results to
+// compare.
 void addTruths(Results& results, const OpenedSequence& opened)
 {
     const int unit = UnitNames::fromText(results.front()->unit());

@@ -16,6 +16,6 @@ struct ComparisonStyle
     bool reversed = true;
 };
 
-// The picture of a comparison: a row for each result and a column for each component, the maps of a column in the range of
-// its uppermost one, and under them a plot with the column's spectra.
+// The picture of a comparison: a row for each result and a column for each component, the maps of a column in the range
+// of its uppermost one, and under them a plot with the column's spectra.
 QImage comparisonPicture(const ResultComparison& comparison, const ComparisonStyle& style);

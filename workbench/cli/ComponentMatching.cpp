@@ -16,8 +16,9 @@ double orNothing(double value)
 
 using Costs = std::vector<std::vector<double>>;
 
-// The column of each row in the cheapest assignment; as many columns as rows at least. Rows are added one by one, each along
-// the shortest path of changes, with potentials that keep all reduced costs from going below 0. Place 0 stands for "free".
+// The column of each row in the cheapest assignment; as many columns as rows at least. Rows are added one by one, each
+// along the shortest path of changes, with potentials that keep all reduced costs from going below 0. Place 0 stands
+// for "free".
 std::vector<int> cheapestAssignment(const Costs& costs, std::size_t columns)
 {
     const std::size_t rows = costs.size();

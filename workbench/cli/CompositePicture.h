@@ -17,9 +17,9 @@ struct CompositeFile
     QImage picture;
 };
 
-// The false-colour composite of a result at a spot (0 the first) over the photograph, as the composite window starts with it,
-// from what the engine handed to its own view for it (OwnResultView::composite()); each spot over its own range. Null without
-// such data, for a spot that there is not, and, told in the log, for data whose sizes do not match.
+// The false-colour composite of a result at a spot (0 the first) over the photograph, as the composite window starts
+// with it, from what the engine handed to its own view for it (OwnResultView::composite()); each spot over its own
+// range. Null without such data, for a spot that there is not, and, told in the log, for data whose sizes do not match.
 QImage compositePictureOf(const CORVSpumKyvo& engine, int nSpot);
 
 // The composite with a legend beneath: the labels of the components in their colours. Null as above.
@@ -28,11 +28,11 @@ QImage compositeWithLegendOf(const CORVSpumKyvo& engine, int nSpot);
 // The composites of all spots with their legends: "composite.png", or "composite_spot1.png" and so on.
 QList<CompositeFile> compositeFilesOf(const CORVSpumKyvo& engine);
 
-// Writes them into a folder (with a slash at its end) and gives their names. Throws CliFailure, files before the one that failed
-// stay.
+// Writes them into a folder (with a slash at its end) and gives their names. Throws CliFailure, files before the one
+// that failed stay.
 QStringList writeComposites(const CORVSpumKyvo& engine, const QString& strFolder);
 
-// A picture with a dark strip beneath it on which the labels stand, each behind a patch of its colour, in as many rows as they
-// need. Colours too dark for text are lightened for the text alone. Without labels, or without a QGuiApplication to draw text,
-// the picture as it is.
+// A picture with a dark strip beneath it on which the labels stand, each behind a patch of its colour, in as many rows
+// as they need. Colours too dark for text are lightened for the text alone. Without labels, or without a
+// QGuiApplication to draw text, the picture as it is.
 QImage withLegend(const QImage& picture, const QList<QPair<QString, QColor>>& labels);

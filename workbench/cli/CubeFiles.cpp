@@ -286,8 +286,8 @@ QByteArray csvHeader(const ExportedCube& cube)
     return TextTable(names).toCsv().toUtf8();
 }
 
-// All images one behind the other in a file without a name, from which parts of each are read: a CSV file has all images in
-// a row, and memory need not hold them.
+// All images one behind the other in a file without a name, from which parts of each are read: a CSV file has all
+// images in a row, and memory need not hold them.
 class SpooledImages
 {
 public:

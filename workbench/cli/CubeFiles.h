@@ -6,21 +6,21 @@
 
 class ExportedCube;
 
-// Files that other programs read. Each is put in place as a whole, after a failure the target is as it was; earlier files are
-// replaced. They throw CliFailure.
+// Files that other programs read. Each is put in place as a whole, after a failure the target is as it was; earlier
+// files are replaced. They throw CliFailure.
 
-// OME-TIFF: a page of floats an image, with OME-XML in the first page's description. Images of a temporal sequence are time
-// points of one channel, others channels of one time point; a page's name is the image's.
+// OME-TIFF: a page of floats an image, with OME-XML in the first page's description. Images of a temporal sequence are
+// time points of one channel, others channels of one time point; a page's name is the image's.
 void writeOmeTiffCube(ExportedCube& cube, const QString& strPath);
 
 // ENVI: header and data file, 32 bit floats, band by band, little endian. Wavelengths are written where emissions tell
 // the bands apart. `strPath` names either file, see enviPaths().
 void writeEnviCube(ExportedCube& cube, const QString& strPath);
 
-// CSV: a row a pixel, first its column and row from 0, then a column an image; nine significant digits, which give floats
-// back to the last bit. Memory holds an image and a block of rows, the images wait in a file beside the target.
+// CSV: a row a pixel, first its column and row from 0, then a column an image; nine significant digits, which give
+// floats back to the last bit. Memory holds an image and a block of rows, the images wait in a file beside the target.
 void writeCsvCube(ExportedCube& cube, const QString& strPath);
 
-// Header and data file of an ENVI cube: "cube.hdr" and "cube.dat" for "cube.hdr" or "cube"; a name with another suffix is
-// the data file.
+// Header and data file of an ENVI cube: "cube.hdr" and "cube.dat" for "cube.hdr" or "cube"; a name with another suffix
+// is the data file.
 QStringList enviPaths(const QString& strPath);

@@ -26,7 +26,7 @@ struct DatasetContents
     QJsonObject json() const;
 };
 
-// What the datasets of a sequence hold, added up, and the scans that go with it: key and value of lines for people, none where
-// there is nothing to tell. "in 3" stands behind what only three datasets hold.
+// What the datasets of a sequence hold, added up, and the scans that go with it: key and value of lines for people,
+// none where there is nothing to tell. "in 3" stands behind what only three datasets hold.
 QList<QPair<QString, QString>> contentsOfSequence(const CORVSequenceDataset& sequence,
                                                   const QList<DatasetContents>& datasets);

@@ -180,8 +180,8 @@ void ExportedCube::describe(CORVDataset& dataset)
     m_images.append(image);
 }
 
-// Names the images. Where a temporal sequence does not tell its times they follow from the starts of the exposures; without
-// those the images are numbered.
+// Names the images. Where a temporal sequence does not tell its times they follow from the starts of the exposures;
+// without those the images are numbered.
 void ExportedCube::settleTimes()
 {
     const auto all = [this](auto&& test) { return std::all_of(m_images.cbegin(), m_images.cend(), test); };

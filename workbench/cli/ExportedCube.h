@@ -14,8 +14,8 @@ class CILImage;
 class CORVDataset;
 class CliSession;
 
-// The calibrated images of a sequence on their way to other programs, all of one size, in one unit. Pixels are what the host
-// gives, floats, negative ones included; what an import added to make squares of the images is left off.
+// The calibrated images of a sequence on their way to other programs, all of one size, in one unit. Pixels are what the
+// host gives, floats, negative ones included; what an import added to make squares of the images is left off.
 class ExportedCube
 {
 public:
@@ -34,9 +34,9 @@ public:
         QString start;                    // of the exposure, UTC, "yyyy-MM-ddTHH:mm:ss.zzz"; empty when it is not known
     };
 
-    // Opens the sequence and hands on its warnings. `strSelect` as --select, empty for all images; `nUnit` -1 for the best
-    // that the images have. Throws CliFailure for a selection or a unit that cannot be had, and for images that differ in
-    // size or binning.
+    // Opens the sequence and hands on its warnings. `strSelect` as --select, empty for all images; `nUnit` -1 for the
+    // best that the images have. Throws CliFailure for a selection or a unit that cannot be had, and for images that
+    // differ in size or binning.
     ExportedCube(const QString& strSequence, const QString& strSelect, int nUnit, CliSession& session);
     ExportedCube(const ExportedCube&) = delete;
     ExportedCube& operator=(const ExportedCube&) = delete;

@@ -10,8 +10,8 @@
 
 class CliSession;
 
-// Finds the images of a stack, with progress, and makes their table. Hands on warnings; throws CliFailure when a file cannot
-// be read. Doubts are in the table.
+// Finds the images of a stack, with progress, and makes their table. Hands on warnings; throws CliFailure when a file
+// cannot be read. Doubts are in the table.
 InferredTable inferImagesTable(const QString& strSource, std::optional<double> interval, CliSession& session);
 
 // The table for people, with where each figure comes from; of many rows the first and the last ones.

@@ -22,8 +22,8 @@ int unitOf(const SavedDocument& document)
                                                                        : text);
 }
 
-// A load is done although the mask or the selection does not go with the images; there are no maps then. Those of an old file are shown as stored,
-// whatever their size.
+// A load is done although the mask or the selection does not go with the images; there are no maps then. Those of an
+// old file are shown as stored, whatever their size.
 void checkMaps(const CORVSpumKyvo& engine, const QString& strName)
 {
     const auto& data = engine.m_cube.m_data;

@@ -8,13 +8,13 @@
 
 class OpenedSequence;
 
-// A saved result that a command has brought back: while it lives the engine of the sequence shows it, in the unit in which it
-// was made.
+// A saved result that a command has brought back: while it lives the engine of the sequence shows it, in the unit in
+// which it was made.
 class LoadedResult
 {
 public:
-    // `strName` is one of the saved names. Throws CliFailure when the sequence cannot be analysed or the result cannot be
-    // loaded with its maps.
+    // `strName` is one of the saved names. Throws CliFailure when the sequence cannot be analysed or the result cannot
+    // be loaded with its maps.
     LoadedResult(OpenedSequence& opened, const QString& strName);
     LoadedResult(const LoadedResult&) = delete;
     LoadedResult& operator=(const LoadedResult&) = delete;

@@ -18,8 +18,8 @@ public:
 
     // The messages in their order.
     QStringList lines() const;
-    // Each message once, without the name of the part of the program that begins it and with its extra text behind a bar;
-    // those left out that `strFailure` repeats, in which a user is told them.
+    // Each message once, without the name of the part of the program that begins it and with its extra text behind a
+    // bar; those left out that `strFailure` repeats, in which a user is told them.
     QStringList linesBeyond(const QString& strFailure) const;
 
 private:

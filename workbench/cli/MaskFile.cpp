@@ -8,8 +8,8 @@
 
 namespace {
 
-// 1 where any of the mask's pixels that fall into a pixel of the analysis is above 0, else 0. Whole numbers: a binning that
-// is a fraction would be rounded.
+// 1 where any of the mask's pixels that fall into a pixel of the analysis is above 0, else 0. Whole numbers: a binning
+// that is a fraction would be rounded.
 CILImage pixelsOfAnalysis(const CILImage& mask, int nSide)
 {
     CILImage pixels;

@@ -6,9 +6,9 @@
 
 class CORVSpumKyvo;
 
-// The mask that an option asks for, for an engine whose binning and size are chosen: pixels above 0 count, the binning is
-// set. Kind::None gives an empty image. Throws CliFailure for a file that does not serve, a shape that leaves the image, and
-// where there is no photograph.
+// The mask that an option asks for, for an engine whose binning and size are chosen: pixels above 0 count, the binning
+// is set. Kind::None gives an empty image. Throws CliFailure for a file that does not serve, a shape that leaves the
+// image, and where there is no photograph.
 CILImage maskImageOf(const MaskOption& option, const CORVSpumKyvo& engine);
 
 // Why the engine refused that mask.

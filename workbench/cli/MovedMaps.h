@@ -13,15 +13,17 @@ class CORVSequenceDataset;
 class CORVSpumKyvo;
 class StagedFolder;
 
-// Makes a sequence of the datasets that an export of maps left in the temporary folder. Throws CliFailure with file and reason.
+// Makes a sequence of the datasets that an export of maps left in the temporary folder. Throws CliFailure with file and
+// reason.
 class MovedMaps
 {
 public:
     // All are borrowed.
     MovedMaps(CORVSpumKyvo& engine, CORVSequenceDataset& sequence, const StagedFolder& staged);
 
-    // Copies the folder of that click info and completes its two click infos: click number and folder, as the host gives them;
-    // the binning of the map's pixels; the component's name; the regions of interest of the map's source, with their numbers.
+    // Copies the folder of that click info and completes its two click infos: click number and folder, as the host
+    // gives them; the binning of the map's pixels; the component's name; the regions of interest of the map's source,
+    // with their numbers.
     void add(const QString& strClickInfo);
     // Gives the first dataset a photograph when none has one, and writes the sequence's info file.
     void finish();

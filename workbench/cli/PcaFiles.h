@@ -21,8 +21,8 @@ public:
     bool isMeaningful() const { return !m_explained.isEmpty(); }
     QString text() const;
     QJsonObject json() const;
-    // scree.png, scree.svg, pca.csv, mask.png where a part of the pixels was taken, and last pca.json, into a folder (with its
-    // separator). Throws CliFailure.
+    // scree.png, scree.svg, pca.csv, mask.png where a part of the pixels was taken, and last pca.json, into a folder
+    // (with its separator). Throws CliFailure.
     void write(const QString& strFolder);
 
 private:

@@ -5,5 +5,6 @@
 
 class QImage;
 
-// A picture as a PNG file, weakly compressed: a stronger compression takes longer than a fit and saves a quarter of the bytes.
+// A picture as a PNG file, weakly compressed: a stronger compression takes longer than a fit and saves a quarter of the
+// bytes.
 QByteArray pngBytes(const QImage& picture);

@@ -5,9 +5,9 @@
 
 #include <memory>
 
-// While it lives the questions of the libraries below are answered on behalf of a command: Yes where the user has agreed
-// beforehand by an option; otherwise the user is asked on a terminal, and without one the default stands. Messages go to
-// standard error.
+// While it lives the questions of the libraries below are answered on behalf of a command: Yes where the user has
+// agreed beforehand by an option; otherwise the user is asked on a terminal, and without one the default stands.
+// Messages go to standard error.
 class Questions
 {
 public:

@@ -5,5 +5,6 @@
 
 #include <QByteArray>
 
-// The report as one self-contained page for a browser, pictures inside, that also prints well on A4 or letter paper. UTF-8.
+// The report as one self-contained page for a browser, pictures inside, that also prints well on A4 or letter paper.
+// UTF-8.
 QByteArray reportHtml(const ReportContent& content);

@@ -44,7 +44,8 @@ QString escaped(const QString& strText)
     return strText.toHtmlEscaped();
 }
 
-// What stays together on a page: a piece of rich text (a subset of HTML 4, in which tables stand for grids) with its pictures.
+// What stays together on a page: a piece of rich text (a subset of HTML 4, in which tables stand for grids) with its
+// pictures.
 class Block
 {
 public:
@@ -244,7 +245,8 @@ struct Piece
     double top = 0.0; // on the page
 };
 
-// Blocks one below the other; one that does not fit what is left of a page goes to the next, one higher than a page is cut.
+// Blocks one below the other; one that does not fit what is left of a page goes to the next, one higher than a page is
+// cut.
 std::vector<Piece> placed(const Blocks& blocks, double dPageHeight)
 {
     std::vector<Piece> pieces;

@@ -5,6 +5,6 @@
 
 #include <QByteArray>
 
-// The report as PDF on A4 pages with page numbers. Needs a QGuiApplication, which may be the "offscreen" one. Empty when it cannot
-// be made.
+// The report as PDF on A4 pages with page numbers. Needs a QGuiApplication, which may be the "offscreen" one. Empty
+// when it cannot be made.
 QByteArray reportPdf(const ReportContent& content);

@@ -22,21 +22,22 @@ struct ComparedComponent
     CILImage map;               // of a spectrum whose largest value over the common images is 1; of a scan the mean map
     std::vector<double> values; // of that map at the pixels that every result analysed, of a scan spot after spot
     std::vector<double> spectrum; // over the common images, the largest 1
-    // Beside the reference's component of the same column, over the pixels that every result analysed; NaN where there is none.
+    // Beside the reference's component of the same column, over the pixels that every result analysed; NaN where there
+    // is none.
     double cosine = std::numeric_limits<double>::quiet_NaN();
     double correlation = std::numeric_limits<double>::quiet_NaN();
     double relativeError = std::numeric_limits<double>::quiet_NaN();
 };
 
-// Results beside each other: a row each, the first of which is the reference; a column for each of its components and for
-// what others have besides. A component stands in the column of its name; where a result shares no name with the reference,
-// in that of the component that it resembles. Data corrected for decay and data as they stand have different truths: where both
-// are among the rows, each result has that of its own state for a reference.
+// Results beside each other: a row each, the first of which is the reference; a column for each of its components and
+// for what others have besides. A component stands in the column of its name; where a result shares no name with the
+// reference, in that of the component that it resembles. Data corrected for decay and data as they stand have different
+// truths: where both are among the rows, each result has that of its own state for a reference.
 class ResultComparison
 {
 public:
-    // Two results at least, in the order of the rows, truths first. Throws CliFailure when their maps differ in size or number of
-    // spots or their spectra have no image in common.
+    // Two results at least, in the order of the rows, truths first. Throws CliFailure when their maps differ in size or
+    // number of spots or their spectra have no image in common.
     explicit ResultComparison(const std::vector<std::unique_ptr<SavedResult>>& results);
 
     int rowCount() const { return m_rowNames.size(); }

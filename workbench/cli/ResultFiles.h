@@ -15,14 +15,16 @@
 class CORVSpumKyvo;
 
 // Writes a result's files into a folder: per component (and scan spot) a map as float32 TIFF and as a picture over the
-// photograph, composites where the engine has made its pictures, spectra as a library file and as a plot, the mask, the properties, a report, the summary.
+// photograph, composites where the engine has made its pictures, spectra as a library file and as a plot, the mask, the
+// properties, a report, the summary.
 class ResultFiles
 {
 public:
     // `strFolder` ends with its separator.
     ResultFiles(const CORVSpumKyvo& engine, const ResultNumbers& numbers, const QString& strFolder);
 
-    // A report (report.html, with `bPdf` report.pdf too) is written with the other files. Its maps are those of the result.
+    // A report (report.html, with `bPdf` report.pdf too) is written with the other files. Its maps are those of the
+    // result.
     void setReport(const ReportFrame& frame, bool bPdf);
 
     // Calls `step(fraction)` between files, which may throw to stop. Throws CliFailure when a file cannot be written.

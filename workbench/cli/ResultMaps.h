@@ -20,8 +20,8 @@ public:
     int count() const { return m_files.size(); }
     // The component's name; of several spots, the name of the map's file without its ending.
     QString name(int n) const { return m_names[n]; }
-    // The map with its binning, its pixels outside the analysed mask NaN: what was not analysed has no value. Throws CliFailure
-    // when it cannot be read.
+    // The map with its binning, its pixels outside the analysed mask NaN: what was not analysed has no value. Throws
+    // CliFailure when it cannot be read.
     CILImage read(int n) const;
 
 private:

@@ -21,5 +21,6 @@ struct ResultNumbers
     AutomaticRunFacts facts; // of an automatic run
 };
 
-// Those of the engine's present result but for the time; `strTruthFolder` holds the truth of its unit, and is empty without one.
+// Those of the engine's present result but for the time; `strTruthFolder` holds the truth of its unit, and is empty
+// without one.
 ResultNumbers numbersOfResult(const CORVSpumKyvo& engine, const QString& strTruthFolder);

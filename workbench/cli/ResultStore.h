@@ -12,16 +12,16 @@
 class CORVSequenceDataset;
 class CORVSpumKyvo;
 
-// The results saved with the sequence of an engine, as commands work on them. Every operation throws CliFailure when it could
-// not do what was asked; what the libraries have to say of it is in the log.
+// The results saved with the sequence of an engine, as commands work on them. Every operation throws CliFailure when it
+// could not do what was asked; what the libraries have to say of it is in the log.
 class ResultStore
 {
 public:
     // Borrows the engine. With `bAgreed` results are overwritten and deleted without a question.
     ResultStore(CORVSpumKyvo& engine, bool bAgreed);
 
-    // Refuses, ahead of a long run, a name for it that cannot be saved under: one that is taken unless `bOverwrite`, one of
-    // characters that do not fit a line. Empty stands for an automatic name.
+    // Refuses, ahead of a long run, a name for it that cannot be saved under: one that is taken unless `bOverwrite`,
+    // one of characters that do not fit a line. Empty stands for an automatic name.
     static void checkName(const CORVSequenceDataset& sequence, const QString& strName, bool bOverwrite);
     // The saved name that is meant, without regard to case; throws when there is none, telling those that there are.
     static QString findName(const CORVSequenceDataset& sequence, const QString& strName);

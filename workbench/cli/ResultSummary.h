@@ -11,14 +11,14 @@
 class ResultSummary
 {
 public:
-    // Per component: sum of its map times sum of its spectrum over the sum of the data. They add up to about 1 where the
-    // fit is good; NaN for data that sum to 0.
+    // Per component: sum of its map times sum of its spectrum over the sum of the data. They add up to about 1 where
+    // the fit is good; NaN for data that sum to 0.
     static std::vector<double> signalShares(const XTNT::Matrix<double>& data,
                                             const XTNT::Matrix<double>& concentrations,
                                             const XTNT::Matrix<double>& spectra);
 
-    // Frobenius norm of data - concentrations' x spectra over that of the data; NaN for data that are all 0. Streams over
-    // the rows, in an order that does not depend on the number of threads.
+    // Frobenius norm of data - concentrations' x spectra over that of the data; NaN for data that are all 0. Streams
+    // over the rows, in an order that does not depend on the number of threads.
     static double relativeResidual(const XTNT::Matrix<double>& data, const XTNT::Matrix<double>& concentrations,
                                    const XTNT::Matrix<double>& spectra);
 

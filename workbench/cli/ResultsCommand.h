@@ -7,7 +7,8 @@
 
 class OpenedSequence;
 
-// `spum results ACTION SEQ ...`: the results saved with a sequence: list and show them, bring one back, rename, delete, export.
+// `spum results ACTION SEQ ...`: the results saved with a sequence: list and show them, bring one back, rename, delete,
+// export.
 class ResultsCommand : public Command
 {
 public:

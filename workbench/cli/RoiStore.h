@@ -10,8 +10,8 @@
 
 class CORVSequenceDataset;
 
-// The regions of interest of a sequence: those of its datasets, which are the same in all of them unless somebody gave one dataset
-// a region of its own.
+// The regions of interest of a sequence: those of its datasets, which are the same in all of them unless somebody gave
+// one dataset a region of its own.
 class RoiStore
 {
 public:
@@ -31,15 +31,16 @@ public:
     // "ROI 1", or the next number that no region has.
     QString freeName() const;
 
-    // Changes of the datasets in memory; save() brings them to the files. Throws CliFailure when a region cannot be added.
+    // Changes of the datasets in memory; save() brings them to the files. Throws CliFailure when a region cannot be
+    // added.
     void add(const tagROIInfo& region);
     // Number of regions removed.
     int remove(const QString& strName);
     // Also takes what is written of regions and cannot be read.
     void removeAll();
 
-    // Writes the regions into the click infos of all datasets: into all, or, after a failure, into none. Throws CliFailure with
-    // the file and the reason; a click info that would lose lines by being written again is refused.
+    // Writes the regions into the click infos of all datasets: into all, or, after a failure, into none. Throws
+    // CliFailure with the file and the reason; a click info that would lose lines by being written again is refused.
     void save() const;
 
 private:

@@ -20,10 +20,11 @@ public:
     SavedResult(const SavedResult&) = delete;
     SavedResult& operator=(const SavedResult&) = delete;
 
-    // Reads what `spum unmix` wrote into that folder; the label is the folder's name. Throws CliFailure that names what is missing.
+    // Reads what `spum unmix` wrote into that folder; the label is the folder's name. Throws CliFailure that names what
+    // is missing.
     void readResult(const QString& strFolder);
-    // Reads the truth of a simulation from its unit's folder, that of data corrected for decay or of data as they stand. The
-    // label is "truth", or "truth corrected for decay".
+    // Reads the truth of a simulation from its unit's folder, that of data corrected for decay or of data as they
+    // stand. The label is "truth", or "truth corrected for decay".
     void readTruth(const QString& strFolder, bool bDecayCorrected);
 
     QString label() const { return m_strLabel; }

@@ -7,6 +7,6 @@
 
 class CliProgress;
 
-// Runs the engine once; meanwhile the progress line shows the text with the time that has passed (`dFraction` below 0) or
-// at that fraction.
+// Runs the engine once; meanwhile the progress line shows the text with the time that has passed (`dFraction` below 0)
+// or at that fraction.
 RunOutcome runShown(CORVSpumKyvo& engine, CliProgress& progress, const QString& strText, double dFraction);

@@ -31,8 +31,8 @@ constexpr int kTemporal = flagOf(SimulationKind::Temporal);
 constexpr int kCherenkov = flagOf(SimulationKind::Cherenkov);
 constexpr int kAll = kEpi | kLuminescent | kScan | kTemporal | kCherenkov;
 
-// An option, its help, the name of its value (empty: a switch), the default that the help tells, and the kinds that have
-// it.
+// An option, its help, the name of its value (empty: a switch), the default that the help tells, and the kinds that
+// have it.
 struct OptionText
 {
     const char* name;

@@ -22,8 +22,8 @@ struct PlotCurve
     double width = 2.0; // of the line, in pixels
 };
 
-// A plot of spectra or time courses on a white ground: axes with round ticks, curves with markers, a legend on the right.
-// Draws on any painter, so the same plot is written as PNG and as SVG. Points that are not finite are left out.
+// A plot of spectra or time courses on a white ground: axes with round ticks, curves with markers, a legend on the
+// right. Draws on any painter, so the same plot is written as PNG and as SVG. Points that are not finite are left out.
 class SpectrumPlot
 {
 public:

@@ -15,8 +15,8 @@ public:
     void addRow(const QStringList& row);
     int rowCount() const { return m_rows.size(); }
 
-    // Columns padded to their widest text, numbers to the right, two blanks between; a line end behind each row. Texts as by
-    // oneLine().
+    // Columns padded to their widest text, numbers to the right, two blanks between; a line end behind each row. Texts
+    // as by oneLine().
     QString toText() const;
     // RFC 4180: fields with a comma, a quote or a line end in quotes; a line end behind each row.
     QString toCsv() const;

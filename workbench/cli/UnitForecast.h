@@ -10,11 +10,11 @@ class CORVSequenceDataset;
 struct UnitForecast
 {
     int unit = -1; // -1: no unit can be had
-    // Why the units ahead of it were refused, a sentence each with the image concerned; a unit beyond the host's limit needs
-    // no reason.
+    // Why the units ahead of it were refused, a sentence each with the image concerned; a unit beyond the host's limit
+    // needs no reason.
     QStringList refusals;
 };
 
-// Walks the same ladder as the building of the cube, over the datasets of those click numbers, within the host's present
-// limit of units.
+// Walks the same ladder as the building of the cube, over the datasets of those click numbers, within the host's
+// present limit of units.
 UnitForecast forecastUnit(const CORVSequenceDataset& sequence, const QStringList& clickNumbers);

@@ -23,8 +23,8 @@ struct UnmixRequest
     QString command; // the line that asked for it
 };
 
-// One unmixing from the request to the files. Everything that can be refused is refused before the run; nothing is written
-// unless all is.
+// One unmixing from the request to the files. Everything that can be refused is refused before the run; nothing is
+// written unless all is.
 class UnmixJob
 {
 public:

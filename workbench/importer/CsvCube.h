@@ -11,9 +11,9 @@
 #include <memory>
 #include <vector>
 
-// A cube in a CSV file: a row a pixel, first its column "x" and its row "y" (from 0, row by row), then a column an image,
-// which the first line names. The text is read once, into a temporary file of floats: blocks of rows, in each image
-// by image. Images are read from there, one at a time, so that memory holds no more than one and a block.
+// A cube in a CSV file: a row a pixel, first its column "x" and its row "y" (from 0, row by row), then a column an
+// image, which the first line names. The text is read once, into a temporary file of floats: blocks of rows, in each
+// image by image. Images are read from there, one at a time, so that memory holds no more than one and a block.
 class CsvCube
 {
 public:
@@ -23,8 +23,8 @@ public:
     // True when the file's name ends in ".csv".
     static bool isCsv(const QString& strPath);
 
-    // False with "file:line: reason" or "file: reason" in *pError: no such header, a row too few or too many, a pixel out of
-    // its order, a field that is no number. "nan" and "inf" are read as they are. `progress` may be empty.
+    // False with "file:line: reason" or "file: reason" in *pError: no such header, a row too few or too many, a pixel
+    // out of its order, a field that is no number. "nan" and "inf" are read as they are. `progress` may be empty.
     bool open(const QString& strPath, QString* pError, const Progress& progress = {});
 
     // Reads the first line alone: the names of the images. Errors as of open().

@@ -4,7 +4,8 @@
 #include <QString>
 #include <QStringList>
 
-// The fields of one line of a CSV file (RFC 4180 but for line breaks inside quotes, which are refused): a field that begins
-// with a quote ends at the next one that is not doubled, and may hold the separator. Blanks around a field are dropped,
-// inside quotes they stay. False, with the reason in *pError, when a quote is not closed or is followed by text.
+// The fields of one line of a CSV file (RFC 4180 but for line breaks inside quotes, which are refused): a field that
+// begins with a quote ends at the next one that is not doubled, and may hold the separator. Blanks around a field are
+// dropped, inside quotes they stay. False, with the reason in *pError, when a quote is not closed or is followed by
+// text.
 bool splitCsvLine(const QString& strLine, QChar separator, QStringList* pFields, QString* pError);

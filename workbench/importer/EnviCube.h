@@ -10,13 +10,13 @@
 class EnviCube
 {
 public:
-    // True when `strPath` is an ENVI header by its name, or a file with a header beside it ("cube.dat" with "cube.dat.hdr" or
-    // "cube.hdr").
+    // True when `strPath` is an ENVI header by its name, or a file with a header beside it ("cube.dat" with
+    // "cube.dat.hdr" or "cube.hdr").
     static bool isEnvi(const QString& strPath);
 
     // Opens the cube of a header file or a data file. The data file of a header is the one that bears its name without
-    // ".hdr", or with one other extension. False with "file: reason" in *pError when either cannot be found or read, or the
-    // data file is shorter than the header says.
+    // ".hdr", or with one other extension. False with "file: reason" in *pError when either cannot be found or read, or
+    // the data file is shorter than the header says.
     bool open(const QString& strPath, QString* pError);
 
     const EnviHeader& header() const { return m_header; }

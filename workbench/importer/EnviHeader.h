@@ -9,8 +9,8 @@
 #include <QStringList>
 #include <QVector>
 
-// The header of an ENVI cube: a text whose first line is "ENVI", then "key = value" lines, where a value in braces may go
-// over several lines and a line that begins with ";" is a comment.
+// The header of an ENVI cube: a text whose first line is "ENVI", then "key = value" lines, where a value in braces may
+// go over several lines and a line that begins with ";" is a comment.
 struct EnviHeader
 {
     enum class Interleave
@@ -39,7 +39,7 @@ struct EnviHeader
     qint64 requiredBytes() const;
 
     // Reads the text of a header file. Sizes below 1, a cube of 2^62 bytes or more, complex data, compressed data and
-    // frames with offsets are refused. False with "line N: reason" (or the reason, where no line is to blame) in *pError;
-    // the header is then as it was.
+    // frames with offsets are refused. False with "line N: reason" (or the reason, where no line is to blame) in
+    // *pError; the header is then as it was.
     bool parse(const QByteArray& text, QString* pError);
 };

@@ -5,8 +5,8 @@
 
 #include <optional>
 
-// What is known of an image beside what tells it from the others. Nothing here is ever in doubt: what cannot be read is not
-// known.
+// What is known of an image beside what tells it from the others. Nothing here is ever in doubt: what cannot be read is
+// not known.
 struct ImageFacts
 {
     std::optional<double> exposure;  // s, above 0
@@ -18,7 +18,8 @@ struct ImageFacts
 
     // A number above 0, else nothing.
     static std::optional<double> positive(const QString& strText);
-    // An instant in the form of `start`, from any in ISO 8601 (taken for UTC when it tells no zone); empty for another text.
+    // An instant in the form of `start`, from any in ISO 8601 (taken for UTC when it tells no zone); empty for another
+    // text.
     static QString instant(const QString& strText);
     // The unit's name as click infos have it, without regard to case; empty for counts and for another text.
     static QString unitName(const QString& strText);

@@ -22,15 +22,16 @@ struct FoundImage
     ImageFacts facts;
 };
 
-// Lists the images of a stack without a table, in their order: files by name with numbers by value, then pages, then bands.
+// Lists the images of a stack without a table, in their order: files by name with numbers by value, then pages, then
+// bands.
 class ImageFinder
 {
 public:
     using Progress = std::function<bool(int nDone, int nSteps, const QString& strWhat)>;
 
-    // `strSource` is a folder (TIFF files and ENVI headers in it count; folders below don't), a TIFF file, an ENVI cube or a
-    // CSV cube. False with "file: reason" in *pError: nothing there, no image in it, a file that cannot be read. An abort
-    // by `progress` (may be empty) is told by aborted().
+    // `strSource` is a folder (TIFF files and ENVI headers in it count; folders below don't), a TIFF file, an ENVI cube
+    // or a CSV cube. False with "file: reason" in *pError: nothing there, no image in it, a file that cannot be read.
+    // An abort by `progress` (may be empty) is told by aborted().
     bool find(const QString& strSource, const Progress& progress, QString* pError);
 
     const QVector<FoundImage>& images() const { return m_images; }

@@ -28,9 +28,10 @@ struct ImageKeys
     bool transillumination = false;
     QVector<ImageKey> images;
 
-    // Times make a temporal sequence (wavelengths, the same in all, may stand beside), excitations one of fluorescence, scan spots besides one of transillumination; every row must say the same kind of things. An
-    // emission that the table leaves open is taken from the ENVI header, if that tells it. Wavelengths are rounded to whole
-    // nanometres. False with "file:line: reason" in *pError as importStack() tells.
+    // Times make a temporal sequence (wavelengths, the same in all, may stand beside), excitations one of fluorescence,
+    // scan spots besides one of transillumination; every row must say the same kind of things. An emission that the
+    // table leaves open is taken from the ENVI header, if that tells it. Wavelengths are rounded to whole nanometres.
+    // False with "file:line: reason" in *pError as importStack() tells.
     bool make(const ImagesTable& table, const ImageStack& stack, QString* pError);
 
 private:

@@ -15,8 +15,8 @@
 
 #include <optional>
 
-// The images that a table names, wherever they lie: files of a folder, pages of a TIFF file, samples of its pixels, bands of
-// an ENVI cube or a CSV cube. All have one size. Pixels are read one image at a time.
+// The images that a table names, wherever they lie: files of a folder, pages of a TIFF file, samples of its pixels,
+// bands of an ENVI cube or a CSV cube. All have one size. Pixels are read one image at a time.
 class ImageStack
 {
 public:
@@ -24,9 +24,9 @@ public:
     static bool isTiffFile(const QString& strPath);
 
     // Finds every image of the table and reads the headers. With a folder as `strSource` each row names its file there;
-    // otherwise `strSource` is the file of all rows. A row without page or band means the first. False with one sentence in
-    // *pError (see importStack) when an image cannot be found or differs in size, or two rows name one image. A CSV cube is
-    // read whole here, which `progress` (may be empty) follows.
+    // otherwise `strSource` is the file of all rows. A row without page or band means the first. False with one
+    // sentence in *pError (see importStack) when an image cannot be found or differs in size, or two rows name one
+    // image. A CSV cube is read whole here, which `progress` (may be empty) follows.
     bool open(const QString& strSource, const ImagesTable& table, QString* pError,
               const CsvCube::Progress& progress = {});
 

@@ -26,10 +26,11 @@ struct ImageRow
     ImageFacts facts;
 };
 
-// The table "images.csv". Its first line names the columns, in any order and case: file, page, band, excitation, emission,
-// interval, time, spot_x, spot_y, exposure, pixel_size, start, isotope, unit; "origin" says nothing to the program, other columns are passed over with a warning. Fields are separated by commas, or by semicolons when the
-// first line has those and no comma. Text is UTF-8, with or without a byte order mark, and lines end in either way; empty
-// ones are skipped. Wavelengths may have "nm" behind them, times "s"; numbers have a decimal point.
+// The table "images.csv". Its first line names the columns, in any order and case: file, page, band, excitation,
+// emission, interval, time, spot_x, spot_y, exposure, pixel_size, start, isotope, unit; "origin" says nothing to the
+// program, other columns are passed over with a warning. Fields are separated by commas, or by semicolons when the
+// first line has those and no comma. Text is UTF-8, with or without a byte order mark, and lines end in either way;
+// empty ones are skipped. Wavelengths may have "nm" behind them, times "s"; numbers have a decimal point.
 class ImagesTable
 {
 public:

@@ -245,8 +245,8 @@ void InferredTable::takeTimes(const QVector<FoundImage>& images, std::optional<d
     }
 }
 
-// What tells the images apart: wavelengths, or times at one pair of wavelengths. Of an image alone that has both, only its
-// metadata can say.
+// What tells the images apart: wavelengths, or times at one pair of wavelengths. Of an image alone that has both, only
+// its metadata can say.
 void InferredTable::choose()
 {
     QSet<QString> pairs;

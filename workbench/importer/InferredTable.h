@@ -10,8 +10,8 @@
 
 #include <optional>
 
-// The table "images.csv" made of what names and metadata tell. Nothing is guessed: whatever could be meant in two ways, is
-// missing or occurs twice is a doubt, and a table with doubts is only a template to fill in.
+// The table "images.csv" made of what names and metadata tell. Nothing is guessed: whatever could be meant in two ways,
+// is missing or occurs twice is a doubt, and a table with doubts is only a template to fill in.
 class InferredTable
 {
 public:
@@ -31,12 +31,12 @@ public:
         QString origin; // where the figures come from
     };
 
-    // `interval`, in seconds, is what the user says lies between two frames; numbers of frames then become times (number
-    // times interval). Without it they are a doubt, as is a run of times without unit that counts up by one (frames or
-    // seconds); such times with gaps are taken as seconds, which a note tells. Images that wavelengths tell apart are a
-    // spectral sequence, whatever times they have besides; images of one pair of wavelengths at several times a temporal
-    // one, and so are images whose metadata say so.
-    // `doubts` are those that came up when the images were found.
+    // `interval`, in seconds, is what the user says lies between two frames; numbers of frames then become times
+    // (number times interval). Without it they are a doubt, as is a run of times without unit that counts up by one
+    // (frames or seconds); such times with gaps are taken as seconds, which a note tells. Images that wavelengths tell
+    // apart are a spectral sequence, whatever times they have besides; images of one pair of wavelengths at several
+    // times a temporal one, and so are images whose metadata say so. `doubts` are those that came up when the images
+    // were found.
     InferredTable(const QVector<FoundImage>& images, const QStringList& doubts, std::optional<double> interval);
 
     bool isTemporal() const { return m_bTemporal; }

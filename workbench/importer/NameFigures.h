@@ -14,8 +14,8 @@
 //   - "frame12", "img_12", "tp3", or a number at the end where there is nothing else: the number of a frame;
 //   - "int2": the interval;
 //   - "spot x-0.45 y1.6": the scan spot.
-// What could be taken in two ways is a doubt and no figure: two excitations, a range ("ex640-660"), a pair that does not
-// ascend, a third number beside a pair.
+// What could be taken in two ways is a doubt and no figure: two excitations, a range ("ex640-660"), a pair that does
+// not ascend, a third number beside a pair.
 struct NameFigures
 {
     QVector<Figure> figures;

@@ -359,7 +359,8 @@ ImageFacts factsOf(const Pixels& pixels, const Plane& plane, const QHash<QString
     return facts;
 }
 
-// Which of an image's runs lie in the file: of a set of files those that name it, of one file all, whatever its name is now.
+// Which of an image's runs lie in the file: of a set of files those that name it, of one file all, whatever its name is
+// now.
 QVector<PlaneRun> runsOf(const Pixels& pixels, const QString& file)
 {
     if (pixels.runs.isEmpty()) {

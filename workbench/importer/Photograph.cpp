@@ -21,7 +21,8 @@ constexpr double clippedShare = 0.005;
 // Difference of the shapes (width over height) above which a photograph looks squeezed.
 constexpr double shapeTolerance = 0.02;
 
-// No format packs photographs better than deflate packs zeros (1032 to 1); twice that is allowed, and a picture of some size besides.
+// No format packs photographs better than deflate packs zeros (1032 to 1); twice that is allowed, and a picture of some
+// size besides.
 constexpr qint64 maxCompression = 2064;
 constexpr qint64 allowedPixels = 1 << 20;
 

@@ -49,9 +49,9 @@ double irradiance(double nm);
 
 } // namespace CameraFigures
 
-// The images of a sequence in order of acquisition: all pairs, or times, and in a scan all pairs of the first spot, then
-// those of the next. Five seconds lie between them for filters and read-out, unless the kind has times of its own. Options
-// must be valid; `strPrefix` begins the click numbers.
+// The images of a sequence in order of acquisition: all pairs, or times, and in a scan all pairs of the first spot,
+// then those of the next. Five seconds lie between them for filters and read-out, unless the kind has times of its own.
+// Options must be valid; `strPrefix` begins the click numbers.
 QList<Band> planBands(const SimulationOptions& options, const QList<FilterPair>& pairs, const QString& strPrefix,
                       const QList<ScanSpot>& spots = {});
 

@@ -33,8 +33,8 @@ double bluestPeak(const QList<Probe>& probes)
     return peak;
 }
 
-// As many filters as the number of pairs calls for, the last one before the bluest emission, the first one not below the
-// shortest: for a blue probe the last one then lies further on.
+// As many filters as the number of pairs calls for, the last one before the bluest emission, the first one not below
+// the shortest: for a blue probe the last one then lies further on.
 QList<int> chooseExcitations(int count, const QList<Probe>& probes)
 {
     const int filters = count <= kMostForOne ? 1 : count <= kMostForTwo ? 2 : 3;

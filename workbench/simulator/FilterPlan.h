@@ -42,6 +42,6 @@ bool chooseOne(const QList<int>& excitations, const QList<Probe>& probes, Filter
 
 } // namespace FilterPlan
 
-// The filter pairs of a simulated sequence: of each spot of a scan, and one in a temporal sequence. False with a sentence
-// in *pError when probes or filters cannot be had.
+// The filter pairs of a simulated sequence: of each spot of a scan, and one in a temporal sequence. False with a
+// sentence in *pError when probes or filters cannot be had.
 bool choosePairs(const SimulationOptions& options, QList<FilterPair>* pPairs, QString* pError);

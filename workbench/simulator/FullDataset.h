@@ -8,9 +8,9 @@ class MouseShape;
 struct SimulationOptions;
 
 // What a dataset can have beside what an analysis needs, so that readers meet all of it. Each dataset gets a main data
-// image apart from the luminescent one, with the same pixels, and the flags and sections of an instrument; the first one
-// also the images of a scan with structured light, an X-ray image with its photograph, and regions of interest of every
-// shape.
+// image apart from the luminescent one, with the same pixels, and the flags and sections of an instrument; the first
+// one also the images of a scan with structured light, an X-ray image with its photograph, and regions of interest of
+// every shape.
 class FullDataset
 {
 public:

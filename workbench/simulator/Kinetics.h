@@ -10,8 +10,8 @@
 
 #include <cstdint>
 
-// Where a tracer goes in a temporal sequence, and when. The figures are plausible ones for a dye of low weight that liver
-// and kidneys clear and a tumour keeps; they are ours.
+// Where a tracer goes in a temporal sequence, and when. The figures are plausible ones for a dye of low weight that
+// liver and kidneys clear and a tumour keeps; they are ours.
 struct Organ
 {
     QString name;

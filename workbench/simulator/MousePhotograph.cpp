@@ -119,8 +119,8 @@ private:
         return 0.62 + rings + 0.04 * m_clumps.value(6.0 * x, 6.0 * y);
     }
 
-    // Lambert's law under a lamp above and a little to the upper left, and the light that a cabinet throws back from all
-    // around: the flank that is turned away stays well above the bed.
+    // Lambert's law under a lamp above and a little to the upper left, and the light that a cabinet throws back from
+    // all around: the flank that is turned away stays well above the bed.
     static double light(double slopeX, double slopeY, double strands)
     {
         const double sx = slopeX + 0.10 * strands;

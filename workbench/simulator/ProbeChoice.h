@@ -26,9 +26,9 @@ enum class ProbeLight
 };
 ProbeLight lightOf(SimulationKind eKind);
 
-// The fluorophores, or luciferases, of that name, or of another name in use. False with one sentence in *pError, which names the
-// likeliest candidates for a name that is unknown, and *pProbes as it was: no name, more than kMostProbes, the same
-// probe twice, one of another light.
+// The fluorophores, or luciferases, of that name, or of another name in use. False with one sentence in *pError, which
+// names the likeliest candidates for a name that is unknown, and *pProbes as it was: no name, more than kMostProbes,
+// the same probe twice, one of another light.
 constexpr int kMostProbes = 8;
 bool resolveProbes(const QStringList& names, ProbeLight eLight, QList<Probe>* pProbes, QString* pError);
 inline bool resolveProbes(const QStringList& names, QList<Probe>* pProbes, QString* pError)

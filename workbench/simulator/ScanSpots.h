@@ -35,8 +35,8 @@ QList<ScanSpot> plan(int count, const MouseShape& shape);
 double fluence(const TissueOptics& tissue, double heightMm, double lateralMm);
 
 // The transmitted reference of each spot, one after the other, `size` x `size` pixels each: the exciting light that
-// leaves the animal above, the brightest pixel of the scan 1, over a tenth of that from the bed, which spreads the light
-// about.
+// leaves the animal above, the brightest pixel of the scan 1, over a tenth of that from the bed, which spreads the
+// light about.
 std::vector<double> transmittedReference(const QList<ScanSpot>& spots, const MouseShape& shape,
                                          const TissueOptics& tissue, int size);
 

@@ -23,9 +23,9 @@ struct SceneModel
     std::vector<double> reference;
 
     // Renders and scales the scene. Each component but the first has its peak at `ratio` times the first one's counts,
-    // at the pixel (and spot) of its map's maximum and in the band of its spectrum's maximum; then all are scaled so that the
-    // brightest pixel of the sequence (a coarse image's pixel gathers four) expects options.peakElectrons. False with a
-    // sentence when a component gives no light in any band.
+    // at the pixel (and spot) of its map's maximum and in the band of its spectrum's maximum; then all are scaled so
+    // that the brightest pixel of the sequence (a coarse image's pixel gathers four) expects options.peakElectrons.
+    // False with a sentence when a component gives no light in any band.
     bool build(const ScenePlan& plan, const SimulationOptions& options, const QList<Band>& bands, QString* pError);
 
     // Pixels of the map of one spot.

@@ -55,13 +55,13 @@ public:
     const TissueOptics& tissue() const { return m_tissue; }
     // The places from which a scan is lit, else none.
     const QList<ScanSpot>& spots() const { return m_spots; }
-    // The tissue's own light first, then food (where there is excitation, and unless its ratio is 0), then the sources in
-    // their order: probes, organs, or the isotope at its depths.
+    // The tissue's own light first, then food (where there is excitation, and unless its ratio is 0), then the sources
+    // in their order: probes, organs, or the isotope at its depths.
     const QList<SceneComponent>& components() const { return m_components; }
 
     // The map of each component, `size` x `size` pixels row by row, 0 outside the animal, the largest pixel 1 (a map
-    // without light stays 0); in a scan the maps of all spots one after the other, the largest pixel of all 1. A pixel is the
-    // mean over its area. Independent of the number of threads.
+    // without light stays 0); in a scan the maps of all spots one after the other, the largest pixel of all 1. A pixel
+    // is the mean over its area. Independent of the number of threads.
     std::vector<std::vector<double>> renderMaps(int size) const;
 
 private:

@@ -19,8 +19,8 @@ struct SimulationOptions
     // Probes by their names in the reference data (other names in use will do): dyes, or luciferases in a luminescent
     // sequence. In a temporal sequence one is the tracer of three organs, several are tracers in places of their own.
     QStringList probes{QStringLiteral("AlexaFluor 750"), QStringLiteral("AlexaFluor 790")};
-    // Each source lies at one depth below the skin; a single depth serves for all, none means 2 mm for the first to 6 mm
-    // for the last, or the organs' own. The isotope lies at each depth given, as a source of its own.
+    // Each source lies at one depth below the skin; a single depth serves for all, none means 2 mm for the first to 6
+    // mm for the last, or the organs' own. The isotope lies at each depth given, as a source of its own.
     QList<double> depthsMm;
     QList<int> excitationsNm; // centres of the excitation filters; empty: chosen after the probes
     // Peak of each probe over the tissue's autofluorescence at the same pixel, in the band where the probe is

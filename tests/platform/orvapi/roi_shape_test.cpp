@@ -172,7 +172,8 @@ TEST(RoiShapeTest, APolygonHoldsTheSamePixelsInEitherDirection)
     EXPECT_EQ(drawn("polygon:0,0,4,0,4,4,2,1,0,4", 4, 4), (QStringList{"####", "####", "#..#", "...."}));
 }
 
-// Both loops of an eight run around their inside, and an outline that is drawn over itself still holds what it runs around.
+// Both loops of an eight run around their inside, and an outline that is drawn over itself still holds what it runs
+// around.
 TEST(RoiShapeTest, AllThatACrossingOutlineRunsAroundIsInside)
 {
     EXPECT_EQ(drawn("freehand:0,0,4,4,4,0,0,4", 4, 4), (QStringList{"...#", "#.##", "#.##", "...#"}));

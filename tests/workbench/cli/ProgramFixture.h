@@ -38,7 +38,8 @@ protected:
     {
         return path("seq/truth/" + strUnit + "/spectra.csv");
     }
-    // Three images of 4 x 4 pixels, mixtures of "Dye A" and "Dye B", as the sequence "small"; library() has the spectra.
+    // Three images of 4 x 4 pixels, mixtures of "Dye A" and "Dye B", as the sequence "small"; library() has the
+    // spectra.
     static SmallSequence smallSequence();
     QString library() const;
 

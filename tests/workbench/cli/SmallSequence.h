@@ -13,8 +13,8 @@
 
 class CORVSequenceDataset;
 
-// One image of a small sequence. With calibration figures of 1 throughout, radiance is counts / binning^2, and every unit
-// above it has the same numbers as radiance.
+// One image of a small sequence. With calibration figures of 1 throughout, radiance is counts / binning^2, and every
+// unit above it has the same numbers as radiance.
 struct SmallImage
 {
     QString excitation = QStringLiteral("640nm");

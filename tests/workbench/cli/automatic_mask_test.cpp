@@ -33,8 +33,8 @@ double diceWithTheBody(const CILImage& mask, const MouseShape& shape)
     return 2.0 * both / (body + static_cast<double>(countMaskPixels(mask)));
 }
 
-// Side of the photograph, seed of the animal. In a photograph of a smaller side the opening, of so many pixels at any size,
-// takes away the tail and the feet.
+// Side of the photograph, seed of the animal. In a photograph of a smaller side the opening, of so many pixels at any
+// size, takes away the tail and the feet.
 class AutomaticMaskTest : public ::testing::TestWithParam<std::tuple<int, int>>
 {
 };

@@ -30,7 +30,8 @@ struct PhotonTransfer : public ::testing::TestWithParam<double>
 
 } // namespace
 
-// The photon transfer of a linear camera: variance in counts = signal / gain + (read noise / gain)^2 + 1/12 of rounding.
+// The photon transfer of a linear camera: variance in counts = signal / gain + (read noise / gain)^2 + 1/12 of
+// rounding.
 TEST_P(PhotonTransfer, VarianceFollowsTheSignal)
 {
     constexpr double kGain = 2.0;
