@@ -21,6 +21,11 @@ protected:
 
     ProgramResult spum(const QStringList& arguments) const { return m_pSpum->run(arguments); }
     const SpumProgram& program() const { return *m_pSpum; }
+    // As SpumProgram::setFaults, with names in the folder of the test.
+    void setFaults(const QString& rules, const QString& below = QStringLiteral("."), const QString& log = {})
+    {
+        m_pSpum->setFaults(rules, path(below), log.isEmpty() ? QString() : path(log));
+    }
 
     // Runs it and expects success without a word on standard error.
     ProgramResult succeed(const QStringList& arguments) const;

@@ -3,6 +3,7 @@
 
 #include <QDir>
 #include <QElapsedTimer>
+#include <QFileInfo>
 #include <QJsonDocument>
 #include <QProcess>
 #include <QProcessEnvironment>
@@ -42,6 +43,21 @@ QString SpumProgram::path()
     return QStringLiteral(ORV_BINARY_DIR "/bin/spum");
 }
 
+void SpumProgram::setFaults(const QString& strRules, const QString& strBelow, const QString& strLog)
+{
+    m_faults.clear();
+    if (strRules.isEmpty() && strLog.isEmpty()) {
+        return;
+    }
+    m_faults.insert(QStringLiteral("LD_PRELOAD"), QStringLiteral(ORV_BINARY_DIR "/lib/libfaults.so"));
+    m_faults.insert(QStringLiteral("FAULTS"), strRules);
+    m_faults.insert(QStringLiteral("FAULTS_BELOW"), QFileInfo(strBelow).canonicalFilePath());
+    m_faults.insert(QStringLiteral("FAULTS_LOG"), strLog);
+    // The sanitizer of a build under one wants to stand first; behind this library it does as well.
+    m_faults.insert(QStringLiteral("ASAN_OPTIONS"),
+                    qEnvironmentVariable("ASAN_OPTIONS") + QStringLiteral(":verify_asan_link_order=0"));
+}
+
 void SpumProgram::prepare(QProcess& process, const QStringList& arguments) const
 {
     QProcessEnvironment environment;
@@ -54,6 +70,7 @@ void SpumProgram::prepare(QProcess& process, const QStringList& arguments) const
             environment.insert(QLatin1String(name), qEnvironmentVariable(name));
         }
     }
+    environment.insert(m_faults);
     process.setProcessEnvironment(environment);
     process.setWorkingDirectory(m_strFolder);
     process.setProgram(path());

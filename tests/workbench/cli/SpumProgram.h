@@ -3,6 +3,7 @@
 
 #include <QByteArray>
 #include <QJsonObject>
+#include <QProcessEnvironment>
 #include <QString>
 #include <QStringList>
 
@@ -28,6 +29,10 @@ public:
 
     static QString path();
 
+    // From here on the program runs with the library of faults.h preloaded: rules, below which folder, which log (empty
+    // for none). Empty rules and an empty log take it away again.
+    void setFaults(const QString& strRules, const QString& strBelow, const QString& strLog = {});
+
     ProgramResult run(const QStringList& arguments) const;
     // Runs it, and once a name beginning with "." appears in `strWatched`, waits and interrupts it.
     ProgramResult runAndInterrupt(const QStringList& arguments, const QString& strWatched, int nMilliseconds,
@@ -41,4 +46,5 @@ private:
 
     QString m_strHome;
     QString m_strFolder;
+    QProcessEnvironment m_faults;
 };
