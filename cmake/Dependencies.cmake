@@ -1,7 +1,8 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 # The libraries we build on. Their Debian packages stand in packages.txt.
 
-find_package(Qt5 5.15 REQUIRED COMPONENTS Core Gui Widgets Xml Svg)
+find_package(Qt5 5.15 REQUIRED COMPONENTS Core Gui Widgets Xml Svg Charts PrintSupport)
+find_package(OpenGL REQUIRED COMPONENTS OpenGL)
 find_package(Eigen3 3.4 REQUIRED NO_MODULE)
 find_package(TIFF REQUIRED)
 find_package(Threads REQUIRED)

@@ -50,9 +50,10 @@ function(orv_room name kind)
   endif()
 endfunction()
 
-# orv_test(NAME <folder> LINK <libraries>): one GoogleTest program from every .cpp of a folder of tests/, each test known to CTest.
+# orv_test(NAME <folder> LINK <libraries> [TIMEOUT <seconds>] [XVFB]): one GoogleTest program from every .cpp of a folder
+# of tests/, known to CTest. With XVFB it runs on an X server of its own, with OpenGL by Mesa's software renderer.
 function(orv_test name)
-  cmake_parse_arguments(A "" "TIMEOUT" "LINK" ${ARGN})
+  cmake_parse_arguments(A "XVFB" "TIMEOUT" "LINK" ${ARGN})
   file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
   if(NOT A_TIMEOUT)
     set(A_TIMEOUT 300)
@@ -65,7 +66,11 @@ function(orv_test name)
   # A test is compiled more often than it is run; what it tests keeps its full optimisation.
   target_compile_options(${name} PRIVATE -O1)
   orv_precompile(${name} precompiled_tests)
-  add_test(NAME ${name} COMMAND ${name})
+  if(A_XVFB)
+    add_test(NAME ${name} COMMAND ${CMAKE_SOURCE_DIR}/scripts/with-xvfb.sh $<TARGET_FILE:${name}>)
+  else()
+    add_test(NAME ${name} COMMAND ${name})
+  endif()
   set_tests_properties(${name} PROPERTIES TIMEOUT ${A_TIMEOUT})
 endfunction()
 
