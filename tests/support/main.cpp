@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Entry of every test program: a QApplication on the offscreen platform, user folders that belong to the run alone.
+// Entry of every test program: a QApplication on the offscreen platform, user folders and a folder of temporary files
+// that belong to the run alone, so that programs of tests may run beside each other.
 #include <QApplication>
+#include <QDir>
+#include <QFile>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -14,6 +17,10 @@ int main(int argc, char** argv)
     qputenv("XDG_DATA_HOME", home.filePath("data").toLocal8Bit());
     qputenv("XDG_CONFIG_HOME", home.filePath("config").toLocal8Bit());
     qputenv("XDG_CACHE_HOME", home.filePath("cache").toLocal8Bit());
+    QDir(home.path()).mkdir("tmp");
+    // Tests that turn into a plain user pass through it.
+    QFile::setPermissions(home.path(), QFile::permissions(home.path()) | QFile::ExeGroup | QFile::ExeOther);
+    qputenv("TMPDIR", home.filePath("tmp").toLocal8Bit());
     ::testing::InitGoogleTest(&argc, argv);
     QApplication application(argc, argv);
     return RUN_ALL_TESTS();

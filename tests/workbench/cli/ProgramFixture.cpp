@@ -66,7 +66,10 @@ SmallSequence ProgramFixture::smallSequence()
 
 QString ProgramFixture::library() const
 {
-    return write("small library.csv", "$,Note,by hand\n$,NumSpec,2\n$,Color,red,blue\n$,Origin,a,b\n$,Select,1,1\n"
-                                      "Excitation,Emission,Dye A,Dye B\n"
-                                      "640,740,0,1\n640,700,1,0\n640,720,0.5,0.25\n");
+    std::call_once(m_libraryWritten, [this] {
+        write("small library.csv", "$,Note,by hand\n$,NumSpec,2\n$,Color,red,blue\n$,Origin,a,b\n$,Select,1,1\n"
+                                   "Excitation,Emission,Dye A,Dye B\n"
+                                   "640,740,0,1\n640,700,1,0\n640,720,0.5,0.25\n");
+    });
+    return path("small library.csv");
 }

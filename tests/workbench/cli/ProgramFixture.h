@@ -8,6 +8,8 @@
 #include <QJsonArray>
 #include <QJsonObject>
 
+#include <mutex>
+
 // Tests that run the built program in a folder of their own, whose path has blanks and letters beyond ASCII.
 class ProgramFixture : public CliFixture
 {
@@ -46,8 +48,10 @@ protected:
     // Three images of 4 x 4 pixels, mixtures of "Dye A" and "Dye B", as the sequence "small"; library() has the
     // spectra.
     static SmallSequence smallSequence();
+    // Written at the first call and never again: programs may be reading it.
     QString library() const;
 
 private:
     std::unique_ptr<SpumProgram> m_pSpum;
+    mutable std::once_flag m_libraryWritten;
 };

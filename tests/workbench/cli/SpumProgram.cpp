@@ -64,8 +64,8 @@ void SpumProgram::prepare(QProcess& process, const QStringList& arguments) const
     environment.insert(QStringLiteral("PATH"), QStringLiteral("/usr/bin:/bin"));
     environment.insert(QStringLiteral("HOME"), m_strHome);
     environment.insert(QStringLiteral("XDG_DATA_HOME"), m_strHome + QStringLiteral("/data"));
-    // For builds under a sanitizer.
-    for (const char* name : {"ASAN_OPTIONS", "UBSAN_OPTIONS", "TSAN_OPTIONS", "LSAN_OPTIONS"}) {
+    // The test program's own folder of temporary files, and what a build under a sanitizer is told.
+    for (const char* name : {"TMPDIR", "ASAN_OPTIONS", "UBSAN_OPTIONS", "TSAN_OPTIONS", "LSAN_OPTIONS"}) {
         if (qEnvironmentVariableIsSet(name)) {
             environment.insert(QLatin1String(name), qEnvironmentVariable(name));
         }
