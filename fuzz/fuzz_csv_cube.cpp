@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Cubes in CSV files: whatever the bytes, images of one size with a name each, or an error that names the file.
-#include "workbench/importer/CsvCube.h"
+#include "services/importer/CsvCube.h"
 
 #include <QDir>
 #include <QFile>

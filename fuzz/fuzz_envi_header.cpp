@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // ENVI headers: whatever the bytes, a header whose figures fit together or an error.
-#include "workbench/importer/EnviHeader.h"
+#include "services/importer/EnviHeader.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // OME-XML, ImageJ's description and names, as an import without a table reads them.
-#include "workbench/importer/ImageJMetadata.h"
-#include "workbench/importer/NameFigures.h"
-#include "workbench/importer/OmeMetadata.h"
+#include "services/importer/ImageJMetadata.h"
+#include "services/importer/NameFigures.h"
+#include "services/importer/OmeMetadata.h"
 
 #include <cstddef>
 #include <cstdint>

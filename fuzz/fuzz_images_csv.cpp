@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Tables of images: whatever the bytes, rows of figures that mean something or an error that names the file.
-#include "workbench/importer/ImagesTable.h"
+#include "services/importer/ImagesTable.h"
 
 #include <cmath>
 #include <cstddef>

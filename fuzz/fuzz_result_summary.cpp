@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Summaries in folders of results: whatever the bytes, names of maps in the folder itself, or an error that names the
 // file.
-#include "workbench/cli/CliFailure.h"
-#include "workbench/cli/ResultFolder.h"
-#include "workbench/cli/ResultMaps.h"
+#include "services/basis/CliFailure.h"
+#include "services/results/ResultFolder.h"
+#include "services/results/ResultMaps.h"
 
 #include <QDir>
 #include <QFile>

@@ -22,12 +22,3 @@ struct SimulationOptions;
 // isotope's half life. False with a sentence that names the file.
 bool writeTruth(const QString& strFolder, const SceneModel& model, const SimulationOptions& options,
                 const QList<Band>& bands, QString* pError);
-
-// Name of the folder of a unit's truth.
-QString truthUnitFolder(tag_edisplayunit eUnit);
-// The same for data corrected for decay.
-QString truthDecayFolder(tag_edisplayunit eUnit);
-// Name of the file of a component's map: its name, characters that a file name should not have replaced by "_".
-QString truthMapFile(const QString& strComponent);
-// The same of a spot of a scan, from 0.
-QString truthMapFile(const QString& strComponent, int nSpot);

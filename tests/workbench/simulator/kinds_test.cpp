@@ -4,6 +4,7 @@
 #include "host/CORVDatabase.h"
 #include "host/CROIManager.h"
 #include "platform/orvapi/ClickInfoKeys.h"
+#include "workbench/simulator/FilterPlan.h"
 #include "workbench/simulator/Kinetics.h"
 #include "workbench/simulator/ScanSpots.h"
 #include "workbench/simulator/SourceList.h"

@@ -4,7 +4,7 @@
 #include "host/CILImage.h"
 #include "host/CORVSequenceDataset.h"
 #include "platform/orvimage/TiffIo.h"
-#include "workbench/simulator/TruthWriter.h"
+#include "services/basis/TruthFiles.h"
 #include "workbench/simulator/simulate.h"
 
 #include <QDir>

@@ -1,0 +1,120 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "services/analysis/AutomaticOptions.h"
+
+#include "services/basis/CliFailure.h"
+
+#include <QCommandLineParser>
+
+#include <cmath>
+
+namespace {
+
+// As in the wizard's field.
+constexpr double smallestHalfLife = 0.01;
+constexpr double largestHalfLife = 999999999.0;
+constexpr int mostComponents = 1000;
+
+[[noreturn]] void usage(const QString& strText)
+{
+    throw CliFailure(strText + QStringLiteral(" See \"spum unmix --help\"."), CliFailure::Usage);
+}
+
+QStringList namesOf(const QString& strText)
+{
+    QStringList names;
+    for (const QString& part : strText.split(QLatin1Char(','))) {
+        names.append(part.trimmed());
+        if (names.last().isEmpty()) {
+            usage(QStringLiteral("--components takes names split by commas; one in \"%1\" is empty.").arg(strText));
+        }
+    }
+    return names;
+}
+
+int countOf(const QString& strText)
+{
+    bool good = false;
+    const int count = strText.toInt(&good);
+    if (!good || count < 1 || count > mostComponents) {
+        usage(QStringLiteral("--ncomponents takes a whole number from 2 on, not \"%1\".").arg(strText));
+    }
+    return count;
+}
+
+double halfLifeOf(const QString& strText)
+{
+    if (strText == QLatin1String("auto")) {
+        return 0.0;
+    }
+    bool good = false;
+    const double minutes = strText.toDouble(&good);
+    if (!good || !(minutes >= smallestHalfLife && minutes <= largestHalfLife)) {
+        usage(QStringLiteral("--decay takes auto or a half life in minutes from %1 to %2, not \"%3\".")
+                  .arg(smallestHalfLife)
+                  .arg(largestHalfLife, 0, 'f', 0)
+                  .arg(strText));
+    }
+    return minutes;
+}
+
+} // namespace
+
+void declareAutomaticOptions(QCommandLineParser& parser)
+{
+    parser.addOption(
+        {QStringLiteral("components"),
+         QStringLiteral("Names of the components to resolve, split by commas: TissueAF, Food, probes of the "
+                        "database, Unknown. They tell the method where each lies in the spectrum; with one "
+                        "Unknown among them nothing is predicted. Without it: TissueAF and the probes of "
+                        "the sequence."),
+         QStringLiteral("NAMES")});
+    parser.addOption({QStringLiteral("ncomponents"),
+                      QStringLiteral("So many components of which nothing is known; they are named UMX1, UMX2, ... "
+                                     "Every automatic run says how many stand above the noise."),
+                      QStringLiteral("N")});
+    parser.addOption({QStringLiteral("constraints"),
+                      QStringLiteral("Predict from the names where each component may lie (the default).")});
+    parser.addOption({QStringLiteral("no-constraints"),
+                      QStringLiteral("Predict nothing; the components are then named UMX1, UMX2, ...")});
+    parser.addOption(
+        {QStringLiteral("decay"),
+         QStringLiteral("Correct for the decay of the Cherenkov isotope in the sequence, of that half life; "
+                        "auto: that of the database."),
+         QStringLiteral("MINUTES|auto")});
+}
+
+QStringList givenAutomaticOptions(const QCommandLineParser& parser)
+{
+    QStringList given;
+    for (const char* name : {"components", "ncomponents", "constraints", "no-constraints", "decay"}) {
+        if (parser.isSet(QLatin1String(name))) {
+            given.append(QStringLiteral("--") + QLatin1String(name));
+        }
+    }
+    return given;
+}
+
+AutomaticRequest automaticRequestOf(const QCommandLineParser& parser)
+{
+    const auto isSet = [&parser](const char* pName) { return parser.isSet(QLatin1String(pName)); };
+    if (isSet("components") && isSet("ncomponents")) {
+        usage(QStringLiteral("--components and --ncomponents exclude each other."));
+    }
+    if (isSet("constraints") && isSet("no-constraints")) {
+        usage(QStringLiteral("--constraints and --no-constraints exclude each other."));
+    }
+    AutomaticRequest request;
+    if (isSet("components")) {
+        request.components = namesOf(parser.value(QStringLiteral("components")));
+    }
+    if (isSet("ncomponents")) {
+        request.count = countOf(parser.value(QStringLiteral("ncomponents")));
+    }
+    request.useConstraints = !isSet("no-constraints");
+    request.constraintsAsked = isSet("constraints");
+    request.correctDecay = isSet("decay");
+    if (request.correctDecay) {
+        request.halfLifeMinutes = halfLifeOf(parser.value(QStringLiteral("decay")));
+    }
+    return request;
+}

@@ -1,0 +1,149 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "services/analysis/AutomaticSetUp.h"
+
+#include "engine/CORVSpumKyvo.h"
+#include "engine/EngineEnums.h"
+#include "engine/runTexts.h"
+#include "engine/sourceCurves.h"
+#include "engine/suggestedConstraints.h"
+#include "host/CORVDatabase.h"
+#include "host/CORVSequenceDataset.h"
+#include "services/basis/CliFailure.h"
+#include "windows/componentCount.h"
+#include "windows/halfLife.h"
+#include "windows/probeOffer.h"
+
+namespace {
+
+constexpr double secondsPerMinute = 60.0;
+
+QStringList namesOf(const AutomaticRequest& request, const CORVSpumKyvo& engine)
+{
+    if (!request.components.isEmpty()) {
+        return request.components;
+    }
+    if (request.count == 0) {
+        return proposedComponents(engine);
+    }
+    QStringList names;
+    for (int k = 0; k < request.count; ++k) {
+        names.append(QLatin1String(kUnknownProbe));
+    }
+    return names;
+}
+
+void checkCount(int nComponents, int nImages, bool bBeyondSix)
+{
+    if (isComponentCountValid(nComponents, nImages)) {
+        return;
+    }
+    const bool fits = nComponents >= kMinComponents && nComponents <= nImages;
+    if (bBeyondSix && fits) {
+        return;
+    }
+    if (bBeyondSix && nComponents > nImages) {
+        throw CliFailure(QStringLiteral("%1 (%2 components for %3 images)")
+                             .arg(errorText(RUNERROR_NO_SOLUTION))
+                             .arg(nComponents)
+                             .arg(nImages));
+    }
+    throw CliFailure(QStringLiteral("%1 (asked for: %2%3)")
+                         .arg(componentCountWarning(nComponents, nImages))
+                         .arg(nComponents)
+                         .arg(fits ? QStringLiteral("; --force takes as many as there are images") : QString()));
+}
+
+// What keeps the place of a component from being known; empty when it is known.
+QString missingPrediction(const QString& strName, const CORVSpumKyvo& engine)
+{
+    const QString source = sourceOfLabel(strName) + sourceSuffix(engine.m_eAxis);
+    sSourceSpecFileParameters curve;
+    if (!readSourceCurve(source, engine.m_eSeqKind, engine.m_bCherenkov, curve)) {
+        sProbeParameters probe;
+        const bool similar = CORVDatabase::findProbe(strName, &probe) && probe.name != strName;
+        return QStringLiteral("the database has no source \"%1\"%2: where it lies is not predicted")
+            .arg(source, similar ? QStringLiteral(" (\"%1\" is there)").arg(probe.name) : QString());
+    }
+    if (!(engine.sourceSpectrum(source, engine.m_primaryKeys).Max() > 0.0)) {
+        return QStringLiteral("the source \"%1\" has no light at these images: where it lies is not predicted")
+            .arg(source);
+    }
+    return QString();
+}
+
+QStringList predictionWarnings(const QStringList& names, bool bAsked, const CORVSpumKyvo& engine)
+{
+    QStringList warnings;
+    const bool temporal = engine.m_eSeqKind == SEQKIND_TEMPORAL;
+    if (temporal || !canPredict(names, engine.m_eSeqKind)) {
+        if (bAsked) {
+            warnings.append(temporal ? QStringLiteral("a temporal sequence takes no constraints")
+                                     : QStringLiteral("nothing can be predicted of these components"));
+        }
+        return warnings;
+    }
+    for (const QString& name : names) {
+        const QString missing = missingPrediction(name, engine);
+        if (!missing.isEmpty()) {
+            warnings.append(missing);
+        }
+    }
+    return warnings;
+}
+
+void takeDecay(const AutomaticRequest& request, const CORVSequenceDataset& sequence, CORVSpumKyvo& engine)
+{
+    AnalysisInput& input = engine.m_analysisInput;
+    input.decayCorrection = request.correctDecay;
+    if (!request.correctDecay) {
+        return;
+    }
+    if (!sequence.isCherenkovIsotopeInData(input.isotope)) {
+        throw CliFailure(QStringLiteral("--decay: the sequence holds no isotope with Cherenkov light"));
+    }
+    input.halfLifeSeconds = request.halfLifeMinutes > 0.0 ? request.halfLifeMinutes * secondsPerMinute
+                                                          : CORVDatabase::getCherenkovRADHalflife(input.isotope);
+    if (!(input.halfLifeSeconds > 0.0)) {
+        throw CliFailure(invalidHalfLifeText(input.isotope, 0.0, engine.m_strSeqId) +
+                         QStringLiteral(" Give it in minutes: --decay MINUTES"));
+    }
+    QVector<double> factors;
+    if (!sequence.calculateDecayCorrectFactor_CherenkovData(engine.m_imageList, input.halfLifeSeconds, factors)) {
+        throw CliFailure(
+            QStringLiteral("the decay cannot be corrected for: an image lacks the start or the length of its "
+                           "exposure, or the half life is too short for the time between the images"));
+    }
+}
+
+} // namespace
+
+QStringList proposedComponents(const CORVSpumKyvo& engine)
+{
+    const bool fluorescent = engine.m_eTemporalKind != 0;
+    const QStringList offered = offeredProbes(engine.m_eSeqKind, fluorescent);
+    return componentNames(isTissueByDefault(engine.m_eSeqKind), false,
+                          proposedProbes(engine.m_probes, offered, engine.m_eSeqKind));
+}
+
+QStringList setUpAutomatic(const AutomaticRequest& request, bool bBeyondSix, const CORVSequenceDataset& sequence,
+                           CORVSpumKyvo& engine)
+{
+    const QStringList names = namesOf(request, engine);
+    checkCount(names.size(), engine.getSelectedKeyPairs().size(), bBeyondSix);
+    AnalysisInput& input = engine.m_analysisInput;
+    input.componentNames = names;
+    input.useConstraints = request.useConstraints && isConstrainedByDefault(engine.m_eSeqKind);
+    QStringList warnings;
+    if (request.useConstraints) {
+        warnings = predictionWarnings(names, request.constraintsAsked, engine);
+    }
+    takeDecay(request, sequence, engine);
+    engine.takeComponents();
+    if (engine.m_params.Constraints.size() != names.size()) {
+        throw CliFailure(
+            QStringLiteral("of the components %1 two lie at one place of the spectrum, as far as is known; give "
+                           "one of them another name, \"Unknown\", or use --no-constraints")
+                .arg(names.join(QStringLiteral(", "))));
+    }
+    return warnings;
+}

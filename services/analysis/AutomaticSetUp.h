@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "services/analysis/AutomaticOptions.h"
+
+#include <QStringList>
+
+class CORVSequenceDataset;
+class CORVSpumKyvo;
+
+// The components that a window would propose for the sequence of an engine that has inspected it: tissue
+// autofluorescence (not in a temporal sequence) and the sequence's own probes.
+QStringList proposedComponents(const CORVSpumKyvo& engine);
+
+// Prepares an automatic run of an engine whose selection is made: names, constraints, decay. Returns warnings. Throws
+// CliFailure when the number of components is not from 2 to 6 and at most that of the images (`bBeyondSix`: to that of
+// the images), when names get in each other's way, and for a decay that cannot be corrected for.
+QStringList setUpAutomatic(const AutomaticRequest& request, bool bBeyondSix, const CORVSequenceDataset& sequence,
+                           CORVSpumKyvo& engine);

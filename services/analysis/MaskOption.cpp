@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "services/analysis/MaskOption.h"
+
+#include "services/basis/CliFailure.h"
+
+#include <QCommandLineParser>
+#include <QStringList>
+
+namespace {
+
+const QString maskName = QStringLiteral("mask");
+const QString thresholdName = QStringLiteral("threshold");
+
+// X,Y,W,H behind the colon.
+MaskOption shapeOf(MaskOption::Kind eKind, const QString& strText)
+{
+    MaskOption option;
+    option.kind = eKind;
+    const QStringList numbers = strText.section(QLatin1Char(':'), 1).split(QLatin1Char(','));
+    int* const targets[] = {&option.x, &option.y, &option.width, &option.height};
+    bool good = numbers.size() == 4;
+    for (int i = 0; good && i < 4; ++i) {
+        *targets[i] = numbers[i].toInt(&good);
+    }
+    if (!good || option.width < 1 || option.height < 1) {
+        throw CliFailure(QStringLiteral("--mask: \"%1\" is not of the form %2:X,Y,W,H in whole pixels")
+                             .arg(strText, strText.section(QLatin1Char(':'), 0, 0)),
+                         CliFailure::Usage);
+    }
+    return option;
+}
+
+MaskOption parseMask(const QString& strText)
+{
+    MaskOption option;
+    if (strText == QLatin1String("none")) {
+        return option;
+    }
+    if (strText == QLatin1String("auto")) {
+        option.kind = MaskOption::Kind::Photograph;
+        return option;
+    }
+    if (strText.startsWith(QLatin1String("rect:"))) {
+        return shapeOf(MaskOption::Kind::Rectangle, strText);
+    }
+    if (strText.startsWith(QLatin1String("ellipse:"))) {
+        return shapeOf(MaskOption::Kind::Ellipse, strText);
+    }
+    if (strText.isEmpty()) {
+        throw CliFailure(QStringLiteral("--mask takes auto, none, rect:X,Y,W,H, ellipse:X,Y,W,H or a file"),
+                         CliFailure::Usage);
+    }
+    option.kind = MaskOption::Kind::File;
+    option.file = strText;
+    return option;
+}
+
+double thresholdOf(const QString& strText)
+{
+    bool good = false;
+    const double percent = strText.toDouble(&good);
+    if (!good || !(percent >= 0.0 && percent <= 100.0)) {
+        throw CliFailure(QStringLiteral("--threshold takes a number from 0 to 100 (percent of the photograph's range), "
+                                        "not \"%1\"")
+                             .arg(strText),
+                         CliFailure::Usage);
+    }
+    return percent;
+}
+
+} // namespace
+
+void declareMaskOptions(QCommandLineParser& parser, const QString& strDefaults)
+{
+    parser.addOption({maskName,
+                      QStringLiteral("Pixels to analyse. auto: where the photograph is bright; none: all; "
+                                     "rect:X,Y,W,H or ellipse:X,Y,W,H: pixels of the analysis, from the left and from "
+                                     "the top; or a TIFF image, pixels above 0. %1")
+                          .arg(strDefaults),
+                      QStringLiteral("MASK")});
+    parser.addOption({thresholdName,
+                      QStringLiteral("Brightness above which the photograph counts for --mask auto, in percent of its "
+                                     "range; found by itself."),
+                      QStringLiteral("PERCENT")});
+}
+
+MaskOption maskOptionOf(const QCommandLineParser& parser, MaskOption::Kind eDefault)
+{
+    MaskOption option;
+    option.kind = eDefault;
+    if (parser.isSet(maskName)) {
+        option = parseMask(parser.value(maskName));
+    }
+    if (!parser.isSet(thresholdName)) {
+        return option;
+    }
+    if (option.kind != MaskOption::Kind::Photograph) {
+        throw CliFailure(QStringLiteral("--threshold goes with --mask auto"), CliFailure::Usage);
+    }
+    option.threshold = thresholdOf(parser.value(thresholdName));
+    return option;
+}

@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "services/analysis/PcaRun.h"
+
+#include "engine/CORVSpumKyvo.h"
+#include "platform/orvutils/LogSinks.h"
+#include "services/analysis/ShownRun.h"
+#include "services/basis/CliFailure.h"
+#include "services/basis/CliProgress.h"
+
+#include <mutex>
+
+namespace {
+
+// The last line of the log as long as it lives.
+class LastLogLine
+{
+public:
+    LastLogLine()
+    {
+        m_nSink = orv::addLogSink([this](const orv::LogRecord& record) {
+            const std::lock_guard<std::mutex> lock(m_mutex);
+            m_strLine = record.m_strMessage;
+        });
+    }
+    ~LastLogLine() { orv::removeLogSink(m_nSink); }
+    LastLogLine(const LastLogLine&) = delete;
+    LastLogLine& operator=(const LastLogLine&) = delete;
+    QString text() const
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        return m_strLine;
+    }
+
+private:
+    mutable std::mutex m_mutex;
+    QString m_strLine;
+    int m_nSink = 0;
+};
+
+} // namespace
+
+XTNT::Vector<double> runPca(CORVSpumKyvo& engine, CliProgress& progress)
+{
+    engine.m_pcaResult = XTNT::Vector<double>();
+    engine.m_bRunPCA = true;
+    const LastLogLine log;
+    const RunOutcome outcome = runShown(engine, progress, QStringLiteral("Analysing the images"), -1.0);
+    if (outcome == RunOutcome::Aborted) {
+        throw CliFailure(QStringLiteral("PCA aborted by user"), CliFailure::Aborted);
+    }
+    if (engine.hasError()) {
+        throw CliFailure(engine.getErrorText());
+    }
+    // The last act of a run that ends in silence is to say why in the log.
+    if (engine.m_pcaResult.empty()) {
+        throw CliFailure(log.text());
+    }
+    return engine.m_pcaResult;
+}

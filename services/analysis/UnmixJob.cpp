@@ -1,0 +1,222 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "services/analysis/UnmixJob.h"
+
+#include "engine/CORVSpumKyvo.h"
+#include "engine/EngineEnums.h"
+#include "engine/runTexts.h"
+#include "host/CORVDatabase.h"
+#include "host/CORVLog.h"
+#include "host/CORVSequenceDataset.h"
+#include "platform/orvutils/StagedFolder.h"
+#include "services/analysis/AutomaticSetUp.h"
+#include "services/analysis/ShownRun.h"
+#include "services/basis/CliFailure.h"
+#include "services/basis/CliProgress.h"
+#include "services/basis/CliSession.h"
+#include "services/basis/ModeNames.h"
+#include "services/results/ResultStore.h"
+#include "services/session/LibrarySpectra.h"
+#include "spectra/SpectrumPlotParams.h"
+#include "windows/maskPixels.h"
+
+#include <QDateTime>
+#include <QElapsedTimer>
+
+namespace {
+
+// Shares of the progress line: looking at the images, the run, the files.
+constexpr double checkedFraction = 0.3;
+constexpr double fittedFraction = 0.7;
+constexpr double notKnown = -1.0;
+
+} // namespace
+
+UnmixJob::UnmixJob(const UnmixRequest& request, CliSession& session)
+    : m_request(request), m_session(session), m_setUp(request.analysis, session)
+{
+}
+
+bool UnmixJob::isAutomatic() const
+{
+    return m_request.mode == RUNMODE_AUTOMATIC;
+}
+
+void UnmixJob::run()
+{
+    m_session.progress().start(QStringLiteral("Looking at the images"));
+    m_setUp.checkMode(m_request.mode);
+    if (m_request.save) {
+        ResultStore::checkName(m_setUp.opened().sequence(), m_request.saveName, m_request.analysis.force);
+    }
+    StagedFolder folder;
+    QString error;
+    const QString target = m_setUp.outFolder(QStringLiteral("unmixed-") + ModeNames::option(m_request.mode));
+    if (!folder.begin(target, m_request.analysis.force, QStringLiteral("summary.json"), &error)) {
+        throw CliFailure(error);
+    }
+    m_setUp.select();
+    m_setUp.reset(m_request.mode);
+    if (isAutomatic()) {
+        takeComponents();
+    } else {
+        takeSpectra();
+    }
+    // A fit of known spectra takes each pixel by itself; to resolve spectra takes as many as the wizard asks for.
+    m_setUp.takeMask(isAutomatic() ? static_cast<int>(kMinMaskPixels) : 1);
+    m_setUp.checkUnit();
+    m_setUp.checkImages(checkedFraction);
+    if (isAutomatic()) {
+        checkConstantImages();
+    }
+    takeIsotope();
+    fit();
+
+    ResultFiles files(m_setUp.engine(), m_numbers, folder.path());
+    files.setReport(reportFrame(), m_request.pdf);
+    files.write([this](double fraction) {
+        CliSession::stopIfInterrupted();
+        m_session.progress().show(QStringLiteral("Writing the results"),
+                                  fittedFraction + (1.0 - fittedFraction) * fraction);
+    });
+    CliSession::stopIfInterrupted();
+    if (!folder.commit(&error)) {
+        throw CliFailure(error);
+    }
+    m_session.progress().finish();
+    QString saved;
+    if (m_request.save) {
+        saved = saveResult(folder.target());
+    }
+    tell(files, folder.target(), saved);
+}
+
+// In the order in which a window takes over a result.
+void UnmixJob::showPictures()
+{
+    auto& engine = m_setUp.engine();
+    engine.refreshDecayPanel();
+    engine.updateConsoleSpectra();
+    // The files have pictures of their own; the composite alone is made of what the view keeps.
+    engine.ownResultView().setShowsUnmixedImages(false);
+    if (!engine.updateUnmixedImages(true)) {
+        throw CliFailure(QStringLiteral("the pictures of the result cannot be made; the log tells why"));
+    }
+    engine.storeDecayState();
+}
+
+QString UnmixJob::saveResult(const QString& strFolder)
+{
+    try {
+        m_setUp.engine().resultView().setNote(m_request.note);
+        return ResultStore(m_setUp.engine(), m_request.analysis.force).save(m_request.saveName);
+    } catch (const CliFailure& failure) {
+        throw CliFailure(QStringLiteral("%1; its files are in %2").arg(failure.message(), strFolder));
+    }
+}
+
+ReportFrame UnmixJob::reportFrame()
+{
+    ReportFrame frame;
+    frame.sequenceName = m_setUp.opened().sequence().getSequenceName();
+    frame.note = m_request.note;
+    if (isAutomatic() && m_numbers.facts.ending == MCR::Ending::IterationLimit) {
+        frame.warnings.append(QStringLiteral("Maximum iteration number is reached!"));
+    }
+    frame.command = m_request.command;
+    frame.made = QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd hh:mm"));
+    return frame;
+}
+
+void UnmixJob::tell(const ResultFiles& files, const QString& strFolder, const QString& strSaved)
+{
+    const QString line = QStringLiteral("unmixed %1 by %2: %3 components, residual %4; results in %5")
+                             .arg(m_request.analysis.sequence, ModeNames::option(m_request.mode))
+                             .arg(m_setUp.engine().m_spectrumPlots.size())
+                             .arg(m_numbers.residual)
+                             .arg(strFolder);
+    CORVLog::getLogObject()->log(line, QString(), 0, QStringLiteral(__TIME__), CORVLOG_NOTE, false);
+    QString text = files.summaryText() + QStringLiteral("results in %1\n").arg(strFolder);
+    if (!strSaved.isEmpty()) {
+        text += QStringLiteral("saved with the sequence as %1\n").arg(strSaved);
+    }
+    m_session.answer(text);
+    QJsonObject json = files.summaryJson();
+    // Of the answer only: files of the same input are the same.
+    json.insert(QStringLiteral("seconds"), m_numbers.seconds);
+    json.insert(QStringLiteral("folder"), strFolder);
+    if (!strSaved.isEmpty()) {
+        json.insert(QStringLiteral("saved"), strSaved);
+    }
+    m_session.answerJson(json);
+}
+
+void UnmixJob::takeSpectra()
+{
+    LibrarySpectra library;
+    library.load(m_request.library);
+    auto& engine = m_setUp.engine();
+    engine.m_spectrumPlots = library.fitTo(engine.getSelectedKeyPairs(), engine.m_eAxis);
+    if (engine.m_spectrumPlots.size() > engine.getSelectedKeyPairs().size()) {
+        m_session.warn(QStringLiteral("%1 spectra for %2 images: the maps are not unique")
+                           .arg(engine.m_spectrumPlots.size())
+                           .arg(engine.getSelectedKeyPairs().size()));
+    }
+}
+
+void UnmixJob::takeComponents()
+{
+    m_session.warnAll(
+        setUpAutomatic(m_request.automatic, m_request.analysis.force, m_setUp.opened().sequence(), m_setUp.engine()));
+}
+
+// Images without a structure hold nothing that could be told apart.
+void UnmixJob::checkConstantImages()
+{
+    const QStringList constant = m_setUp.constantImages();
+    if (m_setUp.allImagesConstant()) {
+        throw CliFailure(QStringLiteral("%1 (in every image all pixels that are analysed have one value)")
+                             .arg(errorText(RUNERROR_TOO_MANY_COMPONENTS)));
+    }
+    if (!constant.isEmpty()) {
+        m_session.warn(QStringLiteral("in these images all pixels that are analysed have one value: %1")
+                           .arg(constant.join(QStringLiteral(", "))));
+    }
+}
+
+// A result tells of the isotope also where its decay is not corrected for.
+void UnmixJob::takeIsotope()
+{
+    AnalysisInput& input = m_setUp.engine().m_analysisInput;
+    QString isotope;
+    if (!input.isotope.isEmpty() || !m_setUp.opened().sequence().isCherenkovIsotopeInData(isotope)) {
+        return;
+    }
+    input.isotope = isotope;
+    input.halfLifeSeconds = CORVDatabase::getCherenkovRADHalflife(isotope);
+}
+
+void UnmixJob::fit()
+{
+    auto& engine = m_setUp.engine();
+    QElapsedTimer timer;
+    timer.start();
+    const RunOutcome outcome =
+        isAutomatic() ? runShown(engine, m_session.progress(), QStringLiteral("Resolving the components"), notKnown)
+                      : runShown(engine, m_session.progress(), QStringLiteral("Fitting"), checkedFraction);
+    const double seconds = static_cast<double>(timer.nsecsElapsed()) * 1e-9;
+    if (outcome == RunOutcome::Aborted) {
+        throw CliFailure(QStringLiteral("unmixing aborted by user"), CliFailure::Aborted);
+    }
+    if (engine.hasError()) {
+        throw CliFailure(engine.getErrorText());
+    }
+    CliSession::stopIfInterrupted();
+    showPictures();
+    const bool corrected = isAutomatic() && m_request.automatic.correctDecay;
+    m_numbers = numbersOfResult(engine, m_setUp.opened().truthFolder(engine.m_eUnit, corrected));
+    m_numbers.seconds = seconds;
+    m_numbers.automatic = isAutomatic();
+    if (isAutomatic() && m_numbers.facts.ending == MCR::Ending::IterationLimit) {
+        m_session.warn(QStringLiteral("Maximum iteration number is reached!"));
+    }
+}

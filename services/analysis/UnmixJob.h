@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "services/analysis/AnalysisSetUp.h"
+#include "services/analysis/AutomaticOptions.h"
+#include "services/results/ResultFiles.h"
+
+#include <QString>
+
+class CliSession;
+
+// What an unmixing is asked for.
+struct UnmixRequest
+{
+    AnalysisRequest analysis;
+    int mode = 0;
+    QString library;            // file or name; of a run with known spectra
+    AutomaticRequest automatic; // of an automatic run
+    bool pdf = false;           // the report as PDF too
+    bool save = false;          // keep the result beside the sequence
+    QString saveName;           // empty: the next automatic name
+    QString note;
+    QString command; // the line that asked for it
+};
+
+// One unmixing from the request to the files. Everything that can be refused is refused before the run; nothing is
+// written unless all is.
+class UnmixJob
+{
+public:
+    UnmixJob(const UnmixRequest& request, CliSession& session);
+
+    // Throws CliFailure; 130 after an abort.
+    void run();
+
+private:
+    bool isAutomatic() const;
+    void takeSpectra();
+    void takeComponents();
+    void checkConstantImages();
+    void takeIsotope();
+    void fit();
+    ReportFrame reportFrame();
+    void showPictures();
+    // The name it was saved under.
+    QString saveResult(const QString& strFolder);
+    void tell(const ResultFiles& files, const QString& strFolder, const QString& strSaved);
+
+    UnmixRequest m_request;
+    CliSession& m_session;
+    AnalysisSetUp m_setUp;
+    ResultNumbers m_numbers;
+};

@@ -1,0 +1,159 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "services/basis/CliSession.h"
+
+#include "platform/orvutils/LogSinks.h"
+#include "platform/orvutils/ProcessControl.h"
+#include "services/basis/CliFailure.h"
+#include "services/basis/CliProgress.h"
+
+#include <QFile>
+#include <QJsonDocument>
+
+#include <cerrno>
+#include <csignal>
+#include <iostream>
+#include <unistd.h>
+
+namespace {
+
+volatile std::sig_atomic_t interrupted = 0;
+
+// The first signal lets the work end cleanly; a second one, for work that does not listen, takes the default way.
+extern "C" void onInterrupt(int signalNumber)
+{
+    interrupted = 1;
+    orv::requestAbortForGood();
+    std::signal(signalNumber, SIG_DFL);
+}
+
+QString fileNameOption(const QCommandLineParser& parser, const char* pName)
+{
+    const QString name = parser.value(QLatin1String(pName));
+    if (parser.isSet(QLatin1String(pName)) && name.isEmpty()) {
+        throw CliFailure(QStringLiteral("--%1 needs a file name").arg(QLatin1String(pName)), CliFailure::Usage);
+    }
+    return name;
+}
+
+} // namespace
+
+CliSession::CliSession(const QCommandLineParser& parser)
+    : m_bJson(parser.isSet(QStringLiteral("json"))), m_bQuiet(parser.isSet(QStringLiteral("quiet"))),
+      m_bVerbose(parser.isSet(QStringLiteral("verbose")))
+{
+    const QString log = fileNameOption(parser, "log");
+    QString error;
+    if (!log.isEmpty() && !orv::setLogFile(log, &error)) {
+        throw CliFailure(error);
+    }
+    // Errors are told at the end, but for those that the command tells itself.
+    orv::setConsoleLogLevel(m_bVerbose ? orv::ConsoleLog::Everything : orv::ConsoleLog::Nothing);
+
+    const QString trace = fileNameOption(parser, "trace");
+    if (!trace.isEmpty()) {
+        m_trace.open(QFile::encodeName(trace).constData());
+        if (!m_trace) {
+            throw CliFailure(QStringLiteral("%1: the trace file cannot be written").arg(trace));
+        }
+    }
+    // A stream without a buffer drops what it is given.
+    m_pOldBuffer = std::cout.rdbuf(trace.isEmpty() ? nullptr : m_trace.rdbuf());
+    m_pProgress = std::make_unique<CliProgress>(!m_bQuiet && !m_bJson);
+}
+
+CliSession::~CliSession()
+{
+    m_pProgress.reset();
+    std::cout.rdbuf(m_pOldBuffer);
+    std::cout.clear();
+    orv::setLogFile(QString(), nullptr);
+}
+
+void CliSession::declareOptions(QCommandLineParser& parser)
+{
+    parser.addOption({QStringLiteral("json"), QStringLiteral("Answer with one JSON object.")});
+    parser.addOption({QStringLiteral("quiet"), QStringLiteral("Say nothing but errors.")});
+    parser.addOption({QStringLiteral("verbose"), QStringLiteral("Show the log on standard error.")});
+    parser.addOption({QStringLiteral("log"), QStringLiteral("Append the log to FILE."), QStringLiteral("FILE")});
+    parser.addOption({QStringLiteral("trace"), QStringLiteral("Write the trace of the algorithms to FILE."),
+                      QStringLiteral("FILE")});
+}
+
+void CliSession::answer(const QString& strText) const
+{
+    if (m_bQuiet || m_bJson) {
+        return;
+    }
+    m_pProgress->finish();
+    if (!writeAll(STDOUT_FILENO, strText.toUtf8())) {
+        throw CliFailure(QStringLiteral("standard output cannot be written"));
+    }
+}
+
+void CliSession::answerJson(const QJsonObject& object) const
+{
+    if (m_bJson && !writeAll(STDOUT_FILENO, QJsonDocument(object).toJson(QJsonDocument::Indented))) {
+        throw CliFailure(QStringLiteral("standard output cannot be written"));
+    }
+}
+
+void CliSession::warn(const QString& strText) const
+{
+    if (m_bQuiet) {
+        return;
+    }
+    m_pProgress->finish();
+    writeAll(STDERR_FILENO, (QLatin1String("spum: warning: ") + strText + QLatin1Char('\n')).toUtf8());
+}
+
+void CliSession::warnAll(const QStringList& lines) const
+{
+    for (const auto& line : lines) {
+        warn(line);
+    }
+}
+
+void CliSession::catchInterrupts()
+{
+    struct sigaction action = {};
+    action.sa_handler = onInterrupt;
+    sigemptyset(&action.sa_mask);
+    ::sigaction(SIGINT, &action, nullptr);
+    ::sigaction(SIGTERM, &action, nullptr);
+}
+
+bool CliSession::isInterrupted()
+{
+    return interrupted != 0;
+}
+
+void CliSession::stopIfInterrupted()
+{
+    if (isInterrupted()) {
+        throw CliFailure(QStringLiteral("aborted by user"), CliFailure::Aborted);
+    }
+}
+
+void CliSession::setInterrupted(bool bInterrupted)
+{
+    interrupted = bInterrupted ? 1 : 0;
+    if (!bInterrupted) {
+        orv::clearAborts();
+    }
+}
+
+bool CliSession::writeAll(int descriptor, const QByteArray& bytes)
+{
+    qint64 done = 0;
+    while (done < bytes.size()) {
+        const auto written = ::write(descriptor, bytes.constData() + done, static_cast<size_t>(bytes.size() - done));
+        if (written < 0 && errno == EINTR) {
+            continue;
+        }
+        if (written <= 0) {
+            return false;
+        }
+        done += written;
+    }
+    return true;
+}

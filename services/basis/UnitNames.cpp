@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "services/basis/UnitNames.h"
+
+#include "engine/runTexts.h"
+
+QStringList UnitNames::options()
+{
+    return {QStringLiteral("counts"), QStringLiteral("radiance"), QStringLiteral("radiant-efficiency"),
+            QStringLiteral("efficiency")};
+}
+
+int UnitNames::fromText(const QString& strText)
+{
+    const QString wanted = strText.trimmed().toLower().replace(QLatin1Char(' '), QLatin1Char('-'));
+    return options().indexOf(wanted);
+}
+
+QString UnitNames::text(int nUnit)
+{
+    return unitText(nUnit);
+}
+
+QString UnitNames::quantity(int nUnit)
+{
+    static const QStringList texts = {QStringLiteral("counts"), QStringLiteral("p/s/cm²/sr"),
+                                      QStringLiteral("(p/s/cm²/sr) / (µW/cm²)"), QStringLiteral("efficiency")};
+    return texts.value(nUnit);
+}

@@ -1,0 +1,112 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "services/importer/ImageCorrection.h"
+
+#include "platform/orvimage/TiffIo.h"
+#include "services/importer/Photograph.h"
+
+namespace {
+
+bool fail(QString* pError, const QString& path, const QString& reason)
+{
+    *pError = QStringLiteral("%1: %2").arg(path, reason);
+    return false;
+}
+
+// The pixels of a correction image.
+bool load(const QString& path, long w, long h, const char* what, std::vector<double>& pixels, QString* pError)
+{
+    const int pages = tiffPageCount(path, pError);
+    if (pages < 1) {
+        return false;
+    }
+    if (pages > 1) {
+        return fail(pError, path,
+                    QStringLiteral("the %1 has %2 pages; one image is needed").arg(QLatin1String(what)).arg(pages));
+    }
+    TiffInfo info;
+    CILImage image;
+    TiffReadOptions options;
+    if (!readTiffHeader(path, 0, &info, pError)) {
+        return false;
+    }
+    // As with the images: stored values where a colour map is only for the screen.
+    options.band = info.isColour && info.samplesPerPixel == 1 && info.bitsPerSample >= 8 ? 0 : -1;
+    if (!readTiff(path, 0, options, image, pError)) {
+        return false;
+    }
+    if (image.m_lWidth != w || image.m_lHeight != h) {
+        return fail(pError, path,
+                    QStringLiteral("the %1 has %2 x %3 pixels where the images have %4 x %5")
+                        .arg(QLatin1String(what))
+                        .arg(image.m_lWidth)
+                        .arg(image.m_lHeight)
+                        .arg(w)
+                        .arg(h));
+    }
+    if (const long long bad = firstUnusablePixel(image); bad >= 0) {
+        return fail(
+            pError, path,
+            QStringLiteral("the pixel in column %1, row %2 is not finite or too large").arg(bad % w).arg(bad / w));
+    }
+    pixels.resize(image.pixelCount());
+    for (std::size_t i = 0; i < pixels.size(); ++i) {
+        pixels[i] = image.value(i);
+    }
+    return true;
+}
+
+template <class Pixel>
+void correct(Pixel* pixels, std::size_t n, const std::vector<double>& dark, const std::vector<double>& gain)
+{
+    for (std::size_t i = 0; i < n; ++i) {
+        const double value = static_cast<double>(pixels[i]) - (dark.empty() ? 0.0 : dark[i]);
+        pixels[i] = static_cast<Pixel>(gain.empty() ? value : value / gain[i]);
+    }
+}
+
+} // namespace
+
+bool ImageCorrection::loadDark(const QString& strPath, long w, long h, QString* pError)
+{
+    return load(strPath, w, h, "dark image", m_dark, pError);
+}
+
+bool ImageCorrection::loadFlat(const QString& strPath, long w, long h, QString* pError)
+{
+    std::vector<double> flat;
+    if (!load(strPath, w, h, "flat field", flat, pError)) {
+        return false;
+    }
+    double sum = 0.0;
+    for (std::size_t i = 0; i < flat.size(); ++i) {
+        if (!(flat[i] > 0.0)) {
+            const auto at = static_cast<long long>(i);
+            return fail(pError, strPath,
+                        QStringLiteral("the flat field is not above 0 in column %1, row %2").arg(at % w).arg(at / w));
+        }
+        sum += flat[i];
+    }
+    const double mean = sum / static_cast<double>(flat.size());
+    for (double& pixel : flat) {
+        pixel /= mean;
+    }
+    m_gain = std::move(flat);
+    return true;
+}
+
+bool ImageCorrection::apply(CILImage& image) const
+{
+    if (m_dark.empty() && m_gain.empty()) {
+        return true;
+    }
+    const bool wide = image.dataType() == ORVTYPE_INT || image.dataType() == ORVTYPE_DOUBLE;
+    if (image.ChangeType(wide ? ORVTYPE_DOUBLE : ORVTYPE_FLOAT) != EIL_SUCCESS) {
+        return false;
+    }
+    if (wide) {
+        correct(image.doubles(), image.pixelCount(), m_dark, m_gain);
+    } else {
+        correct(image.floats(), image.pixelCount(), m_dark, m_gain);
+    }
+    return true;
+}

@@ -1,0 +1,296 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "services/importer/ImageFinder.h"
+
+#include "platform/orvimage/TiffIo.h"
+#include "platform/orvimage/TiffTexts.h"
+#include "services/importer/CsvCube.h"
+#include "services/importer/EnviCube.h"
+#include "services/importer/ImageJMetadata.h"
+#include "services/importer/ImageStack.h"
+#include "services/importer/NameFigures.h"
+#include "services/importer/OmeMetadata.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QRegularExpression>
+#include <QSet>
+
+#include <algorithm>
+
+namespace {
+
+// Descriptions longer than this are texts, not names.
+constexpr int maxNameLength = 200;
+
+// Runs of digits by their value, the rest by its characters; of two alike the shorter first.
+bool lessByNumber(const QString& a, const QString& b)
+{
+    int i = 0;
+    int j = 0;
+    while (i < a.size() && j < b.size()) {
+        if (!a.at(i).isDigit() || !b.at(j).isDigit()) {
+            if (a.at(i) != b.at(j)) {
+                return a.at(i) < b.at(j);
+            }
+            ++i;
+            ++j;
+            continue;
+        }
+        const auto number = [](const QString& text, int& at) {
+            const int from = at;
+            while (at < text.size() && text.at(at).isDigit()) {
+                ++at;
+            }
+            int significant = from;
+            while (significant + 1 < at && text.at(significant) == QLatin1Char('0')) {
+                ++significant;
+            }
+            return text.mid(significant, at - significant);
+        };
+        const QString first = number(a, i);
+        const QString second = number(b, j);
+        if (first.size() != second.size()) {
+            return first.size() < second.size();
+        }
+        if (first != second) {
+            return first < second;
+        }
+    }
+    return a.size() - i != b.size() - j ? a.size() - i < b.size() - j : a < b;
+}
+
+bool isTiffName(const QString& name)
+{
+    return name.endsWith(QLatin1String(".tif"), Qt::CaseInsensitive) ||
+           name.endsWith(QLatin1String(".tiff"), Qt::CaseInsensitive);
+}
+
+// A file's name without what tells its format.
+QString stemOf(const QString& fileName)
+{
+    static const QRegularExpression suffix(QStringLiteral(R"((\.ome)?\.(tiff?|hdr|img|dat|raw|bsq|bil|bip|csv)$)"),
+                                           QRegularExpression::CaseInsensitiveOption);
+    QString stem = fileName;
+    return stem.remove(suffix).remove(suffix); // "cube.dat.hdr" has two
+}
+
+// Whether something better than this name tells what the image is.
+bool isDecided(const FoundImage& image)
+{
+    return std::any_of(image.figures.cbegin(), image.figures.cend(), [](const Figure& figure) {
+        return figure.kind == Figure::Emission || figure.kind == Figure::Time;
+    });
+}
+
+} // namespace
+
+bool ImageFinder::find(const QString& strSource, const Progress& progress, QString* pError)
+{
+    *this = ImageFinder();
+    const QFileInfo source(strSource);
+    if (!source.exists()) {
+        *pError = QStringLiteral("%1: there is no such file or folder").arg(strSource);
+        return false;
+    }
+    return source.isDir() ? findInFolder(strSource, progress, pError) : addFile(strSource, pError);
+}
+
+bool ImageFinder::findInFolder(const QString& strFolder, const Progress& progress, QString* pError)
+{
+    const QDir folder(strFolder);
+    if (!folder.isReadable()) {
+        *pError = QStringLiteral("%1: the folder cannot be read").arg(strFolder);
+        return false;
+    }
+    QStringList names;
+    QSet<QString> used; // the data files of cubes too
+    const QStringList entries = folder.entryList(QDir::Files, QDir::Name);
+    for (const QString& name : entries) {
+        if (name.endsWith(QLatin1String(".hdr"), Qt::CaseInsensitive)) {
+            EnviCube cube;
+            if (!cube.open(folder.filePath(name), pError)) {
+                return false;
+            }
+            used.insert(name);
+            used.insert(QFileInfo(cube.dataPath()).fileName());
+            names.append(name);
+        } else if (isTiffName(name)) {
+            used.insert(name);
+            names.append(name);
+        }
+    }
+    QStringList others;
+    for (const QString& name : entries) {
+        if (name.compare(QLatin1String("images.csv"), Qt::CaseInsensitive) == 0) {
+            m_warnings.append(
+                QStringLiteral("%1 lies in the folder and is not used; --images takes such a table").arg(name));
+        } else if (!used.contains(name)) {
+            others.append(name);
+        }
+    }
+    if (!others.isEmpty()) {
+        m_warnings.append(
+            others.size() == 1
+                ? QStringLiteral("%1 is passed over").arg(others.first())
+                : QStringLiteral("%1 and %2 more files are passed over").arg(others.first()).arg(others.size() - 1));
+    }
+    if (names.isEmpty()) {
+        *pError = QStringLiteral("%1: there is no TIFF file and no ENVI header in the folder").arg(strFolder);
+        return false;
+    }
+    std::sort(names.begin(), names.end(), lessByNumber);
+    for (int i = 0; i < names.size(); ++i) {
+        if (progress && !progress(i, names.size(), QStringLiteral("Looking at %1").arg(names.at(i)))) {
+            m_bAborted = true;
+            *pError = QStringLiteral("the import was aborted");
+            return false;
+        }
+        if (!addFile(folder.filePath(names.at(i)), pError)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool ImageFinder::addFile(const QString& strPath, QString* pError)
+{
+    if (ImageStack::isTiffFile(strPath)) {
+        return addTiff(strPath, pError);
+    }
+    if (CsvCube::isCsv(strPath)) {
+        return addCsv(strPath, pError);
+    }
+    return EnviCube::isEnvi(strPath) ? addEnvi(strPath, pError) : addTiff(strPath, pError);
+}
+
+// Figures of a text, and its doubts with the image's name. What numbers the bands of a file says nothing of them.
+void ImageFinder::addNamed(FoundImage& image, const QString& strText, const QString& strWhat, bool bFrames)
+{
+    const NameFigures read = NameFigures::read(strText, strWhat);
+    const bool bDecided = isDecided(image);
+    for (const Figure& figure : read.figures) {
+        if (bFrames || figure.kind != Figure::Frame) {
+            image.figures.append(figure);
+        }
+    }
+    for (const QString& doubt : read.doubts) {
+        if (!bDecided) {
+            m_doubts.append(QStringLiteral("%1: %2").arg(image.name, doubt));
+        }
+    }
+}
+
+bool ImageFinder::addTiff(const QString& strPath, QString* pError)
+{
+    TiffTexts texts;
+    TiffInfo info;
+    if (!readTiffTexts(strPath, &texts, pError) || !readTiffHeader(strPath, 0, &info, pError)) {
+        return false;
+    }
+    const QString file = QFileInfo(strPath).fileName();
+    const int pages = texts.pages.size();
+    const QString description = texts.pages.first().description;
+    QVector<QVector<Figure>> metadata(pages);
+    QVector<ImageFacts> facts(pages);
+    const bool bOme = OmeMetadata::isOme(description);
+    const bool bImageJ = ImageJMetadata::isImageJ(description);
+    if (bOme) {
+        OmeMetadata ome;
+        QString reason;
+        if (ome.parse(description, file, pages, &reason)) {
+            metadata = ome.pages();
+            facts = ome.facts();
+            for (const QString& doubt : ome.doubts()) {
+                m_doubts.append(QStringLiteral("%1: %2").arg(file, doubt));
+            }
+        } else {
+            m_warnings.append(QStringLiteral("%1: %2; the metadata are not used").arg(file, reason));
+        }
+    } else if (bImageJ) {
+        ImageJMetadata imageJ;
+        imageJ.parse(description, texts.labels, pages);
+        metadata = imageJ.pages();
+        for (const QString& doubt : imageJ.doubts()) {
+            m_doubts.append(QStringLiteral("%1: %2").arg(file, doubt));
+        }
+    }
+    // Samples that are no colours are images of their own.
+    const int samples = info.isColour ? 1 : info.samplesPerPixel;
+    for (int page = 0; page < pages; ++page) {
+        for (int sample = 0; sample < samples; ++sample) {
+            FoundImage image;
+            image.file = file;
+            image.name = file;
+            if (pages > 1) {
+                image.page = page + 1;
+                image.name += QStringLiteral(" page %1").arg(page + 1);
+            }
+            if (samples > 1) {
+                image.band = sample + 1;
+                image.name += QStringLiteral(" band %1").arg(sample + 1);
+            }
+            image.figures = metadata.at(page);
+            image.facts = facts.at(page);
+            addNamed(image, texts.pages.at(page).pageName, QStringLiteral("page name"), false);
+            const QString text = texts.pages.at(page).description;
+            if (!(page == 0 && (bOme || bImageJ)) && text.size() <= maxNameLength) {
+                addNamed(image, text, QStringLiteral("description"), false);
+            }
+            if (pages * samples == 1) {
+                addNamed(image, stemOf(file), QStringLiteral("name"), true);
+            } else if (image.figures.isEmpty()) {
+                image.figures.append({Figure::Frame, static_cast<double>(page), QStringLiteral("page")});
+            }
+            m_images.append(image);
+        }
+    }
+    return true;
+}
+
+bool ImageFinder::addEnvi(const QString& strPath, QString* pError)
+{
+    EnviCube cube;
+    if (!cube.open(strPath, pError)) {
+        return false;
+    }
+    const EnviHeader& header = cube.header();
+    for (int band = 0; band < header.bands; ++band) {
+        FoundImage image;
+        image.file = QFileInfo(strPath).fileName();
+        image.name = image.file;
+        if (header.bands > 1) {
+            image.band = band + 1;
+            image.name += QStringLiteral(" band %1").arg(band + 1);
+        }
+        image.facts = header.facts.value(band);
+        if (!header.wavelengths.isEmpty()) {
+            image.figures.append({Figure::Emission, header.wavelengths.at(band), QStringLiteral("ENVI wavelength")});
+        }
+        if (header.bands == 1 && header.wavelengths.isEmpty()) {
+            addNamed(image, stemOf(image.file), QStringLiteral("name"), true);
+        }
+        addNamed(image, header.bandNames.value(band), QStringLiteral("ENVI band name"), false);
+        if (image.figures.isEmpty() && header.bands > 1) {
+            image.figures.append({Figure::Frame, static_cast<double>(band), QStringLiteral("band")});
+        }
+        m_images.append(image);
+    }
+    return true;
+}
+
+bool ImageFinder::addCsv(const QString& strPath, QString* pError)
+{
+    QStringList names; // the pixels are read by the import
+    if (!CsvCube::readNames(strPath, &names, pError)) {
+        return false;
+    }
+    for (int band = 0; band < names.size(); ++band) {
+        FoundImage image;
+        image.file = QFileInfo(strPath).fileName();
+        image.band = band + 1;
+        image.name = QStringLiteral("%1 band %2").arg(image.file).arg(band + 1);
+        addNamed(image, names.at(band), QStringLiteral("column"), false);
+        m_images.append(image);
+    }
+    return true;
+}

@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "services/importer/Figure.h"
+#include "services/importer/ImageFacts.h"
+
+#include <QString>
+#include <QStringList>
+#include <QVector>
+
+#include <functional>
+#include <optional>
+
+// An image of a stack, and what its name and its file's metadata tell of it.
+struct FoundImage
+{
+    QString file;            // below the stack when that is a folder, else the name of the stack's file
+    std::optional<int> page; // from 1; of a TIFF file with several
+    std::optional<int> band; // from 1
+    QString name;            // for people
+    QVector<Figure> figures;
+    ImageFacts facts;
+};
+
+// Lists the images of a stack without a table, in their order: files by name with numbers by value, then pages, then
+// bands.
+class ImageFinder
+{
+public:
+    using Progress = std::function<bool(int nDone, int nSteps, const QString& strWhat)>;
+
+    // `strSource` is a folder (TIFF files and ENVI headers in it count; folders below don't), a TIFF file, an ENVI cube
+    // or a CSV cube. False with "file: reason" in *pError: nothing there, no image in it, a file that cannot be read.
+    // An abort by `progress` (may be empty) is told by aborted().
+    bool find(const QString& strSource, const Progress& progress, QString* pError);
+
+    const QVector<FoundImage>& images() const { return m_images; }
+    // What names and metadata leave open or tell in two ways, a sentence each with the image concerned.
+    const QStringList& doubts() const { return m_doubts; }
+    // What was passed over.
+    const QStringList& warnings() const { return m_warnings; }
+    bool aborted() const { return m_bAborted; }
+
+private:
+    bool findInFolder(const QString& strFolder, const Progress& progress, QString* pError);
+    bool addFile(const QString& strPath, QString* pError);
+    bool addTiff(const QString& strPath, QString* pError);
+    bool addEnvi(const QString& strPath, QString* pError);
+    bool addCsv(const QString& strPath, QString* pError);
+    void addNamed(FoundImage& image, const QString& strText, const QString& strWhat, bool bFrames);
+
+    QVector<FoundImage> m_images;
+    QStringList m_doubts;
+    QStringList m_warnings;
+    bool m_bAborted = false;
+};

@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "services/importer/Figure.h"
+
+#include <QString>
+#include <QStringList>
+#include <QVector>
+
+// What ImageJ writes into a TIFF file's first description ("ImageJ=1.53", "images=", "channels=", "slices=", "frames=",
+// "finterval=", "tunit=") and into the labels of slices, by page: times of frames, and whatever the labels tell.
+class ImageJMetadata
+{
+public:
+    static bool isImageJ(const QString& strDescription);
+
+    void parse(const QString& strDescription, const QStringList& labels, int nPages);
+
+    const QVector<QVector<Figure>>& pages() const { return m_pages; }
+    // Figures that cannot be used or fit the file badly, a sentence each.
+    const QStringList& doubts() const { return m_doubts; }
+
+private:
+    QVector<QVector<Figure>> m_pages;
+    QStringList m_doubts;
+};

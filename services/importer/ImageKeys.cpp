@@ -1,0 +1,154 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "services/importer/ImageKeys.h"
+
+#include <QHash>
+#include <QLocale>
+
+#include <cmath>
+
+namespace {
+
+// Filter texts hold wavelengths of three digits.
+constexpr double minWavelength = 100;
+constexpr double maxWavelength = 999;
+// Whole seconds beyond this are not told apart in single precision, in which times are read.
+constexpr double maxTime = 16777216;
+
+// As few digits as tell the number from its neighbours.
+QString shortest(double value)
+{
+    return QString::number(value, 'g', QLocale::FloatingPointShortest);
+}
+
+bool filterText(const char* what, double wavelength, QString& text, QString* pReason)
+{
+    const double rounded = std::round(wavelength);
+    if (!(rounded >= minWavelength && rounded <= maxWavelength)) {
+        *pReason =
+            QStringLiteral("the %1 %2 nm is not within 100 to 999 nm").arg(QLatin1String(what), shortest(wavelength));
+        return false;
+    }
+    text = QStringLiteral("%1nm").arg(static_cast<int>(rounded));
+    return true;
+}
+
+} // namespace
+
+int wholeSecond(const QString& strTime)
+{
+    return static_cast<int>(strTime.toFloat());
+}
+
+bool ImageKeys::make(const ImagesTable& table, const ImageStack& stack, QString* pError)
+{
+    *this = ImageKeys();
+    bool bEmissions = false;
+    for (const ImageRow& row : table.rows()) {
+        bEmissions = bEmissions || row.emission.has_value();
+        temporal = temporal || row.time.has_value();
+        fluorescence = fluorescence || row.excitation.has_value();
+        transillumination = transillumination || !row.spotX.isEmpty() || !row.spotY.isEmpty();
+    }
+    for (int i = 0; i < table.rows().size(); ++i) {
+        const ImageRow& row = table.rows().at(i);
+        QString reason;
+        const std::optional<double> emission = row.emission ? row.emission : stack.wavelength(i);
+        if (transillumination && !checkSpot(row, &reason)) {
+            *pError = QStringLiteral("%1: %2: %3").arg(table.place(row), stack.name(i), reason);
+            return false;
+        }
+        if (!(temporal ? addTemporal(row, &reason) : addSpectral(row, emission, bEmissions, &reason))) {
+            *pError = QStringLiteral("%1: %2: %3").arg(table.place(row), stack.name(i), reason);
+            return false;
+        }
+    }
+    return refuseDuplicates(table, stack, pError);
+}
+
+bool ImageKeys::checkSpot(const ImageRow& row, QString* pReason) const
+{
+    if (temporal || !fluorescence) {
+        *pReason = QStringLiteral("a scan spot is given without an excitation");
+    } else if (row.spotX.isEmpty() || row.spotY.isEmpty()) {
+        *pReason = QStringLiteral("the scan spot is missing, which other rows have");
+    }
+    return pReason->isEmpty();
+}
+
+bool ImageKeys::addTemporal(const ImageRow& row, QString* pReason)
+{
+    if (!row.time) {
+        *pReason = QStringLiteral("the time is missing, which other rows have");
+        return false;
+    }
+    if (std::abs(*row.time) >= maxTime) {
+        *pReason = QStringLiteral("the time %1 s is not within 16777216 s").arg(shortest(*row.time));
+        return false;
+    }
+    ImageKey key;
+    key.interval = QString::number(row.interval.value_or(1));
+    key.time = shortest(*row.time);
+    if ((row.excitation && !filterText("excitation", *row.excitation, key.excitation, pReason)) ||
+        (row.emission && !filterText("emission", *row.emission, key.emission, pReason))) {
+        return false;
+    }
+    if (!images.isEmpty() && (key.excitation != images.first().excitation || key.emission != images.first().emission)) {
+        *pReason =
+            QStringLiteral("the wavelengths are not those of the first row, and a sequence is either spectral or "
+                           "temporal");
+        return false;
+    }
+    images.append(key);
+    return true;
+}
+
+bool ImageKeys::addSpectral(const ImageRow& row, std::optional<double> emission, bool bEmissions, QString* pReason)
+{
+    if (row.interval) {
+        *pReason = QStringLiteral("an interval is given without a time");
+        return false;
+    }
+    if (fluorescence && !row.excitation) {
+        *pReason = QStringLiteral("the excitation is missing, which other rows have");
+        return false;
+    }
+    if (!row.excitation && !emission) {
+        *pReason = QStringLiteral("neither excitation nor emission is given");
+        return false;
+    }
+    if (bEmissions && !emission) {
+        *pReason = QStringLiteral("the emission is missing, which other rows have");
+        return false;
+    }
+    ImageKey key;
+    key.excitation = QStringLiteral("Block");
+    key.emission = QStringLiteral("Open");
+    key.spotX = row.spotX;
+    key.spotY = row.spotY;
+    if ((row.excitation && !filterText("excitation", *row.excitation, key.excitation, pReason)) ||
+        (emission && !filterText("emission", *emission, key.emission, pReason))) {
+        return false;
+    }
+    images.append(key);
+    return true;
+}
+
+bool ImageKeys::refuseDuplicates(const ImagesTable& table, const ImageStack& stack, QString* pError) const
+{
+    QHash<QString, int> first;
+    for (int i = 0; i < images.size(); ++i) {
+        const ImageKey& key = images.at(i);
+        QString text = temporal ? QStringLiteral("second %1").arg(wholeSecond(key.time))
+                                : QStringLiteral("excitation %1 and emission %2").arg(key.excitation, key.emission);
+        text += transillumination ? QStringLiteral(" at the spot %1, %2").arg(key.spotX, key.spotY) : QString();
+        if (first.contains(text)) {
+            const int other = first.value(text);
+            *pError = QStringLiteral("%1: %2 shares %3 with %4 (line %5)")
+                          .arg(table.place(table.rows().at(i)), stack.name(i), text, stack.name(other),
+                               QString::number(table.rows().at(other).line));
+            return false;
+        }
+        first.insert(text, i);
+    }
+    return true;
+}

@@ -1,0 +1,246 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "services/importer/ImageStack.h"
+
+#include "platform/orvimage/TiffIo.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+#include <algorithm>
+
+bool ImageStack::isTiffFile(const QString& strPath)
+{
+    QFile file(strPath);
+    if (!file.open(QIODevice::ReadOnly)) {
+        return false;
+    }
+    const QByteArray magic = file.read(4);
+    return magic == QByteArray("II*\0", 4) || magic == QByteArray("MM\0*", 4) || magic == QByteArray("II+\0", 4) ||
+           magic == QByteArray("MM\0+", 4);
+}
+
+bool ImageStack::open(const QString& strSource, const ImagesTable& table, QString* pError,
+                      const CsvCube::Progress& progress)
+{
+    *this = ImageStack();
+    m_progress = progress;
+    const QFileInfo source(strSource);
+    if (!source.exists()) {
+        *pError = QStringLiteral("%1: there is no such file or folder").arg(strSource);
+        return false;
+    }
+    // What is wrong in a cube that all rows speak of is no matter of a row.
+    if (source.isFile() && !isTiffFile(strSource) && CsvCube::isCsv(strSource) && !csvCube(strSource, pError)) {
+        return false;
+    }
+    QHash<QString, int> lineOf;
+    for (const ImageRow& row : table.rows()) {
+        Image image;
+        QString reason;
+        long width = 0;
+        long height = 0;
+        if (!locate(strSource, source.isDir(), row, image, &reason) || !measure(image, &width, &height, &reason)) {
+            *pError = QStringLiteral("%1: %2").arg(table.place(row), reason);
+            return false;
+        }
+        const QString identity =
+            QStringLiteral("%1|%2|%3").arg(image.page).arg(image.band).arg(QFileInfo(image.path).canonicalFilePath());
+        if (lineOf.contains(identity)) {
+            *pError = QStringLiteral("%1: %2 is the image of line %3 again")
+                          .arg(table.place(row), image.name, QString::number(lineOf.value(identity)));
+            return false;
+        }
+        lineOf.insert(identity, row.line);
+        if (m_images.isEmpty()) {
+            m_lWidth = width;
+            m_lHeight = height;
+        } else if (width != m_lWidth || height != m_lHeight) {
+            *pError = QStringLiteral("%1: %2 has %3 x %4 pixels where %5 has %6 x %7")
+                          .arg(table.place(row), image.name)
+                          .arg(width)
+                          .arg(height)
+                          .arg(m_images.first().name)
+                          .arg(m_lWidth)
+                          .arg(m_lHeight);
+            return false;
+        }
+        m_images.append(image);
+    }
+    m_cubes.clear();
+    m_csvCubes.clear();
+    m_progress = {};
+    warnOf(m_mapped, QStringLiteral("a colour map: the stored values are taken, not the colours"));
+    warnOf(m_coloured, QStringLiteral("colours: their grey values are taken"));
+    warnOf(m_sampled, QStringLiteral("several samples a pixel and no band in the table: the first is taken"));
+    return true;
+}
+
+void ImageStack::warnOf(const QStringList& names, const QString& strWhat)
+{
+    if (names.size() == 1) {
+        m_warnings.append(QStringLiteral("%1 has %2").arg(names.first(), strWhat));
+    } else if (names.size() > 1) {
+        m_warnings.append(
+            QStringLiteral("%1 and %2 more have %3").arg(names.first()).arg(names.size() - 1).arg(strWhat));
+    }
+}
+
+bool ImageStack::locate(const QString& strSource, bool bFolder, const ImageRow& row, Image& image, QString* pReason)
+{
+    if (bFolder && row.file.isEmpty()) {
+        *pReason = QStringLiteral("the row names no file, and %1 is a folder").arg(strSource);
+        return false;
+    }
+    const QString sourceName = QFileInfo(strSource).fileName();
+    if (!bFolder && !row.file.isEmpty() && QFileInfo(row.file).fileName() != sourceName) {
+        *pReason = QStringLiteral("the row names the file %1, but the stack is %2").arg(row.file, sourceName);
+        return false;
+    }
+    image.path = bFolder ? QDir(strSource).filePath(row.file) : strSource;
+    image.name = bFolder ? row.file : sourceName;
+    if (!QFileInfo(image.path).isFile()) {
+        *pReason = QStringLiteral("%1: there is no such file").arg(image.path);
+        return false;
+    }
+    const bool bTiff = isTiffFile(image.path);
+    if (!bTiff && CsvCube::isCsv(image.path)) {
+        return openCsv(row, image, pReason);
+    }
+    if (!bTiff && EnviCube::isEnvi(image.path)) {
+        return openCube(row, image, pReason);
+    }
+    image.page = row.page.value_or(1) - 1;
+    image.band = row.band.value_or(0) - 1;
+    if (row.page) {
+        image.name += QStringLiteral(" page %1").arg(*row.page);
+    }
+    if (row.band) {
+        image.name += QStringLiteral(" band %1").arg(*row.band);
+    }
+    return true;
+}
+
+bool ImageStack::openCube(const ImageRow& row, Image& image, QString* pReason)
+{
+    if (row.page) {
+        *pReason = QStringLiteral("%1: an ENVI cube has bands, not pages").arg(image.path);
+        return false;
+    }
+    QSharedPointer<EnviCube>& cube = m_cubes[image.path];
+    if (!cube) {
+        cube = QSharedPointer<EnviCube>::create();
+        if (!cube->open(image.path, pReason)) {
+            return false;
+        }
+    }
+    image.cube = cube;
+    image.path = cube->dataPath(); // header and data file are one image
+    image.band = row.band.value_or(1) - 1;
+    image.name += QStringLiteral(" band %1").arg(image.band + 1);
+    if (image.band >= cube->header().bands) {
+        *pReason = QStringLiteral("%1: there is no band %2 (the cube has %3)")
+                       .arg(image.path)
+                       .arg(image.band + 1)
+                       .arg(cube->header().bands);
+        return false;
+    }
+    return true;
+}
+
+bool ImageStack::openCsv(const ImageRow& row, Image& image, QString* pReason)
+{
+    if (row.page) {
+        *pReason = QStringLiteral("%1: a CSV cube has bands, not pages").arg(image.path);
+        return false;
+    }
+    const QSharedPointer<CsvCube> cube = csvCube(image.path, pReason);
+    if (!cube) {
+        return false;
+    }
+    image.csv = cube;
+    image.band = row.band.value_or(1) - 1;
+    image.name += QStringLiteral(" band %1").arg(image.band + 1);
+    if (image.band >= cube->bands()) {
+        *pReason = QStringLiteral("%1: there is no band %2 (the cube has %3)")
+                       .arg(image.path)
+                       .arg(image.band + 1)
+                       .arg(cube->bands());
+        return false;
+    }
+    return true;
+}
+
+// The cube of that file, read at the first call; null with a reason.
+QSharedPointer<CsvCube> ImageStack::csvCube(const QString& strPath, QString* pReason)
+{
+    QSharedPointer<CsvCube> cube = m_csvCubes.value(strPath);
+    if (!cube) {
+        cube = QSharedPointer<CsvCube>::create();
+        if (!cube->open(strPath, pReason, m_progress)) {
+            return {};
+        }
+        m_csvCubes.insert(strPath, cube);
+    }
+    return cube;
+}
+
+bool ImageStack::measure(Image& image, long* pWidth, long* pHeight, QString* pReason)
+{
+    if (image.cube) {
+        *pWidth = image.cube->header().width;
+        *pHeight = image.cube->header().height;
+        return true;
+    }
+    if (image.csv) {
+        *pWidth = image.csv->width();
+        *pHeight = image.csv->height();
+        return true;
+    }
+    TiffInfo info;
+    if (!m_pages->readHeader(image.path, image.page, &info, pReason)) {
+        return false;
+    }
+    if (image.band >= info.samplesPerPixel) {
+        *pReason = QStringLiteral("%1: there is no band %2 (a pixel has %3)")
+                       .arg(image.path)
+                       .arg(image.band + 1)
+                       .arg(info.samplesPerPixel);
+        return false;
+    }
+    if (image.band < 0 && info.isColour && info.samplesPerPixel == 1 && info.bitsPerSample >= 8) {
+        // Microscopes save what they measured with a map of colours for the screen.
+        m_mapped.append(image.name);
+        image.band = 0;
+    } else if (image.band < 0 && info.isColour) {
+        m_coloured.append(image.name);
+    } else if (image.band < 0 && info.samplesPerPixel > 1) {
+        m_sampled.append(image.name);
+    }
+    *pWidth = info.width;
+    *pHeight = info.height;
+    return true;
+}
+
+std::optional<double> ImageStack::wavelength(int i) const
+{
+    const Image& image = m_images.at(i);
+    if (!image.cube || image.cube->header().wavelengths.isEmpty()) {
+        return std::nullopt;
+    }
+    return image.cube->header().wavelengths.at(image.band);
+}
+
+bool ImageStack::readBand(int i, CILImage& out, QString* pError) const
+{
+    const Image& image = m_images.at(i);
+    if (image.cube) {
+        return image.cube->readBand(image.band, out, pError);
+    }
+    if (image.csv) {
+        return image.csv->readBand(image.band, out, pError);
+    }
+    TiffReadOptions options;
+    options.band = image.band;
+    return m_pages->read(image.path, image.page, options, out, pError);
+}

@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "host/CILImage.h"
+#include "platform/orvimage/TiffPageReader.h"
+#include "services/importer/CsvCube.h"
+#include "services/importer/EnviCube.h"
+#include "services/importer/ImagesTable.h"
+
+#include <QHash>
+#include <QSharedPointer>
+#include <QString>
+#include <QStringList>
+#include <QVector>
+
+#include <optional>
+
+// The images that a table names, wherever they lie: files of a folder, pages of a TIFF file, samples of its pixels,
+// bands of an ENVI cube or a CSV cube. All have one size. Pixels are read one image at a time.
+class ImageStack
+{
+public:
+    // By the file's first bytes: TIFF or BigTIFF in either byte order.
+    static bool isTiffFile(const QString& strPath);
+
+    // Finds every image of the table and reads the headers. With a folder as `strSource` each row names its file there;
+    // otherwise `strSource` is the file of all rows. A row without page or band means the first. False with one
+    // sentence in *pError (see importStack) when an image cannot be found or differs in size, or two rows name one
+    // image. A CSV cube is read whole here, which `progress` (may be empty) follows.
+    bool open(const QString& strSource, const ImagesTable& table, QString* pError,
+              const CsvCube::Progress& progress = {});
+
+    int count() const { return m_images.size(); }
+    long width() const { return m_lWidth; }
+    long height() const { return m_lHeight; }
+    const QStringList& warnings() const { return m_warnings; }
+
+    // Short and for people: "cells_00.tif", "stack.tif page 3", "cube.dat band 2".
+    QString name(int i) const { return m_images.at(i).name; }
+    // What an ENVI header tells of the band, in nm.
+    std::optional<double> wavelength(int i) const;
+    // Reads image i in its own type. False with "file: reason" in *pError; `out` is then empty.
+    bool readBand(int i, CILImage& out, QString* pError) const;
+
+private:
+    struct Image
+    {
+        QString path;
+        QString name;
+        int page = 0;                  // from 0
+        int band = -1;                 // from 0; -1 for a TIFF page as a whole
+        QSharedPointer<EnviCube> cube; // null but for an ENVI cube
+        QSharedPointer<CsvCube> csv;   // null but for a CSV cube
+    };
+    bool locate(const QString& strSource, bool bFolder, const ImageRow& row, Image& image, QString* pReason);
+    bool openCube(const ImageRow& row, Image& image, QString* pReason);
+    bool openCsv(const ImageRow& row, Image& image, QString* pReason);
+    QSharedPointer<CsvCube> csvCube(const QString& strPath, QString* pReason);
+    bool measure(Image& image, long* pWidth, long* pHeight, QString* pReason);
+    void warnOf(const QStringList& names, const QString& strWhat);
+
+    QVector<Image> m_images;
+    QHash<QString, QSharedPointer<EnviCube>> m_cubes; // by path, while opening
+    QHash<QString, QSharedPointer<CsvCube>> m_csvCubes;
+    CsvCube::Progress m_progress; // while opening
+    QSharedPointer<TiffPageReader> m_pages = QSharedPointer<TiffPageReader>::create();
+    QStringList m_mapped; // names of images with a colour map, in colours, of several samples a pixel
+    QStringList m_coloured;
+    QStringList m_sampled;
+    long m_lWidth = 0;
+    long m_lHeight = 0;
+    QStringList m_warnings;
+};

@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "services/importer/ImageFacts.h"
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+#include <QVector>
+
+#include <optional>
+
+// One row of the table: where an image is, and what it shows. What the row leaves open is empty.
+struct ImageRow
+{
+    int line = 0; // in the file, from 1
+    QString file;
+    std::optional<int> page;          // from 1
+    std::optional<int> band;          // from 1
+    std::optional<double> excitation; // nm
+    std::optional<double> emission;   // nm
+    std::optional<double> time;       // s
+    std::optional<int> interval;
+    QString spotX; // a number as it was written; empty without
+    QString spotY;
+    ImageFacts facts;
+};
+
+// The table "images.csv". Its first line names the columns, in any order and case: file, page, band, excitation,
+// emission, interval, time, spot_x, spot_y, exposure, pixel_size, start, isotope, unit; "origin" says nothing to the
+// program, other columns are passed over with a warning. Fields are separated by commas, or by semicolons when the
+// first line has those and no comma. Text is UTF-8, with or without a byte order mark, and lines end in either way;
+// empty ones are skipped. Wavelengths may have "nm" behind them, times "s"; numbers have a decimal point.
+class ImagesTable
+{
+public:
+    // False with "file:line: reason" in *pError; the table is then empty.
+    bool load(const QString& strPath, QString* pError);
+    // As load(), from text; `strName` stands for the file in messages.
+    bool parse(const QByteArray& text, const QString& strName, QString* pError);
+
+    const QVector<ImageRow>& rows() const { return m_rows; }
+    const QStringList& warnings() const { return m_warnings; }
+    // "file:line", for messages about a row.
+    QString place(const ImageRow& row) const;
+
+private:
+    bool parseLines(const QStringList& lines, QString* pError);
+
+    QString m_strName;
+    QVector<ImageRow> m_rows;
+    QStringList m_warnings;
+};

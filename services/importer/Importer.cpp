@@ -1,0 +1,399 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "services/importer/Importer.h"
+
+#include "platform/orvapi/ClickInfoKeys.h"
+#include "platform/orvapi/SavedResultsCheck.h"
+#include "platform/orvapi/SequenceWriter.h"
+#include "platform/orvutils/AtomicFile.h"
+#include "services/importer/ImageCorrection.h"
+#include "services/importer/ImageKeys.h"
+#include "services/importer/ImageStack.h"
+#include "services/importer/ImagesTable.h"
+#include "services/importer/Photograph.h"
+
+#include <QCryptographicHash>
+#include <QDir>
+#include <QFileInfo>
+#include <QLocale>
+
+#include <algorithm>
+#include <new>
+
+namespace {
+
+// A square of this side in double precision takes 8 GB; what is beyond is a header gone wrong.
+constexpr long maxSide = 32768;
+
+const char* const meanImageOrigin = "mean image";
+// Where an image came from; for people.
+const char* const sourceKey = "Source Image";
+// The table that was inferred, in the new sequence.
+const char* const tableName = "images.csv";
+const char* const abortText = "the import was aborted";
+constexpr double micrometresPerCentimetre = 1e4;
+
+QString shortest(double value)
+{
+    return QString::number(value, 'g', QLocale::FloatingPointShortest);
+}
+
+// One import from the table to the finished folder.
+class Import
+{
+public:
+    Import(const ImportOptions& options, const ImportProgress& progress, ImportReport& report)
+        : m_options(options), m_progress(progress), m_report(report)
+    {
+    }
+
+    bool run(QString* pError)
+    {
+        // A target is refused before time is spent on images; the writer shows nothing before finish().
+        return spareResults(pError) && readTable(pError) && readCorrections(pError) &&
+               m_writer.begin(m_options.output, describeSequence(), m_options.force, pError) && checkImages(pError) &&
+               makePhotograph(pError) && write(pError);
+    }
+
+private:
+    bool spareResults(QString* pError) const;
+    bool readTable(QString* pError);
+    bool readCorrections(QString* pError);
+    bool readImage(int i, CILImage& image, QString* pError);
+    bool keepTable(QString* pError);
+    bool checkImages(QString* pError);
+    bool makePhotograph(QString* pError);
+    bool write(QString* pError);
+    bool step(const QString& what, QString* pError);
+    bool readSquare(int i, CILImage& image, QString* pError);
+    SequenceDescription describeSequence() const;
+    DatasetDescription describeDataset(int i) const;
+    ImageFacts factsOf(int i) const;
+    QString clickNumber(int i) const;
+
+    const ImportOptions& m_options;
+    const ImportProgress& m_progress;
+    ImportReport& m_report;
+    ImagesTable m_table;
+    ImageStack m_stack;
+    ImageKeys m_keys;
+    ImageCorrection m_correction;
+    SequenceWriter m_writer;
+    MeanImage m_mean;
+    CILImage m_photo; // padded
+    QString m_strId;
+    QString m_strMark; // tells the click numbers of this sequence from those of others
+    int m_nDone = 0;
+};
+
+bool Import::spareResults(QString* pError) const
+{
+    *pError = m_options.force ? savedResultsAtStake(m_options.output) : QString();
+    return pError->isEmpty();
+}
+
+bool Import::readTable(QString* pError)
+{
+    const bool bTable = m_options.tableText.isEmpty()
+                            ? m_table.load(m_options.table, pError)
+                            : m_table.parse(m_options.tableText, QStringLiteral("inferred table"), pError);
+    const auto reading = [this](double dFraction) {
+        constexpr int steps = 1000;
+        const QString what = QStringLiteral("Reading %1").arg(QFileInfo(m_options.source).fileName());
+        m_report.aborted = m_progress && !m_progress(static_cast<int>(dFraction * steps), steps, what);
+        return !m_report.aborted;
+    };
+    if (!bTable || !m_stack.open(m_options.source, m_table, pError, reading)) {
+        *pError = m_report.aborted ? QString::fromLatin1(abortText) : *pError;
+        return false;
+    }
+    if (!m_keys.make(m_table, m_stack, pError)) {
+        return false;
+    }
+    for (const ImageRow& row : m_table.rows()) {
+        if (row.facts.unit != m_table.rows().first().facts.unit) {
+            *pError = QStringLiteral("%1: the unit is not that of line %2")
+                          .arg(m_table.place(row))
+                          .arg(m_table.rows().first().line);
+            return false;
+        }
+    }
+    if (!m_keys.fluorescence && m_table.rows().first().facts.unit == QLatin1String("Radiant Efficiency")) {
+        *pError = QStringLiteral("%1: the unit Radiant Efficiency is one of fluorescence, and there is no excitation")
+                      .arg(m_table.place(m_table.rows().first()));
+        return false;
+    }
+    const long side = std::max(m_stack.width(), m_stack.height());
+    if (side > maxSide) {
+        *pError = QStringLiteral("%1: images of %2 x %3 pixels are too large (at most %4 along a side)")
+                      .arg(m_options.source)
+                      .arg(m_stack.width())
+                      .arg(m_stack.height())
+                      .arg(maxSide);
+        return false;
+    }
+    const QString output = QDir::cleanPath(QFileInfo(m_options.output).absoluteFilePath());
+    m_strId = m_options.name.isEmpty() ? QFileInfo(output).fileName() : m_options.name;
+    const QByteArray hash = QCryptographicHash::hash(output.toUtf8(), QCryptographicHash::Sha1).toHex().toUpper();
+    m_strMark = QString::fromLatin1(hash.left(6));
+
+    m_report.sequenceId = m_strId;
+    m_report.images = m_stack.count();
+    m_report.width = m_stack.width();
+    m_report.height = m_stack.height();
+    m_report.side = side;
+    m_report.temporal = m_keys.temporal;
+    m_report.fluorescence = m_keys.fluorescence;
+    m_report.transillumination = m_keys.transillumination;
+    m_report.unit = m_table.rows().first().facts.unit;
+    m_report.warnings = m_table.warnings() + m_stack.warnings();
+    return true;
+}
+
+bool Import::readCorrections(QString* pError)
+{
+    const int nExposures = m_options.exposures.size();
+    if (nExposures > 1 && nExposures != m_stack.count()) {
+        *pError = QStringLiteral("%1: %2 exposures are given for %3 images")
+                      .arg(m_options.source)
+                      .arg(nExposures)
+                      .arg(m_stack.count());
+        return false;
+    }
+    const long w = m_stack.width();
+    const long h = m_stack.height();
+    if ((!m_options.dark.isEmpty() && !m_correction.loadDark(m_options.dark, w, h, pError)) ||
+        (!m_options.flat.isEmpty() && !m_correction.loadFlat(m_options.flat, w, h, pError))) {
+        return false;
+    }
+    m_report.dark = m_correction.hasDark();
+    m_report.flat = m_correction.hasFlat();
+    return true;
+}
+
+// Reads an image and corrects it.
+bool Import::readImage(int i, CILImage& image, QString* pError)
+{
+    if (!m_stack.readBand(i, image, pError)) {
+        return false;
+    }
+    if (image.m_lWidth != m_stack.width() || image.m_lHeight != m_stack.height()) {
+        *pError = QStringLiteral("%1: the file has changed while it was read").arg(m_stack.name(i));
+        return false;
+    }
+    if (!m_correction.apply(image)) {
+        *pError = QStringLiteral("%1: there is no memory for the image").arg(m_stack.name(i));
+        return false;
+    }
+    return true;
+}
+
+bool Import::step(const QString& what, QString* pError)
+{
+    if (m_progress && !m_progress(m_nDone, 2 * m_stack.count(), what)) {
+        m_report.aborted = true;
+        *pError = QString::fromLatin1(abortText);
+        return false;
+    }
+    ++m_nDone;
+    return true;
+}
+
+// All pixels are looked at before a file is written.
+bool Import::checkImages(QString* pError)
+{
+    CILImage image;
+    for (int i = 0; i < m_stack.count(); ++i) {
+        if (!step(QStringLiteral("Reading %1").arg(m_stack.name(i)), pError) || !readImage(i, image, pError)) {
+            return false;
+        }
+        const long long bad = firstUnusablePixel(image);
+        if (bad >= 0) {
+            *pError = QStringLiteral("%1: %2: the pixel in column %3, row %4 is not finite or too large")
+                          .arg(m_table.place(m_table.rows().at(i)), m_stack.name(i))
+                          .arg(bad % image.m_lWidth)
+                          .arg(bad / image.m_lWidth);
+            return false;
+        }
+        if (m_options.photo.isEmpty()) {
+            m_mean.add(image);
+        }
+    }
+    return true;
+}
+
+bool Import::makePhotograph(QString* pError)
+{
+    if (m_options.photo.isEmpty()) {
+        m_report.photographOrigin = QString::fromLatin1(meanImageOrigin);
+        if (!m_mean.stretched(m_photo)) {
+            *pError = QStringLiteral("%1: there is no memory for the mean image").arg(m_options.source);
+            return false;
+        }
+        m_mean = MeanImage();
+    } else {
+        m_report.photographOrigin = QFileInfo(m_options.photo).fileName();
+        if (!loadPhotograph(m_options.photo, m_stack.width(), m_stack.height(), m_photo, &m_report.warnings, pError)) {
+            return false;
+        }
+    }
+    if (!padToSquare(m_photo)) {
+        *pError = QStringLiteral("%1: there is no memory for the photograph").arg(m_options.source);
+        return false;
+    }
+    return true;
+}
+
+bool Import::readSquare(int i, CILImage& image, QString* pError)
+{
+    if (!step(QStringLiteral("Writing %1").arg(m_stack.name(i)), pError) || !readImage(i, image, pError)) {
+        return false;
+    }
+    if (!padToSquare(image)) {
+        *pError = QStringLiteral("%1: there is no memory for the image").arg(m_stack.name(i));
+        return false;
+    }
+    image.m_fBinning = 1.0F;
+    return true;
+}
+
+bool Import::write(QString* pError)
+{
+    CILImage image;
+    for (int i = 0; i < m_stack.count(); ++i) {
+        if (!readSquare(i, image, pError)) {
+            return false;
+        }
+        // The first dataset lends its photograph to the others.
+        SequenceWriter::Images images{{IMAGETYPE_LUMINESCENT, &image}};
+        if (i == 0) {
+            images.append({IMAGETYPE_PHOTOGRAPH, &m_photo});
+        }
+        if (!m_writer.addDataset(describeDataset(i), images, pError)) {
+            return false;
+        }
+        m_report.clickNumbers.append(clickNumber(i));
+    }
+    return keepTable(pError) && spareResults(pError) && m_writer.finish(pError);
+}
+
+// An inferred table goes along, to be edited and given by hand the next time.
+bool Import::keepTable(QString* pError)
+{
+    if (m_options.tableText.isEmpty()) {
+        return true;
+    }
+    const QString path = m_writer.extraFile(QString::fromLatin1(tableName));
+    if (path.isEmpty() || !orv::writeFileAtomically(path, m_options.tableText)) {
+        *pError = QStringLiteral("%1: %2 cannot be written").arg(m_options.output, QLatin1String(tableName));
+        return false;
+    }
+    return true;
+}
+
+SequenceDescription Import::describeSequence() const
+{
+    SequenceDescription description;
+    description.id = m_strId;
+    description.name = m_strId;
+    description.temporal = m_keys.temporal;
+    description.fluorescence = m_keys.fluorescence;
+    description.transillumination = m_keys.transillumination;
+    if (m_options.photo.isEmpty()) {
+        description.photographOrigin = QString::fromLatin1(meanImageOrigin);
+    }
+    return description;
+}
+
+QString Import::clickNumber(int i) const
+{
+    return QStringLiteral("IM%1-%2").arg(i + 1, 4, 10, QLatin1Char('0')).arg(m_strMark);
+}
+
+// What is known of an image; the options go before the table.
+ImageFacts Import::factsOf(int i) const
+{
+    ImageFacts facts = m_table.rows().at(i).facts;
+    if (!m_options.exposures.isEmpty()) {
+        facts.exposure = m_options.exposures.value(m_options.exposures.size() > 1 ? i : 0);
+    }
+    if (m_options.pixelSize > 0.0) {
+        facts.pixelSize = m_options.pixelSize;
+    }
+    return facts;
+}
+
+DatasetDescription Import::describeDataset(int i) const
+{
+    const auto text = [](const char* key) { return QString::fromLatin1(key); };
+    const ImageKey& key = m_keys.images.at(i);
+    CPLSection click(text(ClickKeys::kClickNumber));
+    CPLSection image(text(ClickKeys::kLuminescentImage));
+    if (m_keys.temporal) {
+        click.setValue(text(ClickKeys::kKyVoTime), key.time);
+        click.setValue(text(ClickKeys::kKyVoInterval), key.interval);
+    }
+    if (!key.excitation.isEmpty()) {
+        image.setValue(text(ClickKeys::kExcitationFilter), key.excitation);
+    }
+    if (!key.emission.isEmpty()) {
+        image.setValue(text(ClickKeys::kEmissionFilter), key.emission);
+    }
+    if (m_keys.transillumination) {
+        image.setValue(text(ClickKeys::kFLXSpot), key.spotX);
+        image.setValue(text(ClickKeys::kFLYSpot), key.spotY);
+    }
+    image.setValue(text(ClickKeys::kBinning), 1);
+    image.setValue(text(ClickKeys::kImageExtent), QStringLiteral("%1 x %2").arg(m_stack.width()).arg(m_stack.height()));
+    if (m_correction.hasDark()) {
+        image.setValue(text(ClickKeys::kBackgroundCorrected), 1);
+    }
+    if (m_correction.hasFlat()) {
+        image.setValue(text(ClickKeys::kFlatFieldCorrected), 1);
+    }
+    const ImageFacts facts = factsOf(i);
+    if (facts.exposure) {
+        image.setValue(text(ClickKeys::kExposureTime), shortest(*facts.exposure));
+    }
+    if (!facts.start.isEmpty()) {
+        image.setValue(text(ClickKeys::kAcquisitionDate), facts.start.section(QLatin1Char('T'), 0, 0));
+        image.setValue(text(ClickKeys::kAcquisitionTime), facts.start.section(QLatin1Char('T'), 1, 1));
+    }
+    if (!facts.isotope.isEmpty()) {
+        image.setValue(text(ClickKeys::kIsotope), facts.isotope);
+    }
+    if (!facts.unit.isEmpty()) {
+        image.setValue(text(ClickKeys::kStoredUnit), facts.unit);
+    }
+    image.setValue(text(sourceKey), m_stack.name(i).simplified());
+    DatasetDescription dataset;
+    dataset.clickNumber = clickNumber(i);
+    dataset.info.addSection(&click);
+    dataset.info.addSection(&image);
+    if (facts.pixelSize) {
+        CPLSection camera(text(ClickKeys::kCameraSystemInfo));
+        camera.setValue(text(ClickKeys::kPixelSize), shortest(*facts.pixelSize / micrometresPerCentimetre));
+        dataset.info.addSection(&camera);
+    }
+    return dataset;
+}
+
+} // namespace
+
+bool importStack(const ImportOptions& options, const ImportProgress& progress, ImportReport* pReport, QString* pError)
+{
+    ImportReport report;
+    QString error;
+    bool bDone = false;
+    try {
+        bDone = Import(options, progress, report).run(&error);
+    } catch (const std::bad_alloc&) {
+        error = QStringLiteral("%1: there is not enough memory").arg(options.source);
+    }
+    if (pReport != nullptr) {
+        *pReport = report;
+    }
+    if (pError != nullptr) {
+        *pError = bDone ? QString() : error;
+    }
+    return bDone;
+}

@@ -1,0 +1,415 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "services/importer/InferredTable.h"
+
+#include <QHash>
+#include <QLocale>
+#include <QSet>
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <vector>
+
+namespace {
+
+// Figures closer than this are one, written with more or fewer digits.
+constexpr double closeShare = 1e-6;
+
+bool isSame(double a, double b)
+{
+    return std::abs(a - b) <= closeShare * std::max({1.0, std::abs(a), std::abs(b)});
+}
+
+QString shortest(double value)
+{
+    return QString::number(value, 'g', QLocale::FloatingPointShortest);
+}
+
+// Without what a change of units leaves in the last digits.
+double rounded(double value)
+{
+    constexpr double digits = 1e9;
+    return std::round(value * digits) / digits;
+}
+
+QString cell(const std::optional<double>& value)
+{
+    return value ? shortest(*value) : QString();
+}
+
+QString cell(const std::optional<int>& value)
+{
+    return value ? QString::number(*value) : QString();
+}
+
+// Quoted where a plain field would be read as something else.
+QString csvField(const QString& text)
+{
+    const bool bPlain = text == text.trimmed() && !text.contains(QLatin1Char(',')) && !text.contains(QLatin1Char('"'));
+    return bPlain
+               ? text
+               : QLatin1Char('"') + QString(text).replace(QLatin1Char('"'), QLatin1String("\"\"")) + QLatin1Char('"');
+}
+
+// The figures of one kind, which must agree. Two that differ give none, and the sentence.
+std::optional<Figure> oneOf(const FoundImage& image, Figure::Kind kind, const char* what, QString* pDoubt)
+{
+    std::optional<Figure> one;
+    for (const Figure& figure : image.figures) {
+        if (figure.kind != kind) {
+            continue;
+        }
+        if (one && !isSame(one->value, figure.value)) {
+            *pDoubt = QStringLiteral("%1: the %2 is %3 (%4) or %5 (%6)")
+                          .arg(image.name, QLatin1String(what), shortest(one->value), one->origin,
+                               shortest(figure.value), figure.origin);
+            return std::nullopt;
+        }
+        one = one ? one : figure;
+    }
+    return one;
+}
+
+void addOrigin(InferredTable::Row& row, const Figure& figure)
+{
+    QStringList parts = row.origin.split(QStringLiteral("; "), Qt::SkipEmptyParts);
+    const int at = figure.origin.indexOf(QLatin1String(": "));
+    const QString what = figure.origin.left(at + 2);
+    const QString text = figure.origin.mid(at + 2);
+    // Several figures of one name are told with it.
+    const auto same = std::find_if(parts.begin(), parts.end(), [&](const QString& part) {
+        return at > 0 ? part.startsWith(what) : part == figure.origin;
+    });
+    if (same == parts.end()) {
+        parts.append(figure.origin);
+    } else if (at > 0 && !same->mid(at + 2).split(QStringLiteral(", ")).contains(text)) {
+        *same += QStringLiteral(", ") + text;
+    }
+    row.origin = parts.join(QStringLiteral("; "));
+}
+
+// A column of the table as text.
+struct Column
+{
+    QString name;
+    std::function<QString(const InferredTable::Row&)> text;
+};
+
+// Whether the values, in ascending order, go up by one each time.
+bool countsUp(std::vector<double> values)
+{
+    std::sort(values.begin(), values.end());
+    for (std::size_t i = 1; i < values.size(); ++i) {
+        if (!isSame(values[i] - values[i - 1], 1.0)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+} // namespace
+
+InferredTable::InferredTable(const QVector<FoundImage>& images, const QStringList& doubts,
+                             std::optional<double> interval)
+    : m_doubts(doubts)
+{
+    takeFigures(images, interval);
+    choose();
+    refuseMissing();
+    refuseDuplicates();
+    noteFacts();
+    if (m_bTemporal) {
+        std::stable_sort(m_rows.begin(), m_rows.end(),
+                         [](const Row& a, const Row& b) { return a.time.value_or(0.0) < b.time.value_or(0.0); });
+    }
+}
+
+// What is recorded beside the table that is shown.
+void InferredTable::noteFacts()
+{
+    QStringList known;
+    const auto add = [&](const char* what, const std::function<bool(const Row&)>& has) {
+        if (std::any_of(m_rows.cbegin(), m_rows.cend(), has)) {
+            known.append(QLatin1String(what));
+        }
+    };
+    add("exposures", [](const Row& row) { return row.facts.exposure.has_value(); });
+    add("the size of a pixel", [](const Row& row) { return row.facts.pixelSize.has_value(); });
+    add("the starts of the exposures", [](const Row& row) { return !row.facts.start.isEmpty(); });
+    add("the isotope", [](const Row& row) { return !row.facts.isotope.isEmpty(); });
+    add("the unit", [](const Row& row) { return !row.facts.unit.isEmpty(); });
+    if (!known.isEmpty()) {
+        m_notes.append(QStringLiteral("the metadata also tell: %1").arg(known.join(QStringLiteral(", "))));
+    }
+}
+
+void InferredTable::doubt(const QString& strSentence)
+{
+    if (!strSentence.isEmpty()) {
+        m_doubts.append(strSentence);
+    }
+}
+
+void InferredTable::takeFigures(const QVector<FoundImage>& images, std::optional<double> interval)
+{
+    for (const FoundImage& image : images) {
+        Row row;
+        row.file = image.file;
+        row.page = image.page;
+        row.band = image.band;
+        row.name = image.name;
+        QString first;
+        QString second;
+        QString third;
+        const auto excitation = oneOf(image, Figure::Excitation, "excitation", &first);
+        const auto emission = oneOf(image, Figure::Emission, "emission", &second);
+        const auto block = oneOf(image, Figure::Interval, "interval", &third);
+        if (excitation) {
+            row.excitation = rounded(excitation->value);
+            addOrigin(row, *excitation);
+        }
+        if (emission) {
+            row.emission = rounded(emission->value);
+            addOrigin(row, *emission);
+        }
+        if (block && block->value >= 1.0) {
+            row.interval = static_cast<int>(block->value);
+        }
+        takeSpot(image, row);
+        row.facts = image.facts;
+        doubt(first);
+        doubt(second);
+        doubt(third);
+        if (image.file.contains(QLatin1Char('\n'))) {
+            doubt(QStringLiteral("%1: a name with a line end cannot stand in a table").arg(image.name.simplified()));
+        }
+        m_rows.append(row);
+    }
+    takeTimes(images, interval);
+}
+
+void InferredTable::takeSpot(const FoundImage& image, Row& row)
+{
+    QString sentence;
+    const auto x = oneOf(image, Figure::SpotX, "scan spot's x", &sentence);
+    const auto y = sentence.isEmpty() ? oneOf(image, Figure::SpotY, "scan spot's y", &sentence) : std::nullopt;
+    doubt(sentence);
+    if (x && y) {
+        row.spotX = x->text;
+        row.spotY = y->text;
+        addOrigin(row, *x);
+    }
+}
+
+void InferredTable::takeTimes(const QVector<FoundImage>& images, std::optional<double> interval)
+{
+    QString sentence;
+    std::vector<double> numbers; // times without a unit, of images that have no other
+    QVector<std::optional<Figure>> times;
+    for (const FoundImage& image : images) {
+        std::optional<Figure> time = oneOf(image, Figure::Time, "time", &sentence);
+        const auto number = oneOf(image, Figure::TimeNumber, "time", &sentence);
+        const auto frame = oneOf(image, Figure::Frame, "frame", &sentence);
+        doubt(sentence);
+        sentence.clear();
+        if (!time && interval && (number || frame)) {
+            time = number ? number : frame;
+            time->value = rounded(time->value * *interval);
+            time->origin += QStringLiteral(" x %1 s").arg(shortest(*interval));
+        } else if (!time && number) {
+            numbers.push_back(number->value);
+            time = number;
+            time->origin += QStringLiteral(", taken as s");
+        }
+        times.append(time);
+    }
+    auto row = m_rows.begin();
+    for (const auto& time : qAsConst(times)) {
+        if (time) {
+            row->time = time->value;
+        }
+        ++row;
+    }
+    // Which of the two it is only matters where times tell the images apart.
+    choose();
+    if (m_bTemporal && !numbers.empty() && countsUp(numbers)) {
+        doubt(QStringLiteral("the times without a unit count up by one and could be frames: --interval S tells the "
+                             "seconds between frames (1 when they are seconds)"));
+    } else if (m_bTemporal && !numbers.empty()) {
+        m_notes.append(QStringLiteral("times without a unit are taken as seconds; --interval S makes frames of them"));
+    }
+    for (int i = 0; i < m_rows.size(); ++i) {
+        if (times.at(i) && (m_bTemporal || !m_bSpectral)) {
+            addOrigin(m_rows[i], *times.at(i));
+        }
+    }
+}
+
+// What tells the images apart: wavelengths, or times at one pair of wavelengths. Of an image alone that has both, only
+// its metadata can say.
+void InferredTable::choose()
+{
+    QSet<QString> pairs;
+    int wavelengths = 0;
+    int times = 0;
+    for (const Row& row : m_rows) {
+        wavelengths += row.excitation || row.emission ? 1 : 0;
+        times += row.time ? 1 : 0;
+        pairs.insert(
+            QStringList{cell(row.excitation), cell(row.emission), row.spotX, row.spotY}.join(QLatin1Char('/')));
+    }
+    const bool bApart = pairs.size() == m_rows.size();
+    const bool bSaid = std::any_of(m_rows.cbegin(), m_rows.cend(), [](const Row& row) { return row.facts.temporal; });
+    m_bSpectral = !bSaid && wavelengths > 0 && (bApart || times == 0 || pairs.size() > 1);
+    m_bTemporal = bSaid || (times > 0 && !m_bSpectral);
+}
+
+void InferredTable::refuseMissing()
+{
+    const auto lacking = [this](const std::function<bool(const Row&)>& has, const char* what) {
+        const Row* first = nullptr;
+        int missing = 0;
+        for (const Row& row : m_rows) {
+            if (!has(row)) {
+                first = first != nullptr ? first : &row;
+                ++missing;
+            }
+        }
+        if (missing > 0) {
+            doubt(QStringLiteral("%1 of %2 lack the %3, the first is %4")
+                      .arg(missing)
+                      .arg(m_rows.size())
+                      .arg(QLatin1String(what), first->name));
+        }
+        return missing;
+    };
+    const auto excited = [](const Row& row) { return row.excitation.has_value(); };
+    const auto emitting = [](const Row& row) { return row.emission.has_value(); };
+    if (!m_bSpectral && !m_bTemporal) {
+        doubt(
+            QStringLiteral("nothing tells the images' wavelengths or times; names can (ex640_em700, 640-700, t12.5s), "
+                           "and --interval S makes times of numbered frames"));
+    } else if (m_bTemporal) {
+        if (lacking([](const Row& row) { return row.time.has_value(); }, "time")) {
+            doubt(QStringLiteral("--interval S makes times of numbered frames"));
+        }
+    } else {
+        if (std::any_of(m_rows.cbegin(), m_rows.cend(), excited)) {
+            lacking(excited, "excitation");
+        }
+        if (std::any_of(m_rows.cbegin(), m_rows.cend(), emitting)) {
+            lacking(emitting, "emission");
+        }
+        const auto scanned = [](const Row& row) { return !row.spotX.isEmpty(); };
+        if (std::any_of(m_rows.cbegin(), m_rows.cend(), scanned)) {
+            lacking(scanned, "scan spot");
+        }
+    }
+}
+
+void InferredTable::refuseDuplicates()
+{
+    QHash<QString, const Row*> first;
+    int nTold = 0;
+    for (const Row& row : m_rows) {
+        QString key;
+        if (m_bTemporal && row.time) {
+            // Datasets are told apart by their whole second, as single precision holds it.
+            key = QStringLiteral("second %1").arg(static_cast<qint64>(static_cast<float>(*row.time)));
+        } else if (m_bSpectral && (row.excitation || row.emission)) {
+            QStringList parts;
+            if (row.excitation) {
+                parts.append(QStringLiteral("excitation %1 nm").arg(std::round(*row.excitation)));
+            }
+            if (row.emission) {
+                parts.append(QStringLiteral("emission %1 nm").arg(std::round(*row.emission)));
+            }
+            if (!row.spotX.isEmpty()) {
+                parts.append(QStringLiteral("the spot %1, %2").arg(row.spotX, row.spotY));
+            }
+            key = parts.join(QStringLiteral(" and "));
+        } else {
+            continue;
+        }
+        if (!first.contains(key)) {
+            first.insert(key, &row);
+        } else if (++nTold <= 3) {
+            doubt(QStringLiteral("%1 and %2 share %3").arg(first.value(key)->name, row.name, key));
+        }
+    }
+    if (nTold > 3) {
+        doubt(QStringLiteral("%1 more share them with another").arg(nTold - 3));
+    }
+    if (nTold > 0 && m_bTemporal) {
+        doubt(QStringLiteral("images are told apart by the whole seconds of their times"));
+    }
+    const bool bTimes =
+        std::any_of(m_rows.cbegin(), m_rows.cend(), [](const Row& row) { return row.time.has_value(); });
+    if (m_bSpectral && bTimes) {
+        if (nTold > 0) {
+            doubt(QStringLiteral("both wavelengths and times differ: a sequence is either spectral or temporal"));
+        } else {
+            m_notes.append(QStringLiteral("the images' times are not used: wavelengths tell them apart"));
+        }
+    } else if (m_bTemporal && m_rows.size() > 1 && (m_rows.first().excitation || m_rows.first().emission)) {
+        m_notes.append(QStringLiteral("the images' times tell them apart: their wavelengths are the same in all"));
+    }
+}
+
+QByteArray InferredTable::toCsv() const
+{
+    const auto any = [this](const std::function<bool(const Row&)>& has) {
+        return std::any_of(m_rows.cbegin(), m_rows.cend(), has);
+    };
+    const bool bTimes = any([](const Row& row) { return row.time.has_value(); });
+    const bool bWavelengths = m_bSpectral || any([](const Row& row) { return row.excitation || row.emission; });
+    // A template offers what could be meant.
+    const bool bOpen = !m_doubts.isEmpty() && (bTimes == m_bSpectral || (!m_bSpectral && !m_bTemporal));
+    QVector<Column> columns;
+    const auto add = [&columns](const char* name, const std::function<QString(const Row&)>& text, bool bWanted) {
+        if (bWanted) {
+            columns.append({QLatin1String(name), text});
+        }
+    };
+    // A column that stands when any row has something to say there.
+    const auto addKnown = [&](const char* name, const std::function<QString(const Row&)>& text, bool bWanted = true) {
+        add(name, text, bWanted && any([&text](const Row& row) { return !text(row).isEmpty(); }));
+    };
+    add(
+        "file", [](const Row& row) { return csvField(row.file); }, true);
+    addKnown("page", [](const Row& row) { return cell(row.page); });
+    addKnown("band", [](const Row& row) { return cell(row.band); });
+    add(
+        "excitation", [](const Row& row) { return cell(row.excitation); }, bWavelengths || bOpen);
+    add(
+        "emission", [](const Row& row) { return cell(row.emission); }, bWavelengths || bOpen);
+    addKnown(
+        "spot_x", [](const Row& row) { return row.spotX; }, m_bSpectral);
+    addKnown(
+        "spot_y", [](const Row& row) { return row.spotY; }, m_bSpectral);
+    addKnown(
+        "interval", [](const Row& row) { return cell(row.interval); }, m_bTemporal || bOpen);
+    add(
+        "time", [](const Row& row) { return cell(row.time); }, m_bTemporal || bOpen);
+    addKnown("exposure", [](const Row& row) { return cell(row.facts.exposure); });
+    addKnown("pixel_size", [](const Row& row) { return cell(row.facts.pixelSize); });
+    addKnown("start", [](const Row& row) { return row.facts.start; });
+    addKnown("isotope", [](const Row& row) { return csvField(row.facts.isotope); });
+    addKnown("unit", [](const Row& row) { return row.facts.unit; });
+    add(
+        "origin", [](const Row& row) { return csvField(row.origin); }, true);
+
+    QStringList names;
+    for (const Column& column : columns) {
+        names.append(column.name);
+    }
+    QStringList lines{names.join(QLatin1Char(','))};
+    for (const Row& row : m_rows) {
+        QStringList fields;
+        for (const Column& column : columns) {
+            fields.append(column.text(row));
+        }
+        lines.append(fields.join(QLatin1Char(',')));
+    }
+    return (lines.join(QLatin1Char('\n')) + QLatin1Char('\n')).toUtf8();
+}

@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "services/importer/ImageFinder.h"
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+#include <QVector>
+
+#include <optional>
+
+// The table "images.csv" made of what names and metadata tell. Nothing is guessed: whatever could be meant in two ways,
+// is missing or occurs twice is a doubt, and a table with doubts is only a template to fill in.
+class InferredTable
+{
+public:
+    struct Row
+    {
+        QString file;
+        std::optional<int> page;          // from 1
+        std::optional<int> band;          // from 1
+        QString name;                     // for people
+        std::optional<double> excitation; // nm
+        std::optional<double> emission;   // nm
+        std::optional<double> time;       // s
+        std::optional<int> interval;
+        QString spotX; // of a scan, as it was written; empty without
+        QString spotY;
+        ImageFacts facts;
+        QString origin; // where the figures come from
+    };
+
+    // `interval`, in seconds, is what the user says lies between two frames; numbers of frames then become times
+    // (number times interval). Without it they are a doubt, as is a run of times without unit that counts up by one
+    // (frames or seconds); such times with gaps are taken as seconds, which a note tells. Images that wavelengths tell
+    // apart are a spectral sequence, whatever times they have besides; images of one pair of wavelengths at several
+    // times a temporal one, and so are images whose metadata say so. `doubts` are those that came up when the images
+    // were found.
+    InferredTable(const QVector<FoundImage>& images, const QStringList& doubts, std::optional<double> interval);
+
+    bool isTemporal() const { return m_bTemporal; }
+    const QVector<Row>& rows() const { return m_rows; }
+    // One sentence each; empty when the table can be used.
+    const QStringList& doubts() const { return m_doubts; }
+    // What a user should know of the choices made, one sentence each.
+    const QStringList& notes() const { return m_notes; }
+
+    // As ImagesTable reads it, with a column "origin" behind. The table in doubt leaves open what is not known.
+    QByteArray toCsv() const;
+
+private:
+    void takeFigures(const QVector<FoundImage>& images, std::optional<double> interval);
+    void takeSpot(const FoundImage& image, Row& row);
+    void takeTimes(const QVector<FoundImage>& images, std::optional<double> interval);
+    void noteFacts();
+    void choose();
+    void refuseMissing();
+    void refuseDuplicates();
+    void doubt(const QString& strSentence);
+
+    QVector<Row> m_rows;
+    QStringList m_doubts;
+    QStringList m_notes;
+    bool m_bTemporal = false;
+    bool m_bSpectral = false;
+};

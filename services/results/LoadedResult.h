@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "services/basis/UnitLimit.h"
+#include "services/results/ResultNumbers.h"
+
+#include <QString>
+
+class OpenedSequence;
+
+// A saved result that a command has brought back: while it lives the engine of the sequence shows it, in the unit in
+// which it was made.
+class LoadedResult
+{
+public:
+    // `strName` is one of the saved names. Throws CliFailure when the sequence cannot be analysed or the result cannot
+    // be loaded with its maps.
+    LoadedResult(OpenedSequence& opened, const QString& strName);
+    LoadedResult(const LoadedResult&) = delete;
+    LoadedResult& operator=(const LoadedResult&) = delete;
+
+    const ResultNumbers& numbers() const { return m_numbers; }
+    const QString& note() const { return m_strNote; }
+
+private:
+    UnitLimit m_unitLimit;
+    ResultNumbers m_numbers;
+    QString m_strNote;
+};

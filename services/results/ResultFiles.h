@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "services/results/ResultNumbers.h"
+#include "services/results/ResultReport.h"
+
+#include <QImage>
+#include <QJsonObject>
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+#include <functional>
+
+class CORVSpumKyvo;
+
+// Writes a result's files into a folder: per component (and scan spot) a map as float32 TIFF and as a picture over the
+// photograph, composites where the engine has made its pictures, spectra as a library file and as a plot, the mask, the
+// properties, a report, the summary.
+class ResultFiles
+{
+public:
+    // `strFolder` ends with its separator.
+    ResultFiles(const CORVSpumKyvo& engine, const ResultNumbers& numbers, const QString& strFolder);
+
+    // A report (report.html, with `bPdf` report.pdf too) is written with the other files. Its maps are those of the
+    // result.
+    void setReport(const ReportFrame& frame, bool bPdf);
+
+    // Calls `step(fraction)` between files, which may throw to stop. Throws CliFailure when a file cannot be written.
+    void write(const std::function<void(double fraction)>& step);
+
+    // The table of the summary as text and the same as JSON, with the names of the files.
+    QString summaryText() const;
+    QJsonObject summaryJson() const;
+
+    // Name of a component as part of a file name: letters, digits, dot and dash stay, blanks become "_", the rest goes.
+    // A long name is cut.
+    static QString fileNameOf(const QString& strLabel);
+
+private:
+    void writeMap(int nComponent, int nSpot);
+    void writeOverview();
+    void writeComposites();
+    void writeSpectra();
+    void writePlot();
+    void writeMask();
+    void writeProperties();
+    void writeReport();
+    void writeSummary();
+    QJsonObject componentJson(int nComponent) const;
+    void addRunFacts(QJsonObject& json) const;
+    QString tableText() const;
+    QString mapName(int nComponent, int nSpot) const;
+    void put(const QString& strName, const QByteArray& bytes);
+
+    const CORVSpumKyvo& m_engine;
+    const ResultNumbers& m_numbers;
+    QString m_strFolder;
+    QStringList m_files;
+    QList<QImage> m_pictures; // of the overview
+    bool m_bReport = false;
+    bool m_bPdf = false;
+    ReportFrame m_frame;
+};

@@ -1,0 +1,258 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "services/results/ResultReport.h"
+
+#include "engine/CORVSpumKyvo.h"
+#include "engine/EngineEnums.h"
+#include "host/CORVPreference.h"
+#include "services/basis/PngBytes.h"
+#include "services/basis/TextTable.h"
+#include "services/basis/UnitNames.h"
+#include "services/pictures/ResultPlot.h"
+#include "spectra/SpectrumPlotParams.h"
+
+#include <QImage>
+#include <QJsonArray>
+#include <QMap>
+#include <QPainter>
+#include <QRegularExpression>
+
+#include <algorithm>
+
+namespace {
+
+const QSize plotSize(1100, 620);
+
+// Twice the points of a screen, for paper.
+QImage printedPlot(const SpectrumPlot& plot)
+{
+    constexpr int finer = 2;
+    QImage image(plotSize * finer, QImage::Format_RGB32);
+    image.fill(Qt::white);
+    QPainter painter(&image);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.scale(finer, finer);
+    plot.draw(painter, plotSize);
+    return image;
+}
+
+QString numberOf(const QJsonValue& value, int nDigits)
+{
+    return value.isDouble() ? TextTable::number(value.toDouble(), nDigits) : QStringLiteral("-");
+}
+
+QString percent(const QJsonValue& value, int nDigits)
+{
+    return value.isDouble() ? QStringLiteral("%1 %").arg(TextTable::number(value.toDouble(), nDigits))
+                            : QStringLiteral("-");
+}
+
+QString capitalised(QString strText)
+{
+    return strText.isEmpty() ? strText : strText.replace(0, 1, strText.at(0).toUpper());
+}
+
+QList<QPair<QString, QString>> factsOf(const CORVSpumKyvo& engine, const QJsonObject& summary)
+{
+    QList<QPair<QString, QString>> facts = {
+        {QStringLiteral("Method"), capitalised(summary.value(QStringLiteral("method")).toString())},
+        {QStringLiteral("Variance explained"), percent(summary.value(QStringLiteral("explainedVariance")), 6)},
+        {QStringLiteral("Residual of the data's norm"),
+         percent(summary.value(QStringLiteral("residual")).toDouble() * 100.0, 4)},
+        {QStringLiteral("Components"), QString::number(engine.m_spectrumPlots.size())},
+        {QStringLiteral("Images"), QString::number(engine.m_selectedKeyPairs.size())},
+        {QStringLiteral("Pixels analysed"), QString::number(engine.m_cube.pixelsPerSpot())},
+        {QStringLiteral("Size"),
+         QStringLiteral("%1 x %2, binning %3").arg(engine.m_nWidth).arg(engine.m_nHeight).arg(engine.m_nBinning)},
+        {QStringLiteral("Unit"), UnitNames::text(engine.m_eUnit)}};
+    if (engine.m_cube.m_nSpots > 1) {
+        facts.append({QStringLiteral("Scan spots"), QString::number(engine.m_cube.m_nSpots)});
+    }
+    if (!summary.contains(QStringLiteral("iterations"))) {
+        return facts;
+    }
+    facts.append({QStringLiteral("Ending"), QStringLiteral("%1 after %2 iterations")
+                                                .arg(summary.value(QStringLiteral("ending")).toString())
+                                                .arg(summary.value(QStringLiteral("iterations")).toInt())});
+    facts.append({QStringLiteral("Lack of fit"), percent(summary.value(QStringLiteral("lackOfFit")), 4)});
+    facts.append(
+        {QStringLiteral("Lack of fit, denoised data"), percent(summary.value(QStringLiteral("lackOfFitDenoised")), 4)});
+    return facts;
+}
+
+// Where a spectrum is largest: "675nm / 780nm", a time's key alone where the other is empty.
+QString peakOf(const CORVSpumKyvo& engine, int nComponent)
+{
+    const XTNT::Vector<double> spectrum = engine.m_spectra.row(nComponent);
+    int best = -1;
+    for (int k = 0; k < static_cast<int>(spectrum.size()) && k < engine.m_selectedKeyPairs.size(); ++k) {
+        if (best < 0 || spectrum[k] > spectrum[best]) {
+            best = k;
+        }
+    }
+    if (best < 0) {
+        return QStringLiteral("-");
+    }
+    const KeyPair& pair = engine.m_selectedKeyPairs[best];
+    if (engine.m_eAxis == SPECTRUMAXIS_TIME) {
+        return pair.second + QStringLiteral(" s");
+    }
+    return pair.first.isEmpty() ? pair.second : pair.first + QStringLiteral(" / ") + pair.second;
+}
+
+ReportTable componentTable(const CORVSpumKyvo& engine, const QJsonArray& components)
+{
+    const auto anyHas = [&components](const char* pKey) {
+        return std::any_of(components.begin(), components.end(),
+                           [pKey](const QJsonValue& c) { return c.toObject().contains(QLatin1String(pKey)); });
+    };
+    const bool truth = anyHas("truthName");
+    const bool bound = anyHas("highPass");
+    ReportTable table;
+    table.header = QStringList{QStringLiteral("Component"), QStringLiteral("Share of the signal"),
+                               QStringLiteral("Largest value"), QStringLiteral("Peak")};
+    if (bound) {
+        table.header << QStringLiteral("High pass");
+    }
+    if (truth) {
+        table.header << QStringLiteral("Truth") << QStringLiteral("Cosine") << QStringLiteral("Correlation")
+                     << QStringLiteral("Rel. error");
+    }
+    for (int i = 0; i < components.size(); ++i) {
+        const QJsonObject component = components[i].toObject();
+        const QJsonValue share = component.value(QStringLiteral("share"));
+        QStringList row = {component.value(QStringLiteral("name")).toString(),
+                           share.isDouble() ? percent(share.toDouble() * 100.0, 4) : QStringLiteral("-"),
+                           numberOf(component.value(QStringLiteral("maximum")), 5), peakOf(engine, i)};
+        if (bound) {
+            row << component.value(QStringLiteral("highPass")).toString(QStringLiteral("-"));
+        }
+        if (truth) {
+            row << component.value(QStringLiteral("truthName")).toString(QStringLiteral("-"))
+                << numberOf(component.value(QStringLiteral("truthCosine")), 5)
+                << numberOf(component.value(QStringLiteral("truthCorrelation")), 5)
+                << numberOf(component.value(QStringLiteral("truthRelativeError")), 3);
+        }
+        table.rows.append(row);
+        table.colors.append(component.value(QStringLiteral("color")).toString());
+    }
+    return table;
+}
+
+ReportTable propertyTable(const CORVSpumKyvo& engine)
+{
+    ReportTable table;
+    table.title = QStringLiteral("Properties of the result");
+    for (const auto& property : engine.m_properties) {
+        table.rows.append({property.first, property.second});
+    }
+    if (engine.m_bCherenkov) {
+        table.rows.append({QStringLiteral("Decay correction"),
+                           engine.m_bDecayApplied ? QStringLiteral("applied") : QStringLiteral("not applied")});
+        if (engine.m_bDecayApplied) {
+            table.rows.append({engine.m_strIsotope.isEmpty() ? QStringLiteral("Half life") : engine.m_strIsotope,
+                               QStringLiteral("half life %1 min").arg(engine.m_dHalfLifeSec / 60.0)});
+        }
+    }
+    return table;
+}
+
+ReportTable parameterTable(const MCRParams& params)
+{
+    ReportTable table;
+    table.title = QStringLiteral("Curve resolution");
+    table.rows = {{QStringLiteral("Largest number of iterations"), QString::number(params.MaxIterations)},
+                  {QStringLiteral("Weighting mode"), QString::number(params.WeightingMode)},
+                  {QStringLiteral("Normalization"), QString::number(params.Normalization)},
+                  {QStringLiteral("Non-negativity mode"), QString::number(params.NonNegMode)},
+                  {QStringLiteral("Unimodality tolerance"), QStringLiteral("%1 %").arg(params.UnimodTol)},
+                  {QStringLiteral("Extra principal components"), QString::number(params.DenoisePCA)}};
+    return table;
+}
+
+ReportTable constraintTable(const CORVSpumKyvo& engine)
+{
+    ReportTable table;
+    table.title = QStringLiteral("Constraints");
+    table.header =
+        QStringList{QStringLiteral("Component"), QStringLiteral("Initial guess"), QStringLiteral("Unimodality"),
+                    QStringLiteral("High pass"), QStringLiteral("Low pass"),      QStringLiteral("Locked")};
+    const auto& constraints = engine.m_lastParams.Constraints;
+    for (int i = 0; i < constraints.size() && i < engine.m_spectrumPlots.size(); ++i) {
+        table.rows.append({engine.m_spectrumPlots[i]->settings.name, constraints[i].InitGuess,
+                           constraints[i].Unimodality, constraints[i].HighPass, constraints[i].LowPass,
+                           constraints[i].Locked ? QStringLiteral("yes") : QStringLiteral("no")});
+    }
+    return table;
+}
+
+// The images as the selection names them, shortened to a line for each value of the other key.
+ReportTable selectionTable(const CORVSpumKyvo& engine)
+{
+    ReportTable table;
+    table.title = QStringLiteral("Images");
+    QStringList order;
+    QMap<QString, QStringList> groups;
+    const bool byEmission = engine.m_eAxis != SPECTRUMAXIS_EXCITATION;
+    for (const KeyPair& pair : engine.m_selectedKeyPairs) {
+        const QString group = byEmission ? pair.first : pair.second;
+        if (!groups.contains(group)) {
+            order.append(group);
+        }
+        groups[group].append(byEmission ? pair.second : pair.first);
+    }
+    for (const QString& group : qAsConst(order)) {
+        table.rows.append({group.isEmpty() ? QStringLiteral("all") : group, groups[group].join(QStringLiteral(", "))});
+    }
+    return table;
+}
+
+} // namespace
+
+QString shellLine(const QStringList& arguments)
+{
+    static const QRegularExpression plain(QStringLiteral("^[A-Za-z0-9_@%+=:,./-]+$"));
+    QStringList words;
+    for (const QString& argument : arguments) {
+        if (plain.match(argument).hasMatch()) {
+            words.append(argument);
+            continue;
+        }
+        QString quoted = argument;
+        quoted.replace(QLatin1Char('\''), QStringLiteral("'\\''"));
+        words.append(QLatin1Char('\'') + quoted + QLatin1Char('\''));
+    }
+    return words.join(QLatin1Char(' '));
+}
+
+ReportContent contentOfReport(const CORVSpumKyvo& engine, const QJsonObject& summary, const ReportFrame& frame)
+{
+    ReportContent content;
+    content.title = engine.getAnalysisName();
+    content.subtitle = frame.sequenceName;
+    content.note = frame.note;
+    content.warnings = frame.warnings;
+    content.facts = factsOf(engine, summary);
+    content.composites = frame.composites;
+    content.maps = frame.maps;
+    const SpectrumPlot plot = plotOfSpectra(engine);
+    ReportFigure figure;
+    figure.title =
+        engine.m_eAxis == SPECTRUMAXIS_TIME ? QStringLiteral("Time courses") : QStringLiteral("Pure spectra");
+    figure.png = pngBytes(printedPlot(plot));
+    figure.svg = plot.toSvg(plotSize);
+    figure.size = plotSize;
+    content.plots.append(figure);
+    content.components = componentTable(engine, summary.value(QStringLiteral("components")).toArray());
+    content.tables.append(propertyTable(engine));
+    if (engine.m_eMode == RUNMODE_AUTOMATIC) {
+        content.tables.append(parameterTable(engine.m_lastParams));
+        content.tables.append(constraintTable(engine));
+    }
+    content.tables.append(selectionTable(engine));
+    content.command = frame.command;
+    content.program = QStringLiteral("spum %1").arg(CORVPreference::getAppVersion());
+    if (!frame.made.isEmpty()) {
+        content.program += QStringLiteral(", ") + frame.made;
+    }
+    return content;
+}

@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "services/results/ReportContent.h"
+
+#include <QJsonObject>
+#include <QString>
+#include <QStringList>
+
+class CORVSpumKyvo;
+
+// What a report says besides what its engine and summary hold.
+struct ReportFrame
+{
+    QString sequenceName; // as shown
+    QString note;
+    QStringList warnings;
+    QString command; // that made the result
+    QString made;    // date and time
+    QList<ReportFigure> composites;
+    QList<ReportFigure> maps;
+};
+
+// The report of a finished unmixing. `summary` is that of its files (summary.json).
+ReportContent contentOfReport(const CORVSpumKyvo& engine, const QJsonObject& summary, const ReportFrame& frame);
+
+// Arguments as a line that a POSIX shell takes apart again.
+QString shellLine(const QStringList& arguments);

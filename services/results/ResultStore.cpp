@@ -1,0 +1,178 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "services/results/ResultStore.h"
+
+#include "engine/CORVSpumKyvo.h"
+#include "host/CORVSequenceDataset.h"
+#include "host/CPLSettingsFileWrapper.h"
+#include "services/basis/CliFailure.h"
+#include "services/basis/LoggedErrors.h"
+#include "storage/resultsIndex.h"
+
+#include <QFileInfo>
+
+#include <algorithm>
+
+namespace {
+
+// Of the sequence; empty where nothing was saved yet.
+void readIndex(const CORVSequenceDataset& sequence, CPLSettingsFileWrapper& index)
+{
+    const QString path = resultsIndex::indexPath(resultsIndex::folder(sequence.getSequenceInfoPath()));
+    // A link that leads nowhere does not exist either, but is no sequence without results.
+    if ((QFileInfo::exists(path) || QFileInfo(path).isSymLink()) && !index.load(path)) {
+        throw CliFailure(QStringLiteral("%1: the list of saved results cannot be read").arg(path));
+    }
+    resultsIndex::setTags(index);
+}
+
+// Ends the operation during which the warnings were logged; they tell why, which its own words do not.
+[[noreturn]] void fail(const QString& strText, const LoggedErrors& warnings)
+{
+    const QStringList reasons = warnings.lines();
+    throw CliFailure(reasons.isEmpty() ? strText : QStringLiteral("%1 (%2)").arg(strText, reasons.last()));
+}
+
+bool isOneLine(const QString& strName)
+{
+    return std::none_of(strName.begin(), strName.end(),
+                        [](QChar c) { return c.category() == QChar::Other_Control || c == QChar::LineSeparator; });
+}
+
+void checkText(const QString& strName)
+{
+    if (strName.trimmed().isEmpty() || strName != strName.trimmed() || !isOneLine(strName)) {
+        throw CliFailure(
+            QStringLiteral("\"%1\" is no name for a result: it takes one line of text without blanks at its ends")
+                .arg(strName.simplified()),
+            CliFailure::Usage);
+    }
+}
+
+} // namespace
+
+ResultStore::ResultStore(CORVSpumKyvo& engine, bool bAgreed)
+    : m_engine(engine), m_bAgreed(bAgreed), m_questions(bAgreed), m_results(m_list, m_owner)
+{
+    m_results.setEngine(&engine);
+    m_results.m_bWaitForFreeFile = true;
+}
+
+CORVSequenceDataset& ResultStore::sequence() const
+{
+    return *CORVSequenceDataset::getSequenceDataset(m_engine.m_strSeqId);
+}
+
+QStringList ResultStore::names(const CORVSequenceDataset& sequence)
+{
+    CPLSettingsFileWrapper index;
+    readIndex(sequence, index);
+    return index.getMenuNames(resultsIndex::sectionTag());
+}
+
+QString ResultStore::pathOf(const CORVSequenceDataset& sequence, const QString& strName)
+{
+    CPLSettingsFileWrapper index;
+    readIndex(sequence, index);
+    const QString file = index.getFileNameForMenuName(strName, QString());
+    return file.isEmpty() ? QString()
+                          : resultsIndex::folder(sequence.getSequenceInfoPath()) + QLatin1Char('/') +
+                                resultsIndex::relativeFile(file);
+}
+
+void ResultStore::checkName(const CORVSequenceDataset& sequence, const QString& strName, bool bOverwrite)
+{
+    const QStringList taken = names(sequence);
+    if (strName.isEmpty()) {
+        return;
+    }
+    const QString name = resultsIndex::withoutNewMark(strName);
+    checkText(name);
+    if (!bOverwrite && taken.contains(name)) {
+        throw CliFailure(QStringLiteral("there is a saved result \"%1\" already; --force overwrites it").arg(name));
+    }
+}
+
+QString ResultStore::findName(const CORVSequenceDataset& sequence, const QString& strName)
+{
+    const QStringList saved = names(sequence);
+    const auto found = resultsIndex::findName(saved, strName);
+    if (found) {
+        return *found;
+    }
+    throw CliFailure(saved.isEmpty()
+                         ? QStringLiteral("the sequence has no saved results; \"spum unmix SEQ --save\" keeps one")
+                         : QStringLiteral("there is no saved result \"%1\"; there are: %2")
+                               .arg(strName, saved.join(QStringLiteral(", "))));
+}
+
+QString ResultStore::save(const QString& strName)
+{
+    m_list.m_bResultModified = true;
+    m_list.updateSavedResultsForSelSeqId(sequence().getSequenceName());
+    m_results.m_strAutoName = m_list.currentText();
+    m_results.m_bUseAutoName = strName.isEmpty();
+    if (!strName.isEmpty()) {
+        m_list.setCurrentText(strName);
+    }
+    const QStringList before = names(sequence());
+    const LoggedErrors warnings(CORVLOG_WARNING);
+    if (m_results.onClickSaveResults() != SaveOutcome::Saved) {
+        fail(QStringLiteral("the result was not saved"), warnings);
+    }
+    if (!strName.isEmpty()) {
+        return resultsIndex::withoutNewMark(strName);
+    }
+    // Another program may have taken the name that was next.
+    const QStringList after = names(sequence());
+    for (auto name = after.rbegin(); name != after.rend(); ++name) {
+        if (!before.contains(*name)) {
+            return *name;
+        }
+    }
+    return resultsIndex::withoutNewMark(m_results.m_strAutoName);
+}
+
+void ResultStore::load(const QString& strName)
+{
+    m_list.m_bResultModified = false;
+    m_list.setCurrentText(strName);
+    if (!m_results.onClickLoadResults()) {
+        throw CliFailure(QStringLiteral("the result \"%1\" cannot be loaded").arg(strName));
+    }
+}
+
+void ResultStore::remove(const QString& strName)
+{
+    m_list.updateSavedResultsForSelSeqId(sequence().getSequenceName());
+    m_list.setCurrentText(strName);
+    const LoggedErrors warnings(CORVLOG_WARNING);
+    if (!m_results.onClickDeleteResults()) {
+        fail(QStringLiteral("the result \"%1\" was not deleted").arg(strName) +
+                 (m_bAgreed ? QString() : QStringLiteral("; --force deletes it without a question")),
+             warnings);
+    }
+}
+
+void ResultStore::rename(const QString& strOld, const QString& strNew)
+{
+    checkText(strNew);
+    if (resultsIndex::withoutNewMark(strNew) != strNew) {
+        throw CliFailure(
+            QStringLiteral("\"%1\" is no name for a result: \"%2\" at its end marks one that is not saved yet")
+                .arg(strNew, resultsIndex::newMark()),
+            CliFailure::Usage);
+    }
+    const auto taken = resultsIndex::findName(names(sequence()), strNew);
+    if (taken) {
+        throw CliFailure(QStringLiteral("Result \"%1\" already exist. Please choose a different name.").arg(strNew));
+    }
+    m_list.updateSavedResultsForSelSeqId(sequence().getSequenceName());
+    m_list.choose(strOld);
+    m_results.onChangeResultsName(strNew);
+    m_list.setCurrentText(strNew);
+    const LoggedErrors warnings(CORVLOG_WARNING);
+    // Also true when another program has taken the name meanwhile.
+    if (!m_results.renameResult() || !names(sequence()).contains(strNew)) {
+        fail(QStringLiteral("the result \"%1\" was not renamed").arg(strOld), warnings);
+    }
+}

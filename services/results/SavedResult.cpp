@@ -1,0 +1,151 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "services/results/SavedResult.h"
+
+#include "platform/orvimage/TiffIo.h"
+#include "services/basis/CliFailure.h"
+#include "services/basis/TruthFiles.h"
+#include "services/results/ResultFolder.h"
+#include "spectra/SpectrumPlotParams.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QImage>
+#include <QJsonArray>
+#include <QJsonObject>
+
+namespace {
+
+QJsonObject readSummary(const QString& strFolder)
+{
+    QJsonObject summary = ResultFolder::readSummary(strFolder, QFileInfo(strFolder).path());
+    if (summary.value(QStringLiteral("components")).toArray().isEmpty()) {
+        throw CliFailure(QStringLiteral("%1summary.json names no components").arg(strFolder));
+    }
+    return summary;
+}
+
+// The first spot's file is the one that a summary names.
+QString mapOfSpot(const QString& strFirst, int nSpot)
+{
+    const QString end = QStringLiteral("_spot%1.tif");
+    const QString first = end.arg(1);
+    return strFirst.endsWith(first) ? strFirst.left(strFirst.size() - first.size()) + end.arg(nSpot + 1) : strFirst;
+}
+
+} // namespace
+
+void SavedResult::readResult(const QString& strFolder)
+{
+    const QString folder = QDir::cleanPath(QFileInfo(strFolder).absoluteFilePath()) + QLatin1Char('/');
+    const QJsonObject summary = readSummary(folder);
+    m_strLabel = QDir(folder).dirName();
+    m_strUnit = summary.value(QStringLiteral("unit")).toString();
+    m_bDecayCorrected = summary.value(QStringLiteral("decayCorrected")).isObject();
+    m_library.load(folder + QStringLiteral("spectra.csv"));
+    const QJsonArray components = summary.value(QStringLiteral("components")).toArray();
+    for (const auto& value : components) {
+        const QJsonObject component = value.toObject();
+        m_names.append(component.value(QStringLiteral("name")).toString());
+        // The name alone: a summary that leads elsewhere is not followed.
+        const QString map = folder + QFileInfo(component.value(QStringLiteral("map")).toString()).fileName();
+        readSpots([&map](int spot) { return mapOfSpot(map, spot); });
+    }
+    if (m_library.all().size() != m_names.size()) {
+        throw CliFailure(QStringLiteral("%1spectra.csv does not hold one spectrum a component").arg(folder));
+    }
+    readMask(folder);
+}
+
+void SavedResult::readTruth(const QString& strFolder, bool bDecayCorrected)
+{
+    m_bTruth = true;
+    m_bDecayCorrected = bDecayCorrected;
+    m_strLabel = bDecayCorrected ? QStringLiteral("truth corrected for decay") : QStringLiteral("truth");
+    m_library.load(strFolder + QStringLiteral("spectra.csv"));
+    for (const auto* spectrum : m_library.all()) {
+        m_names.append(spectrum->settings.name);
+        const QString name = spectrum->settings.name;
+        const bool scan = QFileInfo::exists(strFolder + truthMapFile(name, 0));
+        readSpots([&](int spot) { return strFolder + (scan ? truthMapFile(name, spot) : truthMapFile(name)); });
+    }
+}
+
+void SavedResult::readSpots(const std::function<QString(int)>& fileOfSpot)
+{
+    const bool first = m_maps.empty();
+    readMap(fileOfSpot(0));
+    int spots = 1;
+    while (fileOfSpot(spots) != fileOfSpot(0) && QFileInfo(fileOfSpot(spots)).isFile()) {
+        readMap(fileOfSpot(spots++));
+    }
+    if (first) {
+        m_nSpots = spots;
+    }
+    if (spots != m_nSpots) {
+        throw CliFailure(QStringLiteral("%1: there are maps of %2 spots, where the first component has %3")
+                             .arg(fileOfSpot(0))
+                             .arg(spots)
+                             .arg(m_nSpots));
+    }
+}
+
+void SavedResult::readMap(const QString& strFile)
+{
+    CILImage map;
+    QString error;
+    if (!QFileInfo(strFile).isFile()) {
+        throw CliFailure(QStringLiteral("%1: the map is not there").arg(strFile));
+    }
+    if (!readTiff(strFile, 0, map, &error)) {
+        throw CliFailure(error);
+    }
+    map.ChangeType(ORVTYPE_FLOAT);
+    if (!m_maps.empty() && (map.m_lWidth != m_maps.front().m_lWidth || map.m_lHeight != m_maps.front().m_lHeight)) {
+        throw CliFailure(QStringLiteral("%1: the map is of another size than the others").arg(strFile));
+    }
+    m_maps.push_back(std::move(map));
+}
+
+void SavedResult::readMask(const QString& strFolder)
+{
+    const QImage mask = ResultFolder::readMask(strFolder, m_maps.front().m_lWidth, m_maps.front().m_lHeight);
+    for (int y = 0; y < mask.height(); ++y) {
+        for (int x = 0; x < mask.width(); ++x) {
+            if (mask.constScanLine(y)[x] > 0) {
+                m_pixels.push_back(y * mask.width() + x);
+            }
+        }
+    }
+}
+
+QList<KeyPair> SavedResult::pairs() const
+{
+    QList<KeyPair> pairs;
+    for (const auto& point : m_library.all().first()->points) {
+        KeyPair pair;
+        pair.first = point.first;
+        pair.second = point.second;
+        pairs.append(pair);
+    }
+    return pairs;
+}
+
+bool SavedResult::hasPair(const KeyPair& pair) const
+{
+    for (const auto* spectrum : m_library.all()) {
+        if (!spectrum->coversPairs({pair})) {
+            return false;
+        }
+    }
+    return true;
+}
+
+std::vector<double> SavedResult::spectrum(int n, const QList<KeyPair>& pairs) const
+{
+    const auto values = m_library.all().at(n)->valuesAt(pairs);
+    std::vector<double> list;
+    for (long long j = 0; j < values.n_; ++j) {
+        list.push_back(values[j]);
+    }
+    return list;
+}

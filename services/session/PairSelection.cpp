@@ -1,0 +1,82 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "services/session/PairSelection.h"
+
+#include "services/basis/CliFailure.h"
+
+#include <QStringList>
+
+namespace {
+
+bool matches(const QString& strPattern, const QString& strKey)
+{
+    return strPattern == QLatin1String("*") || strPattern.compare(strKey, Qt::CaseInsensitive) == 0;
+}
+
+// A part without a slash names the second key of any pair.
+KeyPair parsePart(const QString& strPart)
+{
+    const QStringList halves = strPart.trimmed().split(QLatin1Char('/'));
+    KeyPair pattern;
+    if (halves.size() == 1) {
+        pattern.first = QStringLiteral("*");
+        pattern.second = halves[0].trimmed();
+    } else if (halves.size() == 2) {
+        pattern.first = halves[0].trimmed();
+        pattern.second = halves[1].trimmed();
+    }
+    if (halves.size() > 2 || pattern.second.isEmpty()) {
+        throw CliFailure(
+            QStringLiteral("--select: \"%1\" is not of the form EXCITATION/EMISSION or INTERVAL/TIME").arg(strPart),
+            CliFailure::Usage);
+    }
+    return pattern;
+}
+
+bool contains(const QList<KeyPair>& pairs, const KeyPair& pair)
+{
+    for (const auto& other : pairs) {
+        if (other.first == pair.first && other.second == pair.second) {
+            return true;
+        }
+    }
+    return false;
+}
+
+} // namespace
+
+QList<KeyPair> selectPairs(const QString& strSelect, const QList<KeyPair>& all)
+{
+    QList<KeyPair> selected;
+    for (const auto& part : strSelect.split(QLatin1Char(','))) {
+        const KeyPair pattern = parsePart(part);
+        bool found = false;
+        for (const auto& pair : all) {
+            if (!matches(pattern.first, pair.first) || !matches(pattern.second, pair.second)) {
+                continue;
+            }
+            found = true;
+            if (!contains(selected, pair)) {
+                selected.append(pair);
+            }
+        }
+        if (!found) {
+            throw CliFailure(
+                QStringLiteral("--select: no image is \"%1\"; there are %2").arg(part.trimmed(), pairsText(all)));
+        }
+    }
+    return selected;
+}
+
+QString pairText(const KeyPair& pair)
+{
+    return pair.first.isEmpty() ? pair.second : pair.first + QLatin1Char('/') + pair.second;
+}
+
+QString pairsText(const QList<KeyPair>& pairs)
+{
+    QStringList texts;
+    for (const auto& pair : pairs) {
+        texts.append(pairText(pair));
+    }
+    return texts.join(QLatin1String(", "));
+}

@@ -1,0 +1,112 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "services/transfer/ImportInference.h"
+
+#include "services/basis/CliFailure.h"
+#include "services/basis/CliProgress.h"
+#include "services/basis/CliSession.h"
+#include "services/basis/TextTable.h"
+
+#include <QJsonObject>
+#include <QLocale>
+
+#include <algorithm>
+
+namespace {
+
+// Rows shown whole; of more, so many at either end.
+constexpr int maxShownRows = 40;
+constexpr int firstShownRows = 20;
+constexpr int lastShownRows = 5;
+constexpr int maxShownDoubts = 5;
+
+QString figure(const std::optional<double>& value)
+{
+    return value ? QString::number(*value, 'g', QLocale::FloatingPointShortest) : QStringLiteral("-");
+}
+
+} // namespace
+
+InferredTable inferImagesTable(const QString& strSource, std::optional<double> interval, CliSession& session)
+{
+    session.progress().start(QStringLiteral("Looking at the images"));
+    ImageFinder finder;
+    QString error;
+    const auto progress = [&session](int done, int steps, const QString& what) {
+        session.progress().show(what, steps > 0 ? static_cast<double>(done) / steps : -1.0);
+        return !CliSession::isInterrupted();
+    };
+    const bool found = finder.find(strSource, progress, &error);
+    session.progress().finish();
+    if (!found) {
+        throw CliFailure(error, finder.aborted() ? CliFailure::Aborted : CliFailure::Failed);
+    }
+    session.warnAll(finder.warnings());
+    return InferredTable(finder.images(), finder.doubts(), interval);
+}
+
+QString inferredTableText(const InferredTable& table)
+{
+    const bool temporal = table.isTemporal();
+    QStringList header{QStringLiteral("image")};
+    header += temporal ? QStringList{QStringLiteral("time")}
+                       : QStringList{QStringLiteral("excitation"), QStringLiteral("emission")};
+    const bool scan = std::any_of(table.rows().cbegin(), table.rows().cend(),
+                                  [](const InferredTable::Row& row) { return !row.spotX.isEmpty(); });
+    if (scan) {
+        header.append(QStringLiteral("spot"));
+    }
+    TextTable text(header + QStringList{QStringLiteral("from")});
+    const int count = table.rows().size();
+    for (int i = 0; i < count; ++i) {
+        const auto& row = table.rows().at(i);
+        if (count > maxShownRows && i == firstShownRows) {
+            text.addRow({QStringLiteral("... %1 more").arg(count - firstShownRows - lastShownRows)});
+            i = count - lastShownRows - 1;
+            continue;
+        }
+        QStringList cells{row.name};
+        cells += temporal ? QStringList{figure(row.time)} : QStringList{figure(row.excitation), figure(row.emission)};
+        if (scan) {
+            cells.append(QStringLiteral("%1, %2").arg(row.spotX, row.spotY));
+        }
+        text.addRow(cells + QStringList{row.origin});
+    }
+    QString answer = text.toText();
+    for (const auto& note : table.notes()) {
+        answer += note + QLatin1Char('\n');
+    }
+    return answer;
+}
+
+QJsonArray inferredTableJson(const InferredTable& table)
+{
+    QJsonArray rows;
+    for (const auto& row : table.rows()) {
+        QJsonObject object{{"image", row.name}, {"origin", row.origin}};
+        const auto insert = [&object](const char* pKey, const std::optional<double>& value) {
+            if (value) {
+                object.insert(QLatin1String(pKey), *value);
+            }
+        };
+        if (table.isTemporal()) {
+            insert("time", row.time);
+        } else {
+            insert("excitation", row.excitation);
+            insert("emission", row.emission);
+        }
+        if (!row.spotX.isEmpty()) {
+            object.insert(QStringLiteral("spot"), QStringLiteral("%1, %2").arg(row.spotX, row.spotY));
+        }
+        insert("exposure", row.facts.exposure);
+        insert("pixelSize", row.facts.pixelSize);
+        rows.append(object);
+    }
+    return rows;
+}
+
+QString doubtText(const InferredTable& table)
+{
+    QString text = table.doubts().mid(0, maxShownDoubts).join(QStringLiteral("; "));
+    const int more = table.doubts().size() - maxShownDoubts;
+    return more > 0 ? text + QStringLiteral("; and %1 more doubts").arg(more) : text;
+}

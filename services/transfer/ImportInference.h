@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "services/importer/InferredTable.h"
+
+#include <QJsonArray>
+#include <QString>
+
+#include <optional>
+
+class CliSession;
+
+// Finds the images of a stack, with progress, and makes their table. Hands on warnings; throws CliFailure when a file
+// cannot be read. Doubts are in the table.
+InferredTable inferImagesTable(const QString& strSource, std::optional<double> interval, CliSession& session);
+
+// The table for people, with where each figure comes from; of many rows the first and the last ones.
+QString inferredTableText(const InferredTable& table);
+QJsonArray inferredTableJson(const InferredTable& table);
+
+// One sentence of the table's doubts, the first few of them.
+QString doubtText(const InferredTable& table);

@@ -1,0 +1,139 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "services/transfer/ResultExport.h"
+
+#include "services/basis/CliFailure.h"
+#include "services/basis/LoggedErrors.h"
+#include "services/transfer/MovedMaps.h"
+
+#include "engine/CORVSpumKyvo.h"
+#include "host/CORVSequenceDataset.h"
+#include "platform/orvapi/ClickInfoKeys.h"
+#include "platform/orvapi/SavedResultsCheck.h"
+#include "platform/orvutils/MessageResponder.h"
+#include "platform/orvutils/StagedFolder.h"
+#include "storage/exportNames.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QLockFile>
+
+namespace {
+
+constexpr int lockMilliseconds = 30000;
+
+// Answers the question for the component; no other comes up in an export.
+class ComponentResponder : public orv::MessageResponder
+{
+public:
+    explicit ComponentResponder(int nNumber) : m_strItem(QStringLiteral("No.%1").arg(nNumber)) {}
+    int ask(const orv::MessageRequest& request) override { return request.defaultAnswer(); }
+    std::optional<QString> chooseItem(const orv::ItemRequest&) override { return m_strItem; }
+
+private:
+    QString m_strItem;
+};
+
+// Puts that responder in the place of the earlier one, as long as it lives.
+class AnsweredComponent
+{
+public:
+    explicit AnsweredComponent(int nNumber)
+        : m_pEarlier(orv::setMessageResponder(std::make_unique<ComponentResponder>(nNumber)))
+    {
+    }
+    ~AnsweredComponent() { orv::setMessageResponder(std::move(m_pEarlier)); }
+    AnsweredComponent(const AnsweredComponent&) = delete;
+    AnsweredComponent& operator=(const AnsweredComponent&) = delete;
+
+private:
+    std::unique_ptr<orv::MessageResponder> m_pEarlier;
+};
+
+void checkRequest(const CORVSpumKyvo& engine, std::optional<int> component)
+{
+    const long long count = engine.m_concentrations.num_rows();
+    if (count < 1) {
+        throw CliFailure(QStringLiteral("there is no result to export"));
+    }
+    if (!component) {
+        return;
+    }
+    if (engine.m_spots.size() < 2) {
+        throw CliFailure(QStringLiteral("all components are exported; one is chosen only in a scan of several spots"),
+                         CliFailure::Usage);
+    }
+    if (*component < 1 || *component > count) {
+        throw CliFailure(QStringLiteral("there is no component %1: the result has %2").arg(*component).arg(count),
+                         CliFailure::Usage);
+    }
+}
+
+// Has the engine make the datasets; paths of their click infos.
+QStringList makeDatasets(CORVSpumKyvo& engine, std::optional<int> component)
+{
+    QStringList paths;
+    const LoggedErrors errors;
+    const std::unique_ptr<AnsweredComponent> answer =
+        component ? std::make_unique<AnsweredComponent>(*component) : nullptr;
+    const QMetaObject::Connection connection = QObject::connect(
+        &engine, &CORVSpumKyvo::createSpumKyvoSequence, [&paths](const QStringList& made, bool) { paths = made; });
+    engine.onClickExportAsSequence();
+    QObject::disconnect(connection);
+    if (!paths.isEmpty()) {
+        return paths;
+    }
+    if (!errors.lines().isEmpty()) {
+        throw CliFailure(errors.lines().join(QLatin1Char('\n')));
+    }
+    throw CliFailure(
+        QStringLiteral("no component was chosen: of a scan of several spots the maps of one component are exported; "
+                       "--component N names it"),
+        CliFailure::Usage);
+}
+
+// The datasets are in their new place; what the export made on its way goes.
+void removeMade(const QStringList& paths, const QString& strTarget)
+{
+    for (const QString& path : paths) {
+        deleteFolderTree(QFileInfo(path).absolutePath());
+    }
+    QDir().rmdir(strTarget); // stays when it holds another export's
+}
+
+} // namespace
+
+ExportedMaps exportResult(CORVSpumKyvo& engine, std::optional<int> component, const QString& strOutFolder, bool bForce)
+{
+    checkRequest(engine, component);
+    CORVSequenceDataset* pSequence = CORVSequenceDataset::getSequenceDataset(engine.getSequenceId());
+    if (pSequence == nullptr) {
+        throw CliFailure(QStringLiteral("the sequence %1 is not open").arg(engine.getSequenceId()));
+    }
+    QString error = savedResultsAtStake(strOutFolder);
+    if (bForce && !error.isEmpty()) {
+        throw CliFailure(error);
+    }
+    StagedFolder staged;
+    if (!staged.begin(strOutFolder, bForce, QString::fromLatin1(SequenceFiles::kSequenceInfo), &error)) {
+        throw CliFailure(error);
+    }
+
+    // Every export of a sequence goes by way of the same folder.
+    const QString target = unmixedTargetFolder(engine.getSequenceId());
+    QLockFile lock(target + QLatin1String(".lock"));
+    if (!lock.tryLock(lockMilliseconds)) {
+        throw CliFailure(QStringLiteral("%1: cannot be written, or another program exports the same sequence")
+                             .arg(target + QLatin1String(".lock")));
+    }
+    const QStringList paths = makeDatasets(engine, component);
+    MovedMaps maps(engine, *pSequence, staged);
+    for (const QString& path : paths) {
+        maps.add(path);
+    }
+    maps.finish();
+    if (!staged.commit(&error)) {
+        throw CliFailure(error);
+    }
+    removeMade(paths, target);
+    return {staged.target(), maps.sequenceId(), maps.names()};
+}

@@ -1,0 +1,169 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "services/analysis/MaskImage.h"
+#include "services/session/OpenedSequence.h"
+#include "services/support/CliFixture.h"
+#include "services/support/SmallSequence.h"
+
+#include "engine/CORVSpumKyvo.h"
+
+namespace {
+
+constexpr int side = 24;
+
+class MaskImageTest : public CliFixture
+{
+protected:
+    void SetUp() override
+    {
+        CliFixture::SetUp();
+        SmallSequence sequence;
+        const auto one = [](int) { return 1.0F; };
+        sequence.addBands({one, one});
+        sequence.writeTo(path("seq"));
+        m_pOpened = std::make_unique<OpenedSequence>(path("seq"));
+        engine().m_nWidth = side;
+        engine().m_nHeight = side;
+        engine().m_nBinning = 2;
+    }
+    CORVSpumKyvo& engine() { return m_pOpened->engine(); }
+    // Rows of '#' and '.'.
+    QStringList picture(const MaskOption& option)
+    {
+        const CILImage mask = maskImageOf(option, engine());
+        EXPECT_EQ(mask.m_lWidth, side);
+        EXPECT_EQ(mask.m_lHeight, side);
+        EXPECT_EQ(mask.m_fBinning, 2.0F);
+        QStringList rows;
+        for (int y = 0; y < side; ++y) {
+            rows.append(QString());
+            for (int x = 0; x < side; ++x) {
+                rows.last() += mask.value(static_cast<std::size_t>(y * side + x)) > 0.0 ? '#' : '.';
+            }
+        }
+        return rows;
+    }
+    static MaskOption shape(MaskOption::Kind eKind, int x, int y, int w, int h)
+    {
+        MaskOption option;
+        option.kind = eKind;
+        option.x = x;
+        option.y = y;
+        option.width = w;
+        option.height = h;
+        return option;
+    }
+    // A photograph with a bright square of that side, 12 pixels by default.
+    void photograph(float fBright, int nSquare = 12)
+    {
+        m_photo = imageOf(
+            side, side,
+            [=](int i) {
+                const int x = i % side;
+                const int y = i / side;
+                return x >= 4 && x < 4 + nSquare && y >= 6 && y < 6 + nSquare ? fBright : 10.0F;
+            },
+            2.0F);
+        m_photo.RefreshImageStats();
+        engine().m_pPhoto = &m_photo;
+    }
+    static MaskOption automatic(double dThreshold = -1.0)
+    {
+        MaskOption option;
+        option.kind = MaskOption::Kind::Photograph;
+        option.threshold = dThreshold;
+        return option;
+    }
+
+private:
+    std::unique_ptr<OpenedSequence> m_pOpened;
+    CILImage m_photo;
+};
+
+} // namespace
+
+TEST_F(MaskImageTest, NoneIsNoImage)
+{
+    EXPECT_TRUE(maskImageOf(MaskOption(), engine()).isEmpty());
+}
+
+TEST_F(MaskImageTest, ARectangleCoversItsPixelsFromTheTopLeft)
+{
+    const QStringList rows = picture(shape(MaskOption::Kind::Rectangle, 3, 1, 5, 2));
+    for (int y = 0; y < side; ++y) {
+        EXPECT_EQ(rows[y], y == 1 || y == 2 ? "...#####" + QString(side - 8, '.') : QString(side, '.')) << y;
+    }
+}
+
+TEST_F(MaskImageTest, ARectangleMayBeTheWholeImageAndOnePixel)
+{
+    EXPECT_EQ(picture(shape(MaskOption::Kind::Rectangle, 0, 0, side, side)).join("").count('#'), side * side);
+    EXPECT_EQ(picture(shape(MaskOption::Kind::Rectangle, side - 1, side - 1, 1, 1)).last(),
+              QString(side - 1, '.') + '#');
+}
+
+TEST_F(MaskImageTest, AnEllipseLiesInsideItsRectangle)
+{
+    const QStringList rows = picture(shape(MaskOption::Kind::Ellipse, 4, 2, 12, 8));
+    const QStringList around = picture(shape(MaskOption::Kind::Rectangle, 4, 2, 12, 8));
+    for (int y = 0; y < side; ++y) {
+        for (int x = 0; x < side; ++x) {
+            if (rows[y][x] == '#') {
+                EXPECT_EQ(around[y][x], '#') << x << ' ' << y;
+            }
+        }
+    }
+    EXPECT_EQ(rows[6][10], '#');
+    EXPECT_EQ(rows[2][4], '.');
+    EXPECT_EQ(rows[9][15], '.');
+    EXPECT_NEAR(rows.join("").count('#'), 12 * 8 * 0.785, 12.0);
+}
+
+TEST_F(MaskImageTest, AShapeThatLeavesTheImageIsRefused)
+{
+    for (const auto& option :
+         {shape(MaskOption::Kind::Rectangle, -1, 0, 5, 5), shape(MaskOption::Kind::Rectangle, 20, 0, 5, 5),
+          shape(MaskOption::Kind::Ellipse, 0, 20, 5, 5), shape(MaskOption::Kind::Rectangle, 0, 0, 2147483647, 5)}) {
+        EXPECT_TRUE(failureOf([&] {
+                        maskImageOf(option, engine());
+                    }).contains("leaves the images of 24 x 24 pixels at binning 2"));
+    }
+}
+
+TEST_F(MaskImageTest, TheBodyIsFoundInThePhotograph)
+{
+    photograph(200.0F);
+    const QStringList rows = picture(automatic());
+    EXPECT_EQ(rows.join("").count('#'), 144);
+    EXPECT_EQ(rows[6].mid(4, 12), QString(12, '#'));
+    EXPECT_EQ(rows[5], QString(side, '.'));
+}
+
+TEST_F(MaskImageTest, AThresholdOfTheUserTakesTheTurnOfTheFoundOne)
+{
+    photograph(200.0F);
+    EXPECT_EQ(picture(automatic(1.0)).join("").count('#'), 144);
+    // At the minimum itself everything brighter counts, here the same.
+    EXPECT_EQ(picture(automatic(0.0)).join("").count('#'), 144);
+}
+
+// What holds no square of 7 pixels is no body.
+TEST_F(MaskImageTest, AFewBrightPixelsAreRefusedWithWhatHelps)
+{
+    photograph(200.0F, 5);
+    const QString refused = failureOf([&] { maskImageOf(automatic(50.0), engine()); });
+    EXPECT_TRUE(refused.startsWith("--mask auto: only 0 pixels of the photograph are brighter than 50 % of its range; "
+                                   "--threshold sets another limit"))
+        << qPrintable(refused);
+}
+
+TEST_F(MaskImageTest, APhotographOfOneBrightnessHasNoBody)
+{
+    photograph(10.0F);
+    EXPECT_TRUE(failureOf([&] { maskImageOf(automatic(), engine()); }).startsWith("--mask auto: only 0 pixels"));
+}
+
+TEST_F(MaskImageTest, WithoutAPhotographThereIsNoAutomaticMask)
+{
+    engine().m_pPhoto = nullptr;
+    EXPECT_EQ(failureOf([&] { maskImageOf(automatic(), engine()); }), "--mask auto: there is no photograph");
+}

@@ -1,0 +1,206 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "services/importer/ImageFinder.h"
+
+#include "platform/orvimage/TiffStackWriter.h"
+#include "services/importer/ImporterFixture.h"
+#include "services/importer/InferredTable.h"
+
+namespace {
+
+class ImageFinderTest : public ImporterFixture
+{
+protected:
+    bool find(const QString& source)
+    {
+        m_error.clear();
+        return m_finder.find(source, ImageFinder::Progress(), &m_error);
+    }
+    QString refusal(const QString& source)
+    {
+        EXPECT_FALSE(find(source));
+        return m_error;
+    }
+    // The table of what was found, without its first line; its doubts instead when there are any.
+    QString table(const QString& source, std::optional<double> interval = std::nullopt)
+    {
+        if (!find(source)) {
+            return "error: " + m_error;
+        }
+        const InferredTable table(m_finder.images(), m_finder.doubts(), interval);
+        const QString csv = QString::fromUtf8(table.toCsv());
+        return table.doubts().isEmpty() ? csv.mid(csv.indexOf('\n') + 1) : "doubts: " + table.doubts().join("; ");
+    }
+    // Pages with a description of the first and names.
+    void writeStack(const QString& name, const QString& description, const QStringList& pageNames)
+    {
+        QDir().mkpath(QFileInfo(path(name)).path());
+        TiffStackWriter writer;
+        QString error;
+        ASSERT_TRUE(writer.begin(path(name), 0, &error)) << qPrintable(error);
+        for (int i = 0; i < pageNames.size(); ++i) {
+            TiffWriteOptions options;
+            options.description = i == 0 ? description : QString();
+            options.pageName = pageNames.at(i);
+            ASSERT_TRUE(writer.add(makeImage(ORVTYPE_BYTE, 4, 3, [](long x, long) { return x; }), options, &error));
+        }
+        ASSERT_TRUE(writer.finish(&error)) << qPrintable(error);
+    }
+
+    ImageFinder m_finder;
+    QString m_error;
+};
+
+const char* const omeOfThree =
+    "<?xml version=\"1.0\"?><OME xmlns=\"x\"><Image><Pixels SizeC=\"3\" SizeZ=\"1\" SizeT=\"1\">"
+    "<Channel ExcitationWavelength=\"640\" EmissionWavelength=\"700\"/>"
+    "<Channel ExcitationWavelength=\"640\" EmissionWavelength=\"720\"/>"
+    "<Channel ExcitationWavelength=\"640\" EmissionWavelength=\"740\"/>"
+    "<TiffData/></Pixels></Image></OME>";
+
+} // namespace
+
+TEST_F(ImageFinderTest, FilesComeByNameWithNumbersByValue)
+{
+    for (const char* name : {"in/s10 ex640_em740.tif", "in/s9 ex640_em720.TIF", "in/s1 ex640_em700.tiff"}) {
+        writeRamp(QString::fromUtf8(name), 1);
+    }
+    EXPECT_EQ(table(path("in")), "s1 ex640_em700.tiff,640,700,\"name: ex640, em700\"\n"
+                                 "s9 ex640_em720.TIF,640,720,\"name: ex640, em720\"\n"
+                                 "s10 ex640_em740.tif,640,740,\"name: ex640, em740\"\n");
+    EXPECT_TRUE(m_finder.warnings().isEmpty());
+}
+
+TEST_F(ImageFinderTest, NamesBeyondAsciiAndWithBlanksAreKept)
+{
+    writeRamp(QString::fromUtf8("in/Größe 640-700.tif"), 1);
+    writeRamp(QString::fromUtf8("in/Größe 640-720.tif"), 1);
+    EXPECT_EQ(table(path("in")), QString::fromUtf8("Größe 640-700.tif,640,700,name: 640-700\n"
+                                                   "Größe 640-720.tif,640,720,name: 640-720\n"));
+}
+
+TEST_F(ImageFinderTest, OtherFilesArePassedOverWithAWord)
+{
+    writeRamp("in/em700.tif", 1);
+    write("in/notes.txt", "x");
+    write("in/picture.png", "x");
+    QDir().mkpath(path("in/folder.tif"));
+    EXPECT_EQ(table(path("in")), "em700.tif,,700,name: em700\n");
+    EXPECT_EQ(m_finder.warnings(), QStringList("notes.txt and 1 more files are passed over"));
+}
+
+TEST_F(ImageFinderTest, ATableInTheFolderIsPointedOut)
+{
+    writeRamp("in/em700.tif", 1);
+    write("in/images.csv", "file,emission\nem700.tif,720\n");
+    EXPECT_EQ(table(path("in")), "em700.tif,,700,name: em700\n");
+    EXPECT_EQ(m_finder.warnings(),
+              QStringList("images.csv lies in the folder and is not used; --images takes such a table"));
+}
+
+TEST_F(ImageFinderTest, WhatCannotBeReadIsNamed)
+{
+    QDir().mkpath(path("empty"));
+    EXPECT_EQ(refusal(path("empty")), path("empty") + ": there is no TIFF file and no ENVI header in the folder");
+    EXPECT_EQ(refusal(path("absent")), path("absent") + ": there is no such file or folder");
+    writeRamp("in/em700.tif", 1);
+    write("in/em720.tif", "no TIFF");
+    EXPECT_TRUE(refusal(path("in")).startsWith(path("in/em720.tif") + ": ")) << qPrintable(m_error);
+    write("cube.hdr", "ENVI\nsamples = 2\n");
+    EXPECT_TRUE(refusal(path("cube.hdr")).startsWith(path("cube.hdr") + ": ")) << qPrintable(m_error);
+    QFile file(path("in/em700.tif"));
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QByteArray bytes = file.readAll();
+    for (int tenth = 0; tenth < 10; ++tenth) {
+        write("cut.tif", bytes.left(bytes.size() * tenth / 10));
+        EXPECT_TRUE(refusal(path("cut.tif")).startsWith(path("cut.tif") + ": ")) << tenth;
+    }
+}
+
+TEST_F(ImageFinderTest, OmeMetadataTellThePages)
+{
+    writeStack("a.ome.tif", omeOfThree, {"", "", ""});
+    EXPECT_EQ(table(path("a.ome.tif")), "a.ome.tif,1,640,700,OME channel 1\na.ome.tif,2,640,720,OME channel 2\n"
+                                        "a.ome.tif,3,640,740,OME channel 3\n");
+}
+
+TEST_F(ImageFinderTest, BrokenOmeMetadataAreNotUsedWithAWord)
+{
+    writeStack("ex640_em700.ome.tif", QString(omeOfThree).left(300), {""});
+    EXPECT_EQ(table(path("ex640_em700.ome.tif")), "ex640_em700.ome.tif,640,700,\"name: ex640, em700\"\n");
+    ASSERT_EQ(m_finder.warnings().size(), 1);
+    EXPECT_TRUE(m_finder.warnings()[0].startsWith("ex640_em700.ome.tif: line 1 of the OME-XML: "));
+}
+
+TEST_F(ImageFinderTest, ANameThatContradictsTheMetadataIsADoubt)
+{
+    const QString one = "<OME ><Pixels SizeC=\"1\"><Channel EmissionWavelength=\"700\"/></Pixels></OME>";
+    writeStack("em720.tif", one, {""});
+    EXPECT_TRUE(table(path("em720.tif"))
+                    .startsWith("doubts: em720.tif: the emission is 700 (OME channel 1) or 720 (name: em720)"));
+    // A name that only could mean something else does not count beside metadata.
+    writeStack("600_700_800.tif", one, {""});
+    EXPECT_EQ(table(path("600_700_800.tif")), "600_700_800.tif,,700,OME channel 1\n");
+}
+
+TEST_F(ImageFinderTest, PageNamesTellThePages)
+{
+    writeStack("a.tif", "nothing", {"ex640_em700", "ex640_em720"});
+    EXPECT_EQ(table(path("a.tif")), "a.tif,1,640,700,\"page name: ex640, em700\"\n"
+                                    "a.tif,2,640,720,\"page name: ex640, em720\"\n");
+}
+
+TEST_F(ImageFinderTest, PagesAreFramesWhereTheSecondsBetweenThemAreTold)
+{
+    writePages("a.tif", 3);
+    EXPECT_TRUE(table(path("a.tif")).startsWith("doubts: nothing tells"));
+    EXPECT_EQ(table(path("a.tif"), 2.5), "a.tif,1,0,page x 2.5 s\na.tif,2,2.5,page x 2.5 s\na.tif,3,5,page x 2.5 s\n");
+}
+
+TEST_F(ImageFinderTest, ImageJFramesHaveTimes)
+{
+    writeStack("a.tif", "ImageJ=1.53\nimages=2\nframes=2\nfinterval=4\n", {"", ""});
+    EXPECT_EQ(table(path("a.tif")), "a.tif,1,0,ImageJ finterval\na.tif,2,4,ImageJ finterval\n");
+}
+
+TEST_F(ImageFinderTest, AnEnviHeaderTellsItsBands)
+{
+    write("cube.dat", QByteArray(2 * 2 * 2, '\1'));
+    const QByteArray header = "ENVI\nsamples = 2\nlines = 2\nbands = 2\ndata type = 1\ninterleave = bsq\n";
+    write("cube.hdr", header + "wavelength units = um\nwavelength = {0.7, 0.72}\nband names = {Band 1, Band 2}\n");
+    EXPECT_EQ(table(path("cube.hdr")), "cube.hdr,1,,700,ENVI wavelength\ncube.hdr,2,,720,ENVI wavelength\n");
+    EXPECT_EQ(table(path("cube.dat")), "cube.dat,1,,700,ENVI wavelength\ncube.dat,2,,720,ENVI wavelength\n");
+    write("cube.hdr", header + "band names = {ex640_em700, ex640_em720}\n");
+    EXPECT_EQ(table(path("cube.hdr")), "cube.hdr,1,640,700,\"ENVI band name: ex640, em700\"\n"
+                                       "cube.hdr,2,640,720,\"ENVI band name: ex640, em720\"\n");
+    write("cube.hdr", header + "wavelength = {700, 720}\nband names = {em700, em730}\n");
+    EXPECT_TRUE(table(path("cube.hdr")).startsWith("doubts: cube.hdr band 2: the emission is 720"));
+}
+
+TEST_F(ImageFinderTest, AFolderOfCubesCountsTheirDataFilesOnce)
+{
+    for (const char* name : {"em700", "em720"}) {
+        write(QStringLiteral("in/%1.img").arg(name), QByteArray(4, '\1'));
+        write(QStringLiteral("in/%1.hdr").arg(name),
+              "ENVI\nsamples = 2\nlines = 2\nbands = 1\ndata type = 1\ninterleave = bsq\n");
+    }
+    EXPECT_EQ(table(path("in")), "em700.hdr,,700,name: em700\nem720.hdr,,720,name: em720\n");
+    EXPECT_TRUE(m_finder.warnings().isEmpty());
+}
+
+TEST_F(ImageFinderTest, ProgressCanAbort)
+{
+    writeRamp("in/em700.tif", 1);
+    writeRamp("in/em720.tif", 1);
+    int calls = 0;
+    EXPECT_FALSE(m_finder.find(
+        path("in"),
+        [&](int done, int steps, const QString&) {
+            EXPECT_EQ(steps, 2);
+            ++calls;
+            return done < 1;
+        },
+        &m_error));
+    EXPECT_EQ(calls, 2);
+    EXPECT_TRUE(m_finder.aborted());
+    EXPECT_EQ(m_error, "the import was aborted");
+}

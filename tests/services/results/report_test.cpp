@@ -1,0 +1,234 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The report of a result as a page for a browser and as PDF.
+#include "services/results/ReportHtml.h"
+#include "services/results/ReportPdf.h"
+#include "services/results/ResultReport.h"
+
+#include "services/basis/PngBytes.h"
+#include "services/support/SmallAnalysis.h"
+
+#include <QImage>
+#include <QJsonArray>
+#include <QProcess>
+#include <QRegularExpression>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace {
+
+QImage picture(int nWidth, int nHeight, const QColor& color)
+{
+    QImage image(nWidth, nHeight, QImage::Format_RGB32);
+    image.fill(color);
+    return image;
+}
+
+ReportFigure figure(const QString& strTitle, int nWidth = 40, int nHeight = 30)
+{
+    return {strTitle, pngBytes(picture(nWidth, nHeight, Qt::red)), QSize(nWidth, nHeight), QByteArray()};
+}
+
+ReportContent smallContent()
+{
+    ReportContent content;
+    content.title = QStringLiteral("Spectral Unmixing");
+    content.subtitle = QStringLiteral("mouse");
+    content.facts = {{QStringLiteral("Method"), QStringLiteral("Automatic")}};
+    content.composites = {figure(QStringLiteral("Composite"))};
+    content.maps = {figure(QStringLiteral("Dye A")), figure(QStringLiteral("Dye B"))};
+    content.plots = {figure(QStringLiteral("Pure spectra"))};
+    content.components.header = QStringList{QStringLiteral("Component"), QStringLiteral("Share")};
+    content.components.rows = {{QStringLiteral("Dye A"), QStringLiteral("25 %")}};
+    content.components.colors = QStringList{QStringLiteral("lime")};
+    content.tables = {
+        ReportTable{QStringLiteral("Properties"), {}, {{QStringLiteral("DataMask"), QStringLiteral("No")}}, {}}};
+    content.command = QStringLiteral("spum unmix mouse");
+    content.program = QStringLiteral("spum 1");
+    return content;
+}
+
+// Every source of a picture in the page.
+QStringList sourcesIn(const QString& strHtml)
+{
+    QStringList sources;
+    auto found = QRegularExpression(QStringLiteral("src=\"([^\"]*)\"")).globalMatch(strHtml);
+    while (found.hasNext()) {
+        sources.append(found.next().captured(1));
+    }
+    return sources;
+}
+
+int pagesOf(const QByteArray& pdf)
+{
+    return pdf.count("/Type /Page\n");
+}
+
+} // namespace
+
+TEST(ReportHtmlTest, ThePageHoldsItsPicturesAndNeedsNothingElse)
+{
+    const QString html = QString::fromUtf8(reportHtml(smallContent()));
+    const QStringList sources = sourcesIn(html);
+    ASSERT_EQ(sources.size(), 4);
+    for (const QString& source : sources) {
+        ASSERT_TRUE(source.startsWith(QStringLiteral("data:image/png;base64,"))) << qPrintable(source.left(40));
+        const QByteArray bytes = QByteArray::fromBase64(source.mid(source.indexOf(',') + 1).toLatin1());
+        EXPECT_EQ(QImage::fromData(bytes), picture(40, 30, Qt::red));
+    }
+    EXPECT_FALSE(html.contains(QStringLiteral("http")));
+    EXPECT_FALSE(html.contains(QStringLiteral("<link")));
+    EXPECT_FALSE(html.contains(QStringLiteral("<script")));
+}
+
+TEST(ReportHtmlTest, ADrawingThatScalesIsTakenBeforeItsPixels)
+{
+    ReportContent content = smallContent();
+    content.plots[0].svg = "<svg/>";
+    const QStringList sources = sourcesIn(QString::fromUtf8(reportHtml(content)));
+    EXPECT_EQ(sources.last(), QStringLiteral("data:image/svg+xml;base64,") + QByteArray("<svg/>").toBase64());
+}
+
+TEST(ReportHtmlTest, TextsOfTheUserStayTexts)
+{
+    ReportContent content = smallContent();
+    const QString hostile = QStringLiteral("<b>&\"%1 '");
+    content.subtitle = content.note = content.command = content.program = hostile;
+    content.warnings = QStringList{hostile};
+    content.facts = {{hostile, hostile}};
+    content.maps[0].title = hostile;
+    content.components.rows = {{hostile, hostile}};
+    content.components.colors = QStringList{QStringLiteral("red;} body{display:none")};
+    content.tables[0].title = hostile;
+    const QString html = QString::fromUtf8(reportHtml(content));
+    EXPECT_FALSE(html.contains(QStringLiteral("<b>")));
+    EXPECT_EQ(html.count(QStringLiteral("&lt;b&gt;&amp;&quot;%1 '")), 12);
+    EXPECT_FALSE(html.contains(QStringLiteral("display:none")));
+}
+
+TEST(ReportHtmlTest, WhatIsNotThereHasNoHeading)
+{
+    ReportContent content;
+    content.title = QStringLiteral("Empty");
+    const QString html = QString::fromUtf8(reportHtml(content));
+    EXPECT_TRUE(html.contains(QStringLiteral("<h1>Empty</h1>")));
+    EXPECT_FALSE(html.contains(QStringLiteral("<h2>")));
+    EXPECT_TRUE(html.trimmed().endsWith(QStringLiteral("</html>")));
+}
+
+TEST(ReportPdfTest, AShortReportFitsOnAPage)
+{
+    const QByteArray pdf = reportPdf(smallContent());
+    EXPECT_TRUE(pdf.startsWith("%PDF-"));
+    EXPECT_EQ(pagesOf(pdf), 1);
+}
+
+TEST(ReportPdfTest, AnEmptyReportIsAPage)
+{
+    EXPECT_EQ(pagesOf(reportPdf(ReportContent())), 1);
+}
+
+TEST(ReportPdfTest, MoreThanAPageHoldsGoesToTheNext)
+{
+    ReportContent content = smallContent();
+    content.maps.clear();
+    for (int i = 0; i < 12; ++i) {
+        content.maps.append(figure(QString::number(i), 600, 600));
+    }
+    const int pages = pagesOf(reportPdf(content));
+    EXPECT_GE(pages, 2);
+    EXPECT_LE(pages, 4);
+}
+
+TEST(ReportPdfTest, ATableHigherThanAPageIsCut)
+{
+    ReportContent content;
+    ReportTable table;
+    for (int i = 0; i < 400; ++i) {
+        table.rows.append({QString::number(i), QStringLiteral("value")});
+    }
+    content.tables = {table};
+    const int pages = pagesOf(reportPdf(content));
+    EXPECT_GE(pages, 5);
+    EXPECT_LE(pages, 20);
+}
+
+TEST(ReportPdfTest, APictureThatIsNoneLeavesItsTitle)
+{
+    ReportContent content = smallContent();
+    content.maps[0].png = "no picture";
+    EXPECT_EQ(pagesOf(reportPdf(content)), 1);
+}
+
+TEST(ShellLineTest, AShellTakesTheLineApartAgain)
+{
+    const QStringList arguments{QStringLiteral("printf"),
+                                QStringLiteral("%s|"),
+                                QStringLiteral("plain-1.0"),
+                                QStringLiteral("two words"),
+                                QStringLiteral("it's"),
+                                QString(),
+                                QStringLiteral("$HOME `x` \\ \"q\" *"),
+                                QString::fromUtf8("\xC3\xA4")};
+    QProcess shell;
+    shell.start(QStringLiteral("/bin/sh"), {QStringLiteral("-c"), shellLine(arguments)});
+    ASSERT_TRUE(shell.waitForFinished());
+    EXPECT_EQ(QString::fromUtf8(shell.readAllStandardOutput()), arguments.mid(2).join('|') + '|');
+    EXPECT_EQ(shellLine({QStringLiteral("spum"), QStringLiteral("unmix"), QStringLiteral("a/b_c.tif")}),
+              QStringLiteral("spum unmix a/b_c.tif"));
+}
+
+namespace {
+
+class ResultReportTest : public SmallAnalysis
+{
+};
+
+QString factOf(const ReportContent& content, const QString& strLabel)
+{
+    for (const auto& fact : content.facts) {
+        if (fact.first == strLabel) {
+            return fact.second;
+        }
+    }
+    return QStringLiteral("none");
+}
+
+} // namespace
+
+TEST_F(ResultReportTest, TellsNumbersSettingsAndCommand)
+{
+    analyse();
+    const QJsonObject summary{
+        {"method", "library"},
+        {"explainedVariance", 98.4375},
+        {"residual", 0.125},
+        {"components",
+         QJsonArray{QJsonObject{{"name", "Dye A"}, {"color", "lime"}, {"share", 0.25}, {"maximum", 4.0}},
+                    QJsonObject{{"name", "Dye B"}, {"color", "red"}, {"share", 0.75}, {"maximum", 2.0}}}}};
+    ReportFrame frame;
+    frame.sequenceName = QStringLiteral("mouse");
+    frame.note = QStringLiteral("a note");
+    frame.command = QStringLiteral("spum unmix mouse");
+    frame.made = QStringLiteral("2026-01-31 12:00");
+    const ReportContent content = contentOfReport(engine(), summary, frame);
+    EXPECT_EQ(content.title, QStringLiteral("Spectral Unmixing"));
+    EXPECT_EQ(content.subtitle, frame.sequenceName);
+    EXPECT_EQ(content.note, frame.note);
+    EXPECT_EQ(factOf(content, QStringLiteral("Variance explained")), QStringLiteral("98.4375 %"));
+    EXPECT_EQ(factOf(content, QStringLiteral("Residual of the data's norm")), QStringLiteral("12.5 %"));
+    EXPECT_EQ(factOf(content, QStringLiteral("Method")), QStringLiteral("Library"));
+    EXPECT_EQ(factOf(content, QStringLiteral("Ending")), QStringLiteral("none"));
+    ASSERT_EQ(content.components.rows.size(), 2);
+    EXPECT_EQ(content.components.rows[0].mid(0, 3),
+              (QStringList{QStringLiteral("Dye A"), QStringLiteral("25 %"), QStringLiteral("4")}));
+    EXPECT_EQ(content.components.colors, (QStringList{QStringLiteral("lime"), QStringLiteral("red")}));
+    EXPECT_EQ(content.plots.size(), 1);
+    EXPECT_EQ(content.command, frame.command);
+    EXPECT_TRUE(content.program.endsWith(QStringLiteral(", 2026-01-31 12:00")));
+    QStringList titles;
+    for (const ReportTable& table : content.tables) {
+        titles.append(table.title);
+    }
+    EXPECT_EQ(titles, (QStringList{QStringLiteral("Properties of the result"), QStringLiteral("Images")}));
+}

@@ -1,0 +1,320 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "services/results/ResultFiles.h"
+#include "services/support/SmallAnalysis.h"
+
+#include "platform/orvimage/TiffIo.h"
+#include "services/basis/CliFailure.h"
+#include "services/results/RunEnding.h"
+#include "services/session/LibrarySpectra.h"
+
+#include <QDir>
+#include <QImage>
+#include <QJsonArray>
+#include <QJsonDocument>
+
+#include <cmath>
+#include <limits>
+#include <stdexcept>
+
+namespace {
+
+class ResultFilesTest : public SmallAnalysis
+{
+protected:
+    ResultFilesTest()
+    {
+        m_numbers.shares = {0.25, 0.75};
+        m_numbers.residual = 0.125;
+        m_numbers.truth.resize(2);
+        m_numbers.seconds = 1.5;
+    }
+    QString out() const { return path("out/"); }
+    void writeFiles()
+    {
+        ASSERT_TRUE(QDir().mkpath(out()));
+        ResultFiles files(engine(), m_numbers, out());
+        files.write([](double) {});
+    }
+    CILImage tiff(const QString& strName) const
+    {
+        CILImage image;
+        QString error;
+        EXPECT_TRUE(readTiff(out() + strName, 0, image, &error)) << qPrintable(error);
+        return image;
+    }
+    QJsonObject writtenJson() const { return QJsonDocument::fromJson(contentOf(out() + "summary.json")).object(); }
+    ResultNumbers m_numbers;
+};
+
+} // namespace
+
+TEST(ResultFilesNameTest, LettersDigitsDotAndDashStay)
+{
+    EXPECT_EQ(ResultFiles::fileNameOf("QDot-800.b_2"), "QDot-800.b_2");
+    EXPECT_EQ(ResultFiles::fileNameOf(QString::fromUtf8("M\xC3\xA4use")), QString::fromUtf8("M\xC3\xA4use"));
+}
+
+TEST(ResultFilesNameTest, BlanksBecomeUnderscoresAndTheRestGoes)
+{
+    EXPECT_EQ(ResultFiles::fileNameOf(" AlexaFluor 750 "), "AlexaFluor_750");
+    EXPECT_EQ(ResultFiles::fileNameOf("a/b\\c:d*e?f\"g<h>i|j"), "abcdefghij");
+    EXPECT_EQ(ResultFiles::fileNameOf("a\tb\nc"), "a_b_c");
+    EXPECT_EQ(ResultFiles::fileNameOf(QString()), "");
+}
+
+TEST(ResultFilesNameTest, ALongNameIsCutWithinACharacterNever)
+{
+    EXPECT_EQ(ResultFiles::fileNameOf(QString(300, 'x')), QString(150, 'x'));
+    EXPECT_EQ(ResultFiles::fileNameOf(QString(300, QChar(0x65E5))), QString(50, QChar(0x65E5)));
+    EXPECT_EQ(ResultFiles::fileNameOf(QString(149, 'x') + QChar(0xE4)), QString(149, 'x'));
+}
+
+TEST(ResultFilesNameTest, NoNameIsHiddenOrLeadsElsewhere)
+{
+    EXPECT_EQ(ResultFiles::fileNameOf("../../x"), "_....x");
+    EXPECT_EQ(ResultFiles::fileNameOf(".."), "_..");
+}
+
+TEST_F(ResultFilesTest, EveryFileIsThereAndNoOther)
+{
+    analyse();
+    writeFiles();
+    EXPECT_EQ(entriesOf(out()), (QStringList{"01_Dye_A.png", "01_Dye_A.tif", "02_Dye_B.png", "02_Dye_B.tif",
+                                             "overview.png", "properties.csv", "spectra.csv", "spectra.png",
+                                             "spectra.svg", "summary.csv", "summary.json"}));
+    QStringList told;
+    for (const auto& name : writtenJson()["files"].toArray()) {
+        told.append(name.toString());
+    }
+    told.sort();
+    EXPECT_EQ(told, entriesOf(out()));
+}
+
+TEST_F(ResultFilesTest, MapsAreFloatsOfTheConcentrations)
+{
+    analyse();
+    writeFiles();
+    const CILImage map = tiff("02_Dye_B.tif");
+    ASSERT_EQ(map.m_lWidth, side);
+    ASSERT_EQ(map.m_lHeight, side);
+    EXPECT_NE(map.floats(), nullptr);
+    for (int i = 0; i < side * side; ++i) {
+        EXPECT_NEAR(map.value(static_cast<std::size_t>(i)), static_cast<double>(mapB(i)), 1e-5) << i;
+    }
+    TiffInfo info;
+    ASSERT_TRUE(readTiffHeader(out() + "02_Dye_B.tif", 0, &info, nullptr));
+    EXPECT_EQ(info.type, ORVTYPE_FLOAT);
+    EXPECT_TRUE(info.description.startsWith("Dye B")) << qPrintable(info.description);
+}
+
+TEST_F(ResultFilesTest, OutsideTheMaskMapsAreZeroAndTheMaskIsWritten)
+{
+    analyse([](int i) { return i == 5 || i == 6 ? 1.0F : 0.0F; });
+    writeFiles();
+    const CILImage map = tiff("01_Dye_A.tif");
+    const QImage mask(out() + "mask.png");
+    ASSERT_EQ(mask.size(), QSize(side, side));
+    for (int i = 0; i < side * side; ++i) {
+        const bool inside = i == 5 || i == 6;
+        EXPECT_NEAR(map.value(static_cast<std::size_t>(i)), inside ? i : 0.0, 1e-5) << i;
+        EXPECT_EQ(qGray(mask.pixel(i % side, i / side)), inside ? 255 : 0) << i;
+    }
+    EXPECT_TRUE(contentOf(out() + "properties.csv").contains("DataMask,Yes\n"));
+}
+
+TEST_F(ResultFilesTest, PicturesHoldMapAndPhotograph)
+{
+    analyse();
+    writeFiles();
+    const QImage picture(out() + "01_Dye_A.png");
+    const QImage sheet(out() + "overview.png");
+    EXPECT_GE(picture.width(), 512);
+    EXPECT_EQ(sheet.width(), 2 * std::max(picture.width(), QImage(out() + "02_Dye_B.png").width()));
+    EXPECT_FALSE(QImage(out() + "spectra.png").isNull());
+    int coloured = 0;
+    for (int y = 0; y < picture.height(); y += 8) {
+        for (int x = 0; x < picture.width(); x += 8) {
+            coloured += QColor(picture.pixel(x, y)).saturation() > 100 ? 1 : 0;
+        }
+    }
+    EXPECT_GT(coloured, 500);
+}
+
+TEST_F(ResultFilesTest, TheSpectraAreALibrary)
+{
+    analyse();
+    writeFiles();
+    LibrarySpectra library;
+    library.load(out() + "spectra.csv");
+    ASSERT_EQ(library.all().size(), 2);
+    EXPECT_EQ(library.note(), "spectra in Radiant Efficiency");
+    EXPECT_EQ(library.all()[1]->settings.name, "Dye B");
+    EXPECT_EQ(library.all()[1]->points[1].value, 0.25);
+}
+
+TEST_F(ResultFilesTest, TheSummaryTellsTheNumbers)
+{
+    analyse();
+    m_numbers.truth[1] = {true, 0.5, 0.25, "Dye B", 0.75};
+    writeFiles();
+    EXPECT_EQ(contentOf(out() + "summary.csv"),
+              "component,share,maximum,high pass,truth,cosine,correlation,relative error,residual,explained variance,"
+              "iterations,ending,lack of fit,lack of fit denoised\n"
+              "Dye A,0.25,15,,,,,,0.125,98.4375,,,,\n"
+              "Dye B,0.75,7,,Dye B,0.75,0.5,0.25,0.125,98.4375,,,,\n");
+    const QJsonObject json = writtenJson();
+    EXPECT_EQ(json["method"], "manual");
+    EXPECT_EQ(json["unit"], "Radiant Efficiency");
+    EXPECT_EQ(json["pixels"], 16);
+    EXPECT_EQ(json["residual"], 0.125);
+    EXPECT_EQ(json["explainedVariance"], 98.4375);
+    EXPECT_FALSE(json.contains("iterations"));
+    EXPECT_EQ(json["properties"].toObject()["DataMask"], "No");
+    const QJsonObject second = json["components"].toArray()[1].toObject();
+    EXPECT_EQ(second["name"], "Dye B");
+    EXPECT_EQ(second["map"], "02_Dye_B.tif");
+    EXPECT_EQ(second["truthName"], "Dye B");
+    EXPECT_EQ(second["truthCosine"], 0.75);
+    EXPECT_EQ(second["truthCorrelation"], 0.5);
+    EXPECT_EQ(second["truthRelativeError"], 0.25);
+    EXPECT_FALSE(json["components"].toArray()[0].toObject().contains("truthCorrelation"));
+}
+
+TEST_F(ResultFilesTest, TheTextHasTheColumnsOfTheTruthOnlyWithATruth)
+{
+    analyse();
+    EXPECT_FALSE(ResultFiles(engine(), m_numbers, out()).summaryText().contains("correlation"));
+    m_numbers.truth[1] = {true, 0.5, 0.25, "Dye B", 0.75};
+    const QString text = ResultFiles(engine(), m_numbers, out()).summaryText();
+    EXPECT_TRUE(text.contains("correlation"));
+    EXPECT_TRUE(
+        text.contains("residual 12.5 % of the data's norm, 98.4375 % of the variance explained; the fit took 1.5 s\n"))
+        << qPrintable(text);
+    EXPECT_TRUE(text.contains("16 pixels analysed"));
+}
+
+TEST_F(ResultFilesTest, NumbersThatAreNotKnownAreNull)
+{
+    analyse();
+    m_numbers.shares[0] = std::numeric_limits<double>::quiet_NaN();
+    m_numbers.residual = std::numeric_limits<double>::quiet_NaN();
+    writeFiles();
+    EXPECT_TRUE(writtenJson()["residual"].isNull());
+    EXPECT_TRUE(writtenJson()["components"].toArray()[0].toObject()["share"].isNull());
+    EXPECT_TRUE(contentOf(out() + "summary.csv").contains("Dye A,,15,"));
+}
+
+TEST_F(ResultFilesTest, ComponentsOfOneNameHaveFilesOfTheirOwn)
+{
+    analyse();
+    engine().m_spectrumPlots[1]->settings.name = "Dye A";
+    writeFiles();
+    EXPECT_TRUE(entriesOf(out()).contains("01_Dye_A.tif"));
+    EXPECT_TRUE(entriesOf(out()).contains("02_Dye_A.tif"));
+}
+
+TEST_F(ResultFilesTest, ANameWithASlashStaysInTheFolder)
+{
+    analyse();
+    engine().m_spectrumPlots[0]->settings.name = "../Dye";
+    writeFiles();
+    EXPECT_TRUE(entriesOf(out()).contains("01__..Dye.tif")) << qPrintable(entriesOf(out()).join(' '));
+}
+
+TEST_F(ResultFilesTest, AStepMayStopTheWriting)
+{
+    analyse();
+    ASSERT_TRUE(QDir().mkpath(out()));
+    ResultFiles files(engine(), m_numbers, out());
+    EXPECT_THROW(files.write([](double fraction) {
+        if (fraction > 0.5) {
+            throw std::runtime_error("stop");
+        }
+    }),
+                 std::runtime_error);
+    EXPECT_FALSE(entriesOf(out()).contains("summary.json"));
+}
+
+TEST_F(ResultFilesTest, AFolderThatIsNotThereIsToldByName)
+{
+    analyse();
+    ResultFiles files(engine(), m_numbers, out());
+    EXPECT_TRUE(failureOf([&] { files.write([](double) {}); }).contains(out() + "01_Dye_A"));
+}
+
+TEST_F(ResultFilesTest, AnAutomaticRunTellsHowItWent)
+{
+    analyse();
+    m_numbers.automatic = true;
+    m_numbers.facts = {17, MCR::Ending::Converged, 1.5, 2.5, 3, {}};
+    engine().m_lastParams.Constraints = {ComponentConstraint(), ComponentConstraint()};
+    engine().m_lastParams.Constraints[0].Locked = true;
+    engine().m_lastParams.Constraints[1].HighPass = "720";
+    writeFiles();
+    const QJsonObject json = writtenJson();
+    EXPECT_EQ(json["iterations"], 17);
+    EXPECT_EQ(json["ending"], "converged");
+    EXPECT_EQ(json["lackOfFit"], 2.5);
+    EXPECT_EQ(json["lackOfFitDenoised"], 1.5);
+    EXPECT_EQ(json["rank"], 3);
+    EXPECT_FALSE(json.contains("componentsAboveNoise"));
+    EXPECT_FALSE(json.contains("decayCorrected"));
+    const QJsonArray components = json["components"].toArray();
+    EXPECT_EQ(components[0].toObject()["locked"], true);
+    EXPECT_FALSE(components[0].toObject().contains("highPass"));
+    EXPECT_EQ(components[1].toObject()["highPass"], "720");
+    EXPECT_TRUE(
+        contentOf(out() + "summary.csv").contains("\nDye B,0.75,7,720,,,,,0.125,98.4375,17,converged,2.5,1.5\n"));
+    const QString text = ResultFiles(engine(), m_numbers, out()).summaryText();
+    EXPECT_TRUE(
+        text.endsWith("converged after 17 iterations; lack of fit 2.5 % of the data, 1.5 % of the denoised data\n"))
+        << qPrintable(text);
+}
+
+TEST_F(ResultFilesTest, AnAutomaticRunTellsWhatStandsAboveTheNoise)
+{
+    analyse();
+    m_numbers.automatic = true;
+    m_numbers.facts.eigenvalues = {1e6, 1e5, 1e4, 1.0, 1.0, 1.0, 1.0};
+    writeFiles();
+    const QJsonObject json = writtenJson();
+    EXPECT_EQ(json["componentsAboveNoise"], 3);
+    EXPECT_NEAR(json["principalLackOfFit"].toDouble(), 100.0 * std::sqrt(4.0 / 1110004.0), 1e-12);
+    const QString text = ResultFiles(engine(), m_numbers, out()).summaryText();
+    EXPECT_TRUE(text.endsWith("3 principal components stand clearly above the noise and leave 0.1898 % of the data\n"
+                              "2 components are too few for these images: try --ncomponents 3, or name as many\n"))
+        << qPrintable(text);
+}
+
+TEST_F(ResultFilesTest, ADecayThatWasCorrectedForIsTold)
+{
+    analyse();
+    m_numbers.automatic = true;
+    engine().m_bCherenkov = true;
+    engine().m_analysisInput.decayCorrection = true;
+    engine().m_analysisInput.isotope = "F-18";
+    engine().m_analysisInput.halfLifeSeconds = 6600.0;
+    writeFiles();
+    EXPECT_EQ(writtenJson()["decayCorrected"], (QJsonObject{{"isotope", "F-18"}, {"halfLifeSeconds", 6600.0}}));
+}
+
+TEST_F(ResultFilesTest, TheTextNamesTrueComponentsOnlyWhereTheyHaveOtherNames)
+{
+    analyse();
+    m_numbers.truth[0] = {true, 0.5, 0.25, "Dye A", 0.75};
+    EXPECT_FALSE(ResultFiles(engine(), m_numbers, out()).summaryText().contains("truth"));
+    m_numbers.truth[0].trueName = "Dye C";
+    const QString text = ResultFiles(engine(), m_numbers, out()).summaryText();
+    EXPECT_TRUE(text.contains("truth"));
+    EXPECT_TRUE(text.contains("Dye C"));
+}
+
+TEST(RunEndingTest, EveryEndingHasItsWord)
+{
+    QStringList words;
+    for (const auto ending : {MCR::Ending::NotRun, MCR::Ending::Converged, MCR::Ending::GoodFit, MCR::Ending::Diverged,
+                              MCR::Ending::IterationLimit, MCR::Ending::Degenerate}) {
+        words.append(endingText(ending));
+    }
+    EXPECT_EQ(words, (QStringList{"not run", "converged", "good fit", "diverged", "iteration limit", "degenerate"}));
+}

@@ -1,0 +1,294 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// `spum import` from end to end, on small images and, where they lie beside the source, on real ones.
+#include "workbench/program/ProgramFixture.h"
+
+#include "platform/orvimage/TiffIo.h"
+
+#include <QDir>
+#include <QImage>
+
+namespace {
+
+using ImportProgramTest = ProgramFixture;
+
+float dyeA(int i)
+{
+    return static_cast<float>(i % 6);
+}
+
+float dyeB(int i)
+{
+    return static_cast<float>(i / 6);
+}
+
+// 4 x 4 pixels of one colour, (200, 100, 50), as another program writes them.
+QByteArray colourTiff()
+{
+    QByteArray file("II*\0\x08\0\0\0", 8);
+    const auto put = [&file](unsigned value, int bytes) {
+        for (int i = 0; i < bytes; ++i) {
+            file.append(static_cast<char>(value >> (8 * i)));
+        }
+    };
+    constexpr unsigned pixels = 8 + 2 + 9 * 12 + 4 + 6;
+    const unsigned entries[9][4] = {{256, 3, 1, 4}, {257, 3, 1, 4}, {258, 3, 3, pixels - 6},
+                                    {259, 3, 1, 1}, {262, 3, 1, 2}, {273, 4, 1, pixels},
+                                    {277, 3, 1, 3}, {278, 3, 1, 4}, {279, 4, 1, 48}};
+    put(9, 2);
+    for (const auto& entry : entries) {
+        put(entry[0], 2);
+        put(entry[1], 2);
+        put(entry[2], 4);
+        put(entry[3], 4);
+    }
+    put(0, 4);
+    for (int i = 0; i < 3; ++i) {
+        put(8, 2);
+    }
+    for (int i = 0; i < 16; ++i) {
+        file.append("\xC8\x64\x32");
+    }
+    return file;
+}
+
+} // namespace
+
+// Images of 6 x 5 pixels, which are padded to a square.
+TEST_F(ImportProgramTest, TiffFilesBecomeASequenceThatUnmixes)
+{
+    writeTiffFile("stack/a.tif", imageOf(6, 5, [](int i) { return dyeA(i); }));
+    writeTiffFile("stack/b.tif", imageOf(6, 5, [](int i) { return 0.5F * dyeA(i) + 0.25F * dyeB(i); }));
+    writeTiffFile("stack/c.tif", imageOf(6, 5, [](int i) { return dyeB(i); }));
+    write("images.csv", "file,excitation,emission\na.tif,640,700\nb.tif,640,720\nc.tif,640,740\n");
+    const QJsonObject imported = succeed({"import", "stack", "seq", "--images", "images.csv", "--json"}).json();
+    EXPECT_EQ(imported["images"], 3);
+    EXPECT_EQ(imported["width"], 6);
+    EXPECT_EQ(imported["height"], 5);
+    EXPECT_EQ(imported["side"], 6);
+    EXPECT_EQ(imported["fluorescence"], true);
+
+    const QJsonObject info = succeed({"info", "seq", "--json"}).json();
+    EXPECT_TRUE(info["photograph"].toString().contains("no photograph was given; this is the mean image"));
+    EXPECT_EQ(info["unit"], "Counts");
+    EXPECT_EQ(info["cube"], "6 x 6");
+
+    const QJsonObject json =
+        succeed({"unmix", "seq", "--method", "manual", "--library", library(), "--out", "out", "--json"}).json();
+    EXPECT_EQ(json["unit"], "Counts");
+    CILImage map;
+    ASSERT_TRUE(readTiff(path("out/01_Dye_A.tif"), 0, map, nullptr));
+    for (int i = 0; i < 30; ++i) {
+        EXPECT_NEAR(map.value(static_cast<std::size_t>(i)), static_cast<double>(dyeA(i)), 1e-5) << i;
+    }
+    for (int i = 30; i < 36; ++i) {
+        EXPECT_EQ(map.value(static_cast<std::size_t>(i)), 0.0) << i;
+    }
+}
+
+TEST_F(ImportProgramTest, TheAnswerTellsWhatWasMade)
+{
+    writeTiffFile("stack/a.tif", imageOf(6, 5, [](int i) { return dyeA(i); }));
+    writeTiffFile("stack/b.tif", imageOf(6, 5, [](int i) { return dyeB(i); }));
+    write("images.csv", "file,emission\na.tif,700\nb.tif,720\n");
+    EXPECT_EQ(QString::fromUtf8(succeed({"import", "stack", "seq", "--images", "images.csv"}).out),
+              "2 images of 6 x 5 pixels, padded to 6 x 6\nphotograph: mean image\nsequence in " + path("seq") + '\n');
+}
+
+TEST_F(ImportProgramTest, WhatCannotBeImportedLeavesNothing)
+{
+    writeTiffFile("stack/a.tif", imageOf(6, 5, [](int i) { return dyeA(i); }));
+    writeTiffFile("stack/b.tif", imageOf(6, 6, [](int i) { return dyeA(i); }));
+    write("stack/c.tif", "cut");
+    write("size.csv", "file,emission\na.tif,700\nb.tif,720\n");
+    write("key.csv", "file,emission\na.tif,700\na.tif,700\n");
+    write("cut.csv", "file,emission\na.tif,700\nc.tif,720\n");
+    write("absent.csv", "file,emission\na.tif,700\nd.tif,720\n");
+    for (const char* table : {"size.csv", "key.csv", "cut.csv", "absent.csv", "no table.csv"}) {
+        const QString refused = refusal({"import", "stack", "seq", "--images", table});
+        EXPECT_FALSE(refused.isEmpty()) << table;
+        EXPECT_EQ(entriesOf(path(".")), (QStringList{"absent.csv", "cut.csv", "key.csv", "size.csv", "stack"}))
+            << table;
+    }
+}
+
+TEST_F(ImportProgramTest, ASequenceThatExistsIsReplacedOnlyByForce)
+{
+    writeTiffFile("stack/a.tif", imageOf(4, 4, [](int i) { return dyeA(i); }));
+    writeTiffFile("stack/b.tif", imageOf(4, 4, [](int i) { return dyeB(i); }));
+    write("images.csv", "file,emission\na.tif,700\nb.tif,720\n");
+    succeed({"import", "stack", "seq", "--images", "images.csv"});
+    EXPECT_TRUE(refusal({"import", "stack", "seq", "--images", "images.csv"}).contains("exists already"));
+    EXPECT_TRUE(refusal({"import", "stack", "stack", "--images", "images.csv", "--force"}).contains("was not made"));
+    succeed({"import", "stack", "seq", "--images", "images.csv", "--force", "--name", "again"});
+    EXPECT_EQ(succeed({"info", "seq", "--json"}).json()["name"], "again");
+}
+
+TEST_F(ImportProgramTest, WithoutATableNamesTellWhatIsWhat)
+{
+    const QString folder = QString::fromUtf8("Stapel \xC3\xA4 1/");
+    writeTiffFile(folder + "m EX640EM700.tif", imageOf(6, 6, [](int i) { return dyeA(i); }));
+    writeTiffFile(folder + "m EX640EM720.tif", imageOf(6, 6, [](int i) { return dyeB(i); }));
+    const QString text = QString::fromUtf8(succeed({"import", folder, "seq"}).out);
+    EXPECT_TRUE(text.startsWith("image             excitation  emission  from\n"
+                                "m EX640EM700.tif         640       700  name: EX640, EM700\n"
+                                "m EX640EM720.tif         640       720  name: EX640, EM720\n"
+                                "2 images of 6 x 6 pixels, fluorescence\n"))
+        << qPrintable(text);
+    const QByteArray table = contentOf(path("seq/images.csv"));
+    EXPECT_EQ(table, "file,excitation,emission,origin\nm EX640EM700.tif,640,700,\"name: EX640, EM700\"\n"
+                     "m EX640EM720.tif,640,720,\"name: EX640, EM720\"\n");
+    // The table that was kept makes the same sequence.
+    succeed({"import", folder, "again", "--images", "seq/images.csv"});
+    EXPECT_EQ(succeed({"info", "again", "--json"}).json()["images"].toArray().size(), 2);
+    EXPECT_FALSE(QFileInfo::exists(path("again/images.csv")));
+}
+
+TEST_F(ImportProgramTest, DoubtPrintsTheTemplate)
+{
+    writeTiffFile("stack/ex640_em700.tif", imageOf(6, 6, [](int i) { return dyeA(i); }));
+    writeTiffFile("stack/other.tif", imageOf(6, 6, [](int i) { return dyeB(i); }));
+    const ProgramResult result = spum({"import", "stack", "seq"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.out, "file,excitation,emission,origin\nex640_em700.tif,640,700,\"name: ex640, em700\"\n"
+                          "other.tif,,,\n");
+    EXPECT_EQ(
+        result.errText(),
+        "spum: stack: it is in doubt which image is what: 1 of 2 lack the excitation, the first is other.tif; 1 of 2 "
+        "lack the emission, the first is other.tif. Fill in the table on standard output and give it by --images\n");
+    EXPECT_FALSE(QFileInfo::exists(path("seq")));
+
+    const ProgramResult json = spum({"import", "stack", "seq", "--json"});
+    EXPECT_EQ(json.status, 1);
+    EXPECT_EQ(json.json()["doubts"].toArray().size(), 2);
+    EXPECT_TRUE(json.json()["template"].toString().startsWith("file,"));
+
+    EXPECT_TRUE(refusal({"import", "stack", "--write-table", "t.csv"})
+                    .endsWith("Fill in the table t.csv and give it by --images"));
+    EXPECT_TRUE(contentOf(path("t.csv")).endsWith("other.tif,,,\n"));
+}
+
+TEST_F(ImportProgramTest, TheTableCanBeWrittenAlone)
+{
+    writeTiffFile("stack/em700.tif", imageOf(6, 6, [](int i) { return dyeA(i); }));
+    writeTiffFile("stack/em720.tif", imageOf(6, 6, [](int i) { return dyeB(i); }));
+    const QString text = QString::fromUtf8(succeed({"import", "stack", "--write-table", "t 1.csv"}).out);
+    EXPECT_TRUE(text.endsWith("table in t 1.csv\n")) << qPrintable(text);
+    EXPECT_EQ(refusal({"import", "stack", "--write-table", "t 1.csv"}), "t 1.csv exists already; --force replaces it");
+    succeed({"import", "stack", "--write-table", "t 1.csv", "--force"});
+    EXPECT_EQ(entriesOf(path(".")), (QStringList{"stack", "t 1.csv"}));
+    succeed({"import", "stack", "seq", "--images", "t 1.csv"});
+}
+
+TEST_F(ImportProgramTest, ASeriesOfNumberedFramesNeedsTheirInterval)
+{
+    for (int i = 0; i < 3; ++i) {
+        writeTiffFile(QStringLiteral("stack/t000%1.tif").arg(i), imageOf(4, 4, [](int p) { return dyeA(p); }));
+    }
+    EXPECT_TRUE(spum({"import", "stack", "seq"}).errText().contains("--interval S tells the seconds between frames"));
+    const QJsonObject json = succeed({"import", "stack", "seq", "--interval", "2.5", "--json"}).json();
+    EXPECT_EQ(json["temporal"], true);
+    EXPECT_EQ(json["table"].toArray()[2].toObject()["time"], 5.0);
+    EXPECT_EQ(json["table"].toArray()[2].toObject()["origin"], "name: t0002 x 2.5 s");
+}
+
+TEST_F(ImportProgramTest, CorrectionsAreMadeAndTold)
+{
+    writeTiffFile("stack/em700.tif", imageOf(4, 4, [](int) { return 8.0F; }));
+    writeTiffFile("stack/em720.tif", imageOf(4, 4, [](int i) { return static_cast<float>(i); }));
+    writeTiffFile("dark.tif", imageOf(4, 4, [](int) { return 10.0F; }));
+    writeTiffFile("flat.tif", imageOf(4, 4, [](int i) { return i < 8 ? 1.0F : 3.0F; }));
+    writeTiffFile("zero.tif", imageOf(4, 4, [](int i) { return static_cast<float>(i); }));
+    const QString text = QString::fromUtf8(
+        succeed({"import", "stack", "seq", "--dark", "dark.tif", "--flat", "flat.tif", "--exposure", "1.5"}).out);
+    EXPECT_TRUE(text.contains(", dark image subtracted, flat field divided\n")) << qPrintable(text);
+    EXPECT_EQ(succeed({"info", "seq", "--json"}).json()["images"].toArray()[1].toObject()["exposure"], "1.5");
+    succeed({"export", "seq", "--format", "csv", "--out", "cube.csv"});
+    const QList<QByteArray> lines = contentOf(path("cube.csv")).split('\n');
+    EXPECT_EQ(lines[1], "0,0,-4,-20");
+    EXPECT_EQ(lines[16], "3,3,-1.33333337,3.33333325");
+    EXPECT_EQ(refusal({"import", "stack", "bad", "--flat", "zero.tif"}),
+              "zero.tif: the flat field is not above 0 in column 0, row 0");
+    EXPECT_EQ(refusal({"import", "stack", "bad", "--exposure", "1,2,3"}), "stack: 3 exposures are given for 2 images");
+    EXPECT_FALSE(QFileInfo::exists(path("bad")));
+}
+
+TEST_F(ImportProgramTest, OptionsThatMeanNothingAreRefused)
+{
+    writeTiffFile("stack/em700.tif", imageOf(4, 4, [](int) { return 8.0F; }));
+    EXPECT_TRUE(
+        refusal({"import", "stack", "seq", "--exposure", "0"}, 2).startsWith("--exposure takes a number above 0"));
+    EXPECT_TRUE(refusal({"import", "stack", "seq", "--exposure", "1,,2"}, 2).startsWith("--exposure takes"));
+    EXPECT_TRUE(refusal({"import", "stack", "seq", "--pixel-size", "nan"}, 2).startsWith("--pixel-size takes"));
+    EXPECT_TRUE(refusal({"import", "stack", "seq", "--interval", "1,5"}, 2).startsWith("--interval takes"));
+    EXPECT_TRUE(refusal({"import", "stack", "seq", "--images", "a.csv", "--interval", "1"}, 2)
+                    .startsWith("--images does not go"));
+    EXPECT_TRUE(refusal({"import", "stack"}, 2).startsWith("import takes the images and the folder to make."));
+}
+
+TEST_F(ImportProgramTest, AwkwardStacksAreRefusedByName)
+{
+    QDir().mkpath(path("empty"));
+    EXPECT_EQ(refusal({"import", "empty", "seq"}), "empty: there is no TIFF file and no ENVI header in the folder");
+    writeTiffFile("mixed/em700.tif", imageOf(4, 4, [](int) { return 8.0F; }));
+    writeTiffFile("mixed/em720.tif", imageOf(4, 5, [](int) { return 8.0F; }));
+    EXPECT_EQ(refusal({"import", "mixed", "seq"}),
+              "inferred table:3: em720.tif has 4 x 5 pixels where em700.tif has 4 x 4");
+    writeTiffFile("twice/a em700.tif", imageOf(4, 4, [](int) { return 8.0F; }));
+    writeTiffFile("twice/b em700.tif", imageOf(4, 4, [](int) { return 8.0F; }));
+    EXPECT_TRUE(
+        spum({"import", "twice", "seq"}).errText().contains("a em700.tif and b em700.tif share emission 700 nm"));
+    const QByteArray whole = contentOf(writeTiffFile("cut/em700.tif", imageOf(64, 64, [](int) { return 8.0F; })));
+    write("cut/em720.tif", whole.left(whole.size() / 2));
+    EXPECT_TRUE(refusal({"import", "cut", "seq"}).startsWith("cut/em720.tif: ")) << "a file cut short";
+    write("file", "in the folder's place");
+    writeTiffFile("good/em700.tif", imageOf(4, 4, [](int) { return 8.0F; }));
+    EXPECT_FALSE(refusal({"import", "good", "file/seq"}).isEmpty());
+    EXPECT_EQ(entriesOf(path(".")), (QStringList{"cut", "empty", "file", "good", "mixed", "twice"}));
+    // One image is a sequence, if a small one.
+    EXPECT_EQ(succeed({"import", "good", "seq", "--json"}).json()["images"], 1);
+}
+
+TEST_F(ImportProgramTest, ColoursAreGreyValues)
+{
+    write("stack/em700.tif", colourTiff());
+    writeTiffFile("stack/em720.tif", imageOf(4, 4, [](int i) { return static_cast<float>(i); }));
+    const ProgramResult result = spum({"import", "stack", "seq"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_TRUE(result.errText().contains("em700.tif has colours: their grey values are taken"))
+        << result.err.constData();
+    succeed({"export", "seq", "--format", "csv", "--out", "cube.csv"});
+    EXPECT_EQ(contentOf(path("cube.csv")).split('\n')[1], "0,0,124,0");
+}
+
+// Fixed cells with three stains, three excitations and four emissions each: spectra measured in regions where one stain
+// prevails, and their maps.
+TEST_F(ImportProgramTest, RealCellsAreImportedAndUnmixed)
+{
+    const QString cells = QStringLiteral(ORV_SOURCE_DIR "/../shared/data/cells");
+    if (!QDir(cells).exists()) {
+        GTEST_SKIP() << "the images of cells are not beside the source: " << qPrintable(cells);
+    }
+    // The files have a colour map, which the importer warns of.
+    const QJsonObject imported = spum({"import", cells, "cells", "--images", cells + "/images.csv", "--json"}).json();
+    EXPECT_EQ(imported["images"], 12);
+    EXPECT_EQ(imported["width"], 512);
+    const QJsonObject info = succeed({"info", "cells", "--json"}).json();
+    EXPECT_EQ(info["analysable"], true);
+    EXPECT_EQ(info["unit"], "Counts");
+    EXPECT_TRUE(info["photograph"].toString().contains("mean image"));
+    succeed({"library", "save", "stains", "--sequence", "cells", "--region", "tubulin=240,496,16,8", "--region",
+             "actin=440,88,8,24", "--region", "nucleic acid=16,88,16,8"});
+    const QJsonObject json = succeed({"unmix", "cells", "--library", "stains", "--json", "--out", "out"}).json();
+    EXPECT_EQ(json["images"], 12);
+    EXPECT_EQ(json["pixels"], 512 * 512);
+    ASSERT_EQ(json["components"].toArray().size(), 3);
+    double shares = 0.0;
+    for (const auto& component : json["components"].toArray()) {
+        EXPECT_GT(component.toObject()["share"].toDouble(), 0.02)
+            << qPrintable(component.toObject()["name"].toString());
+        shares += component.toObject()["share"].toDouble();
+    }
+    EXPECT_NEAR(shares, 1.0, 0.1);
+    EXPECT_LT(json["residual"].toDouble(), 0.35);
+    EXPECT_FALSE(QImage(path("out/overview.png")).isNull());
+}

@@ -1,0 +1,114 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// What Ctrl-C leaves behind.
+#include "workbench/program/ProgramFixture.h"
+
+#include <QDir>
+#include <QJsonDocument>
+
+#include <csignal>
+
+namespace {
+
+class InterruptProgramTest : public ProgramFixture
+{
+protected:
+    static bool isHidden(const QString& strName) { return strName.startsWith('.'); }
+
+    // Interrupted: status 130, nothing left. Otherwise it was done already, and all is there.
+    void expectAllOrNothing(const ProgramResult& result, const QString& strParent, const QStringList& before,
+                            const QString& strOut, const QString& strLastFile) const
+    {
+        QStringList after = entriesOf(strParent);
+        if (result.status == 0) {
+            EXPECT_TRUE(QFileInfo::exists(strParent + '/' + strOut + '/' + strLastFile));
+            EXPECT_TRUE(after.removeOne(strOut));
+        } else {
+            EXPECT_EQ(result.status, 130) << result.err.constData();
+            EXPECT_TRUE(result.err.startsWith("spum: ")) << result.err.constData();
+            EXPECT_TRUE(result.err.contains("abort")) << result.err.constData();
+            EXPECT_EQ(result.out, QByteArray());
+        }
+        EXPECT_EQ(after, before);
+    }
+};
+
+} // namespace
+
+TEST_F(InterruptProgramTest, AnInterruptedSimulationLeavesNothing)
+{
+    int interrupted = 0;
+    for (const int delay : {0, 50, 200}) {
+        const ProgramResult result =
+            program().runAndInterrupt({"simulate", "seq", "--size", "768"}, path("."), delay, SIGINT);
+        expectAllOrNothing(result, path("."), {}, "seq", "SequenceInfo.txt");
+        interrupted += result.status == 130 ? 1 : 0;
+        QDir(path("seq")).removeRecursively();
+    }
+    EXPECT_GT(interrupted, 0);
+    simulate();
+    EXPECT_EQ(entriesOf(path(".")), (QStringList{"seq"}));
+}
+
+TEST_F(InterruptProgramTest, AnInterruptedUnmixingLeavesNothing)
+{
+    succeed({"simulate", "seq", "--size", "384", "--bands", "12", "--quiet"});
+    const QStringList before = entriesOf(path("seq"));
+    int interrupted = 0;
+    for (const int delay : {0, 30, 90, 180, 350}) {
+        const ProgramResult result =
+            program().runAndInterrupt({"unmix", "seq", "--library", truth()}, path("seq"), delay, SIGINT);
+        expectAllOrNothing(result, path("seq"), before, "unmixed-library", "summary.json");
+        interrupted += result.status == 130 ? 1 : 0;
+        QDir(path("seq/unmixed-library")).removeRecursively();
+    }
+    EXPECT_GT(interrupted, 0);
+    succeed({"unmix", "seq", "--library", truth()});
+    EXPECT_TRUE(entriesOf(path("seq")).contains("unmixed-library"));
+}
+
+TEST_F(InterruptProgramTest, AnInterruptedResolutionLeavesNothing)
+{
+    succeed({"simulate", "seq", "--size", "384", "--bands", "12", "--quiet"});
+    const QStringList before = entriesOf(path("seq"));
+    const QStringList resolve = {"unmix", "seq", "--ncomponents", "3", "--mask", "none"};
+    int interrupted = 0;
+    for (const int delay : {0, 60, 150, 400}) {
+        const ProgramResult result = program().runAndInterrupt(resolve, path("seq"), delay, SIGINT);
+        expectAllOrNothing(result, path("seq"), before, "unmixed-automatic", "summary.json");
+        interrupted += result.status == 130 ? 1 : 0;
+        QDir(path("seq/unmixed-automatic")).removeRecursively();
+    }
+    EXPECT_GT(interrupted, 0);
+}
+
+TEST_F(InterruptProgramTest, ATerminationLeavesNothing)
+{
+    const ProgramResult result = program().runAndInterrupt({"simulate", "seq", "--size", "768"}, path("."), 0, SIGTERM);
+    expectAllOrNothing(result, path("."), {}, "seq", "SequenceInfo.txt");
+    EXPECT_EQ(result.status, 130);
+}
+
+// With --force the earlier result stays until the new one is complete.
+TEST_F(InterruptProgramTest, AnInterruptedReplacementKeepsWhatWasThere)
+{
+    succeed({"simulate", "seq", "--size", "384", "--bands", "12", "--quiet"});
+    succeed({"unmix", "seq", "--library", truth(), "--unit", "radiance"});
+    const QStringList before = entriesOf(path("seq"));
+    const QByteArray summary = contentOf(path("seq/unmixed-library/summary.json"));
+    int interrupted = 0;
+    for (const int delay : {0, 40, 120, 250}) {
+        const ProgramResult result = program().runAndInterrupt(
+            {"unmix", "seq", "--library", truth(), "--unit", "radiance", "--force"}, path("seq"), delay, SIGINT);
+        EXPECT_TRUE(result.status == 130 || result.status == 0) << result.status;
+        interrupted += result.status == 130 ? 1 : 0;
+        EXPECT_EQ(entriesOf(path("seq")), before);
+        const QByteArray now = contentOf(path("seq/unmixed-library/summary.json"));
+        EXPECT_TRUE(QJsonDocument::fromJson(now).isObject());
+        if (result.status == 130) {
+            EXPECT_EQ(now, summary);
+            continue;
+        }
+        break;
+    }
+    EXPECT_GT(interrupted, 0);
+}

@@ -1,0 +1,153 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// `spum library` from end to end.
+#include "workbench/program/ProgramFixture.h"
+
+#include <QDir>
+
+namespace {
+
+class LibraryProgramTest : public ProgramFixture
+{
+protected:
+    QStringList saved() const
+    {
+        QStringList names;
+        for (const auto& library : succeed({"library", "list", "--json"}).json()["libraries"].toArray()) {
+            names.append(library.toObject()["name"].toString());
+        }
+        return names;
+    }
+    QJsonArray spectra(const QString& strName) const
+    {
+        return succeed({"library", "show", strName, "--json"}).json()["spectra"].toArray();
+    }
+};
+
+double valueOf(const QJsonValue& spectrum, int nPoint)
+{
+    return spectrum.toObject()["points"].toArray()[nPoint].toObject()["value"].toDouble(-1.0);
+}
+
+} // namespace
+
+TEST_F(LibraryProgramTest, WithoutAnyTheListSaysSo)
+{
+    EXPECT_EQ(succeed({"library", "list"}).out, "no library is saved\n");
+}
+
+TEST_F(LibraryProgramTest, AFileIsSavedListedShownAndUsed)
+{
+    const QString text = QString::fromUtf8(succeed({"library", "save", "my dyes", "--from", library()}).out);
+    EXPECT_TRUE(text.startsWith("saved 2 spectra of 3 points as my dyes (" + path("home/data/"))) << qPrintable(text);
+    EXPECT_EQ(succeed({"library", "list"}).out, "library  spectra  points  note\n"
+                                                "my dyes        2       3  by hand\n");
+    EXPECT_EQ(succeed({"library", "show", "my dyes"}).out, "Note: by hand\n\n"
+                                                           "first  second  Dye A  Dye B\n"
+                                                           "  640     740      0      1\n"
+                                                           "  640     700      1      0\n"
+                                                           "  640     720    0.5   0.25\n");
+    smallSequence().writeTo(path("seq"));
+    EXPECT_EQ(succeed({"unmix", "seq", "--library", "my dyes", "--json"}).json()["components"].toArray().size(), 2);
+}
+
+// A sequence and the library of its spectra may well have one name.
+TEST_F(LibraryProgramTest, AFolderOfThatNameDoesNotHideALibrary)
+{
+    succeed({"library", "save", "mouse", "--from", library()});
+    smallSequence().writeTo(path("mouse"));
+    EXPECT_EQ(spectra("mouse").size(), 2);
+    succeed({"unmix", "mouse", "--library", "mouse"});
+}
+
+TEST_F(LibraryProgramTest, ASavedLibraryIsReplacedOnlyByForce)
+{
+    succeed({"library", "save", "dyes", "--from", library()});
+    write("other.csv", "$,NumSpec,1\n$,Color,red\n$,Select,1\nExcitation,Emission,X\n640,700,1\n");
+    EXPECT_EQ(refusal({"library", "save", "dyes", "--from", "other.csv"}),
+              "the library dyes exists already; --force replaces it");
+    EXPECT_EQ(spectra("dyes").size(), 2);
+    succeed({"library", "save", "dyes", "--from", "other.csv", "--force", "--note", "new"});
+    EXPECT_EQ(spectra("dyes").size(), 1);
+    EXPECT_EQ(succeed({"library", "show", "dyes", "--json"}).json()["note"], "new");
+    EXPECT_EQ(saved(), (QStringList{"dyes"}));
+}
+
+TEST_F(LibraryProgramTest, ANoteWithACommaIsToldOf)
+{
+    const ProgramResult result = spum({"library", "save", "dyes", "--from", library(), "--note", "one, two"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.err, "spum: warning: the file's form ends a note at its first comma\n");
+    EXPECT_EQ(succeed({"library", "show", "dyes", "--json"}).json()["note"], "one");
+}
+
+TEST_F(LibraryProgramTest, ANameThatIsNoFileNameIsAUsageError)
+{
+    for (const char* name : {"", "a/b", "../a", ".hidden"}) {
+        refusal({"library", "save", name, "--from", library()}, 2);
+    }
+    EXPECT_EQ(saved(), QStringList());
+}
+
+TEST_F(LibraryProgramTest, SourcesOfTheDatabaseAreSavedForTheImagesOfASequence)
+{
+    simulate({"--probes", "AlexaFluor 750"});
+    succeed({"library", "save", "dyes", "--probes", "AlexaFluor 750", "--sequence", "seq"});
+    const QJsonArray list = spectra("dyes");
+    ASSERT_EQ(list.size(), 1);
+    EXPECT_EQ(list[0].toObject()["points"].toArray().size(), 8);
+    double largest = 0.0;
+    for (int j = 0; j < 8; ++j) {
+        largest = std::max(largest, valueOf(list[0], j));
+    }
+    EXPECT_EQ(largest, 1.0);
+    EXPECT_EQ(succeed({"unmix", "seq", "--library", "dyes", "--json"}).json()["images"], 8);
+}
+
+TEST_F(LibraryProgramTest, RegionsAreMeasuredInTheImagesOfASequence)
+{
+    smallSequence().writeTo(path("seq"));
+    succeed(
+        {"library", "save", "measured", "--region", "left=0,0,1,4", "--region", "right=3,0,1,4", "--sequence", "seq"});
+    const QJsonArray list = spectra("measured");
+    ASSERT_EQ(list.size(), 2);
+    // Left: pixels 0, 4, 8, 12 with the mean 6 of the first and 1 of the second map; in the second image 3.25.
+    EXPECT_DOUBLE_EQ(valueOf(list[0], 0), 1.0);
+    EXPECT_NEAR(valueOf(list[0], 1), 3.25 / 6.0, 1e-6);
+    EXPECT_NEAR(valueOf(list[0], 2), 1.0 / 6.0, 1e-6);
+    EXPECT_EQ(list[1].toObject()["name"], "right");
+}
+
+TEST_F(LibraryProgramTest, SaveAsksForOneSourceAndItsSequence)
+{
+    EXPECT_TRUE(refusal({"library", "save", "x"}, 2).startsWith("save takes one of"));
+    EXPECT_TRUE(
+        refusal({"library", "save", "x", "--from", library(), "--probes", "Cy5"}, 2).startsWith("save takes one"));
+    EXPECT_TRUE(refusal({"library", "save", "x", "--probes", "Cy5"}, 2).startsWith("--sequence is missing"));
+    smallSequence().writeTo(path("seq"));
+    EXPECT_TRUE(refusal({"library", "save", "x", "--region", "A=1", "--sequence", "seq"}, 2).contains("NAME=X,Y,W,H"));
+    EXPECT_TRUE(
+        refusal({"library", "save", "x", "--region", "A=3,3,2,2", "--sequence", "seq"}).contains("leaves the image"));
+    EXPECT_TRUE(refusal({"library", "save", "x", "--probes", "Nobody", "--sequence", "seq"}).contains("\"Nobody\""));
+    EXPECT_EQ(saved(), QStringList());
+}
+
+TEST_F(LibraryProgramTest, AnUnreadableLibraryIsListedAsSuch)
+{
+    succeed({"library", "save", "good", "--from", library()});
+    const QString folder =
+        QFileInfo(succeed({"library", "save", "bad", "--from", library(), "--json"}).json()["path"].toString()).path();
+    QFile file(folder + "/bad.csv");
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("$,NumSpec,0\n");
+    file.close();
+    const QByteArray text = succeed({"library", "list"}).out;
+    EXPECT_TRUE(text.contains("unreadable")) << text.constData();
+    EXPECT_TRUE(refusal({"library", "show", "bad"}).contains("no spectrum library"));
+    EXPECT_TRUE(refusal({"library", "show", "absent"}).contains("saved are bad, good"));
+}
+
+TEST_F(LibraryProgramTest, AnEmptyTableIsShownWithoutRows)
+{
+    write("empty.csv", "$,NumSpec,1\n$,Color,red\n$,Select,1\nExcitation,Emission,X\n");
+    EXPECT_EQ(succeed({"library", "show", "empty.csv"}).out, "first  second  X\n");
+}

@@ -1,0 +1,292 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// What all commands of the program have in common.
+#include "workbench/program/ProgramFixture.h"
+
+#include "support/ForkedChild.h"
+
+#include <QDir>
+#include <QFile>
+
+namespace {
+
+const QStringList commands = {"simulate", "import", "info", "export", "pca", "unmix", "compare", "library"};
+
+class ProgramTest : public ProgramFixture
+{
+protected:
+    void writeWithoutCalibration() const
+    {
+        SmallSequence sequence = smallSequence();
+        for (auto& image : sequence.images) {
+            image.calibratedUnit = DISPLAYUNIT_COUNTS;
+        }
+        sequence.writeTo(path("seq"));
+    }
+};
+
+} // namespace
+
+TEST_F(ProgramTest, TellsItsVersion)
+{
+    for (const QStringList& arguments :
+         {QStringList{"--version"}, QStringList{"-v"}, QStringList{"unmix", "--version"}}) {
+        EXPECT_EQ(succeed(arguments).out, "spum 0.1.0\n");
+    }
+}
+
+TEST_F(ProgramTest, HelpListsTheCommands)
+{
+    for (const char* word : {"--help", "-h", "help"}) {
+        const QString text = QString::fromUtf8(succeed({word}).out);
+        EXPECT_TRUE(text.startsWith("Usage: spum COMMAND [options]\n"));
+        for (const auto& command : commands) {
+            EXPECT_TRUE(text.contains("\n  " + command + ' ')) << qPrintable(command);
+        }
+    }
+}
+
+TEST_F(ProgramTest, EachCommandHasItsHelp)
+{
+    for (const auto& command : commands) {
+        const QString text = QString::fromUtf8(succeed({command, "--help"}).out);
+        EXPECT_TRUE(text.startsWith("Usage: spum " + command + " [options]")) << qPrintable(text);
+        for (const char* option : {"--help", "--json", "--quiet", "--verbose", "--log <FILE>", "--trace <FILE>"}) {
+            EXPECT_TRUE(text.contains(option)) << qPrintable(command) << option;
+        }
+        EXPECT_EQ(succeed({command, "-h"}).out, text.toUtf8());
+    }
+}
+
+TEST_F(ProgramTest, ACommandThatIsUnknownOrMissingIsAUsageError)
+{
+    EXPECT_EQ(refusal({"unmixx"}, 2), "there is no command \"unmixx\". See \"spum --help\".");
+    EXPECT_EQ(refusal({"--json"}, 2), "there is no command \"--json\". See \"spum --help\".");
+    EXPECT_EQ(refusal({}, 2), "no command given. See \"spum --help\".");
+}
+
+TEST_F(ProgramTest, AnUnknownOptionIsAUsageError)
+{
+    for (const auto& command : commands) {
+        EXPECT_EQ(refusal({command, "--bogus"}, 2),
+                  QStringLiteral("Unknown option 'bogus'. See \"spum %1 --help\".").arg(command));
+        refusal({command, "x", "--log"}, 2);
+    }
+}
+
+TEST_F(ProgramTest, AWrongNumberOfArgumentsIsAUsageError)
+{
+    for (const QStringList& arguments :
+         {QStringList{"simulate"}, QStringList{"simulate", "a", "b"}, QStringList{"info"},
+          QStringList{"info", "a", "b"}, QStringList{"import", "a"}, QStringList{"unmix"}, QStringList{"pca"},
+          QStringList{"pca", "a", "b"}, QStringList{"compare"}, QStringList{"compare", "a"},
+          QStringList{"unmix", "a", "b", "--library", "l"}, QStringList{"library"}, QStringList{"library", "show"},
+          QStringList{"library", "list", "x"}, QStringList{"library", "save", "x"},
+          QStringList{"library", "drop", "x"}}) {
+        EXPECT_TRUE(refusal(arguments, 2).contains("--help")) << qPrintable(arguments.join(' '));
+    }
+    EXPECT_EQ(entriesOf(path(".")), QStringList());
+}
+
+TEST_F(ProgramTest, AnOptionThatMakesNoSenseIsAUsageError)
+{
+    for (const QStringList& options :
+         {QStringList{"--method", "guided"}, QStringList{"--method", "x"}, QStringList{"--unit", "lux"},
+          QStringList{"--binning", "0"}, QStringList{"--binning", "65"}, QStringList{"--binning", "two"},
+          QStringList{"--select", " "}, QStringList{"--trace", ""}, QStringList{"--log", ""}}) {
+        refusal(QStringList{"unmix", "seq", "--library", "l"} + options, 2);
+    }
+    for (const QStringList& options :
+         {QStringList{"--components", "A,,B"}, QStringList{"--components", "A,B", "--ncomponents", "2"},
+          QStringList{"--ncomponents", "two"}, QStringList{"--constraints", "--no-constraints"},
+          QStringList{"--decay", "soon"}, QStringList{"--decay", "0"}, QStringList{"--library", "l"},
+          QStringList{"--mask", "rect:1,2,3"}, QStringList{"--mask", ""}, QStringList{"--threshold", "101"},
+          QStringList{"--threshold", "20", "--mask", "none"}}) {
+        refusal(QStringList{"unmix", "seq", "--method", "automatic"} + options, 2);
+    }
+    EXPECT_TRUE(refusal({"unmix", "seq", "--method", "library"}, 2).startsWith("--library is missing"));
+    EXPECT_TRUE(refusal({"unmix", "seq", "--library", "l", "--components", "A,B", "--decay", "auto"}, 2)
+                    .startsWith("--components, --decay takes --method automatic."));
+    refusal({"pca", "seq", "--binning", "0"}, 2);
+    EXPECT_TRUE(refusal({"import", "a", "b", "--images", ""}, 2).startsWith("--images takes the table"));
+    for (const QStringList& options :
+         {QStringList{"--size", "many"}, QStringList{"--noise", "loud"}, QStringList{"--size", "-5"},
+          QStringList{"--probes", "Nobody"}, QStringList{"--seed", "-1"}, QStringList{"--bands", "1"}}) {
+        refusal(QStringList{"simulate", "out"} + options, 2);
+    }
+    EXPECT_EQ(entriesOf(path(".")), QStringList());
+}
+
+TEST_F(ProgramTest, InAPipeStandardErrorStaysEmpty)
+{
+    simulate();
+    succeed({"info", "seq"});
+    succeed({"unmix", "seq", "--library", truth()});
+    succeed({"library", "list"});
+}
+
+TEST_F(ProgramTest, OnATerminalProgressIsShownAndTakenAway)
+{
+    const ProgramResult result = program().runOnTerminal({"simulate", "seq", "--size", "128", "--bands", "8"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_TRUE(result.err.contains("simulating")) << result.err.constData();
+    EXPECT_TRUE(result.err.endsWith("\r\x1b[K")) << result.err.toHex().constData();
+    for (const char* option : {"--quiet", "--json"}) {
+        EXPECT_EQ(program().runOnTerminal({"simulate", "seq", "--size", "64", "--bands", "8", "--force", option}).err,
+                  QByteArray());
+    }
+}
+
+TEST_F(ProgramTest, QuietSaysNothingButErrors)
+{
+    const ProgramResult made = succeed({"simulate", "seq", "--size", "64", "--bands", "8", "--quiet"});
+    EXPECT_EQ(made.out, QByteArray());
+    EXPECT_EQ(succeed({"unmix", "seq", "--library", truth(), "--quiet"}).out, QByteArray());
+    write(QStringLiteral("seq/%1/luminescent.TIF").arg(entriesOf(path("seq")).first()), "cut");
+    EXPECT_EQ(succeed({"info", "seq", "--quiet"}).out, QByteArray());
+    EXPECT_TRUE(refusal({"unmix", "nowhere", "--library", truth(), "--quiet"}).contains("nowhere"));
+}
+
+TEST_F(ProgramTest, JsonIsOneObjectAndNothingElse)
+{
+    EXPECT_EQ(succeed({"simulate", "seq", "--size", "64", "--bands", "8", "--json"}).json()["size"], 64);
+    EXPECT_EQ(succeed({"info", "seq", "--json"}).json()["images"].toArray().size(), 8);
+    EXPECT_EQ(succeed({"unmix", "seq", "--library", truth(), "--json"}).json()["images"], 8);
+    EXPECT_TRUE(succeed({"library", "list", "--json"}).json()["libraries"].toArray().isEmpty());
+    EXPECT_EQ(succeed({"library", "show", truth(), "--json"}).json()["spectra"].toArray().size(), 4);
+}
+
+TEST_F(ProgramTest, AWarningGoesBesideTheJson)
+{
+    simulate();
+    write(QStringLiteral("seq/%1/luminescent.TIF").arg(entriesOf(path("seq")).at(1)), "cut");
+    const ProgramResult result = spum({"info", "seq", "--json"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.json()["warnings"].toArray().size(), 1);
+    EXPECT_TRUE(result.err.startsWith("spum: warning: "));
+}
+
+// The engine logs each unit that it cannot have.
+TEST_F(ProgramTest, TheLogIsAppendedToItsFile)
+{
+    writeWithoutCalibration();
+    succeed({"unmix", "seq", "--library", library(), "--log", path("my log.txt")});
+    const QByteArray first = contentOf(path("my log.txt"));
+    EXPECT_TRUE(first.contains("WARNING   SpumKyvo: Will try the radiance unit!\n")) << first.constData();
+    succeed({"unmix", "seq", "--library", library(), "--log", path("my log.txt"), "--force"});
+    const QByteArray both = contentOf(path("my log.txt"));
+    EXPECT_TRUE(both.startsWith(first));
+    EXPECT_GT(both.size(), first.size());
+}
+
+TEST_F(ProgramTest, TheTraceHasAFileOfItsOwn)
+{
+    simulate();
+    const ProgramResult result = succeed({"unmix", "seq", "--library", truth(), "--trace", "trace.txt", "--json"});
+    EXPECT_TRUE(result.json().contains("components"));
+    EXPECT_TRUE(QFileInfo::exists(path("trace.txt")));
+    // Iterations are told there, and nowhere else.
+    const ProgramResult automatic =
+        succeed({"unmix", "seq", "--ncomponents", "2", "--trace", "iterations.txt", "--json"});
+    const QByteArray trace = contentOf(path("iterations.txt"));
+    EXPECT_EQ(trace.count("Iteration: "), automatic.json()["iterations"].toInt()) << trace.right(400).constData();
+    EXPECT_FALSE(automatic.out.contains("Iteration: "));
+}
+
+TEST_F(ProgramTest, ALogOrTraceThatCannotBeWrittenStopsTheCommand)
+{
+    EXPECT_TRUE(refusal({"simulate", "seq", "--log", path("no/log.txt")}).contains("no/log.txt"));
+    EXPECT_TRUE(refusal({"simulate", "seq", "--trace", path("no/trace.txt")}).contains("no/trace.txt"));
+    EXPECT_EQ(entriesOf(path(".")), QStringList());
+}
+
+TEST_F(ProgramTest, VerboseShowsTheLog)
+{
+    writeWithoutCalibration();
+    const ProgramResult result = spum({"unmix", "seq", "--library", library(), "--verbose"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_TRUE(result.err.contains("SpumKyvo: Will try the radiance unit!")) << result.err.constData();
+    EXPECT_FALSE(result.out.contains("SpumKyvo"));
+}
+
+TEST_F(ProgramTest, AnOutputThatExistsIsRefusedAndStaysAsItIs)
+{
+    simulate();
+    const QByteArray before = contentOf(path("seq/SequenceInfo.txt"));
+    EXPECT_TRUE(refusal({"simulate", "seq", "--size", "64", "--bands", "8", "--seed", "9"})
+                    .contains("exists already; --force replaces it"));
+    EXPECT_EQ(contentOf(path("seq/SequenceInfo.txt")), before);
+    succeed({"unmix", "seq", "--library", truth()});
+    const QByteArray summary = contentOf(path("seq/unmixed-library/summary.json"));
+    EXPECT_TRUE(refusal({"unmix", "seq", "--library", truth(), "--unit", "counts"}).contains("--force"));
+    EXPECT_EQ(contentOf(path("seq/unmixed-library/summary.json")), summary);
+    succeed({"unmix", "seq", "--library", truth("counts"), "--unit", "counts", "--force"});
+    EXPECT_NE(contentOf(path("seq/unmixed-library/summary.json")), summary);
+    succeed({"simulate", "seq", "--size", "64", "--bands", "8", "--seed", "9", "--force"});
+    EXPECT_NE(contentOf(path("seq/SequenceInfo.txt")), before);
+}
+
+TEST_F(ProgramTest, ForceReplacesNoFolderOfSomebodyElse)
+{
+    simulate();
+    write("mine/letter.txt", "dear");
+    EXPECT_TRUE(refusal({"simulate", "mine", "--force"}).contains("was not made by this program"));
+    EXPECT_TRUE(refusal({"unmix", "seq", "--library", truth(), "--out", "mine", "--force"})
+                    .contains("was not made by this program"));
+    EXPECT_TRUE(refusal({"unmix", "seq", "--library", truth(), "--out", "seq", "--force"}).contains("was not made"));
+    EXPECT_EQ(entriesOf(path("mine")), (QStringList{"letter.txt"}));
+    EXPECT_EQ(entriesOf(path(".")), (QStringList{"mine", "seq"}));
+}
+
+TEST_F(ProgramTest, AFileInTheWayIsRefused)
+{
+    write("file", "x");
+    EXPECT_TRUE(refusal({"simulate", "file"}).contains("exists already"));
+    EXPECT_TRUE(refusal({"simulate", "file", "--force"}).contains("not replaced"));
+    EXPECT_TRUE(refusal({"simulate", "file/seq"}).contains("is not a folder"));
+    EXPECT_TRUE(refusal({"simulate", "absent/seq"}).contains("is not a folder"));
+    EXPECT_EQ(contentOf(path("file")), "x");
+}
+
+// Root may write anywhere, so it becomes another user.
+TEST_F(ProgramTest, AParentThatCannotBeWrittenToIsRefused)
+{
+    ASSERT_TRUE(QDir().mkpath(path("closed")));
+    ASSERT_EQ(::chmod(QFile::encodeName(path("..")).constData(), 0755), 0);
+    ASSERT_EQ(::chmod(QFile::encodeName(path("closed")).constData(), 0555), 0);
+    const QByteArray log = QFile::encodeName(path("stderr.txt"));
+    const QByteArray target = QFile::encodeName(path("closed/seq"));
+    const QByteArray binary = QFile::encodeName(SpumProgram::path());
+    const int status = inForkedChild([&] {
+        if (::freopen(log.constData(), "w", stderr) == nullptr || !becomePlainUser() ||
+            ::access(binary.constData(), X_OK) != 0) {
+            return 99;
+        }
+        ::execl(binary.constData(), "spum", "simulate", target.constData(), static_cast<char*>(nullptr));
+        return 98;
+    });
+    if (status == 99) {
+        GTEST_SKIP() << "another user cannot run the program where it was built";
+    }
+    EXPECT_EQ(status, 1);
+    EXPECT_TRUE(contentOf(path("stderr.txt")).startsWith("spum: " + target + " cannot be made: "))
+        << contentOf(path("stderr.txt")).constData();
+    EXPECT_EQ(entriesOf(path("closed")), QStringList());
+}
+
+TEST_F(ProgramTest, AFullOutputIsAnError)
+{
+    if (!QFileInfo::exists("/dev/full")) {
+        GTEST_SKIP() << "there is no /dev/full";
+    }
+    simulate();
+    const QByteArray binary = QFile::encodeName(SpumProgram::path());
+    const QByteArray sequence = QFile::encodeName(path("seq"));
+    const int status = inForkedChild([&] {
+        if (::freopen("/dev/full", "w", stdout) == nullptr || ::freopen("/dev/null", "w", stderr) == nullptr) {
+            return 99;
+        }
+        ::execl(binary.constData(), "spum", "info", sequence.constData(), static_cast<char*>(nullptr));
+        return 98;
+    });
+    EXPECT_EQ(status, 1);
+}

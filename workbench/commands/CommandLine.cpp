@@ -1,0 +1,207 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "workbench/commands/CommandLine.h"
+
+#include "host/CORVLog.h"
+#include "host/CORVPreference.h"
+#include "platform/orvutils/LogSinks.h"
+#include "services/basis/CliFailure.h"
+#include "services/basis/CliSession.h"
+#include "services/basis/LoggedErrors.h"
+#include "workbench/commands/Command.h"
+#include "workbench/commands/CompareCommand.h"
+#include "workbench/commands/ExportCommand.h"
+#include "workbench/commands/ImportCommand.h"
+#include "workbench/commands/InfoCommand.h"
+#include "workbench/commands/LibraryCommand.h"
+#include "workbench/commands/PcaCommand.h"
+#include "workbench/commands/ResultsCommand.h"
+#include "workbench/commands/RoiCommand.h"
+#include "workbench/commands/SimulateCommand.h"
+#include "workbench/commands/UnmixCommand.h"
+
+#include <QApplication>
+#include <QLocale>
+
+#include <algorithm>
+#include <clocale>
+#include <cstdlib>
+#include <cstring>
+#include <langinfo.h>
+#include <unistd.h>
+
+namespace {
+
+// Paths and names are UTF-8. Where the environment names no such character set, C.UTF-8 takes its place; numbers are
+// read and written in the C locale whatever it says.
+void settleLocale()
+{
+    std::setlocale(LC_ALL, "");
+    if (std::strcmp(nl_langinfo(CODESET), "UTF-8") != 0) {
+        ::setenv("LC_ALL", "C.UTF-8", 1);
+    }
+    QLocale::setDefault(QLocale::c());
+}
+
+// What the libraries below have to say goes to the log, not between the lines of an answer.
+void toLog(QtMsgType eType, const QMessageLogContext&, const QString& strMessage)
+{
+    const long level = eType == QtCriticalMsg || eType == QtFatalMsg ? CORVLOG_ERROR : CORVLOG_NOTE;
+    CORVLog::getLogObject()->log(strMessage, QString(), 0, QStringLiteral(__TIME__), level, false);
+}
+
+void print(const QString& strText)
+{
+    CliSession::writeAll(STDOUT_FILENO, strText.toUtf8());
+}
+
+void complain(const QString& strText)
+{
+    CliSession::writeAll(STDERR_FILENO, (QLatin1String("spum: ") + strText + QLatin1Char('\n')).toUtf8());
+}
+
+QString overview(const std::vector<std::unique_ptr<Command>>& commands)
+{
+    QString text = QStringLiteral("Usage: spum COMMAND [options]\n"
+                                  "Separates the sources of light in a sequence of optical images.\n\nCommands:\n");
+    for (const auto& command : commands) {
+        text += QStringLiteral("  %1 %2\n").arg(command->name().leftJustified(9), command->summary());
+    }
+    return text + QStringLiteral(
+                      "\n\"spum COMMAND --help\" tells the options of a command; \"spum --version\" the version.\n");
+}
+
+// Qt's text begins with the path of the program and knows nothing of commands.
+QString helpOf(const QCommandLineParser& parser, const QString& strCommand)
+{
+    QString text = parser.helpText();
+    const int options = text.indexOf(QLatin1String(" [options]"));
+    return text.replace(0, std::max(options, 0), QStringLiteral("Usage: spum ") + strCommand);
+}
+
+// The arguments with every option that came without its optional value in the form "--name=".
+QStringList withOptionalValues(const Command& command, QCommandLineParser& parser, QStringList arguments)
+{
+    for (const QString& name : command.optionsWithOptionalValue()) {
+        const int at = arguments.indexOf(QLatin1String("--") + name);
+        if (at < 0) {
+            continue;
+        }
+        arguments[at] += QLatin1Char('=');
+        const QString next = arguments.value(at + 1, QStringLiteral("-"));
+        parser.parse(arguments);
+        if (next.startsWith(QLatin1Char('-')) || parser.positionalArguments().size() <= command.argumentCount()) {
+            continue;
+        }
+        arguments[at] += next;
+        arguments.removeAt(at + 1);
+    }
+    return arguments;
+}
+
+// The command and its options; a usage error or --help ends here.
+int runCommand(Command& command, const QStringList& arguments)
+{
+    QCommandLineParser parser;
+    parser.setApplicationDescription(command.summary());
+    parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
+    const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")},
+                                  QStringLiteral("Tell the options of this command."));
+    parser.addOption(help);
+    const auto version = parser.addVersionOption();
+    CliSession::declareOptions(parser);
+    command.declare(parser);
+    if (!parser.parse(withOptionalValues(command, parser, arguments))) {
+        complain(parser.errorText() + QStringLiteral(" See \"spum %1 --help\".").arg(command.name()));
+        return CliFailure::Usage;
+    }
+    if (parser.isSet(help)) {
+        print(helpOf(parser, command.name()));
+        return 0;
+    }
+    if (parser.isSet(version)) {
+        print(QStringLiteral("spum %1\n").arg(CORVPreference::getAppVersion()));
+        return 0;
+    }
+    const LoggedErrors errors;
+    // Why a command failed is told once; what was logged beyond that goes ahead of it, unless the log was shown.
+    const auto tell = [&](const QString& strFailure) {
+        const bool shown = parser.isSet(QStringLiteral("verbose")) || parser.isSet(QStringLiteral("quiet"));
+        const QStringList lines = shown ? QStringList() : errors.linesBeyond(strFailure);
+        for (const QString& line : lines) {
+            complain(line);
+        }
+        if (!strFailure.isEmpty()) {
+            complain(strFailure);
+        }
+    };
+    try {
+        CliSession session(parser);
+        // An interrupt that comes when all is done does not make a failure of it.
+        command.run(parser, session);
+        tell(QString());
+        return 0;
+    } catch (const CliFailure& failure) {
+        tell(failure.message());
+        return failure.status();
+    } catch (const std::bad_alloc&) {
+        tell(QStringLiteral("not enough memory for this; try a coarser --binning or a smaller selection"));
+        return CliFailure::Failed;
+    }
+}
+
+int dispatch(const QStringList& arguments)
+{
+    const auto commands = CommandLine::commands();
+    const QString word = arguments.value(1);
+    if (word == QLatin1String("--version") || word == QLatin1String("-v")) {
+        print(QStringLiteral("spum %1\n").arg(CORVPreference::getAppVersion()));
+        return 0;
+    }
+    if (word == QLatin1String("--help") || word == QLatin1String("-h") || word == QLatin1String("help")) {
+        print(overview(commands));
+        return 0;
+    }
+    for (const auto& command : commands) {
+        if (command->name() != word) {
+            continue;
+        }
+        QStringList rest = arguments.mid(1);
+        rest[0] = QLatin1String("spum ") + word;
+        return runCommand(*command, rest);
+    }
+    complain(word.isEmpty() ? QStringLiteral("no command given. See \"spum --help\".")
+                            : QStringLiteral("there is no command \"%1\". See \"spum --help\".").arg(word));
+    return CliFailure::Usage;
+}
+
+} // namespace
+
+std::vector<std::unique_ptr<Command>> CommandLine::commands()
+{
+    std::vector<std::unique_ptr<Command>> list;
+    list.push_back(std::make_unique<SimulateCommand>());
+    list.push_back(std::make_unique<ImportCommand>());
+    list.push_back(std::make_unique<InfoCommand>());
+    list.push_back(std::make_unique<ExportCommand>());
+    list.push_back(std::make_unique<PcaCommand>());
+    list.push_back(std::make_unique<UnmixCommand>());
+    list.push_back(std::make_unique<ResultsCommand>());
+    list.push_back(std::make_unique<CompareCommand>());
+    list.push_back(std::make_unique<LibraryCommand>());
+    list.push_back(std::make_unique<RoiCommand>());
+    return list;
+}
+
+int CommandLine::run(int argc, char** argv)
+{
+    settleLocale();
+    ::setenv("QT_QPA_PLATFORM", "offscreen", 0);
+    CliSession::catchInterrupts();
+    orv::setConsoleLogLevel(orv::ConsoleLog::Errors);
+    qInstallMessageHandler(toLog);
+    QApplication application(argc, argv);
+    std::setlocale(LC_NUMERIC, "C");
+    QCoreApplication::setApplicationName(QStringLiteral("spum"));
+    QCoreApplication::setApplicationVersion(CORVPreference::getAppVersion());
+    return dispatch(QCoreApplication::arguments());
+}

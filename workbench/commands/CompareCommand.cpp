@@ -1,0 +1,203 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "workbench/commands/CompareCommand.h"
+
+#include "engine/CORVSpumKyvo.h"
+#include "platform/orvutils/AtomicFile.h"
+#include "platform/orvutils/StagedFolder.h"
+#include "services/basis/CliFailure.h"
+#include "services/basis/CliSession.h"
+#include "services/basis/PngBytes.h"
+#include "services/basis/TextTable.h"
+#include "services/basis/UnitNames.h"
+#include "services/results/ComparisonPicture.h"
+#include "services/results/ResultComparison.h"
+#include "services/results/SavedResult.h"
+#include "services/session/OpenedSequence.h"
+
+#include <QFileInfo>
+#include <QJsonArray>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+using Results = std::vector<std::unique_ptr<SavedResult>>;
+
+// A name is looked for as a folder as it stands, then in the sequence's own.
+QString folderOf(const QString& strName, const OpenedSequence& opened)
+{
+    const QString inside = opened.folder() + strName;
+    return !QFileInfo::exists(strName) && QFileInfo::exists(inside) ? inside : strName;
+}
+
+// The truth of data as they stand, and that of data corrected for decay, as far as there are such and results to
+// compare.
+void addTruths(Results& results, const OpenedSequence& opened)
+{
+    const int unit = UnitNames::fromText(results.front()->unit());
+    for (const bool corrected : {true, false}) {
+        const bool wanted = std::any_of(results.begin(), results.end(), [corrected](const auto& result) {
+            return !result->isTruth() && result->isDecayCorrected() == corrected;
+        });
+        const QString truth = wanted ? opened.truthFolder(unit, corrected) : QString();
+        if (truth.isEmpty()) {
+            continue;
+        }
+        results.insert(results.begin(), std::make_unique<SavedResult>());
+        results.front()->readTruth(truth, corrected);
+    }
+}
+
+// The truth, where there is one, ahead of the results.
+Results readAll(const QStringList& names, const OpenedSequence& opened)
+{
+    Results results;
+    for (const QString& name : names) {
+        results.push_back(std::make_unique<SavedResult>());
+        results.back()->readResult(folderOf(name, opened));
+        if (results.back()->unit() != results.front()->unit()) {
+            throw CliFailure(QStringLiteral("%1 is in %2, %3 in %4: results of one unit can be compared")
+                                 .arg(results.front()->label(), results.front()->unit(), results.back()->label(),
+                                      results.back()->unit()));
+        }
+    }
+    addTruths(results, opened);
+    if (results.size() < 2) {
+        throw CliFailure(QStringLiteral("the sequence has no truth to compare with; name two results at least"));
+    }
+    return results;
+}
+
+QString number(double dValue, int nDigits)
+{
+    return std::isnan(dValue) ? QString() : TextTable::number(dValue, nDigits);
+}
+
+TextTable tableOf(const ResultComparison& comparison, int nDigits)
+{
+    TextTable table({QStringLiteral("result"), QStringLiteral("component"), comparison.rowNames().first(),
+                     QStringLiteral("cosine"), QStringLiteral("correlation"), QStringLiteral("relative error")});
+    for (int i = 0; i < comparison.rowCount(); ++i) {
+        for (int j = 0; j < comparison.columnCount(); ++j) {
+            const ComparedComponent& component = comparison.at(i, j);
+            if (component.present && !comparison.isReference(i)) {
+                table.addRow({comparison.rowNames().at(i), component.name,
+                              comparison.at(comparison.referenceOf(i), j).name, number(component.cosine, nDigits),
+                              number(component.correlation, nDigits), number(component.relativeError, nDigits)});
+            }
+        }
+    }
+    return table;
+}
+
+// "truth"; where there are two, which of them each result is compared with.
+QString referenceText(const ResultComparison& comparison)
+{
+    QStringList references;
+    QStringList pairs;
+    for (int i = 0; i < comparison.rowCount(); ++i) {
+        const QString reference = comparison.rowNames().at(comparison.referenceOf(i));
+        if (comparison.isReference(i)) {
+            references.append(reference);
+        } else {
+            pairs.append(QStringLiteral("%1 (%2)").arg(reference, comparison.rowNames().at(i)));
+        }
+    }
+    return references.size() == 1 ? references.first() : pairs.join(QStringLiteral(", "));
+}
+
+QJsonObject jsonOf(const ResultComparison& comparison)
+{
+    const auto value = [](double dValue) { return std::isfinite(dValue) ? QJsonValue(dValue) : QJsonValue(); };
+    QJsonArray results;
+    for (int i = 0; i < comparison.rowCount(); ++i) {
+        if (comparison.isReference(i)) {
+            continue;
+        }
+        const int reference = comparison.referenceOf(i);
+        QJsonArray components;
+        for (int j = 0; j < comparison.columnCount(); ++j) {
+            const ComparedComponent& component = comparison.at(i, j);
+            if (component.present) {
+                components.append(QJsonObject{{"name", component.name},
+                                              {"reference", comparison.at(reference, j).name},
+                                              {"cosine", value(component.cosine)},
+                                              {"correlation", value(component.correlation)},
+                                              {"relativeError", value(component.relativeError)}});
+            }
+        }
+        results.append(QJsonObject{{"result", comparison.rowNames().at(i)},
+                                   {"reference", comparison.rowNames().at(reference)},
+                                   {"components", components}});
+    }
+    return QJsonObject{{"reference", comparison.rowNames().first()},
+                       {"images", comparison.imageCount()},
+                       {"pixels", comparison.pixelCount()},
+                       {"results", results}};
+}
+
+void put(const QString& strPath, const QByteArray& bytes)
+{
+    QString error;
+    if (!orv::writeFileAtomically(strPath, bytes, &error)) {
+        throw CliFailure(error);
+    }
+}
+
+} // namespace
+
+void CompareCommand::declare(QCommandLineParser& parser) const
+{
+    parser.addPositionalArgument(QStringLiteral("SEQ"), QStringLiteral("Folder of the sequence."));
+    parser.addPositionalArgument(
+        QStringLiteral("RESULT..."),
+        QStringLiteral("Folders with results of \"spum unmix\", or their names in SEQ. The first "
+                       "is what the others are compared with, unless SEQ has a truth."),
+        QStringLiteral("RESULT..."));
+    parser.addOption({QStringLiteral("out"), QStringLiteral("Folder for picture and table; SEQ/comparison."),
+                      QStringLiteral("DIR")});
+    parser.addOption({QStringLiteral("force"), QStringLiteral("Replace an earlier comparison in that folder.")});
+}
+
+void CompareCommand::run(const QCommandLineParser& parser, CliSession& session)
+{
+    const QStringList arguments = parser.positionalArguments();
+    if (arguments.size() < 2) {
+        throw CliFailure(
+            QStringLiteral("compare takes a sequence and one result at least. See \"spum compare --help\"."),
+            CliFailure::Usage);
+    }
+    OpenedSequence opened(arguments[0]);
+    session.warnAll(opened.warnings());
+    const Results results = readAll(arguments.mid(1), opened);
+    const ResultComparison comparison(results);
+    CliSession::stopIfInterrupted();
+
+    StagedFolder folder;
+    QString error;
+    const QString out = parser.value(QStringLiteral("out"));
+    if (!folder.begin(out.isEmpty() ? opened.folder() + QStringLiteral("comparison") : out,
+                      parser.isSet(QStringLiteral("force")), QStringLiteral("comparison.csv"), &error)) {
+        throw CliFailure(error);
+    }
+    ComparisonStyle style;
+    style.photograph = opened.engine().m_pPhoto;
+    style.colorTable = opened.engine().m_nColorMap;
+    style.reversed = opened.engine().m_bReverse;
+    style.unit = results.back()->unit();
+    put(folder.path() + QStringLiteral("comparison.png"), pngBytes(comparisonPicture(comparison, style)));
+    put(folder.path() + QStringLiteral("comparison.csv"), tableOf(comparison, 9).toCsv().toUtf8());
+    CliSession::stopIfInterrupted();
+    if (!folder.commit(&error)) {
+        throw CliFailure(error);
+    }
+    session.answer(QStringLiteral("compared with %1 over %2 pixels and %3 images\n\n%4\nresults in %5\n")
+                       .arg(referenceText(comparison))
+                       .arg(comparison.pixelCount())
+                       .arg(comparison.imageCount())
+                       .arg(tableOf(comparison, 4).toText(), folder.target()));
+    QJsonObject json = jsonOf(comparison);
+    json.insert(QStringLiteral("folder"), folder.target());
+    session.answerJson(json);
+}

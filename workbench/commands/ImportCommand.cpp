@@ -1,0 +1,223 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "workbench/commands/ImportCommand.h"
+
+#include "platform/orvutils/AtomicFile.h"
+#include "services/basis/CliFailure.h"
+#include "services/basis/CliProgress.h"
+#include "services/basis/CliSession.h"
+#include "services/importer/Importer.h"
+#include "services/transfer/ImportInference.h"
+
+#include <QFileInfo>
+#include <QJsonArray>
+
+#include <cmath>
+
+namespace {
+
+[[noreturn]] void usage(const QString& strText)
+{
+    throw CliFailure(strText + QStringLiteral(" See \"spum import --help\"."), CliFailure::Usage);
+}
+
+// What the command line asks for.
+struct Request
+{
+    ImportOptions import;
+    QString writeTable;             // empty: import
+    std::optional<double> interval; // s
+};
+
+double positiveNumber(const char* pOption, const QString& strText)
+{
+    bool ok = false;
+    const double value = strText.trimmed().toDouble(&ok);
+    if (!ok || !std::isfinite(value) || value <= 0.0) {
+        usage(QStringLiteral("--%1 takes a number above 0, not \"%2\".").arg(QLatin1String(pOption), strText));
+    }
+    return value;
+}
+
+Request requestOf(const QCommandLineParser& parser)
+{
+    const auto value = [&parser](const char* pName) { return parser.value(QLatin1String(pName)); };
+    const auto given = [&parser](const char* pName) { return parser.isSet(QLatin1String(pName)); };
+    Request request;
+    ImportOptions& options = request.import;
+    const QStringList arguments = parser.positionalArguments();
+    options.table = value("images");
+    request.writeTable = value("write-table");
+    if (given("write-table") && request.writeTable.isEmpty()) {
+        usage(QStringLiteral("--write-table takes the file to write."));
+    }
+    if (given("images") && options.table.isEmpty()) {
+        usage(QStringLiteral("--images takes the table that says which image is what."));
+    }
+    if (given("images") && (given("write-table") || given("interval"))) {
+        usage(QStringLiteral("--images does not go with --write-table or --interval, which infer such a table."));
+    }
+    if (arguments.size() != 2 && !(given("write-table") && arguments.size() == 1)) {
+        usage(QStringLiteral("import takes the images and the folder to make."));
+    }
+    options.source = arguments[0];
+    options.output = arguments.value(1);
+    options.photo = value("photo");
+    options.dark = value("dark");
+    options.flat = value("flat");
+    options.name = value("name");
+    options.force = given("force");
+    if (given("interval")) {
+        request.interval = positiveNumber("interval", value("interval"));
+    }
+    if (given("pixel-size")) {
+        options.pixelSize = positiveNumber("pixel-size", value("pixel-size"));
+    }
+    if (given("exposure")) {
+        for (const auto& text : value("exposure").split(QLatin1Char(','))) {
+            options.exposures.append(positiveNumber("exposure", text));
+        }
+    }
+    return request;
+}
+
+// Writes the table to the file that was asked for; never over one that the user may have filled in.
+void writeTable(const Request& request, const InferredTable& table)
+{
+    if (QFileInfo::exists(request.writeTable) && !request.import.force) {
+        throw CliFailure(QStringLiteral("%1 exists already; --force replaces it").arg(request.writeTable));
+    }
+    QString error;
+    if (!orv::writeFileAtomically(request.writeTable, table.toCsv(), &error)) {
+        throw CliFailure(error);
+    }
+}
+
+// With doubts nothing is imported: the table goes out as a template.
+[[noreturn]] void refuseDoubts(const Request& request, const InferredTable& table, CliSession& session)
+{
+    const bool written = !request.writeTable.isEmpty();
+    if (written) {
+        writeTable(request, table);
+    } else {
+        session.answer(QString::fromUtf8(table.toCsv()));
+    }
+    session.answerJson(QJsonObject{{"doubts", QJsonArray::fromStringList(table.doubts())},
+                                   {"template", QString::fromUtf8(table.toCsv())}});
+    throw CliFailure(QStringLiteral("%1: it is in doubt which image is what: %2. Fill in the table %3 and give it by "
+                                    "--images")
+                         .arg(request.import.source, doubtText(table),
+                              written ? request.writeTable : QStringLiteral("on standard output")));
+}
+
+QString textAnswer(const ImportReport& report, const QString& strFolder)
+{
+    QString text = report.images == 1 ? QStringLiteral("1 image") : QStringLiteral("%1 images").arg(report.images);
+    text += QStringLiteral(" of %1 x %2 pixels").arg(report.width).arg(report.height);
+    if (report.side != report.width || report.side != report.height) {
+        text += QStringLiteral(", padded to %1 x %1").arg(report.side);
+    }
+    text += report.temporal ? QStringLiteral(", at a series of times") : QString();
+    text += report.fluorescence ? QStringLiteral(", fluorescence") : QString();
+    text += report.transillumination ? QStringLiteral(", a scan of spots") : QString();
+    text += report.unit.isEmpty() ? QString() : QStringLiteral(", in ") + report.unit.toLower();
+    text += report.dark ? QStringLiteral(", dark image subtracted") : QString();
+    text += report.flat ? QStringLiteral(", flat field divided") : QString();
+    return text + QStringLiteral("\nphotograph: %1\nsequence in %2\n").arg(report.photographOrigin, strFolder);
+}
+
+QJsonObject jsonAnswer(const ImportReport& report, const QString& strFolder)
+{
+    return QJsonObject{{"id", report.sequenceId},
+                       {"folder", strFolder},
+                       {"images", report.images},
+                       {"width", static_cast<qint64>(report.width)},
+                       {"height", static_cast<qint64>(report.height)},
+                       {"side", static_cast<qint64>(report.side)},
+                       {"temporal", report.temporal},
+                       {"fluorescence", report.fluorescence},
+                       {"transillumination", report.transillumination},
+                       {"unit", report.unit.isEmpty() ? QStringLiteral("Counts") : report.unit},
+                       {"dark", report.dark},
+                       {"flat", report.flat},
+                       {"photograph", report.photographOrigin},
+                       {"clickNumbers", QJsonArray::fromStringList(report.clickNumbers)},
+                       {"warnings", QJsonArray::fromStringList(report.warnings)}};
+}
+
+ImportReport import(const ImportOptions& options, CliSession& session)
+{
+    session.progress().start(QStringLiteral("Importing"));
+    ImportReport report;
+    QString error;
+    const auto progress = [&session](int done, int steps, const QString& what) {
+        session.progress().show(what, steps > 0 ? static_cast<double>(done) / steps : -1.0);
+        return !CliSession::isInterrupted();
+    };
+    const bool imported = importStack(options, progress, &report, &error);
+    session.progress().finish();
+    if (!imported) {
+        throw CliFailure(error, report.aborted ? CliFailure::Aborted : CliFailure::Failed);
+    }
+    session.warnAll(report.warnings);
+    return report;
+}
+
+} // namespace
+
+void ImportCommand::declare(QCommandLineParser& parser) const
+{
+    parser.addPositionalArgument(QStringLiteral("STACK"),
+                                 QStringLiteral("Folder of TIFF files, a TIFF of several pages, an ENVI or CSV cube."));
+    parser.addPositionalArgument(QStringLiteral("OUT"), QStringLiteral("Folder of the new sequence."));
+    const auto option = [&parser](const char* pName, const QString& strText, const char* pValue) {
+        parser.addOption({QLatin1String(pName), strText, QLatin1String(pValue)});
+    };
+    option(
+        "images",
+        QStringLiteral("Table of the images, with a header: file, page or band; and excitation and emission (nm), or "
+                       "interval and time (s); and more, see the manual of formats. Without it the table is inferred "
+                       "from names, OME and ImageJ metadata "
+                       "and the ENVI header, and kept in OUT as images.csv."),
+        "CSV");
+    option("write-table", QStringLiteral("Write the inferred table to a file, to be edited, and stop."), "FILE");
+    option("interval", QStringLiteral("Seconds between frames that are only numbered."), "S");
+    option("dark", QStringLiteral("Image to subtract from every image."), "FILE");
+    option("flat", QStringLiteral("Flat field to divide every image by, brought to a mean of 1."), "FILE");
+    option("exposure", QStringLiteral("Exposure in seconds: one, or one an image: S,S,..."), "S");
+    option("pixel-size", QStringLiteral("Side of a pixel in the object, in micrometres."), "UM");
+    option("photo", QStringLiteral("Photograph of the same extent; else the mean image serves."), "FILE");
+    option("name", QStringLiteral("Name of the sequence; that of OUT."), "NAME");
+    parser.addOption({QStringLiteral("force"),
+                      QStringLiteral("Replace a sequence of that name, unless it holds saved results; or the "
+                                     "file of --write-table.")});
+}
+
+void ImportCommand::run(const QCommandLineParser& parser, CliSession& session)
+{
+    Request request = requestOf(parser);
+    QString shown;
+    QJsonArray rows;
+    if (request.import.table.isEmpty()) {
+        const InferredTable table = inferImagesTable(request.import.source, request.interval, session);
+        if (!table.doubts().isEmpty()) {
+            refuseDoubts(request, table, session);
+        }
+        shown = inferredTableText(table);
+        rows = inferredTableJson(table);
+        if (!request.writeTable.isEmpty()) {
+            writeTable(request, table);
+            session.answer(shown + QStringLiteral("table in %1\n").arg(request.writeTable));
+            session.answerJson(QJsonObject{{"table", rows}, {"file", request.writeTable}});
+            return;
+        }
+        request.import.tableText = table.toCsv();
+    }
+    const ImportReport report = import(request.import, session);
+    const QString folder = QFileInfo(request.import.output).absoluteFilePath();
+    session.answer(shown + textAnswer(report, folder));
+    QJsonObject json = jsonAnswer(report, folder);
+    if (!rows.isEmpty()) {
+        json.insert(QStringLiteral("table"), rows);
+    }
+    session.answerJson(json);
+}

@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "workbench/commands/Command.h"
+
+// `spum library list|show|save`: the saved spectrum libraries.
+class LibraryCommand : public Command
+{
+public:
+    QString name() const override { return QStringLiteral("library"); }
+    QString summary() const override { return QStringLiteral("List, show and save spectrum libraries."); }
+    void declare(QCommandLineParser& parser) const override;
+    void run(const QCommandLineParser& parser, CliSession& session) override;
+
+private:
+    void list(CliSession& session) const;
+    void show(const QString& strName, CliSession& session) const;
+    void save(const QCommandLineParser& parser, const QString& strName, CliSession& session) const;
+};

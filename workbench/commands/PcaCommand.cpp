@@ -1,0 +1,85 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "workbench/commands/PcaCommand.h"
+
+#include "engine/CORVSpumKyvo.h"
+#include "engine/EngineEnums.h"
+#include "platform/orvutils/StagedFolder.h"
+#include "services/analysis/AnalysisSetUp.h"
+#include "services/analysis/PcaRun.h"
+#include "services/basis/CliFailure.h"
+#include "services/basis/CliProgress.h"
+#include "services/basis/CliSession.h"
+#include "services/results/PcaFiles.h"
+#include "windows/maskPixels.h"
+
+namespace {
+
+constexpr double checkedFraction = 0.5;
+
+// The run takes a mask in any case: one of every pixel where none is asked for.
+void maskEveryPixel(CORVSpumKyvo& engine)
+{
+    CILImage& mask = engine.m_analysisInput.maskImage;
+    if (mask.InitWithType(ORVTYPE_BYTE, engine.m_nWidth, engine.m_nHeight) != EIL_SUCCESS) {
+        throw std::bad_alloc();
+    }
+    mask.setConstData(1.0);
+    mask.m_fBinning = static_cast<float>(engine.m_nBinning);
+}
+
+// Each image is divided by its standard deviation.
+void checkConstantImages(const QStringList& constant)
+{
+    if (!constant.isEmpty()) {
+        throw CliFailure(
+            QStringLiteral("in these images all pixels that are analysed have one value, so that they have no "
+                           "variance to scale: %1")
+                .arg(constant.join(QStringLiteral(", "))));
+    }
+}
+
+} // namespace
+
+void PcaCommand::declare(QCommandLineParser& parser) const
+{
+    declareAnalysisOptions(parser, QStringLiteral("Without it: auto."), QStringLiteral("SEQ/pca"));
+    parser.addOption({QStringLiteral("force"), QStringLiteral("Replace earlier results in that folder.")});
+}
+
+void PcaCommand::run(const QCommandLineParser& parser, CliSession& session)
+{
+    const AnalysisRequest request = analysisRequestOf(parser, name(), MaskOption::Kind::Photograph);
+    AnalysisSetUp setUp(request, session);
+    session.progress().start(QStringLiteral("Looking at the images"));
+    setUp.checkMode(RUNMODE_AUTOMATIC);
+    StagedFolder folder;
+    QString error;
+    if (!folder.begin(setUp.outFolder(QStringLiteral("pca")), request.force, QStringLiteral("pca.json"), &error)) {
+        throw CliFailure(error);
+    }
+    setUp.select();
+    setUp.reset(RUNMODE_AUTOMATIC);
+    setUp.takeMask(static_cast<int>(kMinMaskPixels));
+    if (request.mask.kind == MaskOption::Kind::None) {
+        maskEveryPixel(setUp.engine());
+    }
+    setUp.checkUnit();
+    setUp.checkImages(checkedFraction);
+    checkConstantImages(setUp.constantImages());
+
+    PcaFiles files(setUp.engine(), runPca(setUp.engine(), session.progress()));
+    if (!files.isMeaningful()) {
+        throw CliFailure(QStringLiteral("the images have no variance to explain"));
+    }
+    CliSession::stopIfInterrupted();
+    files.write(folder.path());
+    CliSession::stopIfInterrupted();
+    if (!folder.commit(&error)) {
+        throw CliFailure(error);
+    }
+    session.progress().finish();
+    session.answer(files.text() + QStringLiteral("results in %1\n").arg(folder.target()));
+    QJsonObject json = files.json();
+    json.insert(QStringLiteral("folder"), folder.target());
+    session.answerJson(json);
+}

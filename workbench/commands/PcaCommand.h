@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "workbench/commands/Command.h"
+
+// `spum pca SEQ`: how many components the images hold.
+class PcaCommand : public Command
+{
+public:
+    QString name() const override { return QStringLiteral("pca"); }
+    QString summary() const override
+    {
+        return QStringLiteral("Tell how much of the variance how many components explain.");
+    }
+    void declare(QCommandLineParser& parser) const override;
+    void run(const QCommandLineParser& parser, CliSession& session) override;
+};

@@ -1,0 +1,299 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "workbench/commands/ResultsCommand.h"
+
+#include "host/CORVSequenceDataset.h"
+#include "services/basis/CliFailure.h"
+#include "services/basis/CliProgress.h"
+#include "services/basis/CliSession.h"
+#include "services/basis/TextTable.h"
+#include "services/results/LoadedResult.h"
+#include "services/results/ResultFiles.h"
+#include "services/results/ResultReport.h"
+#include "services/results/ResultStore.h"
+#include "services/results/SavedDocument.h"
+#include "services/session/OpenedSequence.h"
+#include "services/transfer/ResultExport.h"
+
+#include "engine/CORVSpumKyvo.h"
+#include "platform/orvutils/StagedFolder.h"
+
+#include <QCoreApplication>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QMap>
+
+#include <optional>
+
+namespace {
+
+[[noreturn]] void usage(const QString& strText)
+{
+    throw CliFailure(strText + QStringLiteral(" See \"spum results --help\"."), CliFailure::Usage);
+}
+
+// Arguments of each action behind the sequence.
+const QMap<QString, int>& actions()
+{
+    static const QMap<QString, int> list = {{QStringLiteral("list"), 0},   {QStringLiteral("show"), 1},
+                                            {QStringLiteral("load"), 1},   {QStringLiteral("rename"), 2},
+                                            {QStringLiteral("delete"), 1}, {QStringLiteral("export"), 1}};
+    return list;
+}
+
+// An option of another action is a slip that must not pass in silence.
+void refuseForeignOptions(const QCommandLineParser& parser, const QString& strAction)
+{
+    static const QMap<QString, QStringList> owners = {
+        {QStringLiteral("out"), {QStringLiteral("load"), QStringLiteral("export")}},
+        {QStringLiteral("pdf"), {QStringLiteral("load")}},
+        {QStringLiteral("component"), {QStringLiteral("export")}},
+        {QStringLiteral("force"), {QStringLiteral("load"), QStringLiteral("export"), QStringLiteral("delete")}}};
+    for (auto owner = owners.cbegin(); owner != owners.cend(); ++owner) {
+        if (parser.isSet(owner.key()) && !owner.value().contains(strAction)) {
+            usage(QStringLiteral("--%1 does not go with \"spum results %2\".").arg(owner.key(), strAction));
+        }
+    }
+}
+
+QJsonObject jsonOf(const QString& strName, const SavedDocument& document)
+{
+    QJsonObject json{{"name", strName},
+                     {"file", document.path},
+                     {"date", document.date},
+                     {"note", document.note},
+                     {"method", document.property(QStringLiteral("Method"))},
+                     {"unit", document.property(QStringLiteral("DataUnit"))},
+                     {"images", document.images},
+                     {"components", QJsonArray::fromStringList(document.names())}};
+    if (!document.error.isEmpty()) {
+        json.insert(QStringLiteral("error"), document.error);
+    }
+    return json;
+}
+
+QJsonArray spectraJson(const SavedDocument& document)
+{
+    QJsonArray spectra;
+    for (const SavedDocument::Spectrum& spectrum : document.spectra) {
+        QJsonArray points;
+        for (int i = 0; i < spectrum.pairs.size(); ++i) {
+            points.append(
+                QJsonArray{spectrum.pairs[i].first, spectrum.pairs[i].second, QJsonValue(spectrum.values[i])});
+        }
+        spectra.append(QJsonObject{{"name", spectrum.name}, {"color", spectrum.color}, {"points", points}});
+    }
+    return spectra;
+}
+
+QString spectraText(const SavedDocument& document)
+{
+    if (document.spectra.isEmpty()) {
+        return QString();
+    }
+    QStringList header = {QStringLiteral("images")};
+    header += document.names();
+    TextTable table(header);
+    const auto& pairs = document.spectra.first().pairs;
+    for (int i = 0; i < pairs.size(); ++i) {
+        QStringList row = {pairs[i].first.isEmpty() ? pairs[i].second
+                                                    : pairs[i].first + QLatin1Char('/') + pairs[i].second};
+        for (const SavedDocument::Spectrum& spectrum : document.spectra) {
+            row.append(i < spectrum.values.size() ? TextTable::number(spectrum.values[i], 5) : QStringLiteral("-"));
+        }
+        table.addRow(row);
+    }
+    return table.toText();
+}
+
+std::optional<int> componentOf(const QCommandLineParser& parser)
+{
+    if (!parser.isSet(QStringLiteral("component"))) {
+        return std::nullopt;
+    }
+    bool ok = false;
+    const int component = parser.value(QStringLiteral("component")).toInt(&ok);
+    if (!ok || component < 1) {
+        usage(QStringLiteral("--component takes the number of a component, from 1."));
+    }
+    return component;
+}
+
+} // namespace
+
+void ResultsCommand::declare(QCommandLineParser& parser) const
+{
+    parser.addPositionalArgument(QStringLiteral("list|show|load|rename|delete|export"), QStringLiteral("What to do."));
+    parser.addPositionalArgument(QStringLiteral("SEQ"), QStringLiteral("Folder of the sequence."));
+    parser.addPositionalArgument(QStringLiteral("NAME"), QStringLiteral("The result; of no meaning for list."),
+                                 QStringLiteral("[NAME"));
+    parser.addPositionalArgument(QStringLiteral("NEW"), QStringLiteral("rename: its new name."),
+                                 QStringLiteral("[NEW]]"));
+    parser.addOption({QStringLiteral("out"),
+                      QStringLiteral("load: folder for maps, pictures and numbers, as \"spum unmix\" writes them; "
+                                     "SEQ/result-NAME without it. export: folder of the new sequence."),
+                      QStringLiteral("DIR")});
+    parser.addOption({QStringLiteral("pdf"), QStringLiteral("load: write the report as report.pdf too.")});
+    parser.addOption({QStringLiteral("component"),
+                      QStringLiteral("export: the component of a scan of several spots, from 1."),
+                      QStringLiteral("N")});
+    parser.addOption(
+        {QStringLiteral("force"), QStringLiteral("load, export: replace what is in that folder. delete: do not ask.")});
+}
+
+void ResultsCommand::run(const QCommandLineParser& parser, CliSession& session)
+{
+    const QStringList arguments = parser.positionalArguments();
+    const QString action = arguments.value(0);
+    if (!actions().contains(action) || arguments.size() != actions().value(action) + 2) {
+        usage(QStringLiteral("results takes: list SEQ; show SEQ NAME; load SEQ NAME; rename SEQ NAME NEW; delete SEQ "
+                             "NAME; or export SEQ NAME --out DIR."));
+    }
+    refuseForeignOptions(parser, action);
+    if (action == QLatin1String("export") && parser.value(QStringLiteral("out")).isEmpty()) {
+        usage(QStringLiteral("--out is missing: the folder of the new sequence."));
+    }
+    OpenedSequence opened(arguments[1]);
+    session.warnAll(opened.warnings());
+    if (action == QLatin1String("list")) {
+        return list(opened, session);
+    }
+    const QString name = ResultStore::findName(opened.sequence(), arguments[2]);
+    if (action == QLatin1String("show")) {
+        show(opened, name, session);
+    } else if (action == QLatin1String("load")) {
+        load(opened, name, parser, session);
+    } else if (action == QLatin1String("rename")) {
+        rename(opened, {name, arguments[3]}, session);
+    } else if (action == QLatin1String("delete")) {
+        remove(opened, name, parser, session);
+    } else {
+        exportMaps(opened, name, parser, session);
+    }
+}
+
+void ResultsCommand::list(OpenedSequence& opened, CliSession& session) const
+{
+    TextTable table({QStringLiteral("result"), QStringLiteral("saved"), QStringLiteral("method"),
+                     QStringLiteral("unit"), QStringLiteral("images"), QStringLiteral("components"),
+                     QStringLiteral("note")});
+    QJsonArray results;
+    const QStringList names = ResultStore::names(opened.sequence());
+    for (const QString& name : names) {
+        const SavedDocument document = readSavedDocument(ResultStore::pathOf(opened.sequence(), name));
+        results.append(jsonOf(name, document));
+        table.addRow({name, document.date, document.property(QStringLiteral("Method")),
+                      document.property(QStringLiteral("DataUnit")), QString::number(document.images),
+                      document.error.isEmpty() ? document.names().join(QStringLiteral(", ")) : document.error,
+                      document.note});
+    }
+    session.answer(
+        names.isEmpty()
+            ? QStringLiteral("no results are saved with this sequence; \"spum unmix SEQ --save\" keeps one\n")
+            : table.toText());
+    session.answerJson(QJsonObject{{"results", results}});
+}
+
+void ResultsCommand::show(OpenedSequence& opened, const QString& strName, CliSession& session) const
+{
+    const SavedDocument document = readSavedDocument(ResultStore::pathOf(opened.sequence(), strName));
+    if (!document.error.isEmpty()) {
+        throw CliFailure(
+            QStringLiteral("%1: %2").arg(document.path.isEmpty() ? strName : document.path, document.error));
+    }
+    QString text = TextTable::oneLine(QStringLiteral("%1, saved %2").arg(strName, document.date)) + QLatin1Char('\n');
+    text += QStringLiteral("%1\n").arg(document.path);
+    if (!document.note.isEmpty()) {
+        text += QStringLiteral("note: ") + TextTable::oneLine(document.note) + QLatin1Char('\n');
+    }
+    TextTable properties({QStringLiteral("property"), QStringLiteral("value")});
+    QJsonObject propertiesJson;
+    for (const auto& property : document.properties) {
+        properties.addRow({property.first, property.second});
+        propertiesJson.insert(property.first, property.second);
+    }
+    text += QLatin1Char('\n') + properties.toText() + QLatin1Char('\n') + spectraText(document);
+    if (!document.isotope.isEmpty()) {
+        text += QStringLiteral("\ndecay of %1 (half life %2 min): %3\n")
+                    .arg(document.isotope, document.halfLifeMinutes,
+                         document.decayCorrected ? QStringLiteral("corrected") : QStringLiteral("not corrected"));
+    }
+    if (document.regions > 0) {
+        text += QStringLiteral("\n%1 entries of regions of interest\n").arg(document.regions);
+    }
+    session.answer(text);
+    QJsonObject json = jsonOf(strName, document);
+    json.insert(QStringLiteral("properties"), propertiesJson);
+    json.insert(QStringLiteral("spectra"), spectraJson(document));
+    if (!document.isotope.isEmpty()) {
+        json.insert(QStringLiteral("decayCorrected"), document.decayCorrected);
+    }
+    session.answerJson(json);
+}
+
+void ResultsCommand::load(OpenedSequence& opened, const QString& strName, const QCommandLineParser& parser,
+                          CliSession& session) const
+{
+    const QString out = parser.value(QStringLiteral("out"));
+    const QString target =
+        out.isEmpty() ? opened.folder() + QStringLiteral("result-") + ResultFiles::fileNameOf(strName) : out;
+    StagedFolder folder;
+    QString error;
+    if (!folder.begin(target, parser.isSet(QStringLiteral("force")), QStringLiteral("summary.json"), &error)) {
+        throw CliFailure(error);
+    }
+    session.progress().start(QStringLiteral("Loading the result"));
+    const LoadedResult loaded(opened, strName);
+    ReportFrame frame;
+    frame.sequenceName = opened.sequence().getSequenceName() + QStringLiteral(", saved result ") + strName;
+    frame.note = loaded.note();
+    frame.command = shellLine(QStringList(QStringLiteral("spum")) + QCoreApplication::arguments().mid(1));
+    ResultFiles files(opened.engine(), loaded.numbers(), folder.path());
+    files.setReport(frame, parser.isSet(QStringLiteral("pdf")));
+    files.write([&session](double fraction) {
+        CliSession::stopIfInterrupted();
+        session.progress().show(QStringLiteral("Writing the results"), fraction);
+    });
+    CliSession::stopIfInterrupted();
+    if (!folder.commit(&error)) {
+        throw CliFailure(error);
+    }
+    session.progress().finish();
+    session.answer(files.summaryText() + QStringLiteral("results in %1\n").arg(folder.target()));
+    QJsonObject json = files.summaryJson();
+    json.insert(QStringLiteral("folder"), folder.target());
+    json.insert(QStringLiteral("saved"), strName);
+    session.answerJson(json);
+}
+
+void ResultsCommand::rename(OpenedSequence& opened, const QStringList& arguments, CliSession& session) const
+{
+    ResultStore(opened.engine(), false).rename(arguments[0], arguments[1]);
+    session.answer(QStringLiteral("result \"%1\" is now \"%2\"\n").arg(arguments[0], arguments[1]));
+    session.answerJson(QJsonObject{{"name", arguments[1]}, {"before", arguments[0]}});
+}
+
+void ResultsCommand::remove(OpenedSequence& opened, const QString& strName, const QCommandLineParser& parser,
+                            CliSession& session) const
+{
+    ResultStore(opened.engine(), parser.isSet(QStringLiteral("force"))).remove(strName);
+    session.answer(QStringLiteral("result \"%1\" deleted\n").arg(strName));
+    session.answerJson(QJsonObject{{"deleted", strName}});
+}
+
+void ResultsCommand::exportMaps(OpenedSequence& opened, const QString& strName, const QCommandLineParser& parser,
+                                CliSession& session) const
+{
+    const auto component = componentOf(parser);
+    session.progress().start(QStringLiteral("Loading the result"));
+    const LoadedResult loaded(opened, strName);
+    session.progress().show(QStringLiteral("Exporting the maps"), 0.5);
+    const ExportedMaps maps = exportResult(opened.engine(), component, parser.value(QStringLiteral("out")),
+                                           parser.isSet(QStringLiteral("force")));
+    session.progress().finish();
+    session.answer(
+        QStringLiteral("%1 exported as sequence %2 in %3\n")
+            .arg(maps.names.size() == 1 ? QStringLiteral("1 map") : QStringLiteral("%1 maps").arg(maps.names.size()),
+                 maps.id, maps.folder));
+    session.answerJson(
+        QJsonObject{{"folder", maps.folder}, {"id", maps.id}, {"maps", QJsonArray::fromStringList(maps.names)}});
+}

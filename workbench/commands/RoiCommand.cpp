@@ -1,0 +1,347 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "workbench/commands/RoiCommand.h"
+
+#include "host/CORVSequenceDataset.h"
+#include "platform/orvapi/ROISection.h"
+#include "platform/orvapi/ROIShape.h"
+#include "platform/orvutils/AtomicFile.h"
+#include "services/basis/CliFailure.h"
+#include "services/basis/CliProgress.h"
+#include "services/basis/CliSession.h"
+#include "services/basis/TextTable.h"
+#include "services/basis/UnitNames.h"
+#include "services/regions/RoiMeasurement.h"
+#include "services/regions/RoiStore.h"
+#include "services/session/UnitForecast.h"
+
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QMap>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr int widestShape = 60;
+
+[[noreturn]] void usage(const QString& strText)
+{
+    throw CliFailure(strText + QStringLiteral(" See \"spum roi --help\"."), CliFailure::Usage);
+}
+
+// An option of another action is a slip that must not pass in silence.
+void refuseForeignOptions(const QCommandLineParser& parser, const QString& strAction)
+{
+    static const QMap<QString, QStringList> owners = {
+        {QStringLiteral("add"), {QStringLiteral("shape"), QStringLiteral("name"), QStringLiteral("image-pixels")}},
+        {QStringLiteral("measure"),
+         {QStringLiteral("unit"), QStringLiteral("result"), QStringLiteral("csv"), QStringLiteral("force"),
+          QStringLiteral("save")}}};
+    for (auto owner = owners.cbegin(); owner != owners.cend(); ++owner) {
+        for (const QString& option : owner.value()) {
+            if (owner.key() != strAction && parser.isSet(option)) {
+                usage(QStringLiteral("--%1 belongs to \"spum roi SEQ %2\".").arg(option, owner.key()));
+            }
+        }
+    }
+}
+
+// Size in pixels and binning of a dataset's images.
+struct Geometry
+{
+    bool operator==(const Geometry& other) const
+    {
+        return width == other.width && height == other.height && binning == other.binning;
+    }
+    long width = 0;
+    long height = 0;
+    double binning = 1.0;
+};
+
+// Each once, that of the first image first.
+QList<Geometry> geometriesOf(const CORVSequenceDataset& sequence)
+{
+    QList<Geometry> geometries;
+    for (auto* dataset : sequence.getDatasets()) {
+        Geometry geometry;
+        if (!dataset->getImageSize(IMAGETYPE_MAIN_DATA, &geometry.width, &geometry.height)) {
+            continue;
+        }
+        geometry.binning = static_cast<double>(dataset->getBinningForImage(IMAGETYPE_MAIN_DATA));
+        if (!geometries.contains(geometry)) {
+            geometries.append(geometry);
+        }
+    }
+    return geometries;
+}
+
+void scale(tagROIInfo& region, double factor)
+{
+    for (double* number : {&region.x, &region.y, &region.width, &region.height}) {
+        *number *= factor;
+    }
+    for (auto& point : region.points) {
+        point.x *= factor;
+        point.y *= factor;
+    }
+}
+
+tagROIInfo regionOf(const QCommandLineParser& parser, const QList<Geometry>& geometries)
+{
+    if (parser.values(QStringLiteral("shape")).size() != 1) {
+        usage(QStringLiteral("add takes one --shape, such as rect:x,y,width,height."));
+    }
+    tagROIInfo region;
+    QString reason;
+    if (!ROIShape::fromText(parser.value(QStringLiteral("shape")), &region, &reason)) {
+        usage(QStringLiteral("--shape: %1.").arg(reason));
+    }
+    if (parser.isSet(QStringLiteral("image-pixels"))) {
+        scale(region, geometries.first().binning);
+    }
+    return region;
+}
+
+QString nameOf(const QCommandLineParser& parser, const RoiStore& store)
+{
+    if (!parser.isSet(QStringLiteral("name"))) {
+        return store.freeName();
+    }
+    const QString name = parser.value(QStringLiteral("name")).trimmed();
+    const QString reason = ROISection::reasonAgainstName(name);
+    if (!reason.isEmpty()) {
+        usage(QStringLiteral("--name: the name %1.").arg(reason));
+    }
+    if (name == QLatin1String("all")) {
+        usage(QStringLiteral("--name: \"all\" stands for all regions and names none."));
+    }
+    if (store.names().contains(name)) {
+        throw CliFailure(
+            QStringLiteral("there is a region \"%1\" already; remove it first or choose another --name").arg(name));
+    }
+    return name;
+}
+
+// The largest number of pixels that the region holds in an image; throws when it is none.
+qint64 pixelsIn(const tagROIInfo& region, const QList<Geometry>& geometries, CliSession& session)
+{
+    qint64 pixels = 0;
+    double width = 0.0;
+    double height = 0.0;
+    for (const Geometry& geometry : geometries) {
+        pixels = std::max(pixels, ROIShape::pixelCount(region, geometry.width, geometry.height, geometry.binning));
+        width = std::max(width, static_cast<double>(geometry.width) * geometry.binning);
+        height = std::max(height, static_cast<double>(geometry.height) * geometry.binning);
+    }
+    if (pixels == 0) {
+        throw CliFailure(
+            QStringLiteral("the region holds no pixel of the images, which are %1 x %2 pixels of the unbinned sensor "
+                           "at binning %3; --image-pixels takes a shape in pixels of the first image")
+                .arg(width)
+                .arg(height)
+                .arg(geometries.first().binning));
+    }
+    const ROIShape::Bounds bounds = ROIShape::boundsOf(region);
+    if (bounds.left < 0.0 || bounds.top < 0.0 || bounds.right > width || bounds.bottom > height) {
+        session.warn(QStringLiteral("a part of the region lies outside the images"));
+    }
+    return pixels;
+}
+
+QString shortShape(const tagROIInfo& region)
+{
+    const QString text = ROIShape::toText(region);
+    return text.size() <= widestShape ? text : text.left(widestShape) + QStringLiteral("...");
+}
+
+QString noRegion(const QString& strSequence)
+{
+    return QStringLiteral("%1 has no region of interest; \"spum roi SEQ add --shape rect:x,y,width,height\" makes one")
+        .arg(strSequence);
+}
+
+tag_edisplayunit unitOf(const QCommandLineParser& parser, const CORVSequenceDataset& sequence)
+{
+    const QString text = parser.value(QStringLiteral("unit"));
+    int unit = UnitNames::fromText(text);
+    if (!text.isEmpty() && unit < 0) {
+        usage(
+            QStringLiteral("--unit: \"%1\" is none of %2.").arg(text, UnitNames::options().join(QStringLiteral(", "))));
+    }
+    if (text.isEmpty()) {
+        QStringList clicks;
+        for (auto* dataset : sequence.getDatasets()) {
+            if (dataset->hasROIData()) {
+                clicks.append(dataset->getClickNumber());
+            }
+        }
+        unit = forecastUnit(sequence, clicks).unit;
+    }
+    if (unit < 0) {
+        throw CliFailure(
+            QStringLiteral("the images can be had in no common unit; \"spum info\" tells the units of each"));
+    }
+    return static_cast<tag_edisplayunit>(unit);
+}
+
+// A name is looked for as a folder as it stands, then in the sequence's own.
+QString resultFolder(const QString& strName, const CORVSequenceDataset& sequence)
+{
+    const QString inside = sequence.getSequenceInfoPath() + strName;
+    return !QFileInfo::exists(strName) && QFileInfo::exists(inside) ? inside : strName;
+}
+
+} // namespace
+
+void RoiCommand::declare(QCommandLineParser& parser) const
+{
+    parser.addPositionalArgument(QStringLiteral("SEQ"), QStringLiteral("Folder of the sequence."));
+    parser.addPositionalArgument(QStringLiteral("add|list|measure|remove"), QStringLiteral("What to do."));
+    parser.addPositionalArgument(QStringLiteral("NAME"), QStringLiteral("remove: the region, or \"all\"."),
+                                 QStringLiteral("[NAME]"));
+    const auto option = [&parser](const char* pName, const QString& strText, const char* pValue) {
+        parser.addOption({QLatin1String(pName), strText, QLatin1String(pValue)});
+    };
+    option(
+        "shape",
+        QStringLiteral("add: rect:x,y,width,height, ellipse: with the rectangle around it, polygon:x1,y1,x2,y2,... "
+                       "or freehand: with the outline. In pixels of the unbinned sensor, from the upper left corner."),
+        "SHAPE");
+    parser.addOption(
+        {QStringLiteral("image-pixels"), QStringLiteral("add: --shape is in pixels of the first image instead.")});
+    option("name", QStringLiteral("add: name of the region; \"ROI 1\" and so on."), "NAME");
+    option("unit", QStringLiteral("measure: counts, radiance, radiant-efficiency or efficiency; that of an analysis."),
+           "UNIT");
+    option("result",
+           QStringLiteral("measure: also over the maps of this folder of \"spum unmix\", or of its name in SEQ; may be "
+                          "repeated."),
+           "DIR");
+    option("csv", QStringLiteral("measure: write the table into this file."), "FILE");
+    parser.addOption({QStringLiteral("force"), QStringLiteral("measure: replace that file.")});
+    parser.addOption(
+        {QStringLiteral("save"), QStringLiteral("measure: keep the numbers of the images with the regions.")});
+}
+
+void RoiCommand::run(const QCommandLineParser& parser, CliSession& session)
+{
+    const QStringList arguments = parser.positionalArguments();
+    const QString action = arguments.value(1);
+    static const QStringList actions{QStringLiteral("add"), QStringLiteral("list"), QStringLiteral("measure"),
+                                     QStringLiteral("remove")};
+    const int expected = action == QLatin1String("remove") ? 3 : 2;
+    if (!actions.contains(action) || arguments.size() != expected) {
+        usage(QStringLiteral("roi takes: SEQ add --shape SHAPE; SEQ list; SEQ measure; or SEQ remove NAME."));
+    }
+    refuseForeignOptions(parser, action);
+    CORVSequenceDataset sequence;
+    QString error;
+    QStringList warnings;
+    if (sequence.open(arguments[0], &error, &warnings) != ESTATUS_SUCCESS) {
+        throw CliFailure(error);
+    }
+    session.warnAll(warnings);
+    RoiStore store(sequence);
+    if (action == QLatin1String("add")) {
+        add(parser, sequence, store, session);
+    } else if (action == QLatin1String("list")) {
+        list(store, session);
+    } else if (action == QLatin1String("measure")) {
+        measure(parser, sequence, store, session);
+    } else {
+        remove(arguments[2], store, session);
+    }
+}
+
+void RoiCommand::add(const QCommandLineParser& parser, CORVSequenceDataset& sequence, RoiStore& store,
+                     CliSession& session) const
+{
+    const QList<Geometry> geometries = geometriesOf(sequence);
+    if (geometries.isEmpty()) {
+        throw CliFailure(QStringLiteral("the sequence holds no image that could have a region"));
+    }
+    tagROIInfo region = regionOf(parser, geometries);
+    region.name = nameOf(parser, store);
+    const qint64 pixels = pixelsIn(region, geometries, session);
+    store.add(region);
+    CliSession::stopIfInterrupted();
+    store.save();
+    const int images = sequence.getDatasets().size();
+    session.answer(QStringLiteral("region \"%1\" (%2) stored with %3 images; it holds %4\n")
+                       .arg(region.name, shortShape(region), QString::number(images),
+                            pixels == 1 ? QStringLiteral("1 pixel") : QStringLiteral("%1 pixels").arg(pixels)));
+    session.answerJson(QJsonObject{
+        {"name", region.name}, {"shape", ROIShape::toText(region)}, {"pixels", pixels}, {"images", images}});
+}
+
+void RoiCommand::list(const RoiStore& store, CliSession& session) const
+{
+    TextTable table({QStringLiteral("region"), QStringLiteral("images"), QStringLiteral("shape")});
+    QJsonArray regions;
+    for (const RoiStore::Entry& entry : store.distinct()) {
+        table.addRow({entry.region.name, QString::number(entry.images), shortShape(entry.region)});
+        regions.append(QJsonObject{
+            {"name", entry.region.name}, {"shape", ROIShape::toText(entry.region)}, {"images", entry.images}});
+    }
+    session.answer(table.rowCount() > 0 ? table.toText() : QStringLiteral("no region of interest\n"));
+    session.answerJson(QJsonObject{{"regions", regions}});
+}
+
+void RoiCommand::measure(const QCommandLineParser& parser, CORVSequenceDataset& sequence, RoiStore& store,
+                         CliSession& session) const
+{
+    QList<tagROIInfo> regions;
+    for (const RoiStore::Entry& entry : store.distinct()) {
+        regions.append(entry.region);
+    }
+    if (regions.isEmpty()) {
+        throw CliFailure(noRegion(sequence.getSequenceName()));
+    }
+    const QString csv = parser.value(QStringLiteral("csv"));
+    if (!csv.isEmpty() && QFileInfo::exists(csv) && !parser.isSet(QStringLiteral("force"))) {
+        throw CliFailure(QStringLiteral("%1 exists already; --force replaces it").arg(csv));
+    }
+    const tag_edisplayunit unit = unitOf(parser, sequence);
+
+    session.progress().start(QStringLiteral("measuring"));
+    const auto step = [&session](double fraction) {
+        CliSession::stopIfInterrupted();
+        session.progress().show(QStringLiteral("measuring"), fraction);
+    };
+    RoiMeasurement measurement;
+    measurement.measureImages(sequence, unit, step);
+    for (const QString& name : parser.values(QStringLiteral("result"))) {
+        measurement.measureMaps(sequence, regions, resultFolder(name, sequence), step);
+    }
+    CliSession::stopIfInterrupted();
+    session.progress().finish();
+
+    QString error;
+    if (!csv.isEmpty() && !orv::writeFileAtomically(csv, measurement.toCsv().toUtf8(), &error)) {
+        throw CliFailure(error);
+    }
+    if (parser.isSet(QStringLiteral("save"))) {
+        store.save();
+    }
+    session.warnAll(measurement.warnings());
+    session.answer(measurement.toText());
+    session.answerJson(QJsonObject{{"unit", UnitNames::text(unit)}, {"measurements", measurement.toJson()}});
+}
+
+void RoiCommand::remove(const QString& strName, RoiStore& store, CliSession& session) const
+{
+    const QStringList names = store.names();
+    QStringList removed{strName};
+    if (strName == QLatin1String("all")) {
+        removed = names;
+        store.removeAll();
+    } else if (store.remove(strName) == 0) {
+        throw CliFailure(names.isEmpty() ? QStringLiteral("there is no region \"%1\", and no other").arg(strName)
+                                         : QStringLiteral("there is no region \"%1\"; the regions are: \"%2\"")
+                                               .arg(strName, names.join(QStringLiteral("\", \""))));
+    }
+    store.save();
+    session.answer(removed.size() == 1 ? QStringLiteral("removed the region \"%1\"\n").arg(removed.first())
+                                       : QStringLiteral("removed %1 regions\n").arg(removed.size()));
+    session.answerJson(QJsonObject{{"removed", QJsonArray::fromStringList(removed)}});
+}

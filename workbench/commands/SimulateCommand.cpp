@@ -1,0 +1,382 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "workbench/commands/SimulateCommand.h"
+
+#include "services/basis/CliFailure.h"
+#include "services/basis/CliProgress.h"
+#include "services/basis/CliSession.h"
+#include "workbench/simulator/FilterPlan.h"
+#include "workbench/simulator/SourceList.h"
+#include "workbench/simulator/simulate.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QJsonArray>
+
+namespace {
+
+[[noreturn]] void usage(const QString& strText)
+{
+    throw CliFailure(strText + QStringLiteral(" See \"spum simulate --help\"."), CliFailure::Usage);
+}
+
+// Kinds as flags.
+constexpr int flagOf(SimulationKind eKind)
+{
+    return 1 << static_cast<int>(eKind);
+}
+constexpr int kEpi = flagOf(SimulationKind::Epi);
+constexpr int kLuminescent = flagOf(SimulationKind::Luminescent);
+constexpr int kScan = flagOf(SimulationKind::Transillumination);
+constexpr int kTemporal = flagOf(SimulationKind::Temporal);
+constexpr int kCherenkov = flagOf(SimulationKind::Cherenkov);
+constexpr int kAll = kEpi | kLuminescent | kScan | kTemporal | kCherenkov;
+
+// An option, its help, the name of its value (empty: a switch), the default that the help tells, and the kinds that
+// have it.
+struct OptionText
+{
+    const char* name;
+    const char* help;
+    const char* value;
+    const char* standard;
+    int kinds = kAll;
+};
+
+constexpr OptionText kOptions[] = {
+    {"kind", "epi, luminescent, transillumination, temporal or cherenkov.", "KIND", "epi"},
+    {"size", "Pixels along a side of the images.", "N", "256"},
+    {"bands", "Number of filter pairs, an image each (transillumination: for each spot).", "N",
+     "18, luminescent and cherenkov 12, transillumination 8", kAll & ~kTemporal},
+    {"probes",
+     "Dyes, or luciferases of a luminescent sequence, split by commas. Temporal: one goes to three organs, several to "
+     "a "
+     "place each.",
+     "A,B",
+     "AlexaFluor 750,AlexaFluor 790; luminescent: click-beetle luciferases, green and red; transillumination: "
+     "AlexaFluor "
+     "680,AlexaFluor 750; temporal: AlexaFluor 750",
+     kAll & ~kCherenkov},
+    {"depths", "Depths of the sources in mm, one for all or one each; cherenkov: the isotope lies at each of them.",
+     "MM,MM", "2 for the first to 6 for the last, or the organs' own"},
+    {"excitations", "Excitation filters in nm, split by commas (temporal: one).", "NM,NM",
+     "chosen after the dyes, 70 nm apart, up to 675", kEpi | kScan | kTemporal},
+    {"ratio", "Peak of each source over the animal's own light beneath, in the source's brightest band.", "R",
+     "3, temporal 5, cherenkov 30, luminescent 50"},
+    {"food-ratio", "The same for food in the gut; 0 leaves it out.", "R", "1.5, transillumination 0", kEpi | kScan},
+    {"spots", "Scan spots below the animal.", "N", "4", kScan},
+    {"times", "Times of the images in seconds, split by commas.", "S,S",
+     "every 20 s for 5 minutes, then every 5 minutes for an hour", kTemporal},
+    {"no-time-keys", "Do not tell the times in the images.", "", "", kTemporal},
+    {"isotope", "Isotope of the database.", "NAME", "F-18", kCherenkov},
+    {"span", "Half lives from the first image to the last.", "H", "1", kCherenkov},
+    {"full", "Write every image, flag and section that a dataset can have.", "", ""},
+    {"noise", "default, or none: exact counts as floats, without noise, offset and rounding.", "KIND", "default"},
+    {"seed", "Seed of noise, texture and posture.", "N", "1"},
+    {"peak", "Electrons at the brightest pixel of the sequence.", "E", "20000"},
+    {"gain", "Electrons a count.", "E", "1"},
+    {"read-noise", "Read noise in electrons.", "E", "10"},
+    {"offset", "Offset in counts.", "N", "300"},
+    {"exposure", "Exposure in seconds, one for all or one each band.", "S,S",
+     "1, luminescent 60, cherenkov 60 or half the time between images"},
+    {"binning", "Binning of the camera.", "N", "4"},
+    {"mixed-binning", "Take the first two images at twice the binning.", "", "", kAll & ~kScan},
+    {"name", "Name of the sequence.", "NAME", "that of OUT"},
+    {"subject", "Subject type of the sequence.", "TEXT", "Mouse"},
+    {"force", "Replace a sequence that exists, unless it holds saved results.", "", ""},
+    {"discard-results", "With --force: replace it together with its saved results.", "", ""},
+};
+
+QString optionName(const char* pName)
+{
+    return QStringLiteral("--%1").arg(QLatin1String(pName));
+}
+
+QStringList fieldsOf(const QString& strText)
+{
+    QStringList fields;
+    for (const QString& field : strText.split(QLatin1Char(','))) {
+        fields.append(field.trimmed());
+    }
+    return fields;
+}
+
+double toNumber(const QString& strText, const char* pName)
+{
+    bool ok = false;
+    const double value = strText.toDouble(&ok);
+    if (!ok) {
+        usage(QStringLiteral("%1 takes a number, not \"%2\".").arg(optionName(pName), strText));
+    }
+    return value;
+}
+
+int toWhole(const QString& strText, const char* pName)
+{
+    bool ok = false;
+    const int value = strText.toInt(&ok);
+    if (!ok) {
+        usage(QStringLiteral("%1 takes a whole number, not \"%2\".").arg(optionName(pName), strText));
+    }
+    return value;
+}
+
+void take(const QCommandLineParser& parser, const char* pName, double* pValue)
+{
+    if (parser.isSet(QLatin1String(pName))) {
+        *pValue = toNumber(parser.value(QLatin1String(pName)), pName);
+    }
+}
+
+void take(const QCommandLineParser& parser, const char* pName, int* pValue)
+{
+    if (parser.isSet(QLatin1String(pName))) {
+        *pValue = toWhole(parser.value(QLatin1String(pName)), pName);
+    }
+}
+
+void take(const QCommandLineParser& parser, const char* pName, QString* pValue)
+{
+    if (parser.isSet(QLatin1String(pName))) {
+        *pValue = parser.value(QLatin1String(pName));
+    }
+}
+
+void take(const QCommandLineParser& parser, const char* pName, QList<double>* pValues)
+{
+    if (!parser.isSet(QLatin1String(pName))) {
+        return;
+    }
+    pValues->clear();
+    for (const QString& field : fieldsOf(parser.value(QLatin1String(pName)))) {
+        pValues->append(toNumber(field, pName));
+    }
+}
+
+void take(const QCommandLineParser& parser, const char* pName, QList<int>* pValues)
+{
+    if (!parser.isSet(QLatin1String(pName))) {
+        return;
+    }
+    pValues->clear();
+    for (const QString& field : fieldsOf(parser.value(QLatin1String(pName)))) {
+        pValues->append(toWhole(field, pName));
+    }
+}
+
+std::uint64_t takeSeed(const QCommandLineParser& parser, std::uint64_t standard)
+{
+    if (!parser.isSet(QStringLiteral("seed"))) {
+        return standard;
+    }
+    bool ok = false;
+    const QString text = parser.value(QStringLiteral("seed"));
+    const std::uint64_t seed = text.toULongLong(&ok);
+    if (!ok) {
+        usage(QStringLiteral("--seed takes a whole number from 0 on, not \"%1\".").arg(text));
+    }
+    return seed;
+}
+
+bool takeNoise(const QCommandLineParser& parser)
+{
+    QString kind = QStringLiteral("default");
+    take(parser, "noise", &kind);
+    if (kind != QLatin1String("default") && kind != QLatin1String("none")) {
+        usage(QStringLiteral("--noise is \"default\" or \"none\", not \"%1\".").arg(kind));
+    }
+    return kind == QLatin1String("default");
+}
+
+// The kind asked for; options that it does not have are refused.
+SimulationKind takeKind(const QCommandLineParser& parser)
+{
+    QString name = kindName(SimulationKind::Epi);
+    take(parser, "kind", &name);
+    SimulationKind kind = SimulationKind::Epi;
+    if (!kindOfName(name, &kind)) {
+        usage(QStringLiteral("--kind is %1, not \"%2\".").arg(kindNames().join(QStringLiteral(", ")), name));
+    }
+    for (const OptionText& option : kOptions) {
+        if (parser.isSet(QLatin1String(option.name)) && (option.kinds & flagOf(kind)) == 0) {
+            usage(QStringLiteral("%1 does not go with the kind %2.").arg(optionName(option.name), name));
+        }
+    }
+    return kind;
+}
+
+SimulationOptions takeOptions(const QCommandLineParser& parser)
+{
+    SimulationOptions options = SimulationOptions::standard(takeKind(parser));
+    take(parser, "size", &options.size);
+    take(parser, "bands", &options.bands);
+    if (parser.isSet(QStringLiteral("probes"))) {
+        options.probes = fieldsOf(parser.value(QStringLiteral("probes")));
+    }
+    take(parser, "depths", &options.depthsMm);
+    take(parser, "excitations", &options.excitationsNm);
+    take(parser, "ratio", &options.ratio);
+    take(parser, "food-ratio", &options.foodRatio);
+    take(parser, "spots", &options.spots);
+    take(parser, "times", &options.timesSeconds);
+    options.timeKeys = !parser.isSet(QStringLiteral("no-time-keys"));
+    take(parser, "isotope", &options.isotope);
+    take(parser, "span", &options.spanHalfLives);
+    options.full = parser.isSet(QStringLiteral("full"));
+    options.noise = takeNoise(parser);
+    options.seed = takeSeed(parser, options.seed);
+    take(parser, "peak", &options.peakElectrons);
+    take(parser, "gain", &options.gain);
+    take(parser, "read-noise", &options.readNoise);
+    take(parser, "offset", &options.offset);
+    take(parser, "exposure", &options.exposuresSeconds);
+    take(parser, "binning", &options.binning);
+    options.mixedBinning = parser.isSet(QStringLiteral("mixed-binning"));
+    take(parser, "name", &options.name);
+    take(parser, "subject", &options.subject);
+    options.force = parser.isSet(QStringLiteral("force"));
+    options.discardResults = parser.isSet(QStringLiteral("discard-results"));
+    if (options.discardResults && !options.force) {
+        usage(QStringLiteral("--discard-results goes with --force."));
+    }
+    const QString problem = validate(options);
+    if (!problem.isEmpty()) {
+        usage(problem);
+    }
+    return options;
+}
+
+QJsonArray jsonNumbers(const QList<double>& values)
+{
+    QJsonArray array;
+    for (const double value : values) {
+        array.append(value);
+    }
+    return array;
+}
+
+// What was simulated, with everything that the options left open.
+struct Outcome
+{
+    QString folder;
+    QStringList sources;
+    QList<double> depths;
+    QList<FilterPair> pairs;
+    int images = 0;
+};
+
+Outcome describe(const SimulationOptions& options, const QString& strTarget)
+{
+    Outcome outcome;
+    outcome.folder = QDir::cleanPath(QFileInfo(strTarget).absoluteFilePath());
+    QString error; // validate() has tried it already
+    choosePairs(options, &outcome.pairs, &error);
+    for (const SimulatedSource& source : sourcesOf(options)) {
+        outcome.sources.append(source.name);
+        outcome.depths.append(source.depthMm);
+    }
+    outcome.images = bandCount(options) * (options.kind == SimulationKind::Transillumination ? options.spots : 1);
+    return outcome;
+}
+
+QString textAnswer(const SimulationOptions& options, const Outcome& outcome)
+{
+    QStringList sources;
+    for (int i = 0; i < outcome.sources.size(); ++i) {
+        const QString& name = outcome.sources.at(i);
+        const bool told = name.endsWith(QLatin1String(" mm"));
+        sources.append(told ? name : QStringLiteral("%1 at %2 mm").arg(name).arg(outcome.depths.at(i)));
+    }
+    return QStringLiteral("%1 images of %2 x %2 pixels, %3\n%4\nsequence in %5\ntruth in    %5/%6\n")
+        .arg(outcome.images)
+        .arg(options.size)
+        .arg(options.noise ? QStringLiteral("with noise") : QStringLiteral("without noise"),
+             sources.join(QStringLiteral(", ")), outcome.folder, QLatin1String(kTruthFolder));
+}
+
+// What only some kinds have.
+void addKindAnswers(QJsonObject& json, const SimulationOptions& options)
+{
+    if (options.kind == SimulationKind::Transillumination) {
+        json.insert(QStringLiteral("spots"), options.spots);
+    }
+    if (options.kind == SimulationKind::Temporal) {
+        json.insert(QStringLiteral("timesSeconds"), jsonNumbers(timesOf(options)));
+        json.insert(QStringLiteral("timeKeys"), options.timeKeys);
+    }
+    if (options.kind == SimulationKind::Cherenkov) {
+        json.insert(QStringLiteral("isotope"), options.isotope);
+        json.insert(QStringLiteral("spanHalfLives"), options.spanHalfLives);
+    }
+}
+
+QJsonObject jsonAnswer(const SimulationOptions& options, const Outcome& outcome)
+{
+    QJsonArray pairs;
+    for (const FilterPair& pair : outcome.pairs) {
+        pairs.append(QJsonObject{{"excitation", pair.excitation}, {"emission", pair.emission}});
+    }
+    QJsonObject json{{"folder", outcome.folder},
+                     {"truth", outcome.folder + QLatin1Char('/') + QLatin1String(kTruthFolder)},
+                     {"kind", kindName(options.kind)},
+                     {"size", options.size},
+                     {"bands", bandCount(options)},
+                     {"images", outcome.images},
+                     {"pairs", pairs},
+                     {"probes", QJsonArray::fromStringList(outcome.sources)},
+                     {"depthsMm", jsonNumbers(outcome.depths)},
+                     {"ratio", options.ratio},
+                     {"foodRatio", options.foodRatio},
+                     {"noise", options.noise ? QStringLiteral("default") : QStringLiteral("none")},
+                     {"seed", QString::number(options.seed)}, // as text: a number would lose bits
+                     {"peakElectrons", options.peakElectrons},
+                     {"gain", options.gain},
+                     {"readNoise", options.readNoise},
+                     {"offset", options.offset},
+                     {"exposuresSeconds", jsonNumbers(options.exposuresSeconds)},
+                     {"binning", options.binning},
+                     {"mixedBinning", options.mixedBinning},
+                     {"full", options.full},
+                     {"subject", options.subject}};
+    addKindAnswers(json, options);
+    return json;
+}
+
+} // namespace
+
+void SimulateCommand::declare(QCommandLineParser& parser) const
+{
+    parser.addPositionalArgument(QStringLiteral("OUT"), QStringLiteral("Folder of the new sequence."));
+    for (const OptionText& option : kOptions) {
+        QString help = QString::fromLatin1(option.help);
+        if (*option.standard != '\0') {
+            help += QStringLiteral(" Default: %1.").arg(QLatin1String(option.standard));
+        }
+        parser.addOption({QString::fromLatin1(option.name), help, QString::fromLatin1(option.value)});
+    }
+}
+
+void SimulateCommand::run(const QCommandLineParser& parser, CliSession& session)
+{
+    const QStringList arguments = parser.positionalArguments();
+    if (arguments.size() != 1 || arguments[0].isEmpty()) {
+        usage(QStringLiteral("simulate takes one folder to write."));
+    }
+    const SimulationOptions options = takeOptions(parser);
+    session.progress().start(QStringLiteral("simulating"));
+    QString error;
+    const bool done = simulate(
+        arguments[0], options,
+        [&session](double fraction, const QString& message) {
+            session.progress().show(message, fraction);
+            return !CliSession::isInterrupted();
+        },
+        &error);
+    session.progress().finish();
+    if (!done) {
+        CliSession::stopIfInterrupted();
+        throw CliFailure(error);
+    }
+    const Outcome outcome = describe(options, arguments[0]);
+    session.answer(textAnswer(options, outcome));
+    session.answerJson(jsonAnswer(options, outcome));
+}

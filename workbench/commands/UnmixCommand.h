@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "workbench/commands/Command.h"
+
+// `spum unmix SEQ`: fits known spectra to every pixel of a sequence and writes maps, pictures and numbers.
+class UnmixCommand : public Command
+{
+public:
+    QString name() const override { return QStringLiteral("unmix"); }
+    QString summary() const override { return QStringLiteral("Separate a sequence into maps of its sources."); }
+    void declare(QCommandLineParser& parser) const override;
+    // "--save" alone takes the next automatic name.
+    QStringList optionsWithOptionalValue() const override { return {QStringLiteral("save")}; }
+    void run(const QCommandLineParser& parser, CliSession& session) override;
+};
