@@ -1,0 +1,80 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// What the views have in common in their context menus.
+#include "host/GLImageView.h"
+
+#include "host/CORVMessageBox.h"
+#include "host/CORVUtilityFns.h"
+#include "platform/orvimage/SavePng.h"
+#include "platform/orvwidgets/viewIcons.h"
+
+#include <QClipboard>
+#include <QContextMenuEvent>
+#include <QFileDialog>
+#include <QGuiApplication>
+#include <QMenu>
+
+using orvwidgets::ViewIcon;
+
+void GLImageView::contextMenuEvent(QContextMenuEvent* pEvent)
+{
+    QMenu menu(this);
+    fillContextMenu(menu);
+    if (menu.isEmpty()) {
+        pEvent->ignore();
+        return;
+    }
+    menu.exec(pEvent->reason() == QContextMenuEvent::Mouse ? pEvent->globalPos() : mapToGlobal(rect().center()));
+}
+
+void GLImageView::fillContextMenu(QMenu& menu)
+{
+    const QColor ink = palette().color(QPalette::Text);
+    const bool bPicture = !pictureToKeep().isNull();
+    const auto add = [&](ViewIcon icon, const QString& text, void (GLImageView::*slot)()) {
+        menu.addAction(orvwidgets::viewIcon(icon, ink), text, this, slot)->setEnabled(bPicture);
+    };
+    if ((menuItems() & CopyItem) != 0) {
+        add(ViewIcon::Copy, tr("&Copy Picture"), &GLImageView::copyPicture);
+    }
+    if ((menuItems() & SaveItem) != 0) {
+        add(ViewIcon::Save, tr("&Save Picture ..."), &GLImageView::savePicture);
+    }
+    if ((menuItems() & ZoomItem) != 0) {
+        menu.addSeparator();
+        add(ViewIcon::ZoomIn, tr("Zoom &In"), &GLImageView::zoomIn);
+        add(ViewIcon::ZoomOut, tr("Zoom &Out"), &GLImageView::zoomOut);
+        add(ViewIcon::Fit, tr("&Fit to View"), &GLImageView::fit);
+    }
+}
+
+QImage GLImageView::pictureToKeep() const
+{
+    return picture();
+}
+
+void GLImageView::copyPicture()
+{
+    const QImage kept = pictureToKeep();
+    if (!kept.isNull()) {
+        QGuiApplication::clipboard()->setImage(kept);
+    }
+}
+
+void GLImageView::savePicture()
+{
+    const QImage kept = pictureToKeep();
+    if (kept.isNull()) {
+        return;
+    }
+    QString path = QFileDialog::getSaveFileName(this, tr("Save Picture"), QString(), tr("PNG Image (*.png)"));
+    if (path.isEmpty()) {
+        return;
+    }
+    if (!path.endsWith(QLatin1String(".png"), Qt::CaseInsensitive)) {
+        path += QLatin1String(".png");
+    }
+    QString error;
+    if (!orvimage::savePng(path, kept, &error)) {
+        CORVMessageBox::error(this, CORVUtilityFns::getAppName(), error);
+    }
+}

@@ -1,0 +1,124 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/orvwidgets/viewOverlays.h"
+
+#include "platform/orvimage/ColorTables.h"
+#include "platform/orvimage/TickMarks.h"
+#include "platform/orvwidgets/CropGeometry.h"
+
+#include <QFontMetricsF>
+#include <QPainter>
+#include <QPainterPath>
+#include <QPalette>
+
+#include <algorithm>
+
+namespace orvwidgets {
+
+namespace {
+
+constexpr double kDarkest = 0.25;  // lightness up to which a text gets a light outline
+constexpr double kOutline = 3.0;   // pixels
+constexpr double kTick = 4.0;      // pixels
+constexpr int kSmallFont = 8;      // pixels of the legend's numbers
+constexpr double kTickRoom = 40.0; // pixels that a number of the legend takes
+
+void drawShape(QPainter& painter, const QRectF& crop, bool bEllipse)
+{
+    if (bEllipse) {
+        painter.drawEllipse(crop);
+    } else {
+        painter.drawRect(crop);
+    }
+}
+
+std::vector<double> ticksOf(int pixels, double side)
+{
+    return orvimage::tickValues(0.0, pixels, std::max(2, static_cast<int>(side / kTickRoom)));
+}
+
+} // namespace
+
+void paintCrop(QPainter& painter, const QRectF& crop, bool bEllipse)
+{
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setBrush(Qt::NoBrush);
+    painter.setPen(QPen(Qt::black, 1.5));
+    drawShape(painter, crop, bEllipse);
+    QPen dashes(Qt::white, 1.5);
+    dashes.setDashPattern({3.0, 3.0});
+    painter.setPen(dashes);
+    drawShape(painter, crop, bEllipse);
+    if (bEllipse) {
+        // The frame that the handles belong to.
+        painter.setPen(QPen(QColor(255, 255, 255, 110), 1.0));
+        painter.drawRect(crop);
+    }
+    painter.setPen(QPen(Qt::black, 1.0));
+    painter.setBrush(Qt::white);
+    for (const QPointF& corner : {crop.topLeft(), crop.topRight(), crop.bottomLeft(), crop.bottomRight()}) {
+        painter.drawRect(CropGeometry::handle(corner));
+    }
+    painter.restore();
+}
+
+void paintPixelLegend(QPainter& painter, const QRectF& shown, const QSize& picture, double width,
+                      const QPalette& palette)
+{
+    if (shown.isEmpty() || picture.isEmpty()) {
+        return;
+    }
+    painter.save();
+    painter.setClipRect(shown, Qt::IntersectClip);
+    QColor paper = palette.color(QPalette::Base);
+    paper.setAlpha(200);
+    const QRectF right(shown.right() - width, shown.top(), width, shown.height() - width);
+    const QRectF lower(shown.left(), shown.bottom() - width, shown.width(), width);
+    painter.fillRect(right, paper);
+    painter.fillRect(lower, paper);
+    painter.setPen(palette.color(QPalette::Text));
+    QFont font = painter.font();
+    font.setPixelSize(kSmallFont);
+    painter.setFont(font);
+    for (const double tick : ticksOf(picture.width(), shown.width())) {
+        const double x = shown.left() + tick * shown.width() / picture.width();
+        painter.drawLine(QPointF(x, lower.top()), QPointF(x, lower.top() + kTick));
+        painter.drawText(QRectF(x - kTickRoom / 2.0, lower.top() + kTick, kTickRoom, width - kTick), Qt::AlignCenter,
+                         QString::number(tick));
+    }
+    for (const double tick : ticksOf(picture.height(), shown.height())) {
+        const double y = shown.top() + tick * shown.height() / picture.height();
+        painter.drawLine(QPointF(right.left(), y), QPointF(right.left() + kTick, y));
+        painter.drawText(QRectF(right.left() + kTick, y - width / 2.0, width - kTick, width), Qt::AlignCenter,
+                         QString::number(tick));
+    }
+    painter.restore();
+}
+
+void paintRing(QPainter& painter, const QPointF& centre, double diameter)
+{
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setBrush(Qt::NoBrush);
+    painter.setPen(QPen(Qt::black, 1.0));
+    painter.drawEllipse(centre, diameter / 2.0 + 1.0, diameter / 2.0 + 1.0);
+    painter.setPen(QPen(Qt::white, 1.0));
+    painter.drawEllipse(centre, diameter / 2.0, diameter / 2.0);
+    painter.restore();
+}
+
+void paintOutlinedText(QPainter& painter, const QPointF& at, const QString& text, const QFont& font,
+                       const QColor& color)
+{
+    QPainterPath path;
+    path.addText(at, font, text);
+    const bool bDark = orvimage::oklabLightness(color.rgb()) < kDarkest;
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.strokePath(path, QPen(bDark ? QColor(225, 225, 225) : QColor(0, 0, 0, 200), kOutline, Qt::SolidLine,
+                                  Qt::RoundCap, Qt::RoundJoin));
+    painter.fillPath(path, color);
+    painter.restore();
+}
+
+} // namespace orvwidgets

@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QColor>
+#include <QFont>
+#include <QPointF>
+#include <QRectF>
+#include <QSize>
+#include <QString>
+
+class QPainter;
+class QPalette;
+
+namespace orvwidgets {
+
+// A rectangle or the ellipse in it, with a handle at each corner, in black and white lines that are seen on any
+// picture.
+void paintCrop(QPainter& painter, const QRectF& crop, bool bEllipse);
+
+// Pixel numbers in strips of `width` along the right and the lower edge of a displayed picture.
+void paintPixelLegend(QPainter& painter, const QRectF& shown, const QSize& picture, double width,
+                      const QPalette& palette);
+
+// A circle of that diameter in black and white.
+void paintRing(QPainter& painter, const QPointF& centre, double diameter);
+
+// A line of text with its baseline at `at`, outlined so that its colour is read on any picture: dark around all but the
+// darkest colours, which are outlined in light grey.
+void paintOutlinedText(QPainter& painter, const QPointF& at, const QString& text, const QFont& font,
+                       const QColor& color);
+
+} // namespace orvwidgets

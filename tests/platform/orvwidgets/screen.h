@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QApplication>
+#include <QDir>
+#include <QImage>
+#include <QOpenGLContext>
+#include <QOpenGLWidget>
+#include <QPalette>
+#include <QTest>
+
+// Pictures of widgets, kept in the build folder to be looked at.
+namespace screen {
+
+inline QImage grab(QWidget& widget)
+{
+    return widget.grab().toImage();
+}
+
+// Shows a window and waits until it is drawn.
+inline void show(QWidget& widget)
+{
+    widget.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&widget));
+    QApplication::processEvents();
+}
+
+inline void keep(const QImage& picture, const char* name)
+{
+    const QString folder = QStringLiteral(ORV_BINARY_DIR "/pictures/orvwidgets");
+    QDir().mkpath(folder);
+    const int ratio = qRound(picture.devicePixelRatio());
+    picture.save(QStringLiteral("%1/%2_%3x.png").arg(folder, QString::fromLatin1(name)).arg(ratio));
+}
+
+inline QPalette darkPalette()
+{
+    QPalette dark;
+    dark.setColor(QPalette::Window, QColor(43, 43, 48));
+    dark.setColor(QPalette::WindowText, QColor(230, 230, 230));
+    dark.setColor(QPalette::Base, QColor(30, 30, 34));
+    dark.setColor(QPalette::Text, QColor(230, 230, 230));
+    dark.setColor(QPalette::Button, QColor(60, 60, 66));
+    dark.setColor(QPalette::ButtonText, QColor(230, 230, 230));
+    dark.setColor(QPalette::Highlight, QColor(80, 140, 220));
+    return dark;
+}
+
+} // namespace screen
