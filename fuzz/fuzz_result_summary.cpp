@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Summaries in folders of results: whatever the bytes, names of maps in the folder itself, or an error that names the
 // file.
-#include "services/basis/CliFailure.h"
+#include "services/basis/Failure.h"
 #include "services/results/ResultFolder.h"
 #include "services/results/ResultMaps.h"
 
@@ -40,8 +40,8 @@ void readMaps(const ResultMaps& maps)
         try {
             maps.read(i);
             require(false);
-        } catch (const CliFailure& failure) {
-            require(failure.message().startsWith(resultFolder()));
+        } catch (const Failure& failure) {
+            require(failure.text().startsWith(resultFolder()));
         }
     }
 }
@@ -62,8 +62,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     file.close();
     try {
         readMaps(ResultMaps(resultFolder()));
-    } catch (const CliFailure& failure) {
-        require(failure.message().startsWith(resultFolder()));
+    } catch (const Failure& failure) {
+        require(failure.text().startsWith(resultFolder()));
     }
     return 0;
 }

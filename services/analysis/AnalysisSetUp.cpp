@@ -7,9 +7,8 @@
 #include "host/CORVSequenceDataset.h"
 #include "services/analysis/ImageCheck.h"
 #include "services/analysis/MaskImage.h"
-#include "services/basis/CliFailure.h"
-#include "services/basis/CliProgress.h"
-#include "services/basis/CliSession.h"
+#include "services/basis/Failure.h"
+#include "services/basis/JobMonitor.h"
 #include "services/basis/ModeNames.h"
 #include "services/basis/UnitNames.h"
 #include "services/session/PairSelection.h"
@@ -28,12 +27,12 @@ QStringList imagesOf(const CORVSpumKyvo& engine)
 
 } // namespace
 
-AnalysisSetUp::AnalysisSetUp(const AnalysisRequest& request, CliSession& session)
-    : m_request(request), m_session(session), m_opened(request.sequence)
+AnalysisSetUp::AnalysisSetUp(const AnalysisRequest& request, JobMonitor& monitor)
+    : m_request(request), m_monitor(monitor), m_opened(request.sequence)
 {
-    m_session.warnAll(m_opened.warnings());
+    m_monitor.warnAll(m_opened.warnings());
     if (!m_opened.canBeAnalysed()) {
-        throw CliFailure(QStringLiteral("%1 cannot be analysed: %2").arg(m_request.sequence, m_opened.reasonAgainst()));
+        throw Failure(QStringLiteral("%1 cannot be analysed: %2").arg(m_request.sequence, m_opened.reasonAgainst()));
     }
 }
 
@@ -52,8 +51,8 @@ void AnalysisSetUp::checkMode(int nMode)
     for (const int mode : modes) {
         names.append(ModeNames::option(mode));
     }
-    throw CliFailure(QStringLiteral("this sequence cannot be unmixed by the method %1; it takes %2")
-                         .arg(ModeNames::option(nMode), names.join(QStringLiteral(", "))));
+    throw Failure(QStringLiteral("this sequence cannot be unmixed by the method %1; it takes %2")
+                      .arg(ModeNames::option(nMode), names.join(QStringLiteral(", "))));
 }
 
 void AnalysisSetUp::select()
@@ -65,10 +64,10 @@ void AnalysisSetUp::select()
     QList<KeyPair> trial = selection;
     int axis = 0;
     if (engine().validateSelection(trial, &axis, false) == 0) {
-        throw CliFailure(QStringLiteral("the selection %1 cannot be unmixed: it takes two %2 at least")
-                             .arg(pairsText(selection), engine().m_eSeqKind == SEQKIND_TEMPORAL
-                                                            ? QStringLiteral("time points")
-                                                            : QStringLiteral("wavelengths")));
+        throw Failure(QStringLiteral("the selection %1 cannot be unmixed: it takes two %2 at least")
+                          .arg(pairsText(selection), engine().m_eSeqKind == SEQKIND_TEMPORAL
+                                                         ? QStringLiteral("time points")
+                                                         : QStringLiteral("wavelengths")));
     }
     // As in the palette: a selection of which a part was taken away is analysed without it.
     const int asked = selection.size();
@@ -76,7 +75,7 @@ void AnalysisSetUp::select()
         engine().updateKeys();
         CORVLog::getLogObject()->log(QStringLiteral("SpumKyvo: image selection got adjusted"), QString(), 0,
                                      QStringLiteral(__TIME__), CORVLOG_WARNING, false);
-        m_session.warn(QStringLiteral("image selection got adjusted: %1 of %2 images are used")
+        m_monitor.warn(QStringLiteral("image selection got adjusted: %1 of %2 images are used")
                            .arg(engine().getSelectedKeyPairs().size())
                            .arg(asked));
     }
@@ -86,37 +85,37 @@ void AnalysisSetUp::reset(int nMode)
 {
     engine().resetAnalysis(nMode);
     if (!engine().createImageList()) {
-        throw CliFailure(QStringLiteral("an image of the selection is missing in the sequence"));
+        throw Failure(QStringLiteral("an image of the selection is missing in the sequence"));
     }
     if (m_request.binning > 0) {
         engine().m_bAutoBinning = false;
         engine().m_nBinning = m_request.binning;
     }
     if (!engine().setBinningAndSize(engine().m_bAutoBinning) || engine().m_nWidth < 1) {
-        throw CliFailure(m_request.binning > 0
-                             ? QStringLiteral("at binning %1 nothing is left of the images").arg(m_request.binning)
-                             : QStringLiteral("the binning and size of the images cannot be found"));
+        throw Failure(m_request.binning > 0
+                          ? QStringLiteral("at binning %1 nothing is left of the images").arg(m_request.binning)
+                          : QStringLiteral("the binning and size of the images cannot be found"));
     }
 }
 
 void AnalysisSetUp::takeMask(int nPixelsNeeded)
 {
     qint64 pixels = static_cast<qint64>(engine().m_nWidth) * engine().m_nHeight;
-    if (m_request.mask.kind != MaskOption::Kind::None) {
+    if (m_request.mask.kind != MaskRequest::Kind::None) {
         engine().m_analysisInput.maskImage = maskImageOf(m_request.mask, engine());
         if (!engine().takeDataMask()) {
-            throw CliFailure(unusableMaskText(m_request.mask, engine()));
+            throw Failure(unusableMaskText(m_request.mask, engine()));
         }
         pixels = static_cast<qint64>(engine().m_maskIndices.size());
         if (pixels == 0) {
-            throw CliFailure(QStringLiteral("the mask leaves no pixel"));
+            throw Failure(QStringLiteral("the mask leaves no pixel"));
         }
     }
     if (pixels < nPixelsNeeded) {
-        throw CliFailure(QStringLiteral("only %1 %2 left for the analysis; it takes %3 at least")
-                             .arg(pixels)
-                             .arg(pixels == 1 ? QStringLiteral("pixel is") : QStringLiteral("pixels are"))
-                             .arg(nPixelsNeeded));
+        throw Failure(QStringLiteral("only %1 %2 left for the analysis; it takes %3 at least")
+                          .arg(pixels)
+                          .arg(pixels == 1 ? QStringLiteral("pixel is") : QStringLiteral("pixels are"))
+                          .arg(nPixelsNeeded));
     }
 }
 
@@ -126,12 +125,12 @@ void AnalysisSetUp::checkUnit()
     const UnitForecast forecast = forecastUnit(m_opened.sequence(), imagesOf(engine()));
     const QString why = forecast.refusals.join(QStringLiteral("; "));
     if (forecast.unit < 0) {
-        throw CliFailure(QStringLiteral("the images can be had in no unit: %1").arg(why));
+        throw Failure(QStringLiteral("the images can be had in no unit: %1").arg(why));
     }
     if (m_request.unit >= 0 && forecast.unit != m_request.unit) {
-        throw CliFailure(QStringLiteral("the unit %1 cannot be reached; the analysis would end in %2%3")
-                             .arg(UnitNames::options()[m_request.unit], UnitNames::options()[forecast.unit],
-                                  why.isEmpty() ? QString() : QStringLiteral(" (%1)").arg(why)));
+        throw Failure(QStringLiteral("the unit %1 cannot be reached; the analysis would end in %2%3")
+                          .arg(UnitNames::options()[m_request.unit], UnitNames::options()[forecast.unit],
+                               why.isEmpty() ? QString() : QStringLiteral(" (%1)").arg(why)));
     }
     m_nUnit = forecast.unit;
 }
@@ -140,8 +139,8 @@ void AnalysisSetUp::checkImages(double dFraction)
 {
     m_constantImages =
         checkImagePixels(m_opened.sequence(), engine(), static_cast<tag_edisplayunit>(m_nUnit), [&](double fraction) {
-            CliSession::stopIfInterrupted();
-            m_session.progress().show(QStringLiteral("Looking at the images"), dFraction * fraction);
+            m_monitor.stopIfRequested();
+            m_monitor.showProgress(QStringLiteral("Looking at the images"), dFraction * fraction);
         });
 }
 

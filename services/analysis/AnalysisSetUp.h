@@ -1,22 +1,22 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "services/analysis/AnalysisOptions.h"
+#include "services/analysis/AnalysisRequest.h"
 #include "services/basis/UnitLimit.h"
 #include "services/session/OpenedSequence.h"
 
 #include <QString>
 #include <QStringList>
 
-class CliSession;
+class JobMonitor;
 
 // An opened sequence on its way to a run: the steps between the request and the start of the engine, each of which
-// throws CliFailure for what cannot be analysed. They are called in the order of their declaration.
+// throws Failure for what cannot be analysed. They are called in the order of their declaration.
 class AnalysisSetUp
 {
 public:
     // Opens the sequence and hands on its warnings.
-    AnalysisSetUp(const AnalysisRequest& request, CliSession& session);
+    AnalysisSetUp(const AnalysisRequest& request, JobMonitor& monitor);
     AnalysisSetUp(const AnalysisSetUp&) = delete;
     AnalysisSetUp& operator=(const AnalysisSetUp&) = delete;
 
@@ -43,7 +43,7 @@ public:
 
 private:
     AnalysisRequest m_request;
-    CliSession& m_session;
+    JobMonitor& m_monitor;
     OpenedSequence m_opened;
     UnitLimit m_unitLimit;
     int m_nUnit = -1;

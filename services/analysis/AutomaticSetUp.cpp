@@ -8,7 +8,7 @@
 #include "engine/suggestedConstraints.h"
 #include "host/CORVDatabase.h"
 #include "host/CORVSequenceDataset.h"
-#include "services/basis/CliFailure.h"
+#include "services/basis/Failure.h"
 #include "windows/componentCount.h"
 #include "windows/halfLife.h"
 #include "windows/probeOffer.h"
@@ -42,15 +42,15 @@ void checkCount(int nComponents, int nImages, bool bBeyondSix)
         return;
     }
     if (bBeyondSix && nComponents > nImages) {
-        throw CliFailure(QStringLiteral("%1 (%2 components for %3 images)")
-                             .arg(errorText(RUNERROR_NO_SOLUTION))
-                             .arg(nComponents)
-                             .arg(nImages));
+        throw Failure(QStringLiteral("%1 (%2 components for %3 images)")
+                          .arg(errorText(RUNERROR_NO_SOLUTION))
+                          .arg(nComponents)
+                          .arg(nImages));
     }
-    throw CliFailure(QStringLiteral("%1 (asked for: %2%3)")
-                         .arg(componentCountWarning(nComponents, nImages))
-                         .arg(nComponents)
-                         .arg(fits ? QStringLiteral("; --force takes as many as there are images") : QString()));
+    throw Failure(QStringLiteral("%1 (asked for: %2%3)")
+                      .arg(componentCountWarning(nComponents, nImages))
+                      .arg(nComponents)
+                      .arg(fits ? QStringLiteral("; --force takes as many as there are images") : QString()));
 }
 
 // What keeps the place of a component from being known; empty when it is known.
@@ -99,19 +99,18 @@ void takeDecay(const AutomaticRequest& request, const CORVSequenceDataset& seque
         return;
     }
     if (!sequence.isCherenkovIsotopeInData(input.isotope)) {
-        throw CliFailure(QStringLiteral("--decay: the sequence holds no isotope with Cherenkov light"));
+        throw Failure(QStringLiteral("--decay: the sequence holds no isotope with Cherenkov light"));
     }
     input.halfLifeSeconds = request.halfLifeMinutes > 0.0 ? request.halfLifeMinutes * secondsPerMinute
                                                           : CORVDatabase::getCherenkovRADHalflife(input.isotope);
     if (!(input.halfLifeSeconds > 0.0)) {
-        throw CliFailure(invalidHalfLifeText(input.isotope, 0.0, engine.m_strSeqId) +
-                         QStringLiteral(" Give it in minutes: --decay MINUTES"));
+        throw Failure(invalidHalfLifeText(input.isotope, 0.0, engine.m_strSeqId) +
+                      QStringLiteral(" Give it in minutes: --decay MINUTES"));
     }
     QVector<double> factors;
     if (!sequence.calculateDecayCorrectFactor_CherenkovData(engine.m_imageList, input.halfLifeSeconds, factors)) {
-        throw CliFailure(
-            QStringLiteral("the decay cannot be corrected for: an image lacks the start or the length of its "
-                           "exposure, or the half life is too short for the time between the images"));
+        throw Failure(QStringLiteral("the decay cannot be corrected for: an image lacks the start or the length of its "
+                                     "exposure, or the half life is too short for the time between the images"));
     }
 }
 
@@ -140,7 +139,7 @@ QStringList setUpAutomatic(const AutomaticRequest& request, bool bBeyondSix, con
     takeDecay(request, sequence, engine);
     engine.takeComponents();
     if (engine.m_params.Constraints.size() != names.size()) {
-        throw CliFailure(
+        throw Failure(
             QStringLiteral("of the components %1 two lie at one place of the spectrum, as far as is known; give "
                            "one of them another name, \"Unknown\", or use --no-constraints")
                 .arg(names.join(QStringLiteral(", "))));

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "services/analysis/AutomaticOptions.h"
+#include "services/analysis/AutomaticRequest.h"
 
 #include <QStringList>
 
@@ -13,7 +13,7 @@ class CORVSpumKyvo;
 QStringList proposedComponents(const CORVSpumKyvo& engine);
 
 // Prepares an automatic run of an engine whose selection is made: names, constraints, decay. Returns warnings. Throws
-// CliFailure when the number of components is not from 2 to 6 and at most that of the images (`bBeyondSix`: to that of
+// Failure when the number of components is not from 2 to 6 and at most that of the images (`bBeyondSix`: to that of
 // the images), when names get in each other's way, and for a decay that cannot be corrected for.
 QStringList setUpAutomatic(const AutomaticRequest& request, bool bBeyondSix, const CORVSequenceDataset& sequence,
                            CORVSpumKyvo& engine);

@@ -4,7 +4,7 @@
 #include "engine/CORVSpumKyvo.h"
 #include "host/CILImage.h"
 #include "host/CORVSequenceDataset.h"
-#include "services/basis/CliFailure.h"
+#include "services/basis/Failure.h"
 
 #include <algorithm>
 #include <cmath>
@@ -25,15 +25,15 @@ long long badPixels(const CILImage& image)
 void checkSize(const CORVSpumKyvo& engine, const QString& strName, const CILImage& image)
 {
     if (image.m_lWidth != image.m_lHeight) {
-        throw CliFailure(QStringLiteral("the image %1 is not square (%2 x %3)")
-                             .arg(strName)
-                             .arg(image.m_lWidth)
-                             .arg(image.m_lHeight));
+        throw Failure(QStringLiteral("the image %1 is not square (%2 x %3)")
+                          .arg(strName)
+                          .arg(image.m_lWidth)
+                          .arg(image.m_lHeight));
     }
     const int binning = static_cast<int>(image.m_fBinning);
     const long long side = static_cast<long long>(image.m_lWidth) * binning / engine.m_nBinning;
     if (side != engine.m_nWidth) {
-        throw CliFailure(
+        throw Failure(
             QStringLiteral("the image %1 (%2 pixels a side at binning %3) does not cover the area of the first "
                            "image (%4 a side at binning %5)")
                 .arg(strName)
@@ -70,7 +70,8 @@ QStringList checkImagePixels(const CORVSequenceDataset& sequence, const CORVSpum
         CILImage image;
         if (dataset == nullptr ||
             dataset->getCalibratedLuminImage(eUnit, &image, QStringLiteral("spum")) != ESTATUS_SUCCESS) {
-            throw CliFailure(QStringLiteral("the image %1 cannot be read; --verbose tells more").arg(name));
+            throw Failure(QStringLiteral("the image %1 cannot be read").arg(name),
+                          QStringLiteral("--verbose tells more"));
         }
         image.ChangeType(ORVTYPE_FLOAT);
         checkSize(engine, name, image);
@@ -82,8 +83,8 @@ QStringList checkImagePixels(const CORVSequenceDataset& sequence, const CORVSpum
         }
     }
     if (!bad.isEmpty()) {
-        throw CliFailure(QStringLiteral("these images hold pixels that are NaN or infinite: %1")
-                             .arg(bad.join(QStringLiteral(", "))));
+        throw Failure(QStringLiteral("these images hold pixels that are NaN or infinite: %1")
+                          .arg(bad.join(QStringLiteral(", "))));
     }
     return constant;
 }

@@ -10,7 +10,7 @@
 class CORVSequenceDataset;
 class CORVSpumKyvo;
 
-// Looks at every image of the engine's list in the unit of the analysis before a run. Throws CliFailure that names all
+// Looks at every image of the engine's list in the unit of the analysis before a run. Throws Failure that names all
 // images with pixels that are not finite, the first image that cannot be read, and the first that is not square or does
 // not cover the area of the first one. `step` is called between images and may throw to stop.
 //

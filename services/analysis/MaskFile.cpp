@@ -2,7 +2,7 @@
 #include "services/analysis/MaskFile.h"
 
 #include "platform/orvimage/TiffIo.h"
-#include "services/basis/CliFailure.h"
+#include "services/basis/Failure.h"
 
 #include <new>
 
@@ -36,19 +36,18 @@ CILImage readMaskFile(const QString& strPath, int nSide, int nBinning)
     CILImage mask;
     QString error;
     if (!readTiff(strPath, 0, mask, &error)) {
-        throw CliFailure(error);
+        throw Failure(error);
     }
     if (mask.m_lWidth != mask.m_lHeight || mask.m_lWidth % nSide != 0) {
-        throw CliFailure(
-            QStringLiteral("%1: the mask has %2 x %3 pixels; the analysis needs %4 x %4 or a multiple of it")
-                .arg(strPath)
-                .arg(mask.m_lWidth)
-                .arg(mask.m_lHeight)
-                .arg(nSide));
+        throw Failure(QStringLiteral("%1: the mask has %2 x %3 pixels; the analysis needs %4 x %4 or a multiple of it")
+                          .arg(strPath)
+                          .arg(mask.m_lWidth)
+                          .arg(mask.m_lHeight)
+                          .arg(nSide));
     }
     CILImage pixels = pixelsOfAnalysis(mask, nSide);
     if (pixels.m_dMax <= 0.0) {
-        throw CliFailure(QStringLiteral("%1: the mask has no pixel above 0").arg(strPath));
+        throw Failure(QStringLiteral("%1: the mask has no pixel above 0").arg(strPath));
     }
     pixels.m_fBinning = static_cast<float>(nBinning);
     return pixels;

@@ -7,5 +7,5 @@
 
 // Reads a mask from a TIFF file: pixels above 0 count. It must be square, with the side of the analysis (`nSide` pixels
 // at `nBinning`) or a whole multiple of it, so that its pixels fall on those of the data; the result is a float image
-// with its binning set. Throws CliFailure, also for a mask without any pixel above 0.
+// with its binning set. Throws Failure, also for a mask without any pixel above 0.
 CILImage readMaskFile(const QString& strPath, int nSide, int nBinning);

@@ -3,7 +3,7 @@
 
 #include "engine/CORVSpumKyvo.h"
 #include "services/analysis/MaskFile.h"
-#include "services/basis/CliFailure.h"
+#include "services/basis/Failure.h"
 #include "windows/drawnMask.h"
 #include "windows/maskPixels.h"
 #include "windows/photoMask.h"
@@ -15,7 +15,7 @@ namespace {
 CILImage photographMask(double dThreshold, const CORVSpumKyvo& engine)
 {
     if (engine.m_pPhoto == nullptr || engine.m_pPhoto->isEmpty()) {
-        throw CliFailure(QStringLiteral("--mask auto: there is no photograph"));
+        throw Failure(QStringLiteral("--mask auto: there is no photograph"));
     }
     CILImage photo = *engine.m_pPhoto;
     photo.RefreshImageStats();
@@ -26,30 +26,29 @@ CILImage photographMask(double dThreshold, const CORVSpumKyvo& engine)
         throw std::bad_alloc();
     }
     if (!isMaskValid(mask)) {
-        throw CliFailure(QStringLiteral("--mask auto: only %1 pixels of the photograph are brighter than %2 % of its "
-                                        "range; --threshold sets another limit, --mask none takes every pixel")
-                             .arg(countMaskPixels(mask))
-                             .arg(static_cast<double>(threshold), 0, 'g', 4));
+        throw Failure(QStringLiteral("--mask auto: only %1 pixels of the photograph are brighter than %2 % of its "
+                                     "range; --threshold sets another limit, --mask none takes every pixel")
+                          .arg(countMaskPixels(mask))
+                          .arg(static_cast<double>(threshold), 0, 'g', 4));
     }
     return mask;
 }
 
-CILImage drawnMask(const MaskOption& option, const CORVSpumKyvo& engine)
+CILImage drawnMask(const MaskRequest& option, const CORVSpumKyvo& engine)
 {
     if (option.x < 0 || option.y < 0 || option.x > engine.m_nWidth - option.width ||
         option.y > engine.m_nHeight - option.height) {
-        throw CliFailure(
-            QStringLiteral("--mask: the shape %1,%2,%3,%4 leaves the images of %5 x %6 pixels at binning %7")
-                .arg(option.x)
-                .arg(option.y)
-                .arg(option.width)
-                .arg(option.height)
-                .arg(engine.m_nWidth)
-                .arg(engine.m_nHeight)
-                .arg(engine.m_nBinning));
+        throw Failure(QStringLiteral("--mask: the shape %1,%2,%3,%4 leaves the images of %5 x %6 pixels at binning %7")
+                          .arg(option.x)
+                          .arg(option.y)
+                          .arg(option.width)
+                          .arg(option.height)
+                          .arg(engine.m_nWidth)
+                          .arg(engine.m_nHeight)
+                          .arg(engine.m_nBinning));
     }
     const DrawnShape shape = shapeOverPixels(engine.m_nWidth, engine.m_nHeight, option.x, option.y, option.width,
-                                             option.height, option.kind == MaskOption::Kind::Ellipse);
+                                             option.height, option.kind == MaskRequest::Kind::Ellipse);
     CILImage mask;
     if (!makeDrawnMask(engine.m_nWidth, engine.m_nHeight, static_cast<float>(engine.m_nBinning), shape, mask)) {
         throw std::bad_alloc();
@@ -59,25 +58,25 @@ CILImage drawnMask(const MaskOption& option, const CORVSpumKyvo& engine)
 
 } // namespace
 
-CILImage maskImageOf(const MaskOption& option, const CORVSpumKyvo& engine)
+CILImage maskImageOf(const MaskRequest& option, const CORVSpumKyvo& engine)
 {
     switch (option.kind) {
-    case MaskOption::Kind::Photograph:
+    case MaskRequest::Kind::Photograph:
         return photographMask(option.threshold, engine);
-    case MaskOption::Kind::File:
+    case MaskRequest::Kind::File:
         return readMaskFile(option.file, engine.m_nWidth, engine.m_nBinning);
-    case MaskOption::Kind::Rectangle:
-    case MaskOption::Kind::Ellipse:
+    case MaskRequest::Kind::Rectangle:
+    case MaskRequest::Kind::Ellipse:
         return drawnMask(option, engine);
-    case MaskOption::Kind::None:
+    case MaskRequest::Kind::None:
         break;
     }
     return CILImage();
 }
 
-QString unusableMaskText(const MaskOption& option, const CORVSpumKyvo& engine)
+QString unusableMaskText(const MaskRequest& option, const CORVSpumKyvo& engine)
 {
-    if (option.kind == MaskOption::Kind::File) {
+    if (option.kind == MaskRequest::Kind::File) {
         return QStringLiteral("%1 cannot serve as a mask").arg(option.file);
     }
     return QStringLiteral(

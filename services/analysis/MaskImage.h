@@ -2,14 +2,14 @@
 #pragma once
 
 #include "host/CILImage.h"
-#include "services/analysis/MaskOption.h"
+#include "services/analysis/MaskRequest.h"
 
 class CORVSpumKyvo;
 
 // The mask that an option asks for, for an engine whose binning and size are chosen: pixels above 0 count, the binning
-// is set. Kind::None gives an empty image. Throws CliFailure for a file that does not serve, a shape that leaves the
+// is set. Kind::None gives an empty image. Throws Failure for a file that does not serve, a shape that leaves the
 // image, and where there is no photograph.
-CILImage maskImageOf(const MaskOption& option, const CORVSpumKyvo& engine);
+CILImage maskImageOf(const MaskRequest& option, const CORVSpumKyvo& engine);
 
 // Why the engine refused that mask.
-QString unusableMaskText(const MaskOption& option, const CORVSpumKyvo& engine);
+QString unusableMaskText(const MaskRequest& option, const CORVSpumKyvo& engine);

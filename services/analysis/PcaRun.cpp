@@ -4,8 +4,7 @@
 #include "engine/CORVSpumKyvo.h"
 #include "platform/orvutils/LogSinks.h"
 #include "services/analysis/ShownRun.h"
-#include "services/basis/CliFailure.h"
-#include "services/basis/CliProgress.h"
+#include "services/basis/Failure.h"
 
 #include <mutex>
 
@@ -39,21 +38,21 @@ private:
 
 } // namespace
 
-XTNT::Vector<double> runPca(CORVSpumKyvo& engine, CliProgress& progress)
+XTNT::Vector<double> runPca(CORVSpumKyvo& engine, JobMonitor& monitor)
 {
     engine.m_pcaResult = XTNT::Vector<double>();
     engine.m_bRunPCA = true;
     const LastLogLine log;
-    const RunOutcome outcome = runShown(engine, progress, QStringLiteral("Analysing the images"), -1.0);
+    const RunOutcome outcome = runShown(engine, monitor, QStringLiteral("Analysing the images"), -1.0);
     if (outcome == RunOutcome::Aborted) {
-        throw CliFailure(QStringLiteral("PCA aborted by user"), CliFailure::Aborted);
+        throw Failure(QStringLiteral("PCA aborted by user"), Failure::Kind::Aborted);
     }
     if (engine.hasError()) {
-        throw CliFailure(engine.getErrorText());
+        throw Failure(engine.getErrorText());
     }
     // The last act of a run that ends in silence is to say why in the log.
     if (engine.m_pcaResult.empty()) {
-        throw CliFailure(log.text());
+        throw Failure(log.text());
     }
     return engine.m_pcaResult;
 }

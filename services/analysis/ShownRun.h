@@ -5,8 +5,8 @@
 
 #include <QString>
 
-class CliProgress;
+class JobMonitor;
 
 // Runs the engine once; meanwhile the progress line shows the text with the time that has passed (`dFraction` below 0)
 // or at that fraction.
-RunOutcome runShown(CORVSpumKyvo& engine, CliProgress& progress, const QString& strText, double dFraction);
+RunOutcome runShown(CORVSpumKyvo& engine, JobMonitor& monitor, const QString& strText, double dFraction);

@@ -5,7 +5,7 @@
 #include "engine/EngineEnums.h"
 #include "host/CORVDatabase.h"
 #include "host/CORVSequenceDataset.h"
-#include "services/basis/CliFailure.h"
+#include "services/basis/Failure.h"
 #include "services/basis/UnitNames.h"
 #include "services/session/LibrarySpectra.h"
 #include "services/session/OpenedSequence.h"
@@ -53,12 +53,11 @@ XTNT::Vector<double> valuesOf(const QString& strName, const QList<KeyPair>& pair
     sSourceSpecFileParameters emission;
     sSourceSpecFileParameters excitation;
     if (!readCurve(strName + QStringLiteral("Em"), &emission)) {
-        throw CliFailure(
-            QStringLiteral("the database has no source \"%1\" (sources carry no suffix here)").arg(strName));
+        throw Failure(QStringLiteral("the database has no source \"%1\" (sources carry no suffix here)").arg(strName));
     }
     const bool hasExcitation = readCurve(strName + QStringLiteral("Ex"), &excitation);
     if (!hasExcitation && !oneExcitation(pairs)) {
-        throw CliFailure(
+        throw Failure(
             QStringLiteral("the database has no excitation curve of \"%1\", and the images have several excitations")
                 .arg(strName));
     }
@@ -74,12 +73,12 @@ void normalise(XTNT::Vector<double>& values, const QString& strName)
 {
     for (long long j = 0; j < values.n_; ++j) {
         if (!std::isfinite(values[j])) {
-            throw CliFailure(QStringLiteral("\"%1\" has values that are not finite at these images").arg(strName));
+            throw Failure(QStringLiteral("\"%1\" has values that are not finite at these images").arg(strName));
         }
     }
     const double maximum = values.Max();
     if (!(maximum > 0.0)) {
-        throw CliFailure(QStringLiteral("\"%1\" gives no light at these images").arg(strName));
+        throw Failure(QStringLiteral("\"%1\" gives no light at these images").arg(strName));
     }
     for (long long j = 0; j < values.n_; ++j) {
         values[j] /= maximum;
@@ -109,8 +108,8 @@ Region parseRegion(const QString& strText)
         region.height = numbers[3].toInt(&ok[3]);
     }
     if (!ok[0] || !ok[1] || !ok[2] || !ok[3] || region.name.isEmpty() || region.width < 1 || region.height < 1) {
-        throw CliFailure(QStringLiteral("--region: \"%1\" is not of the form NAME=X,Y,W,H").arg(strText),
-                         CliFailure::Usage);
+        throw Failure(QStringLiteral("--region: \"%1\" is not of the form NAME=X,Y,W,H").arg(strText),
+                      Failure::Kind::BadRequest);
     }
     return region;
 }
@@ -119,10 +118,10 @@ std::vector<int> pixelsOf(const Region& region, const CORVSpumKyvo& engine)
 {
     if (region.x < 0 || region.y < 0 || region.x > engine.m_nWidth - region.width ||
         region.y > engine.m_nHeight - region.height) {
-        throw CliFailure(QStringLiteral("the region \"%1\" leaves the image of %2 x %3 pixels")
-                             .arg(region.name)
-                             .arg(engine.m_nWidth)
-                             .arg(engine.m_nHeight));
+        throw Failure(QStringLiteral("the region \"%1\" leaves the image of %2 x %3 pixels")
+                          .arg(region.name)
+                          .arg(engine.m_nWidth)
+                          .arg(engine.m_nHeight));
     }
     std::vector<int> pixels;
     for (int y = region.y; y < region.y + region.height; ++y) {
@@ -137,7 +136,7 @@ std::vector<int> pixelsOf(const Region& region, const CORVSpumKyvo& engine)
 void requireAnalysable(const OpenedSequence& opened, const QString& strSequence)
 {
     if (!opened.canBeAnalysed()) {
-        throw CliFailure(QStringLiteral("%1 cannot be analysed: %2").arg(strSequence, opened.reasonAgainst()));
+        throw Failure(QStringLiteral("%1 cannot be analysed: %2").arg(strSequence, opened.reasonAgainst()));
     }
 }
 
@@ -182,7 +181,7 @@ void SpectrumSources::fromDatabase(const QString& strNames, const QString& strSe
     OpenedSequence opened(strSequence);
     requireAnalysable(opened, strSequence);
     if (opened.engine().m_eSeqKind == SEQKIND_TEMPORAL) {
-        throw CliFailure(QStringLiteral("the database holds spectra; %1 is a temporal sequence").arg(strSequence));
+        throw Failure(QStringLiteral("the database holds spectra; %1 is a temporal sequence").arg(strSequence));
     }
     const QList<KeyPair> pairs = opened.engine().getSelectedKeyPairs();
     for (const auto& part : strNames.split(QLatin1Char(','))) {
@@ -203,7 +202,8 @@ void SpectrumSources::fromRegions(const QStringList& regions, const QString& str
     auto& engine = opened.engine();
     engine.resetAnalysis(RUNMODE_MANUAL);
     if (!engine.buildImageCube()) {
-        throw CliFailure(QStringLiteral("%1: the images cannot be read; --verbose tells more").arg(strSequence));
+        throw Failure(QStringLiteral("%1: the images cannot be read").arg(strSequence),
+                      QStringLiteral("--verbose tells more"));
     }
     for (const auto& text : regions) {
         const Region region = parseRegion(text);

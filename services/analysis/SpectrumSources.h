@@ -11,7 +11,7 @@
 class SpectrumPlotParams;
 
 // Spectra made for a library: taken from another file, from the database of sources, or measured in images. Each
-// operation adds to the list and throws CliFailure when it cannot.
+// operation adds to the list and throws Failure when it cannot.
 class SpectrumSources
 {
 public:

@@ -10,9 +10,8 @@
 #include "platform/orvutils/StagedFolder.h"
 #include "services/analysis/AutomaticSetUp.h"
 #include "services/analysis/ShownRun.h"
-#include "services/basis/CliFailure.h"
-#include "services/basis/CliProgress.h"
-#include "services/basis/CliSession.h"
+#include "services/basis/Failure.h"
+#include "services/basis/JobMonitor.h"
 #include "services/basis/ModeNames.h"
 #include "services/results/ResultStore.h"
 #include "services/session/LibrarySpectra.h"
@@ -31,8 +30,8 @@ constexpr double notKnown = -1.0;
 
 } // namespace
 
-UnmixJob::UnmixJob(const UnmixRequest& request, CliSession& session)
-    : m_request(request), m_session(session), m_setUp(request.analysis, session)
+UnmixJob::UnmixJob(const UnmixRequest& request, JobMonitor& monitor)
+    : m_request(request), m_monitor(monitor), m_setUp(request.analysis, monitor)
 {
 }
 
@@ -41,9 +40,9 @@ bool UnmixJob::isAutomatic() const
     return m_request.mode == RUNMODE_AUTOMATIC;
 }
 
-void UnmixJob::run()
+UnmixAnswer UnmixJob::run()
 {
-    m_session.progress().start(QStringLiteral("Looking at the images"));
+    m_monitor.startProgress(QStringLiteral("Looking at the images"));
     m_setUp.checkMode(m_request.mode);
     if (m_request.save) {
         ResultStore::checkName(m_setUp.opened().sequence(), m_request.saveName, m_request.analysis.force);
@@ -52,7 +51,7 @@ void UnmixJob::run()
     QString error;
     const QString target = m_setUp.outFolder(QStringLiteral("unmixed-") + ModeNames::option(m_request.mode));
     if (!folder.begin(target, m_request.analysis.force, QStringLiteral("summary.json"), &error)) {
-        throw CliFailure(error);
+        throw Failure(error);
     }
     m_setUp.select();
     m_setUp.reset(m_request.mode);
@@ -74,20 +73,20 @@ void UnmixJob::run()
     ResultFiles files(m_setUp.engine(), m_numbers, folder.path());
     files.setReport(reportFrame(), m_request.pdf);
     files.write([this](double fraction) {
-        CliSession::stopIfInterrupted();
-        m_session.progress().show(QStringLiteral("Writing the results"),
-                                  fittedFraction + (1.0 - fittedFraction) * fraction);
+        m_monitor.stopIfRequested();
+        m_monitor.showProgress(QStringLiteral("Writing the results"),
+                               fittedFraction + (1.0 - fittedFraction) * fraction);
     });
-    CliSession::stopIfInterrupted();
+    m_monitor.stopIfRequested();
     if (!folder.commit(&error)) {
-        throw CliFailure(error);
+        throw Failure(error);
     }
-    m_session.progress().finish();
+    m_monitor.endProgress();
     QString saved;
     if (m_request.save) {
         saved = saveResult(folder.target());
     }
-    tell(files, folder.target(), saved);
+    return answer(files, folder.target(), saved);
 }
 
 // In the order in which a window takes over a result.
@@ -99,7 +98,7 @@ void UnmixJob::showPictures()
     // The files have pictures of their own; the composite alone is made of what the view keeps.
     engine.ownResultView().setShowsUnmixedImages(false);
     if (!engine.updateUnmixedImages(true)) {
-        throw CliFailure(QStringLiteral("the pictures of the result cannot be made; the log tells why"));
+        throw Failure(QStringLiteral("the pictures of the result cannot be made"), QStringLiteral("the log tells why"));
     }
     engine.storeDecayState();
 }
@@ -109,8 +108,8 @@ QString UnmixJob::saveResult(const QString& strFolder)
     try {
         m_setUp.engine().resultView().setNote(m_request.note);
         return ResultStore(m_setUp.engine(), m_request.analysis.force).save(m_request.saveName);
-    } catch (const CliFailure& failure) {
-        throw CliFailure(QStringLiteral("%1; its files are in %2").arg(failure.message(), strFolder));
+    } catch (const Failure& failure) {
+        throw Failure(QStringLiteral("%1; its files are in %2").arg(failure.text(), strFolder));
     }
 }
 
@@ -127,7 +126,7 @@ ReportFrame UnmixJob::reportFrame()
     return frame;
 }
 
-void UnmixJob::tell(const ResultFiles& files, const QString& strFolder, const QString& strSaved)
+UnmixAnswer UnmixJob::answer(const ResultFiles& files, const QString& strFolder, const QString& strSaved)
 {
     const QString line = QStringLiteral("unmixed %1 by %2: %3 components, residual %4; results in %5")
                              .arg(m_request.analysis.sequence, ModeNames::option(m_request.mode))
@@ -135,19 +134,17 @@ void UnmixJob::tell(const ResultFiles& files, const QString& strFolder, const QS
                              .arg(m_numbers.residual)
                              .arg(strFolder);
     CORVLog::getLogObject()->log(line, QString(), 0, QStringLiteral(__TIME__), CORVLOG_NOTE, false);
-    QString text = files.summaryText() + QStringLiteral("results in %1\n").arg(strFolder);
-    if (!strSaved.isEmpty()) {
-        text += QStringLiteral("saved with the sequence as %1\n").arg(strSaved);
-    }
-    m_session.answer(text);
-    QJsonObject json = files.summaryJson();
+    UnmixAnswer answer;
+    answer.text = files.summaryText() + QStringLiteral("results in %1\n").arg(strFolder);
+    answer.json = files.summaryJson();
     // Of the answer only: files of the same input are the same.
-    json.insert(QStringLiteral("seconds"), m_numbers.seconds);
-    json.insert(QStringLiteral("folder"), strFolder);
+    answer.json.insert(QStringLiteral("seconds"), m_numbers.seconds);
+    answer.json.insert(QStringLiteral("folder"), strFolder);
     if (!strSaved.isEmpty()) {
-        json.insert(QStringLiteral("saved"), strSaved);
+        answer.text += QStringLiteral("saved with the sequence as %1\n").arg(strSaved);
+        answer.json.insert(QStringLiteral("saved"), strSaved);
     }
-    m_session.answerJson(json);
+    return answer;
 }
 
 void UnmixJob::takeSpectra()
@@ -157,7 +154,7 @@ void UnmixJob::takeSpectra()
     auto& engine = m_setUp.engine();
     engine.m_spectrumPlots = library.fitTo(engine.getSelectedKeyPairs(), engine.m_eAxis);
     if (engine.m_spectrumPlots.size() > engine.getSelectedKeyPairs().size()) {
-        m_session.warn(QStringLiteral("%1 spectra for %2 images: the maps are not unique")
+        m_monitor.warn(QStringLiteral("%1 spectra for %2 images: the maps are not unique")
                            .arg(engine.m_spectrumPlots.size())
                            .arg(engine.getSelectedKeyPairs().size()));
     }
@@ -165,7 +162,7 @@ void UnmixJob::takeSpectra()
 
 void UnmixJob::takeComponents()
 {
-    m_session.warnAll(
+    m_monitor.warnAll(
         setUpAutomatic(m_request.automatic, m_request.analysis.force, m_setUp.opened().sequence(), m_setUp.engine()));
 }
 
@@ -174,11 +171,11 @@ void UnmixJob::checkConstantImages()
 {
     const QStringList constant = m_setUp.constantImages();
     if (m_setUp.allImagesConstant()) {
-        throw CliFailure(QStringLiteral("%1 (in every image all pixels that are analysed have one value)")
-                             .arg(errorText(RUNERROR_TOO_MANY_COMPONENTS)));
+        throw Failure(QStringLiteral("%1 (in every image all pixels that are analysed have one value)")
+                          .arg(errorText(RUNERROR_TOO_MANY_COMPONENTS)));
     }
     if (!constant.isEmpty()) {
-        m_session.warn(QStringLiteral("in these images all pixels that are analysed have one value: %1")
+        m_monitor.warn(QStringLiteral("in these images all pixels that are analysed have one value: %1")
                            .arg(constant.join(QStringLiteral(", "))));
     }
 }
@@ -200,23 +197,23 @@ void UnmixJob::fit()
     auto& engine = m_setUp.engine();
     QElapsedTimer timer;
     timer.start();
-    const RunOutcome outcome =
-        isAutomatic() ? runShown(engine, m_session.progress(), QStringLiteral("Resolving the components"), notKnown)
-                      : runShown(engine, m_session.progress(), QStringLiteral("Fitting"), checkedFraction);
+    const RunOutcome outcome = isAutomatic()
+                                   ? runShown(engine, m_monitor, QStringLiteral("Resolving the components"), notKnown)
+                                   : runShown(engine, m_monitor, QStringLiteral("Fitting"), checkedFraction);
     const double seconds = static_cast<double>(timer.nsecsElapsed()) * 1e-9;
     if (outcome == RunOutcome::Aborted) {
-        throw CliFailure(QStringLiteral("unmixing aborted by user"), CliFailure::Aborted);
+        throw Failure(QStringLiteral("unmixing aborted by user"), Failure::Kind::Aborted);
     }
     if (engine.hasError()) {
-        throw CliFailure(engine.getErrorText());
+        throw Failure(engine.getErrorText());
     }
-    CliSession::stopIfInterrupted();
+    m_monitor.stopIfRequested();
     showPictures();
     const bool corrected = isAutomatic() && m_request.automatic.correctDecay;
     m_numbers = numbersOfResult(engine, m_setUp.opened().truthFolder(engine.m_eUnit, corrected));
     m_numbers.seconds = seconds;
     m_numbers.automatic = isAutomatic();
     if (isAutomatic() && m_numbers.facts.ending == MCR::Ending::IterationLimit) {
-        m_session.warn(QStringLiteral("Maximum iteration number is reached!"));
+        m_monitor.warn(QStringLiteral("Maximum iteration number is reached!"));
     }
 }

@@ -2,12 +2,13 @@
 #pragma once
 
 #include "services/analysis/AnalysisSetUp.h"
-#include "services/analysis/AutomaticOptions.h"
+#include "services/analysis/AutomaticRequest.h"
 #include "services/results/ResultFiles.h"
 
+#include <QJsonObject>
 #include <QString>
 
-class CliSession;
+class JobMonitor;
 
 // What an unmixing is asked for.
 struct UnmixRequest
@@ -23,15 +24,22 @@ struct UnmixRequest
     QString command; // the line that asked for it
 };
 
+// What there is to say of a finished one.
+struct UnmixAnswer
+{
+    QString text;
+    QJsonObject json;
+};
+
 // One unmixing from the request to the files. Everything that can be refused is refused before the run; nothing is
 // written unless all is.
 class UnmixJob
 {
 public:
-    UnmixJob(const UnmixRequest& request, CliSession& session);
+    UnmixJob(const UnmixRequest& request, JobMonitor& monitor);
 
-    // Throws CliFailure; 130 after an abort.
-    void run();
+    // Throws Failure, also after an abort.
+    UnmixAnswer run();
 
 private:
     bool isAutomatic() const;
@@ -44,10 +52,10 @@ private:
     void showPictures();
     // The name it was saved under.
     QString saveResult(const QString& strFolder);
-    void tell(const ResultFiles& files, const QString& strFolder, const QString& strSaved);
+    UnmixAnswer answer(const ResultFiles& files, const QString& strFolder, const QString& strSaved);
 
     UnmixRequest m_request;
-    CliSession& m_session;
+    JobMonitor& m_monitor;
     AnalysisSetUp m_setUp;
     ResultNumbers m_numbers;
 };

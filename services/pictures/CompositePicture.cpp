@@ -6,7 +6,7 @@
 #include "host/CILImage.h"
 #include "host/CORVLog.h"
 #include "platform/orvutils/AtomicFile.h"
-#include "services/basis/CliFailure.h"
+#include "services/basis/Failure.h"
 #include "services/basis/PngBytes.h"
 #include "windows/compositePicture.h"
 
@@ -168,7 +168,7 @@ QStringList writeComposites(const CORVSpumKyvo& engine, const QString& strFolder
     for (const CompositeFile& file : files) {
         QString error;
         if (!orv::writeFileAtomically(strFolder + file.name, pngBytes(file.picture), &error)) {
-            throw CliFailure(error);
+            throw Failure(error);
         }
         names.append(file.name);
     }

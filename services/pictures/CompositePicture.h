@@ -28,7 +28,7 @@ QImage compositeWithLegendOf(const CORVSpumKyvo& engine, int nSpot);
 // The composites of all spots with their legends: "composite.png", or "composite_spot1.png" and so on.
 QList<CompositeFile> compositeFilesOf(const CORVSpumKyvo& engine);
 
-// Writes them into a folder (with a slash at its end) and gives their names. Throws CliFailure, files before the one
+// Writes them into a folder (with a slash at its end) and gives their names. Throws Failure, files before the one
 // that failed stay.
 QStringList writeComposites(const CORVSpumKyvo& engine, const QString& strFolder);
 

@@ -7,7 +7,7 @@
 #include "platform/orvapi/ClickInfoValues.h"
 #include "platform/orvapi/ROIShape.h"
 #include "platform/orvapi/ROIStatistics.h"
-#include "services/basis/CliFailure.h"
+#include "services/basis/Failure.h"
 #include "services/basis/UnitNames.h"
 #include "services/results/ResultMaps.h"
 
@@ -41,11 +41,11 @@ QList<double> numbersOf(const tagROIStatistics& statistics)
 {
     const QString reason = dataset.unitUnavailableReason(eUnit);
     if (reason.isEmpty()) {
-        throw CliFailure(
-            QStringLiteral("the image %1 cannot be read; --verbose tells more").arg(dataset.getClickNumber()));
+        throw Failure(QStringLiteral("the image %1 cannot be read").arg(dataset.getClickNumber()),
+                      QStringLiteral("--verbose tells more"));
     }
-    throw CliFailure(QStringLiteral("%1 cannot be had in %2: %3; try --unit counts")
-                         .arg(dataset.getClickNumber(), UnitNames::text(eUnit), reason));
+    throw Failure(QStringLiteral("%1 cannot be had in %2: %3; try --unit counts")
+                      .arg(dataset.getClickNumber(), UnitNames::text(eUnit), reason));
 }
 
 std::optional<double> pixelSizeOfSequence(const CORVSequenceDataset& sequence)

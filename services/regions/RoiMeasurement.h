@@ -21,7 +21,7 @@ public:
     // Called between images with the fraction done of this step; may throw to stop.
     using Step = std::function<void(double fraction)>;
 
-    // Measures every dataset's own regions, which keep their numbers. Throws CliFailure when an image cannot be had in
+    // Measures every dataset's own regions, which keep their numbers. Throws Failure when an image cannot be had in
     // that unit.
     void measureImages(CORVSequenceDataset& sequence, tag_edisplayunit eUnit, const Step& step);
     // Measures these regions over the maps of a folder with a result of the sequence.

@@ -6,7 +6,7 @@
 #include "platform/orvapi/ClickInfoKeys.h"
 #include "platform/orvapi/ROIShape.h"
 #include "platform/orvutils/AtomicFile.h"
-#include "services/basis/CliFailure.h"
+#include "services/basis/Failure.h"
 
 #include <QFile>
 #include <QHash>
@@ -19,7 +19,7 @@ QByteArray contentOf(const QString& strPath)
 {
     QFile file(strPath);
     if (!file.open(QIODevice::ReadOnly)) {
-        throw CliFailure(QStringLiteral("%1: cannot be read: %2").arg(strPath, file.errorString()));
+        throw Failure(QStringLiteral("%1: cannot be read: %2").arg(strPath, file.errorString()));
     }
     return file.readAll();
 }
@@ -69,7 +69,7 @@ void RoiStore::add(const tagROIInfo& region)
     for (auto* dataset : m_sequence.getDatasets()) {
         QString reason;
         if (!dataset->roiManager()->addRegion(region, &reason)) {
-            throw CliFailure(QStringLiteral("%1: %2").arg(dataset->getClickNumber(), reason));
+            throw Failure(QStringLiteral("%1: %2").arg(dataset->getClickNumber(), reason));
         }
     }
 }
@@ -102,7 +102,7 @@ QList<RoiStore::File> RoiStore::changedFiles() const
         QStringList warnings;
         info.parse(file.before, file.path, &warnings);
         if (!warnings.isEmpty()) {
-            throw CliFailure(
+            throw Failure(
                 QStringLiteral("%1; mend this first, to store regions writes the file anew").arg(warnings.first()));
         }
         if (m_bRemoveAll) {
@@ -127,10 +127,10 @@ void RoiStore::save() const
         }
         for (int j = 0; j < i; ++j) {
             if (!orv::writeFileAtomically(files[j].path, files[j].before)) {
-                throw CliFailure(QStringLiteral("%1; %2 has been written already and cannot be taken back")
-                                     .arg(error, files[j].path));
+                throw Failure(QStringLiteral("%1; %2 has been written already and cannot be taken back")
+                                  .arg(error, files[j].path));
             }
         }
-        throw CliFailure(error);
+        throw Failure(error);
     }
 }

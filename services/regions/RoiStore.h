@@ -31,7 +31,7 @@ public:
     // "ROI 1", or the next number that no region has.
     QString freeName() const;
 
-    // Changes of the datasets in memory; save() brings them to the files. Throws CliFailure when a region cannot be
+    // Changes of the datasets in memory; save() brings them to the files. Throws Failure when a region cannot be
     // added.
     void add(const tagROIInfo& region);
     // Number of regions removed.
@@ -40,7 +40,7 @@ public:
     void removeAll();
 
     // Writes the regions into the click infos of all datasets: into all, or, after a failure, into none. Throws
-    // CliFailure with the file and the reason; a click info that would lose lines by being written again is refused.
+    // Failure with the file and the reason; a click info that would lose lines by being written again is refused.
     void save() const;
 
 private:

@@ -3,7 +3,7 @@
 
 #include "engine/CORVSpumKyvo.h"
 #include "host/CORVSequenceDataset.h"
-#include "services/basis/CliFailure.h"
+#include "services/basis/Failure.h"
 #include "services/basis/ModeNames.h"
 #include "services/basis/UnitNames.h"
 #include "services/results/ResultStore.h"
@@ -32,7 +32,7 @@ void checkMaps(const CORVSpumKyvo& engine, const QString& strName)
     const int components = engine.m_spectrumPlots.size();
     if (components == 0 || maps.num_rows() < components || maps.num_rows() != spectra.num_rows() ||
         data.num_rows() == 0 || maps.num_cols() != data.num_rows() || spectra.num_cols() != data.num_cols()) {
-        throw CliFailure(
+        throw Failure(
             QStringLiteral("the result \"%1\" has no maps: its images, its mask or its maps do not go with the images "
                            "of the sequence")
                 .arg(strName));
@@ -44,13 +44,12 @@ void checkMaps(const CORVSpumKyvo& engine, const QString& strName)
 LoadedResult::LoadedResult(OpenedSequence& opened, const QString& strName)
 {
     if (!opened.canBeAnalysed()) {
-        throw CliFailure(QStringLiteral("the result cannot be computed again: the sequence cannot be analysed: %1")
-                             .arg(opened.reasonAgainst()));
+        throw Failure(QStringLiteral("the result cannot be computed again: the sequence cannot be analysed: %1")
+                          .arg(opened.reasonAgainst()));
     }
     const SavedDocument document = readSavedDocument(ResultStore::pathOf(opened.sequence(), strName));
     if (!document.error.isEmpty()) {
-        throw CliFailure(
-            QStringLiteral("%1: %2").arg(document.path.isEmpty() ? strName : document.path, document.error));
+        throw Failure(QStringLiteral("%1: %2").arg(document.path.isEmpty() ? strName : document.path, document.error));
     }
     auto& engine = opened.engine();
     m_unitLimit.set(unitOf(document));

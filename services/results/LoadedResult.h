@@ -13,7 +13,7 @@ class OpenedSequence;
 class LoadedResult
 {
 public:
-    // `strName` is one of the saved names. Throws CliFailure when the sequence cannot be analysed or the result cannot
+    // `strName` is one of the saved names. Throws Failure when the sequence cannot be analysed or the result cannot
     // be loaded with its maps.
     LoadedResult(OpenedSequence& opened, const QString& strName);
     LoadedResult(const LoadedResult&) = delete;

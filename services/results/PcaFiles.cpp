@@ -3,7 +3,7 @@
 
 #include "engine/CORVSpumKyvo.h"
 #include "platform/orvutils/AtomicFile.h"
-#include "services/basis/CliFailure.h"
+#include "services/basis/Failure.h"
 #include "services/basis/PngBytes.h"
 #include "services/basis/TextTable.h"
 #include "services/basis/UnitNames.h"
@@ -128,7 +128,7 @@ void PcaFiles::put(const QString& strPath, const QByteArray& bytes)
 {
     QString error;
     if (!orv::writeFileAtomically(strPath, bytes, &error)) {
-        throw CliFailure(error);
+        throw Failure(error);
     }
     m_files.append(QFileInfo(strPath).fileName());
 }

@@ -22,7 +22,7 @@ public:
     QString text() const;
     QJsonObject json() const;
     // scree.png, scree.svg, pca.csv, mask.png where a part of the pixels was taken, and last pca.json, into a folder
-    // (with its separator). Throws CliFailure.
+    // (with its separator). Throws Failure.
     void write(const QString& strFolder);
 
 private:

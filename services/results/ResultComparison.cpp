@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "services/results/ResultComparison.h"
 
-#include "services/basis/CliFailure.h"
+#include "services/basis/Failure.h"
 #include "services/results/ComponentMatching.h"
 #include "services/results/ResultSummary.h"
 #include "services/results/SavedResult.h"
@@ -24,8 +24,8 @@ QList<KeyPair> commonPairs(const Results& results)
         }
     }
     if (common.isEmpty()) {
-        throw CliFailure(QStringLiteral("the spectra of %1 and %2 have no image in common")
-                             .arg(results.front()->label(), results.back()->label()));
+        throw Failure(QStringLiteral("the spectra of %1 and %2 have no image in common")
+                          .arg(results.front()->label(), results.back()->label()));
     }
     return common;
 }
@@ -36,20 +36,20 @@ void checkSizes(const Results& results)
     for (const auto& result : results) {
         const CILImage& map = result->map(0);
         if (map.m_lWidth != first.m_lWidth || map.m_lHeight != first.m_lHeight) {
-            throw CliFailure(QStringLiteral("the maps of %1 have %2 x %3 pixels, those of %4 %5 x %6")
-                                 .arg(result->label())
-                                 .arg(map.m_lWidth)
-                                 .arg(map.m_lHeight)
-                                 .arg(results.front()->label())
-                                 .arg(first.m_lWidth)
-                                 .arg(first.m_lHeight));
+            throw Failure(QStringLiteral("the maps of %1 have %2 x %3 pixels, those of %4 %5 x %6")
+                              .arg(result->label())
+                              .arg(map.m_lWidth)
+                              .arg(map.m_lHeight)
+                              .arg(results.front()->label())
+                              .arg(first.m_lWidth)
+                              .arg(first.m_lHeight));
         }
         if (result->spotCount() != results.front()->spotCount()) {
-            throw CliFailure(QStringLiteral("%1 has maps of %2 spots, %3 of %4")
-                                 .arg(result->label())
-                                 .arg(result->spotCount())
-                                 .arg(results.front()->label())
-                                 .arg(results.front()->spotCount()));
+            throw Failure(QStringLiteral("%1 has maps of %2 spots, %3 of %4")
+                              .arg(result->label())
+                              .arg(result->spotCount())
+                              .arg(results.front()->label())
+                              .arg(results.front()->spotCount()));
         }
     }
 }
@@ -148,7 +148,7 @@ void ResultComparison::findCommonPixels(const Results& results)
         m_pixels.swap(both);
     }
     if (m_pixels.empty()) {
-        throw CliFailure(QStringLiteral("there is no pixel that all results analysed"));
+        throw Failure(QStringLiteral("there is no pixel that all results analysed"));
     }
 }
 

@@ -36,7 +36,7 @@ struct ComparedComponent
 class ResultComparison
 {
 public:
-    // Two results at least, in the order of the rows, truths first. Throws CliFailure when their maps differ in size or
+    // Two results at least, in the order of the rows, truths first. Throws Failure when their maps differ in size or
     // number of spots or their spectra have no image in common.
     explicit ResultComparison(const std::vector<std::unique_ptr<SavedResult>>& results);
 

@@ -6,7 +6,7 @@
 #include "platform/orvimage/RenderMap.h"
 #include "platform/orvimage/TiffIo.h"
 #include "platform/orvutils/AtomicFile.h"
-#include "services/basis/CliFailure.h"
+#include "services/basis/Failure.h"
 #include "services/basis/ModeNames.h"
 #include "services/basis/PngBytes.h"
 #include "services/basis/TextTable.h"
@@ -144,7 +144,7 @@ void ResultFiles::put(const QString& strName, const QByteArray& bytes)
 {
     QString error;
     if (!orv::writeFileAtomically(m_strFolder + strName, bytes, &error)) {
-        throw CliFailure(error);
+        throw Failure(error);
     }
     m_files.append(strName);
 }
@@ -158,7 +158,7 @@ void ResultFiles::writeMap(int nComponent, int nSpot)
     TiffWriteOptions tiff;
     tiff.description = QStringLiteral("%1, %2").arg(label, UnitNames::quantity(m_engine.m_eUnit));
     if (!writeTiff(m_strFolder + name + QStringLiteral(".tif"), map, tiff, &error)) {
-        throw CliFailure(error);
+        throw Failure(error);
     }
     m_files.append(name + QStringLiteral(".tif"));
 
@@ -225,7 +225,7 @@ void ResultFiles::writeSpectra()
     const QString name = QStringLiteral("spectra.csv");
     const QString note = QStringLiteral("spectra in %1").arg(UnitNames::text(m_engine.m_eUnit));
     if (!database.saveLibrary(m_strFolder + name, list, note)) {
-        throw CliFailure(QStringLiteral("%1 cannot be written").arg(m_strFolder + name));
+        throw Failure(QStringLiteral("%1 cannot be written").arg(m_strFolder + name));
     }
     m_files.append(name);
 }
@@ -263,7 +263,7 @@ void ResultFiles::writeReport()
     }
     const QByteArray pdf = reportPdf(content);
     if (pdf.isEmpty()) {
-        throw CliFailure(QStringLiteral("the report cannot be made as PDF"));
+        throw Failure(QStringLiteral("the report cannot be made as PDF"));
     }
     put(QStringLiteral("report.pdf"), pdf);
 }

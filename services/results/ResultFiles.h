@@ -27,7 +27,7 @@ public:
     // result.
     void setReport(const ReportFrame& frame, bool bPdf);
 
-    // Calls `step(fraction)` between files, which may throw to stop. Throws CliFailure when a file cannot be written.
+    // Calls `step(fraction)` between files, which may throw to stop. Throws Failure when a file cannot be written.
     void write(const std::function<void(double fraction)>& step);
 
     // The table of the summary as text and the same as JSON, with the names of the files.

@@ -2,7 +2,7 @@
 #include "services/results/ResultFolder.h"
 
 #include "platform/orvutils/InputFile.h"
-#include "services/basis/CliFailure.h"
+#include "services/basis/Failure.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -22,20 +22,20 @@ QJsonObject readSummary(const QString& strFolder, const QString& strShown)
 {
     const QString file = strFolder + QStringLiteral("summary.json");
     if (!QFileInfo::exists(file) && !QFileInfo(file).isSymLink()) {
-        throw CliFailure(QStringLiteral("%1: this is no folder with results of \"spum unmix\"").arg(strShown));
+        throw Failure(QStringLiteral("%1: this is no folder with results of \"spum unmix\"").arg(strShown));
     }
     QByteArray text;
     QString error;
     if (!orv::readInput(file, maxMebibytes, QStringLiteral("summary"), &text, &error)) {
-        throw CliFailure(error);
+        throw Failure(error);
     }
     QJsonParseError wrong;
     const QJsonDocument document = QJsonDocument::fromJson(text, &wrong);
     if (wrong.error != QJsonParseError::NoError) {
-        throw CliFailure(QStringLiteral("%1:%2: this is no JSON: %3")
-                             .arg(file)
-                             .arg(text.left(wrong.offset).count('\n') + 1)
-                             .arg(wrong.errorString()));
+        throw Failure(QStringLiteral("%1:%2: this is no JSON: %3")
+                          .arg(file)
+                          .arg(text.left(wrong.offset).count('\n') + 1)
+                          .arg(wrong.errorString()));
     }
     return document.object();
 }
@@ -49,22 +49,22 @@ QImage readMask(const QString& strFolder, long width, long height)
     QFile device(file);
     QString reason;
     if (!orv::openInput(device, &reason)) {
-        throw CliFailure(QStringLiteral("%1: %2").arg(file, reason));
+        throw Failure(QStringLiteral("%1: %2").arg(file, reason));
     }
     QImageReader reader(&device);
     // Asked before the pixels take memory.
     const QSize size = reader.size();
     if (size.isValid() && (size.width() != width || size.height() != height)) {
-        throw CliFailure(QStringLiteral("%1: the mask has %2 x %3 pixels where the maps have %4 x %5")
-                             .arg(file)
-                             .arg(size.width())
-                             .arg(size.height())
-                             .arg(width)
-                             .arg(height));
+        throw Failure(QStringLiteral("%1: the mask has %2 x %3 pixels where the maps have %4 x %5")
+                          .arg(file)
+                          .arg(size.width())
+                          .arg(size.height())
+                          .arg(width)
+                          .arg(height));
     }
     const QImage mask = size.isValid() ? reader.read().convertToFormat(QImage::Format_Grayscale8) : QImage();
     if (mask.isNull()) {
-        throw CliFailure(QStringLiteral("%1: the mask is broken or cut short").arg(file));
+        throw Failure(QStringLiteral("%1: the mask is broken or cut short").arg(file));
     }
     return mask;
 }

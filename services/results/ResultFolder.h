@@ -5,7 +5,7 @@
 #include <QJsonObject>
 #include <QString>
 
-// What the readers of a folder of results share. `strFolder` ends with its separator. Both throw CliFailure that names
+// What the readers of a folder of results share. `strFolder` ends with its separator. Both throw Failure that names
 // the file.
 namespace ResultFolder {
 

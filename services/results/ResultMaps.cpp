@@ -2,7 +2,7 @@
 #include "services/results/ResultMaps.h"
 
 #include "platform/orvimage/TiffIo.h"
-#include "services/basis/CliFailure.h"
+#include "services/basis/Failure.h"
 #include "services/results/ResultFolder.h"
 
 #include <QDir>
@@ -35,10 +35,10 @@ ResultMaps::ResultMaps(const QString& strFolder)
         }
     }
     if (m_files.isEmpty()) {
-        throw CliFailure(QStringLiteral("%1 names no maps").arg(file));
+        throw Failure(QStringLiteral("%1 names no maps").arg(file));
     }
     if (!(m_fBinning > 0.0F)) {
-        throw CliFailure(QStringLiteral("%1 does not tell the binning of the maps").arg(file));
+        throw Failure(QStringLiteral("%1 does not tell the binning of the maps").arg(file));
     }
     for (int i = 0; i < m_files.size(); ++i) {
         m_names.append(m_files.size() == components.size()
@@ -53,10 +53,10 @@ CILImage ResultMaps::read(int n) const
     CILImage map;
     QString error;
     if (!QFileInfo(path).isFile()) {
-        throw CliFailure(QStringLiteral("%1: the map is not there").arg(path));
+        throw Failure(QStringLiteral("%1: the map is not there").arg(path));
     }
     if (!readTiff(path, 0, map, &error)) {
-        throw CliFailure(error);
+        throw Failure(error);
     }
     map.ChangeType(ORVTYPE_FLOAT);
     map.m_fBinning = m_fBinning;

@@ -10,7 +10,7 @@
 class ResultMaps
 {
 public:
-    // Throws CliFailure when the folder is none of that kind.
+    // Throws Failure when the folder is none of that kind.
     explicit ResultMaps(const QString& strFolder);
 
     // Name of the folder.
@@ -21,7 +21,7 @@ public:
     // The component's name; of several spots, the name of the map's file without its ending.
     QString name(int n) const { return m_names[n]; }
     // The map with its binning, its pixels outside the analysed mask NaN: what was not analysed has no value. Throws
-    // CliFailure when it cannot be read.
+    // Failure when it cannot be read.
     CILImage read(int n) const;
 
 private:

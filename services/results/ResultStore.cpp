@@ -4,7 +4,7 @@
 #include "engine/CORVSpumKyvo.h"
 #include "host/CORVSequenceDataset.h"
 #include "host/CPLSettingsFileWrapper.h"
-#include "services/basis/CliFailure.h"
+#include "services/basis/Failure.h"
 #include "services/basis/LoggedErrors.h"
 #include "storage/resultsIndex.h"
 
@@ -20,7 +20,7 @@ void readIndex(const CORVSequenceDataset& sequence, CPLSettingsFileWrapper& inde
     const QString path = resultsIndex::indexPath(resultsIndex::folder(sequence.getSequenceInfoPath()));
     // A link that leads nowhere does not exist either, but is no sequence without results.
     if ((QFileInfo::exists(path) || QFileInfo(path).isSymLink()) && !index.load(path)) {
-        throw CliFailure(QStringLiteral("%1: the list of saved results cannot be read").arg(path));
+        throw Failure(QStringLiteral("%1: the list of saved results cannot be read").arg(path));
     }
     resultsIndex::setTags(index);
 }
@@ -29,7 +29,7 @@ void readIndex(const CORVSequenceDataset& sequence, CPLSettingsFileWrapper& inde
 [[noreturn]] void fail(const QString& strText, const LoggedErrors& warnings)
 {
     const QStringList reasons = warnings.lines();
-    throw CliFailure(reasons.isEmpty() ? strText : QStringLiteral("%1 (%2)").arg(strText, reasons.last()));
+    throw Failure(reasons.isEmpty() ? strText : QStringLiteral("%1 (%2)").arg(strText, reasons.last()));
 }
 
 bool isOneLine(const QString& strName)
@@ -41,10 +41,10 @@ bool isOneLine(const QString& strName)
 void checkText(const QString& strName)
 {
     if (strName.trimmed().isEmpty() || strName != strName.trimmed() || !isOneLine(strName)) {
-        throw CliFailure(
+        throw Failure(
             QStringLiteral("\"%1\" is no name for a result: it takes one line of text without blanks at its ends")
                 .arg(strName.simplified()),
-            CliFailure::Usage);
+            Failure::Kind::BadRequest);
     }
 }
 
@@ -88,7 +88,8 @@ void ResultStore::checkName(const CORVSequenceDataset& sequence, const QString& 
     const QString name = resultsIndex::withoutNewMark(strName);
     checkText(name);
     if (!bOverwrite && taken.contains(name)) {
-        throw CliFailure(QStringLiteral("there is a saved result \"%1\" already; --force overwrites it").arg(name));
+        throw Failure(QStringLiteral("there is a saved result \"%1\" already").arg(name),
+                      QStringLiteral("--force overwrites it"));
     }
 }
 
@@ -99,10 +100,10 @@ QString ResultStore::findName(const CORVSequenceDataset& sequence, const QString
     if (found) {
         return *found;
     }
-    throw CliFailure(saved.isEmpty()
-                         ? QStringLiteral("the sequence has no saved results; \"spum unmix SEQ --save\" keeps one")
-                         : QStringLiteral("there is no saved result \"%1\"; there are: %2")
-                               .arg(strName, saved.join(QStringLiteral(", "))));
+    throw Failure(saved.isEmpty()
+                      ? QStringLiteral("the sequence has no saved results; \"spum unmix SEQ --save\" keeps one")
+                      : QStringLiteral("there is no saved result \"%1\"; there are: %2")
+                            .arg(strName, saved.join(QStringLiteral(", "))));
 }
 
 QString ResultStore::save(const QString& strName)
@@ -137,7 +138,7 @@ void ResultStore::load(const QString& strName)
     m_list.m_bResultModified = false;
     m_list.setCurrentText(strName);
     if (!m_results.onClickLoadResults()) {
-        throw CliFailure(QStringLiteral("the result \"%1\" cannot be loaded").arg(strName));
+        throw Failure(QStringLiteral("the result \"%1\" cannot be loaded").arg(strName));
     }
 }
 
@@ -157,14 +158,14 @@ void ResultStore::rename(const QString& strOld, const QString& strNew)
 {
     checkText(strNew);
     if (resultsIndex::withoutNewMark(strNew) != strNew) {
-        throw CliFailure(
+        throw Failure(
             QStringLiteral("\"%1\" is no name for a result: \"%2\" at its end marks one that is not saved yet")
                 .arg(strNew, resultsIndex::newMark()),
-            CliFailure::Usage);
+            Failure::Kind::BadRequest);
     }
     const auto taken = resultsIndex::findName(names(sequence()), strNew);
     if (taken) {
-        throw CliFailure(QStringLiteral("Result \"%1\" already exist. Please choose a different name.").arg(strNew));
+        throw Failure(QStringLiteral("Result \"%1\" already exist. Please choose a different name.").arg(strNew));
     }
     m_list.updateSavedResultsForSelSeqId(sequence().getSequenceName());
     m_list.choose(strOld);

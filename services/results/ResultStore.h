@@ -12,7 +12,7 @@
 class CORVSequenceDataset;
 class CORVSpumKyvo;
 
-// The results saved with the sequence of an engine, as commands work on them. Every operation throws CliFailure when it
+// The results saved with the sequence of an engine, as commands work on them. Every operation throws Failure when it
 // could not do what was asked; what the libraries have to say of it is in the log.
 class ResultStore
 {

@@ -2,7 +2,7 @@
 #include "services/results/SavedResult.h"
 
 #include "platform/orvimage/TiffIo.h"
-#include "services/basis/CliFailure.h"
+#include "services/basis/Failure.h"
 #include "services/basis/TruthFiles.h"
 #include "services/results/ResultFolder.h"
 #include "spectra/SpectrumPlotParams.h"
@@ -19,7 +19,7 @@ QJsonObject readSummary(const QString& strFolder)
 {
     QJsonObject summary = ResultFolder::readSummary(strFolder, QFileInfo(strFolder).path());
     if (summary.value(QStringLiteral("components")).toArray().isEmpty()) {
-        throw CliFailure(QStringLiteral("%1summary.json names no components").arg(strFolder));
+        throw Failure(QStringLiteral("%1summary.json names no components").arg(strFolder));
     }
     return summary;
 }
@@ -51,7 +51,7 @@ void SavedResult::readResult(const QString& strFolder)
         readSpots([&map](int spot) { return mapOfSpot(map, spot); });
     }
     if (m_library.all().size() != m_names.size()) {
-        throw CliFailure(QStringLiteral("%1spectra.csv does not hold one spectrum a component").arg(folder));
+        throw Failure(QStringLiteral("%1spectra.csv does not hold one spectrum a component").arg(folder));
     }
     readMask(folder);
 }
@@ -82,10 +82,10 @@ void SavedResult::readSpots(const std::function<QString(int)>& fileOfSpot)
         m_nSpots = spots;
     }
     if (spots != m_nSpots) {
-        throw CliFailure(QStringLiteral("%1: there are maps of %2 spots, where the first component has %3")
-                             .arg(fileOfSpot(0))
-                             .arg(spots)
-                             .arg(m_nSpots));
+        throw Failure(QStringLiteral("%1: there are maps of %2 spots, where the first component has %3")
+                          .arg(fileOfSpot(0))
+                          .arg(spots)
+                          .arg(m_nSpots));
     }
 }
 
@@ -94,14 +94,14 @@ void SavedResult::readMap(const QString& strFile)
     CILImage map;
     QString error;
     if (!QFileInfo(strFile).isFile()) {
-        throw CliFailure(QStringLiteral("%1: the map is not there").arg(strFile));
+        throw Failure(QStringLiteral("%1: the map is not there").arg(strFile));
     }
     if (!readTiff(strFile, 0, map, &error)) {
-        throw CliFailure(error);
+        throw Failure(error);
     }
     map.ChangeType(ORVTYPE_FLOAT);
     if (!m_maps.empty() && (map.m_lWidth != m_maps.front().m_lWidth || map.m_lHeight != m_maps.front().m_lHeight)) {
-        throw CliFailure(QStringLiteral("%1: the map is of another size than the others").arg(strFile));
+        throw Failure(QStringLiteral("%1: the map is of another size than the others").arg(strFile));
     }
     m_maps.push_back(std::move(map));
 }

@@ -20,7 +20,7 @@ public:
     SavedResult(const SavedResult&) = delete;
     SavedResult& operator=(const SavedResult&) = delete;
 
-    // Reads what `spum unmix` wrote into that folder; the label is the folder's name. Throws CliFailure that names what
+    // Reads what `spum unmix` wrote into that folder; the label is the folder's name. Throws Failure that names what
     // is missing.
     void readResult(const QString& strFolder);
     // Reads the truth of a simulation from its unit's folder, that of data corrected for decay or of data as they

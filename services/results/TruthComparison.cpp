@@ -4,7 +4,7 @@
 #include "engine/CORVSpumKyvo.h"
 #include "engine/EngineEnums.h"
 #include "platform/orvimage/TiffIo.h"
-#include "services/basis/CliFailure.h"
+#include "services/basis/Failure.h"
 #include "services/basis/TruthFiles.h"
 #include "services/results/ResultSummary.h"
 #include "services/session/LibrarySpectra.h"
@@ -56,7 +56,7 @@ std::vector<ComponentShape> trueSpectra(const CORVSpumKyvo& engine, const QStrin
             shapes.push_back(shape);
         }
         qDeleteAll(spectra);
-    } catch (const CliFailure&) {
+    } catch (const Failure&) {
         // A truth that does not go with these images is no reason to fail: there is then nothing to compare with.
         shapes.clear();
     }

@@ -2,7 +2,7 @@
 #include "services/session/LibrarySpectra.h"
 
 #include "platform/orvutils/InputFile.h"
-#include "services/basis/CliFailure.h"
+#include "services/basis/Failure.h"
 #include "services/session/PairSelection.h"
 #include "spectra/SpectrumPlotParams.h"
 #include "spectra/SpumKyvoDatabase.h"
@@ -29,13 +29,13 @@ void checkValues(const QString& strSource, const SpectrumPlotParams& spectrum, c
 {
     for (long long i = 0; i < values.n_; ++i) {
         if (!std::isfinite(values[i])) {
-            throw CliFailure(QStringLiteral("%1: the spectrum \"%2\" holds a value that is not a number")
-                                 .arg(strSource, spectrum.settings.name));
+            throw Failure(QStringLiteral("%1: the spectrum \"%2\" holds a value that is not a number")
+                              .arg(strSource, spectrum.settings.name));
         }
     }
     if (!(values.Max() > 0.0)) {
-        throw CliFailure(QStringLiteral("%1: the spectrum \"%2\" has no value above 0 at the selected images")
-                             .arg(strSource, spectrum.settings.name));
+        throw Failure(QStringLiteral("%1: the spectrum \"%2\" has no value above 0 at the selected images")
+                          .arg(strSource, spectrum.settings.name));
     }
 }
 
@@ -47,10 +47,10 @@ void checkSize(const QString& strFile)
     QByteArray text;
     QString error;
     if (!orv::readInput(strFile, maxMebibytes, QStringLiteral("library"), &text, &error)) {
-        throw CliFailure(error);
+        throw Failure(error);
     }
     if (text.count('\n') > maxLines) {
-        throw CliFailure(QStringLiteral("%1: more than %2 lines, no library is that long").arg(strFile).arg(maxLines));
+        throw Failure(QStringLiteral("%1: more than %2 lines, no library is that long").arg(strFile).arg(maxLines));
     }
 }
 
@@ -68,10 +68,10 @@ void LibrarySpectra::load(const QString& strFileOrName)
     const bool isFile = QFileInfo(strFileOrName).isFile();
     if (!isFile && !database.listLibraries().contains(strFileOrName)) {
         const QStringList known = database.listLibraries();
-        throw CliFailure(
-            QStringLiteral("%1 is neither a file nor a saved library; %2")
-                .arg(strFileOrName, known.isEmpty() ? QStringLiteral("no library is saved")
-                                                    : QStringLiteral("saved are ") + known.join(QStringLiteral(", "))));
+        throw Failure(QStringLiteral("%1 is neither a file nor a saved library; %2")
+                          .arg(strFileOrName, known.isEmpty()
+                                                  ? QStringLiteral("no library is saved")
+                                                  : QStringLiteral("saved are ") + known.join(QStringLiteral(", "))));
     }
     if (isFile) {
         checkSize(strFileOrName);
@@ -79,12 +79,12 @@ void LibrarySpectra::load(const QString& strFileOrName)
     const bool loaded = isFile ? database.loadLibraryFile(strFileOrName, m_spectra, m_strNote)
                                : database.loadLibrary(strFileOrName, m_spectra, m_strNote);
     if (!loaded) {
-        throw CliFailure(QStringLiteral("%1: this is no spectrum library (lines \"$,NumSpec,n\", \"$,Color,...\", "
-                                        "\"Excitation,Emission,names...\", then one line a pair)")
-                             .arg(strFileOrName));
+        throw Failure(QStringLiteral("%1: this is no spectrum library (lines \"$,NumSpec,n\", \"$,Color,...\", "
+                                     "\"Excitation,Emission,names...\", then one line a pair)")
+                          .arg(strFileOrName));
     }
     if (m_spectra.isEmpty()) {
-        throw CliFailure(QStringLiteral("%1: the library holds no spectrum").arg(strFileOrName));
+        throw Failure(QStringLiteral("%1: the library holds no spectrum").arg(strFileOrName));
     }
 }
 
@@ -96,14 +96,14 @@ QList<SpectrumPlotParams*> LibrarySpectra::fitTo(const QList<KeyPair>& pairs, in
             continue;
         }
         if (spectrum->points.isEmpty()) {
-            throw CliFailure(
+            throw Failure(
                 QStringLiteral("%1: the library holds no value; it takes a line \"Excitation,Emission,names...\" "
                                "and behind it one line a pair")
                     .arg(m_strSource));
         }
         if (!spectrum->coversPairs(pairs)) {
-            throw CliFailure(QStringLiteral("%1: the spectrum \"%2\" has no value for %3")
-                                 .arg(m_strSource, spectrum->settings.name, missingPairs(*spectrum, pairs)));
+            throw Failure(QStringLiteral("%1: the spectrum \"%2\" has no value for %3")
+                              .arg(m_strSource, spectrum->settings.name, missingPairs(*spectrum, pairs)));
         }
         const auto values = spectrum->valuesAt(pairs);
         checkValues(m_strSource, *spectrum, values);
@@ -115,7 +115,7 @@ QList<SpectrumPlotParams*> LibrarySpectra::fitTo(const QList<KeyPair>& pairs, in
         fitted.push_back(std::move(copy));
     }
     if (fitted.empty()) {
-        throw CliFailure(QStringLiteral("%1: no spectrum of the library is selected").arg(m_strSource));
+        throw Failure(QStringLiteral("%1: no spectrum of the library is selected").arg(m_strSource));
     }
     QList<SpectrumPlotParams*> list;
     for (auto& spectrum : fitted) {

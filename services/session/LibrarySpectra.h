@@ -19,7 +19,7 @@ public:
     LibrarySpectra& operator=(const LibrarySpectra&) = delete;
 
     // Loads a file, or, when there is no such file, the library of that name in the user's data folder. Throws
-    // CliFailure that says what is wrong.
+    // Failure that says what is wrong.
     void load(const QString& strFileOrName);
 
     const QList<SpectrumPlotParams*>& all() const { return m_spectra; }
@@ -27,7 +27,7 @@ public:
     const QString& source() const { return m_strSource; }
 
     // The selected spectra, brought to the pairs of an analysis: one point a pair, in that order, with index and axis
-    // set. The caller owns the copies. Throws CliFailure that names the pair which a spectrum lacks, a spectrum without
+    // set. The caller owns the copies. Throws Failure that names the pair which a spectrum lacks, a spectrum without
     // any value above 0, one with a value that is not a number, or the absence of selected spectra.
     QList<SpectrumPlotParams*> fitTo(const QList<KeyPair>& pairs, int nAxis) const;
 

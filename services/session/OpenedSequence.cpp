@@ -4,7 +4,7 @@
 #include "engine/CORVSpumKyvo.h"
 #include "host/CORVSequenceDataset.h"
 #include "platform/orvapi/ClickInfoKeys.h"
-#include "services/basis/CliFailure.h"
+#include "services/basis/Failure.h"
 #include "services/basis/TruthFiles.h"
 #include "services/basis/UnitNames.h"
 
@@ -15,7 +15,7 @@ OpenedSequence::OpenedSequence(const QString& strPath) : m_pSequence(std::make_u
 {
     QString error;
     if (m_pSequence->open(strPath, &error, &m_warnings) != ESTATUS_SUCCESS) {
-        throw CliFailure(error);
+        throw Failure(error);
     }
     m_pEngine = std::make_unique<CORVSpumKyvo>(m_pSequence->getSequenceID());
     m_bAnalysable = m_pEngine->buildDatasetInfo();

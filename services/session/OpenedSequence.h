@@ -13,7 +13,7 @@ class CORVSpumKyvo;
 class OpenedSequence
 {
 public:
-    // Opens the sequence; throws CliFailure with file and reason when nothing of it can be read.
+    // Opens the sequence; throws Failure with file and reason when nothing of it can be read.
     explicit OpenedSequence(const QString& strPath);
     ~OpenedSequence();
     OpenedSequence(const OpenedSequence&) = delete;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "services/session/PairSelection.h"
 
-#include "services/basis/CliFailure.h"
+#include "services/basis/Failure.h"
 
 #include <QStringList>
 
@@ -25,9 +25,9 @@ KeyPair parsePart(const QString& strPart)
         pattern.second = halves[1].trimmed();
     }
     if (halves.size() > 2 || pattern.second.isEmpty()) {
-        throw CliFailure(
+        throw Failure(
             QStringLiteral("--select: \"%1\" is not of the form EXCITATION/EMISSION or INTERVAL/TIME").arg(strPart),
-            CliFailure::Usage);
+            Failure::Kind::BadRequest);
     }
     return pattern;
 }
@@ -60,7 +60,7 @@ QList<KeyPair> selectPairs(const QString& strSelect, const QList<KeyPair>& all)
             }
         }
         if (!found) {
-            throw CliFailure(
+            throw Failure(
                 QStringLiteral("--select: no image is \"%1\"; there are %2").arg(part.trimmed(), pairsText(all)));
         }
     }

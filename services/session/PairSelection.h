@@ -8,7 +8,7 @@
 
 // The images that --select names: parts separated by commas, each "first/second" (excitation/emission, or
 // interval/time), "*" for any. The result holds each pair of `all` that a part names, in the order of the parts and,
-// within one, in the order of `all`. Throws CliFailure when a part is malformed or names nothing, with what there is.
+// within one, in the order of `all`. Throws Failure when a part is malformed or names nothing, with what there is.
 QList<KeyPair> selectPairs(const QString& strSelect, const QList<KeyPair>& all);
 
 // "640/700", and "700" where there is no excitation.

@@ -5,8 +5,7 @@
 #include "platform/orvimage/TiffStackWriter.h"
 #include "platform/orvutils/AtomicFile.h"
 #include "platform/orvutils/TemporaryTarget.h"
-#include "services/basis/CliFailure.h"
-#include "services/basis/CliSession.h"
+#include "services/basis/Failure.h"
 #include "services/basis/TextTable.h"
 #include "services/basis/UnitNames.h"
 #include "services/importer/OmeMetadata.h"
@@ -236,7 +235,7 @@ QByteArray enviHeaderText(ExportedCube& cube, const QString& strDataFile)
 
 [[noreturn]] void failWriting(const QString& strPath, const QString& strReason)
 {
-    throw CliFailure(QStringLiteral("%1: cannot be written: %2").arg(strPath, strReason));
+    throw Failure(QStringLiteral("%1: cannot be written: %2").arg(strPath, strReason));
 }
 
 // A file written bit by bit beside its target.
@@ -246,7 +245,7 @@ public:
     explicit StreamedFile(const QString& strPath) : m_strPath(strPath), m_target(strPath)
     {
         if (!m_target.isValid()) {
-            throw CliFailure(m_target.error());
+            throw Failure(m_target.error());
         }
         m_file.setFileName(m_target.path());
         if (!m_file.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
@@ -267,7 +266,7 @@ public:
         }
         m_file.close();
         if (!m_target.commit()) {
-            throw CliFailure(m_target.error());
+            throw Failure(m_target.error());
         }
     }
 
@@ -356,7 +355,7 @@ void writeOmeTiffCube(ExportedCube& cube, const QString& strPath)
     TiffStackWriter writer;
     QString error;
     if (!writer.begin(strPath, pixels * sizeof(float) * static_cast<std::uint64_t>(cube.count()), &error)) {
-        throw CliFailure(error);
+        throw Failure(error);
     }
     CILImage image;
     for (int i = 0; i < cube.count(); ++i) {
@@ -365,11 +364,11 @@ void writeOmeTiffCube(ExportedCube& cube, const QString& strPath)
         options.description = i == 0 ? omeXml(cube, cube.name()) : QString();
         options.pageName = cube.images().at(i).name;
         if (!writer.add(image, options, &error)) {
-            throw CliFailure(error);
+            throw Failure(error);
         }
     }
     if (!writer.finish(&error)) {
-        throw CliFailure(error);
+        throw Failure(error);
     }
 }
 
@@ -400,7 +399,7 @@ void writeEnviCube(ExportedCube& cube, const QString& strPath)
     data.commit();
     QString error;
     if (!orv::writeFileAtomically(paths[0], enviHeaderText(cube, QFileInfo(paths[1]).fileName()), &error)) {
-        throw CliFailure(error);
+        throw Failure(error);
     }
 }
 
@@ -427,7 +426,6 @@ void writeCsvCube(ExportedCube& cube, const QString& strPath)
             if (rows.size() >= bufferBytes || i + 1 == count) {
                 file.write(rows);
                 rows.resize(0);
-                CliSession::stopIfInterrupted();
                 cube.showWriting(static_cast<double>(first + i + 1) / static_cast<double>(pixels));
             }
         }

@@ -7,7 +7,7 @@
 class ExportedCube;
 
 // Files that other programs read. Each is put in place as a whole, after a failure the target is as it was; earlier
-// files are replaced. They throw CliFailure.
+// files are replaced. They throw Failure.
 
 // OME-TIFF: a page of floats an image, with OME-XML in the first page's description. Images of a temporal sequence are
 // time points of one channel, others channels of one time point; a page's name is the image's.

@@ -6,9 +6,8 @@
 #include "host/CORVSequenceDataset.h"
 #include "platform/orvapi/ClickInfoKeys.h"
 #include "platform/orvapi/ClickInfoValues.h"
-#include "services/basis/CliFailure.h"
-#include "services/basis/CliProgress.h"
-#include "services/basis/CliSession.h"
+#include "services/basis/Failure.h"
+#include "services/basis/JobMonitor.h"
 #include "services/basis/UnitNames.h"
 #include "services/session/PairSelection.h"
 #include "services/session/UnitForecast.h"
@@ -97,7 +96,7 @@ void crop(CILImage& image, long lWidth, long lHeight)
 {
     CILImage part;
     if (part.InitWithType(ORVTYPE_FLOAT, lWidth, lHeight) != EIL_SUCCESS) {
-        throw CliFailure(QStringLiteral("there is no memory for an image"));
+        throw Failure(QStringLiteral("there is no memory for an image"));
     }
     for (long y = 0; y < lHeight; ++y) {
         std::copy_n(image.floats() + y * image.m_lWidth, lWidth, part.floats() + y * lWidth);
@@ -108,16 +107,16 @@ void crop(CILImage& image, long lWidth, long lHeight)
 
 } // namespace
 
-ExportedCube::ExportedCube(const QString& strSequence, const QString& strSelect, int nUnit, CliSession& session)
-    : m_session(session), m_opened(strSequence)
+ExportedCube::ExportedCube(const QString& strSequence, const QString& strSelect, int nUnit, JobMonitor& monitor)
+    : m_monitor(monitor), m_opened(strSequence)
 {
-    m_session.warnAll(m_opened.warnings());
+    m_monitor.warnAll(m_opened.warnings());
     m_bTemporal = m_opened.sequence().isKyvoSequence();
     for (auto* dataset : selected(strSelect)) {
         describe(*dataset);
     }
     if (m_images.isEmpty()) {
-        throw CliFailure(QStringLiteral("%1 holds no image").arg(strSequence));
+        throw Failure(QStringLiteral("%1 holds no image").arg(strSequence));
     }
     settleTimes();
     checkSizes();
@@ -142,7 +141,7 @@ QList<CORVDataset*> ExportedCube::selected(const QString& strSelect)
         return datasets;
     }
     if (!m_opened.canBeAnalysed()) {
-        throw CliFailure(
+        throw Failure(
             QStringLiteral("--select: the images have no keys to select by: %1").arg(m_opened.reasonAgainst()));
     }
     const auto& engine = m_opened.engine();
@@ -214,7 +213,7 @@ void ExportedCube::settleTimes()
         image.name = m_bTemporal && m_images.size() == 1 ? instantName : image.fullName;
     }
     if (m_bTemporal && !timed) {
-        m_session.warn(started ? QStringLiteral("the images do not tell their times; the starts of their exposures do")
+        m_monitor.warn(started ? QStringLiteral("the images do not tell their times; the starts of their exposures do")
                                : QStringLiteral("the images do not tell their times and are numbered"));
     }
 }
@@ -246,7 +245,7 @@ void ExportedCube::checkSizes()
         long width = 0;
         long height = 0;
         if (!dataset.getImageSize(IMAGETYPE_MAIN_DATA, &width, &height)) {
-            throw CliFailure(QStringLiteral("image %1: its size cannot be read").arg(image.click));
+            throw Failure(QStringLiteral("image %1: its size cannot be read").arg(image.click));
         }
         const float own = dataset.getBinningForImage(IMAGETYPE_MAIN_DATA);
         const auto size = clickFigure(dataset, ClickKeys::kCameraSystemInfo, ClickKeys::kPixelSize);
@@ -261,16 +260,16 @@ void ExportedCube::checkSizes()
         }
         sameSize = sameSize && micrometres == m_pixelSize;
         if (width != m_lWidth || height != m_lHeight || own < binning || own > binning) {
-            throw CliFailure(QStringLiteral("image %1 has %2 x %3 pixels at binning %4 where %5 has %6 x %7 at binning "
-                                            "%8; --select images of one size")
-                                 .arg(image.name)
-                                 .arg(width)
-                                 .arg(height)
-                                 .arg(static_cast<double>(own))
-                                 .arg(m_images.first().name)
-                                 .arg(m_lWidth)
-                                 .arg(m_lHeight)
-                                 .arg(static_cast<double>(binning)));
+            throw Failure(QStringLiteral("image %1 has %2 x %3 pixels at binning %4 where %5 has %6 x %7 at binning "
+                                         "%8; --select images of one size")
+                              .arg(image.name)
+                              .arg(width)
+                              .arg(height)
+                              .arg(static_cast<double>(own))
+                              .arg(m_images.first().name)
+                              .arg(m_lWidth)
+                              .arg(m_lHeight)
+                              .arg(static_cast<double>(binning)));
         }
     }
     if (!sameSize) {
@@ -288,28 +287,28 @@ void ExportedCube::chooseUnit(int nUnit)
     const UnitForecast forecast = forecastUnit(m_opened.sequence(), clicks);
     const QString why = forecast.refusals.join(QStringLiteral("; "));
     if (forecast.unit < 0) {
-        throw CliFailure(QStringLiteral("the images can be had in no unit: %1").arg(why));
+        throw Failure(QStringLiteral("the images can be had in no unit: %1").arg(why));
     }
     if (nUnit >= 0 && forecast.unit != nUnit) {
-        throw CliFailure(QStringLiteral("the unit %1 cannot be reached; the images would be in %2%3")
-                             .arg(UnitNames::options()[nUnit], UnitNames::options()[forecast.unit],
-                                  why.isEmpty() ? QString() : QStringLiteral(" (%1)").arg(why)));
+        throw Failure(QStringLiteral("the unit %1 cannot be reached; the images would be in %2%3")
+                          .arg(UnitNames::options()[nUnit], UnitNames::options()[forecast.unit],
+                               why.isEmpty() ? QString() : QStringLiteral(" (%1)").arg(why)));
     }
     m_nUnit = forecast.unit;
 }
 
 void ExportedCube::read(int i, CILImage& out)
 {
-    CliSession::stopIfInterrupted();
+    m_monitor.stopIfRequested();
     const Image& image = m_images.at(i);
-    m_session.progress().show(QStringLiteral("Exporting %1").arg(image.name), static_cast<double>(i) / count());
+    m_monitor.showProgress(QStringLiteral("Exporting %1").arg(image.name), static_cast<double>(i) / count());
     CORVDataset* dataset = m_opened.sequence().getDataset(image.click);
     if (dataset->getCalibratedLuminImage(static_cast<tag_edisplayunit>(m_nUnit), &out, QStringLiteral("spum export")) !=
         ESTATUS_SUCCESS) {
-        throw CliFailure(QStringLiteral("image %1 (%2) cannot be read").arg(image.name, image.click));
+        throw Failure(QStringLiteral("image %1 (%2) cannot be read").arg(image.name, image.click));
     }
     if (out.m_lWidth != m_lStoredWidth || out.m_lHeight != m_lStoredHeight || out.dataType() != ORVTYPE_FLOAT) {
-        throw CliFailure(QStringLiteral("image %1 (%2) has changed while it was read").arg(image.name, image.click));
+        throw Failure(QStringLiteral("image %1 (%2) has changed while it was read").arg(image.name, image.click));
     }
     if (m_lWidth != m_lStoredWidth || m_lHeight != m_lStoredHeight) {
         crop(out, m_lWidth, m_lHeight);
@@ -318,5 +317,6 @@ void ExportedCube::read(int i, CILImage& out)
 
 void ExportedCube::showWriting(double dFraction)
 {
-    m_session.progress().show(QStringLiteral("Writing"), dFraction);
+    m_monitor.stopIfRequested();
+    m_monitor.showProgress(QStringLiteral("Writing"), dFraction);
 }

@@ -12,7 +12,7 @@
 
 class CILImage;
 class CORVDataset;
-class CliSession;
+class JobMonitor;
 
 // The calibrated images of a sequence on their way to other programs, all of one size, in one unit. Pixels are what the
 // host gives, floats, negative ones included; what an import added to make squares of the images is left off.
@@ -35,9 +35,9 @@ public:
     };
 
     // Opens the sequence and hands on its warnings. `strSelect` as --select, empty for all images; `nUnit` -1 for the
-    // best that the images have. Throws CliFailure for a selection or a unit that cannot be had, and for images that
+    // best that the images have. Throws Failure for a selection or a unit that cannot be had, and for images that
     // differ in size or binning.
-    ExportedCube(const QString& strSequence, const QString& strSelect, int nUnit, CliSession& session);
+    ExportedCube(const QString& strSequence, const QString& strSelect, int nUnit, JobMonitor& monitor);
     ExportedCube(const ExportedCube&) = delete;
     ExportedCube& operator=(const ExportedCube&) = delete;
 
@@ -53,10 +53,10 @@ public:
     // Side of a pixel in the object, in micrometres, where all images tell the same.
     std::optional<double> pixelSize() const { return m_pixelSize; }
 
-    // Fills `out` with image i. Throws CliFailure when it cannot be read; shows progress and stops when
+    // Fills `out` with image i. Throws Failure when it cannot be read; shows progress and stops when
     // the user interrupts.
     void read(int i, CILImage& out);
-    // Shows how much of a file has been written, from 0 to 1.
+    // Shows how much of a file has been written, from 0 to 1, and stops when the user wants that.
     void showWriting(double dFraction);
 
 private:
@@ -67,7 +67,7 @@ private:
     void cropToExtent();
     void chooseUnit(int nUnit);
 
-    CliSession& m_session;
+    JobMonitor& m_monitor;
     OpenedSequence m_opened;
     UnitLimit m_unitLimit;
     QList<Image> m_images;

@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "services/transfer/ImportInference.h"
 
-#include "services/basis/CliFailure.h"
-#include "services/basis/CliProgress.h"
-#include "services/basis/CliSession.h"
+#include "services/basis/Failure.h"
+#include "services/basis/JobMonitor.h"
 #include "services/basis/TextTable.h"
 
 #include <QJsonObject>
@@ -26,21 +25,21 @@ QString figure(const std::optional<double>& value)
 
 } // namespace
 
-InferredTable inferImagesTable(const QString& strSource, std::optional<double> interval, CliSession& session)
+InferredTable inferImagesTable(const QString& strSource, std::optional<double> interval, JobMonitor& monitor)
 {
-    session.progress().start(QStringLiteral("Looking at the images"));
+    monitor.startProgress(QStringLiteral("Looking at the images"));
     ImageFinder finder;
     QString error;
-    const auto progress = [&session](int done, int steps, const QString& what) {
-        session.progress().show(what, steps > 0 ? static_cast<double>(done) / steps : -1.0);
-        return !CliSession::isInterrupted();
+    const auto progress = [&monitor](int done, int steps, const QString& what) {
+        monitor.showProgress(what, steps > 0 ? static_cast<double>(done) / steps : -1.0);
+        return !monitor.isStopRequested();
     };
     const bool found = finder.find(strSource, progress, &error);
-    session.progress().finish();
+    monitor.endProgress();
     if (!found) {
-        throw CliFailure(error, finder.aborted() ? CliFailure::Aborted : CliFailure::Failed);
+        throw Failure(error, finder.aborted() ? Failure::Kind::Aborted : Failure::Kind::Failed);
     }
-    session.warnAll(finder.warnings());
+    monitor.warnAll(finder.warnings());
     return InferredTable(finder.images(), finder.doubts(), interval);
 }
 

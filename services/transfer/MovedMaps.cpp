@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "services/transfer/MovedMaps.h"
 
-#include "services/basis/CliFailure.h"
+#include "services/basis/Failure.h"
 #include "services/session/UnmixedMapLinks.h"
 
 #include "engine/CORVSpumKyvo.h"
@@ -70,11 +70,11 @@ void MovedMaps::copyFiles(const QString& strFrom, const QString& strName) const
 {
     const QString to = m_staged.path() + strName;
     if (!QDir().mkdir(to)) {
-        throw CliFailure(QStringLiteral("%1/%2: cannot be made").arg(m_staged.target(), strName));
+        throw Failure(QStringLiteral("%1/%2: cannot be made").arg(m_staged.target(), strName));
     }
     for (const QString& file : QDir(strFrom).entryList(QDir::Files)) {
         if (!QFile::copy(strFrom + QLatin1Char('/') + file, to + QLatin1Char('/') + file)) {
-            throw CliFailure(QStringLiteral("%1/%2/%3: cannot be written").arg(m_staged.target(), strName, file));
+            throw Failure(QStringLiteral("%1/%2/%3: cannot be written").arg(m_staged.target(), strName, file));
         }
     }
 }
@@ -85,11 +85,11 @@ void MovedMaps::change(const QString& strName, const std::function<void(CPLClick
         const QString inside = strName + QLatin1Char('/') + QLatin1String(file);
         CPLClickInfo info;
         if (info.loadClickInfo(m_staged.path() + inside) != 0) {
-            throw CliFailure(QStringLiteral("%1/%2: cannot be read").arg(m_staged.target(), inside));
+            throw Failure(QStringLiteral("%1/%2: cannot be read").arg(m_staged.target(), inside));
         }
         edit(info);
         if (info.saveClickInfo(m_staged.path() + inside) != 0) {
-            throw CliFailure(QStringLiteral("%1/%2: cannot be written").arg(m_staged.target(), inside));
+            throw Failure(QStringLiteral("%1/%2: cannot be written").arg(m_staged.target(), inside));
         }
     }
 }
@@ -119,11 +119,11 @@ void MovedMaps::takeRegions(const QString& strName, CORVDataset& source) const
     CORVDataset map;
     QString error;
     if (map.open(m_staged.path() + strName, &error) != ESTATUS_SUCCESS) {
-        throw CliFailure(error);
+        throw Failure(error);
     }
     if (takeOverRegions(source, map, static_cast<tag_edisplayunit>(m_engine.m_eUnit)) != ESTATUS_SUCCESS) {
-        throw CliFailure(QStringLiteral("%1/%2: the regions of interest cannot be measured over the map")
-                             .arg(m_staged.target(), strName));
+        throw Failure(QStringLiteral("%1/%2: the regions of interest cannot be measured over the map")
+                          .arg(m_staged.target(), strName));
     }
     change(strName, [&map](CPLClickInfo& info) { map.roiManager()->saveROIData(&info); });
 }
@@ -135,7 +135,7 @@ void MovedMaps::add(const QString& strClickInfo)
     copyFiles(from, name);
     CPLClickInfo made;
     if (made.loadClickInfo(strClickInfo) != 0) {
-        throw CliFailure(QStringLiteral("%1: cannot be read").arg(strClickInfo));
+        throw Failure(QStringLiteral("%1: cannot be read").arg(strClickInfo));
     }
     const int component = componentOf(clickText(made, ClickKeys::kLuminescentImage, UnmixedMapKeys::kConcentration));
     change(name, [&](CPLClickInfo& info) { complete(name, component, info); });
@@ -166,8 +166,8 @@ void MovedMaps::lendPhotograph() const
                                  ? QFile::copy(details->path(), target)
                                  : image->saveAsTIFF(QFile::encodeName(target).constData()) == EIL_SUCCESS;
         if (!written) {
-            throw CliFailure(QStringLiteral("%1/%2/%3: cannot be written")
-                                 .arg(m_staged.target(), m_names.first(), photographName()));
+            throw Failure(QStringLiteral("%1/%2/%3: cannot be written")
+                              .arg(m_staged.target(), m_names.first(), photographName()));
         }
         const float binning = dataset->getBinningForImage(IMAGETYPE_PHOTOGRAPH);
         change(m_names.first(), [&](CPLClickInfo& info) {
@@ -198,8 +198,8 @@ void MovedMaps::writeInfo() const
             .setValue(QString::fromLatin1(SequenceKeys::kPhotographOrigin), origin);
     }
     if (sections.saveClickInfo(m_staged.path() + QLatin1String(SequenceFiles::kSequenceInfo)) != 0) {
-        throw CliFailure(QStringLiteral("%1/%2: cannot be written")
-                             .arg(m_staged.target(), QLatin1String(SequenceFiles::kSequenceInfo)));
+        throw Failure(QStringLiteral("%1/%2: cannot be written")
+                          .arg(m_staged.target(), QLatin1String(SequenceFiles::kSequenceInfo)));
     }
 }
 

@@ -13,7 +13,7 @@ class CORVSequenceDataset;
 class CORVSpumKyvo;
 class StagedFolder;
 
-// Makes a sequence of the datasets that an export of maps left in the temporary folder. Throws CliFailure with file and
+// Makes a sequence of the datasets that an export of maps left in the temporary folder. Throws Failure with file and
 // reason.
 class MovedMaps
 {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "services/transfer/ResultExport.h"
 
-#include "services/basis/CliFailure.h"
+#include "services/basis/Failure.h"
 #include "services/basis/LoggedErrors.h"
 #include "services/transfer/MovedMaps.h"
 
@@ -53,18 +53,18 @@ void checkRequest(const CORVSpumKyvo& engine, std::optional<int> component)
 {
     const long long count = engine.m_concentrations.num_rows();
     if (count < 1) {
-        throw CliFailure(QStringLiteral("there is no result to export"));
+        throw Failure(QStringLiteral("there is no result to export"));
     }
     if (!component) {
         return;
     }
     if (engine.m_spots.size() < 2) {
-        throw CliFailure(QStringLiteral("all components are exported; one is chosen only in a scan of several spots"),
-                         CliFailure::Usage);
+        throw Failure(QStringLiteral("all components are exported; one is chosen only in a scan of several spots"),
+                      Failure::Kind::BadRequest);
     }
     if (*component < 1 || *component > count) {
-        throw CliFailure(QStringLiteral("there is no component %1: the result has %2").arg(*component).arg(count),
-                         CliFailure::Usage);
+        throw Failure(QStringLiteral("there is no component %1: the result has %2").arg(*component).arg(count),
+                      Failure::Kind::BadRequest);
     }
 }
 
@@ -83,12 +83,12 @@ QStringList makeDatasets(CORVSpumKyvo& engine, std::optional<int> component)
         return paths;
     }
     if (!errors.lines().isEmpty()) {
-        throw CliFailure(errors.lines().join(QLatin1Char('\n')));
+        throw Failure(errors.lines().join(QLatin1Char('\n')));
     }
-    throw CliFailure(
+    throw Failure(
         QStringLiteral("no component was chosen: of a scan of several spots the maps of one component are exported; "
                        "--component N names it"),
-        CliFailure::Usage);
+        Failure::Kind::BadRequest);
 }
 
 // The datasets are in their new place; what the export made on its way goes.
@@ -107,23 +107,23 @@ ExportedMaps exportResult(CORVSpumKyvo& engine, std::optional<int> component, co
     checkRequest(engine, component);
     CORVSequenceDataset* pSequence = CORVSequenceDataset::getSequenceDataset(engine.getSequenceId());
     if (pSequence == nullptr) {
-        throw CliFailure(QStringLiteral("the sequence %1 is not open").arg(engine.getSequenceId()));
+        throw Failure(QStringLiteral("the sequence %1 is not open").arg(engine.getSequenceId()));
     }
     QString error = savedResultsAtStake(strOutFolder);
     if (bForce && !error.isEmpty()) {
-        throw CliFailure(error);
+        throw Failure(error);
     }
     StagedFolder staged;
     if (!staged.begin(strOutFolder, bForce, QString::fromLatin1(SequenceFiles::kSequenceInfo), &error)) {
-        throw CliFailure(error);
+        throw Failure(error);
     }
 
     // Every export of a sequence goes by way of the same folder.
     const QString target = unmixedTargetFolder(engine.getSequenceId());
     QLockFile lock(target + QLatin1String(".lock"));
     if (!lock.tryLock(lockMilliseconds)) {
-        throw CliFailure(QStringLiteral("%1: cannot be written, or another program exports the same sequence")
-                             .arg(target + QLatin1String(".lock")));
+        throw Failure(QStringLiteral("%1: cannot be written, or another program exports the same sequence")
+                          .arg(target + QLatin1String(".lock")));
     }
     const QStringList paths = makeDatasets(engine, component);
     MovedMaps maps(engine, *pSequence, staged);
@@ -132,7 +132,7 @@ ExportedMaps exportResult(CORVSpumKyvo& engine, std::optional<int> component, co
     }
     maps.finish();
     if (!staged.commit(&error)) {
-        throw CliFailure(error);
+        throw Failure(error);
     }
     removeMade(paths, target);
     return {staged.target(), maps.sequenceId(), maps.names()};

@@ -21,7 +21,7 @@ struct ExportedMaps
 // of CORVInputDialog). The datasets are made where openUnmixedDataset() makes them and moved; each gets a click number,
 // the binning of its map, the component's name and the regions of interest of its source, measured over the map. When
 // no map has a photograph, the first gets that of the sequence. `bForce` replaces an earlier sequence that holds no
-// saved results. Throws CliFailure, and the folder is as it was, when there is no result, no component is chosen, or
+// saved results. Throws Failure, and the folder is as it was, when there is no result, no component is chosen, or
 // anything cannot be written.
 ExportedMaps exportResult(CORVSpumKyvo& engine, std::optional<int> component, const QString& strOutFolder,
                           bool bForce = false);

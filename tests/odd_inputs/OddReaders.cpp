@@ -8,7 +8,7 @@
 #include "platform/orvimage/TiffIo.h"
 #include "platform/orvutils/LogSinks.h"
 #include "services/analysis/MaskFile.h"
-#include "services/basis/CliFailure.h"
+#include "services/basis/Failure.h"
 #include "services/importer/CsvCube.h"
 #include "services/importer/EnviCube.h"
 #include "services/importer/ImageCorrection.h"
@@ -58,8 +58,8 @@ OddReader reader(const std::function<Reading(const QString& path)>& read)
         orv::addLogSink([&logged](const orv::LogRecord& line) { logged.append(line.m_strMessage); });
         try {
             reading = read(path);
-        } catch (const CliFailure& failure) {
-            reading.messages.append(failure.message());
+        } catch (const Failure& failure) {
+            reading.messages.append(failure.text());
         }
         reading.messages = logged + reading.messages;
         writeReading(descriptor, reading);

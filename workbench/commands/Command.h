@@ -8,7 +8,7 @@
 class CliSession;
 
 // One command of `spum`. A command reads its options from the parser, answers through the session, and throws
-// CliFailure when it cannot do what was asked; it then has changed nothing and left nothing half written.
+// Failure when it cannot do what was asked; it then has changed nothing and left nothing half written.
 class Command
 {
 public:

@@ -4,15 +4,17 @@
 #include "host/CORVLog.h"
 #include "host/CORVPreference.h"
 #include "platform/orvutils/LogSinks.h"
-#include "services/basis/CliFailure.h"
-#include "services/basis/CliSession.h"
+#include "services/basis/Failure.h"
 #include "services/basis/LoggedErrors.h"
+#include "workbench/commands/CliSession.h"
 #include "workbench/commands/Command.h"
 #include "workbench/commands/CompareCommand.h"
+#include "workbench/commands/ExitStatus.h"
 #include "workbench/commands/ExportCommand.h"
 #include "workbench/commands/ImportCommand.h"
 #include "workbench/commands/InfoCommand.h"
 #include "workbench/commands/LibraryCommand.h"
+#include "workbench/commands/Output.h"
 #include "workbench/commands/PcaCommand.h"
 #include "workbench/commands/ResultsCommand.h"
 #include "workbench/commands/RoiCommand.h"
@@ -51,12 +53,12 @@ void toLog(QtMsgType eType, const QMessageLogContext&, const QString& strMessage
 
 void print(const QString& strText)
 {
-    CliSession::writeAll(STDOUT_FILENO, strText.toUtf8());
+    writeAll(STDOUT_FILENO, strText.toUtf8());
 }
 
 void complain(const QString& strText)
 {
-    CliSession::writeAll(STDERR_FILENO, (QLatin1String("spum: ") + strText + QLatin1Char('\n')).toUtf8());
+    writeAll(STDERR_FILENO, (QLatin1String("spum: ") + strText + QLatin1Char('\n')).toUtf8());
 }
 
 QString overview(const std::vector<std::unique_ptr<Command>>& commands)
@@ -112,15 +114,15 @@ int runCommand(Command& command, const QStringList& arguments)
     command.declare(parser);
     if (!parser.parse(withOptionalValues(command, parser, arguments))) {
         complain(parser.errorText() + QStringLiteral(" See \"spum %1 --help\".").arg(command.name()));
-        return CliFailure::Usage;
+        return ExitStatus::usage;
     }
     if (parser.isSet(help)) {
         print(helpOf(parser, command.name()));
-        return 0;
+        return ExitStatus::success;
     }
     if (parser.isSet(version)) {
         print(QStringLiteral("spum %1\n").arg(CORVPreference::getAppVersion()));
-        return 0;
+        return ExitStatus::success;
     }
     const LoggedErrors errors;
     // Why a command failed is told once; what was logged beyond that goes ahead of it, unless the log was shown.
@@ -139,13 +141,13 @@ int runCommand(Command& command, const QStringList& arguments)
         // An interrupt that comes when all is done does not make a failure of it.
         command.run(parser, session);
         tell(QString());
-        return 0;
-    } catch (const CliFailure& failure) {
-        tell(failure.message());
-        return failure.status();
+        return ExitStatus::success;
+    } catch (const Failure& failure) {
+        tell(failure.text());
+        return ExitStatus::of(failure);
     } catch (const std::bad_alloc&) {
         tell(QStringLiteral("not enough memory for this; try a coarser --binning or a smaller selection"));
-        return CliFailure::Failed;
+        return ExitStatus::failed;
     }
 }
 
@@ -155,11 +157,11 @@ int dispatch(const QStringList& arguments)
     const QString word = arguments.value(1);
     if (word == QLatin1String("--version") || word == QLatin1String("-v")) {
         print(QStringLiteral("spum %1\n").arg(CORVPreference::getAppVersion()));
-        return 0;
+        return ExitStatus::success;
     }
     if (word == QLatin1String("--help") || word == QLatin1String("-h") || word == QLatin1String("help")) {
         print(overview(commands));
-        return 0;
+        return ExitStatus::success;
     }
     for (const auto& command : commands) {
         if (command->name() != word) {
@@ -171,7 +173,7 @@ int dispatch(const QStringList& arguments)
     }
     complain(word.isEmpty() ? QStringLiteral("no command given. See \"spum --help\".")
                             : QStringLiteral("there is no command \"%1\". See \"spum --help\".").arg(word));
-    return CliFailure::Usage;
+    return ExitStatus::usage;
 }
 
 } // namespace

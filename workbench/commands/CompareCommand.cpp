@@ -4,8 +4,7 @@
 #include "engine/CORVSpumKyvo.h"
 #include "platform/orvutils/AtomicFile.h"
 #include "platform/orvutils/StagedFolder.h"
-#include "services/basis/CliFailure.h"
-#include "services/basis/CliSession.h"
+#include "services/basis/Failure.h"
 #include "services/basis/PngBytes.h"
 #include "services/basis/TextTable.h"
 #include "services/basis/UnitNames.h"
@@ -13,6 +12,8 @@
 #include "services/results/ResultComparison.h"
 #include "services/results/SavedResult.h"
 #include "services/session/OpenedSequence.h"
+#include "workbench/commands/CliSession.h"
+#include "workbench/commands/Options.h"
 
 #include <QFileInfo>
 #include <QJsonArray>
@@ -57,14 +58,15 @@ Results readAll(const QStringList& names, const OpenedSequence& opened)
         results.push_back(std::make_unique<SavedResult>());
         results.back()->readResult(folderOf(name, opened));
         if (results.back()->unit() != results.front()->unit()) {
-            throw CliFailure(QStringLiteral("%1 is in %2, %3 in %4: results of one unit can be compared")
-                                 .arg(results.front()->label(), results.front()->unit(), results.back()->label(),
-                                      results.back()->unit()));
+            throw Failure(QStringLiteral("%1 is in %2, %3 in %4: results of one unit can be compared")
+                              .arg(results.front()->label(), results.front()->unit(), results.back()->label(),
+                                   results.back()->unit()));
         }
     }
     addTruths(results, opened);
     if (results.size() < 2) {
-        throw CliFailure(QStringLiteral("the sequence has no truth to compare with; name two results at least"));
+        throw Failure(QStringLiteral("the sequence has no truth to compare with"),
+                      QStringLiteral("name two results at least"));
     }
     return results;
 }
@@ -141,7 +143,7 @@ void put(const QString& strPath, const QByteArray& bytes)
 {
     QString error;
     if (!orv::writeFileAtomically(strPath, bytes, &error)) {
-        throw CliFailure(error);
+        throw Failure(error);
     }
 }
 
@@ -164,22 +166,20 @@ void CompareCommand::run(const QCommandLineParser& parser, CliSession& session)
 {
     const QStringList arguments = parser.positionalArguments();
     if (arguments.size() < 2) {
-        throw CliFailure(
-            QStringLiteral("compare takes a sequence and one result at least. See \"spum compare --help\"."),
-            CliFailure::Usage);
+        refuseUsage("compare", QStringLiteral("compare takes a sequence and one result at least."));
     }
     OpenedSequence opened(arguments[0]);
     session.warnAll(opened.warnings());
     const Results results = readAll(arguments.mid(1), opened);
     const ResultComparison comparison(results);
-    CliSession::stopIfInterrupted();
+    session.stopIfRequested();
 
     StagedFolder folder;
     QString error;
     const QString out = parser.value(QStringLiteral("out"));
     if (!folder.begin(out.isEmpty() ? opened.folder() + QStringLiteral("comparison") : out,
                       parser.isSet(QStringLiteral("force")), QStringLiteral("comparison.csv"), &error)) {
-        throw CliFailure(error);
+        throw Failure(error);
     }
     ComparisonStyle style;
     style.photograph = opened.engine().m_pPhoto;
@@ -188,9 +188,9 @@ void CompareCommand::run(const QCommandLineParser& parser, CliSession& session)
     style.unit = results.back()->unit();
     put(folder.path() + QStringLiteral("comparison.png"), pngBytes(comparisonPicture(comparison, style)));
     put(folder.path() + QStringLiteral("comparison.csv"), tableOf(comparison, 9).toCsv().toUtf8());
-    CliSession::stopIfInterrupted();
+    session.stopIfRequested();
     if (!folder.commit(&error)) {
-        throw CliFailure(error);
+        throw Failure(error);
     }
     session.answer(QStringLiteral("compared with %1 over %2 pixels and %3 images\n\n%4\nresults in %5\n")
                        .arg(referenceText(comparison))

@@ -1,22 +1,18 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "workbench/commands/ExportCommand.h"
 
-#include "services/basis/CliFailure.h"
-#include "services/basis/CliProgress.h"
-#include "services/basis/CliSession.h"
+#include "services/basis/Failure.h"
 #include "services/basis/UnitNames.h"
 #include "services/transfer/CubeFiles.h"
 #include "services/transfer/ExportedCube.h"
+#include "workbench/commands/CliProgress.h"
+#include "workbench/commands/CliSession.h"
+#include "workbench/commands/Options.h"
 
 #include <QFileInfo>
 #include <QJsonArray>
 
 namespace {
-
-[[noreturn]] void usage(const QString& strText)
-{
-    throw CliFailure(strText + QStringLiteral(" See \"spum export --help\"."), CliFailure::Usage);
-}
 
 int unitOf(const QCommandLineParser& parser)
 {
@@ -26,7 +22,8 @@ int unitOf(const QCommandLineParser& parser)
     const QString text = parser.value(QStringLiteral("unit"));
     const int unit = UnitNames::fromText(text);
     if (unit < 0) {
-        usage(
+        refuseUsage(
+            "export",
             QStringLiteral("--unit takes %1, not \"%2\".").arg(UnitNames::options().join(QStringLiteral(", ")), text));
     }
     return unit;
@@ -42,10 +39,11 @@ void refuseTargets(const QStringList& targets, bool bForce)
 {
     for (const auto& target : targets) {
         if (QFileInfo(target).isDir()) {
-            throw CliFailure(QStringLiteral("%1 is a folder; --out takes the file to write").arg(target));
+            throw Failure(QStringLiteral("%1 is a folder").arg(target),
+                          QStringLiteral("--out takes the file to write"));
         }
         if (!bForce && QFileInfo::exists(target)) {
-            throw CliFailure(QStringLiteral("%1 exists already; --force replaces it").arg(target));
+            throw Failure(QStringLiteral("%1 exists already").arg(target), QStringLiteral("--force replaces it"));
         }
     }
 }
@@ -55,20 +53,18 @@ void refuseTargets(const QStringList& targets, bool bForce)
 void ExportCommand::declare(QCommandLineParser& parser) const
 {
     parser.addPositionalArgument(QStringLiteral("SEQ"), QStringLiteral("Folder of the sequence."));
-    const auto option = [&parser](const char* pName, const QString& strText, const char* pValue) {
-        parser.addOption({QLatin1String(pName), strText, QLatin1String(pValue)});
-    };
-    option(
-        "format",
+    addValueOption(
+        parser, "format",
         QStringLiteral("ome-tiff: a page an image, with OME metadata; envi: header and data file; csv: a row a pixel, "
                        "a column an image."),
         "FORMAT");
-    option("out", QStringLiteral("File to write; for envi the header or the data file."), "PATH");
-    option("select",
-           QStringLiteral("Images to take: EX/EM,EX/EM,... (INTERVAL/TIME in a temporal sequence), * for any."),
-           "PAIRS");
-    option("unit", QStringLiteral("counts, radiance, radiant-efficiency or efficiency; the best that the images have."),
-           "UNIT");
+    addValueOption(parser, "out", QStringLiteral("File to write; for envi the header or the data file."), "PATH");
+    addValueOption(parser, "select",
+                   QStringLiteral("Images to take: EX/EM,EX/EM,... (INTERVAL/TIME in a temporal sequence), * for any."),
+                   "PAIRS");
+    addValueOption(parser, "unit",
+                   QStringLiteral("counts, radiance, radiant-efficiency or efficiency; the best that the images have."),
+                   "UNIT");
     parser.addOption({QStringLiteral("force"), QStringLiteral("Replace files that exist.")});
 }
 
@@ -76,24 +72,24 @@ void ExportCommand::run(const QCommandLineParser& parser, CliSession& session)
 {
     const QStringList arguments = parser.positionalArguments();
     if (arguments.size() != 1) {
-        usage(QStringLiteral("export takes one sequence."));
+        refuseUsage("export", QStringLiteral("export takes one sequence."));
     }
     const QString format = parser.value(QStringLiteral("format")).toLower();
     if (format != QLatin1String("ome-tiff") && format != QLatin1String("envi") && format != QLatin1String("csv")) {
-        usage(QStringLiteral("--format takes ome-tiff, envi or csv, not \"%1\".").arg(format));
+        refuseUsage("export", QStringLiteral("--format takes ome-tiff, envi or csv, not \"%1\".").arg(format));
     }
     const QString out = parser.value(QStringLiteral("out"));
     if (out.isEmpty()) {
-        usage(QStringLiteral("--out is missing: the file to write."));
+        refuseUsage("export", QStringLiteral("--out is missing: the file to write."));
     }
     if (parser.isSet(QStringLiteral("select")) && parser.value(QStringLiteral("select")).trimmed().isEmpty()) {
-        usage(QStringLiteral("--select names no image."));
+        refuseUsage("export", QStringLiteral("--select names no image."));
     }
     const int unit = unitOf(parser);
     const QStringList targets = targetsOf(format, out);
     refuseTargets(targets, parser.isSet(QStringLiteral("force")));
 
-    session.progress().start(QStringLiteral("Exporting"));
+    session.startProgress(QStringLiteral("Exporting"));
     ExportedCube cube(arguments[0], parser.value(QStringLiteral("select")), unit, session);
     if (format == QLatin1String("ome-tiff")) {
         writeOmeTiffCube(cube, out);
@@ -102,7 +98,7 @@ void ExportCommand::run(const QCommandLineParser& parser, CliSession& session)
     } else {
         writeCsvCube(cube, out);
     }
-    session.progress().finish();
+    session.endProgress();
 
     QJsonArray names;
     for (const auto& image : cube.images()) {

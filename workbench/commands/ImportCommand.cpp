@@ -2,11 +2,12 @@
 #include "workbench/commands/ImportCommand.h"
 
 #include "platform/orvutils/AtomicFile.h"
-#include "services/basis/CliFailure.h"
-#include "services/basis/CliProgress.h"
-#include "services/basis/CliSession.h"
+#include "services/basis/Failure.h"
 #include "services/importer/Importer.h"
 #include "services/transfer/ImportInference.h"
+#include "workbench/commands/CliProgress.h"
+#include "workbench/commands/CliSession.h"
+#include "workbench/commands/Options.h"
 
 #include <QFileInfo>
 #include <QJsonArray>
@@ -14,11 +15,6 @@
 #include <cmath>
 
 namespace {
-
-[[noreturn]] void usage(const QString& strText)
-{
-    throw CliFailure(strText + QStringLiteral(" See \"spum import --help\"."), CliFailure::Usage);
-}
 
 // What the command line asks for.
 struct Request
@@ -33,7 +29,8 @@ double positiveNumber(const char* pOption, const QString& strText)
     bool ok = false;
     const double value = strText.trimmed().toDouble(&ok);
     if (!ok || !std::isfinite(value) || value <= 0.0) {
-        usage(QStringLiteral("--%1 takes a number above 0, not \"%2\".").arg(QLatin1String(pOption), strText));
+        refuseUsage("import",
+                    QStringLiteral("--%1 takes a number above 0, not \"%2\".").arg(QLatin1String(pOption), strText));
     }
     return value;
 }
@@ -48,16 +45,17 @@ Request requestOf(const QCommandLineParser& parser)
     options.table = value("images");
     request.writeTable = value("write-table");
     if (given("write-table") && request.writeTable.isEmpty()) {
-        usage(QStringLiteral("--write-table takes the file to write."));
+        refuseUsage("import", QStringLiteral("--write-table takes the file to write."));
     }
     if (given("images") && options.table.isEmpty()) {
-        usage(QStringLiteral("--images takes the table that says which image is what."));
+        refuseUsage("import", QStringLiteral("--images takes the table that says which image is what."));
     }
     if (given("images") && (given("write-table") || given("interval"))) {
-        usage(QStringLiteral("--images does not go with --write-table or --interval, which infer such a table."));
+        refuseUsage("import",
+                    QStringLiteral("--images does not go with --write-table or --interval, which infer such a table."));
     }
     if (arguments.size() != 2 && !(given("write-table") && arguments.size() == 1)) {
-        usage(QStringLiteral("import takes the images and the folder to make."));
+        refuseUsage("import", QStringLiteral("import takes the images and the folder to make."));
     }
     options.source = arguments[0];
     options.output = arguments.value(1);
@@ -84,11 +82,12 @@ Request requestOf(const QCommandLineParser& parser)
 void writeTable(const Request& request, const InferredTable& table)
 {
     if (QFileInfo::exists(request.writeTable) && !request.import.force) {
-        throw CliFailure(QStringLiteral("%1 exists already; --force replaces it").arg(request.writeTable));
+        throw Failure(QStringLiteral("%1 exists already").arg(request.writeTable),
+                      QStringLiteral("--force replaces it"));
     }
     QString error;
     if (!orv::writeFileAtomically(request.writeTable, table.toCsv(), &error)) {
-        throw CliFailure(error);
+        throw Failure(error);
     }
 }
 
@@ -103,10 +102,10 @@ void writeTable(const Request& request, const InferredTable& table)
     }
     session.answerJson(QJsonObject{{"doubts", QJsonArray::fromStringList(table.doubts())},
                                    {"template", QString::fromUtf8(table.toCsv())}});
-    throw CliFailure(QStringLiteral("%1: it is in doubt which image is what: %2. Fill in the table %3 and give it by "
-                                    "--images")
-                         .arg(request.import.source, doubtText(table),
-                              written ? request.writeTable : QStringLiteral("on standard output")));
+    throw Failure(QStringLiteral("%1: it is in doubt which image is what: %2. Fill in the table %3 and give it by "
+                                 "--images")
+                      .arg(request.import.source, doubtText(table),
+                           written ? request.writeTable : QStringLiteral("on standard output")));
 }
 
 QString textAnswer(const ImportReport& report, const QString& strFolder)
@@ -146,17 +145,17 @@ QJsonObject jsonAnswer(const ImportReport& report, const QString& strFolder)
 
 ImportReport import(const ImportOptions& options, CliSession& session)
 {
-    session.progress().start(QStringLiteral("Importing"));
+    session.startProgress(QStringLiteral("Importing"));
     ImportReport report;
     QString error;
     const auto progress = [&session](int done, int steps, const QString& what) {
-        session.progress().show(what, steps > 0 ? static_cast<double>(done) / steps : -1.0);
+        session.showProgress(what, steps > 0 ? static_cast<double>(done) / steps : -1.0);
         return !CliSession::isInterrupted();
     };
     const bool imported = importStack(options, progress, &report, &error);
-    session.progress().finish();
+    session.endProgress();
     if (!imported) {
-        throw CliFailure(error, report.aborted ? CliFailure::Aborted : CliFailure::Failed);
+        throw Failure(error, report.aborted ? Failure::Kind::Aborted : Failure::Kind::Failed);
     }
     session.warnAll(report.warnings);
     return report;
@@ -169,24 +168,24 @@ void ImportCommand::declare(QCommandLineParser& parser) const
     parser.addPositionalArgument(QStringLiteral("STACK"),
                                  QStringLiteral("Folder of TIFF files, a TIFF of several pages, an ENVI or CSV cube."));
     parser.addPositionalArgument(QStringLiteral("OUT"), QStringLiteral("Folder of the new sequence."));
-    const auto option = [&parser](const char* pName, const QString& strText, const char* pValue) {
-        parser.addOption({QLatin1String(pName), strText, QLatin1String(pValue)});
-    };
-    option(
-        "images",
+    addValueOption(
+        parser, "images",
         QStringLiteral("Table of the images, with a header: file, page or band; and excitation and emission (nm), or "
                        "interval and time (s); and more, see the manual of formats. Without it the table is inferred "
                        "from names, OME and ImageJ metadata "
                        "and the ENVI header, and kept in OUT as images.csv."),
         "CSV");
-    option("write-table", QStringLiteral("Write the inferred table to a file, to be edited, and stop."), "FILE");
-    option("interval", QStringLiteral("Seconds between frames that are only numbered."), "S");
-    option("dark", QStringLiteral("Image to subtract from every image."), "FILE");
-    option("flat", QStringLiteral("Flat field to divide every image by, brought to a mean of 1."), "FILE");
-    option("exposure", QStringLiteral("Exposure in seconds: one, or one an image: S,S,..."), "S");
-    option("pixel-size", QStringLiteral("Side of a pixel in the object, in micrometres."), "UM");
-    option("photo", QStringLiteral("Photograph of the same extent; else the mean image serves."), "FILE");
-    option("name", QStringLiteral("Name of the sequence; that of OUT."), "NAME");
+    addValueOption(parser, "write-table", QStringLiteral("Write the inferred table to a file, to be edited, and stop."),
+                   "FILE");
+    addValueOption(parser, "interval", QStringLiteral("Seconds between frames that are only numbered."), "S");
+    addValueOption(parser, "dark", QStringLiteral("Image to subtract from every image."), "FILE");
+    addValueOption(parser, "flat", QStringLiteral("Flat field to divide every image by, brought to a mean of 1."),
+                   "FILE");
+    addValueOption(parser, "exposure", QStringLiteral("Exposure in seconds: one, or one an image: S,S,..."), "S");
+    addValueOption(parser, "pixel-size", QStringLiteral("Side of a pixel in the object, in micrometres."), "UM");
+    addValueOption(parser, "photo", QStringLiteral("Photograph of the same extent; else the mean image serves."),
+                   "FILE");
+    addValueOption(parser, "name", QStringLiteral("Name of the sequence; that of OUT."), "NAME");
     parser.addOption({QStringLiteral("force"),
                       QStringLiteral("Replace a sequence of that name, unless it holds saved results; or the "
                                      "file of --write-table.")});

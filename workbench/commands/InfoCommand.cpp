@@ -7,8 +7,6 @@
 #include "host/CORVSequenceDataset.h"
 #include "platform/orvapi/ClickInfoKeys.h"
 #include "services/analysis/AutomaticSetUp.h"
-#include "services/basis/CliFailure.h"
-#include "services/basis/CliSession.h"
 #include "services/basis/ModeNames.h"
 #include "services/basis/TextTable.h"
 #include "services/basis/UnitNames.h"
@@ -16,6 +14,8 @@
 #include "services/session/OpenedSequence.h"
 #include "services/session/UnitForecast.h"
 #include "services/session/UnmixedMapLinks.h"
+#include "workbench/commands/CliSession.h"
+#include "workbench/commands/Options.h"
 
 #include <QJsonArray>
 
@@ -272,13 +272,13 @@ void InfoCommand::run(const QCommandLineParser& parser, CliSession& session)
 {
     const QStringList arguments = parser.positionalArguments();
     if (arguments.size() != 1) {
-        throw CliFailure(QStringLiteral("info takes one sequence. See \"spum info --help\"."), CliFailure::Usage);
+        refuseUsage("info", QStringLiteral("info takes one sequence."));
     }
     OpenedSequence opened(arguments[0]);
     session.warnAll(opened.warnings());
     QList<ImageRow> rows;
     for (auto* dataset : opened.sequence().getDatasets()) {
-        CliSession::stopIfInterrupted();
+        session.stopIfRequested();
         rows.append(describeImage(*dataset, opened.engine()));
     }
     const AnalysisOutlook outlook = lookAhead(opened);

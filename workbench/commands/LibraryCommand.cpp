@@ -3,23 +3,19 @@
 
 #include "host/orv_paths.h"
 #include "services/analysis/SpectrumSources.h"
-#include "services/basis/CliFailure.h"
-#include "services/basis/CliSession.h"
+#include "services/basis/Failure.h"
 #include "services/basis/TextTable.h"
 #include "services/session/LibrarySpectra.h"
 #include "spectra/SpectrumPlotParams.h"
 #include "spectra/SpumKyvoDatabase.h"
+#include "workbench/commands/CliSession.h"
+#include "workbench/commands/Options.h"
 
 #include <QDir>
 #include <QFileInfo>
 #include <QJsonArray>
 
 namespace {
-
-[[noreturn]] void usage(const QString& strText)
-{
-    throw CliFailure(strText + QStringLiteral(" See \"spum library --help\"."), CliFailure::Usage);
-}
 
 QJsonArray jsonPoints(const SpectrumPlotParams& spectrum)
 {
@@ -34,16 +30,17 @@ QJsonArray jsonPoints(const SpectrumPlotParams& spectrum)
 QString pathToSave(const QString& strName, bool bForce)
 {
     if (strName.isEmpty() || strName.contains(QLatin1Char('/')) || strName.startsWith(QLatin1Char('.'))) {
-        usage(QStringLiteral("\"%1\" cannot be the name of a library.").arg(strName));
+        refuseUsage("library", QStringLiteral("\"%1\" cannot be the name of a library.").arg(strName));
     }
     const QString base = getORVPath(ORV_PATH_USER_DATA, true, nullptr);
     const QString folder = base + QStringLiteral("Spum/");
     if (base.isEmpty() || !QDir().mkpath(folder)) {
-        throw CliFailure(QStringLiteral("Failed to create the SPUM database folder (%1)").arg(folder));
+        throw Failure(QStringLiteral("Failed to create the SPUM database folder (%1)").arg(folder));
     }
     const QString path = folder + strName + QStringLiteral(".csv");
     if (QFileInfo::exists(path) && !bForce) {
-        throw CliFailure(QStringLiteral("the library %1 exists already; --force replaces it").arg(strName));
+        throw Failure(QStringLiteral("the library %1 exists already").arg(strName),
+                      QStringLiteral("--force replaces it"));
     }
     return path;
 }
@@ -55,17 +52,16 @@ void LibraryCommand::declare(QCommandLineParser& parser) const
     parser.addPositionalArgument(QStringLiteral("list|show|save"), QStringLiteral("What to do."));
     parser.addPositionalArgument(QStringLiteral("NAME"), QStringLiteral("Library (show also takes a file)."),
                                  QStringLiteral("[NAME]"));
-    const auto option = [&parser](const char* pName, const QString& strText, const char* pValue) {
-        parser.addOption({QLatin1String(pName), strText, QLatin1String(pValue)});
-    };
-    option("from", QStringLiteral("save: take the spectra of this library file."), "FILE");
-    option("sequence", QStringLiteral("save: the sequence for --probes and --region."), "SEQ");
-    option("probes",
-           QStringLiteral("save: spectra of these sources of the database (A,B,...) at the images of --sequence."),
-           "NAMES");
-    option("region", QStringLiteral("save: mean over a rectangle of the images of --sequence; may be repeated."),
-           "NAME=X,Y,W,H");
-    option("note", QStringLiteral("save: a note (a comma ends it)."), "TEXT");
+    addValueOption(parser, "from", QStringLiteral("save: take the spectra of this library file."), "FILE");
+    addValueOption(parser, "sequence", QStringLiteral("save: the sequence for --probes and --region."), "SEQ");
+    addValueOption(
+        parser, "probes",
+        QStringLiteral("save: spectra of these sources of the database (A,B,...) at the images of --sequence."),
+        "NAMES");
+    addValueOption(parser, "region",
+                   QStringLiteral("save: mean over a rectangle of the images of --sequence; may be repeated."),
+                   "NAME=X,Y,W,H");
+    addValueOption(parser, "note", QStringLiteral("save: a note (a comma ends it)."), "TEXT");
     parser.addOption({QStringLiteral("force"), QStringLiteral("save: replace a library of that name.")});
 }
 
@@ -80,7 +76,7 @@ void LibraryCommand::run(const QCommandLineParser& parser, CliSession& session)
     } else if (action == QLatin1String("save") && arguments.size() == 2) {
         save(parser, arguments[1], session);
     } else {
-        usage(QStringLiteral("library takes: list; show NAME; or save NAME."));
+        refuseUsage("library", QStringLiteral("library takes: list; show NAME; or save NAME."));
     }
 }
 
@@ -139,20 +135,20 @@ void LibraryCommand::save(const QCommandLineParser& parser, const QString& strNa
                         (parser.isSet(QStringLiteral("probes")) ? 1 : 0) +
                         (parser.isSet(QStringLiteral("region")) ? 1 : 0);
     if (sources != 1) {
-        usage(QStringLiteral("save takes one of --from, --probes and --region."));
+        refuseUsage("library", QStringLiteral("save takes one of --from, --probes and --region."));
     }
     SpectrumSources made;
     if (parser.isSet(QStringLiteral("from"))) {
         made.fromLibrary(parser.value(QStringLiteral("from")));
     } else if (parser.value(QStringLiteral("sequence")).isEmpty()) {
-        usage(QStringLiteral("--sequence is missing: the images that the spectra are for."));
+        refuseUsage("library", QStringLiteral("--sequence is missing: the images that the spectra are for."));
     } else if (parser.isSet(QStringLiteral("probes"))) {
         made.fromDatabase(parser.value(QStringLiteral("probes")), parser.value(QStringLiteral("sequence")));
     } else {
         made.fromRegions(parser.values(QStringLiteral("region")), parser.value(QStringLiteral("sequence")));
     }
 
-    CliSession::stopIfInterrupted();
+    session.stopIfRequested();
     const QString path = pathToSave(strName, parser.isSet(QStringLiteral("force")));
     const QString note = parser.isSet(QStringLiteral("note")) ? parser.value(QStringLiteral("note")) : made.note();
     if (note.contains(QLatin1Char(','))) {
@@ -161,7 +157,7 @@ void LibraryCommand::save(const QCommandLineParser& parser, const QString& strNa
     QList<SpectrumPlotParams*> spectra = made.spectra();
     SpumKyvoDatabase database;
     if (!database.saveLibrary(path, spectra, note)) {
-        throw CliFailure(QStringLiteral("%1 cannot be written").arg(path));
+        throw Failure(QStringLiteral("%1 cannot be written").arg(path));
     }
     session.answer(QStringLiteral("saved %1 spectra of %2 points as %3 (%4)\n")
                        .arg(spectra.size())

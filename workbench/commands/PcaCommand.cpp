@@ -6,11 +6,12 @@
 #include "platform/orvutils/StagedFolder.h"
 #include "services/analysis/AnalysisSetUp.h"
 #include "services/analysis/PcaRun.h"
-#include "services/basis/CliFailure.h"
-#include "services/basis/CliProgress.h"
-#include "services/basis/CliSession.h"
+#include "services/basis/Failure.h"
 #include "services/results/PcaFiles.h"
 #include "windows/maskPixels.h"
+#include "workbench/commands/AnalysisOptions.h"
+#include "workbench/commands/CliProgress.h"
+#include "workbench/commands/CliSession.h"
 
 namespace {
 
@@ -31,7 +32,7 @@ void maskEveryPixel(CORVSpumKyvo& engine)
 void checkConstantImages(const QStringList& constant)
 {
     if (!constant.isEmpty()) {
-        throw CliFailure(
+        throw Failure(
             QStringLiteral("in these images all pixels that are analysed have one value, so that they have no "
                            "variance to scale: %1")
                 .arg(constant.join(QStringLiteral(", "))));
@@ -48,36 +49,36 @@ void PcaCommand::declare(QCommandLineParser& parser) const
 
 void PcaCommand::run(const QCommandLineParser& parser, CliSession& session)
 {
-    const AnalysisRequest request = analysisRequestOf(parser, name(), MaskOption::Kind::Photograph);
+    const AnalysisRequest request = analysisRequestOf(parser, name(), MaskRequest::Kind::Photograph);
     AnalysisSetUp setUp(request, session);
-    session.progress().start(QStringLiteral("Looking at the images"));
+    session.startProgress(QStringLiteral("Looking at the images"));
     setUp.checkMode(RUNMODE_AUTOMATIC);
     StagedFolder folder;
     QString error;
     if (!folder.begin(setUp.outFolder(QStringLiteral("pca")), request.force, QStringLiteral("pca.json"), &error)) {
-        throw CliFailure(error);
+        throw Failure(error);
     }
     setUp.select();
     setUp.reset(RUNMODE_AUTOMATIC);
     setUp.takeMask(static_cast<int>(kMinMaskPixels));
-    if (request.mask.kind == MaskOption::Kind::None) {
+    if (request.mask.kind == MaskRequest::Kind::None) {
         maskEveryPixel(setUp.engine());
     }
     setUp.checkUnit();
     setUp.checkImages(checkedFraction);
     checkConstantImages(setUp.constantImages());
 
-    PcaFiles files(setUp.engine(), runPca(setUp.engine(), session.progress()));
+    PcaFiles files(setUp.engine(), runPca(setUp.engine(), session));
     if (!files.isMeaningful()) {
-        throw CliFailure(QStringLiteral("the images have no variance to explain"));
+        throw Failure(QStringLiteral("the images have no variance to explain"));
     }
-    CliSession::stopIfInterrupted();
+    session.stopIfRequested();
     files.write(folder.path());
-    CliSession::stopIfInterrupted();
+    session.stopIfRequested();
     if (!folder.commit(&error)) {
-        throw CliFailure(error);
+        throw Failure(error);
     }
-    session.progress().finish();
+    session.endProgress();
     session.answer(files.text() + QStringLiteral("results in %1\n").arg(folder.target()));
     QJsonObject json = files.json();
     json.insert(QStringLiteral("folder"), folder.target());

@@ -2,9 +2,7 @@
 #include "workbench/commands/ResultsCommand.h"
 
 #include "host/CORVSequenceDataset.h"
-#include "services/basis/CliFailure.h"
-#include "services/basis/CliProgress.h"
-#include "services/basis/CliSession.h"
+#include "services/basis/Failure.h"
 #include "services/basis/TextTable.h"
 #include "services/results/LoadedResult.h"
 #include "services/results/ResultFiles.h"
@@ -13,6 +11,9 @@
 #include "services/results/SavedDocument.h"
 #include "services/session/OpenedSequence.h"
 #include "services/transfer/ResultExport.h"
+#include "workbench/commands/CliProgress.h"
+#include "workbench/commands/CliSession.h"
+#include "workbench/commands/Options.h"
 
 #include "engine/CORVSpumKyvo.h"
 #include "platform/orvutils/StagedFolder.h"
@@ -25,11 +26,6 @@
 #include <optional>
 
 namespace {
-
-[[noreturn]] void usage(const QString& strText)
-{
-    throw CliFailure(strText + QStringLiteral(" See \"spum results --help\"."), CliFailure::Usage);
-}
 
 // Arguments of each action behind the sequence.
 const QMap<QString, int>& actions()
@@ -50,7 +46,8 @@ void refuseForeignOptions(const QCommandLineParser& parser, const QString& strAc
         {QStringLiteral("force"), {QStringLiteral("load"), QStringLiteral("export"), QStringLiteral("delete")}}};
     for (auto owner = owners.cbegin(); owner != owners.cend(); ++owner) {
         if (parser.isSet(owner.key()) && !owner.value().contains(strAction)) {
-            usage(QStringLiteral("--%1 does not go with \"spum results %2\".").arg(owner.key(), strAction));
+            refuseUsage("results",
+                        QStringLiteral("--%1 does not go with \"spum results %2\".").arg(owner.key(), strAction));
         }
     }
 }
@@ -113,7 +110,7 @@ std::optional<int> componentOf(const QCommandLineParser& parser)
     bool ok = false;
     const int component = parser.value(QStringLiteral("component")).toInt(&ok);
     if (!ok || component < 1) {
-        usage(QStringLiteral("--component takes the number of a component, from 1."));
+        refuseUsage("results", QStringLiteral("--component takes the number of a component, from 1."));
     }
     return component;
 }
@@ -145,12 +142,14 @@ void ResultsCommand::run(const QCommandLineParser& parser, CliSession& session)
     const QStringList arguments = parser.positionalArguments();
     const QString action = arguments.value(0);
     if (!actions().contains(action) || arguments.size() != actions().value(action) + 2) {
-        usage(QStringLiteral("results takes: list SEQ; show SEQ NAME; load SEQ NAME; rename SEQ NAME NEW; delete SEQ "
-                             "NAME; or export SEQ NAME --out DIR."));
+        refuseUsage(
+            "results",
+            QStringLiteral("results takes: list SEQ; show SEQ NAME; load SEQ NAME; rename SEQ NAME NEW; delete SEQ "
+                           "NAME; or export SEQ NAME --out DIR."));
     }
     refuseForeignOptions(parser, action);
     if (action == QLatin1String("export") && parser.value(QStringLiteral("out")).isEmpty()) {
-        usage(QStringLiteral("--out is missing: the folder of the new sequence."));
+        refuseUsage("results", QStringLiteral("--out is missing: the folder of the new sequence."));
     }
     OpenedSequence opened(arguments[1]);
     session.warnAll(opened.warnings());
@@ -197,8 +196,7 @@ void ResultsCommand::show(OpenedSequence& opened, const QString& strName, CliSes
 {
     const SavedDocument document = readSavedDocument(ResultStore::pathOf(opened.sequence(), strName));
     if (!document.error.isEmpty()) {
-        throw CliFailure(
-            QStringLiteral("%1: %2").arg(document.path.isEmpty() ? strName : document.path, document.error));
+        throw Failure(QStringLiteral("%1: %2").arg(document.path.isEmpty() ? strName : document.path, document.error));
     }
     QString text = TextTable::oneLine(QStringLiteral("%1, saved %2").arg(strName, document.date)) + QLatin1Char('\n');
     text += QStringLiteral("%1\n").arg(document.path);
@@ -239,9 +237,9 @@ void ResultsCommand::load(OpenedSequence& opened, const QString& strName, const 
     StagedFolder folder;
     QString error;
     if (!folder.begin(target, parser.isSet(QStringLiteral("force")), QStringLiteral("summary.json"), &error)) {
-        throw CliFailure(error);
+        throw Failure(error);
     }
-    session.progress().start(QStringLiteral("Loading the result"));
+    session.startProgress(QStringLiteral("Loading the result"));
     const LoadedResult loaded(opened, strName);
     ReportFrame frame;
     frame.sequenceName = opened.sequence().getSequenceName() + QStringLiteral(", saved result ") + strName;
@@ -250,14 +248,14 @@ void ResultsCommand::load(OpenedSequence& opened, const QString& strName, const 
     ResultFiles files(opened.engine(), loaded.numbers(), folder.path());
     files.setReport(frame, parser.isSet(QStringLiteral("pdf")));
     files.write([&session](double fraction) {
-        CliSession::stopIfInterrupted();
-        session.progress().show(QStringLiteral("Writing the results"), fraction);
+        session.stopIfRequested();
+        session.showProgress(QStringLiteral("Writing the results"), fraction);
     });
-    CliSession::stopIfInterrupted();
+    session.stopIfRequested();
     if (!folder.commit(&error)) {
-        throw CliFailure(error);
+        throw Failure(error);
     }
-    session.progress().finish();
+    session.endProgress();
     session.answer(files.summaryText() + QStringLiteral("results in %1\n").arg(folder.target()));
     QJsonObject json = files.summaryJson();
     json.insert(QStringLiteral("folder"), folder.target());
@@ -284,12 +282,12 @@ void ResultsCommand::exportMaps(OpenedSequence& opened, const QString& strName, 
                                 CliSession& session) const
 {
     const auto component = componentOf(parser);
-    session.progress().start(QStringLiteral("Loading the result"));
+    session.startProgress(QStringLiteral("Loading the result"));
     const LoadedResult loaded(opened, strName);
-    session.progress().show(QStringLiteral("Exporting the maps"), 0.5);
+    session.showProgress(QStringLiteral("Exporting the maps"), 0.5);
     const ExportedMaps maps = exportResult(opened.engine(), component, parser.value(QStringLiteral("out")),
                                            parser.isSet(QStringLiteral("force")));
-    session.progress().finish();
+    session.endProgress();
     session.answer(
         QStringLiteral("%1 exported as sequence %2 in %3\n")
             .arg(maps.names.size() == 1 ? QStringLiteral("1 map") : QStringLiteral("%1 maps").arg(maps.names.size()),

@@ -5,14 +5,15 @@
 #include "platform/orvapi/ROISection.h"
 #include "platform/orvapi/ROIShape.h"
 #include "platform/orvutils/AtomicFile.h"
-#include "services/basis/CliFailure.h"
-#include "services/basis/CliProgress.h"
-#include "services/basis/CliSession.h"
+#include "services/basis/Failure.h"
 #include "services/basis/TextTable.h"
 #include "services/basis/UnitNames.h"
 #include "services/regions/RoiMeasurement.h"
 #include "services/regions/RoiStore.h"
 #include "services/session/UnitForecast.h"
+#include "workbench/commands/CliProgress.h"
+#include "workbench/commands/CliSession.h"
+#include "workbench/commands/Options.h"
 
 #include <QFileInfo>
 #include <QJsonArray>
@@ -25,11 +26,6 @@ namespace {
 
 constexpr int widestShape = 60;
 
-[[noreturn]] void usage(const QString& strText)
-{
-    throw CliFailure(strText + QStringLiteral(" See \"spum roi --help\"."), CliFailure::Usage);
-}
-
 // An option of another action is a slip that must not pass in silence.
 void refuseForeignOptions(const QCommandLineParser& parser, const QString& strAction)
 {
@@ -41,7 +37,7 @@ void refuseForeignOptions(const QCommandLineParser& parser, const QString& strAc
     for (auto owner = owners.cbegin(); owner != owners.cend(); ++owner) {
         for (const QString& option : owner.value()) {
             if (owner.key() != strAction && parser.isSet(option)) {
-                usage(QStringLiteral("--%1 belongs to \"spum roi SEQ %2\".").arg(option, owner.key()));
+                refuseUsage("roi", QStringLiteral("--%1 belongs to \"spum roi SEQ %2\".").arg(option, owner.key()));
             }
         }
     }
@@ -90,12 +86,12 @@ void scale(tagROIInfo& region, double factor)
 tagROIInfo regionOf(const QCommandLineParser& parser, const QList<Geometry>& geometries)
 {
     if (parser.values(QStringLiteral("shape")).size() != 1) {
-        usage(QStringLiteral("add takes one --shape, such as rect:x,y,width,height."));
+        refuseUsage("roi", QStringLiteral("add takes one --shape, such as rect:x,y,width,height."));
     }
     tagROIInfo region;
     QString reason;
     if (!ROIShape::fromText(parser.value(QStringLiteral("shape")), &region, &reason)) {
-        usage(QStringLiteral("--shape: %1.").arg(reason));
+        refuseUsage("roi", QStringLiteral("--shape: %1.").arg(reason));
     }
     if (parser.isSet(QStringLiteral("image-pixels"))) {
         scale(region, geometries.first().binning);
@@ -111,13 +107,13 @@ QString nameOf(const QCommandLineParser& parser, const RoiStore& store)
     const QString name = parser.value(QStringLiteral("name")).trimmed();
     const QString reason = ROISection::reasonAgainstName(name);
     if (!reason.isEmpty()) {
-        usage(QStringLiteral("--name: the name %1.").arg(reason));
+        refuseUsage("roi", QStringLiteral("--name: the name %1.").arg(reason));
     }
     if (name == QLatin1String("all")) {
-        usage(QStringLiteral("--name: \"all\" stands for all regions and names none."));
+        refuseUsage("roi", QStringLiteral("--name: \"all\" stands for all regions and names none."));
     }
     if (store.names().contains(name)) {
-        throw CliFailure(
+        throw Failure(
             QStringLiteral("there is a region \"%1\" already; remove it first or choose another --name").arg(name));
     }
     return name;
@@ -135,7 +131,7 @@ qint64 pixelsIn(const tagROIInfo& region, const QList<Geometry>& geometries, Cli
         height = std::max(height, static_cast<double>(geometry.height) * geometry.binning);
     }
     if (pixels == 0) {
-        throw CliFailure(
+        throw Failure(
             QStringLiteral("the region holds no pixel of the images, which are %1 x %2 pixels of the unbinned sensor "
                            "at binning %3; --image-pixels takes a shape in pixels of the first image")
                 .arg(width)
@@ -166,7 +162,8 @@ tag_edisplayunit unitOf(const QCommandLineParser& parser, const CORVSequenceData
     const QString text = parser.value(QStringLiteral("unit"));
     int unit = UnitNames::fromText(text);
     if (!text.isEmpty() && unit < 0) {
-        usage(
+        refuseUsage(
+            "roi",
             QStringLiteral("--unit: \"%1\" is none of %2.").arg(text, UnitNames::options().join(QStringLiteral(", "))));
     }
     if (text.isEmpty()) {
@@ -179,8 +176,8 @@ tag_edisplayunit unitOf(const QCommandLineParser& parser, const CORVSequenceData
         unit = forecastUnit(sequence, clicks).unit;
     }
     if (unit < 0) {
-        throw CliFailure(
-            QStringLiteral("the images can be had in no common unit; \"spum info\" tells the units of each"));
+        throw Failure(QStringLiteral("the images can be had in no common unit"),
+                      QStringLiteral("\"spum info\" tells the units of each"));
     }
     return static_cast<tag_edisplayunit>(unit);
 }
@@ -200,24 +197,23 @@ void RoiCommand::declare(QCommandLineParser& parser) const
     parser.addPositionalArgument(QStringLiteral("add|list|measure|remove"), QStringLiteral("What to do."));
     parser.addPositionalArgument(QStringLiteral("NAME"), QStringLiteral("remove: the region, or \"all\"."),
                                  QStringLiteral("[NAME]"));
-    const auto option = [&parser](const char* pName, const QString& strText, const char* pValue) {
-        parser.addOption({QLatin1String(pName), strText, QLatin1String(pValue)});
-    };
-    option(
-        "shape",
+    addValueOption(
+        parser, "shape",
         QStringLiteral("add: rect:x,y,width,height, ellipse: with the rectangle around it, polygon:x1,y1,x2,y2,... "
                        "or freehand: with the outline. In pixels of the unbinned sensor, from the upper left corner."),
         "SHAPE");
     parser.addOption(
         {QStringLiteral("image-pixels"), QStringLiteral("add: --shape is in pixels of the first image instead.")});
-    option("name", QStringLiteral("add: name of the region; \"ROI 1\" and so on."), "NAME");
-    option("unit", QStringLiteral("measure: counts, radiance, radiant-efficiency or efficiency; that of an analysis."),
-           "UNIT");
-    option("result",
-           QStringLiteral("measure: also over the maps of this folder of \"spum unmix\", or of its name in SEQ; may be "
-                          "repeated."),
-           "DIR");
-    option("csv", QStringLiteral("measure: write the table into this file."), "FILE");
+    addValueOption(parser, "name", QStringLiteral("add: name of the region; \"ROI 1\" and so on."), "NAME");
+    addValueOption(parser, "unit",
+                   QStringLiteral("measure: counts, radiance, radiant-efficiency or efficiency; that of an analysis."),
+                   "UNIT");
+    addValueOption(
+        parser, "result",
+        QStringLiteral("measure: also over the maps of this folder of \"spum unmix\", or of its name in SEQ; may be "
+                       "repeated."),
+        "DIR");
+    addValueOption(parser, "csv", QStringLiteral("measure: write the table into this file."), "FILE");
     parser.addOption({QStringLiteral("force"), QStringLiteral("measure: replace that file.")});
     parser.addOption(
         {QStringLiteral("save"), QStringLiteral("measure: keep the numbers of the images with the regions.")});
@@ -231,14 +227,15 @@ void RoiCommand::run(const QCommandLineParser& parser, CliSession& session)
                                      QStringLiteral("remove")};
     const int expected = action == QLatin1String("remove") ? 3 : 2;
     if (!actions.contains(action) || arguments.size() != expected) {
-        usage(QStringLiteral("roi takes: SEQ add --shape SHAPE; SEQ list; SEQ measure; or SEQ remove NAME."));
+        refuseUsage("roi",
+                    QStringLiteral("roi takes: SEQ add --shape SHAPE; SEQ list; SEQ measure; or SEQ remove NAME."));
     }
     refuseForeignOptions(parser, action);
     CORVSequenceDataset sequence;
     QString error;
     QStringList warnings;
     if (sequence.open(arguments[0], &error, &warnings) != ESTATUS_SUCCESS) {
-        throw CliFailure(error);
+        throw Failure(error);
     }
     session.warnAll(warnings);
     RoiStore store(sequence);
@@ -258,13 +255,13 @@ void RoiCommand::add(const QCommandLineParser& parser, CORVSequenceDataset& sequ
 {
     const QList<Geometry> geometries = geometriesOf(sequence);
     if (geometries.isEmpty()) {
-        throw CliFailure(QStringLiteral("the sequence holds no image that could have a region"));
+        throw Failure(QStringLiteral("the sequence holds no image that could have a region"));
     }
     tagROIInfo region = regionOf(parser, geometries);
     region.name = nameOf(parser, store);
     const qint64 pixels = pixelsIn(region, geometries, session);
     store.add(region);
-    CliSession::stopIfInterrupted();
+    session.stopIfRequested();
     store.save();
     const int images = sequence.getDatasets().size();
     session.answer(QStringLiteral("region \"%1\" (%2) stored with %3 images; it holds %4\n")
@@ -295,30 +292,30 @@ void RoiCommand::measure(const QCommandLineParser& parser, CORVSequenceDataset& 
         regions.append(entry.region);
     }
     if (regions.isEmpty()) {
-        throw CliFailure(noRegion(sequence.getSequenceName()));
+        throw Failure(noRegion(sequence.getSequenceName()));
     }
     const QString csv = parser.value(QStringLiteral("csv"));
     if (!csv.isEmpty() && QFileInfo::exists(csv) && !parser.isSet(QStringLiteral("force"))) {
-        throw CliFailure(QStringLiteral("%1 exists already; --force replaces it").arg(csv));
+        throw Failure(QStringLiteral("%1 exists already").arg(csv), QStringLiteral("--force replaces it"));
     }
     const tag_edisplayunit unit = unitOf(parser, sequence);
 
-    session.progress().start(QStringLiteral("measuring"));
+    session.startProgress(QStringLiteral("measuring"));
     const auto step = [&session](double fraction) {
-        CliSession::stopIfInterrupted();
-        session.progress().show(QStringLiteral("measuring"), fraction);
+        session.stopIfRequested();
+        session.showProgress(QStringLiteral("measuring"), fraction);
     };
     RoiMeasurement measurement;
     measurement.measureImages(sequence, unit, step);
     for (const QString& name : parser.values(QStringLiteral("result"))) {
         measurement.measureMaps(sequence, regions, resultFolder(name, sequence), step);
     }
-    CliSession::stopIfInterrupted();
-    session.progress().finish();
+    session.stopIfRequested();
+    session.endProgress();
 
     QString error;
     if (!csv.isEmpty() && !orv::writeFileAtomically(csv, measurement.toCsv().toUtf8(), &error)) {
-        throw CliFailure(error);
+        throw Failure(error);
     }
     if (parser.isSet(QStringLiteral("save"))) {
         store.save();
@@ -336,9 +333,9 @@ void RoiCommand::remove(const QString& strName, RoiStore& store, CliSession& ses
         removed = names;
         store.removeAll();
     } else if (store.remove(strName) == 0) {
-        throw CliFailure(names.isEmpty() ? QStringLiteral("there is no region \"%1\", and no other").arg(strName)
-                                         : QStringLiteral("there is no region \"%1\"; the regions are: \"%2\"")
-                                               .arg(strName, names.join(QStringLiteral("\", \""))));
+        throw Failure(names.isEmpty() ? QStringLiteral("there is no region \"%1\", and no other").arg(strName)
+                                      : QStringLiteral("there is no region \"%1\"; the regions are: \"%2\"")
+                                            .arg(strName, names.join(QStringLiteral("\", \""))));
     }
     store.save();
     session.answer(removed.size() == 1 ? QStringLiteral("removed the region \"%1\"\n").arg(removed.first())

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "workbench/commands/SimulateCommand.h"
 
-#include "services/basis/CliFailure.h"
-#include "services/basis/CliProgress.h"
-#include "services/basis/CliSession.h"
+#include "services/basis/Failure.h"
+#include "workbench/commands/CliProgress.h"
+#include "workbench/commands/CliSession.h"
+#include "workbench/commands/Options.h"
 #include "workbench/simulator/FilterPlan.h"
 #include "workbench/simulator/SourceList.h"
 #include "workbench/simulator/simulate.h"
@@ -13,11 +14,6 @@
 #include <QJsonArray>
 
 namespace {
-
-[[noreturn]] void usage(const QString& strText)
-{
-    throw CliFailure(strText + QStringLiteral(" See \"spum simulate --help\"."), CliFailure::Usage);
-}
 
 // Kinds as flags.
 constexpr int flagOf(SimulationKind eKind)
@@ -105,7 +101,7 @@ double toNumber(const QString& strText, const char* pName)
     bool ok = false;
     const double value = strText.toDouble(&ok);
     if (!ok) {
-        usage(QStringLiteral("%1 takes a number, not \"%2\".").arg(optionName(pName), strText));
+        refuseUsage("simulate", QStringLiteral("%1 takes a number, not \"%2\".").arg(optionName(pName), strText));
     }
     return value;
 }
@@ -115,7 +111,7 @@ int toWhole(const QString& strText, const char* pName)
     bool ok = false;
     const int value = strText.toInt(&ok);
     if (!ok) {
-        usage(QStringLiteral("%1 takes a whole number, not \"%2\".").arg(optionName(pName), strText));
+        refuseUsage("simulate", QStringLiteral("%1 takes a whole number, not \"%2\".").arg(optionName(pName), strText));
     }
     return value;
 }
@@ -172,7 +168,7 @@ std::uint64_t takeSeed(const QCommandLineParser& parser, std::uint64_t standard)
     const QString text = parser.value(QStringLiteral("seed"));
     const std::uint64_t seed = text.toULongLong(&ok);
     if (!ok) {
-        usage(QStringLiteral("--seed takes a whole number from 0 on, not \"%1\".").arg(text));
+        refuseUsage("simulate", QStringLiteral("--seed takes a whole number from 0 on, not \"%1\".").arg(text));
     }
     return seed;
 }
@@ -182,7 +178,7 @@ bool takeNoise(const QCommandLineParser& parser)
     QString kind = QStringLiteral("default");
     take(parser, "noise", &kind);
     if (kind != QLatin1String("default") && kind != QLatin1String("none")) {
-        usage(QStringLiteral("--noise is \"default\" or \"none\", not \"%1\".").arg(kind));
+        refuseUsage("simulate", QStringLiteral("--noise is \"default\" or \"none\", not \"%1\".").arg(kind));
     }
     return kind == QLatin1String("default");
 }
@@ -194,11 +190,13 @@ SimulationKind takeKind(const QCommandLineParser& parser)
     take(parser, "kind", &name);
     SimulationKind kind = SimulationKind::Epi;
     if (!kindOfName(name, &kind)) {
-        usage(QStringLiteral("--kind is %1, not \"%2\".").arg(kindNames().join(QStringLiteral(", ")), name));
+        refuseUsage("simulate",
+                    QStringLiteral("--kind is %1, not \"%2\".").arg(kindNames().join(QStringLiteral(", ")), name));
     }
     for (const OptionText& option : kOptions) {
         if (parser.isSet(QLatin1String(option.name)) && (option.kinds & flagOf(kind)) == 0) {
-            usage(QStringLiteral("%1 does not go with the kind %2.").arg(optionName(option.name), name));
+            refuseUsage("simulate",
+                        QStringLiteral("%1 does not go with the kind %2.").arg(optionName(option.name), name));
         }
     }
     return kind;
@@ -236,11 +234,11 @@ SimulationOptions takeOptions(const QCommandLineParser& parser)
     options.force = parser.isSet(QStringLiteral("force"));
     options.discardResults = parser.isSet(QStringLiteral("discard-results"));
     if (options.discardResults && !options.force) {
-        usage(QStringLiteral("--discard-results goes with --force."));
+        refuseUsage("simulate", QStringLiteral("--discard-results goes with --force."));
     }
     const QString problem = validate(options);
     if (!problem.isEmpty()) {
-        usage(problem);
+        refuseUsage("simulate", problem);
     }
     return options;
 }
@@ -359,22 +357,22 @@ void SimulateCommand::run(const QCommandLineParser& parser, CliSession& session)
 {
     const QStringList arguments = parser.positionalArguments();
     if (arguments.size() != 1 || arguments[0].isEmpty()) {
-        usage(QStringLiteral("simulate takes one folder to write."));
+        refuseUsage("simulate", QStringLiteral("simulate takes one folder to write."));
     }
     const SimulationOptions options = takeOptions(parser);
-    session.progress().start(QStringLiteral("simulating"));
+    session.startProgress(QStringLiteral("simulating"));
     QString error;
     const bool done = simulate(
         arguments[0], options,
         [&session](double fraction, const QString& message) {
-            session.progress().show(message, fraction);
+            session.showProgress(message, fraction);
             return !CliSession::isInterrupted();
         },
         &error);
-    session.progress().finish();
+    session.endProgress();
     if (!done) {
-        CliSession::stopIfInterrupted();
-        throw CliFailure(error);
+        session.stopIfRequested();
+        throw Failure(error);
     }
     const Outcome outcome = describe(options, arguments[0]);
     session.answer(textAnswer(options, outcome));

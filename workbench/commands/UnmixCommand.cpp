@@ -2,21 +2,18 @@
 #include "workbench/commands/UnmixCommand.h"
 
 #include "engine/EngineEnums.h"
-#include "services/analysis/AutomaticOptions.h"
 #include "services/analysis/UnmixJob.h"
-#include "services/basis/CliFailure.h"
-#include "services/basis/CliSession.h"
+#include "services/basis/Failure.h"
 #include "services/basis/ModeNames.h"
 #include "services/results/ResultReport.h"
+#include "workbench/commands/AnalysisOptions.h"
+#include "workbench/commands/AutomaticOptions.h"
+#include "workbench/commands/CliSession.h"
+#include "workbench/commands/Options.h"
 
 #include <QCoreApplication>
 
 namespace {
-
-[[noreturn]] void usage(const QString& strText)
-{
-    throw CliFailure(strText + QStringLiteral(" See \"spum unmix --help\"."), CliFailure::Usage);
-}
 
 // A library asks for a fit of its spectra; without one the spectra are resolved.
 int modeOf(const QCommandLineParser& parser)
@@ -27,7 +24,7 @@ int modeOf(const QCommandLineParser& parser)
     }
     const int mode = ModeNames::fromText(text);
     if (mode != RUNMODE_LIBRARY && mode != RUNMODE_MANUAL && mode != RUNMODE_AUTOMATIC) {
-        usage(QStringLiteral("--method takes automatic, library or manual, not \"%1\".").arg(text));
+        refuseUsage("unmix", QStringLiteral("--method takes automatic, library or manual, not \"%1\".").arg(text));
     }
     return mode;
 }
@@ -37,14 +34,15 @@ void checkOptionsOfMethod(const QCommandLineParser& parser, int nMode)
 {
     const bool automatic = nMode == RUNMODE_AUTOMATIC;
     if (automatic && parser.isSet(QStringLiteral("library"))) {
-        usage(QStringLiteral("--library does not go with --method automatic, which finds the spectra itself."));
+        refuseUsage("unmix",
+                    QStringLiteral("--library does not go with --method automatic, which finds the spectra itself."));
     }
     if (!automatic && parser.value(QStringLiteral("library")).isEmpty()) {
-        usage(QStringLiteral("--library is missing: the spectra to fit."));
+        refuseUsage("unmix", QStringLiteral("--library is missing: the spectra to fit."));
     }
     const QStringList given = givenAutomaticOptions(parser);
     if (!automatic && !given.isEmpty()) {
-        usage(QStringLiteral("%1 takes --method automatic.").arg(given.join(QStringLiteral(", "))));
+        refuseUsage("unmix", QStringLiteral("%1 takes --method automatic.").arg(given.join(QStringLiteral(", "))));
     }
 }
 
@@ -52,25 +50,25 @@ void checkOptionsOfMethod(const QCommandLineParser& parser, int nMode)
 
 void UnmixCommand::declare(QCommandLineParser& parser) const
 {
-    const auto option = [&parser](const char* pName, const QString& strText, const char* pValue) {
-        parser.addOption({QLatin1String(pName), strText, QLatin1String(pValue)});
-    };
-    option("method",
-           QStringLiteral("automatic: resolve spectra and maps from the images; library or manual: fit the spectra of "
-                          "--library. Without it: library where --library is given, else automatic."),
-           "METHOD");
-    option("library", QStringLiteral("Spectra to fit: a library file, or the name of a saved library."), "FILE|NAME");
+    addValueOption(
+        parser, "method",
+        QStringLiteral("automatic: resolve spectra and maps from the images; library or manual: fit the spectra of "
+                       "--library. Without it: library where --library is given, else automatic."),
+        "METHOD");
+    addValueOption(parser, "library", QStringLiteral("Spectra to fit: a library file, or the name of a saved library."),
+                   "FILE|NAME");
     declareAutomaticOptions(parser);
     declareAnalysisOptions(parser, QStringLiteral("Without it: auto for the automatic method, else none."),
                            QStringLiteral("SEQ/unmixed-METHOD"));
     parser.addOption(
         {QStringLiteral("pdf"), QStringLiteral("Write the report as report.pdf too, beside report.html.")});
-    option(
-        "save",
+    addValueOption(
+        parser, "save",
         QStringLiteral("Save the result with the sequence, under that name or the next free one (SPUM_001, ...); see "
                        "\"spum results\"."),
         "NAME");
-    option("note", QStringLiteral("A line about the result, for the report and the saved result."), "TEXT");
+    addValueOption(parser, "note", QStringLiteral("A line about the result, for the report and the saved result."),
+                   "TEXT");
     parser.addOption({QStringLiteral("force"),
                       QStringLiteral("Replace earlier results in that folder. Also: take more than 6 components, up to "
                                      "the number of images.")});
@@ -82,7 +80,7 @@ void UnmixCommand::run(const QCommandLineParser& parser, CliSession& session)
     request.mode = modeOf(parser);
     const bool automatic = request.mode == RUNMODE_AUTOMATIC;
     request.analysis =
-        analysisRequestOf(parser, name(), automatic ? MaskOption::Kind::Photograph : MaskOption::Kind::None);
+        analysisRequestOf(parser, name(), automatic ? MaskRequest::Kind::Photograph : MaskRequest::Kind::None);
     checkOptionsOfMethod(parser, request.mode);
     request.library = parser.value(QStringLiteral("library"));
     request.automatic = automaticRequestOf(parser);
@@ -91,5 +89,7 @@ void UnmixCommand::run(const QCommandLineParser& parser, CliSession& session)
     request.saveName = parser.value(QStringLiteral("save"));
     request.note = parser.value(QStringLiteral("note"));
     request.command = shellLine(QStringList(QStringLiteral("spum")) + QCoreApplication::arguments().mid(1));
-    UnmixJob(request, session).run();
+    const UnmixAnswer answer = UnmixJob(request, session).run();
+    session.answer(answer.text);
+    session.answerJson(answer.json);
 }

@@ -27,7 +27,7 @@ protected:
     }
     CORVSpumKyvo& engine() { return m_pOpened->engine(); }
     // Rows of '#' and '.'.
-    QStringList picture(const MaskOption& option)
+    QStringList picture(const MaskRequest& option)
     {
         const CILImage mask = maskImageOf(option, engine());
         EXPECT_EQ(mask.m_lWidth, side);
@@ -42,9 +42,9 @@ protected:
         }
         return rows;
     }
-    static MaskOption shape(MaskOption::Kind eKind, int x, int y, int w, int h)
+    static MaskRequest shape(MaskRequest::Kind eKind, int x, int y, int w, int h)
     {
-        MaskOption option;
+        MaskRequest option;
         option.kind = eKind;
         option.x = x;
         option.y = y;
@@ -66,10 +66,10 @@ protected:
         m_photo.RefreshImageStats();
         engine().m_pPhoto = &m_photo;
     }
-    static MaskOption automatic(double dThreshold = -1.0)
+    static MaskRequest automatic(double dThreshold = -1.0)
     {
-        MaskOption option;
-        option.kind = MaskOption::Kind::Photograph;
+        MaskRequest option;
+        option.kind = MaskRequest::Kind::Photograph;
         option.threshold = dThreshold;
         return option;
     }
@@ -83,12 +83,12 @@ private:
 
 TEST_F(MaskImageTest, NoneIsNoImage)
 {
-    EXPECT_TRUE(maskImageOf(MaskOption(), engine()).isEmpty());
+    EXPECT_TRUE(maskImageOf(MaskRequest(), engine()).isEmpty());
 }
 
 TEST_F(MaskImageTest, ARectangleCoversItsPixelsFromTheTopLeft)
 {
-    const QStringList rows = picture(shape(MaskOption::Kind::Rectangle, 3, 1, 5, 2));
+    const QStringList rows = picture(shape(MaskRequest::Kind::Rectangle, 3, 1, 5, 2));
     for (int y = 0; y < side; ++y) {
         EXPECT_EQ(rows[y], y == 1 || y == 2 ? "...#####" + QString(side - 8, '.') : QString(side, '.')) << y;
     }
@@ -96,15 +96,15 @@ TEST_F(MaskImageTest, ARectangleCoversItsPixelsFromTheTopLeft)
 
 TEST_F(MaskImageTest, ARectangleMayBeTheWholeImageAndOnePixel)
 {
-    EXPECT_EQ(picture(shape(MaskOption::Kind::Rectangle, 0, 0, side, side)).join("").count('#'), side * side);
-    EXPECT_EQ(picture(shape(MaskOption::Kind::Rectangle, side - 1, side - 1, 1, 1)).last(),
+    EXPECT_EQ(picture(shape(MaskRequest::Kind::Rectangle, 0, 0, side, side)).join("").count('#'), side * side);
+    EXPECT_EQ(picture(shape(MaskRequest::Kind::Rectangle, side - 1, side - 1, 1, 1)).last(),
               QString(side - 1, '.') + '#');
 }
 
 TEST_F(MaskImageTest, AnEllipseLiesInsideItsRectangle)
 {
-    const QStringList rows = picture(shape(MaskOption::Kind::Ellipse, 4, 2, 12, 8));
-    const QStringList around = picture(shape(MaskOption::Kind::Rectangle, 4, 2, 12, 8));
+    const QStringList rows = picture(shape(MaskRequest::Kind::Ellipse, 4, 2, 12, 8));
+    const QStringList around = picture(shape(MaskRequest::Kind::Rectangle, 4, 2, 12, 8));
     for (int y = 0; y < side; ++y) {
         for (int x = 0; x < side; ++x) {
             if (rows[y][x] == '#') {
@@ -121,8 +121,8 @@ TEST_F(MaskImageTest, AnEllipseLiesInsideItsRectangle)
 TEST_F(MaskImageTest, AShapeThatLeavesTheImageIsRefused)
 {
     for (const auto& option :
-         {shape(MaskOption::Kind::Rectangle, -1, 0, 5, 5), shape(MaskOption::Kind::Rectangle, 20, 0, 5, 5),
-          shape(MaskOption::Kind::Ellipse, 0, 20, 5, 5), shape(MaskOption::Kind::Rectangle, 0, 0, 2147483647, 5)}) {
+         {shape(MaskRequest::Kind::Rectangle, -1, 0, 5, 5), shape(MaskRequest::Kind::Rectangle, 20, 0, 5, 5),
+          shape(MaskRequest::Kind::Ellipse, 0, 20, 5, 5), shape(MaskRequest::Kind::Rectangle, 0, 0, 2147483647, 5)}) {
         EXPECT_TRUE(failureOf([&] {
                         maskImageOf(option, engine());
                     }).contains("leaves the images of 24 x 24 pixels at binning 2"));

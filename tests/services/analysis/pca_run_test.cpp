@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "services/analysis/PcaRun.h"
-#include "services/basis/CliProgress.h"
 #include "services/results/PcaFiles.h"
 #include "services/support/CliFixture.h"
+#include "services/support/QuietMonitor.h"
 #include "services/support/SmallAnalysis.h"
 
 #include <QDir>
@@ -27,7 +27,7 @@ protected:
     }
     XTNT::Vector<double> run()
     {
-        CliProgress silent(false);
+        QuietMonitor silent;
         return runPca(engine(), silent);
     }
     QString refusal()

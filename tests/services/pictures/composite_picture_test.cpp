@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "services/pictures/CompositePicture.h"
 
-#include "services/basis/CliFailure.h"
+#include "services/basis/Failure.h"
 #include "services/support/SmallAnalysis.h"
 
 #include "platform/orvutils/LogSinks.h"
@@ -151,7 +151,7 @@ TEST_F(CompositePictureFileTest, FilesAreWrittenOrTheReasonIsTold)
 {
     handOver({{1.0, 0.0, 0.0, 1.0}}, {"red"});
     const QString out = path("folder with blanks/");
-    EXPECT_THROW(writeComposites(engine(), out), CliFailure);
+    EXPECT_THROW(writeComposites(engine(), out), Failure);
     ASSERT_TRUE(QDir().mkpath(out));
     EXPECT_EQ(writeComposites(engine(), out), QStringList("composite.png"));
     EXPECT_EQ(QImage(out + "composite.png").convertToFormat(QImage::Format_RGB32), compositeWithLegendOf(engine(), 0));

@@ -3,7 +3,7 @@
 #include "services/support/SmallAnalysis.h"
 
 #include "platform/orvimage/TiffIo.h"
-#include "services/basis/CliFailure.h"
+#include "services/basis/Failure.h"
 #include "services/results/RunEnding.h"
 #include "services/session/LibrarySpectra.h"
 

@@ -2,7 +2,7 @@
 #include "services/support/CliFixture.h"
 
 #include "platform/orvimage/TiffIo.h"
-#include "services/basis/CliFailure.h"
+#include "services/basis/Failure.h"
 
 #include <QDir>
 #include <QDirIterator>
@@ -70,8 +70,8 @@ QString failureOf(const std::function<void()>& action)
 {
     try {
         action();
-    } catch (const CliFailure& failure) {
-        return (failure.status() == CliFailure::Usage ? QStringLiteral("[2] ") : QString()) + failure.message();
+    } catch (const Failure& failure) {
+        return (failure.kind() == Failure::Kind::BadRequest ? QStringLiteral("[2] ") : QString()) + failure.text();
     }
     ADD_FAILURE() << "nothing was refused";
     return QString();

@@ -36,6 +36,6 @@ QByteArray contentOf(const QString& path);
 QStringList entriesOf(const QString& folder);
 // All files below a folder, hidden ones too, as sorted paths relative to it.
 QStringList filesBelow(const QString& folder);
-// The message of the CliFailure that `action` throws, with "[2] " in front when its status is that of a usage error; a
+// The message of the Failure that `action` throws, with "[2] " in front when its status is that of a usage error; a
 // test failure and an empty text when it throws none.
 QString failureOf(const std::function<void()>& action);

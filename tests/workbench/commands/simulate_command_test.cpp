@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "workbench/commands/SimulateCommand.h"
 
-#include "services/basis/CliFailure.h"
-#include "services/basis/CliSession.h"
+#include "services/basis/Failure.h"
+#include "workbench/commands/CliSession.h"
+#include "workbench/commands/ExitStatus.h"
 
 #include <QDir>
 #include <QTemporaryDir>
@@ -25,9 +26,9 @@ int runSimulate(const QStringList& arguments, QString* pMessage)
         CliSession session(parser);
         command.run(parser, session);
         return 0;
-    } catch (const CliFailure& failure) {
-        *pMessage = failure.message();
-        return failure.status();
+    } catch (const Failure& failure) {
+        *pMessage = failure.text();
+        return ExitStatus::of(failure);
     }
 }
 
@@ -59,7 +60,7 @@ TEST_P(SimulateCommandUsage, IsRefusedAndNothingIsWritten)
     QString message;
     QStringList arguments = QString::fromLatin1(GetParam().arguments).split(QLatin1Char(' '));
     arguments.append(folder.filePath(QStringLiteral("out")));
-    EXPECT_EQ(runSimulate(arguments, &message), CliFailure::Usage);
+    EXPECT_EQ(runSimulate(arguments, &message), ExitStatus::usage);
     EXPECT_TRUE(message.contains(QLatin1String(GetParam().word))) << qPrintable(message);
     EXPECT_TRUE(entries(folder).isEmpty());
 }
@@ -91,7 +92,7 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(SimulateCommandTest, NoFolderIsAUsageError)
 {
     QString message;
-    EXPECT_EQ(runSimulate({}, &message), CliFailure::Usage);
+    EXPECT_EQ(runSimulate({}, &message), ExitStatus::usage);
 }
 
 TEST(SimulateCommandTest, WritesTheSequenceWithItsTruth)
@@ -104,7 +105,7 @@ TEST(SimulateCommandTest, WritesTheSequenceWithItsTruth)
     ASSERT_EQ(runSimulate(arguments, &message), 0) << qPrintable(message);
     EXPECT_TRUE(QFileInfo::exists(out + QStringLiteral("/SequenceInfo.txt")));
     EXPECT_TRUE(QFileInfo::exists(out + QStringLiteral("/truth/radiance/spectra.csv")));
-    EXPECT_EQ(runSimulate(arguments, &message), CliFailure::Failed); // it exists
+    EXPECT_EQ(runSimulate(arguments, &message), ExitStatus::failed); // it exists
     EXPECT_TRUE(message.contains(out)) << qPrintable(message);
     EXPECT_EQ(runSimulate(arguments + QStringList(QStringLiteral("--force")), &message), 0);
 }
@@ -129,7 +130,7 @@ TEST(SimulateCommandTest, InterruptionEndsWithItsStatusAndLeavesNothing)
     CliSession::setInterrupted(true);
     EXPECT_EQ(
         runSimulate({QStringLiteral("--size"), QStringLiteral("32"), folder.filePath(QStringLiteral("out"))}, &message),
-        CliFailure::Aborted);
+        ExitStatus::aborted);
     CliSession::setInterrupted(false);
     EXPECT_TRUE(entries(folder).isEmpty());
 }

@@ -2,7 +2,7 @@
 // `spum roi` from end to end, and what it is made of.
 #include "host/CORVSequenceDataset.h"
 #include "host/CROIManager.h"
-#include "services/basis/CliFailure.h"
+#include "services/basis/Failure.h"
 #include "services/regions/RoiStore.h"
 #include "services/results/ResultMaps.h"
 #include "support/ForkedChild.h"
@@ -394,8 +394,8 @@ TEST_F(RoiProgramTest, InAReadOnlyFolderRegionsAreMeasuredAndNoneIsStored)
         try {
             store.save();
             return 3;
-        } catch (const CliFailure& failure) {
-            return failure.message().startsWith(clickInfo(2) + ": cannot be written: ") ? 0 : 4;
+        } catch (const Failure& failure) {
+            return failure.text().startsWith(clickInfo(2) + ": cannot be written: ") ? 0 : 4;
         }
     });
     ASSERT_EQ(::chmod(QFile::encodeName(path("seq/SMALL-002")).constData(), 0755), 0);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "services/basis/CliProgress.h"
+#include "workbench/commands/CliProgress.h"
 
-#include "services/basis/CliSession.h"
+#include "workbench/commands/Output.h"
 
 #include <algorithm>
 #include <cmath>
@@ -67,13 +67,13 @@ void CliProgress::show(const QString& strMessage, double dFraction)
     m_sinceDrawn.restart();
     m_bShown = true;
     const double elapsed = static_cast<double>(m_total.elapsed()) / 1000.0;
-    CliSession::writeAll(STDERR_FILENO, clearLine + lineText(strMessage, dFraction, elapsed).toUtf8());
+    writeAll(STDERR_FILENO, clearLine + lineText(strMessage, dFraction, elapsed).toUtf8());
 }
 
 void CliProgress::finish()
 {
     if (m_bShown) {
-        CliSession::writeAll(STDERR_FILENO, clearLine);
+        writeAll(STDERR_FILENO, clearLine);
     }
     m_bShown = false;
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "services/analysis/MaskOption.h"
+#include "workbench/commands/MaskOptions.h"
 
-#include "services/basis/CliFailure.h"
+#include "services/basis/Failure.h"
 
 #include <QCommandLineParser>
 #include <QStringList>
@@ -12,9 +12,9 @@ const QString maskName = QStringLiteral("mask");
 const QString thresholdName = QStringLiteral("threshold");
 
 // X,Y,W,H behind the colon.
-MaskOption shapeOf(MaskOption::Kind eKind, const QString& strText)
+MaskRequest shapeOf(MaskRequest::Kind eKind, const QString& strText)
 {
-    MaskOption option;
+    MaskRequest option;
     option.kind = eKind;
     const QStringList numbers = strText.section(QLatin1Char(':'), 1).split(QLatin1Char(','));
     int* const targets[] = {&option.x, &option.y, &option.width, &option.height};
@@ -23,34 +23,34 @@ MaskOption shapeOf(MaskOption::Kind eKind, const QString& strText)
         *targets[i] = numbers[i].toInt(&good);
     }
     if (!good || option.width < 1 || option.height < 1) {
-        throw CliFailure(QStringLiteral("--mask: \"%1\" is not of the form %2:X,Y,W,H in whole pixels")
-                             .arg(strText, strText.section(QLatin1Char(':'), 0, 0)),
-                         CliFailure::Usage);
+        throw Failure(QStringLiteral("--mask: \"%1\" is not of the form %2:X,Y,W,H in whole pixels")
+                          .arg(strText, strText.section(QLatin1Char(':'), 0, 0)),
+                      Failure::Kind::BadRequest);
     }
     return option;
 }
 
-MaskOption parseMask(const QString& strText)
+MaskRequest parseMask(const QString& strText)
 {
-    MaskOption option;
+    MaskRequest option;
     if (strText == QLatin1String("none")) {
         return option;
     }
     if (strText == QLatin1String("auto")) {
-        option.kind = MaskOption::Kind::Photograph;
+        option.kind = MaskRequest::Kind::Photograph;
         return option;
     }
     if (strText.startsWith(QLatin1String("rect:"))) {
-        return shapeOf(MaskOption::Kind::Rectangle, strText);
+        return shapeOf(MaskRequest::Kind::Rectangle, strText);
     }
     if (strText.startsWith(QLatin1String("ellipse:"))) {
-        return shapeOf(MaskOption::Kind::Ellipse, strText);
+        return shapeOf(MaskRequest::Kind::Ellipse, strText);
     }
     if (strText.isEmpty()) {
-        throw CliFailure(QStringLiteral("--mask takes auto, none, rect:X,Y,W,H, ellipse:X,Y,W,H or a file"),
-                         CliFailure::Usage);
+        throw Failure(QStringLiteral("--mask takes auto, none, rect:X,Y,W,H, ellipse:X,Y,W,H or a file"),
+                      Failure::Kind::BadRequest);
     }
-    option.kind = MaskOption::Kind::File;
+    option.kind = MaskRequest::Kind::File;
     option.file = strText;
     return option;
 }
@@ -60,10 +60,10 @@ double thresholdOf(const QString& strText)
     bool good = false;
     const double percent = strText.toDouble(&good);
     if (!good || !(percent >= 0.0 && percent <= 100.0)) {
-        throw CliFailure(QStringLiteral("--threshold takes a number from 0 to 100 (percent of the photograph's range), "
-                                        "not \"%1\"")
-                             .arg(strText),
-                         CliFailure::Usage);
+        throw Failure(QStringLiteral("--threshold takes a number from 0 to 100 (percent of the photograph's range), "
+                                     "not \"%1\"")
+                          .arg(strText),
+                      Failure::Kind::BadRequest);
     }
     return percent;
 }
@@ -84,9 +84,9 @@ void declareMaskOptions(QCommandLineParser& parser, const QString& strDefaults)
                       QStringLiteral("PERCENT")});
 }
 
-MaskOption maskOptionOf(const QCommandLineParser& parser, MaskOption::Kind eDefault)
+MaskRequest maskOptionOf(const QCommandLineParser& parser, MaskRequest::Kind eDefault)
 {
-    MaskOption option;
+    MaskRequest option;
     option.kind = eDefault;
     if (parser.isSet(maskName)) {
         option = parseMask(parser.value(maskName));
@@ -94,8 +94,8 @@ MaskOption maskOptionOf(const QCommandLineParser& parser, MaskOption::Kind eDefa
     if (!parser.isSet(thresholdName)) {
         return option;
     }
-    if (option.kind != MaskOption::Kind::Photograph) {
-        throw CliFailure(QStringLiteral("--threshold goes with --mask auto"), CliFailure::Usage);
+    if (option.kind != MaskRequest::Kind::Photograph) {
+        throw Failure(QStringLiteral("--threshold goes with --mask auto"), Failure::Kind::BadRequest);
     }
     option.threshold = thresholdOf(parser.value(thresholdName));
     return option;

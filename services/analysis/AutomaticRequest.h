@@ -4,8 +4,6 @@
 #include <QString>
 #include <QStringList>
 
-class QCommandLineParser;
-
 // What an automatic unmixing is asked for beside its images.
 struct AutomaticRequest
 {
@@ -16,10 +14,3 @@ struct AutomaticRequest
     bool correctDecay = false;
     double halfLifeMinutes = 0.0; // 0: that of the isotope
 };
-
-// Declares --components, --ncomponents, --constraints, --no-constraints and --decay.
-void declareAutomaticOptions(QCommandLineParser& parser);
-// The names of those that were given.
-QStringList givenAutomaticOptions(const QCommandLineParser& parser);
-// Reads them. Throws CliFailure (usage) for options that exclude each other, empty names, and numbers that are none.
-AutomaticRequest automaticRequestOf(const QCommandLineParser& parser);

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "services/analysis/MaskOption.h"
 #include "services/support/CliFixture.h"
-#include "services/support/ParsedOptions.h"
+#include "workbench/commands/MaskOptions.h"
+#include "workbench/commands/ParsedOptions.h"
 
 namespace {
 
-using Kind = MaskOption::Kind;
+using Kind = MaskRequest::Kind;
 
-MaskOption maskOf(const QStringList& arguments, Kind eDefault = Kind::None)
+MaskRequest maskOf(const QStringList& arguments, Kind eDefault = Kind::None)
 {
     const ParsedOptions options([](QCommandLineParser& parser) { declareMaskOptions(parser, QString()); }, arguments);
     return maskOptionOf(options.parser(), eDefault);
@@ -43,7 +43,7 @@ TEST(MaskOptionTest, EverythingElseIsAFile)
 
 TEST(MaskOptionTest, ShapesHaveFourWholeNumbers)
 {
-    const MaskOption rectangle = maskOf({"--mask", "rect:1,2,30,40"});
+    const MaskRequest rectangle = maskOf({"--mask", "rect:1,2,30,40"});
     EXPECT_EQ(rectangle.kind, Kind::Rectangle);
     EXPECT_EQ(rectangle.x, 1);
     EXPECT_EQ(rectangle.y, 2);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "services/analysis/AutomaticOptions.h"
 #include "services/support/CliFixture.h"
-#include "services/support/ParsedOptions.h"
+#include "workbench/commands/AutomaticOptions.h"
+#include "workbench/commands/ParsedOptions.h"
 
 namespace {
 

@@ -1,15 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "services/basis/CliSession.h"
+#include "workbench/commands/CliSession.h"
 
 #include "platform/orvutils/LogSinks.h"
 #include "platform/orvutils/ProcessControl.h"
-#include "services/basis/CliFailure.h"
-#include "services/basis/CliProgress.h"
+#include "services/basis/Failure.h"
+#include "workbench/commands/CliProgress.h"
+#include "workbench/commands/Output.h"
 
 #include <QFile>
 #include <QJsonDocument>
 
-#include <cerrno>
 #include <csignal>
 #include <iostream>
 #include <unistd.h>
@@ -30,7 +30,7 @@ QString fileNameOption(const QCommandLineParser& parser, const char* pName)
 {
     const QString name = parser.value(QLatin1String(pName));
     if (parser.isSet(QLatin1String(pName)) && name.isEmpty()) {
-        throw CliFailure(QStringLiteral("--%1 needs a file name").arg(QLatin1String(pName)), CliFailure::Usage);
+        throw Failure(QStringLiteral("--%1 needs a file name").arg(QLatin1String(pName)), Failure::Kind::BadRequest);
     }
     return name;
 }
@@ -44,7 +44,7 @@ CliSession::CliSession(const QCommandLineParser& parser)
     const QString log = fileNameOption(parser, "log");
     QString error;
     if (!log.isEmpty() && !orv::setLogFile(log, &error)) {
-        throw CliFailure(error);
+        throw Failure(error);
     }
     // Errors are told at the end, but for those that the command tells itself.
     orv::setConsoleLogLevel(m_bVerbose ? orv::ConsoleLog::Everything : orv::ConsoleLog::Nothing);
@@ -53,7 +53,7 @@ CliSession::CliSession(const QCommandLineParser& parser)
     if (!trace.isEmpty()) {
         m_trace.open(QFile::encodeName(trace).constData());
         if (!m_trace) {
-            throw CliFailure(QStringLiteral("%1: the trace file cannot be written").arg(trace));
+            throw Failure(QStringLiteral("%1: the trace file cannot be written").arg(trace));
         }
     }
     // A stream without a buffer drops what it is given.
@@ -86,31 +86,24 @@ void CliSession::answer(const QString& strText) const
     }
     m_pProgress->finish();
     if (!writeAll(STDOUT_FILENO, strText.toUtf8())) {
-        throw CliFailure(QStringLiteral("standard output cannot be written"));
+        throw Failure(QStringLiteral("standard output cannot be written"));
     }
 }
 
 void CliSession::answerJson(const QJsonObject& object) const
 {
     if (m_bJson && !writeAll(STDOUT_FILENO, QJsonDocument(object).toJson(QJsonDocument::Indented))) {
-        throw CliFailure(QStringLiteral("standard output cannot be written"));
+        throw Failure(QStringLiteral("standard output cannot be written"));
     }
 }
 
-void CliSession::warn(const QString& strText) const
+void CliSession::warn(const QString& strText)
 {
     if (m_bQuiet) {
         return;
     }
     m_pProgress->finish();
     writeAll(STDERR_FILENO, (QLatin1String("spum: warning: ") + strText + QLatin1Char('\n')).toUtf8());
-}
-
-void CliSession::warnAll(const QStringList& lines) const
-{
-    for (const auto& line : lines) {
-        warn(line);
-    }
 }
 
 void CliSession::catchInterrupts()
@@ -122,16 +115,24 @@ void CliSession::catchInterrupts()
     ::sigaction(SIGTERM, &action, nullptr);
 }
 
+void CliSession::startProgress(const QString& strMessage)
+{
+    m_pProgress->start(strMessage);
+}
+
+void CliSession::showProgress(const QString& strMessage, double dFraction)
+{
+    m_pProgress->show(strMessage, dFraction);
+}
+
+void CliSession::endProgress()
+{
+    m_pProgress->finish();
+}
+
 bool CliSession::isInterrupted()
 {
     return interrupted != 0;
-}
-
-void CliSession::stopIfInterrupted()
-{
-    if (isInterrupted()) {
-        throw CliFailure(QStringLiteral("aborted by user"), CliFailure::Aborted);
-    }
 }
 
 void CliSession::setInterrupted(bool bInterrupted)
@@ -140,20 +141,4 @@ void CliSession::setInterrupted(bool bInterrupted)
     if (!bInterrupted) {
         orv::clearAborts();
     }
-}
-
-bool CliSession::writeAll(int descriptor, const QByteArray& bytes)
-{
-    qint64 done = 0;
-    while (done < bytes.size()) {
-        const auto written = ::write(descriptor, bytes.constData() + done, static_cast<size_t>(bytes.size() - done));
-        if (written < 0 && errno == EINTR) {
-            continue;
-        }
-        if (written <= 0) {
-            return false;
-        }
-        done += written;
-    }
-    return true;
 }

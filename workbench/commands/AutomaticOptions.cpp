@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "services/analysis/AutomaticOptions.h"
+#include "workbench/commands/AutomaticOptions.h"
 
-#include "services/basis/CliFailure.h"
+#include "services/basis/Failure.h"
+#include "workbench/commands/Options.h"
 
 #include <QCommandLineParser>
 
@@ -14,18 +15,15 @@ constexpr double smallestHalfLife = 0.01;
 constexpr double largestHalfLife = 999999999.0;
 constexpr int mostComponents = 1000;
 
-[[noreturn]] void usage(const QString& strText)
-{
-    throw CliFailure(strText + QStringLiteral(" See \"spum unmix --help\"."), CliFailure::Usage);
-}
-
 QStringList namesOf(const QString& strText)
 {
     QStringList names;
     for (const QString& part : strText.split(QLatin1Char(','))) {
         names.append(part.trimmed());
         if (names.last().isEmpty()) {
-            usage(QStringLiteral("--components takes names split by commas; one in \"%1\" is empty.").arg(strText));
+            refuseUsage(
+                "unmix",
+                QStringLiteral("--components takes names split by commas; one in \"%1\" is empty.").arg(strText));
         }
     }
     return names;
@@ -36,7 +34,7 @@ int countOf(const QString& strText)
     bool good = false;
     const int count = strText.toInt(&good);
     if (!good || count < 1 || count > mostComponents) {
-        usage(QStringLiteral("--ncomponents takes a whole number from 2 on, not \"%1\".").arg(strText));
+        refuseUsage("unmix", QStringLiteral("--ncomponents takes a whole number from 2 on, not \"%1\".").arg(strText));
     }
     return count;
 }
@@ -49,10 +47,10 @@ double halfLifeOf(const QString& strText)
     bool good = false;
     const double minutes = strText.toDouble(&good);
     if (!good || !(minutes >= smallestHalfLife && minutes <= largestHalfLife)) {
-        usage(QStringLiteral("--decay takes auto or a half life in minutes from %1 to %2, not \"%3\".")
-                  .arg(smallestHalfLife)
-                  .arg(largestHalfLife, 0, 'f', 0)
-                  .arg(strText));
+        refuseUsage("unmix", QStringLiteral("--decay takes auto or a half life in minutes from %1 to %2, not \"%3\".")
+                                 .arg(smallestHalfLife)
+                                 .arg(largestHalfLife, 0, 'f', 0)
+                                 .arg(strText));
     }
     return minutes;
 }
@@ -98,10 +96,10 @@ AutomaticRequest automaticRequestOf(const QCommandLineParser& parser)
 {
     const auto isSet = [&parser](const char* pName) { return parser.isSet(QLatin1String(pName)); };
     if (isSet("components") && isSet("ncomponents")) {
-        usage(QStringLiteral("--components and --ncomponents exclude each other."));
+        refuseUsage("unmix", QStringLiteral("--components and --ncomponents exclude each other."));
     }
     if (isSet("constraints") && isSet("no-constraints")) {
-        usage(QStringLiteral("--constraints and --no-constraints exclude each other."));
+        refuseUsage("unmix", QStringLiteral("--constraints and --no-constraints exclude each other."));
     }
     AutomaticRequest request;
     if (isSet("components")) {

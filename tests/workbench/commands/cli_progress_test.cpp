@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "services/basis/CliProgress.h"
+#include "workbench/commands/CliProgress.h"
 
 #include <gtest/gtest.h>
 

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "services/basis/JobMonitor.h"
+
 #include <QCommandLineParser>
 #include <QJsonObject>
 #include <QString>
-#include <QStringList>
 
 #include <fstream>
 #include <memory>
@@ -17,15 +18,13 @@ class CliProgress;
 // The command's answer goes straight to descriptor 1; std::cout belongs to the iteration trace of the algorithms and is
 // pointed at the file of --trace, or nowhere, so that pipes and --json stay clean. Warnings and errors go to standard
 // error.
-class CliSession
+class CliSession : public JobMonitor
 {
 public:
-    // Takes --log, --trace, --quiet, --verbose and --json from the parser; throws CliFailure when a file cannot be
+    // Takes --log, --trace, --quiet, --verbose and --json from the parser; throws Failure when a file cannot be
     // opened.
     explicit CliSession(const QCommandLineParser& parser);
-    ~CliSession();
-    CliSession(const CliSession&) = delete;
-    CliSession& operator=(const CliSession&) = delete;
+    ~CliSession() override;
 
     // The options that every command has.
     static void declareOptions(QCommandLineParser& parser);
@@ -38,21 +37,18 @@ public:
     void answer(const QString& strText) const;
     void answerJson(const QJsonObject& object) const;
     // A line on standard error: warnings unless --quiet.
-    void warn(const QString& strText) const;
-    void warnAll(const QStringList& lines) const;
+    void warn(const QString& strText) override;
 
-    CliProgress& progress() { return *m_pProgress; }
+    void startProgress(const QString& strMessage) override;
+    void showProgress(const QString& strMessage, double dFraction) override;
+    void endProgress() override;
+    bool isStopRequested() const override { return isInterrupted(); }
 
     // Installs the handler of SIGINT and SIGTERM: the first asks running work to abort, the second ends the process.
     static void catchInterrupts();
     static bool isInterrupted();
-    // Throws CliFailure (130) once the user has interrupted.
-    static void stopIfInterrupted();
     // For tests.
     static void setInterrupted(bool bInterrupted);
-
-    // Writes all of it to a descriptor; false when that fails.
-    static bool writeAll(int descriptor, const QByteArray& bytes);
 
 private:
     bool m_bJson = false;

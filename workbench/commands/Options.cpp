@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "workbench/commands/Options.h"
+
+#include "services/basis/Failure.h"
+
+#include <QCommandLineParser>
+
+void addValueOption(QCommandLineParser& parser, const char* pName, const QString& strText, const char* pValue)
+{
+    parser.addOption({QLatin1String(pName), strText, QLatin1String(pValue)});
+}
+
+void addFlag(QCommandLineParser& parser, const char* pName, const QString& strText)
+{
+    parser.addOption({QLatin1String(pName), strText});
+}
+
+void refuseUsage(const char* pCommand, const QString& strText)
+{
+    throw Failure(QStringLiteral("%1 See \"spum %2 --help\".").arg(strText, QLatin1String(pCommand)),
+                  Failure::Kind::BadRequest);
+}

@@ -1,0 +1,14 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QString>
+
+class QCommandLineParser;
+
+// Declares an option that takes a value.
+void addValueOption(QCommandLineParser& parser, const char* pName, const QString& strText, const char* pValue);
+// Declares one that takes none.
+void addFlag(QCommandLineParser& parser, const char* pName, const QString& strText);
+
+// Throws Failure (bad request): the sentence, and where the options of that command are told.
+[[noreturn]] void refuseUsage(const char* pCommand, const QString& strText);
