@@ -279,6 +279,11 @@ void CORVSimpleImageView::mouseMoveEvent(QMouseEvent* pEvent)
     if (!isCropShown()) {
         return;
     }
+    if (m_state->m_crop.isDragging() && (pEvent->buttons() & Qt::LeftButton) == 0) {
+        // The release was lost, as when the view was disabled in between.
+        m_state->m_crop.takeBack();
+        update();
+    }
     if (m_state->m_crop.isDragging()) {
         m_state->m_pStrip->hide();
         m_state->m_crop.dragTo(pEvent->localPos(), pictureRect());

@@ -261,6 +261,8 @@ void GLImageView::mousePressEvent(QMouseEvent* pEvent)
 
 void GLImageView::mouseMoveEvent(QMouseEvent* pEvent)
 {
+    // A release is lost when the view was disabled in between.
+    m_state->m_bPanning = m_state->m_bPanning && (pEvent->buttons() & Qt::MiddleButton) != 0;
     if (m_state->m_bPanning) {
         panBy(pEvent->pos() - m_state->m_last);
         m_state->m_last = pEvent->pos();

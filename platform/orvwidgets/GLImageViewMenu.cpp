@@ -17,13 +17,15 @@ using orvwidgets::ViewIcon;
 
 void GLImageView::contextMenuEvent(QContextMenuEvent* pEvent)
 {
-    QMenu menu(this);
-    fillContextMenu(menu);
-    if (menu.isEmpty()) {
+    auto* pMenu = new QMenu(this);
+    pMenu->setAttribute(Qt::WA_DeleteOnClose);
+    fillContextMenu(*pMenu);
+    if (pMenu->isEmpty()) {
+        delete pMenu;
         pEvent->ignore();
         return;
     }
-    menu.exec(pEvent->reason() == QContextMenuEvent::Mouse ? pEvent->globalPos() : mapToGlobal(rect().center()));
+    pMenu->popup(pEvent->reason() == QContextMenuEvent::Keyboard ? mapToGlobal(rect().center()) : pEvent->globalPos());
 }
 
 void GLImageView::fillContextMenu(QMenu& menu)

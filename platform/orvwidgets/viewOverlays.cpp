@@ -31,6 +31,12 @@ void drawShape(QPainter& painter, const QRectF& crop, bool bEllipse)
     }
 }
 
+// A place for a number at `at`, moved into the extent.
+double inside(double at, double room, double from, double to)
+{
+    return std::clamp(at - room / 2.0, from, std::max(from, to - room));
+}
+
 std::vector<double> ticksOf(int pixels, double side)
 {
     return orvimage::tickValues(0.0, pixels, std::max(2, static_cast<int>(side / kTickRoom)));
@@ -83,14 +89,18 @@ void paintPixelLegend(QPainter& painter, const QRectF& shown, const QSize& pictu
     for (const double tick : ticksOf(picture.width(), shown.width())) {
         const double x = shown.left() + tick * shown.width() / picture.width();
         painter.drawLine(QPointF(x, lower.top()), QPointF(x, lower.top() + kTick));
-        painter.drawText(QRectF(x - kTickRoom / 2.0, lower.top() + kTick, kTickRoom, width - kTick), Qt::AlignCenter,
-                         QString::number(tick));
+        const double textWidth = painter.fontMetrics().horizontalAdvance(QString::number(tick)) + 2.0;
+        painter.drawText(
+            QRectF(inside(x, textWidth, lower.left(), lower.right()), lower.top() + kTick, textWidth, width - kTick),
+            Qt::AlignCenter, QString::number(tick));
     }
     for (const double tick : ticksOf(picture.height(), shown.height())) {
         const double y = shown.top() + tick * shown.height() / picture.height();
         painter.drawLine(QPointF(right.left(), y), QPointF(right.left() + kTick, y));
-        painter.drawText(QRectF(right.left() + kTick, y - width / 2.0, width - kTick, width), Qt::AlignCenter,
-                         QString::number(tick));
+        const double textHeight = painter.fontMetrics().height();
+        painter.drawText(
+            QRectF(right.left() + kTick, inside(y, textHeight, shown.top(), shown.bottom()), width - kTick, textHeight),
+            Qt::AlignCenter, QString::number(tick));
     }
     painter.restore();
 }

@@ -1,0 +1,351 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "host/CORVPaintQImageView.h"
+
+#include "host/CORVMessageBox.h"
+#include "host/CORVUtilityFns.h"
+#include "platform/orvwidgets/PaintLayer.h"
+#include "platform/orvwidgets/PaintMasks.h"
+#include "platform/orvwidgets/viewOverlays.h"
+
+#include <QContextMenuEvent>
+#include <QKeyEvent>
+#include <QMenu>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QPointer>
+
+#include <algorithm>
+#include <cmath>
+#include <optional>
+
+namespace {
+
+constexpr int kDragStart = 3;       // view pixels after which a press of the right button is a drag
+constexpr double kSmallestRing = 4; // view pixels
+
+QPoint pixelOf(const QPointF& picture)
+{
+    return {static_cast<int>(std::floor(picture.x())), static_cast<int>(std::floor(picture.y()))};
+}
+
+} // namespace
+
+struct CORVPaintQImageView::State
+{
+    orvwidgets::PaintMasks m_masks;
+    orvwidgets::PaintLayer m_layer;
+    bool m_bPaint = false;
+    unsigned char m_nChannel = 0;
+    std::optional<QPointF> m_pointer;    // in the view, while it is over it
+    std::optional<QPointF> m_rightPress; // of a press that may become a drag
+    Qt::MouseButton m_strokeButton = Qt::NoButton;
+    QPoint m_cursor{-1, -1}; // told last
+
+    void redraw(const QRect& changed) { m_layer.update(m_masks, changed); }
+};
+
+CORVPaintQImageView::CORVPaintQImageView(QWidget* pParent, const char* name)
+    : CORVQImageView(pParent, name), m_state(std::make_unique<State>())
+{
+    connect(this, &GLImageView::pixelUnderPointer, this, [this](int x, int y) { tellCursor(QPoint(x, y)); });
+}
+
+CORVPaintQImageView::~CORVPaintQImageView() = default;
+
+bool CORVPaintQImageView::replaceImage(const QImage& image)
+{
+    if (image.isNull()) {
+        return false;
+    }
+    if (image.size() != m_state->m_masks.size()) {
+        m_state->m_masks.setSize(image.size());
+        m_state->m_layer.clear();
+    }
+    setPicture(image);
+    return true;
+}
+
+bool CORVPaintQImageView::isPainting() const
+{
+    return m_state->m_bPaint && !picture().isNull() && m_state->m_masks.contains(m_state->m_nChannel);
+}
+
+void CORVPaintQImageView::setPaintEnabled(bool bEnabled)
+{
+    m_state->m_bPaint = bEnabled;
+    if (bEnabled) {
+        tellCursor(QPoint(-1, -1));
+    } else {
+        endStroke();
+    }
+    showCursorShape();
+    update();
+}
+
+bool CORVPaintQImageView::isPaintEnabled() const
+{
+    return m_state->m_bPaint;
+}
+
+void CORVPaintQImageView::setCurrentChannel(unsigned char nChannel)
+{
+    endStroke();
+    m_state->m_nChannel = nChannel;
+    showCursorShape();
+    update();
+}
+
+void CORVPaintQImageView::showCursorShape()
+{
+    if (isPainting()) {
+        setCursor(Qt::CrossCursor);
+    } else {
+        unsetCursor();
+    }
+}
+
+void CORVPaintQImageView::setPenSize(unsigned char nChannel, const QString& strPen)
+{
+    m_state->m_masks.setPen(nChannel, orvwidgets::PaintMasks::penDiameter(strPen));
+    update();
+}
+
+void CORVPaintQImageView::setUpChannelColor(unsigned char nChannel, const QColor& color, bool /*bFirst*/)
+{
+    if (m_state->m_masks.setColor(nChannel, color)) {
+        m_state->redraw(m_state->m_masks.isEmpty(nChannel) ? QRect() : m_state->m_masks.all());
+        showCursorShape();
+        update();
+    }
+}
+
+void CORVPaintQImageView::removeChannelColor(unsigned char nChannel, const QColor& /*color*/)
+{
+    m_state->redraw(m_state->m_masks.removeColor(nChannel));
+    showCursorShape();
+    update();
+}
+
+bool CORVPaintQImageView::containsChannel(unsigned char nChannel) const
+{
+    return m_state->m_masks.contains(nChannel);
+}
+
+void CORVPaintQImageView::resetMask(unsigned char nChannel)
+{
+    m_state->redraw(m_state->m_masks.reset(nChannel));
+    update();
+}
+
+void CORVPaintQImageView::getPaintPixelIndex(unsigned char nChannel, QList<int>& indices) const
+{
+    indices = m_state->m_masks.pixels(nChannel);
+}
+
+unsigned char CORVPaintQImageView::getCurrentChannel(QList<int>& indices) const
+{
+    if (!m_state->m_masks.contains(m_state->m_nChannel)) {
+        indices.clear();
+        return 0;
+    }
+    indices = m_state->m_masks.pixels(m_state->m_nChannel);
+    return m_state->m_nChannel;
+}
+
+void CORVPaintQImageView::tellCursor(const QPoint& pixel)
+{
+    // A painter's hand is not a question for the values under it.
+    const QPoint told = m_state->m_bPaint ? QPoint(-1, -1) : pixel;
+    if (told != m_state->m_cursor) {
+        m_state->m_cursor = told;
+        Q_EMIT updateCursorPosition(told.x(), told.y());
+    }
+}
+
+bool CORVPaintQImageView::beginStroke(const QPointF& at, bool bErase)
+{
+    if (!m_state->m_masks.beginStroke(m_state->m_nChannel, bErase)) {
+        return false;
+    }
+    m_state->redraw(m_state->m_masks.strokeTo(pixelOf(toPicture(at))));
+    update();
+    return true;
+}
+
+void CORVPaintQImageView::endStroke()
+{
+    m_state->m_rightPress.reset();
+    m_state->m_strokeButton = Qt::NoButton;
+    if (m_state->m_masks.endStroke()) {
+        Q_EMIT signalDrawComplete(1);
+    }
+}
+
+// A release does not come when the view was disabled in between.
+void CORVPaintQImageView::endLostStroke(Qt::MouseButtons held)
+{
+    if ((held & Qt::RightButton) == 0) {
+        m_state->m_rightPress.reset();
+    }
+    if (m_state->m_strokeButton != Qt::NoButton && (held & m_state->m_strokeButton) == 0) {
+        endStroke();
+    }
+}
+
+void CORVPaintQImageView::mousePressEvent(QMouseEvent* pEvent)
+{
+    if (!isPainting() || (pEvent->button() != Qt::LeftButton && pEvent->button() != Qt::RightButton)) {
+        CORVQImageView::mousePressEvent(pEvent);
+        return;
+    }
+    pEvent->accept();
+    endLostStroke(pEvent->buttons() & ~pEvent->button());
+    if (m_state->m_strokeButton != Qt::NoButton) {
+        return;
+    }
+    if (pEvent->button() == Qt::RightButton) {
+        m_state->m_rightPress = pEvent->localPos();
+        return;
+    }
+    if (beginStroke(pEvent->localPos(), (pEvent->modifiers() & Qt::ShiftModifier) != 0)) {
+        m_state->m_strokeButton = Qt::LeftButton;
+    }
+}
+
+void CORVPaintQImageView::mouseMoveEvent(QMouseEvent* pEvent)
+{
+    m_state->m_pointer = pEvent->localPos();
+    const QPointer<CORVPaintQImageView> alive(this);
+    CORVQImageView::mouseMoveEvent(pEvent);
+    if (alive.isNull()) {
+        return;
+    }
+    endLostStroke(pEvent->buttons());
+    if (m_state->m_rightPress && (pEvent->localPos() - *m_state->m_rightPress).manhattanLength() > kDragStart &&
+        beginStroke(*m_state->m_rightPress, true)) {
+        m_state->m_rightPress.reset();
+        m_state->m_strokeButton = Qt::RightButton;
+    }
+    if (m_state->m_masks.isStroking()) {
+        m_state->redraw(m_state->m_masks.strokeTo(pixelOf(toPicture(pEvent->localPos()))));
+    }
+    if (isPainting()) {
+        update();
+    }
+}
+
+void CORVPaintQImageView::mouseReleaseEvent(QMouseEvent* pEvent)
+{
+    CORVQImageView::mouseReleaseEvent(pEvent);
+    if (pEvent->button() == Qt::RightButton && m_state->m_rightPress) {
+        m_state->m_rightPress.reset();
+        QContextMenuEvent event(QContextMenuEvent::Other, pEvent->pos(), pEvent->globalPos());
+        CORVQImageView::contextMenuEvent(&event);
+        return;
+    }
+    if (pEvent->button() == m_state->m_strokeButton && pEvent->button() != Qt::NoButton) {
+        m_state->redraw(m_state->m_masks.strokeTo(pixelOf(toPicture(pEvent->localPos()))));
+        update();
+        endStroke();
+    }
+    if (pEvent->button() == Qt::MiddleButton) {
+        showCursorShape();
+    }
+}
+
+void CORVPaintQImageView::mouseDoubleClickEvent(QMouseEvent* pEvent)
+{
+    // Two quick dabs are two strokes.
+    if (isPainting()) {
+        mousePressEvent(pEvent);
+        return;
+    }
+    CORVQImageView::mouseDoubleClickEvent(pEvent);
+}
+
+void CORVPaintQImageView::leaveEvent(QEvent* pEvent)
+{
+    m_state->m_pointer.reset();
+    update();
+    CORVQImageView::leaveEvent(pEvent);
+}
+
+void CORVPaintQImageView::keyPressEvent(QKeyEvent* pEvent)
+{
+    if (pEvent->matches(QKeySequence::Undo) && m_state->m_masks.contains(m_state->m_nChannel)) {
+        takeStrokeBack();
+        return;
+    }
+    CORVQImageView::keyPressEvent(pEvent);
+}
+
+void CORVPaintQImageView::takeStrokeBack()
+{
+    // Those of the current channel alone: who listens asks for the region of that one.
+    const auto changed = m_state->m_masks.takeBack(m_state->m_nChannel);
+    if (!changed) {
+        return;
+    }
+    m_state->m_strokeButton = Qt::NoButton;
+    m_state->redraw(*changed);
+    update();
+    Q_EMIT signalDrawComplete(1);
+}
+
+void CORVPaintQImageView::useRegionForAll()
+{
+    if (!m_state->m_masks.contains(m_state->m_nChannel) || m_state->m_masks.isEmpty(m_state->m_nChannel)) {
+        return;
+    }
+    const QPointer<CORVPaintQImageView> alive(this);
+    const int answer = CORVMessageBox::warning(
+        this, CORVUtilityFns::getAppName(),
+        tr("Every row of the list gets the spectrum of this region; the spectra they have now are lost.\nGo on?"),
+        CORVMessageBox::YesButton | CORVMessageBox::NoButtonAnswer, CORVMessageBox::NoButtonAnswer);
+    if (!alive.isNull() && answer == CORVMessageBox::YesButton) {
+        Q_EMIT signalDrawComplete(2);
+    }
+}
+
+void CORVPaintQImageView::contextMenuEvent(QContextMenuEvent* pEvent)
+{
+    // While painting the right button may still become a drag; its release opens the menu.
+    if (pEvent->reason() == QContextMenuEvent::Mouse && isPainting()) {
+        pEvent->accept();
+        return;
+    }
+    CORVQImageView::contextMenuEvent(pEvent);
+}
+
+void CORVPaintQImageView::fillContextMenu(QMenu& menu)
+{
+    const bool bRegion = isPainting() && !m_state->m_masks.isEmpty(m_state->m_nChannel);
+    QAction* pBack = menu.addAction(tr("&Take Stroke Back"), this, &CORVPaintQImageView::takeStrokeBack);
+    // Told for its key only: the view itself handles it.
+    pBack->setText(tr("&Take Stroke Back") + QLatin1Char('\t') +
+                   QKeySequence(QKeySequence::Undo).toString(QKeySequence::NativeText));
+    pBack->setEnabled(m_state->m_masks.canTakeBack(m_state->m_nChannel));
+    menu.addAction(tr("Use this region for every spectrum"), this, &CORVPaintQImageView::useRegionForAll)
+        ->setEnabled(bRegion);
+    menu.addSeparator();
+    CORVQImageView::fillContextMenu(menu);
+}
+
+void CORVPaintQImageView::paintOverlay(QPainter& painter) const
+{
+    const QRectF shown = pictureRect();
+    if (!shown.isEmpty()) {
+        painter.save();
+        painter.translate(shown.topLeft());
+        painter.scale(zoom(), zoom());
+        painter.setClipRect(QRectF(QPointF(0.0, 0.0), QSizeF(picture().size())));
+        m_state->m_layer.draw(painter);
+        painter.restore();
+    }
+    QPoint pixel;
+    if (isPainting() && m_state->m_pointer && pixelAt(*m_state->m_pointer, pixel)) {
+        const double diameter = m_state->m_masks.pen(m_state->m_nChannel) * zoom();
+        orvwidgets::paintRing(painter, toView(QPointF(pixel) + QPointF(0.5, 0.5)), std::max(kSmallestRing, diameter));
+    }
+    CORVQImageView::paintOverlay(painter);
+}
