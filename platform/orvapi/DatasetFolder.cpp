@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/orvapi/DatasetFolder.h"
 
+#include "files/AtomicFile.h"
 #include "host/CPLClickInfo.h"
 #include "platform/orvapi/ClickInfoKeys.h"
 #include "platform/orvimage/TiffIo.h"
 #include "platform/orvparser/SectionText.h"
-#include "platform/orvutils/AtomicFile.h"
 #include "platform/orvutils/InputFile.h"
 
 #include <QDir>

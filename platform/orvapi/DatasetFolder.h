@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "files/StagedFolder.h"
 #include "host/orv_types.h"
-#include "platform/orvutils/StagedFolder.h"
 
 #include <QSet>
 #include <QString>

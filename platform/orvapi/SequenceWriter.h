@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "files/StagedFolder.h"
 #include "host/CPLClickInfo.h"
 #include "host/orv_types.h"
-#include "platform/orvutils/StagedFolder.h"
 
 #include <QList>
 #include <QPair>

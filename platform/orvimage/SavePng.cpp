@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/orvimage/SavePng.h"
-#include "platform/orvutils/AtomicFile.h"
+#include "files/AtomicFile.h"
 
 #include <QBuffer>
 

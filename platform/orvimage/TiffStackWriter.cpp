@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/orvimage/TiffStackWriter.h"
 
+#include "files/TemporaryTarget.h"
 #include "platform/orvimage/TiffFile.h"
-#include "platform/orvutils/TemporaryTarget.h"
 
 #include <QFile>
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/CPLClickInfo.h"
 
+#include "files/AtomicFile.h"
 #include "host/CORVLog.h"
 #include "platform/orvparser/SectionText.h"
-#include "platform/orvutils/AtomicFile.h"
 
 namespace {
 

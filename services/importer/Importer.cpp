@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "services/importer/Importer.h"
 
+#include "files/AtomicFile.h"
 #include "platform/orvapi/ClickInfoKeys.h"
 #include "platform/orvapi/SavedResultsCheck.h"
 #include "platform/orvapi/SequenceWriter.h"
-#include "platform/orvutils/AtomicFile.h"
 #include "services/importer/ImageCorrection.h"
 #include "services/importer/ImageKeys.h"
 #include "services/importer/ImageStack.h"

@@ -3,9 +3,9 @@
 
 #include "engine/CORVSpumKyvo.h"
 #include "engine/logLine.h"
+#include "files/AtomicFile.h"
 #include "host/CILImage.h"
 #include "host/CORVLog.h"
-#include "platform/orvutils/AtomicFile.h"
 #include "services/basis/Failure.h"
 #include "services/basis/PngBytes.h"
 #include "windows/compositePicture.h"

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "services/regions/RoiStore.h"
 
+#include "files/AtomicFile.h"
 #include "host/CORVSequenceDataset.h"
 #include "host/CROIManager.h"
 #include "platform/orvapi/ClickInfoKeys.h"
 #include "platform/orvapi/ROIShape.h"
-#include "platform/orvutils/AtomicFile.h"
 #include "services/basis/Failure.h"
 
 #include <QFile>

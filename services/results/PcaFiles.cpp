@@ -2,7 +2,7 @@
 #include "services/results/PcaFiles.h"
 
 #include "engine/CORVSpumKyvo.h"
-#include "platform/orvutils/AtomicFile.h"
+#include "files/AtomicFile.h"
 #include "services/basis/Failure.h"
 #include "services/basis/PngBytes.h"
 #include "services/basis/TextTable.h"

@@ -2,10 +2,10 @@
 #include "services/results/ResultFiles.h"
 
 #include "engine/CORVSpumKyvo.h"
+#include "files/AtomicFile.h"
 #include "host/CILImage.h"
 #include "platform/orvimage/RenderMap.h"
 #include "platform/orvimage/TiffIo.h"
-#include "platform/orvutils/AtomicFile.h"
 #include "services/basis/Failure.h"
 #include "services/basis/ModeNames.h"
 #include "services/basis/PngBytes.h"

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "services/transfer/CubeFiles.h"
 
+#include "files/AtomicFile.h"
+#include "files/TemporaryTarget.h"
 #include "host/CILImage.h"
 #include "platform/orvimage/TiffStackWriter.h"
-#include "platform/orvutils/AtomicFile.h"
-#include "platform/orvutils/TemporaryTarget.h"
 #include "services/basis/Failure.h"
 #include "services/basis/TextTable.h"
 #include "services/basis/UnitNames.h"

@@ -5,6 +5,7 @@
 #include "services/session/UnmixedMapLinks.h"
 
 #include "engine/CORVSpumKyvo.h"
+#include "files/StagedFolder.h"
 #include "host/CILImage.h"
 #include "host/CORVDataset.h"
 #include "host/CORVSequenceDataset.h"
@@ -13,7 +14,6 @@
 #include "platform/orvapi/ClickInfoValues.h"
 #include "platform/orvapi/ImageNames.h"
 #include "platform/orvapi/SequenceInfo.h"
-#include "platform/orvutils/StagedFolder.h"
 #include "spectra/SpectrumPlotParams.h"
 #include "storage/exportRegions.h"
 

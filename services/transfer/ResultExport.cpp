@@ -6,11 +6,11 @@
 #include "services/transfer/MovedMaps.h"
 
 #include "engine/CORVSpumKyvo.h"
+#include "files/StagedFolder.h"
 #include "host/CORVSequenceDataset.h"
 #include "platform/orvapi/ClickInfoKeys.h"
 #include "platform/orvapi/SavedResultsCheck.h"
 #include "platform/orvutils/MessageResponder.h"
-#include "platform/orvutils/StagedFolder.h"
 #include "storage/exportNames.h"
 
 #include <QDir>

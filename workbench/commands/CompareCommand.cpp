@@ -2,8 +2,8 @@
 #include "workbench/commands/CompareCommand.h"
 
 #include "engine/CORVSpumKyvo.h"
-#include "platform/orvutils/AtomicFile.h"
-#include "platform/orvutils/StagedFolder.h"
+#include "files/AtomicFile.h"
+#include "files/StagedFolder.h"
 #include "services/basis/Failure.h"
 #include "services/basis/PngBytes.h"
 #include "services/basis/TextTable.h"

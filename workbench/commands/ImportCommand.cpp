@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "workbench/commands/ImportCommand.h"
 
-#include "platform/orvutils/AtomicFile.h"
+#include "files/AtomicFile.h"
 #include "services/basis/Failure.h"
 #include "services/importer/Importer.h"
 #include "services/transfer/ImportInference.h"

@@ -3,7 +3,7 @@
 
 #include "engine/CORVSpumKyvo.h"
 #include "engine/EngineEnums.h"
-#include "platform/orvutils/StagedFolder.h"
+#include "files/StagedFolder.h"
 #include "services/analysis/AnalysisSetUp.h"
 #include "services/analysis/PcaRun.h"
 #include "services/basis/Failure.h"

@@ -16,7 +16,7 @@
 #include "workbench/commands/Options.h"
 
 #include "engine/CORVSpumKyvo.h"
-#include "platform/orvutils/StagedFolder.h"
+#include "files/StagedFolder.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "workbench/commands/RoiCommand.h"
 
+#include "files/AtomicFile.h"
 #include "host/CORVSequenceDataset.h"
 #include "platform/orvapi/ROISection.h"
 #include "platform/orvapi/ROIShape.h"
-#include "platform/orvutils/AtomicFile.h"
 #include "services/basis/Failure.h"
 #include "services/basis/TextTable.h"
 #include "services/basis/UnitNames.h"

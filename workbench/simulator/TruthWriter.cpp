@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "workbench/simulator/TruthWriter.h"
 
+#include "files/AtomicFile.h"
 #include "platform/orvimage/TiffIo.h"
-#include "platform/orvutils/AtomicFile.h"
 #include "services/basis/TruthFiles.h"
 #include "spectra/DefaultColors.h"
 #include "workbench/simulator/CameraModel.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "platform/orvutils/StagedFolder.h"
+#include "files/StagedFolder.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "platform/orvutils/TemporaryTarget.h"
+#include "files/TemporaryTarget.h"
 
 #include <QFile>
 #include <QFileInfo>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "platform/orvutils/AtomicFile.h"
+#include "files/AtomicFile.h"
 
-#include "platform/orvutils/TemporaryTarget.h"
+#include "files/TemporaryTarget.h"
 #include "support/ForkedChild.h"
 
 #include <QDir>
