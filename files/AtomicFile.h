@@ -6,9 +6,10 @@
 
 namespace orv {
 
-// Puts a file in place as a whole: the bytes go to a temporary file in the same folder, which then takes the target's
-// name. False on any failure (no such folder, no permission, full disk); the target is then what it was and no
-// temporary file is left. `pError` may be null; it receives one sentence with the file and the reason.
+// Puts a file in place as a whole: the bytes go to a temporary file in the same folder, are brought to the disk, and
+// the file then takes the target's name. False on any failure (no such folder, no permission, a full disk, a disk that
+// refuses the bytes at the end); the target is then what it was and no temporary file is left. `pError` may be null; it
+// receives one sentence with the file and the reason.
 bool writeFileAtomically(const QString& strPath, const QByteArray& bytes, QString* pError = nullptr);
 
 } // namespace orv

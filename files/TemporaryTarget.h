@@ -5,34 +5,42 @@
 
 namespace orv {
 
-// For a file that another library writes by name: a temporary file beside the target, with the target's suffix, which
-// commit() renames. The destructor removes it when it was not committed, so a failure leaves the target as it was.
+// A temporary file beside a target, hidden and with the target's suffix, which commit() puts in the target's place. The
+// destructor removes it when it was not committed, so a failure leaves the target as it was. A program that is killed
+// leaves the temporary file; the next one for the same target removes it.
 class TemporaryTarget
 {
 public:
-    // Makes the empty temporary file. When that fails (no such folder, no permission, the target is a folder),
-    // isValid() is false, path() is empty and error() tells the file and the reason.
+    // Makes the empty temporary file. When that fails (no such folder, no permission, the target is a folder or may not
+    // be written to), isValid() is false, path() is empty and error() tells the file and the reason.
     explicit TemporaryTarget(const QString& strTarget);
     ~TemporaryTarget();
     TemporaryTarget(const TemporaryTarget&) = delete;
     TemporaryTarget& operator=(const TemporaryTarget&) = delete;
 
     bool isValid() const { return !m_strPath.isEmpty(); }
-    // Where to write; empty after commit().
+    // Where to write, for a library that opens files by name; empty after commit().
     QString path() const { return m_strPath; }
     QString error() const { return m_strError; }
 
-    // Brings the bytes to the disk and gives the file the target's name and, where there was a target, its permissions.
-    // Call it once the writer has closed the file. False on failure: the temporary file is removed, the target
-    // untouched.
+    // Appends to the file. False on failure, after which the file is gone.
+    bool write(const QByteArray& bytes);
+
+    // Brings the bytes to the disk and gives the file the target's name and, where there was a target, its permissions;
+    // the name is on the disk too when this returns. Call it once any other writer has closed the file. False on
+    // failure, a disk that refuses the bytes among them: the temporary file is removed, the target is what it was.
     bool commit();
 
 private:
+    bool create(const QString& strName);
+    bool putInPlace();
     bool fail(const QString& strReason);
+    void discard();
 
     QString m_strTarget;
     QString m_strPath;
     QString m_strError;
+    int m_nFile = -1; // holds the lock that tells others that this process lives
 };
 
 } // namespace orv

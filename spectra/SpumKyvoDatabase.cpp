@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "spectra/SpumKyvoDatabase.h"
 
+#include "files/AtomicFile.h"
 #include "host/CORVLog.h"
 #include "host/orv_paths.h"
 
 #include <QDir>
 #include <QFile>
-#include <QSaveFile>
 #include <QTextStream>
 
 #include <algorithm>
@@ -192,19 +192,16 @@ bool SpumKyvoDatabase::saveLibrary(const QString& path, QList<SpectrumPlotParams
     if (bShort) {
         return false;
     }
-    // Beside the target until all of it is on disk. commit() alone would put a torn file in place on a full disk.
-    QSaveFile file(path);
-    if (file.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Text)) {
-        QTextStream stream(&file);
-        stream.setCodec("UTF-8");
-        writeLibrary(stream, spectra, note);
-        stream.flush();
-        if (stream.status() == QTextStream::Ok && file.flush() && file.error() == QFileDevice::NoError &&
-            file.commit()) {
-            return true;
-        }
-        file.cancelWriting();
+    QByteArray bytes;
+    QTextStream stream(&bytes, QIODevice::WriteOnly);
+    stream.setCodec("UTF-8");
+    writeLibrary(stream, spectra, note);
+    stream.flush();
+    QString error;
+    if (orv::writeFileAtomically(path, bytes, &error)) {
+        return true;
     }
+    logFailure(error);
     logFailure(QStringLiteral("SpumKyvo: Unable to open the spum database file to save."));
     return false;
 }

@@ -2,22 +2,15 @@
 #include "storage/writeWholeFile.h"
 
 #include "engine/logLine.h"
+#include "files/AtomicFile.h"
 #include "host/CORVLog.h"
-
-#include <QSaveFile>
 
 bool writeWholeFile(const QString& strPath, const QByteArray& bytes)
 {
-    QSaveFile file(strPath);
-    if (file.open(QIODevice::WriteOnly)) {
-        // commit() alone answers true on a full disk and would put a torn file in place: the last block is only written
-        // by flush(), and its failure shows in error().
-        const bool bWhole = file.write(bytes) == bytes.size() && file.flush() && file.error() == QFileDevice::NoError;
-        if (bWhole && file.commit()) {
-            return true;
-        }
-        file.cancelWriting();
+    QString error;
+    const bool written = orv::writeFileAtomically(strPath, bytes, &error);
+    if (!written) {
+        logLine(error, CORVLOG_ERROR);
     }
-    logLine(QStringLiteral("%1: cannot be written: %2").arg(strPath, file.errorString()), CORVLOG_ERROR);
-    return false;
+    return written;
 }

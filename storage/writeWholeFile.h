@@ -4,7 +4,6 @@
 #include <QByteArray>
 #include <QString>
 
-// Puts a file in place as a whole: the bytes go to a temporary file beside it, which then takes its name. False on any
-// failure (no such folder, no permission, full disk); whatever stood there before then stands there still, no temporary
-// file is left, and the log has the file and the reason.
+// Puts a file in place as a whole, as orv::writeFileAtomically does. On false whatever stood there before stands there
+// still, and the log has the file and the reason.
 bool writeWholeFile(const QString& strPath, const QByteArray& bytes);

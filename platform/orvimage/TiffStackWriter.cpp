@@ -117,8 +117,7 @@ bool TiffStackWriter::Output::open(bool big)
 bool TiffStackWriter::Output::close()
 {
     file.close();
-    const bool onDisk = ::fsync(second) == 0 || errno == EINVAL || errno == ENOTSUP;
-    if (!onDisk || !closeDescriptor()) {
+    if (!closeDescriptor()) {
         file.fail(qt_error_string(errno));
     }
     return file.reason().isEmpty();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "files/AtomicFile.h"
 
+#include "faults/faults.h"
 #include "files/TemporaryTarget.h"
 #include "support/ForkedChild.h"
 
@@ -10,6 +11,10 @@
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <string>
+#include <sys/file.h>
 
 namespace {
 
@@ -150,6 +155,112 @@ TEST_P(FullDiskTest, FileThatJustFitsIsWritten)
     });
     EXPECT_EQ(status, 0);
     EXPECT_EQ(read(m_strPath).size(), GetParam().m_nBytes);
+}
+
+class FaultyFileTest : public FileTest
+{
+protected:
+    void TearDown() override { armFaults(nullptr, nullptr, nullptr); }
+    bool arm(const std::string& strRules)
+    {
+        return armFaults(strRules.c_str(), QFile::encodeName(QDir(m_folder.path()).canonicalPath()).constData(),
+                         nullptr);
+    }
+};
+
+TEST_F(FaultyFileTest, ADiskThatRefusesTheBytesAtTheEndIsAFailureAndTheEarlierFileStays)
+{
+    write(m_strPath, "old");
+    ASSERT_TRUE(arm("sync@1=EIO"));
+    EXPECT_FALSE(orv::writeFileAtomically(m_strPath, "new", &m_strError));
+    EXPECT_EQ(m_strError, m_strPath + ": cannot be written: Input/output error");
+    EXPECT_EQ(read(m_strPath), "old");
+    EXPECT_EQ(entries(), QStringList{"a file.txt"});
+}
+
+// After a successful answer both the bytes and the name are on the disk.
+TEST_F(FaultyFileTest, AFolderThatCannotBeBroughtToTheDiskIsAFailureAndTheEarlierFileStays)
+{
+    write(m_strPath, "old");
+    ASSERT_TRUE(arm("sync@2=EDQUOT"));
+    EXPECT_FALSE(orv::writeFileAtomically(m_strPath, "new", &m_strError));
+    EXPECT_EQ(m_strError, m_strPath + ": cannot be written: Disk quota exceeded");
+    EXPECT_EQ(read(m_strPath), "old");
+    EXPECT_EQ(entries(), QStringList{"a file.txt"});
+}
+
+TEST_F(FaultyFileTest, ANewFileThatMayNotBeOnTheDiskGoesAgain)
+{
+    for (const char* rules : {"sync@1=EIO", "sync@2=EIO"}) {
+        ASSERT_TRUE(arm(rules));
+        EXPECT_FALSE(orv::writeFileAtomically(m_strPath, "new", &m_strError)) << rules;
+        EXPECT_TRUE(entries().isEmpty()) << rules;
+    }
+}
+
+TEST_F(FaultyFileTest, AFileSystemThatKnowsNoSuchOrderIsNoFailure)
+{
+    ASSERT_TRUE(arm("sync@1+=EINVAL"));
+    EXPECT_TRUE(orv::writeFileAtomically(m_strPath, "new", &m_strError)) << m_strError.toStdString();
+    EXPECT_EQ(read(m_strPath), "new");
+}
+
+TEST_F(FaultyFileTest, AFileSystemThatCannotExchangeNamesIsRenamedOn)
+{
+    write(m_strPath, "old");
+    ASSERT_TRUE(arm("rename@1=EINVAL"));
+    EXPECT_TRUE(orv::writeFileAtomically(m_strPath, "new", &m_strError)) << m_strError.toStdString();
+    EXPECT_EQ(read(m_strPath), "new");
+    EXPECT_EQ(entries(), QStringList{"a file.txt"});
+}
+
+TEST_F(FaultyFileTest, AnyFailingCallLeavesTheWholeOldFileOrTheWholeNewOneAndTheAnswerIsTrue)
+{
+    int failed = 0;
+    for (int call = 1; call < 100; ++call) {
+        write(m_strPath, "old");
+        ASSERT_TRUE(arm("change@" + std::to_string(call) + "=EIO"));
+        const bool written = orv::writeFileAtomically(m_strPath, "new", &m_strError);
+        const bool met = countedCalls() >= call;
+        armFaults(nullptr, nullptr, nullptr);
+        EXPECT_EQ(read(m_strPath), written ? "new" : "old") << call;
+        if (!met) {
+            break;
+        }
+        failed += written ? 0 : 1;
+    }
+    // Opened, written, synced, put in place, the folder synced; not the permissions nor what is removed afterwards.
+    EXPECT_EQ(failed, 5);
+}
+
+TEST_F(FaultyFileTest, WhatAKilledProgramLeftIsGoneWithTheNextWriteOfTheSameFile)
+{
+    write(m_strPath, "old");
+    write(m_folder.filePath("another.txt"), "another");
+    int left = 0;
+    for (const char* rules : {"write@1=kill", "write@1=half", "sync@1=kill", "rename@1=kill", "rename@1=killafter"}) {
+        ASSERT_EQ(inForkedChild([&] {
+                      arm(rules);
+                      orv::writeFileAtomically(m_strPath, "new");
+                      return 0;
+                  }),
+                  201);
+        left += entries().size() - 2;
+        ASSERT_TRUE(orv::writeFileAtomically(m_strPath, "newer", &m_strError)) << m_strError.toStdString();
+        EXPECT_EQ(entries(), (QStringList{"a file.txt", "another.txt"})) << rules;
+        EXPECT_EQ(read(m_strPath), "newer");
+    }
+    EXPECT_EQ(left, 5);
+}
+
+TEST_F(FaultyFileTest, WhatALivingProgramWritesIsLeftAlone)
+{
+    orv::TemporaryTarget living(m_strPath);
+    ASSERT_TRUE(living.write("living"));
+    EXPECT_TRUE(orv::writeFileAtomically(m_strPath, "other"));
+    EXPECT_TRUE(QFile::exists(living.path()));
+    EXPECT_TRUE(living.commit());
+    EXPECT_EQ(read(m_strPath), "living");
 }
 
 TEST_F(TemporaryTargetTest, CommitGivesTheFileItsNameAndLeavesNothingBeside)

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "files/StagedFolder.h"
 
+#include "faults/faults.h"
+#include "support/ForkedChild.h"
+
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
@@ -110,6 +113,140 @@ TEST_F(StagedFolderTest, AMissingParentAndAFileInItsPlaceAreTold)
     writeFile(m_home.filePath("plain"));
     EXPECT_FALSE(folder.begin(m_home.filePath("plain/out"), false, marker, &m_strError));
     EXPECT_FALSE(folder.commit(&m_strError));
+}
+
+class FaultyFolderTest : public StagedFolderTest
+{
+protected:
+    void SetUp() override { makeOld(); }
+    void TearDown() override { armFaults(nullptr, nullptr, nullptr); }
+
+    void arm(const char* pRules)
+    {
+        ASSERT_TRUE(armFaults(pRules, QFile::encodeName(QDir(m_home.path()).canonicalPath()).constData(), nullptr));
+    }
+    void makeOld()
+    {
+        QDir(m_home.path()).removeRecursively();
+        ASSERT_TRUE(QDir().mkpath(m_strTarget));
+        writeFile(m_strTarget + "/summary.json", "old");
+    }
+    // Replaces the folder by one whose marker says "new".
+    bool replace()
+    {
+        StagedFolder folder;
+        if (!folder.begin(m_strTarget, true, marker, &m_strError)) {
+            return false;
+        }
+        writeFile(folder.path() + marker, "new");
+        return folder.commit(&m_strError);
+    }
+    bool replaceAndDie(const char* pRules)
+    {
+        return inForkedChild([&] {
+                   arm(pRules);
+                   replace();
+                   return 0;
+               }) == 201;
+    }
+    QByteArray present() const
+    {
+        QFile file(m_strTarget + "/summary.json");
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("none");
+    }
+};
+
+// In one step, so that nobody ever finds the place empty.
+TEST_F(FaultyFolderTest, AKillAtAnyCallLeavesTheOldFolderOrTheNewInItsPlace)
+{
+    int killed = 0;
+    for (const char* when : {"kill", "killafter"}) {
+        for (int call = 1; call < 200; ++call) {
+            makeOld();
+            const std::string rules = "change@" + std::to_string(call) + "=" + when;
+            if (!replaceAndDie(rules.c_str())) {
+                break;
+            }
+            ++killed;
+            EXPECT_TRUE(present() == "old" || present() == "new") << rules;
+            EXPECT_TRUE(replace()) << rules << m_strError.toStdString();
+            EXPECT_EQ(present(), "new") << rules;
+            EXPECT_EQ(entries(m_home.path()), QStringList{"out put"}) << rules;
+        }
+    }
+    EXPECT_GT(killed, 20);
+}
+
+// Of a file system that cannot exchange names the place is empty for a moment.
+TEST_F(FaultyFolderTest, AFolderThatAKilledProgramHadMovedAsideIsFoundAndGoesBack)
+{
+    ASSERT_TRUE(replaceAndDie("rename@1=EINVAL;rename@2=killafter"));
+    EXPECT_EQ(present(), "none");
+    EXPECT_FALSE(replace());
+    EXPECT_TRUE(m_strError.startsWith(m_strTarget + " was left aside by a program that was ended"))
+        << m_strError.toStdString();
+    EXPECT_EQ(present(), "old");
+    EXPECT_EQ(entries(m_home.path()), QStringList{"out put"});
+    EXPECT_TRUE(replace());
+    EXPECT_EQ(present(), "new");
+}
+
+TEST_F(FaultyFolderTest, AFolderThatSomebodyMadeInBetweenIsNotTouched)
+{
+    ASSERT_TRUE(replaceAndDie("rename@1=EINVAL;rename@2=killafter"));
+    ASSERT_TRUE(QDir().mkdir(m_strTarget));
+    writeFile(m_strTarget + "/thesis.tex");
+    EXPECT_FALSE(replace());
+    EXPECT_TRUE(m_strError.contains("the former folder is in ")) << m_strError.toStdString();
+    EXPECT_EQ(entries(m_strTarget), QStringList{"thesis.tex"});
+    EXPECT_EQ(entries(m_home.path()).size(), 2);
+}
+
+TEST_F(FaultyFolderTest, AFailureOfOneRenamePutsTheOldFolderBack)
+{
+    for (const char* rules : {"rename@1=EIO", "rename@1=EINVAL;rename@2=EIO", "rename@1=EINVAL;rename@3=EIO"}) {
+        arm(rules);
+        EXPECT_FALSE(replace()) << rules;
+        EXPECT_EQ(m_strError, m_strTarget + " cannot be put in place: Input/output error");
+        EXPECT_EQ(present(), "old") << rules;
+        EXPECT_EQ(entries(m_home.path()), QStringList{"out put"}) << rules;
+    }
+}
+
+TEST_F(FaultyFolderTest, WhatCouldNotBePutBackIsNotRemovedAndTheMessageSaysWhereItIs)
+{
+    arm("rename@1=EINVAL;rename@3+=EIO");
+    EXPECT_FALSE(replace());
+    armFaults(nullptr, nullptr, nullptr);
+    ASSERT_TRUE(m_strError.contains("; the former folder is in ")) << m_strError.toStdString();
+    const QString place = m_strError.section("; the former folder is in ", 1);
+    EXPECT_TRUE(QFile::exists(place + "/summary.json")) << place.toStdString();
+    EXPECT_FALSE(replace());
+    EXPECT_EQ(present(), "old");
+}
+
+TEST_F(FaultyFolderTest, AFolderThatMayNotBeOnTheDiskIsAFailureAndTheOldOneStays)
+{
+    for (const char* rules : {"sync@1=EIO", "sync@2=EIO", "rename@1=EINVAL;sync@2=EIO"}) {
+        arm(rules);
+        EXPECT_FALSE(replace()) << rules;
+        EXPECT_EQ(present(), "old") << rules;
+        EXPECT_EQ(entries(m_home.path()), QStringList{"out put"}) << rules;
+    }
+}
+
+TEST_F(FaultyFolderTest, TheHiddenFolderOfALivingProgramAndOthersOfThatNameAreLeftAlone)
+{
+    StagedFolder living;
+    ASSERT_TRUE(living.begin(m_strTarget, true, marker));
+    writeFile(living.path() + marker, "living");
+    const QString foreign = m_home.filePath(".out put-abcdef");
+    ASSERT_TRUE(QDir().mkdir(foreign));
+    writeFile(foreign + "/thesis.tex");
+    EXPECT_TRUE(replace()) << m_strError.toStdString();
+    EXPECT_TRUE(QFile::exists(foreign + "/thesis.tex"));
+    EXPECT_TRUE(living.commit(&m_strError)) << m_strError.toStdString();
+    EXPECT_EQ(present(), "living");
 }
 
 } // namespace
