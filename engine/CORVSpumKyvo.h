@@ -226,13 +226,13 @@ public:
     const QString& getSequenceId() const { return m_strSeqId; }
 
 public Q_SLOTS:
+    // Shows the unmixed images each over its own range, or all over a common one.
+    void onAutoScaleClicked(bool bIndividual);
     // Makes a dataset of every map, or at several scan spots of the maps of one component that the user picks, and has
     // the host group them (createSpumKyvoSequence). The first failure ends it without that.
     void onClickExportAsSequence();
     // Asks for a PCA in place of an unmixing.
     void onRunPCA();
-    // Shows the unmixed images each over its own range, or all over a common one.
-    void onAutoScaleClicked(bool bIndividual);
 
 Q_SIGNALS:
     // Set-up is complete and the thread is to be started.
@@ -284,7 +284,6 @@ public:
     MCRParams m_lastParams;                // with which the results below were made
     XTNT::Matrix<double> m_concentrations; // components x rows of the data
     XTNT::Matrix<double> m_spectra;        // components x images
-    int m_nComponents = 0;                 // of m_concentrations, when maps are exported
     int m_nResultUnits = 0;
     QList<SpectrumPlotParams*> m_spectrumPlots; // one per component, owned
     QList<ScaleRatio> m_scaleRatios;
@@ -310,6 +309,7 @@ public:
     bool m_bHasLoadedDecay = false;
     bool m_bBatchMode = false;
     QString m_strBatchPath;
+    int m_nComponents = 0; // of m_concentrations, when maps are exported
     // What a run takes from the user besides the selection.
     AnalysisInput m_analysisInput;
     // Of the last automatic run that came to its iterations.

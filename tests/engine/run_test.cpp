@@ -15,7 +15,9 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <functional>
 #include <limits>
+#include <vector>
 
 namespace {
 
@@ -125,6 +127,91 @@ TEST(EngineTest, SignalsStandInTheirOrder)
         EXPECT_EQ(pMeta->method(nMethod++).methodType(), QMetaMethod::Signal);
     }
     EXPECT_EQ(pMeta->method(nMethod).methodType(), QMetaMethod::Slot);
+}
+
+TEST(EngineTest, SlotsStandInTheirOrder)
+{
+    const QMetaObject* pMeta = &CORVSpumKyvo::staticMetaObject;
+    QStringList slotsInOrder;
+    for (int i = pMeta->methodOffset(); i < pMeta->methodCount(); ++i) {
+        if (pMeta->method(i).methodType() == QMetaMethod::Slot) {
+            slotsInOrder << pMeta->method(i).methodSignature();
+        }
+    }
+    EXPECT_EQ(slotsInOrder.join(" ").toStdString(), "onAutoScaleClicked(bool) onClickExportAsSequence() onRunPCA()");
+}
+
+// What only an export needs stands behind the state of an analysis.
+TEST(EngineTest, MembersStandInTheirOrder)
+{
+    const CORVSpumKyvo e("an id");
+    const std::vector<const void*> members{&e.m_strSeqId,
+                                           &e.m_eSeqKind,
+                                           &e.m_eTemporalKind,
+                                           &e.m_eAxis,
+                                           &e.m_eMode,
+                                           &e.m_imageRecords,
+                                           &e.m_imageList,
+                                           &e.m_emissionKeys,
+                                           &e.m_excitationKeys,
+                                           &e.m_allKeyPairs,
+                                           &e.m_selectedKeyPairs,
+                                           &e.m_primaryKeys,
+                                           &e.m_secondaryKeys,
+                                           &e.m_presetSpectra,
+                                           &e.m_bAutoBinning,
+                                           &e.m_nBinning,
+                                           &e.m_nWidth,
+                                           &e.m_nHeight,
+                                           &e.m_eUnit,
+                                           &e.m_cube,
+                                           &e.m_bCubeValid,
+                                           &e.m_pPhoto,
+                                           &e.m_bUseMask,
+                                           &e.m_maskIndices,
+                                           &e.m_labels,
+                                           &e.m_suggestedLabels,
+                                           &e.m_strSubjectType,
+                                           &e.m_probes,
+                                           &e.m_params,
+                                           &e.m_pWizard,
+                                           &e.m_pConsole,
+                                           &e.m_pComposite,
+                                           &e.m_spots,
+                                           &e.m_pProgress,
+                                           &e.m_nError,
+                                           &e.m_lastParams,
+                                           &e.m_concentrations,
+                                           &e.m_spectra,
+                                           &e.m_nResultUnits,
+                                           &e.m_spectrumPlots,
+                                           &e.m_scaleRatios,
+                                           &e.m_nColorMap,
+                                           &e.m_bReverse,
+                                           &e.m_bLogScale,
+                                           &e.m_nOverlayOpacity,
+                                           &e.m_bIndividualScale,
+                                           &e.m_roiResults,
+                                           &e.m_properties,
+                                           &e.m_bSkipSavePrompt,
+                                           &e.m_bResultReady,
+                                           &e.m_unmixedImages,
+                                           &e.m_bRunPCA,
+                                           &e.m_pcaResult,
+                                           &e.m_bCherenkov,
+                                           &e.m_bDecayApplied,
+                                           &e.m_dHalfLifeSec,
+                                           &e.m_strIsotope,
+                                           &e.m_strLoadedIsotope,
+                                           &e.m_dLoadedHalfLife,
+                                           &e.m_bLoadedDecayApplied,
+                                           &e.m_bHasLoadedDecay,
+                                           &e.m_bBatchMode,
+                                           &e.m_strBatchPath,
+                                           &e.m_nComponents};
+    for (std::size_t i = 1; i < members.size(); ++i) {
+        EXPECT_TRUE(std::less<>()(members[i - 1], members[i])) << "member " << i;
+    }
 }
 
 TEST(EngineTest, AskingForAPCASetsTheFlagAndSaysSo)
