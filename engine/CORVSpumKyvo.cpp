@@ -68,7 +68,8 @@ void CORVSpumKyvo::resetAnalysis(int nMode)
     m_bAutoBinning = true;
     m_pResultView->removeAllUnmixedImages(); // it borrows them
     clearUnmixedImages();
-    // No result and no failure stands any more.
+    // No result and no failure stands any more, and no request.
+    m_bRunPCA = false;
     m_bResultReady = false;
     m_nError = RUNERROR_NONE;
     m_runFacts = AutomaticRunFacts();

@@ -75,7 +75,10 @@ RunOutcome runEngine(CORVSpumKyvo& engine, const RunSteps& steps)
     progress.start(QThread::InheritPriority);
     engine.start(QThread::InheritPriority);
 
-    if (!waitForEnd(engine)) {
+    const bool bEnded = waitForEnd(engine);
+    // A worker that was struck at its very start has not taken the request back.
+    engine.m_bRunPCA = false;
+    if (!bEnded) {
         engine.reportStatus(bPCA ? "PCA aborted by user." : "unmixing aborted by user.", CORVLOG_PROGRESS);
         finish();
         return RunOutcome::Aborted;

@@ -263,4 +263,21 @@ TEST_F(AbortOfAnalysisTest, AHundredAbortsOfPCARunsLeaveTheEngineAsGoodAsNew)
     abortAHundredTimes(true);
 }
 
+// Struck before the worker does anything, mostly: what comes next is an unmixing all the same.
+TEST_F(AbortOfAnalysisTest, APCAAbortedAtItsStartIsForgotten)
+{
+    m_engine.resetAnalysis(RUNMODE_MANUAL);
+    takeSpectra(m_engine, m_spectra);
+    RunSteps abortAtOnce;
+    abortAtOnce.started = [] { orv::requestAbort(); };
+    for (int i = 0; i < 100; ++i) {
+        m_engine.m_bRunPCA = true;
+        runEngine(m_engine, abortAtOnce);
+        m_engine.m_bCubeValid = false;
+        m_engine.m_concentrations.reshape(0, 0);
+        ASSERT_EQ(runEngine(m_engine), RunOutcome::Succeeded);
+        ASSERT_EQ(m_engine.m_concentrations.num_rows(), nComponents) << "round " << i;
+    }
+}
+
 } // namespace

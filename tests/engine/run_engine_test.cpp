@@ -129,7 +129,17 @@ TEST_F(RunEngineTest, AnAbortedPCASaysSo)
     QTimer::singleShot(20, [] { orv::requestAbort(); });
     EXPECT_EQ(runEngine(m_engine, m_steps), RunOutcome::Aborted);
     EXPECT_TRUE(m_log.has("SpumKyvo: PCA aborted by user.", 16));
+    EXPECT_FALSE(m_engine.m_bRunPCA);
     expectAllEnded();
+}
+
+// A worker that is struck before it begins has not taken the request for a PCA back.
+TEST_F(RunEngineTest, ARequestForAPCAEndsWithItsRun)
+{
+    m_engine.m_work = [](CORVSpumKyvo&) {};
+    m_engine.m_bRunPCA = true;
+    EXPECT_EQ(runEngine(m_engine), RunOutcome::Succeeded);
+    EXPECT_FALSE(m_engine.m_bRunPCA);
 }
 
 TEST_F(RunEngineTest, APCAStartsAndEndsAsAnAnalysis)

@@ -249,6 +249,7 @@ TEST(EngineTest, ResetLeavesNothingOfTheFormerAnalysis)
     engine.m_unmixedImages.append(new CILImage);
     engine.m_bResultReady = true;
     engine.m_nError = 6;
+    engine.m_bRunPCA = true;
     engine.m_selectedKeyPairs = {{"1", "2"}};
     engine.m_analysisInput.componentNames = QStringList{"Food"};
     engine.resetAnalysis(RUNMODE_GUIDED);
@@ -266,6 +267,7 @@ TEST(EngineTest, ResetLeavesNothingOfTheFormerAnalysis)
     EXPECT_TRUE(engine.m_unmixedImages.isEmpty());
     EXPECT_FALSE(engine.m_bResultReady);
     EXPECT_FALSE(engine.hasError());
+    EXPECT_FALSE(engine.m_bRunPCA);
     // What the user chose stays.
     EXPECT_EQ(engine.m_selectedKeyPairs.size(), 1);
     EXPECT_EQ(engine.m_analysisInput.componentNames.size(), 1);
