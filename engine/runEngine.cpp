@@ -22,6 +22,34 @@ void call(const std::function<void()>& step)
     }
 }
 
+// The long process of a run: announced at once, ended once, at the latest with the scope.
+class LongProcess
+{
+public:
+    LongProcess(CAutoProgressUpdate& progress, bool bPCA) : m_progress(progress)
+    {
+        CORVProcess::startLongProcess(0, bPCA ? LONGPROCESS_ANALYSIS : LONGPROCESS_GENERAL, true, "Aborting...");
+    }
+    ~LongProcess() { end(); }
+    LongProcess(const LongProcess&) = delete;
+    LongProcess& operator=(const LongProcess&) = delete;
+
+    void end()
+    {
+        if (m_bEnded) {
+            return;
+        }
+        m_bEnded = true;
+        m_progress.stop();
+        // Both kinds of run end as an analysis, but only the PCA starts as one: the host counts on it.
+        CORVProcess::endLongProcess(LONGPROCESS_ANALYSIS);
+    }
+
+private:
+    CAutoProgressUpdate& m_progress;
+    bool m_bEnded = false;
+};
+
 // The engine's progress display for the time of a run.
 class ProgressOf
 {
@@ -64,12 +92,7 @@ RunOutcome runEngine(CORVSpumKyvo& engine, const RunSteps& steps)
 
     CAutoProgressUpdate progress(
         QStringLiteral("Starting %1 for sequence [%2]...?").arg(engine.getAnalysisName(), engine.m_strSeqId));
-    // Both kinds of run end as an analysis, but only the PCA starts as one: the host counts on it.
-    const auto finish = [&progress] {
-        progress.stop();
-        CORVProcess::endLongProcess(LONGPROCESS_ANALYSIS);
-    };
-    CORVProcess::startLongProcess(0, bPCA ? LONGPROCESS_ANALYSIS : LONGPROCESS_GENERAL, true, "Aborting...");
+    LongProcess process(progress, bPCA);
     call(steps.started);
     const ProgressOf progressOfRun(engine, progress);
     progress.start(QThread::InheritPriority);
@@ -80,16 +103,17 @@ RunOutcome runEngine(CORVSpumKyvo& engine, const RunSteps& steps)
     engine.m_bRunPCA = false;
     if (!bEnded) {
         engine.reportStatus(bPCA ? "PCA aborted by user." : "unmixing aborted by user.", CORVLOG_PROGRESS);
-        finish();
         return RunOutcome::Aborted;
     }
     call(steps.ended);
+    // Whoever shows the result of a PCA does so in a window that is waited for, so its process is over before that.
+    if (bPCA) {
+        process.end();
+    }
     if (engine.hasError()) {
         engine.reportStatus(engine.getErrorText(), CORVLOG_ERROR);
-        finish();
         return RunOutcome::Failed;
     }
     call(steps.succeeded);
-    finish();
     return RunOutcome::Succeeded;
 }

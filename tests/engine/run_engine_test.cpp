@@ -9,6 +9,7 @@
 #include "host/CAutoProgressUpdate.h"
 #include "host/CORVProcess.h"
 #include "host/CORVSequenceDataset.h"
+#include "platform/orvutils/LogSinks.h"
 #include "platform/orvutils/ProcessControl.h"
 
 #include <QTimer>
@@ -16,6 +17,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <string>
 
 namespace {
 
@@ -70,7 +72,7 @@ protected:
         m_steps.succeeded = [this] {
             m_order << "succeeded";
             EXPECT_NE(m_engine.m_pProgress, nullptr);
-            EXPECT_GT(orv::processState().m_nRunning, 0);
+            m_nRunningAtSuccess = orv::processState().m_nRunning;
         };
     }
 
@@ -85,6 +87,7 @@ protected:
     ScriptedEngine m_engine;
     RunSteps m_steps;
     QStringList m_order;
+    int m_nRunningAtSuccess = -1;
 };
 
 TEST_F(RunEngineTest, ASuccessCallsItsStepsInOrder)
@@ -94,6 +97,7 @@ TEST_F(RunEngineTest, ASuccessCallsItsStepsInOrder)
     m_engine.m_work = [&strFirst](CORVSpumKyvo& engine) { strFirst = engine.m_pProgress->statusMessage(); };
     EXPECT_EQ(runEngine(m_engine, m_steps), RunOutcome::Succeeded);
     EXPECT_EQ(m_order, (QStringList{"started", "ended", "succeeded"}));
+    EXPECT_EQ(m_nRunningAtSuccess, 1);
     EXPECT_EQ(strFirst, QString("Starting Spectral Unmixing for sequence [seq %1 7]...?"));
     EXPECT_FALSE(m_engine.m_bSkipSavePrompt);
     EXPECT_TRUE(m_log.lines().empty());
@@ -169,13 +173,79 @@ TEST_F(RunEngineTest, EventsFlowMeanwhile)
     EXPECT_EQ(runEngine(m_engine, m_steps), RunOutcome::Succeeded);
 }
 
-TEST_F(RunEngineTest, AThrowingStepLeavesNoProgressBehind)
+TEST_F(RunEngineTest, AThrowingStepLeavesNothingBehind)
 {
     m_engine.m_work = [](CORVSpumKyvo&) {};
-    m_steps.succeeded = [] { throw 1; };
-    EXPECT_THROW(runEngine(m_engine, m_steps), int);
-    EXPECT_EQ(m_engine.m_pProgress, nullptr);
-    CORVProcess::endLongProcess(LONGPROCESS_GENERAL);
+    for (std::function<void()> RunSteps::*pStep : {&RunSteps::started, &RunSteps::ended, &RunSteps::succeeded}) {
+        for (const bool bPCA : {false, true}) {
+            RunSteps steps;
+            steps.*pStep = [] { throw 1; };
+            m_engine.m_bRunPCA = bPCA;
+            EXPECT_THROW(runEngine(m_engine, steps), int);
+            expectAllEnded();
+        }
+    }
+}
+
+// A PCA shows its result in a window, and an error of it is told, once nothing runs any more; an unmixing is shown
+// while its progress is.
+class EndOfRunTest : public RunEngineTest
+{
+protected:
+    EndOfRunTest()
+    {
+        m_steps.started = {};
+        m_steps.succeeded = [this] { m_order << "succeeded"; };
+        m_nObserver = orv::addProcessObserver([this](const orv::ProcessState& state) {
+            if (state.m_nRunning == 0) {
+                m_order << "process over";
+            }
+        });
+        m_nSink = orv::addLogSink([this](const orv::LogRecord& line) {
+            if (line.m_nLevel > 1) {
+                m_order << line.m_strMessage;
+            }
+        });
+    }
+    ~EndOfRunTest() override
+    {
+        orv::removeLogSink(m_nSink);
+        orv::removeProcessObserver(m_nObserver);
+    }
+    void run(bool bPCA, int nError)
+    {
+        m_engine.m_bRunPCA = bPCA;
+        m_engine.m_work = [nError](CORVSpumKyvo& engine) { engine.m_nError = nError; };
+        runEngine(m_engine, m_steps);
+    }
+    std::string order() const { return m_order.join(", ").toStdString(); }
+
+    int m_nObserver = 0;
+    int m_nSink = 0;
+};
+
+TEST_F(EndOfRunTest, OfAPCA)
+{
+    run(true, 0);
+    EXPECT_EQ(order(), "ended, process over, succeeded");
+}
+
+TEST_F(EndOfRunTest, OfAPCAWithAnError)
+{
+    run(true, 5);
+    EXPECT_EQ(order(), "ended, process over, SpumKyvo: Invalid data mask or matrix!");
+}
+
+TEST_F(EndOfRunTest, OfAnUnmixing)
+{
+    run(false, 0);
+    EXPECT_EQ(order(), "ended, succeeded, process over");
+}
+
+TEST_F(EndOfRunTest, OfAnUnmixingWithAnError)
+{
+    run(false, 5);
+    EXPECT_EQ(order(), "ended, SpumKyvo: Invalid data mask or matrix!, process over");
 }
 
 TEST(RunEngineOnDataTest, AFailedAutomaticRunIsTold)
