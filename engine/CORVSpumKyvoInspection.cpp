@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// What the sequence holds: kind, images, keys, probes, subject. Reads info sections and filter texts, no data images.
+// What the sequence holds: kind, images, keys, probes, subject. Reads info sections and filter texts, and of all images
+// one photograph.
 #include "engine/CORVSpumKyvo.h"
 
 #include "engine/keySelection.h"
@@ -49,6 +50,14 @@ bool readTimePoint(CORVDataset* pDataset, ImageRecord& record)
     record.interval = "Int" + strInterval;
     record.time = wholeSeconds(fSeconds);
     return true;
+}
+
+// Whether a photograph can be had at all; one of any dataset serves all others.
+bool hasPhotograph(const QList<CORVDataset*>& datasets)
+{
+    return std::any_of(datasets.begin(), datasets.end(), [](const CORVDataset* pDataset) {
+        return pDataset != nullptr && pDataset->hasImage(IMAGETYPE_PHOTOGRAPH);
+    });
 }
 
 int fluorescenceKind(const CORVSequenceDataset& sequence)
@@ -109,6 +118,7 @@ void CORVSpumKyvo::readKind(const CORVSequenceDataset& sequence)
 bool CORVSpumKyvo::readImages(const CORVSequenceDataset& sequence)
 {
     int nCount = 0; // images that had to be numbered for want of a time
+    CORVDataset* pOfPhotograph = nullptr;
     const QList<CORVDataset*> datasets = sequence.getDatasets();
     for (CORVDataset* pDataset : datasets) {
         if (pDataset == nullptr) {
@@ -117,8 +127,9 @@ bool CORVSpumKyvo::readImages(const CORVSequenceDataset& sequence)
         // In a spectral sequence the count stays 0, so the values of its last dataset stand.
         if (nCount == 0) {
             readSubject(pDataset);
-            if (!readPhotograph(sequence, pDataset)) {
-                return false;
+            pOfPhotograph = pDataset;
+            if (!hasPhotograph(datasets)) {
+                return readPhotograph(sequence, pDataset);
             }
         }
         ImageRecord record;
@@ -132,7 +143,8 @@ bool CORVSpumKyvo::readImages(const CORVSequenceDataset& sequence)
             addTemporalImage(pDataset, record, &nCount);
         }
     }
-    return true;
+    // Its pixels are read and kept, so it is the only one that is asked for.
+    return pOfPhotograph == nullptr || readPhotograph(sequence, pOfPhotograph);
 }
 
 void CORVSpumKyvo::readSubject(CORVDataset* pDataset)

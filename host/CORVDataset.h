@@ -61,6 +61,9 @@ public:
     QString getFLXspot() const;
     QString getFLYspot() const;
 
+    // Whether the dataset has an image of just that type, as far as its header told when the dataset was opened; no
+    // file is read.
+    bool hasImage(tag_eimagetype eType) const;
     // The image, or null when the dataset has none of that type or its file is broken (told in the log with file and
     // reason). Owned by the dataset and kept from then on. Types 1 and 17 stand for each other when one is missing.
     CILImage* getCoreImage(tag_eimagetype eType);
@@ -139,7 +142,6 @@ private:
     QString imageFileName(tag_eimagetype eType) const;
     // Image `eType` itself, or the one that stands for it.
     bool resolveType(tag_eimagetype eType, tag_eimagetype* pResolved) const;
-    bool hasImage(tag_eimagetype eType) const;
     // A copy of the core image when there is one, else read from the file.
     ESTATUS readImage(tag_eimagetype eType, CILImage* pOut, const QString& strCaller) const;
     float binningOf(tag_eimagetype eType) const;
