@@ -11,6 +11,7 @@
 #include "engine/OwnResultView.h"
 #include "engine/RoiRecord.h"
 #include "engine/ScaleRatio.h"
+#include "engine/dataMask.h"
 
 #include "XTNT/xtnt_matrix.h"
 #include "XTNT/xtnt_vector.h"
@@ -128,7 +129,7 @@ public:
     bool buildImageCube();
     // Turns the mask image of m_analysisInput into m_maskIndices at the analysis binning. False, told in the log, when
     // there is no such image or it does not fit; nothing is changed then.
-    bool takeDataMask();
+    bool takeDataMask(MaskPixels eWhich = MaskPixels::FloatsAboveZero);
     // Multiplies the raw data of the cube by the decay factors of its images. The cube is a copy: its elements are
     // shared.
     void applyDecayCorrection(CImageCube cube, double dHalfLifeSec, const QString& strSeqId,

@@ -2,7 +2,6 @@
 // From the selection to the cube, and the data mask.
 #include "engine/CORVSpumKyvo.h"
 
-#include "engine/dataMask.h"
 #include "engine/imageChoice.h"
 #include "engine/logLine.h"
 #include "engine/unitLadder.h"
@@ -191,10 +190,10 @@ bool CORVSpumKyvo::bringToCubeSize(CILImage& image) const
     return true;
 }
 
-bool CORVSpumKyvo::takeDataMask()
+bool CORVSpumKyvo::takeDataMask(MaskPixels eWhich)
 {
     std::vector<int> indices;
-    if (!maskIndicesAtBinning(m_analysisInput.maskImage, m_nBinning, m_nWidth, m_nHeight, indices)) {
+    if (!maskIndicesAtBinning(m_analysisInput.maskImage, m_nBinning, m_nWidth, m_nHeight, eWhich, indices)) {
         logLine("SpumKyvo: unable to get a valid photo mask!", CORVLOG_WARNING);
         return false;
     }

@@ -230,7 +230,7 @@ int CORVSpumKyvo::analyseSelection()
         reportStatus("Unable to setBinningAndSize.", CORVLOG_PROGRESS);
         return RUNERROR_NONE;
     }
-    if (!takeDataMask()) {
+    if (!takeDataMask(MaskPixels::NonZeroBytes)) {
         return RUNERROR_NONE;
     }
     if (!buildImageCube() || m_cube.m_data.empty()) {

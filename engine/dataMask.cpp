@@ -1,13 +1,27 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/dataMask.h"
 
-bool maskIndicesAtBinning(const CILImage& mask, int nBinning, int nWidth, int nHeight, std::vector<int>& indices)
+namespace {
+
+bool toBinning(const CILImage& mask, int nBinning, MaskPixels eWhich, CILImage& binned)
 {
+    if (mask.isEmpty()) {
+        return false;
+    }
+    if (eWhich == MaskPixels::NonZeroBytes) {
+        return mask.changeBinning(nBinning, binned) == EIL_SUCCESS && binned.ChangeType(ORVTYPE_BYTE) == EIL_SUCCESS;
+    }
     CILImage floats = mask;
+    return floats.ChangeType(ORVTYPE_FLOAT) == EIL_SUCCESS && floats.changeBinning(nBinning, binned) == EIL_SUCCESS;
+}
+
+} // namespace
+
+bool maskIndicesAtBinning(const CILImage& mask, int nBinning, int nWidth, int nHeight, MaskPixels eWhich,
+                          std::vector<int>& indices)
+{
     CILImage binned;
-    if (floats.isEmpty() || floats.ChangeType(ORVTYPE_FLOAT) != EIL_SUCCESS ||
-        floats.changeBinning(nBinning, binned) != EIL_SUCCESS || binned.m_lWidth != nWidth ||
-        binned.m_lHeight != nHeight) {
+    if (!toBinning(mask, nBinning, eWhich, binned) || binned.m_lWidth != nWidth || binned.m_lHeight != nHeight) {
         return false;
     }
     const std::size_t nPixels = binned.pixelCount();

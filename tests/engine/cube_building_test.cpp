@@ -389,7 +389,7 @@ TEST(DataMaskTest, MasksOfBytesServeToo)
     CILImage mask = squareImage(4, 1, [](int i) { return i < 4 ? 1.0F : 0.0F; });
     ASSERT_EQ(mask.ChangeType(ORVTYPE_BYTE), EIL_SUCCESS);
     std::vector<int> indices;
-    ASSERT_TRUE(maskIndicesAtBinning(mask, 1, 4, 4, indices));
+    ASSERT_TRUE(maskIndicesAtBinning(mask, 1, 4, 4, MaskPixels::FloatsAboveZero, indices));
     EXPECT_EQ(indices, (std::vector<int>{0, 1, 2, 3}));
 }
 

@@ -77,6 +77,29 @@ TEST_F(PcaRunTest, OnlyThePixelsOfTheMaskCount)
     EXPECT_NEAR(total, 49.0 * nImages, 1e-8);
 }
 
+// As the mask's bytes have them: a part of a pixel below one half is none. An unmixing counts it.
+TEST_F(PcaRunTest, ThePixelsOfTheMaskAreThoseOfItsBytes)
+{
+    const float values[] = {1.0F, 0.49F, 0.51F, 0.0F, -1.0F, 1e-6F, 300.0F, 0.2F, 1.0F};
+    m_engine.m_analysisInput.maskImage = squareImage(nSide, 1, [&values](int i) { return i < 9 ? values[i] : 0.0F; });
+    ASSERT_EQ(runEngine(m_engine), RunOutcome::Succeeded);
+    EXPECT_EQ(m_engine.m_maskIndices, (std::vector<int>{0, 2, 6, 8}));
+    ASSERT_TRUE(m_engine.takeDataMask());
+    EXPECT_EQ(m_engine.m_maskIndices, (std::vector<int>{0, 1, 2, 5, 6, 7, 8}));
+}
+
+// The sum of what falls into a pixel of the analysis decides, not each part.
+TEST_F(PcaRunTest, TheMaskIsBinnedBeforeItsBytesAreLookedAt)
+{
+    m_engine.m_analysisInput.maskImage =
+        squareImage(2 * nSide, 1, [](int i) { return i < 4 * nSide ? 0.2F : 0.0F; }); // its first two rows
+    m_engine.m_bAutoBinning = false;
+    m_engine.m_nBinning = 1;
+    m_engine.m_analysisInput.maskImage.m_fBinning = 0.5F;
+    ASSERT_EQ(runEngine(m_engine), RunOutcome::Succeeded);
+    EXPECT_EQ(m_engine.m_maskIndices.size(), static_cast<std::size_t>(nSide));
+}
+
 TEST_F(PcaRunTest, TheCubeIsBuiltAnew)
 {
     m_engine.m_bCubeValid = true; // an empty one

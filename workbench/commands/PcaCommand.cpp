@@ -17,15 +17,20 @@ namespace {
 
 constexpr double checkedFraction = 0.5;
 
-// The run takes a mask in any case: one of every pixel where none is asked for.
-void maskEveryPixel(CORVSpumKyvo& engine)
+// The run takes a mask in any case: the pixels that were told, or every one where no mask is asked for, at the binning
+// of the analysis, so that its bytes are those pixels.
+void maskTakenPixels(CORVSpumKyvo& engine)
 {
-    CILImage& mask = engine.m_analysisInput.maskImage;
-    if (mask.InitWithType(ORVTYPE_BYTE, engine.m_nWidth, engine.m_nHeight) != EIL_SUCCESS) {
+    CILImage mask;
+    if (mask.InitWithType(ORVTYPE_FLOAT, engine.m_nWidth, engine.m_nHeight) != EIL_SUCCESS) {
         throw std::bad_alloc();
     }
-    mask.setConstData(1.0);
+    mask.setConstData(engine.m_maskIndices.empty() ? 1.0 : 0.0);
+    for (const int nPixel : engine.m_maskIndices) {
+        mask.floats()[nPixel] = 1.0F;
+    }
     mask.m_fBinning = static_cast<float>(engine.m_nBinning);
+    engine.m_analysisInput.maskImage = mask;
 }
 
 // Each image is divided by its standard deviation.
@@ -61,9 +66,7 @@ void PcaCommand::run(const QCommandLineParser& parser, CliSession& session)
     setUp.select();
     setUp.reset(RUNMODE_AUTOMATIC);
     setUp.takeMask(static_cast<int>(kMinMaskPixels));
-    if (request.mask.kind == MaskRequest::Kind::None) {
-        maskEveryPixel(setUp.engine());
-    }
+    maskTakenPixels(setUp.engine());
     setUp.checkUnit();
     setUp.checkImages(checkedFraction);
     checkConstantImages(setUp.constantImages());

@@ -24,7 +24,8 @@ protected:
     {
         const CILImage mask = readMaskFile(strPath, nSide, nBinning);
         std::vector<int> found;
-        EXPECT_TRUE(maskIndicesAtBinning(mask, nBinning, nSide, nSide, found)) << nSide << " at " << nBinning;
+        EXPECT_TRUE(maskIndicesAtBinning(mask, nBinning, nSide, nSide, MaskPixels::FloatsAboveZero, found))
+            << nSide << " at " << nBinning;
         return found;
     }
 };
