@@ -37,11 +37,11 @@ double limitOf(const QDomElement& element, const char* pName, double dMissing)
 
 bool isElementName(const QString& strName)
 {
-    if (strName.isEmpty() || !(strName.at(0).isLetter() || strName.at(0) == QLatin1Char('_'))) {
+    if (strName.isEmpty() || !(strName.at(0).isLetter() || QLatin1String("_:").contains(strName.at(0)))) {
         return false;
     }
     return std::all_of(strName.cbegin(), strName.cend(),
-                       [](QChar c) { return c.isLetterOrNumber() || QLatin1String("_-.").contains(c); });
+                       [](QChar c) { return c.isLetterOrNumber() || QLatin1String("_-.:").contains(c); });
 }
 
 QString withoutBlanks(QString strText)

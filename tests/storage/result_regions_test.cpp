@@ -156,6 +156,20 @@ TEST_F(ResultRegionsTest, AKeyThatCannotBeHeldIsTold)
         m_log.has("SpumKyvo: the region entry \"1 x\" has a name that a result file cannot hold.", CORVLOG_WARNING));
 }
 
+TEST_F(ResultRegionsTest, AKeyMayHaveColons)
+{
+    m_first.analyse();
+    m_first->m_roiResults = {{{"ROI 1: area", ":a", "b:", "c:d:e", "x::y"}, {"1", "2", "3", "4", "5"}, "1"}};
+    const QString strText = m_first->resultToXml();
+    EXPECT_EQ(m_log.reports(), "");
+    ASSERT_TRUE(m_second->readResultV2(rootOf(strText)));
+    QStringList found;
+    for (const RoiRecord& record : qAsConst(m_second->m_roiResults)) {
+        found += record.keys.first() + "=" + record.values.first();
+    }
+    EXPECT_EQ(found.join(" ").toStdString(), "ROI1:area=1 :a=2 b:=3 c:d:e=4 x::y=5");
+}
+
 TEST_F(ResultRegionsTest, AClosingImageHandsItsRegionsToTheResultThatItNames)
 {
     const auto pImage = resultImage("SEQ1", "SEQUMX2", {"a", "b"});
