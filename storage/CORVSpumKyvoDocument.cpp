@@ -70,6 +70,7 @@ void parseDocument(const QString& content, QDomDocument* pDocument)
     }
 }
 
+// The present settings of the engine are its user's to change.
 void showLoadedDecay(CORVSpumKyvo& engine)
 {
     if (!engine.m_bCherenkov) {
@@ -81,8 +82,6 @@ void showLoadedDecay(CORVSpumKyvo& engine)
     } else {
         engine.resultView().setDecayState(unknownIsotope, unknownHalfLifeSeconds, false);
     }
-    // So that the result, saved again, says the same.
-    engine.storeDecayState();
 }
 
 // The view shows the loaded spectra; the engine goes on with the list that the view then has.
@@ -142,6 +141,8 @@ QString CORVSpumKyvo::resultToXml()
 
 bool CORVSpumKyvo::loadResult(QString content)
 {
+    // A file without a mask means every pixel.
+    m_bUseMask = 0;
     m_maskIndices.clear();
     QDomDocument document;
     parseDocument(content, &document);

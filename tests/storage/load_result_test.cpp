@@ -395,6 +395,20 @@ TEST_F(LoadResultTest, NumbersAreReadAndWrittenInAnyLocale)
     std::setlocale(LC_ALL, strEarlier.c_str());
 }
 
+// Its maps have every pixel; a mask of before without its pixels would put them nowhere.
+TEST_F(LoadResultTest, AFileWithoutAMaskHasNoneAfterAMaskedAnalysis)
+{
+    m_second.useMask({1, 2, 5});
+    m_second.analyse();
+    ASSERT_TRUE(loadElements(spectrumListText(2)));
+    EXPECT_EQ(m_second->m_bUseMask, 0);
+    EXPECT_TRUE(m_second->m_maskIndices.empty());
+    ASSERT_EQ(m_second->m_concentrations.num_cols(), resultSide * resultSide);
+    const auto& layers = m_second->m_unmixedImages;
+    ASSERT_GT(layers.size(), 1);
+    EXPECT_GT(layers.at(1)->m_dMax, layers.at(1)->m_dMin);
+}
+
 TEST_F(CherenkovResultTest, AHalfLifeInMinutesIsShownInSeconds)
 {
     ASSERT_TRUE(loadElements(decayText("109.8") + spectrumListText(2)));
@@ -418,13 +432,31 @@ TEST_F(CherenkovResultTest, AFileWithoutDecayShowsNoIsotope)
     EXPECT_FALSE(state.applied);
 }
 
-TEST_F(CherenkovResultTest, TheDecayComesBackWithTheResult)
+// A load sets the controls of the view. What the engine has for the present changes when its user takes them.
+TEST_F(CherenkovResultTest, TheDecayComesBackWithTheResultAndIsTakenByTheUser)
 {
     m_first.analyse();
     m_first->m_strIsotope = "Cu-64";
     m_first->m_dHalfLifeSec = 45721.44;
     m_first->m_bDecayApplied = true;
+    m_second->m_strIsotope = "F-18";
+    m_second->m_dHalfLifeSec = 6586.242;
     const QString strFirst = m_first->resultToXml();
     ASSERT_TRUE(m_second->loadResult(strFirst));
+    EXPECT_EQ(m_second->m_strIsotope, QString("F-18"));
+    EXPECT_EQ(m_second->m_dHalfLifeSec, 6586.242);
+    EXPECT_FALSE(m_second->m_bDecayApplied);
+    m_second->storeDecayState();
     EXPECT_EQ(withoutMoment(m_second->resultToXml()), withoutMoment(strFirst));
+}
+
+TEST_F(CherenkovResultTest, AFileWithoutDecayLeavesThePresentSettings)
+{
+    m_second->m_strIsotope = "F-18";
+    m_second->m_dHalfLifeSec = 6586.242;
+    m_second->m_bDecayApplied = true;
+    ASSERT_TRUE(loadElements(spectrumListText(2)));
+    EXPECT_EQ(m_second->m_strIsotope, QString("F-18"));
+    EXPECT_EQ(m_second->m_dHalfLifeSec, 6586.242);
+    EXPECT_TRUE(m_second->m_bDecayApplied);
 }
