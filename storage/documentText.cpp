@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "storage/documentText.h"
 
+#include "engine/logLine.h"
+#include "host/CORVLog.h"
+
 #include <QByteArray>
 #include <QDomElement>
 #include <QDomNamedNodeMap>
@@ -23,6 +26,7 @@ constexpr int mostElements = 500000;
 constexpr int mostAttributes = 1000; // of an element
 // Sixteen components of two million pixels in a document of the first generation.
 constexpr qint64 largestFile = qint64{512} << 20;
+constexpr int utf8Mib = 106; // its number in the registry of character sets
 
 // Place of each attribute among those of its element. No two elements disagree, so one list serves all.
 const QHash<QString, int>& attributePlaces()
@@ -257,6 +261,34 @@ QTextCodec* codecOf(const QByteArray& bytes)
     return QTextCodec::codecForUtfText(bytes, QTextCodec::codecForName(name));
 }
 
+struct Decoded
+{
+    QString text;
+    bool whole = true; // nothing had to be replaced
+};
+
+Decoded decodeAs(const QByteArray& bytes, const QTextCodec* pCodec)
+{
+    QTextCodec::ConverterState state;
+    Decoded decoded;
+    decoded.text = pCodec->toUnicode(bytes.constData(), bytes.size(), &state);
+    // Not every codec counts what it replaces.
+    decoded.whole = state.invalidChars == 0 && state.remainingChars == 0 &&
+                    (pCodec->mibEnum() == utf8Mib || !decoded.text.contains(QChar::ReplacementCharacter));
+    return decoded;
+}
+
+// Bytes that are wrong in UTF-8 may be those of the locale, in which results are written.
+Decoded decode(const QByteArray& bytes, const QTextCodec* pCodec)
+{
+    const Decoded asNamed = decodeAs(bytes, pCodec);
+    if (asNamed.whole || pCodec->mibEnum() != utf8Mib) {
+        return asNamed;
+    }
+    const Decoded asLocale = decodeAs(bytes, QTextCodec::codecForLocale());
+    return asLocale.whole ? asLocale : asNamed;
+}
+
 } // namespace
 
 namespace documentText {
@@ -300,7 +332,7 @@ bool parse(const QString& text, QDomDocument* pDocument, QString* pReason)
     return false;
 }
 
-bool parse(const QByteArray& bytes, QDomDocument* pDocument, QString* pReason)
+bool parse(const QByteArray& bytes, QDomDocument* pDocument, QString* pReason, QString* pWarning)
 {
     *pDocument = QDomDocument();
     QTextCodec* const pCodec = codecOf(bytes);
@@ -308,13 +340,13 @@ bool parse(const QByteArray& bytes, QDomDocument* pDocument, QString* pReason)
         *pReason = QStringLiteral("its encoding is unknown");
         return false;
     }
-    QTextCodec::ConverterState state;
-    const QString strText = pCodec->toUnicode(bytes.constData(), bytes.size(), &state);
-    if (state.invalidChars > 0) {
-        *pReason = QStringLiteral("not all of it is %1").arg(QString::fromLatin1(pCodec->name()));
-        return false;
+    const Decoded decoded = decode(bytes, pCodec);
+    if (pWarning != nullptr) {
+        *pWarning = decoded.whole ? QString()
+                                  : QStringLiteral("its text is in the bytes of another code page; what cannot be read "
+                                                   "is replaced");
     }
-    return parse(strText, pDocument, pReason);
+    return parse(decoded.text, pDocument, pReason);
 }
 
 bool readFile(const QString& strPath, QDomDocument* pDocument, QString* pReason)
@@ -340,7 +372,12 @@ bool readFile(const QString& strPath, QDomDocument* pDocument, QString* pReason)
         *pReason = file.errorString();
         return false;
     }
-    return parse(bytes, pDocument, pReason);
+    QString strWarning;
+    const bool bParsed = parse(bytes, pDocument, pReason, &strWarning);
+    if (bParsed && !strWarning.isEmpty()) {
+        logLine(strPath + QStringLiteral(": ") + strWarning, CORVLOG_WARNING);
+    }
+    return bParsed;
 }
 
 } // namespace documentText

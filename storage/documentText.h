@@ -24,10 +24,12 @@ QString toText(const QDomDocument& document);
 // being empty: the tree takes itself apart by recursion; and so are more than 500,000 elements, whose tree takes up to
 // a gigabyte, more than 1000 attributes in one, and declared entities, of which few lines make many.
 bool parse(const QString& text, QDomDocument* pDocument, QString* pReason);
-// Same of the bytes of a file, in the encoding that it names; of bytes that are wrong in it *pDocument is empty.
-bool parse(const QByteArray& bytes, QDomDocument* pDocument, QString* pReason);
-// Same of a file, of which there is no more than 512 MiB. What is no file (a folder, a pipe) or cannot be opened is
-// refused too.
+// Same of the bytes of a file, in the encoding that it names. A results file says UTF-8 and holds the bytes of the code
+// page of its writer: bytes that are no UTF-8 are read in the code page of the locale, and where they are wrong in that
+// too, what cannot be read is replaced and *pWarning (may be null; else empty) tells so.
+bool parse(const QByteArray& bytes, QDomDocument* pDocument, QString* pReason, QString* pWarning = nullptr);
+// Same of a file, of which there is no more than 512 MiB; a warning goes to the log. What is no file (a folder, a pipe)
+// or cannot be opened is refused too.
 bool readFile(const QString& strPath, QDomDocument* pDocument, QString* pReason);
 
 } // namespace documentText

@@ -23,6 +23,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QTextCodec>
 
 #include <cstdlib>
 #include <unistd.h>
@@ -52,6 +53,8 @@ OddReader reader(const std::function<Reading(const QString& path)>& read)
 {
     return [read](const QString& path, int descriptor) {
         Reading reading;
+        // What a reader makes of wrong bytes must not depend on who runs the test.
+        QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
         // Words that the log gets are words of the reader.
         orv::setConsoleLogLevel(orv::ConsoleLog::Nothing);
         QStringList logged;

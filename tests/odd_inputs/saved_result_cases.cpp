@@ -90,7 +90,8 @@ OddCases documents()
             [] { return QTextCodec::codecForName("UTF-16BE")->fromUnicode(QString(undeclared())).mid(2); }, C::Silent,
             gist),
         document(
-            "InLatin1", [] { return replaced("\"A\"", "\"gr\xfcn\""); }, C::Refused, "{path}: not all of it is UTF-8"),
+            "InLatin1", [] { return replaced("\"A\"", "\"gr\xfcn\""); }, C::Warned,
+            "{path}: its text is in the bytes of another code page; what cannot be read is replaced"),
         document(
             "InLatin1AsDeclared", [] { return replaced("\"A\"", "\"gr\xfcn\"").replace("UTF-8", "ISO-8859-1"); },
             C::Silent, QString(gist).replace(" A ", QStringLiteral(u" gr\u00fcn "))),

@@ -214,6 +214,38 @@ TEST(DocumentTextTest, BytesAreReadInTheEncodingThatTheyName)
     EXPECT_EQ(document.documentElement().attribute("a"), QString::fromUtf8("caf\u00e9"));
 }
 
+// Only UTF-8 is in doubt: its writers take the bytes of their locale.
+TEST(DocumentTextTest, WrongBytesAreReadInTheCodePageOfTheLocale)
+{
+    QTextCodec* const pBefore = QTextCodec::codecForLocale();
+    QTextCodec::setCodecForLocale(QTextCodec::codecForName("ISO-8859-1"));
+    QDomDocument document;
+    QString strReason;
+    QString strWarning;
+    EXPECT_TRUE(documentText::parse(QByteArray("<?xml version=\"1.0\" encoding=\"UTF-8\"?><R a=\"caf\xE9\"/>"),
+                                    &document, &strReason, &strWarning));
+    QTextCodec::setCodecForLocale(pBefore);
+    EXPECT_EQ(document.documentElement().attribute("a"), QString::fromUtf8("caf\u00e9"));
+    EXPECT_TRUE(strWarning.isEmpty());
+}
+
+TEST(DocumentTextTest, WrongBytesOfNoCodePageAreReplaced)
+{
+    QTextCodec* const pBefore = QTextCodec::codecForLocale();
+    for (const char* pName : {"UTF-8", "US-ASCII", "Shift_JIS"}) {
+        QTextCodec::setCodecForLocale(QTextCodec::codecForName(pName));
+        QDomDocument document;
+        QString strReason;
+        QString strWarning;
+        EXPECT_TRUE(documentText::parse(QByteArray("<R a=\"x\xFF\xE9\"/>"), &document, &strReason, &strWarning))
+            << pName;
+        EXPECT_TRUE(document.documentElement().attribute("a").startsWith(QString("x") + QChar(0xFFFD))) << pName;
+        EXPECT_EQ(strWarning, QString("its text is in the bytes of another code page; what cannot be read is replaced"))
+            << pName;
+    }
+    QTextCodec::setCodecForLocale(pBefore);
+}
+
 RC_GTEST_PROP(DocumentTextLaw, ItIsQtsTextButForTheOrderOfAttributes, (const std::vector<std::vector<int>>& values))
 {
     static const QStringList names{"Version", "Name", "Col", "Row", "value", "Text.Data", "other", "Note"};

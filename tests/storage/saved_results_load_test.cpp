@@ -8,6 +8,7 @@
 #include "spectra/SpectrumPlotParams.h"
 
 #include <QGuiApplication>
+#include <QTextCodec>
 #include <QWindow>
 
 #include <sys/stat.h>
@@ -108,6 +109,68 @@ TEST_F(LoadTest, ASavedResultComesBack)
     EXPECT_TRUE(m_log.has(strDone, 16));
     EXPECT_EQ(m_processes.first(), QString("1 |0"));
     EXPECT_EQ(m_processes.last(), "0 " + strDone + "|1000");
+}
+
+// The codec of the locale as long as it lives.
+class LocaleCodec
+{
+public:
+    explicit LocaleCodec(const char* pName) : m_pBefore(QTextCodec::codecForLocale())
+    {
+        QTextCodec::setCodecForLocale(QTextCodec::codecForName(pName));
+    }
+    ~LocaleCodec() { QTextCodec::setCodecForLocale(m_pBefore); }
+    LocaleCodec(const LocaleCodec&) = delete;
+    LocaleCodec& operator=(const LocaleCodec&) = delete;
+
+private:
+    QTextCodec* m_pBefore;
+};
+
+// What the engine is handed of a saved result, whatever it makes of it.
+class LoadNoteTest : public LoadTest
+{
+protected:
+    void saveNote(const QString& strNote)
+    {
+        m_engine.resultView().setNote(strNote);
+        m_list.setCurrentText("kidney");
+        ASSERT_EQ(m_results.onClickSaveResults(), SaveOutcome::Saved);
+    }
+    QString loadedNote()
+    {
+        m_engine.resultView().setNote(QString());
+        load("kidney");
+        return m_engine.resultView().getNote();
+    }
+};
+
+const QString umlauts = QString::fromUtf8("caf\u00e9, 3 \u00b5m, M\u00e4use");
+
+TEST_F(LoadNoteTest, ANoteSurvivesInEachCodePage)
+{
+    for (const char* pName : {"UTF-8", "ISO-8859-1", "ISO-8859-15", "windows-1252"}) {
+        const LocaleCodec codec(pName);
+        saveNote(umlauts);
+        EXPECT_EQ(loadedNote(), umlauts) << pName;
+        EXPECT_FALSE(m_log.mentions("code page")) << pName;
+        QDir(path("XML")).removeRecursively();
+    }
+}
+
+TEST_F(LoadNoteTest, InBytesOfAnotherCodePageWhatCannotBeReadIsReplacedAndTold)
+{
+    {
+        const LocaleCodec codec("ISO-8859-1");
+        saveNote(umlauts);
+    }
+    const LocaleCodec codec("UTF-8");
+    EXPECT_EQ(loadedNote(), QString::fromUtf8("caf\ufffd, 3 \ufffdm, M\ufffduse"));
+    EXPECT_TRUE(m_log.has(path("XML/SpecUnmix/" + files().first()) +
+                              ": its text is in the bytes of another code page; what cannot be read is replaced",
+                          2))
+        << m_log.reports();
+    EXPECT_TRUE(m_boxes.shown.isEmpty());
 }
 
 TEST_F(LoadTest, AMissingFileGoesThroughTheProgressAndEndsInLoadingFailed)
