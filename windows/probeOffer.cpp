@@ -60,13 +60,24 @@ QStringList proposedProbes(const QStringList& initialProbes, const QStringList& 
     const QString strFirst = proposal.offered.value(0);
     QStringList rows;
     for (const QString& strName : proposal.names) {
-        rows.append(proposal.offered.contains(strName, Qt::CaseSensitive) ? strName : strFirst);
+        rows.append(proposal.offered.contains(strName, Qt::CaseSensitive) ? strName : QString(QLatin1String("")));
     }
     const int nFewest = nAnalysisType == kTemporal ? 2 : 1;
     while (rows.size() < nFewest) {
         rows.append(strFirst);
     }
     return rows;
+}
+
+QString otherSpelling(const QString& strName, const QStringList& offered)
+{
+    if (offered.contains(strName, Qt::CaseSensitive)) {
+        return QString();
+    }
+    const auto nearest = std::find_if(offered.cbegin(), offered.cend(), [&strName](const QString& strOffered) {
+        return strOffered.compare(strName, Qt::CaseInsensitive) == 0;
+    });
+    return nearest != offered.cend() ? *nearest : QString();
 }
 
 bool isTissueByDefault(int nAnalysisType)

@@ -33,9 +33,12 @@ struct ProbeProposal
 ProbeProposal proposeProbes(const QStringList& initialProbes, const QStringList& offered);
 
 // The texts of the table's rows at the start: the accepted names that the offer has in the same spelling; for a name in
-// another spelling the first entry of the offer, for lack of a choice; and rows of the first entry up to the fewest
+// another spelling an empty text, as no entry is selected; and rows of the first entry up to the fewest
 // that a table starts with, one, or two in a temporal sequence. Empty texts when nothing is offered.
 QStringList proposedProbes(const QStringList& initialProbes, const QStringList& offered, int nAnalysisType);
+
+// The entry of the offer that differs from the name by case alone; empty when the offer has the name itself, or none.
+QString otherSpelling(const QString& strName, const QStringList& offered);
 
 // Whether the tissue's own light counts as a component at the start (food never does), and whether constraints are
 // used.

@@ -17,12 +17,39 @@ namespace {
 
 constexpr double secondsPerMinute = 60.0;
 
+QStringList offerFor(const CORVSpumKyvo& engine)
+{
+    const bool fluorescent = engine.m_eTemporalKind != 0;
+    return offeredProbes(engine.m_eSeqKind, fluorescent);
+}
+
+// Says which of the names is known in another spelling only, and in which; empty when none is.
+QString unknownSpelling(const QStringList& names, const QStringList& known)
+{
+    for (const QString& name : names) {
+        const QString nearest = otherSpelling(name, known);
+        if (!nearest.isEmpty()) {
+            return QStringLiteral("\"%1\" is not known by that name; the nearest known one is \"%2\"")
+                .arg(name, nearest);
+        }
+    }
+    return QString();
+}
+
 QStringList namesOf(const AutomaticRequest& request, const CORVSpumKyvo& engine)
 {
     if (!request.components.isEmpty()) {
+        const QString unknown = unknownSpelling(request.components, componentNames(true, true, offerFor(engine)));
+        if (!unknown.isEmpty()) {
+            throw Failure(QStringLiteral("--components: ") + unknown);
+        }
         return request.components;
     }
     if (request.count == 0) {
+        const QString unknown = unknownProbe(engine);
+        if (!unknown.isEmpty()) {
+            throw Failure(unknown, QStringLiteral("give the names by --components"));
+        }
         return proposedComponents(engine);
     }
     QStringList names;
@@ -118,10 +145,15 @@ void takeDecay(const AutomaticRequest& request, const CORVSequenceDataset& seque
 
 QStringList proposedComponents(const CORVSpumKyvo& engine)
 {
-    const bool fluorescent = engine.m_eTemporalKind != 0;
-    const QStringList offered = offeredProbes(engine.m_eSeqKind, fluorescent);
     return componentNames(isTissueByDefault(engine.m_eSeqKind), false,
-                          proposedProbes(engine.m_probes, offered, engine.m_eSeqKind));
+                          proposedProbes(engine.m_probes, offerFor(engine), engine.m_eSeqKind));
+}
+
+QString unknownProbe(const CORVSpumKyvo& engine)
+{
+    const ProbeProposal proposal = proposeProbes(engine.m_probes, offerFor(engine));
+    const QString unknown = unknownSpelling(proposal.names, proposal.offered);
+    return unknown.isEmpty() ? QString() : QStringLiteral("the sequence's probe ") + unknown;
 }
 
 QStringList setUpAutomatic(const AutomaticRequest& request, bool bBeyondSix, const CORVSequenceDataset& sequence,

@@ -9,8 +9,12 @@ class CORVSequenceDataset;
 class CORVSpumKyvo;
 
 // The components that a window would propose for the sequence of an engine that has inspected it: tissue
-// autofluorescence (not in a temporal sequence) and the sequence's own probes.
+// autofluorescence (not in a temporal sequence) and the sequence's own probes, an empty text for one that is known in
+// another spelling only.
 QStringList proposedComponents(const CORVSpumKyvo& engine);
+
+// Says which probe of the sequence is known in another spelling only, and in which; empty when there is none.
+QString unknownProbe(const CORVSpumKyvo& engine);
 
 // Prepares an automatic run of an engine whose selection is made: names, constraints, decay. Returns warnings. Throws
 // Failure when the number of components is not from 2 to 6 and at most that of the images (`bBeyondSix`: to that of

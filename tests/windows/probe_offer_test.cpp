@@ -80,7 +80,13 @@ TEST(ProposedProbesTest, AnotherSpellingIsAcceptedButSelectsNoName)
     const ProbeProposal proposal = proposeProbes({"alexafluor 750", "Cy5"}, kOffer);
     EXPECT_EQ(proposal.names, (QStringList{"alexafluor 750", "Cy5"}));
     EXPECT_EQ(proposal.offered, kOffer);
-    EXPECT_EQ(proposedProbes({"alexafluor 750", "Cy5"}, kOffer, 1), (QStringList{"Unknown", "Cy5"}));
+    const QStringList rows = proposedProbes({"alexafluor 750", "Cy5"}, kOffer, 1);
+    EXPECT_EQ(rows, (QStringList{"", "Cy5"}));
+    EXPECT_EQ(proposedProbes({"unknown"}, kOffer, 3), (QStringList{"", "Unknown"}));
+    EXPECT_EQ(otherSpelling("alexafluor 750", kOffer), QString("AlexaFluor 750"));
+    EXPECT_EQ(otherSpelling("Cy5", kOffer), QString());
+    EXPECT_EQ(otherSpelling("Dye of tomorrow", kOffer), QString());
+    EXPECT_EQ(otherSpelling("icg", {"ICG", "icg"}), QString());
 }
 
 TEST(ProposedProbesTest, TableHasARowAndATemporalOneTwo)

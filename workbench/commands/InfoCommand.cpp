@@ -146,6 +146,10 @@ QStringList proposal(OpenedSequence& opened)
 QString proposalText(OpenedSequence& opened)
 {
     const QStringList names = proposal(opened);
+    const QString unknown = names.isEmpty() ? QString() : unknownProbe(opened.engine());
+    if (!unknown.isEmpty()) {
+        return QStringLiteral("none proposed: ") + unknown;
+    }
     return names.isEmpty() ? QString()
                            : names.join(QStringLiteral(", ")) + QStringLiteral(" (proposed for the automatic method)");
 }

@@ -87,6 +87,23 @@ TEST_F(AutomaticSetUpTest, AFluorescentSequenceProposesTissueAndItsProbes)
     EXPECT_EQ(engine().m_suggestedLabels.last(), "AlexaFluor 750");
 }
 
+TEST_F(AutomaticSetUpTest, AProbeInAnotherSpellingIsRefusedWithTheNearestKnownOne)
+{
+    bands(4);
+    for (auto& image : m_sequence.images) {
+        image.probe = "alexafluor 750";
+        image.subject = "Mouse";
+    }
+    EXPECT_EQ(proposedComponents(engine()), (QStringList{"TissueAF", ""}));
+    EXPECT_EQ(refusal(AutomaticRequest()),
+              "the sequence's probe \"alexafluor 750\" is not known by that name; the nearest known one is "
+              "\"AlexaFluor 750\"; give the names by --components");
+    EXPECT_EQ(refusal(named({"tissueaf", "AlexaFluor 750"})),
+              "--components: \"tissueaf\" is not known by that name; the nearest known one is \"TissueAF\"");
+    EXPECT_NO_THROW(setUp(named({"TissueAF", "AlexaFluor 750"})));
+    EXPECT_NO_THROW(setUp(counted(2)));
+}
+
 TEST_F(AutomaticSetUpTest, WithoutAProbeThatIsOfferedOneIsUnknown)
 {
     bands(4);
