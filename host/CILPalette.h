@@ -6,6 +6,10 @@
 #include <QStringList>
 #include <QVector>
 
+namespace orvimage {
+class PaletteMapper;
+}
+
 // A colour table for an image: turns values into colours between a minimum and a maximum.
 class CILPalette
 {
@@ -49,6 +53,11 @@ public:
     QRgb map(double value, double minimum, double maximum) const;
 
 private:
+    friend class orvimage::PaletteMapper;
+
+    // Place in the table of a fraction that is no NaN.
+    int placeOf(double fraction) const;
+
     QVector<QRgb> m_colors;
     int m_nTable = 0;
     bool m_bReversed = false;

@@ -2,10 +2,14 @@
 #include "host/CILImageBase.h"
 #include "platform/orvimage/PixelTypes.h"
 
+#include <algorithm>
+#include <array>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <limits>
 #include <new>
+#include <numeric>
 #include <utility>
 
 CILImageBase::CILImageBase(const CILImageBase& other)
@@ -141,25 +145,64 @@ void CILImageBase::setValue(std::size_t i, double v)
     });
 }
 
+namespace {
+
+// Values that are compared side by side: a comparison does not wait for the one before.
+constexpr std::size_t kLanes = 8;
+
+// Of equals the first stays, as for one running extreme: 0 and -0 are equal, and what is written of an image may show
+// the sign. The range holds a zero where `extreme` is one.
+template <typename T>
+double firstOfZeros(const T* pixels, double extreme)
+{
+    while (extreme == 0.0) {
+        if (*pixels == T{0}) {
+            return static_cast<double>(*pixels);
+        }
+        ++pixels;
+    }
+    return extreme;
+}
+
+template <typename T>
+orvimage::FiniteRange rangeOf(const T* pixels, std::size_t n)
+{
+    std::array<T, kLanes> lowest;
+    std::array<T, kLanes> highest;
+    std::array<std::size_t, kLanes> counts{};
+    lowest.fill(std::numeric_limits<T>::max());
+    highest.fill(std::numeric_limits<T>::lowest());
+    const auto take = [&](std::size_t lane, T v) {
+        const bool finite = v - v == T{0}; // not so for infinities and what is no number
+        const T low = v < lowest[lane] ? v : lowest[lane];
+        const T high = v > highest[lane] ? v : highest[lane];
+        lowest[lane] = finite ? low : lowest[lane];
+        highest[lane] = finite ? high : highest[lane];
+        counts[lane] += finite ? 1U : 0U;
+    };
+    std::size_t i = 0;
+    for (; i + kLanes <= n; i += kLanes) {
+        for (std::size_t lane = 0; lane < kLanes; ++lane) {
+            take(lane, pixels[i + lane]);
+        }
+    }
+    for (; i < n; ++i) {
+        take(0, pixels[i]);
+    }
+    orvimage::FiniteRange range;
+    range.count = std::accumulate(counts.begin(), counts.end(), std::size_t{0});
+    if (range.count > 0) {
+        range.minimum = firstOfZeros(pixels, static_cast<double>(*std::min_element(lowest.begin(), lowest.end())));
+        range.maximum = firstOfZeros(pixels, static_cast<double>(*std::max_element(highest.begin(), highest.end())));
+    }
+    return range;
+}
+
+} // namespace
+
 orvimage::FiniteRange orvimage::finiteRange(const CILImageBase& image)
 {
     FiniteRange range;
-    double lowest = std::numeric_limits<double>::infinity();
-    double highest = -lowest;
-    visitPixels(image, [&](const auto* pixels, std::size_t n) {
-        for (std::size_t i = 0; i < n; ++i) {
-            const auto v = static_cast<double>(pixels[i]);
-            if (!std::isfinite(v)) {
-                continue;
-            }
-            ++range.count;
-            lowest = v < lowest ? v : lowest;
-            highest = v > highest ? v : highest;
-        }
-    });
-    if (range.count > 0) {
-        range.minimum = lowest;
-        range.maximum = highest;
-    }
+    visitPixels(image, [&](const auto* pixels, std::size_t n) { range = rangeOf(pixels, n); });
     return range;
 }

@@ -1,36 +1,40 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // How an image is shown.
 #include "host/CILImage.h"
+#include "platform/orvimage/Luma.h"
+#include "platform/orvimage/PaletteMapper.h"
 #include "platform/orvimage/PixelTypes.h"
+
+#include "XTNT/xtnt_parallel.h"
 
 #include <algorithm>
 #include <limits>
+#include <vector>
 
 namespace {
 
-constexpr unsigned kFormatRgba = 0x1908;
-constexpr unsigned kFormatGrey = 0x1909;
 // QImage holds its sides as ints and its bytes a line as an int.
 constexpr long kMaxPictureSide = 32767;
 
-// Luma of ITU-R BT.601, rounded to nearest.
-int luma(QRgb color)
-{
-    return (299 * qRed(color) + 587 * qGreen(color) + 114 * qBlue(color) + 500) / 1000;
-}
+constexpr QRgb kColorMask = 0x00ffffffU;
+// Pixels that a thread takes at a time. Lines of 32 bit pixels have no padding between them.
+constexpr long long kGrain = 16384;
 
 int brightestChannel(const QImage& picture)
 {
-    int brightest = 0;
-    for (int y = 0; y < picture.height(); ++y) {
-        const QRgb* line = reinterpret_cast<const QRgb*>(picture.constScanLine(y));
-        for (int x = 0; x < picture.width(); ++x) {
-            if (qAlpha(line[x]) > 0) {
-                brightest = std::max({brightest, qRed(line[x]), qGreen(line[x]), qBlue(line[x])});
-            }
+    const auto* pixels = reinterpret_cast<const QRgb*>(picture.constBits());
+    const long long count = static_cast<long long>(picture.width()) * picture.height();
+    std::vector<QRgb> brightest(static_cast<std::size_t>((count + kGrain - 1) / kGrain));
+    XTNT::parallelChunks(count, kGrain, [&](long long begin, long long end) {
+        QRgb highest = 0;
+        for (long long i = begin; i < end; ++i) {
+            const QRgb c = pixels[i] > kColorMask ? pixels[i] : 0U; // what is clear does not count
+            const QRgb redOrGreen = std::max((c >> 16U) & 0xffU, (c >> 8U) & 0xffU);
+            highest = std::max({highest, redOrGreen, c & 0xffU});
         }
-    }
-    return brightest;
+        brightest[static_cast<std::size_t>(begin / kGrain)] = highest;
+    });
+    return static_cast<int>(*std::max_element(brightest.begin(), brightest.end()));
 }
 
 // Scales the colours so that the brightest channel of the picture reaches `level`.
@@ -40,29 +44,19 @@ void adjustBrightness(QImage& picture, int level)
     if (brightest == 0 || brightest == level) {
         return;
     }
-    int scaled[256];
+    QRgb scaled[256];
     for (int c = 0; c < 256; ++c) {
-        scaled[c] = std::min(255, (2 * c * level + brightest) / (2 * brightest));
+        scaled[c] = static_cast<QRgb>(std::min(255, (2 * c * level + brightest) / (2 * brightest)));
     }
-    for (int y = 0; y < picture.height(); ++y) {
-        QRgb* line = reinterpret_cast<QRgb*>(picture.scanLine(y));
-        for (int x = 0; x < picture.width(); ++x) {
-            const QRgb c = line[x];
-            line[x] = qRgba(scaled[qRed(c)], scaled[qGreen(c)], scaled[qBlue(c)], qAlpha(c));
-        }
-    }
-}
-
-QRgb shownColor(QRgb color, unsigned format)
-{
-    if (format == kFormatRgba) {
-        return color;
-    }
-    if (format == kFormatGrey) {
-        const int grey = luma(color);
-        return qRgb(grey, grey, grey);
-    }
-    return color | 0xff000000U;
+    auto* const pixels = reinterpret_cast<QRgb*>(picture.bits());
+    XTNT::parallelChunks(static_cast<long long>(picture.width()) * picture.height(), kGrain,
+                         [&](long long begin, long long end) {
+                             for (long long i = begin; i < end; ++i) {
+                                 const QRgb c = pixels[i];
+                                 pixels[i] = (c & ~kColorMask) | scaled[(c >> 16U) & 0xffU] << 16U |
+                                             scaled[(c >> 8U) & 0xffU] << 8U | scaled[c & 0xffU];
+                             }
+                         });
 }
 
 } // namespace
@@ -106,13 +100,12 @@ QImage CILImage::toQImage() const
             minimum = range.minimum;
             maximum = range.maximum;
         }
-        orvimage::visitPixels(*this, [&](const auto* pixels, std::size_t) {
-            for (int y = 0; y < picture.height(); ++y) {
-                QRgb* line = reinterpret_cast<QRgb*>(picture.scanLine(y));
-                for (int x = 0; x < picture.width(); ++x) {
-                    line[x] = shownColor(m_palette.map(static_cast<double>(*pixels++), minimum, maximum), m_nGLFormat);
-                }
-            }
+        const orvimage::PaletteMapper mapper(m_palette, minimum, maximum, m_nGLFormat, m_eType, pixelCount());
+        auto* const colors = reinterpret_cast<QRgb*>(picture.bits());
+        orvimage::visitPixels(*this, [&](const auto* pixels, std::size_t n) {
+            XTNT::parallelChunks(static_cast<long long>(n), kGrain, [&](long long begin, long long end) {
+                mapper.map(pixels + begin, static_cast<std::size_t>(end - begin), colors + begin);
+            });
         });
     }
     if (m_nBrightness > 0) {
@@ -127,12 +120,11 @@ void CILImage::setRGBImage(const QImage& picture)
     if (InitWithType(ORVTYPE_BYTE, colours.width(), colours.height()) != EIL_SUCCESS) {
         return;
     }
-    unsigned char* grey = bytes();
-    for (int y = 0; y < colours.height(); ++y) {
-        const QRgb* line = reinterpret_cast<const QRgb*>(colours.constScanLine(y));
-        for (int x = 0; x < colours.width(); ++x) {
-            *grey++ = static_cast<unsigned char>(luma(line[x]));
-        }
+    unsigned char* const grey = bytes();
+    const auto* pixels = reinterpret_cast<const QRgb*>(colours.constBits());
+    const std::size_t n = pixelCount();
+    for (std::size_t i = 0; i < n; ++i) {
+        grey[i] = static_cast<unsigned char>(orvimage::luma(pixels[i]));
     }
     m_rgb = colours;
     RefreshImageStats();

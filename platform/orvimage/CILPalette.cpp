@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/CILPalette.h"
 #include "platform/orvimage/ColorTables.h"
+#include "platform/orvimage/PaletteArithmetic.h"
 
 #include <algorithm>
 #include <cmath>
@@ -19,7 +20,8 @@ double fractionOf(double value, double minimum, double maximum)
     if (value <= minimum) {
         return 0.0;
     }
-    return (value / 2 - minimum / 2) / (maximum / 2 - minimum / 2);
+    const double half = minimum * 0.5;
+    return orvimage::fractionInside(value, half, orvimage::halfSpan(half, maximum));
 }
 
 } // namespace
@@ -101,15 +103,17 @@ QRgb CILPalette::colorAt(double fraction) const
     if (m_colors.isEmpty()) { // moved from
         return qRgb(0, 0, 0);
     }
-    double f = std::isnan(fraction) ? 0.0 : std::clamp(fraction, 0.0, 1.0);
-    if (m_bLogScale) {
-        f = std::log10(1.0 + 9.0 * f);
-    }
+    return m_colors[placeOf(std::isnan(fraction) ? 0.0 : std::clamp(fraction, 0.0, 1.0))];
+}
+
+int CILPalette::placeOf(double fraction) const
+{
+    double f = m_bLogScale ? orvimage::logarithmic(fraction) : fraction;
     if (m_bReversed) {
         f = 1.0 - f;
     }
     const int last = m_colors.size() - 1;
-    return m_colors[std::clamp(static_cast<int>(std::lround(f * last)), 0, last)];
+    return std::clamp(static_cast<int>(std::lround(f * last)), 0, last);
 }
 
 QRgb CILPalette::map(double value, double minimum, double maximum) const

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/CORVOverlayImage.h"
+#include "platform/orvimage/LayerBlend.h"
 
 #include <algorithm>
 #include <cmath>
@@ -36,20 +37,6 @@ QImage foregroundLayer(const CILImage* image)
     return picture;
 }
 
-// `upper` at `opacity` over `lower` (T. Porter, T. Duff, Compositing digital images, 1984).
-QRgb over(QRgb upper, QRgb lower, double opacity)
-{
-    const double a = opacity * qAlpha(upper) / 255.0;
-    const double b = (1.0 - a) * qAlpha(lower) / 255.0;
-    const double total = a + b;
-    if (total <= 0.0) {
-        return qRgba(0, 0, 0, 0);
-    }
-    const auto mix = [&](int u, int l) { return static_cast<int>(std::lround((a * u + b * l) / total)); };
-    return qRgba(mix(qRed(upper), qRed(lower)), mix(qGreen(upper), qGreen(lower)), mix(qBlue(upper), qBlue(lower)),
-                 static_cast<int>(std::lround(255.0 * total)));
-}
-
 } // namespace
 
 void CORVOverlayImage::setBackground(const CILImage* image, tag_eimagetype)
@@ -78,18 +65,9 @@ EILSTATUS CORVOverlayImage::blend(float opacity, int smooth)
                             smooth != 0 ? Qt::SmoothTransformation : Qt::FastTransformation)
                     .convertToFormat(QImage::Format_ARGB32);
     }
-    QImage result(base.size(), QImage::Format_ARGB32);
+    const QImage result = orvimage::blendPictures(upper, m_background, share);
     if (result.isNull()) {
         return EIL_NO_MEMORY;
-    }
-    for (int y = 0; y < result.height(); ++y) {
-        QRgb* out = reinterpret_cast<QRgb*>(result.scanLine(y));
-        const QRgb* below =
-            reinterpret_cast<const QRgb*>(m_background.isNull() ? nullptr : m_background.constScanLine(y));
-        const QRgb* above = reinterpret_cast<const QRgb*>(upper.isNull() ? nullptr : upper.constScanLine(y));
-        for (int x = 0; x < result.width(); ++x) {
-            out[x] = over(above == nullptr ? 0U : above[x], below == nullptr ? 0U : below[x], share);
-        }
     }
     setRGBImage(result);
     return EIL_SUCCESS;
