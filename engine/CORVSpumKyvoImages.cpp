@@ -139,6 +139,8 @@ bool CORVSpumKyvo::showUnmixedImages(CORVSequenceDataset& sequence, CORVDataset&
     const CILImage photoPicture = pictureOf(*pPhoto);
     source.photo = m_pPhoto;
     source.photoPicture = &photoPicture;
+    const CORVOverlayImage hint = m_pResultView->showsUnmixedImages() ? hintOf(m_pPhoto) : CORVOverlayImage();
+    source.hint = &hint;
 
     showColorBar(source.display.commonRange);
     // Ranges that are missing, and all else in a loaded result that does not go together.

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/unmixedImages.h"
 
-#include "host/CORVOverlayImage.h"
-
 #include <algorithm>
 #include <new>
 #include <utility>
@@ -136,6 +134,13 @@ CILImage pictureOf(const CILImage& image)
     return picture;
 }
 
+CORVOverlayImage hintOf(const CILImage* pPhoto)
+{
+    CORVOverlayImage hint;
+    hint.setLuminescent(photographLayer(pPhoto).get(), IMAGETYPE_LUMINESCENT);
+    return hint;
+}
+
 std::unique_ptr<CILImage> concentrationMap(const UnmixedSource& source, int nComponent, int nSpot)
 {
     auto pMap = std::make_unique<CILImage>();
@@ -197,10 +202,13 @@ UnmixedSpot unmixedSpot(const UnmixedSource& source, int nSpot)
         addLayer(composite, map, c + 1);
     }
 
-    CORVOverlayImage& final = keep(spot, std::make_unique<CORVOverlayImage>());
+    CORVOverlayImage& final =
+        keep(spot, std::make_unique<CORVOverlayImage>(source.hint != nullptr ? *source.hint : CORVOverlayImage()));
     final.setPhotograph(&composite, IMAGETYPE_PHOTOGRAPH);
     const CILImage& layer = keep(spot, photographLayer(source.photo));
-    final.setLuminescent(&layer, IMAGETYPE_LUMINESCENT);
+    if (source.hint == nullptr) {
+        final.setLuminescent(&layer, IMAGETYPE_LUMINESCENT);
+    }
     blend(final, (source.display.overlayOpacity + 1) * photoShare / 100.0);
     final.AdjustRGBBrightness(static_cast<unsigned char>(brightest));
     spot.tiles.append({&final, tileLabel("Composite", nSpot, source.spots)});

@@ -5,6 +5,7 @@
 
 #include "XTNT/xtnt_matrix.h"
 #include "host/CILImage.h"
+#include "host/CORVOverlayImage.h"
 #include "windows/CompositeChannel.h"
 
 #include <QColor>
@@ -66,6 +67,7 @@ struct UnmixedSource
     UnmixedDisplay display;
     const CILImage* photo = nullptr;        // borrowed; null or empty: the maps stand alone
     const CILImage* photoPicture = nullptr; // borrowed; see pictureOf(), for the layers beneath
+    const CORVOverlayImage* hint = nullptr; // borrowed; see hintOf(); null: each spot makes its own
 
     long long pixelsPerSpot() const;
     // Whether the sizes go together: a component a row, enough columns, all places inside the map.
@@ -74,6 +76,10 @@ struct UnmixedSource
 
 // An image that holds what `image` shows. Overlays that take it as their layer share the one picture.
 CILImage pictureOf(const CILImage& image);
+
+// An overlay with a photograph (null or empty: none) in front, as it is hinted at over a composite. What copies of it
+// have in front is the same picture.
+CORVOverlayImage hintOf(const CILImage* pPhoto);
 
 // Component nComponent at spot nSpot, w x h doubles. Throws std::bad_alloc; so do all that follow.
 std::unique_ptr<CILImage> concentrationMap(const UnmixedSource& source, int nComponent, int nSpot);

@@ -6,7 +6,13 @@
 
 #include <QImage>
 
+#include <memory>
+
 class CILHistogram;
+
+namespace orvimage {
+class Layer;
+}
 
 // An image with its arithmetic and its way of being shown. Value semantics: copies share nothing.
 class CILImage : public CILImageBase
@@ -59,10 +65,10 @@ public:
 
     // Recomputes m_dMin and m_dMax from the finite pixels; an image without any gets 0 and 0.
     void RefreshImageStats();
-    double Min() const { return m_dMin; }
-    double Max() const { return m_dMax; }
-    double getMin() const { return m_dMin; }
-    double getMax() const { return m_dMax; }
+    double Min() const { return pixels() != nullptr ? m_dMin : 0.0; }
+    double Max() const { return pixels() != nullptr ? m_dMax : 0.0; }
+    double getMin() const { return Min(); }
+    double getMax() const { return Max(); }
     // Empties the histogram and counts the pixels into its bins between its image minimum and maximum.
     void Histogram(CILHistogram& histogram) const;
 
@@ -86,19 +92,27 @@ public:
     // picture empties the image. Changing the pixels' values or size by any operation but ChangeType drops the picture.
     void setRGBImage(const QImage& picture);
     // The picture goes, its grey values stay.
-    void dropRGBImage() { m_rgb = QImage(); }
-    bool isRGB() const { return !isEmpty() && !m_rgb.isNull(); }
+    void dropRGBImage();
+    bool isRGB() const { return !isEmpty() && (!m_rgb.isNull() || m_layer != nullptr); }
+    // The picture as a layer of others; later changes of the image do not reach it. Null where toQImage() is. A map in
+    // four colours whose palette has limits is clear below the lower one where it lies over another layer.
+    std::shared_ptr<const orvimage::Layer> layer() const;
 
     // Writes the pixels as TIFF in their own type (32 bit integers, floats and doubles included), by way of a temporary
     // file beside the target. Non-zero on failure, the target is then as it was.
     EILSTATUS saveAsTIFF(const char* path) const;
 
 protected:
-    void pixelsReplaced() override { m_rgb = QImage(); }
+    void pixelsReplaced() override;
+    void makePixels() const override;
+    // Makes the image show a picture that is made when somebody looks; the pixels become its grey values, made
+    // likewise.
+    void showLayer(std::shared_ptr<const orvimage::Layer> layer);
 
     CILPalette m_palette;
     unsigned m_nGLFormat = 0x1909;
-    unsigned char m_nBrightness = 0; // 0: as it is
-    QImage m_rgb;
+    unsigned char m_nBrightness = 0;                // 0: as it is
+    QImage m_rgb;                                   // the colour picture that the image shows,
+    std::shared_ptr<const orvimage::Layer> m_layer; // or what it is made of
     bool m_bLastOk = true;
 };

@@ -37,24 +37,35 @@ public:
     void setValue(std::size_t i, double v);
 
     // Typed access to the first pixel. The caller knows the type.
-    unsigned char* bytes() { return static_cast<unsigned char*>(m_pData); }
-    const unsigned char* bytes() const { return static_cast<const unsigned char*>(m_pData); }
-    float* floats() { return static_cast<float*>(m_pData); }
-    const float* floats() const { return static_cast<const float*>(m_pData); }
-    double* doubles() { return static_cast<double*>(m_pData); }
-    const double* doubles() const { return static_cast<const double*>(m_pData); }
+    unsigned char* bytes() { return static_cast<unsigned char*>(pixels()); }
+    const unsigned char* bytes() const { return static_cast<const unsigned char*>(pixels()); }
+    float* floats() { return static_cast<float*>(pixels()); }
+    const float* floats() const { return static_cast<const float*>(pixels()); }
+    double* doubles() { return static_cast<double*>(pixels()); }
+    const double* doubles() const { return static_cast<const double*>(pixels()); }
+    // The first pixel, null without any. Throws std::bad_alloc when pixels that are not made yet find no memory.
+    void* pixels() const
+    {
+        if (m_pData == nullptr && !isEmpty()) {
+            makePixels();
+        }
+        return m_pData;
+    }
 
-    // Read directly by the system. m_pData points at the first pixel and belongs to the image.
+    // Read directly by the system. m_pData points at the first pixel and belongs to the image. Of a blend
+    // (CORVOverlayImage) pixels and statistics are made when pixels() or a function is first asked for them.
     long m_lWidth = 0;
     long m_lHeight = 0;
     float m_fBinning = 1.0F; // side of a pixel in pixels of the unbinned camera
-    void* m_pData = nullptr;
-    double m_dMin = 0.0; // of the pixels at the last RefreshImageStats(); NaNs do not count
-    double m_dMax = 0.0;
+    mutable void* m_pData = nullptr;
+    mutable double m_dMin = 0.0; // of the pixels at the last RefreshImageStats(); NaNs do not count
+    mutable double m_dMax = 0.0;
 
 protected:
     // Called after the block of pixels was replaced or dropped, so that a class above can drop what it derived from it.
     virtual void pixelsReplaced() {}
+    // Called for an image that has a size and no block: makes the block and the statistics, or throws std::bad_alloc.
+    virtual void makePixels() const {}
 
     ORVDataTypes m_eType = ORVTYPE_NONE;
 };

@@ -7,7 +7,8 @@
 class CORVOverlayImage : public CILImage
 {
 public:
-    // The layers are copied as pictures (CILImage::toQImage), so an overlay may be its own layer. The type is a label
+    // The layers are taken as pictures (CILImage::toQImage) that no change of the image reaches, so an overlay may be
+    // its own layer; pictures that are at hand are shared. The type is a label
     // and changes nothing. Photograph and background are the same layer, as are luminescent and foreground; null or an
     // empty image takes a layer away. A foreground in four colours whose palette has limits (SetImageMinMax) is clear
     // below the lower one over a background, so that a map does not cover the photograph where it has nothing to show.
@@ -19,11 +20,10 @@ public:
     // Composes the layers at the background's size (the foreground's without one): foreground at `opacity` (limited to
     // 0 to 1) times its own alpha over the background, alone over nothing. The foreground is brought to that size
     // smoothly with `smooth` non-zero, else by nearest neighbour. Fails without any layer; the picture is then as it
-    // was.
+    // was. The pixels are made when they are asked for, the picture each time (toQImage): who draws it often keeps it.
     EILSTATUS blend(float opacity, int smooth);
 
 private:
-    QImage m_background;
-    QImage m_foreground;
-    QImage m_foregroundOver; // as it is shown over a background
+    std::shared_ptr<const orvimage::Layer> m_background;
+    std::shared_ptr<const orvimage::Layer> m_foreground;
 };

@@ -72,7 +72,7 @@ CILImage& CILImage::operator*=(const CILImage& other)
         return *this;
     }
     combine(*this, other, [](double a, double b) { return a * b; });
-    m_rgb = QImage();
+    dropRGBImage();
     return *this;
 }
 
@@ -83,7 +83,7 @@ CILImage& CILImage::operator/=(const CILImage& other)
         return *this;
     }
     combine(*this, other, [](double a, double b) { return a / b; });
-    m_rgb = QImage();
+    dropRGBImage();
     return *this;
 }
 
@@ -96,7 +96,7 @@ CILImage& CILImage::operator/=(double divisor)
             pixels[i] = toPixel<Pixel>(static_cast<double>(pixels[i]) / divisor);
         }
     });
-    m_rgb = QImage();
+    dropRGBImage();
     return *this;
 }
 
@@ -106,7 +106,7 @@ void CILImage::setConstData(double value)
         using Pixel = std::remove_pointer_t<decltype(pixels)>;
         std::fill(pixels, pixels + n, toPixel<Pixel>(value));
     });
-    m_rgb = QImage();
+    dropRGBImage();
 }
 
 void CILImage::RefreshImageStats()

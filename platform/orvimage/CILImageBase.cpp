@@ -16,9 +16,11 @@ CILImageBase::CILImageBase(const CILImageBase& other)
     : m_lWidth(other.m_lWidth), m_lHeight(other.m_lHeight), m_fBinning(other.m_fBinning), m_dMin(other.m_dMin),
       m_dMax(other.m_dMax), m_eType(other.m_eType)
 {
-    if (other.m_pData == nullptr) {
+    if (other.pixels() == nullptr) {
         return;
     }
+    m_dMin = other.m_dMin; // made with the pixels, where these were not yet
+    m_dMax = other.m_dMax;
     const std::size_t size = other.pixelCount() * bytesPerPixel(other.m_eType);
     m_pData = std::malloc(size);
     if (m_pData == nullptr) {

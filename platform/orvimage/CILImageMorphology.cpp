@@ -130,12 +130,12 @@ EILSTATUS CILImage::Threshold(float level, CILImage& out) const
 
 EILSTATUS CILImage::Dilate(int kernel, int count)
 {
-    m_rgb = QImage();
+    dropRGBImage();
     return applyMorphology(*this, Morphology::Dilate, kernel, count);
 }
 
 EILSTATUS CILImage::Erode(int kernel, int count)
 {
-    m_rgb = QImage();
+    dropRGBImage();
     return applyMorphology(*this, Morphology::Erode, kernel, count);
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // How an image is shown.
 #include "host/CILImage.h"
+#include "platform/orvimage/Layer.h"
 #include "platform/orvimage/Luma.h"
 #include "platform/orvimage/PaletteMapper.h"
 #include "platform/orvimage/PixelTypes.h"
@@ -8,7 +9,10 @@
 #include "XTNT/xtnt_parallel.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <limits>
+#include <new>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -16,47 +20,45 @@ namespace {
 // QImage holds its sides as ints and its bytes a line as an int.
 constexpr long kMaxPictureSide = 32767;
 
-constexpr QRgb kColorMask = 0x00ffffffU;
+constexpr unsigned kFormatRgba = 0x1908;
 // Pixels that a thread takes at a time. Lines of 32 bit pixels have no padding between them.
 constexpr long long kGrain = 16384;
 
-int brightestChannel(const QImage& picture)
+// Whether a layer over another one is clear below the lower limit.
+bool hidesBelowLimit(const CILImage& image)
 {
-    const auto* pixels = reinterpret_cast<const QRgb*>(picture.constBits());
-    const long long count = static_cast<long long>(picture.width()) * picture.height();
-    std::vector<QRgb> brightest(static_cast<std::size_t>((count + kGrain - 1) / kGrain));
-    XTNT::parallelChunks(count, kGrain, [&](long long begin, long long end) {
-        QRgb highest = 0;
-        for (long long i = begin; i < end; ++i) {
-            const QRgb c = pixels[i] > kColorMask ? pixels[i] : 0U; // what is clear does not count
-            const QRgb redOrGreen = std::max((c >> 16U) & 0xffU, (c >> 8U) & 0xffU);
-            highest = std::max({highest, redOrGreen, c & 0xffU});
-        }
-        brightest[static_cast<std::size_t>(begin / kGrain)] = highest;
-    });
-    return static_cast<int>(*std::max_element(brightest.begin(), brightest.end()));
+    return !image.isRGB() && image.getGLFormat() == kFormatRgba && image.getPalette()->hasImageMinMax();
 }
 
-// Scales the colours so that the brightest channel of the picture reaches `level`.
-void adjustBrightness(QImage& picture, int level)
+// A bit for each pixel below the limit; none at all when there is no such pixel.
+std::vector<std::uint64_t> pixelsBelow(const CILImage& image, double limit)
 {
-    const int brightest = brightestChannel(picture);
-    if (brightest == 0 || brightest == level) {
-        return;
+    constexpr std::size_t bits = 64;
+    std::vector<std::uint64_t> below((image.pixelCount() + bits - 1) / bits);
+    std::uint64_t any = 0;
+    orvimage::visitPixels(image, [&](const auto* pixels, std::size_t n) {
+        for (std::size_t begin = 0; begin < n; begin += bits) {
+            std::uint64_t word = 0;
+            for (std::size_t i = begin; i < std::min(n, begin + bits); ++i) {
+                word |= static_cast<std::uint64_t>(static_cast<double>(pixels[i]) < limit ? 1U : 0U) << (i - begin);
+            }
+            below[begin / bits] = word;
+            any |= word;
+        }
+    });
+    if (any == 0U) {
+        below.clear();
     }
-    QRgb scaled[256];
-    for (int c = 0; c < 256; ++c) {
-        scaled[c] = static_cast<QRgb>(std::min(255, (2 * c * level + brightest) / (2 * brightest)));
+    return below;
+}
+
+void greyValues(const QImage& colours, unsigned char* grey)
+{
+    const auto* pixels = reinterpret_cast<const QRgb*>(colours.constBits());
+    const std::size_t n = static_cast<std::size_t>(colours.width()) * static_cast<std::size_t>(colours.height());
+    for (std::size_t i = 0; i < n; ++i) {
+        grey[i] = static_cast<unsigned char>(orvimage::luma(pixels[i]));
     }
-    auto* const pixels = reinterpret_cast<QRgb*>(picture.bits());
-    XTNT::parallelChunks(static_cast<long long>(picture.width()) * picture.height(), kGrain,
-                         [&](long long begin, long long end) {
-                             for (long long i = begin; i < end; ++i) {
-                                 const QRgb c = pixels[i];
-                                 pixels[i] = (c & ~kColorMask) | scaled[(c >> 16U) & 0xffU] << 16U |
-                                             scaled[(c >> 8U) & 0xffU] << 8U | scaled[c & 0xffU];
-                             }
-                         });
 }
 
 } // namespace
@@ -87,8 +89,8 @@ QImage CILImage::toQImage() const
     if (isEmpty() || m_lWidth > kMaxPictureSide || m_lHeight > kMaxPictureSide) {
         return {};
     }
-    QImage picture = m_rgb;
-    if (picture.isNull()) {
+    QImage picture = m_layer != nullptr ? m_layer->picture() : m_rgb;
+    if (picture.isNull() && m_layer == nullptr) {
         picture = QImage(static_cast<int>(m_lWidth), static_cast<int>(m_lHeight), QImage::Format_ARGB32);
         if (picture.isNull()) {
             return {};
@@ -108,8 +110,8 @@ QImage CILImage::toQImage() const
             });
         });
     }
-    if (m_nBrightness > 0) {
-        adjustBrightness(picture, m_nBrightness);
+    if (m_nBrightness > 0 && !picture.isNull()) {
+        orvimage::adjustBrightness(picture, m_nBrightness);
     }
     return picture;
 }
@@ -120,12 +122,55 @@ void CILImage::setRGBImage(const QImage& picture)
     if (InitWithType(ORVTYPE_BYTE, colours.width(), colours.height()) != EIL_SUCCESS) {
         return;
     }
-    unsigned char* const grey = bytes();
-    const auto* pixels = reinterpret_cast<const QRgb*>(colours.constBits());
-    const std::size_t n = pixelCount();
-    for (std::size_t i = 0; i < n; ++i) {
-        grey[i] = static_cast<unsigned char>(orvimage::luma(pixels[i]));
-    }
+    greyValues(colours, bytes());
     m_rgb = colours;
     RefreshImageStats();
+}
+
+void CILImage::showLayer(std::shared_ptr<const orvimage::Layer> layer)
+{
+    clear();
+    m_lWidth = layer->size().width();
+    m_lHeight = layer->size().height();
+    m_eType = ORVTYPE_BYTE;
+    m_layer = std::move(layer);
+}
+
+std::shared_ptr<const orvimage::Layer> CILImage::layer() const
+{
+    if (m_layer != nullptr) {
+        return m_nBrightness > 0 ? orvimage::Layer::brightened(m_layer, m_nBrightness) : m_layer;
+    }
+    const QImage picture = toQImage();
+    if (picture.isNull() || !hidesBelowLimit(*this)) {
+        return orvimage::Layer::of(picture);
+    }
+    return orvimage::Layer::of(picture, pixelsBelow(*this, m_palette.imageMin()));
+}
+
+void CILImage::dropRGBImage()
+{
+    static_cast<void>(pixels());
+    m_rgb = QImage();
+    m_layer.reset();
+}
+
+void CILImage::pixelsReplaced()
+{
+    m_rgb = QImage();
+    m_layer.reset();
+}
+
+void CILImage::makePixels() const
+{
+    const QImage colours = m_layer == nullptr ? QImage() : m_layer->picture();
+    CILImageBase grey;
+    if (colours.isNull() || grey.InitWithType(ORVTYPE_BYTE, m_lWidth, m_lHeight) != EIL_SUCCESS) {
+        throw std::bad_alloc();
+    }
+    greyValues(colours, grey.bytes());
+    const orvimage::FiniteRange range = orvimage::finiteRange(grey);
+    m_dMin = range.minimum;
+    m_dMax = range.maximum;
+    m_pData = std::exchange(grey.m_pData, nullptr);
 }

@@ -131,7 +131,7 @@ EILSTATUS CILImage::upSample(int w, int h, IL_RESAMPLEMODES mode)
         return status;
     }
     CILImageBase::operator=(std::move(result));
-    m_rgb = QImage();
+    dropRGBImage();
     RefreshImageStats();
     return EIL_SUCCESS;
 }

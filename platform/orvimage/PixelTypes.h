@@ -37,19 +37,19 @@ void visitPixels(CILImageBase& image, Visitor&& visit)
     const std::size_t n = image.pixelCount();
     switch (image.dataType()) {
     case ORVTYPE_BYTE:
-        visit(static_cast<unsigned char*>(image.m_pData), n);
+        visit(image.bytes(), n);
         break;
     case ORVTYPE_USHORT:
-        visit(static_cast<unsigned short*>(image.m_pData), n);
+        visit(static_cast<unsigned short*>(image.pixels()), n);
         break;
     case ORVTYPE_INT:
-        visit(static_cast<int*>(image.m_pData), n);
+        visit(static_cast<int*>(image.pixels()), n);
         break;
     case ORVTYPE_FLOAT:
-        visit(static_cast<float*>(image.m_pData), n);
+        visit(image.floats(), n);
         break;
     case ORVTYPE_DOUBLE:
-        visit(static_cast<double*>(image.m_pData), n);
+        visit(image.doubles(), n);
         break;
     case ORVTYPE_NONE:
         break;
