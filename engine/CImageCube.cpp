@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/CImageCube.h"
 
+#include "XTNT/row_product.h"
 #include "XTNT/xtnt_exception.h"
 #include "XTNT/xtnt_pages.h"
 #include "XTNT/xtnt_parallel.h"
@@ -10,8 +11,11 @@
 #include <QRgb>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <iterator>
+#include <limits>
+#include <memory>
 #include <new>
 #include <utility>
 
@@ -24,6 +28,11 @@ constexpr int brightest = 255;
 // column after the other is written.
 constexpr long long storeGrain = 256;
 
+// Rows of which extremes are taken while a column is read from them.
+constexpr long long showGrain = 1024;
+// Numbers or pixels that a thread takes at a time.
+constexpr long long grain = 16384;
+
 // Grey level of a fraction of the range; what is not a number (a constant cube) is black.
 int greyLevel(double fraction)
 {
@@ -31,20 +40,113 @@ int greyLevel(double fraction)
     return level > 0.0 ? static_cast<int>(std::min<double>(level, brightest)) : 0;
 }
 
-// The largest value is the brightest, whatever the rounding of the logarithms.
-int colourLevel(double value)
+// The logarithmic level of a value of a channel, 0 to 1. The largest value is the brightest, whatever the rounding of
+// the logarithms. The fusion is written out, because the level is truncated.
+int plainColourLevel(double value)
 {
     if (value >= 1.0) {
         return brightest;
     }
-    return greyLevel(std::log10(value * 10.0 + 1.0) / std::log10(11.0));
+    return greyLevel(std::log10(std::fma(value, 10.0, 1.0)) / std::log10(11.0));
+}
+
+// plainColourLevel() by table: where all values of a bin, and a margin on either side for the rounding, have one level,
+// that is the level; else the logarithm tells.
+class ColourLevels
+{
+public:
+    ColourLevels()
+    {
+        constexpr double margin = 1e-12;
+        for (int bin = 0; bin < bins; ++bin) {
+            const int lower = plainColourLevel(static_cast<double>(bin) / bins * (1.0 - margin));
+            const int upper = plainColourLevel(static_cast<double>(bin + 1) / bins * (1.0 + margin));
+            m_levels[static_cast<std::size_t>(bin)] = static_cast<short>(lower == upper ? lower : -1);
+        }
+    }
+
+    int operator()(double value) const
+    {
+        if (!(value > 0.0 && value < 1.0)) {
+            return value >= 1.0 ? brightest : 0;
+        }
+        const int level = m_levels[static_cast<std::size_t>(value * bins)];
+        return level >= 0 ? level : plainColourLevel(value);
+    }
+
+private:
+    static constexpr int bins = 16384;
+    std::array<short, bins> m_levels;
+};
+
+struct Extremes
+{
+    double lowest = std::numeric_limits<double>::infinity();
+    double highest = -std::numeric_limits<double>::infinity();
+};
+
+// Of a stretch; NaNs do not count. Several running extremes side by side, so that none waits for the one before.
+Extremes extremesOf(const double* values, long long count)
+{
+    constexpr long long lanes = 8;
+    std::array<double, lanes> lowest;
+    std::array<double, lanes> highest;
+    lowest.fill(Extremes().lowest);
+    highest.fill(Extremes().highest);
+    const auto take = [&](std::size_t lane, double v) {
+        lowest[lane] = v < lowest[lane] ? v : lowest[lane];
+        highest[lane] = v > highest[lane] ? v : highest[lane];
+    };
+    long long i = 0;
+    for (; i + lanes <= count; i += lanes) {
+        for (std::size_t lane = 0; lane < lanes; ++lane) {
+            take(lane, values[i + static_cast<long long>(lane)]);
+        }
+    }
+    for (; i < count; ++i) {
+        take(0, values[i]);
+    }
+    return {*std::min_element(lowest.begin(), lowest.end()), *std::max_element(highest.begin(), highest.end())};
+}
+
+// Those of all chunks of values of which the first is `first`. As XTNT::Vector has it, a NaN that comes first stays.
+Extremes together(const std::vector<Extremes>& chunks, double first)
+{
+    if (std::isnan(first)) {
+        return {first, first};
+    }
+    Extremes all;
+    for (const Extremes& chunk : chunks) {
+        all.lowest = std::min(all.lowest, chunk.lowest);
+        all.highest = std::max(all.highest, chunk.highest);
+    }
+    return all;
+}
+
+std::size_t chunksOf(long long count, long long size)
+{
+    return static_cast<std::size_t>((count + size - 1) / size);
+}
+
+double largestOf(const XTNT::Vector<double>& values)
+{
+    if (values.n_ < 1) {
+        return 0.0;
+    }
+    std::vector<Extremes> chunks(chunksOf(values.n_, grain));
+    XTNT::parallelChunks(values.n_, grain, [&](long long begin, long long end) {
+        chunks[static_cast<std::size_t>(begin / grain)] = extremesOf(values.data + begin, end - begin);
+    });
+    return together(chunks, values.data[0]).highest;
 }
 
 void divideBy(XTNT::Vector<double>& values, double divisor)
 {
-    for (long long i = 0; i < values.n_; ++i) {
-        values.data[i] /= divisor;
-    }
+    XTNT::parallelChunks(values.n_, grain, [&](long long begin, long long end) {
+        for (long long i = begin; i < end; ++i) {
+            values.data[i] /= divisor;
+        }
+    });
 }
 
 // The mean of the blocks of a matrix with nSpots blocks of nPixels rows.
@@ -67,21 +169,26 @@ XTNT::Matrix<double> meanOverSpots(const XTNT::Matrix<double>& blocks, int nSpot
 // Takes the background off a colour picture: values below the threshold of the channels' mean become 0, others lose it.
 void cutBackground(XTNT::Matrix<double>& rgb, int nWidth, int nHeight)
 {
-    std::vector<double> brightness(static_cast<std::size_t>(rgb.M));
-    for (long long i = 0; i < rgb.M; ++i) {
-        const double* pixel = rgb[i];
-        brightness[static_cast<std::size_t>(i)] = (pixel[0] + pixel[1] + pixel[2]) / colourChannels;
-    }
     CILImage mean;
-    if (mean.initWithData(ORVTYPE_DOUBLE, nWidth, nHeight, brightness.data()) != EIL_SUCCESS) {
+    if (mean.InitWithType(ORVTYPE_DOUBLE, nWidth, nHeight) != EIL_SUCCESS) {
         throw std::bad_alloc();
     }
+    double* const brightness = mean.doubles();
+    XTNT::parallelChunks(rgb.M, grain, [&](long long begin, long long end) {
+        for (long long i = begin; i < end; ++i) {
+            const double* pixel = rgb[i];
+            brightness[i] = (pixel[0] + pixel[1] + pixel[2]) / colourChannels;
+        }
+    });
     const double threshold = static_cast<double>(CSLComposite::AutomaticThresholdBimodal(&mean));
     XTNT::Vector<double>& values = rgb.storage;
-    for (long long i = 0; i < values.n_; ++i) {
-        values.data[i] = values.data[i] >= threshold ? values.data[i] - threshold : 0.0;
-    }
-    divideBy(values, values.Max());
+    XTNT::parallelChunks(values.n_, grain, [&](long long begin, long long end) {
+        for (long long i = begin; i < end; ++i) {
+            const double above = values.data[i] - threshold;
+            values.data[i] = values.data[i] >= threshold ? above : 0.0;
+        }
+    });
+    divideBy(values, largestOf(values));
 }
 
 } // namespace
@@ -130,6 +237,24 @@ long long CImageCube::pixelOfRow(long long j) const
     return m_bHasMask ? m_maskIndices[static_cast<std::size_t>(j)] : j;
 }
 
+bool CImageCube::isLastAtItsPlace(long long j) const
+{
+    const auto next = static_cast<std::size_t>(j) + 1;
+    return !m_bHasMask || next >= m_maskIndices.size() || m_maskIndices[next] != m_maskIndices[next - 1];
+}
+
+QImage CImageCube::blackPicture() const
+{
+    QImage picture(m_nWidth, m_nHeight, QImage::Format_RGB32);
+    if (picture.isNull()) {
+        throw std::bad_alloc();
+    }
+    if (m_bHasMask) {
+        picture.fill(0);
+    }
+    return picture;
+}
+
 bool CImageCube::setImage(int nSpot, int nImage, const float* pPixels, std::size_t nLength)
 {
     return setImages(nSpot, nImage, {pPixels}, nLength);
@@ -169,25 +294,29 @@ bool CImageCube::buildRGBImage(const XTNT::Matrix<double>& weights)
     if (weights.num_rows() != m_nImages) {
         return false;
     }
-    const XTNT::Matrix<double> allSpots = m_data * weights;
+    const bool bFits = m_data.num_cols() == weights.num_rows() && !weights.empty();
+    const XTNT::Matrix<double> allSpots = bFits ? XTNT::multiplyRows(m_data, weights) : m_data * weights;
     const long long nPixels = pixelsPerSpot();
     if (allSpots.empty() || allSpots.num_cols() != colourChannels || allSpots.num_rows() != m_nSpots * nPixels) {
         throw XTNT::M_Exception("size mismatch");
     }
     XTNT::Matrix<double> rgb = meanOverSpots(allSpots, m_nSpots, nPixels);
-    divideBy(rgb.storage, rgb.storage.Max());
+    divideBy(rgb.storage, largestOf(rgb.storage));
     if (!m_bHasMask) {
         cutBackground(rgb, m_nWidth, m_nHeight);
     }
 
-    QImage picture(m_nWidth, m_nHeight, QImage::Format_RGB32);
-    picture.fill(0);
-    for (long long j = 0; j < nPixels; ++j) {
-        const long long nPixel = pixelOfRow(j);
-        QRgb* const pLine = reinterpret_cast<QRgb*>(picture.scanLine(static_cast<int>(nPixel / m_nWidth)));
-        const double* const value = rgb[j];
-        pLine[nPixel % m_nWidth] = qRgb(colourLevel(value[0]), colourLevel(value[1]), colourLevel(value[2]));
-    }
+    static const ColourLevels colourLevel;
+    QImage picture = blackPicture();
+    auto* const to = reinterpret_cast<QRgb*>(picture.bits()); // lines of 32 bit pixels have no padding
+    XTNT::parallelChunks(nPixels, grain, [&](long long begin, long long end) {
+        for (long long j = begin; j < end; ++j) {
+            const double* const value = rgb[j];
+            if (isLastAtItsPlace(j)) {
+                to[pixelOfRow(j)] = qRgb(colourLevel(value[0]), colourLevel(value[1]), colourLevel(value[2]));
+            }
+        }
+    });
     m_rgbImage = picture;
     return true;
 }
@@ -197,21 +326,38 @@ QImage CImageCube::image(int nImage)
     if (nImage < 0 || nImage >= m_nImages || m_data.empty()) {
         return QImage();
     }
-    m_dShowMax = m_data.storage.Max() * m_dMaxScale;
-    m_dShowMin = m_data.storage.Min();
-    QImage picture(m_nWidth, m_nHeight, QImage::Format_RGB32);
-    picture.fill(0);
     const long long nPixels = pixelsPerSpot();
-    for (long long j = 0; j < nPixels; ++j) {
-        double total = 0.0;
+    const std::unique_ptr<double[]> means(new double[static_cast<std::size_t>(nPixels)]);
+    std::vector<Extremes> chunks(chunksOf(nPixels, showGrain));
+    XTNT::parallelChunks(nPixels, showGrain, [&](long long begin, long long end) {
+        Extremes& extremes = chunks[static_cast<std::size_t>(begin / showGrain)];
+        std::fill(means.get() + begin, means.get() + end, 0.0);
         for (int s = 0; s < m_nSpots; ++s) {
-            total += m_data[s * nPixels + j][nImage];
+            const double* const block = m_data.storage.data + (s * nPixels + begin) * m_data.N;
+            const Extremes ofSpot = extremesOf(block, (end - begin) * m_data.N);
+            extremes = {std::min(extremes.lowest, ofSpot.lowest), std::max(extremes.highest, ofSpot.highest)};
+            for (long long j = begin; j < end; ++j) {
+                means[static_cast<std::size_t>(j)] += block[(j - begin) * m_data.N + nImage];
+            }
         }
-        const int nGrey = greyLevel((total / m_nSpots - m_dShowMin) / (m_dShowMax - m_dShowMin));
-        const long long nPixel = pixelOfRow(j);
-        QRgb* const pLine = reinterpret_cast<QRgb*>(picture.scanLine(static_cast<int>(nPixel / m_nWidth)));
-        pLine[nPixel % m_nWidth] = qRgb(nGrey, nGrey, nGrey);
-    }
+    });
+    const Extremes all = together(chunks, m_data.storage.data[0]);
+    m_dShowMax = all.highest * m_dMaxScale;
+    m_dShowMin = all.lowest;
+
+    QImage picture = blackPicture();
+    auto* const to = reinterpret_cast<QRgb*>(picture.bits()); // lines of 32 bit pixels have no padding
+    const double dSpots = m_nSpots;
+    const double dLowest = m_dShowMin;
+    const double dWidth = m_dShowMax - m_dShowMin;
+    XTNT::parallelChunks(nPixels, grain, [&](long long begin, long long end) {
+        for (long long j = begin; j < end; ++j) {
+            const int nGrey = greyLevel((means[static_cast<std::size_t>(j)] / dSpots - dLowest) / dWidth);
+            if (isLastAtItsPlace(j)) {
+                to[pixelOfRow(j)] = qRgb(nGrey, nGrey, nGrey);
+            }
+        }
+    });
     return picture;
 }
 

@@ -78,4 +78,8 @@ public:
 private:
     // Position in the image, row-major, of row j of a spot's block.
     long long pixelOfRow(long long j) const;
+    // A pixel may be listed twice in a mask: its picture shows the last one.
+    bool isLastAtItsPlace(long long j) const;
+    // Of the image's size, black where no row of the cube stands, not filled elsewhere. Throws std::bad_alloc.
+    QImage blackPicture() const;
 };
