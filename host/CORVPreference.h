@@ -6,6 +6,7 @@
 #include <QStringList>
 
 class CORVPreferenceSignals;
+struct S3DViewSettings;
 
 // The host's preferences.
 class CORVPreference
@@ -24,4 +25,7 @@ public:
     // The suffix of a picture format, such as "png", without regard to case.
     static void setUsersPreferredFormat(const QString& strSuffix);
     static QString usersPreferredFormat();
+    // Letters of the views that show images: entries "Views/FontFamily", "Views/LabelFontSize" and "Views/BarFontSize"
+    // of the settings; a size outside 6 to 48 points counts as missing.
+    static void get3DViewPreferences(S3DViewSettings& settings);
 };

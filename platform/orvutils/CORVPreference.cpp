@@ -2,6 +2,7 @@
 #include "host/CORVPreference.h"
 
 #include "host/CORVPreferenceSignals.h"
+#include "host/S3DViewSettings.h"
 #include "host/orv_paths.h"
 
 #include <QMutex>
@@ -15,6 +16,14 @@
 namespace {
 
 constexpr const char* const formatKey = "Pictures/PreferredFormat";
+constexpr const char* const fontFamilyKey = "Views/FontFamily";
+constexpr const char* const labelFontSizeKey = "Views/LabelFontSize";
+constexpr const char* const barFontSizeKey = "Views/BarFontSize";
+// The letters of the pictures that are written to files.
+constexpr const char* const standardFontFamily = "DejaVu Sans";
+constexpr int standardFontSize = 10; // points
+constexpr int smallestFontSize = 6;
+constexpr int largestFontSize = 48;
 
 struct Preferences
 {
@@ -41,6 +50,12 @@ QStringList sameFormat(const QString& strSuffix)
         }
     }
     return {strSuffix};
+}
+
+int fontSize(const char* pKey)
+{
+    const int size = CORVPreference::getSettings()->value(QLatin1String(pKey)).toInt();
+    return size >= smallestFontSize && size <= largestFontSize ? size : standardFontSize;
 }
 
 // Whether a filter such as "PNG image (*.png *.PNG)" names the suffix.
@@ -126,4 +141,12 @@ void CORVPreference::setUsersPreferredFormat(const QString& strSuffix)
 QString CORVPreference::usersPreferredFormat()
 {
     return getSettings()->value(QLatin1String(formatKey)).toString();
+}
+
+void CORVPreference::get3DViewPreferences(S3DViewSettings& settings)
+{
+    const QString family = getSettings()->value(QLatin1String(fontFamilyKey)).toString().trimmed();
+    settings.fontFamily = family.isEmpty() ? QString::fromLatin1(standardFontFamily) : family;
+    settings.labelFontSize = fontSize(labelFontSizeKey);
+    settings.barFontSize = fontSize(barFontSizeKey);
 }
