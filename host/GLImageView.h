@@ -48,9 +48,9 @@ public:
     // The pixel of the picture under a point of the view. False beside the picture; `pixel` is then (-1, -1).
     bool pixelAt(const QPointF& view, QPoint& pixel) const;
 
-    // What the view shows, without the frame of the focus, at its size times the ratio of device pixels and with that
-    // ratio set. Also while the view is hidden and without OpenGL.
-    QImage renderImage() const;
+    // What the view shows, without the mark of the focus, at its size times the ratio of device pixels and with that
+    // ratio set; with bFitted all of it, however it is zoomed. Also while the view is hidden and without OpenGL.
+    QImage renderImage(bool bFitted = false) const;
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
@@ -85,17 +85,17 @@ protected:
     // Draws all of the view on its background; the base draws the picture and then paintOverlay().
     virtual void paintScene(QPainter& painter) const;
     virtual void paintOverlay(QPainter& painter) const;
+    // Marks that the view has the focus; the base draws a frame.
+    virtual void paintFocus(QPainter& painter) const;
     // The entries of the context menu; the base's are those of `nItems`, see MenuItem.
     virtual void fillContextMenu(QMenu& menu);
     // What is copied and saved; the base gives the picture.
     virtual QImage pictureToKeep() const;
-    // Called after the picture was moved or zoomed.
-    virtual void viewMoved() {}
+    // The size of what is zoomed and moved, in its own units; the base gives that of the picture.
+    virtual QSizeF contentSize() const;
     // The part of the view that the content may take up, from the upper left; the base gives all of it.
     virtual QSizeF contentArea() const;
 
-    // For a class whose content is not the picture: the size of that content in its own units.
-    void setContentSize(const QSizeF& size);
     void setZoomAbout(double dZoom, const QPointF& about);
     void panBy(const QPointF& delta);
 
@@ -111,7 +111,6 @@ protected:
 private:
     struct State;
     void syncTransform() const;
-    void afterMove();
     void tellPixel(const QPointF& view);
 
     std::unique_ptr<State> m_state;

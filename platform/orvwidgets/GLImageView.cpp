@@ -51,13 +51,7 @@ GLImageView::~GLImageView() = default;
 void GLImageView::setPicture(const QImage& picture)
 {
     m_state->m_picture.setPicture(picture);
-    setContentSize(picture.size());
-}
-
-void GLImageView::setContentSize(const QSizeF& size)
-{
-    m_state->m_transform.setPictureSize(size);
-    afterMove();
+    update();
 }
 
 const QImage& GLImageView::picture() const
@@ -79,7 +73,13 @@ bool GLImageView::isSmooth() const
 // A view that was never shown gets no event of its size.
 void GLImageView::syncTransform() const
 {
+    m_state->m_transform.setPictureSize(contentSize());
     m_state->m_transform.setViewSize(contentArea());
+}
+
+QSizeF GLImageView::contentSize() const
+{
+    return picture().size();
 }
 
 QSizeF GLImageView::contentArea() const
@@ -103,14 +103,14 @@ void GLImageView::setZoomAbout(double dZoom, const QPointF& about)
 {
     syncTransform();
     m_state->m_transform.setZoom(dZoom, about);
-    afterMove();
+    update();
 }
 
 void GLImageView::panBy(const QPointF& delta)
 {
     syncTransform();
     m_state->m_transform.pan(delta);
-    afterMove();
+    update();
 }
 
 void GLImageView::zoomIn()
@@ -127,18 +127,13 @@ void GLImageView::fit()
 {
     syncTransform();
     m_state->m_transform.fit();
-    afterMove();
+    update();
 }
 
 bool GLImageView::isFitted() const
 {
+    syncTransform();
     return m_state->m_transform.isFitted();
-}
-
-void GLImageView::afterMove()
-{
-    viewMoved();
-    update();
 }
 
 QRectF GLImageView::pictureRect() const
@@ -191,23 +186,37 @@ void GLImageView::paintGL()
     painter.fillRect(rect(), palette().color(QPalette::Window));
     paintScene(painter);
     if (hasFocus()) {
-        painter.setRenderHint(QPainter::Antialiasing, false);
-        painter.setPen(palette().color(QPalette::Highlight));
-        painter.setBrush(Qt::NoBrush);
-        painter.drawRect(rect().adjusted(0, 0, -1, -1));
+        paintFocus(painter);
     }
 }
 
-QImage GLImageView::renderImage() const
+void GLImageView::paintFocus(QPainter& painter) const
+{
+    painter.setRenderHint(QPainter::Antialiasing, false);
+    painter.setPen(palette().color(QPalette::Highlight));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRect(rect().adjusted(0, 0, -1, -1));
+}
+
+QImage GLImageView::renderImage(bool bFitted) const
 {
     QImage image(deviceSize(*this), QImage::Format_ARGB32_Premultiplied);
     if (image.isNull()) {
         return image;
     }
+    syncTransform();
+    const orvwidgets::ViewTransform shown = m_state->m_transform;
+    if (bFitted) {
+        m_state->m_transform.fit();
+    }
     image.setDevicePixelRatio(devicePixelRatioF());
     image.fill(palette().color(QPalette::Window));
     QPainter painter(&image);
     paintScene(painter);
+    painter.end();
+    if (bFitted) {
+        m_state->m_transform = shown;
+    }
     return image;
 }
 
@@ -223,7 +232,7 @@ void GLImageView::resizeEvent(QResizeEvent* pEvent)
 {
     QOpenGLWidget::resizeEvent(pEvent);
     syncTransform();
-    afterMove();
+    update();
 }
 
 void GLImageView::changeEvent(QEvent* pEvent)
@@ -244,7 +253,7 @@ void GLImageView::wheelEvent(QWheelEvent* pEvent)
         return;
     }
     m_state->m_transform.zoomByWheel(angle, pEvent->position());
-    afterMove();
+    update();
     tellPixel(pEvent->position());
     pEvent->accept();
 }
@@ -275,7 +284,6 @@ void GLImageView::mouseReleaseEvent(QMouseEvent* pEvent)
     if (pEvent->button() == Qt::MiddleButton && m_state->m_bPanning) {
         m_state->m_bPanning = false;
         unsetCursor();
-        viewMoved();
     }
 }
 

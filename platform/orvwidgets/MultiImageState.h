@@ -1,0 +1,87 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "host/CILPalette.h"
+#include "host/CORVMultiImageView.h"
+#include "host/CORVTextTag.h"
+#include "platform/orvwidgets/TileGrid.h"
+#include "platform/orvwidgets/TilePicture.h"
+
+#include <QColor>
+#include <QDeadlineTimer>
+#include <QFont>
+#include <QPoint>
+#include <QPointF>
+#include <QString>
+
+#include <vector>
+
+struct CORVMultiImageView::Tile
+{
+    orvwidgets::TilePicture m_picture;
+    QString m_strLabel{};
+    QString m_strToolTip{};
+    bool m_bFrame = false;
+    bool m_bSmooth = true;
+    double m_dScale = 1.0;
+};
+
+struct CORVMultiImageView::State
+{
+    // A text of the unit, until it is drawn.
+    struct PlacedText
+    {
+        QPointF at;
+        QString text;
+        QFont font;
+        QColor color;
+    };
+
+    std::vector<Tile> m_tiles;
+    orvwidgets::TileGrid m_grid;
+    bool m_bGridKnown = true;
+    QSizeF m_lastSize; // of the grid while there were images
+    int m_nCurrent = 0;
+    // While the screen is painted: pictures are made until then, the rest in the next paintings.
+    QDeadlineTimer m_deadline{QDeadlineTimer::Forever};
+    bool m_bPicturesMissing = false;
+    QFont m_font;
+
+    bool m_bHideBar = false;
+    double m_dMin = 0.0;
+    double m_dMax = 1.0;
+    CILPalette m_palette;
+    CORVTextTag m_ownLower;
+    CORVTextTag m_ownUpper;
+    CORVTextTag* m_pLower = nullptr; // of the caller
+    CORVTextTag* m_pUpper = nullptr;
+    bool m_bPlaced = false;
+    QPointF m_barBottomLeft;
+    double m_dBarHeight = 0.0;
+
+    bool m_bOpenGL = false;     // drawColorBarTexts() runs with OpenGL
+    bool m_bCollecting = false; // drawColorBarTexts() runs
+    std::vector<PlacedText> m_texts;
+
+    int m_toldIndex = -1;
+    QPoint m_toldPixel{-1, -1};
+
+    CORVTextTag& lower() { return m_pLower != nullptr ? *m_pLower : m_ownLower; }
+    CORVTextTag& upper() { return m_pUpper != nullptr ? *m_pUpper : m_ownUpper; }
+    bool isTile(int nIndex) const { return nIndex >= 0 && nIndex < static_cast<int>(m_tiles.size()); }
+    const Tile& tile(int nIndex) const { return m_tiles[static_cast<std::size_t>(nIndex)]; }
+
+    const orvwidgets::TileGrid& grid()
+    {
+        if (!m_bGridKnown) {
+            QStringList labels;
+            for (const Tile& each : m_tiles) {
+                labels << each.m_strLabel;
+            }
+            const QSizeF first = m_tiles.empty() ? QSizeF() : QSizeF(m_tiles.front().m_picture.size());
+            m_grid = orvwidgets::TileGrid(labels.size(), orvwidgets::tilesPerSpot(labels), first);
+            m_bGridKnown = true;
+        }
+        return m_grid;
+    }
+};
