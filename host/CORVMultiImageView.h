@@ -16,9 +16,10 @@ class CORVTextTag;
 
 // Images side by side in tiles of one size, with a colour bar in a margin at the right.
 //
-// The grid is near-square; images of several spots (labels that end in "_001", "_002", ...) take one row a spot. The
-// wheel zooms the grid, the middle button moves it. On the keyboard the arrows choose a tile and Return activates it;
-// Page Up and Page Down move a zoomed grid.
+// The grid is near-square; images of several spots (labels that end in "_001", "_002", ...) take one row a spot, and
+// where the rows do not find room, they are scrolled: by the wheel (which zooms with Ctrl) and by Page Up and Page
+// Down. Else the wheel zooms the grid; the middle button moves it. On the keyboard the arrows choose a tile and Return
+// activates it.
 //
 // Object coordinates are logical pixels of the view from its upper left, y downwards.
 class CORVMultiImageView : public GLImageView
@@ -103,6 +104,7 @@ Q_SIGNALS:
 
 protected:
     bool event(QEvent* pEvent) override;
+    void wheelEvent(QWheelEvent* pEvent) override;
     void mouseMoveEvent(QMouseEvent* pEvent) override;
     void leaveEvent(QEvent* pEvent) override;
     void keyPressEvent(QKeyEvent* pEvent) override;
@@ -113,6 +115,7 @@ protected:
     QImage pictureToKeep() const override;
     QSizeF contentSize() const override;
     QSizeF contentArea() const override;
+    double leastFittedZoom() const override;
 
     // The texts of the unit, through renderText(), while OpenGL may be used directly (inside native painting); a
     // picture that is made without OpenGL calls it too. The base draws the lines of the lower tag under it.
@@ -124,7 +127,9 @@ private:
     void tellPixel(const QPointF& view);
     bool moveCurrent(int nKey);
     void showCurrent();
+    bool isScrolled() const;
     void paintTile(QPainter& painter, int nIndex) const;
+    void paintScrollMark(QPainter& painter) const;
     void paintColorBar(QPainter& painter) const;
     void paintTexts(QPainter& painter) const;
     void placeTags() const;

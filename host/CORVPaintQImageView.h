@@ -58,6 +58,7 @@ public Q_SLOTS:
     void useRegionForAll();
 
 protected:
+    bool event(QEvent* pEvent) override;
     void mousePressEvent(QMouseEvent* pEvent) override;
     void mouseMoveEvent(QMouseEvent* pEvent) override;
     void mouseReleaseEvent(QMouseEvent* pEvent) override;

@@ -66,6 +66,7 @@ Q_SIGNALS:
     void cropShapeChanged(bool bEllipse);
 
 protected:
+    bool event(QEvent* pEvent) override;
     void mousePressEvent(QMouseEvent* pEvent) override;
     void mouseMoveEvent(QMouseEvent* pEvent) override;
     void mouseReleaseEvent(QMouseEvent* pEvent) override;
@@ -81,6 +82,7 @@ protected:
 private:
     struct State;
     bool isCropShown() const;
+    bool isCropKey(const QKeyEvent& event) const;
     bool cropKey(QKeyEvent* pEvent);
     void cropChanged(bool bChanged);
     void chooseShape(bool bEllipse);

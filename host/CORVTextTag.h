@@ -29,8 +29,8 @@ public:
     QPointF position() const { return m_position; }
     double x() const { return m_position.x(); }
     double y() const { return m_position.y(); }
-    // Of the number alone, and of the widest line.
-    double height() const { return fontHeight(); }
+    // Of the number's box, and of the widest line.
+    double height() const;
     double width() const;
 
 private:

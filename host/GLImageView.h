@@ -49,8 +49,8 @@ public:
     bool pixelAt(const QPointF& view, QPoint& pixel) const;
 
     // What the view shows, without the mark of the focus, at its size times the ratio of device pixels and with that
-    // ratio set; with bFitted all of it, however it is zoomed. Also while the view is hidden and without OpenGL.
-    QImage renderImage(bool bFitted = false) const;
+    // ratio set; with bWhole all of it, however it is zoomed. Also while the view is hidden and without OpenGL.
+    QImage renderImage(bool bWhole = false) const;
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
@@ -93,6 +93,8 @@ protected:
     virtual QImage pictureToKeep() const;
     // The size of what is zoomed and moved, in its own units; the base gives that of the picture.
     virtual QSizeF contentSize() const;
+    // Fitted, the content is not shown smaller as long as the view is wide enough; the base gives 0.
+    virtual double leastFittedZoom() const;
     // The part of the view that the content may take up, from the upper left; the base gives all of it.
     virtual QSizeF contentArea() const;
 

@@ -13,12 +13,16 @@
 #include <QPainter>
 #include <QTimer>
 #include <QToolTip>
+#include <QWheelEvent>
 
 #include <algorithm>
 
 namespace {
 
-constexpr int kPaintTime = 60; // milliseconds that a painting of the screen may spend on making pictures
+constexpr int kPaintTime = 60;       // milliseconds that a painting of the screen may spend on making pictures
+constexpr double kLeastTile = 56.0;  // view pixels of a tile where spots are in rows
+constexpr double kWheelScroll = 0.5; // view pixels by an eighth of a degree
+constexpr double kScrollMark = 4.0;  // view pixels
 constexpr double kLabelMargin = 4.0;
 constexpr double kLeastLabelledHeight = 2.5; // font heights of a tile that shows its label
 
@@ -28,6 +32,9 @@ CORVMultiImageView::CORVMultiImageView(QWidget* pParent, const char* name)
     : GLImageView(pParent, name), m_state(std::make_unique<State>())
 {
     setAccessibleName(tr("Images"));
+    setWhatsThis(
+        tr("A double click opens an image; so does Return on the one chosen with the arrow keys. The wheel zooms, "
+           "the middle button moves the images, 0 shows all."));
     updateFontByPreference();
 }
 
@@ -92,6 +99,20 @@ QSizeF CORVMultiImageView::contentSize() const
 QSizeF CORVMultiImageView::contentArea() const
 {
     return {std::max(1.0, width() - colorBarMargin().width()), static_cast<double>(height())};
+}
+
+double CORVMultiImageView::leastFittedZoom() const
+{
+    if (!m_state->m_tiles.empty()) {
+        m_state->grid();
+    }
+    return m_state->m_bSpots ? kLeastTile / orvwidgets::TileGrid::kLongSide : 0.0;
+}
+
+// Whether the rows of spots need more than the height of the view.
+bool CORVMultiImageView::isScrolled() const
+{
+    return m_state->m_bSpots && pictureRect().height() > contentArea().height();
 }
 
 QRectF CORVMultiImageView::imageRect(int nIndex) const
@@ -174,6 +195,17 @@ bool CORVMultiImageView::event(QEvent* pEvent)
     QToolTip::showText(pHelp->globalPos(), lines.join(QLatin1Char('\n')).toHtmlEscaped().replace('\n', "<br>"), this,
                        imageRect(index).toAlignedRect());
     return true;
+}
+
+void CORVMultiImageView::wheelEvent(QWheelEvent* pEvent)
+{
+    if (!isScrolled() || (pEvent->modifiers() & Qt::ControlModifier) != 0) {
+        GLImageView::wheelEvent(pEvent);
+        return;
+    }
+    panBy(QPointF(0.0, pEvent->angleDelta().y() * kWheelScroll));
+    tellPixel(pEvent->position());
+    pEvent->accept();
 }
 
 void CORVMultiImageView::mouseMoveEvent(QMouseEvent* pEvent)
@@ -280,10 +312,24 @@ void CORVMultiImageView::paintScene(QPainter& painter) const
         }
     }
     painter.restore();
+    paintScrollMark(painter);
     if (isColorBarShown()) {
         paintColorBar(painter);
         paintTexts(painter);
     }
+}
+
+// Which part of the rows is seen.
+void CORVMultiImageView::paintScrollMark(QPainter& painter) const
+{
+    if (!isScrolled()) {
+        return;
+    }
+    const QRectF all = pictureRect();
+    const QSizeF area = contentArea();
+    const double length = area.height() * area.height() / all.height();
+    const double top = -all.top() * area.height() / all.height();
+    painter.fillRect(QRectF(area.width() - kScrollMark, top, kScrollMark, length), palette().color(QPalette::Mid));
 }
 
 void CORVMultiImageView::paintTile(QPainter& painter, int nIndex) const

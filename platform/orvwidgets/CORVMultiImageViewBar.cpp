@@ -170,7 +170,8 @@ void CORVMultiImageView::paintColorBar(QPainter& painter) const
     for (const CORVTextTag* pTag : {&s.lower(), &s.upper()}) {
         const QFontMetricsF metrics(pTag->font());
         painter.setFont(pTag->font());
-        painter.drawText(pTag->position() + QPointF(0.0, metrics.ascent()), pTag->text());
+        const double lead = (pTag->height() - metrics.height()) / 2.0;
+        painter.drawText(pTag->position() + QPointF(0.0, lead + metrics.ascent()), pTag->text());
     }
 }
 
@@ -220,7 +221,7 @@ void CORVMultiImageView::renderText(double x, double y, double /*z*/, const QStr
 void CORVMultiImageView::drawColorBarTexts() const
 {
     const CORVTextTag& tag = lowerTag();
-    double y = tag.y() + tag.height() * 1.5;
+    double y = tag.y() + tag.height() + tag.fontHeight() / 2.0;
     for (const QString& line : tag.getStringList()) {
         renderText(tag.x(), y, 0.0, line, tag.font());
         y += tag.fontHeight();

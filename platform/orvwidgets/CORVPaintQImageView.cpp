@@ -47,6 +47,8 @@ struct CORVPaintQImageView::State
 CORVPaintQImageView::CORVPaintQImageView(QWidget* pParent, const char* name)
     : CORVQImageView(pParent, name), m_state(std::make_unique<State>())
 {
+    setWhatsThis(tr("With a drawing tool: drag to paint a region, drag with Shift or with the right button to erase, "
+                    "Ctrl+Z takes the last stroke back. The wheel zooms, the middle button moves the picture."));
     connect(this, &GLImageView::pixelUnderPointer, this, [this](int x, int y) { tellCursor(QPoint(x, y)); });
 }
 
@@ -268,6 +270,17 @@ void CORVPaintQImageView::leaveEvent(QEvent* pEvent)
     m_state->m_pointer.reset();
     update();
     CORVQImageView::leaveEvent(pEvent);
+}
+
+bool CORVPaintQImageView::event(QEvent* pEvent)
+{
+    // Undo is the stroke's while there is one, whatever shortcut the window has.
+    if (pEvent->type() == QEvent::ShortcutOverride && static_cast<QKeyEvent*>(pEvent)->matches(QKeySequence::Undo) &&
+        m_state->m_masks.canTakeBack(m_state->m_nChannel)) {
+        pEvent->accept();
+        return true;
+    }
+    return CORVQImageView::event(pEvent);
 }
 
 void CORVPaintQImageView::keyPressEvent(QKeyEvent* pEvent)

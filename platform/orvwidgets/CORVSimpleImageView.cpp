@@ -77,6 +77,10 @@ struct CORVSimpleImageView::State
 CORVSimpleImageView::CORVSimpleImageView(QWidget* pParent, const char* name, CILImage* pImage)
     : GLImageView(pParent, name), m_state(std::make_unique<State>())
 {
+    setWhatsThis(
+        tr("While a mask can be drawn: drag to draw it, drag inside to move it, drag a corner to resize it. The "
+           "arrow keys move it (Ctrl: faster; Shift: its lower right corner), Ctrl+A takes the whole picture, "
+           "Esc takes the last change back, Del clears it."));
     makeActions();
     m_state->m_pStrip = new orvwidgets::ViewStrip(this);
     m_state->m_pStrip->hide();
@@ -310,6 +314,33 @@ void CORVSimpleImageView::mouseDoubleClickEvent(QMouseEvent* pEvent)
         return;
     }
     GLImageView::mouseDoubleClickEvent(pEvent);
+}
+
+bool CORVSimpleImageView::isCropKey(const QKeyEvent& event) const
+{
+    switch (event.key()) {
+    case Qt::Key_Escape:
+        return m_state->m_crop.canTakeBack();
+    case Qt::Key_Delete:
+    case Qt::Key_Backspace:
+    case Qt::Key_Left:
+    case Qt::Key_Right:
+    case Qt::Key_Up:
+    case Qt::Key_Down:
+        return !m_state->m_crop.isEmpty();
+    default:
+        return event.matches(QKeySequence::SelectAll);
+    }
+}
+
+bool CORVSimpleImageView::event(QEvent* pEvent)
+{
+    // A shortcut of the window does not take away what the crop understands.
+    if (pEvent->type() == QEvent::ShortcutOverride && isCropShown() && isCropKey(*static_cast<QKeyEvent*>(pEvent))) {
+        pEvent->accept();
+        return true;
+    }
+    return GLImageView::event(pEvent);
 }
 
 bool CORVSimpleImageView::cropKey(QKeyEvent* pEvent)

@@ -8,6 +8,12 @@
 
 #include <algorithm>
 
+namespace {
+
+constexpr double kBox = 1.25; // font heights of a number with the room around it
+
+} // namespace
+
 CORVTextTag::CORVTextTag()
 {
     updateFontByPreference();
@@ -25,6 +31,11 @@ void CORVTextTag::updateFontByPreference()
 double CORVTextTag::fontHeight() const
 {
     return QFontMetricsF(m_font).height();
+}
+
+double CORVTextTag::height() const
+{
+    return kBox * fontHeight();
 }
 
 double CORVTextTag::width() const

@@ -75,6 +75,12 @@ void GLImageView::syncTransform() const
 {
     m_state->m_transform.setPictureSize(contentSize());
     m_state->m_transform.setViewSize(contentArea());
+    m_state->m_transform.setLeastFittedZoom(leastFittedZoom());
+}
+
+double GLImageView::leastFittedZoom() const
+{
+    return 0.0;
 }
 
 QSizeF GLImageView::contentSize() const
@@ -198,7 +204,7 @@ void GLImageView::paintFocus(QPainter& painter) const
     painter.drawRect(rect().adjusted(0, 0, -1, -1));
 }
 
-QImage GLImageView::renderImage(bool bFitted) const
+QImage GLImageView::renderImage(bool bWhole) const
 {
     QImage image(deviceSize(*this), QImage::Format_ARGB32_Premultiplied);
     if (image.isNull()) {
@@ -206,15 +212,15 @@ QImage GLImageView::renderImage(bool bFitted) const
     }
     syncTransform();
     const orvwidgets::ViewTransform shown = m_state->m_transform;
-    if (bFitted) {
-        m_state->m_transform.fit();
+    if (bWhole) {
+        m_state->m_transform.showWhole();
     }
     image.setDevicePixelRatio(devicePixelRatioF());
     image.fill(palette().color(QPalette::Window));
     QPainter painter(&image);
     paintScene(painter);
     painter.end();
-    if (bFitted) {
+    if (bWhole) {
         m_state->m_transform = shown;
     }
     return image;

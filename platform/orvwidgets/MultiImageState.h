@@ -40,7 +40,8 @@ struct CORVMultiImageView::State
     std::vector<Tile> m_tiles;
     orvwidgets::TileGrid m_grid;
     bool m_bGridKnown = true;
-    QSizeF m_lastSize; // of the grid while there were images
+    bool m_bSpots = false; // a row a spot
+    QSizeF m_lastSize;     // of the grid while there were images
     int m_nCurrent = 0;
     // While the screen is painted: pictures are made until then, the rest in the next paintings.
     QDeadlineTimer m_deadline{QDeadlineTimer::Forever};
@@ -79,7 +80,9 @@ struct CORVMultiImageView::State
                 labels << each.m_strLabel;
             }
             const QSizeF first = m_tiles.empty() ? QSizeF() : QSizeF(m_tiles.front().m_picture.size());
-            m_grid = orvwidgets::TileGrid(labels.size(), orvwidgets::tilesPerSpot(labels), first);
+            const int perSpot = orvwidgets::tilesPerSpot(labels);
+            m_grid = orvwidgets::TileGrid(labels.size(), perSpot, first);
+            m_bSpots = perSpot > 0 && perSpot < labels.size();
             m_bGridKnown = true;
         }
         return m_grid;

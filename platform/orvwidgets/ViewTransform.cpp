@@ -33,8 +33,11 @@ void ViewTransform::setViewSize(const QSizeF& size)
         return;
     }
     if (m_bFitted || !isUsable()) {
+        const double upper = m_dZoom > 0.0 ? m_origin.y() / m_dZoom : 0.0;
         m_view = size;
         fit();
+        m_origin.setY(upper * m_dZoom);
+        limitOrigin();
         return;
     }
     const QPointF middle = toPicture(QPointF(m_view.width() / 2.0, m_view.height() / 2.0));
@@ -47,14 +50,19 @@ void ViewTransform::setViewSize(const QSizeF& size)
     limitOrigin();
 }
 
-double ViewTransform::fittedZoom() const
+double ViewTransform::wholeZoom() const
 {
     return isUsable() ? std::min(m_view.width() / m_picture.width(), m_view.height() / m_picture.height()) : 0.0;
 }
 
+double ViewTransform::fittedZoom() const
+{
+    return isUsable() ? std::max(wholeZoom(), std::min(m_dLeastFitted, m_view.width() / m_picture.width())) : 0.0;
+}
+
 double ViewTransform::minimumZoom() const
 {
-    return std::min(1.0, fittedZoom());
+    return std::min(1.0, wholeZoom());
 }
 
 double ViewTransform::maximumZoom() const
@@ -70,6 +78,25 @@ void ViewTransform::fit()
     limitOrigin();
 }
 
+void ViewTransform::setLeastFittedZoom(double dZoom)
+{
+    if (dZoom == m_dLeastFitted) {
+        return;
+    }
+    m_dLeastFitted = dZoom;
+    if (m_bFitted) {
+        fit();
+    }
+}
+
+void ViewTransform::showWhole()
+{
+    fit();
+    m_bFitted = qFuzzyCompare(wholeZoom(), m_dZoom);
+    m_dZoom = wholeZoom();
+    limitOrigin();
+}
+
 void ViewTransform::setZoom(double dZoom, const QPointF& about)
 {
     if (!isUsable() || std::isnan(dZoom)) {
@@ -77,7 +104,7 @@ void ViewTransform::setZoom(double dZoom, const QPointF& about)
     }
     const QPointF point = toPicture(about);
     const double limitedZoom = std::clamp(dZoom, minimumZoom(), maximumZoom());
-    if (qFuzzyCompare(limitedZoom, fittedZoom())) {
+    if (qFuzzyCompare(limitedZoom, fittedZoom()) && qFuzzyCompare(limitedZoom, wholeZoom())) {
         fit();
         return;
     }

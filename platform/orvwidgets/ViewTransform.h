@@ -11,8 +11,8 @@ namespace orvwidgets {
 // How a picture lies in a view: zoom and place, with the aspect kept. Both systems have their origin at the upper left
 // and y downwards; sizes of the view are logical pixels, those of the picture its own.
 //
-// Fitted, the picture is as large as the view allows and stays so when the view changes; a zoom or a pan ends that. A
-// side that is shorter than the view's is centred, one that is longer leaves no gap.
+// Fitted, the picture is as large as the view allows and stays so when the view changes; a zoom ends that. A side that
+// is shorter than the view's is centred, one that is longer leaves no gap.
 class ViewTransform
 {
 public:
@@ -28,9 +28,15 @@ public:
 
     bool isFitted() const { return m_bFitted; }
     void fit();
+    // Fitted, a picture is not shown smaller than at this zoom as long as the view is wide enough for it: what does not
+    // find room in the height is reached by panning, from the upper edge on. 0 at first.
+    void setLeastFittedZoom(double dZoom);
+    // The whole picture, however small; not fitted when that has a least zoom above it.
+    void showWhole();
     // Logical pixels of the view that a pixel of the picture takes up; 0 without a picture or a view.
     double zoom() const { return m_dZoom; }
-    // From the fitted zoom (or 1, when that is smaller) to kMaxZoom (or the fitted zoom, when that is larger).
+    // From the zoom of the whole picture (or 1, when that is smaller) to kMaxZoom (or the fitted zoom, when that is
+    // larger).
     double minimumZoom() const;
     double maximumZoom() const;
     // Limited to the range; the point of the picture under `about` stays there as far as the gaps allow. At the fitted
@@ -50,6 +56,7 @@ public:
 
 private:
     bool isUsable() const { return !m_picture.isEmpty() && !m_view.isEmpty(); }
+    double wholeZoom() const;
     double fittedZoom() const;
     void limitOrigin();
 
@@ -57,6 +64,7 @@ private:
     QSizeF m_view;
     QPointF m_origin; // of the picture in the view
     double m_dZoom = 0.0;
+    double m_dLeastFitted = 0.0;
     bool m_bFitted = true;
 };
 

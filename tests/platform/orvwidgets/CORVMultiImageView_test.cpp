@@ -102,6 +102,36 @@ TEST_F(MultiImageViewTest, SeveralSpotsTakeARowEach)
     EXPECT_EQ(m_view.imageRect(3).left(), m_view.imageRect(0).left());
 }
 
+TEST_F(MultiImageViewTest, RowsOfManySpotsAreScrolled)
+{
+    m_view.removeAllImages();
+    for (int spot = 1; spot <= 25; ++spot) {
+        for (const char* color : {"red", "green", "blue"}) {
+            m_view.addImage(keep(plain(QColor(color))), false, QString("%1_%2").arg(color).arg(spot, 3, 10, QChar('0')),
+                            1);
+        }
+    }
+    EXPECT_GE(m_view.imageRect(0).width(), 50.0);
+    EXPECT_GE(m_view.imageRect(0).top(), 0.0);
+    EXPECT_GT(m_view.imageRect(74).top(), 400.0);
+    const double zoom = m_view.zoom();
+    for (int i = 0; i < 100; ++i) {
+        pointer::wheel(m_view, {300, 200}, -120);
+    }
+    EXPECT_EQ(m_view.zoom(), zoom);
+    EXPECT_LE(m_view.imageRect(74).bottom(), 400.0);
+    pointer::wheel(m_view, {300, 200}, 120, Qt::ControlModifier);
+    EXPECT_GT(m_view.zoom(), zoom);
+    QImage all;
+    m_view.fit();
+    screen::show(m_view);
+    pointer::wheel(m_view, {300, 200}, -240);
+    screen::keep(screen::grab(m_view), "spots");
+    ASSERT_TRUE(m_view.getImageByRender(all, true));
+    // 25 rows in 400 view pixels: blue in the last column, near the lower edge.
+    EXPECT_EQ(colorAt(all, {300 + 16, 392}), QColor("blue"));
+}
+
 TEST_F(MultiImageViewTest, ManyLargeImagesAreAllShownInTheEnd)
 {
     m_view.removeAllImages();
@@ -238,7 +268,7 @@ TEST_F(MultiImageViewTest, RendersWithoutOpenGLWithTheUnitsLines)
     m_view.updateColorBar(0.0F, 2.5F);
     QImage image;
     ASSERT_TRUE(m_view.getImageByRender(image));
-    const QRectF unit(lower.x(), lower.y() + lower.height() * 1.5 - 10, 60, 12);
+    const QRectF unit(lower.x(), lower.y() + lower.height() + lower.fontHeight() / 2 - 10, 60, 12);
     int ink = 0;
     for (double y = unit.top(); y < unit.bottom(); ++y) {
         for (double x = unit.left(); x < unit.right(); ++x) {

@@ -278,6 +278,25 @@ TEST_F(SimpleImageViewTest, EscapeTakesBackAndIsTheWindowsWhenThereIsNothingToTa
     EXPECT_FALSE(dialog.isVisible());
 }
 
+TEST_F(SimpleImageViewTest, KeysOfTheCropComeBeforeShortcutsOfTheWindow)
+{
+    const auto taken = [this](Qt::Key key, Qt::KeyboardModifiers keys = Qt::NoModifier) {
+        QKeyEvent event(QEvent::ShortcutOverride, key, keys);
+        event.ignore();
+        QApplication::sendEvent(&m_view, &event);
+        return event.isAccepted();
+    };
+    EXPECT_FALSE(taken(Qt::Key_Escape)) << "nothing to take back";
+    EXPECT_FALSE(taken(Qt::Key_Delete));
+    EXPECT_TRUE(taken(Qt::Key_A, Qt::ControlModifier));
+    pointer::drag(m_view, {10, 60}, {110, 150});
+    EXPECT_TRUE(taken(Qt::Key_Escape));
+    EXPECT_TRUE(taken(Qt::Key_Delete));
+    EXPECT_FALSE(taken(Qt::Key_P, Qt::ControlModifier));
+    m_view.enableCropMenu(false);
+    EXPECT_FALSE(taken(Qt::Key_Escape));
+}
+
 TEST_F(SimpleImageViewTest, AnImageOfTheSameSizeKeepsTheCropAnotherDropsIt)
 {
     pointer::drag(m_view, {10, 60}, {110, 150});

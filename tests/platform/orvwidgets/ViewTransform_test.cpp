@@ -135,6 +135,41 @@ TEST(ViewTransformTest, PixelsAreThoseUnderThePointAndNoneBesideThePicture)
     EXPECT_FALSE(t.pixelAt({10, 300}, pixel));
 }
 
+TEST(ViewTransformTest, FittedNotBelowItsLeastZoomItStartsAtTheTopAndIsPanned)
+{
+    ViewTransform t = transform({100, 1000}, {300, 200});
+    t.setLeastFittedZoom(0.5);
+    EXPECT_TRUE(t.isFitted());
+    expectRect(t, 125, 0, 50, 500);
+    t.pan({0, -120});
+    expectRect(t, 125, -120, 50, 500);
+    EXPECT_TRUE(t.isFitted());
+    t.setViewSize({300, 100});
+    expectRect(t, 125, -120, 50, 500);
+    t.setViewSize({20, 100});
+    EXPECT_NEAR(t.zoom(), 0.2, kRounding) << "no wider than the view";
+    t.setViewSize({300, 2000});
+    expectRect(t, 50, 0, 200, 2000);
+}
+
+TEST(ViewTransformTest, ShowsTheWholePictureBelowItsLeastZoom)
+{
+    ViewTransform t = transform({100, 1000}, {300, 200});
+    t.setLeastFittedZoom(0.5);
+    t.showWhole();
+    EXPECT_FALSE(t.isFitted());
+    expectRect(t, 140, 0, 20, 200);
+    t.fit();
+    EXPECT_NEAR(t.zoom(), 0.5, kRounding);
+    for (int i = 0; i < 40; ++i) {
+        t.zoomByWheel(-120, {150, 100});
+    }
+    expectRect(t, 140, 0, 20, 200);
+    t.setLeastFittedZoom(0.0);
+    t.showWhole();
+    EXPECT_TRUE(t.isFitted());
+}
+
 TEST(ViewTransformTest, WithoutAPictureOrAViewNothingIsShown)
 {
     ViewTransform t;
