@@ -259,3 +259,78 @@ TEST(OverlayTest, LayersAreCopies)
     const CORVOverlayImage copy = overlay;
     EXPECT_EQ(qRgb(1, 2, 3), copy.toQImage().pixel(0, 0));
 }
+
+TEST(OverlayTest, PixelsOfABlendAreMadeWhenSomebodyAsks)
+{
+    const CILImage photograph = makeImage(ORVTYPE_BYTE, 2, 1, {0, 200});
+    const CILImage map = coloured(2, 1, qRgb(255, 255, 255));
+    CORVOverlayImage overlay;
+    overlay.setBackground(&photograph, IMAGETYPE_PHOTOGRAPH);
+    overlay.setForeground(&map, IMAGETYPE_LUMINESCENT);
+    const auto blend = [&] { ASSERT_EQ(EIL_SUCCESS, overlay.blend(0.5F, 1)); };
+    blend();
+    EXPECT_EQ(nullptr, overlay.m_pData) << "nobody asked";
+    EXPECT_FALSE(overlay.toQImage().isNull());
+    EXPECT_EQ(nullptr, overlay.m_pData) << "a picture needs none";
+    EXPECT_EQ(128.0, overlay.Min());
+    EXPECT_EQ(255.0, overlay.getMax());
+    EXPECT_EQ((std::vector<double>{128, 255}), valuesOf(overlay));
+    const void* const pixels = overlay.m_pData;
+    EXPECT_NE(nullptr, pixels);
+    EXPECT_EQ(pixels, overlay.bytes()) << "they stay";
+    blend();
+    EXPECT_EQ(128, overlay.bytes()[0]);
+    blend();
+    overlay.RefreshImageStats();
+    EXPECT_EQ(128.0, overlay.m_dMin);
+    EXPECT_EQ(255.0, overlay.m_dMax);
+    blend();
+    ASSERT_EQ(EIL_SUCCESS, overlay.ChangeType(ORVTYPE_DOUBLE));
+    EXPECT_EQ((std::vector<double>{128, 255}), valuesOf(overlay));
+    EXPECT_EQ(qRgb(128, 128, 128), overlay.toQImage().pixel(0, 0)) << "a change of type keeps the colours";
+    blend();
+    overlay.dropRGBImage();
+    EXPECT_FALSE(overlay.isRGB());
+    EXPECT_EQ((std::vector<double>{128, 255}), valuesOf(overlay)) << "the grey values stay";
+}
+
+TEST(OverlayTest, CopiesOfABlendThatNobodySawAreWhole)
+{
+    const CILImage photograph = coloured(2, 1, qRgb(100, 0, 0));
+    CORVOverlayImage overlay;
+    overlay.setBackground(&photograph, IMAGETYPE_PHOTOGRAPH);
+    ASSERT_EQ(EIL_SUCCESS, overlay.blend(1.0F, 1));
+    const CILImage image = overlay;
+    EXPECT_TRUE(image.isRGB());
+    EXPECT_EQ(qRgb(100, 0, 0), image.toQImage().pixel(1, 0));
+    EXPECT_EQ(30.0, image.Max());
+    ASSERT_EQ(EIL_SUCCESS, overlay.blend(1.0F, 1));
+    const CILImageBase base = overlay;
+    EXPECT_EQ(30.0, base.value(1));
+    EXPECT_EQ(30.0, base.m_dMin);
+    ASSERT_EQ(EIL_SUCCESS, overlay.blend(1.0F, 1));
+    const CILImage taken = std::move(overlay);
+    EXPECT_EQ(30.0, taken.value(0));
+    EXPECT_TRUE(overlay.isEmpty()); // NOLINT: what is left is part of the contract
+    EXPECT_FALSE(overlay.isRGB());
+}
+
+TEST(OverlayTest, ALayerIsWhatItsImageWas)
+{
+    CILImage photograph = makeImage(ORVTYPE_BYTE, 1, 1, {40});
+    photograph.getPalette()->SetImageMinMax(0, 255);
+    CILImage map = makeImage(ORVTYPE_DOUBLE, 1, 1, {2});
+    map.setGLFormat(kRgba);
+    map.getPalette()->SetImageMinMax(1, 3);
+    CORVOverlayImage overlay;
+    overlay.setBackground(&photograph, IMAGETYPE_PHOTOGRAPH);
+    overlay.setForeground(&map, IMAGETYPE_LUMINESCENT);
+    ASSERT_EQ(EIL_SUCCESS, overlay.blend(0.5F, 1));
+    const QRgb before = overlay.toQImage().pixel(0, 0);
+    EXPECT_EQ(qRgb(84, 84, 84), before);
+    photograph.setConstData(250);
+    map.setConstData(0);
+    map.getPalette()->SetImageMinMax(5, 6);
+    EXPECT_EQ(before, overlay.toQImage().pixel(0, 0));
+    EXPECT_EQ(84.0, overlay.value(0));
+}
