@@ -3,6 +3,7 @@
 
 #include "XTNT/row_product.h"
 #include "XTNT/xtnt_exception.h"
+#include "XTNT/xtnt_lanes.h"
 #include "XTNT/xtnt_pages.h"
 #include "XTNT/xtnt_parallel.h"
 #include "host/CILImage.h"
@@ -88,25 +89,34 @@ struct Extremes
 // Of a stretch; NaNs do not count. Several running extremes side by side, so that none waits for the one before.
 Extremes extremesOf(const double* values, long long count)
 {
-    constexpr long long lanes = 8;
-    std::array<double, lanes> lowest;
-    std::array<double, lanes> highest;
-    lowest.fill(Extremes().lowest);
-    highest.fill(Extremes().highest);
-    const auto take = [&](std::size_t lane, double v) {
-        lowest[lane] = v < lowest[lane] ? v : lowest[lane];
-        highest[lane] = v > highest[lane] ? v : highest[lane];
-    };
+    constexpr int running = 4;
+    const Extremes none;
+    XTNT::Lanes lowest[running];
+    XTNT::Lanes highest[running];
+    std::fill_n(lowest, running, XTNT::Lanes{none.lowest, none.lowest, none.lowest, none.lowest});
+    std::fill_n(highest, running, XTNT::Lanes{none.highest, none.highest, none.highest, none.highest});
     long long i = 0;
-    for (; i + lanes <= count; i += lanes) {
-        for (std::size_t lane = 0; lane < lanes; ++lane) {
-            take(lane, values[i + static_cast<long long>(lane)]);
+    for (; i + running * XTNT::lanes <= count; i += running * XTNT::lanes) {
+        for (int r = 0; r < running; ++r) {
+            const XTNT::Lanes v = XTNT::lanesAt(values + i + r * XTNT::lanes);
+            lowest[r] = v < lowest[r] ? v : lowest[r];
+            highest[r] = v > highest[r] ? v : highest[r];
         }
     }
+    Extremes all;
+    const auto take = [&all](double low, double high) {
+        all.lowest = low < all.lowest ? low : all.lowest;
+        all.highest = high > all.highest ? high : all.highest;
+    };
     for (; i < count; ++i) {
-        take(0, values[i]);
+        take(values[i], values[i]);
     }
-    return {*std::min_element(lowest.begin(), lowest.end()), *std::max_element(highest.begin(), highest.end())};
+    for (int r = 0; r < running; ++r) {
+        for (int lane = 0; lane < XTNT::lanes; ++lane) {
+            take(lowest[r][lane], highest[r][lane]);
+        }
+    }
+    return all;
 }
 
 // Those of all chunks of values of which the first is `first`. As XTNT::Vector has it, a NaN that comes first stays.

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "windows/maskPixels.h"
 
+#include <algorithm>
+
 std::size_t countMaskPixels(const CILImage& mask)
 {
     if (mask.isEmpty()) {
@@ -8,6 +10,10 @@ std::size_t countMaskPixels(const CILImage& mask)
     }
     std::size_t count = 0;
     const std::size_t n = mask.pixelCount();
+    if (mask.dataType() == ORVTYPE_BYTE) { // as masks are made
+        const unsigned char* const bytes = mask.bytes();
+        return static_cast<std::size_t>(std::count_if(bytes, bytes + n, [](unsigned char b) { return b > 0; }));
+    }
     for (std::size_t i = 0; i < n; ++i) {
         count += mask.value(i) > 0.0 ? 1 : 0;
     }

@@ -166,8 +166,21 @@ double firstOfZeros(const T* pixels, double extreme)
     return extreme;
 }
 
+// Of integers, at least one.
 template <typename T>
-orvimage::FiniteRange rangeOf(const T* pixels, std::size_t n)
+orvimage::FiniteRange integerRange(const T* pixels, std::size_t n)
+{
+    T lowest = pixels[0];
+    T highest = pixels[0];
+    for (std::size_t i = 0; i < n; ++i) {
+        lowest = std::min(lowest, pixels[i]);
+        highest = std::max(highest, pixels[i]);
+    }
+    return {static_cast<double>(lowest), static_cast<double>(highest), n};
+}
+
+template <typename T>
+orvimage::FiniteRange floatingRange(const T* pixels, std::size_t n)
 {
     std::array<T, kLanes> lowest;
     std::array<T, kLanes> highest;
@@ -205,6 +218,13 @@ orvimage::FiniteRange rangeOf(const T* pixels, std::size_t n)
 orvimage::FiniteRange orvimage::finiteRange(const CILImageBase& image)
 {
     FiniteRange range;
-    visitPixels(image, [&](const auto* pixels, std::size_t n) { range = rangeOf(pixels, n); });
+    visitPixels(image, [&](const auto* pixels, std::size_t n) {
+        using Pixel = std::remove_const_t<std::remove_pointer_t<decltype(pixels)>>;
+        if constexpr (std::is_floating_point_v<Pixel>) {
+            range = floatingRange(pixels, n);
+        } else if (n > 0) {
+            range = integerRange(pixels, n);
+        }
+    });
     return range;
 }
