@@ -84,6 +84,7 @@ private:
     bool isCropShown() const;
     bool isCropKey(const QKeyEvent& event) const;
     bool cropKey(QKeyEvent* pEvent);
+    void describeCrop();
     void cropChanged(bool bChanged);
     void chooseShape(bool bEllipse);
     void showCursorOf(const QPointF& point);

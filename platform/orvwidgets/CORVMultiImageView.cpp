@@ -11,7 +11,6 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
-#include <QTimer>
 #include <QToolTip>
 #include <QWheelEvent>
 
@@ -297,7 +296,7 @@ void CORVMultiImageView::paintGL()
     GLImageView::paintGL();
     m_state->m_deadline = QDeadlineTimer(QDeadlineTimer::Forever);
     if (m_state->m_bPicturesMissing) {
-        QTimer::singleShot(0, this, [this] { update(); });
+        QMetaObject::invokeMethod(this, "update", Qt::QueuedConnection);
     }
 }
 

@@ -238,9 +238,23 @@ std::array<float, 4> CORVSimpleImageView::getImageRect() const
             static_cast<float>(std::max(0.0, shown.height() - legend))};
 }
 
+// What is drawn, in pixels of the picture, for who does not see it.
+void CORVSimpleImageView::describeCrop()
+{
+    const QRect pixels = m_state->m_crop.rect(QRectF(QPointF(), QSizeF(picture().size()))).toAlignedRect();
+    setAccessibleDescription(m_state->m_crop.isEmpty() ? QString()
+                                                       : tr("%1, columns %2 to %3, rows %4 to %5")
+                                                             .arg(m_state->m_bEllipse ? tr("Ellipse") : tr("Rectangle"))
+                                                             .arg(pixels.left())
+                                                             .arg(pixels.right())
+                                                             .arg(pixels.top())
+                                                             .arg(pixels.bottom()));
+}
+
 void CORVSimpleImageView::cropChanged(bool bChanged)
 {
     updateActions();
+    describeCrop();
     update();
     if (bChanged && m_state->m_bCropEnabled) {
         Q_EMIT cropModifiedSignal(0);

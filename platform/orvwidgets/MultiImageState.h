@@ -39,33 +39,33 @@ struct CORVMultiImageView::State
 
     std::vector<Tile> m_tiles;
     orvwidgets::TileGrid m_grid;
-    bool m_bGridKnown = true;
-    bool m_bSpots = false; // a row a spot
-    QSizeF m_lastSize;     // of the grid while there were images
-    int m_nCurrent = 0;
+    QSizeF m_lastSize; // of the grid while there were images
     // While the screen is painted: pictures are made until then, the rest in the next paintings.
     QDeadlineTimer m_deadline{QDeadlineTimer::Forever};
-    bool m_bPicturesMissing = false;
     QFont m_font;
 
-    bool m_bHideBar = false;
-    double m_dMin = 0.0;
+    double m_dMin = 0.0; // of the bar
     double m_dMax = 1.0;
     CILPalette m_palette;
     CORVTextTag m_ownLower;
     CORVTextTag m_ownUpper;
     CORVTextTag* m_pLower = nullptr; // of the caller
     CORVTextTag* m_pUpper = nullptr;
-    bool m_bPlaced = false;
-    QPointF m_barBottomLeft;
+    QPointF m_barBottomLeft; // as the caller placed it
     double m_dBarHeight = 0.0;
-
-    bool m_bOpenGL = false;     // drawColorBarTexts() runs with OpenGL
-    bool m_bCollecting = false; // drawColorBarTexts() runs
     std::vector<PlacedText> m_texts;
 
+    int m_nCurrent = 0;
     int m_toldIndex = -1;
     QPoint m_toldPixel{-1, -1};
+
+    bool m_bGridKnown = true;
+    bool m_bSpots = false; // a row a spot
+    bool m_bPicturesMissing = false;
+    bool m_bHideBar = false;
+    bool m_bPlaced = false;
+    bool m_bOpenGL = false;     // drawColorBarTexts() runs with OpenGL
+    bool m_bCollecting = false; // drawColorBarTexts() runs
 
     CORVTextTag& lower() { return m_pLower != nullptr ? *m_pLower : m_ownLower; }
     CORVTextTag& upper() { return m_pUpper != nullptr ? *m_pUpper : m_ownUpper; }

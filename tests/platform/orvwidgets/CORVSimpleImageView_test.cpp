@@ -182,6 +182,16 @@ TEST_F(SimpleImageViewTest, ReportsTheCropFromTheLowerLeftCornerOfTheImage)
     EXPECT_EQ(crop(), at(10, 190, 110, 100));
 }
 
+TEST_F(SimpleImageViewTest, TellsAssistiveToolsWhatIsDrawn)
+{
+    EXPECT_FALSE(m_view.accessibleName().isEmpty());
+    EXPECT_TRUE(m_view.accessibleDescription().isEmpty());
+    pointer::drag(m_view, {10, 60}, {110, 150});
+    EXPECT_EQ(m_view.accessibleDescription(), "Rectangle, columns 5 to 54, rows 5 to 49");
+    QTest::keyClick(&m_view, Qt::Key_Delete);
+    EXPECT_TRUE(m_view.accessibleDescription().isEmpty());
+}
+
 TEST_F(SimpleImageViewTest, SendsTheSignalOnceAtTheEndOfADrag)
 {
     pointer::press(m_view, {10, 60});
