@@ -33,15 +33,16 @@ function(orv_precompile target headers)
 endfunction()
 
 # orv_room(NAME SHARED|STATIC LINK <public libraries> PRIVATE_LINK <private libraries> [MOC_HEADERS <headers>]
-#          [EXCLUDE <sources>])
-# One library from every .cpp and .h below the calling folder, but for the sources that are excluded.
+#          [EXCLUDE <files>])
+# One library from every .cpp and .h below the calling folder, but for the files that are excluded.
 function(orv_room name kind)
   cmake_parse_arguments(A "" "" "LINK;PRIVATE_LINK;MOC_HEADERS;EXCLUDE" ${ARGN})
   file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
+  file(GLOB_RECURSE headers CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.h)
   foreach(source ${A_EXCLUDE})
     list(REMOVE_ITEM sources ${CMAKE_CURRENT_SOURCE_DIR}/${source})
+    list(REMOVE_ITEM headers ${CMAKE_CURRENT_SOURCE_DIR}/${source})
   endforeach()
-  file(GLOB_RECURSE headers CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.h)
   add_library(${name} ${kind} ${sources} ${headers} ${A_MOC_HEADERS})
   set_target_properties(${name} PROPERTIES AUTOMOC ON AUTORCC ON)
   orv_room_headers(TARGET ${name} FILES ${headers})

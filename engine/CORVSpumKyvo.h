@@ -317,7 +317,10 @@ public:
     AutomaticRunFacts m_runFacts;
 
 private:
-    OwnResultView m_ownResultView{*this};
+    // What the engine's own view shows of a cube of a sequence with Cherenkov light.
+    void correctDecay(CImageCube& cube);
+
+    OwnResultView m_ownResultView{m_spectrumPlots, m_analysisInput, [this](CImageCube& cube) { correctDecay(cube); }};
     ResultView* m_pResultView = &m_ownResultView;
     std::atomic<int> m_nRunsEnded{0}; // released at the very end of each run
 

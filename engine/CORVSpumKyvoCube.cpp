@@ -203,6 +203,18 @@ bool CORVSpumKyvo::takeDataMask(MaskPixels eWhich)
     return true;
 }
 
+void CORVSpumKyvo::correctDecay(CImageCube& cube)
+{
+    if (!m_bCherenkov) {
+        return;
+    }
+    if (m_analysisInput.decayCorrection) {
+        applyDecayCorrection(cube, m_analysisInput.halfLifeSeconds, m_strSeqId, m_imageList);
+    } else {
+        cube.applyDecayFactors(cube.m_rawData, QVector<double>(cube.m_nImages, 1.0), false);
+    }
+}
+
 void CORVSpumKyvo::applyDecayCorrection(CImageCube cube, double dHalfLifeSec, const QString& strSeqId,
                                         const QVector<QString>& clickNumbers)
 {

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/OwnResultView.h"
 
-#include "engine/CORVSpumKyvo.h"
-
+#include "engine/AnalysisInput.h"
+#include "engine/CImageCube.h"
 #include "spectra/SpectrumPlotParams.h"
 
 bool OwnResultView::setImageCube(const QList<KeyPair>& xValues, int /*nSpectrumType*/, CImageCube& cube)
@@ -10,48 +10,38 @@ bool OwnResultView::setImageCube(const QList<KeyPair>& xValues, int /*nSpectrumT
     if (xValues.size() != cube.m_nImages) {
         return false;
     }
-    if (!m_engine.m_bCherenkov) {
-        return true;
-    }
-    const AnalysisInput& input = m_engine.m_analysisInput;
-    if (input.decayCorrection) {
-        m_engine.applyDecayCorrection(cube, input.halfLifeSeconds, m_engine.m_strSeqId, m_engine.m_imageList);
-    } else {
-        cube.applyDecayFactors(cube.m_rawData, QVector<double>(cube.m_nImages, 1.0), false);
-    }
+    m_correctDecay(cube);
     return true;
 }
 
 void OwnResultView::setSpectra(const QList<SpectrumPlotParams*>& spectra)
 {
-    if (&spectra == &m_engine.m_spectrumPlots) {
+    if (&spectra == &m_spectra) {
         return;
     }
     QList<SpectrumPlotParams*> copies;
     for (const SpectrumPlotParams* pSpectrum : spectra) {
         copies.append(new SpectrumPlotParams(*pSpectrum));
     }
-    qDeleteAll(m_engine.m_spectrumPlots);
-    m_engine.m_spectrumPlots = copies;
+    qDeleteAll(m_spectra);
+    m_spectra = copies;
 }
 
 QList<SpectrumPlotParams*> OwnResultView::getSpectra() const
 {
-    return m_engine.m_spectrumPlots;
+    return m_spectra;
 }
 
 void OwnResultView::setDecayState(const QString& strIsotope, double dHalfLifeSeconds, bool bApply)
 {
-    AnalysisInput& input = m_engine.m_analysisInput;
-    input.isotope = strIsotope;
-    input.halfLifeSeconds = dHalfLifeSeconds;
-    input.decayCorrection = bApply;
+    m_input.isotope = strIsotope;
+    m_input.halfLifeSeconds = dHalfLifeSeconds;
+    m_input.decayCorrection = bApply;
 }
 
 DecayState OwnResultView::getDecayState() const
 {
-    const AnalysisInput& input = m_engine.m_analysisInput;
-    return {input.isotope, input.halfLifeSeconds, input.decayCorrection};
+    return {m_input.isotope, m_input.halfLifeSeconds, m_input.decayCorrection};
 }
 
 void OwnResultView::getScaleRange(double* pLower, double* pUpper) const

@@ -2,8 +2,10 @@
 #pragma once
 
 #include "engine/ResultView.h"
+#include <functional>
+#include <utility>
 
-class CORVSpumKyvo;
+struct AnalysisInput;
 
 // One picture of a result with its name; the image is borrowed.
 struct UnmixedTile
@@ -31,8 +33,14 @@ struct CompositeInput
 class OwnResultView : public ResultView
 {
 public:
-    // Borrows the engine.
-    explicit OwnResultView(CORVSpumKyvo& engine) : m_engine(engine) {}
+    // Corrects a cube's data for decay as the engine's analysis asks for.
+    using DecayCorrection = std::function<void(CImageCube& cube)>;
+
+    // Borrows the engine's spectra, which it owns, and its analysis input.
+    OwnResultView(QList<SpectrumPlotParams*>& spectra, AnalysisInput& input, DecayCorrection correctDecay)
+        : m_spectra(spectra), m_input(input), m_correctDecay(std::move(correctDecay))
+    {
+    }
 
     QString getNote() const override { return m_strNote; }
     void setNote(const QString& strNote) override { m_strNote = strNote; }
@@ -66,7 +74,9 @@ public:
     const CompositeInput& composite() const { return m_composite; }
 
 private:
-    CORVSpumKyvo& m_engine;
+    QList<SpectrumPlotParams*>& m_spectra;
+    AnalysisInput& m_input;
+    DecayCorrection m_correctDecay;
     QString m_strNote;
     bool m_bBackgroundMode = false;
     bool m_bSpectraModified = false;

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "XTNT/xtnt_matrix.h"
+#include "spectra/CompositeChannel.h"
 #include "spectra/KeyPair.h"
-#include "windows/CompositeChannel.h"
 
 #include <QList>
 #include <QString>

@@ -6,7 +6,7 @@
 #include "XTNT/xtnt_matrix.h"
 #include "host/CILImage.h"
 #include "host/CORVOverlayImage.h"
-#include "windows/CompositeChannel.h"
+#include "spectra/CompositeChannel.h"
 
 #include <QColor>
 #include <QList>
