@@ -6,6 +6,7 @@
 #include "workbench/commands/CliSession.h"
 #include "workbench/commands/Options.h"
 #include "workbench/simulator/FilterPlan.h"
+#include "workbench/simulator/OptionCheck.h"
 #include "workbench/simulator/SourceList.h"
 #include "workbench/simulator/simulate.h"
 

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "workbench/simulator/ComponentSpectrum.h"
 
-#include "workbench/simulator/ScenePlan.h"
+#include "workbench/simulator/SceneComponent.h"
+#include "workbench/simulator/TissueOptics.h"
 
 namespace {
 

@@ -55,13 +55,6 @@ struct SimulationOptions
     static SimulationOptions standard(SimulationKind eKind);
 };
 
-// An empty text when the options can be simulated, else one sentence that says what is wrong and what to do. Asks the
-// reference data for the probes.
-QString validate(const SimulationOptions& options);
-
-// The depth of probe `index`, by the rule above; options must be valid.
-double probeDepthMm(const SimulationOptions& options, int index);
-
 // The times of a temporal sequence, given or chosen, in seconds.
 QList<double> timesOf(const SimulationOptions& options);
 // Images of a scan spot, or of the sequence where it has none.

@@ -50,3 +50,17 @@ QList<SimulatedSource> sourcesOf(const SimulationOptions& options)
     }
     return sources;
 }
+
+double probeDepthMm(const SimulationOptions& options, int index)
+{
+    constexpr double kFirstMm = 2.0;
+    constexpr double kLastMm = 6.0;
+    if (options.depthsMm.size() == 1) {
+        return options.depthsMm.first();
+    }
+    if (!options.depthsMm.isEmpty()) {
+        return options.depthsMm.at(index);
+    }
+    const int last = sourceCount(options) - 1;
+    return last < 1 ? kFirstMm : kFirstMm + (kLastMm - kFirstMm) * index / last;
+}

@@ -20,3 +20,5 @@ int sourceCount(const SimulationOptions& options);
 QList<SimulatedSource> sourcesOf(const SimulationOptions& options);
 // Whether one tracer goes to several organs.
 bool hasOrgans(const SimulationOptions& options);
+// The depth of probe `index`, by the rule of SimulationOptions::depthsMm; options must be valid.
+double probeDepthMm(const SimulationOptions& options, int index);

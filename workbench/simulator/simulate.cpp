@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "workbench/simulator/simulate.h"
+#include "workbench/simulator/OptionCheck.h"
 
 #include "platform/orvapi/ClickInfoKeys.h"
-#include "platform/orvapi/SavedResultsCheck.h"
 #include "platform/orvapi/SequenceWriter.h"
+#include "storage/savedResultsAtStake.h"
 #include "workbench/simulator/CameraModel.h"
 #include "workbench/simulator/FullDataset.h"
 #include "workbench/simulator/MousePhotograph.h"

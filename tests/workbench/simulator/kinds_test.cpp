@@ -6,6 +6,7 @@
 #include "platform/orvapi/ClickInfoKeys.h"
 #include "workbench/simulator/FilterPlan.h"
 #include "workbench/simulator/Kinetics.h"
+#include "workbench/simulator/OptionCheck.h"
 #include "workbench/simulator/ScanSpots.h"
 #include "workbench/simulator/SourceList.h"
 #include "workbench/simulator/TimeCourse.h"

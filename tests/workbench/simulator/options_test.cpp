@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "workbench/simulator/FilterPlan.h"
+#include "workbench/simulator/OptionCheck.h"
 #include "workbench/simulator/ProbeChoice.h"
 #include "workbench/simulator/SimulationOptions.h"
+#include "workbench/simulator/SourceList.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "workbench/simulator/OptionCheck.h"
 #include "workbench/simulator/simulate.h"
 
 #include "XTNT/xtnt_parallel.h"
