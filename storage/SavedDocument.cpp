@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "services/results/SavedDocument.h"
+#include "storage/SavedDocument.h"
 
 #include "storage/documentText.h"
 

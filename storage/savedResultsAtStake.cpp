@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "platform/orvapi/SavedResultsCheck.h"
+#include "storage/savedResultsAtStake.h"
+
+#include "storage/resultsIndex.h"
 
 #include <QDir>
 #include <QFile>
@@ -36,10 +38,10 @@ bool hasEntries(const QString& strIndex)
 QString savedResultsAtStake(const QString& strFolder)
 {
     const QDir folder(strFolder);
-    QStringList places{QStringLiteral("XML")};
+    QStringList places{resultsIndex::folder(QString())};
     places += folder.entryList({QStringLiteral("SPUM*")}, QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name);
     for (const QString& place : places) {
-        const QString index = place + QStringLiteral("/SPUM.txt");
+        const QString index = resultsIndex::indexPath(place);
         if (hasEntries(folder.filePath(index))) {
             return QStringLiteral(
                        "%1 holds saved results (%2), which would be lost with it: delete them first, or choose "

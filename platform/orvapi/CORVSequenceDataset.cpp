@@ -6,6 +6,7 @@
 #include "platform/orvapi/ClickInfoValues.h"
 #include "platform/orvapi/DecayCorrection.h"
 #include "platform/orvapi/SequenceInfo.h"
+#include "platform/orvutils/NumberText.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -245,7 +246,7 @@ QStringList CORVSequenceDataset::foldersOnDisk() const
             folders.append(folder);
         }
     }
-    std::sort(folders.begin(), folders.end(), numberAwareLess);
+    std::sort(folders.begin(), folders.end(), orv::numberAwareLess);
     return folders;
 }
 

@@ -3,8 +3,8 @@
 
 #include "host/CPLSection.h"
 #include "platform/orvapi/ROIShape.h"
+#include "platform/orvutils/NumberText.h"
 
-#include <QLocale>
 #include <QMap>
 #include <QRegularExpression>
 
@@ -73,7 +73,7 @@ QString shown(const QString& strText)
 
 QString numberText(double dValue)
 {
-    return QString::number(dValue, 'g', QLocale::FloatingPointShortest);
+    return orv::shortestText(dValue);
 }
 
 // The entries of one region, in file order.

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/orvapi/ROIShape.h"
 
-#include <QLocale>
+#include "platform/orvutils/NumberText.h"
+
 #include <QStringList>
 
 #include <algorithm>
@@ -195,9 +196,7 @@ void outlineIntervals(const QVector<Point>& points, double y, std::vector<Crossi
 QString toText(const tagROIInfo& info)
 {
     QStringList texts;
-    const auto append = [&texts](double dNumber) {
-        texts.append(QString::number(dNumber, 'g', QLocale::FloatingPointShortest));
-    };
+    const auto append = [&texts](double dNumber) { texts.append(orv::shortestText(dNumber)); };
     if (isOutline(info)) {
         for (const Point& point : info.points) {
             append(point.x);

@@ -141,43 +141,6 @@ bool staysBelow(const QString& strPath)
     return clean != QLatin1String(".") && clean != QLatin1String("..") && !clean.startsWith(QLatin1String("../"));
 }
 
-bool numberAwareLess(const QString& strA, const QString& strB)
-{
-    const auto isDigit = [](QChar c) { return c >= QLatin1Char('0') && c <= QLatin1Char('9'); };
-    const auto digitsFrom = [&](const QString& text, int* pPlace) {
-        const int begin = *pPlace;
-        while (*pPlace < text.size() && isDigit(text.at(*pPlace))) {
-            ++*pPlace;
-        }
-        int first = begin;
-        while (first < *pPlace && text.at(first) == QLatin1Char('0')) {
-            ++first;
-        }
-        return text.mid(first, *pPlace - first);
-    };
-    int a = 0;
-    int b = 0;
-    while (a < strA.size() && b < strB.size()) {
-        if (isDigit(strA.at(a)) && isDigit(strB.at(b))) {
-            const QString numberA = digitsFrom(strA, &a);
-            const QString numberB = digitsFrom(strB, &b);
-            if (numberA != numberB) {
-                return numberA.size() != numberB.size() ? numberA.size() < numberB.size() : numberA < numberB;
-            }
-            continue;
-        }
-        if (strA.at(a) != strB.at(b)) {
-            return strA.at(a) < strB.at(b);
-        }
-        ++a;
-        ++b;
-    }
-    if (a < strA.size() || b < strB.size()) {
-        return b < strB.size();
-    }
-    return strA < strB; // equal but for leading zeros
-}
-
 bool readSequenceInfo(const CPLClickInfo& sections, const QString& strFile, SequenceInfo* pInfo, QStringList& warnings)
 {
     *pInfo = SequenceInfo();

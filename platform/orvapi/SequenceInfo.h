@@ -35,6 +35,3 @@ CPLClickInfo sequenceInfoSections(const SequenceInfo& info);
 
 // True for a relative path that stays below the folder it starts in.
 bool staysBelow(const QString& strPath);
-
-// Order by name in which runs of digits compare by value, so that 9 stands before 10.
-bool numberAwareLess(const QString& strA, const QString& strB);

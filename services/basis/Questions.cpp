@@ -2,6 +2,7 @@
 #include "services/basis/Questions.h"
 
 #include "host/CORVMessageBox.h"
+#include "platform/orvutils/MessageResponder.h"
 #include "platform/orvutils/TextResponder.h"
 
 #include <iostream>

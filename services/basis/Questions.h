@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "platform/orvutils/MessageResponder.h"
-
 #include <memory>
+
+namespace orv {
+class MessageResponder;
+}
 
 // While it lives the questions of the libraries below are answered on behalf of a command: Yes where the user has
 // agreed beforehand by an option; otherwise the user is asked on a terminal, and without one the default stands.

@@ -3,6 +3,7 @@
 
 #include "platform/orvimage/TiffIo.h"
 #include "platform/orvimage/TiffTexts.h"
+#include "platform/orvutils/NumberText.h"
 #include "services/importer/CsvCube.h"
 #include "services/importer/EnviCube.h"
 #include "services/importer/ImageJMetadata.h"
@@ -21,43 +22,6 @@ namespace {
 
 // Descriptions longer than this are texts, not names.
 constexpr int maxNameLength = 200;
-
-// Runs of digits by their value, the rest by its characters; of two alike the shorter first.
-bool lessByNumber(const QString& a, const QString& b)
-{
-    int i = 0;
-    int j = 0;
-    while (i < a.size() && j < b.size()) {
-        if (!a.at(i).isDigit() || !b.at(j).isDigit()) {
-            if (a.at(i) != b.at(j)) {
-                return a.at(i) < b.at(j);
-            }
-            ++i;
-            ++j;
-            continue;
-        }
-        const auto number = [](const QString& text, int& at) {
-            const int from = at;
-            while (at < text.size() && text.at(at).isDigit()) {
-                ++at;
-            }
-            int significant = from;
-            while (significant + 1 < at && text.at(significant) == QLatin1Char('0')) {
-                ++significant;
-            }
-            return text.mid(significant, at - significant);
-        };
-        const QString first = number(a, i);
-        const QString second = number(b, j);
-        if (first.size() != second.size()) {
-            return first.size() < second.size();
-        }
-        if (first != second) {
-            return first < second;
-        }
-    }
-    return a.size() - i != b.size() - j ? a.size() - i < b.size() - j : a < b;
-}
 
 bool isTiffName(const QString& name)
 {
@@ -138,7 +102,7 @@ bool ImageFinder::findInFolder(const QString& strFolder, const Progress& progres
         *pError = QStringLiteral("%1: there is no TIFF file and no ENVI header in the folder").arg(strFolder);
         return false;
     }
-    std::sort(names.begin(), names.end(), lessByNumber);
+    std::sort(names.begin(), names.end(), orv::numberAwareLess);
     for (int i = 0; i < names.size(); ++i) {
         if (progress && !progress(i, names.size(), QStringLiteral("Looking at %1").arg(names.at(i)))) {
             m_bAborted = true;

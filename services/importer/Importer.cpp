@@ -3,13 +3,13 @@
 
 #include "files/AtomicFile.h"
 #include "platform/orvapi/ClickInfoKeys.h"
-#include "platform/orvapi/SavedResultsCheck.h"
 #include "platform/orvapi/SequenceWriter.h"
 #include "services/importer/ImageCorrection.h"
 #include "services/importer/ImageKeys.h"
 #include "services/importer/ImageStack.h"
 #include "services/importer/ImagesTable.h"
 #include "services/importer/Photograph.h"
+#include "storage/savedResultsAtStake.h"
 
 #include <QCryptographicHash>
 #include <QDir>

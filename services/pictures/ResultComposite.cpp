@@ -1,13 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "services/pictures/CompositePicture.h"
+#include "services/pictures/ResultComposite.h"
 
 #include "engine/CORVSpumKyvo.h"
 #include "engine/logLine.h"
-#include "files/AtomicFile.h"
 #include "host/CILImage.h"
 #include "host/CORVLog.h"
-#include "services/basis/Failure.h"
-#include "services/basis/PngBytes.h"
 #include "windows/compositePicture.h"
 
 #include <QFont>
@@ -159,18 +156,4 @@ QList<CompositeFile> compositeFilesOf(const CORVSpumKyvo& engine)
         files.append({QStringLiteral("composite%1.png").arg(spot), picture});
     }
     return files;
-}
-
-QStringList writeComposites(const CORVSpumKyvo& engine, const QString& strFolder)
-{
-    QStringList names;
-    const QList<CompositeFile> files = compositeFilesOf(engine);
-    for (const CompositeFile& file : files) {
-        QString error;
-        if (!orv::writeFileAtomically(strFolder + file.name, pngBytes(file.picture), &error)) {
-            throw Failure(error);
-        }
-        names.append(file.name);
-    }
-    return names;
 }

@@ -6,7 +6,6 @@
 #include <QList>
 #include <QPair>
 #include <QString>
-#include <QStringList>
 
 class CORVSpumKyvo;
 
@@ -27,10 +26,6 @@ QImage compositeWithLegendOf(const CORVSpumKyvo& engine, int nSpot);
 
 // The composites of all spots with their legends: "composite.png", or "composite_spot1.png" and so on.
 QList<CompositeFile> compositeFilesOf(const CORVSpumKyvo& engine);
-
-// Writes them into a folder (with a slash at its end) and gives their names. Throws Failure, files before the one
-// that failed stay.
-QStringList writeComposites(const CORVSpumKyvo& engine, const QString& strFolder);
 
 // A picture with a dark strip beneath it on which the labels stand, each behind a patch of its colour, in as many rows
 // as they need. Colours too dark for text are lightened for the text alone. Without labels, or without a

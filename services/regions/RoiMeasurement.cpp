@@ -7,12 +7,13 @@
 #include "platform/orvapi/ClickInfoValues.h"
 #include "platform/orvapi/ROIShape.h"
 #include "platform/orvapi/ROIStatistics.h"
+#include "platform/orvutils/NumberText.h"
 #include "services/basis/Failure.h"
 #include "services/basis/UnitNames.h"
+#include "services/basis/jsonNumber.h"
 #include "services/results/ResultMaps.h"
 
 #include <QJsonObject>
-#include <QLocale>
 #include <QMap>
 
 #include <algorithm>
@@ -22,12 +23,7 @@ namespace {
 
 QString exactNumber(double dValue)
 {
-    return std::isfinite(dValue) ? QString::number(dValue, 'g', QLocale::FloatingPointShortest) : QString();
-}
-
-QJsonValue jsonNumber(double dValue)
-{
-    return std::isfinite(dValue) ? QJsonValue(dValue) : QJsonValue();
+    return std::isfinite(dValue) ? orv::shortestText(dValue) : QString();
 }
 
 // The numbers behind the counts of pixels, in the order of the columns.

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "services/results/SavedResult.h"
+#include "services/results/ComparedResult.h"
 
 #include "platform/orvimage/TiffIo.h"
 #include "services/basis/Failure.h"
@@ -34,7 +34,7 @@ QString mapOfSpot(const QString& strFirst, int nSpot)
 
 } // namespace
 
-void SavedResult::readResult(const QString& strFolder)
+void ComparedResult::readResult(const QString& strFolder)
 {
     const QString folder = QDir::cleanPath(QFileInfo(strFolder).absoluteFilePath()) + QLatin1Char('/');
     const QJsonObject summary = readSummary(folder);
@@ -56,7 +56,7 @@ void SavedResult::readResult(const QString& strFolder)
     readMask(folder);
 }
 
-void SavedResult::readTruth(const QString& strFolder, bool bDecayCorrected)
+void ComparedResult::readTruth(const QString& strFolder, bool bDecayCorrected)
 {
     m_bTruth = true;
     m_bDecayCorrected = bDecayCorrected;
@@ -70,7 +70,7 @@ void SavedResult::readTruth(const QString& strFolder, bool bDecayCorrected)
     }
 }
 
-void SavedResult::readSpots(const std::function<QString(int)>& fileOfSpot)
+void ComparedResult::readSpots(const std::function<QString(int)>& fileOfSpot)
 {
     const bool first = m_maps.empty();
     readMap(fileOfSpot(0));
@@ -89,7 +89,7 @@ void SavedResult::readSpots(const std::function<QString(int)>& fileOfSpot)
     }
 }
 
-void SavedResult::readMap(const QString& strFile)
+void ComparedResult::readMap(const QString& strFile)
 {
     CILImage map;
     QString error;
@@ -106,7 +106,7 @@ void SavedResult::readMap(const QString& strFile)
     m_maps.push_back(std::move(map));
 }
 
-void SavedResult::readMask(const QString& strFolder)
+void ComparedResult::readMask(const QString& strFolder)
 {
     const QImage mask = ResultFolder::readMask(strFolder, m_maps.front().m_lWidth, m_maps.front().m_lHeight);
     for (int y = 0; y < mask.height(); ++y) {
@@ -118,7 +118,7 @@ void SavedResult::readMask(const QString& strFolder)
     }
 }
 
-QList<KeyPair> SavedResult::pairs() const
+QList<KeyPair> ComparedResult::pairs() const
 {
     QList<KeyPair> pairs;
     for (const auto& point : m_library.all().first()->points) {
@@ -130,7 +130,7 @@ QList<KeyPair> SavedResult::pairs() const
     return pairs;
 }
 
-bool SavedResult::hasPair(const KeyPair& pair) const
+bool ComparedResult::hasPair(const KeyPair& pair) const
 {
     for (const auto* spectrum : m_library.all()) {
         if (!spectrum->coversPairs({pair})) {
@@ -140,7 +140,7 @@ bool SavedResult::hasPair(const KeyPair& pair) const
     return true;
 }
 
-std::vector<double> SavedResult::spectrum(int n, const QList<KeyPair>& pairs) const
+std::vector<double> ComparedResult::spectrum(int n, const QList<KeyPair>& pairs) const
 {
     const auto values = m_library.all().at(n)->valuesAt(pairs);
     std::vector<double> list;

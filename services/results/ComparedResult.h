@@ -13,12 +13,12 @@
 #include <vector>
 
 // An unmixing as it lies in a folder: the components' maps, of a scan one for each spot, and spectra.
-class SavedResult
+class ComparedResult
 {
 public:
-    SavedResult() = default;
-    SavedResult(const SavedResult&) = delete;
-    SavedResult& operator=(const SavedResult&) = delete;
+    ComparedResult() = default;
+    ComparedResult(const ComparedResult&) = delete;
+    ComparedResult& operator=(const ComparedResult&) = delete;
 
     // Reads what `spum unmix` wrote into that folder; the label is the folder's name. Throws Failure that names what
     // is missing.

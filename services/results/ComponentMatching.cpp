@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "services/results/ComponentMatching.h"
 
-#include "services/results/ResultSummary.h"
+#include "services/results/FitStatistics.h"
 
 #include <algorithm>
 #include <cmath>
@@ -77,8 +77,8 @@ std::vector<int> cheapestAssignment(const Costs& costs, std::size_t columns)
 
 double likeness(const ComponentShape& a, const ComponentShape& b)
 {
-    return orNothing(ResultSummary::cosine(a.spectrum, b.spectrum)) +
-           orNothing(ResultSummary::correlation(a.map, b.map));
+    return orNothing(FitStatistics::cosine(a.spectrum, b.spectrum)) +
+           orNothing(FitStatistics::correlation(a.map, b.map));
 }
 
 std::vector<int> matchByName(const std::vector<ComponentShape>& found, const std::vector<ComponentShape>& reference)

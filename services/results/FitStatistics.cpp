@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "services/results/ResultSummary.h"
+#include "services/results/FitStatistics.h"
 
 #include "XTNT/xtnt_parallel.h"
 #include "XTNT/xtnt_vector.h"
@@ -66,7 +66,7 @@ bool varies(const std::vector<double>& values)
 
 } // namespace
 
-std::vector<double> ResultSummary::signalShares(const Matrix<double>& data, const Matrix<double>& concentrations,
+std::vector<double> FitStatistics::signalShares(const Matrix<double>& data, const Matrix<double>& concentrations,
                                                 const Matrix<double>& spectra)
 {
     double total = 0.0;
@@ -80,7 +80,7 @@ std::vector<double> ResultSummary::signalShares(const Matrix<double>& data, cons
     return shares;
 }
 
-double ResultSummary::relativeResidual(const Matrix<double>& data, const Matrix<double>& concentrations,
+double FitStatistics::relativeResidual(const Matrix<double>& data, const Matrix<double>& concentrations,
                                        const Matrix<double>& spectra)
 {
     const long long chunks = (data.num_rows() + rowsPerChunk - 1) / rowsPerChunk;
@@ -97,7 +97,7 @@ double ResultSummary::relativeResidual(const Matrix<double>& data, const Matrix<
     return total.squares == 0.0 ? notKnown : std::sqrt(total.residualSquares / total.squares);
 }
 
-double ResultSummary::correlation(const std::vector<double>& a, const std::vector<double>& b)
+double FitStatistics::correlation(const std::vector<double>& a, const std::vector<double>& b)
 {
     if (a.size() != b.size() || !varies(a) || !varies(b)) {
         return notKnown;
@@ -108,7 +108,7 @@ double ResultSummary::correlation(const std::vector<double>& a, const std::vecto
     return XTNT::corrcoef(first, second);
 }
 
-double ResultSummary::cosine(const std::vector<double>& a, const std::vector<double>& b)
+double FitStatistics::cosine(const std::vector<double>& a, const std::vector<double>& b)
 {
     if (a.size() != b.size()) {
         return notKnown;
@@ -125,7 +125,7 @@ double ResultSummary::cosine(const std::vector<double>& a, const std::vector<dou
     return norms > 0.0 ? product / norms : notKnown;
 }
 
-double ResultSummary::relativeError(const std::vector<double>& map, const std::vector<double>& truth)
+double FitStatistics::relativeError(const std::vector<double>& map, const std::vector<double>& truth)
 {
     if (map.size() != truth.size()) {
         return notKnown;

@@ -8,7 +8,7 @@
 
 // Numbers that tell how well a result explains its data. `data` is P x N (rows of the cube by images), `concentrations`
 // K x P, `spectra` K x N.
-class ResultSummary
+class FitStatistics
 {
 public:
     // Per component: sum of its map times sum of its spectrum over the sum of the data. They add up to about 1 where

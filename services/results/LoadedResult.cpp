@@ -7,8 +7,8 @@
 #include "services/basis/ModeNames.h"
 #include "services/basis/UnitNames.h"
 #include "services/results/ResultStore.h"
-#include "services/results/SavedDocument.h"
 #include "services/session/OpenedSequence.h"
+#include "storage/SavedDocument.h"
 
 #include <QElapsedTimer>
 

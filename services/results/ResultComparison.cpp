@@ -2,9 +2,9 @@
 #include "services/results/ResultComparison.h"
 
 #include "services/basis/Failure.h"
+#include "services/results/ComparedResult.h"
 #include "services/results/ComponentMatching.h"
-#include "services/results/ResultSummary.h"
-#include "services/results/SavedResult.h"
+#include "services/results/FitStatistics.h"
 
 #include <algorithm>
 #include <iterator>
@@ -12,7 +12,7 @@
 
 namespace {
 
-using Results = std::vector<std::unique_ptr<SavedResult>>;
+using Results = std::vector<std::unique_ptr<ComparedResult>>;
 
 QList<KeyPair> commonPairs(const Results& results)
 {
@@ -55,7 +55,7 @@ void checkSizes(const Results& results)
 }
 
 // The mean over the spots of a scan.
-CILImage meanMap(const SavedResult& result, int n)
+CILImage meanMap(const ComparedResult& result, int n)
 {
     CILImage mean = result.map(n);
     float* pixels = mean.floats();
@@ -107,7 +107,7 @@ void ResultComparison::findReferences(const Results& results)
 }
 
 // What a spectrum loses when its largest value becomes 1, its map gains.
-ComparedComponent ResultComparison::componentOf(const SavedResult& result, int n, const QList<KeyPair>& pairs) const
+ComparedComponent ResultComparison::componentOf(const ComparedResult& result, int n, const QList<KeyPair>& pairs) const
 {
     ComparedComponent component;
     component.present = true;
@@ -200,9 +200,9 @@ void ResultComparison::compareWithReference(ComparedComponent& component, const 
     if (!component.present || !reference.present) {
         return;
     }
-    component.cosine = ResultSummary::cosine(component.spectrum, reference.spectrum);
-    component.correlation = ResultSummary::correlation(component.values, reference.values);
-    component.relativeError = ResultSummary::relativeError(component.values, reference.values);
+    component.cosine = FitStatistics::cosine(component.spectrum, reference.spectrum);
+    component.correlation = FitStatistics::correlation(component.values, reference.values);
+    component.relativeError = FitStatistics::relativeError(component.values, reference.values);
 }
 
 const ComparedComponent& ResultComparison::at(int nRow, int nColumn) const

@@ -12,7 +12,7 @@
 #include <memory>
 #include <vector>
 
-class SavedResult;
+class ComparedResult;
 
 // A component of a result, brought to what all of the compared results have in common.
 struct ComparedComponent
@@ -38,7 +38,7 @@ class ResultComparison
 public:
     // Two results at least, in the order of the rows, truths first. Throws Failure when their maps differ in size or
     // number of spots or their spectra have no image in common.
-    explicit ResultComparison(const std::vector<std::unique_ptr<SavedResult>>& results);
+    explicit ResultComparison(const std::vector<std::unique_ptr<ComparedResult>>& results);
 
     int rowCount() const { return m_rowNames.size(); }
     int columnCount() const { return m_columnNames.size(); }
@@ -55,10 +55,10 @@ public:
 private:
     using Row = std::vector<ComparedComponent>;
 
-    void findCommonPixels(const std::vector<std::unique_ptr<SavedResult>>& results);
-    void findReferences(const std::vector<std::unique_ptr<SavedResult>>& results);
+    void findCommonPixels(const std::vector<std::unique_ptr<ComparedResult>>& results);
+    void findReferences(const std::vector<std::unique_ptr<ComparedResult>>& results);
     void addRow(Row components);
-    ComparedComponent componentOf(const SavedResult& result, int n, const QList<KeyPair>& pairs) const;
+    ComparedComponent componentOf(const ComparedResult& result, int n, const QList<KeyPair>& pairs) const;
     int freeColumn(const Row& row, const QString& strName);
     void compareWithReference(ComparedComponent& component, const ComparedComponent& reference) const;
 

@@ -11,13 +11,14 @@
 #include "services/basis/PngBytes.h"
 #include "services/basis/TextTable.h"
 #include "services/basis/UnitNames.h"
-#include "services/pictures/CompositePicture.h"
+#include "services/basis/jsonNumber.h"
 #include "services/pictures/MaskPicture.h"
+#include "services/pictures/ResultComposite.h"
 #include "services/pictures/ResultPlot.h"
+#include "services/results/FitStatistics.h"
 #include "services/results/NoiseEstimate.h"
 #include "services/results/ReportHtml.h"
 #include "services/results/ReportPdf.h"
-#include "services/results/ResultSummary.h"
 #include "services/results/RunEnding.h"
 #include "spectra/SpectrumPlotParams.h"
 #include "spectra/SpumKyvoDatabase.h"
@@ -68,11 +69,6 @@ QString valueText(int nUnit)
 int spotCount(const CORVSpumKyvo& engine)
 {
     return std::max(1, engine.m_cube.m_nSpots);
-}
-
-QJsonValue jsonNumber(double dValue)
-{
-    return std::isfinite(dValue) ? QJsonValue(dValue) : QJsonValue();
 }
 
 } // namespace
@@ -362,7 +358,7 @@ QString ResultFiles::summaryText() const
                        .arg(m_engine.m_nBinning)
                        .arg(m_engine.m_cube.pixelsPerSpot())
                        .arg(tableText(), TextTable::number(m_numbers.residual * 100.0, 4),
-                            TextTable::number(ResultSummary::explainedVariance(m_numbers.residual), 6));
+                            TextTable::number(FitStatistics::explainedVariance(m_numbers.residual), 6));
     text += QStringLiteral("the fit took %1 s\n").arg(TextTable::number(m_numbers.seconds, 3));
     if (!m_numbers.automatic) {
         return text;
@@ -441,7 +437,7 @@ QJsonObject ResultFiles::summaryJson() const
                      {"binning", m_engine.m_nBinning},
                      {"pixels", static_cast<qint64>(m_engine.m_cube.pixelsPerSpot())},
                      {"residual", jsonNumber(m_numbers.residual)},
-                     {"explainedVariance", jsonNumber(ResultSummary::explainedVariance(m_numbers.residual))},
+                     {"explainedVariance", jsonNumber(FitStatistics::explainedVariance(m_numbers.residual))},
                      {"components", components},
                      {"properties", properties},
                      {"files", QJsonArray::fromStringList(m_files)}};

@@ -6,7 +6,7 @@
 #include "platform/orvimage/TiffIo.h"
 #include "services/basis/Failure.h"
 #include "services/basis/TruthFiles.h"
-#include "services/results/ResultSummary.h"
+#include "services/results/FitStatistics.h"
 #include "services/session/LibrarySpectra.h"
 #include "spectra/SpectrumPlotParams.h"
 
@@ -168,9 +168,9 @@ std::vector<TrueComparison> compareWithTruth(const CORVSpumKyvo& engine, const Q
             continue;
         }
         const ComponentShape& partner = truth[static_cast<std::size_t>(partners[k])];
-        list[k] = {true, ResultSummary::correlation(found[k].map, partner.map),
-                   ResultSummary::relativeError(found[k].map, partner.map), partner.name,
-                   ResultSummary::cosine(found[k].spectrum, partner.spectrum)};
+        list[k] = {true, FitStatistics::correlation(found[k].map, partner.map),
+                   FitStatistics::relativeError(found[k].map, partner.map), partner.name,
+                   FitStatistics::cosine(found[k].spectrum, partner.spectrum)};
     }
     return list;
 }

@@ -5,6 +5,7 @@
 #include "files/TemporaryTarget.h"
 #include "host/CILImage.h"
 #include "platform/orvimage/TiffStackWriter.h"
+#include "platform/orvutils/NumberText.h"
 #include "services/basis/Failure.h"
 #include "services/basis/TextTable.h"
 #include "services/basis/UnitNames.h"
@@ -14,7 +15,6 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QLocale>
 #include <QTemporaryFile>
 #include <QXmlStreamWriter>
 #include <QtEndian>
@@ -31,11 +31,6 @@ constexpr int bufferBytes = 1024 * 1024;
 constexpr qint64 blockBytes = 8 * 1024 * 1024;
 const QString unknown = QStringLiteral("-");
 
-QString shortest(double dValue)
-{
-    return QString::number(dValue, 'g', QLocale::FloatingPointShortest);
-}
-
 QString unitSentence(const ExportedCube& cube)
 {
     return QStringLiteral("%1 (%2)").arg(UnitNames::text(cube.unit()), UnitNames::quantity(cube.unit()));
@@ -51,7 +46,7 @@ void writeChannel(QXmlStreamWriter& xml, int nChannel, const QString& strName, c
         if (!value) {
             return;
         }
-        xml.writeAttribute(strKey, shortest(*value));
+        xml.writeAttribute(strKey, orv::shortestText(*value));
         xml.writeAttribute(strKey + QStringLiteral("Unit"), QStringLiteral("nm"));
     };
     wavelength(QStringLiteral("ExcitationWavelength"), image.excitation);
@@ -69,7 +64,7 @@ void writePlane(QXmlStreamWriter& xml, int nChannel, int nTime, const ExportedCu
         if (!value) {
             return;
         }
-        xml.writeAttribute(strKey, shortest(*value));
+        xml.writeAttribute(strKey, orv::shortestText(*value));
         xml.writeAttribute(strKey + QStringLiteral("Unit"), QStringLiteral("s"));
     };
     seconds(QStringLiteral("DeltaT"), image.time);
@@ -96,7 +91,7 @@ void writePixels(QXmlStreamWriter& xml, const ExportedCube& cube)
     if (const auto size = cube.pixelSize()) {
         for (const auto* axis : {"X", "Y"}) {
             const QString key = QStringLiteral("PhysicalSize") + QLatin1String(axis);
-            xml.writeAttribute(key, shortest(*size));
+            xml.writeAttribute(key, orv::shortestText(*size));
             xml.writeAttribute(key + QStringLiteral("Unit"), QStringLiteral("\u00b5m"));
         }
     }
@@ -193,13 +188,13 @@ QString noteLines(const ExportedCube& cube)
     QStringList exposures;
     QStringList starts;
     for (const auto& image : cube.images()) {
-        exposures.append(image.exposure ? shortest(*image.exposure) : unknown);
+        exposures.append(image.exposure ? orv::shortestText(*image.exposure) : unknown);
         starts.append(image.start.isEmpty() ? unknown : image.start);
     }
     QString text = cube.isTemporal() ? QStringLiteral("orvia kind = temporal\n") : QString();
     text += QStringLiteral("orvia unit = %1\n").arg(UnitNames::text(cube.unit()));
     if (cube.pixelSize()) {
-        text += QStringLiteral("orvia pixel size micrometres = %1\n").arg(shortest(*cube.pixelSize()));
+        text += QStringLiteral("orvia pixel size micrometres = %1\n").arg(orv::shortestText(*cube.pixelSize()));
     }
     if (!cube.isotope().isEmpty()) {
         text += QStringLiteral("orvia isotope = {%1}\n").arg(braced(cube.isotope(), false));
@@ -214,7 +209,7 @@ QByteArray enviHeaderText(ExportedCube& cube, const QString& strDataFile)
     for (const auto& image : cube.images()) {
         names.append(braced(image.fullName, true));
         if (image.emission) {
-            wavelengths.append(shortest(*image.emission));
+            wavelengths.append(orv::shortestText(*image.emission));
         }
     }
     QString text = QStringLiteral("ENVI\ndescription = {%1, %2}\n").arg(braced(cube.name(), false), unitSentence(cube));

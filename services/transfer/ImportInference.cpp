@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "services/transfer/ImportInference.h"
 
+#include "platform/orvutils/NumberText.h"
 #include "services/basis/Failure.h"
 #include "services/basis/JobMonitor.h"
 #include "services/basis/TextTable.h"
 
 #include <QJsonObject>
-#include <QLocale>
 
 #include <algorithm>
 
@@ -20,7 +20,7 @@ constexpr int maxShownDoubts = 5;
 
 QString figure(const std::optional<double>& value)
 {
-    return value ? QString::number(*value, 'g', QLocale::FloatingPointShortest) : QStringLiteral("-");
+    return value ? orv::shortestText(*value) : QStringLiteral("-");
 }
 
 } // namespace

@@ -9,9 +9,9 @@
 #include "files/StagedFolder.h"
 #include "host/CORVSequenceDataset.h"
 #include "platform/orvapi/ClickInfoKeys.h"
-#include "platform/orvapi/SavedResultsCheck.h"
 #include "platform/orvutils/MessageResponder.h"
 #include "storage/exportNames.h"
+#include "storage/savedResultsAtStake.h"
 
 #include <QDir>
 #include <QFileInfo>

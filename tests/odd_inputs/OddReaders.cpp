@@ -15,11 +15,11 @@
 #include "services/importer/ImageFinder.h"
 #include "services/importer/ImagesTable.h"
 #include "services/importer/Photograph.h"
+#include "services/results/ComparedResult.h"
 #include "services/results/ResultMaps.h"
-#include "services/results/SavedDocument.h"
-#include "services/results/SavedResult.h"
 #include "services/session/LibrarySpectra.h"
 #include "spectra/SpectrumPlotParams.h"
+#include "storage/SavedDocument.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -329,7 +329,7 @@ OddReader library()
 OddReader result()
 {
     return reader([](const QString& path) {
-        SavedResult saved;
+        ComparedResult saved;
         saved.readResult(folderOf(path));
         return Reading{true, {}, saved.names().join(QLatin1Char(' '))};
     });

@@ -50,7 +50,7 @@ std::vector<Place> places()
         {"Mask", OddReaders::mask(), "mask.tif", said("is a folder, not a TIFF file"), circle, denied,
          said("is not a regular file")},
         {"Library", OddReaders::library(), "dyes.csv", noLibrary, noLibrary, said("Permission denied"), noLibrary},
-        {"SavedResult", OddReaders::savedResult(), "SPUM-20240131-235959.xml", noFile, circle, denied, noFile},
+        {"ComparedResult", OddReaders::savedResult(), "SPUM-20240131-235959.xml", noFile, circle, denied, noFile},
     };
 }
 

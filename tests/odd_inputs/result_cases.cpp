@@ -132,7 +132,7 @@ OddCases resultCases()
         {"ResultWithFolderForSummary", OddReaders::result(), file, [](const QString& path) { QDir().mkpath(path); },
          C::Refused, "{path}: not a file"},
     };
-    OddCases cut = cutAtEachTenth("ResultSummary", OddReaders::result(), file, OddTexts::summary(),
+    OddCases cut = cutAtEachTenth("FitStatistics", OddReaders::result(), file, OddTexts::summary(),
                                   std::vector<QString>(9, broken));
     for (OddCase& oddCase : cut) {
         const auto put = oddCase.make;

@@ -51,7 +51,7 @@ QByteArray laughs()
 OddCase document(const QByteArray& name, const std::function<QByteArray()>& text, OddCase::Outcome outcome,
                  const QString& says)
 {
-    return {"SavedResult" + name,
+    return {"ComparedResult" + name,
             OddReaders::savedResult(),
             "SPUM-20240131-235959.xml",
             [text](const QString& path) { putFile(path, text()); },
@@ -273,7 +273,7 @@ OddCases savedResultCases()
 {
     OddCases cases = documents();
     const QString cut = QStringLiteral("{path}: line {n}, column {n}: {...}");
-    for (const OddCases& more : {cutAtEachTenth("SavedResult", OddReaders::savedResult(), "SPUM-20240131-235959.xml",
+    for (const OddCases& more : {cutAtEachTenth("ComparedResult", OddReaders::savedResult(), "SPUM-20240131-235959.xml",
                                                 OddTexts::savedResult(), std::vector<QString>(9, cut)),
                                  loads(), programs()}) {
         cases.insert(cases.end(), more.begin(), more.end());

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "platform/orvapi/SavedResultsCheck.h"
+#include "storage/savedResultsAtStake.h"
 
 #include <QDir>
 #include <QFile>

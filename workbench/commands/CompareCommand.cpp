@@ -8,9 +8,9 @@
 #include "services/basis/PngBytes.h"
 #include "services/basis/TextTable.h"
 #include "services/basis/UnitNames.h"
+#include "services/results/ComparedResult.h"
 #include "services/results/ComparisonPicture.h"
 #include "services/results/ResultComparison.h"
-#include "services/results/SavedResult.h"
 #include "services/session/OpenedSequence.h"
 #include "workbench/commands/CliSession.h"
 #include "workbench/commands/Options.h"
@@ -23,7 +23,7 @@
 
 namespace {
 
-using Results = std::vector<std::unique_ptr<SavedResult>>;
+using Results = std::vector<std::unique_ptr<ComparedResult>>;
 
 // A name is looked for as a folder as it stands, then in the sequence's own.
 QString folderOf(const QString& strName, const OpenedSequence& opened)
@@ -45,7 +45,7 @@ void addTruths(Results& results, const OpenedSequence& opened)
         if (truth.isEmpty()) {
             continue;
         }
-        results.insert(results.begin(), std::make_unique<SavedResult>());
+        results.insert(results.begin(), std::make_unique<ComparedResult>());
         results.front()->readTruth(truth, corrected);
     }
 }
@@ -55,7 +55,7 @@ Results readAll(const QStringList& names, const OpenedSequence& opened)
 {
     Results results;
     for (const QString& name : names) {
-        results.push_back(std::make_unique<SavedResult>());
+        results.push_back(std::make_unique<ComparedResult>());
         results.back()->readResult(folderOf(name, opened));
         if (results.back()->unit() != results.front()->unit()) {
             throw Failure(QStringLiteral("%1 is in %2, %3 in %4: results of one unit can be compared")

@@ -18,26 +18,6 @@ TEST(SequenceInfoTest, PathsStayBelowOnlyWhenTheyDo)
     }
 }
 
-TEST(SequenceInfoTest, NumbersInNamesCompareByValue)
-{
-    QStringList names{"C10", "C9", "C010", "C1", "B2", "C", "C9b", "C99999999999999999999", "C9a"};
-    std::sort(names.begin(), names.end(), numberAwareLess);
-    EXPECT_EQ(names, (QStringList{"B2", "C", "C1", "C9", "C9a", "C9b", "C010", "C10", "C99999999999999999999"}));
-}
-
-RC_GTEST_PROP(SequenceInfoLaw, NameOrderIsStrictAndTotal, ())
-{
-    const auto name = rc::gen::container<std::string>(rc::gen::element('a', 'b', '0', '1', '2'));
-    const QString a = QString::fromStdString(*name);
-    const QString b = QString::fromStdString(*name);
-    const QString c = QString::fromStdString(*name);
-    RC_ASSERT(!numberAwareLess(a, a));
-    RC_ASSERT(a == b || numberAwareLess(a, b) != numberAwareLess(b, a));
-    if (numberAwareLess(a, b) && numberAwareLess(b, c)) {
-        RC_ASSERT(numberAwareLess(a, c));
-    }
-}
-
 RC_GTEST_PROP(SequenceInfoLaw, WhatIsWrittenReadsBack, ())
 {
     SequenceInfo info;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "services/pictures/CompositePicture.h"
+#include "services/pictures/ResultComposite.h"
 
 #include "services/basis/Failure.h"
 #include "services/support/SmallAnalysis.h"
@@ -145,14 +145,4 @@ TEST_F(CompositePictureFileTest, ManyAndLongLabelsTakeMoreRows)
     EXPECT_EQ(withLegend(picture, {{QString(500, 'W'), Qt::red}}).size(), QSize(480, one));
     EXPECT_EQ(withLegend(picture, {}), picture);
     EXPECT_TRUE(withLegend(QImage(), labels).isNull());
-}
-
-TEST_F(CompositePictureFileTest, FilesAreWrittenOrTheReasonIsTold)
-{
-    handOver({{1.0, 0.0, 0.0, 1.0}}, {"red"});
-    const QString out = path("folder with blanks/");
-    EXPECT_THROW(writeComposites(engine(), out), Failure);
-    ASSERT_TRUE(QDir().mkpath(out));
-    EXPECT_EQ(writeComposites(engine(), out), QStringList("composite.png"));
-    EXPECT_EQ(QImage(out + "composite.png").convertToFormat(QImage::Format_RGB32), compositeWithLegendOf(engine(), 0));
 }

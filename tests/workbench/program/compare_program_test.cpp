@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // `spum compare` from end to end, and what it is made of.
+#include "services/results/ComparedResult.h"
 #include "services/results/ResultComparison.h"
-#include "services/results/SavedResult.h"
 #include "workbench/program/ProgramFixture.h"
 
 #include <QDir>
@@ -50,9 +50,9 @@ protected:
     }
     ResultComparison compare(const QStringList& folders) const
     {
-        std::vector<std::unique_ptr<SavedResult>> results;
+        std::vector<std::unique_ptr<ComparedResult>> results;
         for (const auto& folder : folders) {
-            results.push_back(std::make_unique<SavedResult>());
+            results.push_back(std::make_unique<ComparedResult>());
             results.back()->readResult(folder);
         }
         return ResultComparison(results);
@@ -133,7 +133,7 @@ TEST_F(CompareProgramTest, WhatCannotBeComparedIsRefused)
 TEST_F(CompareProgramTest, AFolderThatIsNoResultIsToldByName)
 {
     const auto refusalOf = [&](const QString& strFolder) {
-        return failureOf([&] { SavedResult().readResult(strFolder); });
+        return failureOf([&] { ComparedResult().readResult(strFolder); });
     };
     EXPECT_EQ(refusalOf(path("absent")), path("absent") + ": this is no folder with results of \"spum unmix\"");
     write("broken/summary.json", "{ \"components\": [");
@@ -157,7 +157,7 @@ TEST_F(CompareProgramTest, MapsAreReadFromTheFolderAlone)
     writeResult("one", {{"A", mapA, 1, 0.5}});
     writeTiffFile("secret.tif", imageOf(side, side, mapA));
     write("one/summary.json", "{\"unit\":\"Counts\",\"components\":[{\"name\":\"A\",\"map\":\"../secret.tif\"}]}");
-    EXPECT_EQ(failureOf([&] { SavedResult().readResult(path("one")); }),
+    EXPECT_EQ(failureOf([&] { ComparedResult().readResult(path("one")); }),
               path("one/secret.tif") + ": the map is not there");
 }
 

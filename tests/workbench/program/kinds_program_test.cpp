@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Every kind of simulated sequence through inspection, unmixing and component analysis.
-#include "services/results/ResultSummary.h"
+#include "services/results/FitStatistics.h"
 #include "services/results/TruthComparison.h"
 #include "services/session/LibrarySpectra.h"
 #include "services/session/OpenedSequence.h"
@@ -266,7 +266,7 @@ TEST_F(KindsProgramTest, ScanByNumberAloneComesWithinFivePercentOfTheNoise)
     engine.m_spectrumPlots = library.fitTo(engine.getSelectedKeyPairs(), engine.m_eAxis);
     ASSERT_EQ(runEngine(engine), RunOutcome::Succeeded);
     const double floor =
-        ResultSummary::relativeResidual(engine.m_cube.m_data, engine.m_concentrations, engine.m_spectra);
+        FitStatistics::relativeResidual(engine.m_cube.m_data, engine.m_concentrations, engine.m_spectra);
     const QJsonObject found = unmix({"--method", "automatic", "--mask", "none", "--ncomponents", "3"});
     EXPECT_LT(found["residual"].toDouble(), 1.05 * floor);
     EXPECT_GT(found["residual"].toDouble(), 0.0);

@@ -4,7 +4,7 @@
 #include "workbench/program/ProgramFixture.h"
 
 #include "platform/orvimage/TiffIo.h"
-#include "services/results/SavedDocument.h"
+#include "storage/SavedDocument.h"
 
 #include <QDir>
 #include <QJsonDocument>
