@@ -4,7 +4,6 @@
 #include "engine/CORVSpumKyvo.h"
 #include "engine/EngineEnums.h"
 #include "engine/runTexts.h"
-#include "files/StagedFolder.h"
 #include "host/CORVDatabase.h"
 #include "host/CORVLog.h"
 #include "host/CORVSequenceDataset.h"
@@ -40,19 +39,15 @@ bool UnmixJob::isAutomatic() const
     return m_request.mode == RUNMODE_AUTOMATIC;
 }
 
-UnmixAnswer UnmixJob::run()
+RunAnswer UnmixJob::run()
 {
     m_monitor.startProgress(QStringLiteral("Looking at the images"));
     m_setUp.checkMode(m_request.mode);
     if (m_request.save) {
         ResultStore::checkName(m_setUp.opened().sequence(), m_request.saveName, m_request.analysis.force);
     }
-    StagedFolder folder;
-    QString error;
     const QString target = m_setUp.outFolder(QStringLiteral("unmixed-") + ModeNames::option(m_request.mode));
-    if (!folder.begin(target, m_request.analysis.force, QStringLiteral("summary.json"), &error)) {
-        throw Failure(error);
-    }
+    StagedRun staged(target, m_request.analysis.force, QStringLiteral("summary.json"));
     m_setUp.select();
     m_setUp.reset(m_request.mode);
     if (isAutomatic()) {
@@ -70,23 +65,19 @@ UnmixAnswer UnmixJob::run()
     takeIsotope();
     fit();
 
-    ResultFiles files(m_setUp.engine(), m_numbers, folder.path());
+    ResultFiles files(m_setUp.engine(), m_numbers, staged.path());
     files.setReport(reportFrame(), m_request.pdf);
     files.write([this](double fraction) {
         m_monitor.stopIfRequested();
         m_monitor.showProgress(QStringLiteral("Writing the results"),
                                fittedFraction + (1.0 - fittedFraction) * fraction);
     });
-    m_monitor.stopIfRequested();
-    if (!folder.commit(&error)) {
-        throw Failure(error);
-    }
-    m_monitor.endProgress();
+    staged.finish(m_monitor);
     QString saved;
     if (m_request.save) {
-        saved = saveResult(folder.target());
+        saved = saveResult(staged.target());
     }
-    return answer(files, folder.target(), saved);
+    return answer(files, staged, saved);
 }
 
 // In the order in which a window takes over a result.
@@ -126,20 +117,17 @@ ReportFrame UnmixJob::reportFrame()
     return frame;
 }
 
-UnmixAnswer UnmixJob::answer(const ResultFiles& files, const QString& strFolder, const QString& strSaved)
+RunAnswer UnmixJob::answer(const ResultFiles& files, const StagedRun& staged, const QString& strSaved)
 {
     const QString line = QStringLiteral("unmixed %1 by %2: %3 components, residual %4; results in %5")
                              .arg(m_request.analysis.sequence, ModeNames::option(m_request.mode))
                              .arg(m_setUp.engine().m_spectrumPlots.size())
                              .arg(m_numbers.residual)
-                             .arg(strFolder);
+                             .arg(staged.target());
     CORVLog::getLogObject()->log(line, QString(), 0, QStringLiteral(__TIME__), CORVLOG_NOTE, false);
-    UnmixAnswer answer;
-    answer.text = files.summaryText() + QStringLiteral("results in %1\n").arg(strFolder);
-    answer.json = files.summaryJson();
+    RunAnswer answer = staged.answer(files.summaryText(), files.summaryJson());
     // Of the answer only: files of the same input are the same.
     answer.json.insert(QStringLiteral("seconds"), m_numbers.seconds);
-    answer.json.insert(QStringLiteral("folder"), strFolder);
     if (!strSaved.isEmpty()) {
         answer.text += QStringLiteral("saved with the sequence as %1\n").arg(strSaved);
         answer.json.insert(QStringLiteral("saved"), strSaved);

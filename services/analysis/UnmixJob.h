@@ -4,8 +4,8 @@
 #include "services/analysis/AnalysisSetUp.h"
 #include "services/analysis/AutomaticRequest.h"
 #include "services/results/ResultFiles.h"
+#include "services/results/StagedRun.h"
 
-#include <QJsonObject>
 #include <QString>
 
 class JobMonitor;
@@ -24,13 +24,6 @@ struct UnmixRequest
     QString command; // the line that asked for it
 };
 
-// What there is to say of a finished one.
-struct UnmixAnswer
-{
-    QString text;
-    QJsonObject json;
-};
-
 // One unmixing from the request to the files. Everything that can be refused is refused before the run; nothing is
 // written unless all is.
 class UnmixJob
@@ -39,7 +32,7 @@ public:
     UnmixJob(const UnmixRequest& request, JobMonitor& monitor);
 
     // Throws Failure, also after an abort.
-    UnmixAnswer run();
+    RunAnswer run();
 
 private:
     bool isAutomatic() const;
@@ -52,7 +45,7 @@ private:
     void showPictures();
     // The name it was saved under.
     QString saveResult(const QString& strFolder);
-    UnmixAnswer answer(const ResultFiles& files, const QString& strFolder, const QString& strSaved);
+    RunAnswer answer(const ResultFiles& files, const StagedRun& staged, const QString& strSaved);
 
     UnmixRequest m_request;
     JobMonitor& m_monitor;

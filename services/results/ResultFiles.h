@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "services/results/ResultFacts.h"
 #include "services/results/ResultNumbers.h"
 #include "services/results/ResultReport.h"
 
@@ -34,10 +35,6 @@ public:
     QString summaryText() const;
     QJsonObject summaryJson() const;
 
-    // Name of a component as part of a file name: letters, digits, dot and dash stay, blanks become "_", the rest goes.
-    // A long name is cut.
-    static QString fileNameOf(const QString& strLabel);
-
 private:
     void writeMap(int nComponent, int nSpot);
     void writeOverview();
@@ -48,14 +45,10 @@ private:
     void writeProperties();
     void writeReport();
     void writeSummary();
-    QJsonObject componentJson(int nComponent) const;
-    void addRunFacts(QJsonObject& json) const;
-    QString tableText() const;
-    QString mapName(int nComponent, int nSpot) const;
     void put(const QString& strName, const QByteArray& bytes);
 
     const CORVSpumKyvo& m_engine;
-    const ResultNumbers& m_numbers;
+    const ResultFacts m_facts;
     QString m_strFolder;
     QStringList m_files;
     QList<QImage> m_pictures; // of the overview

@@ -6,17 +6,16 @@
 #include "host/CORVPreference.h"
 #include "services/basis/PngBytes.h"
 #include "services/basis/TextTable.h"
-#include "services/basis/UnitNames.h"
 #include "services/pictures/ResultPlot.h"
+#include "services/results/ResultFacts.h"
 #include "spectra/SpectrumPlotParams.h"
 
 #include <QImage>
-#include <QJsonArray>
 #include <QMap>
 #include <QPainter>
 #include <QRegularExpression>
 
-#include <algorithm>
+#include <cmath>
 
 namespace {
 
@@ -35,15 +34,14 @@ QImage printedPlot(const SpectrumPlot& plot)
     return image;
 }
 
-QString numberOf(const QJsonValue& value, int nDigits)
+QString numberOf(double dValue, int nDigits)
 {
-    return value.isDouble() ? TextTable::number(value.toDouble(), nDigits) : QStringLiteral("-");
+    return std::isfinite(dValue) ? TextTable::number(dValue, nDigits) : QStringLiteral("-");
 }
 
-QString percent(const QJsonValue& value, int nDigits)
+QString percent(double dValue, int nDigits)
 {
-    return value.isDouble() ? QStringLiteral("%1 %").arg(TextTable::number(value.toDouble(), nDigits))
-                            : QStringLiteral("-");
+    return std::isfinite(dValue) ? QStringLiteral("%1 %").arg(TextTable::number(dValue, nDigits)) : QStringLiteral("-");
 }
 
 QString capitalised(QString strText)
@@ -51,32 +49,30 @@ QString capitalised(QString strText)
     return strText.isEmpty() ? strText : strText.replace(0, 1, strText.at(0).toUpper());
 }
 
-QList<QPair<QString, QString>> factsOf(const CORVSpumKyvo& engine, const QJsonObject& summary)
+QList<QPair<QString, QString>> factRows(const ResultFacts& facts)
 {
-    QList<QPair<QString, QString>> facts = {
-        {QStringLiteral("Method"), capitalised(summary.value(QStringLiteral("method")).toString())},
-        {QStringLiteral("Variance explained"), percent(summary.value(QStringLiteral("explainedVariance")), 6)},
-        {QStringLiteral("Residual of the data's norm"),
-         percent(summary.value(QStringLiteral("residual")).toDouble() * 100.0, 4)},
-        {QStringLiteral("Components"), QString::number(engine.m_spectrumPlots.size())},
-        {QStringLiteral("Images"), QString::number(engine.m_selectedKeyPairs.size())},
-        {QStringLiteral("Pixels analysed"), QString::number(engine.m_cube.pixelsPerSpot())},
+    QList<QPair<QString, QString>> rows = {
+        {QStringLiteral("Method"), capitalised(facts.method)},
+        {QStringLiteral("Variance explained"), percent(facts.explainedVariance, 6)},
+        {QStringLiteral("Residual of the data's norm"), percent(facts.residual * 100.0, 4)},
+        {QStringLiteral("Components"), QString::number(facts.components.size())},
+        {QStringLiteral("Images"), QString::number(facts.images)},
+        {QStringLiteral("Pixels analysed"), QString::number(facts.pixels)},
         {QStringLiteral("Size"),
-         QStringLiteral("%1 x %2, binning %3").arg(engine.m_nWidth).arg(engine.m_nHeight).arg(engine.m_nBinning)},
-        {QStringLiteral("Unit"), UnitNames::text(engine.m_eUnit)}};
-    if (engine.m_cube.m_nSpots > 1) {
-        facts.append({QStringLiteral("Scan spots"), QString::number(engine.m_cube.m_nSpots)});
+         QStringLiteral("%1 x %2, binning %3").arg(facts.width).arg(facts.height).arg(facts.binning)},
+        {QStringLiteral("Unit"), facts.unit}};
+    if (facts.spots > 1) {
+        rows.append({QStringLiteral("Scan spots"), QString::number(facts.spots)});
     }
-    if (!summary.contains(QStringLiteral("iterations"))) {
-        return facts;
+    if (!facts.automatic) {
+        return rows;
     }
-    facts.append({QStringLiteral("Ending"), QStringLiteral("%1 after %2 iterations")
-                                                .arg(summary.value(QStringLiteral("ending")).toString())
-                                                .arg(summary.value(QStringLiteral("iterations")).toInt())});
-    facts.append({QStringLiteral("Lack of fit"), percent(summary.value(QStringLiteral("lackOfFit")), 4)});
-    facts.append(
-        {QStringLiteral("Lack of fit, denoised data"), percent(summary.value(QStringLiteral("lackOfFitDenoised")), 4)});
-    return facts;
+    const AutomaticFacts& run = *facts.automatic;
+    rows.append(
+        {QStringLiteral("Ending"), QStringLiteral("%1 after %2 iterations").arg(run.ending).arg(run.iterations)});
+    rows.append({QStringLiteral("Lack of fit"), percent(run.lackOfFit, 4)});
+    rows.append({QStringLiteral("Lack of fit, denoised data"), percent(run.lackOfFitDenoised, 4)});
+    return rows;
 }
 
 // Where a spectrum is largest: "675nm / 780nm", a time's key alone where the other is empty.
@@ -99,14 +95,10 @@ QString peakOf(const CORVSpumKyvo& engine, int nComponent)
     return pair.first.isEmpty() ? pair.second : pair.first + QStringLiteral(" / ") + pair.second;
 }
 
-ReportTable componentTable(const CORVSpumKyvo& engine, const QJsonArray& components)
+ReportTable componentTable(const CORVSpumKyvo& engine, const ResultFacts& facts)
 {
-    const auto anyHas = [&components](const char* pKey) {
-        return std::any_of(components.begin(), components.end(),
-                           [pKey](const QJsonValue& c) { return c.toObject().contains(QLatin1String(pKey)); });
-    };
-    const bool truth = anyHas("truthName");
-    const bool bound = anyHas("highPass");
+    const bool truth = facts.hasTruth();
+    const bool bound = facts.hasHighPass();
     ReportTable table;
     table.header = QStringList{QStringLiteral("Component"), QStringLiteral("Share of the signal"),
                                QStringLiteral("Largest value"), QStringLiteral("Peak")};
@@ -117,23 +109,22 @@ ReportTable componentTable(const CORVSpumKyvo& engine, const QJsonArray& compone
         table.header << QStringLiteral("Truth") << QStringLiteral("Cosine") << QStringLiteral("Correlation")
                      << QStringLiteral("Rel. error");
     }
-    for (int i = 0; i < components.size(); ++i) {
-        const QJsonObject component = components[i].toObject();
-        const QJsonValue share = component.value(QStringLiteral("share"));
-        QStringList row = {component.value(QStringLiteral("name")).toString(),
-                           share.isDouble() ? percent(share.toDouble() * 100.0, 4) : QStringLiteral("-"),
-                           numberOf(component.value(QStringLiteral("maximum")), 5), peakOf(engine, i)};
+    const QString none = QStringLiteral("-");
+    for (int i = 0; i < facts.components.size(); ++i) {
+        const ComponentFacts& component = facts.components[i];
+        QStringList row = {component.name, percent(component.share * 100.0, 4), numberOf(component.maximum, 5),
+                           peakOf(engine, i)};
         if (bound) {
-            row << component.value(QStringLiteral("highPass")).toString(QStringLiteral("-"));
+            row << component.highPass.value_or(none);
         }
-        if (truth) {
-            row << component.value(QStringLiteral("truthName")).toString(QStringLiteral("-"))
-                << numberOf(component.value(QStringLiteral("truthCosine")), 5)
-                << numberOf(component.value(QStringLiteral("truthCorrelation")), 5)
-                << numberOf(component.value(QStringLiteral("truthRelativeError")), 3);
+        if (truth && component.truth.known) {
+            row << component.truth.trueName << numberOf(component.truth.cosine, 5)
+                << numberOf(component.truth.correlation, 5) << numberOf(component.truth.relativeError, 3);
+        } else if (truth) {
+            row << none << none << none << none;
         }
         table.rows.append(row);
-        table.colors.append(component.value(QStringLiteral("color")).toString());
+        table.colors.append(component.color);
     }
     return table;
 }
@@ -224,14 +215,14 @@ QString shellLine(const QStringList& arguments)
     return words.join(QLatin1Char(' '));
 }
 
-ReportContent contentOfReport(const CORVSpumKyvo& engine, const QJsonObject& summary, const ReportFrame& frame)
+ReportContent contentOfReport(const CORVSpumKyvo& engine, const ResultFacts& facts, const ReportFrame& frame)
 {
     ReportContent content;
     content.title = engine.getAnalysisName();
     content.subtitle = frame.sequenceName;
     content.note = frame.note;
     content.warnings = frame.warnings;
-    content.facts = factsOf(engine, summary);
+    content.facts = factRows(facts);
     content.composites = frame.composites;
     content.maps = frame.maps;
     const SpectrumPlot plot = plotOfSpectra(engine);
@@ -242,7 +233,7 @@ ReportContent contentOfReport(const CORVSpumKyvo& engine, const QJsonObject& sum
     figure.svg = plot.toSvg(plotSize);
     figure.size = plotSize;
     content.plots.append(figure);
-    content.components = componentTable(engine, summary.value(QStringLiteral("components")).toArray());
+    content.components = componentTable(engine, facts);
     content.tables.append(propertyTable(engine));
     if (engine.m_eMode == RUNMODE_AUTOMATIC) {
         content.tables.append(parameterTable(engine.m_lastParams));

@@ -3,11 +3,11 @@
 
 #include "services/results/ReportContent.h"
 
-#include <QJsonObject>
 #include <QString>
 #include <QStringList>
 
 class CORVSpumKyvo;
+struct ResultFacts;
 
 // What a report says besides what its engine and summary hold.
 struct ReportFrame
@@ -21,8 +21,8 @@ struct ReportFrame
     QList<ReportFigure> maps;
 };
 
-// The report of a finished unmixing. `summary` is that of its files (summary.json).
-ReportContent contentOfReport(const CORVSpumKyvo& engine, const QJsonObject& summary, const ReportFrame& frame);
+// The report of a finished unmixing.
+ReportContent contentOfReport(const CORVSpumKyvo& engine, const ResultFacts& facts, const ReportFrame& frame);
 
 // Arguments as a line that a POSIX shell takes apart again.
 QString shellLine(const QStringList& arguments);

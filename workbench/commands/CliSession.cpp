@@ -4,6 +4,7 @@
 #include "platform/orvutils/LogSinks.h"
 #include "platform/orvutils/ProcessControl.h"
 #include "services/basis/Failure.h"
+#include "services/results/StagedRun.h"
 #include "workbench/commands/CliProgress.h"
 #include "workbench/commands/Output.h"
 
@@ -95,6 +96,12 @@ void CliSession::answerJson(const QJsonObject& object) const
     if (m_bJson && !writeAll(STDOUT_FILENO, QJsonDocument(object).toJson(QJsonDocument::Indented))) {
         throw Failure(QStringLiteral("standard output cannot be written"));
     }
+}
+
+void CliSession::answer(const RunAnswer& answer) const
+{
+    this->answer(answer.text);
+    answerJson(answer.json);
 }
 
 void CliSession::warn(const QString& strText)

@@ -12,6 +12,7 @@
 #include <streambuf>
 
 class CliProgress;
+struct RunAnswer;
 
 // What a running command shares with its process: where answers go, how talkative it is, progress, interruption.
 //
@@ -36,6 +37,7 @@ public:
     // The command's answer: text unless --quiet or --json, the object with --json.
     void answer(const QString& strText) const;
     void answerJson(const QJsonObject& object) const;
+    void answer(const RunAnswer& answer) const;
     // A line on standard error: warnings unless --quiet.
     void warn(const QString& strText) override;
 

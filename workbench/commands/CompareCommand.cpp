@@ -3,7 +3,6 @@
 
 #include "engine/CORVSpumKyvo.h"
 #include "files/AtomicFile.h"
-#include "files/StagedFolder.h"
 #include "services/basis/Failure.h"
 #include "services/basis/PngBytes.h"
 #include "services/basis/TextTable.h"
@@ -11,6 +10,7 @@
 #include "services/results/ComparedResult.h"
 #include "services/results/ComparisonPicture.h"
 #include "services/results/ResultComparison.h"
+#include "services/results/StagedRun.h"
 #include "services/session/OpenedSequence.h"
 #include "workbench/commands/CliSession.h"
 #include "workbench/commands/Options.h"
@@ -174,30 +174,21 @@ void CompareCommand::run(const QCommandLineParser& parser, CliSession& session)
     const ResultComparison comparison(results);
     session.stopIfRequested();
 
-    StagedFolder folder;
-    QString error;
     const QString out = parser.value(QStringLiteral("out"));
-    if (!folder.begin(out.isEmpty() ? opened.folder() + QStringLiteral("comparison") : out,
-                      parser.isSet(QStringLiteral("force")), QStringLiteral("comparison.csv"), &error)) {
-        throw Failure(error);
-    }
+    StagedRun staged(out.isEmpty() ? opened.folder() + QStringLiteral("comparison") : out,
+                     parser.isSet(QStringLiteral("force")), QStringLiteral("comparison.csv"));
     ComparisonStyle style;
     style.photograph = opened.engine().m_pPhoto;
     style.colorTable = opened.engine().m_nColorMap;
     style.reversed = opened.engine().m_bReverse;
     style.unit = results.back()->unit();
-    put(folder.path() + QStringLiteral("comparison.png"), pngBytes(comparisonPicture(comparison, style)));
-    put(folder.path() + QStringLiteral("comparison.csv"), tableOf(comparison, 9).toCsv().toUtf8());
-    session.stopIfRequested();
-    if (!folder.commit(&error)) {
-        throw Failure(error);
-    }
-    session.answer(QStringLiteral("compared with %1 over %2 pixels and %3 images\n\n%4\nresults in %5\n")
-                       .arg(referenceText(comparison))
-                       .arg(comparison.pixelCount())
-                       .arg(comparison.imageCount())
-                       .arg(tableOf(comparison, 4).toText(), folder.target()));
-    QJsonObject json = jsonOf(comparison);
-    json.insert(QStringLiteral("folder"), folder.target());
-    session.answerJson(json);
+    put(staged.path() + QStringLiteral("comparison.png"), pngBytes(comparisonPicture(comparison, style)));
+    put(staged.path() + QStringLiteral("comparison.csv"), tableOf(comparison, 9).toCsv().toUtf8());
+    staged.finish(session);
+    const QString text = QStringLiteral("compared with %1 over %2 pixels and %3 images\n\n%4\n")
+                             .arg(referenceText(comparison))
+                             .arg(comparison.pixelCount())
+                             .arg(comparison.imageCount())
+                             .arg(tableOf(comparison, 4).toText());
+    session.answer(staged.answer(text, jsonOf(comparison)));
 }

@@ -3,11 +3,11 @@
 
 #include "engine/CORVSpumKyvo.h"
 #include "engine/EngineEnums.h"
-#include "files/StagedFolder.h"
 #include "services/analysis/AnalysisSetUp.h"
 #include "services/analysis/PcaRun.h"
 #include "services/basis/Failure.h"
 #include "services/results/PcaFiles.h"
+#include "services/results/StagedRun.h"
 #include "windows/maskPixels.h"
 #include "workbench/commands/AnalysisOptions.h"
 #include "workbench/commands/CliProgress.h"
@@ -58,11 +58,7 @@ void PcaCommand::run(const QCommandLineParser& parser, CliSession& session)
     AnalysisSetUp setUp(request, session);
     session.startProgress(QStringLiteral("Looking at the images"));
     setUp.checkMode(RUNMODE_AUTOMATIC);
-    StagedFolder folder;
-    QString error;
-    if (!folder.begin(setUp.outFolder(QStringLiteral("pca")), request.force, QStringLiteral("pca.json"), &error)) {
-        throw Failure(error);
-    }
+    StagedRun staged(setUp.outFolder(QStringLiteral("pca")), request.force, QStringLiteral("pca.json"));
     setUp.select();
     setUp.reset(RUNMODE_AUTOMATIC);
     setUp.takeMask(static_cast<int>(kMinMaskPixels));
@@ -76,14 +72,7 @@ void PcaCommand::run(const QCommandLineParser& parser, CliSession& session)
         throw Failure(QStringLiteral("the images have no variance to explain"));
     }
     session.stopIfRequested();
-    files.write(folder.path());
-    session.stopIfRequested();
-    if (!folder.commit(&error)) {
-        throw Failure(error);
-    }
-    session.endProgress();
-    session.answer(files.text() + QStringLiteral("results in %1\n").arg(folder.target()));
-    QJsonObject json = files.json();
-    json.insert(QStringLiteral("folder"), folder.target());
-    session.answerJson(json);
+    files.write(staged.path());
+    staged.finish(session);
+    session.answer(staged.answer(files.text(), files.json()));
 }

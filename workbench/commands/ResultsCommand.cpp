@@ -8,6 +8,7 @@
 #include "services/results/ResultFiles.h"
 #include "services/results/ResultReport.h"
 #include "services/results/ResultStore.h"
+#include "services/results/StagedRun.h"
 #include "services/session/OpenedSequence.h"
 #include "services/transfer/ResultExport.h"
 #include "storage/SavedDocument.h"
@@ -16,7 +17,6 @@
 #include "workbench/commands/Options.h"
 
 #include "engine/CORVSpumKyvo.h"
-#include "files/StagedFolder.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>
@@ -232,35 +232,24 @@ void ResultsCommand::load(OpenedSequence& opened, const QString& strName, const 
                           CliSession& session) const
 {
     const QString out = parser.value(QStringLiteral("out"));
-    const QString target =
-        out.isEmpty() ? opened.folder() + QStringLiteral("result-") + ResultFiles::fileNameOf(strName) : out;
-    StagedFolder folder;
-    QString error;
-    if (!folder.begin(target, parser.isSet(QStringLiteral("force")), QStringLiteral("summary.json"), &error)) {
-        throw Failure(error);
-    }
+    const QString target = out.isEmpty() ? opened.folder() + QStringLiteral("result-") + resultFileName(strName) : out;
+    StagedRun staged(target, parser.isSet(QStringLiteral("force")), QStringLiteral("summary.json"));
     session.startProgress(QStringLiteral("Loading the result"));
     const LoadedResult loaded(opened, strName);
     ReportFrame frame;
     frame.sequenceName = opened.sequence().getSequenceName() + QStringLiteral(", saved result ") + strName;
     frame.note = loaded.note();
     frame.command = shellLine(QStringList(QStringLiteral("spum")) + QCoreApplication::arguments().mid(1));
-    ResultFiles files(opened.engine(), loaded.numbers(), folder.path());
+    ResultFiles files(opened.engine(), loaded.numbers(), staged.path());
     files.setReport(frame, parser.isSet(QStringLiteral("pdf")));
     files.write([&session](double fraction) {
         session.stopIfRequested();
         session.showProgress(QStringLiteral("Writing the results"), fraction);
     });
-    session.stopIfRequested();
-    if (!folder.commit(&error)) {
-        throw Failure(error);
-    }
-    session.endProgress();
-    session.answer(files.summaryText() + QStringLiteral("results in %1\n").arg(folder.target()));
-    QJsonObject json = files.summaryJson();
-    json.insert(QStringLiteral("folder"), folder.target());
-    json.insert(QStringLiteral("saved"), strName);
-    session.answerJson(json);
+    staged.finish(session);
+    RunAnswer answer = staged.answer(files.summaryText(), files.summaryJson());
+    answer.json.insert(QStringLiteral("saved"), strName);
+    session.answer(answer);
 }
 
 void ResultsCommand::rename(OpenedSequence& opened, const QStringList& arguments, CliSession& session) const

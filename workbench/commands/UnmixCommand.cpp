@@ -89,7 +89,5 @@ void UnmixCommand::run(const QCommandLineParser& parser, CliSession& session)
     request.saveName = parser.value(QStringLiteral("save"));
     request.note = parser.value(QStringLiteral("note"));
     request.command = shellLine(QStringList(QStringLiteral("spum")) + QCoreApplication::arguments().mid(1));
-    const UnmixAnswer answer = UnmixJob(request, session).run();
-    session.answer(answer.text);
-    session.answerJson(answer.json);
+    session.answer(UnmixJob(request, session).run());
 }

@@ -2,13 +2,13 @@
 // The report of a result as a page for a browser and as PDF.
 #include "services/results/ReportHtml.h"
 #include "services/results/ReportPdf.h"
+#include "services/results/ResultFacts.h"
 #include "services/results/ResultReport.h"
 
 #include "services/basis/PngBytes.h"
 #include "services/support/SmallAnalysis.h"
 
 #include <QImage>
-#include <QJsonArray>
 #include <QProcess>
 #include <QRegularExpression>
 
@@ -199,19 +199,27 @@ QString factOf(const ReportContent& content, const QString& strLabel)
 TEST_F(ResultReportTest, TellsNumbersSettingsAndCommand)
 {
     analyse();
-    const QJsonObject summary{
-        {"method", "library"},
-        {"explainedVariance", 98.4375},
-        {"residual", 0.125},
-        {"components",
-         QJsonArray{QJsonObject{{"name", "Dye A"}, {"color", "lime"}, {"share", 0.25}, {"maximum", 4.0}},
-                    QJsonObject{{"name", "Dye B"}, {"color", "red"}, {"share", 0.75}, {"maximum", 2.0}}}}};
+    ResultFacts facts;
+    facts.method = QStringLiteral("library");
+    facts.explainedVariance = 98.4375;
+    facts.residual = 0.125;
+    ComponentFacts dye;
+    dye.name = QStringLiteral("Dye A");
+    dye.color = QStringLiteral("lime");
+    dye.share = 0.25;
+    dye.maximum = 4.0;
+    facts.components.append(dye);
+    dye.name = QStringLiteral("Dye B");
+    dye.color = QStringLiteral("red");
+    dye.share = 0.75;
+    dye.maximum = 2.0;
+    facts.components.append(dye);
     ReportFrame frame;
     frame.sequenceName = QStringLiteral("mouse");
     frame.note = QStringLiteral("a note");
     frame.command = QStringLiteral("spum unmix mouse");
     frame.made = QStringLiteral("2026-01-31 12:00");
-    const ReportContent content = contentOfReport(engine(), summary, frame);
+    const ReportContent content = contentOfReport(engine(), facts, frame);
     EXPECT_EQ(content.title, QStringLiteral("Spectral Unmixing"));
     EXPECT_EQ(content.subtitle, frame.sequenceName);
     EXPECT_EQ(content.note, frame.note);

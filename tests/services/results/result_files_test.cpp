@@ -4,7 +4,6 @@
 
 #include "platform/orvimage/TiffIo.h"
 #include "services/basis/Failure.h"
-#include "services/results/RunEnding.h"
 #include "services/session/LibrarySpectra.h"
 
 #include <QDir>
@@ -50,29 +49,29 @@ protected:
 
 TEST(ResultFilesNameTest, LettersDigitsDotAndDashStay)
 {
-    EXPECT_EQ(ResultFiles::fileNameOf("QDot-800.b_2"), "QDot-800.b_2");
-    EXPECT_EQ(ResultFiles::fileNameOf(QString::fromUtf8("M\xC3\xA4use")), QString::fromUtf8("M\xC3\xA4use"));
+    EXPECT_EQ(resultFileName("QDot-800.b_2"), "QDot-800.b_2");
+    EXPECT_EQ(resultFileName(QString::fromUtf8("M\xC3\xA4use")), QString::fromUtf8("M\xC3\xA4use"));
 }
 
 TEST(ResultFilesNameTest, BlanksBecomeUnderscoresAndTheRestGoes)
 {
-    EXPECT_EQ(ResultFiles::fileNameOf(" AlexaFluor 750 "), "AlexaFluor_750");
-    EXPECT_EQ(ResultFiles::fileNameOf("a/b\\c:d*e?f\"g<h>i|j"), "abcdefghij");
-    EXPECT_EQ(ResultFiles::fileNameOf("a\tb\nc"), "a_b_c");
-    EXPECT_EQ(ResultFiles::fileNameOf(QString()), "");
+    EXPECT_EQ(resultFileName(" AlexaFluor 750 "), "AlexaFluor_750");
+    EXPECT_EQ(resultFileName("a/b\\c:d*e?f\"g<h>i|j"), "abcdefghij");
+    EXPECT_EQ(resultFileName("a\tb\nc"), "a_b_c");
+    EXPECT_EQ(resultFileName(QString()), "");
 }
 
 TEST(ResultFilesNameTest, ALongNameIsCutWithinACharacterNever)
 {
-    EXPECT_EQ(ResultFiles::fileNameOf(QString(300, 'x')), QString(150, 'x'));
-    EXPECT_EQ(ResultFiles::fileNameOf(QString(300, QChar(0x65E5))), QString(50, QChar(0x65E5)));
-    EXPECT_EQ(ResultFiles::fileNameOf(QString(149, 'x') + QChar(0xE4)), QString(149, 'x'));
+    EXPECT_EQ(resultFileName(QString(300, 'x')), QString(150, 'x'));
+    EXPECT_EQ(resultFileName(QString(300, QChar(0x65E5))), QString(50, QChar(0x65E5)));
+    EXPECT_EQ(resultFileName(QString(149, 'x') + QChar(0xE4)), QString(149, 'x'));
 }
 
 TEST(ResultFilesNameTest, NoNameIsHiddenOrLeadsElsewhere)
 {
-    EXPECT_EQ(ResultFiles::fileNameOf("../../x"), "_....x");
-    EXPECT_EQ(ResultFiles::fileNameOf(".."), "_..");
+    EXPECT_EQ(resultFileName("../../x"), "_....x");
+    EXPECT_EQ(resultFileName(".."), "_..");
 }
 
 TEST_F(ResultFilesTest, EveryFileIsThereAndNoOther)
@@ -309,12 +308,15 @@ TEST_F(ResultFilesTest, TheTextNamesTrueComponentsOnlyWhereTheyHaveOtherNames)
     EXPECT_TRUE(text.contains("Dye C"));
 }
 
-TEST(RunEndingTest, EveryEndingHasItsWord)
+TEST_F(ResultFilesTest, EveryEndingHasItsWord)
 {
+    analyse();
+    m_numbers.automatic = true;
     QStringList words;
     for (const auto ending : {MCR::Ending::NotRun, MCR::Ending::Converged, MCR::Ending::GoodFit, MCR::Ending::Diverged,
                               MCR::Ending::IterationLimit, MCR::Ending::Degenerate}) {
-        words.append(endingText(ending));
+        m_numbers.facts.ending = ending;
+        words.append(factsOfResult(engine(), m_numbers).automatic->ending);
     }
     EXPECT_EQ(words, (QStringList{"not run", "converged", "good fit", "diverged", "iteration limit", "degenerate"}));
 }

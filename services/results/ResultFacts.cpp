@@ -1,0 +1,142 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "services/results/ResultFacts.h"
+
+#include "engine/CORVSpumKyvo.h"
+#include "services/basis/ModeNames.h"
+#include "services/basis/UnitNames.h"
+#include "services/results/FitStatistics.h"
+#include "services/results/ResultNumbers.h"
+#include "spectra/SpectrumPlotParams.h"
+
+#include <algorithm>
+
+namespace {
+
+// Bytes of a name within a file name; a folder takes names of 255, and there is more in ours.
+constexpr int longestPart = 150;
+
+QString endingText(MCR::Ending eEnding)
+{
+    switch (eEnding) {
+    case MCR::Ending::Converged:
+        return QStringLiteral("converged");
+    case MCR::Ending::GoodFit:
+        return QStringLiteral("good fit");
+    case MCR::Ending::Diverged:
+        return QStringLiteral("diverged");
+    case MCR::Ending::IterationLimit:
+        return QStringLiteral("iteration limit");
+    case MCR::Ending::Degenerate:
+        return QStringLiteral("degenerate");
+    case MCR::Ending::NotRun:
+        break;
+    }
+    return QStringLiteral("not run");
+}
+
+ComponentFacts componentOf(const CORVSpumKyvo& engine, const ResultNumbers& numbers, int nComponent, int nSpots)
+{
+    const auto i = static_cast<std::size_t>(nComponent);
+    const SpectrumSettings& settings = engine.m_spectrumPlots[nComponent]->settings;
+    ComponentFacts facts;
+    facts.name = settings.name;
+    facts.color = settings.color;
+    facts.map = resultMapName(nComponent, settings.name, 0, nSpots) + QStringLiteral(".tif");
+    facts.share = numbers.shares[i];
+    facts.maximum = engine.m_concentrations.row(nComponent).Max();
+    facts.truth = numbers.truth[i];
+    const auto& constraints = engine.m_lastParams.Constraints;
+    if (numbers.automatic && nComponent < constraints.size()) {
+        const ComponentConstraint& constraint = constraints[nComponent];
+        if (constraint.HighPass != QLatin1String("N/A")) {
+            facts.highPass = constraint.HighPass;
+        }
+        facts.locked = constraint.Locked;
+    }
+    return facts;
+}
+
+AutomaticFacts automaticFactsOf(const CORVSpumKyvo& engine, const AutomaticRunFacts& run)
+{
+    AutomaticFacts facts;
+    facts.iterations = run.iterations;
+    facts.ending = endingText(run.ending);
+    facts.lackOfFit = run.lackOfFitRaw;
+    facts.lackOfFitDenoised = run.lackOfFitDenoised;
+    facts.rank = run.rank;
+    facts.noise = NoiseEstimate::ofEigenvalues(run.eigenvalues);
+    const AnalysisInput& input = engine.m_analysisInput;
+    facts.decayCorrected = engine.m_bCherenkov && input.decayCorrection;
+    if (facts.decayCorrected) {
+        facts.isotope = input.isotope;
+        facts.halfLifeSeconds = input.halfLifeSeconds;
+    }
+    return facts;
+}
+
+} // namespace
+
+bool ResultFacts::hasTruth() const
+{
+    return std::any_of(components.begin(), components.end(), [](const ComponentFacts& c) { return c.truth.known; });
+}
+
+bool ResultFacts::isRenamed() const
+{
+    return std::any_of(components.begin(), components.end(),
+                       [](const ComponentFacts& c) { return c.truth.known && c.truth.trueName != c.name; });
+}
+
+bool ResultFacts::hasHighPass() const
+{
+    return std::any_of(components.begin(), components.end(),
+                       [](const ComponentFacts& c) { return c.highPass.has_value(); });
+}
+
+ResultFacts factsOfResult(const CORVSpumKyvo& engine, const ResultNumbers& numbers)
+{
+    ResultFacts facts;
+    facts.method = ModeNames::option(engine.m_eMode);
+    facts.unit = UnitNames::text(engine.m_eUnit);
+    facts.images = engine.m_selectedKeyPairs.size();
+    facts.width = engine.m_nWidth;
+    facts.height = engine.m_nHeight;
+    facts.binning = engine.m_nBinning;
+    facts.pixels = engine.m_cube.pixelsPerSpot();
+    facts.spots = std::max(1, engine.m_cube.m_nSpots);
+    facts.residual = numbers.residual;
+    facts.explainedVariance = FitStatistics::explainedVariance(numbers.residual);
+    facts.seconds = numbers.seconds;
+    for (int k = 0; k < engine.m_spectrumPlots.size(); ++k) {
+        facts.components.append(componentOf(engine, numbers, k, facts.spots));
+    }
+    for (const auto& property : engine.m_properties) {
+        facts.properties.append({property.first, property.second});
+    }
+    if (numbers.automatic) {
+        facts.automatic = automaticFactsOf(engine, numbers.facts);
+    }
+    return facts;
+}
+
+QString resultFileName(const QString& strLabel)
+{
+    QString name;
+    for (const QChar c : strLabel.trimmed()) {
+        if (c.isLetterOrNumber() || c == QLatin1Char('.') || c == QLatin1Char('-') || c == QLatin1Char('_')) {
+            name += c;
+        } else if (c.isSpace()) {
+            name += QLatin1Char('_');
+        }
+    }
+    while (name.toUtf8().size() > longestPart) {
+        name.chop(1);
+    }
+    return name.startsWith(QLatin1Char('.')) ? QLatin1Char('_') + name : name;
+}
+
+QString resultMapName(int nComponent, const QString& strLabel, int nSpot, int nSpots)
+{
+    const QString spot = nSpots > 1 ? QStringLiteral("_spot%1").arg(nSpot + 1) : QString();
+    return QStringLiteral("%1_%2%3").arg(nComponent + 1, 2, 10, QLatin1Char('0')).arg(resultFileName(strLabel), spot);
+}

@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "services/results/NoiseEstimate.h"
+#include "services/results/TruthComparison.h"
+
+#include <QList>
+#include <QPair>
+#include <QString>
+
+#include <optional>
+
+class CORVSpumKyvo;
+struct ResultNumbers;
+
+// What there is to tell of one component of a result.
+struct ComponentFacts
+{
+    QString name;
+    QString color;
+    QString map;                     // name of its map's file, of a scan that of the first spot
+    double share = 0.0;              // of the signal, 0 to 1
+    double maximum = 0.0;            // of its map
+    std::optional<QString> highPass; // of an automatic run, where it was bound
+    std::optional<bool> locked;      // of an automatic run
+    TrueComparison truth;
+};
+
+// How an automatic run went.
+struct AutomaticFacts
+{
+    int iterations = 0;
+    QString ending;
+    double lackOfFit = 0.0; // percent
+    double lackOfFitDenoised = 0.0;
+    int rank = 0;
+    NoiseEstimate noise;
+    bool decayCorrected = false;
+    QString isotope;
+    double halfLifeSeconds = 0.0;
+};
+
+// What there is to tell of a result, for every form in which it is told: resultJson(), resultCsv(), resultText() and
+// the report. A number that cannot be had is no number (NaN).
+struct ResultFacts
+{
+    QString method; // as an option
+    QString unit;   // as shown
+    int images = 0;
+    int width = 0;
+    int height = 0;
+    int binning = 0;
+    long long pixels = 0;           // analysed, of a spot
+    int spots = 1;                  // of a scan
+    double residual = 0.0;          // of the data's norm
+    double explainedVariance = 0.0; // percent
+    double seconds = 0.0;           // of the run
+    QList<ComponentFacts> components;
+    QList<QPair<QString, QString>> properties;
+    std::optional<AutomaticFacts> automatic;
+
+    bool hasTruth() const;
+    // Whether a component has another name than its true one.
+    bool isRenamed() const;
+    bool hasHighPass() const;
+};
+
+// Those of the engine's present result.
+ResultFacts factsOfResult(const CORVSpumKyvo& engine, const ResultNumbers& numbers);
+
+// Name of a component as part of a file name: letters, digits, dot and dash stay, blanks become "_", the rest goes. A
+// long name is cut.
+QString resultFileName(const QString& strLabel);
+// Name of the file of a component's map without its ending; the number in front keeps two components of one name apart.
+QString resultMapName(int nComponent, const QString& strLabel, int nSpot, int nSpots);

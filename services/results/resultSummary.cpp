@@ -1,0 +1,185 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "services/results/resultSummary.h"
+
+#include "services/basis/TextTable.h"
+#include "services/basis/jsonNumber.h"
+#include "services/results/ResultFacts.h"
+
+#include <QJsonArray>
+
+#include <cmath>
+
+namespace {
+
+constexpr int digitsOfCells = 9;
+
+QJsonObject componentJson(const ComponentFacts& facts)
+{
+    QJsonObject json{{"name", facts.name},
+                     {"color", facts.color},
+                     {"map", facts.map},
+                     {"share", jsonNumber(facts.share)},
+                     {"maximum", jsonNumber(facts.maximum)}};
+    if (facts.highPass) {
+        json.insert(QStringLiteral("highPass"), *facts.highPass);
+    }
+    if (facts.locked) {
+        json.insert(QStringLiteral("locked"), *facts.locked);
+    }
+    if (facts.truth.known) {
+        json.insert(QStringLiteral("truthName"), facts.truth.trueName);
+        json.insert(QStringLiteral("truthCosine"), jsonNumber(facts.truth.cosine));
+        json.insert(QStringLiteral("truthCorrelation"), jsonNumber(facts.truth.correlation));
+        json.insert(QStringLiteral("truthRelativeError"), jsonNumber(facts.truth.relativeError));
+    }
+    return json;
+}
+
+void addRun(const AutomaticFacts& facts, QJsonObject& json)
+{
+    json.insert(QStringLiteral("iterations"), facts.iterations);
+    json.insert(QStringLiteral("ending"), facts.ending);
+    json.insert(QStringLiteral("lackOfFit"), jsonNumber(facts.lackOfFit));
+    json.insert(QStringLiteral("lackOfFitDenoised"), jsonNumber(facts.lackOfFitDenoised));
+    json.insert(QStringLiteral("rank"), facts.rank);
+    if (facts.noise.components > 0) {
+        json.insert(QStringLiteral("componentsAboveNoise"), facts.noise.components);
+        json.insert(QStringLiteral("principalLackOfFit"), jsonNumber(facts.noise.lackOfFit));
+    }
+    if (facts.decayCorrected) {
+        json.insert(QStringLiteral("decayCorrected"),
+                    QJsonObject{{"isotope", facts.isotope}, {"halfLifeSeconds", facts.halfLifeSeconds}});
+    }
+}
+
+QString cell(double dValue)
+{
+    return std::isfinite(dValue) ? TextTable::number(dValue, digitsOfCells) : QString();
+}
+
+QStringList cellsOf(const ComponentFacts& facts)
+{
+    QStringList row = {facts.name, cell(facts.share), cell(facts.maximum), facts.highPass.value_or(QString())};
+    if (facts.truth.known) {
+        row << facts.truth.trueName << cell(facts.truth.cosine) << cell(facts.truth.correlation)
+            << cell(facts.truth.relativeError);
+    } else {
+        row << QString() << QString() << QString() << QString();
+    }
+    return row;
+}
+
+QStringList cellsOfRun(const ResultFacts& facts)
+{
+    QStringList row = {cell(facts.residual), cell(facts.explainedVariance)};
+    if (facts.automatic) {
+        row << cell(facts.automatic->iterations) << facts.automatic->ending << cell(facts.automatic->lackOfFit)
+            << cell(facts.automatic->lackOfFitDenoised);
+    } else {
+        row << QString() << QString() << QString() << QString();
+    }
+    return row;
+}
+
+// For people; the columns of a truth only where there is one.
+QString tableText(const ResultFacts& facts)
+{
+    const bool known = facts.hasTruth();
+    const bool renamed = facts.isRenamed();
+    QStringList header = {QStringLiteral("component"), QStringLiteral("share [%]"), QStringLiteral("maximum")};
+    if (facts.automatic) {
+        header << QStringLiteral("high pass");
+    }
+    if (known && renamed) {
+        header << QStringLiteral("truth");
+    }
+    if (known) {
+        header << QStringLiteral("cosine") << QStringLiteral("correlation") << QStringLiteral("rel. error");
+    }
+    TextTable table(header);
+    for (const ComponentFacts& component : facts.components) {
+        const TrueComparison& truth = component.truth;
+        QStringList row = {component.name, TextTable::number(component.share * 100.0, 4),
+                           TextTable::number(component.maximum, 5)};
+        if (facts.automatic) {
+            row << component.highPass.value_or(QStringLiteral("-"));
+        }
+        if (known && renamed) {
+            row << (truth.known ? truth.trueName : QStringLiteral("-"));
+        }
+        if (truth.known) {
+            row << TextTable::number(truth.cosine, 5) << TextTable::number(truth.correlation, 5)
+                << TextTable::number(truth.relativeError, 3);
+        }
+        table.addRow(row);
+    }
+    return table.toText();
+}
+
+} // namespace
+
+QJsonObject resultJson(const ResultFacts& facts, const QStringList& files)
+{
+    QJsonArray components;
+    for (const ComponentFacts& component : facts.components) {
+        components.append(componentJson(component));
+    }
+    QJsonObject properties;
+    for (const auto& property : facts.properties) {
+        properties.insert(property.first, property.second);
+    }
+    QJsonObject json{{"method", facts.method},
+                     {"unit", facts.unit},
+                     {"images", facts.images},
+                     {"width", facts.width},
+                     {"height", facts.height},
+                     {"binning", facts.binning},
+                     {"pixels", static_cast<qint64>(facts.pixels)},
+                     {"residual", jsonNumber(facts.residual)},
+                     {"explainedVariance", jsonNumber(facts.explainedVariance)},
+                     {"components", components},
+                     {"properties", properties},
+                     {"files", QJsonArray::fromStringList(files)}};
+    if (facts.automatic) {
+        addRun(*facts.automatic, json);
+    }
+    return json;
+}
+
+QByteArray resultCsv(const ResultFacts& facts)
+{
+    TextTable table({QStringLiteral("component"), QStringLiteral("share"), QStringLiteral("maximum"),
+                     QStringLiteral("high pass"), QStringLiteral("truth"), QStringLiteral("cosine"),
+                     QStringLiteral("correlation"), QStringLiteral("relative error"), QStringLiteral("residual"),
+                     QStringLiteral("explained variance"), QStringLiteral("iterations"), QStringLiteral("ending"),
+                     QStringLiteral("lack of fit"), QStringLiteral("lack of fit denoised")});
+    for (const ComponentFacts& component : facts.components) {
+        table.addRow(cellsOf(component) + cellsOfRun(facts));
+    }
+    return table.toCsv().toUtf8();
+}
+
+QString resultText(const ResultFacts& facts)
+{
+    QString text = QStringLiteral("%1, %2 images of %3 x %4 pixels at binning %5, %6 pixels analysed\n\n%7\n"
+                                  "residual %8 % of the data's norm, %9 % of the variance explained; ")
+                       .arg(facts.unit)
+                       .arg(facts.images)
+                       .arg(facts.width)
+                       .arg(facts.height)
+                       .arg(facts.binning)
+                       .arg(facts.pixels)
+                       .arg(tableText(facts), TextTable::number(facts.residual * 100.0, 4),
+                            TextTable::number(facts.explainedVariance, 6));
+    text += QStringLiteral("the fit took %1 s\n").arg(TextTable::number(facts.seconds, 3));
+    if (!facts.automatic) {
+        return text;
+    }
+    const AutomaticFacts& run = *facts.automatic;
+    return text +
+           QStringLiteral("%1 after %2 iterations; lack of fit %3 % of the data, %4 % of the denoised data\n")
+               .arg(run.ending)
+               .arg(run.iterations)
+               .arg(TextTable::number(run.lackOfFit, 4), TextTable::number(run.lackOfFitDenoised, 4)) +
+           run.noise.text(facts.components.size());
+}
