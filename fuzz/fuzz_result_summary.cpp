@@ -2,7 +2,6 @@
 // Summaries in folders of results: whatever the bytes, names of maps in the folder itself, or an error that names the
 // file.
 #include "services/basis/Failure.h"
-#include "services/results/ResultFolder.h"
 #include "services/results/ResultMaps.h"
 
 #include <QDir>

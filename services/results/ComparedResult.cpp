@@ -1,28 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "services/results/ComparedResult.h"
 
-#include "platform/orvimage/TiffIo.h"
 #include "services/basis/Failure.h"
 #include "services/basis/TruthFiles.h"
-#include "services/results/ResultFolder.h"
+#include "services/results/UnmixFolder.h"
 #include "spectra/SpectrumPlotParams.h"
 
-#include <QDir>
 #include <QFileInfo>
 #include <QImage>
-#include <QJsonArray>
-#include <QJsonObject>
 
 namespace {
-
-QJsonObject readSummary(const QString& strFolder)
-{
-    QJsonObject summary = ResultFolder::readSummary(strFolder, QFileInfo(strFolder).path());
-    if (summary.value(QStringLiteral("components")).toArray().isEmpty()) {
-        throw Failure(QStringLiteral("%1summary.json names no components").arg(strFolder));
-    }
-    return summary;
-}
 
 // The first spot's file is the one that a summary names.
 QString mapOfSpot(const QString& strFirst, int nSpot)
@@ -36,22 +23,21 @@ QString mapOfSpot(const QString& strFirst, int nSpot)
 
 void ComparedResult::readResult(const QString& strFolder)
 {
-    const QString folder = QDir::cleanPath(QFileInfo(strFolder).absoluteFilePath()) + QLatin1Char('/');
-    const QJsonObject summary = readSummary(folder);
-    m_strLabel = QDir(folder).dirName();
-    m_strUnit = summary.value(QStringLiteral("unit")).toString();
-    m_bDecayCorrected = summary.value(QStringLiteral("decayCorrected")).isObject();
-    m_library.load(folder + QStringLiteral("spectra.csv"));
-    const QJsonArray components = summary.value(QStringLiteral("components")).toArray();
-    for (const auto& value : components) {
-        const QJsonObject component = value.toObject();
-        m_names.append(component.value(QStringLiteral("name")).toString());
-        // The name alone: a summary that leads elsewhere is not followed.
-        const QString map = folder + QFileInfo(component.value(QStringLiteral("map")).toString()).fileName();
+    const UnmixFolder folder(strFolder);
+    if (folder.components().isEmpty()) {
+        throw Failure(QStringLiteral("%1 names no components").arg(folder.summaryPath()));
+    }
+    m_strLabel = folder.label();
+    m_strUnit = folder.unit();
+    m_bDecayCorrected = folder.isDecayCorrected();
+    m_library.load(folder.path() + QStringLiteral("spectra.csv"));
+    for (const UnmixFolder::Component& component : folder.components()) {
+        m_names.append(component.name);
+        const QString map = folder.path() + component.map;
         readSpots([&map](int spot) { return mapOfSpot(map, spot); });
     }
     if (m_library.all().size() != m_names.size()) {
-        throw Failure(QStringLiteral("%1spectra.csv does not hold one spectrum a component").arg(folder));
+        throw Failure(QStringLiteral("%1spectra.csv does not hold one spectrum a component").arg(folder.path()));
     }
     readMask(folder);
 }
@@ -91,24 +77,16 @@ void ComparedResult::readSpots(const std::function<QString(int)>& fileOfSpot)
 
 void ComparedResult::readMap(const QString& strFile)
 {
-    CILImage map;
-    QString error;
-    if (!QFileInfo(strFile).isFile()) {
-        throw Failure(QStringLiteral("%1: the map is not there").arg(strFile));
-    }
-    if (!readTiff(strFile, 0, map, &error)) {
-        throw Failure(error);
-    }
-    map.ChangeType(ORVTYPE_FLOAT);
+    CILImage map = UnmixFolder::readMap(strFile);
     if (!m_maps.empty() && (map.m_lWidth != m_maps.front().m_lWidth || map.m_lHeight != m_maps.front().m_lHeight)) {
         throw Failure(QStringLiteral("%1: the map is of another size than the others").arg(strFile));
     }
     m_maps.push_back(std::move(map));
 }
 
-void ComparedResult::readMask(const QString& strFolder)
+void ComparedResult::readMask(const UnmixFolder& folder)
 {
-    const QImage mask = ResultFolder::readMask(strFolder, m_maps.front().m_lWidth, m_maps.front().m_lHeight);
+    const QImage mask = folder.readMask(m_maps.front().m_lWidth, m_maps.front().m_lHeight);
     for (int y = 0; y < mask.height(); ++y) {
         for (int x = 0; x < mask.width(); ++x) {
             if (mask.constScanLine(y)[x] > 0) {

@@ -12,6 +12,8 @@
 #include <functional>
 #include <vector>
 
+class UnmixFolder;
+
 // An unmixing as it lies in a folder: the components' maps, of a scan one for each spot, and spectra.
 class ComparedResult
 {
@@ -49,7 +51,7 @@ private:
     // The maps of the files that `fileOfSpot(spot)` names, from spot 0 to the last one that is there.
     void readSpots(const std::function<QString(int)>& fileOfSpot);
     void readMap(const QString& strFile);
-    void readMask(const QString& strFolder);
+    void readMask(const UnmixFolder& folder);
 
     QString m_strLabel;
     QString m_strUnit;

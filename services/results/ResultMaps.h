@@ -2,6 +2,7 @@
 #pragma once
 
 #include "host/CILImage.h"
+#include "services/results/UnmixFolder.h"
 
 #include <QString>
 #include <QStringList>
@@ -14,9 +15,9 @@ public:
     explicit ResultMaps(const QString& strFolder);
 
     // Name of the folder.
-    QString label() const { return m_strLabel; }
+    QString label() const { return m_folder.label(); }
     // As shown ("Radiant Efficiency").
-    QString unit() const { return m_strUnit; }
+    QString unit() const { return m_folder.unit(); }
     int count() const { return m_files.size(); }
     // The component's name; of several spots, the name of the map's file without its ending.
     QString name(int n) const { return m_names[n]; }
@@ -27,10 +28,7 @@ public:
 private:
     void maskOut(CILImage& map) const;
 
-    QString m_strFolder; // with its separator
-    QString m_strLabel;
-    QString m_strUnit;
-    float m_fBinning = 1.0F;
+    UnmixFolder m_folder;
     QStringList m_files;
     QStringList m_names;
 };

@@ -1,23 +1,25 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "services/results/ResultFolder.h"
+#include "services/results/UnmixFolder.h"
 
+#include "platform/orvimage/TiffIo.h"
 #include "platform/orvutils/InputFile.h"
 #include "services/basis/Failure.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QImageReader>
+#include <QJsonArray>
 #include <QJsonDocument>
-
-namespace ResultFolder {
+#include <QJsonObject>
 
 namespace {
 
 // A summary of ten thousand components takes half of this.
 constexpr int maxMebibytes = 4;
 
-} // namespace
-
+// The object of "summary.json". A folder without it is none with results; a text that is no JSON object is told with
+// its line.
 QJsonObject readSummary(const QString& strFolder, const QString& strShown)
 {
     const QString file = strFolder + QStringLiteral("summary.json");
@@ -40,9 +42,52 @@ QJsonObject readSummary(const QString& strFolder, const QString& strShown)
     return document.object();
 }
 
-QImage readMask(const QString& strFolder, long width, long height)
+// A name alone: a summary that leads elsewhere is not followed.
+QString nameOf(const QJsonValue& value)
 {
-    const QString file = strFolder + QStringLiteral("mask.png");
+    return QFileInfo(value.toString()).fileName();
+}
+
+} // namespace
+
+UnmixFolder::UnmixFolder(const QString& strFolder, const QString& strShown)
+    : m_strPath(QDir::cleanPath(QFileInfo(strFolder).absoluteFilePath()) + QLatin1Char('/')),
+      m_strLabel(QDir(m_strPath).dirName())
+{
+    const QJsonObject summary = readSummary(m_strPath, strShown.isEmpty() ? QFileInfo(m_strPath).path() : strShown);
+    m_strUnit = summary.value(QStringLiteral("unit")).toString();
+    m_dBinning = summary.value(QStringLiteral("binning")).toDouble();
+    m_bDecayCorrected = summary.value(QStringLiteral("decayCorrected")).isObject();
+    for (const auto& value : summary.value(QStringLiteral("components")).toArray()) {
+        const QJsonObject component = value.toObject();
+        m_components.append(
+            {component.value(QStringLiteral("name")).toString(), nameOf(component.value(QStringLiteral("map")))});
+    }
+    for (const auto& value : summary.value(QStringLiteral("files")).toArray()) {
+        const QString name = nameOf(value);
+        if (QFileInfo(name).suffix() == QLatin1String("tif")) {
+            m_mapFiles.append(name);
+        }
+    }
+}
+
+CILImage UnmixFolder::readMap(const QString& strPath)
+{
+    CILImage map;
+    QString error;
+    if (!QFileInfo(strPath).isFile()) {
+        throw Failure(QStringLiteral("%1: the map is not there").arg(strPath));
+    }
+    if (!readTiff(strPath, 0, map, &error)) {
+        throw Failure(error);
+    }
+    map.ChangeType(ORVTYPE_FLOAT);
+    return map;
+}
+
+QImage UnmixFolder::readMask(long width, long height) const
+{
+    const QString file = m_strPath + QStringLiteral("mask.png");
     if (!QFileInfo::exists(file) && !QFileInfo(file).isSymLink()) {
         return QImage();
     }
@@ -68,5 +113,3 @@ QImage readMask(const QString& strFolder, long width, long height)
     }
     return mask;
 }
-
-} // namespace ResultFolder
