@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QSettings>
 #include <QString>
 #include <QStringList>
 
 class CORVPreferenceSignals;
+class CORVSettings;
 struct S3DViewSettings;
 
 // The host's preferences.
@@ -15,7 +15,7 @@ public:
     // Version of the application, as results state it.
     static QString getAppVersion();
     // The user's settings, kept in an INI file of the user's base folder. Owned by the preferences.
-    static QSettings* getSettings();
+    static CORVSettings* getSettings();
     static CORVPreferenceSignals* getSignalHandler();
     // True while the sequence (null: any) is being loaded.
     static bool isSequenceLoading(const void* pSequence);

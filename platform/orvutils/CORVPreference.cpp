@@ -2,6 +2,7 @@
 #include "host/CORVPreference.h"
 
 #include "host/CORVPreferenceSignals.h"
+#include "host/CORVSettings.h"
 #include "host/S3DViewSettings.h"
 #include "host/orv_paths.h"
 
@@ -29,7 +30,7 @@ struct Preferences
 {
     QMutex m_mutex;
     // By file: the user's folder follows the environment, and settings that were handed out stay valid.
-    std::map<QString, std::unique_ptr<QSettings>> m_settings;
+    std::map<QString, std::unique_ptr<CORVSettings>> m_settings;
     std::multiset<const void*> m_loading;
 };
 
@@ -75,7 +76,7 @@ QString CORVPreference::getAppVersion()
     return QStringLiteral(ORV_VERSION);
 }
 
-QSettings* CORVPreference::getSettings()
+CORVSettings* CORVPreference::getSettings()
 {
     const QString folder = getORVPath(ORV_PATH_USER, true, nullptr);
     // Without a folder of the user the settings live as long as the program: nothing can be stored under /dev/null.
@@ -84,7 +85,7 @@ QSettings* CORVPreference::getSettings()
     QMutexLocker lock(&preferences().m_mutex);
     auto& pSettings = preferences().m_settings[path];
     if (!pSettings) {
-        pSettings = std::make_unique<QSettings>(path, QSettings::IniFormat);
+        pSettings = std::make_unique<CORVSettings>(path, QSettings::IniFormat);
     }
     return pSettings.get();
 }

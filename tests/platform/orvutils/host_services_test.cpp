@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/CORVPreference.h"
 #include "host/CORVPreferenceSignals.h"
+#include "host/CORVSettings.h"
 #include "host/CORVUtilityFns.h"
+#include "host/S3DViewSettings.h"
 #include "host/orv_paths.h"
 #include "support/ForkedChild.h"
 
@@ -145,7 +147,7 @@ TEST_F(PreferenceTest, VersionHasThreeNumbers)
 
 TEST_F(PreferenceTest, SettingsLieInTheUsersFolder)
 {
-    QSettings* pSettings = CORVPreference::getSettings();
+    CORVSettings* pSettings = CORVPreference::getSettings();
     ASSERT_NE(pSettings, nullptr);
     pSettings->setValue("a/b", 12.5);
     pSettings->sync();
@@ -161,6 +163,48 @@ TEST_F(PreferenceTest, WithoutAHomeSettingsLiveAsLongAsTheProgram)
     unsetVariable("HOME");
     CORVPreference::getSettings()->setValue("lasting", 7);
     EXPECT_EQ(CORVPreference::getSettings()->value("lasting").toInt(), 7);
+}
+
+TEST_F(PreferenceTest, TheRecentFolderIsThatOfTheFileSavedLast)
+{
+    CORVSettings& settings = *CORVPreference::getSettings();
+    EXPECT_EQ(settings.getRecentFilePath(), QDir::homePath());
+    const QString folder = m_folder.filePath("Messungen f\u00fcr M\u00e4use, 2");
+    ASSERT_TRUE(QDir().mkpath(folder));
+    settings.setRecentFilePath(folder + "/not there yet.csv");
+    EXPECT_EQ(settings.getRecentFilePath(), folder);
+    settings.setRecentFilePath(m_folder.path() + '/');
+    EXPECT_EQ(settings.getRecentFilePath(), m_folder.path());
+    settings.setRecentFilePath(folder);
+    settings.setRecentFilePath(QString());
+    settings.sync();
+    const CORVSettings again(settings.fileName(), QSettings::IniFormat);
+    EXPECT_EQ(again.getRecentFilePath(), folder);
+    // A folder that is gone is none to start in.
+    ASSERT_TRUE(QDir(folder).removeRecursively());
+    EXPECT_EQ(settings.getRecentFilePath(), QDir::homePath());
+}
+
+TEST_F(PreferenceTest, LettersOfTheViewsAreThoseOfTheSettings)
+{
+    S3DViewSettings views;
+    CORVPreference::get3DViewPreferences(views);
+    EXPECT_EQ(views.fontFamily, "DejaVu Sans");
+    EXPECT_EQ(views.labelFontSize, 10);
+    EXPECT_EQ(views.barFontSize, 10);
+    CORVSettings& settings = *CORVPreference::getSettings();
+    settings.setValue("Views/FontFamily", "Serif");
+    settings.setValue("Views/LabelFontSize", 14);
+    settings.setValue("Views/BarFontSize", 48);
+    CORVPreference::get3DViewPreferences(views);
+    EXPECT_EQ(views.fontFamily, "Serif");
+    EXPECT_EQ(views.labelFontSize, 14);
+    EXPECT_EQ(views.barFontSize, 48);
+    for (const char* odd : {"5", "49", "large", "-3", ""}) {
+        settings.setValue("Views/BarFontSize", odd);
+        CORVPreference::get3DViewPreferences(views);
+        EXPECT_EQ(views.barFontSize, 10) << odd;
+    }
 }
 
 TEST_F(PreferenceTest, PreferredFormatComesFirstAndTheRestKeepsItsOrder)

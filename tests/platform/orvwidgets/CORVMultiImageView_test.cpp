@@ -2,6 +2,7 @@
 #include "host/CILImage.h"
 #include "host/CORVMultiImageView.h"
 #include "host/CORVPreference.h"
+#include "host/CORVSettings.h"
 #include "host/CORVTextTag.h"
 #include "host/S3DViewSettings.h"
 
