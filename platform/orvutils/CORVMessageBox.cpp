@@ -64,6 +64,16 @@ std::optional<QString> MessageResponder::chooseItem(const ItemRequest&)
     return std::nullopt;
 }
 
+std::optional<FileAnswer> MessageResponder::chooseFile(const FileRequest&)
+{
+    return std::nullopt;
+}
+
+std::optional<QColor> MessageResponder::chooseColor(const ColorRequest&)
+{
+    return std::nullopt;
+}
+
 } // namespace orv
 
 int CORVMessageBox::warning(QWidget* pParent, const QString& strCaption, const QString& strText, int nButtons,

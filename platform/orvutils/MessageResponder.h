@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "platform/orvutils/ColorRequest.h"
+#include "platform/orvutils/FileRequest.h"
 #include "platform/orvutils/ItemRequest.h"
 #include "platform/orvutils/MessageRequest.h"
 
@@ -9,7 +11,7 @@
 
 namespace orv {
 
-// Who answers the questions of CORVMessageBox and of CORVInputDialog.
+// Who answers the questions of CORVMessageBox, CORVInputDialog, CORVFileDialog and CORVColorDialog.
 class MessageResponder
 {
 public:
@@ -20,6 +22,10 @@ public:
     // The item chosen, or no value when the user backs out. Who has no user to ask backs out: no item is the one that
     // changes least.
     virtual std::optional<QString> chooseItem(const ItemRequest& request);
+    // The path, or no value when the user backs out, as who has no user to ask does. Whether a file that exists may be
+    // overwritten is not asked here.
+    virtual std::optional<FileAnswer> chooseFile(const FileRequest& request);
+    virtual std::optional<QColor> chooseColor(const ColorRequest& request);
 };
 
 // Installs a responder and hands back the earlier one; null installs the one of the start, which puts the text on

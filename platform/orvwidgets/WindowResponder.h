@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "platform/orvutils/MessageResponder.h"
+
+namespace orv {
+
+// Puts every question into a window of its own, in front of the window that asks or, when none is named, of the active
+// one. Texts are shown as they are, letters that look like markup included. Escape and the window's close button mean
+// the answer that changes least. The windows have object names: "MessageBox", "InputDialog", "FileDialog",
+// "ColorDialog".
+class WindowResponder : public MessageResponder
+{
+public:
+    int ask(const MessageRequest& request) override;
+    std::optional<QString> chooseItem(const ItemRequest& request) override;
+    std::optional<FileAnswer> chooseFile(const FileRequest& request) override;
+    std::optional<QColor> chooseColor(const ColorRequest& request) override;
+};
+
+} // namespace orv
