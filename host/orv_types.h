@@ -34,6 +34,7 @@ enum tag_edisplayunit
     DISPLAYUNIT_RADIANT_EFFICIENCY = 2, // radiance over the excitation irradiance
     DISPLAYUNIT_EFFICIENCY = 3          // radiance over the transmitted reference
 };
+using EDISPLAYUNIT = tag_edisplayunit;
 
 // The images that a dataset can hold.
 enum tag_eimagetype
