@@ -10,7 +10,7 @@ namespace XTNT {
 NnlsRowFit::NnlsRowFit(const Matrix<double>& spectra)
     : m_spectra(spectra), m_design(static_cast<std::size_t>(spectra.storage.n_)),
       m_pixel(static_cast<std::size_t>(spectra.num_cols())), m_dual(static_cast<std::size_t>(spectra.num_rows())),
-      m_zz(static_cast<std::size_t>(spectra.num_cols())), m_index(static_cast<std::size_t>(spectra.num_rows()))
+      m_zz(static_cast<std::size_t>(spectra.num_cols())), m_index(static_cast<std::size_t>(spectra.num_rows()) + 1)
 {
 }
 

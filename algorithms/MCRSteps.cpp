@@ -245,11 +245,10 @@ void MCR::makeSpectraNonNegative()
         return;
     }
     for (long long j = 0; j < spec.num_cols(); ++j) {
-        const Vector<double> column = spec.column(j);
-        if (std::none_of(column.data, column.data + column.size(), [](double value) { return value < 0; })) {
+        if (!hasNegative(spec, j)) {
             continue;
         }
-        const Vector<double> x = m_fit->nonNegative(j);
+        const Vector<double>& x = m_fit->nonNegative(j);
         for (long long c = 0; c < spec.num_rows(); ++c) {
             spec[c][j] = x[c];
         }

@@ -1,11 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "algorithms/PlainSpectrumFit.h"
 
-#include "algorithms/nonNegativeFit.h"
-
 #include "XTNT/least_squares.h"
 
-#include <algorithm>
 #include <iostream>
 #include <vector>
 
@@ -37,12 +34,14 @@ Matrix<double> PlainSpectrumFit::solve()
     return XTNT::solveForLeft(m_conc, m_data);
 }
 
-Vector<double> PlainSpectrumFit::nonNegative(long long band)
+const Vector<double>& PlainSpectrumFit::nonNegative(long long band)
 {
-    const Vector<double> column = m_data.column(band);
-    const Vector<double> x = nonNegativeFit(m_conc, column);
+    if (!m_nonNegative) {
+        m_nonNegative.emplace(m_conc);
+    }
+    const Vector<double>& x = m_nonNegative->fit(m_data, band);
     if (m_trace) {
-        std::cout << "SPEC[*][i]\n" << column << "x\n" << x;
+        std::cout << "SPEC[*][i]\n" << m_data.column(band) << "x\n" << x;
     }
     return x;
 }
@@ -53,12 +52,15 @@ Matrix<double> PlainSpectrumFit::refit(const Vector<long long>& free, const Vect
     const Matrix<double> design = m_conc.columns(free);
     const Matrix<double> target = m_data.columns(bands) - m_conc.columns(fixed) * rowsOf(spec, fixed, bands);
     Matrix<double> solution = XTNT::solveForLeft(design, target);
+    std::optional<NonNegativeFit> nonNegative;
     for (long long j = 0; j < solution.num_cols(); ++j) {
-        const Vector<double> column = solution.column(j);
-        if (std::none_of(column.data, column.data + column.size(), [](double value) { return value < 0; })) {
+        if (!hasNegative(solution, j)) {
             continue;
         }
-        const Vector<double> x = nonNegativeFit(design, target.column(j));
+        if (!nonNegative) {
+            nonNegative.emplace(design);
+        }
+        const Vector<double>& x = nonNegative->fit(target, j);
         for (long long i = 0; i < solution.num_rows(); ++i) {
             solution[i][j] = x[i];
         }
@@ -68,7 +70,8 @@ Matrix<double> PlainSpectrumFit::refit(const Vector<long long>& free, const Vect
 
 void PlainSpectrumFit::reorder(const Vector<long long>&)
 {
-    // The matrix itself has been reordered, and m_conc shares it.
+    // The matrix itself has been reordered, and m_conc shares it; a transposed copy does not.
+    m_nonNegative.reset();
 }
 
 double PlainSpectrumFit::residualNorm(const Matrix<double>& target, const Matrix<double>& spec)

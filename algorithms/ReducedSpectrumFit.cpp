@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "algorithms/ReducedSpectrumFit.h"
 
-#include "algorithms/nonNegativeFit.h"
-
 #include "XTNT/least_squares.h"
 #include "XTNT/residual_norm.h"
 #include "XTNT/thin_qr.h"
@@ -140,9 +138,12 @@ Matrix<double> ReducedSpectrumFit::solve()
     return allFinite(spec) ? spec : XTNT::solveForLeft(m_conc, m_data);
 }
 
-Vector<double> ReducedSpectrumFit::nonNegative(long long band)
+const Vector<double>& ReducedSpectrumFit::nonNegative(long long band)
 {
-    Vector<double> x = nonNegativeFit(m_reduction->triangle(), m_reduction->head().column(band));
+    if (!m_nonNegative) {
+        m_nonNegative.emplace(m_reduction->triangle());
+    }
+    Vector<double>& x = m_nonNegative->fit(m_reduction->head(), band);
     for (long long k = 0; k < x.size(); ++k) {
         x[k] *= m_scales[static_cast<std::size_t>(k)];
     }
@@ -161,13 +162,19 @@ Matrix<double> ReducedSpectrumFit::refit(const Vector<long long>& free, const Ve
     }
     const Matrix<double> target = m_reduction->head().columns(bands) - m_reduction->triangle().columns(fixed) * known;
     Matrix<double> solution = design.lssolve(target);
+    std::optional<NonNegativeFit> nonNegative;
     for (long long j = 0; j < solution.num_cols(); ++j) {
-        Vector<double> column = solution.column(j);
-        if (std::any_of(column.data, column.data + column.size(), [](double value) { return value < 0; })) {
-            column = nonNegativeFit(design, target.column(j));
+        if (hasNegative(solution, j)) {
+            if (!nonNegative) {
+                nonNegative.emplace(design);
+            }
+            const Vector<double>& x = nonNegative->fit(target, j);
+            for (long long i = 0; i < solution.num_rows(); ++i) {
+                solution[i][j] = x[i];
+            }
         }
         for (long long i = 0; i < solution.num_rows(); ++i) {
-            solution[i][j] = column[i] * m_scales[static_cast<std::size_t>(free[i])];
+            solution[i][j] *= m_scales[static_cast<std::size_t>(free[i])];
         }
     }
     return solution;
@@ -176,6 +183,7 @@ Matrix<double> ReducedSpectrumFit::refit(const Vector<long long>& free, const Ve
 void ReducedSpectrumFit::reorder(const Vector<long long>& order)
 {
     m_reduction->reorder(order);
+    m_nonNegative.reset();
     const std::vector<double> former = m_scales;
     for (long long i = 0; i < order.size(); ++i) {
         m_scales[static_cast<std::size_t>(i)] = former[static_cast<std::size_t>(order[i])];

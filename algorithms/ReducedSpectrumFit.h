@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "algorithms/NonNegativeFit.h"
 #include "algorithms/SpectrumFit.h"
 
 #include "XTNT/left_reduction.h"
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 // The spectra of given concentrations from the reduced problem (XTNT::LeftReduction): after one pass over C and D every
@@ -24,7 +26,7 @@ public:
                        std::unique_ptr<XTNT::LeftReduction> reduction);
 
     XTNT::Matrix<double> solve() override;
-    XTNT::Vector<double> nonNegative(long long band) override;
+    const XTNT::Vector<double>& nonNegative(long long band) override;
     XTNT::Matrix<double> refit(const XTNT::Vector<long long>& free, const XTNT::Vector<long long>& fixed,
                                const XTNT::Vector<long long>& bands, const XTNT::Matrix<double>& spec) override;
     void reorder(const XTNT::Vector<long long>& order) override;
@@ -42,4 +44,5 @@ private:
     std::unique_ptr<XTNT::LeftReduction> m_reduction;
     // What the columns of C were multiplied by before the reduction: powers of two, 1 but for extreme magnitudes.
     std::vector<double> m_scales;
+    std::optional<NonNegativeFit> m_nonNegative; // of the triangle; made for the first band that needs it
 };

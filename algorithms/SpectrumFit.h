@@ -17,8 +17,9 @@ public:
     // S (K x N) that minimises |C S - D|; as XTNT::solveForLeft, empty when that fails.
     virtual XTNT::Matrix<double> solve() = 0;
 
-    // The s >= 0 (K values) that minimises |C s - column `band` of D|.
-    virtual XTNT::Vector<double> nonNegative(long long band) = 0;
+    // The s >= 0 (K values) that minimises |C s - column `band` of D|. The object's own: the next call overwrites its
+    // elements, as the arrays of the solver are taken once for all bands.
+    virtual const XTNT::Vector<double>& nonNegative(long long band) = 0;
 
     // With the components `fixed` taken from `spec` (K x N): the spectra of the components `free` at `bands`, as a
     // matrix of free rows and band columns, by least squares; a column with a negative element is replaced by its
