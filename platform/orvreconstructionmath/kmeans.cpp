@@ -21,14 +21,14 @@ constexpr int largestExponent = 400;
 // What a look at all rows tells.
 struct Survey
 {
-    std::vector<char> finite; // one flag a row
+    std::vector<char> counts; // one flag a row: it takes part
     double largest = 0;       // magnitude over the finite rows
 };
 
 Survey surveyRows(const Matrix<double>& data)
 {
     Survey survey;
-    survey.finite.resize(static_cast<std::size_t>(data.num_rows()));
+    survey.counts.resize(static_cast<std::size_t>(data.num_rows()));
     std::vector<double> largest(static_cast<std::size_t>((data.num_rows() - 1) / chunkRows + 1), 0.0);
     parallelChunks(data.num_rows(), chunkRows, [&](long long begin, long long end) {
         double chunkLargest = 0;
@@ -41,7 +41,8 @@ Survey surveyRows(const Matrix<double>& data)
                 nothing += x[i] * 0.0;
             }
             const bool finite = nothing == 0;
-            survey.finite[static_cast<std::size_t>(row)] = finite ? 1 : 0;
+            // A cluster of rows without content would have a centre of zeros, which nobody can scale.
+            survey.counts[static_cast<std::size_t>(row)] = finite && rowLargest > 0 ? 1 : 0;
             chunkLargest = finite ? std::max(chunkLargest, rowLargest) : chunkLargest;
         }
         largest[static_cast<std::size_t>(begin / chunkRows)] = chunkLargest;
@@ -60,12 +61,12 @@ Matrix<double> rescaled(const Matrix<double>& data, int exponent)
     return result;
 }
 
-std::vector<const double*> finiteRows(const Matrix<double>& data, const Survey& survey)
+std::vector<const double*> rowsThatCount(const Matrix<double>& data, const Survey& survey)
 {
     std::vector<const double*> rows;
-    rows.reserve(survey.finite.size());
+    rows.reserve(survey.counts.size());
     for (long long row = 0; row < data.num_rows(); ++row) {
-        if (survey.finite[static_cast<std::size_t>(row)] != 0) {
+        if (survey.counts[static_cast<std::size_t>(row)] != 0) {
             rows.push_back(data[row]);
         }
     }
@@ -85,7 +86,7 @@ void kmeans(Matrix<double>& data, long long k, Vector<long long>& labels, long l
     int exponent = 0;
     std::frexp(survey.largest, &exponent);
     const Matrix<double> scaled = std::abs(exponent) > largestExponent ? rescaled(data, exponent) : data;
-    std::vector<const double*> rows = finiteRows(scaled, survey);
+    std::vector<const double*> rows = rowsThatCount(scaled, survey);
     const auto count = static_cast<long long>(rows.size());
     const long long clusters = std::min(std::max(k, 1LL), count);
     if (clusters < 1) {
@@ -96,7 +97,7 @@ void kmeans(Matrix<double>& data, long long k, Vector<long long>& labels, long l
     solver.run(maxIterations, KMeansSolver::Method::Bounded);
     std::size_t next = 0;
     for (long long row = 0; row < data.num_rows(); ++row) {
-        if (survey.finite[static_cast<std::size_t>(row)] != 0) {
+        if (survey.counts[static_cast<std::size_t>(row)] != 0) {
             labels[row] = solver.labels()[next++];
         }
     }

@@ -151,7 +151,7 @@ TEST(McrEstimateTest, FirstSpectraFollowNormalisationAndSorting)
 TEST(McrEstimateTest, GroupWithoutSignalLeavesCodeThree)
 {
     const Matrix<double> data =
-        matrixOf({{0, 0, 0}, {0, 0, 0}, {0, 0, 0}, {9, 1, 0}, {9, 1.25, 0}, {0, 0, 0}, {9, 0.75, 0.5}});
+        matrixOf({{0, -1, -1}, {0, -2, -1}, {0, -1, -2}, {9, 1, 0}, {9, 1.25, 0}, {0, -1, -1}, {9, 0.75, 0.5}});
     MCR mcr;
     mcr.setData(data);
     EXPECT_EQ(mcr.setComponents(2), 3);
@@ -162,6 +162,15 @@ TEST(McrEstimateTest, GroupWithoutSignalLeavesCodeThree)
     unscaled.autoSorting = 0;
     unscaled.setData(data);
     EXPECT_EQ(unscaled.setComponents(2), 0);
+}
+
+TEST(McrEstimateTest, AnEmptyBackgroundIsNoGroup)
+{
+    MCR mcr;
+    mcr.setData(matrixOf({{0, 0, 0}, {0, 0, 0}, {0, 0, 0}, {9, 1, 0}, {1, 9, 0}, {0, 0, 0}, {1, 9, 0.5}}));
+    ASSERT_EQ(mcr.setComponents(2), 0);
+    EXPECT_GT(mcr.spec[0][0], mcr.spec[0][1]);
+    EXPECT_GT(mcr.spec[1][1], mcr.spec[1][0]);
 }
 
 TEST(McrEstimateTest, OtherStatesOnlyMarkTheRows)

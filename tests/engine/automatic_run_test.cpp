@@ -308,4 +308,42 @@ TEST(AutomaticRunOfOtherSequencesTest, AGridOfExcitationsAndEmissionsIsResolved)
     EXPECT_LT(engine.m_runFacts.lackOfFitRaw, 1.0);
 }
 
+// Where nothing is, there is exactly nothing: pixels that a clustering must not take for a component.
+TEST(BlackBackgroundTest, TwoDiscsOnExactZerosAreResolved)
+{
+    constexpr int nDiscSide = 32;
+    constexpr int nBands = 7;
+    const std::vector<std::vector<double>> spectra = bellSpectra(2, nBands);
+    const auto disc = [](int k, int i) {
+        const double x = i % nDiscSide - (k == 0 ? 9.0 : 22.0);
+        const double y = i / nDiscSide - 15.0; // NOLINT(bugprone-integer-division): a row
+        return x * x + y * y < 36.0 ? 100.0 : 0.0;
+    };
+    TestSequence sequence;
+    sequence->isFluorescence = true;
+    for (int j = 0; j < nBands; ++j) {
+        TestImage image;
+        image.emission = QString("%1nm").arg(660 + 20 * j);
+        image.side = nDiscSide;
+        image.value = [&, j](int i) {
+            return static_cast<float>(disc(0, i) * spectra[0][static_cast<std::size_t>(j)] +
+                                      disc(1, i) * spectra[1][static_cast<std::size_t>(j)]);
+        };
+        sequence.add(image);
+    }
+    LogCapture log;
+    CORVSpumKyvo engine(sequence.id());
+    ASSERT_TRUE(engine.buildDatasetInfo());
+    engine.resetAnalysis(RUNMODE_AUTOMATIC);
+    engine.m_params.Constraints = {ComponentConstraint(), ComponentConstraint()};
+    const testsupport::CapturedOutput trace;
+    ASSERT_EQ(runEngine(engine), RunOutcome::Succeeded) << log.reports();
+    ASSERT_EQ(engine.m_concentrations.num_rows(), 2);
+    for (int i = 0; i < nDiscSide * nDiscSide; ++i) {
+        for (int k = 0; k < 2; ++k) {
+            EXPECT_EQ(engine.m_concentrations[k][i] > 50.0, disc(k, i) > 0.0) << "component " << k << ", pixel " << i;
+        }
+    }
+}
+
 } // namespace

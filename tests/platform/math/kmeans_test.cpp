@@ -327,6 +327,31 @@ TEST_F(KMeansTest, RowsThatAreNotFiniteTakeLabelZeroAndMoveNoCentre)
     EXPECT_EQ(expected, kept);
 }
 
+TEST_F(KMeansTest, RowsOfZerosTakeLabelZeroAndMoveNoCentre)
+{
+    const Matrix<double> clean = clouds(300, 4, 3, 0.05, 30);
+    const Labels expected = cluster(clean, 3);
+    Matrix<double> data(600, 4);
+    for (long long r = 0; r < 300; ++r) {
+        data[2 * r + 1][0] = -0.0;
+        std::copy_n(clean[r], 4, data[2 * r]);
+    }
+    const Labels labels = cluster(data, 3);
+    for (std::size_t r = 0; r < 300; ++r) {
+        ASSERT_EQ(labels[2 * r], expected[r]);
+        ASSERT_EQ(labels[2 * r + 1], 0);
+    }
+}
+
+// An empty background is the largest cloud of all, and would take a cluster for itself.
+TEST_F(KMeansTest, TwoSpotsOnBlackAreTwoClusters)
+{
+    const Labels labels = cluster(matrixOf({{0, 0}, {1, 0}, {0, 0}, {0, 1}, {0, 0}, {0, 2}, {2, 0}, {0, 0}}), 2);
+    EXPECT_EQ(labels[1], labels[6]);
+    EXPECT_EQ(labels[3], labels[5]);
+    EXPECT_NE(labels[1], labels[3]);
+}
+
 TEST_F(KMeansTest, AllRowsNotFiniteGiveZeros)
 {
     EXPECT_EQ(Labels(10, 0), cluster(Matrix<double>(10, 2, std::nan("")), 3));
@@ -420,7 +445,9 @@ RC_GTEST_PROP(KMeansLaws, EveryClusterHasARowWhileThereAreEnoughDistinctOnes, ()
     RC_ASSERT(static_cast<long long>(labels.size()) == count);
     RC_ASSERT(*std::min_element(labels.begin(), labels.end()) >= 0);
     RC_ASSERT(*std::max_element(labels.begin(), labels.end()) < k);
-    RC_ASSERT(used(labels).size() == std::min(distinct.size(), static_cast<std::size_t>(k)));
+    distinct.erase(std::vector<int>(static_cast<std::size_t>(columns), 0)); // takes no part
+    const std::size_t clusters = std::min(distinct.size(), static_cast<std::size_t>(k));
+    RC_ASSERT(used(labels).size() == std::max<std::size_t>(clusters, 1));
 }
 
 RC_GTEST_PROP(KMeansLaws, BoundedSweepsEqualPlainOnes, ())
