@@ -73,6 +73,7 @@ void CORVSpumKyvo::resetAnalysis(int nMode)
     m_bResultReady = false;
     m_nError = RUNERROR_NONE;
     m_runFacts = AutomaticRunFacts();
+    m_imageFindings = ImageFindings();
 }
 
 void CORVSpumKyvo::clearUnmixedImages()

@@ -6,6 +6,7 @@
 #include "engine/CImageCube.h"
 #include "engine/ComponentConstraint.h"
 #include "engine/EngineEnums.h"
+#include "engine/ImageFindings.h"
 #include "engine/ImageRecord.h"
 #include "engine/MCRParams.h"
 #include "engine/OwnResultView.h"
@@ -30,6 +31,7 @@
 
 #include <atomic>
 #include <climits>
+#include <functional>
 #include <vector>
 
 class CAutoProgressUpdate;
@@ -125,8 +127,10 @@ public:
     bool createImageList();
     // Chooses the binning (unless bAuto is false and there is one) and from it the size of the cube's images.
     bool setBinningAndSize(bool bAuto);
-    // Reads, calibrates and stores the selected images; returns at once while m_bCubeValid. Passes cancellation points.
-    bool buildImageCube();
+    // Reads, calibrates and stores the selected images, and looks at each as it passes: m_imageFindings. Returns at
+    // once while m_bCubeValid. `step`, when there is one, is called before each image with the share that is done, and
+    // may throw to stop. Passes cancellation points.
+    bool buildImageCube(const std::function<void(double dShare)>& step = {});
     // Turns the mask image of m_analysisInput into m_maskIndices at the analysis binning. False, told in the log, when
     // there is no such image or it does not fit; nothing is changed then.
     bool takeDataMask(MaskPixels eWhich = MaskPixels::FloatsAboveZero);
@@ -313,6 +317,8 @@ public:
     int m_nComponents = 0; // of m_concentrations, when maps are exported
     // What a run takes from the user besides the selection.
     AnalysisInput m_analysisInput;
+    // Of the images of the cube, as far as it was filled.
+    ImageFindings m_imageFindings;
     // Of the last automatic run that came to its iterations.
     AutomaticRunFacts m_runFacts;
 
@@ -350,7 +356,7 @@ private:
     QList<int> askForExportedMaps() const;
 
     // Steps of buildImageCube().
-    bool fillImageCube();
+    bool fillImageCube(const std::function<void(double dShare)>& step);
     bool bringToCubeSize(CILImage& image) const;
 
     // Steps of updateUnmixedImages().

@@ -88,13 +88,13 @@ bool CORVSpumKyvo::setBinningAndSize(bool bAuto)
     return true;
 }
 
-bool CORVSpumKyvo::buildImageCube()
+bool CORVSpumKyvo::buildImageCube(const std::function<void(double dShare)>& step)
 {
     if (m_bCubeValid) {
         return true;
     }
     try {
-        if (!createImageList() || !setBinningAndSize(m_bAutoBinning) || !fillImageCube()) {
+        if (!createImageList() || !setBinningAndSize(m_bAutoBinning) || !fillImageCube(step)) {
             m_cube.clear();
             return false;
         }
@@ -114,7 +114,7 @@ bool CORVSpumKyvo::buildImageCube()
     return true;
 }
 
-bool CORVSpumKyvo::fillImageCube()
+bool CORVSpumKyvo::fillImageCube(const std::function<void(double dShare)>& step)
 {
     const CORVSequenceDataset* pSequence = CORVSequenceDataset::getSequenceDataset(m_strSeqId);
     const int nImages = m_selectedKeyPairs.size();
@@ -122,10 +122,15 @@ bool CORVSpumKyvo::fillImageCube()
     // A refused mask shows later, as an empty matrix.
     m_cube.init(m_nWidth, m_nHeight, nSpots, nImages, m_maskIndices);
 
+    m_imageFindings = ImageFindings();
+    const ImageFindings::Frame frame{m_nWidth, m_nBinning, &m_maskIndices};
     std::vector<CILImage> waiting; // to be stored together
     bool bUnitFixed = false;       // once a unit was refused, all images are taken in the one below
     for (int k = 0; k < m_imageList.size();) {
         XTNT::cancellationPoint();
+        if (step) {
+            step(static_cast<double>(k) / m_imageList.size());
+        }
         CORVDataset* pDataset = pSequence->getDataset(m_imageList.at(k));
         CILImage image;
         ESTATUS eStatus = ESTATUS_FAILURE;
@@ -136,20 +141,26 @@ bool CORVSpumKyvo::fillImageCube()
             eStatus = pDataset->getCalibratedLuminImage(static_cast<tag_edisplayunit>(m_eUnit), &image, "SpumKyvo");
         }
         if (eStatus == ESTATUS_UNIT_UNAVAILABLE) {
-            const UnitStep step = nextUnit(m_eUnit);
-            if (step.possible) {
-                logLine(step.strMessage, CORVLOG_WARNING);
-                m_eUnit = step.unit;
+            const UnitStep fallback = nextUnit(m_eUnit);
+            if (fallback.possible) {
+                logLine(fallback.strMessage, CORVLOG_WARNING);
+                m_eUnit = fallback.unit;
                 bUnitFixed = true;
                 waiting.clear();
+                m_imageFindings = ImageFindings();
                 k = 0;
                 continue;
             }
         }
         if (eStatus != ESTATUS_SUCCESS) {
+            m_imageFindings.cannotBeRead(m_imageList.at(k));
             logLine("SpumKyvo: unable to getCalibratedLuminImage in buildImageCube()!", CORVLOG_WARNING);
             return false;
         }
+        if (!succeeded(image.ChangeType(ORVTYPE_FLOAT))) {
+            return false;
+        }
+        m_imageFindings.look(m_imageList.at(k), image, frame);
         if (!bringToCubeSize(image)) {
             return false;
         }
@@ -163,12 +174,12 @@ bool CORVSpumKyvo::fillImageCube()
     return true;
 }
 
-// Calibrated units are densities and keep their values when the binning changes; counts add up.
+// Of an image of floats. Calibrated units are densities and keep their values when the binning changes; counts add up.
 bool CORVSpumKyvo::bringToCubeSize(CILImage& image) const
 {
-    bool bOk = succeeded(image.ChangeType(ORVTYPE_FLOAT));
+    bool bOk = true;
     const int nBinning = static_cast<int>(image.m_fBinning);
-    if (bOk && nBinning != m_nBinning) {
+    if (nBinning != m_nBinning) {
         if (m_eUnit == DISPLAYUNIT_COUNTS) {
             CILImage binned;
             if (!succeeded(image.changeBinning(m_nBinning, binned))) {

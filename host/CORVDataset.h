@@ -9,6 +9,7 @@
 #include <QMap>
 #include <QSet>
 #include <QSharedPointer>
+#include <QSize>
 #include <QString>
 #include <QStringList>
 
@@ -72,7 +73,8 @@ public:
     void setCoreImage(tag_eimagetype eType, const CILImage& image);
     // From the click info, without reading pixels; 1 when it does not say, 0 when there is no such image.
     float getBinningForImage(tag_eimagetype eType);
-    // Size from the file's header; false when there is no such image or its header is broken.
+    // Size from the header, as it was when the dataset was opened; false when there is no such image or its header is
+    // broken.
     bool getImageSize(tag_eimagetype eType, long* pWidth, long* pHeight);
 
     // Fills *pOut with the main data image in that unit, as floats with its binning; what was read is not kept. With p
@@ -162,6 +164,7 @@ private:
 
     QString m_strFolder;
     CORVImageList m_images;
+    QMap<int, QSize> m_sizes; // of the images with files, by type, as their headers told when the dataset was opened
     QMap<int, QSharedPointer<CILImage>> m_coreImages;
     QSet<int> m_givenImages;                    // types of those that came from setCoreImage() and are not on disk
     std::unique_ptr<CROIManager> m_pROIManager; // made when it is asked for

@@ -139,6 +139,7 @@ void CORVDataset::reset()
     hasTransmissionImage = false;
     m_strFolder.clear();
     m_images.clear();
+    m_sizes.clear();
     m_coreImages.clear();
     m_givenImages.clear();
     if (m_pROIManager) {
@@ -244,6 +245,7 @@ ESTATUS CORVDataset::findImages(QString* pError, QStringList* pWarnings)
         QString reason;
         if (readHeader(m_strFolder + file, &header, &reason)) {
             m_images.add(CORVImageDetails(type, file, m_strFolder + file));
+            m_sizes.insert(type, QSize(static_cast<int>(header.width), static_cast<int>(header.height)));
         } else if (type == IMAGETYPE_LUMINESCENT || type == IMAGETYPE_MAIN_DATA) {
             tell(pError, reason);
             return ESTATUS_FILE_UNREADABLE;
@@ -387,6 +389,9 @@ bool CORVDataset::getImageSize(tag_eimagetype eType, long* pWidth, long* pHeight
     if (it != m_coreImages.constEnd()) {
         header.width = it.value()->m_lWidth;
         header.height = it.value()->m_lHeight;
+    } else if (m_sizes.contains(type)) {
+        header.width = m_sizes.value(type).width();
+        header.height = m_sizes.value(type).height();
     } else {
         QString reason;
         if (!readHeader(m_images.getImage(type)->path(), &header, &reason)) {

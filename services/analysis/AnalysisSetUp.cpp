@@ -5,7 +5,6 @@
 #include "engine/EngineEnums.h"
 #include "host/CORVLog.h"
 #include "host/CORVSequenceDataset.h"
-#include "services/analysis/ImageCheck.h"
 #include "services/analysis/MaskImage.h"
 #include "services/basis/Failure.h"
 #include "services/basis/JobMonitor.h"
@@ -26,6 +25,14 @@ QStringList imagesOf(const CORVSpumKyvo& engine)
 }
 
 } // namespace
+
+void refuseUnusableImages(const CORVSpumKyvo& engine)
+{
+    const ImageFindings& findings = engine.m_imageFindings;
+    if (!findings.refusal().isEmpty()) {
+        throw Failure(findings.refusal(), findings.isUnreadable() ? QStringLiteral("--verbose tells more") : QString());
+    }
+}
 
 AnalysisSetUp::AnalysisSetUp(const AnalysisRequest& request, JobMonitor& monitor)
     : m_request(request), m_monitor(monitor), m_opened(request.sequence)
@@ -132,19 +139,19 @@ void AnalysisSetUp::checkUnit()
                           .arg(UnitNames::options()[m_request.unit], UnitNames::options()[forecast.unit],
                                why.isEmpty() ? QString() : QStringLiteral(" (%1)").arg(why)));
     }
-    m_nUnit = forecast.unit;
 }
 
-void AnalysisSetUp::checkImages(double dFraction)
+void AnalysisSetUp::readImages(double dFraction)
 {
-    m_constantImages =
-        checkImagePixels(m_opened.sequence(), engine(), static_cast<tag_edisplayunit>(m_nUnit), [&](double fraction) {
-            m_monitor.stopIfRequested();
-            m_monitor.showProgress(QStringLiteral("Looking at the images"), dFraction * fraction);
-        });
+    // Where it fails without a word about an image, the run says why.
+    engine().buildImageCube([&](double dShare) {
+        m_monitor.stopIfRequested();
+        m_monitor.showProgress(QStringLiteral("Looking at the images"), dFraction * dShare);
+    });
+    refuseUnusableImages(engine());
 }
 
 bool AnalysisSetUp::allImagesConstant()
 {
-    return m_constantImages.size() == engine().m_imageList.size();
+    return constantImages().size() == engine().m_imageList.size();
 }

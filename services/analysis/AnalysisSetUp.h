@@ -5,10 +5,15 @@
 #include "services/basis/UnitLimit.h"
 #include "services/session/OpenedSequence.h"
 
+#include "engine/CORVSpumKyvo.h"
+
 #include <QString>
 #include <QStringList>
 
 class JobMonitor;
+
+// Throws a Failure with the reason when the images of the engine's cube turned out unfit for an analysis.
+void refuseUnusableImages(const CORVSpumKyvo& engine);
 
 // An opened sequence on its way to a run: the steps between the request and the start of the engine, each of which
 // throws Failure for what cannot be analysed. They are called in the order of their declaration.
@@ -34,11 +39,13 @@ public:
     // many.
     void takeMask(int nPixelsNeeded);
     void checkUnit();
-    // Looks at every pixel; shows progress up to `dFraction`.
-    void checkImages(double dFraction);
+    // Builds the cube and refuses images that cannot be analysed; shows progress up to `dFraction`. The run that
+    // follows finds the cube ready, so that each image is read once.
+    void readImages(double dFraction);
 
-    // After checkImages(): images of the selection whose analysed pixels are all the same, in the order of the cube.
-    const QStringList& constantImages() const { return m_constantImages; }
+    // After the cube was built: images of the selection whose analysed pixels are all the same, in the order of the
+    // cube.
+    const QStringList& constantImages() { return engine().m_imageFindings.constantImages(); }
     bool allImagesConstant();
 
 private:
@@ -46,6 +53,4 @@ private:
     JobMonitor& m_monitor;
     OpenedSequence m_opened;
     UnitLimit m_unitLimit;
-    int m_nUnit = -1;
-    QStringList m_constantImages;
 };

@@ -3,6 +3,7 @@
 
 #include "engine/CORVSpumKyvo.h"
 #include "platform/orvutils/LogSinks.h"
+#include "services/analysis/AnalysisSetUp.h"
 #include "services/analysis/ShownRun.h"
 #include "services/basis/Failure.h"
 
@@ -41,12 +42,14 @@ private:
 XTNT::Vector<double> runPca(CORVSpumKyvo& engine, JobMonitor& monitor)
 {
     engine.m_pcaResult = XTNT::Vector<double>();
+    engine.m_imageFindings = ImageFindings();
     engine.m_bRunPCA = true;
     const LastLogLine log;
     const RunOutcome outcome = runShown(engine, monitor, QStringLiteral("Analysing the images"), -1.0);
     if (outcome == RunOutcome::Aborted) {
         throw Failure(QStringLiteral("PCA aborted by user"), Failure::Kind::Aborted);
     }
+    refuseUnusableImages(engine);
     if (engine.hasError()) {
         throw Failure(engine.getErrorText());
     }

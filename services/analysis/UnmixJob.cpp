@@ -58,12 +58,14 @@ RunAnswer UnmixJob::run()
     // A fit of known spectra takes each pixel by itself; to resolve spectra takes as many as the wizard asks for.
     m_setUp.takeMask(isAutomatic() ? static_cast<int>(kMinMaskPixels) : 1);
     m_setUp.checkUnit();
-    m_setUp.checkImages(checkedFraction);
+    QElapsedTimer timer;
+    timer.start();
+    m_setUp.readImages(checkedFraction);
     if (isAutomatic()) {
         checkConstantImages();
     }
     takeIsotope();
-    fit();
+    fit(timer);
 
     ResultFiles files(m_setUp.engine(), m_numbers, staged.path());
     files.setReport(reportFrame(), m_request.pdf);
@@ -180,11 +182,9 @@ void UnmixJob::takeIsotope()
     input.halfLifeSeconds = CORVDatabase::getCherenkovRADHalflife(isotope);
 }
 
-void UnmixJob::fit()
+void UnmixJob::fit(const QElapsedTimer& timer)
 {
     auto& engine = m_setUp.engine();
-    QElapsedTimer timer;
-    timer.start();
     const RunOutcome outcome = isAutomatic()
                                    ? runShown(engine, m_monitor, QStringLiteral("Resolving the components"), notKnown)
                                    : runShown(engine, m_monitor, QStringLiteral("Fitting"), checkedFraction);

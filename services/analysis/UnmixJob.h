@@ -9,6 +9,7 @@
 #include <QString>
 
 class JobMonitor;
+class QElapsedTimer;
 
 // What an unmixing is asked for.
 struct UnmixRequest
@@ -40,7 +41,8 @@ private:
     void takeComponents();
     void checkConstantImages();
     void takeIsotope();
-    void fit();
+    // The time is counted from the reading of the images on.
+    void fit(const QElapsedTimer& timer);
     ReportFrame reportFrame();
     void showPictures();
     // The name it was saved under.

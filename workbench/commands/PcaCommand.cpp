@@ -64,7 +64,8 @@ void PcaCommand::run(const QCommandLineParser& parser, CliSession& session)
     setUp.takeMask(static_cast<int>(kMinMaskPixels));
     maskTakenPixels(setUp.engine());
     setUp.checkUnit();
-    setUp.checkImages(checkedFraction);
+    // The run builds a cube of its own in any case; what speaks against the images is told before it.
+    setUp.readImages(checkedFraction);
     checkConstantImages(setUp.constantImages());
 
     PcaFiles files(setUp.engine(), runPca(setUp.engine(), session));

@@ -81,11 +81,14 @@ TEST_F(PcaRunTest, AnOldResultIsNotTakenForANewOne)
     EXPECT_EQ(refusal(), "SpumKyvo: unable to get a valid photo mask!");
 }
 
-TEST_F(PcaRunTest, AnErrorOfTheEngineIsToldInItsWords)
+TEST_F(PcaRunTest, AnImageThatCannotBeReadIsNamed)
 {
     open();
     write("seq/" + m_sequence.click(1) + "/luminescent.TIF", "cut");
-    EXPECT_EQ(refusal(), "Invalid data mask or matrix!");
+    EXPECT_EQ(refusal(), "the image " + m_sequence.click(1) + " cannot be read; --verbose tells more");
+    // Of a run that looks at no image nothing is said of those before.
+    engine().m_analysisInput.maskImage = CILImage();
+    EXPECT_EQ(refusal(), "SpumKyvo: unable to get a valid photo mask!");
 }
 
 TEST_F(PcaRunTest, TheTableAndTheFilesTellTheExplainedVariance)

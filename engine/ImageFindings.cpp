@@ -1,0 +1,84 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "engine/ImageFindings.h"
+
+#include "host/CILImage.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+// Pixels that are not finite, in a float image.
+long long badPixels(const CILImage& image)
+{
+    const float* pixels = image.floats();
+    return std::count_if(pixels, pixels + image.pixelCount(), [](float v) { return !std::isfinite(v); });
+}
+
+// Why the image does not lie on the cube; empty when it does.
+QString misfit(const QString& strName, const CILImage& image, const ImageFindings::Frame& frame)
+{
+    if (image.m_lWidth != image.m_lHeight) {
+        return QStringLiteral("the image %1 is not square (%2 x %3)")
+            .arg(strName)
+            .arg(image.m_lWidth)
+            .arg(image.m_lHeight);
+    }
+    const int binning = static_cast<int>(image.m_fBinning);
+    const long long side = static_cast<long long>(image.m_lWidth) * binning / frame.binning;
+    if (side == frame.width) {
+        return QString();
+    }
+    return QStringLiteral(
+               "the image %1 (%2 pixels a side at binning %3) does not cover the area of the first image (%4 "
+               "a side at binning %5)")
+        .arg(strName)
+        .arg(image.m_lWidth)
+        .arg(binning)
+        .arg(frame.width)
+        .arg(frame.binning);
+}
+
+bool allEqual(const CILImage& image, const ImageFindings::Frame& frame)
+{
+    const float* pixels = image.floats();
+    if (frame.mask->empty() || image.m_lWidth != frame.width) {
+        return std::all_of(pixels, pixels + image.pixelCount(), [&](float v) { return v == pixels[0]; });
+    }
+    const std::vector<int>& mask = *frame.mask;
+    const auto nPixels = static_cast<long long>(image.pixelCount());
+    return std::all_of(mask.begin(), mask.end(),
+                       [&](int i) { return i < nPixels && pixels[i] == pixels[mask.front()]; });
+}
+
+} // namespace
+
+void ImageFindings::look(const QString& strName, const CILImage& image, const Frame& frame)
+{
+    if (m_strFirst.isEmpty()) {
+        m_strFirst = misfit(strName, image, frame);
+    }
+    const long long pixels = badPixels(image);
+    if (pixels > 0) {
+        m_notFinite.append(QStringLiteral("%1 (%2 pixels)").arg(strName).arg(pixels));
+    } else if (allEqual(image, frame)) {
+        m_constant.append(strName);
+    }
+}
+
+void ImageFindings::cannotBeRead(const QString& strName)
+{
+    if (m_strFirst.isEmpty()) {
+        m_strFirst = QStringLiteral("the image %1 cannot be read").arg(strName);
+        m_bUnreadable = true;
+    }
+}
+
+QString ImageFindings::refusal() const
+{
+    if (m_strFirst.isEmpty() && !m_notFinite.isEmpty()) {
+        return QStringLiteral("these images hold pixels that are NaN or infinite: %1")
+            .arg(m_notFinite.join(QStringLiteral(", ")));
+    }
+    return m_strFirst;
+}
