@@ -175,7 +175,10 @@ TEST_F(ResultPicturesTest, OnACommonScaleAllMapsHaveTheSameRange)
 class RangelessView : public OwnResultView
 {
 public:
-    using OwnResultView::OwnResultView;
+    explicit RangelessView(CORVSpumKyvo& engine)
+        : OwnResultView(engine.m_spectrumPlots, engine.m_analysisInput, [](CImageCube&) {})
+    {
+    }
     void getScaleRange(double* pLower, double* pUpper) const override
     {
         m_dLowerGiven = *pLower;

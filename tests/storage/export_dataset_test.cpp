@@ -13,7 +13,10 @@ namespace {
 class ClosingView : public OwnResultView
 {
 public:
-    explicit ClosingView(CORVSpumKyvo& engine) : OwnResultView(engine) {}
+    explicit ClosingView(CORVSpumKyvo& engine)
+        : OwnResultView(engine.m_spectrumPlots, engine.m_analysisInput, [](CImageCube&) {})
+    {
+    }
     void closeImageWindow(const QString& strClickNumber) override { m_closed.append(strClickNumber); }
     QStringList m_closed;
 };

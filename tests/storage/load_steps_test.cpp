@@ -10,7 +10,10 @@ namespace {
 class RecordingView : public OwnResultView
 {
 public:
-    explicit RecordingView(CORVSpumKyvo& engine) : OwnResultView(engine), m_engine(engine) {}
+    explicit RecordingView(CORVSpumKyvo& engine)
+        : OwnResultView(engine.m_spectrumPlots, engine.m_analysisInput, [](CImageCube&) {}), m_engine(engine)
+    {
+    }
     ~RecordingView() override { qDeleteAll(m_own); }
 
     bool setImageCube(const QList<KeyPair>& xValues, int nSpectrumType, CImageCube& cube) override
