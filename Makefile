@@ -30,10 +30,12 @@ test: build
 bench: build
 	@scripts/bench.sh $(BUILD)/bench
 
+# By both compilers: what one of them happens to forgive, the other may not.
 sanitize: deps
-	@cmake --preset asan --log-level=WARNING
-	@cmake --build build/asan -j$(JOBS)
-	@scripts/run-sanitized.sh build/asan
+	@for preset in asan asan-clang; do \
+	  cmake --preset $$preset --log-level=WARNING && cmake --build build/$$preset -j$(JOBS) && \
+	  scripts/run-sanitized.sh build/$$preset || exit 1; \
+	done
 
 tsan: deps
 	@cmake --preset tsan --log-level=WARNING

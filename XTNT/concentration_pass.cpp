@@ -53,15 +53,15 @@ void applyOperator(const double* __restrict op, const double* __restrict c, long
             y0 += c[i] * lanesAt(column);
             y1 += c[i] * lanesAt(column + lanes);
         }
-        lanesAt(y + first) = y0;
-        lanesAt(y + first + lanes) = y1;
+        putLanes(y + first, y0);
+        putLanes(y + first + lanes, y1);
     }
     if (first < stride) {
         Lanes y0{};
         for (long long i = 0; i < n; ++i) {
             y0 += c[i] * lanesAt(op + i * stride + first);
         }
-        lanesAt(y + first) = y0;
+        putLanes(y + first, y0);
     }
 }
 

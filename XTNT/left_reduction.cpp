@@ -60,13 +60,13 @@ struct Sums
     }
     void store(double* to, long long stride) const
     {
-        lanesAt(to) = low;
-        lanesAt(to + lanes) = high;
+        putLanes(to, low);
+        putLanes(to + lanes, high);
         others.store(to + stride, stride);
     }
     void storeNarrow(double* to, long long stride) const
     {
-        lanesAt(to) = low;
+        putLanes(to, low);
         others.storeNarrow(to + stride, stride);
     }
 };

@@ -42,14 +42,14 @@ inline void sumWideStrip(const double* const* rows, long long n, const double* _
         add(d0, r3[i], p0);
         add(d1, r3[i], p1);
     }
-    lanesAt(results) = a0;
-    lanesAt(results + lanes) = a1;
-    lanesAt(results + stride) = b0;
-    lanesAt(results + stride + lanes) = b1;
-    lanesAt(results + 2 * stride) = c0;
-    lanesAt(results + 2 * stride + lanes) = c1;
-    lanesAt(results + 3 * stride) = d0;
-    lanesAt(results + 3 * stride + lanes) = d1;
+    putLanes(results, a0);
+    putLanes(results + lanes, a1);
+    putLanes(results + stride, b0);
+    putLanes(results + stride + lanes, b1);
+    putLanes(results + 2 * stride, c0);
+    putLanes(results + 2 * stride + lanes, c1);
+    putLanes(results + 3 * stride, d0);
+    putLanes(results + 3 * stride + lanes, d1);
 }
 
 template <class Add>
@@ -68,10 +68,10 @@ inline void sumNarrowStrip(const double* const* rows, long long n, const double*
         add(c, r2[i], p);
         add(d, r3[i], p);
     }
-    lanesAt(results) = a;
-    lanesAt(results + stride) = b;
-    lanesAt(results + 2 * stride) = c;
-    lanesAt(results + 3 * stride) = d;
+    putLanes(results, a);
+    putLanes(results + stride, b);
+    putLanes(results + 2 * stride, c);
+    putLanes(results + 3 * stride, d);
 }
 
 } // namespace detail

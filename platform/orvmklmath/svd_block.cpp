@@ -62,7 +62,7 @@ void passRun(const PassRows& rows, const double* __restrict update, double* __re
             const double reflected = pivot[-1];
             for (int v = 0; v < width; ++v) {
                 values[v] = lanesAt(row + v * lanes) - reflected * taken[v];
-                lanesAt(row + v * lanes) = values[v];
+                putLanes(row + v * lanes, values[v]);
             }
         } else {
             for (int v = 0; v < width; ++v) {
@@ -87,7 +87,7 @@ void passRun(const PassRows& rows, const double* __restrict update, double* __re
         for (int set = 1; set < sets; ++set) {
             total[0][v] += total[set][v];
         }
-        lanesAt(sums + v * lanes) += total[0][v];
+        putLanes(sums + v * lanes, lanesAt(sums + v * lanes) + total[0][v]);
     }
 }
 
