@@ -6,9 +6,6 @@ find_package(OpenGL REQUIRED COMPONENTS OpenGL)
 find_package(Eigen3 3.4 REQUIRED NO_MODULE)
 find_package(TIFF REQUIRED)
 find_package(Threads REQUIRED)
-if(ORV_PARALLEL STREQUAL "tbb")
-  find_package(TBB REQUIRED)
-endif()
 
 # Debian's core and imgproc packages bring no CMake configuration of their own.
 find_path(OPENCV_INCLUDE_DIR opencv2/core.hpp PATH_SUFFIXES opencv4 REQUIRED)

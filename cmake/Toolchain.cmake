@@ -24,7 +24,7 @@ if(ORV_SANITIZE)
   add_link_options(-fsanitize=${ORV_SANITIZE})
 endif()
 
-# oneTBB's headers use the word "emit"; Qt's keywords are spelled Q_SIGNALS, Q_SLOTS, Q_EMIT throughout.
+# Qt's keywords are words that other libraries use as names; they are spelled Q_SIGNALS, Q_SLOTS, Q_EMIT throughout.
 add_compile_definitions(QT_NO_KEYWORDS QT_DEPRECATED_WARNINGS QT_DISABLE_DEPRECATED_BEFORE=0x050F00)
 
 # Reports name files relative to the root (XTNT/xtnt_matrix.h), whichever way the header was reached.

@@ -1,28 +1,22 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The parallel helper of XTNT/xtnt_parallel.h: oneTBB in a product build, std::thread where the thread sanitizer has to
-// see every hand-over (ORV_PARALLEL_STD_THREAD).
+// The parallel helper of XTNT/xtnt_parallel.h. Its threads are our own: what runs a pass must go on with fewer threads
+// where the system gives no more, end with the process whatever they do, and show every hand-over to the thread
+// sanitizer.
 #include "XTNT/xtnt_assert.h"
 #include "XTNT/xtnt_parallel.h"
-
-#ifdef ORV_PARALLEL_STD_THREAD
-#include <system_error>
-#include <thread>
-#include <vector>
-#else
-#include <oneapi/tbb/blocked_range.h>
-#include <oneapi/tbb/global_control.h>
-#include <oneapi/tbb/parallel_for.h>
-#include <oneapi/tbb/partitioner.h>
-#include <oneapi/tbb/task_arena.h>
-#endif
 
 #include <algorithm>
 #include <atomic>
 #include <chrono>
-#include <memory>
+#include <condition_variable>
+#include <mutex>
+#include <new>
+#include <system_error>
+#include <thread>
 
 #include <pthread.h>
 #include <sched.h>
+#include <unistd.h>
 
 #if defined(__SANITIZE_ADDRESS__)
 #define ORV_ADDRESS_SANITIZER
@@ -112,69 +106,117 @@ private:
     const long long m_last;
 };
 
-#ifdef ORV_PARALLEL_STD_THREAD
-
+// Helpers that wait for slices. They are made when they are first needed; what the system refuses is not asked for
+// again, and whoever is there, at least the caller, does the work.
 class Workers
 {
 public:
     explicit Workers(int threads) : m_threads(threads) {}
-    int threads() const { return m_threads; }
+    ~Workers();
+    Workers(const Workers&) = delete;
+    Workers& operator=(const Workers&) = delete;
 
-    void run(Slice& slice, int threads)
-    {
-        std::vector<std::thread> helpers;
-        try {
-            for (int i = 1; i < threads; ++i) {
-                helpers.emplace_back([&slice] { slice.drain(); });
-            }
-        } catch (const std::system_error&) {
-            // No further thread to be had: those that run, at least this one, do the work.
+    int threads() const { return m_threads; }
+    // Runs the slice on up to `threads` threads, the caller's among them.
+    void run(Slice& slice, int threads);
+    // Whether the helpers exist: those of a process do not follow into its forked child.
+    bool isAlive() const { return m_process == ::getpid(); }
+
+private:
+    void makeHelpers();
+    void help();
+
+    const int m_threads;
+    const pid_t m_process = ::getpid();
+    std::mutex m_mutex;
+    std::condition_variable m_wake;
+    std::condition_variable m_left;
+    int m_helpers = 0;   // that live
+    bool m_made = false; // as many as there will be
+    bool m_ending = false;
+    Slice* m_pSlice = nullptr;
+    int m_places = 0; // helpers that may still join the slice
+    int m_inside = 0; // helpers that have
+};
+
+Workers::~Workers()
+{
+    std::unique_lock<std::mutex> lock(m_mutex);
+    m_ending = true;
+    m_wake.notify_all();
+    m_left.wait(lock, [this] { return m_helpers == 0; });
+}
+
+void Workers::makeHelpers()
+{
+    m_made = true;
+    try {
+        while (m_helpers + 1 < m_threads) {
+            std::thread([this] { help(); }).detach();
+            ++m_helpers;
         }
+    } catch (const std::system_error&) {
+        // No further thread to be had.
+    } catch (const std::bad_alloc&) {
+        // No memory for one.
+    }
+}
+
+void Workers::run(Slice& slice, int threads)
+{
+    std::unique_lock<std::mutex> lock(m_mutex);
+    if (!m_made) {
+        makeHelpers();
+    }
+    // Of two passes at once the second has its own thread.
+    const bool mine = m_pSlice == nullptr && m_helpers > 0;
+    if (mine) {
+        m_pSlice = &slice;
+        m_places = std::min(threads - 1, m_helpers);
+        for (int i = 0; i < m_places; ++i) {
+            m_wake.notify_one();
+        }
+    }
+    lock.unlock();
+    slice.drain();
+    if (mine) {
+        lock.lock();
+        m_places = 0;
+        m_left.wait(lock, [this] { return m_inside == 0; });
+        m_pSlice = nullptr;
+    }
+}
+
+void Workers::help()
+{
+    std::unique_lock<std::mutex> lock(m_mutex);
+    for (;;) {
+        m_wake.wait(lock, [this] { return m_ending || m_places > 0; });
+        if (m_ending) {
+            break;
+        }
+        --m_places;
+        ++m_inside;
+        Slice& slice = *m_pSlice;
+        lock.unlock();
         slice.drain();
-        for (std::thread& helper : helpers) {
-            helper.join();
-        }
+        lock.lock();
+        --m_inside;
+        m_left.notify_all();
     }
+    --m_helpers;
+    // Under the lock: the last thing that this thread does with the object.
+    m_left.notify_all();
+}
 
-private:
-    int m_threads;
-};
-
-#else
-
-class Workers
+// Never destroyed: the end of a process waits for nobody.
+Workers*& workersSlot()
 {
-public:
-    // The library starts no more workers than processors unless it is told so.
-    explicit Workers(int threads)
-        : m_threads(threads), m_limit(tbb::global_control::max_allowed_parallelism,
-                                      static_cast<std::size_t>(std::max(threads, defaultThreadCount()))),
-          m_arena(threads)
-    {
+    static Workers* s_pWorkers = new Workers(defaultThreadCount());
+    if (!s_pWorkers->isAlive()) {
+        s_pWorkers = new Workers(s_pWorkers->threads());
     }
-    int threads() const { return m_threads; }
-
-    void run(Slice& slice, int threads)
-    {
-        m_arena.execute([&slice, threads] {
-            tbb::parallel_for(
-                tbb::blocked_range<int>(0, threads, 1), [&slice](const tbb::blocked_range<int>&) { slice.drain(); },
-                tbb::simple_partitioner());
-        });
-    }
-
-private:
-    int m_threads;
-    tbb::global_control m_limit;
-    tbb::task_arena m_arena;
-};
-
-#endif
-
-std::unique_ptr<Workers>& workersSlot()
-{
-    static std::unique_ptr<Workers> slot = std::make_unique<Workers>(defaultThreadCount());
-    return slot;
+    return s_pWorkers;
 }
 
 // Number of chunks of the next slice, from the time that the last one took.
@@ -235,7 +277,8 @@ void setThreadCount(int n)
     XTNT_ASSERT(!insideBody);
     const int threads = n < 1 ? defaultThreadCount() : n;
     if (threads != threadCount()) {
-        workersSlot() = std::make_unique<Workers>(threads);
+        delete workersSlot();
+        workersSlot() = new Workers(threads);
     }
 }
 

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "XTNT/xtnt_parallel.h"
 
+#include "faults/faults.h"
+#include "support/ForkedChild.h"
+
 #include <QThread>
 
 #include <gtest/gtest.h>
@@ -8,9 +11,11 @@
 #include <atomic>
 #include <chrono>
 #include <cmath>
+#include <cstdlib>
 #include <functional>
 #include <mutex>
 #include <set>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -246,6 +251,72 @@ TEST_F(ParallelTest, TerminatedQThreadWithTerminationDisabledEndsAtACancellation
     worker.terminate();
     EXPECT_TRUE(worker.wait(60000));
     EXPECT_FALSE(worker.isRunning());
+}
+
+TEST_F(ParallelTest, WhereTheSystemGivesNoThreadsTheCallerDoesTheWork)
+{
+    for (const char* rules : {"thread@1+=EAGAIN", "thread@2+=EAGAIN"}) {
+        EXPECT_EQ(inForkedChild([rules] {
+                      armFaults(rules, nullptr, nullptr);
+                      setThreadCount(5);
+                      std::atomic<long long> sum{0};
+                      parallelChunks(1000, 1, [&sum](long long begin, long long) { sum += begin; });
+                      return sum == 499500 && threadCount() == 5 ? 0 : 1;
+                  }),
+                  0)
+            << rules;
+    }
+}
+
+TEST_F(ParallelTest, AProcessEndsWhateverItsHelpersDo)
+{
+    EXPECT_EQ(inForkedChild([] {
+                  ::alarm(60);
+                  setThreadCount(4);
+                  std::atomic<bool> started{false};
+                  std::thread([&started] {
+                      parallelChunks(100000, 1, [&started](long long, long long) {
+                          started = true;
+                          spin(std::chrono::microseconds(200));
+                      });
+                  }).detach();
+                  while (!started) {
+                      spin(std::chrono::microseconds(50));
+                  }
+                  std::exit(7);
+                  return 0;
+              }),
+              7);
+}
+
+TEST_F(ParallelTest, AForkedChildHasHelpersOfItsOwn)
+{
+    setThreadCount(3);
+    parallelChunks(10, 1, [](long long, long long) {});
+    EXPECT_EQ(inForkedChild([] {
+                  ::alarm(60);
+                  std::atomic<int> done{0};
+                  parallelChunks(1000, 1, [&done](long long, long long) { ++done; });
+                  setThreadCount(2);
+                  parallelChunks(1000, 1, [&done](long long, long long) { ++done; });
+                  return done == 2000 ? 0 : 1;
+              }),
+              0);
+}
+
+TEST_F(ParallelTest, TwoPassesAtOnceBothEnd)
+{
+    setThreadCount(3);
+    std::atomic<long long> done{0};
+    const auto pass = [&done] {
+        for (int i = 0; i < 50; ++i) {
+            parallelChunks(200, 1, [&done](long long, long long) { ++done; });
+        }
+    };
+    std::thread other(pass);
+    pass();
+    other.join();
+    EXPECT_EQ(done, 2 * 50 * 200);
 }
 
 TEST_F(ParallelTest, ThreadThatWasNotCancelledPassesACancellationPointUnchanged)
