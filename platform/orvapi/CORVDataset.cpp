@@ -15,6 +15,7 @@
 #include <QDateTime>
 #include <QDir>
 #include <QFileInfo>
+#include <QLocale>
 
 #include <algorithm>
 
@@ -78,7 +79,7 @@ QString newClickNumber()
     do {
         s_nLast = std::max(s_nLast + 1, QDateTime::currentMSecsSinceEpoch());
         const QDateTime time = QDateTime::fromMSecsSinceEpoch(s_nLast, Qt::UTC);
-        number = QLatin1String("MADE") + time.toString(QStringLiteral("yyyyMMddHHmmsszzz"));
+        number = QLatin1String("MADE") + QLocale::c().toString(time, QStringLiteral("yyyyMMddHHmmsszzz"));
     } while (CORVDataset::getDataset(number) != nullptr);
     return number;
 }

@@ -19,6 +19,7 @@
 
 #include <QDateTime>
 #include <QElapsedTimer>
+#include <QLocale>
 
 namespace {
 
@@ -115,7 +116,7 @@ ReportFrame UnmixJob::reportFrame()
         frame.warnings.append(QStringLiteral("Maximum iteration number is reached!"));
     }
     frame.command = m_request.command;
-    frame.made = QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd hh:mm"));
+    frame.made = QLocale::c().toString(QDateTime::currentDateTime(), QStringLiteral("yyyy-MM-dd hh:mm"));
     return frame;
 }
 

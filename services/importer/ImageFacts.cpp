@@ -4,6 +4,7 @@
 #include "platform/orvapi/UnitTexts.h"
 
 #include <QDateTime>
+#include <QLocale>
 
 #include <cmath>
 
@@ -23,7 +24,7 @@ QString ImageFacts::instant(const QString& strText)
     if (instant.timeSpec() == Qt::LocalTime) {
         instant.setTimeSpec(Qt::UTC);
     }
-    return instant.toUTC().toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss.zzz"));
+    return QLocale::c().toString(instant.toUTC(), QStringLiteral("yyyy-MM-ddTHH:mm:ss.zzz"));
 }
 
 QString ImageFacts::unitName(const QString& strText)

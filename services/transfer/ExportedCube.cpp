@@ -171,8 +171,8 @@ void ExportedCube::describe(CORVDataset& dataset)
         image.exposure = seconds;
     }
     if (dataset.getExposureStart(&seconds)) {
-        image.start = QDateTime::fromMSecsSinceEpoch(std::llround(seconds * 1000.0), Qt::UTC)
-                          .toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss.zzz"));
+        image.start = QLocale::c().toString(QDateTime::fromMSecsSinceEpoch(std::llround(seconds * 1000.0), Qt::UTC),
+                                            QStringLiteral("yyyy-MM-ddTHH:mm:ss.zzz"));
     }
     const QString isotope = clickText(dataset.clickInfo, ClickKeys::kLuminescentImage, ClickKeys::kIsotope);
     m_strIsotope = m_images.isEmpty() || m_strIsotope == isotope ? isotope : QString();

@@ -10,6 +10,8 @@
 #include "workbench/simulator/SimulationOptions.h"
 #include "workbench/simulator/SpectralCurve.h"
 
+#include <QLocale>
+
 #include <algorithm>
 #include <optional>
 
@@ -119,8 +121,8 @@ CPLSection luminescentSection(const SimulationOptions& options, const Band& band
     set(section, kBinning, QString::number(binning));
     set(section, kFNumber, CameraFigures::kFNumber);
     set(section, kReadBiasLevel, options.noise ? options.offset : 0.0);
-    set(section, kAcquisitionDate, band.start.toString(QStringLiteral("yyyy-MM-dd")));
-    set(section, kAcquisitionTime, band.start.toString(QStringLiteral("HH:mm:ss.zzz")));
+    set(section, kAcquisitionDate, QLocale::c().toString(band.start, QStringLiteral("yyyy-MM-dd")));
+    set(section, kAcquisitionTime, QLocale::c().toString(band.start, QStringLiteral("HH:mm:ss.zzz")));
     set(section, kProbe, strProbes);
     set(section, kSubjectType, options.subject);
     if (isFluorescent(options.kind)) {

@@ -23,6 +23,7 @@ protected:
 
     ProgramResult spum(const QStringList& arguments) const { return m_pSpum->run(arguments); }
     const SpumProgram& program() const { return *m_pSpum; }
+    SpumProgram& program() { return *m_pSpum; }
     // As SpumProgram::setFaults, with names in the folder of the test.
     void setFaults(const QString& rules, const QString& below = QStringLiteral("."), const QString& log = {})
     {

@@ -71,10 +71,16 @@ void SpumProgram::prepare(QProcess& process, const QStringList& arguments) const
         }
     }
     environment.insert(m_faults);
+    environment.insert(m_variables);
     process.setProcessEnvironment(environment);
     process.setWorkingDirectory(m_strFolder);
     process.setProgram(path());
     process.setArguments(arguments);
+    if (m_nMegabytes > 0) {
+        const QString limited = QStringLiteral("ulimit -v %1; exec \"$0\" \"$@\"").arg(m_nMegabytes * 1024);
+        process.setProgram(QStringLiteral("/bin/sh"));
+        process.setArguments(QStringList{QStringLiteral("-c"), limited, path()} + arguments);
+    }
     process.setStandardInputFile(QProcess::nullDevice());
 }
 

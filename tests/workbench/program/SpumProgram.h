@@ -33,6 +33,11 @@ public:
     // for none). Empty rules and an empty log take it away again.
     void setFaults(const QString& strRules, const QString& strBelow, const QString& strLog = {});
 
+    // From here on the program also finds this variable.
+    void setVariable(const QString& strName, const QString& strValue) { m_variables.insert(strName, strValue); }
+    // From here on the program may have that much address space; 0 for any.
+    void setMemoryLimit(int nMegabytes) { m_nMegabytes = nMegabytes; }
+
     ProgramResult run(const QStringList& arguments) const;
     // Runs it, and once a name beginning with "." appears in `strWatched`, waits and interrupts it.
     ProgramResult runAndInterrupt(const QStringList& arguments, const QString& strWatched, int nMilliseconds,
@@ -47,4 +52,6 @@ private:
     QString m_strHome;
     QString m_strFolder;
     QProcessEnvironment m_faults;
+    QProcessEnvironment m_variables;
+    int m_nMegabytes = 0;
 };
