@@ -17,4 +17,15 @@ bool writeFileAtomically(const QString& strPath, const QByteArray& bytes, QStrin
     return false;
 }
 
+bool writeNewFileAtomically(const QString& strPath, const QByteArray& bytes, bool* pExisted, QString* pError)
+{
+    TemporaryTarget target(strPath);
+    const bool written = target.isValid() && target.write(bytes) && target.commitNew();
+    *pExisted = target.targetExists();
+    if (!written && pError != nullptr) {
+        *pError = target.error();
+    }
+    return written;
+}
+
 } // namespace orv

@@ -12,4 +12,8 @@ namespace orv {
 // receives one sentence with the file and the reason.
 bool writeFileAtomically(const QString& strPath, const QByteArray& bytes, QString* pError = nullptr);
 
+// The same for a file that may not be there yet, even where two programs write it at once: one of them gets false and
+// true in *pExisted.
+bool writeNewFileAtomically(const QString& strPath, const QByteArray& bytes, bool* pExisted, QString* pError = nullptr);
+
 } // namespace orv

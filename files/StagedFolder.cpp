@@ -291,10 +291,10 @@ bool StagedFolder::renameFolders(bool bReplace, QString* pError)
     bool moved = !bReplace || rename(m_strTarget, old);
     const bool aside = bReplace && moved;
     moved = moved && rename(fresh, m_strTarget);
-    const QString reason = qt_error_string(errno);
     if (moved && orv::syncFolder(QFile::encodeName(QFileInfo(m_strTarget).path()))) {
         return true;
     }
+    const QString reason = qt_error_string(errno);
     if ((moved && !rename(m_strTarget, fresh)) || (aside && !rename(old, m_strTarget))) {
         const QString left = aside ? QStringLiteral("; the former folder is in %1").arg(old) : QString();
         fail(QStringLiteral("%1 cannot be put in place: %2%3").arg(m_strTarget, reason, left), pError);

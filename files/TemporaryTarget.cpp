@@ -142,6 +142,16 @@ bool TemporaryTarget::write(const QByteArray& bytes)
 
 bool TemporaryTarget::commit()
 {
+    return syncAndPlace(&TemporaryTarget::putInPlace);
+}
+
+bool TemporaryTarget::commitNew()
+{
+    return syncAndPlace(&TemporaryTarget::putInFreePlace);
+}
+
+bool TemporaryTarget::syncAndPlace(bool (TemporaryTarget::*place)())
+{
     if (!isValid()) {
         return false;
     }
@@ -149,7 +159,7 @@ bool TemporaryTarget::commit()
     if (::stat(QFile::encodeName(m_strTarget).constData(), &earlier) == 0) {
         ::fchmod(m_nFile, earlier.st_mode & 07777);
     }
-    if (!syncFile(m_nFile) || !putInPlace()) {
+    if (!syncFile(m_nFile) || !(this->*place)()) {
         return fail(qt_error_string(errno));
     }
     discard();
@@ -180,6 +190,24 @@ bool TemporaryTarget::putInPlace()
     } else if (first) {
         ::unlink(to.constData());
     }
+    errno = reason;
+    return false;
+}
+
+// False with errno.
+bool TemporaryTarget::putInFreePlace()
+{
+    const QByteArray to = QFile::encodeName(m_strTarget);
+    if (!renameToFree(QFile::encodeName(m_strPath), to)) {
+        m_bTargetExists = errno == EEXIST;
+        return false;
+    }
+    m_strPath.clear();
+    if (syncFolder(QFile::encodeName(QFileInfo(m_strTarget).path()))) {
+        return true;
+    }
+    const int reason = errno;
+    ::unlink(to.constData());
     errno = reason;
     return false;
 }

@@ -30,16 +30,22 @@ public:
     // the name is on the disk too when this returns. Call it once any other writer has closed the file. False on
     // failure, a disk that refuses the bytes among them: the temporary file is removed, the target is what it was.
     bool commit();
+    // The same for a target that may not exist yet: where it does by now, it stays, and targetExists() is true.
+    bool commitNew();
+    bool targetExists() const { return m_bTargetExists; }
 
 private:
+    bool syncAndPlace(bool (TemporaryTarget::*place)());
     bool create(const QString& strName);
     bool putInPlace();
+    bool putInFreePlace();
     bool fail(const QString& strReason);
     void discard();
 
     QString m_strTarget;
     QString m_strPath;
     QString m_strError;
+    bool m_bTargetExists = false;
     int m_nFile = -1; // holds the lock that tells others that this process lives
 };
 

@@ -157,6 +157,30 @@ private:
     bool m_bHeaderSeen = false;
 };
 
+bool canBeSaved(const QList<SpectrumPlotParams*>& spectra)
+{
+    return !spectra.isEmpty() && std::all_of(spectra.cbegin(), spectra.cend(), [&spectra](const auto* s) {
+        return s->points.size() >= spectra.first()->points.size();
+    });
+}
+
+QByteArray libraryText(const QList<SpectrumPlotParams*>& spectra, const QString& note)
+{
+    QByteArray bytes;
+    QTextStream stream(&bytes, QIODevice::WriteOnly);
+    stream.setCodec("UTF-8");
+    writeLibrary(stream, spectra, note);
+    stream.flush();
+    return bytes;
+}
+
+bool failToSave(const QString& reason)
+{
+    logFailure(reason);
+    logFailure(QStringLiteral("SpumKyvo: Unable to open the spum database file to save."));
+    return false;
+}
+
 } // namespace
 
 SpumKyvoDatabase::SpumKyvoDatabase() : m_strFileName(QStringLiteral("Spum.orz")) {}
@@ -183,27 +207,23 @@ QStringList SpumKyvoDatabase::listLibraries() const
 
 bool SpumKyvoDatabase::saveLibrary(const QString& path, QList<SpectrumPlotParams*>& spectra, const QString& note) const
 {
-    if (spectra.isEmpty()) {
+    if (!canBeSaved(spectra)) {
         return false;
     }
-    const int bands = spectra.first()->points.size();
-    const bool bShort = std::any_of(spectra.cbegin(), spectra.cend(),
-                                    [bands](const SpectrumPlotParams* s) { return s->points.size() < bands; });
-    if (bShort) {
-        return false;
-    }
-    QByteArray bytes;
-    QTextStream stream(&bytes, QIODevice::WriteOnly);
-    stream.setCodec("UTF-8");
-    writeLibrary(stream, spectra, note);
-    stream.flush();
     QString error;
-    if (orv::writeFileAtomically(path, bytes, &error)) {
-        return true;
+    return orv::writeFileAtomically(path, libraryText(spectra, note), &error) || failToSave(error);
+}
+
+bool SpumKyvoDatabase::saveNewLibrary(const QString& path, QList<SpectrumPlotParams*>& spectra, const QString& note,
+                                      bool* pExisted) const
+{
+    *pExisted = false;
+    if (!canBeSaved(spectra)) {
+        return false;
     }
-    logFailure(error);
-    logFailure(QStringLiteral("SpumKyvo: Unable to open the spum database file to save."));
-    return false;
+    QString error;
+    return orv::writeNewFileAtomically(path, libraryText(spectra, note), pExisted, &error) ||
+           (!*pExisted && failToSave(error));
 }
 
 bool SpumKyvoDatabase::loadLibrary(const QString& name, QList<SpectrumPlotParams*>& spectra, QString& note) const

@@ -34,6 +34,11 @@ public:
     // with a log line when the file cannot be written.
     bool saveLibrary(const QString& path, QList<SpectrumPlotParams*>& spectra, const QString& note) const;
 
+    // The same for a file that may not be there yet, even where another program writes it at the same moment: then
+    // false, without a log line, and true in *pExisted.
+    bool saveNewLibrary(const QString& path, QList<SpectrumPlotParams*>& spectra, const QString& note,
+                        bool* pExisted) const;
+
     // Reads the library `name` (without folder and extension); an empty name gives false. As loadLibraryFile.
     bool loadLibrary(const QString& name, QList<SpectrumPlotParams*>& spectra, QString& note) const;
 

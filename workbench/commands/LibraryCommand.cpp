@@ -26,6 +26,11 @@ QJsonArray jsonPoints(const SpectrumPlotParams& spectrum)
     return points;
 }
 
+[[noreturn]] void refuseExisting(const QString& strName)
+{
+    throw Failure(QStringLiteral("the library %1 exists already").arg(strName), QStringLiteral("--force replaces it"));
+}
+
 // The file of a library that is to be saved; the folder is made.
 QString pathToSave(const QString& strName, bool bForce)
 {
@@ -39,8 +44,7 @@ QString pathToSave(const QString& strName, bool bForce)
     }
     const QString path = folder + strName + QStringLiteral(".csv");
     if (QFileInfo::exists(path) && !bForce) {
-        throw Failure(QStringLiteral("the library %1 exists already").arg(strName),
-                      QStringLiteral("--force replaces it"));
+        refuseExisting(strName);
     }
     return path;
 }
@@ -149,14 +153,20 @@ void LibraryCommand::save(const QCommandLineParser& parser, const QString& strNa
     }
 
     session.stopIfRequested();
-    const QString path = pathToSave(strName, parser.isSet(QStringLiteral("force")));
+    const bool force = parser.isSet(QStringLiteral("force"));
+    const QString path = pathToSave(strName, force);
     const QString note = parser.isSet(QStringLiteral("note")) ? parser.value(QStringLiteral("note")) : made.note();
     if (note.contains(QLatin1Char(','))) {
         session.warn(QStringLiteral("the file's form ends a note at its first comma"));
     }
     QList<SpectrumPlotParams*> spectra = made.spectra();
     SpumKyvoDatabase database;
-    if (!database.saveLibrary(path, spectra, note)) {
+    // Another program may have saved one of that name meanwhile.
+    bool existed = false;
+    if (force ? !database.saveLibrary(path, spectra, note) : !database.saveNewLibrary(path, spectra, note, &existed)) {
+        if (existed) {
+            refuseExisting(strName);
+        }
         throw Failure(QStringLiteral("%1 cannot be written").arg(path));
     }
     session.answer(QStringLiteral("saved %1 spectra of %2 points as %3 (%4)\n")
