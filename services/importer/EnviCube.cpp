@@ -3,6 +3,7 @@
 
 #include "platform/orvutils/InputFile.h"
 
+#include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -146,7 +147,20 @@ bool EnviCube::open(const QString& strPath, QString* pError)
                         .arg(data.size())
                         .arg(m_header.requiredBytes()));
     }
-    return true;
+    return m_header.dataDigest.isEmpty() || checkData(data, pError);
+}
+
+// An export that was ended half way leaves data of one kind under a header of another.
+bool EnviCube::checkData(QIODevice& data, QString* pError) const
+{
+    QCryptographicHash digest(QCryptographicHash::Sha1);
+    if (!digest.addData(&data)) {
+        return fail(pError, m_strData, data.errorString());
+    }
+    return digest.result() == m_header.dataDigest ||
+           fail(pError, m_strData,
+                QStringLiteral("these are not the data that the header was written for; an export may have been ended "
+                               "half way: export again"));
 }
 
 bool EnviCube::readHeader(const QString& strHeader, QString* pError)

@@ -16,7 +16,7 @@ public:
 
     // Opens the cube of a header file or a data file. The data file of a header is the one that bears its name without
     // ".hdr", or with one other extension. False with "file: reason" in *pError when either cannot be found or read, or
-    // the data file is shorter than the header says.
+    // the data file is shorter than the header says, or another one than the header was written with.
     bool open(const QString& strPath, QString* pError);
 
     const EnviHeader& header() const { return m_header; }
@@ -29,6 +29,7 @@ public:
 private:
     bool readHeader(const QString& strHeader, QString* pError);
     bool findData(const QString& strHeader, QString* pError);
+    bool checkData(QIODevice& data, QString* pError) const;
 
     EnviHeader m_header;
     QString m_strData;

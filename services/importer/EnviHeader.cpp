@@ -301,6 +301,7 @@ bool EnviHeader::parse(const QByteArray& text, QString* pError)
     read.bigEndian = order == 1;
     read.headerOffset = offset;
     read.dataFile = entries.value(QStringLiteral("data file")).value;
+    read.dataDigest = QByteArray::fromHex(entries.value(QStringLiteral("orvia data sha1")).value.toLatin1());
     read.bandNames = readBandNames(entries, read.bands);
     read.facts = readFacts(entries, read.bands);
     if (!readWavelengths(entries, read.bands, &read.wavelengths, pError)) {

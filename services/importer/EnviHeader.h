@@ -31,6 +31,7 @@ struct EnviHeader
     QStringList bandNames;       // one each; empty without
     QVector<ImageFacts> facts;   // of the bands, as an export of this program notes them; empty without
     QString dataFile;            // as the header has it; usually empty
+    QByteArray dataDigest;       // SHA-1 of the whole data file, as an export of this program notes it; empty without
 
     int bytesPerPixel() const;
     // Of the images: the type itself where there is one, 32 bit integers for int16, doubles for what only they hold.

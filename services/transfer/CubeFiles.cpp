@@ -12,6 +12,7 @@
 #include "services/importer/OmeMetadata.h"
 #include "services/transfer/ExportedCube.h"
 
+#include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -27,6 +28,7 @@
 namespace {
 
 constexpr int bufferBytes = 1024 * 1024;
+constexpr std::size_t digestedBytes = 1 << 24; // at once
 // Floats that are turned from images to rows at a time.
 constexpr qint64 blockBytes = 8 * 1024 * 1024;
 const QString unknown = QStringLiteral("-");
@@ -202,7 +204,7 @@ QString noteLines(const ExportedCube& cube)
     return text + noteLine("orvia exposure seconds", exposures) + noteLine("orvia start", starts);
 }
 
-QByteArray enviHeaderText(ExportedCube& cube, const QString& strDataFile)
+QByteArray enviHeaderText(ExportedCube& cube, const QString& strDataFile, const QByteArray& digest)
 {
     QStringList names;
     QStringList wavelengths;
@@ -218,6 +220,7 @@ QByteArray enviHeaderText(ExportedCube& cube, const QString& strDataFile)
     text += QStringLiteral("header offset = 0\nfile type = ENVI Standard\ndata type = 4\ninterleave = bsq\n"
                            "byte order = 0\ndata file = %1\n")
                 .arg(strDataFile);
+    text += QStringLiteral("orvia data sha1 = %1\n").arg(QString::fromLatin1(digest.toHex()));
     text += QStringLiteral("band names = {%1}\n").arg(names.join(QLatin1String(", ")));
     text += noteLines(cube);
     wavelengths.removeDuplicates();
@@ -254,12 +257,19 @@ public:
         }
     }
     void write(const QByteArray& bytes) { write(bytes.constData(), bytes.size()); }
-    void commit()
+    // Ends the writing.
+    void close()
     {
         if (!m_file.flush() || m_file.error() != QFileDevice::NoError) {
             failWriting(m_strPath, m_file.errorString());
         }
         m_file.close();
+    }
+    void commit()
+    {
+        if (m_file.isOpen()) {
+            close();
+        }
         if (!m_target.commit()) {
             throw Failure(m_target.error());
         }
@@ -385,17 +395,23 @@ void writeEnviCube(ExportedCube& cube, const QString& strPath)
     StreamedFile data(paths[1]);
     CILImage image;
     std::vector<char> bytes;
+    QCryptographicHash digest(QCryptographicHash::Sha1);
     for (int i = 0; i < cube.count(); ++i) {
         cube.read(i, image);
         bytes.resize(image.pixelCount() * sizeof(float));
         qToLittleEndian<float>(image.floats(), static_cast<qsizetype>(image.pixelCount()), bytes.data());
         data.write(bytes.data(), static_cast<qint64>(bytes.size()));
+        for (std::size_t at = 0; at < bytes.size(); at += digestedBytes) {
+            digest.addData(bytes.data() + at, static_cast<int>(std::min(digestedBytes, bytes.size() - at)));
+        }
     }
+    // Both are written whole before the first takes its place, and the header comes last: a program that ends in
+    // between leaves an older header, which the digest keeps from being read with the new data.
+    StreamedFile header(paths[0]);
+    header.write(enviHeaderText(cube, QFileInfo(paths[1]).fileName(), digest.result()));
+    header.close();
     data.commit();
-    QString error;
-    if (!orv::writeFileAtomically(paths[0], enviHeaderText(cube, QFileInfo(paths[1]).fileName()), &error)) {
-        throw Failure(error);
-    }
+    header.commit();
 }
 
 void writeCsvCube(ExportedCube& cube, const QString& strPath)
