@@ -6,6 +6,7 @@
 #include <QString>
 
 #include <functional>
+#include <optional>
 
 class CORVSequenceDataset;
 class CORVSpumKyvo;
@@ -137,7 +138,8 @@ private:
     void showLoadedResult();
 
     bool deleteEntry(const QString& strFolder, const QString& strName);
-    bool removeResultFile(const CPLSettingsFileWrapper& index, const QString& strFolder, const QString& strName);
+    std::optional<QString> resultFileOf(const CPLSettingsFileWrapper& index, const QString& strFolder,
+                                        const QString& strName);
     Renaming renameEntry(const QString& strFolder, const QString& strOld, const QString& strNew);
     bool hasResultToLose() const;
     bool askToKeep(bool bCanCancel);

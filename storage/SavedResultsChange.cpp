@@ -90,7 +90,9 @@ bool SavedResults::deleteEntry(const QString& strFolder, const QString& strName)
         return false;
     }
     resultsIndex::setTags(index);
-    if (!removeResultFile(index, strFolder, strName)) {
+    const auto strFile = resultFileOf(index, strFolder, strName);
+    CPLSettingsFileWrapper former;
+    if (!strFile || !former.load(resultsIndex::indexPath(strFolder))) {
         return false;
     }
     CPLSection* pSection = index.getSectionByMenuName(strName);
@@ -100,25 +102,31 @@ bool SavedResults::deleteEntry(const QString& strFolder, const QString& strName)
     makeKeyUnique(index, *pSection);
     QString strKey;
     pSection->getSectionKey(&strKey);
-    return index.removeSection(strKey) == 0 && index.save();
+    // The file goes when nothing names it any more: a list that cannot be saved leaves the result whole, and a program
+    // that ends in between leaves a file that nobody misses.
+    if (index.removeSection(strKey) != 0 || !index.save()) {
+        return false;
+    }
+    if (!strFile->isEmpty() && !QFile::remove(*strFile)) {
+        logLine(QStringLiteral("File could not be removed."), CORVLOG_ERROR);
+        former.save();
+        return false;
+    }
+    return true;
 }
 
-// True also when there is no file to remove.
-bool SavedResults::removeResultFile(const CPLSettingsFileWrapper& index, const QString& strFolder,
-                                    const QString& strName)
+// The file that goes with the result; empty where there is none or another result needs it.
+std::optional<QString> SavedResults::resultFileOf(const CPLSettingsFileWrapper& index, const QString& strFolder,
+                                                  const QString& strName)
 {
     const QDir files(resultsIndex::filesFolder(strFolder));
     if (!files.exists()) {
         logLine(QStringLiteral("Folder not found."), CORVLOG_ERROR);
-        return false;
+        return std::nullopt;
     }
     const QString strFile = lastPart(index.getFileNameForMenuName(strName, QStringLiteral("-")));
     const auto found = resultsIndex::findName(files.entryList(QDir::Files), strFile);
-    if (found && !isNeededByOther(index, strName, strFile) && !QFile::remove(files.filePath(*found))) {
-        logLine(QStringLiteral("File could not be removed."), CORVLOG_ERROR);
-        return false;
-    }
-    return true;
+    return found && !isNeededByOther(index, strName, strFile) ? files.filePath(*found) : QString();
 }
 
 bool SavedResults::renameResult()
