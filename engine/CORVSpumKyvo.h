@@ -323,6 +323,8 @@ public:
     AutomaticRunFacts m_runFacts;
 
 private:
+    // What run() does between its provisions for an abort.
+    void runSteps();
     // What the engine's own view shows of a cube of a sequence with Cherenkov light.
     void correctDecay(CImageCube& cube);
 

@@ -3,10 +3,14 @@
 #include "engine/CORVSpumKyvo.h"
 
 #include "engine/knownSpectra.h"
+#include "engine/logLine.h"
 #include "engine/resultProperties.h"
 
 #include "XTNT/xtnt_parallel.h"
+#include "host/CORVLog.h"
 #include "host/CORVPreference.h"
+
+#include <new>
 
 namespace {
 
@@ -53,10 +57,20 @@ void CORVSpumKyvo::run()
     setTerminationEnabled(false);
     const HandOver handOver(m_nRunsEnded);
     ValueUnlessFinished errorOfBefore(m_nError);
+    try {
+        runSteps();
+    } catch (const std::bad_alloc&) {
+        // What the steps themselves do not catch: a thread that lets an exception out ends the program.
+        m_nError = RUNERROR_MEMORY;
+    }
+    errorOfBefore.finish();
+}
+
+void CORVSpumKyvo::runSteps()
+{
     if (m_bRunPCA) {
         // The results of an earlier unmixing stay.
         runPCA();
-        errorOfBefore.finish();
         return;
     }
     if (m_eMode == RUNMODE_AUTOMATIC) {
@@ -71,7 +85,6 @@ void CORVSpumKyvo::run()
     }
     updateResultProperties(true);
     m_bResultReady = true;
-    errorOfBefore.finish();
 }
 
 void CORVSpumKyvo::abortRun()
@@ -98,8 +111,13 @@ void CORVSpumKyvo::solveConcentrations()
         return;
     }
     XTNT::cancellationPoint();
-    if (!fitConcentrations(m_cube.m_data, m_spectra, m_concentrations)) {
-        m_nError = RUNERROR_NO_SOLUTION;
+    try {
+        if (!fitConcentrations(m_cube.m_data, m_spectra, m_concentrations)) {
+            m_nError = RUNERROR_NO_SOLUTION;
+        }
+    } catch (const std::bad_alloc&) {
+        logLine("SpumKyvo: memory ran out during the analysis!", CORVLOG_ERROR);
+        m_nError = RUNERROR_MEMORY;
     }
 }
 

@@ -5,6 +5,7 @@
 #include "spectra/SpectrumPlotParams.h"
 
 #include <cxxabi.h>
+#include <new>
 
 bool scaledSpectra(const QList<SpectrumPlotParams*>& plots, int nImages, XTNT::Matrix<double>& spectra)
 {
@@ -35,6 +36,8 @@ bool scaledSpectra(const QList<SpectrumPlotParams*>& plots, int nImages, XTNT::M
         concentrations = byPixel.transpose();
         return true;
     } catch (const abi::__forced_unwind&) {
+        throw;
+    } catch (const std::bad_alloc&) {
         throw;
     } catch (...) {
         // The fit throws plain integers.

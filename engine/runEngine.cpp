@@ -2,6 +2,7 @@
 #include "engine/runEngine.h"
 
 #include "engine/CORVSpumKyvo.h"
+#include "engine/logLine.h"
 
 #include "XTNT/xtnt_assert.h"
 #include "host/CAutoProgressUpdate.h"
@@ -97,6 +98,11 @@ RunOutcome runEngine(CORVSpumKyvo& engine, const RunSteps& steps)
     const ProgressOf progressOfRun(engine, progress);
     progress.start(QThread::InheritPriority);
     engine.start(QThread::InheritPriority);
+    if (!engine.isRunning() && !engine.isFinished()) {
+        // The system gives no thread: too many processes, or no memory for a stack.
+        logLine("SpumKyvo: there is no thread to be had for the analysis!", CORVLOG_ERROR);
+        engine.m_nError = RUNERROR_MEMORY;
+    }
 
     const bool bEnded = waitForEnd(engine);
     // A worker that was struck at its very start has not taken the request back.

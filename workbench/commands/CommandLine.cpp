@@ -23,12 +23,17 @@
 
 #include <QApplication>
 #include <QLocale>
+#include <QSemaphore>
+#include <QThreadPool>
 
 #include <algorithm>
+#include <atomic>
 #include <clocale>
 #include <cstdlib>
 #include <cstring>
+#include <exception>
 #include <langinfo.h>
+#include <new>
 #include <unistd.h>
 
 namespace {
@@ -44,11 +49,56 @@ void settleLocale()
     QLocale::setDefault(QLocale::c());
 }
 
+constexpr char noMemory[] = "not enough memory for this; try a coarser --binning or a smaller selection";
+
+// For a shortage where no exception can pass: in a library that lets none through, or before a command begins. Says so
+// without asking for memory; anything else is a fault of the program and ends as such.
+[[noreturn]] void endWithoutMemory()
+{
+    try {
+        if (std::current_exception()) {
+            std::rethrow_exception(std::current_exception());
+        }
+    } catch (const std::bad_alloc&) {
+        for (const char* part : {"spum: ", noMemory, "\n"}) {
+            if (::write(STDERR_FILENO, part, std::strlen(part)) < 0) {
+                break;
+            }
+        }
+        ::_exit(ExitStatus::failed);
+    } catch (...) {
+    }
+    std::abort();
+}
+
+// Whether the system has refused Qt a thread.
+std::atomic<bool> threadRefused{false};
+
 // What the libraries below have to say goes to the log, not between the lines of an answer.
 void toLog(QtMsgType eType, const QMessageLogContext&, const QString& strMessage)
 {
+    if (strMessage.startsWith(QLatin1String("QThread::start: Thread creation error"))) {
+        threadRefused = true;
+    }
     const long level = eType == QtCriticalMsg || eType == QtFatalMsg ? CORVLOG_ERROR : CORVLOG_NOTE;
     CORVLog::getLogObject()->log(strMessage, QString(), 0, QStringLiteral(__TIME__), level, false);
+}
+
+// Qt converts large images on its pool of threads, and waits for ever where the system gives it none. One thread that
+// stays is enough for that, and whether there is one shows here.
+bool poolHasItsThread()
+{
+    QThreadPool& pool = *QThreadPool::globalInstance();
+    pool.setExpiryTimeout(-1);
+    pool.setMaxThreadCount(1);
+    QSemaphore started;
+    pool.start([&started] { started.release(); });
+    while (!started.tryAcquire(1, 20)) {
+        if (threadRefused) {
+            return false;
+        }
+    }
+    return true;
 }
 
 void print(const QString& strText)
@@ -146,7 +196,7 @@ int runCommand(Command& command, const QStringList& arguments)
         tell(failure.text());
         return ExitStatus::of(failure);
     } catch (const std::bad_alloc&) {
-        tell(QStringLiteral("not enough memory for this; try a coarser --binning or a smaller selection"));
+        tell(QLatin1String(noMemory));
         return ExitStatus::failed;
     }
 }
@@ -196,6 +246,7 @@ std::vector<std::unique_ptr<Command>> CommandLine::commands()
 
 int CommandLine::run(int argc, char** argv)
 {
+    std::set_terminate(endWithoutMemory);
     settleLocale();
     ::setenv("QT_QPA_PLATFORM", "offscreen", 0);
     CliSession::catchInterrupts();
@@ -203,6 +254,10 @@ int CommandLine::run(int argc, char** argv)
     qInstallMessageHandler(toLog);
     QApplication application(argc, argv);
     std::setlocale(LC_NUMERIC, "C");
+    if (!poolHasItsThread()) {
+        complain(QStringLiteral("the system gives this program no thread: too many processes, or too little memory"));
+        return ExitStatus::failed;
+    }
     QCoreApplication::setApplicationName(QStringLiteral("spum"));
     QCoreApplication::setApplicationVersion(CORVPreference::getAppVersion());
     return dispatch(QCoreApplication::arguments());
