@@ -78,9 +78,9 @@ std::atomic<bool> threadRefused{false};
 void toLog(QtMsgType eType, const QMessageLogContext&, const QString& strMessage)
 {
     if (strMessage.startsWith(QLatin1String("QThread::start: Thread creation error"))) {
-        threadRefused = true;
+        threadRefused = true; // whoever wanted it says so
     }
-    const long level = eType == QtCriticalMsg || eType == QtFatalMsg ? CORVLOG_ERROR : CORVLOG_NOTE;
+    const long level = !threadRefused && (eType == QtCriticalMsg || eType == QtFatalMsg) ? CORVLOG_ERROR : CORVLOG_NOTE;
     CORVLog::getLogObject()->log(strMessage, QString(), 0, QStringLiteral(__TIME__), level, false);
 }
 
@@ -256,7 +256,8 @@ int CommandLine::run(int argc, char** argv)
     std::setlocale(LC_NUMERIC, "C");
     if (!poolHasItsThread()) {
         complain(QStringLiteral("the system gives this program no thread: too many processes, or too little memory"));
-        return ExitStatus::failed;
+        // The pool would wait for its thread at the end, too.
+        ::_exit(ExitStatus::failed);
     }
     QCoreApplication::setApplicationName(QStringLiteral("spum"));
     QCoreApplication::setApplicationVersion(CORVPreference::getAppVersion());

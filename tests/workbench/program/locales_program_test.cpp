@@ -55,7 +55,7 @@ INSTANTIATE_TEST_SUITE_P(Nine, LocalesProgramTest,
 
 TEST_P(LocalesProgramTest, FilesHaveTheDigitsOfCAndCanBeReadInAnyLocale)
 {
-    succeed({"simulate", "seq", "--size", "32", "--bands", "3"});
+    succeed({"simulate", "seq", "--size", "32", "--bands", "8"});
     expectPlainFiles("seq");
     ASSERT_TRUE(QDir().mkdir(path("cube")));
     succeed({"export", "seq", "--format", "envi", "--unit", "counts", "--out", "cube/cube.hdr"});

@@ -1,0 +1,116 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The program on disks that fail, killed at a call, and without threads or memory.
+#include "workbench/program/ProgramFixture.h"
+
+#include <QDir>
+
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace {
+
+class FaultsProgramTest : public ProgramFixture
+{
+protected:
+    // Success, or one failure in words that blame the machine and not the data.
+    static void expectAWord(const ProgramResult& result, const std::string& what)
+    {
+        EXPECT_TRUE(result.status == 0 || result.status == 1) << what << "\n" << result.err.constData();
+        EXPECT_FALSE(result.errText().contains("No solution")) << what << "\n" << result.err.constData();
+        EXPECT_EQ(result.status == 0, result.err.isEmpty()) << what << "\n" << result.err.constData();
+    }
+};
+
+} // namespace
+
+TEST_F(FaultsProgramTest, AnyRefusedSyncIsAFailureThatNamesTheFileAndLeavesNothing)
+{
+    setFaults("", ".", "log");
+    succeed({"simulate", "seq", "--size", "32", "--bands", "3"});
+    const int syncs = contentOf(path("log")).count("sync\t");
+    ASSERT_GT(syncs, 20);
+    // The first files, one in the middle, the folders at the end.
+    for (const int number : {1, 2, 3, 4, syncs / 2, syncs - 1, syncs}) {
+        setFaults("sync@" + QString::number(number) + "=EDQUOT");
+        const ProgramResult result = spum({"simulate", "other", "--size", "32", "--bands", "3"});
+        EXPECT_EQ(result.status, 1) << number;
+        EXPECT_TRUE(result.errText().contains("Disk quota exceeded")) << number << "\n" << result.err.constData();
+        EXPECT_FALSE(entriesOf(path(".")).join(' ').contains("other")) << number;
+    }
+}
+
+TEST_F(FaultsProgramTest, WhatAKilledCommandLeftIsGoneAfterTheNextOnTheSameTarget)
+{
+    setFaults("write@40=kill");
+    EXPECT_EQ(spum({"simulate", "seq", "--size", "32", "--bands", "3"}).status, -1);
+    setFaults("");
+    EXPECT_TRUE(entriesOf(path(".")).join(' ').contains(".seq-"));
+    succeed({"simulate", "seq", "--size", "32", "--bands", "3"});
+    EXPECT_FALSE(entriesOf(path(".")).join(' ').contains(".seq-"));
+}
+
+TEST_F(FaultsProgramTest, AnEnviExportThatIsKilledBetweenItsFilesIsNotReadInSilence)
+{
+    simulate();
+    succeed({"export", "seq", "--format", "envi", "--unit", "counts", "--out", "cube.hdr"});
+    succeed({"import", "cube.hdr", "counts"});
+    const QByteArray header = contentOf(path("cube.hdr"));
+    int killed = 0;
+    for (const char* when : {"rename@1=kill", "rename@1=killafter", "rename@2=kill", "rename@2=killafter"}) {
+        setFaults(when);
+        EXPECT_EQ(
+            spum({"export", "seq", "--format", "envi", "--unit", "radiance", "--out", "cube.hdr", "--force"}).status,
+            -1)
+            << when;
+        setFaults("");
+        const ProgramResult result = spum({"import", "cube.hdr", "back", "--force"});
+        if (result.status != 0) {
+            ++killed;
+            EXPECT_TRUE(result.errText().contains("these are not the data that the header was written for"))
+                << result.err.constData();
+        }
+        // Read in full are old data under the old header or new under the new.
+        EXPECT_EQ(contentOf(path("cube.hdr")) == header, std::string(when) != "rename@2=killafter") << when;
+        succeed({"export", "seq", "--format", "envi", "--unit", "counts", "--out", "cube.hdr", "--force"});
+    }
+    EXPECT_EQ(killed, 2);
+}
+
+TEST_F(FaultsProgramTest, OfManyThatSaveALibraryOfOneNameOneSucceeds)
+{
+    constexpr int savers = 8;
+    std::vector<std::thread> threads;
+    std::vector<ProgramResult> results(savers);
+    for (int i = 0; i < savers; ++i) {
+        threads.emplace_back([&, i] {
+            results[static_cast<std::size_t>(i)] = spum({"library", "save", "dyes", "--from", library()});
+        });
+    }
+    for (auto& thread : threads) {
+        thread.join();
+    }
+    int saved = 0;
+    for (const ProgramResult& result : results) {
+        saved += result.status == 0 ? 1 : 0;
+        EXPECT_TRUE(result.status == 0 || result.err == "spum: the library dyes exists already; --force replaces it\n")
+            << result.err.constData();
+    }
+    EXPECT_EQ(saved, 1);
+}
+
+TEST_F(FaultsProgramTest, WithoutThreadsACommandGoesOnOrSaysWhyNot)
+{
+    smallSequence().writeTo(path("small"));
+    const QString dyes = library();
+    int succeeded = 0;
+    for (const char* rules : {"thread@1=EAGAIN", "thread@2=EAGAIN", "thread@3=EAGAIN", "thread@4=EAGAIN",
+                              "thread@2+=EAGAIN", "thread@1+=EAGAIN"}) {
+        setFaults(rules);
+        const ProgramResult result = spum({"unmix", "small", "--library", dyes, "--out", path("run"), "--force"});
+        expectAWord(result, rules);
+        succeeded += result.status == 0 ? 1 : 0;
+        expectAWord(spum({"simulate", "made", "--size", "32", "--bands", "3", "--force"}), rules);
+    }
+    EXPECT_GE(succeeded, 2);
+}
