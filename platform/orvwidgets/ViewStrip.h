@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QEvent>
 #include <QFrame>
+#include <QList>
 #include <QPoint>
 
 class QAction;

@@ -4,10 +4,10 @@
 #include <QApplication>
 #include <QDir>
 #include <QImage>
-#include <QOpenGLContext>
-#include <QOpenGLWidget>
 #include <QPalette>
 #include <QTest>
+
+#include <gtest/gtest.h>
 
 // Pictures of widgets, kept in the build folder to be looked at.
 namespace screen {
