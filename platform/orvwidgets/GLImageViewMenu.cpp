@@ -2,6 +2,7 @@
 // What the views have in common in their context menus.
 #include "host/GLImageView.h"
 
+#include "host/CORVFileDialog.h"
 #include "host/CORVMessageBox.h"
 #include "host/CORVUtilityFns.h"
 #include "platform/orvimage/SavePng.h"
@@ -9,7 +10,6 @@
 
 #include <QClipboard>
 #include <QContextMenuEvent>
-#include <QFileDialog>
 #include <QGuiApplication>
 #include <QMenu>
 
@@ -68,12 +68,9 @@ void GLImageView::savePicture()
     if (kept.isNull()) {
         return;
     }
-    QString path = QFileDialog::getSaveFileName(this, tr("Save Picture"), QString(), tr("PNG Image (*.png)"));
+    const QString path = CORVFileDialog::getSaveFileName(this, tr("Save Picture"), QString(), tr("PNG Image (*.png)"));
     if (path.isEmpty()) {
         return;
-    }
-    if (!path.endsWith(QLatin1String(".png"), Qt::CaseInsensitive)) {
-        path += QLatin1String(".png");
     }
     QString error;
     if (!orvimage::savePng(path, kept, &error)) {
