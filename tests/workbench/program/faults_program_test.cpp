@@ -114,3 +114,37 @@ TEST_F(FaultsProgramTest, WithoutThreadsACommandGoesOnOrSaysWhyNot)
     }
     EXPECT_GE(succeeded, 2);
 }
+
+// A sanitizer takes all the address space there is.
+#if !defined(ORV_SANITIZED)
+
+// From where the program can be loaded at all to where the command succeeds.
+TEST_F(FaultsProgramTest, WithLittleMemoryACommandSaysSo)
+{
+    constexpr int step = 6; // MB
+    constexpr int most = 600;
+    constexpr int notLoaded = 127;
+    simulate();
+    const std::vector<QStringList> commands = {
+        {"unmix", "seq", "--library", truth("counts"), "--unit", "counts", "--out", path("run"), "--force"},
+        {"pca", "seq", "--unit", "counts", "--out", path("components"), "--force"},
+        {"export", "seq", "--format", "csv", "--unit", "counts", "--out", path("cube.csv"), "--force"},
+        {"simulate", "made", "--size", "64", "--bands", "4", "--force"}};
+    for (const QStringList& command : commands) {
+        int failed = 0;
+        ProgramResult result;
+        for (int limit = 80; result.status != 0 && limit < most; limit += step) {
+            program().setMemoryLimit(limit);
+            result = spum(command);
+            if (result.status != notLoaded) {
+                expectAWord(result, command.first().toStdString() + " in MB " + std::to_string(limit));
+                failed += result.status == 1 ? 1 : 0;
+            }
+        }
+        EXPECT_EQ(result.status, 0) << command.first().toStdString();
+        EXPECT_GT(failed, 1) << command.first().toStdString();
+        program().setMemoryLimit(0);
+    }
+}
+
+#endif
