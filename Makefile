@@ -6,7 +6,7 @@ PREFIX ?= $(CURDIR)/build/install
 BUILD = build/$(PRESET)
 export QT_QPA_PLATFORM ?= offscreen
 
-.PHONY: all deps configure build demo test bench sanitize tsan fuzz format format-check tidy install clean
+.PHONY: all deps configure build demo test bench sanitize tsan fuzz format format-check tidy reproducible install clean
 
 all: build
 
@@ -55,6 +55,10 @@ format-check: deps
 
 tidy: configure
 	@git ls-files '*.cpp' | grep -v '^tests/\|^fuzz/\|^bench/' | xargs -P $(JOBS) -n 4 clang-tidy -p $(BUILD) --quiet
+
+# Builds the commit twice, in folders of different names, and compares the bytes; takes a while.
+reproducible: deps
+	@JOBS=$(JOBS) scripts/reproducible.sh
 
 install: configure
 	@cmake --build $(BUILD) -j$(JOBS)

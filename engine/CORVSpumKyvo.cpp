@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/CORVSpumKyvo.h"
 
-#include "engine/logLine.h"
 #include "engine/runTexts.h"
+#include "spectra/logLine.h"
 
 #include "host/CAutoProgressUpdate.h"
 #include "host/CILImage.h"

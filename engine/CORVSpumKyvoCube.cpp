@@ -3,8 +3,8 @@
 #include "engine/CORVSpumKyvo.h"
 
 #include "engine/imageChoice.h"
-#include "engine/logLine.h"
 #include "engine/unitLadder.h"
+#include "spectra/logLine.h"
 
 #include "XTNT/xtnt_parallel.h"
 #include "host/CILImage.h"

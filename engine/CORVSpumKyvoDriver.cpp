@@ -2,9 +2,9 @@
 // The bridge to curve resolution and principal components.
 #include "engine/CORVSpumKyvo.h"
 
-#include "engine/logLine.h"
 #include "engine/spectrumPlots.h"
 #include "engine/topology.h"
+#include "spectra/logLine.h"
 
 #include "algorithms/MCR.h"
 #include "algorithms/PCA.h"

@@ -3,8 +3,8 @@
 #include "engine/CORVSpumKyvo.h"
 
 #include "engine/colorResponse.h"
-#include "engine/logLine.h"
 #include "engine/unmixedImages.h"
+#include "spectra/logLine.h"
 
 #include "host/CILImage.h"
 #include "host/CORVDatabase.h"

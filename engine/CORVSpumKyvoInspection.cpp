@@ -4,8 +4,8 @@
 #include "engine/CORVSpumKyvo.h"
 
 #include "engine/keySelection.h"
-#include "engine/logLine.h"
 #include "engine/probeNames.h"
+#include "spectra/logLine.h"
 
 #include "host/CORVDataset.h"
 #include "host/CORVLog.h"

@@ -3,8 +3,8 @@
 #include "engine/CORVSpumKyvo.h"
 
 #include "engine/knownSpectra.h"
-#include "engine/logLine.h"
 #include "engine/resultProperties.h"
+#include "spectra/logLine.h"
 
 #include "XTNT/xtnt_parallel.h"
 #include "host/CORVLog.h"

@@ -3,7 +3,7 @@
 #include "engine/CORVSpumKyvo.h"
 
 #include "engine/keySelection.h"
-#include "engine/logLine.h"
+#include "spectra/logLine.h"
 
 #include "host/CORVLog.h"
 

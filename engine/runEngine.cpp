@@ -2,7 +2,7 @@
 #include "engine/runEngine.h"
 
 #include "engine/CORVSpumKyvo.h"
-#include "engine/logLine.h"
+#include "spectra/logLine.h"
 
 #include "XTNT/xtnt_assert.h"
 #include "host/CAutoProgressUpdate.h"

@@ -4,6 +4,7 @@
 #include "files/AtomicFile.h"
 #include "host/CORVLog.h"
 #include "host/orv_paths.h"
+#include "spectra/logLine.h"
 
 #include <QDir>
 #include <QFile>
@@ -20,7 +21,7 @@ constexpr int leadingFields = 2;
 
 void logFailure(const QString& message)
 {
-    CORVLog::getLogObject()->log(message, QString(), 0, QStringLiteral(__TIME__), CORVLOG_ERROR, false);
+    logLine(message, CORVLOG_ERROR);
 }
 
 // The libraries' folder, with its separator at the end; empty when the host has no path for it.

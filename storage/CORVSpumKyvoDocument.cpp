@@ -8,9 +8,9 @@
 #include "storage/resultElements.h"
 #include "storage/resultRegions.h"
 
-#include "engine/logLine.h"
 #include "host/CORVLog.h"
 #include "spectra/SpectrumPlotParams.h"
+#include "spectra/logLine.h"
 
 #include <QDateTime>
 #include <QDomDocument>

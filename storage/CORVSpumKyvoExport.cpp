@@ -2,8 +2,8 @@
 // Unmixed maps as datasets of the host.
 #include "engine/CORVSpumKyvo.h"
 
-#include "engine/logLine.h"
 #include "engine/runTexts.h"
+#include "spectra/logLine.h"
 #include "storage/exportClickInfo.h"
 #include "storage/exportImages.h"
 #include "storage/exportNames.h"
@@ -101,7 +101,7 @@ void CORVSpumKyvo::buildClickInfo(CPLClickInfo* pOut, CORVDataset* pSource, CILI
     facts.label = strName;
     facts.unit = unitText(m_eUnit);
     facts.version = CORVPreference::getAppVersion();
-    facts.buildDate = QStringLiteral(__DATE__);
+    facts.buildDate = QStringLiteral(ORV_BUILD_DATE);
     facts.clickNumber = nClick;
     if (!m_spots.isEmpty()) {
         facts.spotX = pSource->getFLXspot();

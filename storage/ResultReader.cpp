@@ -4,9 +4,9 @@
 #include "storage/resultElements.h"
 
 #include "engine/CORVSpumKyvo.h"
-#include "engine/logLine.h"
 #include "host/CORVLog.h"
 #include "spectra/SpectrumPlotParams.h"
+#include "spectra/logLine.h"
 
 #include <QtAlgorithms>
 

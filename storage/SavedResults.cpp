@@ -6,11 +6,11 @@
 #include "storage/resultsIndex.h"
 
 #include "engine/CORVSpumKyvo.h"
-#include "engine/logLine.h"
 #include "host/CORVLog.h"
 #include "host/CORVMessageBox.h"
 #include "host/CORVSequenceDataset.h"
 #include "host/CORVUtilityFns.h"
+#include "spectra/logLine.h"
 
 #include <QFileInfo>
 

@@ -6,12 +6,12 @@
 #include "storage/SavedResultsLock.h"
 #include "storage/resultsIndex.h"
 
-#include "engine/logLine.h"
 #include "host/CORVLog.h"
 #include "host/CORVMessageBox.h"
 #include "host/CORVSequenceDataset.h"
 #include "host/CORVUtilityFns.h"
 #include "host/CPLSettingsFileWrapper.h"
+#include "spectra/logLine.h"
 
 #include <QDir>
 #include <QFile>

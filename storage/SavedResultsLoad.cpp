@@ -8,7 +8,6 @@
 #include "storage/resultsIndex.h"
 
 #include "engine/CORVSpumKyvo.h"
-#include "engine/logLine.h"
 #include "host/CAutoProgressUpdate.h"
 #include "host/CORVLog.h"
 #include "host/CORVMessageBox.h"
@@ -17,6 +16,7 @@
 #include "host/CORVSequenceDataset.h"
 #include "host/CORVUtilityFns.h"
 #include "host/CPLSettingsFileWrapper.h"
+#include "spectra/logLine.h"
 
 #include <QCoreApplication>
 #include <QCursor>

@@ -3,8 +3,8 @@
 
 #include "storage/resultsIndex.h"
 
-#include "engine/logLine.h"
 #include "host/CORVLog.h"
+#include "spectra/logLine.h"
 
 #include <QElapsedTimer>
 #include <QThread>

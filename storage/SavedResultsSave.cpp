@@ -9,13 +9,13 @@
 #include "storage/writeWholeFile.h"
 
 #include "engine/CORVSpumKyvo.h"
-#include "engine/logLine.h"
 #include "host/CORVLog.h"
 #include "host/CORVMessageBox.h"
 #include "host/CORVProcess.h"
 #include "host/CORVSequenceDataset.h"
 #include "host/CORVUtilityFns.h"
 #include "host/CPLSettingsFileWrapper.h"
+#include "spectra/logLine.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "storage/documentText.h"
 
-#include "engine/logLine.h"
 #include "host/CORVLog.h"
+#include "spectra/logLine.h"
 
 #include <QByteArray>
 #include <QDomElement>

@@ -2,7 +2,7 @@
 #include "storage/openUnmixedTile.h"
 
 #include "engine/CORVSpumKyvo.h"
-#include "engine/logLine.h"
+#include "spectra/logLine.h"
 #include "storage/exportRegions.h"
 
 #include "host/CILImage.h"

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "storage/writeWholeFile.h"
 
-#include "engine/logLine.h"
 #include "files/AtomicFile.h"
 #include "host/CORVLog.h"
+#include "spectra/logLine.h"
 
 bool writeWholeFile(const QString& strPath, const QByteArray& bytes)
 {

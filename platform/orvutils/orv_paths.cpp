@@ -48,10 +48,10 @@ QString programData()
         return existingFolder(QFile::decodeName(named));
     }
     const QString installed = QStringLiteral(ORV_INSTALL_DATA_DIR);
-    // A library lies in "lib" or in "lib/<system>".
+    // A tree of the build has a link there. A library lies in "lib" or in "lib/<system>".
     for (const auto& candidate :
          {programFolder() + QLatin1String("/../") + installed, libraryFolder() + QLatin1String("/../") + installed,
-          libraryFolder() + QLatin1String("/../../") + installed, QStringLiteral(ORV_SOURCE_DATA_DIR)}) {
+          libraryFolder() + QLatin1String("/../../") + installed}) {
         const QString found = existingFolder(candidate);
         if (!found.isEmpty()) {
             return found;

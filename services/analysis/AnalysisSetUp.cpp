@@ -12,6 +12,7 @@
 #include "services/basis/UnitNames.h"
 #include "services/session/PairSelection.h"
 #include "services/session/UnitForecast.h"
+#include "spectra/logLine.h"
 
 namespace {
 
@@ -80,8 +81,7 @@ void AnalysisSetUp::select()
     const int asked = selection.size();
     if (!engine().applySelection(selection)) {
         engine().updateKeys();
-        CORVLog::getLogObject()->log(QStringLiteral("SpumKyvo: image selection got adjusted"), QString(), 0,
-                                     QStringLiteral(__TIME__), CORVLOG_WARNING, false);
+        logLine(QStringLiteral("SpumKyvo: image selection got adjusted"), CORVLOG_WARNING);
         m_monitor.warn(QStringLiteral("image selection got adjusted: %1 of %2 images are used")
                            .arg(engine().getSelectedKeyPairs().size())
                            .arg(asked));

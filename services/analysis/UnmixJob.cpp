@@ -15,6 +15,7 @@
 #include "services/results/ResultStore.h"
 #include "services/session/LibrarySpectra.h"
 #include "spectra/SpectrumPlotParams.h"
+#include "spectra/logLine.h"
 #include "windows/maskPixels.h"
 
 #include <QDateTime>
@@ -127,7 +128,7 @@ RunAnswer UnmixJob::answer(const ResultFiles& files, const StagedRun& staged, co
                              .arg(m_setUp.engine().m_spectrumPlots.size())
                              .arg(m_numbers.residual)
                              .arg(staged.target());
-    CORVLog::getLogObject()->log(line, QString(), 0, QStringLiteral(__TIME__), CORVLOG_NOTE, false);
+    logLine(line, CORVLOG_NOTE);
     RunAnswer answer = staged.answer(files.summaryText(), files.summaryJson());
     // Of the answer only: files of the same input are the same.
     answer.json.insert(QStringLiteral("seconds"), m_numbers.seconds);

@@ -2,9 +2,9 @@
 #include "services/pictures/ResultComposite.h"
 
 #include "engine/CORVSpumKyvo.h"
-#include "engine/logLine.h"
 #include "host/CILImage.h"
 #include "host/CORVLog.h"
+#include "spectra/logLine.h"
 #include "windows/compositePicture.h"
 
 #include <QFont>

@@ -6,6 +6,7 @@
 #include "platform/orvutils/LogSinks.h"
 #include "services/basis/Failure.h"
 #include "services/basis/LoggedErrors.h"
+#include "spectra/logLine.h"
 #include "workbench/commands/CliSession.h"
 #include "workbench/commands/Command.h"
 #include "workbench/commands/CompareCommand.h"
@@ -81,7 +82,7 @@ void toLog(QtMsgType eType, const QMessageLogContext&, const QString& strMessage
         threadRefused = true; // whoever wanted it says so
     }
     const long level = !threadRefused && (eType == QtCriticalMsg || eType == QtFatalMsg) ? CORVLOG_ERROR : CORVLOG_NOTE;
-    CORVLog::getLogObject()->log(strMessage, QString(), 0, QStringLiteral(__TIME__), level, false);
+    logLine(strMessage, level);
 }
 
 // Qt converts large images on its pool of threads, and waits for ever where the system gives it none. One thread that
