@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "algorithms/MCREnding.h"
 #include "algorithms/PCA.h"
 #include "algorithms/SpectrumFit.h"
 
@@ -23,16 +24,7 @@
 class MCR
 {
 public:
-    // How a run ended; finer than its result.
-    enum class Ending
-    {
-        NotRun,
-        Converged,
-        GoodFit,
-        Diverged,
-        IterationLimit,
-        Degenerate
-    };
+    using Ending = MCREnding;
 
     MCR() = default;
     virtual ~MCR() = default;

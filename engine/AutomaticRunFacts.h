@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "algorithms/MCR.h"
+#include "algorithms/MCREnding.h"
 
 #include <vector>
 
@@ -9,7 +9,7 @@
 struct AutomaticRunFacts
 {
     int iterations = 0;
-    MCR::Ending ending = MCR::Ending::NotRun;
+    MCREnding ending = MCREnding::NotRun;
     double lackOfFitDenoised = 0.0; // percent, against the data that were fitted
     double lackOfFitRaw = 0.0;      // percent, against the data of the cube
     int rank = 0;                   // of the data

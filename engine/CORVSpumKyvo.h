@@ -39,6 +39,7 @@ class CILImage;
 class CORVDataset;
 class CORVSequenceDataset;
 class CPLClickInfo;
+class MCR;
 class QDomElement;
 class SpUnmixCompositeWnd;
 class SpUnmixWizardWnd;

@@ -113,7 +113,7 @@ ReportFrame UnmixJob::reportFrame()
     ReportFrame frame;
     frame.sequenceName = m_setUp.opened().sequence().getSequenceName();
     frame.note = m_request.note;
-    if (isAutomatic() && m_numbers.facts.ending == MCR::Ending::IterationLimit) {
+    if (isAutomatic() && m_numbers.facts.ending == MCREnding::IterationLimit) {
         frame.warnings.append(QStringLiteral("Maximum iteration number is reached!"));
     }
     frame.command = m_request.command;
@@ -203,7 +203,7 @@ void UnmixJob::fit(const QElapsedTimer& timer)
     m_numbers = numbersOfResult(engine, m_setUp.opened().truthFolder(engine.m_eUnit, corrected));
     m_numbers.seconds = seconds;
     m_numbers.automatic = isAutomatic();
-    if (isAutomatic() && m_numbers.facts.ending == MCR::Ending::IterationLimit) {
+    if (isAutomatic() && m_numbers.facts.ending == MCREnding::IterationLimit) {
         m_monitor.warn(QStringLiteral("Maximum iteration number is reached!"));
     }
 }

@@ -15,20 +15,20 @@ namespace {
 // Bytes of a name within a file name; a folder takes names of 255, and there is more in ours.
 constexpr int longestPart = 150;
 
-QString endingText(MCR::Ending eEnding)
+QString endingText(MCREnding eEnding)
 {
     switch (eEnding) {
-    case MCR::Ending::Converged:
+    case MCREnding::Converged:
         return QStringLiteral("converged");
-    case MCR::Ending::GoodFit:
+    case MCREnding::GoodFit:
         return QStringLiteral("good fit");
-    case MCR::Ending::Diverged:
+    case MCREnding::Diverged:
         return QStringLiteral("diverged");
-    case MCR::Ending::IterationLimit:
+    case MCREnding::IterationLimit:
         return QStringLiteral("iteration limit");
-    case MCR::Ending::Degenerate:
+    case MCREnding::Degenerate:
         return QStringLiteral("degenerate");
-    case MCR::Ending::NotRun:
+    case MCREnding::NotRun:
         break;
     }
     return QStringLiteral("not run");

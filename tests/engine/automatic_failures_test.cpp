@@ -120,7 +120,7 @@ TEST_F(AutomaticFailureTest, ASpectrumThatConstraintsLeaveNothingOfGivesCode6)
     // A high pass at the last band takes them all.
     constraint(1).HighPass = m_engine.m_primaryKeys.last();
     EXPECT_EQ(runToEnd(), 6);
-    EXPECT_EQ(m_engine.m_runFacts.ending, MCR::Ending::Degenerate);
+    EXPECT_EQ(m_engine.m_runFacts.ending, MCREnding::Degenerate);
     EXPECT_GT(m_engine.m_runFacts.iterations, 0);
     EXPECT_TRUE(m_engine.m_concentrations.empty());
 }
@@ -207,7 +207,7 @@ TEST(AutomaticFailureWithoutImagesTest, ADivergingFitIsToldAndGivesCode6)
     EXPECT_EQ(runEngine(engine), RunOutcome::Failed);
     EXPECT_EQ(engine.m_nError, 6);
     EXPECT_TRUE(log.has("SpumKyvo: Divergence, stop!", 3));
-    EXPECT_EQ(engine.m_runFacts.ending, MCR::Ending::Diverged);
+    EXPECT_EQ(engine.m_runFacts.ending, MCREnding::Diverged);
     EXPECT_GT(engine.m_runFacts.iterations, 11);
     EXPECT_GT(engine.m_runFacts.lackOfFitRaw, 1.0);
     EXPECT_TRUE(engine.m_concentrations.empty());

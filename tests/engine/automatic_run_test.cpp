@@ -96,16 +96,16 @@ TEST_F(AutomaticRunTest, TheSettingsOfAGoodRunAreKept)
 
 TEST_F(AutomaticRunTest, FactsOfTheRun)
 {
-    EXPECT_EQ(m_engine.m_runFacts.ending, MCR::Ending::NotRun);
+    EXPECT_EQ(m_engine.m_runFacts.ending, MCREnding::NotRun);
     ASSERT_EQ(runToEnd(), 0);
     EXPECT_GE(m_engine.m_runFacts.iterations, 2);
     EXPECT_LE(m_engine.m_runFacts.iterations, 200);
-    EXPECT_NE(m_engine.m_runFacts.ending, MCR::Ending::NotRun);
+    EXPECT_NE(m_engine.m_runFacts.ending, MCREnding::NotRun);
     EXPECT_LT(m_engine.m_runFacts.lackOfFitRaw, 1.0);
     EXPECT_GE(m_engine.m_runFacts.lackOfFitRaw, m_engine.m_runFacts.lackOfFitDenoised);
     EXPECT_GE(m_engine.m_runFacts.rank, nComponents);
     m_engine.resetAnalysis(RUNMODE_AUTOMATIC);
-    EXPECT_EQ(m_engine.m_runFacts.ending, MCR::Ending::NotRun);
+    EXPECT_EQ(m_engine.m_runFacts.ending, MCREnding::NotRun);
     EXPECT_EQ(m_engine.m_runFacts.iterations, 0);
 }
 
@@ -151,7 +151,7 @@ TEST_F(AutomaticRunTest, AReachedLimitIsToldAndTheResultTaken)
     EXPECT_EQ(m_engine.m_spectrumPlots.size(), nComponents);
     EXPECT_EQ(m_engine.m_lastParams.MaxIterations, 1);
     EXPECT_EQ(m_engine.m_runFacts.iterations, 1);
-    EXPECT_EQ(m_engine.m_runFacts.ending, MCR::Ending::IterationLimit);
+    EXPECT_EQ(m_engine.m_runFacts.ending, MCREnding::IterationLimit);
 }
 
 TEST_F(AutomaticRunTest, AKnownSpectrumIsTakenAndALockedOneHeld)

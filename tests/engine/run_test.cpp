@@ -68,7 +68,7 @@ TEST(EngineTest, MembersStartAsDocumented)
     EXPECT_FALSE(engine.hasError());
     EXPECT_TRUE(engine.getErrorText().isEmpty());
     EXPECT_EQ(engine.m_runFacts.iterations, 0);
-    EXPECT_EQ(engine.m_runFacts.ending, MCR::Ending::NotRun);
+    EXPECT_EQ(engine.m_runFacts.ending, MCREnding::NotRun);
 }
 
 TEST(EngineTest, SettingsOfAnAutomaticRunStartAsDocumented)

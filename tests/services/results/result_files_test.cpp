@@ -245,7 +245,7 @@ TEST_F(ResultFilesTest, AnAutomaticRunTellsHowItWent)
 {
     analyse();
     m_numbers.automatic = true;
-    m_numbers.facts = {17, MCR::Ending::Converged, 1.5, 2.5, 3, {}};
+    m_numbers.facts = {17, MCREnding::Converged, 1.5, 2.5, 3, {}};
     engine().m_lastParams.Constraints = {ComponentConstraint(), ComponentConstraint()};
     engine().m_lastParams.Constraints[0].Locked = true;
     engine().m_lastParams.Constraints[1].HighPass = "720";
@@ -313,8 +313,8 @@ TEST_F(ResultFilesTest, EveryEndingHasItsWord)
     analyse();
     m_numbers.automatic = true;
     QStringList words;
-    for (const auto ending : {MCR::Ending::NotRun, MCR::Ending::Converged, MCR::Ending::GoodFit, MCR::Ending::Diverged,
-                              MCR::Ending::IterationLimit, MCR::Ending::Degenerate}) {
+    for (const auto ending : {MCREnding::NotRun, MCREnding::Converged, MCREnding::GoodFit, MCREnding::Diverged,
+                              MCREnding::IterationLimit, MCREnding::Degenerate}) {
         m_numbers.facts.ending = ending;
         words.append(factsOfResult(engine(), m_numbers).automatic->ending);
     }
