@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "spectra/SpectrumAxis.h"
+
 // Where the pure spectra of a run come from.
 enum tag_eRunMode
 {
@@ -17,14 +19,6 @@ enum tag_eSequenceKind
     SEQKIND_TRANSILLUMINATION = 2,
     SEQKIND_TEMPORAL = 3,
     SEQKIND_3D_SCENE = 4
-};
-
-// Along what the images of a selection differ.
-enum tag_eSpectrumAxis
-{
-    SPECTRUMAXIS_EMISSION = 0,
-    SPECTRUMAXIS_EXCITATION = 1,
-    SPECTRUMAXIS_TIME = 2
 };
 
 // Error codes of a run; errorText() has their texts.

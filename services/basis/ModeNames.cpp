@@ -19,10 +19,3 @@ int ModeNames::fromText(const QString& strText)
     }
     return -1;
 }
-
-QString axisLabel(int nAxis)
-{
-    static const QStringList texts = {QStringLiteral("Emission Wavelength [nm]"),
-                                      QStringLiteral("Excitation Wavelength [nm]"), QStringLiteral("Time Point [s]")};
-    return texts.value(nAxis);
-}

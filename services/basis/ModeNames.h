@@ -12,6 +12,3 @@ public:
     // By name without regard to case; -1 when there is none.
     static int fromText(const QString& strText);
 };
-
-// Label of the axis in a plot.
-QString axisLabel(int nAxis);

@@ -47,11 +47,3 @@ TEST(ModeNamesTest, AnythingElseIsNoMode)
         EXPECT_EQ(ModeNames::fromText(text), -1) << text;
     }
 }
-
-TEST(ModeNamesTest, TheAxisHasItsUnit)
-{
-    EXPECT_EQ(axisLabel(SPECTRUMAXIS_EMISSION), "Emission Wavelength [nm]");
-    EXPECT_EQ(axisLabel(SPECTRUMAXIS_EXCITATION), "Excitation Wavelength [nm]");
-    EXPECT_EQ(axisLabel(SPECTRUMAXIS_TIME), "Time Point [s]");
-    EXPECT_EQ(axisLabel(9), "");
-}
