@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <vector>
+#include "host/CIL1DData.h"
 
 // Counts of an image's values in bins of equal width.
-class CILHistogram
+class CILHistogram : public CIL1DData
 {
 public:
     void setMaxBins(unsigned long long bins) { m_nBins = bins < 1 ? 1 : bins; }
@@ -20,17 +20,11 @@ public:
     // The first call makes the bins when reset() has not.
     void add(double value);
 
-    const std::vector<double>& bins() const { return m_counts; }
-    std::vector<double>& bins() { return m_counts; }
-
     // Running sums of the bins, into `out` or, with null, in place.
     void integrate(CILHistogram* out);
-    // Of an integrated histogram: the first bin whose sum reaches `count`; the last bin when none does, 0 without bins.
-    int findLevel(float count) const;
 
 private:
     unsigned long long m_nBins = 256;
     double m_dMin = 0.0;
     double m_dMax = 0.0;
-    std::vector<double> m_counts;
 };

@@ -78,15 +78,24 @@ public:
 
     void setModified(bool bModified);
     bool isModified() const { return m_bModified; }
-    // Announces a change of `pSequence` to its listeners.
-    void sequencePropertyChanged(CORVSequenceDataset* pSequence);
 
     // Read directly by the system.
     bool isFluorescence = false;
+    // A second kind of fluorescence sequence, which is not unmixed as a tomography scan. Off unless the info file says
+    // otherwise.
+    bool isSecondKind = false;
     bool isTransillumination = false; // fluorescence was excited from below, spot by spot
+    // Whether an analysis of spectra can begin: luminescent images of two different filters at least, and not a scene
+    // alone. Set by open() and addDataset(); who finds it to be wrong clears it.
+    bool isSpectrallyAnalysable = false;
 
 Q_SIGNALS:
-    void propertyChanged(CORVSequenceDataset* pSequence);
+    // Raised by whoever changed `pSequence`.
+    void sequencePropertyChanged(CORVSequenceDataset* pSequence);
+    // Asks the tool to look at `pSequence` anew.
+    void updateSpumProperties(CORVSequenceDataset* pSequence);
+    // Asks the tool to offer to save a result of this sequence before it is gone.
+    void saveExistingAnalysisResult();
 
 private:
     bool readInfo(SequenceInfo* pInfo, QStringList* pWarnings);
@@ -97,6 +106,7 @@ private:
     // Takes over what the info file says, and the rest from the click infos.
     void takeOver(bool bDescribed, const SequenceInfo& info, QStringList* pWarnings);
     void reset();
+    bool hasSpectra() const;
 
     QString m_strId;
     QString m_strName;

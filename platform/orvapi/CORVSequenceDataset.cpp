@@ -10,6 +10,8 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QPair>
+#include <QSet>
 
 #include <algorithm>
 
@@ -100,7 +102,7 @@ void CORVSequenceDataset::reset()
     m_datasets.clear();
     m_adjust = tag_simageadjust();
     m_bKyvo = m_b3DSceneOnly = m_bCTScan = m_bCTComplete = m_bModified = false;
-    isFluorescence = isTransillumination = false;
+    isFluorescence = isSecondKind = isTransillumination = isSpectrallyAnalysable = false;
 }
 
 ESTATUS CORVSequenceDataset::open(const QString& strPath, QString* pError, QStringList* pWarnings)
@@ -228,7 +230,9 @@ void CORVSequenceDataset::takeOver(bool bDescribed, const SequenceInfo& info, QS
         info.transillumination.value_or(isFluorescence && all([](const CORVDataset& dataset) {
                                             return !dataset.getFLXspot().isEmpty() && !dataset.getFLYspot().isEmpty();
                                         }));
+    isSecondKind = info.secondKind;
     m_b3DSceneOnly = info.sceneOnly3D;
+    isSpectrallyAnalysable = hasSpectra();
     m_bCTScan = info.ctScan;
     m_bCTComplete = info.ctComplete;
     m_adjust = info.adjust;
@@ -261,7 +265,19 @@ bool CORVSequenceDataset::addDataset(CORVDataset* pDataset)
         return false;
     }
     m_datasets.append(QSharedPointer<CORVDataset>(pDataset));
+    isSpectrallyAnalysable = hasSpectra();
     return true;
+}
+
+bool CORVSequenceDataset::hasSpectra() const
+{
+    QSet<QPair<QString, QString>> filters;
+    for (const QSharedPointer<CORVDataset>& pDataset : m_datasets) {
+        if (pDataset->hasLuminescentImage) {
+            filters.insert({pDataset->getExcitationFilter(), pDataset->getEmissionFilter()});
+        }
+    }
+    return filters.size() > 1 && !m_b3DSceneOnly;
 }
 
 QList<CORVDataset*> CORVSequenceDataset::getDatasets() const
@@ -345,9 +361,4 @@ bool CORVSequenceDataset::calculateDecayCorrectFactor_CherenkovData(const QVecto
 void CORVSequenceDataset::setModified(bool bModified)
 {
     m_bModified = bModified;
-}
-
-void CORVSequenceDataset::sequencePropertyChanged(CORVSequenceDataset* pSequence)
-{
-    Q_EMIT propertyChanged(pSequence);
 }

@@ -18,6 +18,7 @@ constexpr const char* const kId = "Sequence ID";
 constexpr const char* const kName = "Sequence Name";
 constexpr const char* const kKind = "Kind"; // "spectral" or "temporal"
 constexpr const char* const kFluorescence = "Fluorescence";
+constexpr const char* const kSecondKind = "Second Kind"; // of fluorescence; written when set
 constexpr const char* const kTransillumination = "Transillumination";
 constexpr const char* const k3DSceneOnly = "3D Scene Only";
 constexpr const char* const kCTScan = "CT Scan"; // "none", "incomplete" or "complete"

@@ -156,6 +156,7 @@ bool readSequenceInfo(const CPLClickInfo& sections, const QString& strFile, Sequ
     }
     pInfo->fluorescence = reader.flag(kSequence, kFluorescence);
     pInfo->transillumination = reader.flag(kSequence, kTransillumination);
+    pInfo->secondKind = reader.flag(kSequence, kSecondKind).value_or(false);
     pInfo->sceneOnly3D = reader.flag(kSequence, k3DSceneOnly).value_or(false);
     const int scan = reader.choice(kSequence, kCTScan, {kCTNone, kCTIncomplete, kCTComplete});
     pInfo->ctScan = scan > 0;
@@ -175,6 +176,9 @@ CPLClickInfo sequenceInfoSections(const SequenceInfo& info)
     addEntry(sequence, kName, info.name);
     addEntry(sequence, kKind, QString::fromLatin1(info.temporal.value_or(false) ? kTemporal : kSpectral));
     addEntry(sequence, kFluorescence, flagText(info.fluorescence.value_or(false)));
+    if (info.secondKind) {
+        addEntry(sequence, kSecondKind, flagText(true));
+    }
     addEntry(sequence, kTransillumination, flagText(info.transillumination.value_or(false)));
     addEntry(sequence, k3DSceneOnly, flagText(info.sceneOnly3D));
     addEntry(sequence, kCTScan,

@@ -17,6 +17,7 @@ struct SequenceInfo
     std::optional<bool> temporal;
     std::optional<bool> fluorescence;
     std::optional<bool> transillumination;
+    bool secondKind = false;
     bool sceneOnly3D = false;
     bool ctScan = false;
     bool ctComplete = false;

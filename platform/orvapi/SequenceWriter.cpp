@@ -199,6 +199,7 @@ CPLClickInfo SequenceWriter::sequenceInfo() const
     info.temporal = m_description.temporal;
     info.fluorescence = m_description.fluorescence;
     info.transillumination = m_description.transillumination;
+    info.secondKind = m_description.secondKind;
     info.sceneOnly3D = m_description.sceneOnly3D;
     info.ctScan = m_description.ctScan;
     info.ctComplete = m_description.ctScan && m_description.ctComplete;

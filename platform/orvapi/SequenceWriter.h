@@ -21,6 +21,7 @@ struct SequenceDescription
     bool temporal = false;
     bool fluorescence = false;
     bool transillumination = false;
+    bool secondKind = false; // of fluorescence
     bool sceneOnly3D = false;
     bool ctScan = false;     // holds a CT scan
     bool ctComplete = false; // all of it; counts only with ctScan

@@ -39,17 +39,3 @@ void CILHistogram::integrate(CILHistogram* out)
     }
     std::partial_sum(m_counts.begin(), m_counts.end(), m_counts.begin());
 }
-
-int CILHistogram::findLevel(float count) const
-{
-    if (m_counts.empty()) {
-        return 0;
-    }
-    const auto wanted = static_cast<double>(count);
-    for (std::size_t i = 0; i < m_counts.size(); ++i) {
-        if (m_counts[i] >= wanted) {
-            return static_cast<int>(i);
-        }
-    }
-    return static_cast<int>(m_counts.size()) - 1;
-}

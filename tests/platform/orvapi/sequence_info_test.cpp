@@ -26,6 +26,7 @@ RC_GTEST_PROP(SequenceInfoLaw, WhatIsWrittenReadsBack, ())
     info.temporal = *rc::gen::arbitrary<bool>();
     info.fluorescence = *rc::gen::arbitrary<bool>();
     info.transillumination = *rc::gen::arbitrary<bool>();
+    info.secondKind = *rc::gen::arbitrary<bool>();
     info.sceneOnly3D = *rc::gen::arbitrary<bool>();
     info.ctScan = *rc::gen::arbitrary<bool>();
     info.ctComplete = info.ctScan && *rc::gen::arbitrary<bool>();
@@ -44,6 +45,7 @@ RC_GTEST_PROP(SequenceInfoLaw, WhatIsWrittenReadsBack, ())
     RC_ASSERT(read.id == info.id && read.name == info.name && read.folders == info.folders);
     RC_ASSERT(read.temporal == info.temporal && read.fluorescence == info.fluorescence);
     RC_ASSERT(read.transillumination == info.transillumination && read.sceneOnly3D == info.sceneOnly3D);
+    RC_ASSERT(read.secondKind == info.secondKind);
     RC_ASSERT(read.ctScan == info.ctScan && read.ctComplete == info.ctComplete);
     RC_ASSERT(read.adjust.m_nColorTable == info.adjust.m_nColorTable);
     RC_ASSERT(read.adjust.m_bReversed == info.adjust.m_bReversed && read.adjust.m_bLogScale == info.adjust.m_bLogScale);

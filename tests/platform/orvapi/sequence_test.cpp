@@ -429,10 +429,57 @@ TEST_F(SequenceTest, ChangesAreMarkedAndAnnounced)
     EXPECT_FALSE(sequence.isModified());
     sequence.setModified(true);
     EXPECT_TRUE(sequence.isModified());
-    QSignalSpy spy(&sequence, &CORVSequenceDataset::propertyChanged);
+    QSignalSpy changed(&sequence, &CORVSequenceDataset::sequencePropertyChanged);
+    QSignalSpy update(&sequence, SIGNAL(updateSpumProperties(CORVSequenceDataset*)));
+    QSignalSpy save(&sequence, SIGNAL(saveExistingAnalysisResult()));
     sequence.sequencePropertyChanged(&other);
-    ASSERT_EQ(spy.count(), 1);
-    EXPECT_EQ(spy.first().first().value<CORVSequenceDataset*>(), &other);
+    sequence.updateSpumProperties(&sequence);
+    sequence.saveExistingAnalysisResult();
+    ASSERT_EQ(changed.count(), 1);
+    EXPECT_EQ(changed.first().first().value<CORVSequenceDataset*>(), &other);
+    ASSERT_EQ(update.count(), 1);
+    EXPECT_EQ(update.first().first().value<CORVSequenceDataset*>(), &sequence);
+    EXPECT_EQ(save.count(), 1);
+}
+
+// The texts by which a tool connects.
+TEST_F(SequenceTest, ItsSignalsAreKnownByText)
+{
+    const QMetaObject& meta = CORVSequenceDataset::staticMetaObject;
+    for (const char* signature : {"sequencePropertyChanged(CORVSequenceDataset*)",
+                                  "updateSpumProperties(CORVSequenceDataset*)", "saveExistingAnalysisResult()"}) {
+        const int index = meta.indexOfSignal(signature);
+        ASSERT_GE(index, 0) << signature;
+        EXPECT_EQ(meta.method(index).methodType(), QMetaMethod::Signal);
+    }
+}
+
+TEST_F(SequenceTest, ImagesOfTwoFiltersCanBeAnalysed)
+{
+    writeThreeClicks();
+    CORVSequenceDataset sequence;
+    EXPECT_FALSE(sequence.isSpectrallyAnalysable);
+    expectOpens(sequence, m_strTarget);
+    EXPECT_TRUE(sequence.isSpectrallyAnalysable);
+    EXPECT_FALSE(sequence.isSecondKind);
+    // Those of one filter can not, nor can a scene.
+    CORVSequenceDataset made;
+    for (int i = 0; i < 3; ++i) {
+        auto pDataset = std::make_unique<CORVDataset>();
+        ASSERT_EQ(pDataset->open(inTarget(QStringLiteral("C%1").arg(i % 2 + 1))), ESTATUS_SUCCESS);
+        if (made.addDataset(pDataset.get())) {
+            pDataset.release();
+        }
+        EXPECT_EQ(made.isSpectrallyAnalysable, i > 0) << i;
+    }
+    SequenceDescription scene;
+    ASSERT_TRUE(QDir(m_strTarget).removeRecursively());
+    scene.sceneOnly3D = true;
+    scene.secondKind = true;
+    writeThreeClicks(scene);
+    expectOpens(sequence, m_strTarget);
+    EXPECT_FALSE(sequence.isSpectrallyAnalysable);
+    EXPECT_TRUE(sequence.isSecondKind);
 }
 
 TEST_F(SequenceTest, NumbersReadTheSameInAGermanLocale)

@@ -243,6 +243,8 @@ TEST(HistogramTest, LevelIsTheFirstBinThatReachesTheCount)
     EXPECT_EQ(3, histogram.findLevel(3.5F));
     EXPECT_EQ(3, histogram.findLevel(100.0F));
     EXPECT_EQ(0, CILHistogram().findLevel(1.0F));
+    const CIL1DData& row = histogram;
+    EXPECT_EQ(1, row.findLevel(2.0F));
 }
 
 TEST(HistogramTest, TheNinetyNinePointNinePercentLevelOfARamp)

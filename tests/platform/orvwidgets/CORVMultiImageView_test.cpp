@@ -14,7 +14,6 @@
 #include <QHelpEvent>
 #include <QOpenGLContext>
 #include <QPainter>
-#include <QSettings>
 #include <QSignalSpy>
 #include <QTest>
 #include <QToolTip>
