@@ -2,6 +2,7 @@
 #include "spectra/SpumKyvoSpectrumCtrl.h"
 
 #include "spectra/DefaultColors.h"
+#include "spectra/NameEdit.h"
 
 #include <QAction>
 #include <QCheckBox>
@@ -10,7 +11,6 @@
 #include <QHBoxLayout>
 #include <QHash>
 #include <QLabel>
-#include <QLineEdit>
 #include <QMenu>
 #include <QPainter>
 #include <QPixmap>
@@ -33,6 +33,7 @@ constexpr const char* shapeIcons[] = {":/Resource/pencilthin.xpm", ":/Resource/p
                                       ":/Resource/pencilthick.xpm"};
 constexpr int shapeCount = 3;
 constexpr int shapeMedium = 1;
+constexpr int swatchWidth = 56; // pixels of the colour combo that its swatch and its arrow take
 
 QIcon swatchIcon(const QString& colorName)
 {
@@ -82,9 +83,9 @@ SpumKyvoSpectrumCtrl::SpumKyvoSpectrumCtrl(QWidget* parent, bool withImport, boo
     }
     m_pLayout->addWidget(m_pSelectBox);
 
-    m_pNameEdit = new QLineEdit(QStringLiteral("NoName"), parent);
+    m_pNameEdit = new NameEdit(QStringLiteral("NoName"), parent);
     m_pNameEdit->setEnabled(false);
-    m_pLayout->addWidget(m_pNameEdit);
+    m_pLayout->addWidget(m_pNameEdit, 2);
 
     buildColorCombo(parent);
     buildTool(parent, withImport);
@@ -105,11 +106,14 @@ void SpumKyvoSpectrumCtrl::buildColorCombo(QWidget* parent)
 {
     m_pColorCombo = new QComboBox(parent);
     m_pColorCombo->setMinimumContentsLength(15);
+    // In a narrow list the swatch tells enough, and two thirds of the room are the name's.
+    m_pColorCombo->setMinimumWidth(swatchWidth);
+    m_pColorCombo->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
     for (const QString& name : defaultSpectrumColors()) {
         m_colorEntries.append({name, swatchIcon(name)});
         m_pColorCombo->addItem(m_colorEntries.last().icon, name);
     }
-    m_pLayout->addWidget(m_pColorCombo);
+    m_pLayout->addWidget(m_pColorCombo, 1);
 }
 
 void SpumKyvoSpectrumCtrl::buildTool(QWidget* parent, bool withImport)

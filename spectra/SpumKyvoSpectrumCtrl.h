@@ -9,12 +9,12 @@
 #include <QString>
 #include <QVector>
 
+class NameEdit;
 class QAbstractButton;
 class QAction;
 class QComboBox;
 class QHBoxLayout;
 class QLabel;
-class QLineEdit;
 class QMenu;
 class QToolButton;
 class QWidget;
@@ -59,7 +59,7 @@ public:
     int m_nCurveId = -1;
     bool m_bMultiSelect = true;
     QPointer<QAbstractButton> m_pSelectBox; // QCheckBox or QRadioButton
-    QPointer<QLineEdit> m_pNameEdit;
+    QPointer<NameEdit> m_pNameEdit;
     QPointer<QComboBox> m_pColorCombo;
     QPointer<QMenu> m_pToolMenu;
     QPointer<QToolButton> m_pToolButton;

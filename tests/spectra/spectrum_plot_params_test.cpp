@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "spectra/SpectrumPlotParams.h"
 
+#include "spectra/NameEdit.h"
 #include "spectra/SpumKyvoSpectrumCtrl.h"
 
 #include <QAbstractButton>
 #include <QDomDocument>
-#include <QLineEdit>
 #include <QLocale>
 #include <QSharedPointer>
 #include <QWidget>

@@ -2,13 +2,13 @@
 #include "spectra/SpumKyvoSpectrumCtrl.h"
 
 #include "spectra/DefaultColors.h"
+#include "spectra/NameEdit.h"
 
 #include <QAction>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QHBoxLayout>
 #include <QLabel>
-#include <QLineEdit>
 #include <QMenu>
 #include <QPixmap>
 #include <QRadioButton>
