@@ -32,6 +32,14 @@ function(orv_precompile target headers)
   endif()
 endfunction()
 
+# orv_forms(<target> <root>)
+# The forms (.ui) of a target. "X.ui" of a folder below <root> is reached as "folder/ui_X.h"; what uic writes counts as a
+# header of the system, as it does not pass our warnings.
+function(orv_forms target root)
+  set_target_properties(${target} PROPERTIES AUTOUIC ON AUTOUIC_SEARCH_PATHS ${root})
+  target_include_directories(${target} SYSTEM PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/${target}_autogen/include)
+endfunction()
+
 # orv_room(NAME SHARED|STATIC LINK <public libraries> PRIVATE_LINK <private libraries> [MOC_HEADERS <headers>]
 #          [EXCLUDE <files>])
 # One library from every .cpp and .h below the calling folder, but for the files that are excluded.
@@ -45,6 +53,7 @@ function(orv_room name kind)
   endforeach()
   add_library(${name} ${kind} ${sources} ${headers} ${A_MOC_HEADERS})
   set_target_properties(${name} PROPERTIES AUTOMOC ON AUTORCC ON)
+  orv_forms(${name} ${CMAKE_SOURCE_DIR})
   orv_room_headers(TARGET ${name} FILES ${headers})
   target_link_libraries(${name} PUBLIC ${A_LINK} PRIVATE ${A_PRIVATE_LINK})
   if("host" IN_LIST A_LINK)
@@ -55,28 +64,42 @@ function(orv_room name kind)
   endif()
 endfunction()
 
-# orv_test(NAME <folder> LINK <libraries> [TIMEOUT <seconds>] [XVFB]): one GoogleTest program from every .cpp of a folder
-# of tests/, known to CTest. With XVFB it runs on an X server of its own, with OpenGL by Mesa's software renderer.
+# orv_test(NAME <folder> LINK <libraries> [TIMEOUT <seconds>] [SHARDS <count>] [XVFB]): one GoogleTest program from every
+# .cpp of a folder of tests/, known to CTest. With XVFB it runs on an X server of its own, with OpenGL by Mesa's software
+# renderer. A long one is cut into SHARDS runs, each with its share of the tests, for a machine of several processors.
 function(orv_test name)
-  cmake_parse_arguments(A "XVFB" "TIMEOUT" "LINK" ${ARGN})
+  cmake_parse_arguments(A "XVFB" "TIMEOUT;SHARDS" "LINK" ${ARGN})
   file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
   if(NOT A_TIMEOUT)
     set(A_TIMEOUT 300)
   endif()
   add_executable(${name} ${sources} ${CMAKE_SOURCE_DIR}/tests/support/main.cpp)
   set_target_properties(${name} PROPERTIES AUTOMOC ON RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
+  orv_forms(${name} ${CMAKE_SOURCE_DIR}/tests)
   target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
   target_compile_definitions(${name} PRIVATE ORV_SOURCE_DIR="${CMAKE_SOURCE_DIR}" ORV_BINARY_DIR="${CMAKE_BINARY_DIR}")
   target_link_libraries(${name} PRIVATE ${A_LINK} GTest::gmock GTest::gtest rapidcheck rapidcheck_gtest Qt5::Widgets Qt5::Test)
   # A test is compiled more often than it is run; what it tests keeps its full optimisation.
   target_compile_options(${name} PRIVATE -O1)
   orv_precompile(${name} precompiled_tests)
+  set(command $<TARGET_FILE:${name}>)
   if(A_XVFB)
-    add_test(NAME ${name} COMMAND ${CMAKE_SOURCE_DIR}/scripts/with-xvfb.sh $<TARGET_FILE:${name}>)
-  else()
-    add_test(NAME ${name} COMMAND ${name})
+    set(command ${CMAKE_SOURCE_DIR}/scripts/with-xvfb.sh ${command})
   endif()
-  set_tests_properties(${name} PROPERTIES TIMEOUT ${A_TIMEOUT})
+  if(NOT A_SHARDS)
+    set(A_SHARDS 1)
+  endif()
+  math(EXPR last "${A_SHARDS} - 1")
+  foreach(shard RANGE ${last})
+    set(test ${name})
+    if(A_SHARDS GREATER 1)
+      math(EXPR number "${shard} + 1")
+      set(test ${name}_${number}_of_${A_SHARDS})
+    endif()
+    add_test(NAME ${test} COMMAND ${command})
+    set_tests_properties(${test} PROPERTIES TIMEOUT ${A_TIMEOUT}
+      ENVIRONMENT "GTEST_TOTAL_SHARDS=${A_SHARDS};GTEST_SHARD_INDEX=${shard}")
+  endforeach()
 endfunction()
 
 # orv_bench(NAME LINK <libraries>): one Google Benchmark program from <name>.cpp of the calling folder.
