@@ -82,6 +82,7 @@ function(orv_test name)
   # A test is compiled more often than it is run; what it tests keeps its full optimisation.
   target_compile_options(${name} PRIVATE -O1)
   orv_precompile(${name} precompiled_tests)
+  add_dependencies(${name} test_locales)
   set(command $<TARGET_FILE:${name}>)
   if(A_XVFB)
     set(command ${CMAKE_SOURCE_DIR}/scripts/with-xvfb.sh ${command})

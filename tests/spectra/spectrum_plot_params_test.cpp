@@ -3,14 +3,13 @@
 
 #include "spectra/NameEdit.h"
 #include "spectra/SpumKyvoSpectrumCtrl.h"
+#include "support/ForeignLocale.h"
 
 #include <QAbstractButton>
 #include <QDomDocument>
-#include <QLocale>
 #include <QSharedPointer>
 #include <QWidget>
 
-#include <clocale>
 #include <cmath>
 #include <limits>
 
@@ -71,29 +70,6 @@ QDomElement parse(QDomDocument& doc, const QString& text)
     return doc.documentElement();
 }
 
-// Sets the locale of the C library to one with a decimal comma, if there is one, until the end of a test.
-class CommaLocale
-{
-public:
-    CommaLocale() : m_old(std::setlocale(LC_NUMERIC, nullptr))
-    {
-        QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
-        for (const char* name : {"de_DE.UTF-8", "de_DE.utf8", "de_DE", "fr_FR.UTF-8", "fr_FR.utf8"}) {
-            if (std::setlocale(LC_NUMERIC, name) != nullptr) {
-                break;
-            }
-        }
-    }
-    ~CommaLocale()
-    {
-        std::setlocale(LC_NUMERIC, m_old.c_str());
-        QLocale::setDefault(QLocale::c());
-    }
-
-private:
-    std::string m_old;
-};
-
 } // namespace
 
 TEST(SpectrumPlotParamsTest, StartsWithTheDefaults)
@@ -125,7 +101,7 @@ TEST(SpectrumPlotParamsTest, AxisValuesAreTheSecondTextsButOnTheExcitationAxis)
 
 TEST(SpectrumPlotParamsTest, AxisValuesDoNotFollowTheLocale)
 {
-    const CommaLocale locale;
+    const testsupport::ForeignLocale locale;
     EXPECT_EQ(listOf(makeSpectrum({{"", "540.5", 0}}).axisValues()), (std::vector<double>{540.5}));
 }
 
@@ -516,7 +492,7 @@ TEST(SpectrumXmlTest, ReplacesThePointsByTheSpectrumChildrenInTheirOrder)
 
 TEST(SpectrumXmlTest, NumbersDoNotFollowTheLocale)
 {
-    const CommaLocale locale;
+    const testsupport::ForeignLocale locale;
     const SpectrumPlotParams read = throughXml(makeSpectrum({{"500", "540.5", 0.125}, {"500", "541", -1234567.5}}));
     EXPECT_EQ(listOf(read.values()), (std::vector<double>{0.125, -1234567.5}));
 }

@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Loading a result of version 2.
 #include "ResultFixture.h"
+#include "support/ForeignLocale.h"
 
-#include <QLocale>
 #include <QSignalSpy>
-
-#include <clocale>
 
 namespace {
 
@@ -379,20 +377,14 @@ TEST_F(LoadResultTest, AttributesAreReadInAnyOrder)
 
 TEST_F(LoadResultTest, NumbersAreReadAndWrittenInAnyLocale)
 {
-    const std::string strEarlier = std::setlocale(LC_ALL, nullptr);
     m_first.analyse();
     m_first->m_scaleRatios[0] = {0.25, 0.5, 1.0};
     const QString strFirst = withoutMoment(m_first->resultToXml());
-    if (std::setlocale(LC_ALL, "de_DE.UTF-8") == nullptr) {
-        std::setlocale(LC_ALL, "C");
-    }
-    QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
+    const testsupport::ForeignLocale locale;
     EXPECT_EQ(withoutMoment(m_first->resultToXml()), strFirst);
     EXPECT_TRUE(m_second->loadResult(strFirst));
     EXPECT_EQ(m_second->m_scaleRatios.first().MinRatio, 0.25);
     EXPECT_EQ(withoutMoment(m_second->resultToXml()), strFirst);
-    QLocale::setDefault(QLocale::system());
-    std::setlocale(LC_ALL, strEarlier.c_str());
 }
 
 // Its maps have every pixel; a mask of before without its pixels would put them nowhere.

@@ -2,13 +2,11 @@
 #include "storage/resultElements.h"
 
 #include "spectra/SpectrumPlotParams.h"
+#include "support/ForeignLocale.h"
 
 #include <QDomDocument>
-#include <QLocale>
 
 #include <gtest/gtest.h>
-
-#include <clocale>
 
 using namespace resultElements;
 
@@ -63,9 +61,7 @@ TEST(PairsOfResultTest, OtherwiseTheFirstSpectrumHasTheAuthority)
 
 TEST_F(ElementTest, NumbersHaveSixteenDigitsAndAPointInAnyLocale)
 {
-    const std::string strEarlier = std::setlocale(LC_ALL, nullptr);
-    const bool bGerman = std::setlocale(LC_ALL, "de_DE.UTF-8") != nullptr;
-    QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
+    const testsupport::ForeignLocale locale;
     EXPECT_EQ(numberText(2.0), QString("2"));
     EXPECT_EQ(numberText(0.1), QString("0.1"));
     EXPECT_EQ(numberText(1.0 / 3.0), QString("0.3333333333333333"));
@@ -76,9 +72,6 @@ TEST_F(ElementTest, NumbersHaveSixteenDigitsAndAPointInAnyLocale)
     const QDomElement display = parse("<d><r MinRatio=\"0.25\" MaxRatio=\"0,5\"/></d>");
     EXPECT_EQ(readDisplay(display).ratios.first().MinRatio, 0.25);
     EXPECT_EQ(readDisplay(display).ratios.first().MaxRatio, 0.0);
-    QLocale::setDefault(QLocale::system());
-    std::setlocale(LC_ALL, strEarlier.c_str());
-    RecordProperty("german_locale", bGerman ? 1 : 0);
 }
 
 TEST_F(ElementTest, PairsStandAsColumnAndRow)

@@ -1,10 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "SequenceFolders.h"
+#include "support/ForeignLocale.h"
 
-#include <QLocale>
 #include <QSignalSpy>
-
-#include <clocale>
 
 using namespace sequencefolders;
 
@@ -484,10 +482,7 @@ TEST_F(SequenceTest, ImagesOfTwoFiltersCanBeAnalysed)
 
 TEST_F(SequenceTest, NumbersReadTheSameInAGermanLocale)
 {
-    const QLocale before;
-    QLocale::setDefault(QLocale(QLocale::German));
-    const std::string numeric = std::setlocale(LC_NUMERIC, nullptr);
-    std::setlocale(LC_NUMERIC, "de_DE.UTF-8");
+    const testsupport::ForeignLocale locale;
     writeThreeClicks();
     CORVSequenceDataset sequence;
     expectOpens(sequence, m_strTarget);
@@ -496,8 +491,6 @@ TEST_F(SequenceTest, NumbersReadTheSameInAGermanLocale)
     double factor = 0.0;
     EXPECT_TRUE(pDataset->intensityCalibration(IMAGETYPE_MAIN_DATA, "photons", &factor));
     EXPECT_NEAR(factor, 25000.0, 1e-6);
-    std::setlocale(LC_NUMERIC, numeric.c_str());
-    QLocale::setDefault(before);
 }
 
 } // namespace

@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/CPLSection.h"
-
-#include <QLocale>
+#include "support/ForeignLocale.h"
 
 #include <gtest/gtest.h>
 
-#include <clocale>
 #include <limits>
 #include <string>
 
@@ -173,15 +171,7 @@ TEST(SectionTest, NumberBeyondTheRangeOfAFloatIsRefused)
 
 TEST(SectionTest, NumbersAreThoseOfTheCLocaleUnderAnother)
 {
-    const std::string earlier = std::setlocale(LC_ALL, nullptr);
-    const QLocale earlierLocale;
-    // Where the system has no such locale the one of Qt still differs.
-    for (const char* pName : {"de_DE.UTF-8", "de_DE", "fr_FR.UTF-8"}) {
-        if (std::setlocale(LC_ALL, pName)) {
-            break;
-        }
-    }
-    QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
+    const testsupport::ForeignLocale locale;
     double real = 0.0;
     CPLSection section = withValue("1234.5");
     section.setValue("n", 1234567);
@@ -190,8 +180,6 @@ TEST(SectionTest, NumbersAreThoseOfTheCLocaleUnderAnother)
     section.getValue("n", &text);
     double comma = 0.0;
     const int commaStatus = withValue("1234,5").getValue("k", &comma);
-    QLocale::setDefault(earlierLocale);
-    std::setlocale(LC_ALL, earlier.c_str());
     EXPECT_EQ(status, 0);
     EXPECT_EQ(real, 1234.5);
     EXPECT_EQ(text, "1234567");
