@@ -6,7 +6,7 @@ PREFIX ?= $(CURDIR)/build/install
 BUILD = build/$(PRESET)
 export QT_QPA_PLATFORM ?= offscreen
 
-.PHONY: all deps configure build demo test bench sanitize tsan fuzz format format-check tidy reproducible install clean
+.PHONY: all deps configure build demo test bench sanitize tsan fuzz format format-check tidy tidy-changed reproducible install clean
 
 all: build
 
@@ -24,7 +24,7 @@ demo: configure
 	@scripts/demo.sh $(BUILD)/bin/spum demo
 
 test: build
-	@ctest --test-dir $(BUILD) --output-on-failure
+	@ctest --test-dir $(BUILD) --output-on-failure -j$(JOBS)
 
 # Recorded, never asserted on: docs/performance.md says how to read the figures.
 bench: build
@@ -53,8 +53,12 @@ format: deps
 format-check: deps
 	@git ls-files '*.h' '*.cpp' | xargs clang-format --dry-run -Werror
 
-tidy: configure
-	@git ls-files '*.cpp' | grep -v '^tests/\|^fuzz/\|^bench/' | xargs -P $(JOBS) -n 4 clang-tidy -p $(BUILD) --quiet
+tidy: deps
+	@JOBS=$(JOBS) scripts/tidy.sh
+
+# What changed since the history parted from BASE (a branch, say), or lately.
+tidy-changed: deps
+	@JOBS=$(JOBS) scripts/tidy.sh --changed $(BASE)
 
 # Builds the commit twice, in folders of different names, and compares the bytes; takes a while.
 reproducible: deps

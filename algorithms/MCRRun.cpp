@@ -9,9 +9,6 @@
 #include <cmath>
 #include <iostream>
 
-using XTNT::Matrix;
-using XTNT::Vector;
-
 namespace {
 
 enum Result

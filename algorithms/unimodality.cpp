@@ -67,7 +67,7 @@ private:
         case Average:
             return average(i, i + m_inward, cur);
         case WideAverage:
-            return average(i, i + 2 * m_inward, cur);
+            return average(i, i + 2LL * m_inward, cur);
         default:
             return i;
         }
@@ -86,7 +86,7 @@ private:
         const double mean = (at(i) + at(other)) / 2;
         at(i) = mean;
         at(i + m_inward) = mean;
-        return std::clamp(i + 2 * m_inward, 0LL, m_a.num_rows() - 1);
+        return std::clamp(i + 2LL * m_inward, 0LL, m_a.num_rows() - 1);
     }
 
     XTNT::Matrix<double>& m_a;

@@ -87,11 +87,11 @@ std::vector<int> modes(const std::vector<double>& h)
     while (begin < n) {
         int end = begin;
         const double level = h[static_cast<std::size_t>(begin)];
-        while (end + 1 < n && h[static_cast<std::size_t>(end + 1)] == level) {
+        while (end + 1 < n && h[static_cast<std::size_t>(end) + 1] == level) {
             ++end;
         }
         const bool leftLower = begin == 0 || h[static_cast<std::size_t>(begin - 1)] < level;
-        const bool rightLower = end == n - 1 || h[static_cast<std::size_t>(end + 1)] < level;
+        const bool rightLower = end == n - 1 || h[static_cast<std::size_t>(end) + 1] < level;
         if (leftLower && rightLower && level > 0.0) {
             found.push_back((begin + end) / 2);
         }

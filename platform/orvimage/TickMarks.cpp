@@ -50,8 +50,8 @@ std::vector<double> tickValues(double minimum, double maximum, int most)
         step = niceStep(step * 1.5);
     }
     std::vector<double> values;
-    for (double i = first; i <= last; i += 1.0) {
-        values.push_back(i * step);
+    for (int i = 0; first + i <= last; ++i) {
+        values.push_back((first + i) * step);
     }
     if (values.empty()) {
         values.push_back(minimum);

@@ -223,8 +223,10 @@ void PageReader::storeAs(const Block& block, CILImage& out)
                 if (m_channels.count == 3) {
                     pixel = orvimage::toPixel<Pixel>(luma(first[at], row(1)[at], row(2)[at]));
                 } else if (turn) {
+                    // NOLINTNEXTLINE(bugprone-signed-char-misuse)
                     pixel = static_cast<Pixel>(std::numeric_limits<Sample>::max() - first[at]);
                 } else {
+                    // NOLINTNEXTLINE(bugprone-signed-char-misuse): a signed sample keeps its sign
                     pixel = static_cast<Pixel>(first[at]);
                 }
             }

