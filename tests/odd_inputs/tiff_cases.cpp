@@ -29,10 +29,8 @@ OddCase pages(const QByteArray& name, const std::function<QByteArray()>& bytes, 
             says};
 }
 
-QString unreadable(const QString& reason)
-{
-    return QStringLiteral("{path}: not a readable TIFF file (%1)").arg(reason);
-}
+// What the library of TIFF files has to say stands between the brackets, and changes with its releases.
+const QString unreadable = QStringLiteral("{path}: not a readable TIFF file ({...})");
 
 QString tooMuch(const QString& claim)
 {
@@ -47,14 +45,11 @@ OddCases cut()
         cases.insert(cases.end(), more.begin(), more.end());
     };
     const QString lacks = tooMuch("32 x 32 x 1 samples of 16 bits");
-    const QString row =
-        QStringLiteral("{path}: the pixels from row {n} on cannot be read (Read error; got {n} bytes, expected {n})");
-    const QString noDirectory = unreadable("{...}");
+    const QString row = QStringLiteral("{path}: the pixels from row {n} on cannot be read ({...})");
     add("InStrips", OddTiff(), {lacks, lacks, lacks, lacks, lacks, lacks, lacks, lacks, lacks});
-    add("WithDirectoryLast", OddTiff().directoryLast(), std::vector<QString>(9, noDirectory));
-    add("BigInDeflatedTiles", OddTiff().big().tiled().deflated(),
-        {noDirectory, row, row, row, row, row, row, row, row});
-    add("OfTheOtherByteOrder", OddTiff().motorola().deflated(), {noDirectory, row, row, row, row, row, row, row, row});
+    add("WithDirectoryLast", OddTiff().directoryLast(), std::vector<QString>(9, unreadable));
+    add("BigInDeflatedTiles", OddTiff().big().tiled().deflated(), {unreadable, row, row, row, row, row, row, row, row});
+    add("OfTheOtherByteOrder", OddTiff().motorola().deflated(), {unreadable, row, row, row, row, row, row, row, row});
     return cases;
 }
 
@@ -64,42 +59,34 @@ OddCases headers()
         tiff(
             "Empty", [] { return QByteArray(); }, C::Refused, "{path}: the file is empty"),
         tiff(
-            "OfOneByte", [] { return QByteArray("I"); }, C::Refused, unreadable("Cannot read TIFF header")),
+            "OfOneByte", [] { return QByteArray("I"); }, C::Refused, unreadable),
         tiff(
-            "OfZeroBytes", [] { return QByteArray(4096, '\0'); }, C::Refused,
-            unreadable("Not a TIFF or MDI file, bad magic number 0 (0x0)")),
+            "OfZeroBytes", [] { return QByteArray(4096, '\0'); }, C::Refused, unreadable),
         tiff(
-            "ThatIsAPicture", [] { return QByteArray("\x89PNG\r\n\x1a\n"); }, C::Refused,
-            unreadable("Not a TIFF or MDI file, bad magic number 20617 (0x5089)")),
+            "ThatIsAPicture", [] { return QByteArray("\x89PNG\r\n\x1a\n"); }, C::Refused, unreadable),
         tiff(
-            "ThatIsText", [] { return OddTexts::clickInfo("N1", "500nm"); }, C::Refused,
-            unreadable("Not a TIFF or MDI file, bad magic number 8227 (0x2023)")),
+            "ThatIsText", [] { return OddTexts::clickInfo("N1", "500nm"); }, C::Refused, unreadable),
         tiff(
-            "OfUnknownVersion", [] { return OddTiff().bytes().replace(2, 1, "\x63"); }, C::Refused,
-            unreadable("Not a TIFF file, bad version number 99 (0x63)")),
+            "OfUnknownVersion", [] { return OddTiff().bytes().replace(2, 1, "\x63"); }, C::Refused, unreadable),
         tiff(
             "WithDirectoryBeyondTheEnd",
-            [] { return OddTiff().bytes().replace(4, 4, QByteArray("\xff\xff\xff\x7f", 4)); }, C::Refused,
-            unreadable("Can not read TIFF directory count")),
+            [] { return OddTiff().bytes().replace(4, 4, QByteArray("\xff\xff\xff\x7f", 4)); }, C::Refused, unreadable),
         tiff(
             "WithDirectoryAtItsStart", [] { return OddTiff().bytes().replace(4, 4, QByteArray(4, '\0')); }, C::Refused,
             "{path}: not a TIFF file"),
         tiff(
-            "Of65535Entries", [] { return OddTiff().bytes().replace(8, 2, "\xff\xff"); }, C::Refused,
-            unreadable("Sanity check on directory count failed, {...}")),
+            "Of65535Entries", [] { return OddTiff().bytes().replace(8, 2, "\xff\xff"); }, C::Refused, unreadable),
         tiff(
             "BigOfEndlessEntries", [] { return OddTiff().big().bytes().replace(16, 8, QByteArray(8, '\xff')); },
-            C::Refused, unreadable("Sanity check on directory count failed, {...}")),
+            C::Refused, unreadable),
         tiff(
-            "WithoutWidth", [] { return OddTiff().remove(T::Width).bytes(); }, C::Refused,
-            unreadable("Computed scanline size is zero")),
+            "WithoutWidth", [] { return OddTiff().remove(T::Width).bytes(); }, C::Refused, unreadable),
         tiff(
-            "OfNoWidth", [] { return OddTiff().set(T::Width, T::Long, {0}).bytes(); }, C::Refused,
-            unreadable("Computed scanline size is zero")),
+            "OfNoWidth", [] { return OddTiff().set(T::Width, T::Long, {0}).bytes(); }, C::Refused, unreadable),
         tiff(
             "OfHugeSize",
             [] { return OddTiff().set(T::Width, T::Long, {0xffffffff}).set(T::Height, T::Long, {0xffffffff}).bytes(); },
-            C::Refused, unreadable("Cannot handle zero number of strips")),
+            C::Refused, unreadable),
         tiff(
             "OfThousandMillionPixels",
             [] { return OddTiff().set(T::Width, T::Long, {40000}).set(T::Height, T::Long, {25000}).bytes(); },
@@ -118,7 +105,7 @@ OddCases headers()
             "{path}: 16 bit samples of format 3 are not supported"),
         tiff(
             "OfUnknownCompression", [] { return OddTiff().set(T::Compression, T::Short, {54321}).bytes(); }, C::Refused,
-            "{path}: the pixels from row 0 on cannot be read (Compression scheme 54321 {...})"),
+            "{path}: the pixels from row 0 on cannot be read ({...})"),
         tiff(
             "WithEightMillionStrips",
             [] {
@@ -129,7 +116,7 @@ OddCases headers()
                     .set(T::RowsPerStrip, T::Short, {1})
                     .bytes();
             },
-            C::Refused, unreadable("Incorrect count for \"StripOffsets\"")),
+            C::Refused, unreadable),
         tiff(
             "WithEndlessTableOfStrips", [] { return OddTiff().claim(T::Offsets, T::Long, 0x3fffffff, 8).bytes(); },
             C::Refused, "{path}: the pixels from row {n} on cannot be read ({...})"),
@@ -146,7 +133,7 @@ OddCases headers()
         tiff(
             "WithStripsBeyondTheEnd",
             [] { return OddTiff().set(T::Offsets, T::Long, std::vector<quint64>(8, 0x7fffff00)).bytes(); }, C::Refused,
-            "{path}: the pixels from row 0 on cannot be read (Read error; got 0 bytes, expected 256)"),
+            "{path}: the pixels from row 0 on cannot be read ({...})"),
         tiff(
             "WithTilesOfHugeSize",
             [] {
@@ -159,11 +146,11 @@ OddCases headers()
             C::Refused, tooMuch("32 x 32 x 1 samples of 16 bits")),
         tiff(
             "WithTilesOfNoSize", [] { return OddTiff().tiled().set(T::TileWidth, T::Long, {0}).bytes(); }, C::Refused,
-            unreadable("Cannot handle zero number of tiles")),
+            unreadable),
         tiff(
             "WithGarbledDeflate",
             [] { return OddTiff().deflated().setBlocks(std::vector<QByteArray>(8, QByteArray(64, '\x55'))).bytes(); },
-            C::Refused, "{path}: the pixels from row 0 on cannot be read (Decoding error{...})"),
+            C::Refused, "{path}: the pixels from row 0 on cannot be read ({...})"),
         tiff(
             "WithTextOfFourGigabytes", [] { return OddTiff().claim(T::Description, T::Ascii, 0xfffffff0, 8).bytes(); },
             C::Silent, soundGist),

@@ -264,23 +264,20 @@ TEST_F(ImportProgramTest, ColoursAreGreyValues)
 // prevails, and their maps.
 TEST_F(ImportProgramTest, RealCellsAreImportedAndUnmixed)
 {
-    const QString cells = QStringLiteral(ORV_SOURCE_DIR "/../shared/data/cells");
-    if (!QDir(cells).exists()) {
-        GTEST_SKIP() << "the images of cells are not beside the source: " << qPrintable(cells);
-    }
+    const QString cells = QStringLiteral(ORV_SOURCE_DIR "/tests/images/cells");
     // The files have a colour map, which the importer warns of.
     const QJsonObject imported = spum({"import", cells, "cells", "--images", cells + "/images.csv", "--json"}).json();
     EXPECT_EQ(imported["images"], 12);
-    EXPECT_EQ(imported["width"], 512);
+    EXPECT_EQ(imported["width"], 128);
     const QJsonObject info = succeed({"info", "cells", "--json"}).json();
     EXPECT_EQ(info["analysable"], true);
     EXPECT_EQ(info["unit"], "Counts");
     EXPECT_TRUE(info["photograph"].toString().contains("mean image"));
-    succeed({"library", "save", "stains", "--sequence", "cells", "--region", "tubulin=240,496,16,8", "--region",
-             "actin=440,88,8,24", "--region", "nucleic acid=16,88,16,8"});
+    succeed({"library", "save", "stains", "--sequence", "cells", "--region", "tubulin=60,124,4,2", "--region",
+             "actin=110,22,2,6", "--region", "nucleic acid=4,22,4,2"});
     const QJsonObject json = succeed({"unmix", "cells", "--library", "stains", "--json", "--out", "out"}).json();
     EXPECT_EQ(json["images"], 12);
-    EXPECT_EQ(json["pixels"], 512 * 512);
+    EXPECT_EQ(json["pixels"], 128 * 128);
     ASSERT_EQ(json["components"].toArray().size(), 3);
     double shares = 0.0;
     for (const auto& component : json["components"].toArray()) {
