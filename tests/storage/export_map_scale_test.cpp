@@ -62,6 +62,30 @@ TEST_F(ExportMapScaleTest, TheCalibrationOfAllPixelsCancels)
     EXPECT_EQ(image.dataType(), ORVTYPE_FLOAT);
 }
 
+TEST_F(ExportMapScaleTest, ItsMinimumAndMaximumAreThoseOfThePixels)
+{
+    CORVDataset& dataset = source([](int i) { return 3.0F + static_cast<float>(i); });
+    CILImage image = map(4);
+    image.m_dMin = -5.0;
+    image.m_dMax = 1000.0;
+    ASSERT_TRUE(scaleMapBySource(dataset, image));
+    EXPECT_NEAR(image.Min(), 0.25, 1e-6);
+    EXPECT_NEAR(image.Max(), 15.25, 1e-5);
+}
+
+TEST_F(ExportMapScaleTest, ALargeCalibrationDoesNotExceedTheRangeOfFloats)
+{
+    // 1e38 p/s/cm^2/sr a count: sixteen of them are more than a float holds.
+    CORVDataset& dataset = source([](int) { return 0.5F; });
+    dataset.clickInfo[QString("Camera System Info")]->setValue("Photons per Count", "5e37");
+    double dCalibration = 0.0;
+    ASSERT_TRUE(ORV_getImageIntensityCalibrationValue(IMAGETYPE_LUMINESCENT, &dataset, "photons", &dCalibration));
+    ASSERT_NEAR(dCalibration, 1e38, 1e32);
+    CILImage image = map(4);
+    ASSERT_TRUE(scaleMapBySource(dataset, image));
+    expectUnchanged(image, 1e-6); // the ratio is so small that it has fewer digits
+}
+
 TEST_F(ExportMapScaleTest, WhereTheSourceIsDarkTheMapKeepsItsValue)
 {
     CORVDataset& dataset = source([](int i) { return i % 3 == 0 ? 0.0F : 5.0F; });

@@ -230,6 +230,10 @@ TEST_F(ResultReportTest, TellsNumbersSettingsAndCommand)
     ASSERT_EQ(content.components.rows.size(), 2);
     EXPECT_EQ(content.components.rows[0].mid(0, 3),
               (QStringList{QStringLiteral("Dye A"), QStringLiteral("25 %"), QStringLiteral("4")}));
+    // The images in which the components' spectra are largest.
+    EXPECT_EQ(content.components.header.value(3), QStringLiteral("Peak"));
+    EXPECT_EQ(content.components.rows[0].value(3), QStringLiteral("640 / 700"));
+    EXPECT_EQ(content.components.rows[1].value(3), QStringLiteral("640 / 740"));
     EXPECT_EQ(content.components.colors, (QStringList{QStringLiteral("lime"), QStringLiteral("red")}));
     EXPECT_EQ(content.plots.size(), 1);
     EXPECT_EQ(content.command, frame.command);

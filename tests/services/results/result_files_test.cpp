@@ -10,6 +10,7 @@
 #include <QImage>
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QRegularExpression>
 
 #include <cmath>
 #include <limits>
@@ -218,6 +219,60 @@ TEST_F(ResultFilesTest, ANameWithASlashStaysInTheFolder)
     engine().m_spectrumPlots[0]->settings.name = "../Dye";
     writeFiles();
     EXPECT_TRUE(entriesOf(out()).contains("01__..Dye.tif")) << qPrintable(entriesOf(out()).join(' '));
+}
+
+TEST_F(ResultFilesTest, MapsOfSeveralSpotsAreNumberedFromOne)
+{
+    analyse();
+    engine().m_cube.m_nSpots = 2;
+    engine().m_spots = QStringList{"0,0", "1,0"};
+    // The second spot sees the same, brighter by 100.
+    XTNT::Matrix<double> concentrations(2, 2 * side * side);
+    for (int k = 0; k < 2; ++k) {
+        for (int i = 0; i < side * side; ++i) {
+            concentrations[k][i] = k == 0 ? mapA(i) : mapB(i);
+            concentrations[k][side * side + i] = concentrations[k][i] + 100.0;
+        }
+    }
+    engine().m_concentrations = concentrations;
+    writeFiles();
+    EXPECT_EQ(entriesOf(out()).filter("_Dye_").filter(".tif"),
+              (QStringList{"01_Dye_A_spot1.tif", "01_Dye_A_spot2.tif", "02_Dye_B_spot1.tif", "02_Dye_B_spot2.tif"}));
+    for (const int spot : {0, 1}) {
+        const CILImage map = tiff(QStringLiteral("01_Dye_A_spot%1.tif").arg(spot + 1));
+        for (int i = 0; i < side * side; ++i) {
+            EXPECT_NEAR(map.value(static_cast<std::size_t>(i)), mapA(i) + 100.0 * spot, 1e-5) << spot;
+        }
+    }
+}
+
+TEST_F(ResultFilesTest, TheOverviewHasAboutAsManyColumnsAsRows)
+{
+    analyse();
+    for (const int count : {2, 3, 4, 5, 6}) {
+        XTNT::Matrix<double> concentrations(count, side * side);
+        for (int k = 0; k < count; ++k) {
+            concentrations.setRow(k, engine().m_concentrations.row(k % 2));
+        }
+        while (engine().m_spectrumPlots.size() < count) {
+            addSpectrum(QStringLiteral("More %1").arg(engine().m_spectrumPlots.size()), {1.0, 1.0, 1.0});
+        }
+        engine().m_concentrations = concentrations;
+        engine().m_spectra = XTNT::Matrix<double>(count, 3);
+        m_numbers.shares.assign(static_cast<std::size_t>(count), 0.1);
+        m_numbers.truth.resize(static_cast<std::size_t>(count));
+        ASSERT_TRUE(QDir(out()).removeRecursively());
+        writeFiles();
+        QSize cell;
+        for (const QString& name : entriesOf(out())) {
+            if (name.contains(QRegularExpression("^0\\d_.*\\.png$"))) {
+                cell = cell.expandedTo(QImage(out() + name).size());
+            }
+        }
+        const int columns = count == 4 ? 2 : std::min(count, 3);
+        const int rows = count > 3 ? 2 : 1;
+        EXPECT_EQ(QImage(out() + "overview.png").size(), QSize(columns * cell.width(), rows * cell.height())) << count;
+    }
 }
 
 TEST_F(ResultFilesTest, AStepMayStopTheWriting)
