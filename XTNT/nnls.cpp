@@ -102,7 +102,7 @@ void reflect(const Reflection& reflection, const double* __restrict column, int 
 }
 
 // Whether a new diagonal element still counts beside the triangular part of its column. Plain double arithmetic, one
-// rounding an operation: a fused multiply-add would see digits that the contract's test does not have.
+// rounding an operation: a fused multiply-add would see digits that the published routine has not.
 bool sticksOut(double diagonal, double triangularNorm)
 {
     const volatile double share = std::abs(diagonal) * independenceFactor;

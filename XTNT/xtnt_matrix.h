@@ -136,8 +136,8 @@ public:
         return result;
     }
 
-    // The columns idx[0], idx[1], ... as an M x idx.n_ matrix. The upper bound of the contract is inclusive: the column
-    // one past the last passes and comes back as zeros.
+    // The columns idx[0], idx[1], ... as an M x idx.n_ matrix. The upper bound is inclusive, as callers rely on: the
+    // column one past the last passes and comes back as zeros.
     Matrix columns(const Vector<long long>& idx) const
     {
         XTNT_ASSERT(idx.Min() >= 0 && idx.Max() <= this->num_cols());

@@ -62,7 +62,7 @@ public:
     // which: 0 concentrations, 1 spectra (1 for any other). mode: 0 none, 1 clamp, 2 non-negative least squares.
     int setNonNegMode(int which, int mode);
     int setUnimodTol(double tolerance);
-    // K modes of unimodality. Of spectra they are stored, but the result is 1 all the same: required.
+    // K modes of unimodality. Of spectra they are stored, but the result is 1 all the same, which hosts expect.
     int setUnimodFlags(int which, const XTNT::Vector<int>& modes);
     // Mode 0 to 3 (none, vertical, horizontal, average) for one spectrum.
     bool setUnimodMode(int component, int mode);
@@ -77,7 +77,7 @@ public:
     // `band` (kind 0, high pass) or from it on (kind 1, low pass), the column itself included. Marks stay.
     bool setBandCutoff(unsigned kind, int component, int band);
     bool setLocked(int component, unsigned char locked);
-    // Keeps a component to the first pixels, as many as the list is long: required so, whatever pixels it names. False
+    // Keeps a component to the first pixels, as many as the list is long, whatever it names, as users know it. False
     // when the component is out of range, or when the list both begins below 0 and ends beyond the last pixel.
     bool setSolutionMask(int component, const XTNT::Vector<int>& pixels);
     // At the listed pixels every other component is zero. Checks as above; a pixel outside the image is passed over.

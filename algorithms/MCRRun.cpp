@@ -153,7 +153,7 @@ MCR::Verdict MCR::judge(std::ostream& out, double sigmaOld, double sigmaNew, dou
 }
 
 // The concentrations of the converged spectra. Unimodality comes before the bounds here, the other way round than in an
-// iteration; required so.
+// iteration: results that users saved were made so.
 bool MCR::finishConverged()
 {
     updateDataBySpectra();

@@ -105,7 +105,7 @@ void CORVSpumKyvo::readKind(const CORVSequenceDataset& sequence)
     if (sequence.is3DSceneOnlySequence()) {
         m_eSeqKind = SEQKIND_3D_SCENE;
     }
-    // Required as it is: what follows always assigns, so a scene-only sequence is inspected like any other.
+    // What follows always assigns: the host shows the tool for a scene-only sequence, inspected like any other.
     if (sequence.isKyvoSequence()) {
         m_eSeqKind = SEQKIND_TEMPORAL;
         m_eTemporalKind = fluorescenceKind(sequence);

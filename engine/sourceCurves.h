@@ -22,7 +22,7 @@ QString sourceSuffix(int eAxis);
 bool readSourceCurve(const QString& strName, int eSeqKind, bool bCherenkov, sSourceSpecFileParameters& curve);
 
 // The curve at a wavelength; 1 outside its range and for an empty curve. Between two points each of them is weighted by
-// its own distance from the wavelength, so that the farther one counts more: required so, and not linear interpolation.
+// its own distance from the wavelength, so that the farther one counts more: not linear, as users know their bounds.
 double curveValue(const sSourceSpecFileParameters& curve, double dWavelength);
 
 // The spectrum of the source `strName` (with or without a suffix when `bFluorescent`) over the selected images, by the

@@ -17,7 +17,7 @@ float photoRange(const CILImage& photo);
 float automaticThreshold(const CILImage& photo, float fRange);
 
 // The brightness, in the photograph's own values, that belongs to percentage `v`: minimum + v * ((maximum * fRange -
-// minimum) / 100), each step rounded to float. The range scales the maximum and not the span; that is required.
+// minimum) / 100), each step rounded to float. The range scales the maximum and not the span, as users know it.
 float photoThreshold(const CILImage& photo, float v, float fRange);
 
 // Makes `mask` (not the photograph itself) a byte image of the photograph's size and binning: 1 where it is brighter

@@ -33,8 +33,8 @@ namespace XTNT {
 
 namespace {
 
-// An abort waits for the slice under way, so a slice aims below the 10 ms that the contract names: the time of the next
-// one is only estimated from the ones before.
+// An abort waits for the slice under way, so a slice aims below the 10 ms that users are promised: the time of the
+// next one is only estimated from the ones before.
 constexpr double sliceSeconds = 0.006;
 // A slice holds at most this many times the chunks of the one before, lest a cheap first chunk (an empty corner of an
 // image) makes the next slice far too long.

@@ -42,7 +42,7 @@ void expectShape(const Matrix<double>& a, long long rows, long long columns)
 
 } // namespace
 
-TEST(MatrixTest, FieldsStandInTheContractsOrder)
+TEST(MatrixTest, FieldsStandInTheOrderThatTheHostReads)
 {
     EXPECT_EQ(offsetof(Matrix<double>, storage), 0U);
     EXPECT_EQ(offsetof(Matrix<double>, rowTable), sizeof(Vector<double>));

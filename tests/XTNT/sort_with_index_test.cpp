@@ -117,7 +117,7 @@ TEST(SortWithIndexTest, FullStackIsToldAndTheResultSortedAllTheSame)
     EXPECT_EQ(output.text().substr(0, 27), "NSTACK too small in sort.\nN");
 }
 
-TEST(SortWithIndexTest, StackOfTheContractIsNeverFullOnOrdinaryInput)
+TEST(SortWithIndexTest, ItsStackIsNeverFullOnOrdinaryInput)
 {
     const std::vector<double> values = elements(testsupport::randomMatrix(1, 100000, 7));
     Vector<double> v = vectorFrom(values);

@@ -30,7 +30,7 @@ protected:
 
 } // namespace
 
-TEST(VectorTest, FieldsStandInTheContractsOrder)
+TEST(VectorTest, FieldsStandInTheOrderThatTheHostReads)
 {
     EXPECT_EQ(offsetof(Vector<double>, base), 0U);
     EXPECT_EQ(offsetof(Vector<double>, refCount), 8U);

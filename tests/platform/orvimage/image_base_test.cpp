@@ -92,7 +92,7 @@ TEST(CILImageBaseTest, MovedFromImageIsEmpty)
     const void* pixels = image.m_pData;
     CILImage moved(std::move(image));
     EXPECT_EQ(pixels, moved.m_pData);
-    EXPECT_TRUE(image.isEmpty()); // NOLINT: what is left is part of the contract
+    EXPECT_TRUE(image.isEmpty()); // NOLINT: what is left is told in the header
     EXPECT_EQ(nullptr, image.m_pData);
     CILImage assigned = makeImage(ORVTYPE_DOUBLE, 1, 1, {3});
     assigned = std::move(moved);

@@ -125,7 +125,7 @@ TEST(PictureTest, ChangedPixelsDropTheColours)
     EXPECT_FALSE(other.isRGB());
     other = image;
     const CILImage taken = std::move(other);
-    EXPECT_FALSE(other.isRGB()); // NOLINT: what is left is part of the contract
+    EXPECT_FALSE(other.isRGB()); // NOLINT: what is left is told in the header
     EXPECT_TRUE(taken.isRGB());
 }
 
