@@ -35,6 +35,10 @@ public:
     bool addRegion(const tagROIInfo& region, QString* pError = nullptr);
     // False when there is no region of that name.
     bool removeRegion(const QString& strName);
+    bool hasRegion(const QString& strName) const;
+    // The region keeps its place and its numbers. False, with the reason, when there is none of that name, or the new
+    // name is taken or unfit.
+    bool renameRegion(const QString& strName, const QString& strNewName, QString* pError = nullptr);
 
     // Measures every region over the dataset's main data image in that unit; the numbers stay with the regions until
     // the next measurement. The image's status when it cannot be had; the regions are then as they were.
@@ -66,7 +70,7 @@ public:
 
 private:
     QString freeName(const QString& strName) const;
-    bool isTaken(const QString& strName) const;
+    QString reasonAgainstName(const QString& strName) const;
 
     CORVDataset* m_pDataset;
     QList<tagROIInfo> m_regions;

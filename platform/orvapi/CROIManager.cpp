@@ -24,7 +24,7 @@ CROIManager::CROIManager(CORVDataset* pDataset) : m_pDataset(pDataset) {}
 
 CROIManager::~CROIManager() = default;
 
-bool CROIManager::isTaken(const QString& strName) const
+bool CROIManager::hasRegion(const QString& strName) const
 {
     return std::any_of(m_regions.begin(), m_regions.end(),
                        [&](const tagROIInfo& region) { return region.name == strName; });
@@ -32,19 +32,25 @@ bool CROIManager::isTaken(const QString& strName) const
 
 QString CROIManager::freeName(const QString& strName) const
 {
-    return ROISection::freeName(strName, [this](const QString& strOther) { return isTaken(strOther); });
+    return ROISection::freeName(strName, [this](const QString& strOther) { return hasRegion(strOther); });
+}
+
+QString CROIManager::reasonAgainstName(const QString& strName) const
+{
+    const QString reason = ROISection::reasonAgainstName(strName);
+    if (!reason.isEmpty()) {
+        return QStringLiteral("the name ") + reason;
+    }
+    return hasRegion(strName) ? QStringLiteral("there is a region \"%1\" already").arg(strName) : QString();
 }
 
 bool CROIManager::addRegion(const tagROIInfo& region, QString* pError)
 {
-    QString reason = ROISection::reasonAgainstName(region.name);
-    if (!reason.isEmpty()) {
-        reason.prepend(QStringLiteral("the name "));
-    } else if (isTaken(region.name)) {
-        reason = QStringLiteral("there is a region \"%1\" already").arg(region.name);
-    } else if (m_regions.size() >= ROISection::kMaximumRegions) {
+    QString reason = reasonAgainstName(region.name);
+    if (reason.isEmpty() && m_regions.size() >= ROISection::kMaximumRegions) {
         reason = QStringLiteral("a dataset has %1 regions at most").arg(ROISection::kMaximumRegions);
-    } else {
+    }
+    if (reason.isEmpty()) {
         reason = ROIShape::reasonAgainst(region);
     }
     if (pError != nullptr && !reason.isEmpty()) {
@@ -64,6 +70,22 @@ bool CROIManager::removeRegion(const QString& strName)
         return false;
     }
     m_regions.erase(found);
+    return true;
+}
+
+bool CROIManager::renameRegion(const QString& strName, const QString& strNewName, QString* pError)
+{
+    const auto found = std::find_if(m_regions.begin(), m_regions.end(),
+                                    [&](const tagROIInfo& region) { return region.name == strName; });
+    const QString reason = found == m_regions.end() ? QStringLiteral("there is no region \"%1\"").arg(strName)
+                                                    : reasonAgainstName(strNewName);
+    if (!reason.isEmpty()) {
+        if (pError != nullptr) {
+            *pError = reason;
+        }
+        return false;
+    }
+    found->name = strNewName;
     return true;
 }
 

@@ -6,22 +6,25 @@
 #include "host/CROIManager.h"
 #include "platform/orvapi/ClickInfoKeys.h"
 #include "platform/orvapi/ROIShape.h"
+#include "platform/orvutils/InputFile.h"
 #include "services/basis/Failure.h"
 
-#include <QFile>
 #include <QHash>
 
 #include <algorithm>
 
 namespace {
 
+constexpr int largestClickInfo = 64; // MiB
+
 QByteArray contentOf(const QString& strPath)
 {
-    QFile file(strPath);
-    if (!file.open(QIODevice::ReadOnly)) {
-        throw Failure(QStringLiteral("%1: cannot be read: %2").arg(strPath, file.errorString()));
+    QByteArray bytes;
+    QString error;
+    if (!orv::readInput(strPath, largestClickInfo, QStringLiteral("click info"), &bytes, &error)) {
+        throw Failure(error);
     }
-    return file.readAll();
+    return bytes;
 }
 
 } // namespace
@@ -91,16 +94,30 @@ void RoiStore::removeAll()
     }
 }
 
-QList<RoiStore::File> RoiStore::changedFiles() const
+int RoiStore::rename(const QString& strOld, const QString& strNew)
 {
-    QList<File> files;
+    int renamed = 0;
     for (auto* dataset : m_sequence.getDatasets()) {
-        File file;
-        file.path = dataset->folderPath() + QLatin1String(SequenceFiles::kClickInfo);
-        file.before = contentOf(file.path);
+        QString reason;
+        const bool isThere = dataset->roiManager()->hasRegion(strOld);
+        if (isThere && !dataset->roiManager()->renameRegion(strOld, strNew, &reason)) {
+            throw Failure(QStringLiteral("%1: %2").arg(dataset->getClickNumber(), reason));
+        }
+        renamed += isThere ? 1 : 0;
+    }
+    return renamed;
+}
+
+QList<RegionFiles::Change> RoiStore::changes() const
+{
+    QList<RegionFiles::Change> changes;
+    for (auto* dataset : m_sequence.getDatasets()) {
+        RegionFiles::Change change;
+        change.path = dataset->folderPath() + QLatin1String(SequenceFiles::kClickInfo);
+        change.before = contentOf(change.path);
         CPLClickInfo info;
         QStringList warnings;
-        info.parse(file.before, file.path, &warnings);
+        info.parse(change.before, change.path, &warnings);
         if (!warnings.isEmpty()) {
             throw Failure(
                 QStringLiteral("%1; mend this first, to store regions writes the file anew").arg(warnings.first()));
@@ -109,28 +126,15 @@ QList<RoiStore::File> RoiStore::changedFiles() const
             info.removeSection(QString::fromLatin1(ClickKeys::kROIs));
         }
         dataset->roiManager()->saveROIData(&info);
-        file.after = info.toText();
-        if (file.after != file.before) {
-            files.append(file);
+        change.after = info.toText();
+        if (change.after != change.before) {
+            changes.append(change);
         }
     }
-    return files;
+    return changes;
 }
 
-void RoiStore::save() const
+void RoiStore::save(RegionFiles& files) const
 {
-    const QList<File> files = changedFiles();
-    for (int i = 0; i < files.size(); ++i) {
-        QString error;
-        if (orv::writeFileAtomically(files[i].path, files[i].after, &error)) {
-            continue;
-        }
-        for (int j = 0; j < i; ++j) {
-            if (!orv::writeFileAtomically(files[j].path, files[j].before)) {
-                throw Failure(QStringLiteral("%1; %2 has been written already and cannot be taken back")
-                                  .arg(error, files[j].path));
-            }
-        }
-        throw Failure(error);
-    }
+    files.write(changes());
 }

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "services/session/RegionFiles.h"
+
 #include "host/tagROIInfo.h"
 
-#include <QByteArray>
 #include <QList>
 #include <QString>
 #include <QStringList>
@@ -38,19 +39,16 @@ public:
     int remove(const QString& strName);
     // Also takes what is written of regions and cannot be read.
     void removeAll();
+    // Number of regions renamed. Throws Failure when the new name is taken or unfit.
+    int rename(const QString& strOld, const QString& strNew);
 
-    // Writes the regions into the click infos of all datasets: into all, or, after a failure, into none. Throws
-    // Failure with the file and the reason; a click info that would lose lines by being written again is refused.
-    void save() const;
+    // Writes the regions into the click infos of all datasets: into all, or, after a failure, into none. The files are
+    // locked since before the sequence was opened. Throws Failure with the file and the reason; a click info that
+    // would lose lines by being written again is refused.
+    void save(RegionFiles& files) const;
 
 private:
-    struct File
-    {
-        QString path;
-        QByteArray before;
-        QByteArray after;
-    };
-    QList<File> changedFiles() const;
+    QList<RegionFiles::Change> changes() const;
 
     CORVSequenceDataset& m_sequence;
     bool m_bRemoveAll = false;

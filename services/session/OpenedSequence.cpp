@@ -2,17 +2,24 @@
 #include "services/session/OpenedSequence.h"
 
 #include "engine/CORVSpumKyvo.h"
+#include "host/CORVProcess.h"
 #include "host/CORVSequenceDataset.h"
 #include "platform/orvapi/ClickInfoKeys.h"
+#include "platform/orvapi/ClickInfoValues.h"
 #include "services/basis/Failure.h"
 #include "services/basis/TruthFiles.h"
 #include "services/basis/UnitNames.h"
+#include "services/session/RegionFiles.h"
 
 #include <QDir>
 #include <QFileInfo>
 
 OpenedSequence::OpenedSequence(const QString& strPath) : m_pSequence(std::make_unique<CORVSequenceDataset>())
 {
+    const QString unsettled = RegionFiles::settle(strPath, [] { return !CORVProcess::isProcessAborted(); });
+    if (!unsettled.isEmpty()) {
+        m_warnings.append(unsettled);
+    }
     QString error;
     if (m_pSequence->open(strPath, &error, &m_warnings) != ESTATUS_SUCCESS) {
         throw Failure(error);
@@ -29,6 +36,11 @@ OpenedSequence::~OpenedSequence() = default;
 QString OpenedSequence::folder() const
 {
     return m_pSequence->getSequenceInfoPath();
+}
+
+bool OpenedSequence::hasPhotographOfCamera() const
+{
+    return clickText(m_pSequence->sequenceInfo(), SequenceKeys::kSequence, SequenceKeys::kPhotographOrigin).isEmpty();
 }
 
 QString OpenedSequence::truthFolder(int nUnit, bool bDecayCorrected) const

@@ -25,6 +25,8 @@ public:
     const QStringList& warnings() const { return m_warnings; }
     // The sequence's folder with a separator at its end.
     QString folder() const;
+    // False for a photograph that was made of the images.
+    bool hasPhotographOfCamera() const;
     // Whether the engine's inspection says that the sequence can be analysed; if not, why.
     bool canBeAnalysed() const { return m_bAnalysable; }
     QString reasonAgainst() const { return m_strReason; }

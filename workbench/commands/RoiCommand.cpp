@@ -10,6 +10,7 @@
 #include "services/basis/UnitNames.h"
 #include "services/regions/RoiMeasurement.h"
 #include "services/regions/RoiStore.h"
+#include "services/session/RegionFiles.h"
 #include "services/session/UnitForecast.h"
 #include "workbench/commands/CliProgress.h"
 #include "workbench/commands/CliSession.h"
@@ -85,7 +86,7 @@ void scale(tagROIInfo& region, double factor)
 
 tagROIInfo regionOf(const QCommandLineParser& parser, const QList<Geometry>& geometries)
 {
-    if (parser.values(QStringLiteral("shape")).size() != 1) {
+    if (!parser.isSet(QStringLiteral("shape"))) {
         refuseUsage("roi", QStringLiteral("add takes one --shape, such as rect:x,y,width,height."));
     }
     tagROIInfo region;
@@ -99,24 +100,31 @@ tagROIInfo regionOf(const QCommandLineParser& parser, const QList<Geometry>& geo
     return region;
 }
 
-QString nameOf(const QCommandLineParser& parser, const RoiStore& store)
+// A name that a region may have and none has; `pWhat` is what the user gave it by.
+QString newName(const QString& strText, const char* pWhat, const RoiStore& store)
 {
-    if (!parser.isSet(QStringLiteral("name"))) {
-        return store.freeName();
-    }
-    const QString name = parser.value(QStringLiteral("name")).trimmed();
+    const QString what = QLatin1String(pWhat);
+    const QString name = strText.trimmed();
     const QString reason = ROISection::reasonAgainstName(name);
     if (!reason.isEmpty()) {
-        refuseUsage("roi", QStringLiteral("--name: the name %1.").arg(reason));
+        refuseUsage("roi", QStringLiteral("%1: the name %2.").arg(what, reason));
     }
     if (name == QLatin1String("all")) {
-        refuseUsage("roi", QStringLiteral("--name: \"all\" stands for all regions and names none."));
+        refuseUsage("roi", QStringLiteral("%1: \"all\" stands for all regions and names none.").arg(what));
     }
     if (store.names().contains(name)) {
         throw Failure(
-            QStringLiteral("there is a region \"%1\" already; remove it first or choose another --name").arg(name));
+            QStringLiteral("there is a region \"%1\" already; remove it first or choose another %2").arg(name, what));
     }
     return name;
+}
+
+[[noreturn]] void failForAbsent(const QString& strName, const RoiStore& store)
+{
+    const QStringList names = store.names();
+    throw Failure(names.isEmpty() ? QStringLiteral("there is no region \"%1\", and no other").arg(strName)
+                                  : QStringLiteral("there is no region \"%1\"; the regions are: \"%2\"")
+                                        .arg(strName, names.join(QStringLiteral("\", \""))));
 }
 
 // The largest number of pixels that the region holds in an image; throws when it is none.
@@ -189,16 +197,79 @@ QString resultFolder(const QString& strName, const CORVSequenceDataset& sequence
     return !QFileInfo::exists(strName) && QFileInfo::exists(inside) ? inside : strName;
 }
 
+// Arguments of each action behind the sequence and its own name.
+const QMap<QString, int>& actions()
+{
+    static const QMap<QString, int> list = {{QStringLiteral("add"), 0},
+                                            {QStringLiteral("list"), 0},
+                                            {QStringLiteral("measure"), 0},
+                                            {QStringLiteral("remove"), 1},
+                                            {QStringLiteral("rename"), 2}};
+    return list;
+}
+
+bool goesOn()
+{
+    return !CliSession::isInterrupted();
+}
+
 } // namespace
+
+// The sequence and its regions, under a lock where they are to be changed.
+struct RoiCommand::Work
+{
+    explicit Work(const QString& strSequence, bool bChanges) : store(sequence), files(strSequence)
+    {
+        if (!bChanges) {
+            const QString warning = RegionFiles::settle(strSequence, goesOn);
+            if (!warning.isEmpty()) {
+                warnings.append(warning);
+            }
+            open(strSequence);
+            return;
+        }
+        // What is no sequence gets no lock beside it; what is one is read once nobody else changes it.
+        open(strSequence);
+        const int images = sequence.getDatasets().size();
+        warnings.clear();
+        files.lock(goesOn);
+        open(strSequence);
+        if (sequence.getDatasets().size() < images) {
+            throw Failure(
+                QStringLiteral("the images of the sequence cannot all be read, and regions are stored with all "
+                               "of them: %1")
+                    .arg(warnings.join(QLatin1String("; "))));
+        }
+    }
+
+    void open(const QString& strSequence)
+    {
+        QString error;
+        if (sequence.open(strSequence, &error, &warnings) != ESTATUS_SUCCESS) {
+            throw Failure(error);
+        }
+    }
+
+    QStringList warnings;
+    CORVSequenceDataset sequence;
+    RoiStore store;
+    RegionFiles files;
+};
 
 void RoiCommand::declare(QCommandLineParser& parser) const
 {
     parser.addPositionalArgument(QStringLiteral("SEQ"), QStringLiteral("Folder of the sequence."));
-    parser.addPositionalArgument(QStringLiteral("add|list|measure|remove"), QStringLiteral("What to do."));
-    parser.addPositionalArgument(QStringLiteral("NAME"), QStringLiteral("remove: the region, or \"all\"."),
-                                 QStringLiteral("[NAME]"));
-    addValueOption(
-        parser, "shape",
+    parser.addPositionalArgument(QStringLiteral("add|list|measure|remove|rename"), QStringLiteral("What to do."));
+    parser.addPositionalArgument(QStringLiteral("NAME"),
+                                 QStringLiteral("remove, rename: the region; remove: or \"all\"."),
+                                 QStringLiteral("[NAME"));
+    parser.addPositionalArgument(QStringLiteral("NEW"), QStringLiteral("rename: its new name."),
+                                 QStringLiteral("[NEW]]"));
+    const auto option = [&parser](const char* pName, const QString& strText, const char* pValue) {
+        parser.addOption({QLatin1String(pName), strText, QLatin1String(pValue)});
+    };
+    option(
+        "shape",
         QStringLiteral("add: rect:x,y,width,height, ellipse: with the rectangle around it, polygon:x1,y1,x2,y2,... "
                        "or freehand: with the outline. In pixels of the unbinned sensor, from the upper left corner."),
         "SHAPE");
@@ -223,47 +294,45 @@ void RoiCommand::run(const QCommandLineParser& parser, CliSession& session)
 {
     const QStringList arguments = parser.positionalArguments();
     const QString action = arguments.value(1);
-    static const QStringList actions{QStringLiteral("add"), QStringLiteral("list"), QStringLiteral("measure"),
-                                     QStringLiteral("remove")};
-    const int expected = action == QLatin1String("remove") ? 3 : 2;
-    if (!actions.contains(action) || arguments.size() != expected) {
-        refuseUsage("roi",
-                    QStringLiteral("roi takes: SEQ add --shape SHAPE; SEQ list; SEQ measure; or SEQ remove NAME."));
+    if (!actions().contains(action) || arguments.size() != actions().value(action) + 2) {
+        refuseUsage(
+            "roi",
+            QStringLiteral("roi takes: SEQ add --shape SHAPE; SEQ list; SEQ measure; SEQ remove NAME; or SEQ rename "
+                           "NAME NEW."));
     }
     refuseForeignOptions(parser, action);
-    CORVSequenceDataset sequence;
-    QString error;
-    QStringList warnings;
-    if (sequence.open(arguments[0], &error, &warnings) != ESTATUS_SUCCESS) {
-        throw Failure(error);
-    }
-    session.warnAll(warnings);
-    RoiStore store(sequence);
+    const bool changes =
+        action == QLatin1String("measure") ? parser.isSet(QStringLiteral("save")) : action != QLatin1String("list");
+    Work work(arguments[0], changes);
+    session.warnAll(work.warnings);
     if (action == QLatin1String("add")) {
-        add(parser, sequence, store, session);
+        add(parser, work, session);
     } else if (action == QLatin1String("list")) {
-        list(store, session);
+        list(work, session);
     } else if (action == QLatin1String("measure")) {
-        measure(parser, sequence, store, session);
+        measure(parser, work, session);
+    } else if (action == QLatin1String("remove")) {
+        remove(arguments[2], work, session);
     } else {
-        remove(arguments[2], store, session);
+        rename(arguments[2], arguments[3], work, session);
     }
 }
 
-void RoiCommand::add(const QCommandLineParser& parser, CORVSequenceDataset& sequence, RoiStore& store,
-                     CliSession& session) const
+void RoiCommand::add(const QCommandLineParser& parser, Work& work, CliSession& session) const
 {
-    const QList<Geometry> geometries = geometriesOf(sequence);
+    const QList<Geometry> geometries = geometriesOf(work.sequence);
     if (geometries.isEmpty()) {
         throw Failure(QStringLiteral("the sequence holds no image that could have a region"));
     }
     tagROIInfo region = regionOf(parser, geometries);
-    region.name = nameOf(parser, store);
+    region.name = parser.isSet(QStringLiteral("name"))
+                      ? newName(parser.value(QStringLiteral("name")), "--name", work.store)
+                      : work.store.freeName();
     const qint64 pixels = pixelsIn(region, geometries, session);
-    store.add(region);
+    work.store.add(region);
     session.stopIfRequested();
-    store.save();
-    const int images = sequence.getDatasets().size();
+    work.store.save(work.files);
+    const int images = work.sequence.getDatasets().size();
     session.answer(QStringLiteral("region \"%1\" (%2) stored with %3 images; it holds %4\n")
                        .arg(region.name, shortShape(region), QString::number(images),
                             pixels == 1 ? QStringLiteral("1 pixel") : QStringLiteral("%1 pixels").arg(pixels)));
@@ -271,11 +340,11 @@ void RoiCommand::add(const QCommandLineParser& parser, CORVSequenceDataset& sequ
         {"name", region.name}, {"shape", ROIShape::toText(region)}, {"pixels", pixels}, {"images", images}});
 }
 
-void RoiCommand::list(const RoiStore& store, CliSession& session) const
+void RoiCommand::list(const Work& work, CliSession& session) const
 {
     TextTable table({QStringLiteral("region"), QStringLiteral("images"), QStringLiteral("shape")});
     QJsonArray regions;
-    for (const RoiStore::Entry& entry : store.distinct()) {
+    for (const RoiStore::Entry& entry : work.store.distinct()) {
         table.addRow({entry.region.name, QString::number(entry.images), shortShape(entry.region)});
         regions.append(QJsonObject{
             {"name", entry.region.name}, {"shape", ROIShape::toText(entry.region)}, {"images", entry.images}});
@@ -284,11 +353,11 @@ void RoiCommand::list(const RoiStore& store, CliSession& session) const
     session.answerJson(QJsonObject{{"regions", regions}});
 }
 
-void RoiCommand::measure(const QCommandLineParser& parser, CORVSequenceDataset& sequence, RoiStore& store,
-                         CliSession& session) const
+void RoiCommand::measure(const QCommandLineParser& parser, Work& work, CliSession& session) const
 {
+    CORVSequenceDataset& sequence = work.sequence;
     QList<tagROIInfo> regions;
-    for (const RoiStore::Entry& entry : store.distinct()) {
+    for (const RoiStore::Entry& entry : work.store.distinct()) {
         regions.append(entry.region);
     }
     if (regions.isEmpty()) {
@@ -301,8 +370,9 @@ void RoiCommand::measure(const QCommandLineParser& parser, CORVSequenceDataset& 
     const tag_edisplayunit unit = unitOf(parser, sequence);
 
     session.startProgress(QStringLiteral("measuring"));
-    const auto step = [&session](double fraction) {
+    const auto step = [&session, &work](double fraction) {
         session.stopIfRequested();
+        work.files.keep();
         session.showProgress(QStringLiteral("measuring"), fraction);
     };
     RoiMeasurement measurement;
@@ -318,27 +388,38 @@ void RoiCommand::measure(const QCommandLineParser& parser, CORVSequenceDataset& 
         throw Failure(error);
     }
     if (parser.isSet(QStringLiteral("save"))) {
-        store.save();
+        work.store.save(work.files);
     }
     session.warnAll(measurement.warnings());
     session.answer(measurement.toText());
     session.answerJson(QJsonObject{{"unit", UnitNames::text(unit)}, {"measurements", measurement.toJson()}});
 }
 
-void RoiCommand::remove(const QString& strName, RoiStore& store, CliSession& session) const
+void RoiCommand::remove(const QString& strName, Work& work, CliSession& session) const
 {
-    const QStringList names = store.names();
     QStringList removed{strName};
     if (strName == QLatin1String("all")) {
-        removed = names;
-        store.removeAll();
-    } else if (store.remove(strName) == 0) {
-        throw Failure(names.isEmpty() ? QStringLiteral("there is no region \"%1\", and no other").arg(strName)
-                                      : QStringLiteral("there is no region \"%1\"; the regions are: \"%2\"")
-                                            .arg(strName, names.join(QStringLiteral("\", \""))));
+        removed = work.store.names();
+        work.store.removeAll();
+    } else if (work.store.remove(strName) == 0) {
+        failForAbsent(strName, work.store);
     }
-    store.save();
+    session.stopIfRequested();
+    work.store.save(work.files);
     session.answer(removed.size() == 1 ? QStringLiteral("removed the region \"%1\"\n").arg(removed.first())
                                        : QStringLiteral("removed %1 regions\n").arg(removed.size()));
     session.answerJson(QJsonObject{{"removed", QJsonArray::fromStringList(removed)}});
+}
+
+void RoiCommand::rename(const QString& strOld, const QString& strNew, Work& work, CliSession& session) const
+{
+    if (!work.store.names().contains(strOld)) {
+        failForAbsent(strOld, work.store);
+    }
+    const QString name = newName(strNew, "NEW", work.store);
+    const int images = work.store.rename(strOld, name);
+    session.stopIfRequested();
+    work.store.save(work.files);
+    session.answer(QStringLiteral("region \"%1\" is now \"%2\"\n").arg(strOld, name));
+    session.answerJson(QJsonObject{{"name", name}, {"before", strOld}, {"images", images}});
 }

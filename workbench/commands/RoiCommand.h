@@ -3,10 +3,7 @@
 
 #include "workbench/commands/Command.h"
 
-class CORVSequenceDataset;
-class RoiStore;
-
-// `spum roi SEQ add|list|measure|remove`: regions of interest of a sequence and their numbers.
+// `spum roi SEQ add|list|measure|remove|rename`: regions of interest of a sequence and their numbers.
 class RoiCommand : public Command
 {
 public:
@@ -19,10 +16,11 @@ public:
     void run(const QCommandLineParser& parser, CliSession& session) override;
 
 private:
-    void add(const QCommandLineParser& parser, CORVSequenceDataset& sequence, RoiStore& store,
-             CliSession& session) const;
-    void list(const RoiStore& store, CliSession& session) const;
-    void measure(const QCommandLineParser& parser, CORVSequenceDataset& sequence, RoiStore& store,
-                 CliSession& session) const;
-    void remove(const QString& strName, RoiStore& store, CliSession& session) const;
+    struct Work;
+
+    void add(const QCommandLineParser& parser, Work& work, CliSession& session) const;
+    void list(const Work& work, CliSession& session) const;
+    void measure(const QCommandLineParser& parser, Work& work, CliSession& session) const;
+    void remove(const QString& strName, Work& work, CliSession& session) const;
+    void rename(const QString& strOld, const QString& strNew, Work& work, CliSession& session) const;
 };

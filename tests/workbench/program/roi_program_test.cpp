@@ -198,7 +198,7 @@ TEST_F(RoiProgramTest, WhatIsNoRegionIsAMistakeInTheCommand)
     writeSmall();
     const QList<std::pair<QStringList, QString>> wrong = {
         {{"add"}, "add takes one --shape, such as rect:x,y,width,height."},
-        {{"add", "--shape", square, "--shape", square}, "add takes one --shape"},
+        {{"add", "--shape", square, "--shape", square}, "--shape is given more than once and taken once."},
         {{"add", "--shape", "rect:1,2"}, "--shape: a rectangle takes four numbers: x, y, width, height."},
         {{"add", "--shape", "circle:1,2,3"}, "--shape: a shape begins with"},
         {{"add", "--shape", "polygon:0,0,1,1,2,2"}, "--shape: all points lie on a line."},
@@ -207,8 +207,10 @@ TEST_F(RoiProgramTest, WhatIsNoRegionIsAMistakeInTheCommand)
         {{"add", "--shape", square, "--name", "all"}, "--name: \"all\" stands for all regions and names none."},
         {{"add", "--shape", square, "--csv", "x"}, "--csv belongs to \"spum roi SEQ measure\"."},
         {{"list", "--shape", square}, "--shape belongs to \"spum roi SEQ add\"."},
-        {{"list", "liver"}, "roi takes: SEQ add --shape SHAPE; SEQ list; SEQ measure; or SEQ remove NAME."},
+        {{"list", "liver"},
+         "roi takes: SEQ add --shape SHAPE; SEQ list; SEQ measure; SEQ remove NAME; or SEQ rename NAME NEW."},
         {{"remove"}, "roi takes:"},
+        {{"rename", "liver"}, "roi takes:"},
         {{"paint"}, "roi takes:"},
         {{}, "roi takes:"},
     };
@@ -374,14 +376,19 @@ TEST_F(RoiProgramTest, InAReadOnlyFolderRegionsAreMeasuredAndNoneIsStored)
     for (int i = 0; i < 3; ++i) {
         ASSERT_EQ(::chmod(QFile::encodeName(clickInfo(i)).constData(), 0666), 0);
     }
-    for (const char* open : {"seq/SMALL-000", "seq/SMALL-001"}) {
+    for (const char* open : {"seq", "seq/SMALL-000", "seq/SMALL-001"}) {
         ASSERT_EQ(::chmod(QFile::encodeName(path(open)).constData(), 0777), 0);
     }
     ASSERT_EQ(::chmod(QFile::encodeName(path("seq/SMALL-002")).constData(), 0555), 0);
-    // The first two can be written, and must be taken back.
+    // Beside the first two could be written, and nothing may be left there.
     const int status = inForkedChild([&] {
+        if (!becomePlainUser()) {
+            return 1;
+        }
+        RegionFiles files(path("seq"));
+        files.lock({});
         CORVSequenceDataset sequence;
-        if (!becomePlainUser() || sequence.open(path("seq")) != ESTATUS_SUCCESS) {
+        if (sequence.open(path("seq")) != ESTATUS_SUCCESS) {
             return 1;
         }
         RoiStore store(sequence);
@@ -392,7 +399,7 @@ TEST_F(RoiProgramTest, InAReadOnlyFolderRegionsAreMeasuredAndNoneIsStored)
         region.name = "second";
         store.add(region);
         try {
-            store.save();
+            store.save(files);
             return 3;
         } catch (const Failure& failure) {
             return failure.text().startsWith(clickInfo(2) + ": cannot be written: ") ? 0 : 4;
@@ -402,6 +409,59 @@ TEST_F(RoiProgramTest, InAReadOnlyFolderRegionsAreMeasuredAndNoneIsStored)
     EXPECT_EQ(status, 0);
     EXPECT_EQ(clickInfos(), before);
     EXPECT_EQ(entriesOf(path("seq/SMALL-000")).filter("ClickInfo"), QStringList{"ClickInfo.txt"});
+    EXPECT_EQ(entriesOf(path("seq")).filter("regions"), QStringList());
+}
+
+TEST_F(RoiProgramTest, ARegionIsRenamedInItsPlaceWithItsNumbers)
+{
+    writeSmall();
+    addSquare("liver");
+    addSquare("kidney");
+    succeed({"roi", "seq", "measure", "--unit", "counts", "--save", "--quiet"});
+    const QJsonObject json = succeed({"roi", "seq", "rename", "liver", "left lobe", "--json"}).json();
+    EXPECT_EQ(json["name"], "left lobe");
+    EXPECT_EQ(json["before"], "liver");
+    EXPECT_EQ(json["images"], 3);
+    EXPECT_EQ(listed(), (QStringList{"left lobe", "kidney"}));
+    for (const auto& text : clickInfos()) {
+        EXPECT_TRUE(text.contains("ROI 1 Name: left lobe\nROI 1 Shape: rect:1,1,2,2\nROI 1 Unit: Counts\n"))
+            << text.constData();
+    }
+    EXPECT_EQ(succeed({"roi", "seq", "rename", "kidney", "liver"}).out, "region \"kidney\" is now \"liver\"\n");
+    const auto before = clickInfos();
+    EXPECT_EQ(refusal({"roi", "seq", "rename", "liver", "left lobe"}),
+              "there is a region \"left lobe\" already; remove it first or choose another NEW");
+    EXPECT_EQ(refusal({"roi", "seq", "rename", "spleen", "x"}),
+              "there is no region \"spleen\"; the regions are: \"left lobe\", \"liver\"");
+    EXPECT_TRUE(refusal({"roi", "seq", "rename", "liver", "all"}, 2).startsWith("NEW: \"all\" stands for"));
+    EXPECT_EQ(clickInfos(), before);
+}
+
+TEST_F(RoiProgramTest, NothingIsWrittenThroughALinkOutOfTheSequence)
+{
+    writeSmall();
+    ASSERT_TRUE(QDir().rename(path("seq/SMALL-001"), path("elsewhere")));
+    ASSERT_TRUE(QFile::link(path("elsewhere"), path("seq/SMALL-001")));
+    ASSERT_TRUE(QFile::rename(clickInfo(2), path("third.txt")));
+    ASSERT_TRUE(QFile::link(path("third.txt"), clickInfo(2)));
+    const auto before = clickInfos();
+    const QString told = refusal({"roi", "seq", "add", "--shape", square});
+    EXPECT_TRUE(told.contains("/seq/SMALL-001/ClickInfo.txt: a link leads out of the sequence, to "))
+        << qPrintable(told);
+    EXPECT_EQ(clickInfos(), before);
+    ASSERT_TRUE(QFile::remove(path("seq/SMALL-001")));
+    ASSERT_TRUE(QDir().rename(path("elsewhere"), path("seq/SMALL-001")));
+    EXPECT_TRUE(refusal({"roi", "seq", "add", "--shape", square}).contains("/SMALL-002/ClickInfo.txt: a link leads"));
+    EXPECT_EQ(clickInfos(), before);
+    // A link within is followed and stays one; so is that to the sequence itself.
+    ASSERT_TRUE(QFile::remove(clickInfo(2)));
+    ASSERT_TRUE(QFile::rename(path("third.txt"), path("seq/SMALL-002/kept.txt")));
+    ASSERT_TRUE(QFile::link("kept.txt", clickInfo(2)));
+    ASSERT_TRUE(QFile::link(path("seq"), path("link")));
+    succeed({"roi", "link", "add", "--shape", square, "--name", "liver", "--quiet"});
+    EXPECT_TRUE(QFileInfo(clickInfo(2)).isSymLink());
+    EXPECT_TRUE(contentOf(path("seq/SMALL-002/kept.txt")).contains("ROI 1 Name: liver\n"));
+    EXPECT_EQ(succeed({"roi", "seq", "list", "--json"}).json()["regions"].toArray().at(0).toObject()["images"], 3);
 }
 
 TEST_F(RoiProgramTest, MapsOfAResultAreMeasuredToo)
