@@ -27,5 +27,7 @@ public:
     virtual QStringList optionsWithOptionalValue() const { return {}; }
     // How many positional arguments the command takes at most; only asked of a command with such options.
     virtual int argumentCount() const { return 1; }
+    // Options that may be given more than once, by name; of every other one a second value is refused.
+    virtual QStringList repeatableOptions() const { return {}; }
     virtual void run(const QCommandLineParser& parser, CliSession& session) = 0;
 };

@@ -175,6 +175,12 @@ int runCommand(Command& command, const QStringList& arguments)
         print(QStringLiteral("spum %1\n").arg(CORVPreference::getAppVersion()));
         return ExitStatus::success;
     }
+    const QString repeated = CommandLine::repeatedOption(command, parser);
+    if (!repeated.isEmpty()) {
+        complain(QStringLiteral("--%1 is given more than once and taken once. See \"spum %2 --help\".")
+                     .arg(repeated, command.name()));
+        return ExitStatus::usage;
+    }
     const LoggedErrors errors;
     // Why a command failed is told once; what was logged beyond that goes ahead of it, unless the log was shown.
     const auto tell = [&](const QString& strFailure) {
@@ -228,6 +234,16 @@ int dispatch(const QStringList& arguments)
 }
 
 } // namespace
+
+QString CommandLine::repeatedOption(const Command& command, const QCommandLineParser& parser)
+{
+    for (const QString& name : parser.optionNames()) {
+        if (parser.values(name).size() > 1 && !command.repeatableOptions().contains(name)) {
+            return name;
+        }
+    }
+    return QString();
+}
 
 std::vector<std::unique_ptr<Command>> CommandLine::commands()
 {

@@ -10,6 +10,7 @@ public:
     QString name() const override { return QStringLiteral("library"); }
     QString summary() const override { return QStringLiteral("List, show and save spectrum libraries."); }
     void declare(QCommandLineParser& parser) const override;
+    QStringList repeatableOptions() const override { return {QStringLiteral("region")}; }
     void run(const QCommandLineParser& parser, CliSession& session) override;
 
 private:

@@ -13,6 +13,7 @@ public:
         return QStringLiteral("Keep regions of interest and measure them over images and maps.");
     }
     void declare(QCommandLineParser& parser) const override;
+    QStringList repeatableOptions() const override { return {QStringLiteral("result")}; }
     void run(const QCommandLineParser& parser, CliSession& session) override;
 
 private:
