@@ -35,12 +35,16 @@ bool hasEntries(const QString& strIndex)
 
 } // namespace
 
+QStringList savedResultsFolders(const QString& strFolder)
+{
+    return QStringList{resultsIndex::folder(QString())} +
+           QDir(strFolder).entryList({QStringLiteral("SPUM*")}, QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name);
+}
+
 QString savedResultsAtStake(const QString& strFolder)
 {
     const QDir folder(strFolder);
-    QStringList places{resultsIndex::folder(QString())};
-    places += folder.entryList({QStringLiteral("SPUM*")}, QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name);
-    for (const QString& place : places) {
+    for (const QString& place : savedResultsFolders(strFolder)) {
         const QString index = resultsIndex::indexPath(place);
         if (hasEntries(folder.filePath(index))) {
             return QStringLiteral(

@@ -7,6 +7,7 @@
 #include "platform/orvapi/SectionIn.h"
 #include "platform/orvapi/SequenceInfo.h"
 #include "platform/orvimage/TiffIo.h"
+#include "platform/orvutils/WrittenFiles.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -57,7 +58,7 @@ bool SequenceWriter::fail(const QString& strReason, QString* pError)
 }
 
 bool SequenceWriter::begin(const QString& strTarget, const SequenceDescription& description, bool bForce,
-                           QString* pError)
+                           QString* pError, const QStringList& givenUp)
 {
     if (m_state != State::Idle) {
         return fail(QStringLiteral("a sequence writer writes one sequence"), pError);
@@ -72,9 +73,20 @@ bool SequenceWriter::begin(const QString& strTarget, const SequenceDescription& 
     }
     m_description = description;
     m_bForce = bForce;
+    m_givenUp = givenUp;
+    reason = reasonAgainstReplacing();
+    if (!reason.isEmpty()) {
+        return fail(reason, pError);
+    }
     m_taken.insert(QString::fromLatin1(SequenceFiles::kSequenceInfo).toLower());
     m_state = State::Open;
     return true;
+}
+
+QString SequenceWriter::reasonAgainstReplacing() const
+{
+    const QString target = m_folder.target();
+    return m_bForce ? orv::reasonAgainstReplacing(target, orv::foreignFiles(target, m_givenUp)) : QString();
 }
 
 QString SequenceWriter::freeFolderName(const QString& strClickNumber) const
@@ -238,7 +250,12 @@ bool SequenceWriter::finish(QString* pError)
         return fail(QStringLiteral("%1 exists already").arg(target), pError);
     }
     QString reason;
-    if (!m_folder.commit(&reason)) {
+    if (!orv::noteWrittenFiles(m_folder.path(), &reason)) {
+        return fail(reason.replace(m_folder.path(), target + QLatin1Char('/')), pError);
+    }
+    // Somebody may have put something there meanwhile.
+    reason = reasonAgainstReplacing();
+    if (!reason.isEmpty() || !m_folder.commit(&reason)) {
         return fail(reason, pError);
     }
     m_state = State::Done;

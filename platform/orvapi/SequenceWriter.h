@@ -61,10 +61,10 @@ public:
     ~SequenceWriter();
 
     // Prepares the folder `strTarget`, whose parent must exist. A target that exists is refused; with `bForce` it is
-    // replaced at finish(), provided that it is a sequence or an empty folder, so that no other folder is lost by a
-    // slip.
-    bool begin(const QString& strTarget, const SequenceDescription& description, bool bForce,
-               QString* pError = nullptr);
+    // replaced at finish(), provided that it is an empty folder, or a sequence that holds nothing but what was written
+    // with it: no file, no region and no result that came later, but for what lies in its folders `givenUp`.
+    bool begin(const QString& strTarget, const SequenceDescription& description, bool bForce, QString* pError = nullptr,
+               const QStringList& givenUp = {});
 
     // Appends a dataset with its images, which are written in their own pixel type and stay the caller's. Refused: an
     // empty or repeated click number, an empty image, two images of one type. Only the first dataset needs a
@@ -89,6 +89,7 @@ private:
     bool writeImages(const QString& strFolder, const Images& images, CPLClickInfo& info, QString* pError);
     CPLClickInfo sequenceInfo() const;
     QString freeFolderName(const QString& strClickNumber) const;
+    QString reasonAgainstReplacing() const;
 
     enum class State
     {
@@ -100,6 +101,7 @@ private:
 
     State m_state = State::Idle;
     bool m_bForce = false;
+    QStringList m_givenUp;
     StagedFolder m_folder;
     SequenceDescription m_description;
     QStringList m_folders;

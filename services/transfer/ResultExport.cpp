@@ -10,6 +10,7 @@
 #include "host/CORVSequenceDataset.h"
 #include "platform/orvapi/ClickInfoKeys.h"
 #include "platform/orvutils/MessageResponder.h"
+#include "platform/orvutils/WrittenFiles.h"
 #include "storage/exportNames.h"
 #include "storage/savedResultsAtStake.h"
 
@@ -117,6 +118,10 @@ ExportedMaps exportResult(CORVSpumKyvo& engine, std::optional<int> component, co
     if (!staged.begin(strOutFolder, bForce, QString::fromLatin1(SequenceFiles::kSequenceInfo), &error)) {
         throw Failure(error);
     }
+    error = orv::reasonAgainstReplacing(staged.target(), orv::foreignFiles(staged.target()));
+    if (!error.isEmpty()) {
+        throw Failure(error);
+    }
 
     // Every export of a sequence goes by way of the same folder.
     const QString target = unmixedTargetFolder(engine.getSequenceId());
@@ -131,7 +136,7 @@ ExportedMaps exportResult(CORVSpumKyvo& engine, std::optional<int> component, co
         maps.add(path);
     }
     maps.finish();
-    if (!staged.commit(&error)) {
+    if (!orv::noteWrittenFiles(staged.path(), &error) || !staged.commit(&error)) {
         throw Failure(error);
     }
     removeMade(paths, target);

@@ -187,8 +187,8 @@ void ImportCommand::declare(QCommandLineParser& parser) const
                    "FILE");
     addValueOption(parser, "name", QStringLiteral("Name of the sequence; that of OUT."), "NAME");
     parser.addOption({QStringLiteral("force"),
-                      QStringLiteral("Replace a sequence of that name, unless it holds saved results; or the "
-                                     "file of --write-table.")});
+                      QStringLiteral("Replace a sequence of that name, unless it holds anything that was not written "
+                                     "with it; or the file of --write-table.")});
 }
 
 void ImportCommand::run(const QCommandLineParser& parser, CliSession& session)

@@ -79,7 +79,7 @@ constexpr OptionText kOptions[] = {
     {"mixed-binning", "Take the first two images at twice the binning.", "", "", kAll & ~kScan},
     {"name", "Name of the sequence.", "NAME", "that of OUT"},
     {"subject", "Subject type of the sequence.", "TEXT", "Mouse"},
-    {"force", "Replace a sequence that exists, unless it holds saved results.", "", ""},
+    {"force", "Replace a sequence that exists, unless it holds anything that was not written with it.", "", ""},
     {"discard-results", "With --force: replace it together with its saved results.", "", ""},
 };
 

@@ -202,7 +202,8 @@ private:
             }
         }
         nameSequence(strTarget);
-        return m_writer.begin(strTarget, m_description, m_options.force, m_pError);
+        const QStringList givenUp = m_options.discardResults ? savedResultsFolders(strTarget) : QStringList();
+        return m_writer.begin(strTarget, m_description, m_options.force, m_pError, givenUp);
     }
 
     bool build()

@@ -46,7 +46,7 @@ TEST_F(SequenceWriterTest, NothingIsSeenBeforeFinishAndNothingIsLeftBeside)
     EXPECT_FALSE(QFile::exists(m_strTarget));
     ASSERT_TRUE(m_writer.finish(&m_strError)) << m_strError.toStdString();
     EXPECT_EQ(entries(m_home.path()), QStringList{QDir(m_strTarget).dirName()});
-    EXPECT_EQ(entries(m_strTarget), (QStringList{"C1", "SequenceInfo.txt"}));
+    EXPECT_EQ(entries(m_strTarget), (QStringList{".written.json", "C1", "SequenceInfo.txt"}));
 }
 
 TEST_F(SequenceWriterTest, UnfinishedWriterLeavesNothing)
@@ -67,7 +67,7 @@ TEST_F(SequenceWriterTest, ExistingTargetIsRefusedWithoutForce)
     EXPECT_TRUE(m_strError.contains(m_strTarget)) << m_strError.toStdString();
     EXPECT_FALSE(add("C1"));
     EXPECT_FALSE(m_writer.finish());
-    EXPECT_EQ(entries(m_strTarget).size(), 4);
+    EXPECT_EQ(entries(m_strTarget).size(), 5);
 }
 
 TEST_F(SequenceWriterTest, TargetThatAppearsMeanwhileIsNotReplaced)
@@ -86,14 +86,25 @@ TEST_F(SequenceWriterTest, ForceReplacesASequenceOnlyAtFinish)
         SequenceWriter aborted;
         ASSERT_TRUE(aborted.begin(m_strTarget, named("NEW"), true));
         ASSERT_TRUE(aborted.addDataset(fullClick("N1"), {{IMAGETYPE_LUMINESCENT, &m_data}}));
-        EXPECT_EQ(entries(m_strTarget).size(), 4);
+        EXPECT_EQ(entries(m_strTarget).size(), 5);
     }
-    EXPECT_EQ(entries(m_strTarget), (QStringList{"C1", "C2", "C3", "SequenceInfo.txt"}));
+    EXPECT_EQ(entries(m_strTarget), (QStringList{".written.json", "C1", "C2", "C3", "SequenceInfo.txt"}));
     ASSERT_TRUE(begin(true)) << m_strError.toStdString();
     ASSERT_TRUE(add("N1"));
     ASSERT_TRUE(m_writer.finish(&m_strError)) << m_strError.toStdString();
-    EXPECT_EQ(entries(m_strTarget), (QStringList{"N1", "SequenceInfo.txt"}));
+    EXPECT_EQ(entries(m_strTarget), (QStringList{".written.json", "N1", "SequenceInfo.txt"}));
     EXPECT_EQ(entries(m_home.path()).size(), 1);
+}
+
+TEST_F(SequenceWriterTest, ForceSparesWhatIsPutThereMeanwhile)
+{
+    writeThreeClicks();
+    ASSERT_TRUE(begin(true)) << m_strError.toStdString();
+    ASSERT_TRUE(add("N1"));
+    overwrite(m_strTarget + "/C1/note.txt", "mine");
+    EXPECT_FALSE(m_writer.finish(&m_strError));
+    EXPECT_TRUE(m_strError.contains(" would be lost: C1/note.txt; ")) << m_strError.toStdString();
+    EXPECT_EQ(contentOf(m_strTarget + "/C1/note.txt"), "mine");
 }
 
 TEST_F(SequenceWriterTest, ForceSparesFoldersThatAreNoSequence)

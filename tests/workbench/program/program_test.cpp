@@ -141,7 +141,7 @@ TEST_F(ProgramTest, QuietSaysNothingButErrors)
     const ProgramResult made = succeed({"simulate", "seq", "--size", "64", "--bands", "8", "--quiet"});
     EXPECT_EQ(made.out, QByteArray());
     EXPECT_EQ(succeed({"unmix", "seq", "--library", truth(), "--quiet"}).out, QByteArray());
-    write(QStringLiteral("seq/%1/luminescent.TIF").arg(entriesOf(path("seq")).first()), "cut");
+    write(QStringLiteral("seq/%1/luminescent.TIF").arg(entriesOf(path("seq")).filter("SIM").first()), "cut");
     EXPECT_EQ(succeed({"info", "seq", "--quiet"}).out, QByteArray());
     EXPECT_TRUE(refusal({"unmix", "nowhere", "--library", truth(), "--quiet"}).contains("nowhere"));
 }
@@ -158,7 +158,7 @@ TEST_F(ProgramTest, JsonIsOneObjectAndNothingElse)
 TEST_F(ProgramTest, AWarningGoesBesideTheJson)
 {
     simulate();
-    write(QStringLiteral("seq/%1/luminescent.TIF").arg(entriesOf(path("seq")).at(1)), "cut");
+    write(QStringLiteral("seq/%1/luminescent.TIF").arg(entriesOf(path("seq")).filter("SIM").at(1)), "cut");
     const ProgramResult result = spum({"info", "seq", "--json"});
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.json()["warnings"].toArray().size(), 1);
@@ -221,8 +221,39 @@ TEST_F(ProgramTest, AnOutputThatExistsIsRefusedAndStaysAsItIs)
     EXPECT_EQ(contentOf(path("seq/unmixed-library/summary.json")), summary);
     succeed({"unmix", "seq", "--library", truth("counts"), "--unit", "counts", "--force"});
     EXPECT_NE(contentOf(path("seq/unmixed-library/summary.json")), summary);
+    ASSERT_TRUE(QDir(path("seq/unmixed-library")).removeRecursively());
     succeed({"simulate", "seq", "--size", "64", "--bands", "8", "--seed", "9", "--force"});
     EXPECT_NE(contentOf(path("seq/SequenceInfo.txt")), before);
+}
+
+TEST_F(ProgramTest, ASequenceIsReplacedOnlyWhereItHoldsNothingElse)
+{
+    const QStringList again = {"simulate", "seq", "--size", "64", "--bands", "8", "--force", "--discard-results"};
+    simulate();
+    const QStringList plain = filesBelow(path("seq"));
+    succeed({"unmix", "seq", "--library", truth(), "--save", "--out", "seq/unmixed", "--quiet"});
+    write("seq/truth/my notes.txt", "dear");
+    write("seq/.hidden", "x");
+    succeed({"roi", "seq", "add", "--shape", "rect:20,20,99,99", "--quiet"});
+    const QStringList full = filesBelow(path("seq"));
+    QString told = refusal(again);
+    EXPECT_TRUE(told.contains("/seq holds what was not written with it and would be lost: .hidden, SIM"))
+        << qPrintable(told);
+    EXPECT_TRUE(told.contains("_001/ClickInfo.txt (changed), ")) << qPrintable(told);
+    EXPECT_TRUE(told.contains(" more; move this away, or choose another folder")) << qPrintable(told);
+    EXPECT_EQ(filesBelow(path("seq")), full);
+    succeed({"roi", "seq", "remove", "all", "--quiet"});
+    ASSERT_TRUE(QFile::remove(path("seq/.hidden")));
+    ASSERT_TRUE(QDir(path("seq/unmixed")).removeRecursively());
+    told = refusal(again);
+    EXPECT_TRUE(told.contains(" would be lost: truth/my notes.txt; move")) << qPrintable(told);
+    ASSERT_TRUE(QFile::remove(path("seq/truth/my notes.txt")));
+    ASSERT_TRUE(QFile::link(path("home"), path("seq/link")));
+    EXPECT_TRUE(refusal(again).contains(" would be lost: link; move"));
+    ASSERT_TRUE(QFile::remove(path("seq/link")));
+    // The saved results are given up by an option of their own.
+    succeed(again);
+    EXPECT_EQ(filesBelow(path("seq")), plain);
 }
 
 TEST_F(ProgramTest, ForceReplacesNoFolderOfSomebodyElse)
