@@ -42,6 +42,10 @@ AnalysisSetUp::AnalysisSetUp(const AnalysisRequest& request, JobMonitor& monitor
     if (!m_opened.canBeAnalysed()) {
         throw Failure(QStringLiteral("%1 cannot be analysed: %2").arg(m_request.sequence, m_opened.reasonAgainst()));
     }
+    // A photograph that was made of the images shows where they are bright, not where the body is.
+    if (!m_request.mask.asked && !m_opened.hasPhotographOfCamera()) {
+        m_request.mask.kind = MaskRequest::Kind::None;
+    }
 }
 
 QString AnalysisSetUp::outFolder(const QString& strDefaultName) const

@@ -15,6 +15,7 @@ struct MaskRequest
         Ellipse
     };
     Kind kind = Kind::None;
+    bool asked = false; // by the user; else the kind is the default
     QString file;
     // Of a rectangle and of the rectangle around an ellipse, in pixels of the analysis: x from the left, y from the
     // top.

@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "services/results/NoiseEstimate.h"
 
-#include "services/basis/TextTable.h"
-#include "windows/componentCount.h"
-
 #include <cmath>
 #include <limits>
 
@@ -40,23 +37,4 @@ NoiseEstimate NoiseEstimate::ofEigenvalues(const std::vector<double>& eigenvalue
         }
     }
     return estimate;
-}
-
-QString NoiseEstimate::text(int nComponents) const
-{
-    if (components == 0) {
-        return QString();
-    }
-    QString text =
-        QStringLiteral("%1 principal %2 clearly above the noise and %3 %4 % of the data\n")
-            .arg(components)
-            .arg(components == 1 ? QStringLiteral("component stands") : QStringLiteral("components stand"),
-                 components == 1 ? QStringLiteral("leaves") : QStringLiteral("leave"), TextTable::number(lackOfFit, 4));
-    if (components > nComponents) {
-        text += QStringLiteral("%1 components are too few for these images: try --ncomponents %2%3, or name as many\n")
-                    .arg(nComponents)
-                    .arg(components)
-                    .arg(components > kMaxComponents ? QStringLiteral(" --force") : QString());
-    }
-    return text;
 }

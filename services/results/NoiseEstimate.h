@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QString>
-
 #include <vector>
 
 // How many components stand above the noise of the images, and what the noise leaves unexplained. It is an estimate
@@ -17,8 +15,4 @@ struct NoiseEstimate
     // function is smallest (E. R. Malinowski, Determination of the number of factors and the experimental error in a
     // data matrix, Anal. Chem. 49 (1977) 612). It takes three images and values that are numbers.
     static NoiseEstimate ofEigenvalues(const std::vector<double>& eigenvalues);
-
-    // What to tell of a run with `nComponents`: the estimate, and what to do when it found fewer. One or two lines,
-    // each with its line end; empty when nothing can be told.
-    QString text(int nComponents) const;
 };

@@ -52,15 +52,16 @@ QString PcaFiles::text() const
     for (int i = 0; i < m_explained.percent.size(); ++i) {
         table.addRow({QString::number(i + 1), tableCell(i, false), tableCell(i, true)});
     }
-    return QStringLiteral("%1, %2 images of %3 x %4 pixels at binning %5, %6 pixels analysed\n\n%7\n"
-                          "Suggested # of components: %8\n"
-                          "Explained variance (%): %9\n")
+    return QStringLiteral("%1, %2 images of %3 x %4 pixels at binning %5, %6 of %7 pixels analysed\n\n%8\n"
+                          "Suggested # of components: %9\n"
+                          "Explained variance (%): %10\n")
                .arg(UnitNames::text(m_engine.m_eUnit))
                .arg(m_engine.m_selectedKeyPairs.size())
                .arg(m_engine.m_nWidth)
                .arg(m_engine.m_nHeight)
                .arg(m_engine.m_nBinning)
                .arg(m_engine.m_cube.pixelsPerSpot())
+               .arg(static_cast<qint64>(m_engine.m_nWidth) * m_engine.m_nHeight)
                .arg(table.toText())
                .arg(m_explained.nSuggested)
                .arg(explainedVarianceText(m_explained.dSuggestedPercent)) +

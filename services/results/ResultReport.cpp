@@ -57,7 +57,8 @@ QList<QPair<QString, QString>> factRows(const ResultFacts& facts)
         {QStringLiteral("Residual of the data's norm"), percent(facts.residual * 100.0, 4)},
         {QStringLiteral("Components"), QString::number(facts.components.size())},
         {QStringLiteral("Images"), QString::number(facts.images)},
-        {QStringLiteral("Pixels analysed"), QString::number(facts.pixels)},
+        {QStringLiteral("Pixels analysed"),
+         QStringLiteral("%1 of %2").arg(facts.pixels).arg(static_cast<qint64>(facts.width) * facts.height)},
         {QStringLiteral("Size"),
          QStringLiteral("%1 x %2, binning %3").arg(facts.width).arg(facts.height).arg(facts.binning)},
         {QStringLiteral("Unit"), facts.unit}};

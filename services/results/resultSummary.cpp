@@ -161,14 +161,15 @@ QByteArray resultCsv(const ResultFacts& facts)
 
 QString resultText(const ResultFacts& facts)
 {
-    QString text = QStringLiteral("%1, %2 images of %3 x %4 pixels at binning %5, %6 pixels analysed\n\n%7\n"
-                                  "residual %8 % of the data's norm, %9 % of the variance explained; ")
+    QString text = QStringLiteral("%1, %2 images of %3 x %4 pixels at binning %5, %6 of %7 pixels analysed\n\n%8\n"
+                                  "residual %9 % of the data's norm, %10 % of the variance explained; ")
                        .arg(facts.unit)
                        .arg(facts.images)
                        .arg(facts.width)
                        .arg(facts.height)
                        .arg(facts.binning)
                        .arg(facts.pixels)
+                       .arg(static_cast<qint64>(facts.width) * facts.height)
                        .arg(tableText(facts), TextTable::number(facts.residual * 100.0, 4),
                             TextTable::number(facts.explainedVariance, 6));
     text += QStringLiteral("the fit took %1 s\n").arg(TextTable::number(facts.seconds, 3));
@@ -176,10 +177,8 @@ QString resultText(const ResultFacts& facts)
         return text;
     }
     const AutomaticFacts& run = *facts.automatic;
-    return text +
-           QStringLiteral("%1 after %2 iterations; lack of fit %3 % of the data, %4 % of the denoised data\n")
-               .arg(run.ending)
-               .arg(run.iterations)
-               .arg(TextTable::number(run.lackOfFit, 4), TextTable::number(run.lackOfFitDenoised, 4)) +
-           run.noise.text(facts.components.size());
+    return text + QStringLiteral("%1 after %2 iterations; lack of fit %3 % of the data, %4 % of the denoised data\n")
+                      .arg(run.ending)
+                      .arg(run.iterations)
+                      .arg(TextTable::number(run.lackOfFit, 4), TextTable::number(run.lackOfFitDenoised, 4));
 }

@@ -90,6 +90,7 @@ MaskRequest maskOptionOf(const QCommandLineParser& parser, MaskRequest::Kind eDe
     option.kind = eDefault;
     if (parser.isSet(maskName)) {
         option = parseMask(parser.value(maskName));
+        option.asked = true;
     }
     if (!parser.isSet(thresholdName)) {
         return option;
@@ -98,5 +99,6 @@ MaskRequest maskOptionOf(const QCommandLineParser& parser, MaskRequest::Kind eDe
         throw Failure(QStringLiteral("--threshold goes with --mask auto"), Failure::Kind::BadRequest);
     }
     option.threshold = thresholdOf(parser.value(thresholdName));
+    option.asked = true;
     return option;
 }

@@ -48,7 +48,8 @@ void checkConstantImages(const QStringList& constant)
 
 void PcaCommand::declare(QCommandLineParser& parser) const
 {
-    declareAnalysisOptions(parser, QStringLiteral("Without it: auto."), QStringLiteral("SEQ/pca"));
+    declareAnalysisOptions(parser, QStringLiteral("Without it: auto where a camera took the photograph, else none."),
+                           QStringLiteral("SEQ/pca"));
     parser.addOption({QStringLiteral("force"), QStringLiteral("Replace earlier results in that folder.")});
 }
 

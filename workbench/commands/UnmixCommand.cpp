@@ -58,7 +58,9 @@ void UnmixCommand::declare(QCommandLineParser& parser) const
     addValueOption(parser, "library", QStringLiteral("Spectra to fit: a library file, or the name of a saved library."),
                    "FILE|NAME");
     declareAutomaticOptions(parser);
-    declareAnalysisOptions(parser, QStringLiteral("Without it: auto for the automatic method, else none."),
+    declareAnalysisOptions(parser,
+                           QStringLiteral("Without it: auto for the automatic method where a camera took the "
+                                          "photograph, else none."),
                            QStringLiteral("SEQ/unmixed-METHOD"));
     parser.addOption(
         {QStringLiteral("pdf"), QStringLiteral("Write the report as report.pdf too, beside report.html.")});

@@ -48,18 +48,5 @@ TEST(NoiseEstimateTest, NothingIsToldOfWhatTellsNothing)
          {std::vector<double>{}, {5.0}, {5.0, 1.0}, {0.0, 0.0, 0.0}, {5.0, nan, 1.0}}) {
         const NoiseEstimate estimate = NoiseEstimate::ofEigenvalues(eigenvalues);
         EXPECT_EQ(estimate.components, 0);
-        EXPECT_EQ(estimate.text(2), QString());
     }
-}
-
-TEST(NoiseEstimateTest, TooFewComponentsAreToldWhatToTry)
-{
-    const NoiseEstimate four{4, 1.25};
-    EXPECT_EQ(four.text(4), "4 principal components stand clearly above the noise and leave 1.25 % of the data\n");
-    EXPECT_EQ(four.text(5), four.text(4));
-    EXPECT_EQ(four.text(2), four.text(4) + "2 components are too few for these images: try --ncomponents 4, or name as "
-                                           "many\n");
-    EXPECT_TRUE((NoiseEstimate{7, 1.0}).text(6).contains("--ncomponents 7 --force,"));
-    EXPECT_EQ((NoiseEstimate{1, 3.0}).text(2),
-              "1 principal component stands clearly above the noise and leaves 3 % of the data\n");
 }

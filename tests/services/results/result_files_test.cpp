@@ -335,9 +335,9 @@ TEST_F(ResultFilesTest, AnAutomaticRunTellsWhatStandsAboveTheNoise)
     EXPECT_EQ(json["componentsAboveNoise"], 3);
     EXPECT_NEAR(json["principalLackOfFit"].toDouble(), 100.0 * std::sqrt(4.0 / 1110004.0), 1e-12);
     const QString text = ResultFiles(engine(), m_numbers, out()).summaryText();
-    EXPECT_TRUE(text.endsWith("3 principal components stand clearly above the noise and leave 0.1898 % of the data\n"
-                              "2 components are too few for these images: try --ncomponents 3, or name as many\n"))
-        << qPrintable(text);
+    // No advice: of images that nobody simulated the estimate can be far off.
+    EXPECT_FALSE(text.contains("noise")) << qPrintable(text);
+    EXPECT_FALSE(text.contains("--ncomponents")) << qPrintable(text);
 }
 
 TEST_F(ResultFilesTest, ADecayThatWasCorrectedForIsTold)

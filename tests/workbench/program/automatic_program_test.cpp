@@ -387,7 +387,8 @@ TEST_F(AutomaticProgramTest, PcaTellsHowMuchIsExplained)
     EXPECT_GE(json["suggestedExplains"].toDouble(), 99.0);
     EXPECT_EQ(entriesOf(path("seq/pca")), (QStringList{"mask.png", "pca.csv", "pca.json", "scree.png", "scree.svg"}));
     const QString text = QString::fromUtf8(succeed({"pca", "seq", "--mask", "none", "--out", "all"}).out);
-    EXPECT_TRUE(text.startsWith("Radiant Efficiency, 18 images of 64 x 64 pixels at binning 4, 4096 pixels analysed\n"))
+    EXPECT_TRUE(
+        text.startsWith("Radiant Efficiency, 18 images of 64 x 64 pixels at binning 4, 4096 of 4096 pixels analysed\n"))
         << qPrintable(text);
     EXPECT_TRUE(text.endsWith("results in " + path("all") + '\n'));
     EXPECT_FALSE(entriesOf(path("all")).contains("mask.png"));

@@ -123,6 +123,27 @@ TEST_F(ImportProgramTest, ASequenceThatExistsIsReplacedOnlyByForce)
     EXPECT_EQ(succeed({"info", "seq", "--json"}).json()["name"], "again");
 }
 
+TEST_F(ImportProgramTest, ForceSparesWhatTheImportDidNotWrite)
+{
+    writeTiffFile("stack/m EX640EM700.tif", imageOf(4, 4, [](int i) { return dyeA(i); }));
+    writeTiffFile("stack/m EX640EM720.tif", imageOf(4, 4, [](int i) { return dyeB(i); }));
+    const QStringList again = {"import", "stack", "seq", "--force"};
+    succeed({"import", "stack", "seq"});
+    // The table lies there to be edited.
+    write("seq/images.csv", contentOf(path("seq/images.csv")).replace("720", "740"));
+    EXPECT_TRUE(refusal(again).contains(" would be lost: images.csv (changed); move"));
+    ASSERT_TRUE(QFile::rename(path("seq/images.csv"), path("mine.csv")));
+    succeed(again);
+    write("seq/sub/letter.txt", "dear");
+    EXPECT_TRUE(refusal(again).contains(" would be lost: sub/letter.txt; move"));
+    EXPECT_EQ(contentOf(path("seq/sub/letter.txt")), "dear");
+    ASSERT_TRUE(QFile::remove(path("seq/sub/letter.txt")));
+    succeed(again);
+    // Of a sequence without a list nothing is known.
+    ASSERT_TRUE(QFile::remove(path("seq/.written.json")));
+    EXPECT_TRUE(refusal(again).contains(" more; move this away"));
+}
+
 TEST_F(ImportProgramTest, WithoutATableNamesTellWhatIsWhat)
 {
     const QString folder = QString::fromUtf8("Stapel \xC3\xA4 1/");
@@ -288,4 +309,27 @@ TEST_F(ImportProgramTest, RealCellsAreImportedAndUnmixed)
     EXPECT_NEAR(shares, 1.0, 0.1);
     EXPECT_LT(json["residual"].toDouble(), 0.35);
     EXPECT_FALSE(QImage(path("out/overview.png")).isNull());
+}
+
+// Its bright pixels are those of the images, not those of a body.
+TEST_F(ImportProgramTest, APhotographThatIsTheMeanOfTheImagesCutsOutNoMask)
+{
+    for (int k = 0; k < 4; ++k) {
+        const auto value = [k](int i) {
+            return dyeA(i) * static_cast<float>(k + 1) + dyeB(i) * static_cast<float>(5 - k);
+        };
+        writeTiffFile(QStringLiteral("stack/m EX640EM7%1.tif").arg(20 * k, 2, 10, QChar('0')), imageOf(12, 12, value));
+    }
+    succeed({"import", "stack", "seq", "--quiet"});
+    const QStringList unmix = {"unmix", "seq", "--ncomponents", "2", "--no-constraints", "--force"};
+    EXPECT_TRUE(succeed(unmix).out.contains(", 144 of 144 pixels analysed\n"));
+    EXPECT_TRUE(succeed({"pca", "seq", "--force"}).out.contains(", 144 of 144 pixels analysed\n"));
+    const QByteArray masked = succeed(unmix + QStringList{"--mask", "auto"}).out;
+    EXPECT_FALSE(masked.contains(", 144 of 144 pixels analysed\n")) << masked.constData();
+    EXPECT_TRUE(masked.contains(" of 144 pixels analysed\n")) << masked.constData();
+    // A photograph of a camera is one.
+    writeTiffFile("photo.tif", imageOf(12, 12, [](int i) { return i % 12 < 6 ? 10.0F : 200.0F; }));
+    succeed({"import", "stack", "other", "--photo", "photo.tif", "--quiet"});
+    EXPECT_TRUE(succeed({"unmix", "other", "--ncomponents", "2", "--no-constraints"})
+                    .out.contains(", 72 of 144 pixels analysed\n"));
 }
