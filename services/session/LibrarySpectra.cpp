@@ -86,6 +86,12 @@ void LibrarySpectra::load(const QString& strFileOrName)
     if (m_spectra.isEmpty()) {
         throw Failure(QStringLiteral("%1: the library holds no spectrum").arg(strFileOrName));
     }
+    // Every line with values gives one to each spectrum.
+    if (m_spectra.first()->points.isEmpty()) {
+        throw Failure(QStringLiteral("%1: the library holds no value; it takes a line \"Excitation,Emission,names...\" "
+                                     "and behind it one line a pair")
+                          .arg(m_strSource));
+    }
 }
 
 QList<SpectrumPlotParams*> LibrarySpectra::fitTo(const QList<KeyPair>& pairs, int nAxis) const
@@ -94,12 +100,6 @@ QList<SpectrumPlotParams*> LibrarySpectra::fitTo(const QList<KeyPair>& pairs, in
     for (const auto* spectrum : m_spectra) {
         if (!spectrum->settings.selected) {
             continue;
-        }
-        if (spectrum->points.isEmpty()) {
-            throw Failure(
-                QStringLiteral("%1: the library holds no value; it takes a line \"Excitation,Emission,names...\" "
-                               "and behind it one line a pair")
-                    .arg(m_strSource));
         }
         if (!spectrum->coversPairs(pairs)) {
             throw Failure(QStringLiteral("%1: the spectrum \"%2\" has no value for %3")

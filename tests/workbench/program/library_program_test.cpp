@@ -146,8 +146,34 @@ TEST_F(LibraryProgramTest, AnUnreadableLibraryIsListedAsSuch)
     EXPECT_TRUE(refusal({"library", "show", "absent"}).contains("saved are bad, good"));
 }
 
-TEST_F(LibraryProgramTest, AnEmptyTableIsShownWithoutRows)
+// Both regions would be measured in the sequence that came last.
+TEST_F(LibraryProgramTest, RegionsOfSeveralSequencesAreRefused)
 {
-    write("empty.csv", "$,NumSpec,1\n$,Color,red\n$,Select,1\nExcitation,Emission,X\n");
-    EXPECT_EQ(succeed({"library", "show", "empty.csv"}).out, "first  second  X\n");
+    SmallSequence other = smallSequence();
+    other.id = "OTHER";
+    other.writeTo(path("b"));
+    smallSequence().writeTo(path("a"));
+    EXPECT_EQ(refusal({"library", "save", "dyes", "--sequence", "a", "--region", "x=0,0,1,4", "--sequence", "b",
+                       "--region", "y=3,0,1,4"},
+                      2),
+              "--sequence is given more than once and taken once. See \"spum library --help\".");
+    EXPECT_EQ(saved(), QStringList());
+}
+
+TEST_F(LibraryProgramTest, AFileWithoutAValueIsNoLibraryToShow)
+{
+    write("cut.csv", "$,NumSpec,2\n$,Color,red,blue\n$,Select,1,1\n");
+    write("nameless.csv", "$,NumSpec,1\n640,700,1\n640,720,0.5\n");
+    write("letter.csv", "Dear reader,\nthis is a letter, and no library, of spectra\n");
+    // The decimal points of another country make other columns.
+    write("commas.csv", "$,NumSpec,1\n$,Color,red\n$,Select,1\nExcitation,Emission,X\n640,700,0,5\n640,720,1,0\n");
+    for (const char* name : {"cut.csv", "nameless.csv", "commas.csv"}) {
+        EXPECT_EQ(refusal({"library", "show", name}),
+                  QLatin1String(name) +
+                      ": the library holds no value; it takes a line \"Excitation,Emission,names...\" "
+                      "and behind it one line a pair");
+        refusal({"library", "save", "dyes", "--from", name});
+    }
+    EXPECT_EQ(refusal({"library", "show", "letter.csv"}), "letter.csv: the library holds no spectrum");
+    EXPECT_EQ(saved(), QStringList());
 }
