@@ -2,6 +2,7 @@
 #include "services/transfer/ExportedCube.h"
 
 #include "engine/CORVSpumKyvo.h"
+#include "engine/keySelection.h"
 #include "host/CILImage.h"
 #include "host/CORVSequenceDataset.h"
 #include "platform/orvapi/ClickInfoKeys.h"
@@ -13,6 +14,7 @@
 #include "services/session/UnitForecast.h"
 
 #include <QDateTime>
+#include <QHash>
 #include <QLocale>
 #include <QRegularExpression>
 #include <QSize>
@@ -26,12 +28,22 @@ namespace {
 
 constexpr double micrometresPerCentimetre = 1e4;
 
-// The three digits that a filter's text names, as the engine reads it.
-std::optional<double> wavelengthOf(const QString& strFilter)
+// As the engine reads a filter's text.
+std::optional<double> wavelengthOf(QString strFilter)
 {
-    static const QRegularExpression digits(QStringLiteral(R"((?<!\d)[1-9]\d\d(?!\d))"));
-    const auto match = digits.match(strFilter);
-    return match.hasMatch() ? std::optional<double>(match.captured().toDouble()) : std::nullopt;
+    return wavelengthDigits(strFilter) ? std::optional<double>(strFilter.toDouble()) : std::nullopt;
+}
+
+// The names with numbers behind those that come again, so that no two are the same.
+void numberRepeated(QStringList& names)
+{
+    QHash<QString, int> seen;
+    for (QString& name : names) {
+        const int number = ++seen[name];
+        if (number > 1) {
+            name += QStringLiteral("_no%1").arg(number);
+        }
+    }
 }
 
 // Without an exponent, which a name could not be read with.
@@ -211,6 +223,18 @@ void ExportedCube::settleTimes()
         image.fullName =
             m_bTemporal ? (wavelengthNames(image) << instantName).join(QLatin1Char('_')) : spectralName(dataset, image);
         image.name = m_bTemporal && m_images.size() == 1 ? instantName : image.fullName;
+    }
+    QStringList names;
+    QStringList fullNames;
+    for (const Image& image : m_images) {
+        names.append(image.name);
+        fullNames.append(image.fullName);
+    }
+    numberRepeated(names);
+    numberRepeated(fullNames);
+    for (int i = 0; i < m_images.size(); ++i) {
+        m_images[i].name = names[i];
+        m_images[i].fullName = fullNames[i];
     }
     if (m_bTemporal && !timed) {
         m_monitor.warn(started ? QStringLiteral("the images do not tell their times; the starts of their exposures do")

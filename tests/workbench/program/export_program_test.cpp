@@ -405,3 +405,17 @@ TEST_F(ExportProgramTest, ATimeBeforeZeroComesBack)
         EXPECT_EQ(pixelsOf(format), pixelsOf("in")) << qPrintable(format);
     }
 }
+
+// A filter has one wavelength, whoever asks: the first three digits of its text.
+TEST_F(ExportProgramTest, WavelengthsAreThoseThatTheAnalysisReads)
+{
+    SmallSequence sequence = smallSequence();
+    sequence.images[0].emission = "BP20-760nm";
+    sequence.images[1].emission = "BP20-780nm";
+    sequence.images[2].emission = "f700/30";
+    sequence.writeTo(path("in"));
+    EXPECT_EQ(keysOf("in"), (QStringList{"640/207", "640/207", "640/700"}));
+    succeed({"export", "in", "--format", "csv", "--out", "cube.csv", "--quiet"});
+    EXPECT_TRUE(contentOf(path("cube.csv")).startsWith("x,y,ex640_em207,ex640_em207_no2,ex640_em700\n"))
+        << contentOf(path("cube.csv")).left(99).constData();
+}
