@@ -15,7 +15,8 @@ constexpr int kExcitationStep = 70;
 constexpr double kBeforeEmission = 25.0;
 constexpr int kWholeSteps = 5; // nm to which a chosen excitation is rounded
 constexpr int kMostForOne = 8;
-constexpr int kMostForTwo = 24;
+constexpr int kMostEmissions = 10; // of one excitation: in steps of 20 nm they reach over the peak of a far-red dye
+constexpr int kMostChosen = 4;     // excitations
 constexpr int kMostExcitations = 8;
 constexpr int kLastForTimes = 720;
 constexpr int kCoarseStep = 20;
@@ -37,7 +38,8 @@ double bluestPeak(const QList<Probe>& probes)
 // the shortest: for a blue probe the last one then lies further on.
 QList<int> chooseExcitations(int count, const QList<Probe>& probes)
 {
-    const int filters = count <= kMostForOne ? 1 : count <= kMostForTwo ? 2 : 3;
+    const int needed = (count + kMostEmissions - 1) / kMostEmissions;
+    const int filters = count <= kMostForOne ? 1 : std::clamp(needed, 2, kMostChosen);
     const int before = kWholeSteps * qRound((bluestPeak(probes) - kBeforeEmission) / kWholeSteps);
     const int first = std::max(kShortestNm, std::min(before, kLastChosenNm) - (filters - 1) * kExcitationStep);
     QList<int> excitations;
