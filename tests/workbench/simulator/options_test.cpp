@@ -204,8 +204,23 @@ TEST(FilterPlanTest, MoreBandsCallForMoreExcitations)
 {
     EXPECT_EQ(excitationsFor(8, "AF750"), (QList<int>{675}));
     EXPECT_EQ(excitationsFor(9, "AF750"), (QList<int>{605, 675}));
-    EXPECT_EQ(excitationsFor(24, "AF750"), (QList<int>{605, 675}));
-    EXPECT_EQ(excitationsFor(25, "AF750"), (QList<int>{535, 605, 675}));
+    EXPECT_EQ(excitationsFor(20, "AF750"), (QList<int>{605, 675}));
+    EXPECT_EQ(excitationsFor(21, "AF750"), (QList<int>{535, 605, 675}));
+    EXPECT_EQ(excitationsFor(31, "AF750"), (QList<int>{465, 535, 605, 675}));
+    EXPECT_EQ(excitationsFor(200, "AF750"), (QList<int>{465, 535, 605, 675}));
+}
+
+// The reddest dyes are told apart by what lies beyond their peaks.
+TEST(FilterPlanTest, EmissionsReachOverThePeaksAsLongAsExcitationsCanBeAdded)
+{
+    for (int count = 9; count <= 40; ++count) {
+        const QList<FilterPair> pairs = pairsFor(count);
+        for (int i = 1; i < pairs.size(); ++i) {
+            if (pairs[i].excitation == pairs[i - 1].excitation) {
+                EXPECT_EQ(pairs[i].emission - pairs[i - 1].emission, 20) << count;
+            }
+        }
+    }
 }
 
 TEST(FilterPlanTest, ExcitationsEndBeforeTheBluestEmission)
