@@ -21,7 +21,7 @@ struct DeclaredOptions
 // As the help text has them: "--name <VALUE>" or "--name".
 DeclaredOptions optionsOf(const QCommandLineParser& parser)
 {
-    static const QRegularExpression line(QStringLiteral(R"(^\s+(?:-\w, )*--([a-z-]+)( <)?)"),
+    static const QRegularExpression line(QStringLiteral(R"(^ {2}(?:-\w, )*--([a-z-]+)( <)?)"),
                                          QRegularExpression::MultilineOption);
     DeclaredOptions options;
     auto matches = line.globalMatch(parser.helpText());

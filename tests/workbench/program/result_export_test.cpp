@@ -135,7 +135,8 @@ TEST_F(ResultExportTest, EveryMapBecomesADatasetOfANewSequence)
     EXPECT_EQ(maps.folder, QFileInfo(path("out")).absoluteFilePath());
     EXPECT_EQ(maps.id, "SMALL_UMX");
     EXPECT_EQ(maps.names, QStringList({"Unmixed Result 1", "Unmixed Result 2"}));
-    EXPECT_EQ(entriesOf(path("out")), QStringList({"SequenceInfo.txt", "Unmixed Result 1", "Unmixed Result 2"}));
+    EXPECT_EQ(entriesOf(path("out")),
+              QStringList({".written.json", "SequenceInfo.txt", "Unmixed Result 1", "Unmixed Result 2"}));
     EXPECT_EQ(entriesOf(path("tmp")), QStringList()); // moved, not copied
 
     CORVSequenceDataset sequence;
@@ -302,10 +303,12 @@ TEST_F(ResultExportTest, AnEarlierFolderIsReplacedOnlyOnDemand)
     exportResult(engine(), std::nullopt, path("out"));
     const QByteArray before = contentOf(path("out/SequenceInfo.txt"));
     write("out/mine.txt", "kept");
+    const QString refused = failureOf([&] { exportResult(engine(), std::nullopt, path("out"), true); });
+    EXPECT_TRUE(refused.contains(" would be lost: mine.txt; ")) << qPrintable(refused);
     EXPECT_TRUE(failure().contains("exists already"));
     EXPECT_EQ(contentOf(path("out/mine.txt")), "kept");
+    ASSERT_TRUE(QFile::remove(path("out/mine.txt")));
     EXPECT_EQ(exportResult(engine(), std::nullopt, path("out"), true).names.size(), 2);
-    EXPECT_FALSE(QFileInfo::exists(path("out/mine.txt")));
     EXPECT_EQ(contentOf(path("out/SequenceInfo.txt")), before);
     EXPECT_TRUE(QDir().mkpath(path("foreign/data")));
     EXPECT_TRUE(failure(std::nullopt, "foreign").contains("exists already"));
