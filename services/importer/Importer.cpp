@@ -57,6 +57,7 @@ public:
 private:
     bool spareResults(QString* pError) const;
     bool readTable(QString* pError);
+    bool staysInside(QString* pError) const;
     bool readCorrections(QString* pError);
     bool readImage(int i, CILImage& image, QString* pError);
     bool keepTable(QString* pError);
@@ -91,11 +92,32 @@ bool Import::spareResults(QString* pError) const
     return pError->isEmpty();
 }
 
+// A table may come from somebody else, and name files that are not meant to be read.
+bool Import::staysInside(QString* pError) const
+{
+    const QDir source(QFileInfo(m_options.source).absoluteFilePath());
+    if (m_options.follow || !QFileInfo(m_options.source).isDir()) {
+        return true;
+    }
+    for (const ImageRow& row : m_table.rows()) {
+        const QString path = QDir::cleanPath(source.absoluteFilePath(row.file));
+        if (!row.file.isEmpty() && !path.startsWith(QDir::cleanPath(source.path()) + QLatin1Char('/'))) {
+            *pError = QStringLiteral("%1: %2 lies outside %3; --follow reads it all the same")
+                          .arg(m_table.place(row), row.file, m_options.source);
+            return false;
+        }
+    }
+    return true;
+}
+
 bool Import::readTable(QString* pError)
 {
     const bool bTable = m_options.tableText.isEmpty()
                             ? m_table.load(m_options.table, pError)
                             : m_table.parse(m_options.tableText, QStringLiteral("inferred table"), pError);
+    if (bTable && !staysInside(pError)) {
+        return false;
+    }
     const auto reading = [this](double dFraction) {
         constexpr int steps = 1000;
         const QString what = QStringLiteral("Reading %1").arg(QFileInfo(m_options.source).fileName());

@@ -24,6 +24,11 @@ OpenedSequence::OpenedSequence(const QString& strPath) : m_pSequence(std::make_u
     if (m_pSequence->open(strPath, &error, &m_warnings) != ESTATUS_SUCCESS) {
         throw Failure(error);
     }
+    const QString truth = clickText(m_pSequence->sequenceInfo(), SequenceKeys::kSequence, SequenceKeys::kTruthFolder);
+    if (!QDir::cleanPath(folder() + truth + QLatin1Char('/')).startsWith(QDir::cleanPath(folder())) ||
+        QDir::isAbsolutePath(truth)) {
+        m_warnings.append(QStringLiteral("the truth folder %1 lies outside the sequence and is not read").arg(truth));
+    }
     m_pEngine = std::make_unique<CORVSpumKyvo>(m_pSequence->getSequenceID());
     m_bAnalysable = m_pEngine->buildDatasetInfo();
     if (!m_bAnalysable) {
@@ -49,6 +54,10 @@ QString OpenedSequence::truthFolder(int nUnit, bool bDecayCorrected) const
     CPLSection* section = m_pSequence->sequenceInfo()[QLatin1String(SequenceKeys::kSequence)];
     if (section == nullptr || section->getValue(QLatin1String(SequenceKeys::kTruthFolder), &name) != 0 ||
         name.isEmpty()) {
+        return QString();
+    }
+    // The name comes from a file, and may be meant to lead elsewhere.
+    if (!QDir::cleanPath(folder() + name).startsWith(folder()) || QDir::isAbsolutePath(name)) {
         return QString();
     }
     const QString units = folder() + name + QLatin1Char('/');

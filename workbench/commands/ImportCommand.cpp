@@ -64,6 +64,7 @@ Request requestOf(const QCommandLineParser& parser)
     options.flat = value("flat");
     options.name = value("name");
     options.force = given("force");
+    options.follow = given("follow");
     if (given("interval")) {
         request.interval = positiveNumber("interval", value("interval"));
     }
@@ -186,6 +187,8 @@ void ImportCommand::declare(QCommandLineParser& parser) const
     addValueOption(parser, "photo", QStringLiteral("Photograph of the same extent; else the mean image serves."),
                    "FILE");
     addValueOption(parser, "name", QStringLiteral("Name of the sequence; that of OUT."), "NAME");
+    parser.addOption(
+        {QStringLiteral("follow"), QStringLiteral("Read images that the table names outside the folder STACK.")});
     parser.addOption({QStringLiteral("force"),
                       QStringLiteral("Replace a sequence of that name, unless it holds anything that was not written "
                                      "with it; or the file of --write-table.")});

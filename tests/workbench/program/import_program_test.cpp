@@ -333,3 +333,17 @@ TEST_F(ImportProgramTest, APhotographThatIsTheMeanOfTheImagesCutsOutNoMask)
     EXPECT_TRUE(succeed({"unmix", "other", "--ncomponents", "2", "--no-constraints"})
                     .out.contains(", 72 of 144 pixels analysed\n"));
 }
+
+TEST_F(ImportProgramTest, ATableLeadsOutOfItsFolderOnlyWhenFollowed)
+{
+    writeTiffFile("stack/a.tif", imageOf(4, 4, [](int i) { return dyeA(i); }));
+    writeTiffFile("else/b.tif", imageOf(4, 4, [](int i) { return dyeB(i); }));
+    const QByteArray absolute = QFile::encodeName(path("else/b.tif"));
+    for (const QByteArray& file : {QByteArray("../else/b.tif"), absolute}) {
+        write("images.csv", "file,emission\na.tif,700\n" + file + ",720\n");
+        const QString told = refusal({"import", "stack", "seq", "--images", "images.csv"});
+        EXPECT_TRUE(told.contains(" lies outside stack; --follow reads it all the same")) << qPrintable(told);
+        succeed({"import", "stack", "seq", "--images", "images.csv", "--follow", "--quiet"});
+        ASSERT_TRUE(QDir(path("seq")).removeRecursively());
+    }
+}
