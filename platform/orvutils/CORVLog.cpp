@@ -2,6 +2,7 @@
 #include "host/CORVLog.h"
 
 #include "platform/orvutils/LogSinks.h"
+#include "platform/orvutils/printable.h"
 
 #include <QFile>
 #include <QMutex>
@@ -75,7 +76,8 @@ QString oneLine(QString strText)
 
 void writeConsole(const QByteArray& line)
 {
-    std::fwrite(line.constData(), 1, static_cast<size_t>(line.size()), stderr);
+    const QByteArray shown = orv::printable(QString::fromLocal8Bit(line)).toLocal8Bit();
+    std::fwrite(shown.constData(), 1, static_cast<size_t>(shown.size()), stderr);
 }
 
 void writeFile(Sinks& all, const QByteArray& line)

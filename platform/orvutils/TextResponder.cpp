@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/orvutils/TextResponder.h"
 
+#include "platform/orvutils/printable.h"
+
 #include <istream>
 #include <ostream>
 #include <string>
@@ -11,7 +13,7 @@ namespace {
 
 std::string local(const QString& strText)
 {
-    return strText.toLocal8Bit().toStdString();
+    return printable(strText).toLocal8Bit().toStdString();
 }
 
 const char* kindWord(MessageRequest::Kind eKind)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "workbench/commands/CliProgress.h"
 
+#include "platform/orvutils/printable.h"
 #include "workbench/commands/Output.h"
 
 #include <algorithm>
@@ -67,7 +68,7 @@ void CliProgress::show(const QString& strMessage, double dFraction)
     m_sinceDrawn.restart();
     m_bShown = true;
     const double elapsed = static_cast<double>(m_total.elapsed()) / 1000.0;
-    writeAll(STDERR_FILENO, clearLine + lineText(strMessage, dFraction, elapsed).toUtf8());
+    writeAll(STDERR_FILENO, clearLine + orv::printable(lineText(strMessage, dFraction, elapsed)).toUtf8());
 }
 
 void CliProgress::finish()
