@@ -19,8 +19,11 @@ void readIndex(const CORVSequenceDataset& sequence, CPLSettingsFileWrapper& inde
 {
     const QString path = resultsIndex::indexPath(resultsIndex::folder(sequence.getSequenceInfoPath()));
     // A link that leads nowhere does not exist either, but is no sequence without results.
+    const LoggedErrors warnings(CORVLOG_WARNING);
     if ((QFileInfo::exists(path) || QFileInfo(path).isSymLink()) && !index.load(path)) {
-        throw Failure(QStringLiteral("%1: the list of saved results cannot be read").arg(path));
+        // The warnings name the file, the line and what is wrong there.
+        throw Failure(QStringLiteral("%1: the list of saved results cannot be read").arg(path) +
+                      (warnings.lines().isEmpty() ? QString() : QStringLiteral(" (%1)").arg(warnings.lines().first())));
     }
     resultsIndex::setTags(index);
 }

@@ -2,10 +2,12 @@
 #include "services/transfer/ResultExport.h"
 
 #include "services/basis/Failure.h"
+#include "services/basis/JobMonitor.h"
 #include "services/basis/LoggedErrors.h"
 #include "services/transfer/MovedMaps.h"
 
 #include "engine/CORVSpumKyvo.h"
+#include "files/FileLock.h"
 #include "files/StagedFolder.h"
 #include "host/CORVSequenceDataset.h"
 #include "platform/orvapi/ClickInfoKeys.h"
@@ -16,7 +18,6 @@
 
 #include <QDir>
 #include <QFileInfo>
-#include <QLockFile>
 
 namespace {
 
@@ -92,18 +93,32 @@ QStringList makeDatasets(CORVSpumKyvo& engine, std::optional<int> component)
         Failure::Kind::BadRequest);
 }
 
-// The datasets are in their new place; what the export made on its way goes.
-void removeMade(const QStringList& paths, const QString& strTarget)
+// What an export makes on its way, which goes whether it succeeds or not.
+class MadeDatasets
 {
-    for (const QString& path : paths) {
-        deleteFolderTree(QFileInfo(path).absolutePath());
+public:
+    MadeDatasets(const QStringList& paths, const QString& strTarget) : m_paths(paths), m_strTarget(strTarget) {}
+    ~MadeDatasets()
+    {
+        for (const QString& path : m_paths) {
+            deleteFolderTree(QFileInfo(path).absolutePath());
+        }
+        QDir().rmdir(m_strTarget); // stays when it holds another export's
     }
-    QDir().rmdir(strTarget); // stays when it holds another export's
-}
+    MadeDatasets(const MadeDatasets&) = delete;
+    MadeDatasets& operator=(const MadeDatasets&) = delete;
+
+    const QStringList& paths() const { return m_paths; }
+
+private:
+    QStringList m_paths; // of their click infos
+    QString m_strTarget;
+};
 
 } // namespace
 
-ExportedMaps exportResult(CORVSpumKyvo& engine, std::optional<int> component, const QString& strOutFolder, bool bForce)
+ExportedMaps exportResult(CORVSpumKyvo& engine, std::optional<int> component, const QString& strOutFolder, bool bForce,
+                          JobMonitor* pMonitor)
 {
     checkRequest(engine, component);
     CORVSequenceDataset* pSequence = CORVSequenceDataset::getSequenceDataset(engine.getSequenceId());
@@ -125,20 +140,29 @@ ExportedMaps exportResult(CORVSpumKyvo& engine, std::optional<int> component, co
 
     // Every export of a sequence goes by way of the same folder.
     const QString target = unmixedTargetFolder(engine.getSequenceId());
-    QLockFile lock(target + QLatin1String(".lock"));
-    if (!lock.tryLock(lockMilliseconds)) {
-        throw Failure(QStringLiteral("%1: cannot be written, or another program exports the same sequence")
-                          .arg(target + QLatin1String(".lock")));
+    FileLock lock(target);
+    if (lock.obtain(lockMilliseconds, [pMonitor] { return pMonitor == nullptr || !pMonitor->isStopRequested(); }) ==
+        FileLock::Outcome::Refused) {
+        throw Failure(
+            QStringLiteral("%1: exports of the sequence go by way of this folder: %2").arg(target, lock.reason()));
     }
-    const QStringList paths = makeDatasets(engine, component);
+    const auto stopIfRequested = [pMonitor] {
+        if (pMonitor != nullptr) {
+            pMonitor->stopIfRequested();
+        }
+    };
+    stopIfRequested();
+    const MadeDatasets made(makeDatasets(engine, component), target);
     MovedMaps maps(engine, *pSequence, staged);
-    for (const QString& path : paths) {
+    for (const QString& path : made.paths()) {
+        stopIfRequested();
+        lock.keep();
         maps.add(path);
     }
     maps.finish();
+    stopIfRequested();
     if (!orv::noteWrittenFiles(staged.path(), &error) || !staged.commit(&error)) {
         throw Failure(error);
     }
-    removeMade(paths, target);
     return {staged.target(), maps.sequenceId(), maps.names()};
 }

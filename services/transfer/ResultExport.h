@@ -7,6 +7,7 @@
 #include <optional>
 
 class CORVSpumKyvo;
+class JobMonitor;
 
 // An export that is done.
 struct ExportedMaps
@@ -22,6 +23,6 @@ struct ExportedMaps
 // the binning of its map, the component's name and the regions of interest of its source, measured over the map. When
 // no map has a photograph, the first gets that of the sequence. `bForce` replaces an earlier sequence that holds no
 // saved results. Throws Failure, and the folder is as it was, when there is no result, no component is chosen, or
-// anything cannot be written.
+// anything cannot be written, or the monitor (may be null) asks to stop.
 ExportedMaps exportResult(CORVSpumKyvo& engine, std::optional<int> component, const QString& strOutFolder,
-                          bool bForce = false);
+                          bool bForce = false, JobMonitor* pMonitor = nullptr);

@@ -3,6 +3,7 @@
 
 #include "platform/orvutils/LogSinks.h"
 #include "platform/orvutils/ProcessControl.h"
+#include "platform/orvutils/printable.h"
 #include "services/basis/Failure.h"
 #include "services/results/StagedRun.h"
 #include "workbench/commands/CliProgress.h"
@@ -19,12 +20,17 @@ namespace {
 
 volatile std::sig_atomic_t interrupted = 0;
 
-// The first signal lets the work end cleanly; a second one, for work that does not listen, takes the default way.
+// The first signal lets the work end cleanly; a second one, of whichever kind, ends the process at once, for work that
+// does not listen.
 extern "C" void onInterrupt(int signalNumber)
 {
+    if (interrupted != 0) {
+        std::signal(signalNumber, SIG_DFL);
+        std::raise(signalNumber);
+        return;
+    }
     interrupted = 1;
     orv::requestAbortForGood();
-    std::signal(signalNumber, SIG_DFL);
 }
 
 QString fileNameOption(const QCommandLineParser& parser, const char* pName)
@@ -86,14 +92,15 @@ void CliSession::answer(const QString& strText) const
         return;
     }
     m_pProgress->finish();
-    if (!writeAll(STDOUT_FILENO, strText.toUtf8())) {
+    if (!writeAll(STDOUT_FILENO, orv::printable(strText).toUtf8())) {
         throw Failure(QStringLiteral("standard output cannot be written"));
     }
 }
 
 void CliSession::answerJson(const QJsonObject& object) const
 {
-    if (m_bJson && !writeAll(STDOUT_FILENO, QJsonDocument(object).toJson(QJsonDocument::Indented))) {
+    if (m_bJson &&
+        !writeAll(STDOUT_FILENO, orv::printableJson(QJsonDocument(object).toJson(QJsonDocument::Indented)))) {
         throw Failure(QStringLiteral("standard output cannot be written"));
     }
 }
@@ -107,10 +114,11 @@ void CliSession::answer(const RunAnswer& answer) const
 void CliSession::warn(const QString& strText)
 {
     if (m_bQuiet) {
+        m_withheld.append(strText);
         return;
     }
     m_pProgress->finish();
-    writeAll(STDERR_FILENO, (QLatin1String("spum: warning: ") + strText + QLatin1Char('\n')).toUtf8());
+    writeAll(STDERR_FILENO, (QLatin1String("spum: warning: ") + orv::printable(strText) + QLatin1Char('\n')).toUtf8());
 }
 
 void CliSession::catchInterrupts()
@@ -120,6 +128,11 @@ void CliSession::catchInterrupts()
     sigemptyset(&action.sa_mask);
     ::sigaction(SIGINT, &action, nullptr);
     ::sigaction(SIGTERM, &action, nullptr);
+    // Whoever starts a program by nohup wants it to live on.
+    struct sigaction earlier = {};
+    if (::sigaction(SIGHUP, nullptr, &earlier) == 0 && earlier.sa_handler != SIG_IGN) {
+        ::sigaction(SIGHUP, &action, nullptr);
+    }
 }
 
 void CliSession::startProgress(const QString& strMessage)

@@ -40,13 +40,16 @@ public:
     void answer(const RunAnswer& answer) const;
     // A line on standard error: warnings unless --quiet.
     void warn(const QString& strText) override;
+    // What --quiet has kept back: it may tell why a command failed.
+    const QStringList& withheldWarnings() const { return m_withheld; }
 
     void startProgress(const QString& strMessage) override;
     void showProgress(const QString& strMessage, double dFraction) override;
     void endProgress() override;
     bool isStopRequested() const override { return isInterrupted(); }
 
-    // Installs the handler of SIGINT and SIGTERM: the first asks running work to abort, the second ends the process.
+    // Installs the handler of SIGINT, SIGTERM and, unless it is ignored, SIGHUP: the first signal asks running work to
+    // abort, the second ends the process.
     static void catchInterrupts();
     static bool isInterrupted();
     // For tests.
@@ -56,6 +59,7 @@ private:
     bool m_bJson = false;
     bool m_bQuiet = false;
     bool m_bVerbose = false;
+    QStringList m_withheld;
     std::ofstream m_trace;
     std::streambuf* m_pOldBuffer = nullptr;
     std::unique_ptr<CliProgress> m_pProgress;

@@ -4,6 +4,7 @@
 #include "host/CORVLog.h"
 #include "host/CORVPreference.h"
 #include "platform/orvutils/LogSinks.h"
+#include "platform/orvutils/printable.h"
 #include "services/basis/Failure.h"
 #include "services/basis/LoggedErrors.h"
 #include "spectra/logLine.h"
@@ -109,7 +110,7 @@ void print(const QString& strText)
 
 void complain(const QString& strText)
 {
-    writeAll(STDERR_FILENO, (QLatin1String("spum: ") + strText + QLatin1Char('\n')).toUtf8());
+    writeAll(STDERR_FILENO, (QLatin1String("spum: ") + orv::printable(strText) + QLatin1Char('\n')).toUtf8());
 }
 
 QString overview(const std::vector<std::unique_ptr<Command>>& commands)
@@ -182,9 +183,17 @@ int runCommand(Command& command, const QStringList& arguments)
         return ExitStatus::usage;
     }
     const LoggedErrors errors;
+    std::unique_ptr<CliSession> pSession;
     // Why a command failed is told once; what was logged beyond that goes ahead of it, unless the log was shown.
     const auto tell = [&](const QString& strFailure) {
-        const bool shown = parser.isSet(QStringLiteral("verbose")) || parser.isSet(QStringLiteral("quiet"));
+        const bool shown =
+            parser.isSet(QStringLiteral("verbose")) || (parser.isSet(QStringLiteral("quiet")) && strFailure.isEmpty());
+        if (pSession && !strFailure.isEmpty()) {
+            pSession->endProgress();
+            for (const QString& line : pSession->withheldWarnings()) {
+                complain(QStringLiteral("warning: ") + line);
+            }
+        }
         const QStringList lines = shown ? QStringList() : errors.linesBeyond(strFailure);
         for (const QString& line : lines) {
             complain(line);
@@ -194,12 +203,18 @@ int runCommand(Command& command, const QStringList& arguments)
         }
     };
     try {
-        CliSession session(parser);
+        pSession = std::make_unique<CliSession>(parser);
         // An interrupt that comes when all is done does not make a failure of it.
-        command.run(parser, session);
+        command.run(parser, *pSession);
+        pSession.reset();
         tell(QString());
         return ExitStatus::success;
     } catch (const Failure& failure) {
+        // What was broken off, a question or a wait for another program, says in its own way that nothing came of it.
+        if (CliSession::isInterrupted() && failure.kind() == Failure::Kind::Failed) {
+            tell(QStringLiteral("aborted by user"));
+            return ExitStatus::aborted;
+        }
         tell(failure.text());
         return ExitStatus::of(failure);
     } catch (const std::bad_alloc&) {
@@ -266,7 +281,6 @@ int CommandLine::run(int argc, char** argv)
     std::set_terminate(endWithoutMemory);
     settleLocale();
     ::setenv("QT_QPA_PLATFORM", "offscreen", 0);
-    CliSession::catchInterrupts();
     orv::setConsoleLogLevel(orv::ConsoleLog::Errors);
     qInstallMessageHandler(toLog);
     QApplication application(argc, argv);

@@ -273,9 +273,10 @@ void ResultsCommand::exportMaps(OpenedSequence& opened, const QString& strName, 
     const auto component = componentOf(parser);
     session.startProgress(QStringLiteral("Loading the result"));
     const LoadedResult loaded(opened, strName);
+    session.stopIfRequested();
     session.showProgress(QStringLiteral("Exporting the maps"), 0.5);
     const ExportedMaps maps = exportResult(opened.engine(), component, parser.value(QStringLiteral("out")),
-                                           parser.isSet(QStringLiteral("force")));
+                                           parser.isSet(QStringLiteral("force")), &session);
     session.endProgress();
     session.answer(
         QStringLiteral("%1 exported as sequence %2 in %3\n")

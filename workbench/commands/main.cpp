@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // This file alone is compiled for any processor of the architecture, so that it can say what the rest needs.
+#include "workbench/commands/CliSession.h"
 #include "workbench/commands/CommandLine.h"
 
 #include <cstdio>
@@ -28,5 +29,7 @@ int main(int argc, char** argv)
                    stderr);
         return 1;
     }
+    // Ahead of all else: what a signal meets half way must be cleaned up.
+    CliSession::catchInterrupts();
     return CommandLine::run(argc, argv);
 }

@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What Ctrl-C leaves behind.
+#include "storage/exportNames.h"
 #include "workbench/program/ProgramFixture.h"
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QJsonDocument>
+#include <QLockFile>
 
 #include <csignal>
 
@@ -111,4 +114,40 @@ TEST_F(InterruptProgramTest, AnInterruptedReplacementKeepsWhatWasThere)
         break;
     }
     EXPECT_GT(interrupted, 0);
+}
+
+TEST_F(InterruptProgramTest, AHangUpLeavesNothing)
+{
+    std::signal(SIGHUP, SIG_DFL);
+    const ProgramResult result = program().runAndInterrupt({"simulate", "seq", "--size", "768"}, path("."), 0, SIGHUP);
+    expectAllOrNothing(result, path("."), {}, "seq", "SequenceInfo.txt");
+    EXPECT_EQ(result.status, 130);
+}
+
+// nohup: who ignores a hang-up wants the work done.
+TEST_F(InterruptProgramTest, AHangUpThatIsIgnoredEndsNothing)
+{
+    std::signal(SIGHUP, SIG_IGN);
+    const ProgramResult result = program().runAndInterrupt({"simulate", "seq", "--size", "256"}, path("."), 0, SIGHUP);
+    std::signal(SIGHUP, SIG_DFL);
+    EXPECT_EQ(result.status, 0) << result.err.constData();
+}
+
+TEST_F(InterruptProgramTest, AnExportEndsWhileItWaitsForAnother)
+{
+    smallSequence().writeTo(path("seq"));
+    succeed({"unmix", "seq", "--library", library(), "--save", "--quiet"});
+    const QString target = unmixedTargetFolder("SMALL");
+    QLockFile lock(target + ".lock");
+    ASSERT_TRUE(lock.tryLock(30000));
+    QElapsedTimer timer;
+    timer.start();
+    const ProgramResult result =
+        program().runAndInterrupt({"results", "export", "seq", "SPUM_001", "--out", "maps"}, path("."), 100, SIGTERM);
+    EXPECT_EQ(result.status, 130) << result.err.constData();
+    EXPECT_TRUE(result.err.contains("abort")) << result.err.constData();
+    EXPECT_LT(timer.elapsed(), 20000);
+    EXPECT_FALSE(entriesOf(path(".")).contains("maps"));
+    lock.unlock();
+    succeed({"results", "export", "seq", "SPUM_001", "--out", "maps", "--quiet"});
 }

@@ -6,6 +6,8 @@
 
 #include <QDir>
 #include <QFile>
+#include <QJsonDocument>
+#include <QRegularExpression>
 
 namespace {
 
@@ -320,4 +322,62 @@ TEST_F(ProgramTest, AFullOutputIsAnError)
         return 98;
     });
     EXPECT_EQ(status, 1);
+}
+
+// Names come from files that others wrote; a terminal obeys what it is shown.
+TEST_F(ProgramTest, WhatWouldSteerATerminalIsShownEscaped)
+{
+    smallSequence().writeTo(path("seq"));
+    write("seq/SequenceInfo.txt",
+          contentOf(path("seq/SequenceInfo.txt"))
+              .replace("Sequence Name: SMALL", "Sequence Name: a\x1b[2J \xC2\x9b \xE2\x80\xAE gpj.exe"));
+    const QByteArray text = spum({"info", "seq"}).out;
+    EXPECT_TRUE(text.contains("a\\x1b[2J \\x9b \\u202e gpj.exe")) << text.constData();
+    for (const char* raw : {"\x1b", "\xC2\x9b", "\xE2\x80\xAE"}) {
+        EXPECT_FALSE(text.contains(raw));
+        EXPECT_FALSE(spum({"info", "seq", "--json"}).out.contains(raw));
+    }
+    const QJsonObject json = spum({"info", "seq", "--json"}).json();
+    EXPECT_TRUE(QString::fromUtf8(QJsonDocument(json).toJson()).contains(QChar(0x202E)));
+    const QByteArray told = spum({"info", QString::fromUtf8("no\x1b]0;x\x07")}).err;
+    EXPECT_TRUE(told.contains("no\\x1b]0;x\\x07")) << told.constData();
+    EXPECT_FALSE(told.contains('\x1b'));
+}
+
+TEST_F(ProgramTest, QuietKeepsTheReasonOfAFailure)
+{
+    simulate();
+    QString image;
+    for (const auto& name : filesBelow(path("seq"))) {
+        image = image.isEmpty() && name.endsWith("luminescent.TIF") ? name : image;
+    }
+    QFile file(path("seq/" + image));
+    ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+    ASSERT_TRUE(file.resize(file.size() / 2));
+    file.close();
+    const QStringList unmix = {"unmix", "seq", "--library", truth()};
+    const ProgramResult plain = spum(unmix);
+    EXPECT_NE(plain.status, 0);
+    EXPECT_EQ(spum(unmix + QStringList{"--quiet"}).err, plain.err);
+}
+
+TEST_F(ProgramTest, ABrokenIndexSaysWhatIsBroken)
+{
+    smallSequence().writeTo(path("seq"));
+    succeed({"unmix", "seq", "--library", library(), "--save", "--quiet"});
+    write("seq/XML/SPUM.txt", contentOf(path("seq/XML/SPUM.txt")) + "\nno key here\n");
+    const QString told = refusal({"results", "list", "seq"});
+    EXPECT_TRUE(told.contains("SPUM.txt: the list of saved results cannot be read (")) << qPrintable(told);
+    EXPECT_TRUE(told.contains("no key here") || told.contains(QRegularExpression("SPUM\\.txt:\\d+: ")))
+        << qPrintable(told);
+}
+
+// 24 bands ended in "No solution!" with what is proposed without options.
+TEST_F(ProgramTest, ManyBandsAreUnmixedWithoutOptions)
+{
+    for (const char* bands : {"24", "36", "40"}) {
+        const QString name = QStringLiteral("seq") + bands;
+        succeed({"simulate", name, "--size", "96", "--bands", bands, "--quiet"});
+        EXPECT_EQ(succeed({"unmix", name, "--json"}).json()["images"], QString(bands).toInt());
+    }
 }
