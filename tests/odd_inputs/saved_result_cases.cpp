@@ -183,17 +183,17 @@ OddCases loads()
         loaded("Sound", OddTexts::savedResult, C::Silent, "{...}results in {dir}/out"),
         loaded("OfHugePixels", pixels("2000000000"), C::Refused, cannot),
         loaded("OfMorePixelsThanTheCounter", pixels("99999999999999999999"), C::Silent,
-               "{...} 1024 pixels analysed{...}"),
+               "{...} 1024 of {...} pixels analysed{...}"),
         loaded("OfNegativePixels", pixels("-1"), C::Refused, cannot),
         loaded("OfMorePixelsThanImages", pixels("16777216"), C::Refused, noMaps),
         loaded(
             "OfPixelsOutside", [] { return replaced("02000000", "FFFFFF7F"); }, C::Refused, noMaps),
         loaded(
             "OfNegativeBinning", [] { return replaced("ImageBinning=\"4\"", "ImageBinning=\"-4\""); }, C::Silent,
-            "{...}at binning 4, 2 pixels analysed{...}"),
+            "{...}at binning 4, 2 of {...} pixels analysed{...}"),
         loaded(
             "OfHugeImages", [] { return replaced("ImageWidth=\"32\"", "ImageWidth=\"2000000000\""); }, C::Silent,
-            "{...}at binning 4, 2 pixels analysed{...}"),
+            "{...}at binning 4, 2 of {...} pixels analysed{...}"),
         loaded(
             "OfAnotherSequence", [] { return replaced("id=\"odd\"", "id=\"even\""); }, C::Refused, cannot),
         loaded(
