@@ -40,7 +40,7 @@ sanitize: deps
 tsan: deps
 	@cmake --preset tsan --log-level=WARNING
 	@cmake --build build/tsan -j$(JOBS) --target test_math test_xtnt test_algorithms test_engine
-	@TSAN_OPTIONS="suppressions=$(CURDIR)/tests/tsan.supp halt_on_error=1" ctest --test-dir build/tsan --output-on-failure -R 'test_(math|xtnt|algorithms|engine)'
+	@TSAN_OPTIONS="suppressions=$(CURDIR)/tests/tsan.supp halt_on_error=1 die_after_fork=0" ctest --test-dir build/tsan --output-on-failure -R 'test_(math|xtnt|algorithms|engine)'
 
 fuzz: deps
 	@cmake --preset fuzz --log-level=WARNING

@@ -9,6 +9,7 @@
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
+#include <memory>
 #include <mutex>
 #include <new>
 #include <system_error>
@@ -52,8 +53,8 @@ public:
     BodyScope& operator=(const BodyScope&) = delete;
 };
 
-// Keeps the door closed while the pass is inside the parallel library, which must not be unwound. The former state
-// comes back at the end and when the pass is unwound.
+// Keeps the door closed while helpers work on a slice, which lies on the caller's stack. The former state comes back at
+// the end and when the pass is unwound.
 class ClosedDoor
 {
 public:
@@ -122,12 +123,33 @@ public:
     // Whether the helpers exist: those of a process do not follow into its forked child.
     bool isAlive() const { return m_process == ::getpid(); }
 
+    // Passes under way, by which it is told that nobody needs this object any more.
+    void beginPass() { m_passes.fetch_add(1); }
+    void endPass() { m_passes.fetch_sub(1); }
+    bool isIdle() const { return m_passes.load() == 0; }
+
 private:
+    // A slice that helpers may be inside of. They have left it at the end, also when the caller's chunk throws.
+    class OfferedSlice
+    {
+    public:
+        explicit OfferedSlice(Workers& workers) : m_workers(workers) {}
+        ~OfferedSlice() { m_workers.withdraw(); }
+        OfferedSlice(const OfferedSlice&) = delete;
+        OfferedSlice& operator=(const OfferedSlice&) = delete;
+
+    private:
+        Workers& m_workers;
+    };
+
     void makeHelpers();
+    bool offer(Slice& slice, int threads);
+    void withdraw();
     void help();
 
     const int m_threads;
     const pid_t m_process = ::getpid();
+    std::atomic<int> m_passes{0};
     std::mutex m_mutex;
     std::condition_variable m_wake;
     std::condition_variable m_left;
@@ -164,27 +186,38 @@ void Workers::makeHelpers()
 
 void Workers::run(Slice& slice, int threads)
 {
-    std::unique_lock<std::mutex> lock(m_mutex);
+    if (!offer(slice, threads)) {
+        slice.drain();
+        return;
+    }
+    const OfferedSlice offered(*this);
+    slice.drain();
+}
+
+// False where there are no helpers, or they are busy: of two passes at once the second has its own thread.
+bool Workers::offer(Slice& slice, int threads)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
     if (!m_made) {
         makeHelpers();
     }
-    // Of two passes at once the second has its own thread.
-    const bool mine = m_pSlice == nullptr && m_helpers > 0;
-    if (mine) {
-        m_pSlice = &slice;
-        m_places = std::min(threads - 1, m_helpers);
-        for (int i = 0; i < m_places; ++i) {
-            m_wake.notify_one();
-        }
+    if (m_pSlice != nullptr || m_helpers == 0) {
+        return false;
     }
-    lock.unlock();
-    slice.drain();
-    if (mine) {
-        lock.lock();
-        m_places = 0;
-        m_left.wait(lock, [this] { return m_inside == 0; });
-        m_pSlice = nullptr;
+    m_pSlice = &slice;
+    m_places = std::min(threads - 1, m_helpers);
+    for (int i = 0; i < m_places; ++i) {
+        m_wake.notify_one();
     }
+    return true;
+}
+
+void Workers::withdraw()
+{
+    std::unique_lock<std::mutex> lock(m_mutex);
+    m_places = 0;
+    m_left.wait(lock, [this] { return m_inside == 0; });
+    m_pSlice = nullptr;
 }
 
 void Workers::help()
@@ -210,14 +243,38 @@ void Workers::help()
 }
 
 // Never destroyed: the end of a process waits for nobody.
-Workers*& workersSlot()
+std::atomic<Workers*>& workersSlot()
 {
-    static Workers* s_pWorkers = new Workers(defaultThreadCount());
-    if (!s_pWorkers->isAlive()) {
-        s_pWorkers = new Workers(s_pWorkers->threads());
-    }
+    static std::atomic<Workers*> s_pWorkers{new Workers(defaultThreadCount())};
     return s_pWorkers;
 }
+
+// Those of this process; a forked child makes its own, whichever of its threads asks first.
+Workers& presentWorkers()
+{
+    std::atomic<Workers*>& slot = workersSlot();
+    Workers* pWorkers = slot.load();
+    while (!pWorkers->isAlive()) {
+        auto pOwn = std::make_unique<Workers>(pWorkers->threads());
+        if (slot.compare_exchange_strong(pWorkers, pOwn.get())) {
+            pWorkers = pOwn.release();
+        }
+    }
+    return *pWorkers;
+}
+
+// Of one pass; its end comes with an unwinding too.
+class PassScope
+{
+public:
+    explicit PassScope(Workers& workers) : m_workers(workers) { m_workers.beginPass(); }
+    ~PassScope() { m_workers.endPass(); }
+    PassScope(const PassScope&) = delete;
+    PassScope& operator=(const PassScope&) = delete;
+
+private:
+    Workers& m_workers;
+};
 
 // Number of chunks of the next slice, from the time that the last one took.
 long long nextSliceLength(long long length, double seconds, long long threads)
@@ -238,7 +295,8 @@ void parallelChunks(long long count, long long grain, const std::function<void(l
     grain = std::max(grain, 1LL);
 
     const ClosedDoor door;
-    Workers& workers = *workersSlot();
+    Workers& workers = presentWorkers();
+    const PassScope pass(workers);
     const long long threads = workers.threads();
     const long long chunks = (count - 1) / grain + 1;
     long long length = threads;
@@ -276,15 +334,17 @@ void setThreadCount(int n)
 {
     XTNT_ASSERT(!insideBody);
     const int threads = n < 1 ? defaultThreadCount() : n;
-    if (threads != threadCount()) {
-        delete workersSlot();
+    Workers& former = presentWorkers();
+    XTNT_ASSERT(former.isIdle());
+    if (threads != former.threads()) {
         workersSlot() = new Workers(threads);
+        delete &former;
     }
 }
 
 int threadCount()
 {
-    return workersSlot()->threads();
+    return presentWorkers().threads();
 }
 
 } // namespace XTNT

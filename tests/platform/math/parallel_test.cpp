@@ -15,6 +15,7 @@
 #include <functional>
 #include <mutex>
 #include <set>
+#include <stdexcept>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -319,6 +320,36 @@ TEST_F(ParallelTest, TwoPassesAtOnceBothEnd)
     EXPECT_EQ(done, 2 * 50 * 200);
 }
 
+// It is not to throw; when it does, the caller's frames go, and helpers must have left them.
+TEST_F(ParallelTest, WhatABodyThrowsOnTheCallersThreadArrivesWhenNoHelperIsInsideAnyMore)
+{
+    setThreadCount(2);
+    const auto caller = std::this_thread::get_id();
+    std::atomic<int> begun{0};
+    std::atomic<int> inside{0};
+    int insideAfterwards = -1;
+    try {
+        parallelChunks(2, 1, [&](long long, long long) {
+            if (std::this_thread::get_id() == caller) {
+                const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+                while (begun == 0 && std::chrono::steady_clock::now() < limit) {
+                    spin(std::chrono::microseconds(10));
+                }
+                throw std::runtime_error("thrown by a body");
+            }
+            ++inside;
+            ++begun;
+            spin(std::chrono::milliseconds(200));
+            --inside;
+        });
+    } catch (const std::runtime_error&) {
+        insideAfterwards = inside;
+    }
+    EXPECT_EQ(begun, 1);
+    EXPECT_EQ(insideAfterwards, 0);
+    EXPECT_EQ(partialSums(1000, 7, 1), partialSums(1000, 7, 2));
+}
+
 TEST_F(ParallelTest, ThreadThatWasNotCancelledPassesACancellationPointUnchanged)
 {
     int state = -1;
@@ -361,4 +392,27 @@ TEST(ParallelDeathTest, CancellationPointInsideABodyIsAContractViolation)
             parallelChunks(1, 1, [](long long, long long) { cancellationPoint(); });
         },
         "parallel.cpp.*!insideBody");
+}
+
+// The helpers of that pass would go from under it.
+TEST(ParallelDeathTest, AnotherNumberOfThreadsDuringAPassIsAContractViolation)
+{
+    ::testing::FLAGS_gtest_death_test_style = "threadsafe";
+    EXPECT_DEATH(
+        {
+            ::alarm(60);
+            setThreadCount(2);
+            std::atomic<bool> started{false};
+            std::thread([&started] {
+                parallelChunks(1000000, 1, [&started](long long, long long) {
+                    started = true;
+                    spin(std::chrono::microseconds(200));
+                });
+            }).detach();
+            while (!started) {
+                spin(std::chrono::microseconds(50));
+            }
+            setThreadCount(3);
+        },
+        "parallel.cpp.*isIdle");
 }
