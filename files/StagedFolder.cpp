@@ -87,23 +87,9 @@ QString randomName(const QString& strName)
     return name;
 }
 
-// An open, held lock file, or -1 with errno: EEXIST for one that another program holds or is about to remove.
 int heldLock(const QString& strHidden, int flags)
 {
-    const int file =
-        ::open(QFile::encodeName(lockIn(strHidden)).constData(), flags | O_RDWR | O_NOFOLLOW | O_CLOEXEC, 0600);
-    if (file < 0) {
-        return -1;
-    }
-    struct stat facts = {};
-    const orv::Hold held = orv::hold(file);
-    const bool mayGoOn = held == orv::Hold::mine || (held == orv::Hold::unknown && (flags & O_CREAT) != 0);
-    if (mayGoOn && ::fstat(file, &facts) == 0 && facts.st_nlink > 0) {
-        return file;
-    }
-    ::close(file);
-    errno = EEXIST;
-    return -1;
+    return orv::openHeld(QFile::encodeName(lockIn(strHidden)), flags);
 }
 
 // Hidden folders of programs that were killed while they made `target`.
@@ -141,7 +127,7 @@ QString takeBackFrom(const QString& strHidden, const QString& strTarget)
         orv::syncFolder(QFile::encodeName(QFileInfo(strTarget).path()));
         removeHidden(strHidden);
         return QStringLiteral("%1 was left aside by a program that was ended while it replaced it; it is back in its "
-                              "place now, as it was before: try again")
+                              "place now, as it was before")
             .arg(strTarget);
     }
     // With its successor not in place, it is not known whose the target is.
@@ -182,14 +168,21 @@ QString StagedFolder::takeBack(const QString& strTarget)
     return told;
 }
 
+QString StagedFolder::takeBackMissing(const QString& strTarget)
+{
+    return exists(QDir::cleanPath(QFileInfo(strTarget).absoluteFilePath())) ? QString() : takeBack(strTarget);
+}
+
 bool StagedFolder::begin(const QString& strTarget, bool bForce, const QString& strMarker, QString* pError)
 {
     discard();
     m_bForce = bForce;
     m_strTarget = QDir::cleanPath(QFileInfo(strTarget).absoluteFilePath());
+    const bool there = exists(m_strTarget);
     const QString told = takeBack(m_strTarget);
     if (!told.isEmpty()) {
-        return fail(told, pError);
+        const bool isBack = !there && exists(m_strTarget);
+        return fail(isBack ? told + QLatin1String(": try again") : told, pError);
     }
     const QFileInfo target(m_strTarget);
     if (target.exists() || target.isSymLink()) {

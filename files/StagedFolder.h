@@ -33,6 +33,8 @@ public:
     // Clears up beside `strTarget` after programs that were killed. A folder that one of them had moved aside goes back
     // to its place when that is free. A sentence that tells so, or where such a folder lies; otherwise empty.
     static QString takeBack(const QString& strTarget);
+    // The same for a reader of the folder: nothing is touched where the folder is in its place.
+    static QString takeBackMissing(const QString& strTarget);
 
 private:
     bool makeHidden(const QString& strParent, const QString& strName);

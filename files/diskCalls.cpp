@@ -51,6 +51,23 @@ Hold hold(int file)
     return errno == EWOULDBLOCK ? Hold::another : Hold::unknown;
 }
 
+int openHeld(const QByteArray& path, int flags)
+{
+    const int file = ::open(path.constData(), flags | O_RDWR | O_NOFOLLOW | O_CLOEXEC, 0600);
+    if (file < 0) {
+        return -1;
+    }
+    struct stat facts = {};
+    const Hold held = hold(file);
+    const bool mayGoOn = held == Hold::mine || (held == Hold::unknown && (flags & O_CREAT) != 0);
+    if (mayGoOn && ::fstat(file, &facts) == 0 && facts.st_nlink > 0) {
+        return file;
+    }
+    ::close(file);
+    errno = EEXIST;
+    return -1;
+}
+
 bool exchange(const QByteArray& one, const QByteArray& other)
 {
     return ::renameat2(AT_FDCWD, one.constData(), AT_FDCWD, other.constData(), RENAME_EXCHANGE) == 0;

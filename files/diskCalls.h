@@ -24,6 +24,9 @@ enum class Hold
     unknown
 };
 Hold hold(int file);
+// An open file at this path that this process holds, or -1 with errno: EEXIST where another program holds it or is
+// about to remove it. `flags` of open(2); with O_CREAT the file may be new, and a file system without locks will do.
+int openHeld(const QByteArray& path, int flags);
 
 // Gives two things that exist each other's name in one step. False with errno EINVAL, ENOSYS or ENOTSUP where the file
 // system cannot.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/CORVSequenceDataset.h"
 
+#include "files/StagedFolder.h"
 #include "host/CORVDatabase.h"
 #include "platform/orvapi/ClickInfoKeys.h"
 #include "platform/orvapi/ClickInfoValues.h"
@@ -57,6 +58,15 @@ void shorten(QStringList& warnings, const QString& strFile)
     warnings.append(QStringLiteral("%1: %2 more warnings").arg(strFile).arg(more));
 }
 
+// A sequence that a killed program has left aside goes back to its place; what there is to tell about it. `strPath` is
+// that of the folder or of the file in it.
+QString takeBackMissing(const QString& strPath)
+{
+    const QFileInfo given(strPath);
+    return StagedFolder::takeBackMissing(
+        given.fileName() == QLatin1String(SequenceFiles::kSequenceInfo) ? given.absolutePath() : strPath);
+}
+
 bool hasTimes(const CORVDataset& dataset)
 {
     return !clickText(dataset.clickInfo, ClickKeys::kClickNumber, ClickKeys::kKyVoTime).isEmpty() &&
@@ -109,6 +119,10 @@ ESTATUS CORVSequenceDataset::open(const QString& strPath, QString* pError, QStri
 {
     reset();
     QStringList warnings;
+    const QString left = takeBackMissing(strPath);
+    if (!left.isEmpty()) {
+        warnings.append(left);
+    }
     const QFileInfo given(strPath);
     const QString folder = QDir::cleanPath(given.isDir() ? given.absoluteFilePath() : given.absolutePath());
     const bool exists =

@@ -191,6 +191,29 @@ TEST_F(FaultyFolderTest, AFolderThatAKilledProgramHadMovedAsideIsFoundAndGoesBac
     EXPECT_EQ(present(), "new");
 }
 
+TEST_F(FaultyFolderTest, AReaderFindsAMissingFolderAndTouchesNothingWhereItIsNotMissing)
+{
+    ASSERT_TRUE(replaceAndDie("rename@1=EINVAL;rename@2=killafter"));
+    EXPECT_EQ(StagedFolder::takeBackMissing(m_strTarget + "/"),
+              m_strTarget + " was left aside by a program that was ended while it replaced it; it is back in its place "
+                            "now, as it was before");
+    EXPECT_EQ(present(), "old");
+    ASSERT_TRUE(replaceAndDie("sync@1=kill"));
+    const QStringList there = entries(m_home.path());
+    EXPECT_EQ(there.size(), 2);
+    EXPECT_EQ(StagedFolder::takeBackMissing(m_strTarget), QString());
+    EXPECT_EQ(entries(m_home.path()), there);
+}
+
+TEST_F(FaultyFolderTest, AReaderIsToldWhereAFolderLiesThatCannotGoBack)
+{
+    ASSERT_TRUE(replaceAndDie("rename@1=EINVAL;rename@2=killafter"));
+    arm("rename@1+=EROFS");
+    const QString told = StagedFolder::takeBackMissing(m_strTarget);
+    ASSERT_TRUE(told.contains(" was ended while it replaced it: it is in ")) << told.toStdString();
+    EXPECT_TRUE(QFile::exists(told.section(": it is in ", 1) + "/summary.json")) << told.toStdString();
+}
+
 TEST_F(FaultyFolderTest, AFolderThatSomebodyMadeInBetweenIsNotTouched)
 {
     ASSERT_TRUE(replaceAndDie("rename@1=EINVAL;rename@2=killafter"));
