@@ -7,6 +7,8 @@
 
 namespace {
 
+constexpr const char* datasetName = "Unmixed Result ";
+
 QString lastThree(int nNumber)
 {
     return QString::number(nNumber).right(3);
@@ -16,8 +18,13 @@ QString lastThree(int nNumber)
 
 QString unmixedDatasetName(int nComponent, int nSpot, int nSpots)
 {
-    const QString strName = QStringLiteral("Unmixed Result ") + lastThree(nComponent + 1);
+    const QString strName = QLatin1String(datasetName) + lastThree(nComponent + 1);
     return nSpots > 1 ? strName + lastThree(1001 + nSpot) : strName;
+}
+
+QString unmixedDatasetPattern()
+{
+    return QLatin1String(datasetName) + QLatin1Char('*');
 }
 
 QString unmixedDatasetLabel(const QString& strSeqId, int nComponent)

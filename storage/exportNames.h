@@ -7,6 +7,8 @@
 
 // Of the folder: "Unmixed Result 2" or, with several spots, "Unmixed Result 2001" for the first of them.
 QString unmixedDatasetName(int nComponent, int nSpot, int nSpots);
+// What the names of all those folders, and of none of anybody else, look like: a pattern with "*".
+QString unmixedDatasetPattern();
 // Of the dataset in its sequence: the source sequence's id without its last three characters, and "UMX2".
 QString unmixedDatasetLabel(const QString& strSeqId, int nComponent);
 // The folder of all datasets of that sequence, without a separator at its end. A separator inside the id becomes "_".

@@ -4,24 +4,21 @@
 #include "services/basis/Failure.h"
 #include "services/basis/JobMonitor.h"
 #include "services/basis/LoggedErrors.h"
+#include "services/transfer/ExportPlace.h"
 #include "services/transfer/MovedMaps.h"
 
 #include "engine/CORVSpumKyvo.h"
-#include "files/FileLock.h"
 #include "files/StagedFolder.h"
 #include "host/CORVSequenceDataset.h"
 #include "platform/orvapi/ClickInfoKeys.h"
 #include "platform/orvutils/MessageResponder.h"
 #include "platform/orvutils/WrittenFiles.h"
-#include "storage/exportNames.h"
 #include "storage/savedResultsAtStake.h"
 
 #include <QDir>
 #include <QFileInfo>
 
 namespace {
-
-constexpr int lockMilliseconds = 30000;
 
 // Answers the question for the component; no other comes up in an export.
 class ComponentResponder : public orv::MessageResponder
@@ -93,28 +90,6 @@ QStringList makeDatasets(CORVSpumKyvo& engine, std::optional<int> component)
         Failure::Kind::BadRequest);
 }
 
-// What an export makes on its way, which goes whether it succeeds or not.
-class MadeDatasets
-{
-public:
-    MadeDatasets(const QStringList& paths, const QString& strTarget) : m_paths(paths), m_strTarget(strTarget) {}
-    ~MadeDatasets()
-    {
-        for (const QString& path : m_paths) {
-            deleteFolderTree(QFileInfo(path).absolutePath());
-        }
-        QDir().rmdir(m_strTarget); // stays when it holds another export's
-    }
-    MadeDatasets(const MadeDatasets&) = delete;
-    MadeDatasets& operator=(const MadeDatasets&) = delete;
-
-    const QStringList& paths() const { return m_paths; }
-
-private:
-    QStringList m_paths; // of their click infos
-    QString m_strTarget;
-};
-
 } // namespace
 
 ExportedMaps exportResult(CORVSpumKyvo& engine, std::optional<int> component, const QString& strOutFolder, bool bForce,
@@ -138,25 +113,18 @@ ExportedMaps exportResult(CORVSpumKyvo& engine, std::optional<int> component, co
         throw Failure(error);
     }
 
-    // Every export of a sequence goes by way of the same folder.
-    const QString target = unmixedTargetFolder(engine.getSequenceId());
-    FileLock lock(target);
-    if (lock.obtain(lockMilliseconds, [pMonitor] { return pMonitor == nullptr || !pMonitor->isStopRequested(); }) ==
-        FileLock::Outcome::Refused) {
-        throw Failure(
-            QStringLiteral("%1: exports of the sequence go by way of this folder: %2").arg(target, lock.reason()));
-    }
+    ExportPlace place(engine.getSequenceId(), pMonitor);
     const auto stopIfRequested = [pMonitor] {
         if (pMonitor != nullptr) {
             pMonitor->stopIfRequested();
         }
     };
     stopIfRequested();
-    const MadeDatasets made(makeDatasets(engine, component), target);
+    const QStringList paths = makeDatasets(engine, component);
     MovedMaps maps(engine, *pSequence, staged);
-    for (const QString& path : made.paths()) {
+    for (const QString& path : paths) {
         stopIfRequested();
-        lock.keep();
+        place.keep();
         maps.add(path);
     }
     maps.finish();

@@ -7,6 +7,7 @@
 #include "platform/orvutils/printable.h"
 #include "services/basis/Failure.h"
 #include "services/basis/LoggedErrors.h"
+#include "services/transfer/ExportPlace.h"
 #include "spectra/logLine.h"
 #include "workbench/commands/CliSession.h"
 #include "workbench/commands/Command.h"
@@ -204,6 +205,7 @@ int runCommand(Command& command, const QStringList& arguments)
     };
     try {
         pSession = std::make_unique<CliSession>(parser);
+        ExportPlace::clearAbandoned();
         // An interrupt that comes when all is done does not make a failure of it.
         command.run(parser, *pSession);
         pSession.reset();

@@ -3,6 +3,8 @@
 #include "workbench/program/ProgramFixture.h"
 
 #include <QDir>
+#include <QFileInfo>
+#include <QRegularExpression>
 
 #include <string>
 #include <thread>
@@ -48,6 +50,71 @@ TEST_F(FaultsProgramTest, WhatAKilledCommandLeftIsGoneAfterTheNextOnTheSameTarge
     EXPECT_TRUE(entriesOf(path(".")).join(' ').contains(".seq-"));
     succeed({"simulate", "seq", "--size", "32", "--bands", "3"});
     EXPECT_FALSE(entriesOf(path(".")).join(' ').contains(".seq-"));
+}
+
+// Of a disk that cannot exchange names: the place is empty until a reader comes.
+TEST_F(FaultsProgramTest, ASequenceThatAKilledCommandLeftAsideIsFoundByWhoeverReadsItAndTold)
+{
+    const QStringList simulation = {"simulate", "seq", "--size", "32", "--bands", "3", "--force"};
+    succeed(simulation);
+    setFaults("", ".", "log");
+    succeed(simulation);
+    // The last rename of all is that of the folder.
+    const int renames = contentOf(path("log")).count("rename\t");
+    ASSERT_GT(renames, 3);
+    const QString kill = QStringLiteral("rename@%1=EINVAL;rename@%2=killafter").arg(renames).arg(renames + 1);
+    succeed({"library", "save", "dyes", "--from", library()});
+    const std::vector<QStringList> readers = {
+        {"info", "seq"},
+        {"export", "seq", "--format", "csv", "--unit", "counts", "--out", "cube.csv"},
+        {"roi", "seq", "list"},
+        {"results", "list", "seq"},
+        {"pca", "seq/SequenceInfo.txt", "--unit", "counts", "--out", "components"},
+        {"compare", "seq", "kept"},
+        {"unmix", "seq", "--library", "nothing", "--out", "run"}};
+    for (const QStringList& reader : readers) {
+        setFaults(kill);
+        EXPECT_EQ(spum(simulation).status, -1);
+        setFaults("");
+        ASSERT_FALSE(QFileInfo::exists(path("seq"))) << qPrintable(reader.join(' '));
+        const ProgramResult result = spum(reader);
+        EXPECT_TRUE(result.errText().contains("/seq was left aside by a program that was ended while it replaced it; "
+                                              "it is back in its place now, as it was before"))
+            << qPrintable(reader.join(' ')) << "\n"
+            << result.err.constData();
+        EXPECT_FALSE(result.errText().contains("try again")) << result.err.constData();
+        EXPECT_TRUE(QFileInfo::exists(path("seq/SequenceInfo.txt"))) << qPrintable(reader.join(' '));
+        EXPECT_FALSE(entriesOf(path(".")).join(' ').contains(".seq-")) << qPrintable(reader.join(' '));
+    }
+    EXPECT_EQ(succeed({"info", "seq", "--json"}).status, 0);
+}
+
+TEST_F(FaultsProgramTest, WhatAKilledExportOfAResultLeftInTheTemporaryFolderGoesWithTheNextCommand)
+{
+    smallSequence().writeTo(path("small"));
+    succeed({"unmix", "small", "--library", library(), "--out", "run", "--save", "kept"});
+    ASSERT_TRUE(QDir().mkpath(path("tmp")));
+    program().setVariable("TMPDIR", path("tmp"));
+    write("tmp/SPUM_OTHER/mine.txt", "kept");
+    const QStringList exported = {"results", "export", "small", "kept", "--out", "maps"};
+    succeed(exported);
+    EXPECT_EQ(entriesOf(path("tmp")).filter("SPUM_"), QStringList{"SPUM_OTHER"});
+    int left = 0;
+    // Some of the many calls, each a whole export.
+    for (int call = 2; call < 400; call += 6) {
+        QDir(path("maps")).removeRecursively();
+        setFaults(QStringLiteral("change@%1=kill").arg(call), "tmp");
+        if (spum(exported).status != -1) {
+            break;
+        }
+        setFaults("");
+        left += QFileInfo(path("tmp/SPUM_SMALL")).isDir() ? 1 : 0;
+        succeed({"library", "list"});
+        EXPECT_EQ(entriesOf(path("tmp")).filter(QRegularExpression("^SPUM_(?!OTHER).*(?<!\\.lock)$")), QStringList())
+            << call;
+    }
+    EXPECT_GT(left, 2);
+    EXPECT_EQ(contentOf(path("tmp/SPUM_OTHER/mine.txt")), "kept");
 }
 
 TEST_F(FaultsProgramTest, AnEnviExportThatIsKilledBetweenItsFilesIsNotReadInSilence)

@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "services/transfer/ExportPlace.h"
+
+#include "services/basis/Failure.h"
+#include "services/basis/JobMonitor.h"
+#include "storage/exportNames.h"
+
+#include <QDir>
+
+#include <cerrno>
+
+namespace {
+
+constexpr int lockMilliseconds = 30000;
+
+constexpr QLatin1String ownerSuffix(".owner");
+
+// The folder stays when it holds anything else.
+void removeDatasets(const QString& strFolder)
+{
+    const QDir folder(strFolder);
+    for (const QString& name : folder.entryList({unmixedDatasetPattern()}, QDir::Dirs | QDir::NoDotAndDotDot)) {
+        deleteFolderTree(folder.filePath(name));
+    }
+    QDir().rmdir(strFolder);
+}
+
+} // namespace
+
+ExportPlace::ExportPlace(const QString& strSeqId, JobMonitor* pMonitor)
+    : m_strFolder(unmixedTargetFolder(strSeqId)), m_lock(m_strFolder)
+{
+    const auto outcome =
+        m_lock.obtain(lockMilliseconds, [pMonitor] { return pMonitor == nullptr || !pMonitor->isStopRequested(); });
+    if (outcome == FileLock::Outcome::Stopped) {
+        pMonitor->stopIfRequested();
+    }
+    QString reason = m_lock.reason();
+    if (outcome == FileLock::Outcome::Obtained) {
+        if (m_owner.make(m_strFolder + ownerSuffix)) {
+            return;
+        }
+        reason = errno == EEXIST ? QStringLiteral("another program holds it") : qt_error_string(errno);
+    }
+    throw Failure(QStringLiteral("%1: exports of the sequence go by way of this folder: %2").arg(m_strFolder, reason));
+}
+
+ExportPlace::~ExportPlace()
+{
+    removeDatasets(m_strFolder);
+}
+
+void ExportPlace::clearAbandoned()
+{
+    const QDir temporary(QDir::tempPath());
+    const QString pattern = temporary.relativeFilePath(unmixedTargetFolder(QStringLiteral("*"))) + ownerSuffix;
+    for (const QString& name : temporary.entryList({pattern}, QDir::Files | QDir::NoSymLinks)) {
+        const QString folder = temporary.filePath(name.chopped(ownerSuffix.size()));
+        // The lock first, as an export takes it: its record then is not held by us for a moment.
+        FileLock lock(folder);
+        orv::OwnerRecord owner;
+        if (lock.obtain(0) == FileLock::Outcome::Obtained && owner.takeAbandoned(folder + ownerSuffix)) {
+            removeDatasets(folder);
+        }
+    }
+}
