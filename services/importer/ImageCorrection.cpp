@@ -29,19 +29,22 @@ bool load(const QString& path, long w, long h, const char* what, std::vector<dou
     if (!readTiffHeader(path, 0, &info, pError)) {
         return false;
     }
+    if (info.width != w || info.height != h) {
+        return fail(pError, path,
+                    QStringLiteral("the %1 has %2 x %3 pixels where the images have %4 x %5")
+                        .arg(QLatin1String(what))
+                        .arg(info.width)
+                        .arg(info.height)
+                        .arg(w)
+                        .arg(h));
+    }
     // As with the images: stored values where a colour map is only for the screen.
     options.band = info.isColour && info.samplesPerPixel == 1 && info.bitsPerSample >= 8 ? 0 : -1;
     if (!readTiff(path, 0, options, image, pError)) {
         return false;
     }
     if (image.m_lWidth != w || image.m_lHeight != h) {
-        return fail(pError, path,
-                    QStringLiteral("the %1 has %2 x %3 pixels where the images have %4 x %5")
-                        .arg(QLatin1String(what))
-                        .arg(image.m_lWidth)
-                        .arg(image.m_lHeight)
-                        .arg(w)
-                        .arg(h));
+        return fail(pError, path, QStringLiteral("the file has changed while it was read"));
     }
     if (const long long bad = firstUnusablePixel(image); bad >= 0) {
         return fail(

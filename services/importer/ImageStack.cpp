@@ -2,6 +2,7 @@
 #include "services/importer/ImageStack.h"
 
 #include "platform/orvimage/TiffIo.h"
+#include "services/importer/ImportMemory.h"
 
 #include <QDir>
 #include <QFile>
@@ -185,16 +186,27 @@ QSharedPointer<CsvCube> ImageStack::csvCube(const QString& strPath, QString* pRe
     return cube;
 }
 
+void ImageStack::noteMemory(ORVDataTypes type, qint64 lReadBytes)
+{
+    m_nPixelBytes = std::max(m_nPixelBytes, static_cast<int>(CILImageBase::bytesPerPixel(type)));
+    m_lReadBytes = std::max(m_lReadBytes, lReadBytes);
+}
+
 bool ImageStack::measure(Image& image, long* pWidth, long* pHeight, QString* pReason)
 {
     if (image.cube) {
         *pWidth = image.cube->header().width;
         *pHeight = image.cube->header().height;
+        const EnviHeader& header = image.cube->header();
+        const auto pixel = static_cast<qint64>(CILImageBase::bytesPerPixel(header.imageType()));
+        const qint64 line = static_cast<qint64>(header.width) * header.bytesPerPixel() * header.bands;
+        noteMemory(header.imageType(), pixel * header.width * header.height + line);
         return true;
     }
     if (image.csv) {
         *pWidth = image.csv->width();
         *pHeight = image.csv->height();
+        noteMemory(ORVTYPE_DOUBLE, static_cast<qint64>(sizeof(double)) * *pWidth * *pHeight);
         return true;
     }
     TiffInfo info;
@@ -216,6 +228,9 @@ bool ImageStack::measure(Image& image, long* pWidth, long* pHeight, QString* pRe
         m_coloured.append(image.name);
     } else if (image.band < 0 && info.samplesPerPixel > 1) {
         m_sampled.append(image.name);
+    }
+    if (info.type != ORVTYPE_NONE) { // else reading refuses it
+        noteMemory(info.type, tiffMemory(info));
     }
     *pWidth = info.width;
     *pHeight = info.height;

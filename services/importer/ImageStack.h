@@ -33,6 +33,9 @@ public:
     int count() const { return m_images.size(); }
     long width() const { return m_lWidth; }
     long height() const { return m_lHeight; }
+    // Of the widest image: bytes of a pixel, and those that reading the image takes.
+    int pixelBytes() const { return m_nPixelBytes; }
+    qint64 readBytes() const { return m_lReadBytes; }
     const QStringList& warnings() const { return m_warnings; }
 
     // Short and for people: "cells_00.tif", "stack.tif page 3", "cube.dat band 2".
@@ -57,6 +60,7 @@ private:
     bool openCsv(const ImageRow& row, Image& image, QString* pReason);
     QSharedPointer<CsvCube> csvCube(const QString& strPath, QString* pReason);
     bool measure(Image& image, long* pWidth, long* pHeight, QString* pReason);
+    void noteMemory(ORVDataTypes type, qint64 lReadBytes);
     void warnOf(const QStringList& names, const QString& strWhat);
 
     QVector<Image> m_images;
@@ -69,5 +73,7 @@ private:
     QStringList m_sampled;
     long m_lWidth = 0;
     long m_lHeight = 0;
+    int m_nPixelBytes = 0;
+    qint64 m_lReadBytes = 0;
     QStringList m_warnings;
 };

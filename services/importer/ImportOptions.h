@@ -20,6 +20,8 @@ struct ImportOptions
     double pixelSize = 0.0;    // um in the object plane, above 0; 0: not known
     QString output;            // folder of the new sequence; its parent must exist
     QString name;              // name of the sequence; empty: that of the output folder
-    bool follow = false;       // read images that the table names outside the source
-    bool force = false;        // replace an output that exists (a sequence without saved results, or an empty folder)
+    // Most memory in bytes that images may take by their headers; it is estimated before a pixel is read.
+    qint64 maxMemory = qint64{2} << 30;
+    bool follow = false; // read images that the table names outside the source
+    bool force = false;  // replace an output that exists (a sequence without saved results, or an empty folder)
 };

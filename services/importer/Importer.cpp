@@ -8,6 +8,7 @@
 #include "services/importer/ImageKeys.h"
 #include "services/importer/ImageStack.h"
 #include "services/importer/ImagesTable.h"
+#include "services/importer/ImportMemory.h"
 #include "services/importer/Photograph.h"
 #include "storage/savedResultsAtStake.h"
 
@@ -37,19 +38,25 @@ QString shortest(double value)
     return QString::number(value, 'g', QLocale::FloatingPointShortest);
 }
 
+// The folder that will hold the new one, on whose disk there must be room anyway.
+QString folderBeside(const QString& output)
+{
+    return QFileInfo(QDir::cleanPath(QFileInfo(output).absoluteFilePath())).path();
+}
+
 // One import from the table to the finished folder.
 class Import
 {
 public:
     Import(const ImportOptions& options, const ImportProgress& progress, ImportReport& report)
-        : m_options(options), m_progress(progress), m_report(report)
+        : m_options(options), m_progress(progress), m_report(report), m_mean(folderBeside(options.output))
     {
     }
 
     bool run(QString* pError)
     {
         // A target is refused before time is spent on images; the writer shows nothing before finish().
-        return spareResults(pError) && readTable(pError) && readCorrections(pError) &&
+        return spareResults(pError) && readTable(pError) && limitMemory(pError) && readCorrections(pError) &&
                m_writer.begin(m_options.output, describeSequence(), m_options.force, pError) && checkImages(pError) &&
                makePhotograph(pError) && write(pError);
     }
@@ -58,6 +65,7 @@ private:
     bool spareResults(QString* pError) const;
     bool readTable(QString* pError);
     bool staysInside(QString* pError) const;
+    bool limitMemory(QString* pError) const;
     bool readCorrections(QString* pError);
     bool readImage(int i, CILImage& image, QString* pError);
     bool keepTable(QString* pError);
@@ -171,6 +179,22 @@ bool Import::readTable(QString* pError)
     return true;
 }
 
+bool Import::limitMemory(QString* pError) const
+{
+    ImportSize size;
+    size.width = m_stack.width();
+    size.height = m_stack.height();
+    size.readBytes = m_stack.readBytes();
+    size.pixelBytes = m_stack.pixelBytes();
+    size.corrections = (m_options.dark.isEmpty() ? 0 : 1) + (m_options.flat.isEmpty() ? 0 : 1);
+    size.photograph = m_options.photo.isEmpty() ? 0 : photographMemory(m_options.photo);
+    const QString reason = reasonAgainstMemory(size, m_options.maxMemory);
+    if (!reason.isEmpty()) {
+        *pError = QStringLiteral("%1: %2").arg(m_options.source, reason);
+    }
+    return reason.isEmpty();
+}
+
 bool Import::readCorrections(QString* pError)
 {
     const int nExposures = m_options.exposures.size();
@@ -236,8 +260,8 @@ bool Import::checkImages(QString* pError)
                           .arg(bad / image.m_lWidth);
             return false;
         }
-        if (m_options.photo.isEmpty()) {
-            m_mean.add(image);
+        if (m_options.photo.isEmpty() && !m_mean.add(image, pError)) {
+            return false;
         }
     }
     return true;

@@ -19,6 +19,7 @@ using ImportProgress = std::function<bool(int nDone, int nSteps, const QString& 
 // All images are read and checked before one is written, and the folder appears as a whole or not at all. False with
 // one sentence in *pError, "file: reason" or "file:line: reason", when
 //   - a file cannot be read, is no such image, or is shorter than its header says;
+//   - the images, by their headers, would take more memory than `maxMemory`;
 //   - an image differs in size from the first, or has a pixel that is not finite or beyond single precision;
 //   - a wavelength, rounded to whole nanometres, is not 100 to 999, or a time is not a number of seconds within 2^24;
 //   - the dark image or the flat field cannot be read or has another size, or a pixel of the flat is not above 0;

@@ -3,6 +3,7 @@
 
 #include "platform/orvimage/TiffIo.h"
 #include "platform/orvutils/InputFile.h"
+#include "services/importer/ImportMemory.h"
 
 #include <QFile>
 #include <QImage>
@@ -11,6 +12,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <cstring>
 #include <limits>
 
@@ -27,10 +29,28 @@ constexpr qint64 maxCompression = 2064;
 constexpr qint64 allowedPixels = 1 << 20;
 
 template <class Pixel>
-void addPixels(const Pixel* pixels, std::vector<double>& sum)
+void addPixels(const Pixel* pixels, std::vector<double>& sums)
 {
-    for (std::size_t i = 0; i < sum.size(); ++i) {
-        sum[i] += static_cast<double>(pixels[i]);
+    for (std::size_t i = 0; i < sums.size(); ++i) {
+        sums[i] += static_cast<double>(pixels[i]);
+    }
+}
+
+void addBand(const CILImage& image, std::size_t nFirst, std::vector<double>& sums)
+{
+    switch (image.dataType()) {
+    case ORVTYPE_BYTE:
+        return addPixels(image.bytes() + nFirst, sums);
+    case ORVTYPE_USHORT:
+        return addPixels(static_cast<const unsigned short*>(image.m_pData) + nFirst, sums);
+    case ORVTYPE_INT:
+        return addPixels(static_cast<const int*>(image.m_pData) + nFirst, sums);
+    case ORVTYPE_FLOAT:
+        return addPixels(image.floats() + nFirst, sums);
+    case ORVTYPE_DOUBLE:
+        return addPixels(image.doubles() + nFirst, sums);
+    case ORVTYPE_NONE:
+        break;
     }
 }
 
@@ -46,12 +66,67 @@ long long firstUnusable(const Pixel* pixels, std::size_t n)
     return -1;
 }
 
-// Of a copy, as the element is found by partial sorting.
-double quantile(std::vector<double> values, double share)
+// Finite numbers as whole numbers of the same order, and back.
+constexpr std::uint64_t signBit = std::uint64_t{1} << 63;
+
+std::uint64_t keyOf(double value)
 {
-    const auto at = static_cast<std::ptrdiff_t>(std::floor(share * static_cast<double>(values.size() - 1) + 0.5));
-    std::nth_element(values.begin(), values.begin() + at, values.end());
-    return values[static_cast<std::size_t>(at)];
+    std::uint64_t bits = 0;
+    std::memcpy(&bits, &value, sizeof(bits));
+    return (bits & signBit) != 0 ? ~bits : bits | signBit;
+}
+
+double valueOf(std::uint64_t key)
+{
+    const std::uint64_t bits = (key & signBit) != 0 ? key & ~signBit : ~key;
+    double value = 0.0;
+    std::memcpy(&value, &bits, sizeof(value));
+    return value;
+}
+
+// Finds the number of a rank among many that are looked at in four passes, without a copy: each pass counts the next
+// 16 bits of those that begin as the one sought.
+class RankSearch
+{
+public:
+    explicit RankSearch(std::size_t nRank) : m_nRank(nRank) {}
+
+    void look(const std::vector<double>& values)
+    {
+        for (const double value : values) {
+            const std::uint64_t key = keyOf(value);
+            if (m_nKnownBits == 0 || key >> (64 - m_nKnownBits) == m_start) {
+                ++m_counts[(key >> (48 - m_nKnownBits)) & 0xffffU];
+            }
+        }
+    }
+    void endPass()
+    {
+        std::size_t next = 0;
+        while (m_nRank >= m_counts[next]) {
+            m_nRank -= m_counts[next++];
+        }
+        m_start = m_start << 16U | next;
+        m_nKnownBits += 16;
+        m_counts.assign(m_counts.size(), 0);
+    }
+    double found() const { return valueOf(m_start); }
+
+private:
+    std::size_t m_nRank;
+    std::uint64_t m_start = 0; // the first bits of the key
+    int m_nKnownBits = 0;
+    std::vector<std::size_t> m_counts = std::vector<std::size_t>(65536, 0);
+};
+
+std::size_t rankOf(double share, std::size_t nValues)
+{
+    return static_cast<std::size_t>(std::floor(share * static_cast<double>(nValues - 1) + 0.5));
+}
+
+bool claimsTooMuch(const QFile& file, const QSize& size)
+{
+    return static_cast<qint64>(size.width()) * size.height() > file.size() * maxCompression + allowedPixels;
 }
 
 bool isTiffName(const QString& path)
@@ -106,8 +181,7 @@ bool readPicture(const QString& path, CILImage& out, QString* pError)
         return fail(QStringLiteral("this is no picture of a known format"));
     }
     const QSize size = reader.size();
-    const qint64 pixels = static_cast<qint64>(size.width()) * size.height();
-    if (size.isValid() && pixels > file.size() * maxCompression + allowedPixels) {
+    if (size.isValid() && claimsTooMuch(file, size)) {
         return fail(QStringLiteral("the header claims %1 x %2 pixels, more than a file of %3 bytes can hold")
                         .arg(size.width())
                         .arg(size.height())
@@ -132,49 +206,115 @@ bool readPicture(const QString& path, CILImage& out, QString* pError)
 
 } // namespace
 
-void MeanImage::add(const CILImage& image)
+// Calls `visit` with each band of sums and its first pixel. With `bWrite` what it changes is kept.
+bool MeanImage::eachBand(bool bWrite, const std::function<void(std::size_t nFirst, std::vector<double>& sums)>& visit)
 {
-    if (m_nImages == 0) {
-        m_lWidth = image.m_lWidth;
-        m_lHeight = image.m_lHeight;
-        m_sum.assign(image.pixelCount(), 0.0);
+    if (!m_file) {
+        visit(0, m_band);
+        return true;
     }
-    ++m_nImages;
-    switch (image.dataType()) {
-    case ORVTYPE_BYTE:
-        return addPixels(image.bytes(), m_sum);
-    case ORVTYPE_USHORT:
-        return addPixels(static_cast<const unsigned short*>(image.m_pData), m_sum);
-    case ORVTYPE_INT:
-        return addPixels(static_cast<const int*>(image.m_pData), m_sum);
-    case ORVTYPE_FLOAT:
-        return addPixels(image.floats(), m_sum);
-    case ORVTYPE_DOUBLE:
-        return addPixels(image.doubles(), m_sum);
-    case ORVTYPE_NONE:
-        break;
+    const auto pixels = static_cast<std::size_t>(m_lWidth) * static_cast<std::size_t>(m_lHeight);
+    const auto band = static_cast<std::size_t>(std::max(1L, m_lBandPixels / m_lWidth) * m_lWidth);
+    for (std::size_t first = 0; first < pixels; first += band) {
+        m_band.assign(std::min(band, pixels - first), 0.0);
+        const auto bytes = static_cast<qint64>(m_band.size() * sizeof(double));
+        const auto place = static_cast<qint64>(first * sizeof(double));
+        char* const data = reinterpret_cast<char*>(m_band.data());
+        const bool bFirstImage = bWrite && m_nImages == 1; // nothing lies there yet
+        if (!m_file->seek(place) || (!bFirstImage && m_file->read(data, bytes) != bytes)) {
+            return false;
+        }
+        visit(first, m_band);
+        if (bWrite && (!m_file->seek(place) || m_file->write(data, bytes) != bytes || !m_file->flush())) {
+            return false;
+        }
     }
+    return true;
 }
 
-bool MeanImage::stretched(CILImage& out) const
+bool MeanImage::add(const CILImage& image, QString* pError)
 {
-    if (m_sum.empty() || out.InitWithType(ORVTYPE_BYTE, m_lWidth, m_lHeight) != EIL_SUCCESS) {
+    if (m_nImages++ == 0) {
+        m_lWidth = image.m_lWidth;
+        m_lHeight = image.m_lHeight;
+        if (m_lHeight <= std::max(1L, m_lBandPixels / m_lWidth)) {
+            m_band.assign(image.pixelCount(), 0.0);
+        } else {
+            m_file = std::make_unique<QTemporaryFile>(m_strFolder + QStringLiteral("/.mean-XXXXXX"));
+        }
+    }
+    const bool bOpen = !m_file || m_file->isOpen() || m_file->open();
+    if (!bOpen ||
+        !eachBand(true, [&image](std::size_t nFirst, std::vector<double>& sums) { addBand(image, nFirst, sums); })) {
+        *pError = QStringLiteral("%1: the mean image: %2").arg(m_strFolder, m_file->errorString());
         return false;
     }
-    double low = quantile(m_sum, clippedShare);
-    double high = quantile(m_sum, 1.0 - clippedShare);
-    if (!(high > low)) { // almost all alike: what differs is all there is to see
-        const auto range = std::minmax_element(m_sum.begin(), m_sum.end());
-        low = *range.first;
-        high = *range.second;
+    return true;
+}
+
+// The sums that become 0 and 255.
+bool MeanImage::ends(double* pLow, double* pHigh)
+{
+    const auto pixels = static_cast<std::size_t>(m_lWidth) * static_cast<std::size_t>(m_lHeight);
+    RankSearch low(rankOf(clippedShare, pixels));
+    RankSearch high(rankOf(1.0 - clippedShare, pixels));
+    constexpr int passes = 4;
+    for (int pass = 0; pass < passes; ++pass) {
+        if (!eachBand(false, [&](std::size_t, std::vector<double>& sums) {
+                low.look(sums);
+                high.look(sums);
+            })) {
+            return false;
+        }
+        low.endPass();
+        high.endPass();
+    }
+    *pLow = low.found();
+    *pHigh = high.found();
+    if (*pHigh > *pLow) {
+        return true;
+    }
+    // Almost all alike: what differs is all there is to see.
+    return eachBand(false, [&](std::size_t, std::vector<double>& sums) {
+        const auto range = std::minmax_element(sums.begin(), sums.end());
+        *pLow = std::min(*pLow, *range.first);
+        *pHigh = std::max(*pHigh, *range.second);
+    });
+}
+
+bool MeanImage::stretched(CILImage& out)
+{
+    double low = 0.0;
+    double high = 0.0;
+    if (m_nImages == 0 || out.InitWithType(ORVTYPE_BYTE, m_lWidth, m_lHeight) != EIL_SUCCESS || !ends(&low, &high)) {
+        return false;
     }
     constexpr double brightest = 255.0;
     constexpr double middle = 128.0;
-    for (std::size_t i = 0; i < m_sum.size(); ++i) {
-        const double stretchedValue = high > low ? (m_sum[i] - low) / (high - low) * brightest : middle;
-        out.bytes()[i] = static_cast<unsigned char>(std::lround(std::clamp(stretchedValue, 0.0, brightest)));
+    return eachBand(false, [&](std::size_t nFirst, std::vector<double>& sums) {
+        for (std::size_t i = 0; i < sums.size(); ++i) {
+            const double stretchedValue = high > low ? (sums[i] - low) / (high - low) * brightest : middle;
+            out.bytes()[nFirst + i] =
+                static_cast<unsigned char>(std::lround(std::clamp(stretchedValue, 0.0, brightest)));
+        }
+    });
+}
+
+qint64 photographMemory(const QString& strPath)
+{
+    if (isTiffName(strPath)) {
+        TiffInfo info;
+        const bool bRead = readTiffHeader(strPath, 0, &info, nullptr) && info.type != ORVTYPE_NONE;
+        return bRead ? tiffMemory(info) : 0;
     }
-    return true;
+    QFile file(strPath);
+    QString reason;
+    if (!orv::openInput(file, &reason)) {
+        return 0;
+    }
+    const QSize size = QImageReader(&file).size();
+    constexpr qint64 bytes = 4 + 1 + 1; // colours, their grey values, the image
+    return size.isValid() && !claimsTooMuch(file, size) ? bytes * size.width() * size.height() : 0;
 }
 
 bool loadPhotograph(const QString& strPath, long w, long h, CILImage& out, QStringList* pWarnings, QString* pError)

@@ -12,6 +12,7 @@
 #include <QFileInfo>
 #include <QJsonArray>
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -65,6 +66,12 @@ Request requestOf(const QCommandLineParser& parser)
     options.name = value("name");
     options.force = given("force");
     options.follow = given("follow");
+    if (given("max-memory")) {
+        constexpr double gibibyte = 1 << 30;
+        constexpr double most = 1 << 30; // beyond every machine, within the number's range
+        options.maxMemory =
+            static_cast<qint64>(std::min(positiveNumber("max-memory", value("max-memory")), most) * gibibyte);
+    }
     if (given("interval")) {
         request.interval = positiveNumber("interval", value("interval"));
     }
@@ -186,6 +193,8 @@ void ImportCommand::declare(QCommandLineParser& parser) const
     addValueOption(parser, "pixel-size", QStringLiteral("Side of a pixel in the object, in micrometres."), "UM");
     addValueOption(parser, "photo", QStringLiteral("Photograph of the same extent; else the mean image serves."),
                    "FILE");
+    addValueOption(parser, "max-memory",
+                   QStringLiteral("Most memory that the images may take by their headers, in GiB; 2."), "GIB");
     addValueOption(parser, "name", QStringLiteral("Name of the sequence; that of OUT."), "NAME");
     parser.addOption(
         {QStringLiteral("follow"), QStringLiteral("Read images that the table names outside the folder STACK.")});

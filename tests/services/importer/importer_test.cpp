@@ -11,6 +11,7 @@
 #include <tiffio.h>
 
 #include <cmath>
+#include <cstdint>
 #include <vector>
 
 namespace {
@@ -74,7 +75,55 @@ protected:
     QString m_error;
 };
 
+// A byte image of zeros in a file of half a megabyte.
+void writeZeros(const QString& path, std::uint32_t width, std::uint32_t height)
+{
+    constexpr std::uint32_t rows = 256;
+    const QByteArray packed = qCompress(QByteArray(static_cast<int>(width * rows), '\0')).mid(4); // behind the length
+    TIFF* tiff = TIFFOpen(QFile::encodeName(path).constData(), "w");
+    ASSERT_NE(tiff, nullptr);
+    TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, width);
+    TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, height);
+    TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, 8);
+    TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, 1);
+    TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISBLACK);
+    TIFFSetField(tiff, TIFFTAG_COMPRESSION, COMPRESSION_ADOBE_DEFLATE);
+    TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, rows);
+    for (std::uint32_t strip = 0; strip < height / rows; ++strip) {
+        QByteArray bytes = packed;
+        ASSERT_EQ(TIFFWriteRawStrip(tiff, strip, bytes.data(), bytes.size()), bytes.size());
+    }
+    TIFFClose(tiff);
+}
+
 } // namespace
+
+TEST_F(ImporterTest, ImagesThatTakeTooMuchMemoryAreRefusedByTheirHeaders)
+{
+    makeStack("file,emission\na.tif,510\n");
+    writeZeros(path("stack/a.tif"), 32768, 16384);
+    EXPECT_LT(QFileInfo(path("stack/a.tif")).size(), 1 << 20);
+    EXPECT_EQ(refusal(), m_options.source + ": images of 32768 x 16384 pixels take 3 GiB of memory, where 2 are "
+                                            "allowed; --max-memory allows more");
+}
+
+TEST_F(ImporterTest, TheLimitOfMemoryCountsAllThatStandsSideBySide)
+{
+    makeStack();
+    // 4 x 3 pixels of 2 bytes as they lie in the file and as they are read, a square of 4 x 4, a photograph of bytes.
+    m_options.maxMemory = 12 * 4 + 16 * 2 + 16;
+    EXPECT_TRUE(import()) << qPrintable(m_error);
+    QDir(m_options.output).removeRecursively();
+    --m_options.maxMemory;
+    EXPECT_TRUE(refusal().contains("take 8.94e-08 GiB of memory")) << qPrintable(m_error);
+
+    m_options.dark = path("stack/c.tif"); // corrected pixels are doubles at most, as is the dark image
+    m_options.maxMemory = 12 * 4 + 12 * 8 + 12 * 8 + 16 * 8 + 16;
+    EXPECT_TRUE(import()) << qPrintable(m_error);
+    QDir(m_options.output).removeRecursively();
+    m_options.photo = writeRamp("photo.tif", 1);
+    EXPECT_TRUE(refusal().contains("; --max-memory allows more")) << qPrintable(m_error);
+}
 
 TEST_F(ImporterTest, MakesASequenceOfAFolder)
 {

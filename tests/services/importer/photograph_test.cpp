@@ -5,13 +5,21 @@
 
 #include <QImage>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
+#include <vector>
 
 namespace {
 
 class PhotographTest : public ImporterFixture
 {
+protected:
+    static void add(MeanImage& mean, const CILImage& image)
+    {
+        QString error;
+        EXPECT_TRUE(mean.add(image, &error)) << qPrintable(error);
+    }
 };
 
 } // namespace
@@ -24,8 +32,8 @@ TEST_F(PhotographTest, TheMeanIsStretchedBetweenItsHalfPercentEnds)
         const double n = static_cast<double>(y * 40 + x);
         return n == 0 ? -1e6 : n == 999 ? 1e6 : n;
     };
-    mean.add(makeImage(ORVTYPE_FLOAT, 40, 25, ramp));
-    mean.add(makeImage(ORVTYPE_DOUBLE, 40, 25, ramp));
+    add(mean, makeImage(ORVTYPE_FLOAT, 40, 25, ramp));
+    add(mean, makeImage(ORVTYPE_DOUBLE, 40, 25, ramp));
     CILImage out;
     ASSERT_TRUE(mean.stretched(out));
     ASSERT_EQ(out.dataType(), ORVTYPE_BYTE);
@@ -43,7 +51,7 @@ TEST_F(PhotographTest, TheMeanTakesEveryType)
 {
     for (const ORVDataTypes type : {ORVTYPE_BYTE, ORVTYPE_USHORT, ORVTYPE_INT, ORVTYPE_FLOAT, ORVTYPE_DOUBLE}) {
         MeanImage mean;
-        mean.add(makeImage(type, 16, 16, [](long x, long y) { return static_cast<double>(y * 16 + x); }));
+        add(mean, makeImage(type, 16, 16, [](long x, long y) { return static_cast<double>(y * 16 + x); }));
         CILImage out;
         ASSERT_TRUE(mean.stretched(out));
         EXPECT_EQ(out.bytes()[0], 0) << type;
@@ -52,16 +60,66 @@ TEST_F(PhotographTest, TheMeanTakesEveryType)
     }
 }
 
+TEST_F(PhotographTest, TheMeanOfBandsHasTheBytesOfThatOfTheWhole)
+{
+    constexpr long w = 37;
+    constexpr long h = 23;
+    const CILImage a = makeImage(ORVTYPE_FLOAT, w, h,
+                                 [](long x, long y) { return std::sin(static_cast<double>(7 * x * y + x)) * 1e3; });
+    const CILImage b = makeImage(ORVTYPE_DOUBLE, w, h, [](long x, long y) {
+        return x == y ? -1e9 : std::cos(static_cast<double>(3 * x + y * y));
+    });
+    std::vector<double> sums;
+    for (std::size_t i = 0; i < a.pixelCount(); ++i) {
+        sums.push_back(a.value(i) + b.value(i));
+    }
+    std::vector<double> sorted = sums;
+    std::sort(sorted.begin(), sorted.end());
+    const double low = sorted[4];    // round(0.005 * 850)
+    const double high = sorted[846]; // round(0.995 * 850)
+    for (const long band : {1L, w, 5 * w + 3, w * h - 1, w * h, 1L << 20}) {
+        MeanImage mean(path(QString()), band);
+        add(mean, a);
+        add(mean, b);
+        CILImage out;
+        ASSERT_TRUE(mean.stretched(out)) << band;
+        for (std::size_t i = 0; i < sums.size(); ++i) {
+            const double value = std::clamp((sums[i] - low) / (high - low) * 255.0, 0.0, 255.0);
+            ASSERT_EQ(out.bytes()[i], static_cast<unsigned char>(std::lround(value))) << band << ", pixel " << i;
+        }
+    }
+    EXPECT_TRUE(QDir(path(QString())).entryList(QDir::Files | QDir::Hidden).isEmpty());
+}
+
+TEST_F(PhotographTest, AMeanOfBandsSaysWhereItsSumsCannotLie)
+{
+    MeanImage mean(path("absent"), 4);
+    QString error;
+    EXPECT_FALSE(mean.add(makeImage(ORVTYPE_BYTE, 4, 4, [](long, long) { return 1.0; }), &error));
+    EXPECT_TRUE(error.startsWith(path("absent") + ": the mean image: ")) << qPrintable(error);
+}
+
+TEST_F(PhotographTest, TheMemoryOfAPhotographIsKnownByItsHeader)
+{
+    EXPECT_EQ(photographMemory(writeRamp("photo.tif", 1, 40, 30)), 40 * 30 * 4); // as it lies there, and as it is read
+    QImage picture(40, 30, QImage::Format_RGB32);
+    picture.fill(Qt::red);
+    ASSERT_TRUE(picture.save(path("photo.png")));
+    EXPECT_EQ(photographMemory(path("photo.png")), 40 * 30 * 6);
+    EXPECT_EQ(photographMemory(path("absent.png")), 0);
+    EXPECT_EQ(photographMemory(path("absent.tif")), 0);
+}
+
 TEST_F(PhotographTest, AConstantMeanIsGreyAndAlmostConstantOnesShowTheirDifference)
 {
     MeanImage constant;
-    constant.add(makeImage(ORVTYPE_USHORT, 3, 3, [](long, long) { return 7.0; }));
+    add(constant, makeImage(ORVTYPE_USHORT, 3, 3, [](long, long) { return 7.0; }));
     CILImage out;
     ASSERT_TRUE(constant.stretched(out));
     EXPECT_EQ(out.bytes()[4], 128);
 
     MeanImage spot;
-    spot.add(makeImage(ORVTYPE_USHORT, 30, 30, [](long x, long y) { return x == 4 && y == 4 ? 9.0 : 7.0; }));
+    add(spot, makeImage(ORVTYPE_USHORT, 30, 30, [](long x, long y) { return x == 4 && y == 4 ? 9.0 : 7.0; }));
     ASSERT_TRUE(spot.stretched(out));
     EXPECT_EQ(out.bytes()[0], 0);
     EXPECT_EQ(out.bytes()[4 * 30 + 4], 255);

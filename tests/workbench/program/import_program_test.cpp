@@ -347,3 +347,15 @@ TEST_F(ImportProgramTest, ATableLeadsOutOfItsFolderOnlyWhenFollowed)
         ASSERT_TRUE(QDir(path("seq")).removeRecursively());
     }
 }
+
+TEST_F(ImportProgramTest, ALimitOfMemoryIsRaisedByAnOption)
+{
+    writeTiffFile("stack/em700.tif", imageOf(4, 4, [](int i) { return dyeA(i); }));
+    writeTiffFile("stack/em720.tif", imageOf(4, 4, [](int i) { return dyeB(i); }));
+    const QString told = refusal({"import", "stack", "seq", "--max-memory", "1e-7"});
+    EXPECT_TRUE(told.contains("stack: images of 4 x 4 pixels take 1.94e-07 GiB of memory, where 9.97e-08 are allowed; "
+                              "--max-memory allows more"))
+        << qPrintable(told);
+    EXPECT_TRUE(refusal({"import", "stack", "seq", "--max-memory", "0"}, 2).startsWith("--max-memory takes"));
+    succeed({"import", "stack", "seq", "--max-memory", "1e-3", "--quiet"});
+}
