@@ -217,7 +217,7 @@ OddCases loads()
 OddCases programs()
 {
     const QString file = QStringLiteral("{dir}/XML/SpecUnmix/SPUM-20240131-235959.xml");
-    const QString broken = QStringLiteral("spum: {dir}/XML/SPUM.txt: the list of saved results cannot be read");
+    const QString broken = QStringLiteral("spum: {dir}/XML/SPUM.txt: the list of saved results cannot be read ({...})");
     const auto nothing = [] { return QByteArray(); };
     const auto index = [](const QByteArray& what, const QByteArray& by) {
         return [what, by] { return OddTexts::savedIndex().replace(what, by); };
