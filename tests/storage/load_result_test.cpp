@@ -398,7 +398,7 @@ TEST_F(LoadResultTest, AFileWithoutAMaskHasNoneAfterAMaskedAnalysis)
     ASSERT_EQ(m_second->m_concentrations.num_cols(), resultSide * resultSide);
     const auto& layers = m_second->m_unmixedImages;
     ASSERT_GT(layers.size(), 1);
-    EXPECT_GT(layers.at(1)->m_dMax, layers.at(1)->m_dMin);
+    EXPECT_GT(layers.at(1)->getMax(), layers.at(1)->getMin());
 }
 
 TEST_F(CherenkovResultTest, AHalfLifeInMinutesIsShownInSeconds)

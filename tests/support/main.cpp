@@ -8,6 +8,8 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+
 int main(int argc, char** argv)
 {
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
@@ -18,8 +20,9 @@ int main(int argc, char** argv)
     qputenv("XDG_CONFIG_HOME", home.filePath("config").toLocal8Bit());
     qputenv("XDG_CACHE_HOME", home.filePath("cache").toLocal8Bit());
     QDir(home.path()).mkdir("tmp");
-    // Tests that turn into a plain user pass through it.
-    QFile::setPermissions(home.path(), QFile::permissions(home.path()) | QFile::ExeGroup | QFile::ExeOther);
+    // Tests that turn into a plain user pass through it, and write there as anybody does into such a folder.
+    ::chmod(QFile::encodeName(home.path()).constData(), 0711);
+    ::chmod(QFile::encodeName(home.filePath("tmp")).constData(), 01777);
     qputenv("TMPDIR", home.filePath("tmp").toLocal8Bit());
     ::testing::InitGoogleTest(&argc, argv);
     QApplication application(argc, argv);

@@ -149,7 +149,8 @@ TEST_F(AccuracyTest, WithNoiseEachProbeFollowsTheTruth)
 {
     for (const char* seed : {"1", "2"}) {
         succeed({"simulate", "seq", "--size", "128", "--seed", seed, "--quiet", "--force"});
-        const QJsonObject json = succeed({"unmix", "seq", "--library", truth(), "--json"}).json();
+        const QStringList beside{"--out", path("out"), "--force"};
+        const QJsonObject json = succeed(QStringList{"unmix", "seq", "--library", truth(), "--json"} + beside).json();
         int probes = 0;
         for (const auto& value : json["components"].toArray()) {
             const QJsonObject component = value.toObject();

@@ -279,6 +279,10 @@ TEST_F(ResultsProgramTest, NoOtherSequenceTakesThePlaceOfOneWithSavedResults)
     EXPECT_EQ(refusal({"simulate", "seq", "--discard-results"}, 2),
               "--discard-results goes with --force. See \"spum simulate --help\".");
     succeed({"results", "delete", "seq", "a", "--force"});
+    // Nor would the files of the run go, nor the list without a result.
+    for (const char* folder : {"seq/XML", "seq/unmixed-library", "other/unmixed-library"}) {
+        ASSERT_TRUE(QDir(path(folder)).removeRecursively()) << folder;
+    }
     succeed({"import", "stack", "seq", "--force"});
     succeed({"simulate", "other", "--size", "64", "--bands", "3", "--probes", "Cy7", "--force", "--discard-results"});
     EXPECT_EQ(succeed({"results", "list", "other", "--json"}).json()["results"].toArray().size(), 0);

@@ -64,7 +64,8 @@ TEST_F(UnmixProgramTest, ASimulatedSequenceIsUnmixedIntoFiles)
 {
     simulate();
     const QString text = QString::fromUtf8(succeed({"unmix", "seq", "--library", truth()}).out);
-    EXPECT_TRUE(text.startsWith("Radiant Efficiency, 8 images of 64 x 64 pixels at binning 4, 4096 of 4096 pixels analysed\n"))
+    EXPECT_TRUE(
+        text.startsWith("Radiant Efficiency, 8 images of 64 x 64 pixels at binning 4, 4096 of 4096 pixels analysed\n"))
         << qPrintable(text);
     EXPECT_TRUE(text.contains("\nresults in " + path("seq/unmixed-library") + '\n')) << qPrintable(text);
     EXPECT_EQ(entriesOf(path("seq/unmixed-library")),
