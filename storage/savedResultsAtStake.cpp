@@ -41,6 +41,19 @@ QStringList savedResultsFolders(const QString& strFolder)
            QDir(strFolder).entryList({QStringLiteral("SPUM*")}, QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name);
 }
 
+QStringList emptyResultsIndexes(const QString& strFolder)
+{
+    const QDir folder(strFolder);
+    QStringList empty;
+    for (const QString& place : savedResultsFolders(strFolder)) {
+        const QString index = resultsIndex::indexPath(place);
+        if (QFileInfo(folder.filePath(index)).isFile() && !hasEntries(folder.filePath(index))) {
+            empty.append(index);
+        }
+    }
+    return empty;
+}
+
 QString savedResultsAtStake(const QString& strFolder)
 {
     const QDir folder(strFolder);

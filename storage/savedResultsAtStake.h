@@ -11,3 +11,6 @@ QString savedResultsAtStake(const QString& strFolder);
 
 // The folders of a sequence in which saved results lie, of single results and of batches, by name.
 QStringList savedResultsFolders(const QString& strFolder);
+
+// The indexes of the folder, relative to it, that name no result any more: with them nothing is lost.
+QStringList emptyResultsIndexes(const QString& strFolder);

@@ -65,9 +65,10 @@ QJsonObject readList(const QString& strFolder)
     return QJsonDocument::fromJson(text).object().value(QLatin1String("files")).toObject();
 }
 
-bool isBelow(const QString& strEntry, const QStringList& folders)
+bool isSpared(const QString& strEntry, const QStringList& spared)
 {
-    return folders.contains(strEntry.section(QLatin1Char('/'), 0, 0)) && strEntry.contains(QLatin1Char('/'));
+    return spared.contains(strEntry) ||
+           (spared.contains(strEntry.section(QLatin1Char('/'), 0, 0)) && strEntry.contains(QLatin1Char('/')));
 }
 
 } // namespace
@@ -90,7 +91,7 @@ QStringList foreignFiles(const QString& strFolder, const QStringList& spared)
     QStringList foreign;
     for (const QString& entry : entriesBelow(strFolder)) {
         const QFileInfo info(folder.filePath(entry));
-        if (isBelow(entry, spared)) {
+        if (isSpared(entry, spared)) {
             continue;
         }
         if (!files.contains(entry) || info.isSymLink() || !info.isFile()) {

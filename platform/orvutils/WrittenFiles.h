@@ -14,7 +14,8 @@ bool noteWrittenFiles(const QString& strFolder, QString* pError = nullptr);
 
 // What lies in the folder and was not noted there, or has been changed since, as paths relative to it in the order of
 // their names, the latter with " (changed)" behind. Links are nobody's own; folders that hold no file are not told.
-// Without a list every file is told. What lies in the folders `spared` of the folder is left out.
+// Without a list every file is told. What `spared` names is left out: files, by such a path, and what lies in
+// folders directly below.
 QStringList foreignFiles(const QString& strFolder, const QStringList& spared = {});
 
 // Why a folder cannot be replaced that holds these; empty for none.

@@ -57,8 +57,9 @@ public:
     {
         // A target is refused before time is spent on images; the writer shows nothing before finish().
         return spareResults(pError) && readTable(pError) && limitMemory(pError) && readCorrections(pError) &&
-               m_writer.begin(m_options.output, describeSequence(), m_options.force, pError) && checkImages(pError) &&
-               makePhotograph(pError) && write(pError);
+               m_writer.begin(m_options.output, describeSequence(), m_options.force, pError,
+                              emptyResultsIndexes(m_options.output)) &&
+               checkImages(pError) && makePhotograph(pError) && write(pError);
     }
 
 private:

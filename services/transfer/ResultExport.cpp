@@ -108,7 +108,8 @@ ExportedMaps exportResult(CORVSpumKyvo& engine, std::optional<int> component, co
     if (!staged.begin(strOutFolder, bForce, QString::fromLatin1(SequenceFiles::kSequenceInfo), &error)) {
         throw Failure(error);
     }
-    error = orv::reasonAgainstReplacing(staged.target(), orv::foreignFiles(staged.target()));
+    error = orv::reasonAgainstReplacing(staged.target(),
+                                        orv::foreignFiles(staged.target(), emptyResultsIndexes(staged.target())));
     if (!error.isEmpty()) {
         throw Failure(error);
     }

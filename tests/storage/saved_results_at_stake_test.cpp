@@ -59,9 +59,19 @@ TEST_F(SavedResultsCheckTest, TheResultsOfABatchCountToo)
     EXPECT_EQ(savedResultsAtStake(folder()), sentence("SPUM20240131235959/SPUM.txt"));
 }
 
+TEST_F(SavedResultsCheckTest, AnIndexThatNamesNoResultAnyMoreIsEmpty)
+{
+    EXPECT_EQ(emptyResultsIndexes(folder()), QStringList());
+    write("XML/SPUM.txt", "# Orvia sections 1\n\n# end\n");
+    write("SPUM20240131235959/SPUM.txt", entry);
+    write("SPUM20240131235960/SPUM.txt", "");
+    EXPECT_EQ(emptyResultsIndexes(folder()), (QStringList{"XML/SPUM.txt", "SPUM20240131235960/SPUM.txt"}));
+}
+
 TEST_F(SavedResultsCheckTest, AnIndexThatCannotBeReadCountsAsOneWithResults)
 {
     write("XML/SPUM.txt", QByteArray("\0\0broken", 8));
+    EXPECT_EQ(emptyResultsIndexes(folder()), QStringList());
     EXPECT_EQ(savedResultsAtStake(folder()), sentence("XML/SPUM.txt"));
     QDir(folder()).remove("XML/SPUM.txt");
     QDir(folder()).mkpath("XML/SPUM.txt");

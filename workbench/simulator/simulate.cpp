@@ -202,7 +202,8 @@ private:
             }
         }
         nameSequence(strTarget);
-        const QStringList givenUp = m_options.discardResults ? savedResultsFolders(strTarget) : QStringList();
+        const QStringList givenUp =
+            m_options.discardResults ? savedResultsFolders(strTarget) : emptyResultsIndexes(strTarget);
         return m_writer.begin(strTarget, m_description, m_options.force, m_pError, givenUp);
     }
 

@@ -263,7 +263,7 @@ TEST_F(ResultsProgramTest, ExportMakesASequenceOfTheMaps)
 
 TEST_F(ResultsProgramTest, NoOtherSequenceTakesThePlaceOfOneWithSavedResults)
 {
-    save({"--save", "a"});
+    save({"--save", "a", "--out", path("run")});
     const QStringList before = filesBelow(path("seq"));
     const QString why =
         " holds saved results (XML/SPUM.txt), which would be lost with it: delete them first, or choose "
@@ -273,7 +273,7 @@ TEST_F(ResultsProgramTest, NoOtherSequenceTakesThePlaceOfOneWithSavedResults)
     EXPECT_TRUE(refusal({"simulate", "seq", "--size", "64", "--force"})
                     .endsWith("/seq" + why + "; --discard-results gives them up"));
     smallSequence().writeTo(path("other"));
-    succeed({"unmix", "other", "--library", library(), "--save", "b"});
+    succeed({"unmix", "other", "--library", library(), "--save", "b", "--out", path("maps")});
     EXPECT_TRUE(refusal({"results", "export", "other", "b", "--out", path("seq"), "--force"}).endsWith("/seq" + why));
     EXPECT_EQ(filesBelow(path("seq")), before);
     EXPECT_EQ(refusal({"simulate", "seq", "--discard-results"}, 2),
