@@ -287,11 +287,14 @@ TEST_F(ProgramTest, AParentThatCannotBeWrittenToIsRefused)
     ASSERT_EQ(::chmod(QFile::encodeName(path("..")).constData(), 0755), 0);
     ASSERT_EQ(::chmod(QFile::encodeName(path("closed")).constData(), 0555), 0);
     const QByteArray log = QFile::encodeName(path("stderr.txt"));
+    const QByteArray temporary = QFile::encodeName(path("temporary"));
+    ASSERT_EQ(::mkdir(temporary.constData(), 0777), 0);
+    ASSERT_EQ(::chmod(temporary.constData(), 0777), 0);
     const QByteArray target = QFile::encodeName(path("closed/seq"));
     const QByteArray binary = QFile::encodeName(SpumProgram::path());
     const int status = inForkedChild([&] {
-        if (::freopen(log.constData(), "w", stderr) == nullptr || !becomePlainUser() ||
-            ::access(binary.constData(), X_OK) != 0) {
+        if (::freopen(log.constData(), "w", stderr) == nullptr || ::setenv("TMPDIR", temporary.constData(), 1) != 0 ||
+            !becomePlainUser() || ::access(binary.constData(), X_OK) != 0) {
             return 99;
         }
         ::execl(binary.constData(), "spum", "simulate", target.constData(), static_cast<char*>(nullptr));
