@@ -10,7 +10,8 @@
 // options of a command line.
 struct AnalysisInput
 {
-    // Pixels above 0 count as data (see MaskPixels). Square like the images, with its binning set; an empty image is no mask.
+    // Pixels above 0 count as data (see MaskPixels). Square like the images, with its binning set; an empty image is no
+    // mask.
     CILImage maskImage;
     // One name per component to resolve.
     QStringList componentNames;
