@@ -217,8 +217,8 @@ bool MeanImage::eachBand(bool bWrite, const std::function<void(std::size_t nFirs
     const auto band = static_cast<std::size_t>(std::max(1L, m_lBandPixels / m_lWidth) * m_lWidth);
     for (std::size_t first = 0; first < pixels; first += band) {
         m_band.assign(std::min(band, pixels - first), 0.0);
-        const auto bytes = static_cast<qint64>(m_band.size() * sizeof(double));
-        const auto place = static_cast<qint64>(first * sizeof(double));
+        const auto bytes = static_cast<qint64>(m_band.size()) * qint64{sizeof(double)};
+        const auto place = static_cast<qint64>(first) * qint64{sizeof(double)};
         char* const data = reinterpret_cast<char*>(m_band.data());
         const bool bFirstImage = bWrite && m_nImages == 1; // nothing lies there yet
         if (!m_file->seek(place) || (!bFirstImage && m_file->read(data, bytes) != bytes)) {

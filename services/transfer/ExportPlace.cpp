@@ -13,7 +13,7 @@ namespace {
 
 constexpr int lockMilliseconds = 30000;
 
-constexpr QLatin1String ownerSuffix(".owner");
+const QLatin1String ownerSuffix(".owner");
 
 // The folder stays when it holds anything else.
 void removeDatasets(const QString& strFolder)

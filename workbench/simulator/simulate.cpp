@@ -215,7 +215,8 @@ private:
         }
         const int magnification = photographMagnification(m_options);
         m_photograph = takeMousePhotograph(m_scene.shape(), m_options.size * magnification, m_options.seed);
-        m_photograph.m_fBinning = static_cast<float>(m_options.binning / magnification);
+        const int binning = m_options.binning / magnification;
+        m_photograph.m_fBinning = static_cast<float>(binning);
         if (m_photograph.isEmpty() || (m_options.full && !m_full.prepare(m_options, m_scene.shape(), m_photograph))) {
             return outOfMemory();
         }
