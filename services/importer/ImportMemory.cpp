@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "services/importer/ImportMemory.h"
 
+#include "platform/orvimage/TiffIo.h"
+
 #include <algorithm>
 
 namespace {

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "platform/orvimage/TiffIo.h"
-
 #include <QString>
+
+struct TiffInfo;
 
 // Memory of an import, estimated from headers: a small file can claim, and hold, images of gigabytes.
 
