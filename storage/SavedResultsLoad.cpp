@@ -8,6 +8,7 @@
 #include "storage/resultsIndex.h"
 
 #include "engine/CORVSpumKyvo.h"
+#include "files/liesInside.h"
 #include "host/CAutoProgressUpdate.h"
 #include "host/CORVLog.h"
 #include "host/CORVMessageBox.h"
@@ -106,6 +107,10 @@ bool SavedResults::findResultFile(const QString& strName, const QString& strFold
     const QString strFile = index.getFileNameForMenuName(*found, QStringLiteral("-"));
     if (strFile.isEmpty()) {
         logLine(QStringLiteral("No result file exist for this result: ") + *found, CORVLOG_ERROR);
+        return loadFailed();
+    }
+    if (!orv::liesInside(strFolder, resultsIndex::relativeFile(strFile))) {
+        logLine(strFile + QStringLiteral(": lies outside the folder of saved results and is not read"), CORVLOG_ERROR);
         return loadFailed();
     }
     *pPath = strFolder + QLatin1Char('/') + resultsIndex::relativeFile(strFile);

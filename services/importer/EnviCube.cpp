@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "services/importer/EnviCube.h"
 
+#include "files/liesInside.h"
 #include "platform/orvutils/InputFile.h"
 
 #include <QCryptographicHash>
@@ -118,12 +119,12 @@ bool EnviCube::isEnvi(const QString& strPath)
     return isHeaderName(strPath) || !headerOf(strPath).isEmpty();
 }
 
-bool EnviCube::open(const QString& strPath, QString* pError)
+bool EnviCube::open(const QString& strPath, QString* pError, bool bFollow)
 {
     m_header = EnviHeader();
     m_strData.clear();
     if (isHeaderName(strPath)) {
-        if (!readHeader(strPath, pError) || !findData(strPath, pError)) {
+        if (!readHeader(strPath, pError) || !findData(strPath, bFollow, pError)) {
             return false;
         }
     } else {
@@ -180,11 +181,16 @@ bool EnviCube::readHeader(const QString& strHeader, QString* pError)
     return m_header.parse(text, &reason) || fail(pError, strHeader, reason);
 }
 
-bool EnviCube::findData(const QString& strHeader, QString* pError)
+bool EnviCube::findData(const QString& strHeader, bool bFollow, QString* pError)
 {
     const QFileInfo header(strHeader);
     const QDir folder = header.dir();
     if (!m_header.dataFile.isEmpty()) {
+        if (!bFollow && !orv::liesInside(folder.path(), m_header.dataFile)) {
+            return fail(pError, strHeader,
+                        QStringLiteral("the data file %1 lies outside %2; --follow reads it all the same")
+                            .arg(m_header.dataFile, folder.path()));
+        }
         m_strData = folder.filePath(m_header.dataFile);
         return true;
     }

@@ -16,8 +16,9 @@ public:
 
     // Opens the cube of a header file or a data file. The data file of a header is the one that bears its name without
     // ".hdr", or with one other extension. False with "file: reason" in *pError when either cannot be found or read, or
-    // the data file is shorter than the header says, or another one than the header was written with.
-    bool open(const QString& strPath, QString* pError);
+    // the data file is shorter than the header says, or another one than the header was written with. A data file that
+    // the header names outside its own folder is refused without `bFollow`.
+    bool open(const QString& strPath, QString* pError, bool bFollow = false);
 
     const EnviHeader& header() const { return m_header; }
     const QString& dataPath() const { return m_strData; }
@@ -28,7 +29,7 @@ public:
 
 private:
     bool readHeader(const QString& strHeader, QString* pError);
-    bool findData(const QString& strHeader, QString* pError);
+    bool findData(const QString& strHeader, bool bFollow, QString* pError);
     bool checkData(QIODevice& data, QString* pError) const;
 
     EnviHeader m_header;

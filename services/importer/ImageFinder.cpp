@@ -48,9 +48,10 @@ bool isDecided(const FoundImage& image)
 
 } // namespace
 
-bool ImageFinder::find(const QString& strSource, const Progress& progress, QString* pError)
+bool ImageFinder::find(const QString& strSource, const Progress& progress, QString* pError, bool bFollow)
 {
     *this = ImageFinder();
+    m_bFollow = bFollow;
     const QFileInfo source(strSource);
     if (!source.exists()) {
         *pError = QStringLiteral("%1: there is no such file or folder").arg(strSource);
@@ -72,7 +73,7 @@ bool ImageFinder::findInFolder(const QString& strFolder, const Progress& progres
     for (const QString& name : entries) {
         if (name.endsWith(QLatin1String(".hdr"), Qt::CaseInsensitive)) {
             EnviCube cube;
-            if (!cube.open(folder.filePath(name), pError)) {
+            if (!cube.open(folder.filePath(name), pError, m_bFollow)) {
                 return false;
             }
             used.insert(name);
@@ -214,7 +215,7 @@ bool ImageFinder::addTiff(const QString& strPath, QString* pError)
 bool ImageFinder::addEnvi(const QString& strPath, QString* pError)
 {
     EnviCube cube;
-    if (!cube.open(strPath, pError)) {
+    if (!cube.open(strPath, pError, m_bFollow)) {
         return false;
     }
     const EnviHeader& header = cube.header();

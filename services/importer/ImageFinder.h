@@ -31,8 +31,8 @@ public:
 
     // `strSource` is a folder (TIFF files and ENVI headers in it count; folders below don't), a TIFF file, an ENVI cube
     // or a CSV cube. False with "file: reason" in *pError: nothing there, no image in it, a file that cannot be read.
-    // An abort by `progress` (may be empty) is told by aborted().
-    bool find(const QString& strSource, const Progress& progress, QString* pError);
+    // An abort by `progress` (may be empty) is told by aborted(). `bFollow` as in EnviCube::open().
+    bool find(const QString& strSource, const Progress& progress, QString* pError, bool bFollow = false);
 
     const QVector<FoundImage>& images() const { return m_images; }
     // What names and metadata leave open or tell in two ways, a sentence each with the image concerned.
@@ -53,4 +53,5 @@ private:
     QStringList m_doubts;
     QStringList m_warnings;
     bool m_bAborted = false;
+    bool m_bFollow = false;
 };

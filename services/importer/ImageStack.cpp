@@ -22,10 +22,11 @@ bool ImageStack::isTiffFile(const QString& strPath)
 }
 
 bool ImageStack::open(const QString& strSource, const ImagesTable& table, QString* pError,
-                      const CsvCube::Progress& progress)
+                      const CsvCube::Progress& progress, bool bFollow)
 {
     *this = ImageStack();
     m_progress = progress;
+    m_bFollow = bFollow;
     const QFileInfo source(strSource);
     if (!source.exists()) {
         *pError = QStringLiteral("%1: there is no such file or folder").arg(strSource);
@@ -131,7 +132,7 @@ bool ImageStack::openCube(const ImageRow& row, Image& image, QString* pReason)
     QSharedPointer<EnviCube>& cube = m_cubes[image.path];
     if (!cube) {
         cube = QSharedPointer<EnviCube>::create();
-        if (!cube->open(image.path, pReason)) {
+        if (!cube->open(image.path, pReason, m_bFollow)) {
             return false;
         }
     }

@@ -26,9 +26,9 @@ public:
     // Finds every image of the table and reads the headers. With a folder as `strSource` each row names its file there;
     // otherwise `strSource` is the file of all rows. A row without page or band means the first. False with one
     // sentence in *pError (see importStack) when an image cannot be found or differs in size, or two rows name one
-    // image. A CSV cube is read whole here, which `progress` (may be empty) follows.
+    // image. A CSV cube is read whole here, which `progress` (may be empty) follows. `bFollow` as in EnviCube::open().
     bool open(const QString& strSource, const ImagesTable& table, QString* pError,
-              const CsvCube::Progress& progress = {});
+              const CsvCube::Progress& progress = {}, bool bFollow = false);
 
     int count() const { return m_images.size(); }
     long width() const { return m_lWidth; }
@@ -67,6 +67,7 @@ private:
     QHash<QString, QSharedPointer<EnviCube>> m_cubes; // by path, while opening
     QHash<QString, QSharedPointer<CsvCube>> m_csvCubes;
     CsvCube::Progress m_progress; // while opening
+    bool m_bFollow = false;
     QSharedPointer<TiffPageReader> m_pages = QSharedPointer<TiffPageReader>::create();
     QStringList m_mapped; // names of images with a colour map, in colours, of several samples a pixel
     QStringList m_coloured;

@@ -2,6 +2,7 @@
 #include "services/importer/Importer.h"
 
 #include "files/AtomicFile.h"
+#include "files/liesInside.h"
 #include "platform/orvapi/ClickInfoKeys.h"
 #include "platform/orvapi/SequenceWriter.h"
 #include "services/importer/ImageCorrection.h"
@@ -104,13 +105,11 @@ bool Import::spareResults(QString* pError) const
 // A table may come from somebody else, and name files that are not meant to be read.
 bool Import::staysInside(QString* pError) const
 {
-    const QDir source(QFileInfo(m_options.source).absoluteFilePath());
     if (m_options.follow || !QFileInfo(m_options.source).isDir()) {
         return true;
     }
     for (const ImageRow& row : m_table.rows()) {
-        const QString path = QDir::cleanPath(source.absoluteFilePath(row.file));
-        if (!row.file.isEmpty() && !path.startsWith(QDir::cleanPath(source.path()) + QLatin1Char('/'))) {
+        if (!orv::liesInside(m_options.source, row.file)) {
             *pError = QStringLiteral("%1: %2 lies outside %3; --follow reads it all the same")
                           .arg(m_table.place(row), row.file, m_options.source);
             return false;
@@ -133,7 +132,7 @@ bool Import::readTable(QString* pError)
         m_report.aborted = m_progress && !m_progress(static_cast<int>(dFraction * steps), steps, what);
         return !m_report.aborted;
     };
-    if (!bTable || !m_stack.open(m_options.source, m_table, pError, reading)) {
+    if (!bTable || !m_stack.open(m_options.source, m_table, pError, reading, m_options.follow)) {
         *pError = m_report.aborted ? QString::fromLatin1(abortText) : *pError;
         return false;
     }

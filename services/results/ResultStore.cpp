@@ -2,6 +2,7 @@
 #include "services/results/ResultStore.h"
 
 #include "engine/CORVSpumKyvo.h"
+#include "files/liesInside.h"
 #include "host/CORVSequenceDataset.h"
 #include "host/CPLSettingsFileWrapper.h"
 #include "services/basis/Failure.h"
@@ -76,10 +77,14 @@ QString ResultStore::pathOf(const CORVSequenceDataset& sequence, const QString& 
 {
     CPLSettingsFileWrapper index;
     readIndex(sequence, index);
-    const QString file = index.getFileNameForMenuName(strName, QString());
-    return file.isEmpty() ? QString()
-                          : resultsIndex::folder(sequence.getSequenceInfoPath()) + QLatin1Char('/') +
-                                resultsIndex::relativeFile(file);
+    const QString file = resultsIndex::relativeFile(index.getFileNameForMenuName(strName, QString()));
+    const QString folder = resultsIndex::folder(sequence.getSequenceInfoPath());
+    // The list may come from somebody else, and name files that are not meant to be read.
+    if (!orv::liesInside(folder, file)) {
+        throw Failure(QStringLiteral("%1: the file %2 of the result \"%3\" lies outside %4 and is not read")
+                          .arg(resultsIndex::indexPath(folder), file, strName, folder));
+    }
+    return file.isEmpty() ? QString() : folder + QLatin1Char('/') + file;
 }
 
 void ResultStore::checkName(const CORVSequenceDataset& sequence, const QString& strName, bool bOverwrite)

@@ -25,7 +25,8 @@ public:
     static void checkName(const CORVSequenceDataset& sequence, const QString& strName, bool bOverwrite);
     // The saved name that is meant, without regard to case; throws when there is none, telling those that there are.
     static QString findName(const CORVSequenceDataset& sequence, const QString& strName);
-    // Names in the order of the index, and the file of each (empty when the index names none).
+    // Names in the order of the index, and the file of each (empty when the index names none). Throws Failure
+    // when the index names one outside the folder of results.
     static QStringList names(const CORVSequenceDataset& sequence);
     static QString pathOf(const CORVSequenceDataset& sequence, const QString& strName);
 

@@ -2,6 +2,7 @@
 #include "services/session/OpenedSequence.h"
 
 #include "engine/CORVSpumKyvo.h"
+#include "files/liesInside.h"
 #include "host/CORVProcess.h"
 #include "host/CORVSequenceDataset.h"
 #include "platform/orvapi/ClickInfoKeys.h"
@@ -25,8 +26,7 @@ OpenedSequence::OpenedSequence(const QString& strPath) : m_pSequence(std::make_u
         throw Failure(error);
     }
     const QString truth = clickText(m_pSequence->sequenceInfo(), SequenceKeys::kSequence, SequenceKeys::kTruthFolder);
-    if (!QDir::cleanPath(folder() + truth + QLatin1Char('/')).startsWith(QDir::cleanPath(folder())) ||
-        QDir::isAbsolutePath(truth)) {
+    if (!orv::liesInside(folder(), truth)) {
         m_warnings.append(QStringLiteral("the truth folder %1 lies outside the sequence and is not read").arg(truth));
     }
     m_pEngine = std::make_unique<CORVSpumKyvo>(m_pSequence->getSequenceID());
@@ -57,10 +57,10 @@ QString OpenedSequence::truthFolder(int nUnit, bool bDecayCorrected) const
         return QString();
     }
     // The name comes from a file, and may be meant to lead elsewhere.
-    if (!QDir::cleanPath(folder() + name).startsWith(folder()) || QDir::isAbsolutePath(name)) {
+    if (!orv::liesInside(folder(), name)) {
         return QString();
     }
-    const QString units = folder() + name + QLatin1Char('/');
+    const QString units = QDir(folder()).filePath(name) + QLatin1Char('/');
     const QString unit =
         bDecayCorrected ? truthDecayFolder(static_cast<tag_edisplayunit>(nUnit)) : UnitNames::options().value(nUnit);
     const QString path = units + unit + QLatin1Char('/');

@@ -25,7 +25,8 @@ QString figure(const std::optional<double>& value)
 
 } // namespace
 
-InferredTable inferImagesTable(const QString& strSource, std::optional<double> interval, JobMonitor& monitor)
+InferredTable inferImagesTable(const QString& strSource, std::optional<double> interval, bool bFollow,
+                               JobMonitor& monitor)
 {
     monitor.startProgress(QStringLiteral("Looking at the images"));
     ImageFinder finder;
@@ -34,7 +35,7 @@ InferredTable inferImagesTable(const QString& strSource, std::optional<double> i
         monitor.showProgress(what, steps > 0 ? static_cast<double>(done) / steps : -1.0);
         return !monitor.isStopRequested();
     };
-    const bool found = finder.find(strSource, progress, &error);
+    const bool found = finder.find(strSource, progress, &error, bFollow);
     monitor.endProgress();
     if (!found) {
         throw Failure(error, finder.aborted() ? Failure::Kind::Aborted : Failure::Kind::Failed);

@@ -130,7 +130,7 @@ OddCases enviHeaders()
             "{path}: the file is too large for a header"),
         envi(
             "WithDataElsewhere", [] { return header("bands", "data file = ../none.dat\nbands"); }, C::Refused,
-            "{dir}/../none.dat: No such file or directory"),
+            "{path}: the data file ../none.dat lies outside {dir}; --follow reads it all the same"),
         envi(
             "WithDataThatAreItself", [] { return header("bands", "data file = cube.hdr\nbands"); }, C::Refused,
             "{path}: the file has {n} bytes where its header asks for 8192"),

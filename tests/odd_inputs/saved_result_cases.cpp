@@ -240,10 +240,12 @@ OddCases programs()
                 "spum: " + file + ": line {n}, column {n}: {...}"),
         program("ShowWithoutFileName", show, index("FileName", "Other"), nothing, C::Refused,
                 "spum: one: the list names no file"),
-        program("ShowOfFolderAbove", show, index("SpecUnmix/SPUM-20240131-235959.xml", "../../"), nothing, C::Refused,
-                "spum: {dir}/XML/../../: not a file"),
+        program(
+            "ShowOfFolderAbove", show, index("SpecUnmix/SPUM-20240131-235959.xml", "../../"), nothing, C::Refused,
+            "spum: {dir}/XML/SPUM.txt: the file ../../ of the result \"one\" lies outside {dir}/XML and is not read"),
         program("ShowOfDevice", show, index("SpecUnmix/SPUM-20240131-235959.xml", "/dev/zero"), nothing, C::Refused,
-                "spum: {dir}/XML//dev/zero: the file is missing"),
+                "spum: {dir}/XML/SPUM.txt: the file /dev/zero of the result \"one\" lies outside {dir}/XML and is not "
+                "read"),
         {"SavedResultProgramListIsAFolder", OddReaders::spum(QStringList{"results"} + list), "SequenceInfo.txt",
          [](const QString& path) {
              OddTexts::putSequence(path, OddTexts::sequenceInfo(3));

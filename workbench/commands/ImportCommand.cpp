@@ -197,7 +197,9 @@ void ImportCommand::declare(QCommandLineParser& parser) const
                    QStringLiteral("Most memory that the images may take by their headers, in GiB; 2."), "GIB");
     addValueOption(parser, "name", QStringLiteral("Name of the sequence; that of OUT."), "NAME");
     parser.addOption(
-        {QStringLiteral("follow"), QStringLiteral("Read images that the table names outside the folder STACK.")});
+        {QStringLiteral("follow"),
+         QStringLiteral(
+             "Read files that the table names outside the folder STACK, or an ENVI header outside its own.")});
     parser.addOption({QStringLiteral("force"),
                       QStringLiteral("Replace a sequence of that name, unless it holds anything that was not written "
                                      "with it; or the file of --write-table.")});
@@ -209,7 +211,8 @@ void ImportCommand::run(const QCommandLineParser& parser, CliSession& session)
     QString shown;
     QJsonArray rows;
     if (request.import.table.isEmpty()) {
-        const InferredTable table = inferImagesTable(request.import.source, request.interval, session);
+        const InferredTable table =
+            inferImagesTable(request.import.source, request.interval, request.import.follow, session);
         if (!table.doubts().isEmpty()) {
             refuseDoubts(request, table, session);
         }

@@ -170,6 +170,22 @@ void ResultsCommand::run(const QCommandLineParser& parser, CliSession& session)
     }
 }
 
+namespace {
+
+// What is wrong with one result is told in its row.
+SavedDocument listedDocument(const CORVSequenceDataset& sequence, const QString& strName)
+{
+    try {
+        return readSavedDocument(ResultStore::pathOf(sequence, strName));
+    } catch (const Failure& failure) {
+        SavedDocument document;
+        document.error = failure.text();
+        return document;
+    }
+}
+
+} // namespace
+
 void ResultsCommand::list(OpenedSequence& opened, CliSession& session) const
 {
     TextTable table({QStringLiteral("result"), QStringLiteral("saved"), QStringLiteral("method"),
@@ -178,7 +194,7 @@ void ResultsCommand::list(OpenedSequence& opened, CliSession& session) const
     QJsonArray results;
     const QStringList names = ResultStore::names(opened.sequence());
     for (const QString& name : names) {
-        const SavedDocument document = readSavedDocument(ResultStore::pathOf(opened.sequence(), name));
+        const SavedDocument document = listedDocument(opened.sequence(), name);
         results.append(jsonOf(name, document));
         table.addRow({name, document.date, document.property(QStringLiteral("Method")),
                       document.property(QStringLiteral("DataUnit")), QString::number(document.images),

@@ -247,6 +247,19 @@ TEST_F(EnviCubeTest, FollowsTheNameInTheHeader)
         refusal(write("lost.hdr", headerText(plain) + "data file = none.bin\n")).startsWith(path("none.bin") + ": "));
 }
 
+TEST_F(EnviCubeTest, LeavesItsFolderOnlyWhenFollowed)
+{
+    const QString data = write("else/other.bin", cubeBytes(plain));
+    for (const QString& name : {QStringLiteral("../else/other.bin"), data}) {
+        const QString header = write("cubes/cube.hdr", headerText(plain) + "data file = " + name.toUtf8() + '\n');
+        EXPECT_EQ(refusal(header), header + ": the data file " + name + " lies outside " + path("cubes") +
+                                       "; --follow reads it all the same");
+        EnviCube cube;
+        QString error;
+        EXPECT_TRUE(cube.open(header, &error, true)) << qPrintable(error);
+    }
+}
+
 TEST_F(EnviCubeTest, RefusesDataThatAreShorterThanTheHeaderSays)
 {
     const QByteArray bytes = cubeBytes(plain);

@@ -105,6 +105,21 @@ TEST_F(OpenedSequenceTest, DataCorrectedForDecayHaveTheirOwnTruth)
     EXPECT_EQ(opened.truthFolder(DISPLAYUNIT_COUNTS, true), "");
 }
 
+TEST_F(OpenedSequenceTest, ATruthOutsideTheSequenceIsToldAndNotRead)
+{
+    ASSERT_TRUE(QDir().mkpath(path("seq-other/radiant-efficiency")));
+    for (const QString& name : {QStringLiteral("../seq-other"), path("seq-other")}) {
+        m_sequence.truthFolder = name;
+        const QString folder = path(QDir::isAbsolutePath(name) ? "absolute" : "seq");
+        m_sequence.writeTo(folder);
+        const OpenedSequence opened(folder);
+        EXPECT_EQ(opened.truthFolder(DISPLAYUNIT_RADIANT_EFFICIENCY), "");
+        EXPECT_TRUE(
+            opened.warnings().contains("the truth folder " + name + " lies outside the sequence and is not read"))
+            << qPrintable(opened.warnings().join('\n'));
+    }
+}
+
 TEST_F(OpenedSequenceTest, WithoutATruthThereIsNone)
 {
     m_sequence.writeTo(path("seq"));

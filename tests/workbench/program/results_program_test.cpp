@@ -126,6 +126,31 @@ TEST_F(ResultsProgramTest, ShowTellsWhatTheFileSays)
     EXPECT_TRUE(text.contains("Dye A"));
 }
 
+TEST_F(ResultsProgramTest, AListThatLeadsOutOfItsFolderIsToldAndNotFollowed)
+{
+    save({"--save", "x"});
+    const QString file = "seq/XML/SpecUnmix/" + files().value(0);
+    ASSERT_TRUE(QFile::copy(path(file), path("other.xml")));
+    QFile index(path("seq/XML/SPUM.txt"));
+    ASSERT_TRUE(index.open(QIODevice::ReadOnly));
+    const QByteArray text = index.readAll();
+    index.close();
+    const QByteArray named = "SpecUnmix/" + files().value(0).toUtf8();
+    ASSERT_TRUE(text.contains(named));
+    for (const QByteArray& name : {QByteArray("../../other.xml"), QByteArray("SpecUnmix/../../../other.xml"),
+                                   QFile::encodeName(path("other.xml"))}) {
+        write("seq/XML/SPUM.txt", QByteArray(text).replace(named, name));
+        const QList<QStringList> commands{{"results", "show", "seq", "x"},
+                                          {"results", "load", "seq", "x"},
+                                          {"results", "export", "seq", "x", "--out", "new"}};
+        for (const QStringList& command : commands) {
+            const QString told = refusal(command);
+            EXPECT_TRUE(told.contains(" lies outside ")) << qPrintable(command[1] + ": " + told);
+        }
+        EXPECT_TRUE(QString::fromUtf8(succeed({"results", "list", "seq"}).out).contains(" lies outside "));
+    }
+}
+
 TEST_F(ResultsProgramTest, ALoadedResultHasTheMapsOfTheRun)
 {
     save({"--save", "x", "--unit", "counts", "--out", path("run"), "--note", "n"});
