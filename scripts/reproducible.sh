@@ -17,7 +17,7 @@ installed_from() {
     (
         cd "$1"
         cmake --preset release --log-level=WARNING -DORV_TESTS=OFF -DORV_BENCH=OFF >/dev/null
-        cmake --build build/release -j"${JOBS:-2}" >/dev/null
+        cmake --build build/release -j"${JOBS:-2}" >build/log || { tail -n 40 build/log; exit 1; }
         cmake --install build/release --prefix "$1/build/install" >/dev/null
     )
 }
