@@ -8,8 +8,8 @@
 
 #include "platform/orvwidgets/TilePicture.h"
 #include "platform/orvwidgets/barTicks.h"
-#include "platform/orvwidgets/pointer.h"
-#include "platform/orvwidgets/screen.h"
+#include "support/pointer.h"
+#include "support/screen.h"
 
 #include <QHelpEvent>
 #include <QOpenGLContext>

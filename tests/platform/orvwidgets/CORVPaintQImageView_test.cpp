@@ -2,9 +2,9 @@
 #include "host/CORVMessageBox.h"
 #include "host/CORVPaintQImageView.h"
 
-#include "platform/orvwidgets/pointer.h"
 #include "platform/orvwidgets/recordedResponder.h"
-#include "platform/orvwidgets/screen.h"
+#include "support/pointer.h"
+#include "support/screen.h"
 
 #include <QContextMenuEvent>
 #include <QMenu>

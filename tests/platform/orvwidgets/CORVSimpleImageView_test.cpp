@@ -3,8 +3,8 @@
 #include "host/CORVSimpleImageView.h"
 #include "windows/drawnMask.h"
 
-#include "platform/orvwidgets/pointer.h"
-#include "platform/orvwidgets/screen.h"
+#include "support/pointer.h"
+#include "support/screen.h"
 
 #include <QDialog>
 #include <QMenu>

@@ -2,8 +2,8 @@
 #include "host/CORVQImageView.h"
 
 #include "platform/orvwidgets/ScaledPicture.h"
-#include "platform/orvwidgets/pointer.h"
-#include "platform/orvwidgets/screen.h"
+#include "support/pointer.h"
+#include "support/screen.h"
 
 #include <QClipboard>
 #include <QPainter>

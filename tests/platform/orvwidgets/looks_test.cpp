@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Pictures of the plot, the table, the menu of probes and the slider, in a light and a dark palette, kept in the build
 // folder to be looked at. What can be told of them without eyes is tested here.
-#include "screen.h"
+#include "support/screen.h"
 
 #include "host/CORVGLXYPlot1.h"
 #include "host/CORVSortingTable.h"

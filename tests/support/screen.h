@@ -9,7 +9,7 @@
 
 #include <gtest/gtest.h>
 
-// Pictures of widgets, kept in the build folder to be looked at.
+// Pictures of widgets, kept in the build folder to be looked at: pictures/orvwidgets for the program test_orvwidgets.
 namespace screen {
 
 inline QImage grab(QWidget& widget)
@@ -27,7 +27,8 @@ inline void show(QWidget& widget)
 
 inline void keep(const QImage& picture, const char* name)
 {
-    const QString folder = QStringLiteral(ORV_BINARY_DIR "/pictures/orvwidgets");
+    const QString room = QCoreApplication::applicationName().remove(QStringLiteral("test_"));
+    const QString folder = QStringLiteral(ORV_BINARY_DIR "/pictures/") + room;
     QDir().mkpath(folder);
     const int ratio = qRound(picture.devicePixelRatio());
     picture.save(QStringLiteral("%1/%2_%3x.png").arg(folder, QString::fromLatin1(name)).arg(ratio));
