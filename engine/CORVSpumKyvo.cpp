@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/CORVSpumKyvo.h"
 
+#include "engine/AnalysisWindows.h"
 #include "engine/runTexts.h"
 #include "spectra/logLine.h"
 
@@ -27,6 +28,10 @@ CORVSpumKyvo::CORVSpumKyvo(const QString& strSeqId) : m_strSeqId(strSeqId)
 
 CORVSpumKyvo::~CORVSpumKyvo()
 {
+    if (m_pWindows) {
+        // They show the images that go next.
+        m_pWindows->deleteWindows();
+    }
     clearUnmixedImages();
     qDeleteAll(m_spectrumPlots);
     qDeleteAll(m_presetSpectra);
@@ -95,10 +100,4 @@ void CORVSpumKyvo::reportStatus(const QString& strMessage, long nLevel)
     const QString strLine = "SpumKyvo: " + strMessage;
     m_pProgress->setStatusMessage(strLine);
     logLine(strLine, nLevel);
-}
-
-void CORVSpumKyvo::onRunPCA()
-{
-    m_bRunPCA = true;
-    Q_EMIT pcaRun();
 }

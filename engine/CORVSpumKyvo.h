@@ -32,8 +32,10 @@
 #include <atomic>
 #include <climits>
 #include <functional>
+#include <memory>
 #include <vector>
 
+class AnalysisWindows;
 class CAutoProgressUpdate;
 class CILImage;
 class CORVDataset;
@@ -223,6 +225,19 @@ public:
     OwnResultView& ownResultView() { return m_ownResultView; }
     const OwnResultView& ownResultView() const { return m_ownResultView; }
 
+    // --- windows -----------------------------------------------------------------------------------------------------
+
+    // The engine owns what makes and wires its windows from then on, and shows its results there; null goes back to an
+    // engine without windows. The windows of before are deleted.
+    void setWindows(std::unique_ptr<AnalysisWindows> pWindows);
+    AnalysisWindows* windows() const { return m_pWindows.get(); }
+    // The window, made on first use; null for an engine without windows.
+    SpUnmixWizardWnd* wizard();
+    SpumKyvoConsoleWnd* console();
+    SpUnmixCompositeWnd* compositeWnd();
+    // Brings the engine and its windows to the start of an analysis of the selected images; see AnalysisWindows.
+    void prepareAnalysis(int nMode, bool bUsePreset);
+
     // --- getters -----------------------------------------------------------------------------------------------------
 
     const QStringList& getEmissionKeys() const { return m_emissionKeys; }
@@ -234,10 +249,22 @@ public:
 public Q_SLOTS:
     // Shows the unmixed images each over its own range, or all over a common one.
     void onAutoScaleClicked(bool bIndividual);
+    // Opens one unmixed image as a dataset, or the composite of a spot in its window.
+    void onImageDoubleClicked(int nImgIndex);
+    // Of a button of the console's or the composite's toolbar: that window's picture is printed or copied.
+    void onClickPrintButtons();
+    void onClickCopyToClipboard();
+    void onSignalUpdatePreference();
+    // A window has closed.
+    void onClickUnmixWizardFinished(int nResult);
+    void onClickDrawingFinished(int nResult);
+    void onClickCompositeFinished(int nResult);
+    // The composite's picture becomes the overview of the cube.
+    void onUpdateImageCubeRGB();
     // Makes a dataset of every map, or at several scan spots of the maps of one component that the user picks, and has
     // the host group them (createSpumKyvoSequence). The first failure ends it without that.
     void onClickExportAsSequence();
-    // Asks for a PCA in place of an unmixing.
+    // Asks for a PCA in place of an unmixing, of what the wizard says.
     void onRunPCA();
 
 Q_SIGNALS:
@@ -324,6 +351,8 @@ public:
     AutomaticRunFacts m_runFacts;
 
 private:
+    // Null during a run, too: its worker has the engine to itself.
+    AnalysisWindows* usableWindows() const;
     // What run() does between its provisions for an abort.
     void runSteps();
     // What the engine's own view shows of a cube of a sequence with Cherenkov light.
@@ -331,6 +360,7 @@ private:
 
     OwnResultView m_ownResultView{m_spectrumPlots, m_analysisInput, [this](CImageCube& cube) { correctDecay(cube); }};
     ResultView* m_pResultView = &m_ownResultView;
+    std::unique_ptr<AnalysisWindows> m_pWindows;
     std::atomic<int> m_nRunsEnded{0}; // released at the very end of each run
 
     // Steps of buildDatasetInfo().

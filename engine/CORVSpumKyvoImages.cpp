@@ -102,6 +102,7 @@ bool CORVSpumKyvo::updateUnmixedImages(bool bNew)
         clearUnmixedImages();
         return false;
     }
+    m_pResultView->presentUnmixedImages(m_nColorMap, m_bReverse);
     if (bNew) {
         m_pResultView->setSpectraModified(false);
     }
@@ -197,6 +198,9 @@ void CORVSpumKyvo::showSpot(const UnmixedSource& source, int nSpot)
 
 void CORVSpumKyvo::onAutoScaleClicked(bool bIndividual)
 {
+    if (isRunning()) {
+        return;
+    }
     m_bIndividualScale = bIndividual;
     updateUnmixedImages(false);
 }

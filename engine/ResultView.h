@@ -82,6 +82,9 @@ public:
     // Borrowed; null does nothing.
     virtual void setXRayImage(CILImage* pImage) = 0;
 
+    // All pictures of a result have been handed over, in this colour table: a view with windows comes to the front.
+    virtual void presentUnmixedImages(int /*nColorTable*/, bool /*bReversed*/) {}
+
     // Closes the window of a loaded dataset whose folder is about to be replaced. Without windows there is none to
     // close.
     virtual void closeImageWindow(const QString&) {}

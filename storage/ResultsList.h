@@ -10,7 +10,7 @@
 class ResultsList
 {
 public:
-    ResultsList() = default;
+    ResultsList() : m_bResultModified(m_bOwnFlag) {}
     ResultsList(const ResultsList&) = delete;
     ResultsList& operator=(const ResultsList&) = delete;
     virtual ~ResultsList() = default;
@@ -30,5 +30,12 @@ public:
     virtual void updateSavedResultsForSelSeqId(const QString& strSequence) = 0;
 
     // A result is on screen that has been neither saved nor dropped.
-    bool m_bResultModified = false;
+    bool& m_bResultModified;
+
+protected:
+    // For a list whose control keeps the flag, which outlives the list.
+    explicit ResultsList(bool& bResultModified) : m_bResultModified(bResultModified) {}
+
+private:
+    bool m_bOwnFlag = false;
 };

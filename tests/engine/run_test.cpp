@@ -138,7 +138,11 @@ TEST(EngineTest, SlotsStandInTheirOrder)
             slotsInOrder << pMeta->method(i).methodSignature();
         }
     }
-    EXPECT_EQ(slotsInOrder.join(" ").toStdString(), "onAutoScaleClicked(bool) onClickExportAsSequence() onRunPCA()");
+    EXPECT_EQ(slotsInOrder,
+              (QStringList{"onAutoScaleClicked(bool)", "onImageDoubleClicked(int)", "onClickPrintButtons()",
+                           "onClickCopyToClipboard()", "onSignalUpdatePreference()", "onClickUnmixWizardFinished(int)",
+                           "onClickDrawingFinished(int)", "onClickCompositeFinished(int)", "onUpdateImageCubeRGB()",
+                           "onClickExportAsSequence()", "onRunPCA()"}));
 }
 
 // What only an export needs stands behind the state of an analysis.
