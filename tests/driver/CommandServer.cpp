@@ -116,13 +116,21 @@ void CommandServer::onBeat()
     if (nLate > beatMs) {
         m_stalls.append(nLate);
     }
-    if (m_waiting.isEmpty() || (m_nGestures > 0 && m_sinceGesture.elapsed() < longestGestureMs)) {
+    if (m_waiting.isEmpty() || m_bTaken || (m_nGestures > 0 && m_sinceGesture.elapsed() < longestGestureMs)) {
         return;
     }
+    // Not from here: a timer does not fire again before its slot is through, and what is done may take a dialog's time.
     const Command command = m_waiting.takeFirst();
-    if (command.m_pFrom) {
-        perform(command);
-    }
+    m_bTaken = true;
+    QMetaObject::invokeMethod(
+        this,
+        [this, command] {
+            m_bTaken = false;
+            if (command.m_pFrom) {
+                perform(command);
+            }
+        },
+        Qt::QueuedConnection);
 }
 
 void CommandServer::answer(QLocalSocket* pTo, QJsonObject words)
@@ -144,7 +152,6 @@ void CommandServer::gesture(const Command& command, const std::function<void()>&
     ++m_nGestures;
     make();
     --m_nGestures;
-    m_sinceBeat.restart(); // the pause was the gesture's own waiting, or has been noted on the way
 }
 
 bool CommandServer::performWithoutWidget(const Command& command)

@@ -71,7 +71,8 @@ private:
 
     QLocalServer* m_pServer;
     QList<Command> m_waiting;
-    int m_nGestures = 0; // under way, one in the event loop of the other
+    bool m_bTaken = false; // a command is about to be done
+    int m_nGestures = 0;   // under way, one in the event loop of the other
     QElapsedTimer m_sinceGesture;
     QTimer m_beat; // takes the next command, and notes how late it comes
     QElapsedTimer m_sinceBeat;
