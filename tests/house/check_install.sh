@@ -11,6 +11,7 @@ cd /
 # What a sanitizer's build is told stays.
 run="env -i PATH=/usr/bin:/bin HOME=$work ASAN_OPTIONS=${ASAN_OPTIONS:-} LSAN_OPTIONS=${LSAN_OPTIONS:-}"
 $run "$work/second place/bin/spum" --version
+$run "$work/second place/bin/spum-workbench" --version
 $run "$work/second place/bin/spum" simulate "$work/mouse" --size 32 --bands 6 --quiet
 $run "$work/second place/bin/spum" unmix "$work/mouse" --library "$work/mouse/truth/counts/spectra.csv" --unit counts --quiet
 [ -s "$work/mouse/unmixed-library/summary.csv" ]

@@ -34,7 +34,8 @@ const std::map<std::string, std::set<std::string>> neighbours = {
     {"services/transfer", {"services/basis", "services/session", "services/importer"}},
     {"services/analysis", {"services/basis", "services/session", "services/pictures", "services/results"}},
     {"workbench/simulator", {}},
-    {"workbench/commands", {"workbench/simulator"}}};
+    {"workbench/commands", {"workbench/simulator"}},
+    {"workbench/application", {}}};
 
 bool isContainer(const std::string& path)
 {

@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+// What the command line of the program asks for.
+struct WorkbenchOptions
+{
+    QStringList paths;        // to open at the start
+    QString pluginFolder;     // empty: the usual places
+    bool freshPlaces = false; // do not restore the places of windows
+    bool help = false;
+    bool version = false;
+    QString error; // one sentence when the command line is wrong
+
+    // `arguments` without the program's name.
+    static WorkbenchOptions parse(const QStringList& arguments);
+    static QString helpText();
+};
