@@ -62,6 +62,12 @@ OpenDocuments::OpenDocuments(QMdiArea* pArea, QObject* pParent) : QObject(pParen
     connect(m_pArea, &QMdiArea::subWindowActivated, this, &OpenDocuments::noteCurrent);
 }
 
+documentWindows::Listener OpenDocuments::listener()
+{
+    return {[this](CORVDataset* pDataset) { showDataset(pDataset); },
+            [this](const QString& strText) { Q_EMIT readOut(strText); }};
+}
+
 OpenDocuments::~OpenDocuments()
 {
     m_question = nullptr;
@@ -100,7 +106,7 @@ OpenDocuments::Outcome<CORVSequenceDataset> OpenDocuments::openSequence(const QS
     pLoading.reset();
     Shown shown;
     CORVSequenceDataset* pOpened = pSequence.get();
-    CORVSequenceWindow* pWindow = documentWindows::makeSequenceWindow(pOpened, *this);
+    CORVSequenceWindow* pWindow = documentWindows::makeSequenceWindow(pOpened, listener());
     connect(pWindow, &CORVSequenceWindow::updatePluginPalette, this, [this, pWindow](const QString& strTab) {
         if (currentSequenceWindow() == pWindow) {
             Q_EMIT tabChanged(strTab);
@@ -133,7 +139,7 @@ OpenDocuments::Outcome<CORVDataset> OpenDocuments::openDataset(const QString& st
     }
     Shown shown;
     shown.m_pDataset = outcome.document = pDataset.get();
-    shown.m_pWindow = documentWindows::makeDatasetWindow(pDataset.get(), *this);
+    shown.m_pWindow = documentWindows::makeDatasetWindow(pDataset.get(), listener());
     shown.m_pOwnedDataset = std::move(pDataset);
     CORVMdiSubWindow* pFrame = add(std::move(shown));
     if (bShow) {
@@ -153,7 +159,7 @@ void OpenDocuments::showDataset(CORVDataset* pDataset)
     }
     Shown shown;
     shown.m_pDataset = pDataset;
-    shown.m_pWindow = documentWindows::makeDatasetWindow(pDataset, *this);
+    shown.m_pWindow = documentWindows::makeDatasetWindow(pDataset, listener());
     add(std::move(shown))->showWindow();
     noteCurrent();
 }

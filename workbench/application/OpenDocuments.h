@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "host/orv_types.h"
+#include "workbench/application/documentWindows.h"
 
 #include <QObject>
 #include <QPointer>
@@ -87,6 +87,7 @@ private:
         bool m_bClosing = false;
     };
 
+    documentWindows::Listener listener();
     bool eventFilter(QObject* pWatched, QEvent* pEvent) override;
     CORVMdiSubWindow* add(Shown&& shown);
     Shown* shownBy(const QObject* pWindow);

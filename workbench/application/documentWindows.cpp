@@ -3,16 +3,15 @@
 
 #include "host/CORVImageWindow.h"
 #include "host/CORVSequenceWindow.h"
-#include "workbench/application/OpenDocuments.h"
 
 namespace documentWindows {
 
-CORVSequenceWindow* makeSequenceWindow(CORVSequenceDataset* pSequence, OpenDocuments&)
+CORVSequenceWindow* makeSequenceWindow(CORVSequenceDataset* pSequence, const Listener&)
 {
     return new CORVSequenceWindow(pSequence);
 }
 
-CORVImageWindow* makeDatasetWindow(CORVDataset* pDataset, OpenDocuments&)
+CORVImageWindow* makeDatasetWindow(CORVDataset* pDataset, const Listener&)
 {
     return new CORVImageWindow(pDataset);
 }
