@@ -16,6 +16,7 @@
 #include <memory>
 
 class CILImage;
+class CORVSequenceDataset;
 class CROIManager;
 class DatasetFolder; // the implementation's
 
@@ -127,6 +128,10 @@ public:
     // Whether a dataset of that click-info path is loaded; *pModified and *pClickNumber (may be null) tell more.
     static bool isLoadedClickInfo(const QString& strPath, bool& bModified, QString* pClickNumber);
 
+    // The sequence that holds the dataset; null for one by itself, such as a map.
+    bool belongsToSequence() const { return m_pSequence != nullptr; }
+    CORVSequenceDataset* sequence() const { return m_pSequence; }
+
     // The dataset's info sections.
     CPLClickInfo clickInfo;
     // Unit that the calibration prefers; 3 means that the data are already in efficiency.
@@ -134,8 +139,12 @@ public:
     bool hasLuminescentImage = false;
     bool hasXRayImage = false;
     bool hasTransmissionImage = false;
+    // The dataset was opened out of the window of a sequence, as a map of its result is; its regions of interest are
+    // kept with that result. Set by whoever opens it so.
+    bool isSequenceWindowMember = false;
 
 private:
+    friend class CORVSequenceDataset; // names itself
     ESTATUS load(const QString& strFolder, bool bMade, QString* pError, QStringList* pWarnings);
     // The steps of saveDatasetAs(): every image under its name, and what else the click info says of them; the click
     // infos.
@@ -169,4 +178,5 @@ private:
     QSet<int> m_givenImages;                    // types of those that came from setCoreImage() and are not on disk
     std::unique_ptr<CROIManager> m_pROIManager; // made when it is asked for
     bool m_bModified = false;
+    CORVSequenceDataset* m_pSequence = nullptr;
 };

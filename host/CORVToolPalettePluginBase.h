@@ -98,7 +98,8 @@ public Q_SLOTS:
 
 Q_SIGNALS:
     void updatePluginValidity(QWidget* pWidget, bool bVisible);
-    // *pStatus (may be null) receives how it went.
+    // The host opens the dataset of that click info as its own, with CORVDataset::openMade(), and shows it in an image
+    // window when bShow. *pStatus (may be null) receives how it went.
     void signalLoadFile(QString strFilePath, bool bShow, ESTATUS* pStatus, downloaded_save_data* pDownloadData);
     void changeSeqWndUnit(QString strSequenceId, EDISPLAYUNIT eUnit);
     void createSequence(QStringList folders, bool bShow);

@@ -37,20 +37,26 @@ bool takeImagesIntoMemory(CORVDataset& dataset)
     return true;
 }
 
-bool load(const QString& strFolder, int nBinning, CORVDataset& dataset)
+std::unique_ptr<CORVDataset> load(const QString& strFolder)
 {
+    auto pDataset = std::make_unique<CORVDataset>();
     QString strReason;
-    if (dataset.openMade(strFolder, &strReason) != ESTATUS_SUCCESS) {
-        return fail(strReason);
+    if (pDataset->openMade(strFolder, &strReason) != ESTATUS_SUCCESS) {
+        fail(strReason);
+        return nullptr;
     }
-    // The click info has the binning of the camera's image, which may have been a finer one than that of the analysis.
+    return pDataset;
+}
+
+// The click info has the binning of the camera's image, which may have been a finer one than that of the analysis.
+void setBinning(int nBinning, CORVDataset& dataset)
+{
     double dSource = 0.0;
     CPLSection* pLuminescent = dataset.clickInfo[QStringLiteral("luminescent image")];
     const QString strBinning = QStringLiteral("Binning Factor");
     if (pLuminescent != nullptr && (pLuminescent->getValue(strBinning, &dSource) != 0 || dSource != nBinning)) {
         pLuminescent->setValue(strBinning, nBinning);
     }
-    return takeImagesIntoMemory(dataset);
 }
 
 void takeRegions(const CORVSpumKyvo& engine, int nImgIndex, CORVDataset& dataset)
@@ -64,16 +70,31 @@ void takeRegions(const CORVSpumKyvo& engine, int nImgIndex, CORVDataset& dataset
     }
 }
 
-std::unique_ptr<CORVDataset> openMap(CORVSpumKyvo& engine, int nImgIndex)
+// The dataset of a map, in `tile` in one of two ways; null when it could not be opened.
+CORVDataset* openMap(CORVSpumKyvo& engine, int nImgIndex, const OpenByHost& open, OpenedTile& tile)
 {
     QString strPath;
     if (!engine.openUnmixedDataset(nImgIndex, nullptr, &strPath)) {
         return nullptr;
     }
     const QString strFolder = QFileInfo(strPath).path();
-    auto pDataset = std::make_unique<CORVDataset>();
-    if (!load(strFolder, engine.m_nBinning, *pDataset)) {
+    if (open) {
+        tile.hostDataset = open(strPath);
+    } else {
+        tile.dataset = load(strFolder);
+    }
+    CORVDataset* pDataset = open ? tile.hostDataset : tile.dataset.get();
+    if (pDataset == nullptr) {
         return nullptr;
+    }
+    setBinning(engine.m_nBinning, *pDataset);
+    if (!takeImagesIntoMemory(*pDataset)) {
+        tile.dataset.reset();
+        return nullptr;
+    }
+    // A host that had read the image took the camera's binning for it.
+    if (CILImage* pMap = pDataset->getCoreImage(IMAGETYPE_MAIN_DATA)) {
+        pMap->m_fBinning = static_cast<float>(engine.m_nBinning);
     }
     pDataset->setFolderPath(strFolder);
     pDataset->setModified(true);
@@ -102,7 +123,7 @@ OpenedTile::OpenedTile(OpenedTile&& other) noexcept = default;
 OpenedTile& OpenedTile::operator=(OpenedTile&& other) noexcept = default;
 OpenedTile::~OpenedTile() = default;
 
-OpenedTile openUnmixedTile(CORVSpumKyvo& engine, int nImgIndex)
+OpenedTile openUnmixedTile(CORVSpumKyvo& engine, int nImgIndex, const OpenByHost& open)
 {
     engine.m_bBatchMode = CORVUtilityFns::getSpumBatchStatus();
     engine.m_nComponents = static_cast<int>(engine.m_concentrations.num_rows());
@@ -112,13 +133,13 @@ OpenedTile openUnmixedTile(CORVSpumKyvo& engine, int nImgIndex)
         tile.kind = OpenedTile::Kind::Composite;
         return tile;
     }
-    tile.dataset = openMap(engine, nImgIndex);
-    if (!tile.dataset) {
+    CORVDataset* pDataset = openMap(engine, nImgIndex, open, tile);
+    if (pDataset == nullptr) {
         return tile;
     }
     tile.kind = OpenedTile::Kind::Dataset;
     if (engine.m_bBatchMode) {
-        tile.savedFolder = saveInBatch(engine.m_strBatchPath, *tile.dataset);
+        tile.savedFolder = saveInBatch(engine.m_strBatchPath, *pDataset);
     }
     return tile;
 }

@@ -3,6 +3,7 @@
 
 #include <QString>
 
+#include <functional>
 #include <memory>
 
 class CORVDataset;
@@ -24,14 +25,19 @@ struct OpenedTile
     ~OpenedTile();
 
     Kind kind = Kind::Nothing;
-    // Of a map, loaded; belongs to whoever asked for it, as a rule to hand it on to the window that shows it. Its
-    // images are in memory, so that it stays what it is when the same tile is opened again and the folder gets other
-    // files.
+    // Of a map that a host opened, which keeps it; null otherwise.
+    CORVDataset* hostDataset = nullptr;
+    // Of a map that no host opened, loaded; belongs to whoever asked for it, as a rule to hand it on to the window that
+    // shows it. Its images are in memory, so that it stays what it is when the same tile is opened again and the folder
+    // gets other files.
     std::unique_ptr<CORVDataset> dataset;
     // In a batch, where the dataset has been saved, with a separator at its end. Empty when it was not; the dataset
     // then lies in the system's temporary directory alone.
     QString savedFolder;
 };
+
+// Has a host open the dataset of a click info as its own; null when it did not.
+using OpenByHost = std::function<CORVDataset*(const QString& strClickInfo)>;
 
 // Opens a tile of the engine's unmixed images, from 0; with K components each scan spot has K + 1 of them, the last its
 // composite. Any other becomes a dataset (CORVSpumKyvo::openUnmixedDataset): modified, as nobody has saved it yet, and
@@ -41,4 +47,6 @@ struct OpenedTile
 // saved into a folder of its own below m_strBatchPath, made when it is missing; a folder that cannot be made and a
 // dataset that cannot be saved are told in the log, and the dataset is open all the same. Without a batch path there is
 // no such folder.
-OpenedTile openUnmixedTile(CORVSpumKyvo& engine, int nImgIndex);
+//
+// With `open` a host opens the dataset, and the window of its choice may show it before the rest is done to it.
+OpenedTile openUnmixedTile(CORVSpumKyvo& engine, int nImgIndex, const OpenByHost& open = {});

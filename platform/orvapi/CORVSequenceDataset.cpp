@@ -219,6 +219,7 @@ void CORVSequenceDataset::readDatasets(const QStringList& folders, QStringList* 
             pWarnings->append(QStringLiteral("%1: has the click number %2 of %3; the dataset is left out")
                                   .arg(pDataset->folderPath(), pDataset->getClickNumber(), pEarlier->folderPath()));
         } else {
+            pDataset->m_pSequence = this;
             m_datasets.append(pDataset);
         }
     }
@@ -278,6 +279,7 @@ bool CORVSequenceDataset::addDataset(CORVDataset* pDataset)
     if (pDataset == nullptr || getDataset(pDataset->getClickNumber()) != nullptr) {
         return false;
     }
+    pDataset->m_pSequence = this;
     m_datasets.append(QSharedPointer<CORVDataset>(pDataset));
     isSpectrallyAnalysable = hasSpectra();
     return true;

@@ -194,6 +194,42 @@ TEST_F(OpenTileTest, RegionsThatCannotBeMeasuredAreTakenOverAllTheSame)
     EXPECT_TRUE(m_log.has(tile.dataset->folderPath() + ": the regions of interest cannot be measured over the map", 2));
 }
 
+// The host reads the images before it hands the dataset back.
+TEST_F(OpenTileTest, AHostOpensTheDatasetAsItsOwn)
+{
+    makeResult(2, 3);
+    engine().m_nBinning = 4;
+    tagROIInfo region;
+    region.name = "left";
+    region.width = region.height = 1.0;
+    ASSERT_TRUE(engine().unmixedSource(1, 0)->roiManager()->addRegion(region));
+    CORVDataset host;
+    QString strOpened;
+    const OpenedTile tile = openUnmixedTile(engine(), 1, [&](const QString& strClickInfo) {
+        strOpened = strClickInfo;
+        EXPECT_EQ(host.openMade(QFileInfo(strClickInfo).path()), ESTATUS_SUCCESS);
+        EXPECT_NE(host.getCoreImage(IMAGETYPE_MAIN_DATA), nullptr);
+        return &host;
+    });
+    EXPECT_EQ(tile.kind, OpenedTile::Kind::Dataset);
+    EXPECT_EQ(tile.dataset, nullptr);
+    ASSERT_EQ(tile.hostDataset, &host);
+    EXPECT_EQ(strOpened, target() + "/Unmixed Result 2/ClickInfo.txt");
+    EXPECT_TRUE(host.isModified());
+    EXPECT_TRUE(host.hasROIData());
+    EXPECT_EQ(host.getBinningForImage(IMAGETYPE_LUMINESCENT), 4.0F);
+    EXPECT_EQ(host.getCoreImage(IMAGETYPE_MAIN_DATA)->m_fBinning, 4.0F);
+}
+
+TEST_F(OpenTileTest, NothingIsOpenWhenTheHostOpensNothing)
+{
+    makeResult(2, 3);
+    const OpenedTile tile = openUnmixedTile(engine(), 1, [](const QString&) { return nullptr; });
+    EXPECT_EQ(tile.kind, OpenedTile::Kind::Nothing);
+    EXPECT_EQ(tile.hostDataset, nullptr);
+    EXPECT_EQ(tile.dataset, nullptr);
+}
+
 TEST_F(OpenTileTest, AFailureEndsIt)
 {
     makeResult(2, 3);

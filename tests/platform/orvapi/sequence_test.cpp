@@ -55,6 +55,9 @@ TEST_F(SequenceTest, WrittenSequenceOpensWithAllThatItSays)
     EXPECT_EQ(clickNumbers(sequence), (QStringList{"C1", "C2", "C3"}));
     EXPECT_EQ(sequence.getDataset("C2")->getEmissionFilter(), "640nm");
     EXPECT_EQ(sequence.getDataset("C4"), nullptr);
+    EXPECT_TRUE(sequence.getDataset("C2")->belongsToSequence());
+    EXPECT_EQ(sequence.getDataset("C2")->sequence(), &sequence);
+    EXPECT_FALSE(sequence.getDataset("C2")->isSequenceWindowMember);
 }
 
 TEST_F(SequenceTest, TemporalKindIsKept)
@@ -391,7 +394,9 @@ TEST_F(SequenceTest, DatasetsMadeInMemoryBelongToTheSequence)
     auto* pDataset = new CORVDataset;
     pDataset->clickInfo = fullClick("M1").info;
     pDataset->setCoreImage(IMAGETYPE_STRUCTURE, flatImage(2, 2, 1.0));
+    EXPECT_FALSE(pDataset->belongsToSequence());
     EXPECT_TRUE(sequence.addDataset(pDataset));
+    EXPECT_EQ(pDataset->sequence(), &sequence);
     CORVDataset twin;
     twin.clickInfo = fullClick("M1").info;
     EXPECT_FALSE(sequence.addDataset(&twin));
