@@ -24,3 +24,15 @@ bool isMaskValid(const CILImage& mask)
 {
     return countMaskPixels(mask) >= kMinMaskPixels;
 }
+
+QString maskStatusText(std::size_t nPixels, bool bDrawn)
+{
+    QString text = nPixels == 1 ? QStringLiteral("mask: 1 pixel") : QStringLiteral("mask: %1 pixels").arg(nPixels);
+    if (nPixels < kMinMaskPixels) {
+        text += QStringLiteral(", at least %1 needed").arg(kMinMaskPixels);
+        if (bDrawn && nPixels == 0) {
+            text += QStringLiteral("; drag over the picture to draw it");
+        }
+    }
+    return text;
+}
