@@ -14,11 +14,9 @@
 #include "windows/wizardLook.h"
 
 #include <QAbstractButton>
-#include <QDoubleValidator>
 #include <QGridLayout>
 #include <QHeaderView>
 #include <QKeyEvent>
-#include <QLocale>
 #include <QSignalBlocker>
 #include <QStyleFactory>
 #include <QVBoxLayout>
@@ -30,20 +28,6 @@ constexpr int kTemporal = 3;
 
 // What showMenuItems() takes for every group of entries.
 constexpr int kAllMenuItems = 15;
-
-constexpr double kLeastHalfLife = 0.01; // minutes
-constexpr double kLargestHalfLife = 999999999.0;
-constexpr int kHalfLifeDecimals = 2;
-
-// Numbers are read with a decimal point, whatever the user's language, so nothing else may be typed.
-QDoubleValidator* halfLifeValidator(QObject* pParent)
-{
-    auto* pValidator = new QDoubleValidator(kLeastHalfLife, kLargestHalfLife, kHalfLifeDecimals, pParent);
-    QLocale plain = QLocale::c();
-    plain.setNumberOptions(plain.numberOptions() | QLocale::RejectGroupSeparator);
-    pValidator->setLocale(plain);
-    return pValidator;
-}
 
 } // namespace
 

@@ -36,4 +36,27 @@ QString tooLongText(const QString& strPath)
            QStringLiteral("',\nis too long. Enter a shorter path");
 }
 
+QString overwriteText(const QString& strPath)
+{
+    return QStringLiteral("File: ") + QFileInfo(strPath).fileName() +
+           QStringLiteral(" exists in the specified path.\nOverwrite existing file?");
+}
+
+bool isTable(const QString& strPath)
+{
+    return strPath.contains(QLatin1String(".csv"), Qt::CaseInsensitive);
+}
+
+QString ofLibrary(const QString& strPath)
+{
+    const QString strSuffix = QFileInfo(strPath).suffix();
+    return strSuffix.isEmpty() ? withSuffix(strPath, QStringLiteral("*.csv"), {QStringLiteral("csv")})
+                               : strPath.chopped(strSuffix.size()) + strSuffix.toLower();
+}
+
+bool isListedLibrary(const QString& strPath)
+{
+    return QFileInfo(strPath).suffix() == QLatin1String("csv");
+}
+
 } // namespace exportName

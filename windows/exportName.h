@@ -19,4 +19,15 @@ bool isTooLong(const QString& strPath);
 // What to tell of such a name.
 QString tooLongText(const QString& strPath);
 
+// The question before a file is replaced.
+QString overwriteText(const QString& strPath);
+
+// Whether a table of plot data can be written under that name: one with ".csv" anywhere, in letters of any case.
+bool isTable(const QString& strPath);
+
+// The path that a library of spectra goes to: its suffix in small letters, ".csv" if it has none.
+QString ofLibrary(const QString& strPath);
+// Whether the list of libraries will show it.
+bool isListedLibrary(const QString& strPath);
+
 } // namespace exportName

@@ -53,4 +53,34 @@ TEST(ExportNameLengthTest, TheNameIsToldInTwoHalves)
               QString("The path you entered, \n'abc\ndefg',\nis too long. Enter a shorter path"));
 }
 
+TEST(ExportNameTextTest, TheQuestionNamesTheFileWithoutItsFolder)
+{
+    EXPECT_EQ(exportName::overwriteText("/folder/data.csv"),
+              "File: data.csv exists in the specified path.\nOverwrite existing file?");
+}
+
+TEST(ExportNameTableTest, IsATableWithTheSuffixAnywhere)
+{
+    EXPECT_TRUE(exportName::isTable("/a/b.csv"));
+    EXPECT_TRUE(exportName::isTable("/a/b.CSV"));
+    EXPECT_TRUE(exportName::isTable("/a.csv/b.txt"));
+    EXPECT_FALSE(exportName::isTable("/a/b.txt"));
+}
+
+TEST(ExportNameLibraryTest, ItsSuffixIsInSmallLetters)
+{
+    const struct
+    {
+        const char* typed;
+        const char* expected;
+        bool listed;
+    } table[] = {{"/a/dyes", "/a/dyes.csv", true},     {"/a/dyes.", "/a/dyes.csv", true},
+                 {"/a/Dyes.CSV", "/a/Dyes.csv", true}, {"/a/dyes.TXT", "/a/dyes.txt", false},
+                 {"/A.B/dyes", "/A.B/dyes.csv", true}, {"/a/two.Dyes.csv", "/a/two.Dyes.csv", true}};
+    for (const auto& row : table) {
+        EXPECT_EQ(exportName::ofLibrary(row.typed), row.expected) << row.typed;
+        EXPECT_EQ(exportName::isListedLibrary(row.expected), row.listed) << row.expected;
+    }
+}
+
 } // namespace

@@ -2,6 +2,8 @@
 #include "windows/halfLife.h"
 
 #include <QLocale>
+#include <QObject>
+#include <QValidator>
 
 #include <gtest/gtest.h>
 
@@ -68,6 +70,32 @@ TEST(HalfLifeTest, LineForTheLog)
               QString("Invalid half life time of Isotope F-18 Half Life (m) 0 SequenceID SEQ1."));
     EXPECT_EQ(invalidHalfLifeText("%2%3", -1234567.0, "%1"),
               QString("Invalid half life time of Isotope %2%3 Half Life (m) -1.23457e+06 SequenceID %1."));
+}
+
+TEST(HalfLifeTest, MissingFactorsAreToldWithWhatWasAskedFor)
+{
+    EXPECT_EQ(noDecayFactorsText("F18", "109.77", "SEQ1", 4),
+              "Fail to obtain Decay Factor of Isotope F18 : Half Life (m) 109.77 SequenceID SEQ1 Image Count 4.");
+    EXPECT_EQ(noDecayFactorsText("%3", "1", "SEQ1", 4),
+              "Fail to obtain Decay Factor of Isotope %3 : Half Life (m) 1 SequenceID SEQ1 Image Count 4.");
+}
+
+TEST(HalfLifeValidatorTest, TakesADecimalPointWhateverTheLanguage)
+{
+    const QLocale before;
+    QLocale::setDefault(QLocale(QLocale::German));
+    QObject parent;
+    const QValidator* pValidator = halfLifeValidator(&parent);
+    const auto verdict = [pValidator](QString text) {
+        int nCursor = 0;
+        return pValidator->validate(text, nCursor);
+    };
+    EXPECT_EQ(verdict("109.8"), QValidator::Acceptable);
+    EXPECT_EQ(verdict("999999999"), QValidator::Acceptable);
+    for (const char* pText : {"109,8", "1,234.5", "abc", "-1", "0.001", "0", "nan", "1e400"}) {
+        EXPECT_NE(verdict(pText), QValidator::Acceptable) << pText;
+    }
+    QLocale::setDefault(before);
 }
 
 } // namespace
