@@ -21,4 +21,7 @@ struct AnalysisInput
     bool decayCorrection = false;
     double halfLifeSeconds = 0.0;
     QString isotope;
+    // Whether a PCA ends without a result, ahead of its decomposition, where the images read for it turn out unfit
+    // (ImageFindings::isFitForPca). A window runs it on whatever was selected.
+    bool endPcaOfUnfitImages = false;
 };

@@ -233,7 +233,11 @@ int CORVSpumKyvo::analyseSelection()
     if (!takeDataMask(MaskPixels::NonZeroBytes)) {
         return RUNERROR_NONE;
     }
-    if (!buildImageCube() || m_cube.m_data.empty()) {
+    const bool bBuilt = buildImageCube();
+    if (m_analysisInput.endPcaOfUnfitImages && !m_imageFindings.isFitForPca()) {
+        return RUNERROR_NONE;
+    }
+    if (!bBuilt || m_cube.m_data.empty()) {
         return RUNERROR_DATA;
     }
     reportProgress("Perform PCA on the selected data...");

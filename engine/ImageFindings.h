@@ -32,6 +32,8 @@ public:
     // Images whose pixels are all the same: those of the mask, or, in an image of another size than the analysis and
     // without a mask, all of them. In the order of the cube.
     const QStringList& constantImages() const { return m_constant; }
+    // Whether every image has finite pixels and a variance to scale.
+    bool isFitForPca() const { return m_strFirst.isEmpty() && m_notFinite.isEmpty() && m_constant.isEmpty(); }
 
 private:
     QString m_strFirst;

@@ -37,12 +37,24 @@ private:
     int m_nSink = 0;
 };
 
+// Each image is divided by its standard deviation.
+void refuseConstantImages(const QStringList& constant)
+{
+    if (!constant.isEmpty()) {
+        throw Failure(
+            QStringLiteral("in these images all pixels that are analysed have one value, so that they have no "
+                           "variance to scale: %1")
+                .arg(constant.join(QStringLiteral(", "))));
+    }
+}
+
 } // namespace
 
 XTNT::Vector<double> runPca(CORVSpumKyvo& engine, JobMonitor& monitor)
 {
     engine.m_pcaResult = XTNT::Vector<double>();
     engine.m_imageFindings = ImageFindings();
+    engine.m_analysisInput.endPcaOfUnfitImages = true;
     engine.m_bRunPCA = true;
     const LastLogLine log;
     const RunOutcome outcome = runShown(engine, monitor, QStringLiteral("Analysing the images"), -1.0);
@@ -50,6 +62,7 @@ XTNT::Vector<double> runPca(CORVSpumKyvo& engine, JobMonitor& monitor)
         throw Failure(QStringLiteral("PCA aborted by user"), Failure::Kind::Aborted);
     }
     refuseUnusableImages(engine);
+    refuseConstantImages(engine.m_imageFindings.constantImages());
     if (engine.hasError()) {
         throw Failure(engine.getErrorText());
     }

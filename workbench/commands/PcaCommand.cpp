@@ -15,8 +15,6 @@
 
 namespace {
 
-constexpr double checkedFraction = 0.5;
-
 // The run takes a mask in any case: the pixels that were told, or every one where no mask is asked for, at the binning
 // of the analysis, so that its bytes are those pixels.
 void maskTakenPixels(CORVSpumKyvo& engine)
@@ -31,17 +29,6 @@ void maskTakenPixels(CORVSpumKyvo& engine)
     }
     mask.m_fBinning = static_cast<float>(engine.m_nBinning);
     engine.m_analysisInput.maskImage = mask;
-}
-
-// Each image is divided by its standard deviation.
-void checkConstantImages(const QStringList& constant)
-{
-    if (!constant.isEmpty()) {
-        throw Failure(
-            QStringLiteral("in these images all pixels that are analysed have one value, so that they have no "
-                           "variance to scale: %1")
-                .arg(constant.join(QStringLiteral(", "))));
-    }
 }
 
 } // namespace
@@ -65,9 +52,6 @@ void PcaCommand::run(const QCommandLineParser& parser, CliSession& session)
     setUp.takeMask(static_cast<int>(kMinMaskPixels));
     maskTakenPixels(setUp.engine());
     setUp.checkUnit();
-    // The run builds a cube of its own in any case; what speaks against the images is told before it.
-    setUp.readImages(checkedFraction);
-    checkConstantImages(setUp.constantImages());
 
     PcaFiles files(setUp.engine(), runPca(setUp.engine(), session));
     if (!files.isMeaningful()) {

@@ -32,3 +32,8 @@ TEST_F(ReadOnceProgramTest, AFitOfKnownSpectra)
 {
     EXPECT_EQ(openings({"unmix", "seq", "--library", library(), "--out", path("out")}), (QList<int>{2, 2, 2}));
 }
+
+TEST_F(ReadOnceProgramTest, APrincipalComponentAnalysis)
+{
+    EXPECT_EQ(openings({"pca", "seq", "--mask", "none", "--out", path("out")}), (QList<int>{2, 2, 2}));
+}
