@@ -54,9 +54,11 @@ void checkText(const QString& strName)
 
 } // namespace
 
-ResultStore::ResultStore(CORVSpumKyvo& engine, bool bAgreed)
-    : m_engine(engine), m_bAgreed(bAgreed), m_questions(bAgreed), m_results(m_list, m_owner)
+ResultStore::ResultStore(CORVSpumKyvo& engine, bool bAgreed) : m_engine(engine), m_results(m_list, m_owner)
 {
+    if (bAgreed) {
+        m_agreed.emplace();
+    }
     m_results.setEngine(&engine);
     m_results.m_bWaitForFreeFile = true;
 }
@@ -157,7 +159,7 @@ void ResultStore::remove(const QString& strName)
     const LoggedErrors warnings(CORVLOG_WARNING);
     if (!m_results.onClickDeleteResults()) {
         fail(QStringLiteral("the result \"%1\" was not deleted").arg(strName) +
-                 (m_bAgreed ? QString() : QStringLiteral("; --force deletes it without a question")),
+                 (m_agreed ? QString() : QStringLiteral("; --force deletes it without a question")),
              warnings);
     }
 }

@@ -1,13 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "services/basis/Questions.h"
+#include "services/basis/AgreedAnswers.h"
 #include "storage/ResultsListInMemory.h"
 #include "storage/SavedResults.h"
 #include "storage/SavedResultsOwner.h"
 
 #include <QString>
 #include <QStringList>
+
+#include <optional>
 
 class CORVSequenceDataset;
 class CORVSpumKyvo;
@@ -41,8 +43,7 @@ private:
     CORVSequenceDataset& sequence() const;
 
     CORVSpumKyvo& m_engine;
-    bool m_bAgreed;
-    Questions m_questions;
+    std::optional<AgreedAnswers> m_agreed;
     ResultsListInMemory m_list;
     SavedResultsOwner m_owner;
     SavedResults m_results;

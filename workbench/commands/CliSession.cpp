@@ -3,6 +3,7 @@
 
 #include "platform/orvutils/LogSinks.h"
 #include "platform/orvutils/ProcessControl.h"
+#include "platform/orvutils/TextResponder.h"
 #include "platform/orvutils/printable.h"
 #include "services/basis/Failure.h"
 #include "services/results/StagedRun.h"
@@ -45,7 +46,7 @@ QString fileNameOption(const QCommandLineParser& parser, const char* pName)
 } // namespace
 
 CliSession::CliSession(const QCommandLineParser& parser)
-    : m_bJson(parser.isSet(QStringLiteral("json"))), m_bQuiet(parser.isSet(QStringLiteral("quiet"))),
+    : m_input(&m_typed), m_bJson(parser.isSet(QStringLiteral("json"))), m_bQuiet(parser.isSet(QStringLiteral("quiet"))),
       m_bVerbose(parser.isSet(QStringLiteral("verbose")))
 {
     const QString log = fileNameOption(parser, "log");
@@ -66,10 +67,13 @@ CliSession::CliSession(const QCommandLineParser& parser)
     // A stream without a buffer drops what it is given.
     m_pOldBuffer = std::cout.rdbuf(trace.isEmpty() ? nullptr : m_trace.rdbuf());
     m_pProgress = std::make_unique<CliProgress>(!m_bQuiet && !m_bJson);
+    m_pEarlierResponder = orv::setMessageResponder(
+        std::make_unique<orv::TextResponder>(std::cerr, ::isatty(STDIN_FILENO) != 0 ? &m_input : nullptr));
 }
 
 CliSession::~CliSession()
 {
+    orv::setMessageResponder(std::move(m_pEarlierResponder));
     m_pProgress.reset();
     std::cout.rdbuf(m_pOldBuffer);
     std::cout.clear();

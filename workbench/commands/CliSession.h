@@ -2,23 +2,29 @@
 #pragma once
 
 #include "services/basis/JobMonitor.h"
+#include "workbench/commands/TerminalInput.h"
 
 #include <QCommandLineParser>
 #include <QJsonObject>
 #include <QString>
 
 #include <fstream>
+#include <istream>
 #include <memory>
 #include <streambuf>
 
 class CliProgress;
 struct RunAnswer;
 
+namespace orv {
+class MessageResponder;
+}
+
 // What a running command shares with its process: where answers go, how talkative it is, progress, interruption.
 //
 // The command's answer goes straight to descriptor 1; std::cout belongs to the iteration trace of the algorithms and is
 // pointed at the file of --trace, or nowhere, so that pipes and --json stay clean. Warnings and errors go to standard
-// error.
+// error. Questions of the libraries below are put to the user on a terminal; without one the default stands.
 class CliSession : public JobMonitor
 {
 public:
@@ -56,6 +62,8 @@ public:
     static void setInterrupted(bool bInterrupted);
 
 private:
+    TerminalInput m_typed{isInterrupted};
+    std::istream m_input;
     bool m_bJson = false;
     bool m_bQuiet = false;
     bool m_bVerbose = false;
@@ -63,4 +71,5 @@ private:
     std::ofstream m_trace;
     std::streambuf* m_pOldBuffer = nullptr;
     std::unique_ptr<CliProgress> m_pProgress;
+    std::unique_ptr<orv::MessageResponder> m_pEarlierResponder;
 };

@@ -212,9 +212,10 @@ int runCommand(Command& command, const QStringList& arguments)
         tell(QString());
         return ExitStatus::success;
     } catch (const Failure& failure) {
-        // What was broken off, a question or a wait for another program, says in its own way that nothing came of it.
-        if (CliSession::isInterrupted() && failure.kind() == Failure::Kind::Failed) {
-            tell(QStringLiteral("aborted by user"));
+        // What was broken off, a question or a wait for another program, says in its own way that nothing came of it;
+        // so does what would have failed anyway.
+        if (CliSession::isInterrupted() && failure.kind() != Failure::Kind::Aborted) {
+            tell(QStringLiteral("aborted by user: %1").arg(failure.text()));
             return ExitStatus::aborted;
         }
         tell(failure.text());

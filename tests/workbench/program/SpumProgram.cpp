@@ -27,6 +27,14 @@ bool stagingPresent(const QString& strFolder)
                 .isEmpty();
 }
 
+// The side of a new terminal on which its user sits.
+int openTerminal()
+{
+    const int master = ::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC | O_NONBLOCK);
+    EXPECT_TRUE(master >= 0 && ::grantpt(master) == 0 && ::unlockpt(master) == 0) << "there is no terminal to be had";
+    return master;
+}
+
 } // namespace
 
 QJsonObject ProgramResult::json() const
@@ -93,8 +101,8 @@ ProgramResult SpumProgram::finish(QProcess& process)
         process.waitForFinished();
     }
     EXPECT_TRUE(ended) << "the program did not end";
-    if (ended && process.exitStatus() == QProcess::NormalExit) {
-        result.status = process.exitCode();
+    if (ended) {
+        (process.exitStatus() == QProcess::NormalExit ? result.status : result.signal) = process.exitCode();
     }
     result.out = process.readAllStandardOutput();
     result.err = process.readAllStandardError();
@@ -112,6 +120,12 @@ ProgramResult SpumProgram::run(const QStringList& arguments) const
 ProgramResult SpumProgram::runAndInterrupt(const QStringList& arguments, const QString& strWatched, int nMilliseconds,
                                            int nSignal) const
 {
+    return runAndInterrupt(arguments, strWatched, nMilliseconds, std::vector<int>{nSignal});
+}
+
+ProgramResult SpumProgram::runAndInterrupt(const QStringList& arguments, const QString& strWatched, int nMilliseconds,
+                                           const std::vector<int>& signalNumbers) const
+{
     QProcess process;
     prepare(process, arguments);
     process.start();
@@ -122,18 +136,40 @@ ProgramResult SpumProgram::runAndInterrupt(const QStringList& arguments, const Q
     }
     QThread::msleep(static_cast<unsigned long>(nMilliseconds));
     if (process.state() == QProcess::Running) {
-        ::kill(static_cast<pid_t>(process.processId()), nSignal);
+        for (const int signalNumber : signalNumbers) {
+            ::kill(static_cast<pid_t>(process.processId()), signalNumber);
+        }
     }
     return finish(process);
 }
 
+ProgramResult SpumProgram::runAtQuestion(const QStringList& arguments, const QByteArray& typed, int nSignal) const
+{
+    const int master = openTerminal();
+    QProcess process;
+    prepare(process, arguments);
+    process.setStandardInputFile(QString::fromLocal8Bit(::ptsname(master)));
+    process.setReadChannel(QProcess::StandardError);
+    process.start();
+    QByteArray shown;
+    while (!shown.endsWith("? ") && process.waitForReadyRead(timeout)) {
+        shown += process.readAllStandardError();
+    }
+    EXPECT_TRUE(shown.endsWith("? ")) << shown.constData();
+    if (typed.isEmpty()) {
+        ::kill(static_cast<pid_t>(process.processId()), nSignal);
+    } else {
+        EXPECT_EQ(::write(master, typed.constData(), static_cast<std::size_t>(typed.size())), typed.size());
+    }
+    ProgramResult result = finish(process);
+    ::close(master);
+    result.err = shown + result.err;
+    return result;
+}
+
 ProgramResult SpumProgram::runOnTerminal(const QStringList& arguments) const
 {
-    const int master = ::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC | O_NONBLOCK);
-    if (master < 0 || ::grantpt(master) != 0 || ::unlockpt(master) != 0) {
-        ADD_FAILURE() << "there is no terminal to be had";
-        return {};
-    }
+    const int master = openTerminal();
     QProcess process;
     prepare(process, arguments);
     process.setStandardErrorFile(QString::fromLocal8Bit(::ptsname(master)));

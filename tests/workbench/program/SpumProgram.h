@@ -7,12 +7,15 @@
 #include <QString>
 #include <QStringList>
 
+#include <vector>
+
 class QProcess;
 
 // What a run of the program came to.
 struct ProgramResult
 {
     int status = -1; // -1 when it did not start, did not end in time, or died of a signal
+    int signal = 0;  // that it died of
     QByteArray out;
     QByteArray err;
     QString errText() const { return QString::fromUtf8(err); }
@@ -42,8 +45,14 @@ public:
     // Runs it, and once a name beginning with "." appears in `strWatched`, waits and interrupts it.
     ProgramResult runAndInterrupt(const QStringList& arguments, const QString& strWatched, int nMilliseconds,
                                   int nSignal) const;
+    // The same with several signals at once.
+    ProgramResult runAndInterrupt(const QStringList& arguments, const QString& strWatched, int nMilliseconds,
+                                  const std::vector<int>& signalNumbers) const;
     // Runs it with standard error on a terminal; `err` is what the terminal showed.
     ProgramResult runOnTerminal(const QStringList& arguments) const;
+    // Runs it with standard input on a terminal and, once standard error ends with a question mark and a blank, types
+    // that text, or with an empty one sends the signal.
+    ProgramResult runAtQuestion(const QStringList& arguments, const QByteArray& typed, int nSignal = 0) const;
 
 private:
     void prepare(QProcess& process, const QStringList& arguments) const;

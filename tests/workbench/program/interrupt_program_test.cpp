@@ -9,12 +9,20 @@
 #include <QLockFile>
 
 #include <csignal>
+#include <vector>
 
 namespace {
 
 class InterruptProgramTest : public ProgramFixture
 {
 protected:
+    // Whoever runs the tests may ignore signals, as a shell does for its background; programs inherit that.
+    void SetUp() override
+    {
+        ProgramFixture::SetUp();
+        std::signal(SIGINT, SIG_DFL);
+        std::signal(SIGHUP, SIG_DFL);
+    }
     static bool isHidden(const QString& strName) { return strName.startsWith('.'); }
 
     // Interrupted: status 130, nothing left. Otherwise it was done already, and all is there.
@@ -118,7 +126,6 @@ TEST_F(InterruptProgramTest, AnInterruptedReplacementKeepsWhatWasThere)
 
 TEST_F(InterruptProgramTest, AHangUpLeavesNothing)
 {
-    std::signal(SIGHUP, SIG_DFL);
     const ProgramResult result = program().runAndInterrupt({"simulate", "seq", "--size", "768"}, path("."), 0, SIGHUP);
     expectAllOrNothing(result, path("."), {}, "seq", "SequenceInfo.txt");
     EXPECT_EQ(result.status, 130);
@@ -150,4 +157,82 @@ TEST_F(InterruptProgramTest, AnExportEndsWhileItWaitsForAnother)
     EXPECT_FALSE(entriesOf(path(".")).contains("maps"));
     lock.unlock();
     succeed({"results", "export", "seq", "SPUM_001", "--out", "maps", "--quiet"});
+}
+
+TEST_F(InterruptProgramTest, AnInterruptedExportOfMapsLeavesNothing)
+{
+    succeed({"simulate", "seq", "--size", "256", "--bands", "12", "--quiet"});
+    succeed({"unmix", "seq", "--library", truth(), "--save", "--out", "unmixed", "--quiet"});
+    const QStringList before = entriesOf(path("."));
+    const QStringList temporary = entriesOf(QDir::tempPath());
+    int interrupted = 0;
+    for (const int delay : {0, 10, 30, 60, 100}) {
+        const ProgramResult result = program().runAndInterrupt(
+            {"results", "export", "seq", "SPUM_001", "--out", "maps"}, path("."), delay, SIGTERM);
+        expectAllOrNothing(result, path("."), before, "maps", "SequenceInfo.txt");
+        EXPECT_EQ(entriesOf(QDir::tempPath()), temporary);
+        interrupted += result.status == 130 ? 1 : 0;
+        QDir(path("maps")).removeRecursively();
+    }
+    EXPECT_GT(interrupted, 0);
+}
+
+TEST_F(InterruptProgramTest, ASecondSignalEndsItAtOnce)
+{
+    const ProgramResult result = program().runAndInterrupt({"simulate", "seq", "--size", "768"}, path("."), 0,
+                                                           std::vector<int>{SIGINT, SIGTERM});
+    // Of two that are both on their way any may be the second.
+    EXPECT_TRUE(result.signal == SIGINT || result.signal == SIGTERM) << result.status << " " << result.signal;
+    EXPECT_EQ(result.err, QByteArray());
+    EXPECT_EQ(entriesOf(path(".")).size(), 1) << "what it was about to write should be there still";
+    // And goes with the next program for that folder.
+    succeed({"simulate", "seq", "--size", "64", "--bands", "8", "--quiet"});
+    EXPECT_EQ(entriesOf(path(".")), (QStringList{"seq"}));
+}
+
+class QuestionProgramTest : public InterruptProgramTest
+{
+protected:
+    void SetUp() override
+    {
+        InterruptProgramTest::SetUp();
+        smallSequence().writeTo(path("seq"));
+        succeed({"unmix", "seq", "--library", library(), "--save", "--quiet"});
+    }
+    QStringList saved() const
+    {
+        QStringList names;
+        for (const auto& result : succeed({"results", "list", "seq", "--json"}).json()["results"].toArray()) {
+            names.append(result.toObject()["name"].toString());
+        }
+        return names;
+    }
+
+    const QStringList m_deletion{"results", "delete", "seq", "SPUM_001"};
+};
+
+TEST_F(QuestionProgramTest, IsAnsweredOnATerminal)
+{
+    const ProgramResult no = program().runAtQuestion(m_deletion, "n\n");
+    EXPECT_EQ(no.status, 1) << no.err.constData();
+    EXPECT_TRUE(no.err.endsWith("spum: the result \"SPUM_001\" was not deleted; --force deletes it without a "
+                                "question\n"))
+        << no.err.constData();
+    EXPECT_EQ(saved(), (QStringList{"SPUM_001"}));
+    const ProgramResult yes = program().runAtQuestion(m_deletion, "yes\n");
+    EXPECT_EQ(yes.status, 0) << yes.err.constData();
+    EXPECT_EQ(saved(), QStringList());
+}
+
+TEST_F(QuestionProgramTest, EndsWithASignal)
+{
+    for (const int signalNumber : {SIGINT, SIGTERM, SIGHUP}) {
+        const ProgramResult result = program().runAtQuestion(m_deletion, {}, signalNumber);
+        EXPECT_EQ(result.status, 130) << result.err.constData();
+        EXPECT_TRUE(
+            result.err.endsWith("spum: aborted by user: the result \"SPUM_001\" was not deleted; --force deletes "
+                                "it without a question\n"))
+            << result.err.constData();
+        EXPECT_EQ(saved(), (QStringList{"SPUM_001"}));
+    }
 }
