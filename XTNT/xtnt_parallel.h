@@ -14,9 +14,26 @@ namespace XTNT {
 void parallelChunks(long long count, long long grain, const std::function<void(long long begin, long long end)>& body);
 
 // Opens and closes the door for thread cancellation: a worker that was told to terminate ends here, by an unwinding
-// that looks like an exception (abi::__forced_unwind) and must not be swallowed. On any other thread it does nothing of
-// note. Never to be called inside a parallel body, a destructor or a noexcept function.
+// that looks like an exception (abi::__forced_unwind) and must not be swallowed. On any other thread it makes the check
+// that a CancellationCheck asks for, and nothing else of note. Never to be called inside a parallel body, a destructor
+// or a noexcept function.
 void cancellationPoint();
+
+// As long as it lives, every cancellationPoint() of its thread calls `check`, which throws to end the work: for a
+// thread that nobody terminates. Of several on one thread the innermost is asked. Within its scope all that passes
+// cancellation points must be fit to be left by an exception.
+class CancellationCheck
+{
+public:
+    explicit CancellationCheck(std::function<void()> check);
+    ~CancellationCheck();
+    CancellationCheck(const CancellationCheck&) = delete;
+    CancellationCheck& operator=(const CancellationCheck&) = delete;
+
+private:
+    const std::function<void()> m_check;
+    const std::function<void()>* const m_pOuter;
+};
 
 // Number of threads that parallelChunks uses; n < 1 restores the default, the number of processors. Results do not
 // depend on it. Not to be called while a pass is under way.

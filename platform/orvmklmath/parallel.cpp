@@ -14,6 +14,7 @@
 #include <new>
 #include <system_error>
 #include <thread>
+#include <utility>
 
 #include <pthread.h>
 #include <sched.h>
@@ -43,6 +44,9 @@ constexpr long long sliceGrowth = 4;
 
 // True on a thread while it runs a chunk.
 thread_local bool insideBody = false;
+
+// What the thread's cancellation points ask; null for nothing.
+thread_local const std::function<void()>* presentCheck = nullptr;
 
 class BodyScope
 {
@@ -328,6 +332,19 @@ void cancellationPoint()
 #endif
     pthread_testcancel();
     pthread_setcancelstate(formerState, nullptr);
+    if (presentCheck != nullptr) {
+        (*presentCheck)();
+    }
+}
+
+CancellationCheck::CancellationCheck(std::function<void()> check) : m_check(std::move(check)), m_pOuter(presentCheck)
+{
+    presentCheck = &m_check;
+}
+
+CancellationCheck::~CancellationCheck()
+{
+    presentCheck = m_pOuter;
 }
 
 void setThreadCount(int n)

@@ -18,6 +18,8 @@
 #include "spectra/logLine.h"
 #include "windows/maskPixels.h"
 
+#include "XTNT/xtnt_parallel.h"
+
 #include <QDateTime>
 #include <QElapsedTimer>
 #include <QLocale>
@@ -71,17 +73,23 @@ RunAnswer UnmixJob::run()
 
     ResultFiles files(m_setUp.engine(), m_numbers, staged.path());
     files.setReport(reportFrame(), m_request.pdf);
-    files.write([this](double fraction) {
-        m_monitor.stopIfRequested();
-        m_monitor.showProgress(QStringLiteral("Writing the results"),
-                               fittedFraction + (1.0 - fittedFraction) * fraction);
-    });
+    write(files);
     staged.finish(m_monitor);
     QString saved;
     if (m_request.save) {
         saved = saveResult(staged.target());
     }
     return answer(files, staged, saved);
+}
+
+void UnmixJob::write(ResultFiles& files)
+{
+    const XTNT::CancellationCheck check([this] { m_monitor.stopIfRequested(); });
+    files.write([this](double fraction) {
+        m_monitor.stopIfRequested();
+        m_monitor.showProgress(QStringLiteral("Writing the results"),
+                               fittedFraction + (1.0 - fittedFraction) * fraction);
+    });
 }
 
 // In the order in which a window takes over a result.
@@ -197,7 +205,8 @@ void UnmixJob::fit(const QElapsedTimer& timer)
     if (engine.hasError()) {
         throw Failure(engine.getErrorText());
     }
-    m_monitor.stopIfRequested();
+    const XTNT::CancellationCheck check([this] { m_monitor.stopIfRequested(); });
+    XTNT::cancellationPoint();
     showPictures();
     const bool corrected = isAutomatic() && m_request.automatic.correctDecay;
     m_numbers = numbersOfResult(engine, m_setUp.opened().truthFolder(engine.m_eUnit, corrected));

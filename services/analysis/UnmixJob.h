@@ -45,6 +45,7 @@ private:
     void fit(const QElapsedTimer& timer);
     ReportFrame reportFrame();
     void showPictures();
+    void write(ResultFiles& files);
     // The name it was saved under.
     QString saveResult(const QString& strFolder);
     RunAnswer answer(const ResultFiles& files, const StagedRun& staged, const QString& strSaved);

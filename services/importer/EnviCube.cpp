@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "services/importer/EnviCube.h"
 
+#include "XTNT/xtnt_parallel.h"
 #include "files/liesInside.h"
 #include "platform/orvutils/InputFile.h"
 
@@ -154,9 +155,15 @@ bool EnviCube::open(const QString& strPath, QString* pError, bool bFollow)
 // An export that was ended half way leaves data of one kind under a header of another.
 bool EnviCube::checkData(QIODevice& data, QString* pError) const
 {
+    constexpr qint64 pieceBytes = 1 << 20;
     QCryptographicHash digest(QCryptographicHash::Sha1);
-    if (!digest.addData(&data)) {
-        return fail(pError, m_strData, data.errorString());
+    while (!data.atEnd()) {
+        XTNT::cancellationPoint();
+        const QByteArray piece = data.read(pieceBytes);
+        if (piece.isEmpty()) {
+            return fail(pError, m_strData, data.errorString());
+        }
+        digest.addData(piece);
     }
     return digest.result() == m_header.dataDigest ||
            fail(pError, m_strData,

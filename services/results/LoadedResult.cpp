@@ -4,11 +4,14 @@
 #include "engine/CORVSpumKyvo.h"
 #include "host/CORVSequenceDataset.h"
 #include "services/basis/Failure.h"
+#include "services/basis/JobMonitor.h"
 #include "services/basis/ModeNames.h"
 #include "services/basis/UnitNames.h"
 #include "services/results/ResultStore.h"
 #include "services/session/OpenedSequence.h"
 #include "storage/SavedDocument.h"
+
+#include "XTNT/xtnt_parallel.h"
 
 #include <QElapsedTimer>
 
@@ -41,8 +44,9 @@ void checkMaps(const CORVSpumKyvo& engine, const QString& strName)
 
 } // namespace
 
-LoadedResult::LoadedResult(OpenedSequence& opened, const QString& strName)
+LoadedResult::LoadedResult(OpenedSequence& opened, const QString& strName, const JobMonitor& monitor)
 {
+    const XTNT::CancellationCheck check([&monitor] { monitor.stopIfRequested(); });
     if (!opened.canBeAnalysed()) {
         throw Failure(QStringLiteral("the result cannot be computed again: the sequence cannot be analysed: %1")
                           .arg(opened.reasonAgainst()));

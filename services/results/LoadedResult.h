@@ -6,6 +6,7 @@
 
 #include <QString>
 
+class JobMonitor;
 class OpenedSequence;
 
 // A saved result that a command has brought back: while it lives the engine of the sequence shows it, in the unit in
@@ -14,8 +15,8 @@ class LoadedResult
 {
 public:
     // `strName` is one of the saved names. Throws Failure when the sequence cannot be analysed or the result cannot
-    // be loaded with its maps.
-    LoadedResult(OpenedSequence& opened, const QString& strName);
+    // be loaded with its maps, and where the monitor wants it to stop.
+    LoadedResult(OpenedSequence& opened, const QString& strName, const JobMonitor& monitor);
     LoadedResult(const LoadedResult&) = delete;
     LoadedResult& operator=(const LoadedResult&) = delete;
 

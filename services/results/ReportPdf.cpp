@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "services/results/ReportPdf.h"
 
+#include "XTNT/xtnt_parallel.h"
+
 #include <QAbstractTextDocumentLayout>
 #include <QBuffer>
 #include <QColor>
@@ -310,6 +312,7 @@ QByteArray reportPdf(const ReportContent& content)
     const int pages = pieces.empty() ? 1 : pieces.back().page + 1;
     int shown = -1;
     for (const Piece& piece : pieces) {
+        XTNT::cancellationPoint();
         if (piece.page != shown) {
             if (shown >= 0) {
                 writer.newPage();

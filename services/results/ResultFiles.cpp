@@ -87,17 +87,13 @@ void ResultFiles::write(const std::function<void(double fraction)>& step)
             writeMap(k, s);
         }
     }
-    step((steps - 1.0) / steps);
-    writeOverview();
-    writeComposites();
-    writeSpectra();
-    writePlot();
-    writeMask();
-    writeProperties();
-    if (m_bReport) {
-        writeReport();
+    using Part = void (ResultFiles::*)();
+    for (const Part part : {&ResultFiles::writeOverview, &ResultFiles::writeComposites, &ResultFiles::writeSpectra,
+                            &ResultFiles::writePlot, &ResultFiles::writeMask, &ResultFiles::writeProperties,
+                            &ResultFiles::writeReport, &ResultFiles::writePdf, &ResultFiles::writeSummary}) {
+        step((steps - 1.0) / steps);
+        (this->*part)();
     }
-    writeSummary();
 }
 
 void ResultFiles::writeSummary()
@@ -234,12 +230,17 @@ void ResultFiles::writeProperties()
 
 void ResultFiles::writeReport()
 {
-    const ReportContent content = contentOfReport(m_engine, m_facts, m_frame);
-    put(QStringLiteral("report.html"), reportHtml(content));
-    if (!m_bPdf) {
+    if (m_bReport) {
+        put(QStringLiteral("report.html"), reportHtml(contentOfReport(m_engine, m_facts, m_frame)));
+    }
+}
+
+void ResultFiles::writePdf()
+{
+    if (!m_bReport || !m_bPdf) {
         return;
     }
-    const QByteArray pdf = reportPdf(content);
+    const QByteArray pdf = reportPdf(contentOfReport(m_engine, m_facts, m_frame));
     if (pdf.isEmpty()) {
         throw Failure(QStringLiteral("the report cannot be made as PDF"));
     }

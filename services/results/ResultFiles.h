@@ -28,7 +28,8 @@ public:
     // result.
     void setReport(const ReportFrame& frame, bool bPdf);
 
-    // Calls `step(fraction)` between files, which may throw to stop. Throws Failure when a file cannot be written.
+    // Calls `step(fraction)` between files, which may throw to stop, and passes cancellation points. Throws Failure
+    // when a file cannot be written.
     void write(const std::function<void(double fraction)>& step);
 
     // The table of the summary as text and the same as JSON, with the names of the files.
@@ -44,6 +45,7 @@ private:
     void writeMask();
     void writeProperties();
     void writeReport();
+    void writePdf();
     void writeSummary();
     void put(const QString& strName, const QByteArray& bytes);
 

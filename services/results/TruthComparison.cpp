@@ -10,6 +10,8 @@
 #include "services/session/LibrarySpectra.h"
 #include "spectra/SpectrumPlotParams.h"
 
+#include "XTNT/xtnt_parallel.h"
+
 #include <QFileInfo>
 
 #include <algorithm>
@@ -75,6 +77,7 @@ std::vector<double> trueMap(const CORVSpumKyvo& engine, const QString& strFolder
     const int spots = engine.m_cube.m_nSpots;
     std::vector<double> map;
     for (int spot = 0; spot < spots; ++spot) {
+        XTNT::cancellationPoint();
         const QString file = strFolder + (spots > 1 ? truthMapFile(strName, spot) : truthMapFile(strName));
         CILImage image;
         if (!QFileInfo::exists(file) || !readTiff(file, 0, image, nullptr)) {
@@ -164,6 +167,7 @@ std::vector<TrueComparison> compareWithTruth(const CORVSpumKyvo& engine, const Q
     const std::vector<ComponentShape> truth = shapesOfTruth(engine, strFolder);
     const std::vector<int> partners = partnersOf(engine, found, truth);
     for (std::size_t k = 0; k < found.size(); ++k) {
+        XTNT::cancellationPoint();
         if (partners[k] < 0) {
             continue;
         }

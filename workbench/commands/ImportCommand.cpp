@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "workbench/commands/ImportCommand.h"
 
+#include "XTNT/xtnt_parallel.h"
 #include "files/AtomicFile.h"
 #include "services/basis/Failure.h"
 #include "services/importer/Importer.h"
@@ -208,6 +209,7 @@ void ImportCommand::declare(QCommandLineParser& parser) const
 void ImportCommand::run(const QCommandLineParser& parser, CliSession& session)
 {
     Request request = requestOf(parser);
+    const XTNT::CancellationCheck check([&session] { session.stopIfRequested(); });
     QString shown;
     QJsonArray rows;
     if (request.import.table.isEmpty()) {

@@ -16,6 +16,7 @@
 #include "workbench/commands/CliSession.h"
 #include "workbench/commands/Options.h"
 
+#include "XTNT/xtnt_parallel.h"
 #include "engine/CORVSpumKyvo.h"
 
 #include <QCoreApplication>
@@ -251,13 +252,14 @@ void ResultsCommand::load(OpenedSequence& opened, const QString& strName, const 
     const QString target = out.isEmpty() ? opened.folder() + QStringLiteral("result-") + resultFileName(strName) : out;
     StagedRun staged(target, parser.isSet(QStringLiteral("force")), QStringLiteral("summary.json"));
     session.startProgress(QStringLiteral("Loading the result"));
-    const LoadedResult loaded(opened, strName);
+    const LoadedResult loaded(opened, strName, session);
     ReportFrame frame;
     frame.sequenceName = opened.sequence().getSequenceName() + QStringLiteral(", saved result ") + strName;
     frame.note = loaded.note();
     frame.command = shellLine(QStringList(QStringLiteral("spum")) + QCoreApplication::arguments().mid(1));
     ResultFiles files(opened.engine(), loaded.numbers(), staged.path());
     files.setReport(frame, parser.isSet(QStringLiteral("pdf")));
+    const XTNT::CancellationCheck check([&session] { session.stopIfRequested(); });
     files.write([&session](double fraction) {
         session.stopIfRequested();
         session.showProgress(QStringLiteral("Writing the results"), fraction);
@@ -288,7 +290,7 @@ void ResultsCommand::exportMaps(OpenedSequence& opened, const QString& strName, 
 {
     const auto component = componentOf(parser);
     session.startProgress(QStringLiteral("Loading the result"));
-    const LoadedResult loaded(opened, strName);
+    const LoadedResult loaded(opened, strName, session);
     session.stopIfRequested();
     session.showProgress(QStringLiteral("Exporting the maps"), 0.5);
     const ExportedMaps maps = exportResult(opened.engine(), component, parser.value(QStringLiteral("out")),

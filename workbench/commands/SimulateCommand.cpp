@@ -10,6 +10,8 @@
 #include "workbench/simulator/SourceList.h"
 #include "workbench/simulator/simulate.h"
 
+#include "XTNT/xtnt_parallel.h"
+
 #include <QDir>
 #include <QFileInfo>
 #include <QJsonArray>
@@ -340,6 +342,23 @@ QJsonObject jsonAnswer(const SimulationOptions& options, const Outcome& outcome)
     return json;
 }
 
+void write(const QString& strTarget, const SimulationOptions& options, CliSession& session)
+{
+    const XTNT::CancellationCheck check([&session] { session.stopIfRequested(); });
+    QString error;
+    const auto progress = [&session](double fraction, const QString& message) {
+        session.showProgress(message, fraction);
+        return !session.isStopRequested();
+    };
+    if (simulate(strTarget, options, progress, &error)) {
+        return;
+    }
+    if (error.isEmpty()) {
+        session.stopIfRequested();
+    }
+    throw Failure(error);
+}
+
 } // namespace
 
 void SimulateCommand::declare(QCommandLineParser& parser) const
@@ -362,19 +381,8 @@ void SimulateCommand::run(const QCommandLineParser& parser, CliSession& session)
     }
     const SimulationOptions options = takeOptions(parser);
     session.startProgress(QStringLiteral("simulating"));
-    QString error;
-    const bool done = simulate(
-        arguments[0], options,
-        [&session](double fraction, const QString& message) {
-            session.showProgress(message, fraction);
-            return !CliSession::isInterrupted();
-        },
-        &error);
+    write(arguments[0], options, session);
     session.endProgress();
-    if (!done) {
-        session.stopIfRequested();
-        throw Failure(error);
-    }
     const Outcome outcome = describe(options, arguments[0]);
     session.answer(textAnswer(options, outcome));
     session.answerJson(jsonAnswer(options, outcome));

@@ -22,6 +22,7 @@
 
 #include <pthread.h>
 
+using XTNT::CancellationCheck;
 using XTNT::cancellationPoint;
 using XTNT::parallelChunks;
 using XTNT::setThreadCount;
@@ -378,6 +379,46 @@ TEST_F(ParallelTest, PassLeavesTheCallersCancelStateAsItWas)
     parallelChunks(100, 1, [](long long, long long) {});
     pthread_setcancelstate(PTHREAD_CANCEL_ENABLE, &state);
     EXPECT_EQ(PTHREAD_CANCEL_DISABLE, state);
+}
+
+TEST_F(ParallelTest, ACheckEndsAPassOfItsThreadBetweenSlices)
+{
+    int asked = 0;
+    std::atomic<int> done{0};
+    const auto pass = [&done] { parallelChunks(10000, 1, [&done](long long, long long) { ++done; }); };
+    {
+        const CancellationCheck check([&asked] {
+            if (++asked == 3) {
+                throw std::runtime_error("enough");
+            }
+        });
+        EXPECT_THROW(pass(), std::runtime_error);
+        EXPECT_EQ(asked, 3);
+        EXPECT_GT(done, 0);
+        EXPECT_LT(done, 10000);
+        // Other threads have nothing to do with it.
+        std::thread(pass).join();
+        EXPECT_EQ(asked, 3);
+    }
+    done = 0;
+    pass();
+    EXPECT_EQ(done, 10000);
+    EXPECT_EQ(asked, 3);
+}
+
+TEST_F(ParallelTest, OfTwoChecksTheInnerOneIsAsked)
+{
+    int outer = 0;
+    int inner = 0;
+    const CancellationCheck check([&outer] { ++outer; });
+    {
+        const CancellationCheck second([&inner] { ++inner; });
+        cancellationPoint();
+    }
+    EXPECT_EQ(inner, 1);
+    EXPECT_EQ(outer, 0);
+    cancellationPoint();
+    EXPECT_EQ(outer, 1);
 }
 
 TEST(ParallelDeathTest, NestedPassIsAContractViolation)
