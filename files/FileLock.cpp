@@ -16,7 +16,7 @@ constexpr unsigned long pauseMilliseconds = 10;
 
 } // namespace
 
-FileLock::FileLock(const QString& strPath) : m_strLock(strPath + QStringLiteral(".lock")), m_lock(m_strLock)
+FileLock::FileLock(const QString& strPath) : m_strLock(strPath + suffix()), m_lock(m_strLock)
 {
     m_lock.setStaleLockTime(staleMilliseconds);
 }

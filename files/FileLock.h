@@ -7,7 +7,8 @@
 #include <functional>
 
 // The right to change a file, or what a name stands for, held by one of all programs at a time: the file "NAME.lock"
-// beside it. A lock whose program is gone, or that nobody has kept for 30 s, is broken. Released at the end of the
+// beside it. A lock whose program is gone, or that nobody has kept for 30 s (one without content: made 30 s ago), is
+// broken. Released at the end of the
 // object's life.
 class FileLock
 {
@@ -18,6 +19,9 @@ public:
         Refused, // held by another, or cannot be made: reason() tells
         Stopped  // by `goesOn`
     };
+
+    // Of the lock's file, behind the path of what it is for.
+    static QLatin1String suffix() { return QLatin1String(".lock"); }
 
     // Of what lies at this path. Not held yet.
     explicit FileLock(const QString& strPath);

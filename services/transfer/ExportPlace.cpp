@@ -6,8 +6,10 @@
 #include "storage/exportNames.h"
 
 #include <QDir>
+#include <QFileInfo>
 
 #include <cerrno>
+#include <unistd.h>
 
 namespace {
 
@@ -23,6 +25,23 @@ void removeDatasets(const QString& strFolder)
         deleteFolderTree(folder.filePath(name));
     }
     QDir().rmdir(strFolder);
+}
+
+// Those with a record or a lock of this user's, whoever holds it.
+QStringList placesInUse()
+{
+    const QDir temporary(QDir::tempPath());
+    const QString pattern = temporary.relativeFilePath(unmixedTargetFolder(QStringLiteral("*")));
+    QStringList places;
+    for (const QLatin1String& suffix : {ownerSuffix, FileLock::suffix()}) {
+        for (const QFileInfo& file : temporary.entryInfoList({pattern + suffix}, QDir::Files | QDir::NoSymLinks)) {
+            if (file.ownerId() == ::geteuid()) {
+                places.append(file.filePath().chopped(suffix.size()));
+            }
+        }
+    }
+    places.removeDuplicates();
+    return places;
 }
 
 } // namespace
@@ -52,11 +71,9 @@ ExportPlace::~ExportPlace()
 
 void ExportPlace::clearAbandoned()
 {
-    const QDir temporary(QDir::tempPath());
-    const QString pattern = temporary.relativeFilePath(unmixedTargetFolder(QStringLiteral("*"))) + ownerSuffix;
-    for (const QString& name : temporary.entryList({pattern}, QDir::Files | QDir::NoSymLinks)) {
-        const QString folder = temporary.filePath(name.chopped(ownerSuffix.size()));
-        // The lock first, as an export takes it: its record then is not held by us for a moment.
+    for (const QString& folder : placesInUse()) {
+        // The lock first, as an export takes it: its record then is not held by us for a moment. That of a killed
+        // program goes with ours.
         FileLock lock(folder);
         orv::OwnerRecord owner;
         if (lock.obtain(0) == FileLock::Outcome::Obtained && owner.takeAbandoned(folder + ownerSuffix)) {

@@ -2,8 +2,10 @@
 // The program on disks that fail, killed at a call, and without threads or memory.
 #include "workbench/program/ProgramFixture.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QFileInfo>
+#include <QLockFile>
 #include <QRegularExpression>
 
 #include <string>
@@ -100,6 +102,7 @@ TEST_F(FaultsProgramTest, WhatAKilledExportOfAResultLeftInTheTemporaryFolderGoes
     succeed(exported);
     EXPECT_EQ(entriesOf(path("tmp")).filter("SPUM_"), QStringList{"SPUM_OTHER"});
     int left = 0;
+    int locked = 0;
     // Some of the many calls, each a whole export.
     for (int call = 2; call < 400; call += 6) {
         QDir(path("maps")).removeRecursively();
@@ -109,12 +112,48 @@ TEST_F(FaultsProgramTest, WhatAKilledExportOfAResultLeftInTheTemporaryFolderGoes
         }
         setFaults("");
         left += QFileInfo(path("tmp/SPUM_SMALL")).isDir() ? 1 : 0;
+        locked += QFileInfo::exists(path("tmp/SPUM_SMALL.lock")) ? 1 : 0;
         succeed({"library", "list"});
-        EXPECT_EQ(entriesOf(path("tmp")).filter(QRegularExpression("^SPUM_(?!OTHER).*(?<!\\.lock)$")), QStringList())
-            << call;
+        EXPECT_EQ(entriesOf(path("tmp")).filter(QRegularExpression("^SPUM_(?!OTHER)")), QStringList()) << call;
     }
     EXPECT_GT(left, 2);
+    EXPECT_GT(locked, 2);
     EXPECT_EQ(contentOf(path("tmp/SPUM_OTHER/mine.txt")), "kept");
+}
+
+// Between its lock and its record an export has nothing but the lock, which at first is empty.
+TEST_F(FaultsProgramTest, TheLockOfAnExportThatWasKilledAtOnceGoesWithTheNextCommand)
+{
+    smallSequence().writeTo(path("small"));
+    succeed({"unmix", "small", "--library", library(), "--out", "run", "--save", "kept"});
+    ASSERT_TRUE(QDir().mkpath(path("tmp")));
+    program().setVariable("TMPDIR", path("tmp"));
+    const QString lock = path("tmp/SPUM_SMALL.lock");
+    for (const char* rule : {"change@1=kill", "change@2=kill", "change@3=kill"}) {
+        setFaults(rule, "tmp");
+        EXPECT_EQ(spum({"results", "export", "small", "kept", "--out", "maps"}).status, -1) << rule;
+        setFaults("");
+        if (QFileInfo::exists(lock) && contentOf(lock).isEmpty()) {
+            // Another program may be about to fill one that is younger.
+            QFile file(lock);
+            ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+            ASSERT_TRUE(file.setFileTime(QDateTime::currentDateTime().addSecs(-60), QFileDevice::FileModificationTime));
+        }
+        succeed({"library", "list"});
+        EXPECT_EQ(entriesOf(path("tmp")).filter("SPUM_"), QStringList()) << rule;
+    }
+    succeed({"results", "export", "small", "kept", "--out", "maps"});
+}
+
+TEST_F(FaultsProgramTest, TheLockOfALivingExportStays)
+{
+    smallSequence().writeTo(path("small"));
+    ASSERT_TRUE(QDir().mkpath(path("tmp")));
+    program().setVariable("TMPDIR", path("tmp"));
+    QLockFile lock(path("tmp/SPUM_SMALL.lock"));
+    ASSERT_TRUE(lock.tryLock(0));
+    succeed({"library", "list"});
+    EXPECT_EQ(entriesOf(path("tmp")).filter("SPUM_"), QStringList{"SPUM_SMALL.lock"});
 }
 
 TEST_F(FaultsProgramTest, AnEnviExportThatIsKilledBetweenItsFilesIsNotReadInSilence)
