@@ -173,6 +173,26 @@ QString StagedFolder::takeBackMissing(const QString& strTarget)
     return exists(QDir::cleanPath(QFileInfo(strTarget).absoluteFilePath())) ? QString() : takeBack(strTarget);
 }
 
+QStringList StagedFolder::takeBackMissingInside(const QString& strFolder)
+{
+    const QDir folder(strFolder);
+    const QRegularExpression pattern(QStringLiteral("^\\.(.+)-[A-Za-z]{%1}$").arg(randomLetters));
+    QStringList targets;
+    QStringList told;
+    for (const QString& name : folder.entryList(QDir::Dirs | QDir::Hidden | QDir::NoSymLinks | QDir::NoDotAndDotDot)) {
+        const QString target = pattern.match(name).captured(1);
+        if (target.isEmpty() || targets.contains(target)) {
+            continue;
+        }
+        targets.append(target);
+        const QString text = takeBackMissing(folder.filePath(target));
+        if (!text.isEmpty()) {
+            told.append(text);
+        }
+    }
+    return told;
+}
+
 bool StagedFolder::begin(const QString& strTarget, bool bForce, const QString& strMarker, QString* pError)
 {
     discard();

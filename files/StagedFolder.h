@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 // A folder that comes into being as a whole or not at all: everything is written to a hidden folder beside the target,
 // which commit() puts in the target's place. The destructor removes what was not committed, so an error, an abort or an
@@ -35,6 +36,8 @@ public:
     static QString takeBack(const QString& strTarget);
     // The same for a reader of the folder: nothing is touched where the folder is in its place.
     static QString takeBackMissing(const QString& strTarget);
+    // The same for every folder that is missing inside `strFolder`; a sentence for each.
+    static QStringList takeBackMissingInside(const QString& strFolder);
 
 private:
     bool makeHidden(const QString& strParent, const QString& strName);

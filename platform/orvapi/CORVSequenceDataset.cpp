@@ -129,6 +129,7 @@ ESTATUS CORVSequenceDataset::open(const QString& strPath, QString* pError, QStri
         given.isDir() || (given.isFile() && given.fileName() == QLatin1String(SequenceFiles::kSequenceInfo));
     if (exists) {
         m_strInfoPath = folder.endsWith(QLatin1Char('/')) ? folder : folder + QLatin1Char('/');
+        warnings.append(StagedFolder::takeBackMissingInside(folder));
         SequenceInfo info;
         const bool described = readInfo(&info, &warnings);
         readDatasets(findFolders(described, info, &warnings), &warnings);

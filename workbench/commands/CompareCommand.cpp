@@ -11,6 +11,7 @@
 #include "services/results/ComparisonPicture.h"
 #include "services/results/ResultComparison.h"
 #include "services/results/StagedRun.h"
+#include "services/results/resultFolder.h"
 #include "services/session/OpenedSequence.h"
 #include "workbench/commands/CliSession.h"
 #include "workbench/commands/Options.h"
@@ -24,13 +25,6 @@
 namespace {
 
 using Results = std::vector<std::unique_ptr<ComparedResult>>;
-
-// A name is looked for as a folder as it stands, then in the sequence's own.
-QString folderOf(const QString& strName, const OpenedSequence& opened)
-{
-    const QString inside = opened.folder() + strName;
-    return !QFileInfo::exists(strName) && QFileInfo::exists(inside) ? inside : strName;
-}
 
 // The truth of data as they stand, and that of data corrected for decay, as far as there are such and results to
 // compare.
@@ -51,12 +45,12 @@ void addTruths(Results& results, const OpenedSequence& opened)
 }
 
 // The truth, where there is one, ahead of the results.
-Results readAll(const QStringList& names, const OpenedSequence& opened)
+Results readAll(const QStringList& names, const OpenedSequence& opened, JobMonitor& monitor)
 {
     Results results;
     for (const QString& name : names) {
         results.push_back(std::make_unique<ComparedResult>());
-        results.back()->readResult(folderOf(name, opened));
+        results.back()->readResult(resultFolder(name, opened.folder(), monitor));
         if (results.back()->unit() != results.front()->unit()) {
             throw Failure(QStringLiteral("%1 is in %2, %3 in %4: results of one unit can be compared")
                               .arg(results.front()->label(), results.front()->unit(), results.back()->label(),
@@ -170,7 +164,7 @@ void CompareCommand::run(const QCommandLineParser& parser, CliSession& session)
     }
     OpenedSequence opened(arguments[0]);
     session.warnAll(opened.warnings());
-    const Results results = readAll(arguments.mid(1), opened);
+    const Results results = readAll(arguments.mid(1), opened, session);
     const ResultComparison comparison(results);
     session.stopIfRequested();
 

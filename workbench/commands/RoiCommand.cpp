@@ -10,6 +10,7 @@
 #include "services/basis/UnitNames.h"
 #include "services/regions/RoiMeasurement.h"
 #include "services/regions/RoiStore.h"
+#include "services/results/resultFolder.h"
 #include "services/session/RegionFiles.h"
 #include "services/session/UnitForecast.h"
 #include "workbench/commands/CliProgress.h"
@@ -188,13 +189,6 @@ tag_edisplayunit unitOf(const QCommandLineParser& parser, const CORVSequenceData
                       QStringLiteral("\"spum info\" tells the units of each"));
     }
     return static_cast<tag_edisplayunit>(unit);
-}
-
-// A name is looked for as a folder as it stands, then in the sequence's own.
-QString resultFolder(const QString& strName, const CORVSequenceDataset& sequence)
-{
-    const QString inside = sequence.getSequenceInfoPath() + strName;
-    return !QFileInfo::exists(strName) && QFileInfo::exists(inside) ? inside : strName;
 }
 
 // Arguments of each action behind the sequence and its own name.
@@ -378,7 +372,7 @@ void RoiCommand::measure(const QCommandLineParser& parser, Work& work, CliSessio
     RoiMeasurement measurement;
     measurement.measureImages(sequence, unit, step);
     for (const QString& name : parser.values(QStringLiteral("result"))) {
-        measurement.measureMaps(sequence, regions, resultFolder(name, sequence), step);
+        measurement.measureMaps(sequence, regions, resultFolder(name, sequence.getSequenceInfoPath(), session), step);
     }
     session.stopIfRequested();
     session.endProgress();

@@ -296,6 +296,26 @@ TEST_F(SequenceTest, MissingDatasetFolderIsToldAndTheRestOpens)
     EXPECT_TRUE(isWarned(inTarget("C1/ClickInfo.txt"))) << warnings();
 }
 
+// As a program leaves it that is killed while it replaces the dataset on a disk that cannot exchange names.
+TEST_F(SequenceTest, ADatasetThatWasLeftAsideGoesBackAndIsTold)
+{
+    writeThreeClicks();
+    ASSERT_TRUE(QDir().mkdir(inTarget(".C1-AbCdEf")));
+    ASSERT_TRUE(QDir().rename(inTarget("C1"), inTarget(".C1-AbCdEf/old")));
+    QFile lock(inTarget(".C1-AbCdEf/lock"));
+    ASSERT_TRUE(lock.open(QIODevice::WriteOnly));
+    lock.close();
+    // Whatever else has such a name stays.
+    ASSERT_TRUE(QDir().mkpath(inTarget(".mine-AbCdEf/notes")));
+    CORVSequenceDataset sequence;
+    expectOpens(sequence, m_strTarget);
+    EXPECT_EQ(clickNumbers(sequence), (QStringList{"C1", "C2", "C3"}));
+    EXPECT_EQ(m_warnings.size(), 1) << warnings();
+    EXPECT_TRUE(isWarned(inTarget("C1") + " was left aside", "it is back in its place now")) << warnings();
+    EXPECT_FALSE(QFileInfo::exists(inTarget(".C1-AbCdEf")));
+    EXPECT_TRUE(QFileInfo::exists(inTarget(".mine-AbCdEf/notes")));
+}
+
 TEST_F(SequenceTest, NothingReadableFailsWithTheReasonAndLeavesTheSequenceEmpty)
 {
     writeThreeClicks();

@@ -91,6 +91,42 @@ TEST_F(FaultsProgramTest, ASequenceThatAKilledCommandLeftAsideIsFoundByWhoeverRe
     EXPECT_EQ(succeed({"info", "seq", "--json"}).status, 0);
 }
 
+TEST_F(FaultsProgramTest, AResultThatAKilledCommandLeftAsideIsFoundByWhoeverReadsItAndTold)
+{
+    smallSequence().writeTo(path("small"));
+    succeed({"roi", "small", "add", "--shape", "rect:0,0,2,2"});
+    const auto unmixTo = [this](const QString& out) {
+        return QStringList{"unmix", "small", "--library", library(), "--out", out, "--force"};
+    };
+    succeed(unmixTo("other"));
+    struct Reader
+    {
+        QString out;
+        QStringList arguments;
+    };
+    const std::vector<Reader> readers = {{"run", {"compare", "small", "run", "other", "--force"}},
+                                         {"run", {"roi", "small", "measure", "--result", "run"}},
+                                         {"small/inside", {"compare", "small", "inside", "other", "--force"}},
+                                         {"small/inside", {"info", "small"}}};
+    for (const Reader& reader : readers) {
+        QFile::remove(path("log"));
+        setFaults("", ".", "log");
+        succeed(unmixTo(reader.out));
+        const int renames = contentOf(path("log")).count("rename\t");
+        setFaults(QStringLiteral("rename@%1=EINVAL;rename@%2=killafter").arg(renames).arg(renames + 1));
+        EXPECT_EQ(spum(unmixTo(reader.out)).status, -1);
+        setFaults("");
+        ASSERT_FALSE(QFileInfo::exists(path(reader.out)));
+        const ProgramResult result = spum(reader.arguments);
+        EXPECT_EQ(result.status, 0) << result.err.constData();
+        EXPECT_EQ(result.errText(), "spum: warning: " + path(reader.out) +
+                                        " was left aside by a program that was ended while it replaced it; it is back "
+                                        "in its place now, as it was before\n");
+        EXPECT_TRUE(QFileInfo::exists(path(reader.out) + "/summary.json"));
+        EXPECT_EQ(spum(reader.arguments).err, QByteArray());
+    }
+}
+
 TEST_F(FaultsProgramTest, WhatAKilledExportOfAResultLeftInTheTemporaryFolderGoesWithTheNextCommand)
 {
     smallSequence().writeTo(path("small"));
