@@ -79,6 +79,9 @@ void SpUnmixWizardWnd::init()
     setAnalysisType(kFluorescent);
     onAddProbe();
     m_pMaskProbePage->setInitialComplete(true);
+    // Wizards lay pages on the colour of entry fields, where boxes without a tick can hardly be seen.
+    m_pMaskProbePage->setBackgroundRole(QPalette::Window);
+    m_pMaskProbePage->setAutoFillBackground(true);
     m_pPCABtn->show();
     m_bApplyDecayCorrection = false;
     m_dHalfLifeSeconds = 0.0;

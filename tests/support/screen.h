@@ -44,6 +44,9 @@ inline QPalette darkPalette()
     dark.setColor(QPalette::Button, QColor(60, 60, 66));
     dark.setColor(QPalette::ButtonText, QColor(230, 230, 230));
     dark.setColor(QPalette::Highlight, QColor(80, 140, 220));
+    for (const QPalette::ColorRole role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
+        dark.setColor(QPalette::Disabled, role, QColor(125, 125, 125));
+    }
     return dark;
 }
 

@@ -8,6 +8,7 @@
 #include "windows/SpUnmixWizardWnd.h"
 
 #include <QAbstractButton>
+#include <QApplication>
 #include <QComboBox>
 #include <QStringList>
 
@@ -46,6 +47,7 @@ protected:
         m_wizard.setProbeNames(probes);
         m_wizard.setPhotoImage(&photo);
         screen::show(m_wizard);
+        QApplication::setActiveWindow(&m_wizard); // no window manager does it
     }
 
     QAbstractButton& finish() const { return *m_wizard.button(QWizard::FinishButton); }

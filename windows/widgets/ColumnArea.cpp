@@ -8,7 +8,6 @@ ColumnArea::ColumnArea(QWidget* pParent) : QScrollArea(pParent)
 {
     setWidgetResizable(true);
     setFrameShape(QFrame::NoFrame);
-    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
 }
 
 QSize ColumnArea::sizeHint() const

@@ -3,7 +3,7 @@
 
 #include <QScrollArea>
 
-// A column of controls that scrolls when the window is not high enough for it, and is never narrower than they need.
+// A column of controls that scrolls when the window is not high enough for it. It asks for the width that they need.
 class ColumnArea : public QScrollArea
 {
     Q_OBJECT
