@@ -29,6 +29,7 @@
 namespace {
 
 constexpr int kMostChannels = 255; // that the paint view tells apart
+constexpr int kRowMargin = 8;      // pixels to be seen beside a new row
 
 } // namespace
 
@@ -132,7 +133,7 @@ void SpumKyvoConsoleWnd::addRow(const SpectrumPlotParams& spectrum)
     const QPointer<QWidget> pName(pRow->m_pNameEdit);
     QTimer::singleShot(0, this, [this, pName] {
         if (!pName.isNull()) {
-            m_pSideScroll->ensureWidgetVisible(pName, 0, 0);
+            m_pSideScroll->ensureWidgetVisible(pName, 0, kRowMargin);
         }
     });
 }
