@@ -65,7 +65,7 @@ TEST_P(LanesTest, ValuesAreCopiesThatTemplatesMayChange)
     putLanes(row(), a);
     putLanes(row() + lanes, b);
     for (int i = 0; i < lanes; ++i) {
-        EXPECT_EQ(row()[i], GetParam() + lanes + i + 1.0);
+        EXPECT_EQ(row()[i], GetParam() + static_cast<int>(lanes) + i + 1.0);
         EXPECT_EQ(row()[lanes + i], GetParam() + i + 1.0);
     }
 }
