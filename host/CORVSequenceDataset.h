@@ -48,6 +48,15 @@ public:
     // Sections of the info file; keys that are not ours are kept.
     CPLClickInfo& sequenceInfo() { return m_info; }
 
+    // A dataset that open() left out: its folder, with a separator at its end, and why.
+    struct LeftOut
+    {
+        QString folder;
+        QString reason;
+        int before = 0; // datasets that stand before it
+    };
+    const QVector<LeftOut>& leftOut() const { return m_leftOut; }
+
     // In sequence order; owned by the sequence.
     QList<CORVDataset*> getDatasets() const;
     CORVDataset* getDataset(const QString& strClickNumber) const;
@@ -113,6 +122,7 @@ private:
     QString m_strInfoPath;
     CPLClickInfo m_info;
     QList<QSharedPointer<CORVDataset>> m_datasets;
+    QVector<LeftOut> m_leftOut;
     tag_simageadjust m_adjust;
     bool m_bKyvo = false;
     bool m_b3DSceneOnly = false;

@@ -110,6 +110,7 @@ void CORVSequenceDataset::reset()
     m_strInfoPath.clear();
     m_info.clear();
     m_datasets.clear();
+    m_leftOut.clear();
     m_adjust = tag_simageadjust();
     m_bKyvo = m_b3DSceneOnly = m_bCTScan = m_bCTComplete = m_bModified = false;
     isFluorescence = isSecondKind = isTransillumination = isSpectrallyAnalysable = false;
@@ -214,15 +215,18 @@ void CORVSequenceDataset::readDatasets(const QStringList& folders, QStringList* 
     for (const QString& folder : folders) {
         const auto pDataset = QSharedPointer<CORVDataset>::create();
         QString reason;
-        if (pDataset->open(m_strInfoPath + folder, &reason, pWarnings) != ESTATUS_SUCCESS) {
-            pWarnings->append(QStringLiteral("%1; the dataset is left out").arg(reason));
-        } else if (const CORVDataset* pEarlier = getDataset(pDataset->getClickNumber())) {
-            pWarnings->append(QStringLiteral("%1: has the click number %2 of %3; the dataset is left out")
-                                  .arg(pDataset->folderPath(), pDataset->getClickNumber(), pEarlier->folderPath()));
-        } else {
-            pDataset->m_pSequence = this;
-            m_datasets.append(pDataset);
+        if (pDataset->open(m_strInfoPath + folder, &reason, pWarnings) == ESTATUS_SUCCESS) {
+            const CORVDataset* pEarlier = getDataset(pDataset->getClickNumber());
+            if (pEarlier == nullptr) {
+                pDataset->m_pSequence = this;
+                m_datasets.append(pDataset);
+                continue;
+            }
+            reason = QStringLiteral("%1: has the click number %2 of %3")
+                         .arg(pDataset->folderPath(), pDataset->getClickNumber(), pEarlier->folderPath());
         }
+        pWarnings->append(QStringLiteral("%1; the dataset is left out").arg(reason));
+        m_leftOut.append({m_strInfoPath + folder + QLatin1Char('/'), reason, m_datasets.size()});
     }
 }
 
