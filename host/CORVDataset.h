@@ -121,9 +121,8 @@ public:
     void setFolderPath(const QString& strFolder);
     void setModified(bool bModified) { m_bModified = bModified; }
     bool isModified() const { return m_bModified; }
-    // Tells the host that pixels or regions of the dataset have changed. A host with image windows draws them anew; one
-    // without computes again what it keeps of the pixels: minimum and maximum of the images that have been borrowed or
-    // given.
+    // Tells the host that pixels or regions of the dataset have changed. It computes again what it keeps of the pixels,
+    // minimum and maximum of the images that have been borrowed or given, and draws image windows of the dataset anew.
     void updateActiveImage();
     // Whether a dataset of that click-info path is loaded; *pModified and *pClickNumber (may be null) tell more.
     static bool isLoadedClickInfo(const QString& strPath, bool& bModified, QString* pClickNumber);

@@ -26,6 +26,9 @@ public:
     // and thumbnails are to be made from there. The spelling is the host's.
     virtual void updateThumnailViewForSpumBatchProcessing(const QString& strPath);
 
+    // Pixels or regions of the dataset have changed (CORVDataset::updateActiveImage); the base shows neither.
+    virtual void refreshImage() {}
+
 Q_SIGNALS:
     // Of the dataset that lies in the folder.
     void thumbnailChanged(const QString& strPath);

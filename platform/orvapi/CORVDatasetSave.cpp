@@ -8,6 +8,7 @@
 #include "platform/orvapi/HostLog.h"
 #include "platform/orvapi/ImageCalibration.h"
 #include "platform/orvapi/ImageNames.h"
+#include "platform/orvapi/ImageObserver.h"
 #include "platform/orvapi/SectionIn.h"
 
 #include <QFileInfo>
@@ -97,9 +98,18 @@ ESTATUS CORVDataset::saveDatasetAs(const QString& strFolder)
     return ESTATUS_SUCCESS;
 }
 
+ImageObserver& imageObserver()
+{
+    static ImageObserver s_observer;
+    return s_observer;
+}
+
 void CORVDataset::updateActiveImage()
 {
     for (const auto& pImage : qAsConst(m_coreImages)) {
         pImage->RefreshImageStats();
+    }
+    if (const ImageObserver& observer = imageObserver()) {
+        observer(this);
     }
 }

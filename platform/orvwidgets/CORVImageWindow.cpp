@@ -2,6 +2,7 @@
 #include "host/CORVImageWindow.h"
 
 #include "host/CORVDataset.h"
+#include "platform/orvapi/ImageObserver.h"
 
 namespace {
 
@@ -11,6 +12,16 @@ QList<CORVImageWindow*>& openWindows()
     return windows;
 }
 
+void refreshWindowsOf(CORVDataset* pDataset)
+{
+    const QList<CORVImageWindow*> windows = openWindows();
+    for (CORVImageWindow* pWindow : windows) {
+        if (pWindow->dataset() == pDataset) {
+            pWindow->refreshImage();
+        }
+    }
+}
+
 } // namespace
 
 CORVImageWindow::CORVImageWindow(CORVDataset* pDataset, QWidget* pParent)
@@ -18,6 +29,7 @@ CORVImageWindow::CORVImageWindow(CORVDataset* pDataset, QWidget* pParent)
 {
     setWindowTitle(pDataset != nullptr ? pDataset->getClickNumber() : QString());
     openWindows().prepend(this);
+    imageObserver() = refreshWindowsOf;
 }
 
 CORVImageWindow::~CORVImageWindow()
