@@ -17,6 +17,22 @@ QString displayUnitText(int nUnit)
     }
 }
 
+QString displayUnitQuantity(int nUnit)
+{
+    switch (nUnit) {
+    case DISPLAYUNIT_COUNTS:
+        return QStringLiteral("counts");
+    case DISPLAYUNIT_RADIANCE:
+        return QStringLiteral("p/s/cm²/sr");
+    case DISPLAYUNIT_RADIANT_EFFICIENCY:
+        return QStringLiteral("(p/s/cm²/sr) / (µW/cm²)");
+    case DISPLAYUNIT_EFFICIENCY:
+        return QStringLiteral("efficiency");
+    default:
+        return QString();
+    }
+}
+
 int displayUnitOf(const QString& strText)
 {
     const QString text = strText.trimmed();

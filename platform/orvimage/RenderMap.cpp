@@ -67,11 +67,8 @@ QImage photographPicture(const CILImage* photograph, const QSize& size)
         if (!shown.isRGB()) {
             shown.setColorTable(0);
             shown.setGLFormat(0x1907);
-            std::vector<double> values = finiteValues(shown);
-            if (!values.empty()) {
-                const double lowest = quantile(values, 0.001);
-                shown.getPalette()->SetImageMinMax(lowest, quantile(values, 0.999));
-            }
+            const ValueRange range = quantileRange(shown, 0.001, 0.999);
+            shown.getPalette()->SetImageMinMax(range.minimum, range.maximum);
         }
         picture = shown.toQImage();
     }
@@ -142,6 +139,16 @@ ValueRange robustRange(const CILImage& map)
         range.maximum = *std::max_element(values.begin(), values.end());
     }
     return range;
+}
+
+ValueRange quantileRange(const CILImage& image, double low, double high)
+{
+    std::vector<double> values = finiteValues(image);
+    if (values.empty()) {
+        return {};
+    }
+    const double lowest = quantile(values, low);
+    return {lowest, quantile(values, high)};
 }
 
 QImage renderMapOverPhotograph(const CILImage& map, const CILImage* photograph, const RenderMapOptions& options)

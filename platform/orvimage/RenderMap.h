@@ -19,6 +19,10 @@ struct ValueRange
 // darken the rest while a probe of a few pixels still counts. Without finite pixels 0 to 0.
 ValueRange robustRange(const CILImage& map);
 
+// The values that a share `low` of the finite pixels lie below and a share `high` not above, each 0 to 1, the latter
+// not below the former. Without finite pixels 0 to 0.
+ValueRange quantileRange(const CILImage& image, double low, double high);
+
 struct RenderMapOptions
 {
     int colorTable = 3; // index as in CILPalette::colorTableNames()

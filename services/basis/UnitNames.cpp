@@ -2,6 +2,7 @@
 #include "services/basis/UnitNames.h"
 
 #include "engine/runTexts.h"
+#include "platform/orvapi/UnitTexts.h"
 
 QStringList UnitNames::options()
 {
@@ -22,7 +23,5 @@ QString UnitNames::text(int nUnit)
 
 QString UnitNames::quantity(int nUnit)
 {
-    static const QStringList texts = {QStringLiteral("counts"), QStringLiteral("p/s/cm²/sr"),
-                                      QStringLiteral("(p/s/cm²/sr) / (µW/cm²)"), QStringLiteral("efficiency")};
-    return texts.value(nUnit);
+    return displayUnitQuantity(nUnit);
 }
