@@ -52,3 +52,12 @@ bool splitCsvLine(const QString& strLine, QChar separator, QStringList* pFields,
         at = end + 1;
     }
 }
+
+QString csvField(const QString& strText)
+{
+    const bool bPlain =
+        strText == strText.trimmed() && !strText.contains(QLatin1Char(',')) && !strText.contains(QLatin1Char('"'));
+    return bPlain ? strText
+                  : QLatin1Char('"') + QString(strText).replace(QLatin1Char('"'), QLatin1String("\"\"")) +
+                        QLatin1Char('"');
+}

@@ -9,3 +9,7 @@
 // dropped, inside quotes they stay. False, with the reason in *pError, when a quote is not closed or is followed by
 // text.
 bool splitCsvLine(const QString& strLine, QChar separator, QStringList* pFields, QString* pError);
+
+// A field as splitCsvLine() reads it back with the separator ",": quoted where the text alone would be read as
+// something else.
+QString csvField(const QString& strText);

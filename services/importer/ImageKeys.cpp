@@ -22,17 +22,30 @@ QString shortest(double value)
 
 bool filterText(const char* what, double wavelength, QString& text, QString* pReason)
 {
-    const double rounded = std::round(wavelength);
-    if (!(rounded >= minWavelength && rounded <= maxWavelength)) {
-        *pReason =
-            QStringLiteral("the %1 %2 nm is not within 100 to 999 nm").arg(QLatin1String(what), shortest(wavelength));
+    *pReason = reasonAgainstWavelength(QLatin1String(what), wavelength);
+    if (!pReason->isEmpty()) {
         return false;
     }
-    text = QStringLiteral("%1nm").arg(static_cast<int>(rounded));
+    text = QStringLiteral("%1nm").arg(static_cast<int>(std::round(wavelength)));
     return true;
 }
 
 } // namespace
+
+QString reasonAgainstWavelength(const QString& strWhat, double dNanometres)
+{
+    const double rounded = std::round(dNanometres);
+    return rounded >= minWavelength && rounded <= maxWavelength
+               ? QString()
+               : QStringLiteral("the %1 %2 nm is not within 100 to 999 nm").arg(strWhat, shortest(dNanometres));
+}
+
+QString reasonAgainstTime(double dSeconds)
+{
+    return std::abs(dSeconds) < maxTime
+               ? QString()
+               : QStringLiteral("the time %1 s is not within 16777216 s").arg(shortest(dSeconds));
+}
 
 int wholeSecond(const QString& strTime)
 {
@@ -81,8 +94,8 @@ bool ImageKeys::addTemporal(const ImageRow& row, QString* pReason)
         *pReason = QStringLiteral("the time is missing, which other rows have");
         return false;
     }
-    if (std::abs(*row.time) >= maxTime) {
-        *pReason = QStringLiteral("the time %1 s is not within 16777216 s").arg(shortest(*row.time));
+    *pReason = reasonAgainstTime(*row.time);
+    if (!pReason->isEmpty()) {
         return false;
     }
     ImageKey key;

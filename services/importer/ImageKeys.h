@@ -41,5 +41,10 @@ private:
     bool refuseDuplicates(const ImagesTable& table, const ImageStack& stack, QString* pError) const;
 };
 
+// Why such a wavelength (nm) or time (s) cannot be that of an image; empty when it can. `strWhat` is "excitation" or
+// "emission".
+QString reasonAgainstWavelength(const QString& strWhat, double dNanometres);
+QString reasonAgainstTime(double dSeconds);
+
 // The second under which an image is known: the time as single precision holds it, cut to a whole number.
 int wholeSecond(const QString& strTime);

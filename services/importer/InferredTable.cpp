@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "services/importer/InferredTable.h"
 
+#include "services/importer/CsvLine.h"
+
 #include <QHash>
 #include <QLocale>
 #include <QSet>
@@ -40,15 +42,6 @@ QString cell(const std::optional<double>& value)
 QString cell(const std::optional<int>& value)
 {
     return value ? QString::number(*value) : QString();
-}
-
-// Quoted where a plain field would be read as something else.
-QString csvField(const QString& text)
-{
-    const bool bPlain = text == text.trimmed() && !text.contains(QLatin1Char(',')) && !text.contains(QLatin1Char('"'));
-    return bPlain
-               ? text
-               : QLatin1Char('"') + QString(text).replace(QLatin1Char('"'), QLatin1String("\"\"")) + QLatin1Char('"');
 }
 
 // The figures of one kind, which must agree. Two that differ give none, and the sentence.
@@ -111,7 +104,7 @@ bool countsUp(std::vector<double> values)
 
 InferredTable::InferredTable(const QVector<FoundImage>& images, const QStringList& doubts,
                              std::optional<double> interval)
-    : m_doubts(doubts)
+    : m_doubts(doubts), m_questions(doubts)
 {
     takeFigures(images, interval);
     choose();
@@ -147,6 +140,7 @@ void InferredTable::doubt(const QString& strSentence)
 {
     if (!strSentence.isEmpty()) {
         m_doubts.append(strSentence);
+        m_questions.append(strSentence);
     }
 }
 
@@ -276,22 +270,22 @@ void InferredTable::refuseMissing()
             }
         }
         if (missing > 0) {
-            doubt(QStringLiteral("%1 of %2 lack the %3, the first is %4")
-                      .arg(missing)
-                      .arg(m_rows.size())
-                      .arg(QLatin1String(what), first->name));
+            doubtOfRows(QStringLiteral("%1 of %2 lack the %3, the first is %4")
+                            .arg(missing)
+                            .arg(m_rows.size())
+                            .arg(QLatin1String(what), first->name));
         }
         return missing;
     };
     const auto excited = [](const Row& row) { return row.excitation.has_value(); };
     const auto emitting = [](const Row& row) { return row.emission.has_value(); };
     if (!m_bSpectral && !m_bTemporal) {
-        doubt(
+        doubtOfRows(
             QStringLiteral("nothing tells the images' wavelengths or times; names can (ex640_em700, 640-700, t12.5s), "
                            "and --interval S makes times of numbered frames"));
     } else if (m_bTemporal) {
         if (lacking([](const Row& row) { return row.time.has_value(); }, "time")) {
-            doubt(QStringLiteral("--interval S makes times of numbered frames"));
+            doubtOfRows(QStringLiteral("--interval S makes times of numbered frames"));
         }
     } else {
         if (std::any_of(m_rows.cbegin(), m_rows.cend(), excited)) {
@@ -334,20 +328,20 @@ void InferredTable::refuseDuplicates()
         if (!first.contains(key)) {
             first.insert(key, &row);
         } else if (++nTold <= 3) {
-            doubt(QStringLiteral("%1 and %2 share %3").arg(first.value(key)->name, row.name, key));
+            doubtOfRows(QStringLiteral("%1 and %2 share %3").arg(first.value(key)->name, row.name, key));
         }
     }
     if (nTold > 3) {
-        doubt(QStringLiteral("%1 more share them with another").arg(nTold - 3));
+        doubtOfRows(QStringLiteral("%1 more share them with another").arg(nTold - 3));
     }
     if (nTold > 0 && m_bTemporal) {
-        doubt(QStringLiteral("images are told apart by the whole seconds of their times"));
+        doubtOfRows(QStringLiteral("images are told apart by the whole seconds of their times"));
     }
     const bool bTimes =
         std::any_of(m_rows.cbegin(), m_rows.cend(), [](const Row& row) { return row.time.has_value(); });
     if (m_bSpectral && bTimes) {
         if (nTold > 0) {
-            doubt(QStringLiteral("both wavelengths and times differ: a sequence is either spectral or temporal"));
+            doubtOfRows(QStringLiteral("both wavelengths and times differ: a sequence is either spectral or temporal"));
         } else {
             m_notes.append(QStringLiteral("the images' times are not used: wavelengths tell them apart"));
         }

@@ -43,6 +43,9 @@ public:
     const QVector<Row>& rows() const { return m_rows; }
     // One sentence each; empty when the table can be used.
     const QStringList& doubts() const { return m_doubts; }
+    // Those of them that the rows do not show by themselves, as missing figures and repeated ones do: what can be meant
+    // in two ways.
+    const QStringList& questions() const { return m_questions; }
     // What a user should know of the choices made, one sentence each.
     const QStringList& notes() const { return m_notes; }
 
@@ -58,9 +61,11 @@ private:
     void refuseMissing();
     void refuseDuplicates();
     void doubt(const QString& strSentence);
+    void doubtOfRows(const QString& strSentence) { m_doubts.append(strSentence); }
 
     QVector<Row> m_rows;
     QStringList m_doubts;
+    QStringList m_questions;
     QStringList m_notes;
     bool m_bTemporal = false;
     bool m_bSpectral = false;
