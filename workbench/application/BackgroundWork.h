@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QObject>
+#include <QString>
+#include <QTimer>
+
+#include <atomic>
+#include <functional>
+#include <memory>
+#include <mutex>
+
+class QThread;
+
+// One piece of work on a thread of its own, with progress and the wish to stop. Signals come on the thread of this
+// object. The destructor stops the work and waits for it.
+class BackgroundWork : public QObject
+{
+    Q_OBJECT
+
+public:
+    // Told by the work as often as it likes; false asks it to stop.
+    using Progress = std::function<bool(int nDone, int nSteps, const QString& strWhat)>;
+    // True on success, else with one sentence in *pError.
+    using Work = std::function<bool(const Progress& progress, QString* pError)>;
+
+    explicit BackgroundWork(QObject* pParent = nullptr);
+    ~BackgroundWork() override;
+
+    // Nothing while a piece of work runs.
+    void start(const Work& work);
+    void stop() { m_bStop = true; }
+    bool isRunning() const { return m_pThread != nullptr; }
+    bool isStopWanted() const { return m_bStop; }
+
+Q_SIGNALS:
+    // At most twenty times a second. A fraction below 0 is not known.
+    void progressed(const QString& strWhat, double dFraction);
+    void done(bool bSuccess, const QString& strError);
+
+private:
+    void tellProgress();
+    void end();
+
+    std::unique_ptr<QThread> m_pThread;
+    QTimer m_timer;
+    std::atomic<bool> m_bStop{false};
+    std::mutex m_mutex; // of what follows
+    QString m_strWhat;
+    double m_dFraction = -1.0;
+    bool m_bNew = false;
+    bool m_bSuccess = false;
+    QString m_strError;
+};

@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "host/CILPalette.h"
+#include "host/CORVQImageView.h"
+#include "workbench/application/DisplayRange.h"
+
+#include <QSize>
+#include <QString>
+
+// The view of an image window: dragging moves the picture, pixels stay squares when they are enlarged. It is measured
+// in pixels of the image, whatever size the picture has that is shown of it. Instead of a picture a message can stand.
+class DatasetView : public CORVQImageView
+{
+    Q_OBJECT
+
+public:
+    explicit DatasetView(QWidget* pParent = nullptr);
+
+    // The picture of an image of that size.
+    void showPicture(const QImage& picture, const QSize& image);
+    void showMessage(const QString& strText);
+    // The bar that stands beside a picture that is copied or saved; none for an empty range.
+    void setBar(const CILPalette& palette, const DisplayRange& range, const QString& strQuantity);
+
+public Q_SLOTS:
+    // One pixel of the image takes one of the screen.
+    void showActualSize();
+
+protected:
+    QSizeF contentSize() const override;
+    QImage pictureToKeep() const override;
+    void fillContextMenu(QMenu& menu) override;
+    void paintGL() override;
+    void paintOverlay(QPainter& painter) const override;
+    void mousePressEvent(QMouseEvent* pEvent) override;
+    void mouseMoveEvent(QMouseEvent* pEvent) override;
+    void mouseReleaseEvent(QMouseEvent* pEvent) override;
+
+private:
+    QSize m_image;
+    QString m_strMessage;
+    CILPalette m_palette;
+    DisplayRange m_range;
+    QString m_strQuantity;
+    bool m_bDragged = false;
+    QPoint m_last;
+};

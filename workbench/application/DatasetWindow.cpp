@@ -1,0 +1,308 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "workbench/application/DatasetWindow.h"
+
+#include "host/CORVDataset.h"
+#include "host/CORVSequenceDataset.h"
+#include "platform/orvwidgets/viewIcons.h"
+#include "workbench/application/ColorBarWidget.h"
+#include "workbench/application/ColorTableBox.h"
+#include "workbench/application/DatasetImage.h"
+#include "workbench/application/DatasetView.h"
+#include "workbench/application/RangePanel.h"
+#include "workbench/application/ReadOut.h"
+#include "workbench/application/UnitBox.h"
+#include "workbench/application/datasetTitle.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QEvent>
+#include <QFormLayout>
+#include <QFrame>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QSignalBlocker>
+#include <QSlider>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+using orvwidgets::ViewIcon;
+
+namespace {
+
+constexpr int kStartOpacity = 70; // percent
+constexpr int kPanelWidth = 272;
+
+} // namespace
+
+DatasetWindow::DatasetWindow(CORVDataset* pDataset, QWidget* pParent)
+    : CORVImageWindow(pDataset, pParent), m_pImage(std::make_unique<DatasetImage>(pDataset)),
+      m_pView(new DatasetView(this)), m_pBar(new ColorBarWidget(Qt::Vertical, this))
+{
+    setObjectName(QStringLiteral("DatasetWindow"));
+    auto* pLayout = new QHBoxLayout(this);
+    pLayout->setContentsMargins(6, 6, 6, 6);
+    pLayout->addWidget(m_pView, 1);
+    pLayout->addWidget(m_pBar);
+    pLayout->addWidget(makePanel());
+    setFocusProxy(m_pView);
+    takeSequenceColors();
+    connectControls();
+    for (const tag_eimagetype type : m_pImage->types()) {
+        m_pImageBox->addItem(DatasetImage::typeText(type), static_cast<int>(type));
+    }
+    const bool fluorescent = pDataset->sequence() != nullptr && pDataset->sequence()->isFluorescence;
+    load(IMAGETYPE_MAIN_DATA, startUnit(m_pImage->offers(), fluorescent));
+}
+
+DatasetWindow::~DatasetWindow() = default;
+
+QWidget* DatasetWindow::makePanel()
+{
+    auto* pPanel = new QWidget;
+    auto* pColumn = new QVBoxLayout(pPanel);
+    pColumn->setContentsMargins(0, 0, 4, 0);
+    const auto separate = [&] {
+        auto* pLine = new QFrame(pPanel);
+        pLine->setFrameShape(QFrame::HLine);
+        pLine->setFrameShadow(QFrame::Sunken);
+        pColumn->addWidget(pLine);
+    };
+    addButtons(pColumn);
+    addDisplay(pColumn);
+    separate();
+    m_pRange = new RangePanel(pPanel);
+    pColumn->addWidget(m_pRange);
+    separate();
+    addPhotograph(pColumn);
+    pColumn->addStretch(1);
+    // In a low window the panel scrolls.
+    auto* pScroll = new QScrollArea(this);
+    pScroll->setWidget(pPanel);
+    pScroll->setWidgetResizable(true);
+    pScroll->setFrameShape(QFrame::NoFrame);
+    pScroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    pScroll->setFixedWidth(std::max(kPanelWidth, pPanel->minimumSizeHint().width()) +
+                           pScroll->verticalScrollBar()->sizeHint().width());
+    pScroll->setFocusPolicy(Qt::NoFocus);
+    return pScroll;
+}
+
+void DatasetWindow::addDisplay(QVBoxLayout* pColumn)
+{
+    auto* pForm = new QFormLayout;
+    m_pImageBox = new QComboBox(this);
+    m_pImageBox->setObjectName(QStringLiteral("m_pImageBox"));
+    m_pUnitBox = new UnitBox(this);
+    m_pUnitBox->setObjectName(QStringLiteral("m_pImageUnitBox"));
+    m_pColorBox = new ColorTableBox(this);
+    m_pColorBox->setObjectName(QStringLiteral("m_pImageColorBox"));
+    m_pReversedBox = new QCheckBox(tr("Re&versed"), this);
+    m_pReversedBox->setObjectName(QStringLiteral("m_pImageReversedBox"));
+    m_pLogBox = new QCheckBox(tr("&Logarithmic"), this);
+    m_pLogBox->setObjectName(QStringLiteral("m_pImageLogBox"));
+    auto* pBoxes = new QHBoxLayout;
+    pBoxes->addWidget(m_pReversedBox);
+    pBoxes->addWidget(m_pLogBox);
+    pForm->addRow(tr("&Image:"), m_pImageBox);
+    pForm->addRow(tr("&Unit:"), m_pUnitBox);
+    pForm->addRow(tr("&Colours:"), m_pColorBox);
+    pForm->addRow(pBoxes);
+    pColumn->addLayout(pForm);
+}
+
+void DatasetWindow::addPhotograph(QVBoxLayout* pColumn)
+{
+    auto* pForm = new QFormLayout;
+    m_pOverlayBox = new QCheckBox(tr("&Over the photograph"), this);
+    m_pOverlayBox->setObjectName(QStringLiteral("m_pOverlayBox"));
+    m_pOpacitySlider = new QSlider(Qt::Horizontal, this);
+    m_pOpacitySlider->setObjectName(QStringLiteral("m_pOpacitySlider"));
+    m_pOpacitySlider->setRange(0, 100);
+    m_pOpacitySlider->setValue(kStartOpacity);
+    m_pOpacitySlider->setToolTip(tr("How much of the photograph the image covers"));
+    pForm->addRow(m_pOverlayBox);
+    pForm->addRow(tr("O&pacity:"), m_pOpacitySlider);
+    pColumn->addLayout(pForm);
+}
+
+void DatasetWindow::addButtons(QVBoxLayout* pColumn)
+{
+    auto* pRow = new QHBoxLayout;
+    const auto add = [&](ViewIcon icon, const QString& text, auto slot) {
+        auto* pButton = new QToolButton(this);
+        pButton->setToolTip(text);
+        pButton->setAccessibleName(text);
+        pButton->setAutoRaise(true);
+        pButton->setFocusPolicy(Qt::TabFocus);
+        connect(pButton, &QToolButton::clicked, m_pView, slot);
+        pRow->addWidget(pButton);
+        m_icons.append({pButton, static_cast<int>(icon)});
+        return pButton;
+    };
+    add(ViewIcon::ZoomIn, tr("Zoom in (+)"), &GLImageView::zoomIn);
+    add(ViewIcon::ZoomOut, tr("Zoom out (-)"), &GLImageView::zoomOut);
+    add(ViewIcon::Fit, tr("Fit to the window (0)"), &GLImageView::fit);
+    add(ViewIcon::Whole, tr("Actual size"), &DatasetView::showActualSize);
+    pRow->addStretch(1);
+    add(ViewIcon::Copy, tr("Copy the picture"), &GLImageView::copyPicture)->setObjectName("m_pCopyPictureButton");
+    add(ViewIcon::Save, tr("Save the picture"), &GLImageView::savePicture)->setObjectName("m_pSavePictureButton");
+    pColumn->addLayout(pRow);
+    drawIcons();
+}
+
+// In the colour of the present palette.
+void DatasetWindow::drawIcons()
+{
+    for (const auto& [pButton, nIcon] : qAsConst(m_icons)) {
+        pButton->setIcon(orvwidgets::viewIcon(static_cast<ViewIcon>(nIcon),
+                                              palette().color(QPalette::Active, QPalette::ButtonText)));
+    }
+}
+
+void DatasetWindow::connectControls()
+{
+    const auto activated = QOverload<int>::of(&QComboBox::activated);
+    connect(m_pImageBox, activated, this, [this] { showImage(m_pImageBox->currentData().toInt()); });
+    connect(m_pUnitBox, &UnitBox::unitChosen, this,
+            [this](int nUnit) { load(m_pImage->type(), static_cast<tag_edisplayunit>(nUnit)); });
+    connect(m_pColorBox, QOverload<int>::of(&QComboBox::currentIndexChanged), this, &DatasetWindow::takeColors);
+    connect(m_pReversedBox, &QCheckBox::toggled, this, &DatasetWindow::takeColors);
+    connect(m_pLogBox, &QCheckBox::toggled, this, &DatasetWindow::takeColors);
+    connect(m_pRange, &RangePanel::rangeChanged, this, [this] {
+        m_pImage->setRange(m_pRange->range());
+        draw();
+    });
+    connect(m_pRange, &RangePanel::automaticWanted, this, [this] {
+        m_pImage->setRange(DisplayRange::automatic(m_pImage->image()));
+        m_pRange->setRange(m_pImage->range());
+        draw();
+    });
+    connect(m_pOverlayBox, &QCheckBox::toggled, this, &DatasetWindow::takeOverlay);
+    connect(m_pOpacitySlider, &QSlider::valueChanged, this, &DatasetWindow::takeOverlay);
+    connect(m_pView, &GLImageView::pixelUnderPointer, this, &DatasetWindow::tellPixel);
+}
+
+// As the sequence is shown; a map by itself is shown as the sequences are from the start.
+void DatasetWindow::takeSequenceColors()
+{
+    tag_simageadjust adjust;
+    if (CORVSequenceDataset* pSequence = dataset()->sequence()) {
+        adjust = *pSequence->getImageAdjust();
+    }
+    m_pColorBox->setColorTable(adjust.m_nColorTable);
+    m_pColorBox->setReversed(adjust.m_bReversed);
+    m_pReversedBox->setChecked(adjust.m_bReversed);
+    m_pLogBox->setChecked(adjust.m_bLogScale);
+    m_pImage->setColors(m_pColorBox->colorTable(), adjust.m_bReversed, adjust.m_bLogScale);
+}
+
+void DatasetWindow::showImage(int nImage)
+{
+    load(static_cast<tag_eimagetype>(nImage), m_pImage->unit());
+}
+
+void DatasetWindow::load(tag_eimagetype eType, tag_edisplayunit eUnit)
+{
+    m_pImage->load(eType, eUnit);
+    m_pImageBox->setCurrentIndex(m_pImageBox->findData(static_cast<int>(m_pImage->type())));
+    m_pUnitBox->setOffers(m_pImage->offers(), eUnit);
+    // The photograph is looked at as a photograph.
+    if (!m_pImage->hasUnit()) {
+        m_pImage->setColors(0, false, false);
+    } else {
+        m_pImage->setColors(m_pColorBox->colorTable(), m_pReversedBox->isChecked(), m_pLogBox->isChecked());
+    }
+    showLoaded();
+}
+
+void DatasetWindow::refreshImage()
+{
+    const DisplayRange range = m_pImage->range();
+    const bool same = range != DisplayRange() && range != DisplayRange::automatic(m_pImage->image());
+    m_pImage->load(m_pImage->type(), m_pImage->unit());
+    if (same) {
+        m_pImage->setRange(range);
+    }
+    showLoaded();
+}
+
+void DatasetWindow::showLoaded()
+{
+    const bool grey = !m_pImage->image().isEmpty() && !m_pImage->isColored();
+    m_pUnitBox->setEnabled(m_pImage->hasUnit());
+    for (QWidget* pWidget : std::initializer_list<QWidget*>{m_pColorBox, m_pReversedBox, m_pLogBox}) {
+        pWidget->setEnabled(grey && m_pImage->hasUnit());
+    }
+    m_pOverlayBox->setEnabled(m_pImage->canOverlay());
+    m_pOverlayBox->setToolTip(m_pImage->canOverlay() ? QString() : tr("There is no photograph beneath this image"));
+    m_pOpacitySlider->setEnabled(m_pOverlayBox->isChecked() && m_pImage->canOverlay());
+    if (grey) {
+        m_pRange->setImage(m_pImage->image(), m_pImage->whole(), m_pImage->range());
+    } else {
+        m_pRange->clearImage();
+    }
+    draw();
+    showTitle();
+}
+
+void DatasetWindow::takeColors()
+{
+    m_pColorBox->setReversed(m_pReversedBox->isChecked());
+    m_pImage->setColors(m_pColorBox->colorTable(), m_pReversedBox->isChecked(), m_pLogBox->isChecked());
+    draw();
+}
+
+void DatasetWindow::takeOverlay()
+{
+    m_pImage->setOverlay(m_pOverlayBox->isChecked(), m_pOpacitySlider->value() / 100.0);
+    m_pOpacitySlider->setEnabled(m_pOverlayBox->isChecked());
+    draw();
+}
+
+void DatasetWindow::draw()
+{
+    if (!m_pImage->error().isEmpty() || m_pImage->image().isEmpty()) {
+        m_pView->setBar(CILPalette(), DisplayRange(), QString());
+        m_pView->showMessage(tr("The image cannot be shown: %1").arg(m_pImage->error()));
+        m_pBar->clearScale();
+        return;
+    }
+    const DisplayRange range = m_pImage->isColored() ? DisplayRange() : m_pImage->range();
+    m_pView->showPicture(m_pImage->picture(), m_pImage->size());
+    m_pView->setBar(m_pImage->palette(), range, m_pImage->quantity());
+    m_pBar->setScale(m_pImage->palette(), range, m_pImage->quantity());
+    m_pRange->setColors(m_pImage->palette());
+}
+
+void DatasetWindow::showTitle()
+{
+    setWindowTitle(datasetTitle(*dataset()) + QStringLiteral("[*]"));
+    setWindowModified(dataset()->isModified());
+}
+
+void DatasetWindow::changeEvent(QEvent* pEvent)
+{
+    CORVImageWindow::changeEvent(pEvent);
+    if (pEvent->type() == QEvent::PaletteChange) {
+        drawIcons();
+    }
+    if (pEvent->type() == QEvent::ActivationChange) {
+        setWindowModified(dataset()->isModified());
+    }
+}
+
+void DatasetWindow::tellPixel(int x, int y)
+{
+    if (x < 0 || y < 0 || m_pImage->image().isEmpty()) {
+        Q_EMIT readOut(QString());
+        return;
+    }
+    ReadOut found;
+    found.pixel = QPoint(x, y);
+    found.pixelMm = pixelSideMm(*dataset(), m_pImage->type());
+    found.value = m_pImage->valueAt(found.pixel);
+    found.quantity = m_pImage->quantity();
+    Q_EMIT readOut(found.text());
+}

@@ -1,0 +1,131 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "services/importer/InferredTable.h"
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+#include <QVector>
+
+#include <array>
+#include <optional>
+
+class ImagesTable;
+
+// What a user sees and corrects before images are imported: which image is what. Cells hold what is typed; what is
+// wrong, missing or in doubt there is told for each.
+class ImportTable
+{
+public:
+    enum class Kind
+    {
+        Fluorescence, // excitations and emissions
+        Luminescence, // emissions
+        Scan,         // fluorescence at several spots
+        Times
+    };
+    enum Column
+    {
+        Use,
+        Image,
+        Excitation, // nm
+        Emission,   // nm
+        SpotX,
+        SpotY,
+        Interval,
+        Time,     // s
+        Exposure, // s
+        Origin,
+        ColumnCount
+    };
+    // What stands in the way of an import, of a cell.
+    enum class Mark
+    {
+        None,
+        Doubt, // could be meant in two ways; goes when the cell is edited or the table confirmed
+        Wrong
+    };
+
+    ImportTable() = default;
+    // What names and metadata tell.
+    explicit ImportTable(const InferredTable& inferred);
+    // What such a table tells, from a file of that name.
+    ImportTable(const ImagesTable& table, const QString& strName);
+
+    int count() const { return m_rows.size(); }
+    int usedCount() const;
+    Kind kind() const { return m_eKind; }
+    void setKind(Kind eKind);
+    static QStringList kindTexts(); // by number of the kind
+    // Those that matter for the kind, in their order.
+    QVector<Column> columns() const;
+    static QString title(Column eColumn);
+    static QString help(Column eColumn);
+
+    bool isUsed(int nRow) const { return m_rows.at(nRow).used; }
+    void setUsed(int nRow, bool bUsed);
+    // Uses these files only; none of them is used when no row has such a file.
+    void useFiles(const QStringList& names);
+    bool isEditable(Column eColumn) const { return eColumn != Image && eColumn != Origin && eColumn != Use; }
+    QString text(int nRow, Column eColumn) const;
+    // Numbers may have a unit and the locale's decimal sign; one that can be read is kept in its shortest form.
+    void setText(int nRow, Column eColumn, const QString& strText);
+
+    Mark mark(int nRow, Column eColumn) const { return m_marks.at(nRow).at(eColumn).mark; }
+    // Why the cell is marked; empty when it is not.
+    const QString& reason(int nRow, Column eColumn) const { return m_marks.at(nRow).at(eColumn).reason; }
+    // What cannot be told of one row, a sentence each.
+    const QStringList& questions() const { return m_questions; }
+    const QStringList& notes() const { return m_notes; }
+
+    // Cells that are wrong or in doubt, of the rows in use.
+    int wrongCount() const;
+    bool isInDoubt() const;
+    // The user has looked at what is in doubt, and it is right.
+    void setConfirmed(bool bConfirmed) { m_bConfirmed = bConfirmed; }
+    bool isReady() const;
+    // "12 images: fluorescence, 2 excitations, 6 emissions"
+    QString summary() const;
+    // What there is to do before an import; empty when nothing is.
+    QString todo() const;
+
+    // The rows in use, as ImagesTable reads them.
+    QByteArray toCsv() const;
+    // The row that stands in that line (from 1) of toCsv(); -1 for none.
+    int rowOfLine(int nLine) const;
+
+private:
+    struct Row
+    {
+        bool used = true;
+        QString file;
+        std::optional<int> page;
+        std::optional<int> band;
+        std::array<QString, ColumnCount> cells;
+        ImageFacts facts;
+        QString doubt; // of the row as it was inferred
+    };
+    struct CellMark
+    {
+        Mark mark = Mark::None;
+        QString reason;
+    };
+    using RowMarks = QVector<CellMark>;
+
+    void chooseKind(bool bTemporal);
+    bool anyHas(Column eColumn) const;
+    bool isNeeded(Column eColumn) const;
+    void check();
+    void checkCell(const Row& row, Column eColumn, CellMark& mark) const;
+    void checkRepeats();
+    QString keyOf(const Row& row) const;
+    int differentCount(Column eColumn) const;
+
+    QVector<Row> m_rows;
+    QVector<RowMarks> m_marks;
+    QStringList m_questions;
+    QStringList m_notes;
+    Kind m_eKind = Kind::Fluorescence;
+    bool m_bConfirmed = false;
+};

@@ -1,0 +1,254 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "workbench/application/Thumbnails.h"
+
+#include "host/CORVDataset.h"
+#include "platform/orvimage/TiffIo.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr int kSmallestSide = 128;
+constexpr int kLargestSide = 1024;
+constexpr qint64 kMostBytes = qint64{256} << 20; // of all thumbnails together
+constexpr unsigned kThreeColours = 0x1907;
+
+// Reduced by averages so that its longer side has `nSide` pixels; smaller images stay.
+void reduce(CILImage& image, int nSide)
+{
+    const long longest = std::max(image.m_lWidth, image.m_lHeight);
+    if (longest <= nSide) {
+        return;
+    }
+    const auto side = [&](long l) { return std::max(1, static_cast<int>((l * nSide + longest / 2) / longest)); };
+    image.downSample(side(image.m_lWidth), side(image.m_lHeight), IL_RESAMPLE_AREA);
+}
+
+// Why an image's file cannot be read; the dataset tells it to the log alone.
+QString reasonOf(const CORVDataset& dataset, tag_eimagetype eType)
+{
+    const CORVImageDetails* pDetails = dataset.imageList().getImage(eType);
+    if (pDetails == nullptr && eType == IMAGETYPE_MAIN_DATA) {
+        pDetails = dataset.imageList().getImage(IMAGETYPE_LUMINESCENT);
+    }
+    if (pDetails == nullptr) {
+        return QStringLiteral("there is no such image");
+    }
+    CILImage image;
+    QString reason;
+    return readTiff(pDetails->path(), 0, image, &reason) ? QStringLiteral("the image cannot be calibrated") : reason;
+}
+
+} // namespace
+
+Thumbnails::Thumbnails(const CORVSequenceDataset& sequence, QObject* pParent)
+    : QObject(pParent), m_tiles(sequence), m_thumbnails(index(m_tiles.count()))
+{
+    connect(&m_idle, &QTimer::timeout, this, &Thumbnails::makeNext);
+    readAgain();
+}
+
+void Thumbnails::readAgain()
+{
+    for (Thumbnail& thumbnail : m_thumbnails) {
+        thumbnail.stale = true;
+    }
+    m_nWaiting = m_tiles.count();
+    m_nNext = 0;
+    m_common = DisplayRange();
+    m_idle.start(0);
+}
+
+void Thumbnails::setUnit(tag_edisplayunit eUnit)
+{
+    if (eUnit != m_eUnit) {
+        m_eUnit = eUnit;
+        readAgain();
+    }
+}
+
+void Thumbnails::setSide(int nPixels)
+{
+    int side = kSmallestSide;
+    const auto bytes = [&](int next) { return static_cast<qint64>(sizeof(float)) * next * next * m_tiles.count(); };
+    while (side < nPixels && side < kLargestSide && bytes(2 * side) <= kMostBytes) {
+        side *= 2;
+    }
+    if (side != m_nSide) {
+        const bool larger = side > m_nSide;
+        m_nSide = side;
+        if (larger) {
+            readAgain();
+        }
+    }
+}
+
+void Thumbnails::setColors(int nTable, bool bReversed, bool bLogScale)
+{
+    m_palette.setCLUTinfo(nTable, bReversed, bLogScale);
+    for (Thumbnail& thumbnail : m_thumbnails) {
+        thumbnail.shown = DisplayRange();
+        if (!thumbnail.reduced.isEmpty()) {
+            thumbnail.picture = QImage();
+        }
+    }
+    Q_EMIT allChanged();
+}
+
+void Thumbnails::setIndividual(bool bIndividual)
+{
+    m_bIndividual = bIndividual;
+    Q_EMIT allChanged();
+}
+
+DisplayRange Thumbnails::range(int nTile) const
+{
+    const Thumbnail& thumbnail = m_thumbnails.at(index(nTile));
+    if (thumbnail.reduced.isEmpty()) {
+        return {};
+    }
+    return m_bIndividual ? thumbnail.range : m_common;
+}
+
+QImage Thumbnails::picture(int nTile)
+{
+    Thumbnail& thumbnail = m_thumbnails.at(index(nTile));
+    if (thumbnail.stale && thumbnail.picture.isNull() && !m_asked.contains(nTile)) {
+        m_asked.append(nTile);
+    }
+    const DisplayRange wanted = range(nTile);
+    // While images come in, their common range grows; pictures follow once it stands.
+    const bool follows = m_bIndividual || isFinished() || thumbnail.picture.isNull();
+    if (!thumbnail.reduced.isEmpty() && follows && (thumbnail.picture.isNull() || thumbnail.shown != wanted)) {
+        CILPalette& palette = *thumbnail.reduced.getPalette();
+        palette = m_palette;
+        palette.SetImageMinMax(wanted.minimum, wanted.maximum);
+        thumbnail.reduced.setGLFormat(kThreeColours);
+        thumbnail.picture = thumbnail.reduced.toQImage();
+        thumbnail.shown = wanted;
+    }
+    return thumbnail.picture;
+}
+
+bool Thumbnails::valueAt(int nTile, double dX, double dY, double* pValue, int* pAveraged) const
+{
+    const Thumbnail& thumbnail = m_thumbnails.at(index(nTile));
+    const CILImage& image = thumbnail.reduced;
+    if (image.isEmpty()) {
+        return false;
+    }
+    const auto place = [](double part, long side) {
+        return std::clamp(static_cast<long>(std::floor(part * static_cast<double>(side))), 0L, side - 1);
+    };
+    const long x = place(dX, image.m_lWidth);
+    const long y = place(dY, image.m_lHeight);
+    *pValue = image.value(static_cast<std::size_t>(y * image.m_lWidth + x));
+    *pAveraged = static_cast<int>(std::lround(1.0 * thumbnail.size.width() / static_cast<double>(image.m_lWidth)));
+    return true;
+}
+
+int Thumbnails::nextTile()
+{
+    while (!m_asked.isEmpty()) {
+        const int tile = m_asked.takeLast();
+        if (m_thumbnails.at(index(tile)).stale) {
+            return tile;
+        }
+    }
+    while (m_nNext < m_tiles.count() && !m_thumbnails.at(index(m_nNext)).stale) {
+        ++m_nNext;
+    }
+    return m_nNext < m_tiles.count() ? m_nNext : -1;
+}
+
+void Thumbnails::makeNext()
+{
+    const int tile = nextTile();
+    if (tile < 0) {
+        finish();
+        return;
+    }
+    Thumbnail& thumbnail = m_thumbnails.at(index(tile));
+    thumbnail.stale = false;
+    m_nWaiting = std::max(0, m_nWaiting - 1);
+    if (m_tiles.tile(tile).photograph) {
+        makePhotograph(tile);
+    } else {
+        make(tile);
+    }
+    Q_EMIT changed(tile);
+    if (m_nWaiting == 0) {
+        finish();
+    }
+}
+
+void Thumbnails::finish()
+{
+    m_idle.stop();
+    m_nWaiting = 0;
+    Q_EMIT allChanged();
+    Q_EMIT finished();
+}
+
+void Thumbnails::fail(int nTile, const QString& strReason)
+{
+    Thumbnail& thumbnail = m_thumbnails.at(index(nTile));
+    thumbnail = Thumbnail();
+    thumbnail.stale = false;
+    thumbnail.state = State::Failed;
+    thumbnail.reason = strReason;
+}
+
+void Thumbnails::make(int nTile)
+{
+    const SequenceTiles::Tile& tile = m_tiles.tile(nTile);
+    if (tile.dataset == nullptr) {
+        fail(nTile, tile.reason);
+        return;
+    }
+    const QString unavailable = tile.dataset->unitUnavailableReason(m_eUnit);
+    if (!unavailable.isEmpty()) {
+        fail(nTile, QStringLiteral("this unit cannot be had: %1").arg(unavailable));
+        return;
+    }
+    CILImage image;
+    if (tile.dataset->getCalibratedLuminImage(m_eUnit, &image, QStringLiteral("Sequence View")) != ESTATUS_SUCCESS) {
+        fail(nTile, reasonOf(*tile.dataset, IMAGETYPE_MAIN_DATA));
+        return;
+    }
+    Thumbnail& thumbnail = m_thumbnails.at(index(nTile));
+    thumbnail.size = QSize(static_cast<int>(image.m_lWidth), static_cast<int>(image.m_lHeight));
+    reduce(image, m_nSide);
+    thumbnail.range = DisplayRange::automatic(image);
+    thumbnail.reduced = std::move(image);
+    thumbnail.picture = QImage();
+    thumbnail.state = State::Ready;
+    thumbnail.reason.clear();
+    m_common = m_common.isEmpty() ? thumbnail.range : m_common.united(thumbnail.range);
+}
+
+void Thumbnails::makePhotograph(int nTile)
+{
+    const CILImage* pPhoto = m_tiles.tile(nTile).dataset->getCoreImage(IMAGETYPE_PHOTOGRAPH);
+    if (pPhoto == nullptr || pPhoto->isEmpty()) {
+        fail(nTile, reasonOf(*m_tiles.tile(nTile).dataset, IMAGETYPE_PHOTOGRAPH));
+        return;
+    }
+    Thumbnail& thumbnail = m_thumbnails.at(index(nTile));
+    thumbnail.size = QSize(static_cast<int>(pPhoto->m_lWidth), static_cast<int>(pPhoto->m_lHeight));
+    if (pPhoto->isRGB()) {
+        thumbnail.picture =
+            pPhoto->toQImage().scaled(QSize(m_nSide, m_nSide), Qt::KeepAspectRatio, Qt::SmoothTransformation);
+    } else {
+        CILImage grey(*pPhoto);
+        reduce(grey, m_nSide);
+        const DisplayRange range = DisplayRange::automatic(grey);
+        *grey.getPalette() = CILPalette();
+        grey.getPalette()->SetImageMinMax(range.minimum, range.maximum);
+        grey.setGLFormat(kThreeColours);
+        thumbnail.picture = grey.toQImage();
+    }
+    thumbnail.state = State::Ready;
+    thumbnail.reason.clear();
+}

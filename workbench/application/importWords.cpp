@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "workbench/application/importWords.h"
+
+#include <QPair>
+#include <QRegularExpression>
+#include <QVector>
+
+QString importWords(const QString& strSentence)
+{
+    static const QVector<QPair<QString, QString>> words{
+        {QStringLiteral("--interval S tells the seconds between frames (1 when they are seconds)"),
+         QStringLiteral("\"Seconds between frames\" tells which (1 when they are seconds)")},
+        {QStringLiteral("--interval S"), QStringLiteral("\"Seconds between frames\"")},
+        {QStringLiteral(" and is not used; --images takes such a table"),
+         QStringLiteral(" and is not used; \"Load table\" takes it")},
+        {QStringLiteral("--follow reads it all the same"), QStringLiteral("copy it there to have it read")},
+        {QStringLiteral("--force replaces it"), QStringLiteral("tick \"Replace it\" or choose another place")},
+        {QStringLiteral("--max-memory allows more"), QStringLiteral("the command line can allow more")}};
+    QString sentence = strSentence;
+    for (const auto& [from, to] : words) {
+        sentence.replace(from, to);
+    }
+    return sentence;
+}
+
+int takeTableLine(QString* pError)
+{
+    static const QRegularExpression place(QStringLiteral("^inferred table:(\\d+): "));
+    const QRegularExpressionMatch match = place.match(*pError);
+    if (!match.hasMatch()) {
+        return 0;
+    }
+    pError->remove(0, match.capturedLength());
+    static const QRegularExpression line(QStringLiteral(" \\(line \\d+\\)"));
+    pError->remove(line);
+    return match.captured(1).toInt();
+}
