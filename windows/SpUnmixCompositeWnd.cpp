@@ -8,6 +8,8 @@
 #include "windows/compositePicture.h"
 #include "windows/widgets/ChannelDelegate.h"
 
+#include <QAbstractSpinBox>
+#include <QLineEdit>
 #include <QSignalBlocker>
 #include <QTimer>
 #include <QVBoxLayout>
@@ -25,6 +27,47 @@ XTNT::Matrix<double> columnsOf(const XTNT::Matrix<double>& data, long long first
     }
     return columns;
 }
+
+// Disables a window while it lives. That takes the focus away and ends the entry of a number half way, so whoever types
+// or steps finds both afterwards as they were.
+class Disabled
+{
+public:
+    explicit Disabled(QWidget& window) : m_window(window)
+    {
+        QWidget* pFocus = window.window()->focusWidget();
+        if (pFocus != nullptr && window.isAncestorOf(pFocus)) {
+            m_pFocus = pFocus;
+            m_pEdit = qobject_cast<QAbstractSpinBox*>(pFocus) != nullptr ? pFocus->findChild<QLineEdit*>() : nullptr;
+        }
+        if (m_pEdit != nullptr) {
+            m_strTyped = m_pEdit->text();
+            m_nCursor = m_pEdit->cursorPosition();
+        }
+        window.setEnabled(false);
+    }
+    ~Disabled()
+    {
+        m_window.setEnabled(true);
+        if (m_pFocus != nullptr) {
+            m_pFocus->setFocus(Qt::OtherFocusReason);
+        }
+        if (m_pEdit != nullptr && m_pEdit->text() != m_strTyped) {
+            const QSignalBlocker blocker(m_pEdit);
+            m_pEdit->setText(m_strTyped);
+            m_pEdit->setCursorPosition(m_nCursor);
+        }
+    }
+    Disabled(const Disabled&) = delete;
+    Disabled& operator=(const Disabled&) = delete;
+
+private:
+    QWidget& m_window;
+    QPointer<QWidget> m_pFocus;
+    QPointer<QLineEdit> m_pEdit;
+    QString m_strTyped;
+    int m_nCursor = 0;
+};
 
 void logLowMemory()
 {
@@ -251,10 +294,7 @@ void SpUnmixCompositeWnd::computeWhenDue()
 
 void SpUnmixCompositeWnd::computeComposite()
 {
-    // A window that is disabled loses the focus; who types or steps goes on.
-    QWidget* pWidget = window()->focusWidget();
-    const QPointer<QWidget> pFocus = pWidget != nullptr && isAncestorOf(pWidget) ? pWidget : nullptr;
-    setEnabled(false);
+    const Disabled meanwhile(*this);
     m_bDue = false;
     try {
         m_compositeImage = compositePicture(maps(), m_nCurrentSpot, layers(), m_backgroundImage);
@@ -265,10 +305,6 @@ void SpUnmixCompositeWnd::computeComposite()
         showLabels();
     } catch (...) {
         logLowMemory();
-    }
-    setEnabled(true);
-    if (pFocus != nullptr) {
-        pFocus->setFocus(Qt::OtherFocusReason);
     }
 }
 

@@ -8,6 +8,19 @@
 namespace {
 
 constexpr int kPixelsPerCharacter = 7;
+constexpr int kHeaderMargin = 8;      // pixels that a header takes beside its text
+constexpr double kSmallestFont = 6.0; // points
+constexpr double kFontStep = 0.25;    // points
+constexpr int kRowMargin = 4;         // pixels that a row takes beside its text
+
+// The columns have the width that a number of characters usually takes; where letters are wider, they become smaller.
+QFont fittingFont(QFont font, const QString& strText, int nWidth)
+{
+    while (QFontMetrics(font).horizontalAdvance(strText) > nWidth && font.pointSizeF() > kSmallestFont) {
+        font.setPointSizeF(font.pointSizeF() - kFontStep);
+    }
+    return font;
+}
 
 } // namespace
 
@@ -22,10 +35,16 @@ void SpumKyvoPCAWnd::init()
     const QStringList headers{tr("# of Components"), tr("Explained Variance(%)")};
     m_pDataTable->setColumnCount(headers.size());
     m_pDataTable->setHorizontalHeaderLabels(headers);
+    QFont font = m_pDataTable->horizontalHeader()->font();
     for (int column = 0; column < headers.size(); ++column) {
-        m_pDataTable->setColumnWidth(column, headers[column].length() * kPixelsPerCharacter);
+        const int width = headers[column].length() * kPixelsPerCharacter;
+        m_pDataTable->setColumnWidth(column, width);
         m_pDataTable->horizontalHeaderItem(column)->setToolTip(headers[column]);
+        font = fittingFont(font, headers[column], width - kHeaderMargin);
     }
+    m_pDataTable->horizontalHeader()->setFont(font);
+    m_pDataTable->horizontalHeader()->setHighlightSections(false); // bold letters would not fit
+    m_pDataTable->verticalHeader()->setDefaultSectionSize(fontMetrics().height() + kRowMargin);
 }
 
 void SpumKyvoPCAWnd::setEigenvalues(XTNT::Vector<double>& values)

@@ -5,6 +5,7 @@
 #include "windows/SpumKyvoPCAWnd.h"
 
 #include <QDialogButtonBox>
+#include <QHeaderView>
 #include <QPushButton>
 #include <QTableWidget>
 
@@ -157,6 +158,12 @@ TEST_P(PcaLookTest, ShowsAllOfItsTexts)
     window.setEigenvalues(values);
     screen::show(window);
     screen::keep(screen::grab(window), GetParam() ? "pca_dark" : "pca");
+    const QHeaderView* pHeader = window.m_pDataTable->horizontalHeader();
+    for (int column = 0; column < 2; ++column) {
+        const QString text = window.m_pDataTable->horizontalHeaderItem(column)->text();
+        EXPECT_LT(QFontMetrics(pHeader->font()).horizontalAdvance(text), pHeader->sectionSize(column));
+    }
+    EXPECT_LE(pHeader->length(), window.m_pDataTable->viewport()->width());
     for (const QLabel* pLabel : window.findChildren<QLabel*>()) {
         EXPECT_GE(pLabel->width(), pLabel->wordWrap() ? 0 : pLabel->sizeHint().width()) << qPrintable(pLabel->text());
         EXPECT_GE(pLabel->height(), pLabel->heightForWidth(pLabel->width())) << qPrintable(pLabel->text());

@@ -20,7 +20,9 @@ QIcon swatchOf(const QColor& color)
     painter.setPen(QColor(96, 96, 96)); // a frame, so that the light colours stand off
     painter.drawRect(0, 0, kSwatch - 1, kSwatch - 1);
     painter.end();
-    return QIcon(pixmap);
+    QIcon icon(pixmap);
+    icon.addPixmap(pixmap, QIcon::Selected); // styles tint it otherwise
+    return icon;
 }
 
 } // namespace
