@@ -193,6 +193,9 @@ void CORVSpumKyvo::showSpot(const UnmixedSource& source, int nSpot)
     }
     for (const UnmixedSpot::Tile& tile : qAsConst(spot.tiles)) {
         m_pResultView->addUnmixedImage(tile.image, tile.label);
+        if (tile.range) {
+            m_pResultView->setUnmixedImageRange(tile.range->minimum, tile.range->maximum);
+        }
     }
 }
 

@@ -72,6 +72,8 @@ public:
     virtual bool showsUnmixedImages() const { return true; }
     // One tile; the image stays the caller's and must live until the tiles are removed.
     virtual void addUnmixedImage(CILImage* pImage, const QString& strLabel) = 0;
+    // The range of the values that the tile added last is shown over.
+    virtual void setUnmixedImageRange(double /*dMin*/, double /*dMax*/) {}
     virtual void removeAllUnmixedImages() = 0;
 
     // See the composite's arithmetic (windows/): one row of data a channel, one column per pixel and spot. The

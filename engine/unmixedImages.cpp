@@ -197,7 +197,9 @@ UnmixedSpot unmixedSpot(const UnmixedSource& source, int nSpot)
         const UnmixedComponent& component = source.components.at(c);
         CILImage& map = keep(spot, concentrationMap(source, c, nSpot));
         showMap(map, source.display, component.ratio);
-        spot.tiles.append({&keep(spot, overlayOf(source, map)), tileLabel(component.label, nSpot, source.spots)});
+        const CILPalette& shown = *map.getPalette();
+        spot.tiles.append({&keep(spot, overlayOf(source, map)), tileLabel(component.label, nSpot, source.spots),
+                           ValueLimits{shown.imageMin(), shown.imageMax()}});
         makeLayer(map, layerColor(component), component.ratio);
         addLayer(composite, map, c + 1);
     }

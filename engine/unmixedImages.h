@@ -13,6 +13,7 @@
 #include <QString>
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 struct ValueLimits
@@ -94,8 +95,9 @@ struct UnmixedSpot
 {
     struct Tile
     {
-        CILImage* image; // one of `images`
+        CILImage* image = nullptr; // one of `images`
         QString label;
+        std::optional<ValueLimits> range{}; // of the values that a map is shown over; a composite has none
     };
     std::vector<std::unique_ptr<CILImage>> images; // all that were made, in that order
     QList<Tile> tiles;                             // the components in their order, then the composite

@@ -80,8 +80,11 @@ public:
     QString getNote() const;
     void setNote(const QString& strNote);
 
-    // One tile; the image is borrowed until removeAllUnmixedImages(). strToolTip is shown under the label.
-    void addUnmixedImage(CILImage* pImage, const QString& strLabel, const QString& strToolTip = QString());
+    // One tile; the image is borrowed until removeAllUnmixedImages().
+    void addUnmixedImage(CILImage* pImage, const QString& strLabel);
+    // The range that the tile added last is shown over, in the unit of the colour bar. Its tool tip tells it: with a
+    // scale of its own it has no bar.
+    void setUnmixedImageRange(double dMin, double dMax);
     void removeAllUnmixedImages();
     // A tile without label that the console owns from then on; 0 for null, else 1.
     int takeUnmixedImage(CILImage* pImage);

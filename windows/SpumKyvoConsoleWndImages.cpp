@@ -46,13 +46,16 @@ void SpumKyvoConsoleWnd::connectToolbar()
             &SpumKyvoConsoleWnd::onMaxSpinBoxChanged);
 }
 
-void SpumKyvoConsoleWnd::addUnmixedImage(CILImage* pImage, const QString& strLabel, const QString& strToolTip)
+void SpumKyvoConsoleWnd::addUnmixedImage(CILImage* pImage, const QString& strLabel)
 {
     m_pDistributionView->addImage(pImage, false, strLabel, 1);
-    if (pImage != nullptr) {
-        m_pDistributionView->setImageToolTip(m_pDistributionView->getImageNumber() - 1, strToolTip);
-    }
     m_pExportAsSequence->setEnabled(true);
+}
+
+void SpumKyvoConsoleWnd::setUnmixedImageRange(double dMin, double dMax)
+{
+    const QString text = shownRangeText(dMin, dMax, m_pDistributionView->m_nUnit, m_pDistributionView->m_bNTF);
+    m_pDistributionView->setImageToolTip(m_pDistributionView->getImageNumber() - 1, text);
 }
 
 void SpumKyvoConsoleWnd::removeAllUnmixedImages()

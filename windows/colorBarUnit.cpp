@@ -8,6 +8,7 @@ namespace {
 constexpr int kFractionRoom = 5; // font heights
 constexpr int kPlainRoom = 4;
 constexpr double kFrame = 3.0;
+constexpr int kRangeDigits = 3;
 
 ColorBarUnitLine line(double dOffset, const char* pText)
 {
@@ -53,4 +54,11 @@ ColorBarLayout colorBarLayout(const ColorBarSpace& space, const QString& strUnit
     layout.textRoom = colorBarTextLines(strUnit) * space.fontHeight;
     layout.height = std::max(0.0, space.viewHeight - layout.textRoom - space.topFontHeight - kFrame - gap);
     return layout;
+}
+
+QString shownRangeText(double dMin, double dMax, int nUnit, bool bNTF)
+{
+    return QStringLiteral("%1 to %2 (%3)")
+        .arg(QString::number(dMin, 'g', kRangeDigits), QString::number(dMax, 'g', kRangeDigits),
+             colorBarUnitLines(nUnit, bNTF).first().text);
 }

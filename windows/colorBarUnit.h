@@ -42,3 +42,6 @@ int colorBarTextLines(const QString& strUnit);
 
 // Fits the bar in its margin; strUnit as above.
 ColorBarLayout colorBarLayout(const ColorBarSpace& space, const QString& strUnit);
+
+// The values between which an image is shown, in one line: "1.2e+06 to 3.4e+08 (Radiance)".
+QString shownRangeText(double dMin, double dMax, int nUnit, bool bNTF);

@@ -208,6 +208,37 @@ TEST_F(ResultPicturesTest, TheRangeStartsAsTheWholeOne)
     m_engine.setResultView(nullptr);
 }
 
+// A view that writes down which tiles and ranges it is told.
+class RangesView : public OwnResultView
+{
+public:
+    explicit RangesView(CORVSpumKyvo& engine)
+        : OwnResultView(engine.m_spectrumPlots, engine.m_analysisInput, [](CImageCube&) {})
+    {
+    }
+    void addUnmixedImage(CILImage* pImage, const QString& strLabel) override
+    {
+        m_told << strLabel;
+        OwnResultView::addUnmixedImage(pImage, strLabel);
+    }
+    void setUnmixedImageRange(double dMin, double dMax) override { m_told << QString("%1 to %2").arg(dMin).arg(dMax); }
+    QStringList m_told;
+};
+
+TEST_F(ResultPicturesTest, MapsTellTheRangeThatTheyAreShownOver)
+{
+    RangesView other(m_engine);
+    m_engine.setResultView(&other);
+    m_engine.m_scaleRatios[0].MaxRatio = 0.5;
+    ASSERT_TRUE(m_engine.updateUnmixedImages(true));
+    EXPECT_EQ(other.m_told, (QStringList{"GFP", "1 to 5", "TissueAF", "2 to 18", "Composite"}));
+    other.m_told.clear();
+    other.setScaleRange(0.25, 0.75);
+    m_engine.onAutoScaleClicked(false);
+    EXPECT_EQ(other.m_told, (QStringList{"GFP", "5 to 15", "TissueAF", "5 to 15", "Composite"}));
+    m_engine.setResultView(nullptr);
+}
+
 TEST_F(ResultPicturesTest, PixelsOutsideTheMaskKeepTheLowestConcentration)
 {
     m_engine.m_bUseMask = 1;

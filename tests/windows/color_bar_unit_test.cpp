@@ -111,4 +111,11 @@ TEST(ColorBarLayoutTest, LowViewHasNoBar)
     EXPECT_EQ(colorBarLayout(ColorBarSpace(), "Counts").height, 0.0);
 }
 
+TEST(ColorBarUnitTest, TheRangeOfAnImageIsOneLineWithItsUnit)
+{
+    EXPECT_EQ(shownRangeText(1.2e6, 3.4e8, 1, false), "1.2e+06 to 3.4e+08 (Radiance)");
+    EXPECT_EQ(shownRangeText(0.0, 0.125, 3, true), "0 to 0.125 (NTF Efficiency)");
+    EXPECT_EQ(shownRangeText(-2.0, 12345.0, 9, false), "-2 to 1.23e+04 (UnKnown)");
+}
+
 } // namespace

@@ -8,8 +8,10 @@
 #include "windows/CORVDistributionView.h"
 
 #include <QDoubleSpinBox>
+#include <QHelpEvent>
 #include <QTabWidget>
 #include <QToolButton>
+#include <QToolTip>
 
 namespace {
 
@@ -104,6 +106,18 @@ TEST_F(ConsoleImagesTest, TilesAreShownInTheirOrderAndLetGoOf)
     EXPECT_FALSE(m_pConsole->m_pExportAsSequence->isEnabled());
     view().update();
     QApplication::processEvents();
+}
+
+TEST_F(ConsoleImagesTest, ATileTellsTheRangeThatItIsShownOver)
+{
+    showImages();
+    showBar(1);
+    m_pConsole->setUnmixedImageRange(1.2e6, 3.4e8); // of the last one
+    const QPoint at = view().imageRect(3).center().toPoint();
+    QHelpEvent help(QEvent::ToolTip, at, view().mapToGlobal(at));
+    QApplication::sendEvent(&view(), &help);
+    EXPECT_EQ(QToolTip::text(), "yellow<br>1.2e+06 to 3.4e+08 (Radiance)");
+    QToolTip::hideText();
 }
 
 TEST_F(ConsoleImagesTest, AnImageThatIsTakenBelongsToTheConsole)
