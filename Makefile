@@ -20,7 +20,7 @@ build: configure
 	@cmake --build $(BUILD) -j$(JOBS)
 
 demo: configure
-	@cmake --build $(BUILD) -j$(JOBS) --target spum
+	@cmake --build $(BUILD) -j$(JOBS) --target spum spum-workbench
 	@scripts/demo.sh $(BUILD)/bin/spum demo
 
 test: build
@@ -68,7 +68,7 @@ reproducible: deps
 install: configure
 	@cmake --build $(BUILD) -j$(JOBS)
 	@cmake --install $(BUILD) --prefix "$(PREFIX)" >/dev/null
-	@echo "Installed below $(PREFIX); start $(PREFIX)/bin/spum"
+	@echo "Installed below $(PREFIX); start $(PREFIX)/bin/spum-workbench or $(PREFIX)/bin/spum"
 
 clean:
 	@rm -rf build demo

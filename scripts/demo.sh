@@ -31,3 +31,5 @@ echo "Report:   $out/automatic/report.html, one page with pictures, numbers and 
 echo "Pictures: $out/comparison/comparison.png shows truth and both results with their spectra;"
 echo "          $out/automatic/overview.png and spectra.png, one map each in $out/automatic/*.png, $out/pca/scree.png"
 echo "Numbers:  $out/automatic/summary.csv (and summary.json), maps as float TIFF beside the pictures"
+echo
+echo "Window:   $(dirname "$spum")/spum-workbench $out/mouse"

@@ -1,68 +1,191 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "workbench/application/MainWindow.h"
 
-#include "host/CORVChildWindow.h"
-#include "host/CORVFileDialog.h"
-#include "host/CORVMessageBox.h"
+#include "host/CORVLog.h"
+#include "host/CORVPreference.h"
+#include "host/CORVSequenceWindow.h"
+#include "host/CORVSettings.h"
 #include "host/CORVUtilityFns.h"
+#include "workbench/application/LogDock.h"
+#include "workbench/application/LogFeed.h"
+#include "workbench/application/LogModel.h"
 #include "workbench/application/OpenDocuments.h"
+#include "workbench/application/PaletteControl.h"
+#include "workbench/application/PaletteDock.h"
+#include "workbench/application/PluginHost.h"
+#include "workbench/application/ProcessWatch.h"
+#include "workbench/application/RunLock.h"
+#include "workbench/application/StartPage.h"
+#include "workbench/application/StatusLine.h"
 #include "workbench/application/WorkbenchOptions.h"
+#include "workbench/application/pluginFile.h"
+#include "workbench/application/recentPaths.h"
+#include "workbench/application/settingNames.h"
+#include "workbench/application/windowPlaces.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QMdiArea>
+#include <QMenu>
 #include <QMenuBar>
-#include <QTimer>
+#include <QScreen>
+#include <QStackedWidget>
 
-MainWindow::MainWindow(const WorkbenchOptions&)
-    : m_pArea(new QMdiArea(this)), m_pDocuments(new OpenDocuments(m_pArea, this))
+namespace {
+
+constexpr QSize usualSize(1280, 860);
+
+} // namespace
+
+MainWindow::MainWindow(const WorkbenchOptions& options)
 {
     setObjectName(QStringLiteral("mainWindow"));
     setWindowTitle(CORVUtilityFns::getAppName());
-    m_pArea->setObjectName(QStringLiteral("mdiArea"));
-    setCentralWidget(m_pArea);
+    setAcceptDrops(true);
+    setDockOptions(AnimatedDocks | AllowTabbedDocks | AllowNestedDocks);
     CORVChildWindow::setMainWindow(this);
-    makeMenus();
-    resize(1280, 860);
+    makeParts(options);
+    arrangeParts();
+    connectDocuments();
+    connectPlugin();
+    connectFileActions();
+    connectWindowActions();
+    restorePlaces(options.freshPlaces);
+    fillRecent();
+    const QString setting = CORVPreference::getSettings()->value(settingNames::pluginFolder()).toString();
+    m_pPalette->load(pluginFile::folders(options.pluginFolder, setting, QCoreApplication::applicationDirPath()));
+    updateActions();
 }
 
 MainWindow::~MainWindow()
 {
-    // Its windows close while this one is whole.
+    // What is open closes, and the plug-in hears of it, while this window is whole. The palette goes with the plug-in.
+    m_pDocuments->disconnect(this);
+    qApp->disconnect(this);
     delete m_pDocuments;
+    delete m_pPalette;
+    delete m_pPlugin;
+    CORVChildWindow::setMainWindow(nullptr);
 }
 
-void MainWindow::makeMenus()
+void MainWindow::makeParts(const WorkbenchOptions&)
 {
-    QMenu* pFile = menuBar()->addMenu(tr("&File"));
-    pFile->addAction(tr("&Open a sequence ..."), this, &MainWindow::askForSequence, QKeySequence::Open);
-    pFile->addAction(
-        tr("&Close"), this, [this] { m_pDocuments->closeCurrent(); }, QKeySequence::Close);
-    pFile->addSeparator();
-    pFile->addAction(tr("&Quit"), this, &QWidget::close, QKeySequence(Qt::CTRL + Qt::Key_Q));
+    m_pActions = std::make_unique<MainActions>(*this);
+    m_pProcesses = new ProcessWatch(this);
+    m_pFeed = new LogFeed(this);
+    m_pLock = new RunLock(this);
+    m_pPages = new QStackedWidget(this);
+    m_pStart = new StartPage(m_pActions->open, m_pActions->import, m_pActions->simulate, m_pPages);
+    m_pArea = new QMdiArea(m_pPages);
+    m_pDocuments = new OpenDocuments(m_pArea, this);
+    m_pPlugin = new PluginHost(this);
+    m_pPaletteDock = new PaletteDock(this);
+    m_pLogDock = new LogDock(this);
+    m_pStatus = new StatusLine(m_pProcesses, this);
+    m_pPalette =
+        new PaletteControl({*m_pPlugin, *m_pPaletteDock, *m_pDocuments, *m_pLock, *m_pProcesses, *m_pFeed}, this);
 }
 
-void MainWindow::askForSequence()
+void MainWindow::arrangeParts()
 {
-    const QString folder = CORVFileDialog::getExistingDirectory(this, tr("Open a sequence"), QString());
-    if (!folder.isEmpty()) {
-        open(folder);
-    }
+    m_pPages->setObjectName(QStringLiteral("workPages"));
+    m_pArea->setObjectName(QStringLiteral("mdiArea"));
+    m_pArea->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    m_pArea->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    m_pPages->addWidget(m_pStart);
+    m_pPages->addWidget(m_pArea);
+    setCentralWidget(m_pPages);
+    addDockWidget(Qt::RightDockWidgetArea, m_pPaletteDock);
+    addDockWidget(Qt::BottomDockWidgetArea, m_pLogDock);
+    // The palette is high, the log wide.
+    setCorner(Qt::BottomRightCorner, Qt::RightDockWidgetArea);
+    m_pLogDock->hide();
+    setStatusBar(m_pStatus);
+    m_pActions->viewMenu->addAction(m_pPaletteDock->toggleViewAction());
+    m_pActions->viewMenu->addAction(m_pLogDock->toggleViewAction());
+    m_pLogDock->toggleViewAction()->setShortcut(Qt::CTRL + Qt::Key_L);
+    m_pLock->addWidget(m_pPages);
+    m_pLock->addWidget(m_pPaletteDock->widget());
+    m_pLock->addWidget(menuBar());
 }
 
-void MainWindow::openLater(const QStringList& paths)
+void MainWindow::connectDocuments()
 {
-    QTimer::singleShot(0, this, [this, paths] {
-        for (const QString& path : paths) {
-            open(path);
-        }
+    m_pDocuments->setClosingQuestion([this](CORVChildWindow* pWindow) { return mayClose(pWindow); });
+    connect(m_pDocuments, &OpenDocuments::currentChanged, this, &MainWindow::updateActions);
+    connect(m_pDocuments, &OpenDocuments::tabChanged, this, &MainWindow::updateActions);
+    connect(m_pDocuments, &OpenDocuments::readOut, m_pStatus, &StatusLine::showReadOut);
+    connect(m_pFeed, &LogFeed::arrived, this, &MainWindow::takeRecords);
+    connect(m_pLock, &RunLock::changed, this, &MainWindow::updateActions);
+    connect(qApp, &QApplication::focusChanged, this, &MainWindow::updatePrintKeys);
+}
+
+void MainWindow::connectPlugin()
+{
+    connect(m_pPaletteDock, &PaletteDock::otherFolderWanted, this, &MainWindow::choosePluginFolder);
+    connect(m_pPlugin, &PluginHost::loadFileWanted, this, &MainWindow::loadFile);
+    connect(m_pPlugin, &PluginHost::sequenceWanted, this, &MainWindow::createSequence);
+    connect(m_pPlugin, &PluginHost::unitWanted, this, &MainWindow::setUnit);
+    connect(m_pPlugin, &PluginHost::printWanted, this, [this](const QPixmap& picture) { showOnPaper(picture, false); });
+    connect(m_pPlugin, &PluginHost::previewWanted, this,
+            [this](const QPixmap& picture) { showOnPaper(picture, true); });
+    connect(m_pPlugin, &PluginHost::validityTold, this, &MainWindow::updateActions);
+}
+
+void MainWindow::connectFileActions()
+{
+    const MainActions& actions = *m_pActions;
+    connect(actions.open, &QAction::triggered, this, &MainWindow::askForSequence);
+    connect(actions.import, &QAction::triggered, this, [this] { importImages({}); });
+    connect(actions.simulate, &QAction::triggered, this, &MainWindow::simulate);
+    connect(actions.close, &QAction::triggered, this, [this] { m_pDocuments->closeCurrent(); });
+    connect(actions.closeAll, &QAction::triggered, this, [this] { m_pDocuments->closeAll(); });
+    connect(actions.print, &QAction::triggered, this, [this] { printPicture(false); });
+    connect(actions.preview, &QAction::triggered, this, [this] { printPicture(true); });
+    connect(actions.preferences, &QAction::triggered, this, &MainWindow::showPreferences);
+    connect(actions.quit, &QAction::triggered, this, &QWidget::close);
+    connect(actions.copyPicture, &QAction::triggered, this, &MainWindow::copyPicture);
+    connect(actions.guide, &QAction::triggered, this, &MainWindow::showGuide);
+    connect(actions.about, &QAction::triggered, this, &MainWindow::showAbout);
+    connect(m_pStart, &StartPage::recentChosen, this, &MainWindow::open);
+}
+
+void MainWindow::connectWindowActions()
+{
+    const MainActions& actions = *m_pActions;
+    connect(actions.switchPane, &QAction::triggered, this, &MainWindow::switchPane);
+    connect(actions.nextTab, &QAction::triggered, this, [this] { stepTab(1); });
+    connect(actions.previousTab, &QAction::triggered, this, [this] { stepTab(-1); });
+    connect(actions.fullScreen, &QAction::toggled, this, [this](bool bFull) {
+        setWindowState(bFull ? windowState() | Qt::WindowFullScreen : windowState() & ~Qt::WindowFullScreen);
     });
+    connect(actions.tile, &QAction::triggered, m_pArea, &QMdiArea::tileSubWindows);
+    connect(actions.cascade, &QAction::triggered, m_pArea, &QMdiArea::cascadeSubWindows);
+    connect(actions.nextWindow, &QAction::triggered, m_pArea, &QMdiArea::activateNextSubWindow);
+    connect(actions.previousWindow, &QAction::triggered, m_pArea, &QMdiArea::activatePreviousSubWindow);
+    connect(actions.windowMenu, &QMenu::aboutToShow, this, &MainWindow::fillWindowMenu);
 }
 
-bool MainWindow::open(const QString& strPath)
+void MainWindow::restorePlaces(bool bFresh)
 {
-    const auto outcome = m_pDocuments->openSequence(strPath);
-    if (outcome.document == nullptr) {
-        CORVMessageBox::error(this, CORVUtilityFns::getAppName(), outcome.error);
+    const CORVSettings& settings = *CORVPreference::getSettings();
+    m_pLogDock->restore(settings);
+    if (bFresh || !windowPlaces::restore(settings, *this)) {
+        const QScreen* pScreen = QGuiApplication::primaryScreen();
+        const QSize room = pScreen != nullptr ? pScreen->availableSize() : usualSize;
+        resize(usualSize.boundedTo(room * 0.95));
     }
-    return outcome.document != nullptr;
+    // A panel that was closed by mistake is in the menu; a window that was left on the whole screen is none any more.
+    m_pActions->fullScreen->setChecked(isFullScreen());
+}
+
+void MainWindow::takeRecords(const QVector<orv::LogRecord>& records)
+{
+    m_pLogDock->append(records);
+    for (const orv::LogRecord& record : records) {
+        const int nLevel = LogModel::levelOf(record);
+        if (nLevel == CORVLOG_WARNING || nLevel == CORVLOG_ERROR) {
+            m_pStatus->showAttention(nLevel, record.m_strMessage);
+        }
+    }
 }

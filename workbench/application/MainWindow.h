@@ -1,13 +1,35 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QMainWindow>
+#include "host/orv_types.h"
+#include "platform/orvutils/LogSinks.h"
+#include "workbench/application/MainActions.h"
 
+#include <QMainWindow>
+#include <QPixmap>
+#include <QPointer>
+#include <QVector>
+
+#include <memory>
+
+class CORVChildWindow;
+class LogDock;
+class LogFeed;
 class OpenDocuments;
+class PaletteControl;
+class PaletteDock;
+class PluginHost;
+class ProcessWatch;
 class QMdiArea;
+class QStackedWidget;
+class RunLock;
+class StartPage;
+class StatusLine;
 struct WorkbenchOptions;
 
-// The window of the program.
+// The window of the program: what is open in a work area, the panels of the plug-in and of the log, and the line at the
+// lower edge. It asks before it closes, and keeps everything but progress, log and abort out of reach while the plug-in
+// runs something.
 class MainWindow : public QMainWindow
 {
     Q_OBJECT
@@ -16,17 +38,80 @@ public:
     explicit MainWindow(const WorkbenchOptions& options);
     ~MainWindow() override;
 
-    // Once the event loop runs.
-    void openLater(const QStringList& paths);
-    // Opens a sequence; tells the user why not.
+    // Opens a sequence, a dataset, or asks how to import anything else; tells the user why not.
     bool open(const QString& strPath);
+    // The sequences that were open at the end of the last run and are still there.
+    static QStringList lastSession();
+    // One after the other, once the event loop runs.
+    void openLater(const QStringList& paths);
 
     OpenDocuments& documents() { return *m_pDocuments; }
+    PluginHost& plugin() { return *m_pPlugin; }
+    PaletteControl& palette() { return *m_pPalette; }
+    RunLock& runLock() { return *m_pLock; }
+    const MainActions& actions() const { return *m_pActions; }
+
+protected:
+    void closeEvent(QCloseEvent* pEvent) override;
+    void dragEnterEvent(QDragEnterEvent* pEvent) override;
+    void dropEvent(QDropEvent* pEvent) override;
 
 private:
-    void makeMenus();
-    void askForSequence();
+    void makeParts(const WorkbenchOptions& options);
+    void arrangeParts();
+    void connectDocuments();
+    void connectPlugin();
+    void connectFileActions();
+    void connectWindowActions();
+    void restorePlaces(bool bFresh);
 
-    QMdiArea* m_pArea;
-    OpenDocuments* m_pDocuments;
+    void askForSequence();
+    void importImages(const QStringList& paths);
+    void simulate();
+    void openNext();
+    bool openSequence(const QString& strPath);
+    bool openDataset(const QString& strPath);
+    void fillRecent();
+    void loadFile(const QString& strPath, bool bShow, ESTATUS* pStatus);
+    void createSequence(const QStringList& clickInfos);
+    void setUnit(const QString& strSequenceId, EDISPLAYUNIT eUnit);
+    void choosePluginFolder();
+
+    void takeRecords(const QVector<orv::LogRecord>& records);
+    void updateActions();
+    void updatePrintKeys();
+    void fillWindowMenu();
+    void stepTab(int nStep);
+    void switchPane();
+    void printPicture(bool bPreview);
+    void copyPicture();
+    void showOnPaper(const QPixmap& picture, bool bPreview);
+    QPixmap seenPicture() const;
+    void showPreferences();
+    void showGuide();
+    void showAbout();
+
+    // Asks before a window closes; ends what runs first, and closes then.
+    bool mayClose(CORVChildWindow* pWindow);
+    bool asksToAbort(const QString& strQuestion, const QString& strButton);
+    void closeAfterRun();
+
+    std::unique_ptr<MainActions> m_pActions;
+    ProcessWatch* m_pProcesses = nullptr;
+    LogFeed* m_pFeed = nullptr;
+    RunLock* m_pLock = nullptr;
+    QStackedWidget* m_pPages = nullptr;
+    StartPage* m_pStart = nullptr;
+    QMdiArea* m_pArea = nullptr;
+    OpenDocuments* m_pDocuments = nullptr;
+    PluginHost* m_pPlugin = nullptr;
+    PaletteDock* m_pPaletteDock = nullptr;
+    PaletteControl* m_pPalette = nullptr;
+    LogDock* m_pLogDock = nullptr;
+    StatusLine* m_pStatus = nullptr;
+    QStringList m_toOpen;
+    QList<QPointer<QWidget>> m_toClose; // after the run; this window among them for the program
+    bool m_bPictureTaken = false;       // the plug-in has answered with a picture
+    QPointer<QWidget> m_pPanelFocus;    // where the focus was last in the panel and in the work area
+    QPointer<QWidget> m_pWorkFocus;
 };

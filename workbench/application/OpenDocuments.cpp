@@ -9,10 +9,12 @@
 #include "host/CORVSequenceWindow.h"
 #include "workbench/application/documentWindows.h"
 
+#include <QAction>
 #include <QEvent>
 #include <QFileInfo>
 #include <QIcon>
 #include <QMdiArea>
+#include <QMenu>
 
 #include <algorithm>
 
@@ -71,6 +73,7 @@ documentWindows::Listener OpenDocuments::listener()
 OpenDocuments::~OpenDocuments()
 {
     m_question = nullptr;
+    m_bQuiet = true;
     m_pArea->disconnect(this);
     // Windows of datasets first: those of a sequence's datasets borrow from it.
     while (!m_shown.empty()) {
@@ -115,16 +118,19 @@ OpenDocuments::Outcome<CORVSequenceDataset> OpenDocuments::openSequence(const QS
     shown.m_pWindow = pWindow;
     shown.m_pSequence = pOpened;
     shown.m_pOwnedSequence = std::move(pSequence);
-    // Tools that wire themselves to a sequence find its window.
+    // A tool hears that the sequence is there, with its window, before it hears that it is in front.
+    m_bQuiet = true;
     CORVMdiSubWindow* pFrame = add(std::move(shown));
     Q_EMIT sequenceAdded(pOpened);
+    m_bQuiet = false;
     pFrame->showWindow();
     noteCurrent();
     outcome.document = pOpened;
     return outcome;
 }
 
-OpenDocuments::Outcome<CORVDataset> OpenDocuments::openDataset(const QString& strPath, bool bShow)
+OpenDocuments::Outcome<CORVDataset> OpenDocuments::openDataset(const QString& strPath, bool bShow,
+                                                               bool bOfSequenceWindow)
 {
     Outcome<CORVDataset> outcome;
     auto pDataset = std::make_unique<CORVDataset>();
@@ -137,6 +143,7 @@ OpenDocuments::Outcome<CORVDataset> OpenDocuments::openDataset(const QString& st
         outcome.error = QStringLiteral("%1: an image cannot be read; the log tells which").arg(folder);
         return outcome;
     }
+    pDataset->isSequenceWindowMember = bOfSequenceWindow;
     Shown shown;
     shown.m_pDataset = outcome.document = pDataset.get();
     shown.m_pWindow = documentWindows::makeDatasetWindow(pDataset.get(), listener());
@@ -144,8 +151,8 @@ OpenDocuments::Outcome<CORVDataset> OpenDocuments::openDataset(const QString& st
     CORVMdiSubWindow* pFrame = add(std::move(shown));
     if (bShow) {
         pFrame->showWindow();
-        noteCurrent();
     }
+    noteCurrent();
     return outcome;
 }
 
@@ -169,6 +176,10 @@ CORVMdiSubWindow* OpenDocuments::add(Shown&& shown)
     auto* pFrame = new CORVMdiSubWindow;
     pFrame->setAttribute(Qt::WA_DeleteOnClose);
     pFrame->setWidget(shown.m_pWindow);
+    // The keys for closing are those of the menu.
+    for (QAction* pAction : pFrame->systemMenu()->actions()) {
+        pAction->setShortcuts(QList<QKeySequence>());
+    }
     shown.m_pFrame = pFrame;
     const QMdiSubWindow* pFront = m_pArea->currentSubWindow();
     const bool bMaximised = pFront == nullptr || pFront->isMaximized();
@@ -203,6 +214,12 @@ const OpenDocuments::Shown* OpenDocuments::current() const
         }
     }
     return nullptr;
+}
+
+int OpenDocuments::count() const
+{
+    return static_cast<int>(
+        std::count_if(m_shown.begin(), m_shown.end(), [](const auto& pShown) { return !pShown->m_bClosing; }));
 }
 
 CORVSequenceDataset* OpenDocuments::currentSequence() const
@@ -313,15 +330,31 @@ bool OpenDocuments::closeCurrent()
 
 bool OpenDocuments::closeAll()
 {
+    // The one in front first: whoever wants to go back then has all of them still open.
     QList<QPointer<CORVMdiSubWindow>> frames;
     for (const auto& pShown : m_shown) {
-        frames.append(pShown->m_pFrame);
+        if (!pShown->m_bClosing) {
+            frames.insert(pShown.get() == current() ? 0 : frames.size(), pShown->m_pFrame);
+        }
     }
-    return std::all_of(frames.cbegin(), frames.cend(), [](const auto& pFrame) { return !pFrame || pFrame->close(); });
+    m_bQuiet = true;
+    const bool bAll =
+        std::all_of(frames.cbegin(), frames.cend(), [](const auto& pFrame) { return !pFrame || pFrame->close(); });
+    m_bQuiet = false;
+    noteCurrent();
+    return bAll;
 }
 
 void OpenDocuments::noteCurrent()
 {
+    const QMdiSubWindow* pFrame = m_pArea->currentSubWindow();
+    const bool bOnItsWay = std::any_of(m_shown.begin(), m_shown.end(), [pFrame](const auto& pShown) {
+        return pFrame != nullptr && pShown->m_pFrame == pFrame && pShown->m_bClosing;
+    });
+    // A window that closes is followed by the next, or by none, when it has gone.
+    if (m_bQuiet || bOnItsWay) {
+        return;
+    }
     const Shown* pShown = current();
     const CORVChildWindow* pFront = pShown != nullptr ? pShown->m_pWindow : nullptr;
     if (pFront != m_pNoted) {

@@ -43,9 +43,9 @@ public:
     // Opens the sequence of that folder or info file and shows it in front; one that is open already comes to the
     // front.
     Outcome<CORVSequenceDataset> openSequence(const QString& strPath);
-    // Opens the dataset of that folder or click info file, with its images in memory, so that it stays what it is when
-    // a program writes another one into the folder.
-    Outcome<CORVDataset> openDataset(const QString& strPath, bool bShow);
+    // Opens the dataset of that folder or click info file, out of the window of a sequence or by itself, with its
+    // images in memory, so that it stays what it is when a program writes another one into the folder.
+    Outcome<CORVDataset> openDataset(const QString& strPath, bool bShow, bool bOfSequenceWindow = false);
     // Shows a dataset of an open sequence in an image window.
     void showDataset(CORVDataset* pDataset);
 
@@ -54,7 +54,7 @@ public:
     CORVSequenceDataset* currentSequence() const;
     CORVSequenceWindow* currentSequenceWindow() const;
     CORVDataset* currentDataset() const;
-    int count() const { return static_cast<int>(m_shown.size()); }
+    int count() const;
 
     // Asked before a window closes, the answer false keeps it; without one every window closes.
     void setClosingQuestion(std::function<bool(CORVChildWindow*)> question);
@@ -101,4 +101,5 @@ private:
     std::vector<std::unique_ptr<Shown>> m_shown;
     std::function<bool(CORVChildWindow*)> m_question;
     const CORVChildWindow* m_pNoted = nullptr; // the one in front as it was told last
+    bool m_bQuiet = false;                     // many windows are about to close
 };

@@ -80,7 +80,7 @@ int runWorkbench(int argc, char** argv)
     {
         MainWindow window(options);
         window.show();
-        window.openLater(options.paths);
+        window.openLater(options.paths.isEmpty() ? MainWindow::lastSession() : options.paths);
         status = QApplication::exec();
     }
     orv::setMessageResponder(nullptr);

@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "platform/orvutils/LogSinks.h"
+
+#include <QObject>
+#include <QPointer>
+#include <QTimer>
+#include <QVector>
+
+class CORVSequenceDataset;
+class LogFeed;
+class OpenDocuments;
+class PaletteDock;
+class PluginHost;
+class ProcessWatch;
+class RunLock;
+
+// Keeps plug-in and panel in step with what is open and in front, and locks the window while the plug-in runs
+// something. All parts are borrowed and outlive this object.
+class PaletteControl : public QObject
+{
+    Q_OBJECT
+
+public:
+    struct Parts
+    {
+        PluginHost& plugin;
+        PaletteDock& dock;
+        OpenDocuments& documents;
+        RunLock& lock;
+        ProcessWatch& processes;
+        LogFeed& log;
+    };
+
+    explicit PaletteControl(const Parts& parts, QObject* pParent = nullptr);
+
+    // Loads the plug-in and tells it what is open. False leaves the reason in the panel.
+    bool load(const QStringList& folders);
+    // The palette of a plug-in that was loaded by other means.
+    void takeUp();
+    // Tells the plug-in what is in front.
+    void announce();
+    // The sequence that the plug-in was told last.
+    CORVSequenceDataset* told() const { return m_pTold; }
+
+private:
+    void onSequenceRemoved(CORVSequenceDataset* pSequence);
+    void onTabChanged(const QString& strTab);
+    void onWindowsWanted(bool bRestored);
+    void takeRecords(const QVector<orv::LogRecord>& records);
+    // After a run, once nobody is asked anything any more.
+    void announceWhenIdle();
+    void arrange();
+    QString reason() const;
+
+    Parts m_parts;
+    CORVSequenceDataset* m_pTold = nullptr;
+    QString m_strComplaint;
+    QTimer m_retry;
+};
