@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "engine/AnalysisWindows.h"
+
+#include <QObject>
+#include <QPointer>
+#include <QString>
+
+#include <memory>
+
+class ConsoleResultView;
+class CORVDataset;
+class CORVSpumKyvo;
+
+// The windows of one engine in the window of its sequence, and the steps that lead from the choice of images to a run.
+// Windows are made on first use; one that died is made anew, connected as before. A window that is gone in the middle
+// of a step ends what has to do with it, and an engine that is gone ends the step.
+class AnalysisSetup : public QObject, public AnalysisWindows
+{
+    Q_OBJECT
+
+public:
+    // The engine is borrowed; it owns this object from then on.
+    explicit AnalysisSetup(CORVSpumKyvo& engine);
+    ~AnalysisSetup() override;
+
+    SpUnmixWizardWnd* wizard() override;
+    SpumKyvoConsoleWnd* console() override;
+    SpUnmixCompositeWnd* compositeWnd() override;
+    void deleteWindows() override;
+    ResultView& resultView() override;
+
+    void prepareAnalysis(int nMode, bool bUsePreset) override;
+    void takeWizardInput() override;
+    void wizardFinished(int nResult) override;
+    void consoleFinished(int nResult) override;
+    void compositeFinished(int nResult) override;
+    void showCompositeInCube() override;
+    void updatePreferences() override;
+    QImage pictureOfButton(const QObject* pButton) override;
+    void openTile(int nImgIndex) override;
+
+    // The picture of the window that stands in the tab of that title, without regard to case; null for other tabs.
+    QImage pictureOfTab(const QString& strTitle);
+    // The console becomes the tab of the sequence's window, or the current one of its tabs.
+    void showConsole();
+
+Q_SIGNALS:
+    // The console's.
+    void askToSaveExistingResult();
+
+private:
+    void connectConsole(SpumKyvoConsoleWnd& console);
+    void connectComposite(SpUnmixCompositeWnd& composite);
+
+    // The modes of prepareAnalysis().
+    void prepareAutomatic();
+    void prepareLibrary(bool bUsePreset);
+    void prepareDrawing(bool bBackground, bool bWithProbes);
+    // The overview of the cube in the console, ready for spectra. False when there is none.
+    bool showCube(bool bBackground);
+    void backOut();
+
+    // Steps of wizardFinished().
+    void startAutomaticRun();
+    bool setUpImages();
+    bool takeMaskAndComponents();
+    void showOverview();
+
+    void showComposite(int nSpot);
+    CORVDataset* openByHost(const QString& strClickInfo);
+
+    CORVSpumKyvo& m_engine;
+    std::unique_ptr<ConsoleResultView> m_pView;
+    QString m_strOfferedSubject; // what the wizard showed when it was opened
+};

@@ -1,0 +1,199 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "plugin/ui_CORVSpumKyvoPalette.h"
+
+#include "engine/runEngine.h"
+#include "host/orv_types.h"
+#include "spectra/KeyPair.h"
+
+#include <QList>
+#include <QMap>
+#include <QPixmap>
+#include <QPointer>
+#include <QString>
+#include <QStringList>
+#include <QVector>
+#include <QWidget>
+
+#include <memory>
+
+class ComboResultsList;
+class CORVDataset;
+class CORVResultsTabControl;
+class CORVSequenceDataset;
+class CORVSpumKyvo;
+class QMenu;
+class SavedResults;
+class SavedResultsOwner;
+struct downloaded_save_data;
+
+// The tool palette: the images of the current sequence to choose from, the method and the start of an analysis on one
+// tab, the properties of the result and the saved results on the other. Owns one engine for each sequence that it has
+// seen and keeps which one is current; the host tells it of sequences, and it runs the loop of a run.
+//
+// Engines that are left when it goes are not deleted with it: the host closes all sequences before.
+class CORVSpumKyvoPalette : public QWidget, public Ui::CORVSpumKyvoPalette
+{
+    Q_OBJECT
+    // Why the palette is invalid, in words for a user; empty while it is valid.
+    Q_PROPERTY(QString whyInvalid READ whyInvalid)
+
+public:
+    explicit CORVSpumKyvoPalette(QWidget* pParent = nullptr);
+    ~CORVSpumKyvoPalette() override;
+
+    // A line of progress in the log.
+    virtual void showStatus(QString strText);
+    // Shows the properties of the current engine's result.
+    virtual void fillResultsTree();
+    // Asks the user to keep a result that is about to be lost; false when they backed out. See SavedResults.
+    virtual bool askToSaveResults(bool bCanCancel);
+    // Whether two images at least are ticked.
+    virtual bool hasEnoughSelected();
+    virtual bool renameResult();
+
+    // Lets the user choose the spectra of a batch. Backing out ends the batch of the host.
+    void setUpBatch();
+    void endBatch();
+    // The filters of the spectra that were chosen for a batch.
+    const QStringList& batchExcitation() const { return m_batchExcitation; }
+    const QStringList& batchEmission() const { return m_batchEmission; }
+
+    QString whyInvalid() const { return m_strWhyInvalid; }
+    // Null before the first sequence, and after one that cannot be analysed.
+    CORVSpumKyvo* engine() const { return m_pEngine; }
+
+public Q_SLOTS:
+    // Keeps the regions of interest of a map's dataset, which is about to close, with the result that it belongs to.
+    void saveROIsFromClosingResultDataset(CORVDataset* pDataset);
+    void setInitialTab();
+    // Takes what is ticked as the selection; one that cannot be analysed is refused in a box, and the last used one
+    // comes back.
+    void onChangeWLSelection();
+    virtual void onDatasetChanged(CORVDataset* pDataset);
+    virtual void onSequenceChanged(CORVSequenceDataset* pSequenceDataset);
+    // The sequence's engine goes, with its windows.
+    void onCloseSequenceDataset(CORVSequenceDataset* pSeqDataset);
+    void onClickUnmixSpectra();
+    virtual void onClickLoadResults();
+    virtual void onClickDeleteResults();
+    virtual void onClickSaveResults();
+    virtual void onTabChange(int nIndex);
+    void onClickHHeader(int section);
+    void onClickVHeader(int section);
+    virtual void onChangeResultsName(QString str);
+    // Return renames and Escape restores the name of a result. No other key goes anywhere.
+    void keyPressEvent(QKeyEvent* event) override;
+    virtual void setBinningChanged(bool bValue);
+    void setSequenceValidity(bool bValid);
+    // Whether the host shows the palette.
+    bool getSequenceValidity();
+    // Makes the sequence the current one and reads it anew. During a run nothing changes: the palette is invalid, and
+    // comes back to the sequence afterwards.
+    void updateProperties(CORVSequenceDataset* pSeqDataset);
+    // The toolbars of the windows have their own buttons for it.
+    void onClickPrintButtons();
+    void onMenuActivated();
+    virtual void onMouseClicked(QPoint pos);
+    void exportSpUnmixResults();
+    void writeSpUnmixResultsToFile(QString strSep, QString strFilePath);
+    void CopyToClipboard(QString strTabName);
+    QPixmap getPrintPreviewPixmap();
+    // There is nothing that only advanced users see.
+    virtual void advanced_mode_options(bool opt);
+    void askToSaveExistingResults();
+    // Makes the table of images, all ticked.
+    void initializeUI();
+    // Ticks what is selected and offers the methods.
+    void updateUI();
+    void onRunUnmixing();
+    // Whoever backs out finds the palette as it was.
+    void onCancelUnmixing();
+    void onRunPCA();
+    void onAxisTypeChanged(int nIndex);
+
+Q_SIGNALS:
+    void updateValidity(QWidget* pWidget, bool bVisible);
+    void changeSequenceWindowUnit(const QString& strSeqId, EDISPLAYUNIT eUnit);
+    void createSpumKyvoSequence(QStringList paths, bool bShow);
+    void loadSpumResult(QString strFilePath, bool bShow, ESTATUS* pStatus, downloaded_save_data* pDownloadData);
+    void loadSpumResult(QString strFilePath, bool bShow, ESTATUS* pStatus);
+    void askToSaveExistingResult();
+    void printPixmap(QPixmap pixmap);
+    // False keeps everything but the abort of a run out of reach, true gives it back.
+    void restoreWindows(bool bValue);
+    void signalLoadBrowseWindow(QList<QString> excitationList, QList<QString> emissionList);
+
+protected:
+    virtual void initPalette();
+    void changeEvent(QEvent* pEvent) override;
+    bool eventFilter(QObject* pWatched, QEvent* pEvent) override;
+
+protected Q_SLOTS:
+    virtual void languageChange();
+    void onSignalLoadFile(QString strFilePath, bool bShow, ESTATUS* pStatus, downloaded_save_data* pDownloadData);
+    void onSignalLoadFile(QString strFilePath, bool bShow, ESTATUS* pStatus);
+    void onSignalcreateSpumKyvoSequence(QStringList paths, bool bShow);
+    void onSignalprintPixmap(QPixmap pixmap);
+
+private:
+    class ResultsOwner;
+
+    // Steps of initPalette().
+    std::unique_ptr<SavedResultsOwner> makeResultsOwner();
+    void connectControls();
+    void makeResultsMenu();
+
+    // Steps of updateProperties().
+    void showSequence(CORVSequenceDataset& sequence);
+    bool makeEngineCurrent(CORVSequenceDataset& sequence);
+    CORVSpumKyvo* makeEngine(const QString& strId);
+    void setCurrentEngine(CORVSpumKyvo* pEngine);
+    void dropSequence(CORVSequenceDataset& sequence);
+    void setInvalid(const QString& strWhy);
+    void fillAxisTypes();
+
+    // The table of images.
+    int rowNames() const;
+    void setRowText(int nRow);
+    KeyPair pairAt(int nRow, int nColumn) const;
+    void addCell(int nRow, int nColumn);
+    // Unticks the boxes of a line when any is ticked, and ticks them otherwise.
+    void toggleLine(const QVector<class QCheckBox*>& boxes);
+
+    // A run, and what surrounds it whichever way it ends.
+    CORVSpumKyvo* engineToRun();
+    RunOutcome runLocked(CORVSpumKyvo& engine, RunSteps steps);
+    void unlock();
+    void showOutcome();
+    // What waited for the end of a run.
+    void finishWaiting();
+
+    void clearResultsTree();
+    QStringList resultTitles() const;
+    QVector<QStringList> resultRows(bool bSelectedOnly) const;
+    QImage pictureOfTab(const QString& strTabName) const;
+
+    bool m_bBinningChanged = false;
+    CORVSpumKyvo* m_pEngine = nullptr;
+    QMap<QString, CORVSpumKyvo*> m_engines; // by sequence id; owned
+    bool m_bSequenceValid = false;
+    bool m_bPropertiesSeen = false;
+    QList<KeyPair> m_selection; // what is ticked
+    int m_eAxis = 0;
+    QStringList m_batchExcitation;
+    QStringList m_batchEmission;
+    QString m_strWhyInvalid = tr("No sequence has been opened.");
+    std::unique_ptr<CORVResultsTabControl> m_pResultsTab;
+    std::unique_ptr<ComboResultsList> m_pResultsList;
+    std::unique_ptr<SavedResultsOwner> m_pResultsOwner;
+    std::unique_ptr<SavedResults> m_pResults;
+    QMenu* m_pResultsMenu = nullptr;
+
+    CORVSpumKyvo* m_pRunning = nullptr;       // from the announcement of a run to the end of what follows it
+    bool m_bLocked = false;                   // the host's windows are out of reach
+    bool m_bUpdating = false;                 // updateProperties() is under way
+    QPointer<CORVSequenceDataset> m_pWaiting; // announced meanwhile
+    bool m_bRunningClosed = false;            // the sequence of the run was closed meanwhile
+};
