@@ -185,9 +185,13 @@ void SpumKyvoConsoleWnd::resizeEvent(QResizeEvent* pEvent)
 {
     QDialog::resizeEvent(pEvent);
     const bool bPlot = height() >= kLeastHeightPlot;
+    const bool bAnew = bPlot && m_pSpectrumPlot->isHidden();
     for (QWidget* pPart : std::initializer_list<QWidget*>{m_pNormalizedCkb, m_pLegendCkb, m_pExportDataBtn,
                                                           m_pGBSpectrumPlot, m_pSpectrumPlot}) {
         pPart->setVisible(bPlot);
+    }
+    if (bAnew && isVisible()) {
+        m_pSpectrumPlot->plotData(); // what was changed meanwhile
     }
 }
 

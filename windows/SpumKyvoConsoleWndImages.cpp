@@ -63,6 +63,8 @@ void SpumKyvoConsoleWnd::removeAllUnmixedImages()
     m_pDistributionView->removeAllImages();
     qDeleteAll(m_unmixedImages);
     m_unmixedImages.clear();
+    m_pDistributionView->m_bShowColorBar = false; // until there is a scale again
+    updateColorBarLayout();
     m_pExportAsSequence->setEnabled(false);
 }
 

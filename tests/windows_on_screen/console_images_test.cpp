@@ -294,6 +294,10 @@ TEST_F(ConsoleImagesTest, TheBarLeavesRoomForTheLinesOfItsUnit)
     }
     m_pConsole->setHideColorBar(true);
     EXPECT_FALSE(view().isColorBarShown());
+    m_pConsole->setHideColorBar(false);
+    EXPECT_TRUE(view().isColorBarShown());
+    m_pConsole->removeAllUnmixedImages();
+    EXPECT_FALSE(view().isColorBarShown());
 }
 
 TEST_F(ConsoleImagesTest, TheBarFollowsTheSizeOfTheView)
