@@ -7,7 +7,7 @@ for program in "$1"/bench_*; do
     name=$(basename "$program")
     echo "== $name"
     case $name in
-    bench_windows) "$(dirname "$0")/with-xvfb.sh" "$program" ;; # draws with OpenGL
+    bench_console | bench_windows) "$(dirname "$0")/with-xvfb.sh" "$program" ;; # draws with OpenGL
     *) "$program" ;;
     esac
 done
