@@ -20,3 +20,15 @@ inline QString defaultSpectrumColor(int nIndex)
     const QStringList& colors = defaultSpectrumColors();
     return colors.at((nIndex < 0 ? 0 : nIndex) % colors.size());
 }
+
+// The place of a colour among the twelve, its name in any case; -1 for another colour.
+inline int defaultColorPosition(const QString& strName)
+{
+    const QStringList& colors = defaultSpectrumColors();
+    for (int i = 0; i < colors.size(); ++i) {
+        if (colors.at(i).compare(strName, Qt::CaseInsensitive) == 0) {
+            return i;
+        }
+    }
+    return -1;
+}

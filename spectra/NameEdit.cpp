@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "spectra/NameEdit.h"
 
+#include "spectra/plainToolTip.h"
+
 #include <QFocusEvent>
-#include <QTextDocument>
 
 NameEdit::NameEdit(const QString& strName, QWidget* pParent) : QLineEdit(strName, pParent)
 {
@@ -22,9 +23,7 @@ void NameEdit::focusOutEvent(QFocusEvent* pEvent)
 
 void NameEdit::showName()
 {
-    // A name that looks like markup is shown as it stands.
-    const QString name = text();
-    setToolTip(Qt::mightBeRichText(name) ? QStringLiteral("<span>%1</span>").arg(name.toHtmlEscaped()) : name);
+    setToolTip(plainToolTip(text()));
     if (!isModified()) {
         setCursorPosition(0);
     }

@@ -31,9 +31,32 @@ QString libraryFolder()
     return base.isEmpty() ? QString() : base + QStringLiteral("Spum") + QLatin1Char('/');
 }
 
+// Empty when there is no folder.
+QString libraryPath(const QString& name)
+{
+    const QString folder = libraryFolder();
+    return folder.isEmpty() ? QString() : folder + name + QStringLiteral(".csv");
+}
+
 bool same(const QString& field, const char* text)
 {
     return field.compare(QLatin1String(text), Qt::CaseInsensitive) == 0;
+}
+
+// Lines of "$" that have a field a spectrum.
+bool isSpectrumKey(const QString& key)
+{
+    return same(key, "Color") || same(key, "Select") || same(key, "Origin");
+}
+
+bool isPossibleCount(int count)
+{
+    return count >= 1 && count <= SpumKyvoDatabase::maxSpectra;
+}
+
+bool isHeader(const QString& first, const QString& second)
+{
+    return same(first, "Excitation") && same(second, "Emission");
 }
 
 template <class FieldOf>
@@ -101,11 +124,11 @@ private:
         if (same(key, "NumSpec")) {
             return m_count > 0 || makeSpectra(fields.at(2).toInt());
         }
-        const bool bColor = same(key, "Color");
-        const bool bSelect = same(key, "Select");
-        if (!bColor && !bSelect && !same(key, "Origin")) {
+        if (!isSpectrumKey(key)) {
             return true;
         }
+        const bool bColor = same(key, "Color");
+        const bool bSelect = same(key, "Select");
         if (!fits(fields)) {
             return false;
         }
@@ -126,7 +149,7 @@ private:
 
     bool makeSpectra(int count)
     {
-        if (count < 1 || count > SpumKyvoDatabase::maxSpectra) {
+        if (!isPossibleCount(count)) {
             return false;
         }
         qDeleteAll(m_spectra);
@@ -141,7 +164,7 @@ private:
     void readTableLine(const QStringList& fields)
     {
         if (!m_bHeaderSeen) {
-            m_bHeaderSeen = same(fields.at(0), "Excitation") && same(fields.at(1), "Emission");
+            m_bHeaderSeen = isHeader(fields.at(0), fields.at(1));
             for (int i = 0; m_bHeaderSeen && i < m_count; ++i) {
                 m_spectra.at(i)->settings.name = fields.at(i + leadingFields);
             }
@@ -157,6 +180,87 @@ private:
     int m_count = 0;
     bool m_bHeaderSeen = false;
 };
+
+template <class Reader>
+bool readLines(QTextStream& stream, Reader& reader)
+{
+    QString line;
+    while (stream.readLineInto(&line)) {
+        if (!reader.readLine(line)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+// The same pass for the two band columns alone: of a line no more than three fields are looked at.
+class BandReader
+{
+public:
+    BandReader(QStringList& excitations, QStringList& emissions) : m_excitations(excitations), m_emissions(emissions) {}
+
+    // False when a load fails at this line.
+    bool readLine(const QString& line)
+    {
+        const int fields = line.count(QLatin1Char(',')) + 1;
+        if (fields < leadingFields + 1) {
+            return true;
+        }
+        const QString first = fieldOf(line, 0);
+        const QString second = fieldOf(line, 1);
+        if (same(first, "$")) {
+            return readKeyLine(second, line, fields);
+        }
+        if (fields != m_count + leadingFields) {
+            return true;
+        }
+        if (m_bHeaderSeen) {
+            m_excitations.append(first);
+            m_emissions.append(second);
+        }
+        m_bHeaderSeen = m_bHeaderSeen || isHeader(first, second);
+        return true;
+    }
+
+private:
+    static QString fieldOf(const QString& line, int field)
+    {
+        int start = 0;
+        for (; field > 0; --field) {
+            start = line.indexOf(QLatin1Char(','), start) + 1;
+        }
+        const int end = line.indexOf(QLatin1Char(','), start);
+        return line.mid(start, end < 0 ? -1 : end - start);
+    }
+
+    bool readKeyLine(const QString& key, const QString& line, int fields)
+    {
+        if (same(key, "NumSpec") && m_count == 0) {
+            m_count = fieldOf(line, 2).toInt();
+            return isPossibleCount(m_count);
+        }
+        return !isSpectrumKey(key) || fields == m_count + leadingFields;
+    }
+
+    QStringList& m_excitations;
+    QStringList& m_emissions;
+    int m_count = 0;
+    bool m_bHeaderSeen = false;
+};
+
+// False when the library ends the pass, or, with a log line, cannot be opened.
+template <class Reader>
+bool readFile(const QString& path, Reader reader)
+{
+    QFile file(path);
+    if (path.isEmpty() || !file.open(QIODevice::ReadOnly | QIODevice::Text)) {
+        logFailure(QStringLiteral("SpumKyvo: Unable to open the spectrum library file."));
+        return false;
+    }
+    QTextStream stream(&file);
+    stream.setCodec("UTF-8");
+    return readLines(stream, reader);
+}
 
 bool canBeSaved(const QList<SpectrumPlotParams*>& spectra)
 {
@@ -229,33 +333,25 @@ bool SpumKyvoDatabase::saveNewLibrary(const QString& path, QList<SpectrumPlotPar
 
 bool SpumKyvoDatabase::loadLibrary(const QString& name, QList<SpectrumPlotParams*>& spectra, QString& note) const
 {
-    if (name.isEmpty()) {
-        return false;
+    return !name.isEmpty() && loadLibraryFile(libraryPath(name), spectra, note);
+}
+
+void SpumKyvoDatabase::loadBands(const QString& name, QStringList& excitations, QStringList& emissions) const
+{
+    excitations.clear();
+    emissions.clear();
+    if (!name.isEmpty()) {
+        readFile(libraryPath(name), BandReader(excitations, emissions));
     }
-    const QString folder = libraryFolder();
-    return loadLibraryFile(folder.isEmpty() ? QString() : folder + name + QStringLiteral(".csv"), spectra, note);
 }
 
 bool SpumKyvoDatabase::loadLibraryFile(const QString& path, QList<SpectrumPlotParams*>& spectra, QString& note) const
 {
-    QFile file(path);
-    if (path.isEmpty() || !file.open(QIODevice::ReadOnly | QIODevice::Text)) {
-        logFailure(QStringLiteral("SpumKyvo: Unable to open the spectrum library file."));
-        return false;
-    }
-    QTextStream stream(&file);
-    stream.setCodec("UTF-8");
-    return readLibrary(stream, spectra, note);
+    return readFile(path, LibraryReader(spectra, note));
 }
 
 bool SpumKyvoDatabase::readLibrary(QTextStream& stream, QList<SpectrumPlotParams*>& spectra, QString& note)
 {
     LibraryReader reader(spectra, note);
-    QString line;
-    while (stream.readLineInto(&line)) {
-        if (!reader.readLine(line)) {
-            return false;
-        }
-    }
-    return true;
+    return readLines(stream, reader);
 }

@@ -42,6 +42,11 @@ public:
     // Reads the library `name` (without folder and extension); an empty name gives false. As loadLibraryFile.
     bool loadLibrary(const QString& name, QList<SpectrumPlotParams*>& spectra, QString& note) const;
 
+    // The two band columns of the library `name`, as loadLibrary would read them: the texts of its data lines. Both
+    // lists are emptied first; an empty name, or a file that ends a load, leaves them as far as they came. A log line
+    // when the file cannot be opened.
+    void loadBands(const QString& name, QStringList& excitations, QStringList& emissions) const;
+
     // Reads the library file `path`. When its "NumSpec" line comes, the entries of `spectra` are deleted and replaced;
     // a file without one leaves the list alone. False with a log line when the file cannot be opened, false in silence
     // when "NumSpec" is out of range or a "$" line has the wrong number of fields: `spectra` and `note` are then left

@@ -3,17 +3,14 @@
 
 #include "spectra/DefaultColors.h"
 #include "spectra/NameEdit.h"
+#include "spectra/colorSwatch.h"
 
 #include <QAction>
 #include <QCheckBox>
-#include <QColor>
 #include <QComboBox>
 #include <QHBoxLayout>
-#include <QHash>
 #include <QLabel>
 #include <QMenu>
-#include <QPainter>
-#include <QPixmap>
 #include <QRadioButton>
 #include <QSignalBlocker>
 #include <QToolButton>
@@ -34,33 +31,6 @@ constexpr const char* shapeIcons[] = {":/Resource/pencilthin.xpm", ":/Resource/p
 constexpr int shapeCount = 3;
 constexpr int shapeMedium = 1;
 constexpr int swatchWidth = 56; // pixels of the colour combo that its swatch and its arrow take
-
-QIcon swatchIcon(const QString& colorName)
-{
-    QColor color;
-    color.setNamedColor(colorName);
-    QPixmap pixmap(16, 16);
-    pixmap.fill(color);
-    QPainter painter(&pixmap);
-    painter.setPen(QColor(96, 96, 96)); // a frame, so that the light colours stand off
-    painter.drawRect(0, 0, pixmap.width() - 1, pixmap.height() - 1);
-    painter.end();
-    return QIcon(pixmap);
-}
-
-// Position in the combo by colour name in lower case.
-const QHash<QString, int>& colorPositions()
-{
-    static const QHash<QString, int> positions = [] {
-        QHash<QString, int> map;
-        const QStringList& colors = defaultSpectrumColors();
-        for (int i = 0; i < colors.size(); ++i) {
-            map.insert(colors.at(i).toLower(), i);
-        }
-        return map;
-    }();
-    return positions;
-}
 
 } // namespace
 
@@ -110,7 +80,7 @@ void SpumKyvoSpectrumCtrl::buildColorCombo(QWidget* parent)
     m_pColorCombo->setMinimumWidth(swatchWidth);
     m_pColorCombo->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
     for (const QString& name : defaultSpectrumColors()) {
-        m_colorEntries.append({name, swatchIcon(name)});
+        m_colorEntries.append({name, colorSwatch(name)});
         m_pColorCombo->addItem(m_colorEntries.last().icon, name);
     }
     m_pLayout->addWidget(m_pColorCombo, 1);
@@ -186,7 +156,7 @@ void SpumKyvoSpectrumCtrl::setSettings(const SpectrumSettings& settings)
         m_pNameEdit->setText(settings.name);
         m_pNameEdit->setEnabled(settings.enabled);
     }
-    const int position = colorPositions().value(settings.color.toLower(), -1);
+    const int position = defaultColorPosition(settings.color);
     if (m_pColorCombo && position >= 0) {
         const QSignalBlocker blocker(m_pColorCombo);
         m_pColorCombo->setCurrentIndex(position);

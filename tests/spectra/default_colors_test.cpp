@@ -29,3 +29,12 @@ TEST(DefaultColorsTest, RepeatAfterTwelve)
     EXPECT_EQ(defaultSpectrumColor(25), "red");
     EXPECT_EQ(defaultSpectrumColor(-3), "lime");
 }
+
+TEST(DefaultColorsTest, PositionIsThatOfTheNameInAnyCase)
+{
+    for (int i = 0; i < defaultSpectrumColors().size(); ++i) {
+        EXPECT_EQ(defaultColorPosition(defaultSpectrumColors().at(i).toUpper()), i);
+    }
+    EXPECT_EQ(defaultColorPosition("chartreuse"), -1);
+    EXPECT_EQ(defaultColorPosition(""), -1);
+}

@@ -532,3 +532,67 @@ RC_GTEST_PROP(SpumKyvoDatabaseLaw, ALibraryComesBackToSixDigits, ())
         }
     }
 }
+
+// The bands of a library in the user's folder.
+class LibraryBandsTest : public SpumKyvoDatabaseTest
+{
+protected:
+    void SetUp() override
+    {
+        SpumKyvoDatabaseTest::SetUp();
+        ASSERT_TRUE(QDir().mkpath(libraries()));
+    }
+    void TearDown() override
+    {
+        QDir(libraries()).removeRecursively();
+        SpumKyvoDatabaseTest::TearDown();
+    }
+
+    void loadBands(const QByteArray& content)
+    {
+        QFile file(libraries() + "bands.csv");
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(content);
+        file.close();
+        m_database.loadBands("bands", m_excitations, m_emissions);
+    }
+
+    QStringList m_excitations{"kept"};
+    QStringList m_emissions{"kept"};
+};
+
+TEST_F(LibraryBandsTest, AreTheFirstTwoFieldsOfTheDataLines)
+{
+    loadBands(twoDyes);
+    EXPECT_EQ(m_excitations, (QStringList{"500", "500"}));
+    EXPECT_EQ(m_emissions, (QStringList{"540", "560"}));
+}
+
+TEST_F(LibraryBandsTest, LinesThatALoadSkipsHaveNone)
+{
+    loadBands("500,1,1\n$,numspec,1\n500,2,1\n\nEXCITATION,emission,A\n500,3,1,1\n500,4\n500,5,1\n$,Other\n");
+    EXPECT_EQ(m_emissions, QStringList{"5"});
+}
+
+TEST_F(LibraryBandsTest, EndWhereALoadFails)
+{
+    loadBands("$,NumSpec,1\nExcitation,Emission,A\n500,1,1\n$,Color,red,blue\n500,2,1\n");
+    EXPECT_EQ(m_emissions, QStringList{"1"});
+    loadBands("$,NumSpec,0\n$,NumSpec,1\nExcitation,Emission,A\n500,1,1\n");
+    EXPECT_TRUE(m_emissions.isEmpty());
+}
+
+TEST_F(LibraryBandsTest, AnEmptyNameHasNoneAndSaysNothing)
+{
+    m_database.loadBands("", m_excitations, m_emissions);
+    EXPECT_TRUE(m_excitations.isEmpty());
+    EXPECT_TRUE(m_emissions.isEmpty());
+    EXPECT_TRUE(m_log.isEmpty());
+}
+
+TEST_F(LibraryBandsTest, AFileThatIsNotThereIsLogged)
+{
+    m_database.loadBands("no such", m_excitations, m_emissions);
+    EXPECT_TRUE(m_excitations.isEmpty());
+    EXPECT_EQ(messages(), QStringList{cannotOpen});
+}

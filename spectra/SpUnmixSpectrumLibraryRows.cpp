@@ -1,0 +1,167 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The rows of the library window. A library may hold thousands of spectra and a row is half a dozen widgets, so that
+// rows are made a slice at a time between other events, and without being asked for the first spectra only. A spectrum
+// without a row is as its file has it.
+#include "spectra/SpUnmixSpectrumLibraryWnd.h"
+
+#include "spectra/NameEdit.h"
+#include "spectra/SpectrumAxis.h"
+#include "spectra/SpumKyvoSpectrumCtrl.h"
+#include "spectra/bandCoverage.h"
+
+#include <QComboBox>
+#include <QLabel>
+#include <QTextCursor>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int kRowsAtFirst = 200;
+constexpr int kRowsOfSlice = 40;
+
+} // namespace
+
+// Takes over the spectra.
+void SpUnmixSpectrumLibraryWnd::showSpectra(const QList<SpectrumPlotParams*>& spectra)
+{
+    clearRows();
+    m_spectra = spectra;
+    for (int i = 0; i < m_spectra.size(); ++i) {
+        m_spectra.at(i)->axis = m_eAxis;
+        m_spectra.at(i)->settings.index = i;
+        m_spectra.at(i)->settings.enabled = m_spectra.at(i)->hasData(); // its name can be changed
+    }
+    m_covered = bandCoverage(m_spectra, m_referencePairs);
+    m_nRowLimit = std::min(kRowsAtFirst, m_spectra.size());
+    if (!m_bMultiSelect) {
+        keepOneSelected();
+    }
+    addRows();
+}
+
+// Of several that are selected in a library the last remains, as in a group of radio buttons; one that is seen.
+void SpUnmixSpectrumLibraryWnd::keepOneSelected()
+{
+    SpectrumPlotParams* pKept = nullptr;
+    for (int i = 0; i < m_spectra.size(); ++i) {
+        SpectrumSettings& settings = m_spectra.at(i)->settings;
+        if (settings.selected && (i < m_nRowLimit || pKept == nullptr)) {
+            pKept = m_spectra.at(i);
+        }
+        settings.selected = false;
+    }
+    if (pKept != nullptr) {
+        pKept->settings.selected = true;
+    }
+}
+
+// A new page for the rows takes the old one's place: many widgets are deleted fast only together with their parent.
+void SpUnmixSpectrumLibraryWnd::clearRows()
+{
+    m_rowTimer.stop();
+    for (const auto& pRow : qAsConst(m_rows)) {
+        // The focus of a name that goes with its row is no end of its editing.
+        pRow->m_pNameEdit->disconnect(this);
+        pRow->m_pSelectBox->disconnect(this);
+    }
+    auto* pPage = new QWidget;
+    pPage->setObjectName(QStringLiteral("m_pRowPage"));
+    auto* pColumn = new QVBoxLayout(pPage);
+    pColumn->setContentsMargins(0, 0, 0, 0);
+    m_pHBoxSpectrumList = new QVBoxLayout;
+    m_pHBoxSpectrumList->setObjectName(QStringLiteral("m_pHBoxSpectrumList"));
+    m_pHBoxSpectrumList->setSpacing(2);
+    pColumn->addLayout(m_pHBoxSpectrumList);
+    pColumn->addStretch(1);
+    m_pRowArea->setWidget(pPage);
+    m_rows.clear();
+    qDeleteAll(m_spectra);
+    m_spectra.clear();
+    m_covered.clear();
+    m_nRowLimit = 0;
+    textEdit->clear();
+    showRowCount();
+}
+
+void SpUnmixSpectrumLibraryWnd::addRows()
+{
+    const int nFirst = m_rows.size();
+    const int nEnd = std::min(m_nRowLimit, nFirst + kRowsOfSlice);
+    // Each widget that appears has the whole page arranged, unless nobody arranges it until all are there.
+    QLayout* pArranged = m_pRowArea->widget()->layout();
+    pArranged->setEnabled(false);
+    while (m_rows.size() < nEnd) {
+        addRow();
+    }
+    pArranged->setEnabled(true);
+    pArranged->activate();
+    tellSpectra(nFirst);
+    showRowCount();
+    if (nEnd < m_nRowLimit) {
+        m_rowTimer.start(0);
+    }
+}
+
+void SpUnmixSpectrumLibraryWnd::addRow()
+{
+    const int nPlace = m_rows.size();
+    const auto pRow = QSharedPointer<SpumKyvoSpectrumCtrl>::create(m_pRowArea->widget(), m_eAxis != SPECTRUMAXIS_TIME,
+                                                                   m_bMultiSelect);
+    pRow->hide();
+    m_spectra.at(nPlace)->attachControl(pRow, false);
+    connect(pRow->m_pColorCombo, qOverload<int>(&QComboBox::currentIndexChanged), this,
+            &SpUnmixSpectrumLibraryWnd::updateSpectrumPlot);
+    connect(pRow->m_pSelectBox, &QAbstractButton::toggled, this, &SpUnmixSpectrumLibraryWnd::updateSpectrumPlot);
+    connect(pRow->m_pNameEdit, &QLineEdit::editingFinished, this, &SpUnmixSpectrumLibraryWnd::updateSpectrumPlot);
+
+    // People count from 1.
+    const QString number = QString::number(nPlace + 1);
+    pRow->m_pIndexLabel->setText(number);
+    pRow->m_pIndexLabel->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    pRow->m_pIndexLabel->setMinimumWidth(
+        pRow->m_pIndexLabel->fontMetrics().horizontalAdvance(QString::number(m_spectra.size())));
+    pRow->m_pSelectBox->setAccessibleName(tr("Select spectrum %1").arg(number));
+    pRow->m_pNameEdit->setAccessibleName(tr("Name of spectrum %1").arg(number));
+    pRow->m_pColorCombo->setAccessibleName(tr("Color of spectrum %1").arg(number));
+
+    QWidget* pBefore = m_rows.isEmpty() ? m_pNotationLE : static_cast<QWidget*>(m_rows.last()->m_pColorCombo);
+    setTabOrder(pBefore, pRow->m_pSelectBox);
+    setTabOrder(pRow->m_pSelectBox, pRow->m_pNameEdit);
+    setTabOrder(pRow->m_pNameEdit, pRow->m_pColorCombo);
+    m_pHBoxSpectrumList->addLayout(pRow->m_pLayout);
+    for (QWidget* pPart : std::initializer_list<QWidget*>{pRow->m_pIndexLabel, pRow->m_pSelectBox, pRow->m_pNameEdit,
+                                                          pRow->m_pColorCombo}) {
+        pPart->show();
+    }
+    m_rows.append(pRow);
+}
+
+// The information of the spectra that got a row.
+void SpUnmixSpectrumLibraryWnd::tellSpectra(int nFirst)
+{
+    QStringList lines;
+    for (int i = nFirst; i < m_rows.size(); ++i) {
+        lines += m_spectra.at(i)->toolTipLines();
+        lines += QStringLiteral(" ");
+    }
+    QTextCursor cursor(textEdit->document());
+    cursor.movePosition(QTextCursor::End);
+    if (nFirst > 0 && !lines.isEmpty()) {
+        cursor.insertBlock();
+    }
+    cursor.insertText(lines.join(QLatin1Char('\n')));
+}
+
+void SpUnmixSpectrumLibraryWnd::showRowCount()
+{
+    m_pShowAllBtn->setVisible(m_nRowLimit < m_spectra.size());
+    m_pShowAllBtn->setText(tr("Show all %1 spectra").arg(m_spectra.size()));
+}
+
+void SpUnmixSpectrumLibraryWnd::onClickShowAll()
+{
+    m_nRowLimit = m_spectra.size();
+    showRowCount();
+    addRows();
+}
