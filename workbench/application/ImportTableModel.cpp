@@ -18,7 +18,7 @@ void ImportTableModel::setTable(const ImportTable& table)
 {
     beginResetModel();
     m_table = table;
-    m_columns = table.count() > 0 ? table.columns() : QVector<ImportTable::Column>();
+    m_columns = m_table.columns();
     endResetModel();
     Q_EMIT tableChanged();
 }

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The windows of images on all kinds of sequences, in light and dark palettes, kept in the build folder to be looked
 // at. What can be told of them without eyes is tested here.
-#include "look.h"
 #include "simulated.h"
 #include "support/screen.h"
 
@@ -49,7 +48,7 @@ TEST_P(WindowsLookTest, ShowEverything)
     ASSERT_TRUE(QTest::qWaitFor([&] { return tab.thumbnails().isFinished(); }, 20000));
     tab.view()->setFocus();
     tab.view()->setCurrentTile(1);
-    look::keep(tab, (std::string("sequence_") + GetParam().name).c_str());
+    screen::keep(screen::grab(tab), (std::string("sequence_") + GetParam().name).c_str());
     for (int i = 0; i < tab.thumbnails().tiles().count(); ++i) {
         EXPECT_EQ(tab.thumbnails().state(i), Thumbnails::State::Ready) << i;
     }
@@ -58,7 +57,7 @@ TEST_P(WindowsLookTest, ShowEverything)
     window.resize(GetParam().size);
     window.setAutoFillBackground(true);
     screen::show(window);
-    look::keep(window, (std::string("dataset_") + GetParam().name).c_str());
+    screen::keep(screen::grab(window), (std::string("dataset_") + GetParam().name).c_str());
 }
 
 const QSize kSmall(690, 520);   // beside the palette at 1024 x 700
