@@ -20,7 +20,7 @@ build: configure
 	@cmake --build $(BUILD) -j$(JOBS)
 
 demo: configure
-	@cmake --build $(BUILD) -j$(JOBS) --target spum spum-workbench
+	@cmake --build $(BUILD) -j$(JOBS) --target spum spum-workbench orvspum
 	@scripts/demo.sh $(BUILD)/bin/spum demo
 
 test: build

@@ -34,6 +34,7 @@
 namespace {
 
 constexpr QSize usualSize(1280, 860);
+constexpr int logHeight = 160;
 
 } // namespace
 
@@ -99,13 +100,14 @@ void MainWindow::arrangeParts()
     addDockWidget(Qt::BottomDockWidgetArea, m_pLogDock);
     // The palette is high, the log wide.
     setCorner(Qt::BottomRightCorner, Qt::RightDockWidgetArea);
+    resizeDocks({m_pLogDock}, {logHeight}, Qt::Vertical);
     m_pLogDock->hide();
     setStatusBar(m_pStatus);
     m_pActions->viewMenu->addAction(m_pPaletteDock->toggleViewAction());
     m_pActions->viewMenu->addAction(m_pLogDock->toggleViewAction());
     m_pLogDock->toggleViewAction()->setShortcut(Qt::CTRL + Qt::Key_L);
     m_pLock->addWidget(m_pPages);
-    m_pLock->addWidget(m_pPaletteDock->widget());
+    m_pLock->addWidget(m_pPaletteDock);
     m_pLock->addWidget(menuBar());
 }
 
@@ -117,6 +119,7 @@ void MainWindow::connectDocuments()
     connect(m_pDocuments, &OpenDocuments::readOut, m_pStatus, &StatusLine::showReadOut);
     connect(m_pFeed, &LogFeed::arrived, this, &MainWindow::takeRecords);
     connect(m_pLock, &RunLock::changed, this, &MainWindow::updateActions);
+    connect(m_pLock, &RunLock::focusMissing, this, &MainWindow::focusWork);
     connect(qApp, &QApplication::focusChanged, this, &MainWindow::updatePrintKeys);
 }
 

@@ -83,6 +83,7 @@ private:
     void fillWindowMenu();
     void stepTab(int nStep);
     void switchPane();
+    void focusWork();
     void printPicture(bool bPreview);
     void copyPicture();
     void showOnPaper(const QPixmap& picture, bool bPreview);

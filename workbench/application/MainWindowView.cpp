@@ -48,6 +48,18 @@ bool hasButtonFor(const QKeySequence& keys, const QWidget* pWindow)
     });
 }
 
+// The first widget in there that takes keys.
+void focusFirst(QWidget* pPane)
+{
+    for (QWidget* pNext = pPane->nextInFocusChain(); pNext != pPane; pNext = pNext->nextInFocusChain()) {
+        if (pPane->isAncestorOf(pNext) && pNext->isVisible() && pNext->isEnabled() &&
+            (pNext->focusPolicy() & Qt::TabFocus) != 0) {
+            pNext->setFocus(Qt::OtherFocusReason);
+            return;
+        }
+    }
+}
+
 } // namespace
 
 void MainWindow::updateActions()
@@ -146,16 +158,13 @@ void MainWindow::switchPane()
         pThere->setFocus(Qt::ShortcutFocusReason);
         return;
     }
-    QWidget* pPane = bInPanel ? m_pPages->currentWidget() : m_pPaletteDock->widget();
-    QWidget* pNext = pPane;
-    do {
-        pNext = pNext->nextInFocusChain();
-        if (pPane->isAncestorOf(pNext) && pNext->isVisible() && pNext->isEnabled() &&
-            (pNext->focusPolicy() & Qt::TabFocus) != 0) {
-            pNext->setFocus(Qt::ShortcutFocusReason);
-            return;
-        }
-    } while (pNext != pPane);
+    focusFirst(bInPanel ? m_pPages->currentWidget() : m_pPaletteDock->widget());
+}
+
+void MainWindow::focusWork()
+{
+    QMdiSubWindow* pFrame = m_pArea->currentSubWindow();
+    focusFirst(pFrame != nullptr ? pFrame->widget() : m_pPages->currentWidget());
 }
 
 // What the tool shows it gives as a picture itself; everything else is taken as it is seen.

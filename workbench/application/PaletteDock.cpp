@@ -45,6 +45,7 @@ PaletteDock::PaletteDock(QWidget* pParent)
     m_pScroll->setObjectName(QStringLiteral("paletteScroll"));
     m_pScroll->setWidgetResizable(true);
     m_pScroll->setFrameShape(QFrame::NoFrame);
+    m_pScroll->setFocusPolicy(Qt::NoFocus);
     m_pScroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     m_pPages->addWidget(m_pReasonPage);
     m_pPages->addWidget(m_pMissingPage);

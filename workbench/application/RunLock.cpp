@@ -58,12 +58,14 @@ void RunLock::unlock()
     Q_EMIT changed(false);
 }
 
-// A widget that went or was hidden meanwhile, such as a window whose work was the start of the run, keeps no focus.
+// A widget that went or was hidden meanwhile, such as a window whose work was the start of the run, gets no focus.
 void RunLock::restoreFocus()
 {
     const QPointer<QWidget> pFocus = m_pFocus;
     m_pFocus.clear();
     if (pFocus && pFocus->isVisible() && pFocus->isEnabled()) {
         pFocus->setFocus(Qt::OtherFocusReason);
+    } else if (QApplication::focusWidget() == nullptr) {
+        Q_EMIT focusMissing();
     }
 }

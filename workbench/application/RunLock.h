@@ -25,6 +25,8 @@ public:
 
 Q_SIGNALS:
     void changed(bool bLocked);
+    // Unlocked, and the widget that had the focus is hidden or gone.
+    void focusMissing();
 
 private:
     void noteFocus(QWidget* pOld, QWidget* pNow);

@@ -3,11 +3,10 @@
 
 #include <QAction>
 #include <QCommandLinkButton>
-#include <QDir>
 #include <QFileInfo>
 #include <QLabel>
-#include <QPushButton>
 #include <QScrollArea>
+#include <QToolButton>
 #include <QVBoxLayout>
 
 namespace {
@@ -81,6 +80,35 @@ QWidget* StartPage::makeButton(QAction* pAction, const QString& strText, const Q
     return pButton;
 }
 
+// The name as a button, and where it lies beside it.
+QWidget* StartPage::makeRecent(const QString& strPath)
+{
+    const QFileInfo info(strPath);
+    auto* pRow = new QWidget(m_pRecent);
+    auto* pLayout = new QHBoxLayout(pRow);
+    pLayout->setContentsMargins(0, 0, 0, 0);
+    auto* pButton = new QToolButton(pRow);
+    QString text = pButton->fontMetrics().elidedText(info.fileName(), Qt::ElideMiddle, pageWidth / 2);
+    pButton->setText(text.replace(QLatin1Char('&'), QLatin1String("&&")));
+    pButton->setObjectName(QStringLiteral("recentButton"));
+    pButton->setAutoRaise(true);
+    pButton->setFocusPolicy(Qt::StrongFocus);
+    pButton->setCursor(Qt::PointingHandCursor);
+    pButton->setToolTip(QLatin1String("<div>") + strPath.toHtmlEscaped() + QLatin1String("</div>"));
+    pButton->setAccessibleName(tr("Open %1").arg(strPath));
+    // It is replaced by the list that the opening leaves.
+    connect(
+        pButton, &QToolButton::clicked, this, [this, strPath] { Q_EMIT recentChosen(strPath); }, Qt::QueuedConnection);
+    auto* pPlace = new QLabel(pRow);
+    pPlace->setTextFormat(Qt::PlainText);
+    pPlace->setText(pPlace->fontMetrics().elidedText(info.path(), Qt::ElideMiddle, pageWidth / 2));
+    pPlace->setEnabled(false);
+    pLayout->addWidget(pButton);
+    pLayout->addWidget(pPlace);
+    pLayout->addStretch(1);
+    return pRow;
+}
+
 void StartPage::setRecent(const QStringList& paths)
 {
     while (QLayoutItem* pItem = m_pRecentLayout->takeAt(0)) {
@@ -88,16 +116,7 @@ void StartPage::setRecent(const QStringList& paths)
         delete pItem;
     }
     for (const QString& path : paths.mid(0, shownRecent)) {
-        QString text = QFileInfo(path).fileName();
-        auto* pButton = new QPushButton(text.replace(QLatin1Char('&'), QLatin1String("&&")), m_pRecent);
-        pButton->setObjectName(QStringLiteral("recentButton"));
-        pButton->setFlat(true);
-        pButton->setCursor(Qt::PointingHandCursor);
-        pButton->setToolTip(QLatin1String("<div>") + QDir::toNativeSeparators(path).toHtmlEscaped() +
-                            QLatin1String("</div>"));
-        connect(
-            pButton, &QPushButton::clicked, this, [this, path] { Q_EMIT recentChosen(path); }, Qt::QueuedConnection);
-        m_pRecentLayout->addWidget(pButton, 0, Qt::AlignLeft);
+        m_pRecentLayout->addWidget(makeRecent(path));
     }
     m_pRecent->setVisible(!paths.isEmpty());
 }

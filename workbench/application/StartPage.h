@@ -25,6 +25,8 @@ Q_SIGNALS:
 private:
     QWidget* makeButton(QAction* pAction, const QString& strText, const QString& strDescription);
 
+    QWidget* makeRecent(const QString& strPath);
+
     QWidget* m_pRecent;
     QLabel* m_pRecentHeading;
     QVBoxLayout* m_pRecentLayout;

@@ -1,13 +1,51 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "workbench/application/WorkbenchOptions.h"
 
+namespace {
+
+// Options with a value, which comes behind "=" or as the next argument.
+struct ValueOption
+{
+    const char* name;
+    QString WorkbenchOptions::*value;
+    const char* what;
+};
+
+constexpr ValueOption valueOptions[] = {{"--plugins", &WorkbenchOptions::pluginFolder, "a folder"},
+                                        {"--log", &WorkbenchOptions::logFile, "a file"},
+                                        {"--trace", &WorkbenchOptions::traceFile, "a file"}};
+
+// Takes an option with a value at `place`, which it moves to the last argument that belongs to it. False for any other.
+bool takeValue(const QStringList& arguments, int& place, WorkbenchOptions& options)
+{
+    const QString argument = arguments.at(place);
+    for (const ValueOption& option : valueOptions) {
+        const QLatin1String name(option.name);
+        const QString inPlace = name + QLatin1Char('=');
+        QString& value = options.*option.value;
+        if (argument == name && place + 1 < arguments.size()) {
+            value = arguments.at(++place);
+        } else if (argument.startsWith(inPlace)) {
+            value = argument.mid(inPlace.size());
+        } else if (argument != name) {
+            continue;
+        }
+        if (value.isEmpty()) {
+            options.error = QStringLiteral("%1 needs the name of %2").arg(name, QLatin1String(option.what));
+        }
+        return true;
+    }
+    return false;
+}
+
+} // namespace
+
 WorkbenchOptions WorkbenchOptions::parse(const QStringList& arguments)
 {
     WorkbenchOptions options;
-    const QString plugins = QStringLiteral("--plugins");
     bool onlyPaths = false;
     for (int i = 0; i < arguments.size() && options.error.isEmpty(); ++i) {
-        const QString& argument = arguments.at(i);
+        const QString argument = arguments.at(i);
         if (onlyPaths || !argument.startsWith(QLatin1Char('-')) || argument == QLatin1String("-")) {
             options.paths.append(argument);
         } else if (argument == QLatin1String("--")) {
@@ -18,16 +56,8 @@ WorkbenchOptions WorkbenchOptions::parse(const QStringList& arguments)
             options.version = true;
         } else if (argument == QLatin1String("--reset-windows")) {
             options.freshPlaces = true;
-        } else if (argument == plugins && i + 1 < arguments.size()) {
-            options.pluginFolder = arguments.at(++i);
-        } else if (argument.startsWith(plugins + QLatin1Char('='))) {
-            options.pluginFolder = argument.mid(plugins.size() + 1);
-        } else if (argument != plugins) {
+        } else if (!takeValue(arguments, i, options)) {
             options.error = QStringLiteral("there is no option \"%1\"").arg(argument);
-        }
-        const bool named = argument == plugins || argument.startsWith(plugins + QLatin1Char('='));
-        if (named && !onlyPaths && options.pluginFolder.isEmpty()) {
-            options.error = QStringLiteral("--plugins needs the name of a folder");
         }
     }
     return options;
@@ -37,10 +67,13 @@ QString WorkbenchOptions::helpText()
 {
     return QStringLiteral("Usage: spum-workbench [options] [sequence...]\n"
                           "Opens sequences of optical images in a window, to look at them and to unmix them.\n"
-                          "A sequence is its folder; a folder or file of other images is imported.\n\n"
+                          "A sequence is its folder; a folder or file of other images is imported. Without one\n"
+                          "the sequences that were open last are opened again.\n\n"
                           "Options:\n"
-                          "  --plugins DIR    Load the analysis from DIR instead of the usual places.\n"
+                          "  --plugins DIR    Load the tools for unmixing from DIR instead of the usual places.\n"
                           "  --reset-windows  Begin with windows and panels at their usual places.\n"
+                          "  --log FILE       Append the log to FILE.\n"
+                          "  --trace FILE     Write the trace of the algorithms to FILE.\n"
                           "  -h, --help       Show this text.\n"
                           "  -v, --version    Show the version.\n");
 }

@@ -9,6 +9,8 @@ struct WorkbenchOptions
 {
     QStringList paths;        // to open at the start
     QString pluginFolder;     // empty: the usual places
+    QString logFile;          // empty: none
+    QString traceFile;        // of the algorithms; empty: none
     bool freshPlaces = false; // do not restore the places of windows
     bool help = false;
     bool version = false;

@@ -13,9 +13,24 @@ bool isTabOfAnalysis(const QString& strTab)
     return tabs.contains(strTab, Qt::CaseInsensitive);
 }
 
+// A name without blanks would make the panel as wide as itself.
+QString shortName(const QString& strName)
+{
+    constexpr int most = 32;
+    return strName.size() <= most ? strName
+                                  : strName.left(most / 2) + QStringLiteral("\u2026") + strName.right(most / 2 - 1);
+}
+
+// Paths may break behind their separators.
+QString breakable(QString strText)
+{
+    return strText.replace(QLatin1Char('/'), QStringLiteral("/\u200B"));
+}
+
 QString withComplaint(const QString& strText, const QString& strComplaint)
 {
-    return strComplaint.isEmpty() ? strText : strText + QStringLiteral("\n\nThe log says: %1").arg(strComplaint);
+    return strComplaint.isEmpty() ? strText
+                                  : strText + QStringLiteral("\n\nThe log says: %1").arg(breakable(strComplaint));
 }
 
 } // namespace
@@ -33,24 +48,25 @@ QString paletteReason(const PaletteFacts& facts)
                    ? QStringLiteral("No sequence is in front. Activate the window of one to unmix its images.")
                    : QStringLiteral("The window in front shows the image \"%1\". Activate the window of a sequence to "
                                     "unmix its images.")
-                         .arg(facts.name);
+                         .arg(shortName(facts.name));
     }
     if (facts.images < 2) {
         return withComplaint(QStringLiteral("The sequence \"%1\" has a single image. Unmixing takes two images at "
                                             "least, of different filters or times.")
-                                 .arg(facts.name),
+                                 .arg(shortName(facts.name)),
                              facts.lastComplaint);
     }
     if (!facts.analysable) {
         return withComplaint(
             QStringLiteral("The images of the sequence \"%1\" cannot be unmixed. That takes images of different "
                            "filters, given by wavelengths, or of different times, and a photograph.")
-                .arg(facts.name),
+                .arg(shortName(facts.name)),
             facts.lastComplaint);
     }
     if (!facts.tab.isEmpty() && !isTabOfAnalysis(facts.tab)) {
         return QStringLiteral("The tab \"%1\" is no part of an analysis. Change to \"Sequence View\" to go on.")
-            .arg(facts.tab);
+            .arg(shortName(facts.tab));
     }
-    return withComplaint(QStringLiteral("The sequence \"%1\" was not taken up.").arg(facts.name), facts.lastComplaint);
+    return withComplaint(QStringLiteral("The sequence \"%1\" was not taken up.").arg(shortName(facts.name)),
+                         facts.lastComplaint);
 }

@@ -179,6 +179,15 @@ TEST(PaletteReasonTest, SaysWhatIsMissing)
     EXPECT_TRUE(paletteReason(inFront(6, true, "unmixing")).contains("was not taken up"));
 }
 
+TEST(PaletteReasonTest, ALongNameDoesNotWidenThePanel)
+{
+    PaletteFacts facts = inFront(6, false);
+    facts.name = QString(300, 'n');
+    for (const QString& word : paletteReason(facts).split(' ')) {
+        EXPECT_LT(word.size(), 40);
+    }
+}
+
 TEST(PaletteReasonTest, TellsWhatTheLogSaid)
 {
     PaletteFacts facts = inFront(6, false);

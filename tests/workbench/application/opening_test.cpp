@@ -12,6 +12,7 @@
 #include <QMenu>
 #include <QMimeData>
 #include <QPushButton>
+#include <QToolButton>
 #include <QUrl>
 
 namespace {
@@ -146,7 +147,7 @@ TEST_F(OpeningTest, RecentSequencesAreInTheMenuAndOnTheFirstPage)
     EXPECT_TRUE(entries[0]->text().contains(QFileInfo(other()).fileName()));
     EXPECT_TRUE(m_pWindow->documents().closeAll());
     settle();
-    const auto buttons = m_pWindow->findChildren<QPushButton*>("recentButton");
+    const auto buttons = m_pWindow->findChildren<QToolButton*>("recentButton");
     ASSERT_EQ(buttons.size(), 2);
     EXPECT_TRUE(buttons[1]->isVisible());
     QTest::mouseClick(buttons[1], Qt::LeftButton);

@@ -77,6 +77,18 @@ TEST_F(RunLockTest, TheFocusIsBackWhereItWas)
     EXPECT_EQ(QApplication::focusWidget(), m_pTool->m_pStart);
 }
 
+// As the wizard, which goes with the press that starts the run.
+TEST_F(RunLockTest, AFocusThatWasHiddenMeanwhileGoesToTheWork)
+{
+    auto* pWindow = m_pWindow->documents().currentSequenceWindow();
+    QPushButton finish("Finish");
+    pWindow->addTabWidget(&finish, nullptr, nullptr, QIcon(), "Auto Unmix", -1, true);
+    finish.setFocus();
+    run([&] { pWindow->removeTabWidget("Auto Unmix"); });
+    ASSERT_NE(QApplication::focusWidget(), nullptr);
+    EXPECT_TRUE(pWindow->isAncestorOf(QApplication::focusWidget()));
+}
+
 TEST_F(RunLockTest, TheCurrentSequenceIsAnnouncedAgain)
 {
     run([] {});

@@ -25,6 +25,15 @@ TEST(WorkbenchOptionsTest, AFolderThatIsNotNamedIsAWrongCall)
     EXPECT_EQ(WorkbenchOptions::parse({"--plugins="}).error, QString("--plugins needs the name of a folder"));
 }
 
+TEST(WorkbenchOptionsTest, LogAndTraceGoToFiles)
+{
+    const auto options = WorkbenchOptions::parse({"--log", "a.log", "--trace=b.txt", "mouse"});
+    EXPECT_EQ(options.logFile, QString("a.log"));
+    EXPECT_EQ(options.traceFile, QString("b.txt"));
+    EXPECT_EQ(options.paths, QStringList("mouse"));
+    EXPECT_EQ(WorkbenchOptions::parse({"--trace"}).error, QString("--trace needs the name of a file"));
+}
+
 TEST(WorkbenchOptionsTest, AnUnknownOptionIsTold)
 {
     EXPECT_EQ(WorkbenchOptions::parse({"mouse", "--zoom"}).error, QString("there is no option \"--zoom\""));
@@ -39,7 +48,7 @@ TEST(WorkbenchOptionsTest, BehindTwoDashesEverythingIsAPath)
 
 TEST(WorkbenchOptionsTest, HelpTellsEveryOption)
 {
-    for (const char* pOption : {"--plugins", "--reset-windows", "--help", "--version"}) {
+    for (const char* pOption : {"--plugins", "--reset-windows", "--log", "--trace", "--help", "--version"}) {
         EXPECT_TRUE(WorkbenchOptions::helpText().contains(pOption)) << pOption;
     }
     EXPECT_TRUE(WorkbenchOptions::parse({"-h"}).help);
