@@ -134,7 +134,7 @@ void CORVSpumKyvoPalette::onDatasetChanged(CORVDataset* pDataset)
     if (pDataset->belongsToSequence()) {
         onSequenceChanged(pDataset->sequence());
     } else {
-        setInvalid(tr("This image belongs to no sequence."));
+        m_bSequenceValid = false;
     }
 }
 
@@ -145,16 +145,9 @@ void CORVSpumKyvoPalette::onSequenceChanged(CORVSequenceDataset* pSequenceDatase
     }
 }
 
-void CORVSpumKyvoPalette::setInvalid(const QString& strWhy)
-{
-    m_bSequenceValid = false;
-    m_strWhyInvalid = strWhy;
-}
-
 void CORVSpumKyvoPalette::setSequenceValidity(bool bValid)
 {
     m_bSequenceValid = bValid;
-    m_strWhyInvalid = bValid ? QString() : tr("The host has switched the palette off.");
 }
 
 bool CORVSpumKyvoPalette::getSequenceValidity()
@@ -174,12 +167,12 @@ void CORVSpumKyvoPalette::updateProperties(CORVSequenceDataset* pSeqDataset)
     }
     m_bPropertiesSeen = true;
     if (!isOffered(*pSeqDataset)) {
-        setInvalid(tr("This sequence has no images of two filters or time points to unmix."));
+        m_bSequenceValid = false;
         return;
     }
     // A question on the way may let the host tell of another sequence.
     if (m_pRunning != nullptr || m_bUpdating || (m_pEngine != nullptr && m_pEngine->isRunning())) {
-        setInvalid(tr("Another analysis is running."));
+        m_bSequenceValid = false;
         m_pWaiting = pSeqDataset;
         return;
     }
@@ -206,7 +199,6 @@ void CORVSpumKyvoPalette::showSequence(CORVSequenceDataset& sequence)
     m_eAxis = m_pEngine->m_eAxis;
     fillAxisTypes();
     m_bSequenceValid = true;
-    m_strWhyInvalid.clear();
     initializeUI();
     updateUI();
     m_pResults->m_bBatchMode = CORVUtilityFns::getSpumBatchStatus();
@@ -276,7 +268,7 @@ void CORVSpumKyvoPalette::dropSequence(CORVSequenceDataset& sequence)
 {
     const QString strId = sequence.getSequenceID();
     setCurrentEngine(nullptr);
-    setInvalid(tr("The images of this sequence cannot be unmixed; the log tells more."));
+    m_bSequenceValid = false;
     delete m_engines.take(strId);
     sequence.isSpectrallyAnalysable = false;
     Q_EMIT sequence.sequencePropertyChanged(&sequence);
@@ -326,7 +318,7 @@ void CORVSpumKyvoPalette::onCloseSequenceDataset(CORVSequenceDataset* pSeqDatase
     }
     if (m_pEngine == pEngine) {
         setCurrentEngine(nullptr);
-        setInvalid(tr("The sequence has been closed."));
+        m_bSequenceValid = false;
     }
     delete m_engines.take(strId);
 }

@@ -36,8 +36,6 @@ struct downloaded_save_data;
 class CORVSpumKyvoPalette : public QWidget, public Ui::CORVSpumKyvoPalette
 {
     Q_OBJECT
-    // Why the palette is invalid, in words for a user; empty while it is valid.
-    Q_PROPERTY(QString whyInvalid READ whyInvalid)
 
 public:
     explicit CORVSpumKyvoPalette(QWidget* pParent = nullptr);
@@ -60,7 +58,6 @@ public:
     const QStringList& batchExcitation() const { return m_batchExcitation; }
     const QStringList& batchEmission() const { return m_batchEmission; }
 
-    QString whyInvalid() const { return m_strWhyInvalid; }
     // Null before the first sequence, and after one that cannot be analysed.
     CORVSpumKyvo* engine() const { return m_pEngine; }
 
@@ -151,7 +148,6 @@ private:
     CORVSpumKyvo* makeEngine(const QString& strId);
     void setCurrentEngine(CORVSpumKyvo* pEngine);
     void dropSequence(CORVSequenceDataset& sequence);
-    void setInvalid(const QString& strWhy);
     void fillAxisTypes();
 
     // The table of images.
@@ -184,7 +180,6 @@ private:
     int m_eAxis = 0;
     QStringList m_batchExcitation;
     QStringList m_batchEmission;
-    QString m_strWhyInvalid = tr("No sequence has been opened.");
     std::unique_ptr<CORVResultsTabControl> m_pResultsTab;
     std::unique_ptr<ComboResultsList> m_pResultsList;
     std::unique_ptr<SavedResultsOwner> m_pResultsOwner;

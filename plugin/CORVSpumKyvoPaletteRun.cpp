@@ -90,7 +90,6 @@ void CORVSpumKyvoPalette::showOutcome()
 {
     m_bPropertiesSeen = true;
     m_bSequenceValid = true;
-    m_strWhyInvalid.clear();
     Q_EMIT updateValidity(this, true);
 }
 

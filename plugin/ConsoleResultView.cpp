@@ -84,6 +84,11 @@ void ConsoleResultView::addUnmixedImage(CILImage* pImage, const QString& strLabe
     m_windows.console()->addUnmixedImage(pImage, strLabel);
 }
 
+void ConsoleResultView::setUnmixedImageRange(double dMin, double dMax)
+{
+    m_windows.console()->setUnmixedImageRange(dMin, dMax);
+}
+
 void ConsoleResultView::removeAllUnmixedImages()
 {
     // A console that is not there borrows nothing.

@@ -33,6 +33,7 @@ public:
     void setColorBar(const ColorBarState& bar) override;
     void setHideColorBar(bool bHide) override;
     void addUnmixedImage(CILImage* pImage, const QString& strLabel) override;
+    void setUnmixedImageRange(double dMin, double dMax) override;
     void removeAllUnmixedImages() override;
     void setCompositeData(CILImage* pPhoto, const XTNT::Matrix<double>& data, int nUnit,
                           const std::vector<int>& pixelIndices, int nWidth, int nHeight,

@@ -193,15 +193,15 @@ TEST_F(ResultsTest, AnUnwritableFolderIsTold)
     }
 }
 
-TEST_F(ResultsTest, AResultIsSavedLoadedAndDeleted)
+// A sequence in memory has no folder, and nobody gives it one.
+TEST_F(ResultsTest, WithoutAHomeAResultStaysUnsaved)
 {
-    // Beside a sequence in a folder of its own.
-    Plan plan;
-    auto& opened = open(plan);
+    auto& opened = open();
     unmixAutomatically();
-    EXPECT_TRUE(opened.sequence().getSequenceInfoPath().isEmpty());
+    ASSERT_TRUE(opened.sequence().getSequenceInfoPath().isEmpty());
     m_palette->m_pSaveButton->click();
-    EXPECT_TRUE(m_palette->m_pSaveButton->isEnabled()); // no home, nothing saved
+    EXPECT_TRUE(m_palette->m_pSaveButton->isEnabled());
+    EXPECT_EQ(m_palette->m_pSavedResultsCB->currentText(), "SPUM_001(new)");
     EXPECT_FALSE(m_palette->m_pLoadButton->isEnabled());
 }
 

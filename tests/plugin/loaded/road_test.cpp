@@ -1,0 +1,201 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The road from a folder of images to maps on screen, through the loaded plug-in.
+#include "LoadedPlugin.h"
+
+#include "support/CapturedOutput.h"
+
+#include "host/CORVUtilityFns.h"
+
+#include <QCheckBox>
+#include <QDir>
+#include <QFileInfo>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QProcess>
+#include <QSignalSpy>
+#include <QTabWidget>
+#include <QTableWidget>
+
+#include <cmath>
+
+using namespace loaded;
+
+namespace {
+
+class RoadTest : public LoadedPlugin
+{
+protected:
+    QString mouse(const QString& strName = "mouse") { return simulated(strName, {"--size", "48", "--bands", "8"}); }
+    // What the plug-in told the host last.
+    bool lastValidity(const QSignalSpy& spy) const { return !spy.isEmpty() && spy.last().at(1).toBool(); }
+    static void addTab(Opened& opened, const char* pTitle)
+    {
+        opened.window->addTabWidget(new QLabel(pTitle, opened.window), nullptr, nullptr, QIcon(), pTitle, -1, true);
+    }
+    QStringList savedNames() const
+    {
+        QStringList names;
+        const auto* pCombo = find<QComboBox>("m_pSavedResultsCB");
+        for (int i = 0; i < pCombo->count(); ++i) {
+            names << pCombo->itemText(i);
+        }
+        return names;
+    }
+};
+
+TEST_F(RoadTest, TabsOfTheSequenceDecideWhetherThePaletteShows)
+{
+    QSignalSpy told(m_pPlugin, SIGNAL(updatePluginValidity(QWidget*, bool)));
+    Opened& opened = open(mouse());
+    EXPECT_TRUE(lastValidity(told));
+    addTab(opened, "unmixing");
+    m_pPlugin->onSignalSequenceChanged(opened.sequence.get());
+    EXPECT_TRUE(lastValidity(told));
+    addTab(opened, "Unmixed Images");
+    m_pPlugin->onSignalUpdatePluginPalette("Unmixed Images");
+    EXPECT_TRUE(lastValidity(told));
+    m_pPlugin->onSignalSequenceChanged(opened.sequence.get());
+    EXPECT_FALSE(lastValidity(told));
+    m_pPlugin->onSignalUpdatePluginPalette("Histogram");
+    EXPECT_FALSE(lastValidity(told));
+    m_pPlugin->onSignalUpdatePluginPalette("sequence view");
+    EXPECT_TRUE(lastValidity(told));
+    Q_EMIT opened.sequence->sequencePropertyChanged(opened.sequence.get());
+    EXPECT_FALSE(lastValidity(told));
+    opened.window->removeTabWidget("Unmixed Images");
+    Q_EMIT opened.sequence->sequencePropertyChanged(opened.sequence.get());
+    EXPECT_TRUE(lastValidity(told));
+}
+
+TEST_F(RoadTest, ASequencesOwnSignalsReachThePalette)
+{
+    Opened& first = open(mouse());
+    Opened& second = open(mouse("other mouse"));
+    auto* pTable = find<QTableWidget>("m_pWaveLengthTable");
+    qobject_cast<QCheckBox*>(pTable->cellWidget(0, 0))->setChecked(false);
+    Q_EMIT second.sequence->updateSpumProperties(second.sequence.get());
+    EXPECT_TRUE(qobject_cast<QCheckBox*>(pTable->cellWidget(0, 0))->isChecked());
+    unmixAutomatically();
+    m_answers.asked.clear();
+    m_answers.answer = CORVMessageBox::NoButtonAnswer;
+    Q_EMIT first.sequence->saveExistingAnalysisResult();
+    EXPECT_EQ(m_answers.asked.size(), 1);
+    EXPECT_TRUE(resultItems().isEmpty());
+}
+
+// Exported maps are the concentrations as floats, each over the largest value of its spectrum, which is 1 here.
+TEST_F(RoadTest, TheMapsAreThoseOfTheCommandLineBitForBit)
+{
+    const QString strFolder = mouse();
+    QProcess spum;
+    spum.start(ORV_BINARY_DIR "/bin/spum",
+               {"unmix", strFolder, "--mask", "auto", "--quiet", "--out", m_folder.filePath("by command")});
+    ASSERT_TRUE(spum.waitForFinished(120000));
+    ASSERT_EQ(spum.exitCode(), 0) << spum.readAllStandardError().toStdString();
+    QStringList exported;
+    QObject::connect(m_pPlugin, &CORVToolPalettePluginBase::createSequence,
+                     [&exported](const QStringList& paths, bool) { exported = paths; });
+    open(strFolder);
+    unmixAutomatically();
+    EXPECT_EQ(complaints(), "");
+    click("m_pExportAsSequence");
+    const QDir command(m_folder.filePath("by command"));
+    const QStringList maps = command.entryList({"0*.tif"}, QDir::Files, QDir::Name);
+    ASSERT_EQ(maps.size(), exported.size());
+    ASSERT_GE(maps.size(), 2);
+    for (int k = 0; k < maps.size(); ++k) {
+        const std::vector<double> byCommand = pixelsOf(command.filePath(maps.at(k)));
+        const std::vector<double> byWindow = pixelsOf(QFileInfo(exported.at(k)).path() + "/luminescent.TIF");
+        ASSERT_EQ(byCommand.size(), byWindow.size());
+        int nInside = 0;
+        for (std::size_t i = 0; i < byCommand.size(); ++i) {
+            // Outside the mask the one says so, and the other is 0.
+            const bool bInside = !std::isnan(byCommand[i]);
+            nInside += bInside ? 1 : 0;
+            ASSERT_EQ(byWindow[i], bInside ? byCommand[i] : 0.0) << maps.at(k).toStdString() << ", pixel " << i;
+        }
+        EXPECT_GT(nInside, 300) << maps.at(k).toStdString();
+    }
+}
+
+TEST_F(RoadTest, ResultsAreSavedRenamedLoadedAndDeleted)
+{
+    Opened& opened = open(mouse());
+    unmixAutomatically();
+    auto* pNames = find<QComboBox>("m_pSavedResultsCB");
+    EXPECT_EQ(pNames->currentText(), "SPUM_001(new)");
+    EXPECT_FALSE(find<QAbstractButton>("m_pLoadButton")->isEnabled());
+    click("m_pSaveButton");
+    EXPECT_EQ(savedNames(), QStringList("SPUM_001"));
+    const QDir saved(opened.sequence->getSequenceInfoPath() + "XML/SpecUnmix");
+    ASSERT_EQ(saved.entryList(QDir::Files).size(), 1);
+    EXPECT_TRUE(m_answers.asked.isEmpty());
+
+    pNames->setEditText("kidneys");
+    QKeyEvent enter(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
+    QApplication::sendEvent(m_pPalette, &enter);
+    EXPECT_EQ(savedNames(), QStringList("kidneys"));
+
+    // In a new life of the sequence.
+    const QString strFolder = opened.sequence->getSequenceInfoPath();
+    close(opened);
+    open(strFolder);
+    find<QTabWidget>("tabWidget1")->setCurrentIndex(1);
+    EXPECT_EQ(savedNames(), QStringList("kidneys"));
+    click("m_pLoadButton");
+    EXPECT_EQ(complaints(), "");
+    EXPECT_FALSE(resultItems().isEmpty());
+    EXPECT_EQ(m_opened.back()->window->getCurrentTabName(), "Unmixing");
+    EXPECT_TRUE(find<QWidget>("m_pExportAsSequence")->isEnabled());
+    m_answers.answer = CORVMessageBox::YesButton;
+    click("m_pDeleteButton");
+    EXPECT_EQ(m_answers.asked.last(), "Are you sure you want to delete the results for kidneys?");
+    EXPECT_EQ(savedNames(), QStringList());
+    EXPECT_EQ(saved.entryList(QDir::Files).size(), 0);
+}
+
+TEST_F(RoadTest, TheHostIsLockedForTheTimeOfTheRun)
+{
+    open(mouse());
+    QStringList order;
+    QObject::connect(m_pPlugin, &CORVToolPalettePluginBase::restoreWindowsToMain, [&](bool bBack) {
+        order << QString("%1 %2").arg(bBack ? "unlock" : "lock").arg(m_pPalette->isEnabled() ? "on" : "off");
+    });
+    unmixAutomatically();
+    EXPECT_EQ(order, (QStringList{"lock off", "unlock on"}));
+}
+
+TEST_F(RoadTest, EveryKindOfSequenceGoesTheRoad)
+{
+    const QList<QStringList> kinds{{"epi", "--bands", "6"},
+                                   {"luminescent", "--bands", "6"},
+                                   {"transillumination", "--bands", "6", "--spots", "4"},
+                                   {"temporal"},
+                                   {"cherenkov", "--bands", "6"}};
+    for (const QStringList& kind : kinds) {
+        Opened& opened = open(simulated(kind.first(), QStringList{"--kind"} + kind + QStringList{"--size", "32"}));
+        unmixAutomatically();
+        EXPECT_EQ(complaints(), "") << kind.first().toStdString();
+        EXPECT_FALSE(resultItems().isEmpty()) << kind.first().toStdString();
+        EXPECT_EQ(opened.window->getCurrentTabName(), "Unmixing");
+        m_answers.answer = CORVMessageBox::NoButtonAnswer;
+        close(opened);
+        m_complaints.clear();
+    }
+}
+
+TEST_F(RoadTest, ABatchNeedsTheWindowOfLibraries)
+{
+    open(mouse());
+    QSignalSpy browse(m_pPlugin, SIGNAL(signalLoadBrowseWindow(QList<QString>, QList<QString>)));
+    ASSERT_TRUE(browse.isValid());
+    CORVUtilityFns::setSpumBatchStatus(true);
+    m_pPlugin->onLoadUnmixDlg();
+    EXPECT_FALSE(CORVUtilityFns::getSpumBatchStatus());
+    EXPECT_EQ(browse.count(), 0);
+    EXPECT_EQ(m_complaints.size(), 1);
+    ASSERT_TRUE(QMetaObject::invokeMethod(m_pPlugin, "onSignalLoadBrowseWindow"));
+    EXPECT_EQ(browse.count(), 1);
+}
+
+} // namespace
