@@ -65,8 +65,8 @@ void SpUnmixWizardWnd::init()
     auto* pViewLayout = new QVBoxLayout(m_pMaskFrame);
     pViewLayout->setContentsMargins(0, 0, 0, 0);
     pViewLayout->addWidget(m_pImageView, 1);
-    setTabOrder(m_pImageView, m_pPhotoRB);
 
+    orderTabs();
     connectControls();
     addProbeKeys();
     for (QWidget* pButton : {m_pRectRB, m_pEllipseRB}) {
@@ -86,6 +86,36 @@ void SpUnmixWizardWnd::init()
     m_bApplyDecayCorrection = false;
     m_dHalfLifeSeconds = 0.0;
     initCherenkov();
+}
+
+// As they are seen. The form cannot tell it: the view is none of its widgets, and moving one after another takes that
+// one from its place.
+void SpUnmixWizardWnd::orderTabs()
+{
+    const QList<QWidget*> widgets{m_pImageView,
+                                  m_pPhotoRB,
+                                  m_pDrawMaskRB,
+                                  m_pThresholdSlider,
+                                  m_pThresholdSpinBox,
+                                  m_pRectRB,
+                                  m_pEllipseRB,
+                                  m_pSubjectCB,
+                                  m_pTissueAFCB,
+                                  m_pFoodAFCB,
+                                  m_pProbeTable,
+                                  m_pAddProbeTB,
+                                  m_pRemoveProbeTB,
+                                  m_pMatchCB,
+                                  m_pUseConstraintsCB,
+                                  m_pCherenkovIsotopeCombobox,
+                                  m_pCherenkovHalfLifeEditBox,
+                                  m_pApplyCherenkovDecayCorrectionCkb,
+                                  m_pPCABtn,
+                                  button(QWizard::FinishButton),
+                                  button(QWizard::CancelButton)};
+    for (int i = 1; i < widgets.size(); ++i) {
+        setTabOrder(widgets[i - 1], widgets[i]);
+    }
 }
 
 void SpUnmixWizardWnd::connectControls()

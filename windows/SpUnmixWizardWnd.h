@@ -106,6 +106,7 @@ protected:
     bool eventFilter(QObject* pWatched, QEvent* pEvent) override;
 
 private:
+    void orderTabs();
     void connectControls();
     void addProbeKeys();
     void initCherenkov();

@@ -13,6 +13,7 @@
 #include <QToolButton>
 
 #include <cmath>
+#include <vector>
 
 namespace {
 
@@ -531,6 +532,34 @@ TEST_F(CompositeWindowTest, EveryControlHasAName)
         ASSERT_NE(pInterface, nullptr);
         EXPECT_NE(pInterface->text(QAccessible::Name), "")
             << pWidget->metaObject()->className() << " " << qPrintable(pWidget->objectName());
+    }
+}
+
+TEST_F(CompositeWindowTest, TheTabKeyGoesThroughTheWindowAsItIsSeen)
+{
+    fillAndShow();
+    QApplication::setActiveWindow(&m_window);
+    const std::vector<const QWidget*> expected{m_window.m_pMinSpinBox,
+                                               m_window.m_pMaxSpinBox,
+                                               nullptr,
+                                               nullptr, // the ends of the slider
+                                               m_window.m_pColorBtn,
+                                               m_window.m_pLogScaleChkBox,
+                                               m_window.m_pBrightnessSlider,
+                                               m_window.m_pBrightnessSpinBox,
+                                               m_window.m_pLabelEdit,
+                                               m_window.m_pCloseBtn,
+                                               m_window.m_pView,
+                                               m_window.m_pImageList};
+    m_window.m_pImageList->setFocus();
+    for (const QWidget* pNext : expected) {
+        QTest::keyClick(m_window.focusWidget(), Qt::Key_Tab);
+        if (pNext == nullptr) {
+            EXPECT_TRUE(m_window.m_pDataSpanSlider->isAncestorOf(m_window.focusWidget()));
+        } else {
+            EXPECT_EQ(m_window.focusWidget(), pNext)
+                << qPrintable(m_window.focusWidget()->objectName()) << " for " << qPrintable(pNext->objectName());
+        }
     }
 }
 

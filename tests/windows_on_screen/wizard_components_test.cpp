@@ -10,6 +10,8 @@
 #include <QSignalSpy>
 #include <QWheelEvent>
 
+#include <vector>
+
 namespace {
 
 class WizardComponentsTest : public WizardTest
@@ -160,6 +162,31 @@ TEST_F(WizardComponentsTest, TheTabKeyGoesThroughTheRows)
     }
     QTest::keyClick(m_wizard.focusWidget(), Qt::Key_Tab);
     EXPECT_EQ(m_wizard.focusWidget(), m_wizard.m_pAddProbeTB);
+}
+
+TEST_F(WizardComponentsTest, TheTabKeyGoesThroughThePageAsItIsSeen)
+{
+    open(m_photo);
+    const std::vector<const QWidget*> expected{m_wizard.m_pPhotoRB,
+                                               m_wizard.m_pThresholdSlider,
+                                               m_wizard.m_pThresholdSpinBox,
+                                               m_wizard.m_pSubjectCB,
+                                               m_wizard.m_pTissueAFCB,
+                                               m_wizard.m_pFoodAFCB,
+                                               m_wizard.m_pProbeTable,
+                                               row(0),
+                                               m_wizard.m_pAddProbeTB,
+                                               m_wizard.m_pRemoveProbeTB,
+                                               m_wizard.m_pPCABtn,
+                                               &finish(),
+                                               m_wizard.button(QWizard::CancelButton),
+                                               m_wizard.m_pImageView};
+    m_wizard.m_pImageView->setFocus();
+    for (const QWidget* pNext : expected) {
+        QTest::keyClick(m_wizard.focusWidget(), Qt::Key_Tab);
+        EXPECT_EQ(m_wizard.focusWidget(), pNext)
+            << qPrintable(m_wizard.focusWidget()->objectName()) << " for " << qPrintable(pNext->objectName());
+    }
 }
 
 TEST_F(WizardComponentsTest, TheWheelOverARowWithoutTheFocusChoosesNothing)

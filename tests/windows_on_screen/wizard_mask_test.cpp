@@ -281,6 +281,22 @@ TEST_F(WizardMaskTest, AZoomedViewDrawsOverThePixelsUnderIt)
     EXPECT_NEAR(drawn().right(), fitted.right(), 2);
 }
 
+TEST_F(WizardMaskTest, AMaskCanBeDrawnByKeysAlone)
+{
+    openToDraw(m_photo);
+    m_wizard.m_pImageView->setFocus();
+    QTest::keyClick(m_wizard.m_pImageView, Qt::Key_A, Qt::ControlModifier);
+    const QRect whole = drawn();
+    EXPECT_GE(whole.width(), 126);
+    EXPECT_TRUE(finish().isEnabled());
+    for (int i = 0; i < 20; ++i) {
+        QTest::keyClick(m_wizard.m_pImageView, Qt::Key_Left, Qt::ShiftModifier);
+    }
+    EXPECT_LT(drawn().width(), whole.width());
+    QTest::keyClick(m_wizard.m_pImageView, Qt::Key_Delete);
+    EXPECT_FALSE(finish().isEnabled());
+}
+
 TEST_F(WizardMaskTest, EscapeInTheViewTakesTheDrawingBackAndThenCancels)
 {
     openToDraw(m_photo);
