@@ -15,6 +15,15 @@ add_library(opencv_minimal INTERFACE)
 target_include_directories(opencv_minimal SYSTEM INTERFACE ${OPENCV_INCLUDE_DIR})
 target_link_libraries(opencv_minimal INTERFACE ${OPENCV_IMGPROC_LIBRARY} ${OPENCV_CORE_LIBRARY})
 
+# Pictures as DICOM. The configuration that the package brings asks for the tools of another package.
+find_path(DCMTK_INCLUDE_DIR dcmtk/dcmdata/dctk.h REQUIRED)
+find_library(DCMTK_DATA_LIBRARY dcmdata REQUIRED)
+find_library(DCMTK_LOG_LIBRARY oflog REQUIRED)
+find_library(DCMTK_STANDARD_LIBRARY ofstd REQUIRED)
+add_library(dcmtk_minimal INTERFACE)
+target_include_directories(dcmtk_minimal SYSTEM INTERFACE ${DCMTK_INCLUDE_DIR})
+target_link_libraries(dcmtk_minimal INTERFACE ${DCMTK_DATA_LIBRARY} ${DCMTK_LOG_LIBRARY} ${DCMTK_STANDARD_LIBRARY})
+
 if(ORV_TESTS)
   find_package(GTest REQUIRED)
   find_package(rapidcheck REQUIRED)

@@ -4,6 +4,10 @@
 set -eu
 for program in "$1"/bench_*; do
     [ -x "$program" ] || continue
-    echo "== $(basename "$program")"
-    "$program"
+    name=$(basename "$program")
+    echo "== $name"
+    case $name in
+    bench_console | bench_windows) "$(dirname "$0")/with-xvfb.sh" "$program" ;; # draws with OpenGL
+    *) "$program" ;;
+    esac
 done

@@ -66,10 +66,7 @@ if ((${#files[@]} == 0)); then
 fi
 
 cmake --preset tidy --log-level=WARNING >/dev/null
-# Sources that include what moc writes.
-mapfile -t with_moc < <(grep -l '^#include ".*\.moc"' "${files[@]}" || true)
-if ((${#with_moc[@]} > 0)); then
-    ninja -C "$build" -t targets all | sed -n 's/: .*//; /_autogen$/p' | grep -v / | xargs -r ninja -C "$build" >/dev/null
-fi
+# What moc and uic write is included by sources, and by headers of windows.
+ninja -C "$build" -t targets all | sed -n 's/: .*//; /_autogen$/p' | grep -v / | xargs -r ninja -C "$build" >/dev/null
 printf '%s\0' "${files[@]}" | xargs -0 -P "${JOBS:-2}" -n 2 clang-tidy -p "$build" --quiet 2> >(grep -v 'warnings\? generated' >&2)
 echo "tidy: ${#files[@]} sources"

@@ -57,6 +57,7 @@ void SpUnmixCompositeWnd::createToolbar()
     m_pSetBackgroundTB->setPopupMode(QToolButton::MenuButtonPopup);
     m_pSetBackgroundTB->setMinimumWidth(kBackgroundWidth);
     m_pSetBackgroundTB->setMenu(new QMenu(m_pSetBackgroundTB));
+    m_pBackgrounds = new QActionGroup(this);
     m_pTransferBtn = addButton(frame, QStringLiteral("m_pTransferBtn"), tr("Show as Overview of the Image Cube"));
     m_pCopyToClipboardButton = addButton(frame, QStringLiteral("m_pCopyToClipboardButton"), tr("Copy to Clipboard"));
     m_pExportGraphicButton =
@@ -98,8 +99,6 @@ void SpUnmixCompositeWnd::rebuildBackgroundMenu()
 {
     QMenu* pMenu = m_pSetBackgroundTB->menu();
     pMenu->clear();
-    delete pMenu->findChild<QActionGroup*>();
-    auto* pGroup = new QActionGroup(pMenu);
     QStringList texts{photographText()};
     if (m_bHasXRay) {
         texts.append(xRayText());
@@ -107,7 +106,7 @@ void SpUnmixCompositeWnd::rebuildBackgroundMenu()
     for (const QString& strText : texts) {
         QAction* pAction = pMenu->addAction(strText);
         pAction->setCheckable(true);
-        pGroup->addAction(pAction);
+        m_pBackgrounds->addAction(pAction);
     }
     pMenu->actions().first()->setChecked(true);
     updateIcons();

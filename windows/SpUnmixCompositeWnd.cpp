@@ -104,6 +104,8 @@ void SpUnmixCompositeWnd::init()
     m_pSpotLabel->hide();
     m_pSpotSpinBox->hide();
     createToolbar();
+    m_pWhenIdle = new QTimer(this);
+    m_pWhenIdle->setSingleShot(true);
     connectControls();
 }
 
@@ -126,6 +128,11 @@ void SpUnmixCompositeWnd::connectControls()
     connect(m_pSpotSpinBox, qOverload<int>(&QSpinBox::valueChanged), this,
             [this](int nSpot) { setCurrentSpot(nSpot - 1); });
     connect(m_pCloseBtn, &QPushButton::clicked, this, &Wnd::onClickClose);
+    connect(m_pWhenIdle, &QTimer::timeout, this, [this] {
+        if (isVisible()) {
+            computeWhenDue();
+        }
+    });
 }
 
 void SpUnmixCompositeWnd::setCompositeData(CILImage* pPhoto, const XTNT::Matrix<double>& concentrations, int nUnitIndex,
@@ -171,11 +178,7 @@ void SpUnmixCompositeWnd::setCompositeData(CILImage* pPhoto, const XTNT::Matrix<
     // Several in a row, as of a scan, make one picture.
     m_bStale = true;
     m_bDue = true;
-    QTimer::singleShot(0, this, [this] {
-        if (isVisible()) {
-            computeWhenDue();
-        }
-    });
+    m_pWhenIdle->start();
 }
 
 void SpUnmixCompositeWnd::takeLayers(const QList<CompositeLayer>& layers)

@@ -20,7 +20,9 @@
 
 class CORVQImageView;
 class QAction;
+class QActionGroup;
 class QFrame;
+class QTimer;
 class QToolButton;
 
 // Overlays the maps of an analysis into one false-colour picture, each in its own colour, over a photograph or an X-ray
@@ -132,6 +134,8 @@ private:
     const QPair<double, double>& currentRange() const;
     void setBrightness(double dPercent);
 
+    QActionGroup* m_pBackgrounds = nullptr;
+    QTimer* m_pWhenIdle = nullptr;
     bool m_bStale = false; // the picture is not that of the controls
     bool m_bDue = false;   // it is to be made
 };

@@ -3,6 +3,7 @@
 
 #include "host/CILImage.h"
 
+#include <QImage>
 #include <QString>
 
 // TIFF files. Every function is safe to call from several threads at once, prints nothing, and on failure gives false
@@ -68,3 +69,5 @@ int tiffPageCount(const QString& path, QString* error);
 // Writes the pixels in their own type, beside the target first and renamed when all is on disk: after a failure the
 // target is as it was. A file that would pass 4 GB becomes a BigTIFF.
 bool writeTiff(const QString& path, const CILImage& image, const TiffWriteOptions& options, QString* error);
+// The same for a picture, as red, green and blue of 8 bits each; what shines through is not told.
+bool writeTiff(const QString& path, const QImage& picture, const TiffWriteOptions& options, QString* error);

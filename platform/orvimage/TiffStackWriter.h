@@ -23,11 +23,15 @@ public:
     bool begin(const QString& path, std::uint64_t pixelBytes, QString* error);
     // Appends a page in the image's own pixel type. An empty image is refused.
     bool add(const CILImage& image, const TiffWriteOptions& options, QString* error);
+    // Appends a picture as red, green and blue of 8 bits each.
+    bool add(const QImage& picture, const TiffWriteOptions& options, QString* error);
     // Brings all to the disk and puts the file in its place.
     bool finish(QString* error);
 
 private:
     struct Output;
+    struct Page;
+    bool addPage(const Page& page, const TiffWriteOptions& options, QString* error);
     bool fail(const QString& sentence, QString* error);
     // As fail(), for what the open file tells.
     bool failWriting(QString* error);

@@ -32,6 +32,7 @@
 #include <QPushButton>
 #include <QStyle>
 #include <QTableView>
+#include <QTextOption>
 #include <QTimer>
 #include <QVBoxLayout>
 
@@ -83,7 +84,7 @@ ImportDialog::ImportDialog(const QStringList& paths, QWidget* pParent)
     resize(860, 640);
     connectControls();
     takeSource(ImportSource::of(paths));
-    m_pImportButton->setFocus();
+    m_pFolderButton->setFocus();
 }
 
 ImportDialog::~ImportDialog() = default;
@@ -121,6 +122,8 @@ void ImportDialog::makeControls()
     m_pSourceEdit->setReadOnly(true);
     m_pSummaryLabel->setTextFormat(Qt::PlainText);
     m_pMessages->setReadOnly(true);
+    m_pMessages->setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    m_pIntervalEdit->setMinimumWidth(fontMetrics().horizontalAdvance(QStringLiteral("not known...")) + 16);
     m_pMessages->setTabChangesFocus(true);
     m_pMessages->setFixedHeight(m_pMessages->fontMetrics().lineSpacing() * kMessageLines + 12);
     m_pTableView->setModel(m_pModel);
@@ -370,6 +373,11 @@ void ImportDialog::endLook(bool bSuccess, const QString& strError)
     if (!table.isReady() && m_source.files.isEmpty() && QFileInfo(own).isFile()) {
         takeOwnTable(own);
     }
+    if (m_pImportButton->isEnabled()) {
+        m_pImportButton->setFocus();
+    } else {
+        m_pTableView->setFocus();
+    }
 }
 
 void ImportDialog::chooseTable()
@@ -400,9 +408,9 @@ void ImportDialog::showTable()
 {
     const ImportTable& shown = m_pModel->table();
     m_pKindBox->setCurrentIndex(static_cast<int>(shown.kind()));
-    m_pTableView->resizeColumnsToContents();
-    // A long name leaves room for the figures.
-    for (int column = 0; column < m_pModel->columnCount(); ++column) {
+    // The last one takes what is left; a long name leaves room for the figures.
+    for (int column = 0; column + 1 < m_pModel->columnCount(); ++column) {
+        m_pTableView->resizeColumnToContents(column);
         const int most = m_pTableView->width() / 3;
         if (m_pTableView->columnWidth(column) > most && most > 0) {
             m_pTableView->setColumnWidth(column, most);

@@ -18,7 +18,7 @@ void ImportTableModel::setTable(const ImportTable& table)
 {
     beginResetModel();
     m_table = table;
-    m_columns = m_table.columns();
+    m_columns = table.count() > 0 ? table.columns() : QVector<ImportTable::Column>();
     endResetModel();
     Q_EMIT tableChanged();
 }

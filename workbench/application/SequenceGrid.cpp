@@ -249,6 +249,7 @@ void SequenceGrid::arrangeFilters(const QVector<TileKey>& keys)
         for (int i = m_bPhotograph ? 1 : 0; i < m_columnTitles.size(); ++i) {
             m_columnTitles[i] = QStringLiteral("Emission\n%1").arg(m_columnTitles.at(i));
         }
+        setCaptions(each(keys, filters).replaceInStrings(QStringLiteral(" nm"), QString()));
     }
 }
 

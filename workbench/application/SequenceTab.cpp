@@ -109,12 +109,12 @@ QWidget* SequenceTab::makeBar()
     pUpper->addWidget(m_pReversedBox);
     pUpper->addWidget(m_pLogBox);
     pUpper->addStretch(1);
+    pUpper->addWidget(m_pStateLabel);
     auto* pLower = new QHBoxLayout;
     pLower->addWidget(label(tr("Sc&ale:"), m_pScaleBox));
     pLower->addWidget(m_pScaleBox);
     pLower->addSpacing(8);
     pLower->addWidget(m_pColorBar, 1);
-    pLower->addWidget(m_pStateLabel);
     pLower->addSpacing(8);
     pLower->addWidget(label(tr("Si&ze:"), m_pSizeSlider));
     pLower->addWidget(m_pSizeSlider);

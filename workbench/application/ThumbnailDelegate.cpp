@@ -37,11 +37,14 @@ void drawSign(QPainter& painter, const QRectF& place, const QColor& ink)
     painter.setPen(ink);
 }
 
-QString rangeText(const DisplayRange& range)
+// The upper end alone where both find no room.
+QString rangeText(const DisplayRange& range, const QFontMetrics& metrics, int width)
 {
     const QLocale locale;
-    return QStringLiteral("%1 to %2")
-        .arg(locale.toString(range.minimum, 'g', 3), locale.toString(range.maximum, 'g', 3));
+    const QString upper = QStringLiteral("≤ %1").arg(locale.toString(range.maximum, 'g', 2));
+    const QString both =
+        QStringLiteral("%1 to %2").arg(locale.toString(range.minimum, 'g', 3), locale.toString(range.maximum, 'g', 3));
+    return metrics.horizontalAdvance(both) <= width ? both : upper;
 }
 
 } // namespace
@@ -103,8 +106,8 @@ void ThumbnailDelegate::paint(QPainter* pPainter, const QStyleOptionViewItem& op
         }
     }
     pPainter->setPen(chosen ? option.palette.color(QPalette::HighlightedText) : ink);
-    QRect line(option.rect.left() + kMargin, option.rect.bottom() - kMargin - textHeight(option.fontMetrics, range) + 3,
-               option.rect.width() - 2 * kMargin, option.fontMetrics.height());
+    QRect line(option.rect.left() + 2, option.rect.bottom() - kMargin - textHeight(option.fontMetrics, range) + 3,
+               option.rect.width() - 4, option.fontMetrics.height());
     const auto write = [&](const QString& text) {
         pPainter->drawText(line, Qt::AlignHCenter | Qt::AlignVCenter | Qt::TextSingleLine,
                            option.fontMetrics.elidedText(text, Qt::ElideMiddle, line.width()));
@@ -112,7 +115,7 @@ void ThumbnailDelegate::paint(QPainter* pPainter, const QStyleOptionViewItem& op
     };
     write(pModel->grid().caption(tile));
     if (range && !thumbnails.range(tile).isEmpty()) {
-        write(rangeText(thumbnails.range(tile)));
+        write(rangeText(thumbnails.range(tile), option.fontMetrics, line.width()));
     }
     pPainter->restore();
 }

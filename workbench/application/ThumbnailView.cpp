@@ -17,6 +17,7 @@ namespace {
 
 constexpr double kStep = 1.15; // of a notch of the wheel
 constexpr int kNotch = 120;
+constexpr double kMostNotches = 20.0; // at once
 // Sides of thumbnails that are chosen for the room there is.
 constexpr int kLeastFitting = 64;
 constexpr int kMostFitting = 256;
@@ -139,7 +140,8 @@ void ThumbnailView::wheelEvent(QWheelEvent* pEvent)
         QTableView::wheelEvent(pEvent);
         return;
     }
-    const double notches = static_cast<double>(pEvent->angleDelta().y()) / kNotch;
+    const double notches =
+        std::clamp(static_cast<double>(pEvent->angleDelta().y()) / kNotch, -kMostNotches, kMostNotches);
     setSide(static_cast<int>(std::lround(m_nSide * std::pow(kStep, notches))));
     pEvent->accept();
 }

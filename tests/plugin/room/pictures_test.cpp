@@ -12,8 +12,11 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QGuiApplication>
+#include <QHelpEvent>
+#include <QRegularExpression>
 #include <QSignalSpy>
 #include <QToolButton>
+#include <QToolTip>
 
 using namespace workarea;
 
@@ -61,6 +64,30 @@ TEST_F(PicturesTest, AMapOpensAsADatasetOfTheHost)
     EXPECT_TRUE(m_maps[0]->isSequenceWindowMember);
     EXPECT_EQ(QDir(m_maps[0]->folderPath()).dirName(), "Unmixed Result 2");
     EXPECT_EQ(complaints(), "");
+}
+
+// The tool tip of a tile.
+QString tipOf(CORVDistributionView& view, int nTile)
+{
+    const QPoint at = view.imageRect(nTile).center().toPoint();
+    QHelpEvent help(QEvent::ToolTip, at, view.mapToGlobal(at));
+    QApplication::sendEvent(&view, &help);
+    const QString text = QToolTip::text();
+    QToolTip::hideText();
+    return text;
+}
+
+TEST_F(PicturesTest, ATileTellsTheRangeOfItsMapInTheUnitOfTheResult)
+{
+    unmix();
+    CORVDistributionView& view = *engine().m_pConsole->distributionView();
+    ASSERT_EQ(view.getImageNumber(), 3);
+    for (int i = 0; i < 2; ++i) {
+        const QString tip = tipOf(view, i);
+        EXPECT_TRUE(QRegularExpression("<br>[0-9.e+-]+ to [0-9.e+-]+ \\([A-Z][A-Za-z ]+\\)$").match(tip).hasMatch())
+            << qPrintable(tip);
+    }
+    EXPECT_EQ(tipOf(view, 2), "Composite");
 }
 
 TEST_F(PicturesTest, AHostThatOpensNothingIsStood)

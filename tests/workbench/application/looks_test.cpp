@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The windows of images on all kinds of sequences, in light and dark palettes, kept in the build folder to be looked
 // at. What can be told of them without eyes is tested here.
+#include "look.h"
 #include "simulated.h"
 #include "support/screen.h"
 
@@ -48,7 +49,7 @@ TEST_P(WindowsLookTest, ShowEverything)
     ASSERT_TRUE(QTest::qWaitFor([&] { return tab.thumbnails().isFinished(); }, 20000));
     tab.view()->setFocus();
     tab.view()->setCurrentTile(1);
-    screen::keep(screen::grab(tab), (std::string("sequence_") + GetParam().name).c_str());
+    look::keep(tab, (std::string("sequence_") + GetParam().name).c_str());
     for (int i = 0; i < tab.thumbnails().tiles().count(); ++i) {
         EXPECT_EQ(tab.thumbnails().state(i), Thumbnails::State::Ready) << i;
     }
@@ -57,7 +58,7 @@ TEST_P(WindowsLookTest, ShowEverything)
     window.resize(GetParam().size);
     window.setAutoFillBackground(true);
     screen::show(window);
-    screen::keep(screen::grab(window), (std::string("dataset_") + GetParam().name).c_str());
+    look::keep(window, (std::string("dataset_") + GetParam().name).c_str());
 }
 
 const QSize kSmall(690, 520);   // beside the palette at 1024 x 700

@@ -1,0 +1,320 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "workbench/application/ImportDialog.h"
+
+#include "look.h"
+#include "support/screen.h"
+
+#include "host/CILImage.h"
+#include "host/CORVDataset.h"
+#include "host/CORVSequenceDataset.h"
+#include "platform/orvimage/TiffIo.h"
+#include "workbench/application/ImportTable.h"
+#include "workbench/application/ImportTableModel.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QTableView>
+#include <QTemporaryDir>
+
+namespace {
+
+class ImportDialogTest : public ::testing::Test
+{
+protected:
+    void SetUp() override { ASSERT_TRUE(QDir(m_folder.path()).mkdir("stack")); }
+
+    QString writeImage(const QString& name, double base, long side = 16)
+    {
+        CILImage image;
+        image.InitWithType(ORVTYPE_USHORT, side, side);
+        for (std::size_t i = 0; i < image.pixelCount(); ++i) {
+            image.setValue(i, base + static_cast<double>(i % 100));
+        }
+        QString error;
+        const QString path = m_folder.filePath("stack/" + name);
+        EXPECT_TRUE(writeTiff(path, image, TiffWriteOptions(), &error)) << qPrintable(error);
+        return path;
+    }
+    void writeNamed()
+    {
+        for (const char* name : {"ex640_em700.tif", "ex640_em720.tif", "ex675_em720.tif", "ex675_em740.tif"}) {
+            writeImage(name, 100);
+        }
+    }
+    void open(const QStringList& paths)
+    {
+        m_pDialog = std::make_unique<ImportDialog>(paths);
+        screen::show(*m_pDialog);
+        m_pDialog->activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(m_pDialog.get()));
+        wait();
+    }
+    void open() { open({m_folder.filePath("stack")}); }
+    void wait()
+    {
+        ASSERT_TRUE(QTest::qWaitFor([&] { return !child<QPushButton>("m_pAbortButton").isVisible(); }, 20000));
+    }
+    template <typename Widget>
+    Widget& child(const char* name)
+    {
+        auto* pWidget = m_pDialog->findChild<Widget*>(name);
+        EXPECT_NE(pWidget, nullptr) << name;
+        return *pWidget;
+    }
+    QPushButton& importButton() { return child<QPushButton>("m_pImportButton"); }
+    QString messages() { return child<QPlainTextEdit>("m_pMessages").toPlainText(); }
+    QAbstractItemModel& model() { return *child<QTableView>("m_pTableView").model(); }
+    void import()
+    {
+        ASSERT_TRUE(importButton().isEnabled()) << qPrintable(messages());
+        QTest::mouseClick(&importButton(), Qt::LeftButton);
+        wait();
+    }
+
+    QTemporaryDir m_folder;
+    std::unique_ptr<ImportDialog> m_pDialog;
+};
+
+TEST_F(ImportDialogTest, AnImportThatNeedsNoCorrectionIsOneClickFromHere)
+{
+    writeNamed();
+    open();
+    EXPECT_EQ(child<QLabel>("m_pSummaryLabel").text(), "4 images: fluorescence, 2 excitations, 3 emissions");
+    EXPECT_TRUE(importButton().isEnabled());
+    EXPECT_TRUE(importButton().hasFocus());
+    look::keep(*m_pDialog, "import_ready");
+    import();
+    EXPECT_EQ(m_pDialog->result(), QDialog::Accepted);
+    EXPECT_EQ(m_pDialog->sequenceFolder(), m_folder.filePath("stack_sequence"));
+    CORVSequenceDataset sequence;
+    ASSERT_EQ(sequence.open(m_pDialog->sequenceFolder()), ESTATUS_SUCCESS);
+    EXPECT_EQ(sequence.getDatasets().size(), 4);
+    EXPECT_EQ(sequence.getDatasets().at(0)->getEmissionFilter(), "700nm");
+}
+
+TEST_F(ImportDialogTest, NothingIsWrittenBeforeTheClick)
+{
+    writeNamed();
+    open();
+    m_pDialog->reject();
+    EXPECT_FALSE(m_pDialog->isVisible());
+    EXPECT_EQ(m_pDialog->sequenceFolder(), "");
+    EXPECT_EQ(QDir(m_folder.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot), QStringList{"stack"});
+}
+
+TEST_F(ImportDialogTest, WhatIsMissingIsMarkedAndCanBeTyped)
+{
+    writeImage("ex640_em700.tif", 100);
+    writeImage("ex640_b.tif", 100);
+    open();
+    EXPECT_FALSE(importButton().isEnabled());
+    EXPECT_TRUE(messages().contains("1 cell is to be filled in")) << qPrintable(messages());
+    const int row = model().index(0, 3).data() == "?" ? 0 : 1;
+    const QModelIndex cell = model().index(row, 3);
+    EXPECT_EQ(cell.data(), "?");
+    look::keep(*m_pDialog, "import_missing");
+    auto& table = child<QTableView>("m_pTableView");
+    table.setFocus();
+    table.setCurrentIndex(cell);
+    for (const char key : {'7', '2', '0'}) {
+        QTest::keyClick(QApplication::focusWidget(), key);
+    }
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+    QApplication::processEvents(); // the view commits behind the key
+    EXPECT_EQ(model().index(row, 3).data(), "720");
+    EXPECT_TRUE(importButton().isEnabled()) << qPrintable(messages());
+    EXPECT_TRUE(m_pDialog->isVisible()) << "Return commits the cell and nothing else";
+    import();
+    EXPECT_EQ(m_pDialog->result(), QDialog::Accepted);
+}
+
+TEST_F(ImportDialogTest, ADoubtIsSettledByATick)
+{
+    writeImage("ex640-660.tif", 100);
+    writeImage("ex675-700.tif", 100);
+    open();
+    auto& confirm = child<QCheckBox>("m_pConfirmBox");
+    ASSERT_TRUE(m_pDialog->table().isInDoubt());
+    EXPECT_TRUE(confirm.isVisible());
+    auto& table = child<QTableView>("m_pTableView");
+    EXPECT_TRUE(model().index(0, 1).data(Qt::ToolTipRole).toString().contains("could be a range"));
+    for (int row = 0; row < 2; ++row) {
+        model().setData(model().index(row, 2), row == 0 ? "640" : "675", Qt::EditRole);
+    }
+    EXPECT_FALSE(m_pDialog->table().isInDoubt());
+    EXPECT_FALSE(confirm.isVisible());
+    static_cast<void>(table);
+    EXPECT_TRUE(importButton().isEnabled()) << qPrintable(messages());
+}
+
+TEST_F(ImportDialogTest, NumberedFramesBecomeTimesByTheSecondsBetweenThem)
+{
+    for (const char* name : {"img_1.tif", "img_2.tif", "img_3.tif"}) {
+        writeImage(name, 100);
+    }
+    open();
+    EXPECT_FALSE(importButton().isEnabled());
+    auto& interval = child<QLineEdit>("m_pIntervalEdit");
+    interval.setFocus();
+    QTest::keyClicks(&interval, "30");
+    QTest::keyClick(&interval, Qt::Key_Return);
+    wait();
+    EXPECT_EQ(child<QComboBox>("m_pKindBox").currentIndex(), static_cast<int>(ImportTable::Kind::Times));
+    EXPECT_EQ(m_pDialog->table().text(2, ImportTable::Time), "90");
+    look::keep(*m_pDialog, "import_times");
+    import();
+    CORVSequenceDataset sequence;
+    ASSERT_EQ(sequence.open(m_pDialog->sequenceFolder()), ESTATUS_SUCCESS);
+    EXPECT_TRUE(sequence.isKyvoSequence());
+}
+
+TEST_F(ImportDialogTest, ATableBesideImagesThatTellNothingIsTaken)
+{
+    writeImage("a.tif", 100);
+    writeImage("b.tif", 100);
+    QFile file(m_folder.filePath("stack/images.csv"));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("file,excitation,emission\na.tif,488,510\nb.tif,488,530\n");
+    file.close();
+    open();
+    EXPECT_TRUE(messages().contains("taken from images.csv")) << qPrintable(messages());
+    EXPECT_TRUE(importButton().isEnabled());
+    EXPECT_EQ(m_pDialog->table().text(1, ImportTable::Emission), "530");
+}
+
+TEST_F(ImportDialogTest, SeveralFilesOfAFolderUseTheseAlone)
+{
+    writeNamed();
+    open({m_folder.filePath("stack/ex640_em700.tif"), m_folder.filePath("stack/ex640_em720.tif")});
+    EXPECT_EQ(m_pDialog->table().usedCount(), 2);
+    import();
+    CORVSequenceDataset sequence;
+    ASSERT_EQ(sequence.open(m_pDialog->sequenceFolder()), ESTATUS_SUCCESS);
+    EXPECT_EQ(sequence.getDatasets().size(), 2);
+}
+
+TEST_F(ImportDialogTest, AnOutputThatExistsIsReplacedOnlyWhenThatIsTicked)
+{
+    writeNamed();
+    open();
+    const QString output = m_folder.filePath("there");
+    ASSERT_TRUE(QDir().mkdir(output));
+    child<QLineEdit>("m_pOutputEdit").setText(output);
+    EXPECT_FALSE(importButton().isEnabled());
+    EXPECT_TRUE(messages().contains("exists already")) << qPrintable(messages());
+    child<QCheckBox>("m_pReplaceBox").click();
+    import();
+    EXPECT_EQ(m_pDialog->result(), QDialog::Accepted);
+    EXPECT_EQ(m_pDialog->sequenceFolder(), output);
+}
+
+TEST_F(ImportDialogTest, AnErrorIsToldInTheDialogWhichStays)
+{
+    writeNamed();
+    writeImage("ex700_em740.tif", 100, 8);
+    open();
+    import();
+    EXPECT_TRUE(m_pDialog->isVisible());
+    EXPECT_TRUE(messages().contains("ex700_em740.tif")) << qPrintable(messages());
+    EXPECT_FALSE(messages().contains("inferred table")) << qPrintable(messages());
+    EXPECT_FALSE(messages().contains("--")) << qPrintable(messages());
+    look::keep(*m_pDialog, "import_error");
+    EXPECT_FALSE(QFileInfo::exists(m_folder.filePath("stack_sequence")));
+    // The row in question, left out, is no obstacle any more.
+    for (int row = 0; row < model().rowCount(); ++row) {
+        if (m_pDialog->table().text(row, ImportTable::Image).startsWith("ex700")) {
+            model().setData(model().index(row, 0), Qt::Unchecked, Qt::CheckStateRole);
+        }
+    }
+    import();
+    EXPECT_EQ(m_pDialog->result(), QDialog::Accepted);
+}
+
+TEST_F(ImportDialogTest, AFolderWithoutImagesIsToldAndAnotherCanBeChosen)
+{
+    open();
+    EXPECT_TRUE(messages().contains("no TIFF file")) << qPrintable(messages());
+    EXPECT_FALSE(importButton().isEnabled());
+    EXPECT_TRUE(child<QPushButton>("m_pFolderButton").isEnabled());
+    look::keep(*m_pDialog, "import_nothing");
+}
+
+TEST_F(ImportDialogTest, EscapeStopsAnImportAndLeavesNothing)
+{
+    for (int i = 0; i < 40; ++i) {
+        writeImage(QStringLiteral("ex640_em%1.tif").arg(500 + i), 100, 512);
+    }
+    open();
+    ASSERT_TRUE(importButton().isEnabled()) << qPrintable(messages());
+    importButton().click();
+    EXPECT_TRUE(child<QPushButton>("m_pAbortButton").isVisible());
+    EXPECT_FALSE(child<QTableView>("m_pTableView").isEnabled());
+    QTest::keyClick(m_pDialog.get(), Qt::Key_Escape);
+    wait();
+    EXPECT_TRUE(m_pDialog->isVisible());
+    EXPECT_TRUE(messages().contains("aborted")) << qPrintable(messages());
+    EXPECT_EQ(QDir(m_folder.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+              QStringList{"stack"});
+    QTest::keyClick(m_pDialog.get(), Qt::Key_Escape);
+    EXPECT_FALSE(m_pDialog->isVisible());
+}
+
+TEST_F(ImportDialogTest, ClosingDuringAnImportWaitsForItsEnd)
+{
+    writeNamed();
+    open();
+    importButton().click();
+    m_pDialog.reset();
+    EXPECT_EQ(QDir(m_folder.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot).size() >= 1,
+              true);
+}
+
+TEST_F(ImportDialogTest, ABadNumberAmongTheOptionsIsToldAndGetsTheFocus)
+{
+    writeNamed();
+    open();
+    auto& exposure = child<QLineEdit>("m_pExposureEdit");
+    exposure.setText("-1");
+    importButton().click();
+    EXPECT_TRUE(m_pDialog->isVisible());
+    EXPECT_TRUE(messages().contains("numbers above 0"));
+    EXPECT_TRUE(exposure.hasFocus());
+}
+
+TEST_F(ImportDialogTest, LooksInADarkPaletteAndEmpty)
+{
+    const QPalette before = QApplication::palette();
+    QApplication::setPalette(screen::darkPalette());
+    open(QStringList());
+    look::keep(*m_pDialog, "import_empty_dark");
+    EXPECT_FALSE(importButton().isEnabled());
+    writeImage("ex640_em700.tif", 100);
+    writeImage("ex640_b.tif", 100);
+    open();
+    look::keep(*m_pDialog, "import_missing_dark");
+    m_pDialog.reset();
+    QApplication::setPalette(before);
+}
+
+TEST_F(ImportDialogTest, EveryControlHasANameAndNoneIsTheDefault)
+{
+    writeNamed();
+    open();
+    for (QPushButton* pButton : m_pDialog->findChildren<QPushButton*>()) {
+        EXPECT_FALSE(pButton->autoDefault()) << qPrintable(pButton->text());
+    }
+    for (const QLineEdit* pEdit : m_pDialog->findChildren<QLineEdit*>()) {
+        bool named = !pEdit->accessibleName().isEmpty();
+        for (const QLabel* pLabel : m_pDialog->findChildren<QLabel*>()) {
+            named = named || pLabel->buddy() == pEdit;
+        }
+        EXPECT_TRUE(named) << qPrintable(pEdit->objectName());
+    }
+}
+
+} // namespace
