@@ -3,6 +3,7 @@
 
 #include "engine/AnalysisWindows.h"
 
+#include <QList>
 #include <QObject>
 #include <QPointer>
 #include <QString>
@@ -12,6 +13,7 @@
 class ConsoleResultView;
 class CORVDataset;
 class CORVSpumKyvo;
+class SpectrumPlotParams;
 
 // The windows of one engine in the window of its sequence, and the steps that lead from the choice of images to a run.
 // Windows are made on first use; one that died is made anew, connected as before. A window that is gone in the middle
@@ -57,6 +59,7 @@ private:
     // The modes of prepareAnalysis().
     void prepareAutomatic();
     void prepareLibrary(bool bUsePreset);
+    bool askForSpectra(QList<SpectrumPlotParams*>& spectra);
     void prepareDrawing(bool bBackground, bool bWithProbes);
     // The overview of the cube in the console, ready for spectra. False when there is none.
     bool showCube(bool bBackground);

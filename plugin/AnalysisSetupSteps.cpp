@@ -3,16 +3,19 @@
 #include "plugin/AnalysisSetup.h"
 
 #include "plugin/sequenceWindows.h"
+#include "plugin/spectraForPairs.h"
 #include "plugin/tabNames.h"
 
 #include "engine/CORVSpumKyvo.h"
 #include "engine/ResultView.h"
 #include "host/CAutoProgressUpdate.h"
+#include "host/CORVChildWindow.h"
 #include "host/CORVLog.h"
 #include "host/CORVMessageBox.h"
 #include "host/CORVProcess.h"
 #include "host/CORVSequenceWindow.h"
 #include "host/CORVUtilityFns.h"
+#include "spectra/SpUnmixSpectrumLibraryWnd.h"
 #include "spectra/SpectrumPlotParams.h"
 #include "spectra/logLine.h"
 #include "windows/SpUnmixWizardWnd.h"
@@ -52,15 +55,6 @@ public:
     WaitCursor(const WaitCursor&) = delete;
     WaitCursor& operator=(const WaitCursor&) = delete;
 };
-
-QList<SpectrumPlotParams*> copiesOf(const QList<SpectrumPlotParams*>& spectra)
-{
-    QList<SpectrumPlotParams*> copies;
-    for (const SpectrumPlotParams* pSpectrum : spectra) {
-        copies.append(new SpectrumPlotParams(*pSpectrum));
-    }
-    return copies;
-}
 
 // Takes ownership of the spectra in place of those of before.
 void replaceSpectra(QList<SpectrumPlotParams*>& owned, const QList<SpectrumPlotParams*>& spectra)
@@ -128,16 +122,36 @@ void AnalysisSetup::prepareLibrary(bool bUsePreset)
     if (!showCube(false)) {
         return;
     }
-    if (bUsePreset) {
-        resultView().setSpectra(m_engine.m_presetSpectra);
-        replaceSpectra(m_engine.m_spectrumPlots, copiesOf(resultView().getSpectra()));
-        Q_EMIT m_engine.readyToRun();
+    const QPointer<CORVSpumKyvo> pEngine(&m_engine);
+    QList<SpectrumPlotParams*> chosen;
+    if (!bUsePreset && !askForSpectra(chosen)) {
+        if (pEngine) {
+            backOut();
+        }
         return;
     }
-    logLine(QStringLiteral("SpumKyvo: there is no window to choose spectra from a library in this version: choose "
-                           "another method, or unmix by \"spum unmix --library\"."),
-            CORVLOG_WARNING);
-    backOut();
+    const QList<SpectrumPlotParams*> spectra =
+        spectraForPairs(bUsePreset ? m_engine.m_presetSpectra : chosen, m_engine.m_selectedKeyPairs, m_engine.m_eAxis);
+    qDeleteAll(chosen);
+    resultView().setSpectra(spectra);
+    replaceSpectra(m_engine.m_spectrumPlots, spectra);
+    Q_EMIT m_engine.readyToRun();
+}
+
+// False too when the engine went while the user chose.
+bool AnalysisSetup::askForSpectra(QList<SpectrumPlotParams*>& spectra)
+{
+    const QPointer<CORVSpumKyvo> pEngine(&m_engine);
+    const QPointer<SpUnmixSpectrumLibraryWnd> pLibraries(
+        new SpUnmixSpectrumLibraryWnd(CORVChildWindow::getActiveChildWnd()));
+    pLibraries->m_pAppendChk->hide(); // there is nothing to append to
+    pLibraries->setReferencePairs(m_engine.m_selectedKeyPairs, m_engine.m_eAxis);
+    const bool bAccepted = pLibraries->exec() == QDialog::Accepted;
+    if (pEngine && pLibraries && bAccepted) {
+        spectra = pLibraries->selectedSpectra();
+    }
+    delete pLibraries;
+    return pEngine && bAccepted;
 }
 
 void AnalysisSetup::prepareDrawing(bool bBackground, bool bWithProbes)
