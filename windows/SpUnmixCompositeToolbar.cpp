@@ -62,7 +62,6 @@ void SpUnmixCompositeWnd::createToolbar()
     m_pCopyToClipboardButton = addButton(frame, QStringLiteral("m_pCopyToClipboardButton"), tr("Copy to Clipboard"));
     m_pExportGraphicButton =
         addButton(frame, QStringLiteral("m_pExportGraphicButton"), tr("Export Graphics (without labels)"));
-    m_pExportGraphicButton->hide();
     m_pPrintButton = addButton(frame, QStringLiteral("m_pPrintButton"), tr("Print"));
     m_pPrintButton->setShortcut(QKeySequence(QStringLiteral("Ctrl+P")));
     pLayout->addStretch(1);
@@ -71,6 +70,7 @@ void SpUnmixCompositeWnd::createToolbar()
     connect(m_pSetBackgroundTB, &QToolButton::clicked, this, &SpUnmixCompositeWnd::onSetBackgroundTBClicked);
     connect(m_pSetBackgroundTB->menu(), &QMenu::triggered, this, &SpUnmixCompositeWnd::onBackgroundMenuItemSelected);
     connect(m_pTransferBtn, &QToolButton::clicked, this, &SpUnmixCompositeWnd::onTransferCompositeImage);
+    connect(m_pExportGraphicButton, &QToolButton::clicked, this, &SpUnmixCompositeWnd::onClickExportGraphics);
     rebuildBackgroundMenu();
     updateIcons();
 }

@@ -7,6 +7,7 @@
 #include "windows/compositeControls.h"
 #include "windows/compositePicture.h"
 #include "windows/widgets/ChannelDelegate.h"
+#include "windows/widgets/exportGraphics.h"
 
 #include <QAbstractSpinBox>
 #include <QLineEdit>
@@ -339,6 +340,11 @@ void SpUnmixCompositeWnd::onClickClose()
 void SpUnmixCompositeWnd::reject()
 {
     onClickClose();
+}
+
+void SpUnmixCompositeWnd::onClickExportGraphics()
+{
+    exportGraphics(this, getCompositeImage());
 }
 
 void SpUnmixCompositeWnd::onTransferCompositeImage()

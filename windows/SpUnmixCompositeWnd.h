@@ -76,7 +76,7 @@ public:
     QToolButton* m_pSetBackgroundTB = nullptr;
     QToolButton* m_pTransferBtn = nullptr;
     QToolButton* m_pCopyToClipboardButton = nullptr;
-    QToolButton* m_pExportGraphicButton = nullptr; // out of sight until there is an export of pictures
+    QToolButton* m_pExportGraphicButton = nullptr;
     QToolButton* m_pPrintButton = nullptr;
 
 Q_SIGNALS:
@@ -87,6 +87,7 @@ public Q_SLOTS:
     void onTabSelected(QString strName);
 
 protected Q_SLOTS:
+    void onClickExportGraphics();
     void languageChange();
     void onChangeLowerSpan(int nValue);
     void onChangeUpperSpan(int nValue);

@@ -149,7 +149,7 @@ void SpumKyvoConsoleWnd::showWhatComesLater()
         pControl->setEnabled(false);
         pControl->setToolTip(tr("%1 (not available in this version)").arg(pControl->accessibleName()));
     };
-    for (QWidget* pControl : {m_pLoadDatabaseTB, m_pComputeSpectrum, m_pExportGraphicsButton, m_pPrintButton}) {
+    for (QWidget* pControl : {m_pLoadDatabaseTB, m_pComputeSpectrum, m_pPrintButton}) {
         later(pControl);
     }
 }

@@ -143,6 +143,7 @@ Q_SIGNALS:
 
 public Q_SLOTS:
     void reject() override;
+    void onClickExportGraphics();
     void updateSpectrumPlot();
     void updateRemoveButtonStatus();
     void showWarningForEmptyUnmixname(QString strUnmixName);

@@ -7,6 +7,7 @@
 #include "host/CORVTextTag.h"
 #include "windows/CORVDistributionView.h"
 #include "windows/colorBarUnit.h"
+#include "windows/widgets/exportGraphics.h"
 
 #include <QLayout>
 #include <QPushButton>
@@ -35,6 +36,7 @@ void SpumKyvoConsoleWnd::initUnmixedImages()
 
 void SpumKyvoConsoleWnd::connectToolbar()
 {
+    connect(m_pExportGraphicsButton, &QToolButton::clicked, this, &SpumKyvoConsoleWnd::onClickExportGraphics);
     connect(m_pShowImageLabelsCheckBox, &QCheckBox::toggled, this,
             &SpumKyvoConsoleWnd::onToggleShowImageLabelsCheckBox);
     connect(m_pIndividualScaleCkB, &QCheckBox::toggled, this, &SpumKyvoConsoleWnd::onToggleIndividualScaleCkB);
@@ -232,4 +234,11 @@ void SpumKyvoConsoleWnd::getViewImage(QImage* pImage)
     // A grab of the window holds what its OpenGL views show, in its place and at the ratio of device pixels. Where it
     // leaves them empty, the picture of the view would have to be put over it; here it would be seen twice.
     *pImage = grab().toImage();
+}
+
+void SpumKyvoConsoleWnd::onClickExportGraphics()
+{
+    QImage picture;
+    getViewImage(&picture);
+    exportGraphics(this, picture);
 }

@@ -308,7 +308,7 @@ TEST_F(CompositeWindowTest, TheToolbarHasItsButtonsInOrder)
     }
     EXPECT_EQ(names, (QStringList{" on ", "m_pSetBackgroundTB", "m_pTransferBtn", "m_pCopyToClipboardButton",
                                   "m_pExportGraphicButton", "m_pPrintButton"}));
-    EXPECT_TRUE(m_window.m_pExportGraphicButton->isHidden());
+    EXPECT_FALSE(m_window.m_pExportGraphicButton->isHidden());
     EXPECT_EQ(m_window.m_pPrintButton->shortcut(), QKeySequence("Ctrl+P"));
     EXPECT_EQ(m_window.m_pSetBackgroundTB->minimumWidth(), 100);
 }

@@ -283,9 +283,8 @@ TEST_F(ConsolePlotTest, WhatComesLaterSaysSo)
 {
     openCube();
     take();
-    for (const QWidget* pControl :
-         std::initializer_list<const QWidget*>{m_pConsole->m_pLoadDatabaseTB, m_pConsole->m_pComputeSpectrum,
-                                               m_pConsole->m_pExportGraphicsButton, m_pConsole->m_pPrintButton}) {
+    for (const QWidget* pControl : std::initializer_list<const QWidget*>{
+             m_pConsole->m_pLoadDatabaseTB, m_pConsole->m_pComputeSpectrum, m_pConsole->m_pPrintButton}) {
         EXPECT_FALSE(pControl->isEnabled()) << qPrintable(pControl->objectName());
         EXPECT_TRUE(pControl->toolTip().contains("not available")) << qPrintable(pControl->toolTip());
     }
