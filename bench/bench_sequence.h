@@ -77,6 +77,7 @@ public:
     }
 
     QString id() const { return m_sequence.getSequenceID(); }
+    CORVSequenceDataset& sequence() { return m_sequence; }
 
     // Gives the engine the true spectra.
     void takeSpectra(CORVSpumKyvo& engine) const
