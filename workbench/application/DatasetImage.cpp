@@ -7,6 +7,7 @@
 #include "platform/orvimage/TiffIo.h"
 
 #include <algorithm>
+#include <new>
 
 namespace {
 
@@ -91,10 +92,25 @@ bool DatasetImage::load(tag_eimagetype eType, tag_edisplayunit eUnit)
     m_eUnit = eUnit;
     m_strError.clear();
     m_image = CILImage();
+    try {
+        read();
+    } catch (const std::bad_alloc&) {
+        m_image = CILImage();
+        m_strError = QStringLiteral("there is not enough memory");
+    }
+    *m_image.getPalette() = palette;
+    m_image.AdjustRGBBrightness(0);
+    m_whole = m_image.isEmpty() ? DisplayRange() : DisplayRange::whole(m_image);
+    setRange(m_image.isEmpty() ? DisplayRange() : DisplayRange::automatic(m_image));
+    return m_strError.isEmpty();
+}
+
+void DatasetImage::read()
+{
     if (hasUnit()) {
-        m_strError = m_pDataset->unitUnavailableReason(eUnit);
+        m_strError = m_pDataset->unitUnavailableReason(m_eUnit);
         if (m_strError.isEmpty() &&
-            m_pDataset->getCalibratedLuminImage(eUnit, &m_image, QStringLiteral("Image View")) != ESTATUS_SUCCESS) {
+            m_pDataset->getCalibratedLuminImage(m_eUnit, &m_image, QStringLiteral("Image View")) != ESTATUS_SUCCESS) {
             m_strError = QStringLiteral("the image cannot be read");
             const CORVImageDetails* pDetails = m_pDataset->imageList().getImage(IMAGETYPE_MAIN_DATA);
             pDetails = pDetails != nullptr ? pDetails : m_pDataset->imageList().getImage(IMAGETYPE_LUMINESCENT);
@@ -110,11 +126,6 @@ bool DatasetImage::load(tag_eimagetype eType, tag_edisplayunit eUnit)
     } else {
         m_strError = QStringLiteral("%1: the image cannot be read").arg(typeText(m_eType));
     }
-    *m_image.getPalette() = palette;
-    m_image.AdjustRGBBrightness(0);
-    m_whole = m_image.isEmpty() ? DisplayRange() : DisplayRange::whole(m_image);
-    setRange(m_image.isEmpty() ? DisplayRange() : DisplayRange::automatic(m_image));
-    return m_strError.isEmpty();
 }
 
 QString DatasetImage::quantity() const

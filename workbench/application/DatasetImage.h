@@ -62,6 +62,7 @@ public:
     std::optional<double> valueAt(const QPoint& pixel) const;
 
 private:
+    void read();
     // That of the dataset, or the one that its sequence lends; null without.
     CILImage* photograph() const;
     void takePhotograph();

@@ -98,7 +98,7 @@ void DatasetWindow::addDisplay(QVBoxLayout* pColumn)
     m_pUnitBox->setObjectName(QStringLiteral("m_pImageUnitBox"));
     m_pColorBox = new ColorTableBox(this);
     m_pColorBox->setObjectName(QStringLiteral("m_pImageColorBox"));
-    m_pReversedBox = new QCheckBox(tr("Re&versed"), this);
+    m_pReversedBox = new QCheckBox(tr("&Reversed"), this);
     m_pReversedBox->setObjectName(QStringLiteral("m_pImageReversedBox"));
     m_pLogBox = new QCheckBox(tr("&Logarithmic"), this);
     m_pLogBox->setObjectName(QStringLiteral("m_pImageLogBox"));
@@ -198,9 +198,18 @@ void DatasetWindow::takeSequenceColors()
     m_pImage->setColors(m_pColorBox->colorTable(), adjust.m_bReversed, adjust.m_bLogScale);
 }
 
-void DatasetWindow::showImage(int nImage)
+tag_edisplayunit DatasetWindow::unit() const
 {
-    load(static_cast<tag_eimagetype>(nImage), m_pImage->unit());
+    return m_pImage->unit();
+}
+
+void DatasetWindow::showImage(int nImage, tag_edisplayunit eUnit)
+{
+    const bool had = dataset()->unitUnavailableReason(eUnit).isEmpty();
+    const tag_edisplayunit shown = had ? eUnit : m_pImage->unit();
+    if (nImage != m_pImage->type() || shown != m_pImage->unit()) {
+        load(static_cast<tag_eimagetype>(nImage), shown);
+    }
 }
 
 void DatasetWindow::load(tag_eimagetype eType, tag_edisplayunit eUnit)

@@ -33,8 +33,11 @@ public:
 
     DatasetView* view() const { return m_pView; }
     DatasetImage& image() const { return *m_pImage; }
-    // Shows the image of that tag_eimagetype; one that the dataset lacks shows the first it has.
-    void showImage(int nImage);
+    // Shows the image of that tag_eimagetype, in the unit when it can be had there; one that the dataset lacks shows
+    // the first it has.
+    void showImage(int nImage) { showImage(nImage, unit()); }
+    void showImage(int nImage, tag_edisplayunit eUnit);
+    tag_edisplayunit unit() const;
 
     // Reads the image again; the range stays when its unit does.
     void refreshImage() override;

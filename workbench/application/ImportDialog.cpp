@@ -30,6 +30,7 @@
 #include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QSignalBlocker>
 #include <QStyle>
 #include <QTableView>
 #include <QTextOption>
@@ -191,7 +192,7 @@ QWidget* ImportDialog::makeHead()
     pGrid->addWidget(m_pFileButton, 0, 5);
     pGrid->addWidget(label(tr("&Kind of sequence:"), m_pKindBox), 1, 0);
     pGrid->addWidget(m_pKindBox, 1, 1);
-    pGrid->addWidget(label(tr("Seconds bet&ween frames:"), m_pIntervalEdit), 1, 2);
+    pGrid->addWidget(label(tr("&Seconds between frames:"), m_pIntervalEdit), 1, 2);
     pGrid->addWidget(m_pIntervalEdit, 1, 3);
     pGrid->addWidget(m_pTableButton, 1, 4, 1, 2);
     pGrid->addWidget(m_pSummaryLabel, 2, 0, 1, 6);
@@ -251,7 +252,7 @@ QWidget* ImportDialog::makeFoot()
     auto* pFoot = new QWidget(this);
     auto* pGrid = new QGridLayout(pFoot);
     pGrid->setContentsMargins(0, 0, 0, 0);
-    auto* pLabel = new QLabel(tr("Wr&ite to:"), pFoot);
+    auto* pLabel = new QLabel(tr("&Write to:"), pFoot);
     pLabel->setBuddy(m_pOutputEdit);
     pGrid->addWidget(pLabel, 0, 0);
     pGrid->addWidget(m_pOutputEdit, 0, 1);
@@ -282,7 +283,8 @@ void ImportDialog::connectControls()
         }
     });
     connect(m_pConfirmBox, &QCheckBox::toggled, this, [this](bool bOn) { m_pModel->setConfirmed(bOn); });
-    connect(m_pModel, &ImportTableModel::tableChanged, this, &ImportDialog::showTable);
+    connect(m_pModel, &ImportTableModel::modelReset, this, &ImportDialog::fitColumns);
+    connect(m_pModel, &ImportTableModel::tableChanged, this, &ImportDialog::showState);
     connect(m_pOutputButton, &QPushButton::clicked, this, [this] {
         const QFileInfo now(m_pOutputEdit->text());
         const QString folder = CORVFileDialog::getExistingDirectory(this, tr("Write the Sequence into"), now.path());
@@ -400,15 +402,13 @@ void ImportDialog::takeOwnTable(const QString& strPath)
         return;
     }
     const QString name = QFileInfo(strPath).fileName();
-    m_errors = QStringList{tr("What is what is taken from %1.").arg(name)};
+    m_errors = QStringList{tr("The figures are those of %1.").arg(name)};
     m_pModel->setTable(ImportTable(table, name));
 }
 
-void ImportDialog::showTable()
+// The last one takes what is left; a long name leaves room for the figures.
+void ImportDialog::fitColumns()
 {
-    const ImportTable& shown = m_pModel->table();
-    m_pKindBox->setCurrentIndex(static_cast<int>(shown.kind()));
-    // The last one takes what is left; a long name leaves room for the figures.
     for (int column = 0; column + 1 < m_pModel->columnCount(); ++column) {
         m_pTableView->resizeColumnToContents(column);
         const int most = m_pTableView->width() / 3;
@@ -416,12 +416,14 @@ void ImportDialog::showTable()
             m_pTableView->setColumnWidth(column, most);
         }
     }
-    showState();
 }
 
 void ImportDialog::showState()
 {
     const ImportTable& shown = m_pModel->table();
+    m_pKindBox->setCurrentIndex(static_cast<int>(shown.kind()));
+    const QSignalBlocker blocker(m_pConfirmBox);
+    m_pConfirmBox->setChecked(shown.isConfirmed());
     const bool busy = m_looking.isRunning() || m_importing.isRunning();
     const bool images = shown.count() > 0;
     const QString output = m_pOutputEdit->text().trimmed();

@@ -60,7 +60,7 @@ private:
     void look();
     void endLook(bool bSuccess, const QString& strError);
     void takeOwnTable(const QString& strPath);
-    void showTable();
+    void fitColumns();
     void import();
     void endImport(bool bSuccess, const QString& strError);
     // False with a message when an option cannot be read.

@@ -260,9 +260,19 @@ QString ImportTable::text(int nRow, Column eColumn) const
     return m_rows.at(nRow).cells[eColumn];
 }
 
-void ImportTable::setText(int nRow, Column eColumn, const QString& strText)
+void ImportTable::setTexts(const QVector<CellText>& texts)
 {
-    Row& row = m_rows[nRow];
+    bool changed = false;
+    for (const CellText& cell : texts) {
+        changed = takeText(m_rows[cell.row], cell.column, cell.text) || changed;
+    }
+    if (changed) {
+        check();
+    }
+}
+
+bool ImportTable::takeText(Row& row, Column eColumn, const QString& strText)
+{
     QString text = strText.simplified();
     const QLatin1String unit(unitOf(eColumn));
     if (isNumber(eColumn)) {
@@ -276,14 +286,14 @@ void ImportTable::setText(int nRow, Column eColumn, const QString& strText)
         }
     }
     if (text == row.cells[eColumn]) {
-        return;
+        return false;
     }
     row.cells[eColumn] = text;
     row.doubt.clear(); // whoever corrects a row has looked at it
     if (eColumn != Exposure && !row.cells[Origin].contains(QLatin1String("edited"))) {
         row.cells[Origin] += row.cells[Origin].isEmpty() ? QStringLiteral("edited") : QStringLiteral("; edited");
     }
-    check();
+    return true;
 }
 
 bool ImportTable::isNeeded(Column eColumn) const

@@ -70,7 +70,14 @@ public:
     bool isEditable(Column eColumn) const { return eColumn != Image && eColumn != Origin && eColumn != Use; }
     QString text(int nRow, Column eColumn) const;
     // Numbers may have a unit and the locale's decimal sign; one that can be read is kept in its shortest form.
-    void setText(int nRow, Column eColumn, const QString& strText);
+    void setText(int nRow, Column eColumn, const QString& strText) { setTexts({{nRow, eColumn, strText}}); }
+    struct CellText
+    {
+        int row;
+        Column column;
+        QString text;
+    };
+    void setTexts(const QVector<CellText>& texts);
 
     Mark mark(int nRow, Column eColumn) const { return m_marks.at(nRow).at(eColumn).mark; }
     // Why the cell is marked; empty when it is not.
@@ -84,6 +91,7 @@ public:
     bool isInDoubt() const;
     // The user has looked at what is in doubt, and it is right.
     void setConfirmed(bool bConfirmed) { m_bConfirmed = bConfirmed; }
+    bool isConfirmed() const { return m_bConfirmed; }
     bool isReady() const;
     // "12 images: fluorescence, 2 excitations, 6 emissions"
     QString summary() const;
@@ -113,6 +121,8 @@ private:
     };
     using RowMarks = QVector<CellMark>;
 
+    // False when the cell holds that already.
+    bool takeText(Row& row, Column eColumn, const QString& strText);
     void chooseKind(bool bTemporal);
     bool anyHas(Column eColumn) const;
     bool isNeeded(Column eColumn) const;

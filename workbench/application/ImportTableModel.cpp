@@ -137,15 +137,17 @@ void ImportTableModel::paste(const QModelIndex& first, const QString& strText)
         text.chop(1);
     }
     const QStringList lines = text.split(QLatin1Char('\n'));
+    QVector<ImportTable::CellText> cells;
     for (int line = 0; line < lines.size() && first.row() + line < m_table.count(); ++line) {
         const QStringList fields = lines.at(line).split(QLatin1Char('\t'));
         for (int field = 0; field < fields.size() && first.column() + field < m_columns.size(); ++field) {
             const ImportTable::Column column = m_columns.at(first.column() + field);
             if (m_table.isEditable(column)) {
-                m_table.setText(first.row() + line, column, fields.at(field));
+                cells.append({first.row() + line, column, fields.at(field)});
             }
         }
     }
+    m_table.setTexts(cells);
     tellChange();
 }
 

@@ -39,7 +39,7 @@ RangePanel::RangePanel(QWidget* pParent)
     : QWidget(pParent), m_pHistogram(new HistogramView(this)), m_pSlider(new QSpanSlider(this)),
       m_pMinimumBox(makeBox("m_pRangeMinimumBox", tr("Minimum"), this)),
       m_pMaximumBox(makeBox("m_pRangeMaximumBox", tr("Maximum"), this)),
-      m_pAutoButton(new QPushButton(tr("&Auto"), this)), m_pWholeButton(new QPushButton(tr("&Whole Range"), this))
+      m_pAutoButton(new QPushButton(tr("&Auto"), this)), m_pWholeButton(new QPushButton(tr("Whole Ran&ge"), this))
 {
     m_pSlider->setObjectName(QStringLiteral("m_pRangeSlider"));
     m_pSlider->setAccessibleName(tr("Minimum and maximum"));

@@ -71,7 +71,7 @@ void SequenceTab::makeControls()
     m_pUnitBox->setObjectName(QStringLiteral("m_pSequenceUnitBox"));
     m_pColorBox = new ColorTableBox(this);
     m_pColorBox->setObjectName(QStringLiteral("m_pSequenceColorBox"));
-    m_pReversedBox = new QCheckBox(tr("Re&versed"), this);
+    m_pReversedBox = new QCheckBox(tr("&Reversed"), this);
     m_pLogBox = new QCheckBox(tr("&Logarithmic"), this);
     m_pScaleBox = new QComboBox(this);
     m_pScaleBox->setObjectName(QStringLiteral("m_pSequenceScaleBox"));
@@ -149,6 +149,11 @@ void SequenceTab::connectControls()
     connect(m_pThumbnails.get(), &Thumbnails::allChanged, this, &SequenceTab::showScale);
     connect(m_pThumbnails.get(), &Thumbnails::changed, this, &SequenceTab::showState);
     connect(m_pThumbnails.get(), &Thumbnails::finished, this, &SequenceTab::showState);
+}
+
+tag_edisplayunit SequenceTab::unit() const
+{
+    return m_pThumbnails->unit();
 }
 
 void SequenceTab::refresh()

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "host/orv_types.h"
+
 #include <QPointF>
 #include <QWidget>
 
@@ -31,6 +33,7 @@ public:
 
     Thumbnails& thumbnails() const { return *m_pThumbnails; }
     ThumbnailView* view() const { return m_pView; }
+    tag_edisplayunit unit() const;
     // Reads all images again.
     void refresh();
 

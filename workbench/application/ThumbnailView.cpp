@@ -4,6 +4,7 @@
 #include "workbench/application/ThumbnailDelegate.h"
 #include "workbench/application/ThumbnailModel.h"
 
+#include <QApplication>
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -137,7 +138,12 @@ void ThumbnailView::focusInEvent(QFocusEvent* pEvent)
 void ThumbnailView::wheelEvent(QWheelEvent* pEvent)
 {
     if (!pEvent->modifiers().testFlag(Qt::ControlModifier)) {
-        QTableView::wheelEvent(pEvent);
+        // Of a table that is wide only, the wheel moves the columns.
+        if (verticalScrollBar()->maximum() == 0 && horizontalScrollBar()->maximum() > 0) {
+            QApplication::sendEvent(horizontalScrollBar(), pEvent);
+        } else {
+            QTableView::wheelEvent(pEvent);
+        }
         return;
     }
     const double notches =

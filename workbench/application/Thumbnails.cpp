@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <new>
 
 namespace {
 
@@ -172,10 +173,14 @@ void Thumbnails::makeNext()
     Thumbnail& thumbnail = m_thumbnails.at(index(tile));
     thumbnail.stale = false;
     m_nWaiting = std::max(0, m_nWaiting - 1);
-    if (m_tiles.tile(tile).photograph) {
-        makePhotograph(tile);
-    } else {
-        make(tile);
+    try {
+        if (m_tiles.tile(tile).photograph) {
+            makePhotograph(tile);
+        } else {
+            make(tile);
+        }
+    } catch (const std::bad_alloc&) {
+        fail(tile, QStringLiteral("there is not enough memory"));
     }
     Q_EMIT changed(tile);
     if (m_nWaiting == 0) {

@@ -8,17 +8,36 @@
 
 #include <QIcon>
 
+namespace {
+
+class SequenceWindow : public CORVSequenceWindow
+{
+public:
+    explicit SequenceWindow(CORVSequenceDataset* pSequence)
+        : CORVSequenceWindow(pSequence), m_pTab(new SequenceTab(pSequence, this))
+    {
+        addTabWidget(m_pTab, nullptr, nullptr, QIcon(), QStringLiteral("Sequence View"), -1, true);
+    }
+    void refreshView() override { m_pTab->refresh(); }
+    SequenceTab* tab() const { return m_pTab; }
+
+private:
+    SequenceTab* m_pTab;
+};
+
+} // namespace
+
 namespace documentWindows {
 
 CORVSequenceWindow* makeSequenceWindow(CORVSequenceDataset* pSequence, const Listener& listener)
 {
-    auto* pWindow = new CORVSequenceWindow(pSequence);
-    auto* pTab = new SequenceTab(pSequence, pWindow);
-    pWindow->addTabWidget(pTab, nullptr, nullptr, QIcon(), QStringLiteral("Sequence View"), -1, true);
-    QObject::connect(pTab, &SequenceTab::imageActivated, pWindow, [listener](CORVDataset* pDataset, int nImage) {
+    auto* pWindow = new SequenceWindow(pSequence);
+    SequenceTab* pTab = pWindow->tab();
+    QObject::connect(pTab, &SequenceTab::imageActivated, pWindow, [listener, pTab](CORVDataset* pDataset, int nImage) {
+        const tag_edisplayunit unit = pTab->unit();
         listener.showDataset(pDataset);
         if (auto* pShown = qobject_cast<DatasetWindow*>(CORVImageWindow::getImageWindow(pDataset))) {
-            pShown->showImage(nImage);
+            pShown->showImage(nImage, unit);
         }
     });
     QObject::connect(pTab, &SequenceTab::readOut, pWindow, listener.readOut);

@@ -2,6 +2,7 @@
 #include "workbench/application/DatasetWindow.h"
 
 #include "look.h"
+#include "mnemonics.h"
 #include "simulated.h"
 #include "support/pointer.h"
 #include "support/screen.h"
@@ -239,8 +240,19 @@ TEST_F(DatasetWindowTest, AConstantImageAndOneWithoutNumbersAreShown)
     m_pWindow.reset();
 }
 
+TEST_F(DatasetWindowTest, ShowsTheUnitThatIsAskedForWhenItCanBeHad)
+{
+    m_pWindow->showImage(IMAGETYPE_MAIN_DATA, DISPLAYUNIT_COUNTS);
+    EXPECT_EQ(m_pWindow->unit(), DISPLAYUNIT_COUNTS);
+    EXPECT_EQ(child<UnitBox>("m_pImageUnitBox").unit(), DISPLAYUNIT_COUNTS);
+    m_pWindow->dataset()->clickInfo["luminescent image"]->setValue("Excitation Irradiance", "0");
+    m_pWindow->showImage(IMAGETYPE_MAIN_DATA, DISPLAYUNIT_RADIANT_EFFICIENCY);
+    EXPECT_EQ(m_pWindow->unit(), DISPLAYUNIT_COUNTS);
+}
+
 TEST_F(DatasetWindowTest, EveryControlHasANameForAssistiveTools)
 {
+    mnemonics::expectUnique(*m_pWindow, mnemonics::kMenus);
     for (const QWidget* pWidget : m_pWindow->findChildren<QWidget*>()) {
         const bool button = qobject_cast<const QAbstractButton*>(pWidget) != nullptr &&
                             qobject_cast<const QAbstractButton*>(pWidget)->text().isEmpty();

@@ -2,6 +2,7 @@
 #include "workbench/application/SequenceTab.h"
 
 #include "look.h"
+#include "mnemonics.h"
 #include "simulated.h"
 #include "support/pointer.h"
 #include "support/screen.h"
@@ -290,9 +291,21 @@ TEST_F(SequenceTabTest, OneImageWithoutAPhotographIsOneTile)
     look::keep(*m_pTab, "sequence_one");
 }
 
+TEST_F(SequenceTabTest, TheWheelMovesTheColumnsOfATableThatIsWideOnly)
+{
+    open(simulated::sequence(kSmall));
+    view().setSide(150);
+    QApplication::processEvents();
+    ASSERT_EQ(view().verticalScrollBar()->maximum(), 0);
+    ASSERT_GT(view().horizontalScrollBar()->maximum(), 0);
+    pointer::wheel(*view().viewport(), {50, 50}, -120);
+    EXPECT_GT(view().horizontalScrollBar()->value(), 0);
+}
+
 TEST_F(SequenceTabTest, EveryControlHasANameForAssistiveTools)
 {
     open(simulated::sequence(kSmall));
+    mnemonics::expectUnique(*m_pTab, mnemonics::kMenus);
     for (const QWidget* pWidget : m_pTab->findChildren<QWidget*>()) {
         const bool control = qobject_cast<const QComboBox*>(pWidget) || qobject_cast<const QAbstractSlider*>(pWidget);
         if (control && pWidget->focusPolicy() != Qt::NoFocus) {
