@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "workbench/application/ImportTableModel.h"
 
-#include "workbench/application/plainToolTip.h"
+#include "workbench/application/literalToolTip.h"
 
 #include <QColor>
 #include <QStringList>
@@ -72,7 +72,7 @@ QVariant ImportTableModel::marked(int nRow, ImportTable::Column eColumn, int nRo
     case Qt::EditRole:
         return text;
     case Qt::ToolTipRole:
-        return plainToolTip(reason.isEmpty() ? text : reason);
+        return literalToolTip(reason.isEmpty() ? text : reason);
     case Qt::AccessibleDescriptionRole:
         return reason;
     case Qt::BackgroundRole:

@@ -2,7 +2,7 @@
 #include "workbench/application/ThumbnailModel.h"
 
 #include "platform/orvapi/UnitTexts.h"
-#include "workbench/application/plainToolTip.h"
+#include "workbench/application/literalToolTip.h"
 
 #include <QLocale>
 
@@ -73,7 +73,7 @@ QVariant ThumbnailModel::data(const QModelIndex& index, int nRole) const
     case Qt::DisplayRole:
         return grid().caption(tile);
     case Qt::ToolTipRole:
-        return plainToolTip(toolTip(tile));
+        return literalToolTip(toolTip(tile));
     case Qt::AccessibleTextRole:
         return m_thumbnails.state(tile) == Thumbnails::State::Failed
                    ? QStringLiteral("%1, cannot be shown").arg(grid().description(tile))

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "workbench/application/UnitBox.h"
 
-#include "workbench/application/plainToolTip.h"
+#include "workbench/application/literalToolTip.h"
 
 #include <QSignalBlocker>
 #include <QStandardItemModel>
@@ -24,7 +24,7 @@ void UnitBox::setOffers(const QVector<UnitOffer>& offers, tag_edisplayunit eCurr
             pItems->item(count() - 1)->setEnabled(false);
         }
         const QString tip = offer.reason.isEmpty() ? offer.quantity : tr("cannot be had: %1").arg(offer.reason);
-        setItemData(count() - 1, plainToolTip(tip), Qt::ToolTipRole);
+        setItemData(count() - 1, literalToolTip(tip), Qt::ToolTipRole);
         setItemData(count() - 1, tip, Qt::AccessibleDescriptionRole);
     }
     setCurrentIndex(findData(static_cast<int>(eCurrent)));

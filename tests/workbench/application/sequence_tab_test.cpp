@@ -294,7 +294,7 @@ TEST_F(SequenceTabTest, OneImageWithoutAPhotographIsOneTile)
 TEST_F(SequenceTabTest, TheWheelMovesTheColumnsOfATableThatIsWideOnly)
 {
     open(simulated::sequence(kSmall));
-    view().setSide(150);
+    view().setSide(120);
     QApplication::processEvents();
     ASSERT_EQ(view().verticalScrollBar()->maximum(), 0);
     ASSERT_GT(view().horizontalScrollBar()->maximum(), 0);
