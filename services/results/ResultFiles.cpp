@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "services/results/ResultFiles.h"
 
+#include "XTNT/xtnt_parallel.h"
 #include "engine/CORVSpumKyvo.h"
 #include "files/AtomicFile.h"
 #include "host/CILImage.h"
@@ -116,6 +117,8 @@ void ResultFiles::setReport(const ReportFrame& frame, bool bPdf)
 
 void ResultFiles::put(const QString& strName, const QByteArray& bytes)
 {
+    // Between packing a picture and the disk: each may take its time.
+    XTNT::cancellationPoint();
     QString error;
     if (!orv::writeFileAtomically(m_strFolder + strName, bytes, &error)) {
         throw Failure(error);
