@@ -55,8 +55,13 @@ std::unique_ptr<MessageResponder> setMessageResponder(std::unique_ptr<MessageRes
 
 MessageResponder& messageResponder()
 {
+    return installedResponder() ? *installedResponder() : firstResponder();
+}
+
+MessageResponder& firstResponder()
+{
     static TextResponder s_ofTheStart(std::cerr);
-    return installedResponder() ? *installedResponder() : s_ofTheStart;
+    return s_ofTheStart;
 }
 
 std::optional<QString> MessageResponder::chooseItem(const ItemRequest&)

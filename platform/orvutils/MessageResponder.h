@@ -33,5 +33,7 @@ public:
 std::unique_ptr<MessageResponder> setMessageResponder(std::unique_ptr<MessageResponder> pResponder);
 // The one in use; valid until another is installed.
 MessageResponder& messageResponder();
+// The one of the start.
+MessageResponder& firstResponder();
 
 } // namespace orv

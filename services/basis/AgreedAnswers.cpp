@@ -3,9 +3,7 @@
 
 #include "host/CORVMessageBox.h"
 #include "platform/orvutils/MessageResponder.h"
-#include "platform/orvutils/TextResponder.h"
 
-#include <iostream>
 #include <memory>
 
 namespace {
@@ -30,9 +28,7 @@ public:
     std::unique_ptr<orv::MessageResponder> m_pOther; // null: that of the start
 
 private:
-    orv::MessageResponder& other() { return m_pOther ? *m_pOther : m_ofTheStart; }
-
-    orv::TextResponder m_ofTheStart{std::cerr};
+    orv::MessageResponder& other() { return m_pOther ? *m_pOther : orv::firstResponder(); }
 };
 
 } // namespace
