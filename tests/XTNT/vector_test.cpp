@@ -68,7 +68,7 @@ TEST(VectorTest, NegativeSizeCountsAsZero)
 
 TEST(VectorTest, SizeWhoseBytesOverflowIsOutOfMemory)
 {
-    EXPECT_THROW(Vector<double>(std::numeric_limits<long long>::max()), std::bad_alloc);
+    EXPECT_THROW(Vector<double>{std::numeric_limits<long long>::max()}, std::bad_alloc);
     EXPECT_THROW(Vector<long long>(1LL << 61), std::bad_alloc);
     Vector<double> v(2);
     EXPECT_THROW(v.reshape(1LL << 61), std::bad_alloc);
@@ -194,7 +194,8 @@ TEST(VectorTest, SubtractionInPlaceIsSeenByEveryShare)
     const Vector<double> share = a;
     a -= vectorOf({1, 2});
     EXPECT_THAT(elements(share), ElementsAre(4, 4));
-    a -= a;
+    const Vector<double>& itself = a;
+    a -= itself;
     EXPECT_THAT(elements(share), ElementsAre(0, 0));
 }
 
