@@ -2,6 +2,7 @@
 #include "workbench/application/LogModel.h"
 
 #include "host/CORVLog.h"
+#include "workbench/application/literalToolTip.h"
 
 #include <QApplication>
 #include <QStyle>
@@ -93,10 +94,7 @@ QVariant LogModel::data(const QModelIndex& index, int nRole) const
         }
         return QVariant();
     case Qt::ToolTipRole:
-        // Plain, whatever it looks like.
-        return index.column() == MessageColumn ? QLatin1String("<div style=\"white-space: pre-wrap\">") +
-                                                     text.toHtmlEscaped() + QLatin1String("</div>")
-                                               : QVariant();
+        return index.column() == MessageColumn ? QVariant(literalToolTip(text)) : QVariant();
     case Qt::DisplayRole:
         switch (index.column()) {
         case TimeColumn:

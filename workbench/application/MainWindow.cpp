@@ -29,12 +29,14 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QScreen>
+#include <QShowEvent>
 #include <QStackedWidget>
 
 namespace {
 
 constexpr QSize usualSize(1280, 860);
 constexpr int logHeight = 160;
+constexpr int panelWidth = 340;
 
 } // namespace
 
@@ -174,12 +176,31 @@ void MainWindow::restorePlaces(bool bFresh)
     const CORVSettings& settings = *CORVPreference::getSettings();
     m_pLogDock->restore(settings);
     if (bFresh || !windowPlaces::restore(settings, *this)) {
-        const QScreen* pScreen = QGuiApplication::primaryScreen();
-        const QSize room = pScreen != nullptr ? pScreen->availableSize() : usualSize;
-        resize(usualSize.boundedTo(room * 0.95));
+        takeUsualPlace();
     }
     // A panel that was closed by mistake is in the menu; a window that was left on the whole screen is none any more.
     m_pActions->fullScreen->setChecked(isFullScreen());
+}
+
+// As large as the screen allows where that is small; the panel takes no more than it needs from what is looked at.
+void MainWindow::takeUsualPlace()
+{
+    const QScreen* pScreen = QGuiApplication::primaryScreen();
+    const QSize room = pScreen != nullptr ? pScreen->availableSize() : usualSize;
+    resize(usualSize.boundedTo(room));
+    if (size() != usualSize) {
+        setWindowState(windowState() | Qt::WindowMaximized);
+    }
+    m_bUsualPlace = true;
+}
+
+void MainWindow::showEvent(QShowEvent* pEvent)
+{
+    QMainWindow::showEvent(pEvent);
+    if (m_bUsualPlace) {
+        m_bUsualPlace = false;
+        resizeDocks({m_pPaletteDock}, {qMin(width() / 4, panelWidth)}, Qt::Horizontal);
+    }
 }
 
 void MainWindow::takeRecords(const QVector<orv::LogRecord>& records)

@@ -52,6 +52,7 @@ public:
     const MainActions& actions() const { return *m_pActions; }
 
 protected:
+    void showEvent(QShowEvent* pEvent) override;
     void closeEvent(QCloseEvent* pEvent) override;
     void dragEnterEvent(QDragEnterEvent* pEvent) override;
     void dropEvent(QDropEvent* pEvent) override;
@@ -64,6 +65,7 @@ private:
     void connectFileActions();
     void connectWindowActions();
     void restorePlaces(bool bFresh);
+    void takeUsualPlace();
 
     void askForSequence();
     void importImages(const QStringList& paths);
@@ -94,7 +96,7 @@ private:
 
     // Asks before a window closes; ends what runs first, and closes then.
     bool mayClose(CORVChildWindow* pWindow);
-    bool asksToAbort(const QString& strQuestion, const QString& strButton);
+    bool asksToAbort(const QString& strQuestion);
     void closeAfterRun();
 
     std::unique_ptr<MainActions> m_pActions;
@@ -113,6 +115,7 @@ private:
     QStringList m_toOpen;
     QList<QPointer<QWidget>> m_toClose; // after the run; this window among them for the program
     bool m_bPictureTaken = false;       // the plug-in has answered with a picture
+    bool m_bUsualPlace = false;         // the panels get their usual size when they are first shown
     QPointer<QWidget> m_pPanelFocus;    // where the focus was last in the panel and in the work area
     QPointer<QWidget> m_pWorkFocus;
 };

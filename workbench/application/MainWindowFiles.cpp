@@ -21,6 +21,7 @@
 #include "workbench/application/RunLock.h"
 #include "workbench/application/SimulateDialog.h"
 #include "workbench/application/StartPage.h"
+#include "workbench/application/literalToolTip.h"
 #include "workbench/application/openable.h"
 #include "workbench/application/pluginFile.h"
 #include "workbench/application/recentPaths.h"
@@ -191,7 +192,7 @@ void MainWindow::fillRecent()
     for (int i = 0; i < paths.size(); ++i) {
         const QString path = paths.at(i);
         QAction* pAction = pMenu->addAction(recentPaths::menuText(i, path));
-        pAction->setToolTip(QLatin1String("<div>") + path.toHtmlEscaped() + QLatin1String("</div>"));
+        pAction->setToolTip(literalToolTip(path));
         connect(pAction, &QAction::triggered, this, [this, path] { open(path); });
     }
     pMenu->addSeparator();
@@ -257,10 +258,11 @@ void MainWindow::dropEvent(QDropEvent* pEvent)
     openLater(pathsOf(pEvent->mimeData()));
 }
 
-bool MainWindow::asksToAbort(const QString& strQuestion, const QString& strButton)
+bool MainWindow::asksToAbort(const QString& strQuestion)
 {
-    return CORVMessageBox::warning(this, CORVUtilityFns::getAppName(), strQuestion, strButton, tr("&Go on"), QString(),
-                                   QString()) == 0;
+    return CORVMessageBox::warning(this, CORVUtilityFns::getAppName(), strQuestion,
+                                   CORVMessageBox::YesButton | CORVMessageBox::NoButtonAnswer,
+                                   CORVMessageBox::NoButtonAnswer) == CORVMessageBox::YesButton;
 }
 
 bool MainWindow::mayClose(CORVChildWindow* pWindow)
@@ -269,7 +271,7 @@ bool MainWindow::mayClose(CORVChildWindow* pWindow)
         return false;
     }
     if (m_pLock->isLocked() || m_pProcesses->isRunning()) {
-        if (asksToAbort(tr("An analysis is running. Abort it and close?"), tr("&Abort and close"))) {
+        if (asksToAbort(tr("An analysis is running. Abort it and close?"))) {
             m_toClose.append(pWindow);
             orv::requestAbort();
             closeAfterRun();
@@ -307,7 +309,7 @@ void MainWindow::closeEvent(QCloseEvent* pEvent)
         return;
     }
     if (m_pLock->isLocked() || m_pProcesses->isRunning()) {
-        if (asksToAbort(tr("An analysis is running. Abort it and quit?"), tr("&Abort and quit"))) {
+        if (asksToAbort(tr("An analysis is running. Abort it and quit?"))) {
             m_toClose.append(this);
             orv::requestAbort();
             closeAfterRun();

@@ -4,7 +4,6 @@
 #include "host/CORVPreference.h"
 #include "host/CORVSequenceDataset.h"
 #include "host/CORVSequenceWindow.h"
-#include "host/CORVUtilityFns.h"
 #include "workbench/application/MainWindow.h"
 #include "workbench/application/OpenDocuments.h"
 #include "workbench/application/PaletteControl.h"
@@ -88,11 +87,6 @@ void MainWindow::updateActions()
     m_pPaletteDock->toggleViewAction()->setEnabled(bFree);
     updatePrintKeys();
     m_pPages->setCurrentWidget(nOpen > 0 ? static_cast<QWidget*>(m_pArea) : m_pStart);
-    if (nOpen == 0) {
-        setWindowTitle(CORVUtilityFns::getAppName());
-    } else if (QMdiSubWindow* pFront = m_pArea->currentSubWindow()) {
-        setWindowTitle(tr("%1 - %2").arg(pFront->windowTitle(), CORVUtilityFns::getAppName()));
-    }
 }
 
 // Keys that two have are nobody's.

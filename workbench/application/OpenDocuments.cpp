@@ -61,6 +61,8 @@ bool takeImagesIntoMemory(CORVDataset& dataset)
 
 OpenDocuments::OpenDocuments(QMdiArea* pArea, QObject* pParent) : QObject(pParent), m_pArea(pArea)
 {
+    // Behind a window that closes comes the one that was in front before.
+    m_pArea->setActivationOrder(QMdiArea::ActivationHistoryOrder);
     connect(m_pArea, &QMdiArea::subWindowActivated, this, &OpenDocuments::noteCurrent);
 }
 
@@ -238,6 +240,12 @@ CORVDataset* OpenDocuments::currentDataset() const
 {
     const Shown* pShown = current();
     return pShown != nullptr ? pShown->m_pDataset : nullptr;
+}
+
+QString OpenDocuments::currentTitle() const
+{
+    const Shown* pShown = current();
+    return pShown != nullptr ? pShown->m_pWindow->windowTitle().remove(QLatin1String("[*]")) : QString();
 }
 
 void OpenDocuments::setClosingQuestion(std::function<bool(CORVChildWindow*)> question)

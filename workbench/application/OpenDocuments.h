@@ -54,6 +54,8 @@ public:
     CORVSequenceDataset* currentSequence() const;
     CORVSequenceWindow* currentSequenceWindow() const;
     CORVDataset* currentDataset() const;
+    // As its window is called, without the mark of a change.
+    QString currentTitle() const;
     int count() const;
 
     // Asked before a window closes, the answer false keeps it; without one every window closes.

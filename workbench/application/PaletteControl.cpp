@@ -141,15 +141,14 @@ QString PaletteControl::reason() const
     facts.anythingOpen = m_parts.documents.count() > 0;
     facts.lastComplaint = m_strComplaint;
     const CORVSequenceDataset* pSequence = m_parts.documents.currentSequence();
-    const CORVDataset* pDataset = m_parts.documents.currentDataset();
     if (pSequence != nullptr) {
         facts.sequenceInFront = true;
         facts.name = pSequence->getSequenceName();
         facts.images = pSequence->getDatasets().size();
         facts.analysable = pSequence->isSpectrallyAnalysable || pSequence->isKyvoSequence();
         facts.tab = m_parts.documents.currentSequenceWindow()->getCurrentTabName();
-    } else if (pDataset != nullptr) {
-        facts.name = pDataset->getClickNumber();
+    } else {
+        facts.name = m_parts.documents.currentTitle();
     }
     return paletteReason(facts);
 }

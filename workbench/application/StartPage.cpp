@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "workbench/application/StartPage.h"
 
+#include "workbench/application/literalToolTip.h"
+
 #include <QAction>
 #include <QCommandLinkButton>
 #include <QFileInfo>
@@ -94,7 +96,7 @@ QWidget* StartPage::makeRecent(const QString& strPath)
     pButton->setAutoRaise(true);
     pButton->setFocusPolicy(Qt::StrongFocus);
     pButton->setCursor(Qt::PointingHandCursor);
-    pButton->setToolTip(QLatin1String("<div>") + strPath.toHtmlEscaped() + QLatin1String("</div>"));
+    pButton->setToolTip(literalToolTip(strPath));
     pButton->setAccessibleName(tr("Open %1").arg(strPath));
     // It is replaced by the list that the opening leaves.
     connect(

@@ -4,6 +4,7 @@
 #include "host/CORVLog.h"
 #include "workbench/application/ProcessWatch.h"
 #include "workbench/application/ProgressPanel.h"
+#include "workbench/application/literalToolTip.h"
 
 #include <QApplication>
 #include <QKeyEvent>
@@ -109,8 +110,7 @@ void StatusLine::arrange()
     }
     m_pText->setVisible(!m_bRunning);
     m_pText->setText(m_pText->fontMetrics().elidedText(text, Qt::ElideMiddle, qMax(m_pText->width(), 40)));
-    m_pText->setToolTip(text.isEmpty() ? QString()
-                                       : QLatin1String("<div>") + text.toHtmlEscaped() + QLatin1String("</div>"));
+    m_pText->setToolTip(literalToolTip(text));
     m_pText->setAccessibleName(text);
 }
 

@@ -61,6 +61,17 @@ TEST_F(AnnouncingTest, WhenAllCloseNoneComesToTheFront)
     EXPECT_EQ(heard(), QStringList({"ask", "removed other", "removed mouse", "changed nothing"}));
 }
 
+TEST_F(AnnouncingTest, BehindAClosedWindowComesTheOneBefore)
+{
+    m_pWindow->open(mouse());
+    m_pWindow->open(other());
+    m_pWindow->documents().showDataset(m_pWindow->documents().currentSequence()->getDatasets().first());
+    heard();
+    m_pWindow->documents().closeCurrent();
+    settle();
+    EXPECT_EQ(heard(), QStringList("changed other"));
+}
+
 TEST_F(AnnouncingTest, AnImageInFrontIsToldAsADataset)
 {
     m_pWindow->open(mouse());

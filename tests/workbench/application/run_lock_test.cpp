@@ -28,6 +28,7 @@ protected:
         makeWindowWithTool();
         m_pWindow->open(mouse());
         m_pTool->m_told.clear();
+        m_script.m_nAnswer = CORVMessageBox::YesButton;
     }
     // Runs until `during` has been called often enough.
     void run(const std::function<void()>& during, int nAtTurn = 20)
@@ -171,7 +172,7 @@ TEST_F(RunLockTest, KeysOfTheMenusDoNothing)
 TEST_F(RunLockTest, ClosingTheSequenceAsksAbortsWaitsAndCloses)
 {
     m_bGoesOn = true;
-    m_script.m_nAnswer = 0;
+    m_script.m_nAnswer = CORVMessageBox::YesButton;
     run([this] {
         QTest::keyClick(m_pWindow.get(), Qt::Key_W, Qt::ControlModifier);
         EXPECT_EQ(m_pWindow->documents().count(), 1); // not before the end
@@ -186,7 +187,7 @@ TEST_F(RunLockTest, ClosingTheSequenceAsksAbortsWaitsAndCloses)
 
 TEST_F(RunLockTest, WhoGoesOnKeepsTheRunAndTheSequence)
 {
-    m_script.m_nAnswer = 1;
+    m_script.m_nAnswer = CORVMessageBox::NoButtonAnswer;
     run([this] { EXPECT_FALSE(m_pWindow->documents().closeCurrent()); });
     EXPECT_EQ(m_script.m_asked.size(), 1);
     EXPECT_FALSE(m_pTool->m_bAborted);
@@ -218,7 +219,7 @@ TEST_F(RunLockTest, ARunThatEndsDuringTheQuestionIsNotWaitedFor)
 TEST_F(RunLockTest, AProcessWithoutALockIsAskedAboutToo)
 {
     CORVProcess::startLongProcess(0, LONGPROCESS_LOADING, true, QString());
-    m_script.m_nAnswer = 1;
+    m_script.m_nAnswer = CORVMessageBox::NoButtonAnswer;
     EXPECT_FALSE(m_pWindow->close());
     CORVProcess::endLongProcess(LONGPROCESS_LOADING);
     EXPECT_EQ(m_script.m_asked.size(), 1);

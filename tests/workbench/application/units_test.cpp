@@ -3,6 +3,7 @@
 #include "simulatedMouse.h"
 
 #include "host/CORVSequenceDataset.h"
+#include "workbench/application/datasetTitle.h"
 #include "workbench/application/elapsedText.h"
 #include "workbench/application/openable.h"
 #include "workbench/application/printing.h"
@@ -148,6 +149,30 @@ TEST(SimulateCallTest, TheProgramKnowsEveryKind)
 TEST(SimulateCallTest, TheComplaintComesWithoutTheProgramsName)
 {
     EXPECT_EQ(simulateCall::complaint("spum: no room\nspum: at all\n"), "no room\nat all");
+}
+
+// A dataset whose click info has these entries beside a click number.
+void open(CORVDataset& dataset, const QByteArray& entries)
+{
+    QTemporaryDir folder;
+    QFile file(folder.filePath("ClickInfo.txt"));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("[ClickNumber]\nClickNumber: C7\n\n[luminescent image]\n" + entries);
+    file.close();
+    CPLClickInfo info;
+    ASSERT_EQ(info.loadClickInfo(file.fileName()), 0);
+    dataset.clickInfo = info;
+}
+
+TEST(DatasetTitleTest, AMapIsCalledAfterItsComponent)
+{
+    CORVDataset map;
+    open(map, "Unmixed Concentration: SIMBA16AF0UMX2\n");
+    EXPECT_EQ(datasetTitle(map), "Map of component 2");
+    open(map, "Unmixed Concentration: SIMBA16AF0UMX2\nUnmixed Component: Cy7 [*]\n");
+    EXPECT_EQ(datasetTitle(map), "Map of Cy7 [*][*]");
+    open(map, "Binning Factor: 4\n");
+    EXPECT_FALSE(datasetTitle(map).startsWith("Map of")) << qPrintable(datasetTitle(map));
 }
 
 TEST(SequenceOfDatasetsTest, WritesASequenceThatOpens)
