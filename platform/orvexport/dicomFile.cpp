@@ -4,6 +4,8 @@
 #include "host/CORVPreference.h"
 #include "host/CORVUtilityFns.h"
 
+#include <QLocale>
+
 #include <dcmtk/config/osconfig.h>
 #include <dcmtk/dcmdata/dcostrmb.h>
 #include <dcmtk/dcmdata/dctk.h>

@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <ostream>
+
 namespace {
 
 TEST(GraphicsFormatsTest, FiltersAreTheseInThisOrder)
@@ -31,6 +33,11 @@ struct NameCase
     const char* remembered;
     bool isDicom;
 };
+
+std::ostream& operator<<(std::ostream& stream, const NameCase& nameCase)
+{
+    return stream << nameCase.file;
+}
 
 class GraphicsNameTest : public ::testing::TestWithParam<NameCase>
 {

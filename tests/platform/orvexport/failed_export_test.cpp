@@ -153,6 +153,11 @@ struct Longest
     int pixels;
 };
 
+std::ostream& operator<<(std::ostream& stream, const Longest& longest)
+{
+    return stream << longest.suffix << ' ' << longest.pixels;
+}
+
 class LongestSideTest : public ::testing::TestWithParam<Longest>
 {
 };

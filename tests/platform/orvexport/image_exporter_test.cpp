@@ -58,8 +58,8 @@ TEST_P(ReadBackTest, AnotherProgramReadsTheSamePixels)
 INSTANTIATE_TEST_SUITE_P(Formats, ReadBackTest,
                          ::testing::Combine(::testing::ValuesIn(readers::formats),
                                             ::testing::Values(QSize(1, 1), QSize(2, 1), QSize(1, 3), QSize(3, 2),
-                                                              QSize(5, 7), QSize(641, 480), QSize(4096, 3),
-                                                              QSize(4096, 1025), QSize(3, 4097))),
+                                                              QSize(5, 7), QSize(641, 480), QSize(1923, 1440),
+                                                              QSize(4096, 3), QSize(4096, 1025), QSize(3, 4097))),
                          [](const auto& named) {
                              const QSize size = std::get<1>(named.param);
                              return std::string(std::get<0>(named.param).suffix) + "_" + std::to_string(size.width()) +
