@@ -65,7 +65,8 @@ QImage DatasetView::pictureToKeep() const
         return picture();
     }
     // A small one by whole pixels, so that it can be looked at beside its bar.
-    const QImage kept = picture().scaled(picture().size() * ((kLeastSide + side - 1) / side));
+    const int scale = (kLeastSide + side - 1) / side;
+    const QImage kept = picture().scaled(picture().width() * scale, picture().height() * scale);
     if (m_range.isEmpty()) {
         return kept;
     }
