@@ -75,7 +75,7 @@ void SimulateDialog::makeForm(const QString& strParentFolder)
     }
     m_pSize->setCurrentIndex(m_pSize->findData(standardSize));
     m_pFolder->setObjectName(QStringLiteral("simulateFolder"));
-    m_pFolder->setMinimumWidth(fontMetrics().averageCharWidth() * 48);
+    m_pFolder->setMinimumWidth(fontMetrics().averageCharWidth() * 38);
     m_pBrowse->setObjectName(QStringLiteral("simulateBrowse"));
     m_pBrowse->setAutoDefault(false);
     auto* pRow = new QHBoxLayout;
