@@ -26,7 +26,6 @@ class CORVSpumKyvo;
 class QMenu;
 class SavedResults;
 class SavedResultsOwner;
-class SpectrumPlotParams;
 struct downloaded_save_data;
 
 // The tool palette: the images of the current sequence to choose from, the method and the start of an analysis on one
@@ -52,7 +51,7 @@ public:
     virtual bool hasEnoughSelected();
     virtual bool renameResult();
 
-    // Lets the user choose the spectra of a batch. Backing out ends the host's batch.
+    // Lets the user choose the spectra of a batch. Backing out ends the batch of the host.
     void setUpBatch();
     void endBatch();
     // The filters of the spectra that were chosen for a batch.
@@ -167,9 +166,6 @@ private:
     // What waited for the end of a run.
     void finishWaiting();
 
-    void giveBatchSpectra();
-    void processBatchSequence(CORVSequenceDataset& sequence);
-
     void clearResultsTree();
     QStringList resultTitles() const;
     QVector<QStringList> resultRows(bool bSelectedOnly) const;
@@ -182,7 +178,6 @@ private:
     bool m_bPropertiesSeen = false;
     QList<KeyPair> m_selection; // what is ticked
     int m_eAxis = 0;
-    QList<SpectrumPlotParams*> m_batchSpectra; // owned
     QStringList m_batchExcitation;
     QStringList m_batchEmission;
     std::unique_ptr<CORVResultsTabControl> m_pResultsTab;

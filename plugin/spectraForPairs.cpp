@@ -1,21 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "plugin/spectraForPairs.h"
 
-#include "spectra/SpectrumPlotParams.h"
+#include "spectra/spectrumOnPairs.h"
 
 QList<SpectrumPlotParams*> spectraForPairs(const QList<SpectrumPlotParams*>& spectra, const QList<KeyPair>& pairs,
                                            int eAxis)
 {
     QList<SpectrumPlotParams*> copies;
     for (const SpectrumPlotParams* pSpectrum : spectra) {
-        auto* pCopy = new SpectrumPlotParams(*pSpectrum);
-        if (pCopy->coversPairs(pairs)) {
-            const XTNT::Vector<double> values = pSpectrum->valuesAt(pairs);
-            pCopy->setPairs(pairs);
-            pCopy->setValues(values);
-        }
-        pCopy->axis = eAxis;
-        copies.append(pCopy);
+        copies.append(new SpectrumPlotParams(spectrumOnPairs(*pSpectrum, pairs, eAxis)));
     }
     return copies;
 }

@@ -10,6 +10,7 @@
 #include "spectra/SpectrumAxis.h"
 #include "spectra/SpumKyvoSpectrumCtrl.h"
 #include "windows/CORVDistributionView.h"
+#include "windows/SpumKyvoCPSWnd.h"
 #include "windows/halfLife.h"
 #include "windows/rowNames.h"
 
@@ -67,6 +68,7 @@ void SpumKyvoConsoleWnd::init()
     initPlot();
     initUnmixedImages();
     initDecayControls();
+    m_pComputePureSpectrumWnd = new SpumKyvoCPSWnd(this);
     connectControls();
     connectToolbar();
     m_pSelectLabel->setToolTip(tr("Ticked spectra are plotted, removed and computed with; all that have data are "
@@ -130,6 +132,9 @@ void SpumKyvoConsoleWnd::connectControls()
     connect(m_pLegendCkb, &QCheckBox::stateChanged, this, &SpumKyvoConsoleWnd::onToggleShowLegendCheckBox);
     connect(m_pExportDataBtn, &QToolButton::clicked, this, &SpumKyvoConsoleWnd::onClickExportData);
     connect(m_pSaveDatabaseTB, &QToolButton::clicked, this, &SpumKyvoConsoleWnd::onClickSaveSpectrumLibrary);
+    connect(m_pLoadDatabaseTB, &QToolButton::clicked, this, &SpumKyvoConsoleWnd::onClickLoadSpectrumLibrary);
+    connect(m_pComputeSpectrum, &QToolButton::clicked, this, &SpumKyvoConsoleWnd::onComputePureSpectrum);
+    connect(m_pComputePureSpectrumWnd, &SpumKyvoCPSWnd::updateSpectrum, this, &SpumKyvoConsoleWnd::onUpdateSpectrum);
     connect(m_pAddSpectrum, &QToolButton::clicked, this, [this] { onAddSpectrum(); });
     connect(m_pRemoveSpectrum, &QToolButton::clicked, this, &SpumKyvoConsoleWnd::onRemoveSpectrum);
     connect(m_pUnmixBtn, &QPushButton::clicked, this, &SpumKyvoConsoleWnd::onClickUnmix);
@@ -145,13 +150,8 @@ void SpumKyvoConsoleWnd::connectControls()
 // Controls for which there is nothing yet say so instead of doing nothing.
 void SpumKyvoConsoleWnd::showWhatComesLater()
 {
-    const auto later = [](QWidget* pControl) {
-        pControl->setEnabled(false);
-        pControl->setToolTip(tr("%1 (not available in this version)").arg(pControl->accessibleName()));
-    };
-    for (QWidget* pControl : {m_pLoadDatabaseTB, m_pComputeSpectrum, m_pPrintButton}) {
-        later(pControl);
-    }
+    m_pPrintButton->setEnabled(false);
+    m_pPrintButton->setToolTip(tr("%1 (not available in this version)").arg(m_pPrintButton->accessibleName()));
 }
 
 void SpumKyvoConsoleWnd::showModeTexts()

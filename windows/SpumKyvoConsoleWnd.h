@@ -26,6 +26,7 @@ class CORVDistributionView;
 class CORVGLXYPlot1;
 class CORVPaintQImageView;
 class CORVTextTag;
+class SpumKyvoCPSWnd;
 class SpumKyvoSpectrumCtrl;
 
 // The working window of an analysis: the image cube to look through and to paint regions into, the spectra of these
@@ -114,7 +115,8 @@ public:
     QMutex m_modifiedMutex;   // locked while the first change is told
     bool m_bBackgroundMode = false;
     QString m_strSequenceID;
-    bool m_bSpectraModified = false; // since the last unmixing
+    QPointer<SpumKyvoCPSWnd> m_pComputePureSpectrumWnd; // owned
+    bool m_bSpectraModified = false;                    // since the last unmixing
     QStringList m_probeNames;
     QStringList m_isotopeNames; // in the order of the combo
     QVector<double> m_decayFactors;
@@ -147,6 +149,8 @@ public Q_SLOTS:
     void updateSpectrumPlot();
     void updateRemoveButtonStatus();
     void showWarningForEmptyUnmixname(QString strUnmixName);
+    // The computed spectrum goes to its row; nIndex is that of the mixed one, which is not ticked any longer.
+    void onUpdateSpectrum(int nIndex);
     // Another tab of the sequence's window is current.
     void onTabSelected(QString strTabName);
     void updateColorBarLayout();
@@ -160,6 +164,8 @@ protected Q_SLOTS:
     void onSelectToggled(int nState);
     void onSelectToggled(bool bSelected);
     void onClickSaveSpectrumLibrary();
+    void onClickLoadSpectrumLibrary();
+    void onComputePureSpectrum();
     void onUpdatePlot(int nButton);
     void onAddSpectrum(QString strProbeName, QString strColorName);
     void onAddSpectrum(QString strProbeName);
@@ -227,6 +233,9 @@ private:
     unsigned char channelOf(int nRow) const;
     bool writeRegion(int nRow, const QList<int>& pixels);
     void refreshRegionSpectra();
+    struct LibraryAnswer;
+    LibraryAnswer askForSpectra(bool bSeveral);
+    void importSpectrum(int nRow);
     void turnPaintToolOff();
     void activateTool(int nRow);
 

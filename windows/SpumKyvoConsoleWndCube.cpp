@@ -9,6 +9,7 @@
 #include "host/SPlotDisplaySettings.h"
 #include "spectra/SpectrumAxis.h"
 #include "spectra/logLine.h"
+#include "spectra/spectrumScale.h"
 #include "windows/cubeImageLabel.h"
 #include "windows/plotCurve.h"
 
@@ -191,7 +192,7 @@ bool SpumKyvoConsoleWnd::plotCursor(int nImgX, int nImgY)
         return false;
     }
     const QString key = QLatin1String(kCursorLine);
-    m_pSpectrumPlot->addDataLine(key, plotValues(cursor.axisValues()),
+    m_pSpectrumPlot->addDataLine(key, curveValues(cursor.axisValues()),
                                  plotCurve(values, m_pNormalizedCkb->isChecked()));
     SPlotDisplaySettings settings;
     settings.color.setNamedColor(QStringLiteral("gray"));

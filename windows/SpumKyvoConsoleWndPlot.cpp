@@ -7,6 +7,7 @@
 #include "host/SPlotDisplaySettings.h"
 #include "spectra/SpectrumAxis.h"
 #include "spectra/SpumKyvoSpectrumCtrl.h"
+#include "spectra/spectrumScale.h"
 #include "windows/backgroundRemoval.h"
 #include "windows/plotCurve.h"
 #include "windows/sameSpectra.h"
@@ -81,7 +82,7 @@ void SpumKyvoConsoleWnd::plotSpectrum(int nRow, const XTNT::Vector<double>& back
         removeBackground(values, background);
     }
     const QString key = lineKey(spectrum);
-    m_pSpectrumPlot->addDataLine(key, spectrum.settings.name, plotValues(spectrum.axisValues()),
+    m_pSpectrumPlot->addDataLine(key, spectrum.settings.name, curveValues(spectrum.axisValues()),
                                  plotCurve(values, m_pNormalizedCkb->isChecked()));
     SPlotDisplaySettings settings;
     settings.color = color;
@@ -114,6 +115,7 @@ void SpumKyvoConsoleWnd::updateButtons()
     m_pAddSpectrum->setEnabled(buttons.add);
     m_pSaveDatabaseTB->setEnabled(buttons.save);
     m_pUnmixBtn->setEnabled(buttons.unmix);
+    m_pComputeSpectrum->setEnabled(buttons.compute);
 }
 
 void SpumKyvoConsoleWnd::updateRemoveButtonStatus()

@@ -29,7 +29,13 @@
 namespace {
 
 constexpr int kMostChannels = 255; // that the paint view tells apart
-constexpr int kRowMargin = 8;      // pixels to be seen beside a new row
+
+// The tool that takes a spectrum from a library instead of painting.
+bool isImport(const QToolButton& button)
+{
+    return button.text().compare(QLatin1String("Import"), Qt::CaseInsensitive) == 0;
+}
+constexpr int kRowMargin = 8; // pixels to be seen beside a new row
 
 } // namespace
 
@@ -153,11 +159,6 @@ void SpumKyvoConsoleWnd::connectRow(SpumKyvoSpectrumCtrl& row)
                 QOverload<bool>::of(&SpumKyvoConsoleWnd::onSelectToggled));
     }
     row.m_pToolButton->setFocusPolicy(Qt::StrongFocus);
-    if (row.m_pImportAction) {
-        row.m_pImportAction->setEnabled(false);
-        row.m_pImportAction->setToolTip(tr("Import from a library (not available in this version)"));
-        row.m_pToolMenu->setToolTipsVisible(true);
-    }
 }
 
 void SpumKyvoConsoleWnd::showWarningForEmptyUnmixname(QString strUnmixName)
@@ -324,6 +325,8 @@ void SpumKyvoConsoleWnd::onDrawToolToggled(bool bOn)
     const int nRow = rowOf(sender());
     if (!bOn) {
         turnPaintToolOff();
+    } else if (nRow >= 0 && isImport(*m_spectrumCtrls.at(nRow)->m_pToolButton)) {
+        importSpectrum(nRow);
     } else if (nRow >= 0) {
         activateTool(nRow);
     }

@@ -6,6 +6,7 @@
 #include "services/session/PairSelection.h"
 #include "spectra/SpectrumPlotParams.h"
 #include "spectra/SpumKyvoDatabase.h"
+#include "spectra/spectrumOnPairs.h"
 
 #include <QFileInfo>
 
@@ -105,13 +106,9 @@ QList<SpectrumPlotParams*> LibrarySpectra::fitTo(const QList<KeyPair>& pairs, in
             throw Failure(QStringLiteral("%1: the spectrum \"%2\" has no value for %3")
                               .arg(m_strSource, spectrum->settings.name, missingPairs(*spectrum, pairs)));
         }
-        const auto values = spectrum->valuesAt(pairs);
-        checkValues(m_strSource, *spectrum, values);
-        auto copy = std::make_unique<SpectrumPlotParams>(*spectrum);
-        copy->axis = nAxis;
+        auto copy = std::make_unique<SpectrumPlotParams>(spectrumOnPairs(*spectrum, pairs, nAxis));
+        checkValues(m_strSource, *copy, copy->values());
         copy->settings.index = static_cast<int>(fitted.size());
-        copy->setPairs(pairs);
-        copy->setValues(values);
         fitted.push_back(std::move(copy));
     }
     if (fitted.empty()) {

@@ -20,23 +20,24 @@
 
 #include <memory>
 
-// A folder of libraries, and what is logged.
-class LibraryFolderTest : public ::testing::Test
+// A folder of libraries, and what is logged; beside a fixture.
+class LibraryFolder
 {
 protected:
-    void SetUp() override
+    LibraryFolder() : m_folder(getORVPath(ORV_PATH_USER_DATA, true, nullptr) + "Spum/")
     {
-        m_folder = getORVPath(ORV_PATH_USER_DATA, true, nullptr) + "Spum/";
         QDir(m_folder).removeRecursively(); // whatever another test left
-        ASSERT_TRUE(QDir().mkpath(m_folder));
+        EXPECT_TRUE(QDir().mkpath(m_folder));
         orv::setConsoleLogLevel(orv::ConsoleLog::Nothing);
         m_nSink = orv::addLogSink([this](const orv::LogRecord& line) { m_log.append(line.m_strMessage); });
     }
-    void TearDown() override
+    ~LibraryFolder()
     {
         orv::removeLogSink(m_nSink);
         QDir(m_folder).removeRecursively();
     }
+    LibraryFolder(const LibraryFolder&) = delete;
+    LibraryFolder& operator=(const LibraryFolder&) = delete;
 
     void write(const QString& strName, const QByteArray& content) const
     {
@@ -94,15 +95,9 @@ inline QByteArray dyes(int nSpectra, int nBands, int nSelected)
 } // namespace library
 
 // The window over that folder.
-class LibraryWindowTest : public LibraryFolderTest
+class LibraryWindowTest : public ::testing::Test, public LibraryFolder
 {
 protected:
-    void TearDown() override
-    {
-        m_pWindow.reset();
-        LibraryFolderTest::TearDown();
-    }
-
     void open()
     {
         m_pWindow = std::make_unique<SpUnmixSpectrumLibraryWnd>();

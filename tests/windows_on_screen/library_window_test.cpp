@@ -451,7 +451,6 @@ class LibraryEndTest : public LibraryWindowTest
 protected:
     void SetUp() override
     {
-        LibraryWindowTest::SetUp();
         CORVUtilityFns::setSpumBatchStatus(true);
         write("dyes", library::twoDyes());
         open();
@@ -462,7 +461,6 @@ protected:
     {
         CORVUtilityFns::setSpumBatchStatus(false);
         m_pFinished.reset();
-        LibraryWindowTest::TearDown();
     }
     void expectEnd(int nResult, bool bBatch)
     {

@@ -34,10 +34,11 @@ bool write(const QImage& picture, const QString& strFile, const QWidget* pParent
 
 } // namespace
 
-bool exportGraphics(QWidget* pParent, QImage picture)
+bool exportGraphics(QWidget* pParent, const QImage& picture)
 {
     const QPointer<QWidget> pAsking(pParent);
-    if (picture.isNull()) {
+    const QImage pixels = picture; // the window may make another one while the question is open
+    if (pixels.isNull()) {
         CORVMessageBox::information(pParent, CORVUtilityFns::getAppName(),
                                     QCoreApplication::translate("exportGraphics", "There is no picture to export."));
         return false;
@@ -52,7 +53,7 @@ bool exportGraphics(QWidget* pParent, QImage picture)
     }
     CORVPreference::setUsersPreferredFormat(graphicsFormats::rememberedFormat(strFile));
     QString strError;
-    if (write(picture, strFile, pAsking, &strError)) {
+    if (write(pixels, strFile, pAsking, &strError)) {
         return true;
     }
     CORVMessageBox::error(pAsking, CORVUtilityFns::getAppName(), strError);
