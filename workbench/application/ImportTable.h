@@ -67,6 +67,8 @@ public:
     void setUsed(int nRow, bool bUsed);
     // Uses these files only; none of them is used when no row has such a file.
     void useFiles(const QStringList& names);
+    // Whether its cells are numbers.
+    static bool isNumber(Column eColumn) { return eColumn >= Excitation && eColumn <= Exposure; }
     bool isEditable(Column eColumn) const { return eColumn != Image && eColumn != Origin && eColumn != Use; }
     QString text(int nRow, Column eColumn) const;
     // Numbers may have a unit and the locale's decimal sign; one that can be read is kept in its shortest form.
