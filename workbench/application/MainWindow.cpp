@@ -153,6 +153,11 @@ void MainWindow::connectFileActions()
     connect(actions.guide, &QAction::triggered, this, &MainWindow::showGuide);
     connect(actions.about, &QAction::triggered, this, &MainWindow::showAbout);
     connect(m_pStart, &StartPage::recentChosen, this, &MainWindow::open);
+    for (QTimer* pTimer : {&m_opening, &m_closing}) {
+        pTimer->setSingleShot(true);
+    }
+    connect(&m_opening, &QTimer::timeout, this, &MainWindow::openNext);
+    connect(&m_closing, &QTimer::timeout, this, &MainWindow::closeAfterRun);
 }
 
 void MainWindow::connectWindowActions()

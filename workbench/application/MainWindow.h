@@ -8,6 +8,7 @@
 #include <QMainWindow>
 #include <QPixmap>
 #include <QPointer>
+#include <QTimer>
 #include <QVector>
 
 #include <memory>
@@ -113,6 +114,8 @@ private:
     LogDock* m_pLogDock = nullptr;
     StatusLine* m_pStatus = nullptr;
     QStringList m_toOpen;
+    QTimer m_opening; // of the next of these
+    QTimer m_closing;
     QList<QPointer<QWidget>> m_toClose; // after the run; this window among them for the program
     bool m_bPictureTaken = false;       // the plug-in has answered with a picture
     bool m_bUsualPlace = false;         // the panels get their usual size when they are first shown

@@ -35,7 +35,6 @@
 #include <QDateTime>
 #include <QMenu>
 #include <QMimeData>
-#include <QTimer>
 #include <QUrl>
 
 #include <algorithm>
@@ -84,7 +83,7 @@ void MainWindow::openLater(const QStringList& paths)
     const bool bIdle = m_toOpen.isEmpty();
     m_toOpen += paths;
     if (bIdle && !m_toOpen.isEmpty()) {
-        QTimer::singleShot(0, this, &MainWindow::openNext);
+        m_opening.start(0);
     }
 }
 
@@ -109,7 +108,7 @@ void MainWindow::openNext()
         open(m_toOpen.takeFirst());
     }
     if (!m_toOpen.isEmpty()) {
-        QTimer::singleShot(0, this, &MainWindow::openNext);
+        m_opening.start(0);
     }
 }
 
@@ -190,7 +189,7 @@ void MainWindow::fillRecent()
     QMenu* pMenu = m_pActions->recentMenu;
     pMenu->clear();
     for (int i = 0; i < paths.size(); ++i) {
-        const QString path = paths.at(i);
+        const QString& path = paths.at(i);
         QAction* pAction = pMenu->addAction(recentPaths::menuText(i, path));
         pAction->setToolTip(literalToolTip(path));
         connect(pAction, &QAction::triggered, this, [this, path] { open(path); });
@@ -290,7 +289,7 @@ void MainWindow::closeAfterRun()
         return;
     }
     if (m_pLock->isLocked() || m_pProcesses->isRunning() || QApplication::activeModalWidget() != nullptr) {
-        QTimer::singleShot(retryMilliseconds, this, &MainWindow::closeAfterRun);
+        m_closing.start(retryMilliseconds);
         return;
     }
     const auto windows = m_toClose;

@@ -2,12 +2,13 @@
 #include "workbench/application/RunLock.h"
 
 #include <QApplication>
-#include <QTimer>
 #include <QWidget>
 
 RunLock::RunLock(QObject* pParent) : QObject(pParent)
 {
     connect(qApp, &QApplication::focusChanged, this, &RunLock::noteFocus);
+    m_forget.setSingleShot(true);
+    connect(&m_forget, &QTimer::timeout, this, [this] { m_pDisabledFocus.clear(); });
 }
 
 void RunLock::addWidget(QWidget* pWidget)
@@ -22,7 +23,7 @@ void RunLock::noteFocus(QWidget* pOld, QWidget*)
     }
     m_pDisabledFocus = pOld;
     // A lock that belongs to it comes before the next event.
-    QTimer::singleShot(0, this, [this] { m_pDisabledFocus.clear(); });
+    m_forget.start(0);
 }
 
 void RunLock::lock()

@@ -4,6 +4,7 @@
 #include <QList>
 #include <QObject>
 #include <QPointer>
+#include <QTimer>
 
 class QWidget;
 
@@ -36,6 +37,7 @@ private:
     QList<QPointer<QWidget>> m_disabled; // by this lock
     // The tool disables itself ahead of the lock; where the focus was then is known from that moment.
     QPointer<QWidget> m_pDisabledFocus;
+    QTimer m_forget;
     QPointer<QWidget> m_pFocus;
     bool m_bLocked = false;
 };

@@ -53,6 +53,8 @@ StatusLine::StatusLine(ProcessWatch* pWatch, QWidget* pParent)
         m_strPassing.clear();
         arrange();
     });
+    m_resized.setSingleShot(true);
+    connect(&m_resized, &QTimer::timeout, this, &StatusLine::arrange);
     connect(pWatch, &ProcessWatch::changed, this, [this, pWatch] {
         m_bRunning = pWatch->isRunning();
         arrange();
@@ -117,7 +119,7 @@ void StatusLine::arrange()
 void StatusLine::resizeEvent(QResizeEvent* pEvent)
 {
     QStatusBar::resizeEvent(pEvent);
-    QTimer::singleShot(0, this, &StatusLine::arrange); // the label gets its size behind this
+    m_resized.start(0); // the label gets its size behind this
 }
 
 bool StatusLine::eventFilter(QObject* pWatched, QEvent* pEvent)

@@ -40,6 +40,7 @@ private:
     QLabel* m_pText;
     QLabel* m_pReadOut;
     QTimer m_passing;
+    QTimer m_resized;
     QString m_strAttention;
     QString m_strPassing;
     int m_nLevel = 0;

@@ -18,7 +18,7 @@ constexpr ValueOption valueOptions[] = {{"--plugins", &WorkbenchOptions::pluginF
 // Takes an option with a value at `place`, which it moves to the last argument that belongs to it. False for any other.
 bool takeValue(const QStringList& arguments, int& place, WorkbenchOptions& options)
 {
-    const QString argument = arguments.at(place);
+    const QString& argument = arguments.at(place);
     for (const ValueOption& option : valueOptions) {
         const QLatin1String name(option.name);
         const QString inPlace = name + QLatin1Char('=');
@@ -45,7 +45,7 @@ WorkbenchOptions WorkbenchOptions::parse(const QStringList& arguments)
     WorkbenchOptions options;
     bool onlyPaths = false;
     for (int i = 0; i < arguments.size() && options.error.isEmpty(); ++i) {
-        const QString argument = arguments.at(i);
+        const QString& argument = arguments.at(i);
         if (onlyPaths || !argument.startsWith(QLatin1Char('-')) || argument == QLatin1String("-")) {
             options.paths.append(argument);
         } else if (argument == QLatin1String("--")) {
