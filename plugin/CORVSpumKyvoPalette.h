@@ -155,6 +155,7 @@ private:
     void setRowText(int nRow);
     KeyPair pairAt(int nRow, int nColumn) const;
     void addCell(int nRow, int nColumn);
+    void orderTabStops();
     // Unticks the boxes of a line when any is ticked, and ticks them otherwise.
     void toggleLine(const QVector<class QCheckBox*>& boxes);
 

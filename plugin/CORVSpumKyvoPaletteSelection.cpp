@@ -2,6 +2,7 @@
 // The table of images.
 #include "plugin/CORVSpumKyvoPalette.h"
 
+#include "plugin/CellCheckBox.h"
 #include "plugin/selectionTable.h"
 
 #include "engine/CORVSpumKyvo.h"
@@ -111,11 +112,36 @@ void CORVSpumKyvoPalette::initializeUI()
         }
         setRowText(r);
     }
+    orderTabStops();
+}
+
+// From the bar of the tabs downward, as it is seen. New boxes come last by themselves, and the tab widget cannot be
+// named in the form: whatever follows it there would come after all that is in it.
+void CORVSpumKyvoPalette::orderTabStops()
+{
+    setTabOrder(tabWidget1->tabBar(), m_pSpectrumAxisCMB);
+    setTabOrder(m_pSpectrumAxisCMB, m_pWaveLengthTable);
+    QWidget* pBefore = m_pWaveLengthTable;
+    for (int r = 0; r < m_pWaveLengthTable->rowCount(); ++r) {
+        for (int c = 0; c < m_pWaveLengthTable->columnCount(); ++c) {
+            if (QCheckBox* pBox = boxAt(*m_pWaveLengthTable, r, c)) {
+                setTabOrder(pBefore, pBox);
+                pBefore = pBox;
+            }
+        }
+    }
+    for (QWidget* pNext : {static_cast<QWidget*>(m_pUnmixingMethodsCMB), static_cast<QWidget*>(m_pUnmixSpectraButton),
+                           static_cast<QWidget*>(m_pSavedResultsCB), static_cast<QWidget*>(m_pDeleteButton),
+                           static_cast<QWidget*>(m_pLoadButton), static_cast<QWidget*>(m_pSaveButton),
+                           static_cast<QWidget*>(m_pSPUnResultsLV)}) {
+        setTabOrder(pBefore, pNext);
+        pBefore = pNext;
+    }
 }
 
 void CORVSpumKyvoPalette::addCell(int nRow, int nColumn)
 {
-    auto* pBox = new QCheckBox(m_pWaveLengthTable);
+    auto* pBox = new CellCheckBox(m_pWaveLengthTable);
     pBox->setChecked(true);
     connect(pBox, &QCheckBox::toggled, this, &CORVSpumKyvoPalette::onChangeWLSelection);
     pBox->installEventFilter(this);
