@@ -46,7 +46,6 @@ DatasetWindow::DatasetWindow(CORVDataset* pDataset, QWidget* pParent)
     pLayout->addWidget(m_pView, 1);
     pLayout->addWidget(m_pBar);
     pLayout->addWidget(makePanel());
-    setFocusProxy(m_pView);
     takeSequenceColors();
     connectControls();
     for (const tag_eimagetype type : m_pImage->types()) {

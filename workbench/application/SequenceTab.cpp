@@ -54,7 +54,6 @@ SequenceTab::SequenceTab(CORVSequenceDataset* pSequence, QWidget* pParent)
     pLayout->setContentsMargins(6, 6, 6, 6);
     pLayout->addWidget(makeBar());
     pLayout->addWidget(m_pView, 1);
-    setFocusProxy(m_pView);
     connectControls();
     showScale();
 }
