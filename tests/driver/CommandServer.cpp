@@ -9,6 +9,7 @@
 #include <QApplication>
 #include <QComboBox>
 #include <QHeaderView>
+#include <QHelpEvent>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QLocalServer>
@@ -19,6 +20,7 @@
 #include <QScreen>
 #include <QTabBar>
 #include <QTabWidget>
+#include <QToolTip>
 #include <QTreeWidget>
 #include <QWindow>
 
@@ -116,9 +118,10 @@ void CommandServer::onBeat()
     if (nLate > beatMs) {
         m_stalls.append(nLate);
     }
-    if (m_waiting.isEmpty() || m_bTaken || (m_nGestures > 0 && m_sinceGesture.elapsed() < longestGestureMs)) {
+    if (m_waiting.isEmpty() || m_bTaken || (m_nHolding != 0 && m_sinceGesture.elapsed() < longestGestureMs)) {
         return;
     }
+    m_nHolding = 0;
     // Not from here: a timer does not fire again before its slot is through, and what is done may take a dialog's time.
     const Command command = m_waiting.takeFirst();
     m_bTaken = true;
@@ -149,9 +152,12 @@ void CommandServer::gesture(const Command& command, const std::function<void()>&
 {
     answer(command.m_pFrom, {});
     m_sinceGesture.start();
-    ++m_nGestures;
+    const int nNumber = ++m_nGestures;
+    m_nHolding = nNumber;
     make();
-    --m_nGestures;
+    if (m_nHolding == nNumber) {
+        m_nHolding = 0;
+    }
 }
 
 bool CommandServer::performWithoutWidget(const Command& command)
@@ -210,8 +216,9 @@ void CommandServer::perform(const Command& command)
         QWidget* pTarget = QApplication::activePopupWidget();
         pTarget = pTarget != nullptr ? pTarget : QApplication::activeModalWidget();
         pTarget = pTarget != nullptr ? pTarget : QApplication::activeWindow();
+        pTarget = pTarget != nullptr ? pTarget : searchedWindows(false).value(0);
         if (pTarget == nullptr) {
-            answer(command.m_pFrom, failure("no window is active"));
+            answer(command.m_pFrom, failure("no window is open"));
             return;
         }
         performOnWidget(command, pTarget);
@@ -249,6 +256,14 @@ void CommandServer::performOnWidget(const Command& command, QWidget* pWidget)
         gesture(command, [&] { sendKeys(pWidget, words["keys"].toString()); });
     } else if (strDo == "type") {
         gesture(command, [&] { sendText(pWidget, words["text"].toString()); });
+    } else if (strDo == "close") {
+        gesture(command, [&] { pWidget->window()->close(); });
+    } else if (strDo == "tip") {
+        QHelpEvent event(QEvent::ToolTip, way.from, pWidget->mapToGlobal(way.from));
+        QToolTip::hideText();
+        QApplication::sendEvent(pWidget, &event);
+        answer(command.m_pFrom, {{"text", QToolTip::isVisible() ? QToolTip::text() : QString()}});
+        QToolTip::hideText();
     } else if (strDo == "activate") {
         pWidget->window()->activateWindow();
         pWidget->window()->raise();

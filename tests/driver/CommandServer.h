@@ -35,7 +35,9 @@ class QWidget;
 // {"do": "section", "widget": PATH, "row": 1}        a section of a header
 // {"do": "drop", "widget": PATH, "files": [...], "at": [x, y]}
 // {"do": "grab", "file": ..., "widget": PATH}        without a widget the whole screen
+// {"do": "tip", "widget": PATH, "at": [x, y]}       the tool tip that comes up there
 // {"do": "activate", "widget": PATH}                 the window of the widget
+// {"do": "close", "widget": PATH}         the window of the widget, as by its frame
 // {"do": "stalls"}                        the longest pauses of the event loop in ms since the last such question
 // {"do": "quiet", "ms": 50}               answers once the event loop has been idle for so long
 //
@@ -72,7 +74,8 @@ private:
     QLocalServer* m_pServer;
     QList<Command> m_waiting;
     bool m_bTaken = false; // a command is about to be done
-    int m_nGestures = 0;   // under way, one in the event loop of the other
+    int m_nGestures = 0;   // so far
+    int m_nHolding = 0;    // the one that holds up the next command, or 0
     QElapsedTimer m_sinceGesture;
     QTimer m_beat; // takes the next command, and notes how late it comes
     QElapsedTimer m_sinceBeat;

@@ -148,9 +148,18 @@ bool DrivenProgram::picture(const QString& strName, const QString& strWidget)
     return call(words)["ok"].toBool();
 }
 
-bool DrivenProgram::waitForEnd(int nTimeoutMs)
+bool DrivenProgram::waitUntilEnded(const std::function<void()>& meanwhile, int nTimeoutMs)
 {
-    return !isRunning() || m_process.waitForFinished(nTimeoutMs);
+    QElapsedTimer clock;
+    clock.start();
+    while (isRunning()) {
+        if (clock.elapsed() > nTimeoutMs) {
+            return false;
+        }
+        meanwhile();
+        QThread::msleep(20);
+    }
+    return true;
 }
 
 QString DrivenProgram::standardError()

@@ -31,9 +31,14 @@ Qt::KeyboardModifiers modifiersOf(const QString& strNames)
     return eFound;
 }
 
-// The native window that gets the widget's events: of a popup that is open, the popup's.
+// The native window that gets the widget's events. It is active then, as a window manager would have it.
 QWindow* windowOf(QWidget* pWidget)
 {
+    QWidget* pModal = QApplication::activeModalWidget();
+    const bool bBlocked = pModal != nullptr && pModal != pWidget->window() && !pModal->isAncestorOf(pWidget);
+    if (QApplication::activePopupWidget() == nullptr && !bBlocked && !pWidget->window()->isActiveWindow()) {
+        QApplication::setActiveWindow(pWidget->window());
+    }
     return pWidget->window()->windowHandle();
 }
 

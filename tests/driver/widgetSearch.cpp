@@ -42,9 +42,15 @@ bool fits(const QWidget& widget, const Step& step)
     return !step.hasText || shownText(widget).remove('&') == step.text;
 }
 
+// A window of a work area is shown even when another lies over the whole of it.
+bool isBehindOthers(const QWidget& widget)
+{
+    return widget.inherits("QMdiSubWindow") && widget.visibleRegion().isEmpty();
+}
+
 void collect(QWidget* pWidget, bool bHidden, QList<QWidget*>* pOut)
 {
-    if (!bHidden && !pWidget->isVisible()) {
+    if (!bHidden && (!pWidget->isVisible() || isBehindOthers(*pWidget))) {
         return;
     }
     pOut->append(pWidget);
