@@ -33,8 +33,8 @@ protected:
 
     QString text(const QString& strWidget) { return program().state(strWidget)["text"].toString(); }
     bool isEnabled(const QString& strWidget) { return program().state(strWidget)["enabled"].toBool(); }
-    // Waits for the palette with its table filled, presses Start with a method, waits for the wizard's tab. A result that
-    // is in the way is given up. False when there is no wizard in the end.
+    // Waits for the palette with its table filled, presses Start with a method, waits for the wizard's tab. A result
+    // that is in the way is given up. False when there is no wizard in the end.
     [[nodiscard]] bool openWizard(const QString& strMethod = QStringLiteral("Automatic"));
     // Presses Finish and waits until the run has ended and the results are shown.
     [[nodiscard]] bool finishWizard();
