@@ -199,7 +199,7 @@ void AnalysisSetup::openTile(int nImgIndex)
     // In a batch the windows would pile up.
     pImageWindow->updateThumnailViewForSpumBatchProcessing(tile.savedFolder);
     if (auto* pFrame = qobject_cast<CORVMdiSubWindow*>(pImageWindow->parentWidget())) {
-        QTimer::singleShot(0, pFrame, &CORVMdiSubWindow::hideWindow);
+        QTimer::singleShot(0, pFrame, SLOT(hideWindow()));
     }
 }
 

@@ -15,6 +15,7 @@
 #include "host/CORVSequenceWindow.h"
 #include "host/CORVUtilityFns.h"
 #include "spectra/SpectrumAxis.h"
+#include "spectra/SpectrumPlotParams.h"
 #include "storage/SavedResults.h"
 #include "storage/SavedResultsOwner.h"
 #include "storage/resultRegions.h"
@@ -72,6 +73,7 @@ CORVSpumKyvoPalette::CORVSpumKyvoPalette(QWidget* pParent) : QWidget(pParent)
 CORVSpumKyvoPalette::~CORVSpumKyvoPalette()
 {
     m_pEngine = nullptr;
+    qDeleteAll(m_batchSpectra);
 }
 
 void CORVSpumKyvoPalette::initPalette()
@@ -205,6 +207,9 @@ void CORVSpumKyvoPalette::showSequence(CORVSequenceDataset& sequence)
     // Whoever comes back to a sequence finds its result as it was.
     if (bSwitched && m_pEngine->m_concentrations.num_rows() > 0) {
         fillResultsTree();
+    }
+    if (m_pResults->m_bBatchMode) {
+        processBatchSequence(sequence);
     }
 }
 

@@ -26,6 +26,7 @@ class CORVSpumKyvo;
 class QMenu;
 class SavedResults;
 class SavedResultsOwner;
+class SpectrumPlotParams;
 struct downloaded_save_data;
 
 // The tool palette: the images of the current sequence to choose from, the method and the start of an analysis on one
@@ -51,7 +52,7 @@ public:
     virtual bool hasEnoughSelected();
     virtual bool renameResult();
 
-    // Lets the user choose the spectra of a batch. Backing out ends the batch of the host.
+    // Lets the user choose the spectra of a batch. Backing out ends the host's batch.
     void setUpBatch();
     void endBatch();
     // The filters of the spectra that were chosen for a batch.
@@ -167,6 +168,9 @@ private:
     // What waited for the end of a run.
     void finishWaiting();
 
+    void giveBatchSpectra();
+    void processBatchSequence(CORVSequenceDataset& sequence);
+
     void clearResultsTree();
     QStringList resultTitles() const;
     QVector<QStringList> resultRows(bool bSelectedOnly) const;
@@ -179,6 +183,7 @@ private:
     bool m_bPropertiesSeen = false;
     QList<KeyPair> m_selection; // what is ticked
     int m_eAxis = 0;
+    QList<SpectrumPlotParams*> m_batchSpectra; // owned
     QStringList m_batchExcitation;
     QStringList m_batchEmission;
     std::unique_ptr<CORVResultsTabControl> m_pResultsTab;

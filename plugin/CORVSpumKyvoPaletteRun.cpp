@@ -11,7 +11,6 @@
 #include "host/CORVMessageBox.h"
 #include "host/CORVResultsTabControl.h"
 #include "host/CORVSequenceDataset.h"
-#include "host/CORVUtilityFns.h"
 #include "spectra/logLine.h"
 #include "storage/SavedResults.h"
 #include "windows/SpumKyvoPCAWnd.h"
@@ -54,6 +53,9 @@ void CORVSpumKyvoPalette::onClickUnmixSpectra()
     const bool bBatch = m_pResults->m_bBatchMode;
     const int nMode =
         bBatch ? static_cast<int>(RUNMODE_LIBRARY) : runModeFromText(m_pUnmixingMethodsCMB->currentText());
+    if (bBatch) {
+        giveBatchSpectra();
+    }
     try {
         m_pEngine->prepareAnalysis(nMode, bBatch);
     } catch (const std::exception& failure) {
@@ -192,16 +194,4 @@ void CORVSpumKyvoPalette::onRunPCA()
         showOutcome();
     }
     finishWaiting();
-}
-
-void CORVSpumKyvoPalette::setUpBatch()
-{
-    logLine(QStringLiteral("SpumKyvo: there is no window to choose spectra for a batch in this version."),
-            CORVLOG_WARNING);
-    CORVUtilityFns::setSpumBatchStatus(false);
-}
-
-void CORVSpumKyvoPalette::endBatch()
-{
-    m_pResults->m_bBatchMode = false;
 }

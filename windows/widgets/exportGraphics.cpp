@@ -34,11 +34,10 @@ bool write(const QImage& picture, const QString& strFile, const QWidget* pParent
 
 } // namespace
 
-bool exportGraphics(QWidget* pParent, const QImage& picture)
+bool exportGraphics(QWidget* pParent, QImage picture)
 {
     const QPointer<QWidget> pAsking(pParent);
-    const QImage pixels = picture; // the window may make another one while the question is open
-    if (pixels.isNull()) {
+    if (picture.isNull()) {
         CORVMessageBox::information(pParent, CORVUtilityFns::getAppName(),
                                     QCoreApplication::translate("exportGraphics", "There is no picture to export."));
         return false;
@@ -53,7 +52,7 @@ bool exportGraphics(QWidget* pParent, const QImage& picture)
     }
     CORVPreference::setUsersPreferredFormat(graphicsFormats::rememberedFormat(strFile));
     QString strError;
-    if (write(pixels, strFile, pAsking, &strError)) {
+    if (write(picture, strFile, pAsking, &strError)) {
         return true;
     }
     CORVMessageBox::error(pAsking, CORVUtilityFns::getAppName(), strError);

@@ -7,12 +7,14 @@
 #include <QMenu>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QTextOption>
 
 #include <algorithm>
 
 namespace {
 
 constexpr int kBarFont = 14;
+constexpr int kLeastSide = 512; // of a picture that is copied or saved
 
 } // namespace
 
@@ -58,13 +60,20 @@ QSizeF DatasetView::contentSize() const
 
 QImage DatasetView::pictureToKeep() const
 {
-    if (picture().isNull() || m_range.isEmpty()) {
+    const int side = std::max(picture().width(), picture().height());
+    if (side == 0) {
         return picture();
     }
+    // A small one by whole pixels, so that it can be looked at beside its bar.
+    const int scale = (kLeastSide + side - 1) / side;
+    const QImage kept = picture().scaled(picture().width() * scale, picture().height() * scale);
+    if (m_range.isEmpty()) {
+        return kept;
+    }
     orvimage::ColorBarOptions options;
-    options.fontPixels = std::max(kBarFont, picture().height() / 48);
+    options.fontPixels = std::max(kBarFont, kept.height() / 48);
     options.unitLines = QStringList{m_strQuantity};
-    return orvimage::withColorBar(picture(), m_palette, m_range.minimum, m_range.maximum, options);
+    return orvimage::withColorBar(kept, m_palette, m_range.minimum, m_range.maximum, options);
 }
 
 void DatasetView::fillContextMenu(QMenu& menu)
@@ -95,8 +104,9 @@ void DatasetView::paintOverlay(QPainter& painter) const
     if (!m_strMessage.isEmpty()) {
         painter.setPen(palette().color(QPalette::WindowText));
         const int margin = 24;
-        painter.drawText(rect().adjusted(margin, margin, -margin, -margin), Qt::AlignCenter | Qt::TextWrapAnywhere,
-                         m_strMessage);
+        QTextOption wrapped(Qt::AlignCenter);
+        wrapped.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+        painter.drawText(QRectF(rect().adjusted(margin, margin, -margin, -margin)), m_strMessage, wrapped);
     }
 }
 

@@ -239,6 +239,7 @@ void DatasetWindow::refreshImage()
 void DatasetWindow::showLoaded()
 {
     const bool grey = !m_pImage->image().isEmpty() && !m_pImage->isColored();
+    m_pImageBox->setEnabled(m_pImageBox->count() > 0);
     m_pUnitBox->setEnabled(m_pImage->hasUnit());
     for (QWidget* pWidget : std::initializer_list<QWidget*>{m_pColorBox, m_pReversedBox, m_pLogBox}) {
         pWidget->setEnabled(grey && m_pImage->hasUnit());

@@ -102,6 +102,7 @@ ImportTable::ImportTable(const ImagesTable& table, const QString& strName)
         row.cells[Image] = found.file;
         row.cells[Image] += found.page ? QStringLiteral(" page %1").arg(*found.page) : QString();
         row.cells[Image] += found.band ? QStringLiteral(" band %1").arg(*found.band) : QString();
+        row.cells[Image] = row.cells[Image].trimmed(); // the file of all rows need not be named
         row.cells[Excitation] = cell(found.excitation);
         row.cells[Emission] = cell(found.emission);
         row.cells[SpotX] = found.spotX;

@@ -168,9 +168,7 @@ SequenceGrid::SequenceGrid(const QVector<TileKey>& keys, bool bPhotograph) : m_b
 bool SequenceGrid::arrange(const QStringList& rowOf, const QStringList& columnOf, const QStringList& rowTitles,
                            const QStringList& columnTitles)
 {
-    const QStringList rows = rowTitles;
-    const QStringList columns = columnTitles;
-    if (rows.size() < 2 || columns.size() < 2 || 2 * rowOf.size() < rows.size() * columns.size()) {
+    if (rowTitles.size() < 2 || columnTitles.size() < 2 || 2 * rowOf.size() < rowTitles.size() * columnTitles.size()) {
         return false;
     }
     const int first = m_bPhotograph ? 1 : 0;
@@ -178,16 +176,16 @@ bool SequenceGrid::arrange(const QStringList& rowOf, const QStringList& columnOf
     QVector<Tile> tiles = m_tiles;
     for (int i = 0; i < rowOf.size(); ++i) {
         Tile& tile = tiles[first + i];
-        tile.row = rows.indexOf(rowOf.at(i));
-        tile.column = first + columns.indexOf(columnOf.at(i));
+        tile.row = rowTitles.indexOf(rowOf.at(i));
+        tile.column = first + columnTitles.indexOf(columnOf.at(i));
         if (taken.contains({tile.row, tile.column})) {
             return false;
         }
         taken.insert({tile.row, tile.column});
     }
     m_tiles = tiles;
-    m_rowTitles = rows;
-    m_columnTitles = columns;
+    m_rowTitles = rowTitles;
+    m_columnTitles = columnTitles;
     if (m_bPhotograph) {
         m_columnTitles.prepend(QStringLiteral("Photograph"));
     }

@@ -172,7 +172,7 @@ QModelIndex ThumbnailView::moveCursor(CursorAction eAction, Qt::KeyboardModifier
 {
     const int tile = currentTile();
     if (!m_model.grid().isTable() && tile >= 0) {
-        int next = tile;
+        int next = 0;
         switch (eAction) {
         case MoveLeft:
         case MovePrevious:
@@ -190,7 +190,6 @@ QModelIndex ThumbnailView::moveCursor(CursorAction eAction, Qt::KeyboardModifier
                        : next;
             break;
         case MoveHome:
-            next = 0;
             break;
         case MoveEnd:
             next = m_model.grid().count() - 1;

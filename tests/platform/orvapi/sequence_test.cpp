@@ -296,6 +296,20 @@ TEST_F(SequenceTest, MissingDatasetFolderIsToldAndTheRestOpens)
     EXPECT_TRUE(isWarned(inTarget("C1/ClickInfo.txt"))) << warnings();
 }
 
+TEST_F(SequenceTest, WhatIsLeftOutIsKeptWithItsPlaceAndTheReason)
+{
+    writeThreeClicks();
+    ASSERT_TRUE(QDir(inTarget("C2")).removeRecursively());
+    CORVSequenceDataset sequence;
+    expectOpens(sequence, m_strTarget);
+    ASSERT_EQ(sequence.leftOut().size(), 1);
+    EXPECT_EQ(sequence.leftOut().first().folder, inTarget("C2/"));
+    EXPECT_TRUE(sequence.leftOut().first().reason.contains("C2/ClickInfo.txt"));
+    EXPECT_EQ(sequence.leftOut().first().before, 1);
+    EXPECT_NE(sequence.open(inTarget("nowhere")), ESTATUS_SUCCESS);
+    EXPECT_TRUE(sequence.leftOut().isEmpty());
+}
+
 // As a program leaves it that is killed while it replaces the dataset on a disk that cannot exchange names.
 TEST_F(SequenceTest, ADatasetThatWasLeftAsideGoesBackAndIsTold)
 {

@@ -85,6 +85,7 @@ protected:
     QStringList m_complaints;
     QStringList m_qtWarnings;
     std::vector<std::unique_ptr<Opened>> m_opened;
+    std::vector<std::unique_ptr<CORVDataset>> m_maps; // that the host was asked to open
     QTemporaryDir m_folder;
 
 private:

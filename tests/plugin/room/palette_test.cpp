@@ -403,13 +403,14 @@ TEST_F(PaletteTest, TheBoxesOfTheTableAreReachedByTab)
     EXPECT_FALSE(box(1, 0)->isChecked());
 }
 
-TEST_F(PaletteTest, BatchIsReadFromTheHost)
+TEST_F(PaletteTest, ABatchAsksNothingAndLeavesTheTable)
 {
-    CORVUtilityFns::setSpumBatchStatus(true);
     open();
     m_palette->m_pSPUnResultsLV->addTopLevelItem(new QTreeWidgetItem(QStringList{"a", "b"}));
+    CORVUtilityFns::setSpumBatchStatus(true);
+    m_palette->onSequenceChanged(&m_opened.front()->sequence());
     EXPECT_TRUE(m_palette->askToSaveResults(true));
-    EXPECT_EQ(resultItems().size(), 1); // a batch asks nothing and leaves the table
+    EXPECT_EQ(resultItems().size(), 1);
     m_palette->endBatch();
     EXPECT_TRUE(m_palette->askToSaveResults(true));
     EXPECT_TRUE(resultItems().isEmpty());

@@ -68,3 +68,18 @@ RC_GTEST_PROP(CsvLineLaw, QuotedFieldsComeBack, (const std::vector<std::string>&
     RC_ASSERT(splitCsvLine(quoted.join(','), ',', &read, &error));
     RC_ASSERT(read == fields);
 }
+
+RC_GTEST_PROP(CsvLineLaw, WrittenFieldsComeBack, (const std::vector<std::string>& texts))
+{
+    RC_PRE(!texts.empty());
+    QStringList fields;
+    QStringList written;
+    for (const std::string& text : texts) {
+        fields.append(QString::fromLatin1(text.data(), static_cast<int>(text.size())));
+        written.append(csvField(fields.last()));
+    }
+    QStringList read;
+    QString error;
+    RC_ASSERT(splitCsvLine(written.join(','), ',', &read, &error));
+    RC_ASSERT(read == fields);
+}

@@ -216,3 +216,15 @@ TEST(InferredTableTest, WhatTheMetadataTellBesidesIsKept)
     EXPECT_EQ(read.rows()[0].facts.exposure, 0.25);
     EXPECT_FALSE(read.rows()[1].facts.exposure);
 }
+
+TEST(InferredTableTest, QuestionsAreTheDoubtsThatRowsDoNotShow)
+{
+    EXPECT_TRUE(tableOf({pairOf(640, 700), {{Figure::Excitation, 640, "x"}}}).questions().isEmpty());
+    EXPECT_TRUE(tableOf({pairOf(640, 700), pairOf(640, 700)}).questions().isEmpty());
+    EXPECT_TRUE(tableOf({{}, {}}).questions().isEmpty());
+    const InferredTable frames = tableOf({{{Figure::TimeNumber, 1, "x"}}, {{Figure::TimeNumber, 2, "x"}}});
+    EXPECT_EQ(frames.questions(), frames.doubts());
+    const InferredTable two = tableOf({{{Figure::Emission, 700, "x"}, {Figure::Emission, 720, "y"}}});
+    EXPECT_TRUE(two.questions().contains("a.tif: the emission is 700 (x) or 720 (y)"))
+        << qPrintable(two.doubts().join(';'));
+}

@@ -254,6 +254,16 @@ TEST(ImportTableTest, ATableOfTheUserIsTaken)
     EXPECT_TRUE(taken.isReady());
 }
 
+TEST(ImportTableTest, RowsOfOneFileNeedNotNameIt)
+{
+    ImagesTable table;
+    QString error;
+    ASSERT_TRUE(table.parse("page,time\n1,0\n2,60\n", "images.csv", &error));
+    const ImportTable taken(table, "images.csv");
+    EXPECT_EQ(taken.text(0, Column::Image), "page 1");
+    EXPECT_TRUE(taken.isReady());
+}
+
 TEST(ImportTableModelTest, ShowsAQuestionMarkWhereAFigureIsMissingAndTellsWhy)
 {
     ImportTableModel model;

@@ -1,0 +1,112 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// A batch: one choice of spectra for many sequences, which the host opens one after another.
+#include "plugin/CORVSpumKyvoPalette.h"
+
+#include "plugin/sequenceWindows.h"
+
+#include "engine/CORVSpumKyvo.h"
+#include "host/CORVChildWindow.h"
+#include "host/CORVLog.h"
+#include "host/CORVSequenceDataset.h"
+#include "host/CORVSequenceWindow.h"
+#include "host/CORVUtilityFns.h"
+#include "spectra/SpUnmixSpectrumLibraryWnd.h"
+#include "spectra/SpectrumPlotParams.h"
+#include "spectra/logLine.h"
+#include "storage/SavedResults.h"
+
+#include <QDir>
+#include <QPointer>
+#include <QTimer>
+
+namespace {
+
+// Whether fluorescent sequences of the batch are shown with a background that adapts to them.
+bool adaptsBackground(const CORVSequenceDataset& sequence)
+{
+    const int nMode = CORVUtilityFns::getAdaptFLBgModeForSpumBatch();
+    return sequence.isFluorescence && (nMode == 1 || nMode == 2);
+}
+
+void setAdaptiveBackground(CORVSequenceWindow* pWindow, CORVSequenceDataset& sequence, bool bOn)
+{
+    if (pWindow != nullptr) {
+        pWindow->setAdaptiveBackground(bOn);
+        pWindow->refreshView();
+    }
+    sequence.setModified(false);
+}
+
+} // namespace
+
+void CORVSpumKyvoPalette::setUpBatch()
+{
+    const QPointer<CORVSpumKyvoPalette> self(this);
+    const QPointer<SpUnmixSpectrumLibraryWnd> pLibraries(
+        new SpUnmixSpectrumLibraryWnd(CORVChildWindow::getActiveChildWnd()));
+    pLibraries->m_pNextBtn->setText(tr("Next"));
+    pLibraries->m_pAppendChk->hide();
+    const bool bAccepted = pLibraries->exec() == QDialog::Accepted;
+    if (self && pLibraries && bAccepted) {
+        qDeleteAll(m_batchSpectra);
+        m_batchSpectra = pLibraries->selectedSpectra();
+        m_batchExcitation = pLibraries->m_excitationTexts;
+        m_batchEmission = pLibraries->m_emissionTexts;
+        m_pResults->m_bBatchMode = true;
+    }
+    delete pLibraries;
+}
+
+void CORVSpumKyvoPalette::endBatch()
+{
+    m_pResults->m_bBatchMode = false;
+}
+
+void CORVSpumKyvoPalette::giveBatchSpectra()
+{
+    QList<SpectrumPlotParams*> copies;
+    for (const SpectrumPlotParams* pSpectrum : qAsConst(m_batchSpectra)) {
+        copies.append(new SpectrumPlotParams(*pSpectrum));
+    }
+    m_pEngine->setPresetSpectra(copies);
+}
+
+// Unmixes, saves and exports the sequence without a question, and closes its window.
+void CORVSpumKyvoPalette::processBatchSequence(CORVSequenceDataset& sequence)
+{
+    const QPointer<CORVSequenceDataset> pSequence(&sequence);
+    const QPointer<CORVSequenceWindow> pWindow(CORVSequenceWindow::getSequenceWindow(&sequence));
+    const bool bAdapts = adaptsBackground(sequence);
+    if (bAdapts) {
+        setAdaptiveBackground(pWindow, sequence, true);
+    }
+    logLine(QStringLiteral("Spectral Unmixing for sequence :- %1").arg(sequence.getSequenceInfoPath()), CORVLOG_NOTE);
+    onClickUnmixSpectra();
+    const QPointer<CORVSpumKyvo> pEngine(m_pEngine);
+    if (!pSequence || !pEngine) {
+        return;
+    }
+    m_pResults->saveResultsBatch();
+    const QString strFolder = sequence.getSequenceInfoPath() + QLatin1String("SPUM") + m_pResults->m_strBatchStamp +
+                              QLatin1String("/UnmixedImages");
+    if (!QDir().mkpath(strFolder)) {
+        logLine(QStringLiteral("Failed to create %1 folder.").arg(strFolder), CORVLOG_ERROR);
+        return;
+    }
+    pEngine->m_strBatchPath = strFolder + QLatin1Char('/');
+    pEngine->m_bBatchMode = true;
+    const int nComponents = static_cast<int>(pEngine->m_concentrations.num_rows());
+    for (int i = 0; i < nComponents && pEngine; ++i) {
+        pEngine->onImageDoubleClicked(i);
+    }
+    if (pEngine) {
+        pEngine->m_strBatchPath.clear();
+        pEngine->m_bBatchMode = false;
+    }
+    if (pSequence && bAdapts) {
+        setAdaptiveBackground(pWindow, sequence, false);
+    }
+    if (pWindow && pWindow->parentWidget() != nullptr) {
+        QTimer::singleShot(0, pWindow->parentWidget(), SLOT(close()));
+    }
+}
