@@ -3,13 +3,13 @@
 
 #include "host/CILImage.h"
 #include "host/CROIManager.h"
+#include "host/UnitTexts.h"
 #include "platform/orvapi/ClickInfoKeys.h"
 #include "platform/orvapi/ClickInfoValues.h"
 #include "platform/orvapi/HostLog.h"
 #include "platform/orvapi/ImageCalibration.h"
 #include "platform/orvapi/ImageNames.h"
 #include "platform/orvapi/SectionIn.h"
-#include "platform/orvapi/UnitTexts.h"
 #include "platform/orvimage/TiffIo.h"
 
 #include <QDateTime>

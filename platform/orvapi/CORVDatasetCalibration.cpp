@@ -2,13 +2,13 @@
 // The units of a dataset's main data image.
 #include "host/CILImage.h"
 #include "host/CORVDataset.h"
+#include "host/UnitTexts.h"
 #include "host/orv_calibration.h"
 #include "platform/orvapi/ClickInfoKeys.h"
 #include "platform/orvapi/ClickInfoValues.h"
 #include "platform/orvapi/HostLog.h"
 #include "platform/orvapi/ImageCalibration.h"
 #include "platform/orvapi/ImageNames.h"
-#include "platform/orvapi/UnitTexts.h"
 
 #include <algorithm>
 #include <cstring>

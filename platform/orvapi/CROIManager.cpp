@@ -3,11 +3,11 @@
 
 #include "host/CILImage.h"
 #include "host/CORVDataset.h"
+#include "host/UnitTexts.h"
 #include "platform/orvapi/ClickInfoKeys.h"
 #include "platform/orvapi/ROISection.h"
 #include "platform/orvapi/ROIShape.h"
 #include "platform/orvapi/ROIStatistics.h"
-#include "platform/orvapi/UnitTexts.h"
 
 #include <algorithm>
 

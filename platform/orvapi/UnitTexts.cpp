@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "platform/orvapi/UnitTexts.h"
+#include "host/UnitTexts.h"
 
 QString displayUnitText(int nUnit)
 {

@@ -2,7 +2,7 @@
 #include "services/basis/UnitNames.h"
 
 #include "engine/runTexts.h"
-#include "platform/orvapi/UnitTexts.h"
+#include "host/UnitTexts.h"
 
 QStringList UnitNames::options()
 {

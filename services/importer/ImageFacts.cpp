@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "services/importer/ImageFacts.h"
 
-#include "platform/orvapi/UnitTexts.h"
+#include "host/UnitTexts.h"
 
 #include <QDateTime>
 #include <QLocale>

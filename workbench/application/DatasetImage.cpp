@@ -3,7 +3,7 @@
 
 #include "host/CORVDataset.h"
 #include "host/CORVSequenceDataset.h"
-#include "platform/orvapi/UnitTexts.h"
+#include "host/UnitTexts.h"
 #include "platform/orvimage/TiffIo.h"
 
 #include <algorithm>

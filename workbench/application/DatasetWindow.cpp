@@ -3,15 +3,16 @@
 
 #include "host/CORVDataset.h"
 #include "host/CORVSequenceDataset.h"
+#include "host/ReadOut.h"
 #include "platform/orvwidgets/viewIcons.h"
 #include "workbench/application/ColorBarWidget.h"
 #include "workbench/application/ColorTableBox.h"
 #include "workbench/application/DatasetImage.h"
 #include "workbench/application/DatasetView.h"
 #include "workbench/application/RangePanel.h"
-#include "workbench/application/ReadOut.h"
 #include "workbench/application/UnitBox.h"
 #include "workbench/application/datasetTitle.h"
+#include "workbench/application/pixelSide.h"
 
 #include <QCheckBox>
 #include <QComboBox>

@@ -2,7 +2,7 @@
 #include "workbench/application/DisplayUnits.h"
 
 #include "host/CORVDataset.h"
-#include "platform/orvapi/UnitTexts.h"
+#include "host/UnitTexts.h"
 
 QVector<UnitOffer> unitOffers(const QList<CORVDataset*>& datasets)
 {

@@ -2,15 +2,16 @@
 #include "workbench/application/SequenceTab.h"
 
 #include "host/CORVSequenceDataset.h"
-#include "platform/orvapi/UnitTexts.h"
+#include "host/ReadOut.h"
+#include "host/UnitTexts.h"
 #include "workbench/application/ColorBarWidget.h"
 #include "workbench/application/ColorTableBox.h"
 #include "workbench/application/DisplayUnits.h"
-#include "workbench/application/ReadOut.h"
 #include "workbench/application/ThumbnailModel.h"
 #include "workbench/application/ThumbnailView.h"
 #include "workbench/application/Thumbnails.h"
 #include "workbench/application/UnitBox.h"
+#include "workbench/application/pixelSide.h"
 
 #include <QCheckBox>
 #include <QComboBox>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "workbench/application/ThumbnailModel.h"
 
-#include "platform/orvapi/UnitTexts.h"
+#include "host/UnitTexts.h"
 #include "workbench/application/literalToolTip.h"
 
 #include <QLocale>

@@ -1,16 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "workbench/application/ReadOut.h"
-
-#include "host/CORVDataset.h"
-#include "platform/orvapi/ClickInfoKeys.h"
-#include "platform/orvapi/ClickInfoValues.h"
+#include "host/ReadOut.h"
 
 #include <cmath>
 
 namespace {
 
 constexpr int kDigits = 4;
-constexpr double kMmPerCm = 10.0;
 
 } // namespace
 
@@ -41,15 +36,4 @@ QString ReadOut::text(const QLocale& locale) const
         text += QStringLiteral(" (mean of %1 x %1 pixels)").arg(averaged);
     }
     return text;
-}
-
-std::optional<double> pixelSideMm(CORVDataset& dataset, int nImageType)
-{
-    const std::optional<double> side =
-        clickNumberValue(dataset.clickInfo, {QString::fromLatin1(ClickKeys::kCameraSystemInfo)}, ClickKeys::kPixelSize);
-    const double binning = dataset.getBinningForImage(static_cast<tag_eimagetype>(nImageType));
-    if (!side || !(*side > 0.0) || !(binning > 0.0)) {
-        return std::nullopt;
-    }
-    return *side * binning * kMmPerCm;
 }

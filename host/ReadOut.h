@@ -7,8 +7,6 @@
 
 #include <optional>
 
-class CORVDataset;
-
 // What lies below the pointer, for a status bar.
 struct ReadOut
 {
@@ -22,7 +20,3 @@ struct ReadOut
     // "x 512, y 300 (20.5 mm, 12 mm): 1.234e+06 p/s/cm²/sr"; numbers as the locale writes them.
     QString text(const QLocale& locale = QLocale()) const;
 };
-
-// Side of a pixel of the dataset's main data image in the object plane, in mm; nothing when the click info does not
-// tell.
-std::optional<double> pixelSideMm(CORVDataset& dataset, int nImageType);
