@@ -86,12 +86,12 @@ QJsonObject DrivenProgram::call(const QJsonObject& words, int nTimeoutMs)
     return QJsonDocument::fromJson(m_pSocket->readLine()).object();
 }
 
-bool DrivenProgram::click(const QString& strWidget, const QJsonObject& more)
+bool DrivenProgram::click(const QString& strWidget, const QJsonObject& more, int nTimeoutMs)
 {
     QJsonObject words = more;
     words["do"] = "click";
     words["widget"] = strWidget;
-    return call(words)["ok"].toBool();
+    return call(words, nTimeoutMs)["ok"].toBool();
 }
 
 bool DrivenProgram::key(const QString& strKeys, const QString& strWidget)

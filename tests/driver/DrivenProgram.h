@@ -28,7 +28,7 @@ public:
     bool start(const QStringList& arguments);
     // The answer; "ok" is false when there is none.
     QJsonObject call(const QJsonObject& words, int nTimeoutMs = 30000);
-    bool click(const QString& strWidget, const QJsonObject& more = {});
+    bool click(const QString& strWidget, const QJsonObject& more = {}, int nTimeoutMs = 30000);
     bool key(const QString& strKeys, const QString& strWidget = QString());
     bool type(const QString& strText, const QString& strWidget = QString());
     QJsonObject state(const QString& strWidget);

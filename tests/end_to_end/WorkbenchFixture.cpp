@@ -1,38 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "WorkbenchFixture.h"
+#include "end_to_end/WorkbenchFixture.h"
 
-#include <QCryptographicHash>
-#include <QDir>
-#include <QDirIterator>
-#include <QFile>
-#include <QFileInfo>
-
-namespace {
-
-// Simulated sequences of this process; gone with it.
-QTemporaryDir& sequenceFolder()
-{
-    static QTemporaryDir folder;
-    return folder;
-}
-
-void copyFolder(const QString& strFrom, const QString& strTo)
-{
-    QDir().mkpath(strTo);
-    QDirIterator entries(strFrom, QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot, QDirIterator::Subdirectories);
-    while (entries.hasNext()) {
-        const QString strPath = entries.next();
-        const QString strTarget = strTo + strPath.mid(strFrom.size());
-        if (entries.fileInfo().isDir()) {
-            QDir().mkpath(strTarget);
-        } else {
-            QDir().mkpath(QFileInfo(strTarget).path());
-            QFile::copy(strPath, strTarget);
-        }
-    }
-}
-
-} // namespace
+#include <filesystem>
+#include <iostream>
 
 void WorkbenchFixture::SetUp()
 {
@@ -52,38 +22,10 @@ void WorkbenchFixture::TearDown()
     }
 }
 
-QByteArray WorkbenchFixture::spum(const QStringList& arguments, int* pStatus)
+QString WorkbenchFixture::copyOf(const QString& strFolder, const QString& strName)
 {
-    QProcess process;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert("QT_QPA_PLATFORM", "offscreen");
-    process.setProcessEnvironment(environment);
-    process.start(QStringLiteral(ORV_BINARY_DIR "/bin/spum"), arguments);
-    const bool bEnded = process.waitForFinished(300000);
-    if (pStatus != nullptr) {
-        *pStatus = bEnded ? process.exitCode() : -1;
-    } else {
-        EXPECT_TRUE(bEnded);
-        EXPECT_EQ(process.exitCode(), 0) << process.readAllStandardError().toStdString();
-    }
-    return process.readAllStandardOutput();
-}
-
-QString WorkbenchFixture::sequence(const QStringList& options)
-{
-    const QByteArray key =
-        QCryptographicHash::hash(options.join('\n').toUtf8(), QCryptographicHash::Md5).toHex().left(8);
-    const QString strFolder = sequenceFolder().filePath("sequence " + QString::fromLatin1(key));
-    if (!QFileInfo::exists(strFolder)) {
-        spum(QStringList{"simulate", strFolder, "--quiet"} + options);
-    }
-    return strFolder;
-}
-
-QString WorkbenchFixture::copyOf(const QString& strFolder)
-{
-    const QString strCopy = m_work.filePath(QFileInfo(strFolder).fileName() + " copy");
-    copyFolder(strFolder, strCopy);
+    const QString strCopy = m_work.filePath(strName);
+    std::filesystem::copy(strFolder.toStdString(), strCopy.toStdString(), std::filesystem::copy_options::recursive);
     return strCopy;
 }
 

@@ -19,17 +19,12 @@ protected:
     void SetUp() override;
     void TearDown() override;
 
-    // The folder of a sequence that was simulated with these options; shared by all tests, so only to be read. A copy
-    // of its own has a test that writes into it.
-    static QString sequence(const QStringList& options);
-    QString copyOf(const QString& strFolder);
+    // A copy of a folder that a test may write into.
+    QString copyOf(const QString& strFolder, const QString& strName);
 
     // Starts the program on folders (or none) and waits for its window.
     void startProgram(const QStringList& arguments);
     DrivenProgram& program() { return *m_pProgram; }
-
-    // Runs the command line; its standard output.
-    static QByteArray spum(const QStringList& arguments, int* pStatus = nullptr);
 
     QString text(const QString& strWidget) { return program().state(strWidget)["text"].toString(); }
     bool isEnabled(const QString& strWidget) { return program().state(strWidget)["enabled"].toBool(); }

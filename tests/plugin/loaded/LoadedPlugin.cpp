@@ -5,9 +5,9 @@
 #include "host/CORVChildWindow.h"
 #include "host/CORVMdiSubWindow.h"
 #include "platform/orvimage/TiffIo.h"
+#include "support/simulated.h"
 
 #include <QLabel>
-#include <QProcess>
 #include <QTest>
 #include <QWizard>
 
@@ -94,10 +94,7 @@ LoadedPlugin::~LoadedPlugin()
 QString LoadedPlugin::simulated(const QString& strName, const QStringList& options)
 {
     const QString strFolder = m_folder.filePath(strName);
-    QProcess spum;
-    spum.start(ORV_BINARY_DIR "/bin/spum", QStringList{"simulate", "--quiet"} + options + QStringList(strFolder));
-    EXPECT_TRUE(spum.waitForFinished(120000));
-    EXPECT_EQ(spum.exitCode(), 0) << spum.readAllStandardError().toStdString();
+    simulated::into(strFolder, options);
     return strFolder;
 }
 

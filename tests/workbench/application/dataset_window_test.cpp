@@ -3,9 +3,9 @@
 
 #include "look.h"
 #include "mnemonics.h"
-#include "simulated.h"
 #include "support/pointer.h"
 #include "support/screen.h"
+#include "support/simulated.h"
 
 #include "host/CORVDataset.h"
 #include "host/CORVSequenceDataset.h"

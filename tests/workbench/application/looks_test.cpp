@@ -2,8 +2,8 @@
 // The windows of images on all kinds of sequences, in light and dark palettes, kept in the build folder to be looked
 // at. What can be told of them without eyes is tested here.
 #include "look.h"
-#include "simulated.h"
 #include "support/screen.h"
+#include "support/simulated.h"
 
 #include "host/CORVSequenceDataset.h"
 #include "workbench/application/DatasetWindow.h"

@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QProcess>
+#include <QString>
+#include <QStringList>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+// Runs the command line as it was built; whatever it is asked for must succeed.
+inline void runSpum(const QStringList& arguments)
+{
+    QProcess spum;
+    spum.start(QStringLiteral(ORV_BINARY_DIR "/bin/spum"), arguments);
+    const bool ended = spum.waitForFinished(120000);
+    EXPECT_TRUE(ended && spum.exitCode() == 0) << spum.readAllStandardError().constData();
+}
+
+// Sequences that "spum simulate" writes.
+namespace simulated {
+
+// Writes one into that folder.
+inline void into(const QString& strFolder, const QStringList& options)
+{
+    runSpum(QStringList{"simulate", "--quiet"} + options << strFolder);
+}
+
+// The folder of a sequence made with those options, once in a run of the program: only to be read.
+inline QString sequence(const QStringList& options)
+{
+    static QTemporaryDir s_folder;
+    static QStringList s_made;
+    const QString key = options.join(QLatin1Char(' '));
+    int index = s_made.indexOf(key);
+    if (index < 0) {
+        index = s_made.size();
+        s_made.append(key);
+        into(s_folder.filePath(QStringLiteral("sequence %1").arg(index)), options);
+    }
+    return s_folder.filePath(QStringLiteral("sequence %1").arg(index));
+}
+
+} // namespace simulated
