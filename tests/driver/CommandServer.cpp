@@ -2,8 +2,10 @@
 #include "driver/CommandServer.h"
 
 #include "driver/inputs.h"
+#include "driver/layoutFaults.h"
 #include "driver/widgetSearch.h"
 #include "driver/widgetState.h"
+#include "support/darkPalette.h"
 
 #include <QAbstractItemView>
 #include <QApplication>
@@ -180,6 +182,9 @@ bool CommandServer::performWithoutWidget(const Command& command)
         answer(command.m_pFrom, {{"ms", longest}});
     } else if (strDo == "quiet") {
         waitForQuiet(command);
+    } else if (strDo == "dark") {
+        QApplication::setPalette(screen::darkPalette());
+        answer(command.m_pFrom, {});
     } else if (strDo == "grab" && !words.contains("widget")) {
         const bool bDone = QGuiApplication::primaryScreen()->grabWindow(0).save(words["file"].toString());
         answer(command.m_pFrom, {{"ok", bDone}});
@@ -264,6 +269,13 @@ void CommandServer::performOnWidget(const Command& command, QWidget* pWidget)
         QApplication::sendEvent(pWidget, &event);
         answer(command.m_pFrom, {{"text", QToolTip::isVisible() ? QToolTip::text() : QString()}});
         QToolTip::hideText();
+    } else if (strDo == "resize") {
+        const QJsonArray size = words["size"].toArray();
+        pWidget->window()->resize(size[0].toInt(), size[1].toInt());
+        answer(command.m_pFrom, {});
+    } else if (strDo == "faults") {
+        answer(command.m_pFrom, {{"cut", QJsonArray::fromStringList(layoutFaults::cut(*pWidget))},
+                                 {"nameless", QJsonArray::fromStringList(layoutFaults::nameless(*pWidget))}});
     } else if (strDo == "activate") {
         pWidget->window()->activateWindow();
         pWidget->window()->raise();

@@ -2,6 +2,7 @@
 #include "driver/DrivenProgram.h"
 
 #include <QFileInfo>
+#include <QImage>
 
 #include <gtest/gtest.h>
 
@@ -125,6 +126,35 @@ TEST_F(DriverTest, PicturesAreWritten)
 {
     EXPECT_TRUE(m_sample.picture("driver/sample.png"));
     EXPECT_GT(QFileInfo(ORV_BINARY_DIR "/pictures/driver/sample.png").size(), 1000);
+}
+
+TEST_F(DriverTest, TextsWithoutRoomAndControlsWithoutANameAreTold)
+{
+    const QJsonObject faults = m_sample.call({{"do", "faults"}, {"widget", "said"}});
+    EXPECT_EQ(faults["cut"].toArray(), QJsonArray()) << "what lies below the label alone";
+    const QJsonObject all = m_sample.call({{"do", "faults"}, {"widget", ".QMainWindow"}});
+    EXPECT_EQ(all["cut"].toArray(), (QJsonArray{"QLabel long: A text that is longer than its place"}));
+    const QJsonArray nameless = all["nameless"].toArray();
+    EXPECT_TRUE(nameless.contains("QSlider slider: "));
+    EXPECT_TRUE(nameless.contains("QComboBox fruit: apple")) << "a value is no name";
+    EXPECT_FALSE(nameless.contains("QDial dial: "));
+    EXPECT_FALSE(nameless.contains("QPushButton ask: &Ask"));
+}
+
+TEST_F(DriverTest, WindowsAreResizedAndDarkened)
+{
+    const auto middle = [this] {
+        m_sample.picture("driver/dark.png", ".QMainWindow");
+        const QImage picture(ORV_BINARY_DIR "/pictures/driver/dark.png");
+        return picture.isNull() ? -1 : qGray(picture.pixel(2, picture.height() - 2));
+    };
+    EXPECT_GT(middle(), 150);
+    m_sample.call({{"do", "dark"}});
+    m_sample.call({{"do", "resize"}, {"widget", ".QMainWindow"}, {"size", QJsonArray{777, 666}}});
+    EXPECT_TRUE(m_sample.waitUntil([&] { return middle() < 100; }, 5000));
+    const QJsonArray place = m_sample.state(".QMainWindow")["place"].toArray();
+    EXPECT_EQ(place[2].toInt(), 777);
+    EXPECT_EQ(place[3].toInt(), 666);
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDial>
 #include <QDragEnterEvent>
 #include <QElapsedTimer>
 #include <QLabel>
@@ -91,6 +92,10 @@ int main(int argc, char** argv)
     auto* pTabs = named(new QTabWidget, "tabs", pLayout);
     pTabs->addTab(new QCheckBox("Inside"), "First");
     pTabs->addTab(new QLabel("Other"), "Second");
+    named(new QLabel("A text that is longer than its place"), "long", pLayout)->setFixedWidth(40);
+    named(new QLabel("A text that has its place"), "short", pLayout);
+    auto* pDial = named(new QDial, "dial", pLayout);
+    pDial->setAccessibleName("Angle");
     QObject::connect(window.menuBar()->addMenu("&File")->addAction("&Open..."), &QAction::triggered,
                      [&] { pSaid->setText("open"); });
     window.show();

@@ -1,0 +1,116 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "driver/layoutFaults.h"
+
+#include "driver/widgetState.h"
+
+#include <QAbstractButton>
+#include <QAbstractScrollArea>
+#include <QComboBox>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QStyle>
+#include <QStyleOptionComboBox>
+
+#include <algorithm>
+
+namespace {
+
+QString described(const QWidget& widget)
+{
+    return QStringLiteral("%1 %2: %3")
+        .arg(QString::fromLatin1(widget.metaObject()->className()), widget.objectName(), shownText(widget));
+}
+
+// Inside an area that scrolls, nothing has to be within what is seen of it.
+bool scrolls(const QWidget& widget)
+{
+    for (const QWidget* pWidget = widget.parentWidget(); pWidget != nullptr && !pWidget->isWindow();
+         pWidget = pWidget->parentWidget()) {
+        if (qobject_cast<const QAbstractScrollArea*>(pWidget->parentWidget()) != nullptr) {
+            return true;
+        }
+    }
+    return false;
+}
+
+bool hasTooLittleRoom(const QWidget& widget)
+{
+    if (const auto* pLabel = qobject_cast<const QLabel*>(&widget)) {
+        if (pLabel->text().isEmpty()) {
+            return false;
+        }
+        const int nHeight =
+            pLabel->hasHeightForWidth() ? pLabel->heightForWidth(pLabel->width()) : pLabel->minimumSizeHint().height();
+        return (!pLabel->wordWrap() && pLabel->minimumSizeHint().width() > pLabel->width()) ||
+               nHeight > pLabel->height();
+    }
+    if (const auto* pButton = qobject_cast<const QAbstractButton*>(&widget)) {
+        // Frames may give way a little, letters may not.
+        const int nText = pButton->fontMetrics().size(Qt::TextShowMnemonic, pButton->text()).width();
+        return !pButton->text().isEmpty() && nText > pButton->width();
+    }
+    if (const auto* pCombo = qobject_cast<const QComboBox*>(&widget)) {
+        QStyleOptionComboBox option;
+        option.initFrom(pCombo);
+        option.editable = pCombo->isEditable();
+        const QRect field =
+            pCombo->style()->subControlRect(QStyle::CC_ComboBox, &option, QStyle::SC_ComboBoxEditField, pCombo);
+        const int nIcon = pCombo->itemIcon(pCombo->currentIndex()).isNull() ? 0 : pCombo->iconSize().width() + 4;
+        return pCombo->fontMetrics().horizontalAdvance(pCombo->currentText()) + nIcon > field.width();
+    }
+    if (const auto* pGroup = qobject_cast<const QGroupBox*>(&widget)) {
+        return pGroup->fontMetrics().size(Qt::TextShowMnemonic, pGroup->title()).width() > pGroup->width();
+    }
+    return false;
+}
+
+bool reachesOut(const QWidget& widget)
+{
+    const QWidget* pParent = widget.parentWidget();
+    return !widget.isWindow() && pParent != nullptr && !scrolls(widget) && !pParent->rect().contains(widget.geometry());
+}
+
+bool hasBuddy(const QWidget& widget)
+{
+    const QList<QLabel*> labels = widget.window()->findChildren<QLabel*>();
+    return std::any_of(labels.begin(), labels.end(),
+                       [&](const QLabel* pLabel) { return pLabel->buddy() == &widget && !pLabel->text().isEmpty(); });
+}
+
+// A value, such as a line edit's, is no name.
+bool hasOwnName(const QWidget& widget)
+{
+    if (!widget.accessibleName().isEmpty()) {
+        return true;
+    }
+    const bool bLabelled =
+        qobject_cast<const QAbstractButton*>(&widget) != nullptr || qobject_cast<const QGroupBox*>(&widget) != nullptr;
+    return (bLabelled && !shownText(widget).isEmpty()) || hasBuddy(widget);
+}
+
+template <class IsFault>
+QStringList faultsOf(const QWidget& window, const IsFault& isFault)
+{
+    QStringList faults;
+    for (const QWidget* pWidget : window.findChildren<QWidget*>()) {
+        if (pWidget->isVisible() && isFault(*pWidget)) {
+            faults.append(described(*pWidget));
+        }
+    }
+    return faults;
+}
+
+} // namespace
+
+QStringList layoutFaults::cut(const QWidget& window)
+{
+    return faultsOf(window, [](const QWidget& widget) { return hasTooLittleRoom(widget) || reachesOut(widget); });
+}
+
+QStringList layoutFaults::nameless(const QWidget& window)
+{
+    return faultsOf(window, [](const QWidget& widget) {
+        return (widget.focusPolicy() & Qt::TabFocus) != 0 && widget.focusProxy() == nullptr && !hasOwnName(widget);
+    });
+}
