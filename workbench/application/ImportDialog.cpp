@@ -139,6 +139,7 @@ void ImportDialog::takeSource(const ImportSource& source)
     m_pSourceEdit->setPlaceholderText(tr("a folder of TIFF files, a TIFF stack, an ENVI cube or a CSV cube"));
     m_pOutputEdit->setText(proposedSequenceFolder(source.path, CORVPreference::getSettings()->getRecentFilePath()));
     m_pReplaceBox->setChecked(false);
+    m_bTableChosen = false;
     m_pModel->setTable(ImportTable());
     m_errors = source.error.isEmpty() ? QStringList() : QStringList{source.error};
     showState();
@@ -177,9 +178,12 @@ void ImportDialog::endLook(bool bSuccess, const QString& strError)
     const bool stopped = m_looking.isStopWanted();
     if (!bSuccess) {
         m_errors = QStringList{stopped ? tr("Stopped before all images were looked at.") : importWords(strError)};
-        m_pModel->setTable(ImportTable());
+        // A table that was there before stays, with its interval.
+        m_pIntervalEdit->setText(m_strInterval);
+        showState();
         return;
     }
+    m_strInterval = m_pIntervalEdit->text();
     for (const QString& warning : m_pLooked->warnings) {
         m_errors.append(importWords(warning));
     }
@@ -187,11 +191,13 @@ void ImportDialog::endLook(bool bSuccess, const QString& strError)
     if (!m_source.files.isEmpty()) {
         table.useFiles(m_source.files);
     }
-    m_pModel->setTable(table);
+    const ImportTable before = m_pModel->table();
     // A table that lies with the images tells more than their names, which leave something open.
     const QString own = QDir(m_source.path).filePath(QStringLiteral("images.csv"));
-    if (!table.isReady() && m_source.files.isEmpty() && QFileInfo(own).isFile()) {
-        takeOwnTable(own);
+    const bool wanted = !table.isReady() && m_source.files.isEmpty() && QFileInfo(own).isFile();
+    if (!wanted || !takeOwnTable(own, before)) {
+        table.takeEdits(before);
+        m_pModel->setTable(table);
     }
     if (m_pImportButton->isEnabled()) {
         m_pImportButton->setFocus();
@@ -205,23 +211,31 @@ void ImportDialog::chooseTable()
     const QString path = CORVFileDialog::getOpenFileName(this, tr("Table of Images"),
                                                          QFileInfo(m_source.path).isDir() ? m_source.path : QString(),
                                                          tr("Tables (*.csv);;All files (*)"));
-    if (!path.isEmpty()) {
-        takeOwnTable(path);
+    if (path.isEmpty()) {
+        return;
+    }
+    m_errors.clear();
+    if (takeOwnTable(path, ImportTable())) {
+        m_bTableChosen = true;
+        showState();
     }
 }
 
-void ImportDialog::takeOwnTable(const QString& strPath)
+bool ImportDialog::takeOwnTable(const QString& strPath, const ImportTable& before)
 {
     ImagesTable table;
     QString error;
     if (!table.load(strPath, &error)) {
         m_errors = QStringList{error};
         showState();
-        return;
+        return false;
     }
     const QString name = QFileInfo(strPath).fileName();
-    m_errors = QStringList{tr("The figures are those of %1.").arg(name)};
-    m_pModel->setTable(ImportTable(table, name));
+    m_errors.append(tr("The figures are those of %1.").arg(name));
+    ImportTable shown(table, name);
+    shown.takeEdits(before);
+    m_pModel->setTable(shown);
+    return true;
 }
 
 // The last one takes what is left; a long name leaves room for the figures.
@@ -253,7 +267,7 @@ void ImportDialog::showState()
     for (QWidget* pWidget : std::initializer_list<QWidget*>{m_pKindBox, m_pTableView, m_pConfirmBox}) {
         pWidget->setEnabled(!busy && images);
     }
-    m_pIntervalEdit->setEnabled(!busy && !m_source.path.isEmpty());
+    m_pIntervalEdit->setEnabled(!busy && !m_source.path.isEmpty() && !m_bTableChosen);
     m_pTableButton->setEnabled(!busy && !m_source.path.isEmpty());
     m_pConfirmBox->setVisible(images && shown.isInDoubt());
     m_pReplaceBox->setVisible(exists);

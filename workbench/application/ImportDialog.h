@@ -59,7 +59,8 @@ private:
     // Reads names and headers on a thread of its own.
     void look();
     void endLook(bool bSuccess, const QString& strError);
-    void takeOwnTable(const QString& strPath);
+    // What was made of the table before stays.
+    bool takeOwnTable(const QString& strPath, const ImportTable& before);
     void fitColumns();
     void import();
     void endImport(bool bSuccess, const QString& strError);
@@ -69,6 +70,8 @@ private:
     void showProgress(const QString& strWhat, double dFraction);
 
     ImportSource m_source;
+    QString m_strInterval;       // that of the table, as it was typed
+    bool m_bTableChosen = false; // the user's own; frames and seconds tell nothing then
     QString m_strWritten;
     BackgroundWork m_looking;
     BackgroundWork m_importing;

@@ -76,7 +76,7 @@ void ImportDialog::nameControls()
     m_pMessages->setAccessibleName(tr("Messages"));
     m_pProgressBar->setAccessibleName(tr("Progress"));
     m_pIntervalEdit->setPlaceholderText(tr("not known"));
-    m_pIntervalEdit->setToolTip(tr("Makes times of the numbers of frames"));
+    m_pIntervalEdit->setToolTip(tr("Makes times of the numbers of frames; a table that was loaded tells its own"));
     m_pTableButton->setToolTip(tr("Takes what is what from a table (CSV) such as images.csv"));
     m_pPhotoEdit->setPlaceholderText(tr("mean of the images"));
     m_pPhotoEdit->setToolTip(tr("Photograph of the same extent as the images"));

@@ -55,23 +55,30 @@ QString counted(int n, const char* one, const char* many)
 
 } // namespace
 
+template <typename Found>
+ImportTable::Row ImportTable::rowOf(const Found& found)
+{
+    Row row;
+    row.file = found.file;
+    row.page = found.page;
+    row.band = found.band;
+    row.cells[Excitation] = cell(found.excitation);
+    row.cells[Emission] = cell(found.emission);
+    row.cells[SpotX] = found.spotX;
+    row.cells[SpotY] = found.spotY;
+    row.cells[Interval] = cell(found.interval);
+    row.cells[Time] = cell(found.time);
+    row.cells[Exposure] = cell(found.facts.exposure);
+    row.facts = found.facts;
+    return row;
+}
+
 ImportTable::ImportTable(const InferredTable& inferred) : m_notes(inferred.notes())
 {
     for (const InferredTable::Row& found : inferred.rows()) {
-        Row row;
-        row.file = found.file;
-        row.page = found.page;
-        row.band = found.band;
+        Row row = rowOf(found);
         row.cells[Image] = found.name;
-        row.cells[Excitation] = cell(found.excitation);
-        row.cells[Emission] = cell(found.emission);
-        row.cells[SpotX] = found.spotX;
-        row.cells[SpotY] = found.spotY;
-        row.cells[Interval] = cell(found.interval);
-        row.cells[Time] = cell(found.time);
-        row.cells[Exposure] = cell(found.facts.exposure);
         row.cells[Origin] = found.origin;
-        row.facts = found.facts;
         m_rows.append(row);
     }
     for (const QString& question : inferred.questions()) {
@@ -95,23 +102,12 @@ ImportTable::ImportTable(const ImagesTable& table, const QString& strName)
 {
     bool temporal = false;
     for (const ImageRow& found : table.rows()) {
-        Row row;
-        row.file = found.file;
-        row.page = found.page;
-        row.band = found.band;
+        Row row = rowOf(found);
         row.cells[Image] = found.file;
         row.cells[Image] += found.page ? QStringLiteral(" page %1").arg(*found.page) : QString();
         row.cells[Image] += found.band ? QStringLiteral(" band %1").arg(*found.band) : QString();
         row.cells[Image] = row.cells[Image].trimmed(); // the file of all rows need not be named
-        row.cells[Excitation] = cell(found.excitation);
-        row.cells[Emission] = cell(found.emission);
-        row.cells[SpotX] = found.spotX;
-        row.cells[SpotY] = found.spotY;
-        row.cells[Interval] = cell(found.interval);
-        row.cells[Time] = cell(found.time);
-        row.cells[Exposure] = cell(found.facts.exposure);
         row.cells[Origin] = strName;
-        row.facts = found.facts;
         temporal = temporal || found.time.has_value();
         m_rows.append(row);
     }
@@ -138,6 +134,7 @@ QStringList ImportTable::kindTexts()
 void ImportTable::setKind(Kind eKind)
 {
     m_eKind = eKind;
+    m_bKindChosen = true;
     check();
 }
 
@@ -225,6 +222,35 @@ void ImportTable::useFiles(const QStringList& names)
     check();
 }
 
+void ImportTable::takeEdits(const ImportTable& before)
+{
+    if (before.m_bKindChosen && m_eKind != Kind::Times) {
+        m_eKind = before.m_eKind;
+        m_bKindChosen = true;
+    }
+    const auto place = [](const Row& row) {
+        return QStringLiteral("%1\n%2\n%3").arg(row.page.value_or(0)).arg(row.band.value_or(0)).arg(row.file);
+    };
+    QHash<QString, const Row*> earlier;
+    for (const Row& row : before.m_rows) {
+        earlier.insert(place(row), &row);
+    }
+    for (Row& row : m_rows) {
+        const Row* pEarlier = earlier.value(place(row));
+        if (pEarlier == nullptr) {
+            continue;
+        }
+        row.used = pEarlier->used;
+        for (int column = 0; column < ColumnCount; ++column) {
+            if (pEarlier->edited.test(static_cast<std::size_t>(column))) {
+                takeText(row, static_cast<Column>(column), pEarlier->cells[static_cast<std::size_t>(column)]);
+            }
+        }
+        row.edited = pEarlier->edited;
+    }
+    check();
+}
+
 QString ImportTable::text(int nRow, Column eColumn) const
 {
     return m_rows.at(nRow).cells[eColumn];
@@ -259,6 +285,7 @@ bool ImportTable::takeText(Row& row, Column eColumn, const QString& strText)
         return false;
     }
     row.cells[eColumn] = text;
+    row.edited.set(eColumn);
     row.doubt.clear(); // whoever corrects a row has looked at it
     if (eColumn != Exposure && !row.cells[Origin].contains(QLatin1String("edited"))) {
         row.cells[Origin] += row.cells[Origin].isEmpty() ? QStringLiteral("edited") : QStringLiteral("; edited");

@@ -9,6 +9,7 @@
 #include <QVector>
 
 #include <array>
+#include <bitset>
 #include <optional>
 
 class ImagesTable;
@@ -67,6 +68,9 @@ public:
     void setUsed(int nRow, bool bUsed);
     // Uses these files only; none of them is used when no row has such a file.
     void useFiles(const QStringList& names);
+    // What the user has made of another table stays: which images are used, the cells that were edited, and a kind that
+    // was chosen unless this table is a series of times. Rows belong together by file, page and band.
+    void takeEdits(const ImportTable& before);
     // Whether its cells are numbers.
     static bool isNumber(Column eColumn) { return eColumn >= Excitation && eColumn <= Exposure; }
     bool isEditable(Column eColumn) const { return eColumn != Image && eColumn != Origin && eColumn != Use; }
@@ -113,6 +117,7 @@ private:
         std::optional<int> page;
         std::optional<int> band;
         std::array<QString, ColumnCount> cells;
+        std::bitset<ColumnCount> edited; // cells that hold what the user typed
         ImageFacts facts;
         QString doubt; // of the row as it was inferred
     };
@@ -123,6 +128,9 @@ private:
     };
     using RowMarks = QVector<CellMark>;
 
+    // What an InferredTable::Row and an ImageRow have in common.
+    template <typename Found>
+    static Row rowOf(const Found& found);
     // False when the cell holds that already.
     bool takeText(Row& row, Column eColumn, const QString& strText);
     void chooseKind(bool bTemporal);
@@ -139,5 +147,6 @@ private:
     QStringList m_questions;
     QStringList m_notes;
     Kind m_eKind = Kind::Fluorescence;
+    bool m_bKindChosen = false; // by the user
     bool m_bConfirmed = false;
 };

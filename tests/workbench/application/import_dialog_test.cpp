@@ -1,85 +1,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "workbench/application/ImportDialog.h"
 
-#include "look.h"
+#include "ImportDialogFixture.h"
+#include "ScriptedResponder.h"
 #include "mnemonics.h"
-#include "support/screen.h"
-
-#include "host/CILImage.h"
-#include "host/CORVDataset.h"
-#include "host/CORVSequenceDataset.h"
-#include "platform/orvimage/TiffIo.h"
-#include "workbench/application/ImportTable.h"
-#include "workbench/application/ImportTableModel.h"
 
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLabel>
-#include <QLineEdit>
-#include <QPlainTextEdit>
-#include <QProgressBar>
-#include <QPushButton>
-#include <QTableView>
-#include <QTemporaryDir>
 
 namespace {
 
-class ImportDialogTest : public ::testing::Test
-{
-protected:
-    void SetUp() override { ASSERT_TRUE(QDir(m_folder.path()).mkdir("stack")); }
-
-    QString writeImage(const QString& name, double base, long side = 16)
-    {
-        CILImage image;
-        image.InitWithType(ORVTYPE_USHORT, side, side);
-        for (std::size_t i = 0; i < image.pixelCount(); ++i) {
-            image.setValue(i, base + static_cast<double>(i % 100));
-        }
-        QString error;
-        const QString path = m_folder.filePath("stack/" + name);
-        EXPECT_TRUE(writeTiff(path, image, TiffWriteOptions(), &error)) << qPrintable(error);
-        return path;
-    }
-    void writeNamed()
-    {
-        for (const char* name : {"ex640_em700.tif", "ex640_em720.tif", "ex675_em720.tif", "ex675_em740.tif"}) {
-            writeImage(name, 100);
-        }
-    }
-    void open(const QStringList& paths)
-    {
-        m_pDialog = std::make_unique<ImportDialog>(paths);
-        screen::show(*m_pDialog);
-        m_pDialog->activateWindow();
-        ASSERT_TRUE(QTest::qWaitForWindowActive(m_pDialog.get()));
-        wait();
-    }
-    void open() { open({m_folder.filePath("stack")}); }
-    void wait()
-    {
-        ASSERT_TRUE(QTest::qWaitFor([&] { return !child<QPushButton>("m_pAbortButton").isVisible(); }, 20000));
-    }
-    template <typename Widget>
-    Widget& child(const char* name)
-    {
-        auto* pWidget = m_pDialog->findChild<Widget*>(name);
-        EXPECT_NE(pWidget, nullptr) << name;
-        return *pWidget;
-    }
-    QPushButton& importButton() { return child<QPushButton>("m_pImportButton"); }
-    QString messages() { return child<QPlainTextEdit>("m_pMessages").toPlainText(); }
-    QAbstractItemModel& model() { return *child<QTableView>("m_pTableView").model(); }
-    void import()
-    {
-        ASSERT_TRUE(importButton().isEnabled()) << qPrintable(messages());
-        QTest::mouseClick(&importButton(), Qt::LeftButton);
-        wait();
-    }
-
-    QTemporaryDir m_folder;
-    std::unique_ptr<ImportDialog> m_pDialog;
-};
+using ImportDialogTest = ImportDialogFixture;
 
 TEST_F(ImportDialogTest, AnImportThatNeedsNoCorrectionIsOneClickFromHere)
 {
@@ -93,7 +25,7 @@ TEST_F(ImportDialogTest, AnImportThatNeedsNoCorrectionIsOneClickFromHere)
     EXPECT_EQ(m_pDialog->result(), QDialog::Accepted);
     EXPECT_EQ(m_pDialog->sequenceFolder(), m_folder.filePath("stack_sequence"));
     CORVSequenceDataset sequence;
-    ASSERT_EQ(sequence.open(m_pDialog->sequenceFolder()), ESTATUS_SUCCESS);
+    openSequence(sequence);
     EXPECT_EQ(sequence.getDatasets().size(), 4);
     EXPECT_EQ(sequence.getDatasets().at(0)->getEmissionFilter(), "700nm");
 }
@@ -177,28 +109,83 @@ TEST_F(ImportDialogTest, NumberedFramesBecomeTimesByTheSecondsBetweenThem)
     }
     open();
     EXPECT_FALSE(importButton().isEnabled());
-    auto& interval = child<QLineEdit>("m_pIntervalEdit");
-    interval.setFocus();
-    QTest::keyClicks(&interval, "30");
-    QTest::keyClick(&interval, Qt::Key_Return);
-    wait();
+    typeInterval("30");
     EXPECT_EQ(child<QComboBox>("m_pKindBox").currentIndex(), static_cast<int>(ImportTable::Kind::Times));
     EXPECT_EQ(m_pDialog->table().text(2, ImportTable::Time), "90");
     look::keep(*m_pDialog, "import_times");
     import();
     CORVSequenceDataset sequence;
-    ASSERT_EQ(sequence.open(m_pDialog->sequenceFolder()), ESTATUS_SUCCESS);
+    openSequence(sequence);
     EXPECT_TRUE(sequence.isKyvoSequence());
+}
+
+TEST_F(ImportDialogTest, CellsThatWereEditedStayWhenTheSecondsBetweenFramesChange)
+{
+    for (const char* name : {"img_1.tif", "img_2.tif", "img_3.tif"}) {
+        writeImage(name, 100);
+    }
+    open();
+    typeInterval("30");
+    const int time = 2;
+    ASSERT_EQ(m_pDialog->table().text(1, ImportTable::Time), "60");
+    model().setData(model().index(1, time), "65", Qt::EditRole);
+    model().setData(model().index(0, time + 1), "0.5", Qt::EditRole);
+    model().setData(model().index(2, 0), Qt::Unchecked, Qt::CheckStateRole);
+    typeInterval("20");
+    EXPECT_EQ(m_pDialog->table().text(0, ImportTable::Time), "20");
+    EXPECT_EQ(m_pDialog->table().text(0, ImportTable::Exposure), "0.5");
+    EXPECT_EQ(m_pDialog->table().text(1, ImportTable::Time), "65");
+    EXPECT_FALSE(m_pDialog->table().isUsed(2));
+}
+
+TEST_F(ImportDialogTest, ASecondLookThatFailsLeavesTheTableWithItsSecondsBetweenFrames)
+{
+    const QString path = writeImage("img_1.tif", 100);
+    open();
+    typeInterval("30");
+    ASSERT_EQ(m_pDialog->table().text(0, ImportTable::Time), "30");
+    ASSERT_TRUE(QFile::remove(path));
+    typeInterval("20");
+    EXPECT_TRUE(messages().contains("no TIFF file")) << qPrintable(messages());
+    EXPECT_EQ(m_pDialog->table().text(0, ImportTable::Time), "30");
+    EXPECT_EQ(child<QLineEdit>("m_pIntervalEdit").text(), "30");
+    typeInterval("x");
+    EXPECT_TRUE(messages().contains("takes a number above 0")) << qPrintable(messages());
+    EXPECT_EQ(m_pDialog->table().count(), 1);
+}
+
+TEST_F(ImportDialogTest, ATableThatTheUserLoadsReplacesWhatWasEditedAndTellsItsOwnTimes)
+{
+    writeNamed();
+    open();
+    model().setData(model().index(0, 3), "650", Qt::EditRole);
+    ScriptedResponder files;
+    files.m_file = writeFile("mine.csv", "file,time\nex640_em700.tif,1\nex640_em720.tif,5\n");
+    ASSERT_TRUE(child<QLineEdit>("m_pIntervalEdit").isEnabled());
+    child<QPushButton>("m_pTableButton").click();
+    EXPECT_EQ(m_pDialog->table().kind(), ImportTable::Kind::Times);
+    EXPECT_EQ(m_pDialog->table().count(), 2);
+    EXPECT_EQ(m_pDialog->table().text(0, ImportTable::Emission), "");
+    EXPECT_TRUE(messages().contains("those of mine.csv")) << qPrintable(messages());
+    EXPECT_FALSE(child<QLineEdit>("m_pIntervalEdit").isEnabled());
+    files.m_file = writeFile("bad.csv", "file,time\nex640_em700.tif,soon\n");
+    child<QPushButton>("m_pTableButton").click();
+    EXPECT_TRUE(messages().contains("soon")) << qPrintable(messages());
+    EXPECT_EQ(m_pDialog->table().count(), 2);
+    // The folder once more: its names tell again.
+    files.m_file = m_folder.filePath("stack");
+    child<QPushButton>("m_pFolderButton").click();
+    wait();
+    EXPECT_EQ(m_pDialog->table().count(), 4);
+    EXPECT_EQ(m_pDialog->table().text(0, ImportTable::Emission), "700");
+    EXPECT_TRUE(child<QLineEdit>("m_pIntervalEdit").isEnabled());
 }
 
 TEST_F(ImportDialogTest, ATableBesideImagesThatTellNothingIsTaken)
 {
     writeImage("a.tif", 100);
     writeImage("b.tif", 100);
-    QFile file(m_folder.filePath("stack/images.csv"));
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write("file,excitation,emission\na.tif,488,510\nb.tif,488,530\n");
-    file.close();
+    writeFile("images.csv", "file,excitation,emission\na.tif,488,510\nb.tif,488,530\n");
     open();
     EXPECT_TRUE(messages().contains("those of images.csv")) << qPrintable(messages());
     EXPECT_TRUE(importButton().isEnabled());
@@ -212,7 +199,7 @@ TEST_F(ImportDialogTest, SeveralFilesOfAFolderUseTheseAlone)
     EXPECT_EQ(m_pDialog->table().usedCount(), 2);
     import();
     CORVSequenceDataset sequence;
-    ASSERT_EQ(sequence.open(m_pDialog->sequenceFolder()), ESTATUS_SUCCESS);
+    openSequence(sequence);
     EXPECT_EQ(sequence.getDatasets().size(), 2);
 }
 

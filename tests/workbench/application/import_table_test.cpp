@@ -38,6 +38,26 @@ ImportTable tableOf(const QVector<FoundImage>& images, const QStringList& doubts
     return ImportTable(InferredTable(images, doubts, interval));
 }
 
+// As a file "images.csv" of that text tells it.
+ImportTable userTable(const QByteArray& text)
+{
+    ImagesTable table;
+    QString error;
+    EXPECT_TRUE(table.parse(text, "images.csv", &error)) << qPrintable(error);
+    return ImportTable(table, "images.csv");
+}
+
+// Frames numbered from 1 by their names.
+QVector<FoundImage> frames(int nCount)
+{
+    QVector<FoundImage> images;
+    for (int i = 1; i <= nCount; ++i) {
+        const QString name = QStringLiteral("t%1").arg(i);
+        images.append(found(name + ".tif", {{Figure::TimeNumber, static_cast<double>(i), "name: " + name}}));
+    }
+    return images;
+}
+
 TEST(ImportTableTest, ATableWithoutDoubtIsReadyAsItStands)
 {
     const ImportTable table = tableOf({pairOf("a.tif", 640, 700), pairOf("b.tif", 640, 720)});
@@ -177,8 +197,7 @@ TEST(ImportTableTest, ADoubtGoesWhenTheTableIsConfirmedAndComesBackWithAChange)
 
 TEST(ImportTableTest, TimesThatCouldBeFramesAreAQuestion)
 {
-    const QVector<FoundImage> images{found("t1.tif", {{Figure::TimeNumber, 1, "name: t1"}}),
-                                     found("t2.tif", {{Figure::TimeNumber, 2, "name: t2"}})};
+    const QVector<FoundImage> images = frames(2);
     const ImportTable table = tableOf(images);
     ASSERT_EQ(table.questions().size(), 1);
     EXPECT_EQ(table.questions().first(),
@@ -188,6 +207,44 @@ TEST(ImportTableTest, TimesThatCouldBeFramesAreAQuestion)
     const ImportTable counted = tableOf(images, {}, 30.0);
     EXPECT_TRUE(counted.isReady());
     EXPECT_EQ(counted.text(1, Column::Time), "60");
+}
+
+TEST(ImportTableTest, WhatAUserHasEditedStaysWhenTheImagesAreLookedAtAgain)
+{
+    const QVector<FoundImage> images = frames(3);
+    ImportTable before = tableOf(images, {}, 30.0);
+    before.setText(1, Column::Time, "65");
+    before.setText(0, Column::Exposure, "0.5");
+    before.setUsed(2, false);
+    // A file has gone since, another has come.
+    ImportTable again = tableOf(frames(4).mid(1), {}, 60.0);
+    again.takeEdits(before);
+    EXPECT_EQ(again.text(0, Column::Time), "65") << "rows belong together by their image, not by their place";
+    EXPECT_TRUE(again.text(0, Column::Origin).endsWith("; edited"));
+    EXPECT_FALSE(again.isUsed(1));
+    EXPECT_TRUE(again.isUsed(2));
+    EXPECT_EQ(again.text(2, Column::Time), "240");
+    // And again, though nothing was edited in between.
+    ImportTable third = tableOf(images, {}, 10.0);
+    third.takeEdits(again);
+    EXPECT_EQ(third.text(1, Column::Time), "65");
+    EXPECT_EQ(third.text(0, Column::Time), "10") << "not edited: the new figure";
+    EXPECT_EQ(third.text(0, Column::Exposure), "") << "the row had gone";
+}
+
+TEST(ImportTableTest, AKindThatWasChosenStaysUnlessTheImagesBecomeASeriesOfTimes)
+{
+    const QVector<FoundImage> pairs{pairOf("a.tif", 640, 700), pairOf("b.tif", 640, 720)};
+    ImportTable chosen = tableOf(pairs);
+    chosen.setKind(Kind::Luminescence);
+    ImportTable again = tableOf(pairs);
+    again.takeEdits(tableOf(pairs));
+    EXPECT_EQ(again.kind(), Kind::Fluorescence);
+    again.takeEdits(chosen);
+    EXPECT_EQ(again.kind(), Kind::Luminescence);
+    ImportTable times = tableOf(frames(2), {}, 30.0);
+    times.takeEdits(chosen);
+    EXPECT_EQ(times.kind(), Kind::Times);
 }
 
 TEST(ImportTableTest, WhatIsWrittenIsReadBackTheSame)
@@ -244,10 +301,7 @@ TEST(ImportTableTest, FilesThatWereNotMeantAreNotUsed)
 
 TEST(ImportTableTest, ATableOfTheUserIsTaken)
 {
-    ImagesTable table;
-    QString error;
-    ASSERT_TRUE(table.parse("file,page,time\ns.tif,1,0\ns.tif,2,60\n", "images.csv", &error));
-    const ImportTable taken(table, "images.csv");
+    const ImportTable taken = userTable("file,page,time\ns.tif,1,0\ns.tif,2,60\n");
     EXPECT_EQ(taken.kind(), Kind::Times);
     EXPECT_EQ(taken.text(1, Column::Image), "s.tif page 2");
     EXPECT_EQ(taken.text(1, Column::Origin), "images.csv");
@@ -256,10 +310,7 @@ TEST(ImportTableTest, ATableOfTheUserIsTaken)
 
 TEST(ImportTableTest, RowsOfOneFileNeedNotNameIt)
 {
-    ImagesTable table;
-    QString error;
-    ASSERT_TRUE(table.parse("page,time\n1,0\n2,60\n", "images.csv", &error));
-    const ImportTable taken(table, "images.csv");
+    const ImportTable taken = userTable("page,time\n1,0\n2,60\n");
     EXPECT_EQ(taken.text(0, Column::Image), "page 1");
     EXPECT_TRUE(taken.isReady());
 }
