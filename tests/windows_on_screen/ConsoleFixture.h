@@ -21,6 +21,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <utility>
 #include <vector>
 
 constexpr int kCubeWidth = 40;
@@ -102,9 +103,9 @@ protected:
     }
     ~ConsoleTest() override { delete m_pConsole; }
 
-    void openCube(int nType = 0)
+    void openCube(int nType = 0, int nSpots = 1, std::vector<int> mask = {})
     {
-        fillCube(m_cube);
+        fillCube(m_cube, nSpots, std::move(mask));
         ASSERT_TRUE(m_pConsole->setImageCube(cubeKeys(nType), nType, m_cube));
         screen::show(m_window);
     }
@@ -136,6 +137,13 @@ protected:
             list.push_back(point.value);
         }
         return list;
+    }
+    // A new row with a dab of the pen.
+    void addDab(const char* pPen, double x, double y)
+    {
+        click(m_pConsole->m_pAddSpectrum);
+        chooseTool(rows() - 1, pPen);
+        paint(x, y, x, y);
     }
     // A row with a painted region in the left (or right) half.
     void addPainted(bool bLeft)

@@ -160,23 +160,15 @@ TEST_F(ConsoleCubeTest, TakingUpAToolTakesTheCursorLineAway)
 
 TEST_F(ConsoleCubeTest, InAScanTheFirstSpotCounts)
 {
-    fillCube(m_cube, 3);
-    ASSERT_TRUE(m_pConsole->setImageCube(cubeKeys(), 0, m_cube));
-    screen::show(m_window);
-    click(m_pConsole->m_pAddSpectrum);
-    chooseTool(0, "Thin");
-    paint(5, 9, 5, 9);
+    openCube(0, 3);
+    addDab("Thin", 5, 9);
     EXPECT_EQ(values(0), (std::vector<double>{10.0, 20.0, 30.0, 40.0}));
 }
 
 TEST_F(ConsoleCubeTest, PixelsOutsideTheMaskAreNoPartOfARegion)
 {
-    fillCube(m_cube, 1, {9 * kCubeWidth + 5, 10 * kCubeWidth + 5});
-    ASSERT_TRUE(m_pConsole->setImageCube(cubeKeys(), 0, m_cube));
-    screen::show(m_window);
-    click(m_pConsole->m_pAddSpectrum);
-    chooseTool(0, "Thick");
-    paint(5, 8, 5, 8);
+    openCube(0, 1, {9 * kCubeWidth + 5, 10 * kCubeWidth + 5});
+    addDab("Thick", 5, 8);
     EXPECT_EQ(values(0), (std::vector<double>{10.5, 21.0, 31.5, 42.0}));
 }
 
