@@ -13,13 +13,22 @@
 // several channels.
 //
 // While painting is on, dragging with the left button paints the current channel with its pen, with Shift or with the
-// right button it erases; Ctrl+Z takes the channel's last stroke back. A right click opens the context menu. While
-// painting is off, the pixel under the pointer is told.
+// right button it erases; Ctrl+Z takes the channel's last stroke back, [ and ] take the next pen. R and E have a drag
+// fill (or erase) a rectangle or an ellipse instead, which Escape gives up, and B has it paint again. A right click
+// opens the context menu. While painting is off, the pixel under the pointer is told.
 class CORVPaintQImageView : public CORVQImageView
 {
     Q_OBJECT
 
 public:
+    // What a drag paints.
+    enum PaintShape
+    {
+        Brush,
+        Rectangle,
+        Ellipse
+    };
+
     explicit CORVPaintQImageView(QWidget* pParent = nullptr, const char* name = nullptr);
     ~CORVPaintQImageView() override;
 
@@ -29,6 +38,10 @@ public:
     void setPaintEnabled(bool bEnabled);
     bool isPaintEnabled() const;
     void setCurrentChannel(unsigned char nChannel);
+
+    // Of every channel; the brush at first.
+    void setPaintShape(PaintShape eShape);
+    PaintShape paintShape() const;
 
     // A pen by its name: "Thin", "Medium", "Thick" are 1, 3 and 7 pixels of the picture wide, round. Another name
     // leaves the pen as it is.
@@ -52,6 +65,11 @@ Q_SIGNALS:
     void signalDrawComplete(int nButton);
     // The pixel under the pointer while painting is off; (-1, -1) once there is none.
     void updateCursorPosition(int nImgX, int nImgY);
+    // The user took another pen for the current channel.
+    void penChanged(const QString& strPen);
+    // The current channel has as many painted pixels now, in the middle of a stroke too; -1 once nothing is painted
+    // any more.
+    void paintedPixelsChanged(int nPixels);
 
 public Q_SLOTS:
     void takeStrokeBack();
@@ -70,10 +88,16 @@ protected:
     void fillContextMenu(QMenu& menu) override;
 
 private:
+    void addShapes(QMenu& menu);
     struct State;
     bool isPainting() const;
     bool beginStroke(const QPointF& at, bool bErase);
+    void continueStroke(const QPointF& at);
     void endStroke();
+    void dropShape();
+    void takePenBeside(bool bThinner);
+    bool pressPaintKey(int nKey);
+    void tellPixels();
     void endLostStroke(Qt::MouseButtons held);
     void tellCursor(const QPoint& pixel);
     void showCursorShape();

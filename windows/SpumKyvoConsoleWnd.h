@@ -238,6 +238,7 @@ private:
     void importSpectrum(int nRow);
     void turnPaintToolOff();
     void activateTool(int nRow);
+    void showPen(const QString& strPen);
 
     void showScaleControls();
     void tellScale();

@@ -35,6 +35,13 @@ bool isImport(const QToolButton& button)
 {
     return button.text().compare(QLatin1String("Import"), Qt::CaseInsensitive) == 0;
 }
+
+void showTool(QToolButton& button, const QAction& action)
+{
+    button.setIcon(action.icon());
+    button.setText(action.text());
+}
+
 constexpr int kRowMargin = 8; // pixels to be seen beside a new row
 
 } // namespace
@@ -180,6 +187,9 @@ void SpumKyvoConsoleWnd::renumberRows()
         row.m_pNameEdit->setAccessibleName(tr("Name of spectrum %1").arg(number));
         row.m_pColorCombo->setAccessibleName(tr("Color of spectrum %1").arg(number));
         row.m_pToolButton->setAccessibleName(tr("Paint the region of spectrum %1").arg(number));
+        row.m_pToolButton->setToolTip(tr("Paint the region of this spectrum over the image cube.\n"
+                                         "Drag paints, with Shift or the right button it erases, Ctrl+Z takes back.\n"
+                                         "[ and ] change the pen; R fills a rectangle, E an ellipse, B paints again."));
     }
 }
 
@@ -359,11 +369,20 @@ void SpumKyvoConsoleWnd::onDrawToolTriggered(QAction* pAction)
         return;
     }
     QToolButton& button = *m_spectrumCtrls.at(nRow)->m_pToolButton;
-    button.setIcon(pAction->icon());
-    button.setText(pAction->text());
+    showTool(button, *pAction);
     // Off and on, so that the change takes effect.
     button.setChecked(false);
     button.setChecked(true);
+}
+
+// The pen that was taken in the view is that of the row.
+void SpumKyvoConsoleWnd::showPen(const QString& strPen)
+{
+    for (const QAction* pAction : m_pActiveCtrl ? m_pActiveCtrl->m_pToolMenu->actions() : QList<QAction*>()) {
+        if (pAction->text() == strPen) {
+            showTool(*m_pActiveCtrl->m_pToolButton, *pAction);
+        }
+    }
 }
 
 // The mean spectrum of the pixels, with its origin, into a row. False, with nothing changed, when it cannot be had or

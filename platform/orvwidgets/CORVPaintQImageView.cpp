@@ -7,6 +7,7 @@
 #include "platform/orvwidgets/PaintMasks.h"
 #include "platform/orvwidgets/viewOverlays.h"
 
+#include <QActionGroup>
 #include <QContextMenuEvent>
 #include <QKeyEvent>
 #include <QMenu>
@@ -36,19 +37,30 @@ struct CORVPaintQImageView::State
     orvwidgets::PaintLayer m_layer;
     bool m_bPaint = false;
     unsigned char m_nChannel = 0;
+    PaintShape m_eShape = Brush;
+    std::optional<QPoint> m_shapeFrom; // the pixels that the shape being drawn reaches over
+    QPoint m_shapeTo;
+    bool m_bShapeErases = false;
     std::optional<QPointF> m_pointer;    // in the view, while it is over it
     std::optional<QPointF> m_rightPress; // of a press that may become a drag
     Qt::MouseButton m_strokeButton = Qt::NoButton;
     QPoint m_cursor{-1, -1}; // told last
+    int m_nPixels = -1;      // told last
 
     void redraw(const QRect& changed) { m_layer.update(m_masks, changed); }
+    QRect shapeBox() const
+    {
+        return {QPoint(std::min(m_shapeFrom->x(), m_shapeTo.x()), std::min(m_shapeFrom->y(), m_shapeTo.y())),
+                QPoint(std::max(m_shapeFrom->x(), m_shapeTo.x()), std::max(m_shapeFrom->y(), m_shapeTo.y()))};
+    }
 };
 
 CORVPaintQImageView::CORVPaintQImageView(QWidget* pParent, const char* name)
     : CORVQImageView(pParent, name), m_state(std::make_unique<State>())
 {
     setWhatsThis(tr("With a drawing tool: drag to paint a region, drag with Shift or with the right button to erase, "
-                    "Ctrl+Z takes the last stroke back. The wheel zooms, the middle button moves the picture."));
+                    "Ctrl+Z takes the last stroke back. [ and ] change the pen; R and E have a drag fill a rectangle "
+                    "or an ellipse, B has it paint again. The wheel zooms, the middle button moves the picture."));
     connect(this, &GLImageView::pixelUnderPointer, this, [this](int x, int y) { tellCursor(QPoint(x, y)); });
 }
 
@@ -60,10 +72,12 @@ bool CORVPaintQImageView::replaceImage(const QImage& image)
         return false;
     }
     if (image.size() != m_state->m_masks.size()) {
+        dropShape();
         m_state->m_masks.setSize(image.size());
         m_state->m_layer.clear();
     }
     setPicture(image);
+    tellPixels();
     return true;
 }
 
@@ -78,10 +92,12 @@ void CORVPaintQImageView::setPaintEnabled(bool bEnabled)
     if (bEnabled) {
         tellCursor(QPoint(-1, -1));
     } else {
+        dropShape();
         endStroke();
     }
     showCursorShape();
     update();
+    tellPixels();
 }
 
 bool CORVPaintQImageView::isPaintEnabled() const
@@ -91,10 +107,24 @@ bool CORVPaintQImageView::isPaintEnabled() const
 
 void CORVPaintQImageView::setCurrentChannel(unsigned char nChannel)
 {
+    dropShape();
     endStroke();
     m_state->m_nChannel = nChannel;
     showCursorShape();
     update();
+    tellPixels();
+}
+
+void CORVPaintQImageView::setPaintShape(PaintShape eShape)
+{
+    dropShape();
+    m_state->m_eShape = eShape;
+    update();
+}
+
+CORVPaintQImageView::PaintShape CORVPaintQImageView::paintShape() const
+{
+    return m_state->m_eShape;
 }
 
 void CORVPaintQImageView::showCursorShape()
@@ -137,6 +167,7 @@ void CORVPaintQImageView::resetMask(unsigned char nChannel)
 {
     m_state->redraw(m_state->m_masks.reset(nChannel));
     update();
+    tellPixels();
 }
 
 void CORVPaintQImageView::getPaintPixelIndex(unsigned char nChannel, QList<int>& indices) const
@@ -164,22 +195,65 @@ void CORVPaintQImageView::tellCursor(const QPoint& pixel)
     }
 }
 
+void CORVPaintQImageView::tellPixels()
+{
+    const int nPixels = isPainting() ? m_state->m_masks.count(m_state->m_nChannel) : -1;
+    if (nPixels != m_state->m_nPixels) {
+        m_state->m_nPixels = nPixels;
+        Q_EMIT paintedPixelsChanged(nPixels);
+    }
+}
+
 bool CORVPaintQImageView::beginStroke(const QPointF& at, bool bErase)
 {
-    if (!m_state->m_masks.beginStroke(m_state->m_nChannel, bErase)) {
+    if (m_state->m_eShape != Brush) {
+        m_state->m_shapeFrom = pixelOf(toPicture(at));
+        m_state->m_bShapeErases = bErase;
+    } else if (!m_state->m_masks.beginStroke(m_state->m_nChannel, bErase)) {
         return false;
     }
-    m_state->redraw(m_state->m_masks.strokeTo(pixelOf(toPicture(at))));
-    update();
+    continueStroke(at);
     return true;
+}
+
+void CORVPaintQImageView::continueStroke(const QPointF& at)
+{
+    const QPoint pixel = pixelOf(toPicture(at));
+    m_state->m_shapeTo = pixel;
+    m_state->redraw(m_state->m_masks.strokeTo(pixel));
+    update();
 }
 
 void CORVPaintQImageView::endStroke()
 {
     m_state->m_rightPress.reset();
     m_state->m_strokeButton = Qt::NoButton;
+    if (m_state->m_shapeFrom && m_state->m_masks.beginStroke(m_state->m_nChannel, m_state->m_bShapeErases)) {
+        m_state->redraw(m_state->m_masks.fill(m_state->shapeBox(), m_state->m_eShape == Ellipse));
+        update();
+    }
+    m_state->m_shapeFrom.reset();
     if (m_state->m_masks.endStroke()) {
         Q_EMIT signalDrawComplete(1);
+    }
+}
+
+// What is only outlined yet counts for nothing.
+void CORVPaintQImageView::dropShape()
+{
+    if (m_state->m_shapeFrom) {
+        m_state->m_shapeFrom.reset();
+        m_state->m_strokeButton = Qt::NoButton;
+        update();
+    }
+}
+
+void CORVPaintQImageView::takePenBeside(bool bThinner)
+{
+    const QString strPen = orvwidgets::PaintMasks::penBeside(m_state->m_masks.pen(m_state->m_nChannel), bThinner);
+    if (!strPen.isEmpty()) {
+        setPenSize(m_state->m_nChannel, strPen);
+        Q_EMIT penChanged(strPen);
     }
 }
 
@@ -190,6 +264,7 @@ void CORVPaintQImageView::endLostStroke(Qt::MouseButtons held)
         m_state->m_rightPress.reset();
     }
     if (m_state->m_strokeButton != Qt::NoButton && (held & m_state->m_strokeButton) == 0) {
+        dropShape();
         endStroke();
     }
 }
@@ -201,8 +276,9 @@ void CORVPaintQImageView::mousePressEvent(QMouseEvent* pEvent)
         return;
     }
     pEvent->accept();
+    const QPointer<CORVPaintQImageView> alive(this);
     endLostStroke(pEvent->buttons() & ~pEvent->button());
-    if (m_state->m_strokeButton != Qt::NoButton) {
+    if (alive.isNull() || m_state->m_strokeButton != Qt::NoButton) {
         return;
     }
     if (pEvent->button() == Qt::RightButton) {
@@ -211,6 +287,7 @@ void CORVPaintQImageView::mousePressEvent(QMouseEvent* pEvent)
     }
     if (beginStroke(pEvent->localPos(), (pEvent->modifiers() & Qt::ShiftModifier) != 0)) {
         m_state->m_strokeButton = Qt::LeftButton;
+        tellPixels();
     }
 }
 
@@ -223,16 +300,20 @@ void CORVPaintQImageView::mouseMoveEvent(QMouseEvent* pEvent)
         return;
     }
     endLostStroke(pEvent->buttons());
+    if (alive.isNull()) {
+        return;
+    }
     if (m_state->m_rightPress && (pEvent->localPos() - *m_state->m_rightPress).manhattanLength() > kDragStart &&
         beginStroke(*m_state->m_rightPress, true)) {
         m_state->m_rightPress.reset();
         m_state->m_strokeButton = Qt::RightButton;
     }
-    if (m_state->m_masks.isStroking()) {
-        m_state->redraw(m_state->m_masks.strokeTo(pixelOf(toPicture(pEvent->localPos()))));
+    if (m_state->m_strokeButton != Qt::NoButton) {
+        continueStroke(pEvent->localPos());
     }
     if (isPainting()) {
         update();
+        tellPixels();
     }
 }
 
@@ -245,13 +326,16 @@ void CORVPaintQImageView::mouseReleaseEvent(QMouseEvent* pEvent)
         CORVQImageView::contextMenuEvent(&event);
         return;
     }
-    if (pEvent->button() == m_state->m_strokeButton && pEvent->button() != Qt::NoButton) {
-        m_state->redraw(m_state->m_masks.strokeTo(pixelOf(toPicture(pEvent->localPos()))));
-        update();
-        endStroke();
-    }
     if (pEvent->button() == Qt::MiddleButton) {
         showCursorShape();
+    }
+    if (pEvent->button() == m_state->m_strokeButton && pEvent->button() != Qt::NoButton) {
+        const QPointer<CORVPaintQImageView> alive(this);
+        continueStroke(pEvent->localPos());
+        endStroke();
+        if (!alive.isNull()) {
+            tellPixels();
+        }
     }
 }
 
@@ -274,13 +358,43 @@ void CORVPaintQImageView::leaveEvent(QEvent* pEvent)
 
 bool CORVPaintQImageView::event(QEvent* pEvent)
 {
-    // Undo is the stroke's while there is one, whatever shortcut the window has.
-    if (pEvent->type() == QEvent::ShortcutOverride && static_cast<QKeyEvent*>(pEvent)->matches(QKeySequence::Undo) &&
-        m_state->m_masks.canTakeBack(m_state->m_nChannel)) {
-        pEvent->accept();
-        return true;
+    if (pEvent->type() == QEvent::ShortcutOverride) {
+        // Undo is the stroke's while there is one, and Escape the shape's, whatever shortcut the window has.
+        const auto* pKey = static_cast<QKeyEvent*>(pEvent);
+        if ((pKey->matches(QKeySequence::Undo) && m_state->m_masks.canTakeBack(m_state->m_nChannel)) ||
+            (pKey->key() == Qt::Key_Escape && m_state->m_shapeFrom)) {
+            pEvent->accept();
+            return true;
+        }
     }
     return CORVQImageView::event(pEvent);
+}
+
+// True for a key that means something to who paints.
+bool CORVPaintQImageView::pressPaintKey(int nKey)
+{
+    switch (nKey) {
+    case Qt::Key_BracketLeft:
+    case Qt::Key_BracketRight:
+        takePenBeside(nKey == Qt::Key_BracketLeft);
+        return true;
+    case Qt::Key_B:
+        setPaintShape(Brush);
+        return true;
+    case Qt::Key_R:
+        setPaintShape(Rectangle);
+        return true;
+    case Qt::Key_E:
+        setPaintShape(Ellipse);
+        return true;
+    case Qt::Key_Escape: {
+        const bool bShape = m_state->m_shapeFrom.has_value();
+        dropShape();
+        return bShape;
+    }
+    default:
+        return false;
+    }
 }
 
 void CORVPaintQImageView::keyPressEvent(QKeyEvent* pEvent)
@@ -289,12 +403,19 @@ void CORVPaintQImageView::keyPressEvent(QKeyEvent* pEvent)
         takeStrokeBack();
         return;
     }
+    // Brackets come with a modifier on many keyboards.
+    const bool bCommand = (pEvent->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) != 0;
+    const bool bBracket = pEvent->key() == Qt::Key_BracketLeft || pEvent->key() == Qt::Key_BracketRight;
+    if (isPainting() && (!bCommand || bBracket) && pressPaintKey(pEvent->key())) {
+        return;
+    }
     CORVQImageView::keyPressEvent(pEvent);
 }
 
 void CORVPaintQImageView::takeStrokeBack()
 {
     // Those of the current channel alone: who listens asks for the region of that one.
+    dropShape();
     const auto changed = m_state->m_masks.takeBack(m_state->m_nChannel);
     if (!changed) {
         return;
@@ -302,7 +423,11 @@ void CORVPaintQImageView::takeStrokeBack()
     m_state->m_strokeButton = Qt::NoButton;
     m_state->redraw(*changed);
     update();
+    const QPointer<CORVPaintQImageView> alive(this);
     Q_EMIT signalDrawComplete(1);
+    if (!alive.isNull()) {
+        tellPixels();
+    }
 }
 
 void CORVPaintQImageView::useRegionForAll()
@@ -341,7 +466,33 @@ void CORVPaintQImageView::fillContextMenu(QMenu& menu)
     menu.addAction(tr("Use this region for every spectrum"), this, &CORVPaintQImageView::useRegionForAll)
         ->setEnabled(bRegion);
     menu.addSeparator();
+    addShapes(menu);
+    menu.addSeparator();
     CORVQImageView::fillContextMenu(menu);
+}
+
+// Told with their keys only: the view itself handles them.
+void CORVPaintQImageView::addShapes(QMenu& menu)
+{
+    auto* pGroup = new QActionGroup(&menu);
+    const auto add = [this, pGroup, &menu](const QString& strText, char cKey, PaintShape eShape) {
+        QAction* pAction =
+            menu.addAction(strText + QLatin1Char('\t') + QLatin1Char(cKey), this, [=] { setPaintShape(eShape); });
+        pAction->setCheckable(true);
+        pAction->setChecked(m_state->m_eShape == eShape);
+        pAction->setActionGroup(pGroup);
+    };
+    add(tr("&Brush"), 'B', Brush);
+    add(tr("&Rectangle"), 'R', Rectangle);
+    add(tr("&Ellipse"), 'E', Ellipse);
+    pGroup->setEnabled(isPainting());
+    const auto addPen = [this, &menu](const QString& strText, char cKey, bool bThinner) {
+        const int nPen = m_state->m_masks.pen(m_state->m_nChannel);
+        menu.addAction(strText + QLatin1Char('\t') + QLatin1Char(cKey), this, [=] { takePenBeside(bThinner); })
+            ->setEnabled(isPainting() && !orvwidgets::PaintMasks::penBeside(nPen, bThinner).isEmpty());
+    };
+    addPen(tr("Thi&nner Pen"), '[', true);
+    addPen(tr("Thic&ker Pen"), ']', false);
 }
 
 void CORVPaintQImageView::paintOverlay(QPainter& painter) const
@@ -356,7 +507,12 @@ void CORVPaintQImageView::paintOverlay(QPainter& painter) const
         painter.restore();
     }
     QPoint pixel;
-    if (isPainting() && m_state->m_pointer && pixelAt(*m_state->m_pointer, pixel)) {
+    if (m_state->m_shapeFrom) {
+        const QRect box = m_state->shapeBox();
+        const QRectF outline(toView(box.topLeft()), toView(QPointF(box.bottomRight()) + QPointF(1.0, 1.0)));
+        orvwidgets::paintOutline(painter, outline, m_state->m_eShape == Ellipse);
+    } else if (m_state->m_eShape == Brush && isPainting() && m_state->m_pointer &&
+               pixelAt(*m_state->m_pointer, pixel)) {
         const double diameter = m_state->m_masks.pen(m_state->m_nChannel) * zoom();
         orvwidgets::paintRing(painter, toView(QPointF(pixel) + QPointF(0.5, 0.5)), std::max(kSmallestRing, diameter));
     }

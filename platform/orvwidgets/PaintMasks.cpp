@@ -9,6 +9,8 @@ namespace orvwidgets {
 
 namespace {
 
+constexpr std::pair<const char*, int> kPens[] = {{"Thin", 1}, {"Medium", 3}, {"Thick", 7}};
+
 std::size_t area(const QSize& size)
 {
     return size.isEmpty() ? 0 : static_cast<std::size_t>(size.width()) * static_cast<std::size_t>(size.height());
@@ -18,13 +20,25 @@ std::size_t area(const QSize& size)
 
 int PaintMasks::penDiameter(const QString& strPen)
 {
-    constexpr std::pair<const char*, int> pens[] = {{"Thin", 1}, {"Medium", 3}, {"Thick", 7}};
-    for (const auto& [name, diameter] : pens) {
+    for (const auto& [name, diameter] : kPens) {
         if (strPen.compare(QLatin1String(name), Qt::CaseInsensitive) == 0) {
             return diameter;
         }
     }
     return 0;
+}
+
+QString PaintMasks::penBeside(int nDiameter, bool bThinner)
+{
+    const char* pBeside = nullptr;
+    for (const auto& [name, diameter] : kPens) {
+        if (bThinner && diameter < nDiameter) {
+            pBeside = name; // the thickest of these
+        } else if (!bThinner && diameter > nDiameter && pBeside == nullptr) {
+            pBeside = name;
+        }
+    }
+    return QString::fromLatin1(pBeside);
 }
 
 void PaintMasks::setSize(const QSize& size)
@@ -99,10 +113,10 @@ bool PaintMasks::isPainted(unsigned char channel, int nIndex) const
            found->second.bits[static_cast<std::size_t>(nIndex)];
 }
 
-bool PaintMasks::isEmpty(unsigned char channel) const
+int PaintMasks::count(unsigned char channel) const
 {
     const auto found = m_regions.find(channel);
-    return found == m_regions.end() || found->second.count == 0;
+    return found == m_regions.end() ? 0 : static_cast<int>(found->second.count);
 }
 
 void PaintMasks::set(Region& region, int nIndex, bool bOn)
@@ -132,7 +146,6 @@ bool PaintMasks::beginStroke(unsigned char channel, bool bErase)
 // The pixels whose centres lie in the circle of the pen.
 void PaintMasks::stamp(const QPoint& centre, QRect& changed)
 {
-    Region& region = m_regions[m_nStrokeChannel];
     const int diameter = pen(m_nStrokeChannel);
     const int reach = diameter / 2;
     const QRect square = QRect(centre.x() - reach, centre.y() - reach, 2 * reach + 1, 2 * reach + 1).intersected(all());
@@ -140,16 +153,44 @@ void PaintMasks::stamp(const QPoint& centre, QRect& changed)
         for (int x = square.left(); x <= square.right(); ++x) {
             const int dx = x - centre.x();
             const int dy = y - centre.y();
-            const int index = y * m_size.width() + x;
-            if (4 * (dx * dx + dy * dy) > diameter * diameter ||
-                isPainted(m_nStrokeChannel, index) != m_stroke->bErase) {
-                continue;
+            if (4 * (dx * dx + dy * dy) <= diameter * diameter) {
+                change(x, y, changed);
             }
-            set(region, index, !m_stroke->bErase);
-            m_stroke->changed.push_back(index);
-            changed |= QRect(x, y, 1, 1);
         }
     }
+}
+
+// Of the stroke, once each.
+void PaintMasks::change(int x, int y, QRect& changed)
+{
+    const int index = y * m_size.width() + x;
+    if (isPainted(m_nStrokeChannel, index) == m_stroke->bErase) {
+        set(m_regions[m_nStrokeChannel], index, !m_stroke->bErase);
+        m_stroke->changed.push_back(index);
+        changed |= QRect(x, y, 1, 1);
+    }
+}
+
+QRect PaintMasks::fill(const QRect& box, bool bEllipse)
+{
+    QRect changed;
+    if (!m_stroke) {
+        return changed;
+    }
+    const QRect part = box.intersected(all());
+    const double width = box.width();
+    const double height = box.height();
+    for (int y = part.top(); y <= part.bottom(); ++y) {
+        for (int x = part.left(); x <= part.right(); ++x) {
+            // Of the centre from that of the box, in half sides of it.
+            const double dx = (2 * (x - box.left()) + 1 - width) / width;
+            const double dy = (2 * (y - box.top()) + 1 - height) / height;
+            if (!bEllipse || dx * dx + dy * dy <= 1.0) {
+                change(x, y, changed);
+            }
+        }
+    }
+    return changed;
 }
 
 QRect PaintMasks::strokeTo(const QPoint& pixel)

@@ -25,6 +25,8 @@ public:
 
     // Diameter of a pen by its name ("Thin" 1, "Medium" 3, "Thick" 7 pixels); 0 for any other.
     static int penDiameter(const QString& strPen);
+    // The next thicker pen, or with bThinner the next thinner one; the thickest and the thinnest have none beyond them.
+    static QString penBeside(int nDiameter, bool bThinner);
 
     // Another size drops all pixels and strokes; channels, pens and colours stay.
     void setSize(const QSize& size);
@@ -43,12 +45,16 @@ public:
     // Row-major indices, ascending.
     QList<int> pixels(unsigned char channel) const;
     bool isPainted(unsigned char channel, int nIndex) const;
-    bool isEmpty(unsigned char channel) const;
+    int count(unsigned char channel) const;
+    bool isEmpty(unsigned char channel) const { return count(channel) == 0; }
 
     // A stroke with the channel's round pen, from point to point without gaps; points may lie beside the picture. It
     // paints or erases that channel alone. False without the channel or a picture.
     bool beginStroke(unsigned char channel, bool bErase);
     QRect strokeTo(const QPoint& pixel);
+    // All pixels of the box, or those whose centres lie in the ellipse in it, as part of the stroke. The box may reach
+    // beyond the picture.
+    QRect fill(const QRect& box, bool bEllipse);
     // Ends the stroke; false when none was begun. One that changed nothing is not remembered.
     bool endStroke();
     bool isStroking() const { return m_stroke.has_value(); }
@@ -76,6 +82,7 @@ private:
     };
 
     void stamp(const QPoint& centre, QRect& changed);
+    void change(int x, int y, QRect& changed);
     void set(Region& region, int nIndex, bool bOn);
     QRect boundsOf(const std::vector<int>& indices) const;
 

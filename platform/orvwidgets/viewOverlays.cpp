@@ -44,17 +44,26 @@ std::vector<double> ticksOf(int pixels, double side)
 
 } // namespace
 
-void paintCrop(QPainter& painter, const QRectF& crop, bool bEllipse)
+void paintOutline(QPainter& painter, const QRectF& shape, bool bEllipse)
 {
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setBrush(Qt::NoBrush);
     painter.setPen(QPen(Qt::black, 1.5));
-    drawShape(painter, crop, bEllipse);
+    drawShape(painter, shape, bEllipse);
     QPen dashes(Qt::white, 1.5);
     dashes.setDashPattern({3.0, 3.0});
     painter.setPen(dashes);
-    drawShape(painter, crop, bEllipse);
+    drawShape(painter, shape, bEllipse);
+    painter.restore();
+}
+
+void paintCrop(QPainter& painter, const QRectF& crop, bool bEllipse)
+{
+    paintOutline(painter, crop, bEllipse);
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setBrush(Qt::NoBrush);
     if (bEllipse) {
         // The frame that the handles belong to.
         painter.setPen(QPen(QColor(255, 255, 255, 110), 1.0));

@@ -13,8 +13,10 @@ class QPalette;
 
 namespace orvwidgets {
 
-// A rectangle or the ellipse in it, with a handle at each corner, in black and white lines that are seen on any
-// picture.
+// A rectangle or the ellipse in it, in black and white lines that are seen on any picture.
+void paintOutline(QPainter& painter, const QRectF& shape, bool bEllipse);
+
+// The same with a handle at each corner.
 void paintCrop(QPainter& painter, const QRectF& crop, bool bEllipse);
 
 // Pixel numbers in strips of `width` along the right and the lower edge of a displayed picture.

@@ -261,6 +261,24 @@ TEST_F(ConsoleRowsTest, AToolTakenFromTheMenuIsThePenOfItsRow)
     EXPECT_EQ(row(0).settings().shape, 2);
 }
 
+TEST_F(ConsoleRowsTest, APenThatIsTakenInTheViewIsThatOfTheActiveRow)
+{
+    openCube();
+    click(m_pConsole->m_pAddSpectrum);
+    click(m_pConsole->m_pAddSpectrum);
+    QTest::keyClick(m_pConsole->m_pImageCubeView, Qt::Key_BracketRight);
+    EXPECT_EQ(row(1).m_pToolButton->text(), "Thick");
+    EXPECT_EQ(row(1).settings().shape, 2);
+    EXPECT_TRUE(row(1).m_pToolButton->isChecked());
+    EXPECT_EQ(row(0).m_pToolButton->text(), "Medium");
+    row(0).m_pToolButton->click();
+    row(1).m_pToolButton->click();
+    paint(10, 10, 10, 10);
+    QList<int> pixels;
+    m_pConsole->m_pImageCubeView->getPaintPixelIndex(2, pixels);
+    EXPECT_EQ(pixels.size(), 37) << "seven pixels wide, also when the row is taken up again";
+}
+
 TEST_F(ConsoleRowsTest, AToolThatIsTurnedOffPaintsNoMore)
 {
     openCube();

@@ -13,6 +13,8 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+
 namespace {
 
 QImage grey(int w, int h)
@@ -47,6 +49,14 @@ protected:
     {
         return {m_complete.isEmpty() ? 0 : m_complete.last().at(0).toInt(), m_complete.count()};
     }
+    QList<int> told() const
+    {
+        QList<int> counts;
+        for (const QList<QVariant>& signal : m_pixels) {
+            counts << signal.at(0).toInt();
+        }
+        return counts;
+    }
     QAction* menuAction(const QString& text)
     {
         auto* pMenu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
@@ -63,6 +73,8 @@ protected:
     CORVPaintQImageView m_view;
     QSignalSpy m_complete{&m_view, &CORVPaintQImageView::signalDrawComplete};
     QSignalSpy m_cursor{&m_view, &CORVPaintQImageView::updateCursorPosition};
+    QSignalSpy m_pens{&m_view, &CORVPaintQImageView::penChanged};
+    QSignalSpy m_pixels{&m_view, &CORVPaintQImageView::paintedPixelsChanged};
 };
 
 TEST_F(PaintQImageViewTest, ALeftDragPaintsTheCurrentChannel)
@@ -105,6 +117,137 @@ TEST_F(PaintQImageViewTest, PensAreOfPixelsOfThePicture)
     m_view.setPenSize(1, "Import");
     QTest::mouseClick(&m_view, Qt::LeftButton, Qt::NoModifier, at(20, 10).toPoint());
     EXPECT_EQ(painted(1).size(), 18) << "another name leaves the pen";
+}
+
+TEST_F(PaintQImageViewTest, BracketsTakeTheNextPenOfTheCurrentChannel)
+{
+    m_view.setPenSize(1, "Thin");
+    QTest::keyClick(&m_view, Qt::Key_BracketRight);
+    ASSERT_EQ(m_pens.count(), 1);
+    EXPECT_EQ(m_pens.last().at(0).toString(), "Medium");
+    QTest::mouseClick(&m_view, Qt::LeftButton, Qt::NoModifier, at(10, 10).toPoint());
+    EXPECT_EQ(painted(1).size(), 9);
+    QTest::keyClick(&m_view, Qt::Key_BracketRight, Qt::ControlModifier | Qt::AltModifier);
+    EXPECT_EQ(m_pens.last().at(0).toString(), "Thick") << "as some keyboards type it";
+    QTest::keyClick(&m_view, Qt::Key_BracketRight);
+    EXPECT_EQ(m_pens.count(), 2) << "there is none thicker";
+    QTest::keyClick(&m_view, Qt::Key_BracketLeft);
+    QTest::keyClick(&m_view, Qt::Key_BracketLeft);
+    QTest::keyClick(&m_view, Qt::Key_BracketLeft);
+    EXPECT_EQ(m_pens.count(), 4);
+    QTest::mouseClick(&m_view, Qt::LeftButton, Qt::NoModifier, at(30, 10).toPoint());
+    EXPECT_EQ(painted(1).size(), 10);
+    m_view.setPaintEnabled(false);
+    QTest::keyClick(&m_view, Qt::Key_BracketRight);
+    EXPECT_EQ(m_pens.count(), 4);
+}
+
+TEST_F(PaintQImageViewTest, ADragFillsARectangleFromPixelToPixelOnItsRelease)
+{
+    QTest::keyClick(&m_view, Qt::Key_R);
+    EXPECT_EQ(m_view.paintShape(), CORVPaintQImageView::Rectangle);
+    pointer::press(m_view, at(5, 6));
+    pointer::move(m_view, at(3, 4), Qt::LeftButton);
+    EXPECT_TRUE(painted(1).isEmpty()) << "an outline only";
+    EXPECT_EQ(m_complete.count(), 0);
+    pointer::release(m_view, at(3, 4));
+    EXPECT_EQ(painted(1), (QList<int>{163, 164, 165, 203, 204, 205, 243, 244, 245}));
+    EXPECT_EQ(sent(), std::make_pair(1, 1));
+    pointer::drag(m_view, at(4, 5), at(20, 9), Qt::LeftButton, Qt::ShiftModifier);
+    EXPECT_EQ(painted(1), (QList<int>{163, 164, 165, 203, 243}));
+    pointer::drag(m_view, at(0, 0), at(3, 9), Qt::RightButton);
+    EXPECT_EQ(painted(1), (QList<int>{164, 165}));
+    EXPECT_EQ(sent(), std::make_pair(1, 3));
+    QTest::keyClick(&m_view, Qt::Key_Z, Qt::ControlModifier);
+    QTest::keyClick(&m_view, Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(painted(1).size(), 9);
+    QTest::keyClick(&m_view, Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_TRUE(painted(1).isEmpty());
+    EXPECT_EQ(sent(), std::make_pair(1, 6));
+}
+
+TEST_F(PaintQImageViewTest, AnEllipseIsFilledAndTheBrushComesBack)
+{
+    QTest::keyClick(&m_view, Qt::Key_E);
+    pointer::drag(m_view, at(2, 2), at(6, 6));
+    EXPECT_EQ(painted(1).size(), 21) << "all but the corners";
+    EXPECT_FALSE(painted(1).contains(2 * 40 + 2));
+    QTest::keyClick(&m_view, Qt::Key_B);
+    pointer::drag(m_view, at(10, 2), at(12, 2));
+    EXPECT_EQ(painted(1).size(), 24);
+}
+
+TEST_F(PaintQImageViewTest, AShapeBeyondThePictureFillsWhatLiesInIt)
+{
+    m_view.setPaintShape(CORVPaintQImageView::Rectangle);
+    pointer::drag(m_view, {5, 10}, at(1, 1));
+    EXPECT_EQ(painted(1), (QList<int>{0, 1, 40, 41}));
+}
+
+TEST_F(PaintQImageViewTest, EscapeGivesAShapeUpAndIsNobodyElsesMeanwhile)
+{
+    m_view.setPaintShape(CORVPaintQImageView::Rectangle);
+    pointer::press(m_view, at(3, 3));
+    pointer::move(m_view, at(6, 6), Qt::LeftButton);
+    QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+    QApplication::sendEvent(&m_view, &escape);
+    EXPECT_TRUE(escape.isAccepted());
+    pointer::release(m_view, at(6, 6));
+    EXPECT_TRUE(painted(1).isEmpty());
+    EXPECT_EQ(m_complete.count(), 0);
+    QKeyEvent another(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+    QApplication::sendEvent(&m_view, &another);
+    EXPECT_FALSE(another.isAccepted()) << "without a shape it is the window's";
+}
+
+TEST_F(PaintQImageViewTest, AShapeThatIsInterruptedCountsForNothing)
+{
+    m_view.setPaintShape(CORVPaintQImageView::Ellipse);
+    for (const auto& interrupt : std::initializer_list<std::function<void()>>{
+             [this] { m_view.setPaintEnabled(false); }, [this] { m_view.setCurrentChannel(2); },
+             [this] { m_view.replaceImage(grey(41, 20)); }}) {
+        m_view.setPaintEnabled(true);
+        m_view.setCurrentChannel(1);
+        pointer::press(m_view, at(3, 3));
+        pointer::move(m_view, at(9, 9), Qt::LeftButton);
+        interrupt();
+        pointer::release(m_view, at(9, 9));
+        EXPECT_TRUE(painted(1).isEmpty());
+        EXPECT_TRUE(painted(2).isEmpty());
+        EXPECT_EQ(m_complete.count(), 0);
+    }
+}
+
+TEST_F(PaintQImageViewTest, TheNumberOfPaintedPixelsIsToldWhileItGrows)
+{
+    m_pixels.clear();
+    pointer::press(m_view, at(2, 3));
+    pointer::move(m_view, at(4, 3), Qt::LeftButton);
+    EXPECT_EQ(told(), (QList<int>{1, 3}));
+    pointer::release(m_view, at(4, 3));
+    QTest::keyClick(&m_view, Qt::Key_Z, Qt::ControlModifier);
+    m_view.setPaintEnabled(false);
+    EXPECT_EQ(told(), (QList<int>{1, 3, 0, -1}));
+}
+
+TEST_F(PaintQImageViewTest, TheMenuOffersShapesAndPens)
+{
+    QContextMenuEvent open(QContextMenuEvent::Keyboard, QPoint(5, 5));
+    QApplication::sendEvent(&m_view, &open);
+    ASSERT_NE(menuAction("&Ellipse"), nullptr);
+    EXPECT_TRUE(menuAction("&Brush")->isChecked());
+    menuAction("&Ellipse")->trigger();
+    EXPECT_FALSE(menuAction("Pen\t[")->isEnabled());
+    menuAction("Pen\t]")->trigger();
+    QApplication::activePopupWidget()->close();
+    EXPECT_EQ(m_view.paintShape(), CORVPaintQImageView::Ellipse);
+    EXPECT_EQ(m_pens.last().at(0).toString(), "Medium");
+    m_view.setPaintEnabled(false);
+    QApplication::sendEvent(&m_view, &open);
+    ASSERT_NE(menuAction("&Ellipse"), nullptr);
+    EXPECT_FALSE(menuAction("&Ellipse")->isEnabled());
+    EXPECT_FALSE(menuAction("Pen\t]")->isEnabled());
+    QApplication::activePopupWidget()->close();
 }
 
 TEST_F(PaintQImageViewTest, UndoTakesAStrokeOfTheCurrentChannelBackAndSendsOne)
@@ -272,6 +415,11 @@ TEST_F(PaintQImageViewTest, ShowsRegionsLabelsAndTheBrush)
     EXPECT_GT(color(at(30, 4)).red(), 150);
     EXPECT_EQ(color(at(36, 2)), QColor(90, 90, 90));
     screen::keep(seen, "paint");
+    m_view.setPaintShape(CORVPaintQImageView::Ellipse);
+    pointer::press(m_view, at(22, 8));
+    pointer::move(m_view, at(34, 17), Qt::LeftButton);
+    screen::keep(screen::grab(m_view), "paint_ellipse");
+    pointer::release(m_view, at(34, 17));
 }
 
 } // namespace

@@ -44,6 +44,60 @@ TEST_F(PaintMasksTest, PensAreOneThreeAndSevenPixelsWide)
     EXPECT_EQ(PaintMasks::penDiameter("Import"), 0);
 }
 
+TEST_F(PaintMasksTest, BesideAPenLiesTheNextThinnerOrThickerOne)
+{
+    EXPECT_EQ(PaintMasks::penBeside(1, false), "Medium");
+    EXPECT_EQ(PaintMasks::penBeside(3, false), "Thick");
+    EXPECT_TRUE(PaintMasks::penBeside(7, false).isEmpty());
+    EXPECT_EQ(PaintMasks::penBeside(7, true), "Medium");
+    EXPECT_EQ(PaintMasks::penBeside(3, true), "Thin");
+    EXPECT_TRUE(PaintMasks::penBeside(1, true).isEmpty());
+}
+
+TEST_F(PaintMasksTest, AFilledBoxIsAllOfItsPixelsAndOneStroke)
+{
+    stroke(1, {{4, 3}});
+    ASSERT_TRUE(m_masks.beginStroke(1, false));
+    EXPECT_EQ(m_masks.fill(QRect(3, 2, 3, 2), false), QRect(3, 2, 3, 2));
+    EXPECT_TRUE(m_masks.endStroke());
+    EXPECT_EQ(m_masks.pixels(1), (QList<int>{43, 44, 45, 63, 64, 65}));
+    EXPECT_EQ(m_masks.count(1), 6);
+    EXPECT_TRUE(m_masks.takeBack(1).has_value());
+    EXPECT_EQ(m_masks.pixels(1), QList<int>{64}) << "what was painted before stays";
+}
+
+TEST_F(PaintMasksTest, AFilledEllipseIsThePixelsWhoseCentresLieInIt)
+{
+    ASSERT_TRUE(m_masks.beginStroke(1, false));
+    m_masks.fill(QRect(2, 1, 8, 4), true);
+    m_masks.endStroke();
+    QStringList rows;
+    for (int y = 1; y <= 4; ++y) {
+        QString row;
+        for (int x = 2; x <= 9; ++x) {
+            row += QLatin1Char(m_masks.isPainted(1, y * 20 + x) ? '#' : '.');
+        }
+        rows << row;
+    }
+    // By x squared / 16 + y squared / 4 of the centres: 1.5 lines from the middle it reaches 2.6 pixels to each side.
+    EXPECT_EQ(rows, (QStringList{".######.", "########", "########", ".######."}));
+}
+
+TEST_F(PaintMasksTest, ABoxBeyondThePictureFillsWhatLiesInIt)
+{
+    ASSERT_TRUE(m_masks.beginStroke(1, false));
+    m_masks.fill(QRect(QPoint(-5, -5), QPoint(40, 40)), false);
+    m_masks.endStroke();
+    EXPECT_EQ(m_masks.count(1), 200);
+    ASSERT_TRUE(m_masks.beginStroke(1, true));
+    m_masks.fill(QRect(QPoint(18, 8), QPoint(90, 90)), false);
+    m_masks.endStroke();
+    EXPECT_EQ(m_masks.count(1), 196) << "erased";
+    ASSERT_TRUE(m_masks.takeBack(1).has_value());
+    EXPECT_EQ(m_masks.count(1), 200);
+    EXPECT_TRUE(m_masks.fill(QRect(0, 0, 3, 3), false).isEmpty()) << "without a stroke";
+}
+
 TEST_F(PaintMasksTest, ADabIsARoundSpotOfThePensWidth)
 {
     stroke(1, {{5, 5}});
@@ -194,7 +248,13 @@ RC_GTEST_PROP(PaintMasksLaw, TakingAllStrokesBackLeavesNothingAndPixelsAreAscend
         masks.setPen(7, *rc::gen::element(1, 3, 7));
         masks.beginStroke(7, *rc::gen::arbitrary<bool>());
         for (int k = *rc::gen::inRange(1, 5); k > 0; --k) {
-            masks.strokeTo({*rc::gen::inRange(-10, 50), *rc::gen::inRange(-10, 50)});
+            const QPoint at(*rc::gen::inRange(-10, 50), *rc::gen::inRange(-10, 50));
+            if (*rc::gen::arbitrary<bool>()) {
+                masks.strokeTo(at);
+            } else {
+                const QSize size(*rc::gen::inRange(1, 30), *rc::gen::inRange(1, 30));
+                masks.fill(QRect(at, size), *rc::gen::arbitrary<bool>());
+            }
         }
         masks.endStroke();
     }
@@ -202,6 +262,7 @@ RC_GTEST_PROP(PaintMasksLaw, TakingAllStrokesBackLeavesNothingAndPixelsAreAscend
     RC_ASSERT(std::is_sorted(pixels.begin(), pixels.end()));
     const std::set<int> unique(pixels.begin(), pixels.end());
     RC_ASSERT(static_cast<int>(unique.size()) == pixels.size());
+    RC_ASSERT(pixels.size() == masks.count(7));
     RC_ASSERT(pixels.isEmpty() || (pixels.first() >= 0 && pixels.last() < width * height));
     while (masks.takeBack(7)) {
     }
