@@ -17,6 +17,7 @@ struct ReadOut
     QString quantity;              // what the number is: "p/s/cm²/sr"
     int averaged = 1;              // pixels along each side that the value is the mean of
 
-    // "x 512, y 300 (20.5 mm, 12 mm): 1.234e+06 p/s/cm²/sr"; numbers as the locale writes them.
+    // "x 512, y 300 (20.5 mm, 12 mm): 1.234e+06 p/s/cm²/sr"; numbers as the locale writes them. The name
+    // of the image stands before it, a long one without its middle.
     QString text(const QLocale& locale = QLocale()) const;
 };

@@ -6,8 +6,10 @@
 #include "spectra/logLine.h"
 #include "windows/compositeControls.h"
 #include "windows/compositePicture.h"
+#include "windows/compositeReadOut.h"
 #include "windows/widgets/ChannelDelegate.h"
 #include "windows/widgets/exportGraphics.h"
+#include "windows/widgets/sendReadOut.h"
 
 #include <QAbstractSpinBox>
 #include <QLineEdit>
@@ -129,6 +131,7 @@ void SpUnmixCompositeWnd::connectControls()
     connect(m_pSpotSpinBox, qOverload<int>(&QSpinBox::valueChanged), this,
             [this](int nSpot) { setCurrentSpot(nSpot - 1); });
     connect(m_pCloseBtn, &QPushButton::clicked, this, &Wnd::onClickClose);
+    connect(m_pView, &GLImageView::pixelUnderPointer, this, &Wnd::tellPixel);
     connect(m_pWhenIdle, &QTimer::timeout, this, [this] {
         if (isVisible()) {
             computeWhenDue();
@@ -318,6 +321,17 @@ void SpUnmixCompositeWnd::showLabels()
         m_pView->setLabelList(compositeLabels(layers()));
         m_pView->refreshView();
     }
+}
+
+// Of the entry that is chosen in the list.
+void SpUnmixCompositeWnd::tellPixel(int nX, int nY)
+{
+    const CompositeChannel* pChannel = currentChannel();
+    const auto found = pChannel == nullptr
+                           ? std::nullopt
+                           : compositeReadOut(maps(), m_nCurrentSpot, m_backgroundImage, m_pImageList->currentRow(),
+                                              pChannel->label, m_pUnitCB->currentIndex(), QPoint(nX, nY));
+    sendReadOut(*m_pView, found ? found->text() : QString());
 }
 
 // The picture is that of the controls unless something tells otherwise, such as another background.

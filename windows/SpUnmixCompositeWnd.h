@@ -128,6 +128,7 @@ private:
     void computeWhenDue();
     void computeComposite();
     void showLabels();
+    void tellPixel(int nX, int nY);
 
     bool isBackground(int nRow) const { return nRow + 1 == m_channels.size(); }
     // The channel of the current entry; null when there is none.

@@ -7,10 +7,13 @@
 #include "host/CORVOverlayImage.h"
 #include "host/CORVSimpleImageView.h"
 #include "host/CORVUtilityFns.h"
+#include "host/ReadOut.h"
+#include "host/UnitTexts.h"
 #include "spectra/logLine.h"
 #include "windows/drawnMask.h"
 #include "windows/maskPixels.h"
 #include "windows/photoMask.h"
+#include "windows/widgets/sendReadOut.h"
 
 #include <QSignalBlocker>
 
@@ -91,6 +94,21 @@ void SpUnmixWizardWnd::showMask()
     m_pImageView->setImage(m_pOverlayImage);
     m_pImageView->update();
     CORVUtilityFns::restoreCursor();
+}
+
+// The brightness of the photograph, which the threshold is about.
+void SpUnmixWizardWnd::tellPixel(int nX, int nY)
+{
+    const CILImage* pPhoto = m_pPhotoImage;
+    if (pPhoto == nullptr || nX < 0 || nY < 0 || nX >= pPhoto->m_lWidth || nY >= pPhoto->m_lHeight) {
+        sendReadOut(*m_pImageView, QString());
+        return;
+    }
+    ReadOut found;
+    found.pixel = QPoint(nX, nY);
+    found.value = pPhoto->value(static_cast<std::size_t>(nY * pPhoto->m_lWidth + nX));
+    found.quantity = displayUnitQuantity(DISPLAYUNIT_COUNTS);
+    sendReadOut(*m_pImageView, found.text());
 }
 
 void SpUnmixWizardWnd::setThreshold(int nValue)

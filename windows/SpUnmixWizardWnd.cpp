@@ -123,6 +123,7 @@ void SpUnmixWizardWnd::connectControls()
     connect(m_pImageView, &CORVSimpleImageView::cropModifiedSignal, this, &SpUnmixWizardWnd::updateMaskImage);
     connect(m_pImageView, &CORVSimpleImageView::cropShapeChanged, this,
             [this](bool bEllipse) { (bEllipse ? m_pEllipseRB : m_pRectRB)->setChecked(true); });
+    connect(m_pImageView, &GLImageView::pixelUnderPointer, this, &SpUnmixWizardWnd::tellPixel);
     connect(m_pPhotoRB, &QRadioButton::toggled, this, &SpUnmixWizardWnd::onToggleMaskOption);
     connect(m_pThresholdSlider, &QSlider::valueChanged, this, &SpUnmixWizardWnd::onThresholdSliderChanged);
     connect(m_pThresholdSpinBox, qOverload<int>(&QSpinBox::valueChanged), this,

@@ -114,6 +114,7 @@ private:
     bool makeMaskOfPhoto(int mode);
     bool makeMaskOfCrop();
     void showMask();
+    void tellPixel(int nX, int nY);
     void setThreshold(int nValue);
     void setBackgroundDefaults();
     void fillProbeTable();

@@ -365,12 +365,17 @@ QImage compositeOfMaps(const CompositeMaps& maps, int nSpot, const QList<Composi
     return picture;
 }
 
+QSize compositeFrame(const CompositeMaps& maps, const CILImage& background)
+{
+    return QSize(static_cast<int>(background.m_lWidth), static_cast<int>(background.m_lHeight))
+        .expandedTo(QSize(maps.width, maps.height))
+        .expandedTo(QSize(kCompositeSide, kCompositeSide));
+}
+
 QImage compositePicture(const CompositeMaps& maps, int nSpot, const QList<CompositeLayer>& layers,
                         const CILImage& background)
 {
-    const QSize size = QSize(static_cast<int>(background.m_lWidth), static_cast<int>(background.m_lHeight))
-                           .expandedTo(QSize(maps.width, maps.height))
-                           .expandedTo(QSize(kCompositeSide, kCompositeSide));
+    const QSize size = compositeFrame(maps, background);
     const QImage picture = enlarged(compositeOfMaps(maps, nSpot, layers), size);
     if (layers.last().checked != Qt::Checked || background.isEmpty()) {
         return picture;

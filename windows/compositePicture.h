@@ -10,6 +10,7 @@
 #include <QImage>
 #include <QList>
 #include <QPair>
+#include <QSize>
 #include <QString>
 
 // The false-colour picture of all maps of an analysis, each in its own solid colour, over a photograph or an X-ray
@@ -45,10 +46,13 @@ bool takeCompositeSpot(const CompositeMaps& maps, int nSpot, QList<CompositeLaye
 // pixels. The sizes must match, and there must be a layer for each row of the data and one more. Throws std::bad_alloc.
 QImage compositeOfMaps(const CompositeMaps& maps, int nSpot, const QList<CompositeLayer>& layers);
 
-// The whole composite: compositeOfMaps(), enlarged within at least kCompositeSide, the maps' and the background's
-// sides, the aspect ratio kept. When the last layer is checked (and there is a background) the background is brought to
-// exactly these sides and blended as grey: value * (1 - brightness) + brightness * grey, truncated; the picture then
-// has these sides, and what lies beyond the enlarged maps counts as black. The background's colour is not used.
+// The frame that a composite is enlarged to fit: at least kCompositeSide, the maps' and the background's sides.
+QSize compositeFrame(const CompositeMaps& maps, const CILImage& background);
+
+// The whole composite: compositeOfMaps(), enlarged within compositeFrame(), the aspect ratio kept. When the last layer
+// is checked (and there is a background) the background is brought to exactly these sides and blended as grey: value *
+// (1 - brightness) + brightness * grey, truncated; the picture then has these sides, and what lies beyond the enlarged
+// maps counts as black. The background's colour is not used.
 QImage compositePicture(const CompositeMaps& maps, int nSpot, const QList<CompositeLayer>& layers,
                         const CILImage& background);
 

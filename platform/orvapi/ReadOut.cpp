@@ -6,6 +6,15 @@
 namespace {
 
 constexpr int kDigits = 4;
+constexpr int kLongestName = 41; // characters
+
+// A status bar is a line.
+QString shortened(const QString& strName)
+{
+    const QString line = strName.simplified();
+    const int half = kLongestName / 2;
+    return line.size() <= kLongestName ? line : line.left(half) + QChar(0x2026) + line.right(half);
+}
 
 } // namespace
 
@@ -13,7 +22,7 @@ QString ReadOut::text(const QLocale& locale) const
 {
     QLocale plain = locale;
     plain.setNumberOptions(QLocale::OmitGroupSeparator);
-    QString text = image.isEmpty() ? QString() : image + QStringLiteral("   ");
+    QString text = image.isEmpty() ? QString() : shortened(image) + QStringLiteral("   ");
     text += QStringLiteral("x %1, y %2").arg(pixel.x()).arg(pixel.y());
     if (pixelMm) {
         // The middle of the pixel, to hundredths of a millimetre.

@@ -47,6 +47,18 @@ TEST(ReadOutTest, TellsWhichImageAndThatItIsAMean)
     EXPECT_EQ(found.text(c), "emission 700 nm   x 0, y 0: 2 efficiency (mean of 4 x 4 pixels)");
 }
 
+// Names come from users and files, and a status bar is as wide as what it shows.
+TEST(ReadOutTest, ALongNameLosesItsMiddle)
+{
+    ReadOut found;
+    found.image = QString(150, 'a') + QString(150, 'b');
+    EXPECT_EQ(found.text(c), QString(20, 'a') + QChar(0x2026) + QString(20, 'b') + "   x 0, y 0");
+    found.image = QString(41, 'c');
+    EXPECT_EQ(found.text(c), QString(41, 'c') + "   x 0, y 0");
+    found.image = "two\nlines";
+    EXPECT_EQ(found.text(c), "two lines   x 0, y 0");
+}
+
 TEST(ReadOutTest, WithoutANumberThereIsNone)
 {
     ReadOut found;
