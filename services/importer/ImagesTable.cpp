@@ -35,9 +35,11 @@ enum Column
     ColumnUnit,
     ColumnCount
 };
-constexpr std::array<const char*, ColumnCount> columnNames{"file",       "page",  "band",    "excitation", "emission",
-                                                           "interval",   "time",  "spot_x",  "spot_y",     "exposure",
-                                                           "pixel_size", "start", "isotope", "unit"};
+constexpr std::array<const char*, ColumnCount> columnNames{
+    ImageColumns::kFile,     ImageColumns::kPage,     ImageColumns::kBand,      ImageColumns::kExcitation,
+    ImageColumns::kEmission, ImageColumns::kInterval, ImageColumns::kTime,      ImageColumns::kSpotX,
+    ImageColumns::kSpotY,    ImageColumns::kExposure, ImageColumns::kPixelSize, ImageColumns::kStart,
+    ImageColumns::kIsotope,  ImageColumns::kUnit};
 
 // Position of each column among the fields, -1 without.
 using Columns = std::array<int, ColumnCount>;
@@ -47,7 +49,8 @@ bool findColumns(const QStringList& header, Columns& columns, QStringList& warni
     columns.fill(-1);
     for (int i = 0; i < header.size(); ++i) {
         // A spreadsheet's empty columns, and what an inferred table tells besides.
-        bool bKnown = header.at(i).isEmpty() || header.at(i).compare(QLatin1String("origin"), Qt::CaseInsensitive) == 0;
+        bool bKnown = header.at(i).isEmpty() ||
+                      header.at(i).compare(QLatin1String(ImageColumns::kOrigin), Qt::CaseInsensitive) == 0;
         for (std::size_t c = 0; c < ColumnCount; ++c) {
             if (header.at(i).compare(QLatin1String(columnNames[c]), Qt::CaseInsensitive) != 0) {
                 continue;

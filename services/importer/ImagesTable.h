@@ -10,6 +10,25 @@
 
 #include <optional>
 
+// The names of the table's columns.
+namespace ImageColumns {
+constexpr const char* const kFile = "file";
+constexpr const char* const kPage = "page";
+constexpr const char* const kBand = "band";
+constexpr const char* const kExcitation = "excitation";
+constexpr const char* const kEmission = "emission";
+constexpr const char* const kInterval = "interval";
+constexpr const char* const kTime = "time";
+constexpr const char* const kSpotX = "spot_x";
+constexpr const char* const kSpotY = "spot_y";
+constexpr const char* const kExposure = "exposure";
+constexpr const char* const kPixelSize = "pixel_size";
+constexpr const char* const kStart = "start";
+constexpr const char* const kIsotope = "isotope";
+constexpr const char* const kUnit = "unit";
+constexpr const char* const kOrigin = "origin"; // says nothing to the program
+} // namespace ImageColumns
+
 // One row of the table: where an image is, and what it shows. What the row leaves open is empty.
 struct ImageRow
 {
@@ -26,9 +45,8 @@ struct ImageRow
     ImageFacts facts;
 };
 
-// The table "images.csv". Its first line names the columns, in any order and case: file, page, band, excitation,
-// emission, interval, time, spot_x, spot_y, exposure, pixel_size, start, isotope, unit; "origin" says nothing to the
-// program, other columns are passed over with a warning. Fields are separated by commas, or by semicolons when the
+// The table "images.csv". Its first line names the columns, those of ImageColumns in any order and case; others are
+// passed over with a warning. Fields are separated by commas, or by semicolons when the
 // first line has those and no comma. Text is UTF-8, with or without a byte order mark, and lines end in either way;
 // empty ones are skipped. Wavelengths may have "nm" behind them, times "s"; numbers have a decimal point.
 class ImagesTable

@@ -2,6 +2,7 @@
 #include "services/importer/InferredTable.h"
 
 #include "services/importer/CsvLine.h"
+#include "services/importer/ImagesTable.h"
 
 #include <QHash>
 #include <QLocale>
@@ -370,28 +371,28 @@ QByteArray InferredTable::toCsv() const
         add(name, text, bWanted && any([&text](const Row& row) { return !text(row).isEmpty(); }));
     };
     add(
-        "file", [](const Row& row) { return csvField(row.file); }, true);
-    addKnown("page", [](const Row& row) { return cell(row.page); });
-    addKnown("band", [](const Row& row) { return cell(row.band); });
+        ImageColumns::kFile, [](const Row& row) { return csvField(row.file); }, true);
+    addKnown(ImageColumns::kPage, [](const Row& row) { return cell(row.page); });
+    addKnown(ImageColumns::kBand, [](const Row& row) { return cell(row.band); });
     add(
-        "excitation", [](const Row& row) { return cell(row.excitation); }, bWavelengths || bOpen);
+        ImageColumns::kExcitation, [](const Row& row) { return cell(row.excitation); }, bWavelengths || bOpen);
     add(
-        "emission", [](const Row& row) { return cell(row.emission); }, bWavelengths || bOpen);
+        ImageColumns::kEmission, [](const Row& row) { return cell(row.emission); }, bWavelengths || bOpen);
     addKnown(
-        "spot_x", [](const Row& row) { return row.spotX; }, m_bSpectral);
+        ImageColumns::kSpotX, [](const Row& row) { return row.spotX; }, m_bSpectral);
     addKnown(
-        "spot_y", [](const Row& row) { return row.spotY; }, m_bSpectral);
+        ImageColumns::kSpotY, [](const Row& row) { return row.spotY; }, m_bSpectral);
     addKnown(
-        "interval", [](const Row& row) { return cell(row.interval); }, m_bTemporal || bOpen);
+        ImageColumns::kInterval, [](const Row& row) { return cell(row.interval); }, m_bTemporal || bOpen);
     add(
-        "time", [](const Row& row) { return cell(row.time); }, m_bTemporal || bOpen);
-    addKnown("exposure", [](const Row& row) { return cell(row.facts.exposure); });
-    addKnown("pixel_size", [](const Row& row) { return cell(row.facts.pixelSize); });
-    addKnown("start", [](const Row& row) { return row.facts.start; });
-    addKnown("isotope", [](const Row& row) { return csvField(row.facts.isotope); });
-    addKnown("unit", [](const Row& row) { return row.facts.unit; });
+        ImageColumns::kTime, [](const Row& row) { return cell(row.time); }, m_bTemporal || bOpen);
+    addKnown(ImageColumns::kExposure, [](const Row& row) { return cell(row.facts.exposure); });
+    addKnown(ImageColumns::kPixelSize, [](const Row& row) { return cell(row.facts.pixelSize); });
+    addKnown(ImageColumns::kStart, [](const Row& row) { return row.facts.start; });
+    addKnown(ImageColumns::kIsotope, [](const Row& row) { return csvField(row.facts.isotope); });
+    addKnown(ImageColumns::kUnit, [](const Row& row) { return row.facts.unit; });
     add(
-        "origin", [](const Row& row) { return csvField(row.origin); }, true);
+        ImageColumns::kOrigin, [](const Row& row) { return csvField(row.origin); }, true);
 
     QStringList names;
     for (const Column& column : columns) {

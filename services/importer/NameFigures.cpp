@@ -83,6 +83,16 @@ private:
         }
     }
 
+    // The same of the numbers that the first part of the expression takes.
+    void takeOne(Figure::Kind kind, const char* name, const QVector<QRegularExpressionMatch>& found)
+    {
+        QVector<double> values;
+        for (const QRegularExpressionMatch& match : found) {
+            values.append(match.captured(1).toDouble());
+        }
+        takeOne(kind, name, found, values);
+    }
+
     void readSpot();
     void readWavelength(Figure::Kind kind);
     void readPair();
@@ -123,15 +133,13 @@ void NameReader::readWavelength(Figure::Kind kind)
         R"((?:(?<![a-z])|(?<=\dnm))(?:emission|emi|em)[\s_=:-]*([2-9]\d\d)(?!\d)(?:\s?nm(?![a-df-z]))?(-\d{2,3}(?![\d]))?)");
     const bool exciting = kind == Figure::Excitation;
     const QVector<QRegularExpressionMatch> found = matches(exciting ? excitation : emission);
-    QVector<double> values;
     for (const QRegularExpressionMatch& match : found) {
         if (!match.captured(2).isEmpty()) {
             return doubt(QStringLiteral("\"%1\" could be a range, or a pair of excitation and emission")
                              .arg(match.captured().trimmed()));
         }
-        values.append(match.captured(1).toDouble());
     }
-    takeOne(kind, exciting ? "excitation" : "emission", found, values);
+    takeOne(kind, exciting ? "excitation" : "emission", found);
 }
 
 void NameReader::readPair()
@@ -205,19 +213,14 @@ void NameReader::readTime()
         pattern(R"((?<![a-z])(?:time|t)=(-\d+(?:\.\d+)?)\s?(ms|seconds|secs|sec|s|min|hr|h)(?![a-z]))");
     static const QRegularExpression without = pattern(R"((?<![a-z])(?:time|t)[_ =]?(\d+(?:\.\d+)?)(?![\da-z.]))");
     static const QRegularExpression interval = pattern(R"((?<![a-z])(?:interval|int)[_ =]?(\d{1,6})(?![\da-z.]))");
-    const QVector<QRegularExpressionMatch> intervals = matches(interval);
-    QVector<double> values;
-    for (const QRegularExpressionMatch& match : intervals) {
-        values.append(match.captured(1).toDouble());
-    }
-    takeOne(Figure::Interval, "interval", intervals, values);
+    takeOne(Figure::Interval, "interval", matches(interval));
     QVector<QRegularExpressionMatch> times = matches(below);
     const QRegularExpressionMatch unclear = negative.match(m_text);
     if (unclear.hasMatch()) {
         return doubt(QStringLiteral("\"%1\" could be a time before 0").arg(unclear.captured()));
     }
     times += matches(withUnit);
-    values.clear();
+    QVector<double> values;
     for (const QRegularExpressionMatch& match : times) {
         // Divided rather than multiplied, so that 250 ms are 0.25 s as they are written.
         const double factor = secondsOf(match.captured(2));
@@ -225,12 +228,7 @@ void NameReader::readTime()
         values.append(factor < 1.0 ? number / 1000.0 : number * factor);
     }
     takeOne(Figure::Time, "time", times, values);
-    const QVector<QRegularExpressionMatch> numbers = matches(without);
-    values.clear();
-    for (const QRegularExpressionMatch& match : numbers) {
-        values.append(match.captured(1).toDouble());
-    }
-    takeOne(Figure::TimeNumber, "time", numbers, values);
+    takeOne(Figure::TimeNumber, "time", matches(without));
 }
 
 void NameReader::readNumbers()
@@ -238,12 +236,7 @@ void NameReader::readNumbers()
     static const QRegularExpression frame =
         pattern(R"((?<![a-z])(?:frame|fr|f|timepoint|tp|image|img|nr|no)[_ =.#-]?(\d{1,9})(?![\da-z.]))");
     static const QRegularExpression atEnd = pattern(R"((?<![\d.])(\d{1,9})$)");
-    const QVector<QRegularExpressionMatch> frames = matches(frame);
-    QVector<double> values;
-    for (const QRegularExpressionMatch& match : frames) {
-        values.append(match.captured(1).toDouble());
-    }
-    takeOne(Figure::Frame, "frame", frames, values);
+    takeOne(Figure::Frame, "frame", matches(frame));
     const QRegularExpressionMatch last = atEnd.match(m_text);
     if (m_found.figures.isEmpty() && m_found.doubts.isEmpty() && last.hasMatch()) {
         take(Figure::Frame, last.captured(1).toDouble(), last.captured());

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QDir>
 #include <QProcess>
 #include <QString>
 #include <QStringList>
@@ -26,19 +27,26 @@ inline void into(const QString& strFolder, const QStringList& options)
     runSpum(QStringList{"simulate", "--quiet"} + options << strFolder);
 }
 
-// The folder of a sequence made with those options, once in a run of the program: only to be read.
-inline QString sequence(const QStringList& options)
+// The folder of a sequence of that name made with those options, once in a run of the program: only to be read.
+inline QString sequence(const QString& strName, const QStringList& options)
 {
     static QTemporaryDir s_folder;
+    const QString folder = s_folder.filePath(strName);
+    if (!QDir(folder).exists()) {
+        into(folder, options);
+    }
+    return folder;
+}
+
+// Named by a number for these options.
+inline QString sequence(const QStringList& options)
+{
     static QStringList s_made;
     const QString key = options.join(QLatin1Char(' '));
-    int index = s_made.indexOf(key);
-    if (index < 0) {
-        index = s_made.size();
+    if (!s_made.contains(key)) {
         s_made.append(key);
-        into(s_folder.filePath(QStringLiteral("sequence %1").arg(index)), options);
     }
-    return s_folder.filePath(QStringLiteral("sequence %1").arg(index));
+    return sequence(QStringLiteral("sequence %1").arg(s_made.indexOf(key)), options);
 }
 
 } // namespace simulated

@@ -2,11 +2,13 @@
 // The table of an import as the text that the importer reads.
 #include "platform/orvutils/NumberText.h"
 #include "services/importer/CsvLine.h"
+#include "services/importer/ImagesTable.h"
 #include "workbench/application/ImportTable.h"
 
 #include <QHash>
 
 #include <algorithm>
+#include <array>
 
 namespace {
 
@@ -15,30 +17,17 @@ QString field(const std::optional<int>& value)
     return value ? QString::number(*value) : QString();
 }
 
-// The names of the columns in the file.
-const char* csvName(ImportTable::Column eColumn)
-{
-    switch (eColumn) {
-    case ImportTable::Excitation:
-        return "excitation";
-    case ImportTable::Emission:
-        return "emission";
-    case ImportTable::SpotX:
-        return "spot_x";
-    case ImportTable::SpotY:
-        return "spot_y";
-    case ImportTable::Interval:
-        return "interval";
-    case ImportTable::Time:
-        return "time";
-    case ImportTable::Exposure:
-        return "exposure";
-    case ImportTable::Origin:
-        return "origin";
-    default:
-        return "";
-    }
-}
+// The names of the columns in the file, by ImportTable::Column; those that are not written have none.
+constexpr std::array<const char*, ImportTable::ColumnCount> kCsvNames{"",
+                                                                      "",
+                                                                      ImageColumns::kExcitation,
+                                                                      ImageColumns::kEmission,
+                                                                      ImageColumns::kSpotX,
+                                                                      ImageColumns::kSpotY,
+                                                                      ImageColumns::kInterval,
+                                                                      ImageColumns::kTime,
+                                                                      ImageColumns::kExposure,
+                                                                      ImageColumns::kOrigin};
 
 } // namespace
 
@@ -55,40 +44,40 @@ QByteArray ImportTable::toCsv() const
     const bool units = any([](const Row& row) { return !row.facts.unit.isEmpty(); });
     const QVector<Column> shown = columns();
     const auto line = [&](auto&& known, auto&& fromColumn) {
-        QStringList fields{known("file")};
+        QStringList fields{known(ImageColumns::kFile)};
         const auto add = [&](bool bWanted, const char* pName) {
             if (bWanted) {
                 fields.append(known(pName));
             }
         };
-        add(pages, "page");
-        add(bands, "band");
+        add(pages, ImageColumns::kPage);
+        add(bands, ImageColumns::kBand);
         for (const Column column : shown) {
             if (isNumber(column)) {
                 fields.append(fromColumn(column));
             }
         }
-        add(sizes, "pixel_size");
-        add(starts, "start");
-        add(isotopes, "isotope");
-        add(units, "unit");
+        add(sizes, ImageColumns::kPixelSize);
+        add(starts, ImageColumns::kStart);
+        add(isotopes, ImageColumns::kIsotope);
+        add(units, ImageColumns::kUnit);
         fields.append(fromColumn(Origin));
         return fields.join(QLatin1Char(','));
     };
     QStringList lines{line([](const char* pName) { return QString::fromLatin1(pName); },
-                           [](Column eColumn) { return QString::fromLatin1(csvName(eColumn)); })};
+                           [](Column eColumn) { return QString::fromLatin1(kCsvNames[eColumn]); })};
     for (const Row& row : m_rows) {
         if (!row.used) {
             continue;
         }
-        const QHash<QString, QString> known{
-            {QStringLiteral("file"), csvField(row.file)},
-            {QStringLiteral("page"), field(row.page)},
-            {QStringLiteral("band"), field(row.band)},
-            {QStringLiteral("pixel_size"), row.facts.pixelSize ? orv::shortestText(*row.facts.pixelSize) : QString()},
-            {QStringLiteral("start"), row.facts.start},
-            {QStringLiteral("isotope"), csvField(row.facts.isotope)},
-            {QStringLiteral("unit"), row.facts.unit}};
+        const QHash<QString, QString> known{{QLatin1String(ImageColumns::kFile), csvField(row.file)},
+                                            {QLatin1String(ImageColumns::kPage), field(row.page)},
+                                            {QLatin1String(ImageColumns::kBand), field(row.band)},
+                                            {QLatin1String(ImageColumns::kPixelSize),
+                                             row.facts.pixelSize ? orv::shortestText(*row.facts.pixelSize) : QString()},
+                                            {QLatin1String(ImageColumns::kStart), row.facts.start},
+                                            {QLatin1String(ImageColumns::kIsotope), csvField(row.facts.isotope)},
+                                            {QLatin1String(ImageColumns::kUnit), row.facts.unit}};
         lines.append(line([&](const char* pName) { return known.value(QLatin1String(pName)); },
                           [&](Column eColumn) { return csvField(row.cells[eColumn]); }));
     }

@@ -9,43 +9,42 @@ namespace {
 
 const QLocale c = QLocale::c();
 
-TEST(ReadOutTest, TellsPixelAndValueWithItsUnit)
+struct ReadOutCase
 {
+    const char* name;
     ReadOut found;
-    found.pixel = {512, 300};
-    found.value = 1234567.0;
-    found.quantity = "p/s/cm²/sr";
-    EXPECT_EQ(found.text(c), "x 512, y 300: 1.235e+06 p/s/cm²/sr");
+    QLocale locale;
+    const char* text;
+};
+
+class ReadOutTexts : public ::testing::TestWithParam<ReadOutCase>
+{
+};
+
+TEST_P(ReadOutTexts, TellWhatLiesBelowThePointer)
+{
+    EXPECT_EQ(GetParam().found.text(GetParam().locale), GetParam().text);
 }
 
-TEST(ReadOutTest, TellsMillimetresWhenThePixelIsKnown)
-{
-    ReadOut found;
-    found.pixel = {0, 99};
-    found.pixelMm = 0.1;
-    found.value = 7.0;
-    found.quantity = "counts";
-    EXPECT_EQ(found.text(c), "x 0, y 99 (0.05 mm, 9.95 mm): 7 counts");
-}
-
-TEST(ReadOutTest, FollowsTheLocaleWithoutGroupsOfThousands)
-{
-    ReadOut found;
-    found.pixel = {12345, 0};
-    found.pixelMm = 1.0;
-    found.value = 0.25;
-    EXPECT_EQ(found.text(QLocale(QLocale::German)), "x 12345, y 0 (12345,50 mm, 0,50 mm): 0,25");
-}
-
-TEST(ReadOutTest, TellsWhichImageAndThatItIsAMean)
-{
-    ReadOut found;
-    found.image = "emission 700 nm";
-    found.value = 2.0;
-    found.quantity = "efficiency";
-    found.averaged = 4;
-    EXPECT_EQ(found.text(c), "emission 700 nm   x 0, y 0: 2 efficiency (mean of 4 x 4 pixels)");
-}
+INSTANTIATE_TEST_SUITE_P(Cases, ReadOutTexts,
+                         ::testing::Values(ReadOutCase{"PixelAndValueWithItsUnit",
+                                                       {"", {512, 300}, std::nullopt, 1234567.0, "p/s/cm²/sr"},
+                                                       c,
+                                                       "x 512, y 300: 1.235e+06 p/s/cm²/sr"},
+                                           ReadOutCase{"MillimetresWhenThePixelIsKnown",
+                                                       {"", {0, 99}, 0.1, 7.0, "counts"},
+                                                       c,
+                                                       "x 0, y 99 (0.05 mm, 9.95 mm): 7 counts"},
+                                           ReadOutCase{"NumbersOfTheLocaleWithoutGroupsOfThousands",
+                                                       {"", {12345, 0}, 1.0, 0.25, ""},
+                                                       QLocale(QLocale::German),
+                                                       "x 12345, y 0 (12345,50 mm, 0,50 mm): 0,25"},
+                                           ReadOutCase{
+                                               "WhichImageAndThatItIsAMean",
+                                               {"emission 700 nm", {0, 0}, std::nullopt, 2.0, "efficiency", 4},
+                                               c,
+                                               "emission 700 nm   x 0, y 0: 2 efficiency (mean of 4 x 4 pixels)"}),
+                         [](const auto& test) { return std::string(test.param.name); });
 
 // Names come from users and files, and a status bar is as wide as what it shows.
 TEST(ReadOutTest, ALongNameLosesItsMiddle)

@@ -1,27 +1,20 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "services/importer/ImageJMetadata.h"
 
+#include "services/importer/figureTexts.h"
+
 #include <gtest/gtest.h>
 
 namespace {
 
 QString read(const QString& description, const QStringList& labels, int pages, QStringList* pDoubts = nullptr)
 {
-    static const QStringList kinds{"ex", "em", "t", "T", "frame", "int"};
     ImageJMetadata metadata;
     metadata.parse(description, labels, pages);
     if (pDoubts != nullptr) {
         *pDoubts = metadata.doubts();
     }
-    QStringList texts;
-    for (const QVector<Figure>& figures : metadata.pages()) {
-        QStringList parts;
-        for (const Figure& figure : figures) {
-            parts.append(kinds.value(figure.kind) + QString::number(figure.value));
-        }
-        texts.append(parts.join(' '));
-    }
-    return texts.join('|');
+    return figureTexts(metadata.pages());
 }
 
 } // namespace

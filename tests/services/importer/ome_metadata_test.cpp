@@ -1,24 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "services/importer/OmeMetadata.h"
 
+#include "services/importer/figureTexts.h"
+
 #include <gtest/gtest.h>
 
 namespace {
-
-// The figures of each page: "ex640 em700", "t2.5", "frame1", pages separated by "|".
-QString pagesOf(const OmeMetadata& ome)
-{
-    static const QStringList kinds{"ex", "em", "t", "T", "frame", "int"};
-    QStringList pages;
-    for (const QVector<Figure>& figures : ome.pages()) {
-        QStringList parts;
-        for (const Figure& figure : figures) {
-            parts.append(kinds.value(figure.kind) + QString::number(figure.value));
-        }
-        pages.append(parts.join(' '));
-    }
-    return pages.join('|');
-}
 
 QString ome(const QString& inside, const QString& attributes)
 {
@@ -39,7 +26,7 @@ QString read(const QString& xml, int pages, QStringList* pDoubts = nullptr)
     if (pDoubts != nullptr) {
         *pDoubts = metadata.doubts();
     }
-    return pagesOf(metadata);
+    return figureTexts(metadata.pages());
 }
 
 const char* const threeChannels = "SizeC=\"3\" SizeZ=\"1\" SizeT=\"1\" DimensionOrder=\"XYCZT\"";

@@ -3,8 +3,8 @@
 
 #include "FakeTool.h"
 #include "ScriptedResponder.h"
-#include "simulatedMouse.h"
 #include "support/screen.h"
+#include "support/simulated.h"
 
 #include "host/CORVPreference.h"
 #include "host/CORVSettings.h"
@@ -52,8 +52,8 @@ protected:
         m_pWindow->palette().takeUp();
         m_pTool->m_told.clear();
     }
-    static QString mouse() { return simulatedMouse("mouse", {"--size", "32", "--bands", "6"}); }
-    static QString other() { return simulatedMouse("other", {"--size", "32", "--bands", "4"}); }
+    static QString mouse() { return simulated::sequence("mouse", {"--size", "32", "--bands", "6"}); }
+    static QString other() { return simulated::sequence("other", {"--size", "32", "--bands", "4"}); }
 
     template <typename Widget = QWidget>
     Widget* find(const char* pName) const

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What the application decides without a window.
-#include "simulatedMouse.h"
+
+#include "support/simulated.h"
 
 #include "host/CORVSequenceDataset.h"
 #include "workbench/application/datasetTitle.h"
@@ -141,7 +142,7 @@ TEST(SimulateCallTest, AFolderThatBeginsWithADashIsNoOption)
 TEST(SimulateCallTest, TheProgramKnowsEveryKind)
 {
     for (const auto& kind : simulateCall::kinds()) {
-        const QString folder = simulatedMouse(kind.word, {"--kind", kind.word, "--size", "16"});
+        const QString folder = simulated::sequence(kind.word, {"--kind", kind.word, "--size", "16"});
         EXPECT_EQ(openableKind(folder), Openable::Sequence) << qPrintable(kind.word);
     }
 }
@@ -178,7 +179,7 @@ TEST(DatasetTitleTest, AMapIsCalledAfterItsComponent)
 TEST(SequenceOfDatasetsTest, WritesASequenceThatOpens)
 {
     CORVSequenceDataset source;
-    ASSERT_EQ(source.open(simulatedMouse("mouse", {"--size", "32", "--bands", "6"})), ESTATUS_SUCCESS);
+    ASSERT_EQ(source.open(simulated::sequence("mouse", {"--size", "32", "--bands", "6"})), ESTATUS_SUCCESS);
     QStringList clickInfos;
     for (const CORVDataset* pDataset : source.getDatasets().mid(0, 3)) {
         clickInfos << pDataset->folderPath() + "ClickInfo.txt";

@@ -1,0 +1,139 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Stacks of pages, bands and samples, and images with a colour map.
+#include "services/importer/StackFixture.h"
+
+#include <tiffio.h>
+
+#include <cstdint>
+#include <vector>
+
+namespace {
+
+using ImporterSourcesTest = StackFixture;
+
+} // namespace
+
+TEST_F(ImporterSourcesTest, ReadsThePagesOfAFile)
+{
+    m_options.source = writePages("stack.tif", 3);
+    m_options.table = write("images.csv", "page,excitation,emission\n3,488,510\n1,488,530\n");
+    m_options.output = path("out");
+    ASSERT_TRUE(import()) << qPrintable(m_error);
+    CORVSequenceDataset sequence;
+    open(sequence);
+    ASSERT_EQ(sequence.getDatasets().size(), 2);
+    EXPECT_EQ(sequence.getDatasets()[0]->getCoreImage(IMAGETYPE_LUMINESCENT)->value(1), 301);
+    EXPECT_EQ(sequence.getDatasets()[1]->getCoreImage(IMAGETYPE_LUMINESCENT)->value(1), 101);
+    EXPECT_EQ(value(sequence.getDatasets()[0], "luminescent image", "Source Image"), "stack.tif page 3");
+}
+
+TEST_F(ImporterSourcesTest, RefusesPagesThatAreNotThere)
+{
+    m_options.source = writePages("stack.tif", 3);
+    m_options.output = path("out");
+    m_options.table = write("images.csv", "page,emission\n1,510\n4,530\n");
+    EXPECT_TRUE(refusal().startsWith(m_options.table + ":3: " + m_options.source + ": "));
+    m_options.table = write("images.csv", "file,page,emission\nother.tif,1,510\n");
+    EXPECT_EQ(refusal(), m_options.table + ":2: the row names the file other.tif, but the stack is stack.tif");
+}
+
+TEST_F(ImporterSourcesTest, ReadsTheBandsOfACube)
+{
+    QByteArray cube;
+    for (int band = 0; band < 3; ++band) {
+        for (int i = 0; i < 8; ++i) {
+            cube.append(static_cast<char>(10 * band + i));
+        }
+    }
+    write("cube.img", cube);
+    m_options.source = write("cube.hdr", "ENVI\nsamples = 2\nlines = 4\nbands = 3\ndata type = 1\ninterleave = bsq\n"
+                                         "wavelength = {510, 530, 550}\n");
+    m_options.output = path("out");
+    // The emission of band 3 comes from the header.
+    m_options.table = write("images.csv", "band,excitation,emission\n3,488,\n2,488,533\n");
+    ASSERT_TRUE(import()) << qPrintable(m_error);
+    EXPECT_EQ(m_report.side, 4);
+    CORVSequenceDataset sequence;
+    open(sequence);
+    CORVDataset* first = sequence.getDatasets()[0];
+    EXPECT_EQ(first->getEmissionFilter(), "550nm");
+    EXPECT_EQ(sequence.getDatasets()[1]->getEmissionFilter(), "533nm");
+    EXPECT_EQ(first->getCoreImage(IMAGETYPE_LUMINESCENT)->value(0), 20);
+    EXPECT_EQ(first->getCoreImage(IMAGETYPE_LUMINESCENT)->value(5), 23);
+    EXPECT_EQ(first->getCoreImage(IMAGETYPE_LUMINESCENT)->value(2), 0);
+    EXPECT_EQ(value(first, "luminescent image", "Image Extent"), "2 x 4");
+
+    m_options.output = path("refused");
+    m_options.table = write("images.csv", "band,emission\n4,510\n");
+    EXPECT_EQ(refusal(), m_options.table + ":2: " + path("cube.img") + ": there is no band 4 (the cube has 3)");
+    m_options.table = write("images.csv", "page,emission\n1,510\n");
+    EXPECT_EQ(refusal(), m_options.table + ":2: " + path("cube.hdr") + ": an ENVI cube has bands, not pages");
+    m_options.table = write("images.csv", "emission\n510\n530\n");
+    EXPECT_EQ(refusal(), m_options.table + ":3: cube.hdr band 1 is the image of line 2 again");
+}
+
+TEST_F(ImporterSourcesTest, TakesTheStoredValuesOfImagesWithAColourMap)
+{
+    makeStack();
+    for (const char* name : {"stack/a.tif", "stack/b.tif"}) {
+        TIFF* tiff = TIFFOpen(QFile::encodeName(path(name)).constData(), "w");
+        ASSERT_NE(tiff, nullptr);
+        // Blue where nothing was measured, red where the camera was saturated, grey in between.
+        std::vector<uint16_t> red(256);
+        for (std::size_t i = 0; i < red.size(); ++i) {
+            red[i] = static_cast<uint16_t>(i * 257);
+        }
+        std::vector<uint16_t> green = red;
+        std::vector<uint16_t> blue = red;
+        blue[0] = 65535;
+        green[255] = blue[255] = 0;
+        TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, 4);
+        TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, 3);
+        TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, 8);
+        TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, 1);
+        TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_PALETTE);
+        TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, 3);
+        TIFFSetField(tiff, TIFFTAG_COLORMAP, red.data(), green.data(), blue.data());
+        unsigned char pixels[12] = {0, 255, 7, 8};
+        ASSERT_EQ(TIFFWriteEncodedStrip(tiff, 0, pixels, sizeof(pixels)), 12);
+        TIFFClose(tiff);
+    }
+    ASSERT_TRUE(import()) << qPrintable(m_error);
+    EXPECT_EQ(m_report.warnings,
+              QStringList{"a.tif and 1 more have a colour map: the stored values are taken, not the colours"});
+    CORVSequenceDataset sequence;
+    open(sequence);
+    const CILImage* image = sequence.getDatasets()[0]->getCoreImage(IMAGETYPE_LUMINESCENT);
+    ASSERT_NE(image, nullptr);
+    EXPECT_EQ(image->dataType(), ORVTYPE_BYTE);
+    EXPECT_EQ(image->value(0), 0);
+    EXPECT_EQ(image->value(1), 255);
+    EXPECT_EQ(image->value(2), 7);
+    EXPECT_EQ(image->value(3), 8);
+}
+
+TEST_F(ImporterSourcesTest, ReadsTheSamplesOfAPixelAsBands)
+{
+    makeStack("file,band,emission\nrgb.tif,3,510\nrgb.tif,1,530\n");
+    TIFF* tiff = TIFFOpen(QFile::encodeName(path("stack/rgb.tif")).constData(), "w");
+    ASSERT_NE(tiff, nullptr);
+    TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, 2);
+    TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, 1);
+    TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, 8);
+    TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, 3);
+    TIFFSetField(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
+    TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_RGB);
+    unsigned char pixels[6] = {1, 2, 3, 4, 5, 6};
+    ASSERT_EQ(TIFFWriteEncodedStrip(tiff, 0, pixels, sizeof(pixels)), 6);
+    TIFFClose(tiff);
+    ASSERT_TRUE(import()) << qPrintable(m_error);
+    EXPECT_TRUE(m_report.warnings.isEmpty());
+    CORVSequenceDataset sequence;
+    open(sequence);
+    EXPECT_EQ(sequence.getDatasets()[0]->getCoreImage(IMAGETYPE_LUMINESCENT)->value(0), 3);
+    EXPECT_EQ(sequence.getDatasets()[1]->getCoreImage(IMAGETYPE_LUMINESCENT)->value(1), 4);
+    m_options.table = write("stack/images.csv", "file,emission\nrgb.tif,510\n");
+    m_options.output = path("grey");
+    ASSERT_TRUE(import()) << qPrintable(m_error);
+    EXPECT_EQ(m_report.warnings, QStringList{"rgb.tif has colours: their grey values are taken"});
+}
