@@ -87,6 +87,11 @@ void CORVSpumKyvoPalette::initPalette()
     m_pResults = std::make_unique<SavedResults>(*m_pResultsList, *m_pResultsOwner);
     m_pSpectrumAxisCMB->setEnabled(false);
     m_pUnmixSpectraButton->setEnabled(false);
+    // As much as their texts need: the style's own least width for a button would make the panel a third wider.
+    for (QPushButton* pButton : {m_pDeleteButton, m_pLoadButton, m_pSaveButton}) {
+        const int nMargin = 2 * style()->pixelMetric(QStyle::PM_ButtonMargin, nullptr, pButton);
+        pButton->setMinimumWidth(fontMetrics().horizontalAdvance(pButton->text()) + nMargin);
+    }
     makeResultsMenu();
     connectControls();
 }

@@ -8,9 +8,11 @@
 #include <QComboBox>
 #include <QGroupBox>
 #include <QLabel>
-#include <QLineEdit>
+#include <QMdiSubWindow>
 #include <QStyle>
 #include <QStyleOptionComboBox>
+#include <QTabBar>
+#include <QToolButton>
 
 #include <algorithm>
 
@@ -44,6 +46,10 @@ bool hasTooLittleRoom(const QWidget& widget)
             pLabel->hasHeightForWidth() ? pLabel->heightForWidth(pLabel->width()) : pLabel->minimumSizeHint().height();
         return (!pLabel->wordWrap() && pLabel->minimumSizeHint().width() > pLabel->width()) ||
                nHeight > pLabel->height();
+    }
+    if (const auto* pTool = qobject_cast<const QToolButton*>(&widget);
+        pTool != nullptr && pTool->toolButtonStyle() == Qt::ToolButtonIconOnly && !pTool->icon().isNull()) {
+        return false;
     }
     if (const auto* pButton = qobject_cast<const QAbstractButton*>(&widget)) {
         // Frames may give way a little, letters may not.
@@ -84,9 +90,15 @@ bool hasOwnName(const QWidget& widget)
     if (!widget.accessibleName().isEmpty()) {
         return true;
     }
+    // Screen readers take the title of a window inside another.
+    if (const auto* pInner = qobject_cast<const QMdiSubWindow*>(&widget)) {
+        return !pInner->windowTitle().isEmpty();
+    }
     const bool bLabelled =
         qobject_cast<const QAbstractButton*>(&widget) != nullptr || qobject_cast<const QGroupBox*>(&widget) != nullptr;
-    return (bLabelled && !shownText(widget).isEmpty()) || hasBuddy(widget);
+    // Each tab tells its own.
+    return qobject_cast<const QTabBar*>(&widget) != nullptr || (bLabelled && !shownText(widget).isEmpty()) ||
+           hasBuddy(widget);
 }
 
 template <class IsFault>

@@ -63,6 +63,32 @@ bool WorkbenchFixture::finishWizard()
     return bDone;
 }
 
+bool WorkbenchFixture::openComposite()
+{
+    // It is the last tile of the grid.
+    const QJsonArray place = program().state("DistributionView")["place"].toArray();
+    for (int nX = place[2].toInt() - 20; nX > 0; nX -= 40) {
+        for (int nY = place[3].toInt() - 20; nY > 0; nY -= 40) {
+            const QJsonArray at{nX, nY};
+            const QJsonObject tip = program().call({{"do", "tip"}, {"widget", "DistributionView"}, {"at", at}});
+            if (tip["text"].toString().startsWith("Composite")) {
+                program().click("DistributionView", {{"at", at}, {"double", true}});
+                return program().waitFor("m_pImageList", 10000);
+            }
+        }
+    }
+    return false;
+}
+
+bool WorkbenchFixture::openCube()
+{
+    program().call({{"do", "tab"}, {"widget", "sequenceTabs"}, {"text", "Unmixing"}});
+    program().call({{"do", "tab"}, {"widget", "m_pImageTabWidget"}, {"text", "ImageCube"}});
+    const bool bOpen = program().waitFor("m_pVideoCheckBox") && program().click("m_pVideoCheckBox");
+    program().call({{"do", "quiet"}, {"ms", 100}});
+    return bOpen;
+}
+
 QStringList WorkbenchFixture::rowNames()
 {
     QStringList names;

@@ -33,6 +33,10 @@ protected:
     [[nodiscard]] bool openWizard(const QString& strMethod = QStringLiteral("Automatic"));
     // Presses Finish and waits until the run has ended and the results are shown.
     [[nodiscard]] bool finishWizard();
+    // From the tiles to the window of the composite, by a double click on its tile.
+    bool openComposite();
+    // Back in the console, to its images without the overview.
+    bool openCube();
     // Names of the rows of the console's list.
     QStringList rowNames();
 

@@ -43,27 +43,10 @@ TEST_P(EveryKindTest, GoesFromASequenceToMapsSpectraAndAComposite)
     EXPECT_GT(rowsOf(program().state("m_pSPUnResultsLV")).size(), 5);
     EXPECT_EQ(text("tabWidget1").toStdString(), "Results");
 
-    // The last tile of the grid is the composite.
-    const QJsonArray place = program().state("DistributionView")["place"].toArray();
-    bool bComposite = false;
-    for (int nX = place[2].toInt() - 20; nX > 0 && !bComposite; nX -= 40) {
-        for (int nY = place[3].toInt() - 20; nY > 0 && !bComposite; nY -= 40) {
-            const QJsonObject tip =
-                program().call({{"do", "tip"}, {"widget", "DistributionView"}, {"at", QJsonArray{nX, nY}}});
-            if (tip["text"].toString().startsWith("Composite")) {
-                program().click("DistributionView", {{"at", QJsonArray{nX, nY}}, {"double", true}});
-                bComposite = program().waitFor("m_pImageList", 10000);
-            }
-        }
-    }
-    EXPECT_TRUE(bComposite);
+    EXPECT_TRUE(openComposite());
     EXPECT_EQ(rowsOf(program().state("m_pImageList")).size(), nComponents + 1);
     program().picture("end_to_end/" + strName + "_composite.png");
-    program().call({{"do", "tab"}, {"widget", "sequenceTabs"}, {"text", "Unmixing"}});
-    program().call({{"do", "tab"}, {"widget", "m_pImageTabWidget"}, {"text", "ImageCube"}});
-    EXPECT_TRUE(program().waitFor("m_pVideoCheckBox"));
-    program().click("m_pVideoCheckBox");
-    program().call({{"do", "quiet"}, {"ms", 100}});
+    EXPECT_TRUE(openCube());
     program().picture("end_to_end/" + strName + "_cube.png");
 }
 
@@ -74,6 +57,32 @@ INSTANTIATE_TEST_SUITE_P(
                       Kind{"temporal", {"--kind", "temporal", "--size", "128"}},
                       Kind{"cherenkov", {"--kind", "cherenkov", "--size", "128"}}),
     [](const auto& each) { return std::string(each.param.name); });
+
+class ImportedTest : public WorkbenchFixture
+{
+};
+
+TEST_F(ImportedTest, AFolderOfImagesIsImportedAndUnmixed)
+{
+    const QString strImages = copyOf(QStringLiteral(ORV_SOURCE_DIR "/tests/images/cells"), "images of cells");
+    startProgram({strImages});
+    ASSERT_TRUE(program().waitFor("ImportDialog"));
+    EXPECT_EQ(text("m_pSummaryLabel").toStdString(), "12 images: fluorescence, 3 excitations, 7 emissions");
+    program().picture("end_to_end/import.png");
+    const QString strSequence = text("m_pOutputEdit");
+    EXPECT_EQ(strSequence.toStdString(), strImages.toStdString() + "_sequence");
+    ASSERT_TRUE(program().click("m_pImportButton"));
+    ASSERT_TRUE(program().waitFor("m_pWaveLengthTable/.QCheckBox"));
+    EXPECT_TRUE(QFile::exists(strSequence + "/SequenceInfo.txt"));
+    ASSERT_TRUE(openWizard());
+    EXPECT_EQ(text("m_pProbeTable/.QComboBox").toStdString(), "Unknown") << "nobody says what is in the cells";
+    program().click("m_pAddProbeTB");
+    EXPECT_EQ(text("m_pNCompLabel").toStdString(), "3");
+    ASSERT_TRUE(finishWizard());
+    program().picture("end_to_end/import_tiles.png");
+    EXPECT_EQ(rowNames(), (QStringList{"UMX1", "UMX2", "UMX3"}));
+    EXPECT_TRUE(openComposite());
+}
 
 // What a save says of the result: without its moment, and without the numbers of the spectra, which are the places of
 // the rows in the window and those of the curves in the command line.
