@@ -34,6 +34,15 @@ void deleteWindow(QPointer<Window>& pWindow)
     delete pWindow.data();
 }
 
+// The window becomes the tab of that title, and hears which tab is the current one.
+template <class Window>
+void showAsTab(CORVSequenceWindow& sequenceWindow, const char* pTitle, Window& window, QWidget* pToolBar)
+{
+    QObject::connect(&sequenceWindow, &CORVSequenceWindow::updatePluginPalette, &window, &Window::onTabSelected,
+                     Qt::UniqueConnection);
+    sequenceWindows::showTab(&sequenceWindow, pTitle, &window, pToolBar);
+}
+
 } // namespace
 
 AnalysisSetup::AnalysisSetup(CORVSpumKyvo& engine)
@@ -114,13 +123,10 @@ void AnalysisSetup::connectComposite(SpUnmixCompositeWnd& composite)
 void AnalysisSetup::showConsole()
 {
     CORVSequenceWindow* pWindow = sequenceWindows::windowOf(m_engine);
-    if (pWindow == nullptr) {
-        return;
+    if (pWindow != nullptr) {
+        SpumKyvoConsoleWnd* pConsole = console();
+        showAsTab(*pWindow, tabNames::console, *pConsole, pConsole->toolbar());
     }
-    SpumKyvoConsoleWnd* pConsole = console();
-    connect(pWindow, &CORVSequenceWindow::updatePluginPalette, pConsole, &SpumKyvoConsoleWnd::onTabSelected,
-            Qt::UniqueConnection);
-    sequenceWindows::showTab(pWindow, tabNames::console, pConsole, pConsole->toolbar());
 }
 
 void AnalysisSetup::compositeFinished(int /*nResult*/)
@@ -227,12 +233,9 @@ CORVDataset* AnalysisSetup::openByHost(const QString& strClickInfo)
 void AnalysisSetup::showComposite(int nSpot)
 {
     CORVSequenceWindow* pWindow = sequenceWindows::windowOf(m_engine);
-    if (pWindow == nullptr) {
-        return;
+    if (pWindow != nullptr) {
+        SpUnmixCompositeWnd* pComposite = compositeWnd();
+        pComposite->setCurrentSpot(nSpot);
+        showAsTab(*pWindow, tabNames::composite, *pComposite, pComposite->m_pToolbarFrame);
     }
-    SpUnmixCompositeWnd* pComposite = compositeWnd();
-    connect(pWindow, &CORVSequenceWindow::updatePluginPalette, pComposite, &SpUnmixCompositeWnd::onTabSelected,
-            Qt::UniqueConnection);
-    pComposite->setCurrentSpot(nSpot);
-    sequenceWindows::showTab(pWindow, tabNames::composite, pComposite, pComposite->m_pToolbarFrame);
 }

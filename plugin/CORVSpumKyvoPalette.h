@@ -23,6 +23,7 @@ class CORVDataset;
 class CORVResultsTabControl;
 class CORVSequenceDataset;
 class CORVSpumKyvo;
+class QHeaderView;
 class QMenu;
 class SavedResults;
 class SavedResultsOwner;
@@ -157,8 +158,9 @@ private:
     KeyPair pairAt(int nRow, int nColumn) const;
     void addCell(int nRow, int nColumn);
     void orderTabStops();
-    // Unticks the boxes of a line when any is ticked, and ticks them otherwise.
-    void toggleLine(const QVector<class QCheckBox*>& boxes);
+    // Unticks the boxes of a header's line when any is ticked, and ticks them otherwise; nothing for a line that is not
+    // there.
+    void toggleLine(QHeaderView& header, int nSection);
 
     // A run, and what surrounds it whichever way it ends.
     CORVSpumKyvo* engineToRun();

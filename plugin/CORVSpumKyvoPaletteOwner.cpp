@@ -9,24 +9,50 @@
 #include "host/CORVSequenceWindow.h"
 #include "storage/SavedResultsOwner.h"
 
-// The palette, and the windows around it, for the saving and loading of results.
 class CORVSpumKyvoPalette::ResultsOwner : public SavedResultsOwner
 {
 public:
     explicit ResultsOwner(CORVSpumKyvoPalette& palette) : m_palette(palette) {}
 
-    QWidget* messageParent() override;
-    QWidget* activeChildWindow() override;
-    int giveSequenceHome(CORVSequenceDataset* pSequence) override;
-    void showMinimisedWindow(CORVSequenceDataset* pSequence) override;
-    void activateSequenceWindow(CORVSequenceDataset* pSequence) override;
-    void setEnabled(bool bEnabled) override;
-    void takeSelection() override;
-    void updateUI() override;
-    bool showsResult() const override;
-    void fillResultsTree() override;
-    void clearResultsTree() override;
-    void showResultsTab() override;
+    QWidget* messageParent() override { return &m_palette; }
+
+    QWidget* activeChildWindow() override { return CORVChildWindow::getActiveChildWnd(); }
+
+    int giveSequenceHome(CORVSequenceDataset* pSequence) override
+    {
+        CORVSequenceWindow* pWindow = CORVSequenceWindow::getSequenceWindow(pSequence);
+        return pWindow != nullptr ? pWindow->giveSequenceHome() : 0;
+    }
+
+    void showMinimisedWindow(CORVSequenceDataset* pSequence) override
+    {
+        sequenceWindows::showMinimisedFrame(CORVSequenceWindow::getSequenceWindow(pSequence));
+    }
+
+    void activateSequenceWindow(CORVSequenceDataset* pSequence) override
+    {
+        sequenceWindows::showFrame(CORVSequenceWindow::getSequenceWindow(pSequence));
+    }
+
+    void setEnabled(bool bEnabled) override { m_palette.setEnabled(bEnabled); }
+
+    void takeSelection() override
+    {
+        if (m_palette.m_pEngine != nullptr) {
+            m_palette.m_selection = m_palette.m_pEngine->m_selectedKeyPairs;
+            m_palette.m_eAxis = m_palette.m_pEngine->m_eAxis;
+        }
+    }
+
+    void updateUI() override { m_palette.updateUI(); }
+
+    bool showsResult() const override { return m_palette.m_pSPUnResultsLV->topLevelItemCount() > 0; }
+
+    void fillResultsTree() override { m_palette.fillResultsTree(); }
+
+    void clearResultsTree() override { m_palette.clearResultsTree(); }
+
+    void showResultsTab() override { m_palette.tabWidget1->setCurrentIndex(1); }
 
 private:
     CORVSpumKyvoPalette& m_palette;
@@ -35,68 +61,4 @@ private:
 std::unique_ptr<SavedResultsOwner> CORVSpumKyvoPalette::makeResultsOwner()
 {
     return std::make_unique<ResultsOwner>(*this);
-}
-
-QWidget* CORVSpumKyvoPalette::ResultsOwner::messageParent()
-{
-    return &m_palette;
-}
-
-QWidget* CORVSpumKyvoPalette::ResultsOwner::activeChildWindow()
-{
-    return CORVChildWindow::getActiveChildWnd();
-}
-
-int CORVSpumKyvoPalette::ResultsOwner::giveSequenceHome(CORVSequenceDataset* pSequence)
-{
-    CORVSequenceWindow* pWindow = CORVSequenceWindow::getSequenceWindow(pSequence);
-    return pWindow != nullptr ? pWindow->giveSequenceHome() : 0;
-}
-
-void CORVSpumKyvoPalette::ResultsOwner::showMinimisedWindow(CORVSequenceDataset* pSequence)
-{
-    sequenceWindows::showMinimisedFrame(CORVSequenceWindow::getSequenceWindow(pSequence));
-}
-
-void CORVSpumKyvoPalette::ResultsOwner::activateSequenceWindow(CORVSequenceDataset* pSequence)
-{
-    sequenceWindows::showFrame(CORVSequenceWindow::getSequenceWindow(pSequence));
-}
-
-void CORVSpumKyvoPalette::ResultsOwner::setEnabled(bool bEnabled)
-{
-    m_palette.setEnabled(bEnabled);
-}
-
-void CORVSpumKyvoPalette::ResultsOwner::takeSelection()
-{
-    if (m_palette.m_pEngine != nullptr) {
-        m_palette.m_selection = m_palette.m_pEngine->m_selectedKeyPairs;
-        m_palette.m_eAxis = m_palette.m_pEngine->m_eAxis;
-    }
-}
-
-void CORVSpumKyvoPalette::ResultsOwner::updateUI()
-{
-    m_palette.updateUI();
-}
-
-bool CORVSpumKyvoPalette::ResultsOwner::showsResult() const
-{
-    return m_palette.m_pSPUnResultsLV->topLevelItemCount() > 0;
-}
-
-void CORVSpumKyvoPalette::ResultsOwner::fillResultsTree()
-{
-    m_palette.fillResultsTree();
-}
-
-void CORVSpumKyvoPalette::ResultsOwner::clearResultsTree()
-{
-    m_palette.clearResultsTree();
-}
-
-void CORVSpumKyvoPalette::ResultsOwner::showResultsTab()
-{
-    m_palette.tabWidget1->setCurrentIndex(1);
 }

@@ -230,11 +230,24 @@ bool CORVSpumKyvoPalette::hasEnoughSelected()
     return nTicked >= 2;
 }
 
-void CORVSpumKyvoPalette::toggleLine(const QVector<QCheckBox*>& boxes)
+void CORVSpumKyvoPalette::toggleLine(QHeaderView& header, int nSection)
 {
+    if (nSection < 0 || nSection >= header.count()) {
+        return;
+    }
+    const QSignalBlocker headerBlocker(&header);
+    const bool bColumn = header.orientation() == Qt::Horizontal;
+    const QHeaderView& across =
+        *(bColumn ? m_pWaveLengthTable->verticalHeader() : m_pWaveLengthTable->horizontalHeader());
+    QVector<QCheckBox*> boxes;
+    for (int i = 0; i < across.count(); ++i) {
+        if (QCheckBox* pBox = boxAt(*m_pWaveLengthTable, bColumn ? i : nSection, bColumn ? nSection : i)) {
+            boxes.append(pBox);
+        }
+    }
     const bool bTick =
         std::none_of(boxes.begin(), boxes.end(), [](const QCheckBox* pBox) { return pBox->isChecked(); });
-    for (QCheckBox* pBox : boxes) {
+    for (QCheckBox* pBox : qAsConst(boxes)) {
         const QSignalBlocker blocker(pBox);
         pBox->setChecked(bTick);
     }
@@ -243,32 +256,12 @@ void CORVSpumKyvoPalette::toggleLine(const QVector<QCheckBox*>& boxes)
 
 void CORVSpumKyvoPalette::onClickHHeader(int section)
 {
-    if (section < 0 || section >= m_pWaveLengthTable->columnCount()) {
-        return;
-    }
-    const QSignalBlocker blocker(m_pWaveLengthTable->horizontalHeader());
-    QVector<QCheckBox*> boxes;
-    for (int r = 0; r < m_pWaveLengthTable->rowCount(); ++r) {
-        if (QCheckBox* pBox = boxAt(*m_pWaveLengthTable, r, section)) {
-            boxes.append(pBox);
-        }
-    }
-    toggleLine(boxes);
+    toggleLine(*m_pWaveLengthTable->horizontalHeader(), section);
 }
 
 void CORVSpumKyvoPalette::onClickVHeader(int section)
 {
-    if (section < 0 || section >= m_pWaveLengthTable->rowCount()) {
-        return;
-    }
-    const QSignalBlocker blocker(m_pWaveLengthTable->verticalHeader());
-    QVector<QCheckBox*> boxes;
-    for (int c = 0; c < m_pWaveLengthTable->columnCount(); ++c) {
-        if (QCheckBox* pBox = boxAt(*m_pWaveLengthTable, section, c)) {
-            boxes.append(pBox);
-        }
-    }
-    toggleLine(boxes);
+    toggleLine(*m_pWaveLengthTable->verticalHeader(), section);
 }
 
 void CORVSpumKyvoPalette::onAxisTypeChanged(int /*nIndex*/)
