@@ -8,6 +8,7 @@
 #include "host/CORVDataset.h"
 #include "host/CORVMdiSubWindow.h"
 #include "host/CORVUtilityFns.h"
+#include "platform/orvutils/ProcessControl.h"
 
 #include <QLabel>
 
@@ -48,6 +49,14 @@ float mixture(int nImage, int nImages, double dGain, int nPixel)
 }
 
 } // namespace
+
+Plan otherPlan()
+{
+    Plan plan;
+    plan.id = "seq-B";
+    plan.emissions = QStringList{"500", "520", "540", "560"};
+    return plan;
+}
 
 OpenedInWindow::OpenedInWindow(const Plan& plan, QMdiArea& area) : m_sequence(plan.id)
 {
@@ -216,14 +225,41 @@ std::string WorkAreaTest::complaints() const
     return strText.toStdString();
 }
 
+void WorkAreaTest::start(const char* pMethod)
+{
+    choose(pMethod);
+    m_palette->onClickUnmixSpectra();
+}
+
+void WorkAreaTest::run()
+{
+    const testsupport::CapturedOutput trace;
+    finishWizard(1);
+}
+
 void WorkAreaTest::unmixAutomatically()
 {
-    choose("Automatic");
-    const testsupport::CapturedOutput trace;
-    m_palette->onClickUnmixSpectra();
+    start("Automatic");
     ASSERT_NE(engine().m_pWizard, nullptr);
     ASSERT_TRUE(wizard().m_bMaskValid);
-    finishWizard(1);
+    run();
+}
+
+std::vector<double> WorkAreaTest::concentrations()
+{
+    const XTNT::Matrix<double>& maps = engine().m_concentrations;
+    std::vector<double> values;
+    for (long long k = 0; k < maps.num_rows(); ++k) {
+        for (long long i = 0; i < maps.num_cols(); ++i) {
+            values.push_back(maps[k][i]);
+        }
+    }
+    return values;
+}
+
+int WorkAreaTest::processes()
+{
+    return orv::processState().m_nRunning;
 }
 
 } // namespace workarea

@@ -105,6 +105,9 @@ struct Plan
     QString isotope;
 };
 
+// Of another sequence, of four images.
+Plan otherPlan();
+
 // A sequence in memory with its window in the work area.
 class OpenedInWindow
 {
@@ -139,6 +142,8 @@ protected:
     SpUnmixWizardWnd& wizard() { return *engine().m_pWizard; }
     SpumKyvoConsoleWnd& console() { return *engine().m_pConsole; }
     void choose(const char* pMethod);
+    // Chooses the method and presses Start.
+    void start(const char* pMethod);
     // The box of an image; null when there is none.
     QCheckBox* box(int nRow, int nColumn) const;
     int ticked() const;
@@ -148,8 +153,14 @@ protected:
     std::string complaints() const;
     // As Finish (1) and Cancel (0) do.
     void finishWizard(int nResult) { static_cast<QDialog&>(wizard()).done(nResult); }
+    // Finish, to the end of the run.
+    void run();
     // By the wizard, with its components as they are, to the end of the run.
     void unmixAutomatically();
+    // The maps of the current engine, one after another.
+    std::vector<double> concentrations();
+    // Long processes that have not ended.
+    static int processes();
 
     LogCapture m_log;
     Answers m_answers;

@@ -26,13 +26,6 @@ protected:
         plan.times = times;
         return plan;
     }
-    static Plan other()
-    {
-        Plan plan;
-        plan.id = "seq-B";
-        plan.emissions = QStringList{"500", "520", "540", "560"};
-        return plan;
-    }
     void expectRefused(int nTicked)
     {
         ASSERT_EQ(m_answers.asked.size(), 1);
@@ -251,7 +244,7 @@ TEST_F(PaletteTest, AScanOffersTheAutomaticMethodAlone)
 TEST_F(PaletteTest, ASequenceThatIsNotOfferedMakesItInvalid)
 {
     auto& first = open();
-    auto& second = open(other());
+    auto& second = open(otherPlan());
     second.sequence().isSpectrallyAnalysable = false;
     m_palette->onSequenceChanged(&first.sequence());
     m_palette->onSequenceChanged(&second.sequence());
@@ -298,7 +291,7 @@ TEST_F(PaletteTest, ATomographyScanIsLeftOutOnlyOfTheSecondKind)
 TEST_F(PaletteTest, ADatasetLeadsToItsSequence)
 {
     auto& first = open();
-    open(other());
+    open(otherPlan());
     m_palette->onDatasetChanged(nullptr);
     EXPECT_TRUE(m_palette->getSequenceValidity());
     m_palette->onDatasetChanged(first.sequence().getDatasets().first());
@@ -313,7 +306,7 @@ TEST_F(PaletteTest, EveryNewSequenceStartsOnTheFirstTab)
 {
     auto& first = open();
     m_palette->tabWidget1->setCurrentIndex(1);
-    open(other());
+    open(otherPlan());
     EXPECT_EQ(m_palette->tabWidget1->currentIndex(), 0);
     m_palette->tabWidget1->setCurrentIndex(1);
     m_palette->onSequenceChanged(&first.sequence());
@@ -324,7 +317,7 @@ TEST_F(PaletteTest, EachSequenceKeepsItsEngine)
 {
     auto& first = open();
     CORVSpumKyvo* pFirst = &engine();
-    auto& second = open(other());
+    auto& second = open(otherPlan());
     CORVSpumKyvo* pSecond = &engine();
     EXPECT_NE(pFirst, pSecond);
     m_palette->onSequenceChanged(&first.sequence());
@@ -339,7 +332,7 @@ TEST_F(PaletteTest, AClosedSequenceThatIsNotCurrentGoesWithoutAQuestion)
     const QPointer<CORVSpumKyvo> pFirst(&engine());
     unmixAutomatically();
     m_answers.answer = CORVMessageBox::NoButtonAnswer;
-    open(other());
+    open(otherPlan());
     m_answers.asked.clear();
     close(first);
     EXPECT_TRUE(pFirst.isNull());

@@ -1,0 +1,220 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Runs: what surrounds them, how they end, and what is found by who comes back to a sequence.
+#include "WorkArea.h"
+
+#include "platform/orvutils/ProcessControl.h"
+#include "windows/CORVDistributionView.h"
+
+#include <QFile>
+#include <QTest>
+#include <QTimer>
+
+#include <random>
+
+using namespace workarea;
+
+namespace {
+
+using RunsTest = WorkAreaTest;
+
+TEST_F(RunsTest, ComingBackToASequenceFindsTheAnalysisAsItWas)
+{
+    auto& first = open();
+    box(5, 0)->setChecked(false);
+    unmixAutomatically();
+    const std::vector<double> maps = concentrations();
+    const int eUnit = engine().m_eUnit;
+    const QStringList items = resultItems();
+    m_answers.answer = CORVMessageBox::NoButtonAnswer;
+    open(otherPlan());
+    EXPECT_EQ(ticked(), 4);
+    EXPECT_TRUE(resultItems().isEmpty());
+    m_palette->onSequenceChanged(&first.sequence());
+    EXPECT_EQ(ticked(), 5);
+    EXPECT_FALSE(box(5, 0)->isChecked());
+    EXPECT_EQ(engine().m_selectedKeyPairs.size(), 5);
+    EXPECT_EQ(engine().m_eUnit, eUnit);
+    EXPECT_EQ(resultItems(), items);
+    EXPECT_EQ(console().distributionView()->getImageNumber(), 3);
+    engine().onClickDrawingFinished(1);
+    EXPECT_FALSE(engine().hasError());
+    EXPECT_EQ(complaints(), "");
+    EXPECT_EQ(concentrations().size(), maps.size());
+}
+
+TEST_F(RunsTest, ASelectionWhoseImagesAreGoneDoesNotComeBack)
+{
+    auto& opened = open();
+    unmixAutomatically();
+    engine().m_selectedKeyPairs.first().second = "999";
+    m_palette->onSequenceChanged(&opened.sequence());
+    EXPECT_EQ(engine().m_selectedKeyPairs, engine().m_allKeyPairs);
+}
+
+TEST_F(RunsTest, AnOpenWizardKeepsItsSelectionOverAnotherSequence)
+{
+    auto& first = open();
+    box(0, 0)->setChecked(false);
+    start("Automatic");
+    open(otherPlan());
+    m_palette->onSequenceChanged(&first.sequence());
+    EXPECT_EQ(ticked(), 5);
+    run();
+    EXPECT_EQ(engine().m_spectra.num_cols(), 5);
+}
+
+TEST_F(RunsTest, AnAnnouncementDuringARunLeavesTheEngineInPlace)
+{
+    open();
+    auto& second = open(otherPlan());
+    m_palette->onSequenceChanged(&m_opened.front()->sequence());
+    bool bValidMeanwhile = true;
+    QString strCurrent;
+    start("Automatic");
+    QObject::connect(m_palette.get(), &CORVSpumKyvoPalette::restoreWindows, m_palette.get(), [&](bool bBack) {
+        if (!bBack) {
+            m_palette->onSequenceChanged(&second.sequence());
+            bValidMeanwhile = m_palette->getSequenceValidity();
+            strCurrent = engine().m_strSeqId;
+        }
+    });
+    m_answers.answer = CORVMessageBox::NoButtonAnswer;
+    run();
+    EXPECT_FALSE(bValidMeanwhile);
+    EXPECT_EQ(strCurrent, "seq-A");
+    // What was announced is current once the run is over.
+    EXPECT_EQ(engine().m_strSeqId, "seq-B");
+    EXPECT_TRUE(m_palette->getSequenceValidity());
+}
+
+TEST_F(RunsTest, TheHostMayAnnounceTheSequenceAgainAfterTheRun)
+{
+    auto& opened = open();
+    QObject::connect(m_palette.get(), &CORVSpumKyvoPalette::restoreWindows, m_palette.get(), [&](bool bBack) {
+        if (bBack) {
+            m_palette->onSequenceChanged(&opened.sequence());
+        }
+    });
+    box(0, 0)->setChecked(false);
+    unmixAutomatically();
+    EXPECT_EQ(ticked(), 5);
+    EXPECT_FALSE(resultItems().isEmpty());
+    EXPECT_TRUE(m_palette->getSequenceValidity());
+    EXPECT_EQ(m_answers.asked.size(), 0);
+}
+
+TEST_F(RunsTest, AbortsAtRandomMomentsLeaveAWorkingPalette)
+{
+    open();
+    unmixAutomatically();
+    const std::vector<double> fresh = concentrations();
+    m_answers.answer = CORVMessageBox::NoButtonAnswer;
+    std::mt19937 random(7);
+    int nAborted = 0;
+    for (int i = 0; i < 20; ++i) {
+        start("Automatic");
+        const int nDelay = static_cast<int>(random() % 12);
+        QTimer::singleShot(nDelay, m_palette.get(), [] {
+            if (orv::processState().m_nRunning > 0) {
+                orv::requestAbort();
+            }
+        });
+        run();
+        EXPECT_TRUE(m_palette->isEnabled());
+        EXPECT_TRUE(m_palette->getSequenceValidity());
+        EXPECT_EQ(engine().m_pProgress, nullptr);
+        EXPECT_FALSE(engine().isRunning());
+        EXPECT_EQ(processes(), 0);
+        nAborted += m_log.count("SpumKyvo: unmixing aborted by user.", 16) > nAborted ? 1 : 0;
+    }
+    QTest::qWait(20);
+    start("Automatic");
+    run();
+    EXPECT_EQ(concentrations(), fresh);
+    RecordProperty("aborted", nAborted);
+}
+
+TEST_F(RunsTest, ASequenceThatClosesDuringItsRunTakesTheEngineAlong)
+{
+    auto& opened = open();
+    const QPointer<CORVSpumKyvo> pEngine(&engine());
+    QObject::connect(m_palette.get(), &CORVSpumKyvoPalette::restoreWindows, m_palette.get(), [&](bool bBack) {
+        if (!bBack) {
+            QTimer::singleShot(0, m_palette.get(), [&] { close(opened); });
+        }
+    });
+    unmixAutomatically();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QTest::qWait(1);
+    EXPECT_TRUE(pEngine.isNull());
+    EXPECT_EQ(m_palette->engine(), nullptr);
+    EXPECT_TRUE(m_palette->isEnabled());
+    EXPECT_EQ(processes(), 0);
+}
+
+TEST_F(RunsTest, APCAShowsItsWindowAndKeepsTheEigenvalues)
+{
+    open();
+    start("Automatic");
+    QString strShown;
+    QTimer::singleShot(0, m_palette.get(), [&] {
+        auto* pTimer = new QTimer(m_palette.get());
+        QObject::connect(pTimer, &QTimer::timeout, m_palette.get(), [&strShown, pTimer] {
+            if (auto* pDialog = qobject_cast<QDialog*>(QApplication::activeModalWidget())) {
+                strShown = pDialog->windowTitle();
+                pDialog->accept();
+                pTimer->stop();
+            }
+        });
+        pTimer->start(5);
+    });
+    Q_EMIT wizard().runPCA();
+    EXPECT_EQ(strShown, "Principle Component Analysis");
+    ASSERT_GT(engine().m_pcaResult.size(), 0);
+    EXPECT_LT(engine().m_pcaResult[engine().m_pcaResult.size() - 1], engine().m_pcaResult[0]);
+    EXPECT_FALSE(engine().m_bRunPCA);
+    EXPECT_TRUE(m_palette->isEnabled());
+    EXPECT_FALSE(wizard().isHidden());
+}
+
+TEST_F(RunsTest, AUserWhoBacksOutOfTheQuestionStartsNothing)
+{
+    open();
+    unmixAutomatically();
+    m_answers.answer = CORVMessageBox::CancelButton;
+    m_answers.asked.clear();
+    choose("Automatic");
+    m_palette->onClickUnmixSpectra();
+    EXPECT_EQ(m_answers.asked.size(), 1);
+    EXPECT_TRUE(wizard().isHidden());
+    EXPECT_FALSE(CORVMessageBox::getCancelClicked());
+    EXPECT_FALSE(resultItems().isEmpty());
+    EXPECT_EQ(engine().m_concentrations.num_rows(), 2);
+}
+
+// Pages of this process that are in memory.
+long residentPages()
+{
+    QFile file("/proc/self/statm");
+    return file.open(QIODevice::ReadOnly) ? file.readAll().split(' ').value(1).toLong() : 0;
+}
+
+TEST_F(RunsTest, ThirtyAnalysesInOneProcess)
+{
+    open();
+    unmixAutomatically();
+    const std::vector<double> first = concentrations();
+    m_answers.answer = CORVMessageBox::NoButtonAnswer;
+    long nAfterTheThird = 0;
+    for (int i = 2; i <= 30; ++i) {
+        start("Automatic");
+        run();
+        ASSERT_EQ(concentrations(), first) << "analysis " << i;
+        nAfterTheThird = i == 3 ? residentPages() : nAfterTheThird;
+    }
+    EXPECT_EQ(complaints(), "");
+    EXPECT_GT(nAfterTheThird, 0);
+    EXPECT_LT(residentPages(), nAfterTheThird + nAfterTheThird / 10);
+}
+
+} // namespace
