@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "plugin/CORVSpumKyvoPalettePlugin.h"
 
+#include "plugin/CORVSpumBrowseDlg.h"
 #include "plugin/CORVSpumKyvoPalette.h"
 #include "plugin/isUnmixingTab.h"
 
@@ -228,6 +229,13 @@ void CORVSpumKyvoPalettePlugin::onSignalLoadBrowseWindow()
 {
     if (m_pPalette) {
         Q_EMIT signalLoadBrowseWindow(m_pPalette->batchExcitation(), m_pPalette->batchEmission());
+    }
+}
+
+void CORVSpumKyvoPalettePlugin::onStartUnmixing()
+{
+    if (m_pBrowseDlg) {
+        m_pBrowseDlg->m_pUnmixBtn->setText(tr("Apply"));
     }
 }
 

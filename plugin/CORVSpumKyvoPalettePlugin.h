@@ -6,6 +6,7 @@
 #include <QList>
 #include <QSharedPointer>
 
+class CORVSpumBrowseDlg;
 class CORVSpumKyvoPalette;
 
 // What the host loads: makes the palette when it is asked for, hands the host's notifications to it and its requests to
@@ -61,7 +62,13 @@ public Q_SLOTS:
     void onSequencePropertyChanged(CORVSequenceDataset* pSeqDataset);
     // Has the host let the user pick the datasets of a batch.
     void onSignalLoadBrowseWindow();
+    // The first button of the browse dialog, if there is one, reads "Apply".
+    void onStartUnmixing();
     void onSignalDisableSpumBatchProcessing();
+
+public:
+    // Null: the host lets its users pick the datasets of a batch in a window of its own.
+    QSharedPointer<CORVSpumBrowseDlg> m_pBrowseDlg;
 
 Q_SIGNALS:
     void signalLoadBrowseWindow(QList<QString> excitationList, QList<QString> emissionList);
