@@ -19,6 +19,7 @@
 #include "host/CORVSettings.h"
 #include "host/CORVUtilityFns.h"
 #include "spectra/logLine.h"
+#include "spectra/plainToolTip.h"
 #include "storage/SavedResults.h"
 #include "storage/writeWholeFile.h"
 #include "windows/exportName.h"
@@ -129,8 +130,8 @@ void CORVSpumKyvoPalette::fillResultsTree()
     }
     for (const auto& property : qAsConst(m_pEngine->m_properties)) {
         auto* pItem = new QTreeWidgetItem(m_pSPUnResultsLV, {property.first, property.second});
-        pItem->setToolTip(0, property.first.toHtmlEscaped());
-        pItem->setToolTip(1, property.second.toHtmlEscaped());
+        pItem->setToolTip(0, plainToolTip(property.first));
+        pItem->setToolTip(1, plainToolTip(property.second));
     }
     m_pSPUnResultsLV->resizeColumnToContents(0);
     m_pSPUnResultsLV->scrollToItem(m_pSPUnResultsLV->topLevelItem(0));
