@@ -2,12 +2,15 @@
 #include "platform/orvwidgets/WindowResponder.h"
 
 #include "host/CORVMessageBox.h"
+#include "host/CORVUtilityFns.h"
+#include "platform/orvutils/BatchResponder.h"
 
 #include <QApplication>
 #include <QColorDialog>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QInputDialog>
+#include <QMainWindow>
 #include <QMessageBox>
 #include <QPointer>
 #include <QPushButton>
@@ -54,6 +57,13 @@ int leastAnswer(const MessageRequest& request)
     return offered.last();
 }
 
+// During a batch nobody is there to answer, but for who works in a dialog or with the main window.
+bool isAttended(const QWidget* pAsking)
+{
+    return !CORVUtilityFns::getSpumBatchStatus() || QApplication::activeModalWidget() != nullptr ||
+           qobject_cast<const QMainWindow*>(pAsking) != nullptr;
+}
+
 // Runs the dialog, which its parent may take along while it is open.
 bool accepted(QPointer<QDialog> pDialog)
 {
@@ -96,6 +106,9 @@ void setUpFileDialog(QFileDialog& dialog, const FileRequest& request)
 
 int WindowResponder::ask(const MessageRequest& request)
 {
+    if (!isAttended(request.m_pParent)) {
+        return BatchResponder(CORVMessageBox::NoButtonAnswer).ask(request);
+    }
     const QPointer<QMessageBox> pBox(new QMessageBox(parentOf(request.m_pParent)));
     pBox->setObjectName(QStringLiteral("MessageBox"));
     pBox->setIcon(iconOf(request.m_eKind));

@@ -9,6 +9,9 @@ namespace orv {
 // one. Texts are shown as they are, letters that look like markup included. Escape and the window's close button mean
 // the answer that changes least. The windows have object names: "MessageBox", "InputDialog", "FileDialog",
 // "ColorDialog".
+//
+// While the host has a batch under way, a message is answered at once where nobody can be waiting for it, by no where
+// that is offered, and goes to the log with its answer.
 class WindowResponder : public MessageResponder
 {
 public:

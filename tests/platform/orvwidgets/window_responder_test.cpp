@@ -2,6 +2,8 @@
 #include "platform/orvwidgets/WindowResponder.h"
 
 #include "host/CORVMessageBox.h"
+#include "host/CORVUtilityFns.h"
+#include "platform/orvutils/LogSinks.h"
 
 #include <QColorDialog>
 #include <QComboBox>
@@ -9,6 +11,7 @@
 #include <QFileDialog>
 #include <QInputDialog>
 #include <QLabel>
+#include <QMainWindow>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTemporaryDir>
@@ -255,6 +258,37 @@ TEST(WindowResponderTest, AColorIsChosen)
     EXPECT_EQ(WindowResponder().chooseColor(request), QColor("gold"));
     whenOpen<QColorDialog>([](QColorDialog* pDialog) { pDialog->reject(); });
     EXPECT_EQ(WindowResponder().chooseColor(request), std::nullopt);
+}
+
+TEST(WindowResponderTest, ABatchIsNotHeldUpByQuestions)
+{
+    constexpr int yesNoCancel =
+        CORVMessageBox::YesButton | CORVMessageBox::NoButtonAnswer | CORVMessageBox::CancelButton;
+    QStringList logged;
+    const int nSink = orv::addLogSink([&logged](const orv::LogRecord& line) { logged << line.m_strMessage; });
+    CORVUtilityFns::setSpumBatchStatus(true);
+    EXPECT_EQ(WindowResponder().ask(question(yesNoCancel, CORVMessageBox::YesButton)), CORVMessageBox::NoButtonAnswer);
+    EXPECT_EQ(WindowResponder().ask(question(CORVMessageBox::Ok)), CORVMessageBox::Ok);
+    orv::removeLogSink(nSink);
+    ASSERT_EQ(logged.size(), 2);
+    EXPECT_TRUE(logged.first().contains("Save <b>it</b>?"));
+
+    // Who closes the program or works in a dialog is there to be asked.
+    QMainWindow window;
+    MessageRequest closing = question(yesNoCancel);
+    closing.m_pParent = &window;
+    whenOpen<QMessageBox>([](QMessageBox* pBox) { clickText(pBox, "Yes"); });
+    EXPECT_EQ(WindowResponder().ask(closing), CORVMessageBox::YesButton);
+    QDialog dialog;
+    int nAnswer = 0;
+    QTimer::singleShot(0, &dialog, [&] {
+        whenOpen<QMessageBox>([](QMessageBox* pBox) { clickText(pBox, "Yes"); });
+        nAnswer = WindowResponder().ask(question(yesNoCancel));
+        dialog.reject();
+    });
+    dialog.exec();
+    CORVUtilityFns::setSpumBatchStatus(false);
+    EXPECT_EQ(nAnswer, CORVMessageBox::YesButton);
 }
 
 } // namespace
