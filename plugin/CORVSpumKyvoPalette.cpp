@@ -51,6 +51,9 @@ bool inspect(CORVSpumKyvo& engine)
     QList<KeyPair> kept = holdsAnalysis(engine) ? engine.m_selectedKeyPairs : QList<KeyPair>();
     const int eUnit = engine.m_eUnit;
     if (!engine.buildDatasetInfo()) {
+        // A result can still be saved.
+        engine.m_selectedKeyPairs = kept;
+        engine.m_eUnit = eUnit;
         return false;
     }
     const bool bAllThere = std::all_of(kept.cbegin(), kept.cend(),
@@ -213,7 +216,7 @@ void CORVSpumKyvoPalette::showSequence(CORVSequenceDataset& sequence)
     if (bSwitched && m_pEngine->m_concentrations.num_rows() > 0) {
         fillResultsTree();
     }
-    if (m_pResults->m_bBatchMode) {
+    if (m_pResults->m_bBatchMode && m_pBatchSequence != &sequence) {
         processBatchSequence(sequence);
     }
 }
@@ -273,10 +276,16 @@ void CORVSpumKyvoPalette::setCurrentEngine(CORVSpumKyvo* pEngine)
     m_pUnmixSpectraButton->setEnabled(pEngine != nullptr);
 }
 
-// The user is told nothing: the host hides the palette.
+// The user is told nothing, the host hides the palette; but a result would go with the engine.
 void CORVSpumKyvoPalette::dropSequence(CORVSequenceDataset& sequence)
 {
+    const QPointer<CORVSequenceDataset> pSequence(&sequence);
     const QString strId = sequence.getSequenceID();
+    askToSaveResults(false);
+    if (!pSequence) {
+        return;
+    }
+    m_pResultsTab->m_bResultModified = false;
     setCurrentEngine(nullptr);
     m_bSequenceValid = false;
     delete m_engines.take(strId);

@@ -172,6 +172,7 @@ private:
 
     void giveBatchSpectra();
     void processBatchSequence(CORVSequenceDataset& sequence);
+    bool keepBatchResult(const CORVSequenceDataset& sequence);
 
     void clearResultsTree();
     QStringList resultTitles() const;
@@ -188,6 +189,8 @@ private:
     QList<SpectrumPlotParams*> m_batchSpectra; // owned
     QStringList m_batchExcitation;
     QStringList m_batchEmission;
+    // Of the batch under way the last: its host may announce it again, before its window has closed.
+    QPointer<CORVSequenceDataset> m_pBatchSequence;
     std::unique_ptr<CORVResultsTabControl> m_pResultsTab;
     std::unique_ptr<ComboResultsList> m_pResultsList;
     std::unique_ptr<SavedResultsOwner> m_pResultsOwner;
@@ -199,4 +202,5 @@ private:
     bool m_bUpdating = false;                 // updateProperties() is under way
     QPointer<CORVSequenceDataset> m_pWaiting; // announced meanwhile
     bool m_bRunningClosed = false;            // the sequence of the run was closed meanwhile
+    bool m_bAborted = false;                  // the last run was
 };

@@ -7,6 +7,7 @@
 #include "engine/CORVSpumKyvo.h"
 #include "host/CORVChildWindow.h"
 #include "host/CORVLog.h"
+#include "host/CORVMessageBox.h"
 #include "host/CORVSequenceDataset.h"
 #include "host/CORVSequenceWindow.h"
 #include "host/CORVUtilityFns.h"
@@ -14,6 +15,7 @@
 #include "spectra/SpectrumPlotParams.h"
 #include "spectra/logLine.h"
 #include "storage/SavedResults.h"
+#include "storage/resultsIndex.h"
 
 #include <QDir>
 #include <QPointer>
@@ -47,12 +49,17 @@ void CORVSpumKyvoPalette::setUpBatch()
     pLibraries->m_pNextBtn->setText(tr("Next"));
     pLibraries->m_pAppendChk->hide();
     const bool bAccepted = pLibraries->exec() == QDialog::Accepted;
-    if (self && pLibraries && bAccepted) {
+    // Later nothing is asked any more, and the result on screen has been neither saved nor given up.
+    if (self && bAccepted && m_pEngine != nullptr && !askToSaveResults(true)) {
+        CORVMessageBox::setCancelClicked(false);
+        CORVUtilityFns::setSpumBatchStatus(false);
+    } else if (self && pLibraries && bAccepted) {
         qDeleteAll(m_batchSpectra);
         m_batchSpectra = pLibraries->selectedSpectra();
         m_batchExcitation = pLibraries->m_excitationTexts;
         m_batchEmission = pLibraries->m_emissionTexts;
         m_pResults->m_bBatchMode = true;
+        m_pBatchSequence = nullptr;
     }
     delete pLibraries;
 }
@@ -60,6 +67,7 @@ void CORVSpumKyvoPalette::setUpBatch()
 void CORVSpumKyvoPalette::endBatch()
 {
     m_pResults->m_bBatchMode = false;
+    m_pBatchSequence = nullptr;
 }
 
 void CORVSpumKyvoPalette::giveBatchSpectra()
@@ -76,22 +84,39 @@ void CORVSpumKyvoPalette::processBatchSequence(CORVSequenceDataset& sequence)
 {
     const QPointer<CORVSequenceDataset> pSequence(&sequence);
     const QPointer<CORVSequenceWindow> pWindow(CORVSequenceWindow::getSequenceWindow(&sequence));
+    m_pBatchSequence = &sequence;
     const bool bAdapts = adaptsBackground(sequence);
     if (bAdapts) {
         setAdaptiveBackground(pWindow, sequence, true);
     }
     logLine(QStringLiteral("Spectral Unmixing for sequence :- %1").arg(sequence.getSequenceInfoPath()), CORVLOG_NOTE);
+    m_bAborted = false;
     onClickUnmixSpectra();
-    const QPointer<CORVSpumKyvo> pEngine(m_pEngine);
-    if (!pSequence || !pEngine) {
+    if (!pSequence || m_pEngine == nullptr) {
         return;
     }
+    // Who aborts the run wants nothing of it kept.
+    if (!m_bAborted && !keepBatchResult(sequence)) {
+        return;
+    }
+    if (pSequence && bAdapts) {
+        setAdaptiveBackground(pWindow, sequence, false);
+    }
+    if (pWindow && pWindow->parentWidget() != nullptr) {
+        QTimer::singleShot(0, pWindow->parentWidget(), SLOT(close()));
+    }
+}
+
+// False when there is no folder for the maps.
+bool CORVSpumKyvoPalette::keepBatchResult(const CORVSequenceDataset& sequence)
+{
+    const QPointer<CORVSpumKyvo> pEngine(m_pEngine);
     m_pResults->saveResultsBatch();
-    const QString strFolder = sequence.getSequenceInfoPath() + QLatin1String("SPUM") + m_pResults->m_strBatchStamp +
+    const QString strFolder = resultsIndex::batchFolder(sequence.getSequenceInfoPath(), m_pResults->m_strBatchStamp) +
                               QLatin1String("/UnmixedImages");
     if (!QDir().mkpath(strFolder)) {
         logLine(QStringLiteral("Failed to create %1 folder.").arg(strFolder), CORVLOG_ERROR);
-        return;
+        return false;
     }
     pEngine->m_strBatchPath = strFolder + QLatin1Char('/');
     pEngine->m_bBatchMode = true;
@@ -103,10 +128,5 @@ void CORVSpumKyvoPalette::processBatchSequence(CORVSequenceDataset& sequence)
         pEngine->m_strBatchPath.clear();
         pEngine->m_bBatchMode = false;
     }
-    if (pSequence && bAdapts) {
-        setAdaptiveBackground(pWindow, sequence, false);
-    }
-    if (pWindow && pWindow->parentWidget() != nullptr) {
-        QTimer::singleShot(0, pWindow->parentWidget(), SLOT(close()));
-    }
+    return true;
 }

@@ -128,7 +128,8 @@ RunOutcome CORVSpumKyvoPalette::runLocked(CORVSpumKyvo& engine, RunSteps steps)
         outcome = RunOutcome::Aborted;
         engine.deleteLater();
     }
-    if (outcome == RunOutcome::Aborted) {
+    m_bAborted = outcome == RunOutcome::Aborted;
+    if (m_bAborted) {
         setEnabled(true);
         if (m_pEngine != nullptr) {
             showOutcome();

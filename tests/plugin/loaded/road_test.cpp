@@ -2,32 +2,19 @@
 // The road from a folder of images to maps on screen, through the loaded plug-in.
 #include "LoadedPlugin.h"
 
-#include "support/CapturedOutput.h"
-
-#include "host/CORVUtilityFns.h"
-#include "host/orv_paths.h"
-
 #include <QCheckBox>
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QKeyEvent>
 #include <QLabel>
-#include <QListWidget>
 #include <QProcess>
 #include <QSignalSpy>
 #include <QTabWidget>
 #include <QTableWidget>
-#include <QTimer>
 
 #include <cmath>
 
 using namespace loaded;
-
-// The host's, which only hands it on.
-struct downloaded_save_data
-{
-};
 
 namespace {
 
@@ -191,147 +178,6 @@ TEST_F(RoadTest, EveryKindOfSequenceGoesTheRoad)
         close(opened);
         m_complaints.clear();
     }
-}
-
-class BatchTest : public RoadTest
-{
-protected:
-    BatchTest()
-    {
-        m_strLibrary = getORVPath(ORV_PATH_USER_DATA, true, nullptr) + "Spum/batch.csv";
-        QDir().mkpath(QFileInfo(m_strLibrary).path());
-    }
-    ~BatchTest() override
-    {
-        QFile::remove(m_strLibrary);
-        CORVUtilityFns::setSpumBatchStatus(false);
-        CORVUtilityFns::setSpumBatchProcessingCount(0);
-        CORVUtilityFns::setSpumBatchNewFolderStatus(false);
-        CORVUtilityFns::setAdaptFLBgModeForSpumBatch(0);
-    }
-    // The true spectra of a simulated mouse as a library of the user.
-    void makeLibrary(const QString& strMouse)
-    {
-        ASSERT_TRUE(QFile::copy(strMouse + "/truth/radiant-efficiency/spectra.csv", m_strLibrary));
-    }
-    // Opens the dialog of libraries for a batch, and takes or refuses the library.
-    void setUp(bool bTake)
-    {
-        CORVUtilityFns::setSpumBatchStatus(true);
-        QTimer timer;
-        QObject::connect(&timer, &QTimer::timeout, [&] {
-            QWidget* pDialog = QApplication::activeModalWidget();
-            if (pDialog == nullptr) {
-                return;
-            }
-            timer.stop();
-            auto* pNext = pDialog->findChild<QAbstractButton*>("m_pNextBtn");
-            m_strNext = pNext->text();
-            auto* pList = pDialog->findChild<QListWidget*>("m_pSpumLibraryList");
-            for (int i = 0; i < pList->count(); ++i) {
-                if (pList->item(i)->text() == "batch") {
-                    pList->setCurrentRow(i);
-                    Q_EMIT pList->itemClicked(pList->item(i));
-                }
-            }
-            (bTake ? pNext : pDialog->findChild<QAbstractButton*>("m_pCloseBtn"))->click();
-        });
-        timer.start(5);
-        m_pPlugin->onLoadUnmixDlg();
-    }
-    // The folders of batches beside a sequence.
-    static QStringList batches(const QString& strMouse)
-    {
-        return QDir(strMouse).entryList({"SPUM*"}, QDir::Dirs, QDir::Name);
-    }
-
-    QString m_strLibrary;
-    QString m_strNext;
-};
-
-TEST_F(BatchTest, TheHostLearnsTheFiltersOfTheChosenSpectra)
-{
-    makeLibrary(mouse());
-    QSignalSpy browse(m_pPlugin, SIGNAL(signalLoadBrowseWindow(QList<QString>, QList<QString>)));
-    ASSERT_TRUE(browse.isValid());
-    setUp(false);
-    EXPECT_EQ(m_strNext, "Next");
-    EXPECT_FALSE(CORVUtilityFns::getSpumBatchStatus());
-    EXPECT_EQ(browse.count(), 0);
-    setUp(true);
-    EXPECT_TRUE(CORVUtilityFns::getSpumBatchStatus());
-    ASSERT_EQ(browse.count(), 1);
-    EXPECT_EQ(browse.first().at(0).value<QList<QString>>().size(), 8);
-    EXPECT_EQ(browse.first().at(1).value<QList<QString>>().size(), 8);
-}
-
-TEST_F(BatchTest, EverySequenceIsUnmixedSavedExportedAndClosed)
-{
-    const QStringList mice{mouse("one"), mouse("two"), mouse("three")};
-    makeLibrary(mice.first());
-    QObject::connect(m_pPlugin, &CORVToolPalettePluginBase::signalLoadFile,
-                     [this](const QString& strPath, bool, ESTATUS* pStatus, downloaded_save_data*) {
-                         m_maps.push_back(std::make_unique<CORVDataset>());
-                         *pStatus = m_maps.back()->openMade(QFileInfo(strPath).path());
-                     });
-    setUp(true);
-    CORVUtilityFns::setSpumBatchProcessingCount(3);
-    CORVUtilityFns::setSpumBatchNewFolderStatus(true);
-    CORVUtilityFns::setAdaptFLBgModeForSpumBatch(2);
-    for (const QString& strMouse : mice) {
-        Opened& opened = open(strMouse);
-        EXPECT_FALSE(opened.window->adaptiveBackground());
-        EXPECT_FALSE(opened.sequence->isModified());
-        QCoreApplication::processEvents();
-        EXPECT_TRUE(opened.window.isNull() || !opened.window->parentWidget()->isVisible());
-        close(opened);
-    }
-    EXPECT_EQ(complaints(), "");
-    EXPECT_TRUE(m_answers.asked.isEmpty());
-    ASSERT_EQ(batches(mice.first()).size(), 1);
-    const QString strBatch = batches(mice.first()).first();
-    for (const QString& strMouse : mice) {
-        EXPECT_EQ(batches(strMouse), QStringList(strBatch)); // one stamp for all
-        const QDir folder(strMouse + "/" + strBatch);
-        EXPECT_TRUE(folder.exists("SPUM.txt"));
-        EXPECT_EQ(folder.entryList({"SpecUnmix"}, QDir::Dirs).size(), 1);
-        const QStringList maps = QDir(folder.filePath("UnmixedImages")).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
-        EXPECT_GE(maps.size(), 2);
-    }
-    m_pPlugin->metaObject()->invokeMethod(m_pPlugin, "onSignalDisableSpumBatchProcessing");
-}
-
-TEST_F(BatchTest, ALuminescentSequenceKeepsItsBackground)
-{
-    const QString strMouse = simulated("light", {"--kind", "luminescent", "--size", "32", "--bands", "6"});
-    CORVUtilityFns::setAdaptFLBgModeForSpumBatch(1);
-    CORVUtilityFns::setSpumBatchStatus(true);
-    Opened opened;
-    opened.sequence = std::make_unique<CORVSequenceDataset>();
-    ASSERT_EQ(opened.sequence->open(strMouse), ESTATUS_SUCCESS);
-    struct Watched : CORVSequenceWindow
-    {
-        using CORVSequenceWindow::CORVSequenceWindow;
-        void setAdaptiveBackground(bool) override { ++calls; }
-        int calls = 0;
-    };
-    auto* pWindow = new Watched(opened.sequence.get());
-    opened.window = pWindow;
-    m_pPlugin->onSignalSequenceChanged(opened.sequence.get());
-    EXPECT_EQ(pWindow->calls, 0);
-    m_pPlugin->onSignalSequenceRemoved(opened.sequence.get());
-}
-
-TEST_F(BatchTest, ASequenceThatCannotBeAnalysedIsPassedOver)
-{
-    const QString strMouse = mouse();
-    Opened opened;
-    opened.sequence = std::make_unique<CORVSequenceDataset>();
-    ASSERT_EQ(opened.sequence->open(strMouse), ESTATUS_SUCCESS);
-    opened.sequence->isSpectrallyAnalysable = false;
-    CORVUtilityFns::setSpumBatchStatus(true);
-    m_pPlugin->onSignalSequenceChanged(opened.sequence.get());
-    EXPECT_EQ(batches(strMouse), QStringList());
 }
 
 } // namespace
