@@ -16,7 +16,8 @@ namespace orvwidgets {
 
 namespace {
 
-constexpr double kDarkest = 0.25;  // lightness up to which a text gets a light outline
+// Lightness from which a text gets the dark outline. There the two of them differ least from the text: by 3.5 to 1.
+constexpr double kLight = 0.58;
 constexpr double kOutline = 3.0;   // pixels
 constexpr double kTick = 4.0;      // pixels
 constexpr int kSmallFont = 8;      // pixels of the legend's numbers
@@ -126,16 +127,19 @@ void paintRing(QPainter& painter, const QPointF& centre, double diameter)
     painter.restore();
 }
 
+QColor outlineOf(const QColor& text)
+{
+    return orvimage::oklabLightness(text.rgb()) < kLight ? QColor(240, 240, 240) : QColor(0, 0, 0, 230);
+}
+
 void paintOutlinedText(QPainter& painter, const QPointF& at, const QString& text, const QFont& font,
                        const QColor& color)
 {
     QPainterPath path;
     path.addText(at, font, text);
-    const bool bDark = orvimage::oklabLightness(color.rgb()) < kDarkest;
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.strokePath(path, QPen(bDark ? QColor(225, 225, 225) : QColor(0, 0, 0, 200), kOutline, Qt::SolidLine,
-                                  Qt::RoundCap, Qt::RoundJoin));
+    painter.strokePath(path, QPen(outlineOf(color), kOutline, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
     painter.fillPath(path, color);
     painter.restore();
 }

@@ -26,8 +26,10 @@ void paintPixelLegend(QPainter& painter, const QRectF& shown, const QSize& pictu
 // A circle of that diameter in black and white.
 void paintRing(QPainter& painter, const QPointF& centre, double diameter);
 
-// A line of text with its baseline at `at`, outlined so that its colour is read on any picture: dark around all but the
-// darkest colours, which are outlined in light grey.
+// What stands off a text of that colour, on whatever it is drawn: dark around a light one, light around a dark one.
+QColor outlineOf(const QColor& text);
+
+// A line of text with its baseline at `at`, outlined so that its colour is read on any picture.
 void paintOutlinedText(QPainter& painter, const QPointF& at, const QString& text, const QFont& font,
                        const QColor& color);
 
