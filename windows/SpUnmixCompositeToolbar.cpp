@@ -146,16 +146,12 @@ void SpUnmixCompositeWnd::onSetBackgroundTBClicked()
 // The picture shows it after the next change of a control, so that a look at the background's settings costs nothing.
 void SpUnmixCompositeWnd::onBackgroundMenuItemSelected(QAction* pAction)
 {
-    showBackgroundAction(*pAction);
-    if (m_channels.isEmpty()) {
+    if (!m_channels.isEmpty() && !takeBackground(pAction->text() == xRayText() ? m_pXRayImage : m_pPhotoImage)) {
+        checkBackgroundAction(m_channels.last()->label);
         return;
     }
-    const CILImage* pImage = pAction->text() == xRayText() ? m_pXRayImage : m_pPhotoImage;
-    try {
-        CILImage background = pImage != nullptr ? *pImage : CILImage();
-        background.RefreshImageStats();
-        m_backgroundImage = std::move(background);
-    } catch (const std::bad_alloc&) {
+    showBackgroundAction(*pAction);
+    if (m_channels.isEmpty()) {
         return;
     }
     m_bStale = true;
@@ -166,4 +162,23 @@ void SpUnmixCompositeWnd::onBackgroundMenuItemSelected(QAction* pAction)
         m_pImageList->setCurrentRow(m_channels.size() - 1);
     }
     onImageListItemSelectionChanged();
+}
+
+// False, and nothing changed but the log, without memory for a copy.
+bool SpUnmixCompositeWnd::takeBackground(const CILImage* pImage)
+{
+    try {
+        m_backgroundImage = copyOf(pImage);
+        return true;
+    } catch (const std::bad_alloc&) {
+        logLowMemory();
+        return false;
+    }
+}
+
+void SpUnmixCompositeWnd::checkBackgroundAction(const QString& strText)
+{
+    for (QAction* pAction : m_pSetBackgroundTB->menu()->actions()) {
+        pAction->setChecked(pAction->text() == strText);
+    }
 }

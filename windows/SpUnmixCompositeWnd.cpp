@@ -72,11 +72,6 @@ private:
     int m_nCursor = 0;
 };
 
-void logLowMemory()
-{
-    logLine(QStringLiteral("SpUnmixCompositeWnd: low memory"), CORVLOG_WARNING);
-}
-
 } // namespace
 
 SpUnmixCompositeWnd::SpUnmixCompositeWnd(QWidget* pParent) : QDialog(pParent)
@@ -149,12 +144,11 @@ void SpUnmixCompositeWnd::setCompositeData(CILImage* pPhoto, const XTNT::Matrix<
         return;
     }
     try {
-        CILImage background = pPhoto != nullptr ? *pPhoto : CILImage();
-        background.RefreshImageStats();
-        const QList<CompositeLayer> startLayers = compositeStartLayers(given, channels, background);
-        m_pixelIndices = pixelIndices;
+        CILImage background = copyOf(pPhoto);
+        std::vector<int> indices = pixelIndices;
+        takeLayers(compositeStartLayers(given, channels, background));
         m_backgroundImage = std::move(background);
-        takeLayers(startLayers);
+        m_pixelIndices = std::move(indices);
     } catch (const std::bad_alloc&) {
         logLowMemory();
         return;
@@ -183,6 +177,19 @@ void SpUnmixCompositeWnd::setCompositeData(CILImage* pPhoto, const XTNT::Matrix<
     m_bStale = true;
     m_bDue = true;
     m_pWhenIdle->start();
+}
+
+// With current statistics; empty for none. Throws std::bad_alloc.
+CILImage SpUnmixCompositeWnd::copyOf(const CILImage* pImage)
+{
+    CILImage copy = pImage != nullptr ? *pImage : CILImage();
+    copy.RefreshImageStats();
+    return copy;
+}
+
+void SpUnmixCompositeWnd::logLowMemory()
+{
+    logLine(QStringLiteral("SpUnmixCompositeWnd: low memory"), CORVLOG_WARNING);
 }
 
 void SpUnmixCompositeWnd::takeLayers(const QList<CompositeLayer>& layers)

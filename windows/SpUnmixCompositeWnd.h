@@ -117,6 +117,10 @@ private:
     void updateIcons();
     void rebuildBackgroundMenu();
     void showBackgroundAction(const QAction& action);
+    void checkBackgroundAction(const QString& strText);
+    bool takeBackground(const CILImage* pImage);
+    static CILImage copyOf(const CILImage* pImage);
+    static void logLowMemory();
 
     CompositeMaps maps() const;
     QList<CompositeLayer> layers() const;
