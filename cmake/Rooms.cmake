@@ -78,6 +78,18 @@ function(orv_room name kind)
   endif()
 endfunction()
 
+# orv_program(NAME LINK <libraries>): a program from main.cpp of the calling folder, which asks workbench/start whether the
+# processor suffices and so is compiled for any of the architecture.
+function(orv_program name)
+  cmake_parse_arguments(A "" "" "LINK" ${ARGN})
+  add_executable(${name} main.cpp)
+  target_link_libraries(${name} PRIVATE workbench_start ${A_LINK})
+  if(ORV_ARCH STREQUAL "x86-64-v3")
+    set_source_files_properties(main.cpp PROPERTIES COMPILE_OPTIONS "-march=x86-64")
+  endif()
+  install(TARGETS ${name} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+endfunction()
+
 # orv_test(NAME <folder> LINK <libraries> [TIMEOUT <seconds>] [SHARDS <count>] [XVFB]): one GoogleTest program from every
 # .cpp of a folder of tests/, known to CTest. With XVFB it runs on an X server of its own, with OpenGL by Mesa's software
 # renderer. A long one is cut into SHARDS runs, each with its share of the tests, for a machine of several processors.

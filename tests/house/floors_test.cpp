@@ -33,9 +33,10 @@ const std::map<std::string, std::set<std::string>> neighbours = {
     {"services/importer", {}},
     {"services/transfer", {"services/basis", "services/session", "services/importer"}},
     {"services/analysis", {"services/basis", "services/session", "services/pictures", "services/results"}},
+    {"workbench/start", {}},
     {"workbench/simulator", {}},
-    {"workbench/commands", {"workbench/simulator"}},
-    {"workbench/application", {}}};
+    {"workbench/commands", {"workbench/start", "workbench/simulator"}},
+    {"workbench/application", {"workbench/start"}}};
 
 bool isContainer(const std::string& path)
 {

@@ -1,32 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// This file alone is compiled for any processor of the architecture, so that it can say what the rest needs.
+// Compiled for any processor of the architecture, as it asks first whether this one suffices.
 #include "workbench/commands/CliSession.h"
 #include "workbench/commands/CommandLine.h"
-
-#include <cstdio>
-
-namespace {
-
-// Whether the processor has what the build relies on.
-bool processorSuffices()
-{
-#ifdef ORV_NEEDS_V3
-    __builtin_cpu_init();
-    return __builtin_cpu_supports("avx2") != 0 && __builtin_cpu_supports("fma") != 0 &&
-           __builtin_cpu_supports("bmi2") != 0;
-#else
-    return true;
-#endif
-}
-
-} // namespace
+#include "workbench/start/processor.h"
 
 int main(int argc, char** argv)
 {
-    if (!processorSuffices()) {
-        std::fputs("spum: this build needs a processor of level x86-64-v3 (AVX2, FMA, BMI2); "
-                   "build it with cmake -DORV_ARCH=x86-64 for this one\n",
-                   stderr);
+    if (!processorSuffices("spum")) {
         return 1;
     }
     // Ahead of all else: what a signal meets half way must be cleaned up.
