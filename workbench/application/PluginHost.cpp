@@ -76,55 +76,48 @@ QString PluginHost::name()
     return m_pPlugin ? m_pPlugin->pluginName() : QString();
 }
 
-void PluginHost::tellSequenceAdded(CORVSequenceDataset* pSequence)
+template <typename... Parameters, typename... Arguments>
+void PluginHost::tell(void (CORVToolPalettePluginBase::*pMember)(Parameters...), Arguments... arguments)
 {
     if (m_pPlugin) {
-        m_pPlugin->onSignalSequenceAdded(pSequence);
+        (m_pPlugin->*pMember)(arguments...);
     }
+}
+
+void PluginHost::tellSequenceAdded(CORVSequenceDataset* pSequence)
+{
+    tell(&Plugin::onSignalSequenceAdded, pSequence);
 }
 
 void PluginHost::tellSequenceRemoved(CORVSequenceDataset* pSequence)
 {
-    if (m_pPlugin) {
-        m_pPlugin->onSignalSequenceRemoved(pSequence);
-    }
+    tell(&Plugin::onSignalSequenceRemoved, pSequence);
 }
 
 void PluginHost::tellDatasetRemoved(CORVDataset* pDataset)
 {
-    if (m_pPlugin) {
-        m_pPlugin->onSignalDatasetRemoved(pDataset);
-    }
+    tell(&Plugin::onSignalDatasetRemoved, pDataset);
 }
 
 void PluginHost::tellSequence(CORVSequenceDataset* pSequence)
 {
-    if (m_pPlugin) {
-        m_pPlugin->onSignalSequenceChanged(pSequence);
-    }
+    tell(&Plugin::onSignalSequenceChanged, pSequence);
 }
 
 void PluginHost::tellDataset(CORVDataset* pDataset)
 {
-    if (m_pPlugin) {
-        m_pPlugin->onSignalDatasetChanged(pDataset);
-    }
+    tell(&Plugin::onSignalDatasetChanged, pDataset);
 }
 
 void PluginHost::tellTab(const QString& strTab)
 {
-    if (m_pPlugin) {
-        m_pPlugin->onSignalUpdatePluginPalette(strTab);
-    }
+    tell(&Plugin::onSignalUpdatePluginPalette, strTab);
 }
 
 bool PluginHost::askToSave()
 {
-    if (!m_pPlugin) {
-        return true;
-    }
     CORVMessageBox::setCancelClicked(false);
-    m_pPlugin->onSignalAskToSaveResults();
+    tell(&Plugin::onSignalAskToSaveResults);
     const bool bCancelled = CORVMessageBox::getCancelClicked();
     CORVMessageBox::setCancelClicked(false);
     return !bCancelled;
@@ -132,14 +125,10 @@ bool PluginHost::askToSave()
 
 void PluginHost::askForPicture(bool bPreview)
 {
-    if (m_pPlugin) {
-        m_pPlugin->onSignalGetPrintPixmap(bPreview);
-    }
+    tell(&Plugin::onSignalGetPrintPixmap, bPreview);
 }
 
 void PluginHost::askToCopy(const QString& strTab)
 {
-    if (m_pPlugin) {
-        m_pPlugin->onSignalCopyToClipboard(strTab);
-    }
+    tell(&Plugin::onSignalCopyToClipboard, strTab);
 }

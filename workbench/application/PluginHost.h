@@ -64,6 +64,9 @@ Q_SIGNALS:
 
 private:
     void connectPlugin();
+    // Calls the plug-in, if there is one.
+    template <typename... Parameters, typename... Arguments>
+    void tell(void (CORVToolPalettePluginBase::*pMember)(Parameters...), Arguments... arguments);
 
     QPointer<CORVToolPalettePluginBase> m_pPlugin;
     QString m_strFile;

@@ -13,11 +13,22 @@
 
 namespace {
 
-// As wide as it is high, or the paper the other way round.
-void turn(QPrinter& printer, const QPixmap& picture)
+// Lets a dialog of that class choose the printer, with the paper turned as the picture is; `prepare` gets the dialog
+// before it is shown. False when the user backs out, and without a picture.
+template <typename Dialog, typename Prepare>
+bool ask(QWidget* pParent, const QPixmap& picture, QPrinter& printer, const char* pName, const Prepare& prepare)
 {
+    if (picture.isNull()) {
+        return false;
+    }
     printer.setPageOrientation(picture.width() > picture.height() ? QPageLayout::Landscape : QPageLayout::Portrait);
     printer.setDocName(CORVUtilityFns::getAppName());
+    const QPointer<Dialog> pDialog(new Dialog(&printer, pParent));
+    pDialog->setObjectName(QLatin1String(pName));
+    prepare(*pDialog);
+    const bool bAccepted = pDialog->exec() == QDialog::Accepted;
+    delete pDialog;
+    return bAccepted;
 }
 
 } // namespace
@@ -50,33 +61,19 @@ void paint(QPrinter& printer, const QPixmap& picture)
 
 void print(QWidget* pParent, const QPixmap& picture)
 {
-    if (picture.isNull()) {
-        return;
-    }
     QPrinter printer(QPrinter::HighResolution);
-    turn(printer, picture);
-    const QPointer<QPrintDialog> pDialog(new QPrintDialog(&printer, pParent));
-    pDialog->setObjectName(QStringLiteral("PrintDialog"));
-    const bool bAccepted = pDialog->exec() == QDialog::Accepted;
-    delete pDialog;
-    if (bAccepted) {
+    if (ask<QPrintDialog>(pParent, picture, printer, "PrintDialog", [](QPrintDialog&) {})) {
         paint(printer, picture);
     }
 }
 
 void preview(QWidget* pParent, const QPixmap& picture)
 {
-    if (picture.isNull()) {
-        return;
-    }
     QPrinter printer(QPrinter::HighResolution);
-    turn(printer, picture);
-    const QPointer<QPrintPreviewDialog> pDialog(new QPrintPreviewDialog(&printer, pParent));
-    pDialog->setObjectName(QStringLiteral("PrintPreviewDialog"));
-    QObject::connect(pDialog.data(), &QPrintPreviewDialog::paintRequested, pDialog.data(),
-                     [&picture](QPrinter* pPrinter) { paint(*pPrinter, picture); });
-    pDialog->exec();
-    delete pDialog;
+    ask<QPrintPreviewDialog>(pParent, picture, printer, "PrintPreviewDialog", [&picture](QPrintPreviewDialog& dialog) {
+        QObject::connect(&dialog, &QPrintPreviewDialog::paintRequested, &dialog,
+                         [&picture](QPrinter* pPrinter) { paint(*pPrinter, picture); });
+    });
 }
 
 } // namespace printing
