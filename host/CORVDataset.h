@@ -72,6 +72,9 @@ public:
     // Gives the dataset an image that has no file (or not yet); copied, kept, and used in place of a file of that type.
     // A pointer lent before stays valid and shows the new image.
     void setCoreImage(tag_eimagetype eType, const CILImage& image);
+    // Reads every image that has a file and keeps it as if it had been given, so that the dataset stays what it is when
+    // other files take their places. False when one cannot be read, which is told in the log.
+    bool takeImagesIntoMemory();
     // From the click info, without reading pixels; 1 when it does not say, 0 when there is no such image.
     float getBinningForImage(tag_eimagetype eType);
     // Size from the header, as it was when the dataset was opened; false when there is no such image or its header is

@@ -22,21 +22,6 @@ bool fail(const QString& strMessage)
     return false;
 }
 
-// What lies in the folder may be another map's the next time that it is looked at.
-bool takeImagesIntoMemory(CORVDataset& dataset)
-{
-    const QList<CORVImageDetails> images = dataset.imageList().images();
-    for (const CORVImageDetails& details : images) {
-        const CILImage* pImage = dataset.getCoreImage(details.imageType());
-        if (pImage == nullptr) {
-            return false; // told by the host
-        }
-        const CILImage copy(*pImage);
-        dataset.setCoreImage(details.imageType(), copy);
-    }
-    return true;
-}
-
 std::unique_ptr<CORVDataset> load(const QString& strFolder)
 {
     auto pDataset = std::make_unique<CORVDataset>();
@@ -88,7 +73,8 @@ CORVDataset* openMap(CORVSpumKyvo& engine, int nImgIndex, const OpenByHost& open
         return nullptr;
     }
     setBinning(engine.m_nBinning, *pDataset);
-    if (!takeImagesIntoMemory(*pDataset)) {
+    // What lies in the folder may be another map's the next time that it is looked at.
+    if (!pDataset->takeImagesIntoMemory()) {
         tile.dataset.reset();
         return nullptr;
     }

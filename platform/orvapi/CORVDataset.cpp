@@ -373,6 +373,18 @@ void CORVDataset::setCoreImage(tag_eimagetype eType, const CILImage& image)
     hasXRayImage = hasXRayImage || eType == IMAGETYPE_XRAY;
 }
 
+bool CORVDataset::takeImagesIntoMemory()
+{
+    const QList<CORVImageDetails> images = m_images.images();
+    for (const CORVImageDetails& details : images) {
+        if (getCoreImage(details.imageType()) == nullptr) {
+            return false;
+        }
+        m_givenImages.insert(details.imageType());
+    }
+    return true;
+}
+
 float CORVDataset::getBinningForImage(tag_eimagetype eType)
 {
     tag_eimagetype type = eType;

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "workbench/application/OpenDocuments.h"
 
-#include "host/CILImage.h"
 #include "host/CORVImageWindow.h"
 #include "host/CORVMdiSubWindow.h"
 #include "host/CORVPreference.h"
@@ -42,20 +41,6 @@ public:
 private:
     const CORVSequenceDataset* m_pSequence;
 };
-
-bool takeImagesIntoMemory(CORVDataset& dataset)
-{
-    const QList<CORVImageDetails> images = dataset.imageList().images();
-    for (const CORVImageDetails& details : images) {
-        const CILImage* pImage = dataset.getCoreImage(details.imageType());
-        if (pImage == nullptr) {
-            return false; // told by the host
-        }
-        const CILImage copy(*pImage);
-        dataset.setCoreImage(details.imageType(), copy);
-    }
-    return true;
-}
 
 } // namespace
 
@@ -141,7 +126,7 @@ OpenDocuments::Outcome<CORVDataset> OpenDocuments::openDataset(const QString& st
     if (pDataset->openMade(folder, &outcome.error, &outcome.warnings) != ESTATUS_SUCCESS) {
         return outcome;
     }
-    if (!takeImagesIntoMemory(*pDataset)) {
+    if (!pDataset->takeImagesIntoMemory()) {
         outcome.error = QStringLiteral("%1: an image cannot be read; the log tells which").arg(folder);
         return outcome;
     }

@@ -311,6 +311,32 @@ TEST_F(DatasetTest, BorrowedImagesAreKeptAtTheirAddress)
     EXPECT_EQ(width, 9);
 }
 
+TEST_F(DatasetTest, ImagesTakenIntoMemoryStayWhenTheirFilesChange)
+{
+    makeDataset({{IMAGETYPE_LUMINESCENT, &m_data}, {IMAGETYPE_PHOTOGRAPH, &m_other}});
+    ASSERT_TRUE(m_dataset.takeImagesIntoMemory());
+    ASSERT_TRUE(writeTiff(inTarget("C1/luminescent.TIF"), flatImage(6, 4, 500.0), TiffWriteOptions(), nullptr));
+    CILImage out;
+    ASSERT_EQ(m_dataset.getCalibratedLuminImage(DISPLAYUNIT_COUNTS, &out, "test"), ESTATUS_SUCCESS);
+    EXPECT_FLOAT_EQ(static_cast<float>(out.value(0)), 40.0F);
+    // They are written from memory, in their own pixel types.
+    const QString copy = m_home.filePath("copy");
+    ASSERT_EQ(m_dataset.saveDatasetAs(copy), ESTATUS_SUCCESS);
+    CORVDataset again;
+    ASSERT_EQ(again.open(copy, &m_strError), ESTATUS_SUCCESS) << m_strError.toStdString();
+    const CILImage* pImage = again.getCoreImage(IMAGETYPE_LUMINESCENT);
+    ASSERT_NE(pImage, nullptr);
+    EXPECT_EQ(pImage->value(0), 340.0);
+    EXPECT_EQ(pImage->dataType(), ORVTYPE_USHORT);
+}
+
+TEST_F(DatasetTest, AnImageThatCannotBeReadIsNotTakenIntoMemory)
+{
+    makeDataset({{IMAGETYPE_LUMINESCENT, &m_data}, {IMAGETYPE_PHOTOGRAPH, &m_other}});
+    ASSERT_TRUE(QFile::remove(inTarget("C1/luminescent.TIF")));
+    EXPECT_FALSE(m_dataset.takeImagesIntoMemory());
+}
+
 TEST_F(DatasetTest, LoadedClickInfoIsKnownByItsPath)
 {
     makeDataset({{IMAGETYPE_LUMINESCENT, &m_data}});
