@@ -31,6 +31,7 @@
 #include <QScreen>
 #include <QShowEvent>
 #include <QStackedWidget>
+#include <QStatusTipEvent>
 
 namespace {
 
@@ -119,6 +120,9 @@ void MainWindow::connectDocuments()
     connect(m_pDocuments, &OpenDocuments::currentChanged, this, &MainWindow::updateActions);
     connect(m_pDocuments, &OpenDocuments::tabChanged, this, &MainWindow::updateActions);
     connect(m_pDocuments, &OpenDocuments::readOut, m_pStatus, &StatusLine::showReadOut);
+    // A view that goes, or comes behind another, is not told that the pointer has left it.
+    connect(m_pDocuments, &OpenDocuments::currentChanged, m_pStatus, [this] { m_pStatus->showReadOut(QString()); });
+    connect(m_pDocuments, &OpenDocuments::tabChanged, m_pStatus, [this] { m_pStatus->showReadOut(QString()); });
     connect(m_pFeed, &LogFeed::arrived, this, &MainWindow::takeRecords);
     connect(m_pLock, &RunLock::changed, this, &MainWindow::updateActions);
     connect(m_pLock, &RunLock::focusMissing, this, &MainWindow::focusWork);
@@ -197,6 +201,16 @@ void MainWindow::takeUsualPlace()
         setWindowState(windowState() | Qt::WindowMaximized);
     }
     m_bUsualPlace = true;
+}
+
+bool MainWindow::event(QEvent* pEvent)
+{
+    // The views of a tool tell in this way what lies below the pointer, with an empty text when it lies nowhere.
+    if (pEvent->type() == QEvent::StatusTip && m_pStatus != nullptr) {
+        m_pStatus->showReadOut(static_cast<QStatusTipEvent*>(pEvent)->tip());
+        return true;
+    }
+    return QMainWindow::event(pEvent);
 }
 
 void MainWindow::showEvent(QShowEvent* pEvent)

@@ -53,6 +53,7 @@ public:
     const MainActions& actions() const { return *m_pActions; }
 
 protected:
+    bool event(QEvent* pEvent) override;
     void showEvent(QShowEvent* pEvent) override;
     void closeEvent(QCloseEvent* pEvent) override;
     void dragEnterEvent(QDragEnterEvent* pEvent) override;

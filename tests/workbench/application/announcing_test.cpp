@@ -8,6 +8,7 @@
 #include <QLabel>
 #include <QPixmap>
 #include <QPushButton>
+#include <QStatusTipEvent>
 #include <QTabWidget>
 
 namespace {
@@ -160,6 +161,31 @@ TEST_F(AnnouncingTest, PrintGivesWayToAToolbarWithAButtonOfItsOwn)
     pWindow->removeTabWidget("Unmixing");
     settle();
     EXPECT_EQ(pPrint->shortcut(), QKeySequence("Ctrl+P"));
+}
+
+// What lies below the pointer in a view of the tool.
+TEST_F(AnnouncingTest, WhatAViewOfTheToolTellsIsReadAtTheLowerEdge)
+{
+    m_pWindow->open(mouse());
+    auto* pWindow = m_pWindow->documents().currentSequenceWindow();
+    QWidget tab;
+    auto* pView = new QWidget(&tab);
+    pWindow->addTabWidget(&tab, nullptr, nullptr, QIcon(), "Unmixing", -1, true);
+    const auto tell = [pView](const QString& strText) {
+        QStatusTipEvent tip(strText);
+        QApplication::sendEvent(pView, &tip);
+    };
+    const auto* pReadOut = find<QLabel>("readOut");
+    tell("x 3, y 4, 17.5 counts");
+    EXPECT_EQ(pReadOut->text(), "x 3, y 4, 17.5 counts");
+    EXPECT_TRUE(find("statusText")->isVisible()); // in place
+    tell(QString());
+    EXPECT_EQ(pReadOut->text(), "");
+    // A view that leaves the front can't tell it any more.
+    tell("x 3, y 4, 17.5 counts");
+    pWindow->setActiveTab("Sequence View");
+    EXPECT_EQ(pReadOut->text(), "");
+    pWindow->removeTabWidget("Unmixing");
 }
 
 PaletteFacts inFront(int nImages, bool bAnalysable, const QString& strTab = "Sequence View")
