@@ -48,6 +48,7 @@ MainActions::MainActions(QMainWindow& window)
     recentMenu = pFile->addMenu(tr("&Recent sequences"));
     recentMenu->setObjectName(QStringLiteral("recentMenu"));
     pFile->addSeparator();
+    saveImage = make(window, pFile, "saveImageAction", "&Save the image ...", QKeySequence::Save);
     close = make(window, pFile, "closeAction", "&Close", ctrl + Qt::Key_W);
     closeAll = make(window, pFile, "closeAllAction", "Close &all", ctrl + shift + Qt::Key_W);
     pFile->addSeparator();

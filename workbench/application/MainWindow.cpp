@@ -18,6 +18,7 @@
 #include "workbench/application/StartPage.h"
 #include "workbench/application/StatusLine.h"
 #include "workbench/application/WorkbenchOptions.h"
+#include "workbench/application/datasetKeeper.h"
 #include "workbench/application/pluginFile.h"
 #include "workbench/application/recentPaths.h"
 #include "workbench/application/settingNames.h"
@@ -48,7 +49,7 @@ MainWindow::MainWindow(const WorkbenchOptions& options)
     setAcceptDrops(true);
     setDockOptions(AnimatedDocks | AllowTabbedDocks | AllowNestedDocks);
     CORVChildWindow::setMainWindow(this);
-    makeParts(options);
+    makeParts();
     arrangeParts();
     connectDocuments();
     connectPlugin();
@@ -72,7 +73,7 @@ MainWindow::~MainWindow()
     CORVChildWindow::setMainWindow(nullptr);
 }
 
-void MainWindow::makeParts(const WorkbenchOptions&)
+void MainWindow::makeParts()
 {
     m_pActions = std::make_unique<MainActions>(*this);
     m_pProcesses = new ProcessWatch(this);
@@ -148,7 +149,9 @@ void MainWindow::connectFileActions()
     connect(actions.import, &QAction::triggered, this, [this] { importImages({}); });
     connect(actions.simulate, &QAction::triggered, this, &MainWindow::simulate);
     connect(actions.close, &QAction::triggered, this, [this] { m_pDocuments->closeCurrent(); });
-    connect(actions.closeAll, &QAction::triggered, this, [this] { m_pDocuments->closeAll(); });
+    connect(actions.closeAll, &QAction::triggered, this, &MainWindow::closeAll);
+    connect(actions.saveImage, &QAction::triggered, this,
+            [this] { datasetKeeper::save(this, *m_pDocuments->currentDataset()); });
     connect(actions.print, &QAction::triggered, this, [this] { printPicture(false); });
     connect(actions.preview, &QAction::triggered, this, [this] { printPicture(true); });
     connect(actions.preferences, &QAction::triggered, this, &MainWindow::showPreferences);

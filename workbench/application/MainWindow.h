@@ -60,7 +60,7 @@ protected:
     void dropEvent(QDropEvent* pEvent) override;
 
 private:
-    void makeParts(const WorkbenchOptions& options);
+    void makeParts();
     void arrangeParts();
     void connectDocuments();
     void connectPlugin();
@@ -99,6 +99,7 @@ private:
     // Asks before a window closes; ends what runs first, and closes then.
     bool mayClose(CORVChildWindow* pWindow);
     bool asksToAbort(const QString& strQuestion);
+    bool closeAll();
     void closeAfterRun();
 
     std::unique_ptr<MainActions> m_pActions;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What the main window opens and closes.
 #include "host/CORVFileDialog.h"
+#include "host/CORVImageWindow.h"
 #include "host/CORVLog.h"
 #include "host/CORVMessageBox.h"
 #include "host/CORVPreference.h"
@@ -21,6 +22,7 @@
 #include "workbench/application/RunLock.h"
 #include "workbench/application/SimulateDialog.h"
 #include "workbench/application/StartPage.h"
+#include "workbench/application/datasetKeeper.h"
 #include "workbench/application/literalToolTip.h"
 #include "workbench/application/openable.h"
 #include "workbench/application/pluginFile.h"
@@ -277,6 +279,9 @@ bool MainWindow::mayClose(CORVChildWindow* pWindow)
         }
         return false;
     }
+    if (const auto* pImageWindow = qobject_cast<CORVImageWindow*>(pWindow)) {
+        return datasetKeeper::mayClose(this, *pImageWindow->dataset());
+    }
     const auto* pSequenceWindow = qobject_cast<CORVSequenceWindow*>(pWindow);
     const bool bTold = pSequenceWindow != nullptr && pSequenceWindow->sequence() == m_pPalette->told();
     return !bTold || m_pPlugin->askToSave();
@@ -299,6 +304,17 @@ void MainWindow::closeAfterRun()
             pWindow->close();
         }
     }
+}
+
+// A "No to All" counts until the last window was asked about.
+bool MainWindow::closeAll()
+{
+    CORVUtilityFns::setCloseAllClicked(true);
+    CORVUtilityFns::setNoToAllClicked(false);
+    const bool bClosed = m_pDocuments->closeAll();
+    CORVUtilityFns::setCloseAllClicked(false);
+    CORVUtilityFns::setNoToAllClicked(false);
+    return bClosed;
 }
 
 void MainWindow::closeEvent(QCloseEvent* pEvent)
@@ -325,12 +341,7 @@ void MainWindow::closeEvent(QCloseEvent* pEvent)
     CORVSettings& settings = *CORVPreference::getSettings();
     windowPlaces::save(settings, *this);
     m_pLogDock->save(settings);
-    CORVUtilityFns::setCloseAllClicked(true);
-    CORVUtilityFns::setNoToAllClicked(false);
-    const bool bClosed = m_pDocuments->closeAll();
-    CORVUtilityFns::setCloseAllClicked(false);
-    CORVUtilityFns::setNoToAllClicked(false);
-    if (bClosed) {
+    if (closeAll()) {
         recentPaths::writeSession(settings, folders);
         pEvent->accept();
     }

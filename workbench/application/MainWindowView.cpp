@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What the main window does with what it shows.
+#include "host/CORVDataset.h"
 #include "host/CORVImageWindow.h"
 #include "host/CORVPreference.h"
 #include "host/CORVSequenceDataset.h"
@@ -81,6 +82,8 @@ void MainWindow::updateActions()
     for (QAction* pAction : {actions.nextTab, actions.previousTab}) {
         pAction->setEnabled(bFree && pSequenceWindow != nullptr && pSequenceWindow->tabWidget()->count() > 1);
     }
+    const CORVDataset* pImage = m_pDocuments->currentDataset();
+    actions.saveImage->setEnabled(bFree && pImage != nullptr && !pImage->belongsToSequence());
     // These two ask first, and end what runs.
     actions.close->setEnabled(nOpen > 0);
     actions.quit->setEnabled(true);

@@ -62,12 +62,13 @@ void PaletteControl::announce()
     // What was logged before concerns something else.
     m_parts.log.flush();
     m_strComplaint.clear();
-    m_pTold = m_parts.documents.currentSequence();
-    if (CORVDataset* pDataset = m_parts.documents.currentDataset()) {
-        m_pTold = pDataset->sequence();
+    CORVDataset* pDataset = m_parts.documents.currentDataset();
+    CORVSequenceDataset* pSequence = pDataset != nullptr ? pDataset->sequence() : m_parts.documents.currentSequence();
+    m_pTold = pSequence != nullptr ? pSequence : m_pTold;
+    if (pDataset != nullptr) {
         m_parts.plugin.tellDataset(pDataset);
     } else {
-        m_parts.plugin.tellSequence(m_pTold);
+        m_parts.plugin.tellSequence(pSequence);
     }
     m_parts.log.flush();
     arrange();

@@ -41,7 +41,8 @@ public:
     void takeUp();
     // Tells the plug-in what is in front.
     void announce();
-    // The sequence that the plug-in was told last.
+    // The sequence that the plug-in was told last: its result is the one that is at stake, also while a map is in
+    // front.
     CORVSequenceDataset* told() const { return m_pTold; }
 
 private:

@@ -45,6 +45,7 @@ QString guide()
         "<table cellspacing=\"6\">"
         "<tr><td>Ctrl+O</td><td>open a sequence</td></tr>"
         "<tr><td>Ctrl+I</td><td>import images</td></tr>"
+        "<tr><td>Ctrl+S</td><td>save the map in front as an image by itself</td></tr>"
         "<tr><td>Ctrl+W</td><td>close the window in front</td></tr>"
         "<tr><td>Ctrl+F6, Ctrl+Shift+F6</td><td>next and previous window</td></tr>"
         "<tr><td>Ctrl+Page Down, Ctrl+Page Up</td><td>next and previous tab</td></tr>"

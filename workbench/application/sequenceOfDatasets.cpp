@@ -5,6 +5,7 @@
 #include "host/CORVSequenceDataset.h"
 #include "host/CPLSection.h"
 #include "platform/orvapi/SequenceWriter.h"
+#include "workbench/application/freePlace.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -102,9 +103,5 @@ QString proposedPlace(const QStringList& clickInfos, const QString& strFolder)
     if (pSource != nullptr && !pSource->getSequenceInfoPath().isEmpty()) {
         base = QDir::cleanPath(pSource->getSequenceInfoPath()) + QLatin1String("-unmixed");
     }
-    QString place = base;
-    for (int i = 2; QFileInfo::exists(place); ++i) {
-        place = QStringLiteral("%1-%2").arg(base).arg(i);
-    }
-    return place;
+    return freePlace(base);
 }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "workbench/application/simulateCall.h"
 
+#include "workbench/application/freePlace.h"
+
 #include <QCoreApplication>
 #include <QDir>
 
@@ -41,14 +43,9 @@ QStringList arguments(const QString& strFolder, const QString& strKind, int nSiz
 
 QString freeFolder(const QString& strParent, const QString& strKind)
 {
-    const QDir parent(strParent);
-    const QString base =
+    const QString name =
         strKind == QLatin1String("epi") ? QStringLiteral("mouse") : QStringLiteral("mouse-%1").arg(strKind);
-    QString name = base;
-    for (int i = 2; parent.exists(name); ++i) {
-        name = QStringLiteral("%1-%2").arg(base).arg(i);
-    }
-    return parent.absoluteFilePath(name);
+    return freePlace(QDir(strParent).absoluteFilePath(name));
 }
 
 QString complaint(const QByteArray& errorOutput)
