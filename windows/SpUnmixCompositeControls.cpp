@@ -81,78 +81,79 @@ void SpUnmixCompositeWnd::setBrightness(double dPercent)
     m_pBrightnessSpinBox->setValue(dPercent);
 }
 
-void SpUnmixCompositeWnd::onChangeLowerSpan(int nValue)
+// An end of the slider goes to its spin box and to the channel.
+void SpUnmixCompositeWnd::takeSpan(int nValue, QDoubleSpinBoxEx& box, double CompositeChannel::*pFraction)
 {
     CompositeChannel* pChannel = currentChannel();
     if (pChannel == nullptr) {
         return;
     }
-    const QSignalBlocker blocker(m_pMinSpinBox);
-    m_pMinSpinBox->setValue(valueOfSlider(currentRange(), nValue));
-    pChannel->minFraction = nValue / kPercent;
+    const QSignalBlocker blocker(&box);
+    box.setValue(valueOfSlider(currentRange(), nValue));
+    pChannel->*pFraction = nValue / kPercent;
     updateComposite();
+}
+
+void SpUnmixCompositeWnd::onChangeLowerSpan(int nValue)
+{
+    takeSpan(nValue, *m_pMinSpinBox, &CompositeChannel::minFraction);
 }
 
 void SpUnmixCompositeWnd::onChangeUpperSpan(int nValue)
 {
+    takeSpan(nValue, *m_pMaxSpinBox, &CompositeChannel::maxFraction);
+}
+
+// A number goes to its end of the slider and, not rounded to that, to the channel.
+void SpUnmixCompositeWnd::takeNumber(double dValue, void (QSpanSlider::*setEnd)(int),
+                                     double CompositeChannel::*pFraction)
+{
     CompositeChannel* pChannel = currentChannel();
-    if (pChannel == nullptr) {
+    const auto fraction = pChannel != nullptr ? fractionOfValue(currentRange(), dValue) : std::nullopt;
+    if (!fraction) {
         return;
     }
-    const QSignalBlocker blocker(m_pMaxSpinBox);
-    m_pMaxSpinBox->setValue(valueOfSlider(currentRange(), nValue));
-    pChannel->maxFraction = nValue / kPercent;
+    const QSignalBlocker blocker(m_pDataSpanSlider);
+    (m_pDataSpanSlider->*setEnd)(sliderOfValue(currentRange(), dValue));
+    pChannel->*pFraction = *fraction;
     updateComposite();
 }
 
 void SpUnmixCompositeWnd::onMinSpinBoxChanged(double dValue)
 {
-    CompositeChannel* pChannel = currentChannel();
-    const auto fraction = pChannel != nullptr ? fractionOfValue(currentRange(), dValue) : std::nullopt;
-    if (!fraction) {
-        return;
-    }
-    const QSignalBlocker blocker(m_pDataSpanSlider);
-    m_pDataSpanSlider->setLowerValue(sliderOfValue(currentRange(), dValue));
-    pChannel->minFraction = *fraction;
-    updateComposite();
+    takeNumber(dValue, &QSpanSlider::setLowerValue, &CompositeChannel::minFraction);
 }
 
 void SpUnmixCompositeWnd::onMaxSpinBoxChanged(double dValue)
 {
-    CompositeChannel* pChannel = currentChannel();
-    const auto fraction = pChannel != nullptr ? fractionOfValue(currentRange(), dValue) : std::nullopt;
-    if (!fraction) {
-        return;
-    }
-    const QSignalBlocker blocker(m_pDataSpanSlider);
-    m_pDataSpanSlider->setUpperValue(sliderOfValue(currentRange(), dValue));
-    pChannel->maxFraction = *fraction;
-    updateComposite();
+    takeNumber(dValue, &QSpanSlider::setUpperValue, &CompositeChannel::maxFraction);
 }
 
+void SpUnmixCompositeWnd::takeBrightness(double dPercent)
+{
+    if (CompositeChannel* pChannel = currentChannel()) {
+        pChannel->brightness = dPercent / kPercent;
+        updateComposite();
+    }
+}
+
+// Each shows its number in the other alone: one that is being typed is left as it is.
 void SpUnmixCompositeWnd::onBrightnessChanged(double dValue)
 {
-    CompositeChannel* pChannel = currentChannel();
-    if (pChannel == nullptr) {
-        return;
+    {
+        const QSignalBlocker blocker(m_pBrightnessSlider);
+        m_pBrightnessSlider->setValue(qRound(dValue));
     }
-    const QSignalBlocker blocker(m_pBrightnessSlider);
-    m_pBrightnessSlider->setValue(qRound(dValue));
-    pChannel->brightness = dValue / kPercent;
-    updateComposite();
+    takeBrightness(dValue);
 }
 
 void SpUnmixCompositeWnd::onBrightnessSliderChanged(int nValue)
 {
-    CompositeChannel* pChannel = currentChannel();
-    if (pChannel == nullptr) {
-        return;
+    {
+        const QSignalBlocker blocker(m_pBrightnessSpinBox);
+        m_pBrightnessSpinBox->setValue(nValue);
     }
-    const QSignalBlocker blocker(m_pBrightnessSpinBox);
-    m_pBrightnessSpinBox->setValue(nValue);
-    pChannel->brightness = nValue / kPercent;
-    updateComposite();
+    takeBrightness(nValue);
 }
 
 void SpUnmixCompositeWnd::onToggleLogScale(bool bValue)

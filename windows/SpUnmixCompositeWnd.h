@@ -139,6 +139,9 @@ private:
     CompositeChannel* currentChannel() const;
     const QPair<double, double>& currentRange() const;
     void setBrightness(double dPercent);
+    void takeBrightness(double dPercent);
+    void takeSpan(int nValue, QDoubleSpinBoxEx& box, double CompositeChannel::*pFraction);
+    void takeNumber(double dValue, void (QSpanSlider::*setEnd)(int), double CompositeChannel::*pFraction);
 
     QActionGroup* m_pBackgrounds = nullptr;
     QTimer* m_pWhenIdle = nullptr;

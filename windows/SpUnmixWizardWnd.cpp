@@ -11,6 +11,7 @@
 #include "windows/componentCount.h"
 #include "windows/halfLife.h"
 #include "windows/probeOffer.h"
+#include "windows/widgets/isotopeControls.h"
 #include "windows/wizardLook.h"
 
 #include <QAbstractButton>
@@ -207,13 +208,8 @@ bool SpUnmixWizardWnd::validateCurrentPage()
 void SpUnmixWizardWnd::setSequenceID(const QString& strSequenceID)
 {
     m_strSequenceID = strSequenceID;
-    const CORVSequenceDataset* pSequence = CORVSequenceDataset::getSequenceDataset(strSequenceID);
-    QString strIsotope;
-    m_bCherenkovPresent = pSequence != nullptr && pSequence->isCherenkovIsotopeInData(strIsotope);
-    m_pCherenkovGroupBox->setVisible(m_bCherenkovPresent);
-    if (m_bCherenkovPresent) {
-        m_pCherenkovIsotopeCombobox->setCurrentIndex(m_isotopeNames.indexOf(strIsotope));
-    }
+    m_bCherenkovPresent =
+        showIsotopeOf(strSequenceID, m_isotopeNames, *m_pCherenkovGroupBox, *m_pCherenkovIsotopeCombobox);
 }
 
 void SpUnmixWizardWnd::setAnalysisType(int nType)
@@ -328,12 +324,7 @@ void SpUnmixWizardWnd::onIsotopeComboboxSelectionChanged(int currentSelectedInde
         return;
     }
     const QString strIsotope = m_pCherenkovIsotopeCombobox->itemText(currentSelectedIndex);
-    const double dSeconds = CORVDatabase::getCherenkovRADHalflife(strIsotope);
-    const bool bUndefined = strIsotope == QLatin1String("Undefined");
-    m_pCherenkovHalfLifeEditBox->setEnabled(bUndefined);
-    if (!bUndefined) {
-        m_pCherenkovHalfLifeEditBox->setText(halfLifeText(dSeconds));
-    }
+    showHalfLifeOf(strIsotope, *m_pCherenkovHalfLifeEditBox);
     m_strIsotope = strIsotope;
 }
 

@@ -3,39 +3,27 @@
 #include "windows/SpumKyvoConsoleWnd.h"
 
 #include "engine/CImageCube.h"
-#include "host/CORVDatabase.h"
 #include "host/CORVLog.h"
 #include "host/CORVPaintQImageView.h"
 #include "host/CORVSequenceDataset.h"
 #include "spectra/logLine.h"
 #include "windows/halfLife.h"
+#include "windows/widgets/isotopeControls.h"
 
 #include <QSignalBlocker>
-
-namespace {
-
-// The isotope whose half life the user states.
-const char* const kUndefinedIsotope = "Undefined";
-
-} // namespace
 
 void SpumKyvoConsoleWnd::setSequenceID(const QString& strSequenceID)
 {
     m_strSequenceID = strSequenceID;
-    const CORVSequenceDataset* pSequence = CORVSequenceDataset::getSequenceDataset(strSequenceID);
-    QString isotope;
-    m_bCherenkovPresent = pSequence != nullptr && pSequence->isCherenkovIsotopeInData(isotope);
-    m_pCherenkovGroupBox->setVisible(m_bCherenkovPresent);
-    if (m_bCherenkovPresent) {
-        m_pCherenkovIsotopeCombobox->setCurrentIndex(m_isotopeNames.indexOf(isotope));
-    }
+    m_bCherenkovPresent =
+        showIsotopeOf(strSequenceID, m_isotopeNames, *m_pCherenkovGroupBox, *m_pCherenkovIsotopeCombobox);
 }
 
 void SpumKyvoConsoleWnd::setDecayState(const QString& strIsotope, double dHalfLifeSeconds, bool bApply)
 {
     // The isotope sets the half life, and a change of that takes the correction back.
     m_pCherenkovIsotopeCombobox->setCurrentIndex(m_isotopeNames.indexOf(strIsotope));
-    if (strIsotope == QLatin1String(kUndefinedIsotope)) {
+    if (isUndefinedIsotope(strIsotope)) {
         m_pCherenkovHalfLifeEditBox->setText(halfLifeText(dHalfLifeSeconds));
     }
     m_pApplyCherenkovDecayCorrectionCkb->setChecked(bApply);
@@ -47,11 +35,7 @@ void SpumKyvoConsoleWnd::onIsotopeComboboxSelectionChanged(int nIndex)
         return;
     }
     m_strIsotope = m_pCherenkovIsotopeCombobox->itemText(nIndex);
-    const bool bUndefined = m_strIsotope == QLatin1String(kUndefinedIsotope);
-    m_pCherenkovHalfLifeEditBox->setEnabled(bUndefined);
-    if (!bUndefined) {
-        m_pCherenkovHalfLifeEditBox->setText(halfLifeText(CORVDatabase::getCherenkovRADHalflife(m_strIsotope)));
-    }
+    showHalfLifeOf(m_strIsotope, *m_pCherenkovHalfLifeEditBox);
 }
 
 void SpumKyvoConsoleWnd::onHalfLifeEditBoxChanged(QString strHalfLife)

@@ -23,18 +23,11 @@ int truncated(double dValue)
     return std::isnan(dValue) ? 0 : static_cast<int>(std::clamp(dValue, -kLimit, kLimit));
 }
 
-// Relative luminance by those guidelines.
+// Relative luminance by the guidelines for contrast.
 double luminance(const QColor& color)
 {
     const auto linear = [](double c) { return c <= 0.03928 ? c / 12.92 : std::pow((c + 0.055) / 1.055, 2.4); };
     return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
-}
-
-double contrast(const QColor& a, const QColor& b)
-{
-    const double la = luminance(a);
-    const double lb = luminance(b);
-    return (std::max(la, lb) + 0.05) / (std::min(la, lb) + 0.05);
 }
 
 QColor mixed(const QColor& color, const QColor& ink, double dInk)
@@ -92,6 +85,13 @@ QString colorButtonStyle(const QColor& color)
         .arg(color.red())
         .arg(color.green())
         .arg(color.blue());
+}
+
+double contrast(const QColor& a, const QColor& b)
+{
+    const double la = luminance(a);
+    const double lb = luminance(b);
+    return (std::max(la, lb) + 0.05) / (std::min(la, lb) + 0.05);
 }
 
 QColor legibleColor(const QColor& color, const QColor& paper)

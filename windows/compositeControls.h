@@ -29,6 +29,9 @@ double spinStep(const DataRange& range);
 
 QString colorButtonStyle(const QColor& color);
 
-// The colour, or, where it could hardly be read on the paper, one between it and black or white that can be (a contrast
-// of 3 to 1 as in the Web Content Accessibility Guidelines 2.1, 1.4.3 for large text).
+// From 1 to 21, by the Web Content Accessibility Guidelines 2.1, 1.4.3, which ask for 3 for large or bold text.
+double contrast(const QColor& a, const QColor& b);
+
+// The colour, or, where it could hardly be read on the paper, one between it and black or white that can be: with a
+// contrast of 3.
 QColor legibleColor(const QColor& color, const QColor& paper);

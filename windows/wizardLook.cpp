@@ -3,29 +3,19 @@
 
 namespace {
 
-WizardLook spectralLook(int nImages)
+WizardLook spectralLook(int nImages, bool bFluorescent)
 {
     WizardLook look;
     look.pointInfo = QStringLiteral("%1 wavelength pairs selected").arg(nImages);
     look.groupTitle = QStringLiteral("Probe Information");
-    return look;
-}
-
-WizardLook luminescentLook(int nImages)
-{
-    WizardLook look = spectralLook(nImages);
-    look.tissueText = QStringLiteral("Tissue Autobioluminescence");
-    look.foodShown = false;
-    look.foodChecked = false;
-    return look;
-}
-
-WizardLook fluorescentLook(int nImages)
-{
-    WizardLook look = spectralLook(nImages);
-    look.tissueText = QStringLiteral("Tissue Autofluorescence");
-    look.foodShown = true;
-    look.tissueChecked = true;
+    look.tissueText =
+        bFluorescent ? QStringLiteral("Tissue Autofluorescence") : QStringLiteral("Tissue Autobioluminescence");
+    look.foodShown = bFluorescent;
+    if (bFluorescent) {
+        look.tissueChecked = true;
+    } else {
+        look.foodChecked = false;
+    }
     return look;
 }
 
@@ -48,10 +38,10 @@ std::optional<WizardLook> wizardLook(int nAnalysisType, int nImages)
 {
     switch (nAnalysisType) {
     case 0:
-        return luminescentLook(nImages);
+        return spectralLook(nImages, false);
     case 1:
     case 2:
-        return fluorescentLook(nImages);
+        return spectralLook(nImages, true);
     case 3:
         return temporalLook(nImages);
     default:

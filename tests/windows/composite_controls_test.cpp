@@ -65,20 +65,22 @@ TEST(CompositeControlsTest, TheButtonTakesTheColor)
     EXPECT_EQ(colorButtonStyle(QColor(1, 20, 255)), "QPushButton{ background-color: rgb(1,20,255) }");
 }
 
-double luminance(const QColor& color)
+// Figures that calculators of the guidelines show, to two digits.
+TEST(ContrastTest, IsThatOfTheGuidelines)
 {
-    const auto linear = [](double c) { return c <= 0.03928 ? c / 12.92 : std::pow((c + 0.055) / 1.055, 2.4); };
-    return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
+    EXPECT_NEAR(contrast(Qt::black, Qt::white), 21.0, 0.005);
+    EXPECT_NEAR(contrast(Qt::white, Qt::black), 21.0, 0.005);
+    EXPECT_NEAR(contrast(QColor("#777777"), Qt::white), 4.48, 0.005);
+    EXPECT_NEAR(contrast(Qt::red, Qt::white), 4.00, 0.005);
+    EXPECT_NEAR(contrast(Qt::blue, Qt::white), 8.59, 0.005);
+    EXPECT_EQ(contrast(Qt::red, Qt::red), 1.0);
 }
 
 TEST(CompositeControlsTest, EveryDefaultColorCanBeRead)
 {
     for (const QColor& paper : {QColor(Qt::white), QColor(30, 30, 34), QColor(Qt::black), QColor(239, 239, 239)}) {
         for (const QString& strName : defaultSpectrumColors()) {
-            const QColor ink = legibleColor(QColor(strName), paper);
-            const double a = luminance(ink) + 0.05;
-            const double b = luminance(paper) + 0.05;
-            EXPECT_GE(std::max(a, b) / std::min(a, b), 3.0) << qPrintable(strName);
+            EXPECT_GE(contrast(legibleColor(QColor(strName), paper), paper), 3.0) << qPrintable(strName);
         }
     }
     EXPECT_EQ(legibleColor(QColor(Qt::red), QColor(Qt::white)), QColor(Qt::red));

@@ -48,6 +48,14 @@ protected:
         fill(nUnit);
         screen::show(m_window);
     }
+    // The X-ray image is constant but for a brighter pixel at the upper left.
+    void fillAndShowWithXRay()
+    {
+        m_xray.setValue(0, 20.0);
+        m_xray.RefreshImageStats();
+        fillAndShow();
+        m_window.setXRayImage(&m_xray);
+    }
     QListWidgetItem* item(int nRow) const { return m_window.m_pImageList->item(nRow); }
     void select(int nRow) { m_window.m_pImageList->setCurrentRow(nRow); }
     void check(int nRow, bool bOn) { item(nRow)->setCheckState(bOn ? Qt::Checked : Qt::Unchecked); }
@@ -59,6 +67,7 @@ protected:
     }
 
     CILImage m_photo = constantImage(480, 480, 50.0);
+    CILImage m_xray = constantImage(480, 480, 10.0);
     XTNT::Matrix<double> m_maps = mapsOf({{0.0, 40.0, 60.0, 100.0}, {10.0, 6.0, 4.0, 0.0}});
     SpUnmixCompositeWnd m_window;
 };

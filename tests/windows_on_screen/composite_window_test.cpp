@@ -122,11 +122,7 @@ TEST_F(CompositeWindowTest, WithoutAnXRayThePhotographIsTheOnlyChoice)
 // The picture follows with the next change of a control.
 TEST_F(CompositeWindowTest, AnotherBackgroundShowsWithTheNextChange)
 {
-    CILImage xray = constantImage(480, 480, 10.0);
-    xray.setValue(0, 20.0);
-    xray.RefreshImageStats();
-    fillAndShow();
-    m_window.setXRayImage(&xray);
+    fillAndShowWithXRay();
     const QList<QAction*> actions = m_window.m_pSetBackgroundTB->menu()->actions();
     ASSERT_EQ(actions.size(), 2);
     const QImage before = m_window.getCompositeImage();
@@ -156,11 +152,7 @@ TEST_F(CompositeWindowTest, AnotherBackgroundShowsWithTheNextChange)
 
 TEST_F(CompositeWindowTest, TheTabShowsAnotherBackgroundWhenItIsSelected)
 {
-    CILImage xray = constantImage(480, 480, 10.0);
-    xray.setValue(0, 20.0);
-    xray.RefreshImageStats();
-    fillAndShow();
-    m_window.setXRayImage(&xray);
+    fillAndShowWithXRay();
     const QImage before = m_window.getCompositeImage();
     m_window.m_pSetBackgroundTB->click();
     m_window.onTabSelected("Unmixing");

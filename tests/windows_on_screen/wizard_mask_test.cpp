@@ -3,6 +3,7 @@
 #include "windows_on_screen/WizardFixture.h"
 
 #include "engine/LogCapture.h"
+#include "support/maskBounds.h"
 #include "support/pointer.h"
 
 #include "windows/maskPixels.h"
@@ -13,20 +14,6 @@
 #include <algorithm>
 
 namespace {
-
-// The pixels of a mask that are inside, as a rectangle around them; empty without any.
-QRect boundsOf(const CILImage& mask)
-{
-    QRect around;
-    for (long y = 0; y < mask.m_lHeight; ++y) {
-        for (long x = 0; x < mask.m_lWidth; ++x) {
-            if (mask.bytes()[y * mask.m_lWidth + x] != 0) {
-                around |= QRect(static_cast<int>(x), static_cast<int>(y), 1, 1);
-            }
-        }
-    }
-    return around;
-}
 
 class WizardMaskTest : public WizardTest
 {
@@ -47,7 +34,7 @@ protected:
         pointer::drag(*m_wizard.m_pImageView, at(dX1, dY1), at(dX2, dY2));
     }
     // Of the photograph's pixels, so many from the left and so on; counts as drawn with whole view pixels.
-    QRect drawn() const { return boundsOf(*m_wizard.m_pMaskImage); }
+    QRect drawn() const { return maskBounds(*m_wizard.m_pMaskImage); }
     std::size_t pixels() const { return countMaskPixels(*m_wizard.m_pMaskImage); }
     std::size_t pixelsAt(int nThreshold)
     {
@@ -159,6 +146,14 @@ std::ostream& operator<<(std::ostream& out, const ViewCase& c)
 class DrawnOnScreenTest : public WizardMaskTest, public ::testing::WithParamInterface<ViewCase>
 {
 protected:
+    // A window of the size of the case over a photograph of that of the case.
+    void openCase()
+    {
+        m_photo = bodyPhoto(GetParam().width, GetParam().height);
+        openToDraw(m_photo);
+        m_wizard.resize(GetParam().window);
+        QApplication::processEvents();
+    }
     // A rectangle by parts of the picture must cover those of the photograph, but for what rounding to view pixels and
     // the strict bounds take: two pixels of the photograph and two of the view on each side.
     void expectCovers(double dX1, double dY1, double dX2, double dY2, const char* what)
@@ -178,11 +173,7 @@ protected:
 
 TEST_P(DrawnOnScreenTest, ARectangleCoversWhatLiesUnderIt)
 {
-    const ViewCase& c = GetParam();
-    CILImage photo = bodyPhoto(c.width, c.height);
-    openToDraw(photo);
-    m_wizard.resize(c.window);
-    QApplication::processEvents();
+    openCase();
     struct Part
     {
         const char* what;
@@ -200,16 +191,12 @@ TEST_P(DrawnOnScreenTest, ARectangleCoversWhatLiesUnderIt)
     }
     QTest::keyClick(m_wizard.m_pImageView, Qt::Key_Delete);
     draw(0.05, 0.05, 0.4, 0.3);
-    screen::keep(screen::grab(m_wizard), (std::string("wizard_drawn_") + c.name).c_str());
+    screen::keep(screen::grab(m_wizard), (std::string("wizard_drawn_") + GetParam().name).c_str());
 }
 
 TEST_P(DrawnOnScreenTest, AnEllipseTouchesTheSidesOfItsRectangle)
 {
-    const ViewCase& c = GetParam();
-    CILImage photo = bodyPhoto(c.width, c.height);
-    openToDraw(photo);
-    m_wizard.resize(c.window);
-    QApplication::processEvents();
+    openCase();
     draw(0.1, 0.2, 0.7, 0.8);
     const QRect rectangle = drawn();
     const auto nRectangle = static_cast<double>(pixels());

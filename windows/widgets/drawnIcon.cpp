@@ -3,7 +3,7 @@
 
 #include <QPainter>
 #include <QPixmap>
-#include <QPolygonF>
+#include <QVector>
 
 namespace {
 
@@ -35,29 +35,11 @@ void drawXRay(QPainter& p)
     }
 }
 
-void drawTransfer(QPainter& p)
+// A sheet with an arrow into it or out of it.
+void drawSheetAndArrow(QPainter& p, const QRectF& sheet, const QPointF& from, const QPointF& to)
 {
-    p.drawRect(QRectF(1.5, 6.5, 8.0, 8.0));
-    drawArrow(p, QPointF(14.5, 1.5), QPointF(6.0, 10.0));
-}
-
-void drawCopy(QPainter& p)
-{
-    p.drawRect(QRectF(2.5, 1.5, 8.0, 9.5));
-    p.drawRect(QRectF(5.5, 5.0, 8.0, 9.5));
-}
-
-void drawExport(QPainter& p)
-{
-    p.drawRect(QRectF(1.5, 5.5, 9.0, 9.0));
-    drawArrow(p, QPointF(6.0, 10.0), QPointF(14.5, 1.5));
-}
-
-void drawPrint(QPainter& p)
-{
-    p.drawRect(QRectF(1.5, 6.5, 13.0, 5.0));
-    p.drawRect(QRectF(4.5, 1.5, 7.0, 5.0));
-    p.drawRect(QRectF(4.5, 9.5, 7.0, 5.0));
+    p.drawRect(sheet);
+    drawArrow(p, from, to);
 }
 
 void draw(QPainter& p, DrawnIcon kind)
@@ -68,13 +50,14 @@ void draw(QPainter& p, DrawnIcon kind)
     case DrawnIcon::XRay:
         return drawXRay(p);
     case DrawnIcon::Transfer:
-        return drawTransfer(p);
+        return drawSheetAndArrow(p, QRectF(1.5, 6.5, 8.0, 8.0), QPointF(14.5, 1.5), QPointF(6.0, 10.0));
     case DrawnIcon::Copy:
-        return drawCopy(p);
+        return p.drawRects(QVector<QRectF>{QRectF(2.5, 1.5, 8.0, 9.5), QRectF(5.5, 5.0, 8.0, 9.5)});
     case DrawnIcon::Export:
-        return drawExport(p);
+        return drawSheetAndArrow(p, QRectF(1.5, 5.5, 9.0, 9.0), QPointF(6.0, 10.0), QPointF(14.5, 1.5));
     case DrawnIcon::Print:
-        return drawPrint(p);
+        return p.drawRects(
+            QVector<QRectF>{QRectF(1.5, 6.5, 13.0, 5.0), QRectF(4.5, 1.5, 7.0, 5.0), QRectF(4.5, 9.5, 7.0, 5.0)});
     }
 }
 

@@ -3,6 +3,7 @@
 #include "host/CORVSimpleImageView.h"
 #include "windows/drawnMask.h"
 
+#include "support/maskBounds.h"
 #include "support/pointer.h"
 #include "support/screen.h"
 
@@ -45,20 +46,6 @@ CILImage maskOf(const CORVSimpleImageView& view, const CILImage& photo)
     CILImage mask;
     makeDrawnMask(photo, shape, mask);
     return mask;
-}
-
-// The pixels of a mask that are inside, as a rectangle around them; empty without any.
-QRect bounds(const CILImage& mask)
-{
-    QRect around;
-    for (long y = 0; y < mask.m_lHeight; ++y) {
-        for (long x = 0; x < mask.m_lWidth; ++x) {
-            if (mask.bytes()[y * mask.m_lWidth + x] != 0) {
-                around |= QRect(static_cast<int>(x), static_cast<int>(y), 1, 1);
-            }
-        }
-    }
-    return around;
 }
 
 long count(const CILImage& mask)
@@ -111,7 +98,7 @@ protected:
 TEST_P(SimpleImageViewMaskTest, ARectangleCoversWhatItWasDrawnOver)
 {
     draw({0.1, 0.1, 0.4, 0.3});
-    expectNear(bounds(maskOf(m_view, m_photo)), QRect(12, 8, 48, 24));
+    expectNear(maskBounds(maskOf(m_view, m_photo)), QRect(12, 8, 48, 24));
 }
 
 TEST_P(SimpleImageViewMaskTest, RectanglesAlongEachEdgeAreNotLost)
@@ -123,7 +110,7 @@ TEST_P(SimpleImageViewMaskTest, RectanglesAlongEachEdgeAreNotLost)
                                        {{0.0, 0.0, 1.0, 1.0}, {0, 0, 120, 80}}}) {
         QTest::keyClick(&m_view, Qt::Key_Delete);
         draw(part);
-        expectNear(bounds(maskOf(m_view, m_photo)), pixels);
+        expectNear(maskBounds(maskOf(m_view, m_photo)), pixels);
     }
 }
 
@@ -132,7 +119,7 @@ TEST_P(SimpleImageViewMaskTest, AnEllipseCoversItsInside)
     m_view.setCropShape(true);
     draw({0.1, 0.1, 0.8, 0.8});
     const CILImage mask = maskOf(m_view, m_photo);
-    expectNear(bounds(mask), QRect(12, 8, 96, 64));
+    expectNear(maskBounds(mask), QRect(12, 8, 96, 64));
     const double area = 3.14159265 / 4.0 * 96 * 64;
     EXPECT_NEAR(static_cast<double>(count(mask)), area, 0.08 * area);
     EXPECT_EQ(mask.bytes()[10 * 120 + 14], 0) << "a corner";
@@ -338,7 +325,7 @@ TEST_F(SimpleImageViewTest, AZoomedViewReportsTheCropOverTheWholeDisplayedImage)
     pointer::drag(m_view, {0, 50}, {100, 150});
     EXPECT_EQ(crop(), at(200, 300, 300, 200));
     EXPECT_EQ(m_view.getImageRect()[2], 800.0F);
-    expectNear(bounds(maskOf(m_view, m_photo)), QRect(50, 25, 25, 25));
+    expectNear(maskBounds(maskOf(m_view, m_photo)), QRect(50, 25, 25, 25));
 }
 
 TEST_F(SimpleImageViewTest, WithTheLegendTheImageRectIsWhatItLeavesFree)
