@@ -2,6 +2,7 @@
 #include "platform/orvimage/RenderMap.h"
 #include "platform/orvimage/ColorBar.h"
 #include "platform/orvimage/PixelTypes.h"
+#include "platform/orvimage/Quantiles.h"
 
 #include <QFontMetrics>
 #include <QGuiApplication>
@@ -9,7 +10,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <vector>
 
 namespace orvimage {
 
@@ -19,30 +19,6 @@ constexpr int kWantedSide = 512;
 constexpr int kMaxSide = 16384;
 // The part of the range over which the map appears out of the photograph.
 constexpr double kFadeEnd = 0.2;
-
-std::vector<double> finiteValues(const CILImage& image)
-{
-    std::vector<double> values;
-    values.reserve(image.pixelCount());
-    visitPixels(image, [&](const auto* pixels, std::size_t n) {
-        for (std::size_t i = 0; i < n; ++i) {
-            const auto v = static_cast<double>(pixels[i]);
-            if (std::isfinite(v)) {
-                values.push_back(v);
-            }
-        }
-    });
-    return values;
-}
-
-// The value that `share` of the values lie below, at least one of which there is.
-double quantile(std::vector<double>& values, double share)
-{
-    const auto last = static_cast<double>(values.size() - 1);
-    const auto place = static_cast<std::ptrdiff_t>(std::llround(share * last));
-    std::nth_element(values.begin(), values.begin() + place, values.end());
-    return values[static_cast<std::size_t>(place)];
-}
 
 int screenScale(const CILImage& map, int wanted)
 {
@@ -128,27 +104,18 @@ QImage framed(const QImage& picture, const QString& title, int em)
 
 ValueRange robustRange(const CILImage& map)
 {
-    std::vector<double> values = finiteValues(map);
-    if (values.empty()) {
-        return {};
-    }
-    ValueRange range;
-    range.maximum = quantile(values, 1.0 - 0.0002);
-    range.minimum = std::min(0.0, quantile(values, 0.001));
+    const ValueRange found = quantileRange(map, 0.001, 1.0 - 0.0002);
+    ValueRange range{std::min(0.0, found.minimum), found.maximum};
     if (!(range.maximum > range.minimum)) {
-        range.maximum = *std::max_element(values.begin(), values.end());
+        range.maximum = finiteRange(map).maximum;
     }
     return range;
 }
 
 ValueRange quantileRange(const CILImage& image, double low, double high)
 {
-    std::vector<double> values = finiteValues(image);
-    if (values.empty()) {
-        return {};
-    }
-    const double lowest = quantile(values, low);
-    return {lowest, quantile(values, high)};
+    const std::array<double, 2> found = quantiles(image, low, high);
+    return {found[0], found[1]};
 }
 
 QImage renderMapOverPhotograph(const CILImage& map, const CILImage* photograph, const RenderMapOptions& options)
