@@ -101,7 +101,8 @@ bool DatasetImage::load(tag_eimagetype eType, tag_edisplayunit eUnit)
     *m_image.getPalette() = palette;
     m_image.AdjustRGBBrightness(0);
     m_whole = m_image.isEmpty() ? DisplayRange() : DisplayRange::whole(m_image);
-    setRange(m_image.isEmpty() ? DisplayRange() : DisplayRange::automatic(m_image));
+    m_automatic = m_image.isEmpty() ? DisplayRange() : DisplayRange::automatic(m_image);
+    setRange(m_automatic);
     return m_strError.isEmpty();
 }
 

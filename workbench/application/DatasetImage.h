@@ -43,6 +43,7 @@ public:
     const CILImage& image() const { return m_image; }
     QSize size() const { return {static_cast<int>(m_image.m_lWidth), static_cast<int>(m_image.m_lHeight)}; }
     const DisplayRange& whole() const { return m_whole; }
+    const DisplayRange& automatic() const { return m_automatic; }
 
     void setColors(int nTable, bool bReversed, bool bLogScale);
     // Table, sense, logarithm and range.
@@ -73,6 +74,7 @@ private:
     CILImage m_image;
     QString m_strError;
     DisplayRange m_whole;
+    DisplayRange m_automatic;
     DisplayRange m_range;
     CORVOverlayImage m_overlay;
     bool m_bPhotograph = false;

@@ -53,7 +53,18 @@ DatasetWindow::DatasetWindow(CORVDataset* pDataset, QWidget* pParent)
         m_pImageBox->addItem(DatasetImage::typeText(type), static_cast<int>(type));
     }
     const bool fluorescent = pDataset->sequence() != nullptr && pDataset->sequence()->isFluorescence;
-    load(IMAGETYPE_MAIN_DATA, startUnit(m_pImage->offers(), fluorescent));
+    m_idle.setInterval(0);
+    connect(&m_idle, &QTimer::timeout, this, [this] {
+        // Every other turn is left to what is to be painted.
+        m_bTurn = !m_bTurn;
+        if (!m_bTurn) {
+            doNext();
+        }
+    });
+    showTitle();
+    m_pRange->clearImage();
+    m_pView->showMessage(tr("Reading ..."));
+    begin(IMAGETYPE_MAIN_DATA, startUnit(m_pImage->offers(), fluorescent));
 }
 
 DatasetWindow::~DatasetWindow() = default;
@@ -166,7 +177,7 @@ void DatasetWindow::connectControls()
     const auto activated = QOverload<int>::of(&QComboBox::activated);
     connect(m_pImageBox, activated, this, [this] { showImage(m_pImageBox->currentData().toInt()); });
     connect(m_pUnitBox, &UnitBox::unitChosen, this,
-            [this](int nUnit) { load(m_pImage->type(), static_cast<tag_edisplayunit>(nUnit)); });
+            [this](int nUnit) { begin(m_eWanted, static_cast<tag_edisplayunit>(nUnit)); });
     connect(m_pColorBox, QOverload<int>::of(&QComboBox::currentIndexChanged), this, &DatasetWindow::takeColors);
     connect(m_pReversedBox, &QCheckBox::toggled, this, &DatasetWindow::takeColors);
     connect(m_pLogBox, &QCheckBox::toggled, this, &DatasetWindow::takeColors);
@@ -175,7 +186,7 @@ void DatasetWindow::connectControls()
         draw();
     });
     connect(m_pRange, &RangePanel::automaticWanted, this, [this] {
-        m_pImage->setRange(DisplayRange::automatic(m_pImage->image()));
+        m_pImage->setRange(m_pImage->automatic());
         m_pRange->setRange(m_pImage->range());
         draw();
     });
@@ -200,23 +211,71 @@ void DatasetWindow::takeSequenceColors()
 
 tag_edisplayunit DatasetWindow::unit() const
 {
-    return m_pImage->unit();
+    return m_eWantedUnit;
+}
+
+DatasetView* DatasetWindow::view()
+{
+    catchUp();
+    return m_pView;
+}
+
+DatasetImage& DatasetWindow::image()
+{
+    catchUp();
+    return *m_pImage;
 }
 
 void DatasetWindow::showImage(int nImage, tag_edisplayunit eUnit)
 {
     const bool had = dataset()->unitUnavailableReason(eUnit).isEmpty();
-    const tag_edisplayunit shown = had ? eUnit : m_pImage->unit();
-    if (nImage != m_pImage->type() || shown != m_pImage->unit()) {
-        load(static_cast<tag_eimagetype>(nImage), shown);
+    const tag_edisplayunit shown = had ? eUnit : m_eWantedUnit;
+    if (nImage != m_eWanted || shown != m_eWantedUnit) {
+        begin(static_cast<tag_eimagetype>(nImage), shown);
     }
 }
 
-void DatasetWindow::load(tag_eimagetype eType, tag_edisplayunit eUnit)
+void DatasetWindow::begin(tag_eimagetype eType, tag_edisplayunit eUnit)
 {
-    m_pImage->load(eType, eUnit);
+    m_eWanted = eType;
+    m_eWantedUnit = eUnit;
+    m_eNext = Step::Load;
+    m_idle.start();
+}
+
+void DatasetWindow::doNext()
+{
+    switch (m_eNext) {
+    case Step::Load:
+        m_eNext = Step::Draw;
+        load();
+        return;
+    case Step::Draw:
+        m_eNext = Step::Count;
+        draw();
+        return;
+    case Step::Count:
+        showRange();
+        [[fallthrough]];
+    case Step::None:
+        m_eNext = Step::None;
+        m_idle.stop();
+    }
+}
+
+void DatasetWindow::catchUp()
+{
+    while (m_eNext != Step::None) {
+        doNext();
+    }
+}
+
+void DatasetWindow::load()
+{
+    m_pImage->load(m_eWanted, m_eWantedUnit);
+    m_eWanted = m_pImage->type();
     m_pImageBox->setCurrentIndex(m_pImageBox->findData(static_cast<int>(m_pImage->type())));
-    m_pUnitBox->setOffers(m_pImage->offers(), eUnit);
+    m_pUnitBox->setOffers(m_pImage->offers(), m_eWantedUnit);
     // The photograph is looked at as a photograph.
     if (!m_pImage->hasUnit()) {
         m_pImage->setColors(0, false, false);
@@ -228,13 +287,16 @@ void DatasetWindow::load(tag_eimagetype eType, tag_edisplayunit eUnit)
 
 void DatasetWindow::refreshImage()
 {
+    catchUp();
     const DisplayRange range = m_pImage->range();
-    const bool same = range != DisplayRange() && range != DisplayRange::automatic(m_pImage->image());
+    const bool same = range != DisplayRange() && range != m_pImage->automatic();
     m_pImage->load(m_pImage->type(), m_pImage->unit());
     if (same) {
         m_pImage->setRange(range);
     }
     showLoaded();
+    draw();
+    showRange();
 }
 
 void DatasetWindow::showLoaded()
@@ -248,13 +310,16 @@ void DatasetWindow::showLoaded()
     m_pOverlayBox->setEnabled(m_pImage->canOverlay());
     m_pOverlayBox->setToolTip(m_pImage->canOverlay() ? QString() : tr("There is no photograph beneath this image"));
     m_pOpacitySlider->setEnabled(m_pOverlayBox->isChecked() && m_pImage->canOverlay());
-    if (grey) {
-        m_pRange->setImage(m_pImage->image(), m_pImage->whole(), m_pImage->range());
-    } else {
-        m_pRange->clearImage();
-    }
-    draw();
     showTitle();
+}
+
+void DatasetWindow::showRange()
+{
+    if (m_pImage->image().isEmpty() || m_pImage->isColored()) {
+        m_pRange->clearImage();
+    } else {
+        m_pRange->setImage(m_pImage->image(), m_pImage->whole(), m_pImage->range());
+    }
 }
 
 void DatasetWindow::takeColors()
@@ -273,6 +338,9 @@ void DatasetWindow::takeOverlay()
 
 void DatasetWindow::draw()
 {
+    if (m_eNext > Step::Count) {
+        return; // comes by itself
+    }
     if (!m_pImage->error().isEmpty() || m_pImage->image().isEmpty()) {
         m_pView->setBar(CILPalette(), DisplayRange(), QString());
         m_pView->showMessage(tr("The image cannot be shown: %1").arg(m_pImage->error()));

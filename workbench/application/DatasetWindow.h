@@ -6,6 +6,7 @@
 
 #include <QList>
 #include <QPair>
+#include <QTimer>
 
 #include <memory>
 
@@ -21,8 +22,9 @@ class QVBoxLayout;
 class RangePanel;
 class UnitBox;
 
-// The window of one dataset's images: the picture with its colour bar, and how it is shown. The dataset is borrowed and
-// outlives the window.
+// The window of one dataset's images: the picture with its colour bar, and how it is shown. An image is read, drawn and
+// counted in turns of the event loop, so that a large one does not hold up all else for as long. The dataset is
+// borrowed and outlives the window.
 class DatasetWindow : public CORVImageWindow
 {
     Q_OBJECT
@@ -31,8 +33,9 @@ public:
     explicit DatasetWindow(CORVDataset* pDataset, QWidget* pParent = nullptr);
     ~DatasetWindow() override;
 
-    DatasetView* view() const { return m_pView; }
-    DatasetImage& image() const { return *m_pImage; }
+    // What is still to be done for them is done first.
+    DatasetView* view();
+    DatasetImage& image();
     // Shows the image of that tag_eimagetype, in the unit when it can be had there; one that the dataset lacks shows
     // the first it has.
     void showImage(int nImage) { showImage(nImage, unit()); }
@@ -57,16 +60,35 @@ private:
     void drawIcons();
     void connectControls();
     void takeSequenceColors();
-    void load(tag_eimagetype eType, tag_edisplayunit eUnit);
+    // Begins to show another image, or the same in another unit.
+    void begin(tag_eimagetype eType, tag_edisplayunit eUnit);
+    void doNext();
+    void catchUp();
+    void load();
     void takeColors();
     void takeOverlay();
     // The picture and the bar anew.
     void draw();
     void showLoaded();
+    void showRange();
     void showTitle();
     void tellPixel(int x, int y);
 
+    // What is to be done; each comes before those above it.
+    enum class Step
+    {
+        None,
+        Count, // into the histogram
+        Draw,
+        Load
+    };
+
     std::unique_ptr<DatasetImage> m_pImage;
+    QTimer m_idle;
+    bool m_bTurn = false;
+    Step m_eNext = Step::None;
+    tag_eimagetype m_eWanted = IMAGETYPE_MAIN_DATA;
+    tag_edisplayunit m_eWantedUnit = DISPLAYUNIT_COUNTS;
     QList<QPair<QToolButton*, int>> m_icons; // with their orvwidgets::ViewIcon
     DatasetView* m_pView = nullptr;
     ColorBarWidget* m_pBar = nullptr;

@@ -47,6 +47,7 @@ protected:
     template <typename Widget>
     Widget& child(const char* name)
     {
+        view(); // with all that is still to be done
         auto* pWidget = m_pWindow->findChild<Widget*>(name);
         EXPECT_NE(pWidget, nullptr) << name;
         return *pWidget;
@@ -70,6 +71,29 @@ TEST_F(DatasetWindowTest, OpensInTheBestUnitWithTheSequencesColoursAndTheAutomat
     EXPECT_EQ(image().range(), DisplayRange::automatic(image().image()));
     EXPECT_EQ(view().picture().size(), QSize(64, 64));
     EXPECT_TRUE(m_pWindow->windowTitle().contains("605 → ")) << qPrintable(m_pWindow->windowTitle());
+}
+
+TEST_F(DatasetWindowTest, ReadsDrawsAndCountsInTurnsOfTheEventLoop)
+{
+    DatasetWindow window(m_sequence.getDatasets().at(1));
+    window.showImage(IMAGETYPE_MAIN_DATA, DISPLAYUNIT_COUNTS);
+    EXPECT_EQ(window.unit(), DISPLAYUNIT_COUNTS);
+    const auto* pView = window.findChild<DatasetView*>();
+    const auto* pSlider = window.findChild<QSpanSlider*>("m_pRangeSlider");
+    QStringList states;
+    for (int turn = 0; turn < 100 && (states.isEmpty() || !pSlider->isEnabled()); ++turn) {
+        const QString state = pSlider->isEnabled()                  ? "counted"
+                              : !pView->picture().isNull()          ? "drawn"
+                              : window.unit() == DISPLAYUNIT_COUNTS ? "begun"
+                                                                    : "";
+        if (!states.contains(state)) {
+            states << state;
+        }
+        QApplication::processEvents(QEventLoop::AllEvents, 0);
+    }
+    EXPECT_EQ(states, (QStringList{"begun", "drawn"})) << "each to be seen before the next";
+    EXPECT_TRUE(pSlider->isEnabled());
+    EXPECT_EQ(window.image().unit(), DISPLAYUNIT_COUNTS);
 }
 
 TEST_F(DatasetWindowTest, SliderAndNumbersSetTheRange)
