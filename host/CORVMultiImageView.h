@@ -41,6 +41,8 @@ public:
     int getImageNumber() const;
 
     QString imageLabel(int nIndex) const;
+    // The borrowed image of a tile; null for an index out of range.
+    const CILImage* image(int nIndex) const;
     // A second line for the tool tip of a tile, under its whole label.
     void setImageToolTip(int nIndex, const QString& strText);
     // Where a tile's image is shown; empty for an index out of range.

@@ -68,7 +68,7 @@ Q_SIGNALS:
     // The user took another pen for the current channel.
     void penChanged(const QString& strPen);
     // The current channel has as many painted pixels now, in the middle of a stroke too; -1 once nothing is painted
-    // any more.
+    // any more, or the pointer is elsewhere.
     void paintedPixelsChanged(int nPixels);
 
 public Q_SLOTS:
@@ -98,6 +98,7 @@ private:
     void takePenBeside(bool bThinner);
     bool pressPaintKey(int nKey);
     void tellPixels();
+    void tellPixels(int nPixels);
     void endLostStroke(Qt::MouseButtons held);
     void tellCursor(const QPoint& pixel);
     void showCursorShape();

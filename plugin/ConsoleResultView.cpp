@@ -29,6 +29,7 @@ bool ConsoleResultView::setImageCube(const QList<KeyPair>& xValues, int nSpectru
     SpumKyvoConsoleWnd* pConsole = m_windows.console();
     // Of these images the decay factors are computed.
     pConsole->m_imageNames = m_engine.m_imageList;
+    pConsole->m_nCubeUnit = m_engine.m_eUnit;
     return pConsole->setImageCube(xValues, nSpectrumType, cube);
 }
 
@@ -102,6 +103,7 @@ void ConsoleResultView::setCompositeData(CILImage* pPhoto, const XTNT::Matrix<do
                                          const QList<CompositeChannel>& channels, int nSpots)
 {
     m_windows.compositeWnd()->setCompositeData(pPhoto, data, nUnit, pixelIndices, nWidth, nHeight, channels, nSpots);
+    m_windows.console()->distributionView()->setValues({data, pixelIndices, QSize(nWidth, nHeight), nSpots});
 }
 
 void ConsoleResultView::setXRayImage(CILImage* pImage)

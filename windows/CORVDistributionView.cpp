@@ -1,8 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "windows/CORVDistributionView.h"
 
+#include "host/CILImage.h"
 #include "host/CORVTextTag.h"
+#include "host/ReadOut.h"
+#include "host/UnitTexts.h"
 #include "windows/colorBarUnit.h"
+#include "windows/widgets/sendReadOut.h"
 
 #include <QFontMetrics>
 #include <QMouseEvent>
@@ -11,6 +15,7 @@
 CORVDistributionView::CORVDistributionView(QWidget* pParent, const char* name) : CORVMultiImageView(pParent, name)
 {
     connect(this, &CORVMultiImageView::imageActivated, this, &CORVDistributionView::openImage);
+    connect(this, &CORVMultiImageView::imagePixelUnderPointer, this, &CORVDistributionView::tellPixel);
 }
 
 CORVDistributionView::~CORVDistributionView()
@@ -59,4 +64,23 @@ void CORVDistributionView::drawColorBarTexts() const
     for (const ColorBarUnitLine& line : colorBarUnitLines(m_nUnit, m_bNTF)) {
         renderText(tag.x(), dTop + line.offset * dFontHeight, 0.0, line.text, tag.font(), 2000);
     }
+}
+
+void CORVDistributionView::tellPixel(int nIndex, int x, int y)
+{
+    const CILImage* pImage = image(nIndex);
+    if (pImage == nullptr) {
+        sendReadOut(*this, QString());
+        return;
+    }
+    ReadOut found;
+    found.image = imageLabel(nIndex);
+    found.pixel = QPoint(x, y);
+    if (!m_values.size.isEmpty()) {
+        const QSize picture(static_cast<int>(pImage->m_lWidth), static_cast<int>(pImage->m_lHeight));
+        found.pixel = m_values.place(found.pixel, picture); // which is that of the cube
+        found.value = m_values.value(nIndex, found.pixel);
+        found.quantity = displayUnitQuantity(m_nUnit);
+    }
+    sendReadOut(*this, found.text());
 }

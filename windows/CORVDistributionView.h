@@ -2,6 +2,7 @@
 #pragma once
 
 #include "host/CORVMultiImageView.h"
+#include "windows/unmixedValues.h"
 
 #include <QMutex>
 
@@ -18,6 +19,9 @@ public:
     // is another.
     void setUnit(int nUnit, bool bNTF);
 
+    // The numbers behind the tiles, for who asks what lies under the pointer.
+    void setValues(const UnmixedValues& values) { m_values = values; }
+
     int m_nUnit = 0;
     bool m_bNTF = false;
 
@@ -31,6 +35,8 @@ protected:
 
 private:
     void openImage(int nIndex);
+    void tellPixel(int nIndex, int x, int y);
 
     QMutex m_openMutex;
+    UnmixedValues m_values;
 };

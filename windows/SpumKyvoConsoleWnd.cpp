@@ -121,6 +121,7 @@ void SpumKyvoConsoleWnd::connectControls()
     connect(m_pImageTabWidget, &QTabWidget::currentChanged, this, &SpumKyvoConsoleWnd::onCurrentTabChanged);
     connect(m_pImageCubeView, &CORVPaintQImageView::signalDrawComplete, this, &SpumKyvoConsoleWnd::onUpdatePlot);
     connect(m_pImageCubeView, &CORVPaintQImageView::penChanged, this, &SpumKyvoConsoleWnd::showPen);
+    connect(m_pImageCubeView, &CORVPaintQImageView::paintedPixelsChanged, this, &SpumKyvoConsoleWnd::tellPaintedPixels);
     connect(m_pImageCubeView, &CORVPaintQImageView::updateCursorPosition, this,
             &SpumKyvoConsoleWnd::updateCursorSpectrum);
     connect(m_pVideoCheckBox, &QCheckBox::toggled, this, &SpumKyvoConsoleWnd::onClickCubeOverviewCheckBox);

@@ -109,6 +109,7 @@ public:
     CImageCube* m_pImageCube = nullptr;                          // not owned
     int m_nImageWidth = 0;                                       // of the cube, in pixels
     int m_nImageHeight = 0;
+    int m_nCubeUnit = -1; // of its values, as tag_edisplayunit; set by the engine
     QImage m_pseudoColorImage;
     QList<KeyPair> m_xValues; // one an image of the cube
     int m_nSpectrumType = 0;  // 0 emission, 1 excitation, 2 time
@@ -219,7 +220,10 @@ private:
     void markModified();
     void showChange();
     void plotSpectrum(int nRow, const XTNT::Vector<double>& background);
-    bool plotCursor(int nImgX, int nImgY);
+    bool plotCursor(const XTNT::Vector<double>& values);
+    bool cursorSpectrum(int nImgX, int nImgY, XTNT::Vector<double>& values) const;
+    void tellPixel(int nImgX, int nImgY, const XTNT::Vector<double>& values);
+    void tellPaintedPixels(int nPixels);
 
     void clearRows();
     void addRow(const SpectrumPlotParams& spectrum);

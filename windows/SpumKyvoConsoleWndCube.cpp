@@ -6,12 +6,16 @@
 #include "host/CORVGLXYPlot1.h"
 #include "host/CORVLog.h"
 #include "host/CORVPaintQImageView.h"
+#include "host/ReadOut.h"
 #include "host/SPlotDisplaySettings.h"
+#include "host/UnitTexts.h"
 #include "spectra/SpectrumAxis.h"
+#include "spectra/SpumKyvoSpectrumCtrl.h"
 #include "spectra/logLine.h"
 #include "spectra/spectrumScale.h"
 #include "windows/cubeImageLabel.h"
 #include "windows/plotCurve.h"
+#include "windows/widgets/sendReadOut.h"
 
 #include <QSignalBlocker>
 
@@ -169,26 +173,37 @@ void SpumKyvoConsoleWnd::showImageOfCube()
 
 void SpumKyvoConsoleWnd::updateCursorSpectrum(int nImgX, int nImgY)
 {
-    if (!plotCursor(nImgX, nImgY)) {
+    XTNT::Vector<double> values;
+    const bool bSpectrum = cursorSpectrum(nImgX, nImgY, values);
+    if (!bSpectrum || !plotCursor(values)) {
         m_pSpectrumPlot->removeDataLine(QLatin1String(kCursorLine));
     }
     m_pSpectrumPlot->setLegendVisible(m_pLegendCkb->isChecked());
     if (m_pSpectrumPlot->isVisible()) {
         m_pSpectrumPlot->plotData();
     }
+    if (bSpectrum) {
+        tellPixel(nImgX, nImgY, values);
+    } else if (!m_pImageCubeView->isPaintEnabled()) { // who paints is told the size of the region
+        sendReadOut(*m_pImageCubeView, QString());
+    }
 }
 
-bool SpumKyvoConsoleWnd::plotCursor(int nImgX, int nImgY)
+bool SpumKyvoConsoleWnd::cursorSpectrum(int nImgX, int nImgY, XTNT::Vector<double>& values) const
 {
-    if (nImgX < 0 || nImgY < 0 || nImgX >= m_nImageWidth || nImgY >= m_nImageHeight || !hasImageCube()) {
-        return false;
-    }
     bool bOk = false;
-    const XTNT::Vector<double> values = m_pImageCube->spectrum({nImgY * m_nImageWidth + nImgX}, &bOk);
+    if (nImgX >= 0 && nImgY >= 0 && nImgX < m_nImageWidth && nImgY < m_nImageHeight && hasImageCube()) {
+        values = m_pImageCube->spectrum({nImgY * m_nImageWidth + nImgX}, &bOk);
+    }
+    return bOk;
+}
+
+bool SpumKyvoConsoleWnd::plotCursor(const XTNT::Vector<double>& values)
+{
     SpectrumPlotParams cursor;
     cursor.axis = m_nSpectrumType;
     cursor.setPairs(m_xValues);
-    if (!bOk || !cursor.setValues(values)) {
+    if (!cursor.setValues(values)) {
         return false;
     }
     const QString key = QLatin1String(kCursorLine);
@@ -198,4 +213,30 @@ bool SpumKyvoConsoleWnd::plotCursor(int nImgX, int nImgY)
     settings.color.setNamedColor(QStringLiteral("gray"));
     m_pSpectrumPlot->setDisplaySettings(key, settings);
     return true;
+}
+
+// The overview has colours instead of a value; of a scan it is the value of the first spot, whose spectrum is plotted.
+void SpumKyvoConsoleWnd::tellPixel(int nImgX, int nImgY, const XTNT::Vector<double>& values)
+{
+    ReadOut found;
+    found.pixel = QPoint(nImgX, nImgY);
+    const int nImage = m_pImageIndexSlider->value() - 1;
+    if (!m_pVideoCheckBox->isChecked() && nImage >= 0 && nImage < m_xValues.size()) {
+        found.image = cubeImageLabel(m_xValues.at(nImage), m_nSpectrumType);
+        const std::vector<int>& mask = m_pImageCube->m_maskIndices;
+        if (!m_pImageCube->m_bHasMask || std::binary_search(mask.begin(), mask.end(), nImgY * m_nImageWidth + nImgX)) {
+            found.value = values[nImage];
+            found.quantity = displayUnitQuantity(m_nCubeUnit);
+        }
+        if (m_pImageCube->m_nSpots > 1) {
+            found.image += tr(", first spot");
+        }
+    }
+    sendReadOut(*m_pImageCubeView, found.text());
+}
+
+void SpumKyvoConsoleWnd::tellPaintedPixels(int nPixels)
+{
+    const QString name = m_pActiveCtrl ? m_pActiveCtrl->settings().name : QString();
+    sendReadOut(*m_pImageCubeView, nPixels < 0 ? QString() : tr("Region of %1: %2 pixels").arg(name).arg(nPixels));
 }

@@ -63,6 +63,7 @@ void SpumKyvoConsoleWnd::setUnmixedImageRange(double dMin, double dMax)
 void SpumKyvoConsoleWnd::removeAllUnmixedImages()
 {
     m_pDistributionView->removeAllImages();
+    m_pDistributionView->setValues({});
     qDeleteAll(m_unmixedImages);
     m_unmixedImages.clear();
     m_pDistributionView->m_bShowColorBar = false; // until there is a scale again

@@ -79,6 +79,11 @@ QString CORVMultiImageView::imageLabel(int nIndex) const
     return m_state->isTile(nIndex) ? m_state->tile(nIndex).m_strLabel : QString();
 }
 
+const CILImage* CORVMultiImageView::image(int nIndex) const
+{
+    return m_state->isTile(nIndex) ? &m_state->tile(nIndex).m_picture.image() : nullptr;
+}
+
 void CORVMultiImageView::setImageToolTip(int nIndex, const QString& strText)
 {
     if (m_state->isTile(nIndex)) {

@@ -197,7 +197,11 @@ void CORVPaintQImageView::tellCursor(const QPoint& pixel)
 
 void CORVPaintQImageView::tellPixels()
 {
-    const int nPixels = isPainting() ? m_state->m_masks.count(m_state->m_nChannel) : -1;
+    tellPixels(isPainting() ? m_state->m_masks.count(m_state->m_nChannel) : -1);
+}
+
+void CORVPaintQImageView::tellPixels(int nPixels)
+{
     if (nPixels != m_state->m_nPixels) {
         m_state->m_nPixels = nPixels;
         Q_EMIT paintedPixelsChanged(nPixels);
@@ -353,7 +357,11 @@ void CORVPaintQImageView::leaveEvent(QEvent* pEvent)
 {
     m_state->m_pointer.reset();
     update();
+    const QPointer<CORVPaintQImageView> alive(this);
     CORVQImageView::leaveEvent(pEvent);
+    if (!alive.isNull()) {
+        tellPixels(-1);
+    }
 }
 
 bool CORVPaintQImageView::event(QEvent* pEvent)

@@ -19,6 +19,7 @@ public:
     // The image outlives this, or its use.
     explicit TilePicture(const CILImage& image);
 
+    const CILImage& image() const { return *m_pImage; }
     // Of the whole picture.
     QSize size() const { return m_size; }
     // Whether a picture of that many device pixels can be drawn without asking the image.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The cube view of the console: overview, images, brightness, the spectrum under the cursor.
 #include "ConsoleFixture.h"
+#include "StatusTips.h"
 
 #include "engine/LogCapture.h"
 
@@ -156,6 +157,45 @@ TEST_F(ConsoleCubeTest, TakingUpAToolTakesTheCursorLineAway)
     row(0).m_pToolButton->click();
     moveTo(6, 6);
     EXPECT_EQ(lines(), QStringList{"Cursor"});
+}
+
+TEST_F(ConsoleCubeTest, ThePixelUnderThePointerIsToldWithItsValueAndUnit)
+{
+    openCube(0, 1, {4 * kCubeWidth + 3, 4 * kCubeWidth + 4});
+    m_pConsole->m_nCubeUnit = 1;
+    const StatusTips tips(m_window);
+    moveTo(3, 4);
+    EXPECT_EQ(tips.last(), "x 3, y 4") << "the overview has colours";
+    m_pConsole->m_pVideoCheckBox->setChecked(false);
+    m_pConsole->m_pImageIndexSlider->setValue(2);
+    moveTo(4, 4);
+    EXPECT_EQ(tips.last(), QString::fromUtf8("Emission:620, Excitation: 500   x 4, y 4: 10 p/s/cm²/sr"));
+    moveTo(4, 5);
+    EXPECT_EQ(tips.last(), "Emission:620, Excitation: 500   x 4, y 5") << "outside the mask there is no value";
+    QEvent leave(QEvent::Leave);
+    QApplication::sendEvent(m_pConsole->m_pImageCubeView, &leave);
+    EXPECT_EQ(tips.last(), "");
+    openCube(0, 3);
+    m_pConsole->m_pVideoCheckBox->setChecked(false);
+    moveTo(0, 1);
+    EXPECT_EQ(tips.last(), QString::fromUtf8("Emission:600, Excitation: 500, first spot   x 0, y 1: 2 p/s/cm²/sr"));
+}
+
+TEST_F(ConsoleCubeTest, WhoPaintsIsToldTheSizeOfTheRegion)
+{
+    openCube();
+    const StatusTips tips(m_window);
+    moveTo(3, 4);
+    m_pConsole->m_pAddSpectrum->click();
+    EXPECT_EQ(tips.last(), "Region of UMX1: 0 pixels");
+    moveTo(6, 6);
+    EXPECT_EQ(tips.last(), "Region of UMX1: 0 pixels");
+    paint(5, 5, 5, 5);
+    EXPECT_EQ(tips.last(), "Region of UMX1: 9 pixels");
+    m_pConsole->m_pImageCubeView->takeStrokeBack();
+    EXPECT_EQ(tips.last(), "Region of UMX1: 0 pixels");
+    row(0).m_pToolButton->click();
+    EXPECT_EQ(tips.last(), "");
 }
 
 TEST_F(ConsoleCubeTest, InAScanTheFirstSpotCounts)

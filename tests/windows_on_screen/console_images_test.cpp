@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The unmixed images of the console: tiles, scale controls, colour bar, the window as a picture.
 #include "ConsoleFixture.h"
+#include "StatusTips.h"
 
 #include "host/CILImage.h"
 #include "host/CORVTextTag.h"
@@ -118,6 +119,32 @@ TEST_F(ConsoleImagesTest, ATileTellsTheRangeThatItIsShownOver)
     QApplication::sendEvent(&view(), &help);
     EXPECT_EQ(QToolTip::text(), "yellow<br>1.2e+06 to 3.4e+08 (Radiance)");
     QToolTip::hideText();
+}
+
+TEST_F(ConsoleImagesTest, ThePixelOfATileIsToldWithItsValueAndUnit)
+{
+    showImages();
+    showBar(3);
+    UnmixedValues values;
+    values.size = QSize(20, 15); // the tiles have the size of a photograph
+    values.data = XTNT::Matrix<double>(3, 300, 0.0);
+    values.data[1][7 * 20 + 4] = 0.125;
+    view().setValues(values);
+    const StatusTips tips(m_window);
+    const QRectF tile = view().imageRect(1);
+    const QPointF within(4.5 / 20.0 * tile.width(), 7.5 / 15.0 * tile.height());
+    pointer::move(view(), tile.topLeft() + within);
+    EXPECT_EQ(tips.last(), "green   x 4, y 7: 0.125 efficiency");
+    pointer::move(view(), view().imageRect(3).topLeft() + within);
+    EXPECT_EQ(tips.last(), "yellow   x 4, y 7") << "the composite has colours";
+    QEvent leave(QEvent::Leave);
+    QApplication::sendEvent(&view(), &leave);
+    EXPECT_EQ(tips.last(), "");
+    m_pConsole->removeAllUnmixedImages();
+    m_pConsole->addUnmixedImage(m_images[0].get(), "ICG");
+    QApplication::processEvents();
+    pointer::move(view(), view().imageRect(0).center());
+    EXPECT_EQ(tips.last(), "ICG   x 20, y 15") << "without numbers";
 }
 
 TEST_F(ConsoleImagesTest, AnImageThatIsTakenBelongsToTheConsole)

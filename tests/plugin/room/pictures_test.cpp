@@ -6,7 +6,10 @@
 #include "host/CORVImageWindow.h"
 #include "host/CORVPreference.h"
 #include "host/CORVPreferenceSignals.h"
+#include "host/UnitTexts.h"
+#include "support/pointer.h"
 #include "windows/CORVDistributionView.h"
+#include "windows_on_screen/StatusTips.h"
 
 #include <QClipboard>
 #include <QDir>
@@ -17,6 +20,9 @@
 #include <QSignalSpy>
 #include <QToolButton>
 #include <QToolTip>
+
+#include <algorithm>
+#include <iterator>
 
 using namespace workarea;
 
@@ -88,6 +94,26 @@ TEST_F(PicturesTest, ATileTellsTheRangeOfItsMapInTheUnitOfTheResult)
             << qPrintable(tip);
     }
     EXPECT_EQ(tipOf(view, 2), "Composite");
+}
+
+TEST_F(PicturesTest, ATileAndTheCubeTellTheNumberUnderThePointerInTheUnitOfTheResult)
+{
+    unmix();
+    CORVDistributionView& view = *engine().m_pConsole->distributionView();
+    const StatusTips tips(*engine().m_pConsole);
+    const QString unit = ' ' + displayUnitQuantity(engine().m_eUnit);
+    // The pixel of the map beside the middle, and its column among those that were unmixed.
+    const QRectF tile = view.imageRect(1);
+    pointer::move(view, tile.center() +
+                            QPointF(0.5 * tile.width() / engine().m_nWidth, 0.5 * tile.height() / engine().m_nHeight));
+    const int nPixel = engine().m_nHeight / 2 * engine().m_nWidth + engine().m_nWidth / 2;
+    const auto found = std::find(engine().m_maskIndices.begin(), engine().m_maskIndices.end(), nPixel);
+    ASSERT_NE(found, engine().m_maskIndices.end());
+    const double dValue = engine().m_concentrations[1][std::distance(engine().m_maskIndices.begin(), found)];
+    EXPECT_TRUE(tips.last().endsWith(
+        QString("x %1, y %2: %3").arg(engine().m_nWidth / 2).arg(engine().m_nHeight / 2).arg(dValue, 0, 'g', 4) + unit))
+        << qPrintable(tips.last());
+    EXPECT_EQ(engine().m_pConsole->m_nCubeUnit, engine().m_eUnit);
 }
 
 TEST_F(PicturesTest, AHostThatOpensNothingIsStood)
