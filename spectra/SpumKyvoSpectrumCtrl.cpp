@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "spectra/SpumKyvoSpectrumCtrl.h"
 
+#include "spectra/ColorCombo.h"
 #include "spectra/DefaultColors.h"
 #include "spectra/NameEdit.h"
 #include "spectra/colorSwatch.h"
@@ -74,7 +75,7 @@ SpumKyvoSpectrumCtrl::~SpumKyvoSpectrumCtrl()
 
 void SpumKyvoSpectrumCtrl::buildColorCombo(QWidget* parent)
 {
-    m_pColorCombo = new QComboBox(parent);
+    m_pColorCombo = new ColorCombo(parent);
     m_pColorCombo->setMinimumContentsLength(15);
     // In a narrow list the swatch tells enough, and two thirds of the room are the name's.
     m_pColorCombo->setMinimumWidth(swatchWidth);
