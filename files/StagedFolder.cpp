@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "files/StagedFolder.h"
 
+#include "files/deleteFolderTree.h"
 #include "files/diskCalls.h"
 
 #include <QDir>
@@ -67,9 +68,7 @@ bool rename(const QString& strFrom, const QString& strTo)
 void removeHidden(const QString& strHidden)
 {
     for (const QString& part : {freshIn(strHidden), oldIn(strHidden)}) {
-        if (exists(part)) {
-            QDir(part).removeRecursively();
-        }
+        orv::deleteFolderTree(part);
     }
     if (!exists(freshIn(strHidden)) && !exists(oldIn(strHidden))) {
         QFile::remove(lockIn(strHidden));

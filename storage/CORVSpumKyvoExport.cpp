@@ -3,6 +3,7 @@
 #include "engine/CORVSpumKyvo.h"
 
 #include "engine/runTexts.h"
+#include "files/deleteFolderTree.h"
 #include "spectra/logLine.h"
 #include "storage/exportClickInfo.h"
 #include "storage/exportImages.h"
@@ -69,7 +70,7 @@ QString CORVSpumKyvo::makeDatasetFolder(const QString& strName)
         m_pResultView->closeImageWindow(strClickNumber);
     }
     const QFileInfo earlier(QDir::cleanPath(strFolder));
-    if ((earlier.isDir() || earlier.isSymLink()) && !deleteFolderTree(strFolder)) {
+    if ((earlier.isDir() || earlier.isSymLink()) && !orv::deleteFolderTree(strFolder)) {
         return QString();
     }
     return QDir().mkdir(QDir::cleanPath(strFolder)) ? strFolder : QString();

@@ -2,8 +2,6 @@
 #include "storage/exportNames.h"
 
 #include <QDir>
-#include <QFile>
-#include <QFileInfo>
 
 namespace {
 
@@ -39,13 +37,4 @@ QString unmixedTargetFolder(const QString& strSeqId)
     QString strId = strSeqId;
     strId.replace(QLatin1Char('/'), QLatin1Char('_'));
     return QDir::tempPath() + QLatin1String("/SPUM_") + strId;
-}
-
-bool deleteFolderTree(const QString& strFolder)
-{
-    const QString strPath = QDir::cleanPath(strFolder);
-    if (QFileInfo(strPath).isSymLink()) {
-        return QFile::remove(strPath);
-    }
-    return QDir(strPath).removeRecursively();
 }

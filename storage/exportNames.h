@@ -13,7 +13,3 @@ QString unmixedDatasetPattern();
 QString unmixedDatasetLabel(const QString& strSeqId, int nComponent);
 // The folder of all datasets of that sequence, without a separator at its end. A separator inside the id becomes "_".
 QString unmixedTargetFolder(const QString& strSeqId);
-
-// Removes a folder with all that is in it; a link to a folder goes without what it points to. True when there is no
-// such folder afterwards.
-bool deleteFolderTree(const QString& strFolder);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "services/transfer/ExportPlace.h"
 
+#include "files/deleteFolderTree.h"
 #include "services/basis/Failure.h"
 #include "services/basis/JobMonitor.h"
 #include "storage/exportNames.h"
@@ -22,7 +23,7 @@ void removeDatasets(const QString& strFolder)
 {
     const QDir folder(strFolder);
     for (const QString& name : folder.entryList({unmixedDatasetPattern()}, QDir::Dirs | QDir::NoDotAndDotDot)) {
-        deleteFolderTree(folder.filePath(name));
+        orv::deleteFolderTree(folder.filePath(name));
     }
     QDir().rmdir(strFolder);
 }

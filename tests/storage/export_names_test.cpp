@@ -2,9 +2,6 @@
 #include "storage/exportNames.h"
 
 #include <QDir>
-#include <QFile>
-#include <QFileInfo>
-#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -39,26 +36,4 @@ TEST(ExportNamesTest, TheFolderBearsTheSequencesId)
 TEST(ExportNamesTest, AnIdCannotLeadOutOfTheTemporaryDirectory)
 {
     EXPECT_EQ(unmixedTargetFolder("../../etc"), QDir::tempPath() + "/SPUM_.._.._etc");
-}
-
-TEST(ExportNamesTest, AFolderGoesWithAllThatIsInIt)
-{
-    const QTemporaryDir folder;
-    ASSERT_TRUE(QDir(folder.path()).mkpath("tree/below"));
-    QFile file(folder.filePath("tree/below/file"));
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.close();
-    EXPECT_TRUE(deleteFolderTree(folder.filePath("tree/")));
-    EXPECT_FALSE(QFileInfo::exists(folder.filePath("tree")));
-    EXPECT_TRUE(deleteFolderTree(folder.filePath("tree")));
-}
-
-TEST(ExportNamesTest, ALinkGoesWithoutWhatItPointsTo)
-{
-    const QTemporaryDir folder;
-    ASSERT_TRUE(QDir(folder.path()).mkpath("kept/below"));
-    ASSERT_TRUE(QFile::link(folder.filePath("kept"), folder.filePath("link")));
-    EXPECT_TRUE(deleteFolderTree(folder.filePath("link/")));
-    EXPECT_FALSE(QFileInfo(folder.filePath("link")).isSymLink());
-    EXPECT_TRUE(QFileInfo(folder.filePath("kept/below")).isDir());
 }
