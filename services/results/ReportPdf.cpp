@@ -70,6 +70,7 @@ public:
     // A picture no larger than that room.
     void addPicture(const ReportFigure& figure, const QSizeF& room)
     {
+        XTNT::cancellationPoint();
         const QImage image = QImage::fromData(figure.png);
         if (image.isNull()) {
             m_strHtml += escaped(figure.title);
@@ -86,6 +87,7 @@ public:
 
     double height()
     {
+        XTNT::cancellationPoint();
         m_document.setHtml(m_strHtml);
         return m_document.size().height();
     }

@@ -286,7 +286,10 @@ int CommandLine::run(int argc, char** argv)
     ::setenv("QT_QPA_PLATFORM", "offscreen", 0);
     orv::setConsoleLogLevel(orv::ConsoleLog::Errors);
     qInstallMessageHandler(toLog);
-    QApplication application(argc, argv);
+    // Never deleted: with its end Qt reads what the system knows of fonts, if no picture has needed that yet, only to
+    // forget it. It refers to the number of arguments as long as it lives.
+    static int s_nArguments = argc;
+    new QApplication(s_nArguments, argv);
     std::setlocale(LC_NUMERIC, "C");
     if (!poolHasItsThread()) {
         complain(QStringLiteral("the system gives this program no thread: too many processes, or too little memory"));
