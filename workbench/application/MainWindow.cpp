@@ -30,6 +30,7 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QScreen>
+#include <QSessionManager>
 #include <QShowEvent>
 #include <QStackedWidget>
 #include <QStatusTipEvent>
@@ -42,7 +43,7 @@ constexpr int panelWidth = 340;
 
 } // namespace
 
-MainWindow::MainWindow(const WorkbenchOptions& options)
+MainWindow::MainWindow(const WorkbenchOptions& options) : m_session(*CORVPreference::getSettings())
 {
     setObjectName(QStringLiteral("mainWindow"));
     setWindowTitle(CORVUtilityFns::getAppName());
@@ -124,10 +125,18 @@ void MainWindow::connectDocuments()
     // A view that goes, or comes behind another, is not told that the pointer has left it.
     connect(m_pDocuments, &OpenDocuments::currentChanged, m_pStatus, [this] { m_pStatus->showReadOut(QString()); });
     connect(m_pDocuments, &OpenDocuments::tabChanged, m_pStatus, [this] { m_pStatus->showReadOut(QString()); });
+    connect(m_pDocuments, &OpenDocuments::currentChanged, this, &MainWindow::keepSession);
     connect(m_pFeed, &LogFeed::arrived, this, &MainWindow::takeRecords);
     connect(m_pLock, &RunLock::changed, this, &MainWindow::updateActions);
     connect(m_pLock, &RunLock::focusMissing, this, &MainWindow::focusWork);
     connect(qApp, &QApplication::focusChanged, this, &MainWindow::updatePrintKeys);
+    // The usual way would close floating panels first, and they would be gone at the next start.
+    QGuiApplication::setFallbackSessionManagementEnabled(false);
+    connect(qApp, &QGuiApplication::commitDataRequest, this, [this](QSessionManager& manager) {
+        if (!endSession(manager.allowsInteraction())) {
+            manager.cancel();
+        }
+    });
 }
 
 void MainWindow::connectPlugin()

@@ -4,7 +4,9 @@
 #include "host/orv_types.h"
 #include "platform/orvutils/LogSinks.h"
 #include "workbench/application/MainActions.h"
+#include "workbench/application/Session.h"
 
+#include <QHash>
 #include <QMainWindow>
 #include <QPixmap>
 #include <QPointer>
@@ -41,10 +43,14 @@ public:
 
     // Opens a sequence, a dataset, or asks how to import anything else; tells the user why not.
     bool open(const QString& strPath);
-    // The sequences that were open at the end of the last run and are still there.
-    static QStringList lastSession();
     // One after the other, once the event loop runs.
     void openLater(const QStringList& paths);
+    // Opens the paths, or without any what was open at the end of the last run; then offers what a program that was
+    // killed had open.
+    void start(const QStringList& paths);
+    // The session of the system ends. False when the user wants to go on; where nobody may be asked nothing closes, and
+    // the next start offers what was open.
+    bool endSession(bool bMayAsk);
 
     OpenDocuments& documents() { return *m_pDocuments; }
     PluginHost& plugin() { return *m_pPlugin; }
@@ -73,6 +79,11 @@ private:
     void importImages(const QStringList& paths);
     void simulate();
     void openNext();
+    void takeUp(const Session::Windows& windows);
+    // Nothing waits to be opened any more.
+    void endOpening();
+    Session::Windows openWindows() const;
+    void keepSession();
     bool openSequence(const QString& strPath);
     bool openDataset(const QString& strPath);
     void fillRecent();
@@ -115,6 +126,10 @@ private:
     PaletteControl* m_pPalette = nullptr;
     LogDock* m_pLogDock = nullptr;
     StatusLine* m_pStatus = nullptr;
+    Session m_session;
+    Session::Windows m_abandoned;   // of a program that was killed, until the user was asked
+    QHash<QString, QRect> m_places; // of windows of the last session that are about to open, by their folders
+    QStringList m_gone;             // folders of it that are no sequences any more
     QStringList m_toOpen;
     QTimer m_opening; // of the next of these
     QTimer m_closing;

@@ -5,15 +5,12 @@
 #include "host/CORVLog.h"
 #include "host/CORVMessageBox.h"
 #include "host/CORVPreference.h"
-#include "host/CORVProcess.h"
 #include "host/CORVSequenceDataset.h"
 #include "host/CORVSequenceWindow.h"
 #include "host/CORVSettings.h"
 #include "host/CORVUtilityFns.h"
 #include "platform/orvutils/ProcessControl.h"
 #include "workbench/application/ImportDialog.h"
-#include "workbench/application/LogDock.h"
-#include "workbench/application/LogFeed.h"
 #include "workbench/application/MainWindow.h"
 #include "workbench/application/OpenDocuments.h"
 #include "workbench/application/PaletteControl.h"
@@ -30,16 +27,13 @@
 #include "workbench/application/sequenceOfDatasets.h"
 #include "workbench/application/settingNames.h"
 #include "workbench/application/simulateCall.h"
-#include "workbench/application/windowPlaces.h"
 
 #include <QApplication>
-#include <QCloseEvent>
 #include <QDateTime>
+#include <QDropEvent>
 #include <QMenu>
 #include <QMimeData>
 #include <QUrl>
-
-#include <algorithm>
 
 namespace {
 
@@ -72,14 +66,6 @@ void MainWindow::askForSequence()
     }
 }
 
-QStringList MainWindow::lastSession()
-{
-    QStringList paths = recentPaths::readSession(*CORVPreference::getSettings());
-    const auto isGone = [](const QString& path) { return openableKind(path) != Openable::Sequence; };
-    paths.erase(std::remove_if(paths.begin(), paths.end(), isGone), paths.end());
-    return paths;
-}
-
 void MainWindow::openLater(const QStringList& paths)
 {
     const bool bIdle = m_toOpen.isEmpty();
@@ -93,6 +79,7 @@ void MainWindow::openLater(const QStringList& paths)
 void MainWindow::openNext()
 {
     if (m_toOpen.isEmpty()) {
+        endOpening();
         return;
     }
     QStringList images;
@@ -109,9 +96,7 @@ void MainWindow::openNext()
     } else {
         open(m_toOpen.takeFirst());
     }
-    if (!m_toOpen.isEmpty()) {
-        m_opening.start(0);
-    }
+    m_opening.start(0);
 }
 
 bool MainWindow::open(const QString& strPath)
@@ -148,7 +133,10 @@ bool MainWindow::openSequence(const QString& strPath)
         return false;
     }
     CORVSettings& settings = *CORVPreference::getSettings();
-    const QString folder = outcome.document->getSequenceInfoPath();
+    const QString folder = recentPaths::absolute(outcome.document->getSequenceInfoPath());
+    if (m_places.contains(folder) && !outcome.wasOpen) {
+        m_pDocuments->setPlace(outcome.document, m_places.take(folder));
+    }
     recentPaths::write(settings, recentPaths::with(recentPaths::read(settings), folder));
     settings.setRecentFilePath(recentPaths::parentOf(folder));
     fillRecent();
@@ -303,46 +291,5 @@ void MainWindow::closeAfterRun()
         if (pWindow) {
             pWindow->close();
         }
-    }
-}
-
-// A "No to All" counts until the last window was asked about.
-bool MainWindow::closeAll()
-{
-    CORVUtilityFns::setCloseAllClicked(true);
-    CORVUtilityFns::setNoToAllClicked(false);
-    const bool bClosed = m_pDocuments->closeAll();
-    CORVUtilityFns::setCloseAllClicked(false);
-    CORVUtilityFns::setNoToAllClicked(false);
-    return bClosed;
-}
-
-void MainWindow::closeEvent(QCloseEvent* pEvent)
-{
-    pEvent->ignore();
-    if (!CORVUtilityFns::canClose() || QApplication::activeModalWidget() != nullptr) {
-        return;
-    }
-    if (m_pLock->isLocked() || m_pProcesses->isRunning()) {
-        if (asksToAbort(tr("An analysis is running. Abort it and quit?"))) {
-            m_toClose.append(this);
-            orv::requestAbort();
-            closeAfterRun();
-        }
-        return;
-    }
-    QStringList folders;
-    int nLast = 0; // how many stay at the end
-    const CORVSequenceDataset* pFront = m_pPalette->told();
-    for (const CORVSequenceDataset* pSequence : m_pDocuments->sequences()) {
-        folders.insert(folders.size() - nLast, pSequence->getSequenceInfoPath());
-        nLast = pSequence == pFront ? 1 : nLast;
-    }
-    CORVSettings& settings = *CORVPreference::getSettings();
-    windowPlaces::save(settings, *this);
-    m_pLogDock->save(settings);
-    if (closeAll()) {
-        recentPaths::writeSession(settings, folders);
-        pEvent->accept();
     }
 }

@@ -7,6 +7,7 @@
 #include "host/CORVSequenceDataset.h"
 #include "host/CORVSequenceWindow.h"
 #include "workbench/application/documentWindows.h"
+#include "workbench/application/windowPlaces.h"
 
 #include <QAction>
 #include <QEvent>
@@ -190,6 +191,36 @@ QList<CORVSequenceDataset*> OpenDocuments::sequences() const
         }
     }
     return all;
+}
+
+CORVMdiSubWindow* OpenDocuments::frameOf(const CORVSequenceDataset* pSequence) const
+{
+    for (const auto& pShown : m_shown) {
+        if (pSequence != nullptr && pShown->m_pSequence == pSequence) {
+            return pShown->m_pFrame;
+        }
+    }
+    return nullptr;
+}
+
+QRect OpenDocuments::place(const CORVSequenceDataset* pSequence) const
+{
+    const CORVMdiSubWindow* pFrame = frameOf(pSequence);
+    return pFrame == nullptr || pFrame->isMaximized() || pFrame->isMinimized() ? QRect() : pFrame->geometry();
+}
+
+void OpenDocuments::setPlace(const CORVSequenceDataset* pSequence, const QRect& place)
+{
+    CORVMdiSubWindow* pFrame = frameOf(pSequence);
+    if (pFrame == nullptr) {
+        return;
+    }
+    if (!place.isValid()) {
+        pFrame->setWindowState(Qt::WindowMaximized);
+        return;
+    }
+    pFrame->setWindowState(Qt::WindowNoState);
+    pFrame->setGeometry(windowPlaces::reachable(place, {m_pArea->viewport()->rect()}));
 }
 
 const OpenDocuments::Shown* OpenDocuments::current() const

@@ -5,6 +5,7 @@
 
 #include <QObject>
 #include <QPointer>
+#include <QRect>
 #include <QStringList>
 
 #include <functional>
@@ -50,6 +51,10 @@ public:
     void showDataset(CORVDataset* pDataset);
 
     QList<CORVSequenceDataset*> sequences() const;
+    // Where the window of a sequence is in the work area; invalid for one that fills it. It is put where it can be
+    // reached.
+    QRect place(const CORVSequenceDataset* pSequence) const;
+    void setPlace(const CORVSequenceDataset* pSequence, const QRect& place);
     // Of the window in front; null when that shows something else, or nothing.
     CORVSequenceDataset* currentSequence() const;
     CORVSequenceWindow* currentSequenceWindow() const;
@@ -92,6 +97,7 @@ private:
     documentWindows::Listener listener();
     bool eventFilter(QObject* pWatched, QEvent* pEvent) override;
     CORVMdiSubWindow* add(Shown&& shown);
+    CORVMdiSubWindow* frameOf(const CORVSequenceDataset* pSequence) const;
     Shown* shownBy(const QObject* pWindow);
     const Shown* current() const;
     bool allowsClosing(Shown& shown);

@@ -154,7 +154,7 @@ int runWorkbench(int argc, char** argv)
     {
         MainWindow window(options);
         window.show();
-        window.openLater(options.paths.isEmpty() ? MainWindow::lastSession() : options.paths);
+        window.start(options.paths);
         status = QApplication::exec();
     }
     orv::setMessageResponder(nullptr);

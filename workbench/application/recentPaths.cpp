@@ -9,13 +9,7 @@
 namespace {
 
 constexpr const char* const key = "Workbench/RecentSequences";
-constexpr const char* const sessionKey = "Workbench/OpenSequences";
 constexpr int longestFolder = 60;
-
-QString absolute(const QString& strPath)
-{
-    return QDir::cleanPath(QFileInfo(strPath).absoluteFilePath());
-}
 
 // The middle of a long path tells least.
 QString shortened(const QString& strPath)
@@ -30,6 +24,11 @@ QString shortened(const QString& strPath)
 } // namespace
 
 namespace recentPaths {
+
+QString absolute(const QString& strPath)
+{
+    return QDir::cleanPath(QFileInfo(strPath).absoluteFilePath());
+}
 
 QStringList with(const QStringList& paths, const QString& strPath)
 {
@@ -66,16 +65,6 @@ QStringList read(const CORVSettings& settings)
 void write(CORVSettings& settings, const QStringList& paths)
 {
     settings.setValue(QLatin1String(key), paths);
-}
-
-QStringList readSession(const CORVSettings& settings)
-{
-    return settings.value(QLatin1String(sessionKey)).toStringList();
-}
-
-void writeSession(CORVSettings& settings, const QStringList& paths)
-{
-    settings.setValue(QLatin1String(sessionKey), paths);
 }
 
 } // namespace recentPaths

@@ -11,7 +11,9 @@ namespace recentPaths {
 
 constexpr int most = 10;
 
-// The list with the path, made absolute, at its front and once; no longer than `most`.
+// As paths are kept: absolute, without a separator at the end.
+QString absolute(const QString& strPath);
+// The list with the path at its front and once; no longer than `most`.
 QStringList with(const QStringList& paths, const QString& strPath);
 QStringList without(const QStringList& paths, const QString& strPath);
 // The folder in which the folder lies, without a separator at its end.
@@ -21,9 +23,5 @@ QString menuText(int nPlace, const QString& strPath);
 
 QStringList read(const CORVSettings& settings);
 void write(CORVSettings& settings, const QStringList& paths);
-
-// The sequences that were open when the program ended, in order, the one in front last.
-QStringList readSession(const CORVSettings& settings);
-void writeSession(CORVSettings& settings, const QStringList& paths);
 
 } // namespace recentPaths

@@ -203,16 +203,4 @@ TEST_F(OpeningTest, ImagesOfASequenceGoWithIt)
     EXPECT_EQ(m_pWindow->documents().count(), 0);
 }
 
-TEST_F(OpeningTest, WhatWasOpenIsOpenAgainAtTheNextStart)
-{
-    m_pWindow->open(mouse());
-    m_pWindow->open(other());
-    m_pWindow->open(mouse());
-    EXPECT_TRUE(m_pWindow->close());
-    const QStringList session = MainWindow::lastSession();
-    ASSERT_EQ(session.size(), 2);
-    // The one in front comes last, and so to the front.
-    EXPECT_EQ(QDir(session.last()), QDir(mouse()));
-}
-
 } // namespace

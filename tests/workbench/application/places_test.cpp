@@ -89,14 +89,6 @@ TEST_F(PlacesTest, TheFolderOfTheLastSequenceIsWhereTheNextIsLookedFor)
     m_pWindow->open(mouse());
     restart();
     EXPECT_EQ(CORVPreference::getSettings()->getRecentFilePath(), QFileInfo(mouse()).path());
-    EXPECT_EQ(MainWindow::lastSession().size(), 1);
-}
-
-TEST_F(PlacesTest, ASequenceThatIsGoneIsNotOpenedAgain)
-{
-    CORVPreference::getSettings()->setValue("Workbench/OpenSequences",
-                                            QStringList({m_folder.filePath("gone"), mouse()}));
-    EXPECT_EQ(MainWindow::lastSession(), QStringList(mouse()));
 }
 
 } // namespace
