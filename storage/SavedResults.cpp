@@ -13,6 +13,7 @@
 #include "spectra/logLine.h"
 
 #include <QFileInfo>
+#include <QScopedValueRollback>
 
 SavedResults::SavedResults(ResultsList& list, SavedResultsOwner& owner) : m_list(list), m_owner(owner)
 {
@@ -119,6 +120,8 @@ bool SavedResults::askToKeep(bool bCanCancel)
     m_list.m_bResultModified = false;
     if (nAnswer == CORVMessageBox::YesButton) {
         m_bUseAutoName = true;
+        // There is no second chance: what is not saved now is lost.
+        const QScopedValueRollback<bool> waiting(m_bWaitForFreeFile, true);
         onClickSaveResults();
     } else if (bOffered && nAnswer == CORVMessageBox::NoToAllButton) {
         CORVUtilityFns::setNoToAllClicked(true);

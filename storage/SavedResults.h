@@ -74,7 +74,8 @@ public:
     QString m_strBatchStamp;        // never empty
     bool m_bEditingName = false;
     int m_nEditedIndex = -1;
-    // Instead of FileWasThere a save waits for the next second. Off: a window must not stand still.
+    // Instead of FileWasThere a save waits for the next second, as one does that a question has led to. Off: a window
+    // must not stand still.
     bool m_bWaitForFreeFile = false;
     // What time stamps are made of; tests set their own.
     std::function<QDateTime()> m_clock = QDateTime::currentDateTime;

@@ -23,6 +23,7 @@
 #include <QCursor>
 #include <QDomDocument>
 #include <QFile>
+#include <QPointer>
 
 namespace {
 
@@ -43,14 +44,17 @@ bool SavedResults::onClickLoadResults()
             CORVLOG_WARNING);
         return false;
     }
-    CORVSequenceDataset* pSequence = dataset();
-    if (pSequence == nullptr) {
+    const QPointer<CORVSequenceDataset> pSequence(dataset());
+    if (!pSequence) {
         return false;
     }
     m_owner.showMinimisedWindow(pSequence);
     m_pEngine->m_bSkipSavePrompt = false;
     if (!askToSaveResults(true)) {
         CORVMessageBox::setCancelClicked(false);
+        return false;
+    }
+    if (!pSequence || m_pEngine == nullptr) { // closed meanwhile
         return false;
     }
     const QString strName = m_list.currentText();

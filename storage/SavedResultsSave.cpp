@@ -121,6 +121,9 @@ SaveOutcome SavedResults::saveInto(Target& target, const QByteArray& document)
             if (!askToOverwrite(entry.name)) {
                 return SaveOutcome::Declined;
             }
+            if (dataset() == nullptr) { // closed meanwhile
+                return SaveOutcome::NotSaved;
+            }
             target.overwrites.insert(entry.name);
             break;
         case Attempt::Wait:

@@ -73,6 +73,19 @@ TEST_F(AskTest, YesSavesUnderTheAutomaticName)
     EXPECT_EQ(files().size(), 4);
 }
 
+TEST_F(AskTest, YesSavesInTheSecondOfAnotherSaveToo)
+{
+    ASSERT_EQ(save("of this second"), SaveOutcome::Saved);
+    setUp();
+    // The second goes by once the save has looked for a free name.
+    int nLooks = 0;
+    m_results.m_clock = [&] { return m_moment.addSecs(nLooks++ < 3 ? 0 : 1); };
+    m_boxes.answer = CORVMessageBox::YesButton;
+    EXPECT_TRUE(m_results.askToSaveResults(true));
+    EXPECT_EQ(names(), QStringList({"of this second", "SPUM_001"}));
+    EXPECT_EQ(files().size(), 2);
+}
+
 TEST_F(AskTest, YesWithAFailingSaveStillDropsTheResult)
 {
     writeBytes("XML", "a file in the folder's place");
