@@ -10,6 +10,8 @@
 #include "host/CORVUtilityFns.h"
 #include "platform/orvutils/ProcessControl.h"
 
+#include <QDir>
+#include <QFile>
 #include <QLabel>
 
 #include <algorithm>
@@ -38,6 +40,18 @@ CILImage photograph()
     });
 }
 
+// Gives the sequence a folder, by way of a dataset without images.
+void settle(CORVSequenceDataset& sequence, const Plan& plan)
+{
+    const QDir home(plan.folder);
+    QFile file(home.filePath("click/ClickInfo.txt"));
+    ASSERT_TRUE(home.mkpath("click") && file.open(QIODevice::WriteOnly));
+    file.write("[ClickNumber]\nClickNumber: SETTLED-001\n");
+    file.close();
+    ASSERT_EQ(sequence.open(plan.folder), ESTATUS_SUCCESS);
+    sequence.setSequenceID(plan.id);
+}
+
 float mixture(int nImage, int nImages, double dGain, int nPixel)
 {
     const auto spectra = bellSpectra(3, std::max(nImages, 3));
@@ -60,6 +74,9 @@ Plan otherPlan()
 
 OpenedInWindow::OpenedInWindow(const Plan& plan, QMdiArea& area) : m_sequence(plan.id)
 {
+    if (!plan.folder.isEmpty()) {
+        settle(*m_sequence.operator->(), plan);
+    }
     m_sequence->isFluorescence = plan.fluorescence;
     m_sequence->isTransillumination = plan.scan;
     m_sequence->setKyvoSequence(plan.temporal);
@@ -108,6 +125,15 @@ OpenedInWindow::OpenedInWindow(const Plan& plan, QMdiArea& area) : m_sequence(pl
     pFrame->setWidget(m_pWindow);
     area.addSubWindow(pFrame);
     pFrame->showMaximized();
+}
+
+void setBandsOf(OpenedInWindow& opened, const char* pFilter)
+{
+    for (CORVDataset* pDataset : opened.sequence().getDatasets()) {
+        if (CPLSection* pSection = pDataset->clickInfo[QString("luminescent image")]) {
+            pSection->setValue(QString("Emission Filter"), QString(pFilter));
+        }
+    }
 }
 
 OpenedInWindow::~OpenedInWindow()

@@ -38,6 +38,7 @@ struct Question
     QString caption;
     QString text;
     QWidget* parent = nullptr;
+    QList<int> offered{}; // answers
 };
 
 // Answers every question alike, by yes unless told otherwise, and keeps them.
@@ -65,11 +66,11 @@ public:
     explicit Responder(Answers& answers) : m_answers(answers) {}
     int ask(const orv::MessageRequest& request) override
     {
-        m_answers.asked.append({request.m_strCaption, request.m_strText, request.m_pParent});
+        const QList<int> offered = request.answers();
+        m_answers.asked.append({request.m_strCaption, request.m_strText, request.m_pParent, offered});
         if (m_answers.whileOpen) {
             m_answers.whileOpen();
         }
-        const QList<int> offered = request.answers();
         return offered.size() == 1 ? offered.first() : m_answers.answer;
     }
     std::optional<orv::FileAnswer> chooseFile(const orv::FileRequest& request) override
@@ -93,6 +94,7 @@ private:
 struct Plan
 {
     QString id = "seq-A";
+    QString folder; // its home, where results are saved; none when empty
     QStringList emissions{"660", "680", "700", "720", "740", "760"};
     QStringList excitations{"640"};
     QString probe = "ICG";
@@ -107,6 +109,10 @@ struct Plan
 
 // Of another sequence, of four images.
 Plan otherPlan();
+
+class OpenedInWindow;
+// Gives every image of the sequence that emission filter.
+void setBandsOf(OpenedInWindow& opened, const char* pFilter);
 
 // A sequence in memory with its window in the work area.
 class OpenedInWindow

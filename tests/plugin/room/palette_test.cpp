@@ -256,17 +256,8 @@ TEST_F(PaletteTest, ASequenceThatCannotBeInspectedLosesItsEngineAndSaysSo)
 {
     auto& opened = open();
     QSignalSpy changed(&opened.sequence(), SIGNAL(sequencePropertyChanged(CORVSequenceDataset*)));
-    for (CORVDataset* pDataset : opened.sequence().getDatasets()) {
-        CPLSection* pSection = pDataset->clickInfo[QString("luminescent image")];
-        pSection->setValue(QString("Emission filter"), QString("Open"));
-    }
+    setBandsOf(opened, "700nm");
     const QPointer<CORVSpumKyvo> pEngine(&engine());
-    opened.test().add(TestImage());
-    for (CORVDataset* pDataset : opened.sequence().getDatasets()) {
-        pDataset->hasLuminescentImage = false;
-    }
-    opened.sequence().setCTScan(true, true);
-    opened.sequence().isSecondKind = true;
     m_palette->onSequenceChanged(&opened.sequence());
     EXPECT_EQ(changed.count(), 1);
     EXPECT_FALSE(opened.sequence().isSpectrallyAnalysable);
