@@ -19,6 +19,9 @@
 #include <QFileInfo>
 #include <QPointer>
 
+#include <algorithm>
+#include <iterator>
+
 namespace {
 
 const char* const kTableFilter = "Plot Data (*.csv)";
@@ -104,6 +107,15 @@ void SpumKyvoConsoleWnd::onClickSaveSpectrumLibrary()
     if (m_spectra.isEmpty()) {
         return;
     }
+    // A row that nothing was painted for would be a spectrum of zeros, with which no one can unmix.
+    QList<SpectrumPlotParams*> measured;
+    std::copy_if(m_spectra.cbegin(), m_spectra.cend(), std::back_inserter(measured),
+                 [](const SpectrumPlotParams* pSpectrum) { return pSpectrum->hasData(); });
+    if (measured.isEmpty()) {
+        CORVMessageBox::warning(this, CORVUtilityFns::getAppName(),
+                                tr("No row has a spectrum yet that could be saved."));
+        return;
+    }
     const QString folder = libraryFolder();
     if (folder.isEmpty()) {
         CORVMessageBox::warning(this, CORVUtilityFns::getAppName(), tr("Failed to create the SPUM database folder"));
@@ -116,7 +128,7 @@ void SpumKyvoConsoleWnd::onClickSaveSpectrumLibrary()
         return;
     }
     const QString path = exportName::ofLibrary(answer);
-    if (SpumKyvoDatabase().saveLibrary(path, m_spectra, m_pNotationLE->text()) && !exportName::isListedLibrary(path)) {
+    if (SpumKyvoDatabase().saveLibrary(path, measured, m_pNotationLE->text()) && !exportName::isListedLibrary(path)) {
         CORVMessageBox::warning(this, CORVUtilityFns::getAppName(),
                                 tr("\"%1\" is saved, but it will not be among the libraries to load, as its name does "
                                    "not end in \".csv\".")

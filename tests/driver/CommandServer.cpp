@@ -33,6 +33,7 @@ namespace {
 
 constexpr int beatMs = 5;
 constexpr qint64 longestGestureMs = 250;
+constexpr qint64 longestDragMs = 10000;
 
 QJsonObject failure(const QString& strReason)
 {
@@ -120,7 +121,8 @@ void CommandServer::onBeat()
     if (nLate > beatMs) {
         m_stalls.append(nLate);
     }
-    if (m_waiting.isEmpty() || m_bTaken || (m_nHolding != 0 && m_sinceGesture.elapsed() < longestGestureMs)) {
+    const qint64 nLongest = m_bDragging ? longestDragMs : longestGestureMs;
+    if (m_waiting.isEmpty() || m_bTaken || (m_nHolding != 0 && m_sinceGesture.elapsed() < nLongest)) {
         return;
     }
     m_nHolding = 0;
@@ -252,7 +254,14 @@ void CommandServer::performOnWidget(const Command& command, QWidget* pWidget)
     if (strDo == "find") {
         answer(command.m_pFrom, stateOf(*pWidget));
     } else if (strDo == "click" || strDo == "drag") {
-        gesture(command, [&] { sendMouse(pWidget, way); });
+        // Whatever came between would be drawn along.
+        gesture(command, [&] {
+            m_bDragging = way.steps > 0;
+            sendMouse(pWidget, way, [this] {
+                m_bDragging = false;
+                m_sinceGesture.restart();
+            });
+        });
     } else if (strDo == "move") {
         gesture(command, [&] { sendMove(pWidget, way.from); });
     } else if (strDo == "wheel") {

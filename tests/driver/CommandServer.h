@@ -76,9 +76,10 @@ private:
 
     QLocalServer* m_pServer;
     QList<Command> m_waiting;
-    bool m_bTaken = false; // a command is about to be done
-    int m_nGestures = 0;   // so far
-    int m_nHolding = 0;    // the one that holds up the next command, or 0
+    bool m_bTaken = false;    // a command is about to be done
+    int m_nGestures = 0;      // so far
+    int m_nHolding = 0;       // the one that holds up the next command, or 0
+    bool m_bDragging = false; // its button is still down
     QElapsedTimer m_sinceGesture;
     QTimer m_beat; // takes the next command, and notes how late it comes
     QElapsedTimer m_sinceBeat;

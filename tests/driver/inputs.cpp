@@ -63,7 +63,7 @@ MouseGesture gestureOf(const QJsonObject& words, const QWidget& widget)
     return gesture;
 }
 
-void sendMouse(QWidget* pWidget, const MouseGesture& gesture)
+void sendMouse(QWidget* pWidget, const MouseGesture& gesture, const std::function<void()>& released)
 {
     QWindow* pWindow = windowOf(pWidget);
     const QPoint from = inWindow(pWidget, gesture.from);
@@ -78,6 +78,9 @@ void sendMouse(QWidget* pWidget, const MouseGesture& gesture)
     QTest::mousePress(pWindow, gesture.button, gesture.modifiers, from);
     for (int i = 1; i <= gesture.steps && pAlive; ++i) {
         QTest::mouseMove(pWindow, from + (to - from) * i / gesture.steps);
+    }
+    if (released) {
+        released();
     }
     if (pAlive) {
         QTest::mouseRelease(pWindow, gesture.button, gesture.modifiers, to);

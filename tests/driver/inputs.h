@@ -6,6 +6,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
+
 class QWidget;
 
 // Gestures as they come from a mouse and a keyboard: through the window of the widget, so that grabs, popups, modal
@@ -24,7 +26,8 @@ struct MouseGesture
 // From a command's words ("at", "from", "to", "steps", "button", "modifiers", "double").
 MouseGesture gestureOf(const QJsonObject& words, const QWidget& widget);
 
-void sendMouse(QWidget* pWidget, const MouseGesture& gesture);
+// `released` is called right before the button comes up again.
+void sendMouse(QWidget* pWidget, const MouseGesture& gesture, const std::function<void()>& released = nullptr);
 void sendMove(QWidget* pWidget, const QPoint& at);
 void sendWheel(QWidget* pWidget, const QPoint& at, int nAngle, Qt::KeyboardModifiers eModifiers);
 // A sequence as "Ctrl+O" or "Tab"; to the window of the widget, whose focus decides who gets it.

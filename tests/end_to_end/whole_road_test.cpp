@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // From a sequence to maps, spectra and a composite, by clicks and keys.
 #include "end_to_end/WorkbenchFixture.h"
+#include "end_to_end/savedDocument.h"
 #include "support/simulated.h"
 
-#include <QDir>
 #include <QFile>
-#include <QRegularExpression>
 
 namespace {
 
@@ -82,22 +81,6 @@ TEST_F(ImportedTest, AFolderOfImagesIsImportedAndUnmixed)
     program().picture("end_to_end/import_tiles.png");
     EXPECT_EQ(rowNames(), (QStringList{"UMX1", "UMX2", "UMX3"}));
     EXPECT_TRUE(openComposite());
-}
-
-// What a save says of the result: without its moment, and without the numbers of the spectra, which are the places of
-// the rows in the window and those of the curves in the command line.
-QByteArray savedDocument(const QString& strSequence)
-{
-    QDir folder(strSequence + "/XML/SpecUnmix");
-    const QStringList names = folder.entryList({"*.xml"}, QDir::Files);
-    QFile file(names.isEmpty() ? QString() : folder.filePath(names.first()));
-    if (!file.open(QIODevice::ReadOnly)) {
-        return {};
-    }
-    return QString::fromUtf8(file.readAll())
-        .remove(QRegularExpression(" Date\\.Time=\"[^\"]*\""))
-        .replace(QRegularExpression("Component\\d+"), "Component")
-        .toUtf8();
 }
 
 class WholeRoadTest : public WorkbenchFixture

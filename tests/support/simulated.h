@@ -9,10 +9,16 @@
 
 #include <gtest/gtest.h>
 
-// Runs the command line as it was built; whatever it is asked for must succeed.
-inline void runSpum(const QStringList& arguments)
+// Runs the command line as it was built, with some variables of the environment set; whatever it is asked for must
+// succeed.
+inline void runSpum(const QStringList& arguments, const QMap<QString, QString>& variables = {})
 {
     QProcess spum;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    for (auto it = variables.begin(); it != variables.end(); ++it) {
+        environment.insert(it.key(), it.value());
+    }
+    spum.setProcessEnvironment(environment);
     spum.start(QStringLiteral(ORV_BINARY_DIR "/bin/spum"), arguments);
     const bool ended = spum.waitForFinished(120000);
     EXPECT_TRUE(ended && spum.exitCode() == 0) << spum.readAllStandardError().constData();

@@ -140,6 +140,20 @@ TEST_F(ConsoleFilesTest, TheSpectraAreSavedAsALibrary)
     qDeleteAll(loaded);
 }
 
+TEST_F(ConsoleFilesTest, RowsWithoutASpectrumAreNotSaved)
+{
+    click(m_pConsole->m_pAddSpectrum);
+    ASSERT_EQ(m_pConsole->getSelectedSpectra().size(), 2);
+    m_talk.files << path("measured.csv");
+    click(m_pConsole->m_pSaveDatabaseTB);
+    EXPECT_TRUE(contents(path("measured.csv")).contains("NumSpec,2"));
+    m_pConsole->setBackgroundMode(false);
+    click(m_pConsole->m_pAddSpectrum);
+    m_talk.questions.clear();
+    click(m_pConsole->m_pSaveDatabaseTB);
+    EXPECT_EQ(m_talk.questions, QStringList{"No row has a spectrum yet that could be saved."});
+}
+
 TEST_F(ConsoleFilesTest, ALibraryThatWillNotBeListedIsWarnedOf)
 {
     m_talk.files << path("dyes.TXT");
