@@ -53,7 +53,8 @@ void paint(QPrinter& printer, const QPixmap& picture)
                                                                       "cannot be written."));
         return;
     }
-    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    // Without the second a PDF file gets the picture as a JPEG one.
+    painter.setRenderHints(QPainter::SmoothPixmapTransform | QPainter::LosslessImageRendering);
     // From the corner of what can be printed on, whose own place does not count for a painter.
     const QRectF page(QPointF(), printer.pageRect(QPrinter::DevicePixel).size());
     painter.drawPixmap(placeOnPage(picture.size(), page), picture, QRectF(picture.rect()));
@@ -70,6 +71,11 @@ void print(QWidget* pParent, const QPixmap& picture)
 void preview(QWidget* pParent, const QPixmap& picture)
 {
     QPrinter printer(QPrinter::HighResolution);
+    preview(pParent, picture, printer);
+}
+
+void preview(QWidget* pParent, const QPixmap& picture, QPrinter& printer)
+{
     ask<QPrintPreviewDialog>(pParent, picture, printer, "PrintPreviewDialog", [&picture](QPrintPreviewDialog& dialog) {
         QObject::connect(&dialog, &QPrintPreviewDialog::paintRequested, &dialog,
                          [&picture](QPrinter* pPrinter) { paint(*pPrinter, picture); });

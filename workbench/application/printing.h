@@ -17,5 +17,7 @@ void paint(QPrinter& printer, const QPixmap& picture);
 // Ask for a printer, or show the page first, and print. A null picture does nothing.
 void print(QWidget* pParent, const QPixmap& picture);
 void preview(QWidget* pParent, const QPixmap& picture);
+// On that printer's paper, turned as the picture is.
+void preview(QWidget* pParent, const QPixmap& picture, QPrinter& printer);
 
 } // namespace printing
