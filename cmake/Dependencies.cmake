@@ -5,6 +5,7 @@ find_package(Qt5 5.15 REQUIRED COMPONENTS Core Gui Widgets Xml Svg Charts PrintS
 find_package(OpenGL REQUIRED COMPONENTS OpenGL)
 find_package(Eigen3 3.4 REQUIRED NO_MODULE)
 find_package(TIFF REQUIRED)
+find_package(PNG REQUIRED)
 find_package(Threads REQUIRED)
 
 # Debian's core and imgproc packages bring no CMake configuration of their own.

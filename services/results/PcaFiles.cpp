@@ -3,8 +3,8 @@
 
 #include "engine/CORVSpumKyvo.h"
 #include "files/AtomicFile.h"
+#include "platform/orvimage/pngBytes.h"
 #include "services/basis/Failure.h"
-#include "services/basis/PngBytes.h"
 #include "services/basis/TextTable.h"
 #include "services/basis/UnitNames.h"
 #include "services/pictures/MaskPicture.h"
@@ -137,10 +137,10 @@ void PcaFiles::put(const QString& strPath, const QByteArray& bytes)
 void PcaFiles::write(const QString& strFolder)
 {
     const SpectrumPlot plot = screePlot();
-    put(strFolder + QStringLiteral("scree.png"), pngBytes(plot.toImage(plotSize)));
+    put(strFolder + QStringLiteral("scree.png"), orvimage::pngBytes(plot.toImage(plotSize)));
     put(strFolder + QStringLiteral("scree.svg"), plot.toSvg(plotSize));
     if (m_engine.m_cube.pixelsPerSpot() < static_cast<long long>(m_engine.m_nWidth) * m_engine.m_nHeight) {
-        put(strFolder + QStringLiteral("mask.png"), pngBytes(maskPicture(m_engine)));
+        put(strFolder + QStringLiteral("mask.png"), orvimage::pngBytes(maskPicture(m_engine)));
     }
     TextTable table({QStringLiteral("components"), QStringLiteral("explained variance"), QStringLiteral("of this one"),
                      QStringLiteral("eigenvalue")});

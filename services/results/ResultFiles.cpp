@@ -7,8 +7,8 @@
 #include "host/CILImage.h"
 #include "platform/orvimage/RenderMap.h"
 #include "platform/orvimage/TiffIo.h"
+#include "platform/orvimage/pngBytes.h"
 #include "services/basis/Failure.h"
-#include "services/basis/PngBytes.h"
 #include "services/basis/TextTable.h"
 #include "services/basis/UnitNames.h"
 #include "services/pictures/MaskPicture.h"
@@ -146,7 +146,7 @@ void ResultFiles::writeMap(int nComponent, int nSpot)
     options.reversed = m_engine.m_bReverse;
     options.logScale = m_engine.m_bLogScale;
     const QImage picture = orvimage::renderMapOverPhotograph(map, m_engine.m_pPhoto, options);
-    const QByteArray png = pngBytes(picture);
+    const QByteArray png = orvimage::pngBytes(picture);
     put(name + QStringLiteral(".png"), png);
     if (m_pictures.size() >= overviewMaps) {
         return;
@@ -173,13 +173,13 @@ void ResultFiles::writeOverview()
         painter.drawImage(cell.width() * (i % columns), cell.height() * (i / columns), m_pictures[i]);
     }
     painter.end();
-    put(QStringLiteral("overview.png"), pngBytes(sheet));
+    put(QStringLiteral("overview.png"), orvimage::pngBytes(sheet));
 }
 
 void ResultFiles::writeComposites()
 {
     for (const CompositeFile& file : compositeFilesOf(m_engine)) {
-        const QByteArray png = pngBytes(file.picture);
+        const QByteArray png = orvimage::pngBytes(file.picture);
         put(file.name, png);
         if (m_frame.composites.size() < reportedComposites) {
             m_frame.composites.append({QStringLiteral("Composite"), png, file.picture.size(), QByteArray()});
@@ -210,7 +210,7 @@ void ResultFiles::writeSpectra()
 void ResultFiles::writePlot()
 {
     const SpectrumPlot plot = plotOfSpectra(m_engine);
-    put(QStringLiteral("spectra.png"), pngBytes(plot.toImage(plotSize)));
+    put(QStringLiteral("spectra.png"), orvimage::pngBytes(plot.toImage(plotSize)));
     put(QStringLiteral("spectra.svg"), plot.toSvg(plotSize));
 }
 
@@ -219,7 +219,7 @@ void ResultFiles::writeMask()
     if (!m_engine.m_cube.m_bHasMask) {
         return;
     }
-    put(QStringLiteral("mask.png"), pngBytes(maskPicture(m_engine)));
+    put(QStringLiteral("mask.png"), orvimage::pngBytes(maskPicture(m_engine)));
 }
 
 void ResultFiles::writeProperties()

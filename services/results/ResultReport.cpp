@@ -4,7 +4,7 @@
 #include "engine/CORVSpumKyvo.h"
 #include "engine/EngineEnums.h"
 #include "host/CORVPreference.h"
-#include "services/basis/PngBytes.h"
+#include "platform/orvimage/pngBytes.h"
 #include "services/basis/TextTable.h"
 #include "services/pictures/ResultPlot.h"
 #include "services/results/ResultFacts.h"
@@ -230,7 +230,7 @@ ReportContent contentOfReport(const CORVSpumKyvo& engine, const ResultFacts& fac
     ReportFigure figure;
     figure.title =
         engine.m_eAxis == SPECTRUMAXIS_TIME ? QStringLiteral("Time courses") : QStringLiteral("Pure spectra");
-    figure.png = pngBytes(printedPlot(plot));
+    figure.png = orvimage::pngBytes(printedPlot(plot));
     figure.svg = plot.toSvg(plotSize);
     figure.size = plotSize;
     content.plots.append(figure);

@@ -3,8 +3,8 @@
 
 #include "engine/CORVSpumKyvo.h"
 #include "files/AtomicFile.h"
+#include "platform/orvimage/pngBytes.h"
 #include "services/basis/Failure.h"
-#include "services/basis/PngBytes.h"
 #include "services/basis/TextTable.h"
 #include "services/basis/UnitNames.h"
 #include "services/results/ComparedResult.h"
@@ -176,7 +176,7 @@ void CompareCommand::run(const QCommandLineParser& parser, CliSession& session)
     style.colorTable = opened.engine().m_nColorMap;
     style.reversed = opened.engine().m_bReverse;
     style.unit = results.back()->unit();
-    put(staged.path() + QStringLiteral("comparison.png"), pngBytes(comparisonPicture(comparison, style)));
+    put(staged.path() + QStringLiteral("comparison.png"), orvimage::pngBytes(comparisonPicture(comparison, style)));
     put(staged.path() + QStringLiteral("comparison.csv"), tableOf(comparison, 9).toCsv().toUtf8());
     staged.finish(session);
     const QString text = QStringLiteral("compared with %1 over %2 pixels and %3 images\n\n%4\n")

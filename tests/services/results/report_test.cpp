@@ -5,7 +5,7 @@
 #include "services/results/ResultFacts.h"
 #include "services/results/ResultReport.h"
 
-#include "services/basis/PngBytes.h"
+#include "platform/orvimage/pngBytes.h"
 #include "services/support/SmallAnalysis.h"
 
 #include <QImage>
@@ -26,7 +26,7 @@ QImage picture(int nWidth, int nHeight, const QColor& color)
 
 ReportFigure figure(const QString& strTitle, int nWidth = 40, int nHeight = 30)
 {
-    return {strTitle, pngBytes(picture(nWidth, nHeight, Qt::red)), QSize(nWidth, nHeight), QByteArray()};
+    return {strTitle, orvimage::pngBytes(picture(nWidth, nHeight, Qt::red)), QSize(nWidth, nHeight), QByteArray()};
 }
 
 ReportContent smallContent()
