@@ -11,6 +11,7 @@
 #include "windows/componentCount.h"
 #include "windows/halfLife.h"
 #include "windows/probeOffer.h"
+#include "windows/widgets/focusFrame.h"
 #include "windows/widgets/isotopeControls.h"
 #include "windows/wizardLook.h"
 
@@ -76,6 +77,7 @@ void SpUnmixWizardWnd::init()
         pButton->setStyle(pStyle);
         pButton->setEnabled(false);
     }
+    frameFocusOf(*button(QWizard::FinishButton));
     m_pProbeTable->horizontalHeader()->hide();
     setAnalysisType(kFluorescent);
     onAddProbe();

@@ -2,8 +2,10 @@
 #include "windows/SpumKyvoPCAWnd.h"
 
 #include "windows/explainedVariance.h"
+#include "windows/widgets/focusFrame.h"
 
 #include <QHeaderView>
+#include <QPushButton>
 
 namespace {
 
@@ -27,6 +29,7 @@ QFont fittingFont(QFont font, const QString& strText, int nWidth)
 SpumKyvoPCAWnd::SpumKyvoPCAWnd(QWidget* pParent) : QDialog(pParent)
 {
     setupUi(this);
+    frameFocusOf(*dialogButtonBox->button(QDialogButtonBox::Close));
     init();
 }
 
