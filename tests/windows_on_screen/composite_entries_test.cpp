@@ -181,6 +181,28 @@ TEST_F(CompositeWindowTest, ALabelGoesToTheListAndTheView)
     EXPECT_EQ(m_window.m_pView->labelList()[1].second, QColor("red"));
 }
 
+TEST_F(CompositeWindowTest, ALabelOfThreeHundredCharactersMovesNothing)
+{
+    fillAndShow();
+    const QSize before = m_window.minimumSizeHint();
+    const QRect list = m_window.m_pImageList->geometry();
+    const QRect frame = m_window.m_pViewFrame->geometry();
+    m_window.m_pLabelEdit->setText(QString(300, 'W'));
+    QApplication::processEvents();
+    EXPECT_EQ(item(0)->text().size(), 300);
+    EXPECT_EQ(m_window.m_channels[0]->label.size(), 300);
+    EXPECT_EQ(m_window.minimumSizeHint(), before);
+    EXPECT_EQ(m_window.m_pImageList->geometry(), list);
+    EXPECT_EQ(m_window.m_pViewFrame->geometry(), frame);
+    // On the picture it ends before the edge.
+    const QImage shown = m_window.m_pView->renderImage();
+    m_window.m_pView->setLabelList({});
+    const QImage bare = m_window.m_pView->renderImage();
+    const int nRight = shown.width() - 1;
+    EXPECT_NE(shown, bare);
+    EXPECT_EQ(shown.copy(nRight, 0, 1, shown.height()), bare.copy(nRight, 0, 1, bare.height()));
+}
+
 // Answers with one colour, and keeps what was asked.
 class ColorAnswer : public orv::MessageResponder
 {

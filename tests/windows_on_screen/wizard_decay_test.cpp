@@ -110,7 +110,8 @@ TEST_F(WizardDecayTest, OddTextsAreNoHalfLife)
 {
     openFor("F-18");
     chooseUndefined();
-    const QList<QPair<QString, QString>> typed{{"abc", ""}, {"-1", "1"}, {"nan", ""}, {"1,234.5", "1234.5"}};
+    const QList<QPair<QString, QString>> typed{{"abc", ""},        {"-1", "1"},           {"nan", ""},
+                                               {"1e400", "1e400"}, {"1,234.5", "1234.5"}, {"12.345", "12.34"}};
     for (const auto& pair : typed) {
         type(pair.first);
         EXPECT_EQ(halfLife(), pair.second) << qPrintable(pair.first);
