@@ -17,6 +17,7 @@
 #include <QMenu>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -354,16 +355,24 @@ bool OpenDocuments::closeCurrent()
 
 bool OpenDocuments::closeAll()
 {
-    // The one in front first: whoever wants to go back then has all of them still open.
     QList<QPointer<CORVMdiSubWindow>> frames;
     for (const auto& pShown : m_shown) {
         if (!pShown->m_bClosing) {
             frames.insert(pShown.get() == current() ? 0 : frames.size(), pShown->m_pFrame);
         }
     }
+    // Nothing closes before everything may: whoever wants to go back then has all of them still open.
+    for (const auto& pFrame : qAsConst(frames)) {
+        const Shown* pShown = pFrame ? shownBy(pFrame->widget()) : nullptr;
+        if (pShown != nullptr && m_question && !m_question(pShown->m_pWindow)) {
+            return false;
+        }
+    }
     m_bQuiet = true;
+    const auto question = std::exchange(m_question, nullptr);
     const bool bAll =
         std::all_of(frames.cbegin(), frames.cend(), [](const auto& pFrame) { return !pFrame || pFrame->close(); });
+    m_question = question;
     m_bQuiet = false;
     noteCurrent();
     return bAll;

@@ -65,7 +65,7 @@ public:
 
     // Asked before a window closes, the answer false keeps it; without one every window closes.
     void setClosingQuestion(std::function<bool(CORVChildWindow*)> question);
-    // Closes the window in front, or all, as the user would. False when one stays.
+    // Closes the window in front, or all, as the user would. False when one stays; then all of them do.
     bool closeCurrent();
     bool closeAll();
 
