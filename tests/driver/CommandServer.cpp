@@ -33,7 +33,7 @@ namespace {
 
 constexpr int beatMs = 5;
 constexpr qint64 longestGestureMs = 250;
-constexpr qint64 longestDragMs = 10000;
+constexpr qint64 longestPartMs = 10000;
 
 QJsonObject failure(const QString& strReason)
 {
@@ -121,7 +121,7 @@ void CommandServer::onBeat()
     if (nLate > beatMs) {
         m_stalls.append(nLate);
     }
-    const qint64 nLongest = m_bDragging ? longestDragMs : longestGestureMs;
+    const qint64 nLongest = m_bMidway ? longestPartMs : longestGestureMs;
     if (m_waiting.isEmpty() || m_bTaken || (m_nHolding != 0 && m_sinceGesture.elapsed() < nLongest)) {
         return;
     }
@@ -162,6 +162,19 @@ void CommandServer::gesture(const Command& command, const std::function<void()>&
     if (m_nHolding == nNumber) {
         m_nHolding = 0;
     }
+}
+
+void CommandServer::gestureOfParts(const Command& command, bool bParts,
+                                   const std::function<void(const std::function<void()>&)>& make)
+{
+    gesture(command, [&] {
+        m_bMidway = bParts;
+        make([this] {
+            m_bMidway = false;
+            m_sinceGesture.restart();
+        });
+        m_bMidway = false;
+    });
 }
 
 bool CommandServer::performWithoutWidget(const Command& command)
@@ -255,13 +268,7 @@ void CommandServer::performOnWidget(const Command& command, QWidget* pWidget)
         answer(command.m_pFrom, stateOf(*pWidget));
     } else if (strDo == "click" || strDo == "drag") {
         // Whatever came between would be drawn along.
-        gesture(command, [&] {
-            m_bDragging = way.steps > 0;
-            sendMouse(pWidget, way, [this] {
-                m_bDragging = false;
-                m_sinceGesture.restart();
-            });
-        });
+        gestureOfParts(command, way.steps > 0, [&](const auto& last) { sendMouse(pWidget, way, last); });
     } else if (strDo == "move") {
         gesture(command, [&] { sendMove(pWidget, way.from); });
     } else if (strDo == "wheel") {
@@ -269,7 +276,7 @@ void CommandServer::performOnWidget(const Command& command, QWidget* pWidget)
     } else if (strDo == "key") {
         gesture(command, [&] { sendKeys(pWidget, words["keys"].toString()); });
     } else if (strDo == "type") {
-        gesture(command, [&] { sendText(pWidget, words["text"].toString()); });
+        gestureOfParts(command, true, [&](const auto& last) { sendText(pWidget, words["text"].toString(), last); });
     } else if (strDo == "close") {
         gesture(command, [&] { pWidget->window()->close(); });
     } else if (strDo == "tip") {

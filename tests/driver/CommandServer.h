@@ -72,14 +72,17 @@ private:
     // False with the reason when there is no such place in the widget.
     bool gestureOnPart(const Command& command, QWidget* pWidget, QString* pReason);
     void gesture(const Command& command, const std::function<void()>& make);
+    // `make` calls what it gets right before the last part: the release of a button, the last letter.
+    void gestureOfParts(const Command& command, bool bParts,
+                        const std::function<void(const std::function<void()>&)>& make);
     void waitForQuiet(const Command& command);
 
     QLocalServer* m_pServer;
     QList<Command> m_waiting;
-    bool m_bTaken = false;    // a command is about to be done
-    int m_nGestures = 0;      // so far
-    int m_nHolding = 0;       // the one that holds up the next command, or 0
-    bool m_bDragging = false; // its button is still down
+    bool m_bTaken = false;  // a command is about to be done
+    int m_nGestures = 0;    // so far
+    int m_nHolding = 0;     // the one that holds up the next command, or 0
+    bool m_bMidway = false; // it has parts, and not all but the last are made
     QElapsedTimer m_sinceGesture;
     QTimer m_beat; // takes the next command, and notes how late it comes
     QElapsedTimer m_sinceBeat;

@@ -32,9 +32,14 @@ DrivenProgram::DrivenProgram(const QString& strProgram)
 DrivenProgram::~DrivenProgram()
 {
     if (isRunning()) {
-        m_process.kill();
-        m_process.waitForFinished();
+        kill();
     }
+}
+
+void DrivenProgram::kill()
+{
+    m_process.kill();
+    m_process.waitForFinished();
 }
 
 void DrivenProgram::setVariable(const QString& strName, const QString& strValue)

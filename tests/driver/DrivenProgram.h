@@ -41,6 +41,8 @@ public:
     bool picture(const QString& strName, const QString& strWidget = QString());
 
     bool isRunning();
+    // As by "kill -9".
+    void kill();
     // Does `meanwhile` every 20 ms until the program has ended; false when that took too long.
     bool waitUntilEnded(const std::function<void()>& meanwhile, int nTimeoutMs = 30000);
     int exitCode() const { return m_process.exitCode(); }

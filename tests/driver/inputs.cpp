@@ -63,7 +63,7 @@ MouseGesture gestureOf(const QJsonObject& words, const QWidget& widget)
     return gesture;
 }
 
-void sendMouse(QWidget* pWidget, const MouseGesture& gesture, const std::function<void()>& released)
+void sendMouse(QWidget* pWidget, const MouseGesture& gesture, const std::function<void()>& last)
 {
     QWindow* pWindow = windowOf(pWidget);
     const QPoint from = inWindow(pWidget, gesture.from);
@@ -79,8 +79,8 @@ void sendMouse(QWidget* pWidget, const MouseGesture& gesture, const std::functio
     for (int i = 1; i <= gesture.steps && pAlive; ++i) {
         QTest::mouseMove(pWindow, from + (to - from) * i / gesture.steps);
     }
-    if (released) {
-        released();
+    if (last) {
+        last();
     }
     if (pAlive) {
         QTest::mouseRelease(pWindow, gesture.button, gesture.modifiers, to);
@@ -114,13 +114,17 @@ void sendKeys(QWidget* pWidget, const QString& strKeys)
     }
 }
 
-void sendText(QWidget* pWidget, const QString& strText)
+void sendText(QWidget* pWidget, const QString& strText, const std::function<void()>& last)
 {
     QWindow* pWindow = windowOf(pWidget);
     for (int i = 0; i < strText.size(); ++i) {
-        // QTest's own keyClick knows the keys of Latin letters only; the text is what edits read.
+        if (i + 1 == strText.size()) {
+            last();
+        }
+        // QTest knows the keys of ASCII only, and stops at others; the text is what edits read.
         const QString strOne = strText.mid(i, 1);
-        QTest::sendKeyEvent(QTest::Click, pWindow, QTest::asciiToKey(strOne.at(0).toLatin1()), strOne, Qt::NoModifier);
+        const char cKey = strOne.at(0).unicode() < 128 ? strOne.at(0).toLatin1() : 'a';
+        QTest::sendKeyEvent(QTest::Click, pWindow, QTest::asciiToKey(cKey), strOne, Qt::NoModifier);
     }
 }
 

@@ -26,12 +26,13 @@ struct MouseGesture
 // From a command's words ("at", "from", "to", "steps", "button", "modifiers", "double").
 MouseGesture gestureOf(const QJsonObject& words, const QWidget& widget);
 
-// `released` is called right before the button comes up again.
-void sendMouse(QWidget* pWidget, const MouseGesture& gesture, const std::function<void()>& released = nullptr);
+// `last` is called right before the button comes up again.
+void sendMouse(QWidget* pWidget, const MouseGesture& gesture, const std::function<void()>& last = nullptr);
 void sendMove(QWidget* pWidget, const QPoint& at);
 void sendWheel(QWidget* pWidget, const QPoint& at, int nAngle, Qt::KeyboardModifiers eModifiers);
 // A sequence as "Ctrl+O" or "Tab"; to the window of the widget, whose focus decides who gets it.
 void sendKeys(QWidget* pWidget, const QString& strKeys);
-void sendText(QWidget* pWidget, const QString& strText);
+// `last` is called right before the last letter.
+void sendText(QWidget* pWidget, const QString& strText, const std::function<void()>& last);
 // Files dragged in from outside and let go; false when the widget does not take them.
 bool sendDrop(QWidget* pWidget, const QPoint& at, const QStringList& files);

@@ -10,8 +10,8 @@
 #include <gtest/gtest.h>
 
 // Runs the command line as it was built, with some variables of the environment set; whatever it is asked for must
-// succeed.
-inline void runSpum(const QStringList& arguments, const QMap<QString, QString>& variables = {})
+// succeed. Its standard output.
+inline QByteArray runSpum(const QStringList& arguments, const QMap<QString, QString>& variables = {})
 {
     QProcess spum;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
@@ -22,6 +22,7 @@ inline void runSpum(const QStringList& arguments, const QMap<QString, QString>& 
     spum.start(QStringLiteral(ORV_BINARY_DIR "/bin/spum"), arguments);
     const bool ended = spum.waitForFinished(120000);
     EXPECT_TRUE(ended && spum.exitCode() == 0) << spum.readAllStandardError().constData();
+    return spum.readAllStandardOutput();
 }
 
 // Sequences that "spum simulate" writes.
