@@ -146,13 +146,20 @@ QJsonObject resultJson(const ResultFacts& facts, const QStringList& files)
     return json;
 }
 
+QStringList resultCsvColumns()
+{
+    return {QStringLiteral("component"),   QStringLiteral("share"),
+            QStringLiteral("maximum"),     QStringLiteral("high pass"),
+            QStringLiteral("truth"),       QStringLiteral("cosine"),
+            QStringLiteral("correlation"), QStringLiteral("relative error"),
+            QStringLiteral("residual"),    QStringLiteral("explained variance"),
+            QStringLiteral("iterations"),  QStringLiteral("ending"),
+            QStringLiteral("lack of fit"), QStringLiteral("lack of fit denoised")};
+}
+
 QByteArray resultCsv(const ResultFacts& facts)
 {
-    TextTable table({QStringLiteral("component"), QStringLiteral("share"), QStringLiteral("maximum"),
-                     QStringLiteral("high pass"), QStringLiteral("truth"), QStringLiteral("cosine"),
-                     QStringLiteral("correlation"), QStringLiteral("relative error"), QStringLiteral("residual"),
-                     QStringLiteral("explained variance"), QStringLiteral("iterations"), QStringLiteral("ending"),
-                     QStringLiteral("lack of fit"), QStringLiteral("lack of fit denoised")});
+    TextTable table(resultCsvColumns());
     for (const ComponentFacts& component : facts.components) {
         table.addRow(cellsOf(component) + cellsOfRun(facts));
     }

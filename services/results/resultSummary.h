@@ -15,5 +15,7 @@ QJsonObject resultJson(const ResultFacts& facts, const QStringList& files);
 // Of "summary.csv": a row a component, the facts of the run in every row, so that a table program can filter and join
 // them. A number that cannot be had is an empty cell.
 QByteArray resultCsv(const ResultFacts& facts);
+// Its columns.
+QStringList resultCsvColumns();
 // For people.
 QString resultText(const ResultFacts& facts);
