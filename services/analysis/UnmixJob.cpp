@@ -51,7 +51,7 @@ RunAnswer UnmixJob::run()
         ResultStore::checkName(m_setUp.opened().sequence(), m_request.saveName, m_request.analysis.force);
     }
     const QString target = m_setUp.outFolder(QStringLiteral("unmixed-") + ModeNames::option(m_request.mode));
-    StagedRun staged(target, m_request.analysis.force, QStringLiteral("summary.json"));
+    StagedRun staged(target, m_request.replace, QStringLiteral("summary.json"));
     m_setUp.select();
     m_setUp.reset(m_request.mode);
     if (isAutomatic()) {

@@ -18,6 +18,7 @@ struct UnmixRequest
     int mode = 0;
     QString library;            // file or name; of a run with known spectra
     AutomaticRequest automatic; // of an automatic run
+    bool replace = false;       // earlier results in the folder
     bool pdf = false;           // the report as PDF too
     bool save = false;          // keep the result beside the sequence
     QString saveName;           // empty: the next automatic name

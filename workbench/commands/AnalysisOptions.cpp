@@ -34,9 +34,14 @@ int binningOf(const QString& strText)
 
 } // namespace
 
-void declareAnalysisOptions(QCommandLineParser& parser, const QString& strMaskDefault, const QString& strOutDefault)
+void declarePlaces(QCommandLineParser& parser, const QString& strOutDefault)
 {
     parser.addPositionalArgument(QStringLiteral("SEQ"), QStringLiteral("Folder of the sequence."));
+    addValueOption(parser, "out", QStringLiteral("Folder for the results; %1.").arg(strOutDefault), "DIR");
+}
+
+void declareImageOptions(QCommandLineParser& parser, const QString& strMaskDefault)
+{
     addValueOption(parser, "select",
                    QStringLiteral("Images to use: EX/EM,EX/EM,... (INTERVAL/TIME in a temporal sequence), * for any."),
                    "PAIRS");
@@ -45,7 +50,6 @@ void declareAnalysisOptions(QCommandLineParser& parser, const QString& strMaskDe
                    QStringLiteral("counts, radiance, radiant-efficiency or efficiency; the best that the images have."),
                    "UNIT");
     addValueOption(parser, "binning", QStringLiteral("Binning of the analysis; the images' most common one."), "N");
-    addValueOption(parser, "out", QStringLiteral("Folder for the results; %1.").arg(strOutDefault), "DIR");
 }
 
 AnalysisRequest analysisRequestOf(const QCommandLineParser& parser, const QString& strCommand,

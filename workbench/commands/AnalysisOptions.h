@@ -7,10 +7,11 @@
 
 class QCommandLineParser;
 
-// Declares SEQ, --select, --mask, --threshold, --unit, --binning and --out. `strMaskDefault` tells what serves without
-// --mask, `strOutDefault` the folder that serves without --out.
-void declareAnalysisOptions(QCommandLineParser& parser, const QString& strMaskDefault, const QString& strOutDefault);
+// Declares SEQ and --out; `strOutDefault` tells the folder that serves without it.
+void declarePlaces(QCommandLineParser& parser, const QString& strOutDefault);
+// Declares --select, --mask, --threshold, --unit and --binning; `strMaskDefault` tells what serves without --mask.
+void declareImageOptions(QCommandLineParser& parser, const QString& strMaskDefault);
 
-// Reads them; --force too. `strCommand` is named in the messages. Throws Failure (bad request).
+// Reads all of them; --force too. `strCommand` is named in the messages. Throws Failure (bad request).
 AnalysisRequest analysisRequestOf(const QCommandLineParser& parser, const QString& strCommand,
                                   MaskRequest::Kind eMaskDefault);

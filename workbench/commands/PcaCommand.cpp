@@ -35,8 +35,8 @@ void maskTakenPixels(CORVSpumKyvo& engine)
 
 void PcaCommand::declare(QCommandLineParser& parser) const
 {
-    declareAnalysisOptions(parser, QStringLiteral("Without it: auto where a camera took the photograph, else none."),
-                           QStringLiteral("SEQ/pca"));
+    declareImageOptions(parser, QStringLiteral("Without it: auto where a camera took the photograph, else none."));
+    declarePlaces(parser, QStringLiteral("SEQ/pca"));
     parser.addOption({QStringLiteral("force"), QStringLiteral("Replace earlier results in that folder.")});
 }
 

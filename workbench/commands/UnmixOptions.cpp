@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "workbench/commands/UnmixOptions.h"
+
+#include "engine/EngineEnums.h"
+#include "services/analysis/UnmixJob.h"
+#include "services/basis/ModeNames.h"
+#include "workbench/commands/AnalysisOptions.h"
+#include "workbench/commands/AutomaticOptions.h"
+#include "workbench/commands/Options.h"
+
+#include <QCommandLineParser>
+
+namespace {
+
+// A library asks for a fit of its spectra; without one the spectra are resolved.
+int modeOf(const QCommandLineParser& parser)
+{
+    const QString text = parser.value(QStringLiteral("method"));
+    if (!parser.isSet(QStringLiteral("method"))) {
+        return parser.isSet(QStringLiteral("library")) ? RUNMODE_LIBRARY : RUNMODE_AUTOMATIC;
+    }
+    const int mode = ModeNames::fromText(text);
+    if (mode != RUNMODE_LIBRARY && mode != RUNMODE_MANUAL && mode != RUNMODE_AUTOMATIC) {
+        refuseUsage("unmix", QStringLiteral("--method takes automatic, library or manual, not \"%1\".").arg(text));
+    }
+    return mode;
+}
+
+// Options that the method would pass over are a misunderstanding.
+void checkOptionsOfMethod(const QCommandLineParser& parser, int nMode)
+{
+    const bool automatic = nMode == RUNMODE_AUTOMATIC;
+    if (automatic && parser.isSet(QStringLiteral("library"))) {
+        refuseUsage("unmix",
+                    QStringLiteral("--library does not go with --method automatic, which finds the spectra itself."));
+    }
+    if (!automatic && parser.value(QStringLiteral("library")).isEmpty()) {
+        refuseUsage("unmix", QStringLiteral("--library is missing: the spectra to fit."));
+    }
+    const QStringList given = givenAutomaticOptions(parser);
+    if (!automatic && !given.isEmpty()) {
+        refuseUsage("unmix", QStringLiteral("%1 takes --method automatic.").arg(given.join(QStringLiteral(", "))));
+    }
+}
+
+} // namespace
+
+void declareUnmixOptions(QCommandLineParser& parser)
+{
+    addValueOption(
+        parser, "method",
+        QStringLiteral("automatic: resolve spectra and maps from the images; library or manual: fit the spectra of "
+                       "--library. Without it: library where --library is given, else automatic."),
+        "METHOD");
+    addValueOption(parser, "library", QStringLiteral("Spectra to fit: a library file, or the name of a saved library."),
+                   "FILE|NAME");
+    declareAutomaticOptions(parser);
+    declareImageOptions(parser, QStringLiteral("Without it: auto for the automatic method where a camera took the "
+                                               "photograph, else none."));
+    parser.addOption(
+        {QStringLiteral("pdf"), QStringLiteral("Write the report as report.pdf too, beside report.html.")});
+    addValueOption(
+        parser, "save",
+        QStringLiteral("Save the result with the sequence, under that name or the next free one (SPUM_001, ...); see "
+                       "\"spum results\"."),
+        "NAME");
+    addValueOption(parser, "note", QStringLiteral("A line about the result, for the report and the saved result."),
+                   "TEXT");
+    parser.addOption({QStringLiteral("force"),
+                      QStringLiteral("Replace earlier results in that folder. Also: take more than 6 components, up to "
+                                     "the number of images.")});
+}
+
+UnmixRequest unmixRequestOf(const QCommandLineParser& parser)
+{
+    UnmixRequest request;
+    request.mode = modeOf(parser);
+    const bool automatic = request.mode == RUNMODE_AUTOMATIC;
+    request.analysis = analysisRequestOf(parser, QStringLiteral("unmix"),
+                                         automatic ? MaskRequest::Kind::Photograph : MaskRequest::Kind::None);
+    checkOptionsOfMethod(parser, request.mode);
+    request.library = parser.value(QStringLiteral("library"));
+    request.automatic = automaticRequestOf(parser);
+    request.pdf = parser.isSet(QStringLiteral("pdf"));
+    request.save = parser.isSet(QStringLiteral("save"));
+    request.saveName = parser.value(QStringLiteral("save"));
+    request.note = parser.value(QStringLiteral("note"));
+    request.replace = request.analysis.force || parser.isSet(QStringLiteral("replace"));
+    return request;
+}
