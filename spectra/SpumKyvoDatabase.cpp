@@ -31,13 +31,6 @@ QString libraryFolder()
     return base.isEmpty() ? QString() : base + QStringLiteral("Spum") + QLatin1Char('/');
 }
 
-// Empty when there is no folder.
-QString libraryPath(const QString& name)
-{
-    const QString folder = libraryFolder();
-    return folder.isEmpty() ? QString() : folder + name + QStringLiteral(".csv");
-}
-
 bool same(const QString& field, const char* text)
 {
     return field.compare(QLatin1String(text), Qt::CaseInsensitive) == 0;
@@ -331,9 +324,15 @@ bool SpumKyvoDatabase::saveNewLibrary(const QString& path, QList<SpectrumPlotPar
            (!*pExisted && failToSave(error));
 }
 
+QString SpumKyvoDatabase::fileOfLibrary(const QString& name)
+{
+    const QString folder = libraryFolder();
+    return folder.isEmpty() ? QString() : folder + name + QStringLiteral(".csv");
+}
+
 bool SpumKyvoDatabase::loadLibrary(const QString& name, QList<SpectrumPlotParams*>& spectra, QString& note) const
 {
-    return !name.isEmpty() && loadLibraryFile(libraryPath(name), spectra, note);
+    return !name.isEmpty() && loadLibraryFile(fileOfLibrary(name), spectra, note);
 }
 
 void SpumKyvoDatabase::loadBands(const QString& name, QStringList& excitations, QStringList& emissions) const
@@ -341,7 +340,7 @@ void SpumKyvoDatabase::loadBands(const QString& name, QStringList& excitations, 
     excitations.clear();
     emissions.clear();
     if (!name.isEmpty()) {
-        readFile(libraryPath(name), BandReader(excitations, emissions));
+        readFile(fileOfLibrary(name), BandReader(excitations, emissions));
     }
 }
 

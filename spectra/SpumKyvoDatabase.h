@@ -27,6 +27,8 @@ public:
     // Names of the libraries in the folder, sorted without regard to case. Empty when the folder is not there; without
     // a host path also a log line.
     QStringList listLibraries() const;
+    // The file of the library of that name, whether it is there or not; empty when the host has no path for it.
+    static QString fileOfLibrary(const QString& name);
 
     // Writes the library file `path` (whole, with its extension), replacing what was there only when all is written.
     // The first spectrum's points give the lines and the two band columns; the others are read at the same positions.

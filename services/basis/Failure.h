@@ -16,7 +16,8 @@ public:
     {
         Failed,
         BadRequest, // what was asked for makes no sense, whatever the data
-        Aborted     // by the user
+        Aborted,    // by the user
+        OnlyWarned  // it is done, with warnings that were not to be
     };
 
     explicit Failure(const QString& strMessage, Kind eKind = Kind::Failed) : Failure(strMessage, QString(), eKind) {}

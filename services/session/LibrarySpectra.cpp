@@ -95,6 +95,12 @@ void LibrarySpectra::load(const QString& strFileOrName)
     }
 }
 
+QString LibrarySpectra::fileOf(const QString& strFileOrName)
+{
+    const QFileInfo file(strFileOrName);
+    return file.isFile() ? file.absoluteFilePath() : SpumKyvoDatabase::fileOfLibrary(strFileOrName);
+}
+
 QList<SpectrumPlotParams*> LibrarySpectra::fitTo(const QList<KeyPair>& pairs, int nAxis) const
 {
     std::vector<std::unique_ptr<SpectrumPlotParams>> fitted;

@@ -21,6 +21,8 @@ public:
     // Loads a file, or, when there is no such file, the library of that name in the user's data folder. Throws
     // Failure that says what is wrong.
     void load(const QString& strFileOrName);
+    // The file that it would read, absolute; it may be missing.
+    static QString fileOf(const QString& strFileOrName);
 
     const QList<SpectrumPlotParams*>& all() const { return m_spectra; }
     const QString& note() const { return m_strNote; }

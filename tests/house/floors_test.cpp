@@ -32,6 +32,8 @@ const std::map<std::string, std::set<std::string>> neighbours = {
     {"services/regions", {"services/basis", "services/session", "services/pictures", "services/results"}},
     {"services/importer", {}},
     {"services/transfer", {"services/basis", "services/session", "services/importer"}},
+    {"services/batch",
+     {"services/basis", "services/session", "services/pictures", "services/results", "services/importer"}},
     {"services/analysis", {"services/basis", "services/session", "services/pictures", "services/results"}},
     {"workbench/start", {}},
     {"workbench/simulator", {}},

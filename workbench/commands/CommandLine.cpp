@@ -9,6 +9,7 @@
 #include "services/basis/LoggedErrors.h"
 #include "services/transfer/ExportPlace.h"
 #include "spectra/logLine.h"
+#include "workbench/commands/BatchCommand.h"
 #include "workbench/commands/CliSession.h"
 #include "workbench/commands/Command.h"
 #include "workbench/commands/CompareCommand.h"
@@ -272,6 +273,7 @@ std::vector<std::unique_ptr<Command>> CommandLine::commands()
     list.push_back(std::make_unique<ExportCommand>());
     list.push_back(std::make_unique<PcaCommand>());
     list.push_back(std::make_unique<UnmixCommand>());
+    list.push_back(std::make_unique<BatchCommand>());
     list.push_back(std::make_unique<ResultsCommand>());
     list.push_back(std::make_unique<CompareCommand>());
     list.push_back(std::make_unique<LibraryCommand>());

@@ -9,8 +9,8 @@
 class Command;
 class QCommandLineParser;
 
-// The `spum` command: global options, choice of the command, exit status 0 (done), 1 (failed), 2 (usage), 130
-// (aborted).
+// The `spum` command: global options, choice of the command, exit status 0 (done), 1 (failed), 2 (usage), 3
+// (warnings, where they count), 130 (aborted).
 class CommandLine
 {
 public:

@@ -10,6 +10,8 @@ int ExitStatus::of(const Failure& failure)
         return usage;
     case Failure::Kind::Aborted:
         return aborted;
+    case Failure::Kind::OnlyWarned:
+        return warned;
     case Failure::Kind::Failed:
         break;
     }

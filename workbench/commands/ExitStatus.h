@@ -9,6 +9,7 @@ namespace ExitStatus {
 constexpr int success = 0;
 constexpr int failed = 1;
 constexpr int usage = 2;
+constexpr int warned = 3;    // under --strict
 constexpr int aborted = 130; // as a shell tells of SIGINT
 
 int of(const Failure& failure);

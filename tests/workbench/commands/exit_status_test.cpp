@@ -9,5 +9,6 @@ TEST(ExitStatusTest, EachKindOfFailureHasItsOwn)
 {
     EXPECT_EQ(ExitStatus::of(Failure(QStringLiteral("no"))), 1);
     EXPECT_EQ(ExitStatus::of(Failure(QStringLiteral("no"), Failure::Kind::BadRequest)), 2);
+    EXPECT_EQ(ExitStatus::of(Failure(QStringLiteral("no"), Failure::Kind::OnlyWarned)), 3);
     EXPECT_EQ(ExitStatus::of(Failure(QStringLiteral("no"), Failure::Kind::Aborted)), 130);
 }

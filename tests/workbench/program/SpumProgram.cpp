@@ -143,6 +143,28 @@ ProgramResult SpumProgram::runAndInterrupt(const QStringList& arguments, const Q
     return finish(process);
 }
 
+ProgramResult SpumProgram::runAndSignal(const QStringList& arguments, const std::function<bool()>& isTime,
+                                        int nSignal) const
+{
+    QProcess process;
+    startInBackground(process, arguments);
+    QElapsedTimer timer;
+    timer.start();
+    while (!isTime() && !process.waitForFinished(1) && timer.elapsed() < timeout) {
+        continue;
+    }
+    if (process.state() == QProcess::Running) {
+        ::kill(static_cast<pid_t>(process.processId()), nSignal);
+    }
+    return finish(process);
+}
+
+void SpumProgram::startInBackground(QProcess& process, const QStringList& arguments) const
+{
+    prepare(process, arguments);
+    process.start();
+}
+
 ProgramResult SpumProgram::runAtQuestion(const QStringList& arguments, const QByteArray& typed, int nSignal) const
 {
     const int master = openTerminal();

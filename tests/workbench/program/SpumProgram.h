@@ -7,6 +7,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <vector>
 
 class QProcess;
@@ -48,6 +49,10 @@ public:
     // The same with several signals at once.
     ProgramResult runAndInterrupt(const QStringList& arguments, const QString& strWatched, int nMilliseconds,
                                   const std::vector<int>& signalNumbers) const;
+    // Runs it and gives it the signal once `isTime` says so.
+    ProgramResult runAndSignal(const QStringList& arguments, const std::function<bool()>& isTime, int nSignal) const;
+    // Only starts it.
+    void startInBackground(QProcess& process, const QStringList& arguments) const;
     // Runs it with standard error on a terminal; `err` is what the terminal showed.
     ProgramResult runOnTerminal(const QStringList& arguments) const;
     // Runs it with standard input on a terminal and, once standard error ends with a question mark and a blank, types

@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+
+#include <functional>
+
+// What an analysis of a sequence may read of its folder, looked at without opening the sequence: a broken one has it,
+// too. All safe to call from several threads at once.
+
+// Every image, text and table below the folder (or that of an info file), relative to it and sorted. Hidden files,
+// results beside the images and saved ones are none of it. Links are followed, none twice. At most 200,000.
+QStringList contentOfSequence(const QString& strSequence);
+
+// Length of all of it.
+qint64 bytesOfSequence(const QString& strSequence, const QStringList& files);
+
+// Hashes (SHA-1, in hexadecimal digits): content that has changed by accident or work is told, not a forgery. What
+// cannot be read counts as one. Empty where `goesOn`, asked every few megabytes, says no.
+
+// Of names and bytes of a sequence.
+QString hashOfSequence(const QString& strSequence, const QStringList& files, const std::function<bool()>& goesOn = {});
+// Of the bytes of a file, whatever its name.
+QString hashOfFile(const QString& strPath);

@@ -1,0 +1,484 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// `spum batch` from end to end.
+#include "workbench/program/ProgramFixture.h"
+
+#include "services/importer/CsvLine.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QThread>
+
+#include <csignal>
+
+namespace {
+
+class BatchProgramTest : public ProgramFixture
+{
+protected:
+    void SetUp() override
+    {
+        ProgramFixture::SetUp();
+        std::signal(SIGINT, SIG_DFL);
+        ASSERT_TRUE(QDir().mkpath(path("seqs")) && QDir().mkpath(path("large")));
+        for (const char* name : {"a", "b", "c"}) {
+            smallSequence().writeTo(path(QStringLiteral("seqs/") + name));
+        }
+    }
+    // Of "seqs", into "out".
+    QStringList batch(const QStringList& options = {}) const
+    {
+        return QStringList{"batch", "seqs/a",    "seqs/b",  "seqs/c", "--out",
+                           "out",   "--library", library(), "--jobs", "2"} +
+               options;
+    }
+    // The lines of the sequences, without their numbers and sorted by name.
+    static QStringList endsIn(const ProgramResult& result)
+    {
+        QStringList lines;
+        for (const QString& line : QString::fromUtf8(result.out).split('\n')) {
+            if (line.section(' ', 0, 0).contains('/') && line.contains(": ")) {
+                lines.append(line.section(' ', 1));
+            }
+        }
+        lines.sort();
+        return lines;
+    }
+    // Which of the sequences a batch has unmixed, and not let be.
+    static QString unmixedIn(const ProgramResult& result)
+    {
+        QStringList names;
+        for (const QString& line : endsIn(result)) {
+            if (!line.contains("unchanged")) {
+                names.append(line.section(':', 0, 0));
+            }
+        }
+        return names.join(' ');
+    }
+    QString column(const QString& strName, int nRow) const
+    {
+        const QStringList lines = QString::fromUtf8(contentOf(path("out/batch.csv"))).split('\n');
+        QStringList header;
+        QStringList row;
+        QString error;
+        EXPECT_TRUE(splitCsvLine(lines.value(0), ',', &header, &error));
+        EXPECT_TRUE(splitCsvLine(lines.value(nRow), ',', &row, &error));
+        return row.value(header.indexOf(strName));
+    }
+    QJsonObject planOf(const QStringList& options) const
+    {
+        return succeed(batch(options + QStringList{"--dry-run", "--json"})).json();
+    }
+    QStringList reasonsOf(const QStringList& options = {}) const
+    {
+        QStringList reasons;
+        for (const auto& sequence : planOf(options)["sequences"].toArray()) {
+            reasons.append(sequence.toObject()["why"].toString());
+        }
+        return reasons;
+    }
+};
+
+} // namespace
+
+TEST_F(BatchProgramTest, EverySequenceHasAFolderAndAllHaveTheirFiles)
+{
+    const ProgramResult result = succeed(batch());
+    EXPECT_EQ(unmixedIn(result), "a b c");
+    for (const QString& line : endsIn(result)) {
+        EXPECT_TRUE(line.contains(": 2 components, residual ") && line.endsWith(" s")) << qPrintable(line);
+    }
+    EXPECT_TRUE(
+        QString::fromUtf8(result.out)
+            .endsWith("3 sequences are unmixed, 0 without a result; " + path("out/batch.html") + " tells of all\n"));
+    EXPECT_EQ(entriesOf(path("out")), (QStringList{".batch", "a", "b", "batch.csv", "batch.html", "batch.json", "c"}));
+    EXPECT_EQ(contentOf(path("out/batch.csv")).count('\n'), 7);
+    EXPECT_EQ(column("name", 3) + column("component", 3) + column("map", 3), "bDye A01_Dye_A.tif");
+    EXPECT_EQ(contentOf(path("out/batch.html")).count("data:image/jpeg"), 3);
+    EXPECT_EQ(entriesOf(path("out/.batch")), (QStringList{"a.json", "b.json", "c.json"}));
+}
+
+// A sequence of a batch is unmixed by the command that a user would give.
+TEST_F(BatchProgramTest, AFolderIsThatOfTheSingleCommand)
+{
+    succeed(batch({"--unit", "counts", "--quiet"}));
+    succeed({"unmix", "seqs/b", "--library", library(), "--unit", "counts", "--out", "single", "--quiet"});
+    EXPECT_EQ(entriesOf(path("out/b")), entriesOf(path("single")));
+    for (const QString& name : entriesOf(path("single"))) {
+        EXPECT_EQ(lastingContentOf(path("out/b/" + name)), lastingContentOf(path("single/" + name)))
+            << qPrintable(name);
+    }
+}
+
+TEST_F(BatchProgramTest, WhatHasNotChangedIsLeft)
+{
+    succeed(batch({"--quiet"}));
+    const QByteArray before = contentOf(path("out/batch.csv"));
+    const ProgramResult second = succeed(batch());
+    EXPECT_EQ(unmixedIn(second), "");
+    EXPECT_EQ(endsIn(second).value(0), "a: unchanged since its result");
+    EXPECT_EQ(contentOf(path("out/batch.csv")), before);
+    EXPECT_EQ(unmixedIn(succeed(batch({"--again"}))), "a b c");
+}
+
+TEST_F(BatchProgramTest, WhatHasChangedIsUnmixedAgain)
+{
+    succeed(batch({"--quiet"}));
+    const QString unchanged = "unchanged since its result";
+    EXPECT_EQ(reasonsOf(), (QStringList{unchanged, unchanged, unchanged}));
+    // Touched, but the same: times do not count.
+    const QString image = path("seqs/b/SMALL-001/luminescent.TIF");
+    const QByteArray pixels = contentOf(image);
+    write("seqs/b/SMALL-001/luminescent.TIF", pixels);
+    EXPECT_EQ(unmixedIn(succeed(batch())), "");
+
+    SmallSequence other = smallSequence();
+    other.images[0].value = [](int i) { return static_cast<float>(2 * i + 1); };
+    ASSERT_TRUE(QDir(path("seqs/b")).removeRecursively());
+    other.writeTo(path("seqs/b"));
+    EXPECT_EQ(reasonsOf().value(1), "the images have changed");
+    EXPECT_EQ(unmixedIn(succeed(batch())), "b");
+
+    ASSERT_TRUE(QFile::remove(path("out/c/spectra.csv")));
+    EXPECT_EQ(reasonsOf().value(2), "files of the result are missing");
+    EXPECT_EQ(unmixedIn(succeed(batch())), "c");
+
+    EXPECT_EQ(reasonsOf({"--unit", "counts"}).value(0), "the options have changed");
+    EXPECT_EQ(unmixedIn(succeed(batch({"--unit", "counts"}))), "a b c");
+}
+
+// A library is what is in it.
+TEST_F(BatchProgramTest, ALibraryCountsByItsContent)
+{
+    succeed(batch({"--quiet"}));
+    ASSERT_TRUE(QFile::copy(library(), path("renamed.csv")));
+    QStringList renamed = batch();
+    renamed[renamed.indexOf("--library") + 1] = "renamed.csv";
+    EXPECT_EQ(unmixedIn(succeed(renamed)), "");
+    QByteArray text = contentOf(path("renamed.csv"));
+    ASSERT_TRUE(text.contains("640,720,0.5,0.25"));
+    write("renamed.csv", text.replace("640,720,0.5,0.25", "640,720,0.5,0.3"));
+    EXPECT_EQ(unmixedIn(succeed(renamed)), "a b c");
+}
+
+TEST_F(BatchProgramTest, AFailedSequenceStopsNoOtherAndIsTold)
+{
+    write("seqs/b/SMALL-002/luminescent.TIF", "no image");
+    write("seqs/b/SMALL-001/luminescent.TIF", "no image");
+    ASSERT_TRUE(QDir(path("seqs/b/SMALL-003")).removeRecursively());
+    const ProgramResult result = spum(batch());
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(unmixedIn(result), "a b c");
+    const QString line = endsIn(result).value(1);
+    EXPECT_TRUE(line.startsWith("b: failed: ")) << qPrintable(line);
+    const QString message = line.mid(QStringLiteral("b: failed: ").size());
+    EXPECT_TRUE(result.errText().startsWith("spum: 1 sequence without a result:\n\nsequence  message\nb         "))
+        << result.err.constData();
+    EXPECT_TRUE(result.errText().contains(message)) << result.err.constData();
+    EXPECT_EQ(column("state", 3), "failed");
+    EXPECT_EQ(column("message", 3), message);
+    EXPECT_EQ(column("component", 3), "");
+    EXPECT_TRUE(contentOf(path("out/batch.html")).contains("class=\"text failed\""));
+    // And is tried again.
+    ASSERT_TRUE(QDir(path("seqs/b")).removeRecursively());
+    smallSequence().writeTo(path("seqs/b"));
+    EXPECT_EQ(unmixedIn(succeed(batch())), "b");
+}
+
+TEST_F(BatchProgramTest, WarningsCountUnderStrict)
+{
+    succeed(batch({"--strict"}));
+    SmallSequence sequence = smallSequence();
+    sequence.truthFolder = "../elsewhere";
+    ASSERT_TRUE(QDir(path("seqs/b")).removeRecursively());
+    sequence.writeTo(path("seqs/b"));
+    const ProgramResult lenient = succeed(batch());
+    EXPECT_TRUE(endsIn(lenient).value(1).endsWith(", 1 warning")) << lenient.out.constData();
+    const ProgramResult strict = spum(batch({"--strict"}));
+    EXPECT_EQ(strict.status, 3);
+    EXPECT_EQ(strict.errText(), "spum: 1 warning:\n\nsequence  warning\nb         the truth folder ../elsewhere lies "
+                                "outside the sequence and is not read\n");
+    EXPECT_EQ(column("warnings", 3), "the truth folder ../elsewhere lies outside the sequence and is not read");
+    // A failure weighs more.
+    write("seqs/a/SequenceInfo.txt", "");
+    ASSERT_TRUE(QDir(path("seqs/a/SMALL-001")).removeRecursively());
+    ASSERT_TRUE(QDir(path("seqs/a/SMALL-002")).removeRecursively());
+    EXPECT_EQ(spum(batch({"--strict"})).status, 1);
+}
+
+TEST_F(BatchProgramTest, ATableNamesSequencesAndWhatDiffers)
+{
+    write("lists/table.csv", "path,group,name,options\n../seqs/a,x,first,--unit counts\n../seqs/a,y,second,\n");
+    succeed({"batch", "lists/table.csv", "--out", "out", "--library", library(), "--unit", "radiance"});
+    EXPECT_EQ(entriesOf(path("out")).filter(QRegularExpression("^(first|second|a)$")),
+              (QStringList{"first", "second"}));
+    EXPECT_EQ(column("unit", 1) + ' ' + column("group", 1), "Counts x");
+    EXPECT_EQ(column("unit", 3) + ' ' + column("group", 3), "Radiance y");
+}
+
+TEST_F(BatchProgramTest, AWrongCallIsRefusedBeforeAnythingIsDone)
+{
+    EXPECT_TRUE(refusal({"batch", "--out", "out"}, 2).startsWith("batch takes sequences"));
+    EXPECT_TRUE(refusal({"batch", "seqs/a"}, 2).startsWith("--out is missing"));
+    EXPECT_TRUE(refusal(batch({"--max-memory", "0"}), 2).startsWith("--max-memory takes a number above 0"));
+    EXPECT_TRUE(
+        refusal({"batch", "seqs/a", "--out", "out", "--jobs", "0"}, 2).startsWith("--jobs takes a whole number"));
+    EXPECT_TRUE(refusal(batch({"--list", "--gather"}), 2).startsWith("--list and --gather exclude each other"));
+    EXPECT_TRUE(refusal(batch({"--only", "d"}), 2).startsWith("there is no sequence \"d\""));
+    EXPECT_TRUE(refusal(batch({"--ncomponents", "2"}), 2).startsWith("--ncomponents takes --method automatic"));
+    EXPECT_TRUE(refusal(batch({"seqs/../seqs/a"}), 2).contains("was named already"));
+    EXPECT_TRUE(refusal({"batch", "seqs/a", "--out", "out", "--library", "none"}, 1).startsWith("none is neither"));
+    write("table.csv", "path,options\nseqs/a,\nseqs/b,--unit mile\n");
+    EXPECT_TRUE(refusal({"batch", "table.csv", "--out", "out"}, 2).startsWith("table.csv:3: --unit takes"));
+    write("table.csv", "path,options\nseqs/a,--library x --jobs 3\n");
+    EXPECT_TRUE(refusal({"batch", "table.csv", "--out", "out"}, 2).startsWith("table.csv:2: Unknown option"));
+    write("table.csv", "path,unit,options\nseqs/a,counts,--unit radiance\n");
+    EXPECT_EQ(refusal({"batch", "table.csv", "--out", "out"}, 2),
+              "table.csv:2: --unit is given more than once and taken once");
+    write("table.csv", "path,options\nseqs/a,b\n");
+    EXPECT_TRUE(refusal({"batch", "table.csv", "--out", "out"}, 2).startsWith("table.csv:2: \"b\" is no option"));
+    EXPECT_FALSE(QFileInfo::exists(path("out")));
+}
+
+TEST_F(BatchProgramTest, ADryRunTellsWhyAndChangesNothing)
+{
+    const ProgramResult result = succeed(batch({"--dry-run"}));
+    const QStringList lines = QString::fromUtf8(result.out).split('\n');
+    EXPECT_TRUE(lines.value(0).startsWith("sequence  unmix  memory [MiB]  why"));
+    EXPECT_TRUE(lines.value(1).endsWith("  there is no result yet")) << qPrintable(lines.value(1));
+    EXPECT_EQ(lines.value(5), "3 of 3 sequences would be unmixed");
+    EXPECT_FALSE(QFileInfo::exists(path("out")));
+    const QJsonObject plan = planOf({});
+    EXPECT_EQ(plan["unmix"], 3);
+    EXPECT_GT(plan["sequences"].toArray()[0].toObject()["memoryMiB"].toDouble(), 1.0);
+}
+
+TEST_F(BatchProgramTest, TheListIsForSchedulers)
+{
+    EXPECT_EQ(succeed(batch({"--list"})).out, QByteArray("a\nb\nc\n"));
+    const QJsonObject first = succeed(batch({"--list", "--json"})).json()["sequences"].toArray()[0].toObject();
+    EXPECT_EQ(first["name"], "a");
+    QStringList command;
+    for (const auto& word : first["command"].toArray()) {
+        command.append(word.toString());
+    }
+    EXPECT_EQ(command, (QStringList{"spum", "unmix", path("seqs/a"), "--library=" + library(), "--out=" + path("out/a"),
+                                    "--replace"}));
+    EXPECT_FALSE(QFileInfo::exists(path("out")));
+}
+
+// What a scheduler runs: one by one in whatever order, then the overall files.
+TEST_F(BatchProgramTest, OneByOneAndGatheredIsTheSameAsAllAtOnce)
+{
+    succeed(batch({"--only", "c", "--quiet"}));
+    EXPECT_EQ(entriesOf(path("out")), (QStringList{".batch", "c"}));
+    const ProgramResult early = spum(batch({"--gather"}));
+    EXPECT_EQ(early.status, 1);
+    EXPECT_TRUE(early.errText().contains("a         there is no result yet\n")) << early.err.constData();
+    EXPECT_EQ(column("state", 1), "missing");
+    succeed(batch({"--only", "a", "--quiet"}));
+    succeed(batch({"--only", "b", "--quiet"}));
+    EXPECT_EQ(endsIn(succeed(batch({"--only", "b"}))), QStringList{"b: unchanged since its result"});
+    succeed(batch({"--gather", "--quiet"}));
+    const QByteArray csv = contentOf(path("out/batch.csv"));
+    const QByteArray json = contentOf(path("out/batch.json"));
+    EXPECT_EQ(unmixedIn(succeed(batch())), "");
+    EXPECT_EQ(contentOf(path("out/batch.csv")), csv);
+    EXPECT_EQ(contentOf(path("out/batch.json")), json);
+}
+
+TEST_F(BatchProgramTest, ASequenceThatMemoryDoesNotAllowIsToldAndLeft)
+{
+    const ProgramResult result = spum(batch({"--max-memory", "0.01"}));
+    EXPECT_EQ(result.status, 1);
+    EXPECT_TRUE(endsIn(result).value(0).contains("GiB of memory, where 0.01 are to be had")) << result.out.constData();
+    EXPECT_FALSE(QFileInfo::exists(path("out/a")));
+}
+
+TEST_F(BatchProgramTest, TheAnswerForProgramsIsOneObject)
+{
+    const ProgramResult result = succeed(batch({"--json"}));
+    const QJsonObject json = result.json();
+    EXPECT_EQ(json["done"], 3);
+    EXPECT_EQ(json["unchanged"], 0);
+    EXPECT_EQ(json["folder"], path("out/"));
+    EXPECT_EQ(json["sequences"].toArray().size(), 3);
+    EXPECT_EQ(succeed(batch({"--json"})).json()["unchanged"], 3);
+}
+
+TEST_F(BatchProgramTest, AFolderOfSomethingElseIsNotReplaced)
+{
+    write("out/b/thesis.txt", "years");
+    const ProgramResult result = spum(batch());
+    EXPECT_EQ(result.status, 1);
+    EXPECT_TRUE(endsIn(result).value(1).contains("was not made by this program")) << result.out.constData();
+    EXPECT_EQ(contentOf(path("out/b/thesis.txt")), "years");
+}
+
+namespace {
+
+// Sequences whose unmixing takes a while.
+class LongBatchTest : public BatchProgramTest
+{
+protected:
+    static constexpr int count = 4;
+
+    void SetUp() override
+    {
+        BatchProgramTest::SetUp();
+        succeed({"simulate", "large/s0", "--size", "192", "--bands", "12", "--quiet"});
+        for (int i = 1; i < count; ++i) {
+            const QString copy = QStringLiteral("large/s%1").arg(i);
+            for (const auto& name : filesBelow(path("large/s0"))) {
+                ASSERT_TRUE(QDir().mkpath(QFileInfo(path(copy + '/' + name)).path()));
+                ASSERT_TRUE(QFile::copy(path("large/s0/" + name), path(copy + '/' + name)));
+            }
+        }
+    }
+    QStringList longBatch(const QString& strOut, const QStringList& options = {}, const QString& strJobs = "2") const
+    {
+        QStringList arguments = {"batch", "--out", strOut, "--ncomponents", "3", "--mask", "none", "--jobs", strJobs};
+        for (int i = 0; i < count; ++i) {
+            arguments.append(QStringLiteral("large/s%1").arg(i));
+        }
+        return arguments + options;
+    }
+    // Processes of this program that unmix into a folder of the test.
+    QStringList children() const
+    {
+        QStringList found;
+        for (const QString& process : QDir("/proc").entryList({"[0-9]*"}, QDir::Dirs)) {
+            QFile file("/proc/" + process + "/cmdline");
+            const QByteArray line = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+            if (line.contains("unmix") && line.contains("--replace") && line.contains(path(".").chopped(2).toUtf8())) {
+                found.append(process);
+            }
+        }
+        return found;
+    }
+    // Starts a batch and gives it the signal once a sequence has ended and others run.
+    ProgramResult interrupted(const QString& strOut, int nSignal)
+    {
+        return program().runAndSignal(
+            longBatch(strOut),
+            [&] { return QFileInfo::exists(path(strOut + "/.batch/s0.json")) && !children().isEmpty(); }, nSignal);
+    }
+    bool childrenEndWithin(int nMilliseconds) const
+    {
+        QElapsedTimer timer;
+        timer.start();
+        while (!children().isEmpty()) {
+            if (timer.elapsed() > nMilliseconds) {
+                return false;
+            }
+            QThread::msleep(5);
+        }
+        return true;
+    }
+    // Result folders and overall files, without what tells the time.
+    void expectSame(const QString& strOne, const QString& strOther) const
+    {
+        const auto lasting = [](QStringList files) {
+            files.erase(
+                std::remove_if(files.begin(), files.end(),
+                               [](const QString& file) { return file.startsWith(".batch/") || file == "batch.html"; }),
+                files.end());
+            return files;
+        };
+        const QStringList files = lasting(filesBelow(path(strOne)));
+        EXPECT_EQ(lasting(filesBelow(path(strOther))), files);
+        for (const QString& file : files) {
+            EXPECT_EQ(lastingContentOf(path(strOne + '/' + file)), lastingContentOf(path(strOther + '/' + file)))
+                << qPrintable(file);
+        }
+        EXPECT_EQ(entriesOf(path(strOther + "/.batch")), entriesOf(path(strOne + "/.batch")));
+        for (const QString& name : entriesOf(path(strOther))) {
+            EXPECT_TRUE(!name.startsWith('.') || name == ".batch") << qPrintable(name);
+        }
+    }
+};
+
+} // namespace
+
+TEST_F(LongBatchTest, AnInterruptStopsTheProcessesAndTheNextOneGoesOn)
+{
+    for (const int signalNumber : {SIGINT, SIGTERM}) {
+        QDir(path("out")).removeRecursively();
+        const ProgramResult result = interrupted("out", signalNumber);
+        EXPECT_EQ(result.status, 130) << result.err.constData();
+        EXPECT_TRUE(QRegularExpression("^spum: aborted by user: \\d of 4 sequences have ended; the same command goes "
+                                       "on\n$")
+                        .match(result.errText())
+                        .hasMatch())
+            << result.err.constData();
+        EXPECT_EQ(children(), QStringList());
+        const ProgramResult second = succeed(longBatch("out"));
+        EXPECT_TRUE(endsIn(second).contains("s0: unchanged since its result")) << second.out.constData();
+        EXPECT_LT(unmixedIn(second).split(' ').size(), count);
+    }
+    succeed(longBatch("plain", {"--quiet"}));
+    expectSame("plain", "out");
+}
+
+TEST_F(LongBatchTest, AKilledBatchTakesItsProcessesAlongAndTheNextOneGoesOn)
+{
+    const ProgramResult result = interrupted("out", SIGKILL);
+    EXPECT_EQ(result.signal, SIGKILL);
+    EXPECT_TRUE(childrenEndWithin(2000));
+    const ProgramResult second = succeed(longBatch("out"));
+    EXPECT_TRUE(endsIn(second).contains("s0: unchanged since its result")) << second.out.constData();
+    succeed(longBatch("plain", {"--quiet"}));
+    expectSame("plain", "out");
+}
+
+TEST_F(LongBatchTest, ASecondBatchInTheFolderIsRefused)
+{
+    QProcess first;
+    program().startInBackground(first, longBatch("out"));
+    QElapsedTimer timer;
+    timer.start();
+    while (children().isEmpty() && timer.elapsed() < 60000) {
+        QThread::msleep(5);
+    }
+    const QString refused = refusal(longBatch("out"));
+    EXPECT_TRUE(refused.startsWith(path("out/") + ": another program is changing it (spum, process "))
+        << qPrintable(refused);
+    EXPECT_TRUE(refused.endsWith("; one batch at a time can work there")) << qPrintable(refused);
+    ASSERT_TRUE(first.waitForFinished(120000));
+    EXPECT_EQ(first.exitCode(), 0) << first.readAllStandardError().constData();
+    EXPECT_EQ(unmixedIn(succeed(longBatch("out"))), "");
+}
+
+// Two that need most of what is allowed run one after the other.
+TEST_F(LongBatchTest, NoMoreRunAtOnceThanMemoryAllows)
+{
+    const double need = succeed(longBatch("out", {"--list", "--json"}))
+                            .json()["sequences"]
+                            .toArray()[0]
+                            .toObject()["memoryMiB"]
+                            .toDouble();
+    const auto mostAtOnce = [&](double dTimes) {
+        const QString allowed = QString::number(dTimes * need / 1024.0);
+        QProcess process;
+        program().startInBackground(process, longBatch("out", {"--again", "--max-memory", allowed}, "4"));
+        int most = 0;
+        while (!process.waitForFinished(5) && process.state() != QProcess::NotRunning) {
+            most = std::max(most, static_cast<int>(children().size()));
+        }
+        EXPECT_EQ(process.exitCode(), 0) << process.readAllStandardError().constData();
+        return most;
+    };
+    EXPECT_EQ(mostAtOnce(1.5), 1);
+    EXPECT_EQ(mostAtOnce(2.5), 2);
+}
+
+TEST_F(LongBatchTest, ATerminalShowsHowFarAllAre)
+{
+    const ProgramResult result = program().runOnTerminal(longBatch("out"));
+    EXPECT_EQ(result.status, 0);
+    EXPECT_TRUE(
+        QRegularExpression("\\d of 4: s\\d(, s\\d)?  \\d+ %, [0-9a-z ]+ left").match(result.errText()).hasMatch())
+        << result.err.constData();
+}
