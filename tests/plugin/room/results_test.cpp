@@ -2,7 +2,7 @@
 // The tab of results: the table with its copies and exports, and saved results.
 #include "WorkArea.h"
 
-#include "support/ForkedChild.h"
+#include "support/PlainUser.h"
 
 #include "host/CORVPreference.h"
 #include "host/CORVSettings.h"
@@ -178,19 +178,30 @@ TEST_F(ResultsTest, AFileThatCannotBeOpenedGivesNothing)
     EXPECT_EQ(written(), QStringList());
 }
 
-TEST_F(ResultsTest, AnUnwritableFolderIsTold)
+TEST_F(ResultsTest, AnUnwritableFolderIsToldToAPlainUser)
 {
     fill(m_two);
-    m_answers.files = QStringList{"/proc/b.csv"};
-    m_palette->exportSpUnmixResults();
-    EXPECT_EQ(written(), QStringList());
-    if (m_answers.asked.size() == 1) {
-        // Root may write everywhere, as far as the system says so beforehand.
-        EXPECT_FALSE(QFile::exists("/proc/b.csv"));
-    } else {
+    ASSERT_TRUE(QDir(m_folder.path()).mkdir("locked") && QDir(m_folder.path()).mkdir("open"));
+    ASSERT_TRUE(QFile::setPermissions(m_folder.path(), QFile::Permissions(0x7755)));
+    ASSERT_TRUE(QFile::setPermissions(path("locked"), QFile::Permissions(0x5555)));
+    ASSERT_TRUE(QFile::setPermissions(path("open"), QFile::Permissions(0x7777)));
+    {
+        const PlainUser user;
+        ASSERT_TRUE(user.isPlain());
+        m_answers.files = QStringList{path("locked/b.csv")};
+        m_palette->exportSpUnmixResults();
         ASSERT_EQ(m_answers.asked.size(), 2);
-        EXPECT_TRUE(m_answers.asked.last().text.contains("/proc"));
+        EXPECT_EQ(m_answers.asked.last().text, "The folder \"" + path("locked") +
+                                                   "\" cannot be written to. Choose another folder or change its "
+                                                   "permissions.");
+        EXPECT_EQ(m_answers.asked.last().parent, m_palette.get());
+        EXPECT_FALSE(QFile::exists(path("locked/b.csv")));
+        EXPECT_TRUE(CORVUtilityFns::canClose());
+        m_answers.files = QStringList{path("open/b.csv")};
+        m_palette->exportSpUnmixResults();
+        EXPECT_EQ(m_answers.asked.size(), 3);
     }
+    EXPECT_EQ(content("open/b.csv"), "\"Item\",\"Value\"\nMethod,Automatic\nBands,\"640, 720\"\n");
 }
 
 // A sequence in memory has no folder, and nobody gives it one.
