@@ -13,6 +13,8 @@
 #include <QDir>
 #include <QFile>
 #include <QLabel>
+#include <QTest>
+#include <QTime>
 
 #include <algorithm>
 #include <cmath>
@@ -154,6 +156,12 @@ QStringList OpenedInWindow::tabs() const
         }
     }
     return present;
+}
+
+void waitForNextSecond()
+{
+    const int nSecond = QTime::currentTime().second();
+    ASSERT_TRUE(QTest::qWaitFor([nSecond] { return QTime::currentTime().second() != nSecond; }));
 }
 
 WorkAreaTest::WorkAreaTest() : m_pArea(new QMdiArea)

@@ -133,6 +133,9 @@ private:
     QPointer<CORVSequenceWindow> m_pWindow;
 };
 
+// Results of one second share a file.
+void waitForNextSecond();
+
 class WorkAreaTest : public ::testing::Test
 {
 protected:

@@ -6,12 +6,10 @@
 #include "host/CORVDataset.h"
 #include "host/CORVUtilityFns.h"
 
-#include <QDateTime>
 #include <QDir>
 #include <QDomDocument>
 #include <QFile>
 #include <QTemporaryDir>
-#include <QTest>
 
 #include <ostream>
 
@@ -235,14 +233,6 @@ TEST_F(UnsavedResultTest, ARunAsksOnce)
     m_answers.answer = no;
     unmixAutomatically();
     EXPECT_EQ(m_answers.asked.size(), 1);
-}
-
-// Results of one second share a file.
-void waitForNextSecond()
-{
-    const QDateTime before = QDateTime::currentDateTime();
-    ASSERT_TRUE(
-        QTest::qWaitFor([&] { return QDateTime::currentDateTime().time().second() != before.time().second(); }));
 }
 
 TEST_F(UnsavedResultTest, ASavedOrLoadedResultIsLeftWithoutAQuestion)
