@@ -10,7 +10,10 @@
 #include "spectra/bandCoverage.h"
 
 #include <QComboBox>
+#include <QCoreApplication>
+#include <QEvent>
 #include <QLabel>
+#include <QSignalBlocker>
 #include <QTextCursor>
 
 #include <algorithm>
@@ -18,7 +21,16 @@
 namespace {
 
 constexpr int kRowsAtFirst = 200;
-constexpr int kRowsOfSlice = 40;
+constexpr int kRowsOfSlice = 20;
+constexpr int kRowGap = 2; // pixels
+
+QVBoxLayout* rowColumn(QWidget& widget)
+{
+    auto* pColumn = new QVBoxLayout(&widget);
+    pColumn->setContentsMargins(0, 0, 0, 0);
+    pColumn->setSpacing(kRowGap);
+    return pColumn;
+}
 
 } // namespace
 
@@ -67,13 +79,12 @@ void SpUnmixSpectrumLibraryWnd::clearRows()
     }
     auto* pPage = new QWidget;
     pPage->setObjectName(QStringLiteral("m_pRowPage"));
-    auto* pColumn = new QVBoxLayout(pPage);
-    pColumn->setContentsMargins(0, 0, 0, 0);
-    m_pHBoxSpectrumList = new QVBoxLayout;
+    auto* pFirst = new QWidget(pPage);
+    m_pHBoxSpectrumList = rowColumn(*pFirst);
     m_pHBoxSpectrumList->setObjectName(QStringLiteral("m_pHBoxSpectrumList"));
-    m_pHBoxSpectrumList->setSpacing(2);
-    pColumn->addLayout(m_pHBoxSpectrumList);
-    pColumn->addStretch(1);
+    m_pSliceColumn = rowColumn(*pPage);
+    m_pSliceColumn->addWidget(pFirst);
+    m_pSliceColumn->addStretch(1);
     m_pRowArea->setWidget(pPage);
     m_rows.clear();
     qDeleteAll(m_spectra);
@@ -88,14 +99,9 @@ void SpUnmixSpectrumLibraryWnd::addRows()
 {
     const int nFirst = m_rows.size();
     const int nEnd = std::min(m_nRowLimit, nFirst + kRowsOfSlice);
-    // Each widget that appears has the whole page arranged, unless nobody arranges it until all are there.
-    QLayout* pArranged = m_pRowArea->widget()->layout();
-    pArranged->setEnabled(false);
-    while (m_rows.size() < nEnd) {
-        addRow();
+    if (nFirst < nEnd) {
+        addSlice(nEnd);
     }
-    pArranged->setEnabled(true);
-    pArranged->activate();
     tellSpectra(nFirst);
     showRowCount();
     if (nEnd < m_nRowLimit) {
@@ -103,13 +109,46 @@ void SpUnmixSpectrumLibraryWnd::addRows()
     }
 }
 
-void SpUnmixSpectrumLibraryWnd::addRow()
+// The first rows stand in the list, each later slice in a widget of its own: whenever something comes, a layout
+// arranges all that is in it, but not what is in its widgets.
+void SpUnmixSpectrumLibraryWnd::addSlice(int nEnd)
+{
+    const bool bFirst = m_rows.size() < kRowsAtFirst;
+    QWidget* pPage = m_pRowArea->widget();
+    QWidget* pSlice = bFirst ? m_pHBoxSpectrumList->parentWidget() : new QWidget(pPage);
+    QVBoxLayout* pColumn = bFirst ? m_pHBoxSpectrumList : rowColumn(*pSlice);
+    // A widget that appears has everything squeezed into the size that the page had without it, unless nobody arranges
+    // the page until that has grown.
+    m_pSliceColumn->setEnabled(false);
+    pColumn->setEnabled(false);
+    while (m_rows.size() < nEnd) {
+        addRow(*pSlice);
+        pColumn->addLayout(m_rows.last()->m_pLayout);
+    }
+    if (!bFirst) {
+        m_pSliceColumn->insertWidget(m_pSliceColumn->count() - 1, pSlice); // above the stretch
+    }
+    pSlice->show();
+    pColumn->setEnabled(true);
+    m_pSliceColumn->setEnabled(true);
+    m_pSliceColumn->invalidate();
+    QCoreApplication::postEvent(pPage, new QEvent(QEvent::LayoutRequest));
+}
+
+void SpUnmixSpectrumLibraryWnd::addRow(QWidget& slice)
 {
     const int nPlace = m_rows.size();
-    const auto pRow = QSharedPointer<SpumKyvoSpectrumCtrl>::create(m_pRowArea->widget(), m_eAxis != SPECTRUMAXIS_TIME,
-                                                                   m_bMultiSelect);
+    const auto pRow =
+        QSharedPointer<SpumKyvoSpectrumCtrl>::create(&slice, m_eAxis != SPECTRUMAXIS_TIME, m_bMultiSelect);
     pRow->hide();
     m_spectra.at(nPlace)->attachControl(pRow, false);
+    if (!m_bMultiSelect) {
+        connect(pRow->m_pSelectBox, &QAbstractButton::toggled, this, [this, nPlace](bool bOn) {
+            if (bOn) {
+                deselectAllBut(nPlace);
+            }
+        });
+    }
     connect(pRow->m_pColorCombo, qOverload<int>(&QComboBox::currentIndexChanged), this,
             &SpUnmixSpectrumLibraryWnd::updateSpectrumPlot);
     connect(pRow->m_pSelectBox, &QAbstractButton::toggled, this, &SpUnmixSpectrumLibraryWnd::updateSpectrumPlot);
@@ -129,12 +168,25 @@ void SpUnmixSpectrumLibraryWnd::addRow()
     setTabOrder(pBefore, pRow->m_pSelectBox);
     setTabOrder(pRow->m_pSelectBox, pRow->m_pNameEdit);
     setTabOrder(pRow->m_pNameEdit, pRow->m_pColorCombo);
-    m_pHBoxSpectrumList->addLayout(pRow->m_pLayout);
     for (QWidget* pPart : std::initializer_list<QWidget*>{pRow->m_pIndexLabel, pRow->m_pSelectBox, pRow->m_pNameEdit,
                                                           pRow->m_pColorCombo}) {
         pPart->show();
     }
     m_rows.append(pRow);
+}
+
+// Radio buttons exclude only those beside them in their slice.
+void SpUnmixSpectrumLibraryWnd::deselectAllBut(int nPlace)
+{
+    for (int i = 0; i < m_spectra.size(); ++i) {
+        if (i != nPlace) {
+            m_spectra.at(i)->settings.selected = false;
+        }
+        if (i != nPlace && i < m_rows.size()) {
+            const QSignalBlocker blocker(m_rows.at(i)->m_pSelectBox);
+            m_rows.at(i)->uncheck();
+        }
+    }
 }
 
 // The information of the spectra that got a row.

@@ -92,7 +92,9 @@ private:
     void keepOneSelected();
     void clearRows();
     void addRows();
-    void addRow();
+    void addSlice(int nEnd);
+    void addRow(QWidget& slice);
+    void deselectAllBut(int nPlace);
     void tellSpectra(int nFirst);
     void showRowCount();
     bool plotCurve(int nSpectrum);
@@ -101,6 +103,7 @@ private:
     const QListWidgetItem* m_pTriedItem = nullptr; // whose library was asked for last
     bool m_bTriedByPress = false;                  // by the press of the button that is about to be a click
     QVector<bool> m_covered;                       // of each spectrum, see bandCoverage()
+    QVBoxLayout* m_pSliceColumn = nullptr;         // of the page: the list, and the slices under it
     int m_nRowLimit = 0;                           // rows that are wanted
     QTimer m_rowTimer;                             // makes them, a slice at a time
 };

@@ -56,6 +56,44 @@ TEST_F(LibraryWindowTest, AnImportOfManyKeepsOneThatIsSeen)
     EXPECT_EQ(handedBack(), QStringList{"Dye 200"});
     row(299).m_pSelectBox->click();
     EXPECT_EQ(handedBack(), QStringList{"Dye 300"});
+    row(3).m_pSelectBox->click();
+    EXPECT_EQ(handedBack(), QStringList{"Dye 4"});
+    EXPECT_TRUE(window().m_pNextBtn->isEnabled());
+}
+
+// One that has no row yet gives way too.
+TEST_F(LibraryWindowTest, AnImportOfManyGivesUpTheOneThatIsNotSeen)
+{
+    QByteArray library = library::dyes(300, 2, 0);
+    const int nSelected = library.indexOf(",0", library.indexOf("$,Select")) + 2 * 250;
+    library[nSelected + 1] = '1';
+    write("many", library);
+    open();
+    window().setMultiSelect(false);
+    click("many");
+    EXPECT_EQ(handedBack(), QStringList{"Dye 251"});
+    ASSERT_TRUE(QTest::qWaitFor([this] { return window().m_rows.size() == 200; }));
+    row(7).m_pSelectBox->click();
+    EXPECT_EQ(handedBack(), QStringList{"Dye 8"});
+}
+
+// Rows stand one under another at the same distance, whatever slice they were made in.
+TEST_F(LibraryWindowTest, RowsAreEvenlySpaced)
+{
+    write("many", library::dyes(100, 2, 0));
+    open();
+    click("many");
+    ASSERT_TRUE(QTest::qWaitFor([this] { return window().m_rows.size() == 100; }));
+    QApplication::processEvents();
+    const QWidget* pPage = window().m_pRowArea->widget();
+    const auto top = [this, pPage](int nRow) {
+        return row(nRow).m_pNameEdit->mapTo(const_cast<QWidget*>(pPage), QPoint(0, 0));
+    };
+    const QPoint step = top(1) - top(0);
+    EXPECT_GT(step.y(), row(0).m_pNameEdit->height());
+    for (int i = 0; i < 100; ++i) {
+        EXPECT_EQ(top(i), top(0) + i * step) << i;
+    }
 }
 
 TEST_F(LibraryWindowTest, TheKeyboardGoesThroughTheRows)
