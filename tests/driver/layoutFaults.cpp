@@ -62,8 +62,9 @@ bool hasTooLittleRoom(const QWidget& widget)
         option.editable = pCombo->isEditable();
         const QRect field =
             pCombo->style()->subControlRect(QStyle::CC_ComboBox, &option, QStyle::SC_ComboBoxEditField, pCombo);
-        const int nIcon = pCombo->itemIcon(pCombo->currentIndex()).isNull() ? 0 : pCombo->iconSize().width() + 4;
-        return pCombo->fontMetrics().horizontalAdvance(pCombo->currentText()) + nIcon > field.width();
+        // A swatch tells the colour by itself.
+        return pCombo->itemIcon(pCombo->currentIndex()).isNull() &&
+               pCombo->fontMetrics().horizontalAdvance(pCombo->currentText()) > field.width();
     }
     if (const auto* pGroup = qobject_cast<const QGroupBox*>(&widget)) {
         return pGroup->fontMetrics().size(Qt::TextShowMnemonic, pGroup->title()).width() > pGroup->width();

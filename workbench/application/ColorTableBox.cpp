@@ -34,6 +34,12 @@ ColorTableBox::ColorTableBox(QWidget* pParent) : QComboBox(pParent)
     setIconSize(QSize(kStripWidth, kStripHeight));
     addItems(CILPalette::colorTableNames());
     drawStrips(false);
+    // Where room is short the colours alone tell which table it is.
+    setSizeAdjustPolicy(AdjustToContents);
+    setMaximumWidth(sizeHint().width());
+    setSizeAdjustPolicy(AdjustToMinimumContentsLengthWithIcon);
+    setMinimumContentsLength(0);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
 }
 
 void ColorTableBox::setColorTable(int nTable)

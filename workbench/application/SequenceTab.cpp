@@ -105,7 +105,7 @@ QWidget* SequenceTab::makeBar()
     pUpper->addWidget(m_pUnitBox);
     pUpper->addSpacing(8);
     pUpper->addWidget(label(tr("&Colours:"), m_pColorBox));
-    pUpper->addWidget(m_pColorBox);
+    pUpper->addWidget(m_pColorBox, 1000);
     pUpper->addWidget(m_pReversedBox);
     pUpper->addWidget(m_pLogBox);
     pUpper->addStretch(1);
