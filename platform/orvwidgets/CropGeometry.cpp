@@ -212,6 +212,12 @@ void CropGeometry::reset()
     *this = CropGeometry();
 }
 
+void CropGeometry::set(const std::optional<QRectF>& crop)
+{
+    reset();
+    m_crop = crop;
+}
+
 QRect CropGeometry::reported(const QSizeF& side) const
 {
     QRect crop;

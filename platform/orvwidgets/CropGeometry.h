@@ -52,6 +52,8 @@ public:
     bool canTakeBack() const { return m_bPressed || m_bChanged; }
     bool clear(); // false when there is none
     void setWhole();
+    // A crop in parts of the picture, on it; nothing for none. What could be taken back is forgotten.
+    void set(const std::optional<QRectF>& crop);
     // By view pixels, kept on the picture. False without a crop or when nothing changed.
     bool moveBy(const QPointF& delta, const QRectF& shown);
     // Moves the lower right corner.

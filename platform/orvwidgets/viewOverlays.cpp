@@ -45,18 +45,33 @@ std::vector<double> ticksOf(int pixels, double side)
 
 } // namespace
 
-void paintOutline(QPainter& painter, const QRectF& shape, bool bEllipse)
+namespace {
+
+template <typename Draw>
+void paintLines(QPainter& painter, Draw&& draw)
 {
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setBrush(Qt::NoBrush);
     painter.setPen(QPen(Qt::black, 1.5));
-    drawShape(painter, shape, bEllipse);
+    draw();
     QPen dashes(Qt::white, 1.5);
     dashes.setDashPattern({3.0, 3.0});
     painter.setPen(dashes);
-    drawShape(painter, shape, bEllipse);
+    draw();
     painter.restore();
+}
+
+} // namespace
+
+void paintOutline(QPainter& painter, const QRectF& shape, bool bEllipse)
+{
+    paintLines(painter, [&] { drawShape(painter, shape, bEllipse); });
+}
+
+void paintOutline(QPainter& painter, const QPolygonF& outline)
+{
+    paintLines(painter, [&] { painter.drawPolygon(outline); });
 }
 
 void paintCrop(QPainter& painter, const QRectF& crop, bool bEllipse)

@@ -4,6 +4,7 @@
 #include <QColor>
 #include <QFont>
 #include <QPointF>
+#include <QPolygonF>
 #include <QRectF>
 #include <QSize>
 #include <QString>
@@ -16,7 +17,10 @@ namespace orvwidgets {
 // A rectangle or the ellipse in it, in black and white lines that are seen on any picture.
 void paintOutline(QPainter& painter, const QRectF& shape, bool bEllipse);
 
-// The same with a handle at each corner.
+// The same for an outline, which closes by itself.
+void paintOutline(QPainter& painter, const QPolygonF& outline);
+
+// A rectangle or an ellipse with a handle at each corner.
 void paintCrop(QPainter& painter, const QRectF& crop, bool bEllipse);
 
 // Pixel numbers in strips of `width` along the right and the lower edge of a displayed picture.

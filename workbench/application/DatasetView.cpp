@@ -4,6 +4,7 @@
 #include "platform/orvimage/ColorBar.h"
 #include "platform/orvwidgets/viewIcons.h"
 
+#include <QKeyEvent>
 #include <QMenu>
 #include <QMouseEvent>
 #include <QPainter>
@@ -11,10 +12,13 @@
 
 #include <algorithm>
 
+using orvwidgets::CropPart;
+
 namespace {
 
 constexpr int kBarFont = 14;
 constexpr int kLeastSide = 512; // of a picture that is copied or saved
+constexpr int kFastKey = 10;
 
 } // namespace
 
@@ -101,6 +105,9 @@ void DatasetView::paintGL()
 void DatasetView::paintOverlay(QPainter& painter) const
 {
     CORVQImageView::paintOverlay(painter);
+    if (m_strMessage.isEmpty()) {
+        m_regions.paint(painter, pictureRect());
+    }
     if (!m_strMessage.isEmpty()) {
         painter.setPen(palette().color(QPalette::WindowText));
         const int margin = 24;
@@ -112,6 +119,18 @@ void DatasetView::paintOverlay(QPainter& painter) const
 
 void DatasetView::mousePressEvent(QMouseEvent* pEvent)
 {
+    if (pEvent->button() == Qt::LeftButton && !m_image.isEmpty()) {
+        const int before = m_regions.chosen();
+        const bool meant = m_regions.press(pEvent->localPos(), pictureRect());
+        if (before != m_regions.chosen()) {
+            Q_EMIT regionChosen(m_regions.chosen());
+        }
+        update();
+        if (meant) {
+            pEvent->accept();
+            return;
+        }
+    }
     if (pEvent->button() == Qt::LeftButton && !isFitted()) {
         m_bDragged = true;
         m_last = pEvent->pos();
@@ -133,11 +152,108 @@ void DatasetView::mouseMoveEvent(QMouseEvent* pEvent)
         panBy(pEvent->pos() - m_last);
         m_last = pEvent->pos();
     }
+    if (m_regions.isDragging()) {
+        if ((pEvent->buttons() & Qt::LeftButton) == 0) {
+            m_regions.giveUp();
+        } else {
+            m_regions.dragTo(pEvent->localPos(), pictureRect());
+        }
+        update();
+    }
     CORVQImageView::mouseMoveEvent(pEvent);
+    if (pEvent->buttons() == Qt::NoButton) {
+        showCursorAt(pEvent->localPos());
+    }
+}
+
+void DatasetView::showCursorAt(const QPointF& point)
+{
+    switch (m_image.isEmpty() ? CropPart::Outside : m_regions.partAt(point, pictureRect())) {
+    case CropPart::TopLeft:
+    case CropPart::BottomRight:
+        setCursor(Qt::SizeFDiagCursor);
+        break;
+    case CropPart::TopRight:
+    case CropPart::BottomLeft:
+        setCursor(Qt::SizeBDiagCursor);
+        break;
+    case CropPart::Inside:
+        setCursor(Qt::SizeAllCursor);
+        break;
+    case CropPart::Outside:
+        if (m_regions.tool() == RegionEditor::Tool::None) {
+            unsetCursor();
+        } else {
+            setCursor(Qt::CrossCursor);
+        }
+        break;
+    }
+}
+
+// While a tool is chosen two short drags in one place draw.
+void DatasetView::mouseDoubleClickEvent(QMouseEvent* pEvent)
+{
+    if (pEvent->button() == Qt::LeftButton &&
+        (m_regions.tool() != RegionEditor::Tool::None || m_regions.chosen() >= 0)) {
+        mousePressEvent(pEvent);
+        return;
+    }
+    CORVQImageView::mouseDoubleClickEvent(pEvent);
+}
+
+void DatasetView::keyPressEvent(QKeyEvent* pEvent)
+{
+    if (!regionKey(*pEvent)) {
+        CORVQImageView::keyPressEvent(pEvent);
+    }
+}
+
+bool DatasetView::regionKey(const QKeyEvent& event)
+{
+    const int chosen = m_regions.chosen();
+    if (event.key() == Qt::Key_Escape && (m_regions.isDragging() || chosen >= 0)) {
+        if (m_regions.isDragging()) {
+            m_regions.giveUp();
+        } else {
+            m_regions.choose(-1);
+            Q_EMIT regionChosen(-1);
+        }
+        update();
+        return true;
+    }
+    if (chosen < 0 || m_regions.isDragging()) {
+        return false;
+    }
+    if (event.key() == Qt::Key_Delete || event.key() == Qt::Key_Backspace) {
+        Q_EMIT regionRemovalWanted(chosen);
+        return true;
+    }
+    const int step = event.modifiers().testFlag(Qt::ShiftModifier) ? kFastKey : 1;
+    const QPoint delta(event.key() == Qt::Key_Left    ? -step
+                       : event.key() == Qt::Key_Right ? step
+                                                      : 0,
+                       event.key() == Qt::Key_Up     ? -step
+                       : event.key() == Qt::Key_Down ? step
+                                                     : 0);
+    if (delta.isNull()) {
+        return false;
+    }
+    if (const std::optional<tagROIInfo> region = m_regions.moved(delta)) {
+        Q_EMIT regionEdited(chosen, *region);
+    }
+    return true;
 }
 
 void DatasetView::mouseReleaseEvent(QMouseEvent* pEvent)
 {
+    if (pEvent->button() == Qt::LeftButton && m_regions.isDragging()) {
+        m_regions.dragTo(pEvent->localPos(), pictureRect());
+        const std::optional<tagROIInfo> region = m_regions.release(pictureRect());
+        if (region) {
+            Q_EMIT regionEdited(m_regions.isNew() ? -1 : m_regions.chosen(), *region);
+        }
+        update();
+    }
     if (pEvent->button() == Qt::LeftButton && m_bDragged) {
         m_bDragged = false;
         unsetCursor();

@@ -4,12 +4,15 @@
 #include "host/CILPalette.h"
 #include "host/CORVQImageView.h"
 #include "workbench/application/DisplayRange.h"
+#include "workbench/application/RegionEditor.h"
 
 #include <QSize>
 #include <QString>
 
-// The view of an image window: dragging moves the picture, pixels stay squares when they are enlarged. It is measured
-// in pixels of the image, whatever size the picture has that is shown of it. Instead of a picture a message can stand.
+// The view of an image window: dragging moves the picture or draws and moves regions of interest, pixels stay squares
+// when they are enlarged. The arrow keys move the chosen region by a pixel, with Shift by ten, Del asks for its
+// removal, and Esc ends a drag or the choice. It is measured in pixels of the image, whatever size the picture has that
+// is shown of it. Instead of a picture a message can stand.
 class DatasetView : public CORVQImageView
 {
     Q_OBJECT
@@ -23,9 +26,18 @@ public:
     // The bar that stands beside a picture that is copied or saved; none for an empty range.
     void setBar(const CILPalette& palette, const DisplayRange& range, const QString& strQuantity);
 
+    // Those over the picture; after a change of what they show, update() is to be called.
+    RegionEditor& regions() { return m_regions; }
+
 public Q_SLOTS:
     // One pixel of the image takes one of the screen.
     void showActualSize();
+
+Q_SIGNALS:
+    // A region was drawn (-1), moved or resized, by mouse or keys.
+    void regionEdited(int nRegion, const tagROIInfo& region);
+    void regionChosen(int nRegion); // -1: none
+    void regionRemovalWanted(int nRegion);
 
 protected:
     QSizeF contentSize() const override;
@@ -36,8 +48,14 @@ protected:
     void mousePressEvent(QMouseEvent* pEvent) override;
     void mouseMoveEvent(QMouseEvent* pEvent) override;
     void mouseReleaseEvent(QMouseEvent* pEvent) override;
+    void mouseDoubleClickEvent(QMouseEvent* pEvent) override;
+    void keyPressEvent(QKeyEvent* pEvent) override;
 
 private:
+    bool regionKey(const QKeyEvent& event);
+    void showCursorAt(const QPointF& point);
+
+    RegionEditor m_regions;
     QSize m_image;
     QString m_strMessage;
     CILPalette m_palette;

@@ -10,6 +10,7 @@
 #include "workbench/application/DatasetImage.h"
 #include "workbench/application/DatasetView.h"
 #include "workbench/application/RangePanel.h"
+#include "workbench/application/RegionPanel.h"
 #include "workbench/application/UnitBox.h"
 #include "workbench/application/datasetTitle.h"
 #include "workbench/application/pixelSide.h"
@@ -19,6 +20,7 @@
 #include <QEvent>
 #include <QFormLayout>
 #include <QFrame>
+#include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QScrollArea>
@@ -39,16 +41,23 @@ constexpr int kPanelWidth = 272;
 
 DatasetWindow::DatasetWindow(CORVDataset* pDataset, QWidget* pParent)
     : CORVImageWindow(pDataset, pParent), m_pImage(std::make_unique<DatasetImage>(pDataset)),
-      m_pView(new DatasetView(this)), m_pBar(new ColorBarWidget(Qt::Vertical, this))
+      m_pView(new DatasetView(this)), m_pBar(new ColorBarWidget(Qt::Vertical, this)),
+      m_pRegions(new RegionPanel(pDataset, this))
 {
     setObjectName(QStringLiteral("DatasetWindow"));
     auto* pLayout = new QHBoxLayout(this);
     pLayout->setContentsMargins(6, 6, 6, 6);
-    pLayout->addWidget(m_pView, 1);
-    pLayout->addWidget(m_pBar);
+    auto* pShown = new QGridLayout;
+    pShown->addWidget(m_pView, 0, 0);
+    pShown->addWidget(m_pBar, 0, 1);
+    pShown->addWidget(m_pRegions, 1, 0, 1, 2);
+    pShown->setRowStretch(0, 1);
+    pShown->setColumnStretch(0, 1);
+    pLayout->addLayout(pShown, 1);
     pLayout->addWidget(makePanel());
     takeSequenceColors();
     connectControls();
+    connectRegions();
     for (const tag_eimagetype type : m_pImage->types()) {
         m_pImageBox->addItem(DatasetImage::typeText(type), static_cast<int>(type));
     }
@@ -315,6 +324,7 @@ void DatasetWindow::showLoaded()
 
 void DatasetWindow::showRange()
 {
+    showRegions();
     if (m_pImage->image().isEmpty() || m_pImage->isColored()) {
         m_pRange->clearImage();
     } else {
@@ -369,6 +379,39 @@ void DatasetWindow::changeEvent(QEvent* pEvent)
     if (pEvent->type() == QEvent::ActivationChange) {
         setWindowModified(dataset()->isModified());
     }
+}
+
+void DatasetWindow::connectRegions()
+{
+    connect(m_pView, &DatasetView::regionEdited, m_pRegions, &RegionPanel::take);
+    connect(m_pView, &DatasetView::regionChosen, m_pRegions, &RegionPanel::choose);
+    connect(m_pView, &DatasetView::regionRemovalWanted, m_pRegions, &RegionPanel::remove);
+    connect(m_pRegions, &RegionPanel::toolChosen, this, [this](RegionEditor::Tool tool) {
+        m_pView->regions().setTool(tool);
+        m_pView->update();
+    });
+    connect(m_pRegions, &RegionPanel::regionChosen, this, [this](int nRegion) {
+        // The view's own choice may be the beginning of a drag.
+        if (m_pView->regions().chosen() != nRegion) {
+            m_pView->regions().choose(nRegion);
+            m_pView->update();
+        }
+    });
+    connect(m_pRegions, &RegionPanel::regionsChanged, this, [this] {
+        m_pView->regions().setRegions(m_pRegions->regions());
+        m_pView->update();
+        setWindowModified(dataset()->isModified());
+    });
+}
+
+// Numbers are those of the main data image, in the unit that it was shown in last.
+void DatasetWindow::showRegions()
+{
+    if (m_pImage->hasUnit()) {
+        m_pRegions->measure(m_pImage->unit());
+    }
+    m_pView->regions().setImage(m_pImage->size(), m_pImage->image().m_fBinning);
+    m_pView->regions().setRegions(m_pRegions->regions());
 }
 
 void DatasetWindow::tellPixel(int x, int y)

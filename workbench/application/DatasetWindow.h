@@ -20,6 +20,7 @@ class QSlider;
 class QToolButton;
 class QVBoxLayout;
 class RangePanel;
+class RegionPanel;
 class UnitBox;
 
 // The window of one dataset's images: the picture with its colour bar, and how it is shown. An image is read, drawn and
@@ -73,6 +74,9 @@ private:
     void showRange();
     void showTitle();
     void tellPixel(int x, int y);
+    void connectRegions();
+    // Those of the dataset, over the picture and in their table.
+    void showRegions();
 
     // What is to be done; each comes before those above it.
     enum class Step
@@ -98,6 +102,7 @@ private:
     QCheckBox* m_pReversedBox = nullptr;
     QCheckBox* m_pLogBox = nullptr;
     RangePanel* m_pRange = nullptr;
+    RegionPanel* m_pRegions = nullptr;
     QCheckBox* m_pOverlayBox = nullptr;
     QSlider* m_pOpacitySlider = nullptr;
 };

@@ -2,6 +2,7 @@
 // The keyboard in the windows of images as they lie in the main window: Tab and Shift+Tab come to every control, in the
 // order in which they are seen.
 #include "MainWindowFixture.h"
+#include "support/pointer.h"
 
 #include "host/CORVDataset.h"
 #include "host/CORVSequenceDataset.h"
@@ -12,42 +13,43 @@
 #include "workbench/application/Thumbnails.h"
 
 #include <QCheckBox>
+#include <QScrollArea>
 
 #include <algorithm>
 
 namespace {
 
-// Those that take the focus by Tab: rows from the top, each from the left; `pFirst` stands left of all others.
-QList<QWidget*> asSeen(const QWidget& window, QWidget* pFirst)
+// Those that take the focus by Tab: rows from the top, each from the left; what lies left of `nColumn` before the rest.
+QList<QWidget*> asSeen(const QWidget& window, int nColumn)
 {
     QList<QWidget*> controls;
     for (QWidget* pWidget : window.findChildren<QWidget*>()) {
         // The edit of a box has its focus through the box.
-        const bool own = pWidget->focusProxy() == nullptr;
-        if (own && pWidget != pFirst && pWidget->isVisible() && pWidget->isEnabled() &&
+        if (pWidget->focusProxy() == nullptr && pWidget->isVisible() && pWidget->isEnabled() &&
             (pWidget->focusPolicy() & Qt::TabFocus) != 0) {
             controls.append(pWidget);
         }
     }
     const auto middle = [&window](const QWidget* pWidget) { return pWidget->mapTo(&window, pWidget->rect().center()); };
     std::sort(controls.begin(), controls.end(), [&](const QWidget* pOne, const QWidget* pOther) {
-        const int apart = middle(pOne).y() - middle(pOther).y();
-        return std::abs(apart) > 8 ? apart < 0 : middle(pOne).x() < middle(pOther).x();
+        const QPoint one = middle(pOne);
+        const QPoint other = middle(pOther);
+        if ((one.x() < nColumn) != (other.x() < nColumn)) {
+            return one.x() < nColumn;
+        }
+        return std::abs(one.y() - other.y()) > 8 ? one.y() < other.y() : one.x() < other.x();
     });
-    if (pFirst != nullptr) {
-        controls.prepend(pFirst);
-    }
     return controls;
 }
 
-QStringList namesOf(const QList<QWidget*>& widgets)
+std::string namesOf(const QList<QWidget*>& widgets)
 {
     QStringList names;
     for (const QWidget* pWidget : widgets) {
         names << QStringLiteral("%1 %2 %3")
                      .arg(QLatin1String(pWidget->metaObject()->className()), pWidget->objectName(), pWidget->toolTip());
     }
-    return names;
+    return names.join('\n').toStdString();
 }
 
 // What has the focus, from the first control on, until the window is left.
@@ -84,9 +86,9 @@ protected:
         ASSERT_NE(m_pTab, nullptr);
         ASSERT_TRUE(QTest::qWaitFor([this] { return m_pTab->thumbnails().isFinished(); }, 20000));
     }
-    static void expectOrder(const QWidget& window, QWidget* pFirst = nullptr)
+    static void expectOrder(const QWidget& window, int nColumn = 0)
     {
-        QList<QWidget*> seen = asSeen(window, pFirst);
+        QList<QWidget*> seen = asSeen(window, nColumn);
         ASSERT_GT(seen.size(), 4);
         EXPECT_EQ(namesOf(visited(window, seen.first(), Qt::Key_Tab)), namesOf(seen));
         std::reverse(seen.begin(), seen.end());
@@ -110,7 +112,16 @@ TEST_F(TabOrderTest, OfAnImage)
     ASSERT_NE(pImage, nullptr);
     ASSERT_TRUE(pImage->isVisible());
     pImage->findChild<QCheckBox*>("m_pOverlayBox")->setChecked(true);
-    expectOrder(*pImage, pImage->view());
+    // The image with its regions, then the panel beside it.
+    pImage->view()->regions().setTool(RegionEditor::Tool::Rectangle);
+    QTest::mousePress(pImage->view(), Qt::LeftButton, Qt::NoModifier, pImage->view()->rect().center());
+    pointer::move(*pImage->view(), pImage->view()->rect().center() + QPoint(40, 40), Qt::LeftButton);
+    QTest::mouseRelease(pImage->view(), Qt::LeftButton, Qt::NoModifier,
+                        pImage->view()->rect().center() + QPoint(40, 40));
+    settle();
+    ASSERT_EQ(pImage->view()->regions().regions().size(), 1);
+    const auto* pPanel = pImage->findChild<QScrollArea*>();
+    expectOrder(*pImage, pPanel->mapTo(pImage, QPoint(0, 0)).x());
 }
 
 } // namespace

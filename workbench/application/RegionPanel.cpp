@@ -1,0 +1,287 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "workbench/application/RegionPanel.h"
+
+#include "host/CORVDataset.h"
+#include "host/CORVMessageBox.h"
+#include "host/CORVUtilityFns.h"
+#include "host/CROIManager.h"
+#include "platform/orvwidgets/viewIcons.h"
+#include "workbench/application/literalToolTip.h"
+#include "workbench/application/regionTexts.h"
+
+#include <QClipboard>
+#include <QEvent>
+#include <QGuiApplication>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QSignalBlocker>
+#include <QTableWidget>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+using orvwidgets::ViewIcon;
+
+namespace {
+
+constexpr int kRowsShown = 4;
+
+} // namespace
+
+RegionPanel::RegionPanel(CORVDataset* pDataset, QWidget* pParent)
+    : QWidget(pParent), m_pDataset(pDataset),
+      m_pRectangleButton(addButton("m_pDrawRectangleButton", tr("Draw rectangles: drag in the image"))),
+      m_pEllipseButton(addButton("m_pDrawEllipseButton", tr("Draw ellipses: drag in the image"))),
+      m_pRemoveButton(addButton("m_pRemoveRegionButton", tr("Remove the chosen region (Del)"))),
+      m_pCopyButton(addButton("m_pCopyNumbersButton", tr("Copy the numbers of all regions, for a spreadsheet"))),
+      m_pSaveButton(addButton("m_pSaveRegionsButton", tr("Save the regions with the image"))),
+      m_pTable(new QTableWidget(this))
+{
+    setObjectName(QStringLiteral("RegionPanel"));
+    makeTable();
+    auto* pRow = new QHBoxLayout;
+    pRow->addWidget(new QLabel(tr("Regions:"), this));
+    for (QToolButton* pButton : {m_pRectangleButton, m_pEllipseButton, m_pRemoveButton, m_pCopyButton, m_pSaveButton}) {
+        pRow->addWidget(pButton);
+    }
+    pRow->addStretch(1);
+    auto* pColumn = new QVBoxLayout(this);
+    pColumn->setContentsMargins(0, 0, 0, 0);
+    pColumn->addLayout(pRow);
+    pColumn->addWidget(m_pTable);
+    for (QToolButton* pButton : {m_pRectangleButton, m_pEllipseButton}) {
+        pButton->setCheckable(true);
+        connect(pButton, &QToolButton::clicked, this, [this, pButton] { chooseTool(pButton); });
+    }
+    connect(m_pRemoveButton, &QToolButton::clicked, this, [this] { remove(m_pTable->currentRow()); });
+    connect(m_pCopyButton, &QToolButton::clicked, this, &RegionPanel::copyNumbers);
+    connect(m_pSaveButton, &QToolButton::clicked, this, &RegionPanel::save);
+    // By itself an image is saved as a whole.
+    m_pSaveButton->setVisible(pDataset->belongsToSequence());
+    drawIcons();
+    fill();
+}
+
+QToolButton* RegionPanel::addButton(const char* pName, const QString& strText)
+{
+    auto* pButton = new QToolButton(this);
+    pButton->setObjectName(QLatin1String(pName));
+    pButton->setToolTip(strText);
+    pButton->setAccessibleName(strText);
+    pButton->setAutoRaise(true);
+    pButton->setFocusPolicy(Qt::TabFocus);
+    return pButton;
+}
+
+void RegionPanel::makeTable()
+{
+    m_pTable->setObjectName(QStringLiteral("m_pRegionTable"));
+    m_pTable->setAccessibleName(tr("Regions"));
+    const QStringList titles = regionTexts::titles();
+    m_pTable->setColumnCount(titles.size());
+    m_pTable->setHorizontalHeaderLabels(titles);
+    m_pTable->setSelectionBehavior(QAbstractItemView::SelectRows);
+    m_pTable->setSelectionMode(QAbstractItemView::SingleSelection);
+    m_pTable->setTabKeyNavigation(false);
+    m_pTable->verticalHeader()->hide();
+    m_pTable->verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 8);
+    m_pTable->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    m_pTable->setFixedHeight((kRowsShown + 2) * (fontMetrics().height() + 8));
+    m_pTable->installEventFilter(this);
+    connect(m_pTable, &QTableWidget::itemSelectionChanged, this, [this] {
+        const bool chosen = !m_pTable->selectedItems().isEmpty();
+        m_pRemoveButton->setEnabled(chosen);
+        Q_EMIT regionChosen(chosen ? m_pTable->currentRow() : -1);
+    });
+    connect(m_pTable, &QTableWidget::itemChanged, this, &RegionPanel::rename);
+}
+
+// In the colour of the present palette.
+void RegionPanel::drawIcons()
+{
+    const QColor ink = palette().color(QPalette::Active, QPalette::ButtonText);
+    const QList<QPair<QToolButton*, ViewIcon>> icons{{m_pRectangleButton, ViewIcon::Rectangle},
+                                                     {m_pEllipseButton, ViewIcon::Ellipse},
+                                                     {m_pRemoveButton, ViewIcon::Clear},
+                                                     {m_pCopyButton, ViewIcon::Copy},
+                                                     {m_pSaveButton, ViewIcon::Save}};
+    for (const auto& [pButton, eIcon] : icons) {
+        pButton->setIcon(orvwidgets::viewIcon(eIcon, ink));
+    }
+}
+
+void RegionPanel::changeEvent(QEvent* pEvent)
+{
+    QWidget::changeEvent(pEvent);
+    if (pEvent->type() == QEvent::PaletteChange) {
+        drawIcons();
+    }
+}
+
+bool RegionPanel::eventFilter(QObject* pWatched, QEvent* pEvent)
+{
+    if (pWatched == m_pTable && pEvent->type() == QEvent::KeyPress) {
+        const auto* pKey = static_cast<QKeyEvent*>(pEvent);
+        if (pKey->key() == Qt::Key_Delete && m_pTable->currentRow() >= 0) {
+            remove(m_pTable->currentRow());
+            return true;
+        }
+        if (pKey->matches(QKeySequence::Copy)) {
+            copyNumbers();
+            return true;
+        }
+    }
+    return QWidget::eventFilter(pWatched, pEvent);
+}
+
+// One of them or none.
+void RegionPanel::chooseTool(const QToolButton* pChosen)
+{
+    for (QToolButton* pButton : {m_pRectangleButton, m_pEllipseButton}) {
+        if (pButton != pChosen) {
+            pButton->setChecked(false);
+        }
+    }
+    Q_EMIT toolChosen(m_pRectangleButton->isChecked() ? RegionEditor::Tool::Rectangle
+                      : m_pEllipseButton->isChecked() ? RegionEditor::Tool::Ellipse
+                                                      : RegionEditor::Tool::None);
+}
+
+const QList<tagROIInfo>& RegionPanel::regions() const
+{
+    return m_pDataset->roiManager()->regions();
+}
+
+// Without the unit the numbers of before would be those of another one.
+void RegionPanel::measure(tag_edisplayunit eUnit)
+{
+    m_eUnit = eUnit;
+    if (!regions().isEmpty() && m_pDataset->roiManager()->measure(eUnit) != ESTATUS_SUCCESS) {
+        keep(regions());
+    }
+    fill();
+}
+
+void RegionPanel::keep(const QList<tagROIInfo>& regions)
+{
+    QList<tagROIInfo> kept = regions;
+    QList<tagROIInfo*> borrowed;
+    for (tagROIInfo& region : kept) {
+        borrowed.append(&region);
+    }
+    m_pDataset->roiManager()->createROIFromFile(&borrowed, true, false);
+}
+
+void RegionPanel::take(int nRegion, const tagROIInfo& region)
+{
+    CROIManager& manager = *m_pDataset->roiManager();
+    if (nRegion < 0) {
+        tagROIInfo named = region;
+        named.name = regionTexts::freeName(manager.regions());
+        QString reason;
+        if (!manager.addRegion(named, &reason)) {
+            tell(reason);
+            return;
+        }
+    } else {
+        QList<tagROIInfo> regions = manager.regions();
+        regions[nRegion] = region;
+        keep(regions);
+    }
+    changed();
+    choose(nRegion < 0 ? manager.regions().size() - 1 : nRegion);
+}
+
+void RegionPanel::remove(int nRegion)
+{
+    if (nRegion < 0 || nRegion >= regions().size()) {
+        return;
+    }
+    const QString name = regions().at(nRegion).name;
+    m_pDataset->roiManager()->removeRegion(name);
+    changed();
+    choose(-1);
+}
+
+void RegionPanel::changed()
+{
+    measure(m_eUnit);
+    m_pDataset->roiManager()->saveROIData(&m_pDataset->clickInfo);
+    m_pDataset->setModified(true);
+    m_pSaveButton->setEnabled(true);
+    Q_EMIT regionsChanged();
+}
+
+void RegionPanel::fill()
+{
+    const QSignalBlocker blocker(m_pTable);
+    const int chosen = m_pTable->selectedItems().isEmpty() ? -1 : m_pTable->currentRow();
+    const QList<tagROIInfo>& all = regions();
+    m_pTable->setRowCount(all.size());
+    for (int row = 0; row < all.size(); ++row) {
+        const QStringList cells = regionTexts::cells(all.at(row));
+        for (int column = 0; column < cells.size(); ++column) {
+            auto* pItem = new QTableWidgetItem(cells.at(column));
+            if (column == 0) {
+                pItem->setToolTip(literalToolTip(cells.at(column)));
+            } else {
+                pItem->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable);
+                pItem->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
+                pItem->setToolTip(all.at(row).statistics.unit);
+            }
+            m_pTable->setItem(row, column, pItem);
+        }
+    }
+    m_pTable->setVisible(!all.isEmpty());
+    m_pRemoveButton->setEnabled(chosen >= 0 && chosen < all.size());
+    m_pCopyButton->setEnabled(!all.isEmpty());
+    m_pSaveButton->setEnabled(m_pDataset->isModified());
+}
+
+void RegionPanel::choose(int nRegion)
+{
+    const QSignalBlocker blocker(m_pTable);
+    if (nRegion < 0) {
+        m_pTable->clearSelection();
+        m_pTable->setCurrentItem(nullptr);
+    } else {
+        m_pTable->selectRow(nRegion);
+    }
+    m_pRemoveButton->setEnabled(nRegion >= 0);
+    Q_EMIT regionChosen(nRegion);
+}
+
+void RegionPanel::rename(const QTableWidgetItem* pItem)
+{
+    const int row = pItem->row();
+    if (pItem->column() != 0 || row >= regions().size() || pItem->text() == regions().at(row).name) {
+        return;
+    }
+    QString reason;
+    if (!m_pDataset->roiManager()->renameRegion(regions().at(row).name, pItem->text().simplified(), &reason)) {
+        fill();
+        tell(reason);
+        return;
+    }
+    changed();
+}
+
+void RegionPanel::copyNumbers() const
+{
+    QGuiApplication::clipboard()->setText(regionTexts::table(regions()));
+}
+
+void RegionPanel::save()
+{
+    if (m_pDataset->saveDatasetAs(m_pDataset->folderPath()) != ESTATUS_SUCCESS) {
+        tell(tr("The regions could not be saved in %1. The log tells why.").arg(m_pDataset->folderPath()));
+    }
+    fill();
+    Q_EMIT regionsChanged();
+}
+
+void RegionPanel::tell(const QString& strProblem)
+{
+    CORVMessageBox::error(this, CORVUtilityFns::getAppName(), strProblem);
+}

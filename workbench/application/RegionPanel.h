@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "host/orv_types.h"
+#include "host/tagROIInfo.h"
+#include "workbench/application/RegionEditor.h"
+
+#include <QList>
+#include <QWidget>
+
+class CORVDataset;
+class QTableWidget;
+class QTableWidgetItem;
+class QToolButton;
+
+// The regions of interest of a dataset: what to draw them with, and their numbers over the main data image in a table,
+// in which they are chosen, renamed and removed. A change reaches the dataset's click info and marks it as modified.
+// The dataset is borrowed and outlives the panel.
+class RegionPanel : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit RegionPanel(CORVDataset* pDataset, QWidget* pParent = nullptr);
+
+    const QList<tagROIInfo>& regions() const;
+    // Measures anew, in that unit.
+    void measure(tag_edisplayunit eUnit);
+    // Adds one (-1), under the next free name, or replaces the shape of another.
+    void take(int nRegion, const tagROIInfo& region);
+    void remove(int nRegion);
+    void choose(int nRegion);
+
+Q_SIGNALS:
+    void toolChosen(RegionEditor::Tool tool);
+    // Regions, their names or their numbers are others.
+    void regionsChanged();
+    void regionChosen(int nRegion); // -1: none
+
+protected:
+    void changeEvent(QEvent* pEvent) override;
+    bool eventFilter(QObject* pWatched, QEvent* pEvent) override;
+
+private:
+    QToolButton* addButton(const char* pName, const QString& strText);
+    void makeTable();
+    void drawIcons();
+    void chooseTool(const QToolButton* pChosen);
+    // The dataset's regions become these.
+    void keep(const QList<tagROIInfo>& regions);
+    void changed();
+    void fill();
+    void rename(const QTableWidgetItem* pItem);
+    void copyNumbers() const;
+    void save();
+    void tell(const QString& strProblem);
+
+    CORVDataset* m_pDataset;
+    tag_edisplayunit m_eUnit = DISPLAYUNIT_COUNTS;
+    QToolButton* m_pRectangleButton;
+    QToolButton* m_pEllipseButton;
+    QToolButton* m_pRemoveButton;
+    QToolButton* m_pCopyButton;
+    QToolButton* m_pSaveButton;
+    QTableWidget* m_pTable;
+};
