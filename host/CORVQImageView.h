@@ -26,10 +26,20 @@ public:
     void setLabelList(const LabelList& labels);
     const LabelList& labelList() const { return m_labels; }
     void refreshView() { update(); }
+    // The whole picture with its labels: at its own size, with letters that grow with it, or, where they could not be
+    // read on one so small, enlarged by a whole number. Null without a picture.
+    QImage labelledPicture() const;
+
+public Q_SLOTS:
+    // Asks for a name; nothing happens without a picture.
+    void saveLabelledPicture();
 
 protected:
     void paintOverlay(QPainter& painter) const override;
+    void fillContextMenu(QMenu& menu) override;
 
 private:
+    void paintLabels(QPainter& painter, double dWidth) const;
+
     LabelList m_labels;
 };

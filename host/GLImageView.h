@@ -91,6 +91,8 @@ protected:
     virtual void fillContextMenu(QMenu& menu);
     // What is copied and saved; the base gives the picture.
     virtual QImage pictureToKeep() const;
+    // Asks for a name and writes that picture; nothing happens without one.
+    void saveAs(const QImage& picture);
     // The size of what is zoomed and moved, in its own units; the base gives that of the picture.
     virtual QSizeF contentSize() const;
     // Fitted, the content is not shown smaller as long as the view is wide enough; the base gives 0.

@@ -64,8 +64,12 @@ void GLImageView::copyPicture()
 
 void GLImageView::savePicture()
 {
-    const QImage kept = pictureToKeep();
-    if (kept.isNull()) {
+    saveAs(pictureToKeep());
+}
+
+void GLImageView::saveAs(const QImage& picture)
+{
+    if (picture.isNull()) {
         return;
     }
     const QString path = CORVFileDialog::getSaveFileName(this, tr("Save Picture"), QString(), tr("PNG Image (*.png)"));
@@ -73,7 +77,7 @@ void GLImageView::savePicture()
         return;
     }
     QString error;
-    if (!orvimage::savePng(path, kept, &error)) {
+    if (!orvimage::savePng(path, picture, &error)) {
         CORVMessageBox::error(this, CORVUtilityFns::getAppName(), error);
     }
 }
