@@ -271,6 +271,9 @@ bool MainWindow::mayClose(CORVChildWindow* pWindow)
         return datasetKeeper::mayClose(this, *pImageWindow->dataset());
     }
     const auto* pSequenceWindow = qobject_cast<CORVSequenceWindow*>(pWindow);
+    if (pSequenceWindow != nullptr && !datasetKeeper::mayClose(this, *pSequenceWindow->sequence())) {
+        return false;
+    }
     const bool bTold = pSequenceWindow != nullptr && pSequenceWindow->sequence() == m_pPalette->told();
     return !bTold || m_pPlugin->askToSave();
 }

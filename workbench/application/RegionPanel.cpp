@@ -6,6 +6,7 @@
 #include "host/CORVUtilityFns.h"
 #include "host/CROIManager.h"
 #include "platform/orvwidgets/viewIcons.h"
+#include "workbench/application/datasetKeeper.h"
 #include "workbench/application/literalToolTip.h"
 #include "workbench/application/regionTexts.h"
 
@@ -274,9 +275,7 @@ void RegionPanel::copyNumbers() const
 
 void RegionPanel::save()
 {
-    if (m_pDataset->saveDatasetAs(m_pDataset->folderPath()) != ESTATUS_SUCCESS) {
-        tell(tr("The regions could not be saved in %1. The log tells why.").arg(m_pDataset->folderPath()));
-    }
+    datasetKeeper::saveInPlace(this, *m_pDataset);
     fill();
     Q_EMIT regionsChanged();
 }

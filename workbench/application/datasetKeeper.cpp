@@ -6,6 +6,7 @@
 #include "host/CORVImageWindow.h"
 #include "host/CORVMessageBox.h"
 #include "host/CORVPreference.h"
+#include "host/CORVSequenceDataset.h"
 #include "host/CORVSettings.h"
 #include "host/CORVUtilityFns.h"
 #include "workbench/application/datasetTitle.h"
@@ -13,6 +14,8 @@
 
 #include <QCoreApplication>
 #include <QDir>
+
+#include <algorithm>
 
 namespace {
 
@@ -35,6 +38,46 @@ bool isFree(const QString& strFolder)
     return !info.exists() || (info.isDir() && QDir(strFolder).isEmpty());
 }
 
+void tellFailure(QWidget* pParent, const QString& strFolder)
+{
+    CORVMessageBox::error(pParent, CORVUtilityFns::getAppName(),
+                          tr("The image could not be saved in %1. The log tells why.").arg(strFolder));
+}
+
+void refreshWindow(const CORVDataset& dataset)
+{
+    if (CORVImageWindow* pWindow = CORVImageWindow::getImageWindow(&dataset)) {
+        pWindow->refreshImage();
+    }
+}
+
+enum class Answer
+{
+    Save,
+    GiveUp,
+    Stay
+};
+
+// While all windows close, "No to All" is offered, and once it was given nobody is asked.
+Answer ask(QWidget* pParent, const QString& strQuestion)
+{
+    if (CORVUtilityFns::getNoToAllClicked()) {
+        return Answer::GiveUp;
+    }
+    int nButtons = CORVMessageBox::YesButton | CORVMessageBox::NoButtonAnswer | CORVMessageBox::CancelButton;
+    if (CORVUtilityFns::getCloseAllClicked()) {
+        nButtons |= CORVMessageBox::NoToAllButton;
+    }
+    const int nAnswer = CORVMessageBox::warning(pParent, CORVUtilityFns::getAppName(), strQuestion, nButtons,
+                                                CORVMessageBox::YesButton);
+    if (nAnswer == CORVMessageBox::NoToAllButton) {
+        CORVUtilityFns::setNoToAllClicked(true);
+    }
+    return nAnswer == CORVMessageBox::YesButton                                                    ? Answer::Save
+           : nAnswer == CORVMessageBox::NoButtonAnswer || nAnswer == CORVMessageBox::NoToAllButton ? Answer::GiveUp
+                                                                                                   : Answer::Stay;
+}
+
 } // namespace
 
 namespace datasetKeeper {
@@ -51,42 +94,68 @@ bool save(QWidget* pParent, CORVDataset& dataset)
     if (target.isEmpty()) {
         return false;
     }
-    QString problem;
     if (!isFree(target)) {
-        problem = tr("%1 is there already and holds something else. Choose another name.");
-    } else if (dataset.saveDatasetAs(target) != ESTATUS_SUCCESS) {
-        problem = tr("The image could not be saved in %1. The log tells why.");
-    }
-    if (!problem.isEmpty()) {
-        CORVMessageBox::error(pParent, CORVUtilityFns::getAppName(), problem.arg(target));
+        CORVMessageBox::error(pParent, CORVUtilityFns::getAppName(),
+                              tr("%1 is there already and holds something else. Choose another name.").arg(target));
         return false;
     }
-    if (CORVImageWindow* pWindow = CORVImageWindow::getImageWindow(&dataset)) {
-        pWindow->refreshImage();
+    if (dataset.saveDatasetAs(target) != ESTATUS_SUCCESS) {
+        tellFailure(pParent, target);
+        return false;
     }
+    refreshWindow(dataset);
     return true;
 }
 
 bool mayClose(QWidget* pParent, CORVDataset& dataset)
 {
-    if (!isAtStake(dataset) || CORVUtilityFns::getNoToAllClicked()) {
+    if (!isAtStake(dataset)) {
         return true;
     }
-    int nButtons = CORVMessageBox::YesButton | CORVMessageBox::NoButtonAnswer | CORVMessageBox::CancelButton;
-    if (CORVUtilityFns::getCloseAllClicked()) {
-        nButtons |= CORVMessageBox::NoToAllButton;
-    }
-    const int nAnswer = CORVMessageBox::warning(pParent, CORVUtilityFns::getAppName(),
-                                                tr("\"%1\" is not saved anywhere. Save it?").arg(datasetTitle(dataset)),
-                                                nButtons, CORVMessageBox::YesButton);
-    if (nAnswer == CORVMessageBox::YesButton) {
+    switch (ask(pParent, tr("\"%1\" is not saved anywhere. Save it?").arg(datasetTitle(dataset)))) {
+    case Answer::Save:
         return save(pParent, dataset);
+    case Answer::GiveUp:
+        return true;
+    case Answer::Stay:
+        break;
     }
-    if (nAnswer == CORVMessageBox::NoToAllButton) {
-        CORVUtilityFns::setNoToAllClicked(true);
+    return false;
+}
+
+bool saveInPlace(QWidget* pParent, CORVDataset& dataset)
+{
+    if (dataset.saveDatasetAs(dataset.folderPath()) != ESTATUS_SUCCESS) {
+        tellFailure(pParent, dataset.folderPath());
+        return false;
+    }
+    refreshWindow(dataset);
+    return true;
+}
+
+bool mayClose(QWidget* pParent, CORVSequenceDataset& sequence)
+{
+    QList<CORVDataset*> changed;
+    for (CORVDataset* pDataset : sequence.getDatasets()) {
+        if (pDataset->isModified()) {
+            changed.append(pDataset);
+        }
+    }
+    if (changed.isEmpty()) {
         return true;
     }
-    return nAnswer == CORVMessageBox::NoButtonAnswer;
+    const QString images = changed.size() == 1 ? tr("an image") : tr("%1 images").arg(changed.size());
+    switch (ask(pParent,
+                tr("The regions of %1 of \"%2\" are not saved. Save them?").arg(images, sequence.getSequenceName()))) {
+    case Answer::Save:
+        return std::all_of(changed.cbegin(), changed.cend(),
+                           [pParent](CORVDataset* pDataset) { return saveInPlace(pParent, *pDataset); });
+    case Answer::GiveUp:
+        return true;
+    case Answer::Stay:
+        break;
+    }
+    return false;
 }
 
 } // namespace datasetKeeper

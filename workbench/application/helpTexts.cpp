@@ -40,6 +40,8 @@ QString guide()
         "<tr><td>Wheel, + and -</td><td>zoom</td></tr>"
         "<tr><td>Double click, 0</td><td>the whole picture</td></tr>"
         "<tr><td>Middle button, arrows</td><td>move</td></tr>"
+        "<tr><td>Drag after a click on the rectangle or the ellipse below an image</td><td>draw a region</td></tr>"
+        "<tr><td>Drag, arrows, Del on a chosen region</td><td>move or resize, move by a pixel, remove it</td></tr>"
         "</table>"
         "<h3>Keys</h3>"
         "<table cellspacing=\"6\">"

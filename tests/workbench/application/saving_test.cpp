@@ -5,10 +5,14 @@
 #include "host/CILImage.h"
 #include "host/CORVImageWindow.h"
 #include "host/CORVMessageBox.h"
+#include "host/CORVSequenceDataset.h"
 #include "host/CORVUtilityFns.h"
+#include "host/CROIManager.h"
+#include "workbench/application/RegionPanel.h"
 
 #include <QDir>
 #include <QFile>
+#include <QToolButton>
 
 namespace {
 
@@ -206,5 +210,82 @@ TEST_P(AllWindowsTest, TheToolKnowsThatAllWindowsClose)
 }
 
 INSTANTIATE_TEST_SUITE_P(Ways, AllWindowsTest, ::testing::Values("menu", "quit", "window"));
+
+// A sequence of its own, and a region on its second image.
+class RegionSavingTest : public MainWindowFixture
+{
+protected:
+    void SetUp() override
+    {
+        MainWindowFixture::SetUp();
+        m_strFolder = m_folder.filePath("mine");
+        simulated::into(m_strFolder, {"--size", "16", "--bands", "3"});
+        makeWindow();
+        m_pWindow->open(m_strFolder);
+        CORVDataset* pImage = m_pWindow->documents().sequences().first()->getDatasets().at(1);
+        m_pWindow->documents().showDataset(pImage);
+        tagROIInfo region;
+        region.width = region.height = 8.0;
+        m_pWindow->findChild<RegionPanel*>()->take(-1, region);
+    }
+    bool closeSequence(int nAnswer)
+    {
+        EXPECT_TRUE(m_pWindow->documents().closeCurrent()) << "the image's window: nothing is lost yet";
+        settle();
+        EXPECT_TRUE(m_script.m_asked.isEmpty());
+        m_script.m_nAnswer = nAnswer;
+        const bool bClosed = m_pWindow->documents().closeCurrent();
+        settle();
+        return bClosed;
+    }
+    int savedRegions() const
+    {
+        CORVSequenceDataset sequence;
+        EXPECT_EQ(sequence.open(m_strFolder), ESTATUS_SUCCESS);
+        return sequence.getDatasets().at(1)->roiManager()->regions().size();
+    }
+
+    QString m_strFolder;
+};
+
+TEST_F(RegionSavingTest, YesSavesThemWithTheSequence)
+{
+    EXPECT_TRUE(closeSequence(Box::YesButton));
+    EXPECT_EQ(m_script.m_asked, QStringList("The regions of an image of \"mine\" are not saved. Save them?"));
+    EXPECT_EQ(savedRegions(), 1);
+}
+
+TEST_F(RegionSavingTest, NoGivesThemUp)
+{
+    EXPECT_TRUE(closeSequence(Box::NoButtonAnswer));
+    EXPECT_EQ(savedRegions(), 0);
+}
+
+TEST_F(RegionSavingTest, CancelKeepsTheSequenceOpen)
+{
+    EXPECT_FALSE(closeSequence(Box::CancelButton));
+    EXPECT_EQ(m_pWindow->documents().count(), 1);
+    EXPECT_EQ(m_script.m_asked.size(), 1);
+    m_script.m_nAnswer = Box::NoButtonAnswer;
+}
+
+TEST_F(RegionSavingTest, WhatWasSavedIsNotAskedFor)
+{
+    m_pWindow->findChild<QToolButton*>("m_pSaveRegionsButton")->click();
+    EXPECT_TRUE(closeSequence(Box::CancelButton));
+    EXPECT_TRUE(m_script.m_asked.isEmpty());
+    EXPECT_EQ(savedRegions(), 1);
+}
+
+TEST_F(RegionSavingTest, AFailureKeepsTheSequenceOpen)
+{
+    CORVDataset* pImage = m_pWindow->documents().sequences().first()->getDatasets().at(1);
+    ASSERT_TRUE(QDir(pImage->folderPath()).removeRecursively());
+    EXPECT_FALSE(closeSequence(Box::YesButton));
+    ASSERT_EQ(m_script.m_asked.size(), 2);
+    EXPECT_TRUE(m_script.m_asked.last().startsWith("The image could not be saved in ")) << "it was deleted meanwhile";
+    EXPECT_TRUE(pImage->isModified());
+    m_script.m_nAnswer = Box::NoButtonAnswer;
+}
 
 } // namespace
