@@ -20,6 +20,7 @@
 #include <QLabel>
 #include <QMenu>
 #include <QRadioButton>
+#include <QShortcut>
 #include <QSignalBlocker>
 #include <QTimer>
 #include <QToolButton>
@@ -166,6 +167,12 @@ void SpumKyvoConsoleWnd::connectRow(SpumKyvoSpectrumCtrl& row)
                 QOverload<bool>::of(&SpumKyvoConsoleWnd::onSelectToggled));
     }
     row.m_pToolButton->setFocusPolicy(Qt::StrongFocus);
+    // The arrow of the button is for the mouse alone.
+    auto* pOpen = new QShortcut(Qt::ALT + Qt::Key_Down, row.m_pToolButton, nullptr, nullptr, Qt::WidgetShortcut);
+    connect(pOpen, &QShortcut::activated, row.m_pToolMenu, [&row] {
+        row.m_pToolMenu->popup(row.m_pToolButton->mapToGlobal(row.m_pToolButton->rect().bottomLeft()));
+        row.m_pToolMenu->setActiveAction(row.m_pToolMenu->actions().first());
+    });
 }
 
 void SpumKyvoConsoleWnd::showWarningForEmptyUnmixname(QString strUnmixName)
@@ -189,7 +196,8 @@ void SpumKyvoConsoleWnd::renumberRows()
         row.m_pToolButton->setAccessibleName(tr("Paint the region of spectrum %1").arg(number));
         row.m_pToolButton->setToolTip(tr("Paint the region of this spectrum over the image cube.\n"
                                          "Drag paints, with Shift or the right button it erases, Ctrl+Z takes back.\n"
-                                         "[ and ] change the pen; R fills a rectangle, E an ellipse, B paints again."));
+                                         "[ and ] change the pen; R fills a rectangle, E an ellipse, B paints again.\n"
+                                         "Alt+Down lists the tools."));
     }
 }
 

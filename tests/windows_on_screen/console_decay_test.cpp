@@ -9,6 +9,7 @@
 #include "host/CPLClickInfo.h"
 #include "host/CPLSection.h"
 #include "platform/orvapi/ClickInfoKeys.h"
+#include "support/ForeignLocale.h"
 
 #include <QLineEdit>
 
@@ -109,6 +110,62 @@ TEST_F(ConsoleDecayTest, WhatTheAnalysisCorrectedIsNotCorrectedTwice)
     ASSERT_TRUE(m_pConsole->setImageCube(cubeKeys(), 0, m_cube));
     EXPECT_NEAR(corrected(2), 4.0, 0.01);
     EXPECT_FALSE(m_pConsole->m_bDecayOff);
+}
+
+TEST_F(ConsoleDecayTest, OnAndOffTwiceGivesTheRawDataToTheBit)
+{
+    openCube();
+    for (int i = 0; i < kCubeImages; ++i) {
+        std::vector<float> pixels;
+        for (int p = 0; p < kCubeWidth * kCubeHeight; ++p) {
+            pixels.push_back(static_cast<float>(1.0 / (p + 3.7 * i + 0.1)));
+        }
+        ASSERT_TRUE(m_cube.setImage(0, i, pixels));
+    }
+    m_cube.m_rawData = m_cube.m_data.deepCopy();
+    const XTNT::Matrix<double> raw = m_cube.m_data.deepCopy();
+    const auto isRaw = [this, &raw] {
+        for (long long i = 0; i < raw.num_rows(); ++i) {
+            for (long long j = 0; j < raw.num_cols(); ++j) {
+                if (m_cube.m_data[i][j] != raw.rowTable.data[i][j]) {
+                    return false;
+                }
+            }
+        }
+        return true;
+    };
+    for (const bool bByTheWizard : {false, true}) {
+        if (bByTheWizard) {
+            // What the analysis corrected before the console saw it.
+            m_pConsole->setDecayState("F-18", 0.0, true);
+            ASSERT_TRUE(m_pConsole->setImageCube(cubeKeys(), 0, m_cube));
+            ASSERT_FALSE(isRaw());
+            click(&correction());
+            EXPECT_TRUE(isRaw());
+        }
+        for (int i = 0; i < 2; ++i) {
+            click(&correction());
+            EXPECT_FALSE(isRaw());
+            click(&correction());
+            EXPECT_TRUE(isRaw());
+        }
+    }
+}
+
+TEST_F(ConsoleDecayTest, NumbersHaveADecimalPointInEveryLanguage)
+{
+    const testsupport::ForeignLocale german;
+    SpumKyvoConsoleWnd console; // validators take the language of their making
+    auto* pEdit = console.m_pCherenkovHalfLifeEditBox;
+    console.m_pCherenkovIsotopeCombobox->setCurrentText("Undefined");
+    QTest::keyClicks(pEdit, "109.8");
+    EXPECT_EQ(pEdit->text(), "109.8");
+    EXPECT_DOUBLE_EQ(console.m_dHalfLifeSeconds, 109.8 * 60.0);
+    pEdit->clear();
+    QTest::keyClicks(pEdit, "109,8");
+    EXPECT_EQ(pEdit->text(), "1098");
+    console.m_pCherenkovIsotopeCombobox->setCurrentText("F-18");
+    EXPECT_EQ(pEdit->text(), "109.734");
 }
 
 TEST_F(ConsoleDecayTest, RegionsFollowTheDataAndOtherSpectraStay)

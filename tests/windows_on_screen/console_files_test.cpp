@@ -9,10 +9,16 @@
 #include "host/CORVSettings.h"
 #include "host/orv_paths.h"
 #include "spectra/SpumKyvoDatabase.h"
+#include "support/ForeignLocale.h"
+#include "support/PlainUser.h"
 
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
+
+#include <sys/resource.h>
+
+#include <csignal>
 
 namespace {
 
@@ -117,6 +123,58 @@ TEST_F(ConsoleFilesTest, AFailedWriteIsTold)
     exportData({path("no such folder/plot.csv")});
     EXPECT_EQ(m_talk.questions.last(), "Writing failed! Check for write permissions or disk space.");
     EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+}
+
+TEST_F(ConsoleFilesTest, AFolderThatCannotBeWrittenKeepsItsFile)
+{
+    exportData({path("plot.csv")});
+    const QString before = contents(path("plot.csv"));
+    tick(0);
+    ASSERT_TRUE(QFile::setPermissions(m_folder.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner |
+                                                           QFile::ReadOther | QFile::ExeOther));
+    {
+        const PlainUser plain;
+        ASSERT_TRUE(plain.isPlain());
+        exportData({path("plot.csv")}, {CORVMessageBox::YesButton});
+        EXPECT_EQ(m_talk.questions.last(), "Writing failed! Check for write permissions or disk space.");
+        exportData({path("new.csv")});
+        EXPECT_EQ(m_talk.questions.last(), "Writing failed! Check for write permissions or disk space.");
+    }
+    EXPECT_EQ(contents(path("plot.csv")), before);
+    EXPECT_EQ(QDir(m_folder.path()).entryList(QDir::Files | QDir::Hidden), QStringList{"plot.csv"});
+}
+
+TEST_F(ConsoleFilesTest, AFullDiskKeepsTheEarlierFile)
+{
+    exportData({path("plot.csv")});
+    const QString before = contents(path("plot.csv"));
+    tick(0);
+    // A limit on the size of files stands for the end of the disk.
+    rlimit old{};
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &old), 0);
+    rlimit small = old;
+    small.rlim_cur = 16;
+    const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
+    exportData({path("plot.csv")}, {CORVMessageBox::YesButton});
+    setrlimit(RLIMIT_FSIZE, &old);
+    std::signal(SIGXFSZ, oldHandler);
+    EXPECT_EQ(m_talk.questions.last(), "Writing failed! Check for write permissions or disk space.");
+    EXPECT_EQ(contents(path("plot.csv")), before);
+    EXPECT_EQ(QDir(m_folder.path()).entryList(QDir::Files | QDir::Hidden), QStringList{"plot.csv"});
+}
+
+TEST_F(ConsoleFilesTest, NumbersAreThoseOfTheCLocaleInEveryLanguage)
+{
+    const testsupport::ForeignLocale german;
+    const auto pSpectrum = spectrumOf("ICG", "blue", {0.5, 1.25, 1234.5, 0.0625});
+    m_pConsole->setSpectra({pSpectrum.get()});
+    exportData({path("plot.csv")});
+    EXPECT_EQ(contents(path("plot.csv")).toStdString(),
+              "Emission Wavelength [nm],ICG\n600,0.5\n620,1.25\n640,1234.5\n660,0.0625\n");
+    m_talk.files << path("library.csv");
+    click(m_pConsole->m_pSaveDatabaseTB);
+    EXPECT_TRUE(contents(path("library.csv")).contains("500,640,1234.5"));
 }
 
 TEST_F(ConsoleFilesTest, TheSpectraAreSavedAsALibrary)

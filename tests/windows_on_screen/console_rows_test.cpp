@@ -394,6 +394,74 @@ TEST_F(ConsoleRowsTest, EveryControlOfARowHasAName)
     }
 }
 
+TEST_F(ConsoleRowsTest, ARowIsTickedColouredAndGivenAToolByKeysAlone)
+{
+    openCube();
+    addPainted(true);
+    addPainted(false);
+    activate();
+    row(1).m_pSelectBox->setFocus();
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
+    EXPECT_FALSE(m_pConsole->m_spectra[1]->readControl().selected);
+    EXPECT_EQ(lines().size(), 1);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Down);
+    EXPECT_EQ(row(1).settings().color, "blue");
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
+    EXPECT_FALSE(m_pConsole->m_pImageCubeView->isPaintEnabled());
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Down, Qt::AltModifier);
+    ASSERT_EQ(QApplication::activePopupWidget(), row(1).m_pToolMenu);
+    QTest::keyClick(row(1).m_pToolMenu, Qt::Key_Down);
+    QTest::keyClick(row(1).m_pToolMenu, Qt::Key_Down);
+    QTest::keyClick(row(1).m_pToolMenu, Qt::Key_Return);
+    EXPECT_EQ(row(1).m_pToolButton->text(), "Thick");
+    EXPECT_TRUE(m_pConsole->m_pImageCubeView->isPaintEnabled());
+    EXPECT_EQ(m_pConsole->m_pActiveCtrl, &row(1));
+}
+
+TEST_F(ConsoleRowsTest, OddNamesStayAsTheyAre)
+{
+    openCube();
+    const QStringList names{QString(200, 'n'), "<b>x</b>", "Cy5", "Cy5", ""};
+    std::vector<std::unique_ptr<SpectrumPlotParams>> owned;
+    QList<SpectrumPlotParams*> spectra;
+    for (const QString& name : names) {
+        owned.push_back(spectrumOf(name, "blue", {1.0, 2.0, 3.0, 4.0 + spectra.size()}));
+        spectra << owned.back().get();
+    }
+    m_pConsole->setSpectra(spectra);
+    m_pConsole->m_pLegendCkb->setChecked(true);
+    QApplication::processEvents();
+    EXPECT_EQ(lines().size(), 5);
+    const QList<SpectrumPlotParams*> taken = m_pConsole->getSelectedSpectra();
+    ASSERT_EQ(taken.size(), names.size());
+    for (int i = 0; i < names.size(); ++i) {
+        EXPECT_EQ(row(i).m_pNameEdit->text(), names[i]);
+        EXPECT_EQ(taken[i]->settings.name, names[i]);
+        EXPECT_EQ(taken[i]->points[3].value, 4.0 + i);
+    }
+    qDeleteAll(taken);
+    EXPECT_LE(m_pConsole->m_pGBSpectrumList->width(), 300);
+}
+
+TEST_F(ConsoleRowsTest, RemovingTheRowThatIsPaintedLeavesAnotherToPaint)
+{
+    openCube();
+    addPainted(true);
+    addPainted(false);
+    ASSERT_EQ(m_pConsole->m_pActiveCtrl, &row(1));
+    tick(0); // off
+    click(m_pConsole->m_pRemoveSpectrum);
+    ASSERT_EQ(rows(), 1);
+    EXPECT_EQ(m_pConsole->m_pActiveCtrl, &row(0));
+    EXPECT_FALSE(m_pConsole->m_pImageCubeView->containsChannel(2));
+    const std::vector<double> before = values(0);
+    paint(30, 3, 33, 20);
+    EXPECT_NE(values(0), before);
+}
+
 TEST_F(ConsoleRowsTest, TheKeyboardGoesThroughTheRowsInTheirOrder)
 {
     openCube();

@@ -358,6 +358,32 @@ TEST_F(CpsWindowTest, ColorIndexIsTheFirstThatIsFree)
 }
 
 // As the list of spectra does: the result goes to its place and the list comes back.
+TEST_F(CpsWindowTest, KeysAloneChooseSpectraAndApply)
+{
+    add("TissueAF", {1.0, 2.0, 1.0});
+    add("Food", {0.5, 0.25, 0.5});
+    add("Mixed", {2.0, 4.0, 6.0});
+    open();
+    m_window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&m_window));
+    const QSignalSpy applied(&m_window, &SpumKyvoCPSWnd::updateSpectrum);
+    m_window.m_pListBoxA->setFocus();
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Down);
+    EXPECT_EQ(m_window.m_pListBoxA->currentRow(), 2);
+    EXPECT_TRUE(m_window.m_pResultEqLE->text().startsWith("A-"));
+    m_window.m_pListBoxB->setFocus();
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Down, Qt::ShiftModifier);
+    EXPECT_EQ(m_window.m_pListBoxB->selectedItems().size(), 2);
+    EXPECT_TRUE(m_window.m_pResultEqLE->text().contains("*B2"));
+    for (int i = 0; i < 40 && QApplication::focusWidget() != &apply(); ++i) {
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    }
+    ASSERT_EQ(QApplication::focusWidget(), &apply());
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
+    ASSERT_EQ(applied.count(), 1);
+    EXPECT_EQ(applied.at(0).at(0).toInt(), 2);
+}
+
 TEST_F(CpsWindowTest, AfterApplyItStartsAfresh)
 {
     addTwo();
