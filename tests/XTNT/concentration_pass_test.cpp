@@ -6,9 +6,9 @@
 #include "XTNT/nnls_row_fit.h"
 #include "XTNT/passive_set_cache.h"
 #include "XTNT/row_blocks.h"
-#include "XTNT/row_product.h"
-#include "XTNT/thin_qr.h"
 #include "XTNT/xtnt_parallel.h"
+
+#include "support/Numbers.h"
 
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
@@ -22,27 +22,14 @@
 #include <random>
 #include <vector>
 
+using testsupport::randomMatrix;
 using XTNT::ConcentrationPass;
 using XTNT::Matrix;
-using XTNT::PassiveSetCache;
 using XTNT::ReducedSpectra;
-using XTNT::RowProduct;
-using XTNT::ThinQr;
 
 namespace {
 
 constexpr double epsilon = std::numeric_limits<double>::epsilon();
-
-Matrix<double> randomMatrix(long long rows, long long columns, std::uint64_t seed, double low = -1, double high = 1)
-{
-    std::mt19937_64 generator(seed);
-    std::uniform_real_distribution<double> value(low, high);
-    Matrix<double> result(rows, columns);
-    for (long long i = 0; i < result.storage.n_; ++i) {
-        result.storage[i] = value(generator);
-    }
-    return result;
-}
 
 // Rows that mix the spectra with some amounts at zero, plus noise.
 Matrix<double> mixtures(const Matrix<double>& spectra, long long rows, double noise, std::uint64_t seed)
@@ -489,123 +476,6 @@ TEST(ConcentrationPassTest, StepSeesEachRowOnceAndFinal)
         }
     }
     XTNT::setThreadCount(0);
-}
-
-TEST(RowProductTest, EqualsThePlainSumForEveryShape)
-{
-    for (long long columns = 1; columns <= 19; ++columns) {
-        for (long long bands : {1, 2, 7}) {
-            for (long long rows : {1, 2, 3, 4, 5, 9}) {
-                const Matrix<double> data = randomMatrix(rows, bands, 40);
-                const Matrix<double> factor = randomMatrix(bands, columns, 41);
-                const Matrix<double> result = XTNT::multiplyRows(data, factor);
-                ASSERT_EQ(rows, result.num_rows());
-                ASSERT_EQ(columns, result.num_cols());
-                for (long long r = 0; r < rows; ++r) {
-                    for (long long j = 0; j < columns; ++j) {
-                        double sum = 0;
-                        for (long long b = 0; b < bands; ++b) {
-                            sum += data[r][b] * factor[b][j];
-                        }
-                        ASSERT_NEAR(sum, result[r][j], 8 * epsilon * static_cast<double>(bands));
-                    }
-                }
-            }
-        }
-    }
-}
-
-TEST(RowProductTest, EmptyFactorsGiveEmptyResults)
-{
-    EXPECT_EQ(0, XTNT::multiplyRows(Matrix<double>(0, 3), Matrix<double>(3, 2)).num_rows());
-    EXPECT_TRUE(XTNT::multiplyRows(Matrix<double>(4, 3), Matrix<double>(3, 0)).empty());
-}
-
-TEST(ThinQrTest, ReproducesTheMatrixWithAnOrthonormalBasis)
-{
-    // Nearly dependent columns: one pass of orthogonalisation would lose the basis.
-    Matrix<double> columns = randomMatrix(4, 9, 42);
-    for (long long i = 0; i < 9; ++i) {
-        columns[2][i] = columns[0][i] + 1e-9 * columns[2][i];
-    }
-    const ThinQr factor(columns.storage.data, 9, 4);
-    for (long long a = 0; a < 4; ++a) {
-        for (long long b = 0; b < 4; ++b) {
-            double dot = 0;
-            for (long long i = 0; i < 9; ++i) {
-                dot += factor.q(a)[i] * factor.q(b)[i];
-            }
-            EXPECT_NEAR(a == b ? 1 : 0, dot, 32 * epsilon);
-        }
-        for (long long i = 0; i < 9; ++i) {
-            double sum = 0;
-            for (long long k = 0; k <= a; ++k) {
-                sum += factor.q(k)[i] * factor.r(k, a);
-            }
-            EXPECT_NEAR(columns[a][i], sum, 32 * epsilon);
-        }
-    }
-    EXPECT_GT(factor.conditionBound(), 1e8);
-    EXPECT_LT(factor.conditionBound(), 1e11);
-}
-
-TEST(ThinQrTest, SingularMatrixHasNoFiniteCondition)
-{
-    const double zeroColumn[] = {1, 2, 3, 0, 0, 0};
-    EXPECT_FALSE(ThinQr(zeroColumn, 3, 2).conditionBound() <= 1e300);
-    const double notFinite[] = {1, 2, std::nan(""), 0, 1, 0};
-    EXPECT_FALSE(ThinQr(notFinite, 3, 2).conditionBound() <= 1e300);
-}
-
-TEST(ReducedSpectraTest, RefusesWhatTheFastPathCannotTake)
-{
-    EXPECT_TRUE(ReducedSpectra(randomMatrix(32, 40, 43)).usable());
-    EXPECT_FALSE(ReducedSpectra(randomMatrix(33, 40, 43)).usable()) << "no room in the mask";
-    EXPECT_FALSE(ReducedSpectra(Matrix<double>(2, 5)).usable()) << "zero";
-    EXPECT_FALSE(ReducedSpectra(Matrix<double>()).usable());
-    Matrix<double> notFinite = randomMatrix(3, 8, 44);
-    notFinite[1][2] = std::nan("");
-    EXPECT_FALSE(ReducedSpectra(notFinite).usable());
-    notFinite[1][2] = std::numeric_limits<double>::infinity();
-    EXPECT_FALSE(ReducedSpectra(notFinite).usable());
-}
-
-TEST(PassiveSetCacheTest, FullCacheStartsAnewWithTheSameBits)
-{
-    const ReducedSpectra spectra(randomMatrix(20, 40, 45));
-    ASSERT_TRUE(spectra.usable());
-    PassiveSetCache cache(spectra);
-    const auto elements = static_cast<std::size_t>(cache.stride() * 20);
-    ASSERT_LT(cache.capacity(), 1LL << 20);
-    EXPECT_LE(cache.capacity() * static_cast<long long>(elements * sizeof(double)), PassiveSetCache::maxBytes);
-    const double* op = cache.at(0x5a5a5);
-    const std::vector<double> first(op, op + elements);
-    for (PassiveSetCache::Mask mask = 0; mask < static_cast<PassiveSetCache::Mask>(cache.capacity()) + 10; ++mask) {
-        cache.at(mask);
-        ASSERT_LE(cache.size(), cache.capacity());
-    }
-    EXPECT_LT(cache.size(), 20);
-    op = cache.at(0x5a5a5);
-    EXPECT_TRUE(std::equal(first.begin(), first.end(), op));
-}
-
-TEST(PassiveSetCacheTest, EverySetOfFiveHasItsOperatorAtOnce)
-{
-    const ReducedSpectra spectra(randomMatrix(5, 12, 46));
-    PassiveSetCache cache(spectra);
-    for (int round = 0; round < 2; ++round) {
-        for (PassiveSetCache::Mask mask = 0; mask < 32; ++mask) {
-            cache.at(mask);
-        }
-        EXPECT_EQ(32, cache.size());
-    }
-    // The empty set: the negated dual is that of the data themselves, -R' c.
-    const double* op = cache.at(0);
-    for (long long i = 0; i < 5; ++i) {
-        for (long long j = 0; j < 5; ++j) {
-            EXPECT_EQ(-spectra.column(j)[i], op[i * cache.stride() + j]);
-        }
-    }
 }
 
 RC_GTEST_PROP(ConcentrationPassLaws, EveryRowMeetsTheOptimalityConditions, ())
