@@ -45,6 +45,11 @@ QString printable(const QString& strText)
     return withEscapes(strText, false);
 }
 
+QString printableLine(const QString& strText)
+{
+    return printable(strText).replace(QLatin1Char('\n'), escaped(QLatin1Char('\n'), false));
+}
+
 QByteArray printableJson(const QByteArray& json)
 {
     return withEscapes(QString::fromUtf8(json), true).toUtf8();

@@ -9,6 +9,8 @@
 namespace orv {
 
 QString printable(const QString& strText);
+// The same for what is one line, whatever names stand in it: their line ends are shown as "\x0a".
+QString printableLine(const QString& strText);
 // The same for the text of a JSON document, whose strings then mean what they meant.
 QByteArray printableJson(const QByteArray& json);
 

@@ -2,6 +2,7 @@
 #include "services/results/StagedRun.h"
 
 #include "files/StagedFolder.h"
+#include "platform/orvutils/printable.h"
 #include "services/basis/Failure.h"
 #include "services/basis/JobMonitor.h"
 
@@ -38,7 +39,7 @@ void StagedRun::finish(JobMonitor& monitor)
 
 RunAnswer StagedRun::answer(const QString& strText, const QJsonObject& json) const
 {
-    RunAnswer answer{strText + QStringLiteral("results in %1\n").arg(target()), json};
+    RunAnswer answer{strText + QStringLiteral("results in %1\n").arg(orv::printableLine(target())), json};
     answer.json.insert(QStringLiteral("folder"), target());
     return answer;
 }

@@ -392,6 +392,12 @@ QStringList enviPaths(const QString& strPath)
 void writeEnviCube(ExportedCube& cube, const QString& strPath)
 {
     const QStringList paths = enviPaths(strPath);
+    const QString dataName = QFileInfo(paths[1]).fileName();
+    if (TextTable::oneLine(dataName).trimmed() != dataName) {
+        throw Failure(
+            QStringLiteral("%1: a header names its data file on one line, without blanks around it").arg(paths[1]),
+            QStringLiteral("give --out another name"));
+    }
     StreamedFile data(paths[1]);
     CILImage image;
     std::vector<char> bytes;
@@ -408,7 +414,7 @@ void writeEnviCube(ExportedCube& cube, const QString& strPath)
     // Both are written whole before the first takes its place, and the header comes last: a program that ends in
     // between leaves an older header, which the digest keeps from being read with the new data.
     StreamedFile header(paths[0]);
-    header.write(enviHeaderText(cube, QFileInfo(paths[1]).fileName(), digest.result()));
+    header.write(enviHeaderText(cube, dataName, digest.result()));
     header.close();
     data.commit();
     header.commit();

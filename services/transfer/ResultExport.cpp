@@ -82,7 +82,7 @@ QStringList makeDatasets(CORVSpumKyvo& engine, std::optional<int> component)
         return paths;
     }
     if (!errors.lines().isEmpty()) {
-        throw Failure(errors.lines().join(QLatin1Char('\n')));
+        throw Failure(errors.lines().join(QStringLiteral("; ")));
     }
     throw Failure(
         QStringLiteral("no component was chosen: of a scan of several spots the maps of one component are exported; "

@@ -68,7 +68,7 @@ void CliProgress::show(const QString& strMessage, double dFraction)
     m_sinceDrawn.restart();
     m_bShown = true;
     const double elapsed = static_cast<double>(m_total.elapsed()) / 1000.0;
-    writeAll(STDERR_FILENO, clearLine + orv::printable(lineText(strMessage, dFraction, elapsed)).toUtf8());
+    writeAll(STDERR_FILENO, clearLine + orv::printableLine(lineText(strMessage, dFraction, elapsed)).toUtf8());
 }
 
 void CliProgress::finish()

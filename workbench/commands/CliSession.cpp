@@ -122,7 +122,8 @@ void CliSession::warn(const QString& strText)
         return;
     }
     m_pProgress->finish();
-    writeAll(STDERR_FILENO, (QLatin1String("spum: warning: ") + orv::printable(strText) + QLatin1Char('\n')).toUtf8());
+    writeAll(STDERR_FILENO,
+             (QLatin1String("spum: warning: ") + orv::printableLine(strText) + QLatin1Char('\n')).toUtf8());
 }
 
 void CliSession::catchInterrupts()

@@ -112,7 +112,7 @@ void print(const QString& strText)
 
 void complain(const QString& strText)
 {
-    writeAll(STDERR_FILENO, (QLatin1String("spum: ") + orv::printable(strText) + QLatin1Char('\n')).toUtf8());
+    writeAll(STDERR_FILENO, (QLatin1String("spum: ") + orv::printableLine(strText) + QLatin1Char('\n')).toUtf8());
 }
 
 QString overview(const std::vector<std::unique_ptr<Command>>& commands)

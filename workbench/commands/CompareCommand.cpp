@@ -4,6 +4,7 @@
 #include "engine/CORVSpumKyvo.h"
 #include "files/AtomicFile.h"
 #include "platform/orvimage/pngBytes.h"
+#include "platform/orvutils/printable.h"
 #include "services/basis/Failure.h"
 #include "services/basis/TextTable.h"
 #include "services/basis/UnitNames.h"
@@ -180,7 +181,7 @@ void CompareCommand::run(const QCommandLineParser& parser, CliSession& session)
     put(staged.path() + QStringLiteral("comparison.csv"), tableOf(comparison, 9).toCsv().toUtf8());
     staged.finish(session);
     const QString text = QStringLiteral("compared with %1 over %2 pixels and %3 images\n\n%4\n")
-                             .arg(referenceText(comparison))
+                             .arg(orv::printableLine(referenceText(comparison)))
                              .arg(comparison.pixelCount())
                              .arg(comparison.imageCount())
                              .arg(tableOf(comparison, 4).toText());

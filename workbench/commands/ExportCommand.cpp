@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "workbench/commands/ExportCommand.h"
 
+#include "platform/orvutils/printable.h"
 #include "services/basis/Failure.h"
 #include "services/basis/UnitNames.h"
 #include "services/transfer/CubeFiles.h"
@@ -104,12 +105,16 @@ void ExportCommand::run(const QCommandLineParser& parser, CliSession& session)
     for (const auto& image : cube.images()) {
         names.append(image.name);
     }
+    QStringList shown;
+    for (const QString& target : targets) {
+        shown.append(orv::printableLine(target));
+    }
     session.answer(
         QStringLiteral("%1 of %2 x %3 pixels in %4\n%5\n")
             .arg(cube.count() == 1 ? QStringLiteral("1 image") : QStringLiteral("%1 images").arg(cube.count()))
             .arg(cube.width())
             .arg(cube.height())
-            .arg(UnitNames::options()[cube.unit()], targets.join(QLatin1Char('\n'))));
+            .arg(UnitNames::options()[cube.unit()], shown.join(QLatin1Char('\n'))));
     session.answerJson(QJsonObject{{"format", format},
                                    {"files", QJsonArray::fromStringList(targets)},
                                    {"images", names},

@@ -3,6 +3,7 @@
 
 #include "XTNT/xtnt_parallel.h"
 #include "files/AtomicFile.h"
+#include "platform/orvutils/printable.h"
 #include "services/basis/Failure.h"
 #include "services/importer/Importer.h"
 #include "services/transfer/ImportInference.h"
@@ -130,7 +131,8 @@ QString textAnswer(const ImportReport& report, const QString& strFolder)
     text += report.unit.isEmpty() ? QString() : QStringLiteral(", in ") + report.unit.toLower();
     text += report.dark ? QStringLiteral(", dark image subtracted") : QString();
     text += report.flat ? QStringLiteral(", flat field divided") : QString();
-    return text + QStringLiteral("\nphotograph: %1\nsequence in %2\n").arg(report.photographOrigin, strFolder);
+    return text + QStringLiteral("\nphotograph: %1\nsequence in %2\n")
+                      .arg(orv::printableLine(report.photographOrigin), orv::printableLine(strFolder));
 }
 
 QJsonObject jsonAnswer(const ImportReport& report, const QString& strFolder)
@@ -222,7 +224,7 @@ void ImportCommand::run(const QCommandLineParser& parser, CliSession& session)
         rows = inferredTableJson(table);
         if (!request.writeTable.isEmpty()) {
             writeTable(request, table);
-            session.answer(shown + QStringLiteral("table in %1\n").arg(request.writeTable));
+            session.answer(shown + QStringLiteral("table in %1\n").arg(orv::printableLine(request.writeTable)));
             session.answerJson(QJsonObject{{"table", rows}, {"file", request.writeTable}});
             return;
         }

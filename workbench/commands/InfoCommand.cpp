@@ -6,6 +6,7 @@
 #include "engine/runTexts.h"
 #include "host/CORVSequenceDataset.h"
 #include "platform/orvapi/ClickInfoKeys.h"
+#include "platform/orvutils/printable.h"
 #include "services/analysis/AutomaticSetUp.h"
 #include "services/basis/ModeNames.h"
 #include "services/basis/TextTable.h"
@@ -179,8 +180,8 @@ QString textAnswer(OpenedSequence& opened, const QList<ImageRow>& rows, const An
     const bool temporal = engine.m_eSeqKind == SEQKIND_TEMPORAL;
     QString text;
     const auto line = [&text](const QString& strKey, const QString& strValue) {
-        text += (strKey + QLatin1Char(':')).leftJustified(14) + (strValue.isEmpty() ? QStringLiteral("-") : strValue) +
-                QLatin1Char('\n');
+        text += (strKey + QLatin1Char(':')).leftJustified(14) +
+                (strValue.isEmpty() ? QStringLiteral("-") : orv::printableLine(strValue)) + QLatin1Char('\n');
     };
     line(QStringLiteral("Sequence"),
          QStringLiteral("%1 (%2)").arg(sequence.getSequenceName(), sequence.getSequenceID()));
@@ -195,7 +196,8 @@ QString textAnswer(OpenedSequence& opened, const QList<ImageRow>& rows, const An
     line(QStringLiteral("Cube"), outlook.size);
     line(QStringLiteral("Unit"), outlook.unit);
     for (const auto& refusal : outlook.refusals) {
-        text += QString(14, QLatin1Char(' ')) + QStringLiteral("not ") + refusal + QLatin1Char('\n');
+        text +=
+            QString(14, QLatin1Char(' ')) + QStringLiteral("not ") + orv::printableLine(refusal) + QLatin1Char('\n');
     }
     line(QStringLiteral("Analysis"), opened.canBeAnalysed()
                                          ? modeTexts(engine).join(QStringLiteral(", "))

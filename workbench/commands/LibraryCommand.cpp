@@ -2,6 +2,7 @@
 #include "workbench/commands/LibraryCommand.h"
 
 #include "host/orv_paths.h"
+#include "platform/orvutils/printable.h"
 #include "services/analysis/SpectrumSources.h"
 #include "services/basis/Failure.h"
 #include "services/basis/TextTable.h"
@@ -128,7 +129,8 @@ void LibraryCommand::show(const QString& strName, CliSession& session) const
         }
         table.addRow(row);
     }
-    const QString note = library.note().isEmpty() ? QString() : QStringLiteral("Note: %1\n\n").arg(library.note());
+    const QString note =
+        library.note().isEmpty() ? QString() : QStringLiteral("Note: %1\n\n").arg(orv::printableLine(library.note()));
     session.answer(note + table.toText());
     session.answerJson(QJsonObject{{"name", strName}, {"note", library.note()}, {"spectra", spectra}});
 }
@@ -172,6 +174,6 @@ void LibraryCommand::save(const QCommandLineParser& parser, const QString& strNa
     session.answer(QStringLiteral("saved %1 spectra of %2 points as %3 (%4)\n")
                        .arg(spectra.size())
                        .arg(spectra.first()->points.size())
-                       .arg(strName, path));
+                       .arg(orv::printableLine(strName), orv::printableLine(path)));
     session.answerJson(QJsonObject{{"name", strName}, {"path", path}, {"spectra", spectra.size()}});
 }

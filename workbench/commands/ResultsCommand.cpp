@@ -2,6 +2,7 @@
 #include "workbench/commands/ResultsCommand.h"
 
 #include "host/CORVSequenceDataset.h"
+#include "platform/orvutils/printable.h"
 #include "services/basis/Failure.h"
 #include "services/basis/TextTable.h"
 #include "services/results/LoadedResult.h"
@@ -216,7 +217,7 @@ void ResultsCommand::show(OpenedSequence& opened, const QString& strName, CliSes
         throw Failure(QStringLiteral("%1: %2").arg(document.path.isEmpty() ? strName : document.path, document.error));
     }
     QString text = TextTable::oneLine(QStringLiteral("%1, saved %2").arg(strName, document.date)) + QLatin1Char('\n');
-    text += QStringLiteral("%1\n").arg(document.path);
+    text += orv::printableLine(document.path) + QLatin1Char('\n');
     if (!document.note.isEmpty()) {
         text += QStringLiteral("note: ") + TextTable::oneLine(document.note) + QLatin1Char('\n');
     }
@@ -299,7 +300,7 @@ void ResultsCommand::exportMaps(OpenedSequence& opened, const QString& strName, 
     session.answer(
         QStringLiteral("%1 exported as sequence %2 in %3\n")
             .arg(maps.names.size() == 1 ? QStringLiteral("1 map") : QStringLiteral("%1 maps").arg(maps.names.size()),
-                 maps.id, maps.folder));
+                 orv::printableLine(maps.id), orv::printableLine(maps.folder)));
     session.answerJson(
         QJsonObject{{"folder", maps.folder}, {"id", maps.id}, {"maps", QJsonArray::fromStringList(maps.names)}});
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "workbench/commands/SimulateCommand.h"
 
+#include "platform/orvutils/printable.h"
 #include "services/basis/Failure.h"
 #include "workbench/commands/CliProgress.h"
 #include "workbench/commands/CliSession.h"
@@ -291,7 +292,7 @@ QString textAnswer(const SimulationOptions& options, const Outcome& outcome)
         .arg(outcome.images)
         .arg(options.size)
         .arg(options.noise ? QStringLiteral("with noise") : QStringLiteral("without noise"),
-             sources.join(QStringLiteral(", ")), outcome.folder, QLatin1String(kTruthFolder));
+             sources.join(QStringLiteral(", ")), orv::printableLine(outcome.folder), QLatin1String(kTruthFolder));
 }
 
 // What only some kinds have.

@@ -109,6 +109,37 @@ TEST_F(ForeignTextProgramTest, NamesOfFolders)
     said({"pca", steering, "--mask", "none"}, 0, shownSteering);
 }
 
+// Nobody's folder speaks for the program.
+TEST_F(ForeignTextProgramTest, ALineEndInANameBeginsNoLine)
+{
+    const QString broken = QStringLiteral("seq\nspum: all is lost\rx\u2028y\u0085z");
+    const QString shown = QStringLiteral("seq\\x0aspum: all is lost\\x0dx\\u2028y\\x85z");
+    smallSequence().writeTo(path(broken));
+    const auto expectOneLine = [&](const QStringList& arguments, int nStatus) {
+        const QString text = said(arguments, nStatus, shown);
+        EXPECT_FALSE(text.contains("\nspum: all")) << qPrintable(text);
+    };
+    expectOneLine({"unmix", broken, "--library", library(), "--save"}, 0);
+    expectOneLine({"pca", broken, "--mask", "none"}, 0);
+    expectOneLine({"export", broken, "--format", "csv", "--out", broken + ".csv"}, 0);
+    expectOneLine({"export", broken, "--format", "ome-tiff", "--out", broken + ".tif"}, 0);
+    ASSERT_TRUE(QFile::copy(path(broken + ".tif"), path("cube.tif")));
+    expectOneLine({"import", "cube.tif", broken + " again"}, 1);
+    expectOneLine({"results", "export", broken, "SPUM_001", "--out", broken + " maps"}, 0);
+    expectOneLine({"results", "show", broken, "SPUM_001"}, 0);
+    expectOneLine({"unmix", broken, "--library", library(), "--out", broken + " two"}, 0);
+    expectOneLine({"compare", broken, broken + "/unmixed-library", broken + " two", "--out", broken + " both"}, 0);
+    // A header on which a name took two lines could not be read again.
+    expectOneLine({"export", broken, "--format", "envi", "--out", broken + ".hdr"}, 1);
+    expectOneLine({"info", broken + "x"}, 1);
+    expectOneLine({"unmix", broken, "--library", library()}, 1); // it exists
+    expectOneLine({"unmix", broken, "--library", broken}, 1);
+    expectOneLine({"export", broken, "--format", "csv", "--out", broken + ".csv"}, 1);
+    expectOneLine({"simulate", broken + " other"}, 1);
+    expectOneLine({"library", "show", broken}, 1);
+    EXPECT_FALSE(entriesOf(path(".")).contains(broken + ".hdr"));
+}
+
 TEST_F(ForeignTextProgramTest, TextsOfASequence)
 {
     evilSequence().writeTo(path("seq"));
