@@ -4,12 +4,14 @@
 #include "engine/CORVSpumKyvo.h"
 #include "spectra/logLine.h"
 #include "storage/exportRegions.h"
+#include "storage/resultRegions.h"
 
 #include "host/CILImage.h"
 #include "host/CORVDataset.h"
 #include "host/CORVLog.h"
 #include "host/CORVUtilityFns.h"
 #include "host/CPLClickInfo.h"
+#include "host/CROIManager.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -44,12 +46,19 @@ void setBinning(int nBinning, CORVDataset& dataset)
     }
 }
 
+// Those that were drawn on this map, as the result keeps them, else those of the source.
 void takeRegions(const CORVSpumKyvo& engine, int nImgIndex, CORVDataset& dataset)
 {
     const int nTiles = engine.m_nComponents + 1;
     CORVDataset* pSource = engine.unmixedSource(nImgIndex % nTiles, nImgIndex / nTiles);
     const auto eUnit = static_cast<tag_edisplayunit>(engine.m_eUnit);
-    if (pSource != nullptr && takeOverRegions(*pSource, dataset, eUnit) != ESTATUS_SUCCESS) {
+    ESTATUS status = ESTATUS_SUCCESS;
+    if (takeBackRegions(engine.m_roiResults, dataset)) {
+        status = dataset.roiManager()->measure(eUnit);
+    } else if (pSource != nullptr) {
+        status = takeOverRegions(*pSource, dataset, eUnit);
+    }
+    if (status != ESTATUS_SUCCESS) {
         logLine(QStringLiteral("%1: the regions of interest cannot be measured over the map").arg(dataset.folderPath()),
                 CORVLOG_WARNING);
     }

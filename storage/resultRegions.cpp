@@ -85,3 +85,26 @@ void replaceRegions(QList<RoiRecord>& records, const RoiRecord& record)
     records.erase(std::remove_if(records.begin(), records.end(), isSameMap), records.end());
     records.append(record);
 }
+
+bool takeBackRegions(const QList<RoiRecord>& records, CORVDataset& map)
+{
+    QString strMap;
+    const CPLSection* pSection = map.clickInfo["luminescent image"];
+    if (pSection == nullptr || pSection->getValue("Unmixed Concentration", &strMap) != 0) {
+        return false;
+    }
+    CROIManager& manager = *map.roiManager();
+    manager.clearROIInfoList();
+    for (const RoiRecord& record : records) {
+        for (int i = 0; i < record.keys.size() && record.concentrationMap == strMap; ++i) {
+            manager.loadROIData(record.keys.at(i), record.values.value(i));
+        }
+    }
+    const QList<tagROIInfo*>* pFound = manager.getCreatedROIInfoList();
+    const bool bFound = !pFound->isEmpty();
+    if (bFound) {
+        manager.createROIFromFile(pFound, true, false);
+    }
+    manager.clearROIInfoList();
+    return bFound;
+}

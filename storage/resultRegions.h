@@ -36,3 +36,7 @@ std::optional<ClosingRegions> closingRegions(CORVDataset* pDataset);
 // Appends the record, in place of all whose map has the same number. A map's number is its name as QString::toInt()
 // reads it, so all names that are no number are one: 0.
 void replaceRegions(QList<RoiRecord>& records, const RoiRecord& record);
+
+// Gives an image of a result the regions that the records hold of its concentration map, in place of its own. False,
+// and nothing changes, when they hold none.
+bool takeBackRegions(const QList<RoiRecord>& records, CORVDataset& map);

@@ -3,6 +3,7 @@
 #include "storage/ExportFixture.h"
 
 #include "storage/openUnmixedTile.h"
+#include "storage/resultRegions.h"
 
 #include "support/ForkedChild.h"
 
@@ -180,6 +181,39 @@ TEST_F(OpenTileTest, TheRegionsOfTheSourceAreTakenOverAndMeasured)
     EXPECT_FALSE(openUnmixedTile(engine(), 3).dataset->hasROIData());
     EXPECT_EQ(dataset(3 + 1).roiManager()->regions().size(), 1);
     EXPECT_EQ(m_log.reports(), "");
+}
+
+// Whether the map was closed meanwhile, or the result comes out of a file, whose readers give a record for each entry
+// and keys without blanks.
+TEST_F(OpenTileTest, RegionsThatWereDrawnOnAMapComeBackWithIt)
+{
+    makeResult(2, 3, 2);
+    addRegion(dataset(3 + 1));
+    const OpenedTile drawnOn = openUnmixedTile(engine(), 3 + 1);
+    ASSERT_NE(drawnOn.dataset, nullptr);
+    tagROIInfo drawn;
+    drawn.name = "right";
+    drawn.shape = ROISHAPE_ELLIPSE;
+    drawn.x = 1.0;
+    drawn.width = drawn.height = 1.0;
+    ASSERT_TRUE(drawnOn.dataset->roiManager()->removeRegion("left"));
+    ASSERT_TRUE(drawnOn.dataset->roiManager()->addRegion(drawn));
+    const auto closing = closingRegions(drawnOn.dataset.get());
+    ASSERT_TRUE(closing.has_value());
+    for (int i = 0; i < closing->record.keys.size(); ++i) {
+        RoiRecord read;
+        read.keys << QString(closing->record.keys.at(i)).remove(' ');
+        read.values << closing->record.values.at(i);
+        read.concentrationMap = closing->record.concentrationMap;
+        engine().m_roiResults << read;
+    }
+    const OpenedTile again = openUnmixedTile(engine(), 3 + 1);
+    ASSERT_EQ(again.dataset->roiManager()->regions().size(), 1);
+    const tagROIInfo& region = again.dataset->roiManager()->regions().first();
+    EXPECT_EQ(region.name, "right");
+    EXPECT_EQ(region.shape, ROISHAPE_ELLIPSE);
+    EXPECT_TRUE(region.statistics.isMeasured());
+    EXPECT_FALSE(openUnmixedTile(engine(), 0).dataset->hasROIData()) << "those of another map";
 }
 
 TEST_F(OpenTileTest, RegionsThatCannotBeMeasuredAreTakenOverAllTheSame)
