@@ -6,6 +6,7 @@
 #include "support/maskBounds.h"
 #include "support/pointer.h"
 
+#include "windows/compositeControls.h"
 #include "windows/maskPixels.h"
 #include "windows/photoMask.h"
 
@@ -389,6 +390,10 @@ TEST_P(WizardLookTest, FitsItsTexts)
         }
     }
     EXPECT_LE(m_wizard.groupBoxProbe->width(), 500);
+    // Red is told; in bold letters it can be read in a dark window, too.
+    EXPECT_TRUE(m_wizard.m_pWarningLabel->font().bold());
+    EXPECT_EQ(m_wizard.m_pWarningLabel->palette().color(QPalette::WindowText), QColor(Qt::red));
+    EXPECT_GE(contrast(Qt::red, m_wizard.palette().color(QPalette::Window)), 3.0);
     if (c.size == QSize(889, 735)) {
         EXPECT_LE(m_wizard.groupBoxProbe->height(), m_wizard.m_pProbeArea->viewport()->height());
     }
