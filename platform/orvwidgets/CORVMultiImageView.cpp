@@ -5,6 +5,7 @@
 #include "host/CORVPreference.h"
 #include "host/S3DViewSettings.h"
 #include "platform/orvwidgets/MultiImageState.h"
+#include "platform/orvwidgets/tileLabel.h"
 #include "platform/orvwidgets/viewOverlays.h"
 
 #include <QHelpEvent>
@@ -20,6 +21,7 @@ namespace {
 
 constexpr int kPaintTime = 60;       // milliseconds that a painting of the screen may spend on making pictures
 constexpr double kLeastTile = 56.0;  // view pixels of a tile where spots are in rows
+constexpr int kRowsInSight = 4;      // of spots
 constexpr double kWheelScroll = 0.5; // view pixels by an eighth of a degree
 constexpr double kScrollMark = 4.0;  // view pixels
 constexpr double kLabelMargin = 4.0;
@@ -107,10 +109,17 @@ QSizeF CORVMultiImageView::contentArea() const
 
 double CORVMultiImageView::leastFittedZoom() const
 {
-    if (!m_state->m_tiles.empty()) {
-        m_state->grid();
+    if (m_state->m_tiles.empty()) {
+        return 0.0;
     }
-    return m_state->m_bSpots ? kLeastTile / orvwidgets::TileGrid::kLongSide : 0.0;
+    const orvwidgets::TileGrid& grid = m_state->grid();
+    if (!m_state->m_bSpots) {
+        return 0.0;
+    }
+    // As wide as the view, as long as some rows are seen at once.
+    const double dWide = contentArea().width() / grid.size().width();
+    const double dRows = contentArea().height() * grid.rows() / (kRowsInSight * grid.size().height());
+    return std::max(kLeastTile / orvwidgets::TileGrid::kLongSide, std::min(dWide, dRows));
 }
 
 // Whether the rows of spots need more than the height of the view.
@@ -354,11 +363,12 @@ void CORVMultiImageView::paintTile(QPainter& painter, int nIndex) const
     }
     const QFontMetricsF metrics(m_state->m_font);
     if (m_bShowLabels && !tile.m_strLabel.isEmpty() && shown.height() >= kLeastLabelledHeight * metrics.height()) {
-        const QString line =
-            metrics.elidedText(tile.m_strLabel.simplified(), Qt::ElideMiddle, shown.width() - 2.0 * kLabelMargin);
-        orvwidgets::paintOutlinedText(
-            painter, QPointF(shown.left() + kLabelMargin, shown.top() + kLabelMargin + metrics.ascent()), line,
-            m_state->m_font, Qt::white);
+        QPointF at(shown.left() + kLabelMargin, shown.top() + kLabelMargin + metrics.ascent());
+        for (const QString& line : orvwidgets::tileLabelLines(tile.m_strLabel, m_state->m_bSpots, metrics,
+                                                              shown.width() - 2.0 * kLabelMargin)) {
+            orvwidgets::paintOutlinedText(painter, at, line, m_state->m_font, Qt::white);
+            at.ry() += metrics.lineSpacing();
+        }
     }
 }
 
