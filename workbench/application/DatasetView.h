@@ -23,8 +23,9 @@ public:
     // The picture of an image of that size.
     void showPicture(const QImage& picture, const QSize& image);
     void showMessage(const QString& strText);
-    // The bar that stands beside a picture that is copied or saved; none for an empty range.
+    // The bar that stands beside a picture that is copied, saved or printed; none for an empty range.
     void setBar(const CILPalette& palette, const DisplayRange& range, const QString& strQuantity);
+    QImage pictureToKeep() const override;
 
     // Those over the picture; after a change of what they show, update() is to be called.
     RegionEditor& regions() { return m_regions; }
@@ -41,7 +42,6 @@ Q_SIGNALS:
 
 protected:
     QSizeF contentSize() const override;
-    QImage pictureToKeep() const override;
     void fillContextMenu(QMenu& menu) override;
     void paintGL() override;
     void paintOverlay(QPainter& painter) const override;

@@ -5,6 +5,8 @@
 #include "host/CORVPreference.h"
 #include "host/CORVSequenceDataset.h"
 #include "host/CORVSequenceWindow.h"
+#include "workbench/application/DatasetView.h"
+#include "workbench/application/DatasetWindow.h"
 #include "workbench/application/MainWindow.h"
 #include "workbench/application/OpenDocuments.h"
 #include "workbench/application/PaletteControl.h"
@@ -186,14 +188,18 @@ void MainWindow::showOnPaper(const QPixmap& picture, bool bPreview)
     }
 }
 
+// An image without the controls beside it, in all its pixels.
 QPixmap MainWindow::seenPicture() const
 {
     if (const CORVSequenceWindow* pWindow = m_pDocuments->currentSequenceWindow()) {
         QWidget* pTab = pWindow->tabWidget()->currentWidget();
         return pTab != nullptr ? pTab->grab() : QPixmap();
     }
-    QMdiSubWindow* pFrame = m_pArea->currentSubWindow();
-    return pFrame != nullptr && pFrame->widget() != nullptr ? pFrame->widget()->grab() : QPixmap();
+    CORVImageWindow* pImage = CORVImageWindow::getImageWindow(m_pDocuments->currentDataset());
+    if (auto* pWindow = qobject_cast<DatasetWindow*>(pImage)) {
+        return QPixmap::fromImage(pWindow->view()->pictureToKeep());
+    }
+    return QPixmap();
 }
 
 void MainWindow::copyPicture()
@@ -238,6 +244,7 @@ void MainWindow::showGuide()
     dialog.setWindowTitle(tr("How to begin"));
     auto* pText = new QTextBrowser(&dialog);
     pText->setHtml(helpTexts::guide());
+    pText->setAccessibleName(dialog.windowTitle());
     auto* pButtons = new QDialogButtonBox(QDialogButtonBox::Close, &dialog);
     connect(pButtons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
     auto* pLayout = new QVBoxLayout(&dialog);

@@ -5,6 +5,8 @@
 #include "host/CORVPreferenceSignals.h"
 #include "host/CORVSequenceWindow.h"
 #include "host/S3DViewSettings.h"
+#include "workbench/application/DatasetView.h"
+#include "workbench/application/DatasetWindow.h"
 #include "workbench/application/PreferencesDialog.h"
 #include "workbench/application/SimulateDialog.h"
 #include "workbench/application/helpTexts.h"
@@ -192,6 +194,21 @@ TEST_F(DialogsTest, ThePictureOfATabIsCopied)
     QApplication::clipboard()->clear();
     trigger("copyPictureAction");
     EXPECT_GT(QApplication::clipboard()->image().width(), 100);
+}
+
+TEST_F(DialogsTest, AnImageIsCopiedWithItsBarAndWithoutItsControls)
+{
+    makeWindowWithTool();
+    m_pWindow->open(mouse());
+    CORVDataset* pDataset = m_pWindow->documents().currentSequence()->getDatasets().first();
+    m_pWindow->documents().showDataset(pDataset);
+    trigger("copyPictureAction");
+    auto* pShown = qobject_cast<DatasetWindow*>(CORVImageWindow::getImageWindow(pDataset));
+    ASSERT_NE(pShown, nullptr);
+    const QImage picture = pShown->view()->pictureToKeep();
+    ASSERT_GT(picture.width(), 100);
+    EXPECT_EQ(QApplication::clipboard()->image().convertToFormat(QImage::Format_RGB32),
+              picture.convertToFormat(QImage::Format_RGB32));
 }
 
 TEST_F(DialogsTest, APictureIsPaintedOnPaper)
