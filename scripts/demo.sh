@@ -32,4 +32,5 @@ echo "Pictures: $out/comparison/comparison.png shows truth and both results with
 echo "          $out/automatic/overview.png and spectra.png, one map each in $out/automatic/*.png, $out/pca/scree.png"
 echo "Numbers:  $out/automatic/summary.csv (and summary.json), maps as float TIFF beside the pictures"
 echo
-echo "Window:   $(dirname "$spum")/spum-workbench $out/mouse"
+echo "The same in a window, from the images on:"
+echo "    $(dirname "$spum")/spum-workbench $out/mouse"

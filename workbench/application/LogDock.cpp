@@ -13,8 +13,8 @@
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLineEdit>
-#include <QPushButton>
 #include <QScrollBar>
+#include <QToolButton>
 #include <QTreeView>
 #include <QVBoxLayout>
 
@@ -78,15 +78,19 @@ QWidget* LogDock::makeBar()
     m_pText->setClearButtonEnabled(true);
     connect(m_pText, &QLineEdit::textChanged, m_pFilter, &LogFilter::setText);
     pLayout->addWidget(m_pText, 1);
-    auto* pCopy = new QPushButton(tr("&Copy"), pBar);
-    pCopy->setObjectName(QStringLiteral("logCopy"));
+    // Small ones: beside the panel on a small screen there is room for no more.
+    const auto addButton = [&](const char* pName, const QString& strText) {
+        auto* pButton = new QToolButton(pBar);
+        pButton->setObjectName(QLatin1String(pName));
+        pButton->setText(strText);
+        pButton->setFocusPolicy(Qt::StrongFocus);
+        pLayout->addWidget(pButton);
+        return pButton;
+    };
+    auto* pCopy = addButton("logCopy", tr("&Copy"));
     pCopy->setToolTip(tr("Copy the selected lines, or all that are shown"));
-    connect(pCopy, &QPushButton::clicked, this, &LogDock::copy);
-    pLayout->addWidget(pCopy);
-    auto* pClear = new QPushButton(tr("C&lear"), pBar);
-    pClear->setObjectName(QStringLiteral("logClear"));
-    connect(pClear, &QPushButton::clicked, m_pModel, &LogModel::clear);
-    pLayout->addWidget(pClear);
+    connect(pCopy, &QToolButton::clicked, this, &LogDock::copy);
+    connect(addButton("logClear", tr("C&lear")), &QToolButton::clicked, m_pModel, &LogModel::clear);
     return pBar;
 }
 

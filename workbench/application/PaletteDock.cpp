@@ -86,8 +86,9 @@ QWidget* PaletteDock::makeMissingPage()
     m_pMissingReason = readOnlyText(pPage, "pluginMissingReason");
     m_pMissingReason->setAccessibleName(tr("Reason"));
     auto* pRest = textLabel(pPage, "pluginMissingRest");
-    pRest->setText(tr("Everything else works. Name a folder that holds the tools, or start the program with "
-                      "--plugins and such a folder."));
+    // The option stands on a line of its own, as it would be broken behind its hyphens.
+    pRest->setText(tr("Everything else works. Name a folder that holds the tools, or start the program with\n"
+                      "--plugins FOLDER"));
     auto* pButton = new QPushButton(tr("Load from another &folder ..."), pPage);
     pButton->setObjectName(QStringLiteral("pluginFolderButton"));
     connect(pButton, &QPushButton::clicked, this, &PaletteDock::otherFolderWanted);

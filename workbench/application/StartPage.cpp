@@ -104,7 +104,6 @@ QWidget* StartPage::makeRecent(const QString& strPath)
     auto* pPlace = new QLabel(pRow);
     pPlace->setTextFormat(Qt::PlainText);
     pPlace->setText(pPlace->fontMetrics().elidedText(info.path(), Qt::ElideMiddle, pageWidth / 2));
-    pPlace->setEnabled(false);
     pLayout->addWidget(pButton);
     pLayout->addWidget(pPlace);
     pLayout->addStretch(1);

@@ -12,7 +12,6 @@
 #include <QClipboard>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPushButton>
 #include <QThread>
 #include <QTreeView>
 
@@ -32,7 +31,7 @@ protected:
         MainWindowFixture::SetUp();
         makeWindow();
         settle();
-        QTest::mouseClick(find<QPushButton>("logClear"), Qt::LeftButton);
+        QTest::mouseClick(find("logClear"), Qt::LeftButton);
     }
     void TearDown() override
     {
@@ -103,13 +102,13 @@ TEST_F(LogTest, CopyTakesWhatIsShownOrSelected)
 {
     logAll();
     find<QCheckBox>("logProgress")->setChecked(false);
-    QTest::mouseClick(find<QPushButton>("logCopy"), Qt::LeftButton);
+    QTest::mouseClick(find("logCopy"), Qt::LeftButton);
     QStringList copied = QApplication::clipboard()->text().split('\n');
     ASSERT_EQ(copied.size(), 3);
     EXPECT_TRUE(copied[0].contains("ERROR") && copied[0].endsWith("an error")) << qPrintable(copied[0]);
     auto* pView = find<QTreeView>("logView");
     pView->setCurrentIndex(pView->model()->index(1, 0));
-    QTest::mouseClick(find<QPushButton>("logCopy"), Qt::LeftButton);
+    QTest::mouseClick(find("logCopy"), Qt::LeftButton);
     copied = QApplication::clipboard()->text().split('\n');
     ASSERT_EQ(copied.size(), 1);
     EXPECT_TRUE(copied[0].endsWith("a warning"));
