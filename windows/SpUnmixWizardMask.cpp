@@ -18,6 +18,7 @@
 #include <QSignalBlocker>
 
 #include <algorithm>
+#include <new>
 
 namespace {
 
@@ -33,22 +34,37 @@ void SpUnmixWizardWnd::updateMaskImage(int mode)
     if (m_pPhotoImage == nullptr || m_pPhotoImage->isEmpty() || m_pImageView == nullptr) {
         logLine(QStringLiteral("Spectral Unmixing: Invalid photographic image while updating mask image."),
                 CORVLOG_ERROR);
-        if (m_pMaskImage != nullptr && m_pImageView != nullptr) {
-            m_pMaskImage->clear();
-            m_pImageView->setImage(nullptr);
-        }
-        m_bMaskValid = false;
-        m_pMaskStatus->setText(tr("no photograph: no mask can be made"));
-        validateCurrentPage();
+        showNoMask(tr("no photograph: no mask can be made"));
         return;
     }
-    const bool bDrawn = !m_pPhotoRB->isChecked();
-    const bool bMade = bDrawn ? makeMaskOfCrop() : makeMaskOfPhoto(mode);
-    const std::size_t nPixels = bMade ? countMaskPixels(*m_pMaskImage) : 0;
-    m_bMaskValid = nPixels >= kMinMaskPixels;
-    m_pMaskStatus->setText(maskStatusText(nPixels, bDrawn));
+    try {
+        const bool bDrawn = !m_pPhotoRB->isChecked();
+        const bool bMade = bDrawn ? makeMaskOfCrop() : makeMaskOfPhoto(mode);
+        const std::size_t nPixels = bMade ? countMaskPixels(*m_pMaskImage) : 0;
+        m_bMaskValid = nPixels >= kMinMaskPixels;
+        m_pMaskStatus->setText(maskStatusText(nPixels, bDrawn));
+        validateCurrentPage();
+        showMask();
+    } catch (const std::bad_alloc&) {
+        logLowMemory();
+        showNoMask(tr("not enough memory: no mask can be made"));
+    }
+}
+
+void SpUnmixWizardWnd::logLowMemory()
+{
+    logLine(QStringLiteral("SpUnmixWizardWnd: low memory"), CORVLOG_WARNING);
+}
+
+void SpUnmixWizardWnd::showNoMask(const QString& strReason)
+{
+    if (m_pMaskImage != nullptr && m_pImageView != nullptr) {
+        m_pMaskImage->clear();
+        m_pImageView->setImage(nullptr);
+    }
+    m_bMaskValid = false;
+    m_pMaskStatus->setText(strReason);
     validateCurrentPage();
-    showMask();
 }
 
 bool SpUnmixWizardWnd::makeMaskOfPhoto(int mode)

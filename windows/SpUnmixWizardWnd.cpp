@@ -23,6 +23,8 @@
 #include <QStyleFactory>
 #include <QVBoxLayout>
 
+#include <new>
+
 namespace {
 
 constexpr int kFluorescent = 1;
@@ -268,8 +270,12 @@ void SpUnmixWizardWnd::setPhotoImage(CILImage* pImage)
         return;
     }
     m_pPhotoImage = pImage;
-    if (pImage != nullptr) {
-        pImage->RefreshImageStats();
+    try {
+        if (pImage != nullptr) {
+            pImage->RefreshImageStats();
+        }
+    } catch (const std::bad_alloc&) {
+        logLowMemory();
     }
     m_pPhotoRB->setChecked(true);
     updateMaskImage(1);

@@ -114,6 +114,8 @@ private:
     bool makeMaskOfPhoto(int mode);
     bool makeMaskOfCrop();
     void showMask();
+    void showNoMask(const QString& strReason);
+    static void logLowMemory();
     void tellPixel(int nX, int nY);
     void setThreshold(int nValue);
     void setBackgroundDefaults();

@@ -1,29 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The composite window when memory runs out: it is told, and what was there stays.
 #include "windows_on_screen/CompositeFixture.h"
+#include "windows_on_screen/HugeImage.h"
 
 #include <QMenu>
 #include <QToolButton>
 
-#include <new>
-
 namespace {
 
 constexpr const char* kLowMemory = "SpUnmixCompositeWnd: low memory";
-
-// An image whose pixels find no memory once somebody looks at them.
-class HugeImage : public CILImage
-{
-public:
-    HugeImage()
-    {
-        m_lWidth = 480;
-        m_lHeight = 480;
-    }
-
-protected:
-    void makePixels() const override { throw std::bad_alloc(); }
-};
 
 class CompositeMemoryTest : public CompositeWindowTest
 {

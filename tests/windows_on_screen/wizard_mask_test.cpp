@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The data mask of the wizard: cut out of the photograph by brightness, and drawn over it.
+#include "windows_on_screen/HugeImage.h"
 #include "windows_on_screen/WizardFixture.h"
 
 #include "engine/LogCapture.h"
@@ -306,6 +307,25 @@ TEST_F(WizardMaskTest, WithoutAPhotographThereIsNoMaskAndTheLogTellsIt)
     EXPECT_EQ(log.count("Spectral Unmixing: Invalid photographic image while updating mask image.", 3), 1);
     EXPECT_EQ(m_wizard.getMaskImage(), nullptr);
     EXPECT_FALSE(finish().isEnabled());
+}
+
+TEST_F(WizardMaskTest, WithoutMemoryForThePhotographThereIsNoMaskUntilThereIs)
+{
+    LogCapture log;
+    HugeImage photo;
+    open(m_photo);
+    m_wizard.setPhotoImage(&photo);
+    EXPECT_GE(log.count("SpUnmixWizardWnd: low memory", 2), 1) << log.reports();
+    EXPECT_EQ(m_wizard.getMaskImage(), nullptr);
+    EXPECT_EQ(m_wizard.m_pMaskStatus->text(), "not enough memory: no mask can be made");
+    EXPECT_TRUE(m_wizard.m_pImageView->picture().isNull());
+    EXPECT_FALSE(finish().isEnabled());
+    m_wizard.m_pThresholdSlider->setValue(50);
+    QTest::mouseClick(m_wizard.m_pDrawMaskRB, Qt::LeftButton);
+    EXPECT_FALSE(finish().isEnabled());
+    m_wizard.setPhotoImage(&m_photo);
+    EXPECT_TRUE(finish().isEnabled());
+    EXPECT_GE(pixels(), 10U);
 }
 
 // The scale of the thresholds is that of the first photograph.
