@@ -1,36 +1,40 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/UnitTexts.h"
 
+namespace {
+
+struct UnitTexts
+{
+    int unit;
+    const char* text;
+    const char* quantity;
+};
+
+constexpr UnitTexts units[] = {{DISPLAYUNIT_COUNTS, "Counts", "counts"},
+                               {DISPLAYUNIT_RADIANCE, "Radiance", "p/s/cm²/sr"},
+                               {DISPLAYUNIT_RADIANT_EFFICIENCY, "Radiant Efficiency", "(p/s/cm²/sr) / (µW/cm²)"},
+                               {DISPLAYUNIT_EFFICIENCY, "Efficiency", "efficiency"}};
+
+QString textOf(int nUnit, const char* UnitTexts::*pWhich)
+{
+    for (const UnitTexts& unit : units) {
+        if (unit.unit == nUnit) {
+            return QString::fromUtf8(unit.*pWhich);
+        }
+    }
+    return QString();
+}
+
+} // namespace
+
 QString displayUnitText(int nUnit)
 {
-    switch (nUnit) {
-    case DISPLAYUNIT_COUNTS:
-        return QStringLiteral("Counts");
-    case DISPLAYUNIT_RADIANCE:
-        return QStringLiteral("Radiance");
-    case DISPLAYUNIT_RADIANT_EFFICIENCY:
-        return QStringLiteral("Radiant Efficiency");
-    case DISPLAYUNIT_EFFICIENCY:
-        return QStringLiteral("Efficiency");
-    default:
-        return QString();
-    }
+    return textOf(nUnit, &UnitTexts::text);
 }
 
 QString displayUnitQuantity(int nUnit)
 {
-    switch (nUnit) {
-    case DISPLAYUNIT_COUNTS:
-        return QStringLiteral("counts");
-    case DISPLAYUNIT_RADIANCE:
-        return QStringLiteral("p/s/cm²/sr");
-    case DISPLAYUNIT_RADIANT_EFFICIENCY:
-        return QStringLiteral("(p/s/cm²/sr) / (µW/cm²)");
-    case DISPLAYUNIT_EFFICIENCY:
-        return QStringLiteral("efficiency");
-    default:
-        return QString();
-    }
+    return textOf(nUnit, &UnitTexts::quantity);
 }
 
 int displayUnitOf(const QString& strText)
