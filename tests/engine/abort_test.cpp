@@ -146,23 +146,28 @@ TEST_F(AbortTest, AnAbortInTheSolverKeepsTheErrorCodeAndTheNextAnalysisWorks)
     ASSERT_TRUE(engine.buildDatasetInfo());
     const XTNT::Matrix<double> expected = analyse(engine);
 
-    prepare(engine);
-    // A cube that the worker finds ready and on which the fit takes a while.
+    // A cube that the worker finds ready and on which the fit takes a while. On a busy machine it may be done before
+    // this thread goes on: then once more.
     constexpr long long nRows = 400000;
-    engine.m_cube.m_data.reshape(nRows, nImages);
     std::mt19937 random(seed);
     std::normal_distribution<double> noise(0.0, 1.0);
-    for (long long i = 0; i < engine.m_cube.m_data.storage.size(); ++i) {
-        engine.m_cube.m_data.storage[i] = noise(random);
+    bool bStruck = false;
+    for (int i = 0; i < 20 && !bStruck; ++i) {
+        prepare(engine);
+        engine.m_cube.m_data.reshape(nRows, nImages);
+        for (long long k = 0; k < engine.m_cube.m_data.storage.size(); ++k) {
+            engine.m_cube.m_data.storage[k] = noise(random);
+        }
+        engine.m_bCubeValid = true;
+        engine.m_nError = 7;
+        engine.start(QThread::InheritPriority);
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        engine.abortRun();
+        ASSERT_TRUE(engine.wait(60000));
+        bStruck = !engine.m_bResultReady;
+        EXPECT_EQ(engine.m_nError, bStruck ? 7 : 0);
     }
-    engine.m_bCubeValid = true;
-    engine.m_nError = 7;
-    engine.start(QThread::InheritPriority);
-    std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    engine.abortRun();
-    ASSERT_TRUE(engine.wait(60000));
-    EXPECT_FALSE(engine.m_bResultReady);
-    EXPECT_EQ(engine.m_nError, 7);
+    EXPECT_TRUE(bStruck) << "not one abort struck the fit";
 
     EXPECT_EQ((analyse(engine) - expected).norm(0), 0.0);
 }

@@ -150,7 +150,7 @@ TEST_F(FaultsTest, APreloadedLibraryTakesItsRulesFromTheEnvironment)
     environment.insert("LC_ALL", "C");
     process.setProcessEnvironment(environment);
     process.start("mkdir", {m_folder.filePath("a"), m_folder.filePath("b"), m_folder.filePath("c")});
-    ASSERT_TRUE(process.waitForFinished());
+    ASSERT_TRUE(process.waitForFinished(120000));
     EXPECT_EQ(process.exitCode(), 1);
     EXPECT_TRUE(process.readAllStandardError().contains("quota"));
     EXPECT_TRUE(QFile::exists(m_folder.filePath("a")));

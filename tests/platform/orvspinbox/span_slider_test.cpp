@@ -214,7 +214,7 @@ TEST_F(SpanSliderTest, VerticallyValuesGrowUpwards)
     m_pSlider->setOrientation(Qt::Vertical);
     m_pSlider->setMinimumWidth(0);
     m_window.resize(80, 300);
-    QTest::qWait(1);
+    ASSERT_TRUE(QTest::qWaitFor([this] { return m_pSlider->height() > 200; }, 20000));
     m_pSlider->setSpan(20, 60);
     EXPECT_GT(lower()->y(), upper()->y());
     QTest::keyClick(lower(), Qt::Key_Up);

@@ -172,7 +172,7 @@ TEST(ShellLineTest, AShellTakesTheLineApartAgain)
                                 QString::fromUtf8("\xC3\xA4")};
     QProcess shell;
     shell.start(QStringLiteral("/bin/sh"), {QStringLiteral("-c"), shellLine(arguments)});
-    ASSERT_TRUE(shell.waitForFinished());
+    ASSERT_TRUE(shell.waitForFinished(120000));
     EXPECT_EQ(QString::fromUtf8(shell.readAllStandardOutput()), arguments.mid(2).join('|') + '|');
     EXPECT_EQ(shellLine({QStringLiteral("spum"), QStringLiteral("unmix"), QStringLiteral("a/b_c.tif")}),
               QStringLiteral("spum unmix a/b_c.tif"));

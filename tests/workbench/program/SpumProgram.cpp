@@ -136,9 +136,13 @@ ProgramResult SpumProgram::runAndInterrupt(const QStringList& arguments, const Q
     }
     QThread::msleep(static_cast<unsigned long>(nMilliseconds));
     if (process.state() == QProcess::Running) {
+        const auto id = static_cast<pid_t>(process.processId());
+        // Stopped meanwhile: it cannot come to its end between one and the next.
+        ::kill(id, SIGSTOP);
         for (const int signalNumber : signalNumbers) {
-            ::kill(static_cast<pid_t>(process.processId()), signalNumber);
+            ::kill(id, signalNumber);
         }
+        ::kill(id, SIGCONT);
     }
     return finish(process);
 }
