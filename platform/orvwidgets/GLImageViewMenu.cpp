@@ -2,14 +2,18 @@
 // What the views have in common in their context menus.
 #include "host/GLImageView.h"
 
+#include "host/CDicomExporter.h"
 #include "host/CORVFileDialog.h"
+#include "host/CORVImageExporter.h"
 #include "host/CORVMessageBox.h"
+#include "host/CORVPreference.h"
+#include "host/CORVSequenceWindow.h"
 #include "host/CORVUtilityFns.h"
-#include "platform/orvimage/SavePng.h"
 #include "platform/orvwidgets/viewIcons.h"
 
 #include <QClipboard>
 #include <QContextMenuEvent>
+#include <QFileInfo>
 #include <QGuiApplication>
 #include <QMenu>
 
@@ -72,12 +76,27 @@ void GLImageView::saveAs(const QImage& picture)
     if (picture.isNull()) {
         return;
     }
-    const QString path = CORVFileDialog::getSaveFileName(this, tr("Save Picture"), QString(), tr("PNG Image (*.png)"));
+    // PNG keeps every pixel and opens everywhere: first until the user has preferred another.
+    QStringList suffixes = CORVImageExporter::suffixes();
+    suffixes.move(suffixes.indexOf(QStringLiteral("png")), 0);
+    QStringList filters;
+    for (const QString& suffix : qAsConst(suffixes)) {
+        filters.append(tr("%1 Image (*.%2)").arg(suffix.toUpper(), suffix));
+    }
+    CORVPreference::modifySaveFilterListByPreference(filters);
+    const QString path =
+        CORVFileDialog::getSaveFileName(this, tr("Save Picture"), QString(), filters.join(QStringLiteral(";;")));
     if (path.isEmpty()) {
         return;
     }
+    const QString suffix = QFileInfo(path).suffix().toLower();
+    CORVPreference::setUsersPreferredFormat(suffix);
     QString error;
-    if (!orvimage::savePng(path, picture, &error)) {
+    const bool saved =
+        suffix == QLatin1String("dcm")
+            ? CDicomExporter(path, CORVSequenceWindow::activeSequence()).writeDicomGraphics(picture, &error)
+            : CORVImageExporter::saveImage(picture, path, &error);
+    if (!saved) {
         CORVMessageBox::error(this, CORVUtilityFns::getAppName(), error);
     }
 }

@@ -2,6 +2,7 @@
 // Pictures with labels, as they are seen and as they are saved.
 #include "host/CORVQImageView.h"
 
+#include "host/CORVImageExporter.h"
 #include "platform/orvutils/MessageResponder.h"
 #include "support/screen.h"
 
@@ -158,6 +159,26 @@ TEST_F(LabelledPictureTest, WithoutLabelsOrAPictureThereIsNothingToSave)
     m_view.setImage(plainPicture(64, 48));
     m_view.setLabelList({});
     EXPECT_FALSE(menuEntries().contains("Save Picture with &Labels ..."));
+}
+
+// Every format that other programs may want; the suffix names it, and the one of last time is offered first.
+TEST_F(LabelledPictureTest, IsSavedInEveryFormatOfTheExporter)
+{
+    m_view.setImage(plainPicture(64, 48));
+    const QTemporaryDir folder;
+    for (const QString& suffix : CORVImageExporter::suffixes()) {
+        const QString strFile = folder.filePath("picture." + suffix);
+        QStringList asked;
+        auto before = orv::setMessageResponder(std::make_unique<FileAnswers>(strFile, asked));
+        m_view.savePicture();
+        orv::setMessageResponder(std::move(before));
+        EXPECT_EQ(asked, QStringList{"Save Picture"}) << qPrintable(suffix);
+        EXPECT_GT(QFileInfo(strFile).size(), 100) << qPrintable(suffix);
+    }
+    EXPECT_EQ(QImage(folder.filePath("picture.bmp")).size(), QSize(64, 48));
+    QFile dicom(folder.filePath("picture.dcm"));
+    ASSERT_TRUE(dicom.open(QIODevice::ReadOnly));
+    EXPECT_EQ(dicom.read(132).right(4), "DICM");
 }
 
 // A picture that cannot be written is told with its reason.
