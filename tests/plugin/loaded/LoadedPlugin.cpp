@@ -7,9 +7,13 @@
 #include "platform/orvimage/TiffIo.h"
 #include "support/simulated.h"
 
+#include <QDir>
+#include <QFileInfo>
 #include <QLabel>
 #include <QTest>
 #include <QWizard>
+
+#include <cmath>
 
 namespace loaded {
 
@@ -161,6 +165,43 @@ QStringList LoadedPlugin::resultItems() const
         items << pTree->topLevelItem(i)->text(0);
     }
     return items;
+}
+
+QStringList LoadedPlugin::savedNames() const
+{
+    QStringList names;
+    const auto* pCombo = find<QComboBox>("m_pSavedResultsCB");
+    for (int i = 0; i < pCombo->count(); ++i) {
+        names << pCombo->itemText(i);
+    }
+    return names;
+}
+
+// Exported maps are the concentrations as floats, each over the largest value of its spectrum, which is 1 here.
+void LoadedPlugin::expectMapsOf(const QString& strResults)
+{
+    QStringList exported;
+    const auto connection = QObject::connect(m_pPlugin, &CORVToolPalettePluginBase::createSequence,
+                                             [&exported](const QStringList& paths, bool) { exported = paths; });
+    click("m_pExportAsSequence");
+    QObject::disconnect(connection);
+    const QDir command(strResults);
+    const QStringList maps = command.entryList({"0*.tif"}, QDir::Files, QDir::Name);
+    ASSERT_EQ(maps.size(), exported.size());
+    ASSERT_GE(maps.size(), 2);
+    for (int k = 0; k < maps.size(); ++k) {
+        const std::vector<double> byCommand = pixelsOf(command.filePath(maps.at(k)));
+        const std::vector<double> byWindow = pixelsOf(QFileInfo(exported.at(k)).path() + "/luminescent.TIF");
+        ASSERT_EQ(byCommand.size(), byWindow.size());
+        int nInside = 0;
+        for (std::size_t i = 0; i < byCommand.size(); ++i) {
+            // Outside the mask the one says so, and the other is 0.
+            const bool bInside = !std::isnan(byCommand[i]);
+            nInside += bInside ? 1 : 0;
+            ASSERT_EQ(byWindow[i], bInside ? byCommand[i] : 0.0) << maps.at(k).toStdString() << ", pixel " << i;
+        }
+        EXPECT_GT(nInside, 100) << maps.at(k).toStdString();
+    }
 }
 
 std::vector<double> pixelsOf(const QString& strTiff)

@@ -73,6 +73,9 @@ protected:
     // Start, and Finish of the wizard.
     void unmixAutomatically();
     QStringList resultItems() const;
+    QStringList savedNames() const;
+    // Exports the maps on screen, and compares them to the bit with those in a folder of results of the command line.
+    void expectMapsOf(const QString& strResults);
     // What the log warned of.
     std::string complaints() const { return m_complaints.join("\n").toStdString(); }
 

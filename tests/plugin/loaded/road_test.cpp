@@ -2,17 +2,15 @@
 // The road from a folder of images to maps on screen, through the loaded plug-in.
 #include "LoadedPlugin.h"
 
+#include "support/simulated.h"
+
 #include <QCheckBox>
 #include <QDir>
-#include <QFileInfo>
 #include <QKeyEvent>
 #include <QLabel>
-#include <QProcess>
 #include <QSignalSpy>
 #include <QTabWidget>
 #include <QTableWidget>
-
-#include <cmath>
 
 using namespace loaded;
 
@@ -27,15 +25,6 @@ protected:
     static void addTab(Opened& opened, const char* pTitle)
     {
         opened.window->addTabWidget(new QLabel(pTitle, opened.window), nullptr, nullptr, QIcon(), pTitle, -1, true);
-    }
-    QStringList savedNames() const
-    {
-        QStringList names;
-        const auto* pCombo = find<QComboBox>("m_pSavedResultsCB");
-        for (int i = 0; i < pCombo->count(); ++i) {
-            names << pCombo->itemText(i);
-        }
-        return names;
     }
 };
 
@@ -79,39 +68,15 @@ TEST_F(RoadTest, ASequencesOwnSignalsReachThePalette)
     EXPECT_TRUE(resultItems().isEmpty());
 }
 
-// Exported maps are the concentrations as floats, each over the largest value of its spectrum, which is 1 here.
 TEST_F(RoadTest, TheMapsAreThoseOfTheCommandLineBitForBit)
 {
     const QString strFolder = mouse();
-    QProcess spum;
-    spum.start(ORV_BINARY_DIR "/bin/spum",
-               {"unmix", strFolder, "--mask", "auto", "--quiet", "--out", m_folder.filePath("by command")});
-    ASSERT_TRUE(spum.waitForFinished(120000));
-    ASSERT_EQ(spum.exitCode(), 0) << spum.readAllStandardError().toStdString();
-    QStringList exported;
-    QObject::connect(m_pPlugin, &CORVToolPalettePluginBase::createSequence,
-                     [&exported](const QStringList& paths, bool) { exported = paths; });
+    const QString strByCommand = m_folder.filePath("by command");
+    runSpum({"unmix", strFolder, "--mask", "auto", "--quiet", "--out", strByCommand});
     open(strFolder);
     unmixAutomatically();
     EXPECT_EQ(complaints(), "");
-    click("m_pExportAsSequence");
-    const QDir command(m_folder.filePath("by command"));
-    const QStringList maps = command.entryList({"0*.tif"}, QDir::Files, QDir::Name);
-    ASSERT_EQ(maps.size(), exported.size());
-    ASSERT_GE(maps.size(), 2);
-    for (int k = 0; k < maps.size(); ++k) {
-        const std::vector<double> byCommand = pixelsOf(command.filePath(maps.at(k)));
-        const std::vector<double> byWindow = pixelsOf(QFileInfo(exported.at(k)).path() + "/luminescent.TIF");
-        ASSERT_EQ(byCommand.size(), byWindow.size());
-        int nInside = 0;
-        for (std::size_t i = 0; i < byCommand.size(); ++i) {
-            // Outside the mask the one says so, and the other is 0.
-            const bool bInside = !std::isnan(byCommand[i]);
-            nInside += bInside ? 1 : 0;
-            ASSERT_EQ(byWindow[i], bInside ? byCommand[i] : 0.0) << maps.at(k).toStdString() << ", pixel " << i;
-        }
-        EXPECT_GT(nInside, 300) << maps.at(k).toStdString();
-    }
+    expectMapsOf(strByCommand);
 }
 
 TEST_F(RoadTest, ResultsAreSavedRenamedLoadedAndDeleted)
