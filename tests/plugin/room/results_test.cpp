@@ -11,6 +11,7 @@
 #include <QAction>
 #include <QClipboard>
 #include <QDir>
+#include <QDockWidget>
 #include <QFile>
 #include <QGuiApplication>
 #include <QMenu>
@@ -103,6 +104,28 @@ TEST_F(ResultsTest, SelectAllChangesTheModeForGood)
     activate("Copy");
     EXPECT_EQ(clipboard(), "Item\tValue\nMethod\tAutomatic\nBands\t\"640, 720\"\n");
     EXPECT_EQ(m_palette->m_pSPUnResultsLV->selectionMode(), QAbstractItemView::ExtendedSelection);
+}
+
+// Docked, the window that is active is the host's.
+TEST_F(ResultsTest, TheMenuWorksInADockOfTheActiveWindow)
+{
+    fill(m_two);
+    QDockWidget dock;
+    dock.setWidget(m_palette.get());
+    m_main.addDockWidget(Qt::RightDockWidgetArea, &dock);
+    m_main.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&m_main));
+    QApplication::setActiveWindow(&m_main);
+    QAction* pCopy = m_palette->findChild<QMenu*>("m_pResultsMenu")->actions().at(1);
+    pCopy->trigger();
+    EXPECT_EQ(clipboard(), "Item\tValue\n");
+    QWidget other;
+    other.show();
+    QApplication::setActiveWindow(&other);
+    QGuiApplication::clipboard()->setText("before");
+    pCopy->trigger();
+    EXPECT_EQ(clipboard(), "before");
+    m_palette->setParent(nullptr);
 }
 
 TEST_F(ResultsTest, APaletteThatIsNotActiveDoesNothing)

@@ -11,6 +11,7 @@
 #include <QDirIterator>
 #include <QFile>
 #include <QLineEdit>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -196,6 +197,41 @@ TEST_F(SavedResultsTest, AResultOfTheFirstGenerationIsShownAsStored)
     EXPECT_EQ(concentrations()[5], 6.0);
     EXPECT_EQ(console().distributionView()->imageLabel(1), "two");
     EXPECT_EQ(m_palette->m_pSPUnResultsLV->topLevelItem(3)->text(1), "MCR");
+}
+
+// What the maps on screen were corrected by is another matter than what the console offers.
+TEST_F(SavedResultsTest, ALoadedDecayCorrectionIsOfferedAndNotApplied)
+{
+    Plan plan;
+    plan.id = "seq-C";
+    plan.folder = m_folder.filePath("light of decay");
+    plan.isotope = "F-18";
+    m_answers.answer = CORVMessageBox::NoButtonAnswer;
+    open(plan);
+    ASSERT_TRUE(engine().m_bCherenkov);
+    unmixAutomatically();
+    type("light");
+    m_palette->m_pSaveButton->click();
+    const double dHalfLife = engine().m_dHalfLifeSec;
+    const QString strIsotope = engine().m_strIsotope;
+    const QDir folder(plan.folder + "/XML/SpecUnmix");
+    QFile file(folder.filePath(folder.entryList(QDir::Files).value(0)));
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    QString strText = QString::fromLocal8Bit(file.readAll());
+    file.close();
+    strText.replace(QRegularExpression("<Cherenkov_Decay_Correction [^>]*/>"),
+                    "<Cherenkov_Decay_Correction IsotopeName=\"Undefined\" HalfLife=\"109.8\" "
+                    "IsDecayCorrectionApplied=\"false\"/>");
+    ASSERT_TRUE(strText.contains("109.8"));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(strText.toLocal8Bit());
+    file.close();
+    m_palette->m_pLoadButton->click();
+    EXPECT_EQ(complaints(), "");
+    EXPECT_NEAR(console().m_dHalfLifeSeconds, 6588.0, 1e-3); // it is kept as a float of minutes
+    EXPECT_EQ(engine().m_dHalfLifeSec, dHalfLife);
+    EXPECT_EQ(engine().m_strIsotope, strIsotope);
+    EXPECT_FALSE(engine().m_bDecayApplied);
 }
 
 // Of a machine with another code page: the letters that cannot be read are replaced, and that is told.
