@@ -47,7 +47,7 @@ void setBinning(int nBinning, CORVDataset& dataset)
 }
 
 // Those that were drawn on this map, as the result keeps them, else those of the source.
-void takeRegions(const CORVSpumKyvo& engine, int nImgIndex, CORVDataset& dataset)
+void takeRegions(CORVSpumKyvo& engine, int nImgIndex, CORVDataset& dataset)
 {
     const int nTiles = engine.m_nComponents + 1;
     CORVDataset* pSource = engine.unmixedSource(nImgIndex % nTiles, nImgIndex / nTiles);

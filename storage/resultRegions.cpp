@@ -86,7 +86,7 @@ void replaceRegions(QList<RoiRecord>& records, const RoiRecord& record)
     records.append(record);
 }
 
-bool takeBackRegions(const QList<RoiRecord>& records, CORVDataset& map)
+bool takeBackRegions(QList<RoiRecord>& records, CORVDataset& map)
 {
     QString strMap;
     const CPLSection* pSection = map.clickInfo["luminescent image"];
@@ -95,8 +95,9 @@ bool takeBackRegions(const QList<RoiRecord>& records, CORVDataset& map)
     }
     CROIManager& manager = *map.roiManager();
     manager.clearROIInfoList();
-    for (const RoiRecord& record : records) {
-        for (int i = 0; i < record.keys.size() && record.concentrationMap == strMap; ++i) {
+    const auto isOfMap = [&strMap](const RoiRecord& record) { return record.concentrationMap == strMap; };
+    for (const RoiRecord& record : qAsConst(records)) {
+        for (int i = 0; i < record.keys.size() && isOfMap(record); ++i) {
             manager.loadROIData(record.keys.at(i), record.values.value(i));
         }
     }
@@ -104,6 +105,7 @@ bool takeBackRegions(const QList<RoiRecord>& records, CORVDataset& map)
     const bool bFound = !pFound->isEmpty();
     if (bFound) {
         manager.createROIFromFile(pFound, true, false);
+        records.erase(std::remove_if(records.begin(), records.end(), isOfMap), records.end());
     }
     manager.clearROIInfoList();
     return bFound;

@@ -37,6 +37,7 @@ std::optional<ClosingRegions> closingRegions(CORVDataset* pDataset);
 // reads it, so all names that are no number are one: 0.
 void replaceRegions(QList<RoiRecord>& records, const RoiRecord& record);
 
-// Gives an image of a result the regions that the records hold of its concentration map, in place of its own. False,
-// and nothing changes, when they hold none.
-bool takeBackRegions(const QList<RoiRecord>& records, CORVDataset& map);
+// Gives an image of a result the regions that the records hold of its concentration map, in place of its own. These
+// records go, as the open image has the regions from then on: a save would find them twice, and one that the user
+// removes would come back. False, and nothing changes, when the records hold none.
+bool takeBackRegions(QList<RoiRecord>& records, CORVDataset& map);

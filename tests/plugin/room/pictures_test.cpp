@@ -6,7 +6,9 @@
 #include "host/CORVImageWindow.h"
 #include "host/CORVPreference.h"
 #include "host/CORVPreferenceSignals.h"
+#include "host/CROIManager.h"
 #include "host/UnitTexts.h"
+#include "host/tagROIInfo.h"
 #include "support/pointer.h"
 #include "windows/CORVDistributionView.h"
 #include "windows_on_screen/StatusTips.h"
@@ -18,6 +20,7 @@
 #include <QHelpEvent>
 #include <QRegularExpression>
 #include <QSignalSpy>
+#include <QTemporaryDir>
 #include <QToolButton>
 #include <QToolTip>
 
@@ -70,6 +73,35 @@ TEST_F(PicturesTest, AMapOpensAsADatasetOfTheHost)
     EXPECT_TRUE(m_maps[0]->isSequenceWindowMember);
     EXPECT_EQ(QDir(m_maps[0]->folderPath()).dirName(), "Unmixed Result 2");
     EXPECT_EQ(complaints(), "");
+}
+
+TEST_F(PicturesTest, RegionsThatAreDrawnOnAMapComeBackWithItsResult)
+{
+    const QTemporaryDir folder;
+    Plan plan;
+    plan.folder = folder.filePath("mouse");
+    unmix(plan);
+    engine().onImageDoubleClicked(1);
+    tagROIInfo drawn;
+    drawn.name = "kidney";
+    drawn.width = 4.0;
+    drawn.height = 4.0;
+    ASSERT_EQ(m_maps.size(), 1U);
+    ASSERT_TRUE(m_maps[0]->roiManager()->addRegion(drawn));
+    m_palette->m_pSaveButton->click();
+    m_maps.clear();
+    m_palette->m_pLoadButton->click();
+    EXPECT_EQ(complaints(), "");
+    engine().onImageDoubleClicked(1);
+    ASSERT_EQ(m_maps.size(), 1U);
+    ASSERT_EQ(m_maps[0]->roiManager()->regions().size(), 1);
+    EXPECT_EQ(m_maps[0]->roiManager()->regions().first().name, "kidney");
+    // The open map has it now: once, and not at all when it is removed there.
+    EXPECT_EQ(engine().resultToXml().count("kidney"), 1);
+    ASSERT_TRUE(m_maps[0]->roiManager()->removeRegion("kidney"));
+    EXPECT_FALSE(engine().resultToXml().contains("kidney"));
+    engine().onImageDoubleClicked(0);
+    EXPECT_TRUE(m_maps[1]->roiManager()->regions().isEmpty());
 }
 
 // The tool tip of a tile.
