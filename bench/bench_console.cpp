@@ -1,16 +1,20 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What the console does at every move of the mouse and every step of a slider, over a cube of 1024 x 1024 x 24, until
 // it is drawn. Without a display nothing is drawn: scripts/with-xvfb.sh gives one.
+#include "bench_support.h"
+
 #include "engine/CImageCube.h"
 #include "host/CORVPaintQImageView.h"
 #include "windows/CORVDistributionView.h"
 #include "windows/SpumKyvoConsoleWnd.h"
 
 #include <QApplication>
+#include <QMouseEvent>
 #include <QVBoxLayout>
 
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <cmath>
 #include <memory>
 #include <vector>
@@ -96,6 +100,40 @@ void cursorMove(benchmark::State& state)
     }
 }
 
+// From the release of the button until the spectrum of a filled region of 100,000 pixels is drawn, and of the processor
+// until the row has it.
+void regionFilled(benchmark::State& state)
+{
+    const Scene scene;
+    CORVPaintQImageView& view = *scene.m_pConsole->m_pImageCubeView;
+    scene.m_pConsole->m_pAddSpectrum->click();
+    view.setPaintShape(CORVPaintQImageView::Rectangle);
+    constexpr double regionSide = 316.5;
+    const QPointF from = view.toView(QPointF(200.5, 200.5));
+    const QPointF to = view.toView(QPointF(200.0 + regionSide, 200.0 + regionSide));
+    const auto send = [&view](QEvent::Type eType, const QPointF& at, Qt::MouseButtons held) {
+        QMouseEvent event(eType, at, Qt::LeftButton, held, Qt::NoModifier);
+        QApplication::sendEvent(&view, &event);
+    };
+    double dSpectrum = 0.0;
+    for (auto _ : state) {
+        state.PauseTiming();
+        view.takeStrokeBack();
+        send(QEvent::MouseButtonPress, from, Qt::LeftButton);
+        send(QEvent::MouseMove, to, Qt::LeftButton);
+        Scene::settle();
+        state.ResumeTiming();
+        const double dBefore = bench::threadSeconds();
+        send(QEvent::MouseButtonRelease, to, Qt::NoButton);
+        dSpectrum = std::max(dSpectrum, bench::threadSeconds() - dBefore);
+        Scene::settle();
+    }
+    QList<int> pixels;
+    view.getPaintPixelIndex(static_cast<unsigned char>(scene.m_pConsole->m_nNextChannel), pixels);
+    state.counters["pixels"] = pixels.size();
+    state.counters["spectrum_ms"] = 1e3 * dSpectrum; // of the user-interface thread, the longest
+}
+
 void imageIndexChange(benchmark::State& state)
 {
     const Scene scene;
@@ -148,6 +186,7 @@ void plotAnew(benchmark::State& state)
 } // namespace
 
 BENCHMARK(cursorMove)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(regionFilled)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(imageIndexChange)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(brightnessStep)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(scaleStep)->Unit(benchmark::kMillisecond)->UseRealTime();

@@ -3,6 +3,8 @@
 // until the rows that are made without being asked for are drawn, and from there until all are. Without a display
 // nothing is drawn:
 // scripts/with-xvfb.sh gives one.
+#include "bench_support.h"
+
 #include "host/orv_paths.h"
 #include "spectra/SpUnmixSpectrumLibraryWnd.h"
 #include "spectra/SpumKyvoDatabase.h"
@@ -16,7 +18,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <ctime>
 #include <memory>
 #include <utility>
 
@@ -47,13 +48,6 @@ void writeLibrary(int nSpectra)
     qDeleteAll(spectra);
 }
 
-double threadSeconds()
-{
-    timespec now{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-    return static_cast<double>(now.tv_sec) + 1e-9 * static_cast<double>(now.tv_nsec);
-}
-
 // The longest of the turns of the event loop.
 class Turns
 {
@@ -61,11 +55,11 @@ public:
     template <class Act>
     void turn(Act act)
     {
-        const double dBefore = threadSeconds();
+        const double dBefore = bench::threadSeconds();
         m_clock.start();
         act();
         m_dLongest = std::max(m_dLongest, 1e-9 * static_cast<double>(m_clock.nsecsElapsed()));
-        m_dProcessor = std::max(m_dProcessor, threadSeconds() - dBefore);
+        m_dProcessor = std::max(m_dProcessor, bench::threadSeconds() - dBefore);
     }
     void turnUntilRows(const SpUnmixSpectrumLibraryWnd& window, int nRows)
     {
