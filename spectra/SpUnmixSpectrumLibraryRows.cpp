@@ -68,10 +68,16 @@ void SpUnmixSpectrumLibraryWnd::keepOneSelected()
     }
 }
 
-// A new page for the rows takes the old one's place: many widgets are deleted fast only together with their parent.
+// A new page for the rows takes the old one's place, which goes a slice at a time.
 void SpUnmixSpectrumLibraryWnd::clearRows()
 {
     m_rowTimer.stop();
+    if (QWidget* pOld = m_pRowArea->takeWidget()) {
+        pOld->hide();
+        m_leavingPages.append(pOld);
+        m_leavingRows += m_rows;
+        m_leaveTimer.start(0);
+    }
     for (const auto& pRow : qAsConst(m_rows)) {
         // The focus of a name that goes with its row is no end of its editing.
         pRow->m_pNameEdit->disconnect(this);
@@ -93,6 +99,25 @@ void SpUnmixSpectrumLibraryWnd::clearRows()
     m_nRowLimit = 0;
     textEdit->clear();
     showRowCount();
+}
+
+void SpUnmixSpectrumLibraryWnd::dropSlice()
+{
+    if (m_leavingPages.isEmpty()) {
+        return;
+    }
+    const auto slices = m_leavingPages.last()->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly);
+    if (slices.isEmpty()) {
+        delete m_leavingPages.takeLast();
+    } else {
+        delete slices.last(); // many widgets go fast only together with their parent
+    }
+    while (!m_leavingRows.isEmpty() && m_leavingRows.last()->m_pSelectBox.isNull()) {
+        m_leavingRows.removeLast();
+    }
+    if (!m_leavingPages.isEmpty()) {
+        m_leaveTimer.start(0);
+    }
 }
 
 void SpUnmixSpectrumLibraryWnd::addRows()

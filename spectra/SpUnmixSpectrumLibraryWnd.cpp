@@ -34,6 +34,7 @@ SpUnmixSpectrumLibraryWnd::SpUnmixSpectrumLibraryWnd(QWidget* pParent, Qt::Windo
 SpUnmixSpectrumLibraryWnd::~SpUnmixSpectrumLibraryWnd()
 {
     clearRows();
+    qDeleteAll(m_leavingPages);
     delete m_pPlot;
 }
 
@@ -43,6 +44,7 @@ void SpUnmixSpectrumLibraryWnd::init()
     m_pPlot->setLegendVisible(m_pLegendCkb->isChecked());
     m_pPlotLayout->insertWidget(0, m_pPlot, 1);
     m_rowTimer.setSingleShot(true);
+    m_leaveTimer.setSingleShot(true);
     connectControls();
     for (const QString& name : SpumKyvoDatabase().listLibraries()) {
         auto* pItem = new QListWidgetItem(name, m_pSpumLibraryList);
@@ -67,6 +69,7 @@ void SpUnmixSpectrumLibraryWnd::connectControls()
     connect(m_pCloseBtn, &QPushButton::clicked, this, &SpUnmixSpectrumLibraryWnd::onClickCancel);
     connect(m_pShowAllBtn, &QPushButton::clicked, this, &SpUnmixSpectrumLibraryWnd::onClickShowAll);
     connect(&m_rowTimer, &QTimer::timeout, this, &SpUnmixSpectrumLibraryWnd::addRows);
+    connect(&m_leaveTimer, &QTimer::timeout, this, &SpUnmixSpectrumLibraryWnd::dropSlice);
     m_pSpumLibraryList->installEventFilter(this);
     m_pSpumLibraryList->viewport()->installEventFilter(this);
 }

@@ -92,6 +92,7 @@ private:
     void keepOneSelected();
     void clearRows();
     void addRows();
+    void dropSlice();
     void addSlice(int nEnd);
     void addRow(QWidget& slice);
     void deselectAllBut(int nPlace);
@@ -106,4 +107,7 @@ private:
     QVBoxLayout* m_pSliceColumn = nullptr;         // of the page: the list, and the slices under it
     int m_nRowLimit = 0;                           // rows that are wanted
     QTimer m_rowTimer;                             // makes them, a slice at a time
+    QList<QWidget*> m_leavingPages;                // of earlier libraries; owned
+    QList<QSharedPointer<SpumKyvoSpectrumCtrl>> m_leavingRows;
+    QTimer m_leaveTimer; // deletes them, a slice at a time
 };

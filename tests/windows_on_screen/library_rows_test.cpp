@@ -3,6 +3,8 @@
 #include "windows_on_screen/LibraryFixture.h"
 
 #include <QComboBox>
+#include <QPointer>
+#include <QScrollArea>
 
 namespace {
 
@@ -41,6 +43,27 @@ TEST_F(LibraryWindowTest, AnotherLibraryEndsTheMakingOfRows)
     QTest::qWait(50);
     EXPECT_EQ(window().m_rows.size(), 2);
     EXPECT_FALSE(window().m_pShowAllBtn->isVisible());
+}
+
+TEST_F(LibraryWindowTest, RowsOfAnotherLibraryGoInTheEnd)
+{
+    write("few", library::twoDyes());
+    write("many", library::dyes(300, 4, 3));
+    open();
+    click("many");
+    QTest::mouseClick(window().m_pShowAllBtn, Qt::LeftButton);
+    ASSERT_TRUE(QTest::qWaitFor([this] { return window().m_rows.size() == 300; }));
+    const QList<QPointer<SpumKyvoSpectrumCtrl>> gone{window().m_rows[0].data(), window().m_rows[299].data()};
+    const QPointer<QWidget> page(window().m_pRowArea->widget());
+    const QPointer<QWidget> edit(row(299).m_pNameEdit);
+    click("few");
+    EXPECT_EQ(window().m_rows.size(), 2);
+    EXPECT_EQ(handedBack(), (QStringList{"A", "B"}));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return gone[0].isNull() && gone[1].isNull() && page.isNull(); }));
+    EXPECT_TRUE(edit.isNull());
+    click("many");
+    click("few");
+    m_pWindow.reset(); // while they go
 }
 
 // The one that is kept of several stands among the rows.
