@@ -241,6 +241,7 @@ void MainWindow::takeRecords(const QVector<orv::LogRecord>& records)
         const int nLevel = LogModel::levelOf(record);
         if (nLevel == CORVLOG_WARNING || nLevel == CORVLOG_ERROR) {
             m_pStatus->showAttention(nLevel, record.m_strMessage);
+            m_strLastError = nLevel == CORVLOG_ERROR ? record.m_strMessage : m_strLastError;
         }
     }
 }

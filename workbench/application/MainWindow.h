@@ -109,7 +109,9 @@ private:
 
     // Asks before a window closes; ends what runs first, and closes then.
     bool mayClose(CORVChildWindow* pWindow);
-    bool asksToAbort(const QString& strQuestion);
+    bool confirms(const QString& strQuestion);
+    // Lets the tool offer to keep its result. False when the user goes back, or does so because it could not be kept.
+    bool mayLeaveResult();
     bool closeAll();
     void closeAfterRun();
 
@@ -130,6 +132,7 @@ private:
     Session::Windows m_abandoned;   // of a program that was killed, until the user was asked
     QHash<QString, QRect> m_places; // of windows of the last session that are about to open, by their folders
     QStringList m_gone;             // folders of it that are no sequences any more
+    QString m_strLastError;         // of the log
     QStringList m_toOpen;
     QTimer m_opening; // of the next of these
     QTimer m_closing;

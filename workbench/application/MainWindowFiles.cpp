@@ -11,6 +11,7 @@
 #include "host/CORVUtilityFns.h"
 #include "platform/orvutils/ProcessControl.h"
 #include "workbench/application/ImportDialog.h"
+#include "workbench/application/LogFeed.h"
 #include "workbench/application/MainWindow.h"
 #include "workbench/application/OpenDocuments.h"
 #include "workbench/application/PaletteControl.h"
@@ -247,7 +248,7 @@ void MainWindow::dropEvent(QDropEvent* pEvent)
     openLater(pathsOf(pEvent->mimeData()));
 }
 
-bool MainWindow::asksToAbort(const QString& strQuestion)
+bool MainWindow::confirms(const QString& strQuestion)
 {
     return CORVMessageBox::warning(this, CORVUtilityFns::getAppName(), strQuestion,
                                    CORVMessageBox::YesButton | CORVMessageBox::NoButtonAnswer,
@@ -260,7 +261,7 @@ bool MainWindow::mayClose(CORVChildWindow* pWindow)
         return false;
     }
     if (m_pLock->isLocked() || m_pProcesses->isRunning()) {
-        if (asksToAbort(tr("An analysis is running. Abort it and close?"))) {
+        if (confirms(tr("An analysis is running. Abort it and close?"))) {
             m_toClose.append(pWindow);
             orv::requestAbort();
             closeAfterRun();
@@ -275,7 +276,20 @@ bool MainWindow::mayClose(CORVChildWindow* pWindow)
         return false;
     }
     const bool bTold = pSequenceWindow != nullptr && pSequenceWindow->sequence() == m_pPalette->told();
-    return !bTold || m_pPlugin->askToSave();
+    return !bTold || mayLeaveResult();
+}
+
+// Whether it was kept only the log tells.
+bool MainWindow::mayLeaveResult()
+{
+    m_pFeed->flush();
+    m_strLastError.clear();
+    if (!m_pPlugin->askToSave()) {
+        return false;
+    }
+    m_pFeed->flush();
+    return m_strLastError.isEmpty() ||
+           confirms(tr("The result was not saved: %1\n\nClose the sequence all the same?").arg(m_strLastError));
 }
 
 // Once nothing runs any more, and the tool has come to the end of its work on the stack below.

@@ -127,7 +127,7 @@ void MainWindow::closeEvent(QCloseEvent* pEvent)
         return;
     }
     if (m_pLock->isLocked() || m_pProcesses->isRunning()) {
-        if (asksToAbort(tr("An analysis is running. Abort it and quit?"))) {
+        if (confirms(tr("An analysis is running. Abort it and quit?"))) {
             m_toClose.append(this);
             orv::requestAbort();
             closeAfterRun();

@@ -3,6 +3,7 @@
 // goes back finds everything open.
 #include "MainWindowFixture.h"
 
+#include "host/CORVLog.h"
 #include "host/CORVMessageBox.h"
 #include "host/CORVSequenceWindow.h"
 
@@ -48,6 +49,10 @@ protected:
             ++m_nAsked;
             m_nOpenWhenAsked = m_pWindow->documents().sequences().size();
             CORVMessageBox::setCancelClicked(m_bGoesBack);
+            if (m_bFails) {
+                CORVLog::getLogObject()->log("Failed to create the folder.", QString(), 0, QString(), CORVLOG_ERROR,
+                                             false);
+            }
         };
         if (bMapInFront) {
             ESTATUS status = ESTATUS_FAILURE;
@@ -68,6 +73,7 @@ protected:
     }
 
     bool m_bGoesBack = false;
+    bool m_bFails = false; // to save it
     int m_nAsked = 0;
     int m_nOpenWhenAsked = 0;
 };
@@ -108,6 +114,21 @@ TEST_P(LeavingTest, AMapInFrontDoesNotHideTheQuestion)
     EXPECT_GE(m_nAsked, 1);
     EXPECT_EQ(removed(), 0);
     EXPECT_EQ(m_pWindow->documents().sequences().size(), 2);
+}
+
+TEST_P(LeavingTest, AResultThatCouldNotBeSavedIsNotLostInSilence)
+{
+    open(false);
+    m_bFails = true;
+    m_script.m_nAnswer = CORVMessageBox::NoButtonAnswer;
+    leave();
+    EXPECT_EQ(m_script.m_asked, QStringList("The result was not saved: Failed to create the folder.\n\n"
+                                            "Close the sequence all the same?"));
+    EXPECT_EQ(removed(), 0);
+    EXPECT_EQ(m_pWindow->documents().count(), 2);
+    m_script.m_nAnswer = CORVMessageBox::YesButton;
+    leave();
+    EXPECT_EQ(removed(), GetParam().sequences);
 }
 
 INSTANTIATE_TEST_SUITE_P(
