@@ -49,6 +49,8 @@ SpumKyvoConsoleWnd::SpumKyvoConsoleWnd(QWidget* pParent) : QDialog(pParent)
 
 SpumKyvoConsoleWnd::~SpumKyvoConsoleWnd()
 {
+    // The window is hidden once its members are gone, and views then tell that the pointer has left them.
+    m_pImageCubeView->disconnect(this);
     // Its tags are members and die before it.
     m_pDistributionView->disconnect(this);
     m_pDistributionView->removeAllImages();

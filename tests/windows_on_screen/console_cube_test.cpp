@@ -198,6 +198,19 @@ TEST_F(ConsoleCubeTest, WhoPaintsIsToldTheSizeOfTheRegion)
     EXPECT_EQ(tips.last(), "");
 }
 
+TEST_F(ConsoleCubeTest, AWindowThatDiesUnderThePointerTellsNothing)
+{
+    openCube();
+    QCursor::setPos(m_pConsole->m_pImageCubeView->mapToGlobal(at(5, 5).toPoint()));
+    m_pConsole->m_pAddSpectrum->click();
+    moveTo(5, 5);
+    ASSERT_TRUE(QTest::qWaitFor([this] { return m_pConsole->m_pImageCubeView->underMouse(); }));
+    const StatusTips tips(m_window);
+    delete m_pConsole;
+    m_pConsole = nullptr;
+    EXPECT_TRUE(tips.m_told.isEmpty());
+}
+
 TEST_F(ConsoleCubeTest, InAScanTheFirstSpotCounts)
 {
     openCube(0, 3);
