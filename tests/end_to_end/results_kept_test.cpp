@@ -12,7 +12,7 @@ protected:
     void SetUp() override
     {
         WorkbenchFixture::SetUp();
-        m_strSequence = copyOf(simulated::sequence({"--size", "128"}), "a mouse");
+        m_strSequence = copyOf(simulated::sequence("sequence of its own", {"--size", "128"}), "a mouse");
     }
 
     // Starts on the sequence and unmixes it.
@@ -80,7 +80,7 @@ TEST_F(ResultsKeptTest, QuittingAsksAboutAResultThatIsNotSaved)
     program().call({{"do", "close"}, {"widget", "mainWindow"}});
     ASSERT_TRUE(program().waitFor(".QMessageBox"));
     EXPECT_EQ(program().state(".QMessageBox")["message"].toString().toStdString(),
-              "Save Spectral Unmixing results for sequence [sequence 0]?");
+              "Save Spectral Unmixing results for sequence [sequence of its own]?");
     program().picture("end_to_end/quit_unsaved.png");
     program().click(".QMessageBox/.QPushButton[Yes]");
     ASSERT_TRUE(program().waitUntilEnded([] {}));
