@@ -26,6 +26,7 @@
 #include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QScreen>
 #include <QSignalBlocker>
 #include <QTableView>
 #include <QVBoxLayout>
@@ -35,6 +36,7 @@
 namespace {
 
 constexpr long kWarning = 2;
+constexpr int kTitleBar = 32;
 
 // A number above 0; nothing and false for another text that is not empty.
 bool positiveOf(const QLineEdit& edit, std::optional<double>* pValue)
@@ -74,7 +76,8 @@ ImportDialog::ImportDialog(const QStringList& paths, QWidget* pParent)
     pLayout->addWidget(m_pConfirmBox);
     pLayout->addWidget(makeOptions());
     pLayout->addWidget(makeFoot());
-    resize(860, 640);
+    const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+    resize(QSize(860, 640).boundedTo(screen.size() - QSize(0, kTitleBar)));
     connectControls();
     takeSource(ImportSource::of(paths));
     m_pFolderButton->setFocus();

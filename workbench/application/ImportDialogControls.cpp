@@ -22,6 +22,7 @@
 namespace {
 
 constexpr int kMessageLines = 4;
+constexpr int kKindLetters = 15;
 
 } // namespace
 
@@ -50,6 +51,9 @@ void ImportDialog::makeControls()
     m_pImportButton = new QPushButton(tr("&Import"), this);
     m_pCancelButton = new QPushButton(tr("Cancel"), this);
     m_pKindBox->addItems(ImportTable::kindTexts());
+    // On a small screen a long one is cut; its list shows all of it.
+    m_pKindBox->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    m_pKindBox->setMinimumContentsLength(kKindLetters);
     m_pSourceEdit->setReadOnly(true);
     m_pSummaryLabel->setTextFormat(Qt::PlainText);
     m_pMessages->setReadOnly(true);

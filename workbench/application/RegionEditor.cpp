@@ -5,6 +5,7 @@
 #include "platform/orvwidgets/viewOverlays.h"
 
 #include <QFont>
+#include <QFontMetricsF>
 #include <QPainter>
 #include <QPolygonF>
 
@@ -202,7 +203,9 @@ void RegionEditor::paint(QPainter& painter, const QRectF& shown) const
         }
         QFont font = painter.font();
         font.setBold(chosen);
-        orvwidgets::paintOutlinedText(painter, place.topLeft() + QPointF(2.0, -4.0), region.name.simplified(), font,
+        // Above the region, or in it where that is beyond the view.
+        const double baseline = std::max(place.top() - 4.0, QFontMetricsF(font).ascent() + 2.0);
+        orvwidgets::paintOutlinedText(painter, QPointF(place.left() + 2.0, baseline), region.name.simplified(), font,
                                       Qt::white);
     }
     if (dragging && m_bNew) {

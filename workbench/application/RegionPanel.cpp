@@ -17,10 +17,13 @@
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QScrollBar>
 #include <QSignalBlocker>
 #include <QTableWidget>
 #include <QToolButton>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 using orvwidgets::ViewIcon;
 
@@ -88,7 +91,6 @@ void RegionPanel::makeTable()
     m_pTable->verticalHeader()->hide();
     m_pTable->verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 8);
     m_pTable->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
-    m_pTable->setFixedHeight((kRowsShown + 2) * (fontMetrics().height() + 8));
     m_pTable->installEventFilter(this);
     connect(m_pTable, &QTableWidget::itemSelectionChanged, this, [this] {
         const bool chosen = !m_pTable->selectedItems().isEmpty();
@@ -234,6 +236,10 @@ void RegionPanel::fill()
             m_pTable->setItem(row, column, pItem);
         }
     }
+    // No higher than its rows; more than a few scroll.
+    const int rows = std::min(all.size(), kRowsShown) + 1;
+    m_pTable->setFixedHeight(rows * m_pTable->verticalHeader()->defaultSectionSize() +
+                             m_pTable->horizontalScrollBar()->sizeHint().height() + 2 * m_pTable->frameWidth());
     m_pTable->setVisible(!all.isEmpty());
     m_pRemoveButton->setEnabled(chosen >= 0 && chosen < all.size());
     m_pCopyButton->setEnabled(!all.isEmpty());

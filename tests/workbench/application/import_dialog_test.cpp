@@ -308,6 +308,24 @@ TEST_F(ImportDialogTest, LooksInADarkPaletteAndEmpty)
     QApplication::setPalette(before);
 }
 
+// 1600 x 1200 at two pixels for one, with room for a title.
+TEST_F(ImportDialogTest, FitsASmallScreenWithAllThatItMayShow)
+{
+    writeImage("t1.tif", 100);
+    writeImage("t2.tif", 100);
+    open();
+    child<QLineEdit>("m_pOutputEdit").setText(m_folder.path());
+    ASSERT_TRUE(child<QCheckBox>("m_pConfirmBox").isVisible());
+    ASSERT_TRUE(child<QCheckBox>("m_pReplaceBox").isVisible());
+    QApplication::processEvents();
+    EXPECT_LE(m_pDialog->minimumSizeHint().width(), 800);
+    EXPECT_LE(m_pDialog->minimumSizeHint().height(), 568);
+    m_pDialog->resize(800, 568);
+    look::keep(*m_pDialog, "import_small");
+    EXPECT_EQ(m_pDialog->size(), QSize(800, 568));
+    EXPECT_GE(child<QTableView>("m_pTableView").height(), 100);
+}
+
 TEST_F(ImportDialogTest, EveryControlHasANameAndNoneIsTheDefault)
 {
     writeNamed();
