@@ -82,6 +82,8 @@ SpUnmixCompositeWnd::SpUnmixCompositeWnd(QWidget* pParent) : QDialog(pParent)
 
 SpUnmixCompositeWnd::~SpUnmixCompositeWnd()
 {
+    // It outlives the members, and is left by the pointer on its way.
+    m_pView->disconnect(this);
     qDeleteAll(m_channels);
     delete m_pToolbarFrame;
 }

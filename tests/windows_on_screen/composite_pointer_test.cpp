@@ -5,6 +5,8 @@
 
 #include "support/pointer.h"
 
+#include <QCursor>
+
 namespace {
 
 class CompositePointerTest : public CompositeWindowTest
@@ -59,6 +61,26 @@ TEST_F(CompositePointerTest, TellsTheSpotThatIsShown)
     m_window.m_pSpotSpinBox->setValue(2);
     point(300.0, 300.0);
     EXPECT_EQ(m_tips.last(), "Cy5   x 1, y 1: 8 counts");
+}
+
+// A window that goes hides its view, which is left by the pointer then.
+TEST(CompositeEndTest, TheWindowMayGoWhileThePointerIsOverItsView)
+{
+    QWidget around;
+    around.resize(900, 640);
+    auto* pWindow = new SpUnmixCompositeWnd;
+    pWindow->setParent(&around, Qt::Widget);
+    pWindow->setGeometry(around.rect());
+    CILImage photo = constantImage(480, 480, 50.0);
+    pWindow->setCompositeData(&photo, mapsOf({{0.0, 40.0, 60.0, 100.0}}), 0, {}, 2, 2, {namedChannel("Cy5", "red")}, 1);
+    screen::show(around);
+    StatusTips tips(around);
+    QCursor::setPos(pWindow->m_pView->mapToGlobal(pWindow->m_pView->rect().center()));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return tips.last().startsWith("Cy5"); })) << qPrintable(tips.last());
+    const int nTold = tips.m_told.size();
+    delete pWindow;
+    QApplication::processEvents();
+    EXPECT_EQ(tips.m_told.size(), nTold);
 }
 
 TEST_F(CompositePointerTest, WithoutDataNothingIsTold)
