@@ -410,6 +410,7 @@ void DatasetWindow::showRegions()
     if (m_pImage->hasUnit()) {
         m_pRegions->measure(m_pImage->unit());
     }
+    m_pRegions->setEnabled(!m_pImage->image().isEmpty());
     m_pView->regions().setImage(m_pImage->size(), m_pImage->image().m_fBinning);
     m_pView->regions().setRegions(m_pRegions->regions());
 }

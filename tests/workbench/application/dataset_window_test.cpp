@@ -245,6 +245,7 @@ TEST_F(DatasetWindowTest, AnImageThatCannotBeReadTellsWhyInItsPlace)
     show(&empty);
     EXPECT_TRUE(view().picture().isNull());
     EXPECT_TRUE(view().accessibleDescription().contains("there is no luminescent image"));
+    EXPECT_FALSE(child<QToolButton>("m_pDrawRectangleButton").isEnabled());
     look::keep(*m_pWindow, "dataset_none");
     m_pWindow.reset();
 }
