@@ -11,6 +11,7 @@
 #include "platform/orvutils/MessageResponder.h"
 
 #include <QAbstractButton>
+#include <QApplication>
 #include <QComboBox>
 #include <QMainWindow>
 #include <QMdiArea>
