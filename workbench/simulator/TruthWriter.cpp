@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "workbench/simulator/TruthWriter.h"
 
+#include "XTNT/xtnt_parallel.h"
 #include "files/AtomicFile.h"
 #include "platform/orvimage/TiffIo.h"
 #include "services/basis/TruthFiles.h"
@@ -74,6 +75,7 @@ std::vector<double> unitsOf(const Truth& truth, tag_edisplayunit eUnit)
 
 bool writeMap(const Truth& truth, std::vector<double> map, const QString& strPath, QString* pError)
 {
+    XTNT::cancellationPoint();
     CILImage image = exactImage(map, truth.model.size);
     image.m_fBinning = static_cast<float>(truth.options.binning);
     if (!image.isEmpty()) {

@@ -9,6 +9,7 @@
 #include <array>
 #include <cfloat>
 #include <cmath>
+#include <stdexcept>
 
 namespace {
 
@@ -439,4 +440,21 @@ TEST(SimulateTest, FoodThatTheFiltersMissIsLeftOut)
     mustSimulate(folder.path(QStringLiteral("seq")), options);
     const ReadTruth truth(folder.path(QStringLiteral("seq")), DISPLAYUNIT_COUNTS);
     EXPECT_EQ(truth.names, (QStringList{QStringLiteral("TissueAF"), QStringLiteral("ICG")}));
+}
+
+TEST(SimulateTest, WorkThatIsToEndGoesNotOnToTheLastMapOfTheTruth)
+{
+    SimulationFolder folder;
+    QString doing;
+    const auto progress = [&doing](double, const QString& strMessage) {
+        doing = strMessage;
+        return true;
+    };
+    const XTNT::CancellationCheck check([&doing] {
+        if (doing == QStringLiteral("writing the truth")) {
+            throw std::runtime_error("ended");
+        }
+    });
+    EXPECT_THROW(simulate(folder.path(QStringLiteral("seq")), smallOptions(), progress, nullptr), std::runtime_error);
+    EXPECT_TRUE(folder.entries().isEmpty());
 }
