@@ -105,6 +105,7 @@ void CORVSpumKyvoPalette::connectControls()
     connect(m_pLoadButton, &QPushButton::clicked, this, &CORVSpumKyvoPalette::onClickLoadResults);
     connect(m_pDeleteButton, &QPushButton::clicked, this, &CORVSpumKyvoPalette::onClickDeleteResults);
     connect(m_pSaveButton, &QPushButton::clicked, this, &CORVSpumKyvoPalette::onClickSaveResults);
+    connect(m_pReportButton, &QPushButton::clicked, this, &CORVSpumKyvoPalette::writeReport);
     connect(tabWidget1, &QTabWidget::currentChanged, this, &CORVSpumKyvoPalette::onTabChange);
     connect(m_pSavedResultsCB, &QComboBox::editTextChanged, this, &CORVSpumKyvoPalette::onChangeResultsName);
     connect(m_pWaveLengthTable->horizontalHeader(), &QHeaderView::sectionClicked, this,

@@ -178,6 +178,8 @@ private:
     QStringList resultTitles() const;
     QVector<QStringList> resultRows(bool bSelectedOnly) const;
     QImage pictureOfTab(const QString& strTabName) const;
+    // Asks for a folder and writes the files of the result on screen into it, a page for a browser among them.
+    void writeReport();
 
     bool m_bBinningChanged = false;
     CORVSpumKyvo* m_pEngine = nullptr;

@@ -4,6 +4,8 @@
 
 #include "plugin/AnalysisSetup.h"
 #include "plugin/ComboResultsList.h"
+#include "plugin/HeldOpen.h"
+#include "plugin/resultReport.h"
 #include "plugin/resultsTableText.h"
 #include "plugin/sequenceWindows.h"
 
@@ -34,16 +36,6 @@
 #include <QTreeWidgetItemIterator>
 
 namespace {
-
-// The host does not close while the user chooses a file.
-class HeldOpen
-{
-public:
-    HeldOpen() { CORVUtilityFns::setCanClose(false); }
-    ~HeldOpen() { CORVUtilityFns::setCanClose(true); }
-    HeldOpen(const HeldOpen&) = delete;
-    HeldOpen& operator=(const HeldOpen&) = delete;
-};
 
 QStringList textsOf(const QTreeWidgetItem& item)
 {
@@ -126,6 +118,7 @@ void CORVSpumKyvoPalette::fillResultsTree()
     m_pSPUnResultsLV->clear();
     if (m_pEngine == nullptr) {
         m_pResultsTab->setHasResult(false);
+        m_pReportButton->setEnabled(false);
         return;
     }
     for (const auto& property : qAsConst(m_pEngine->m_properties)) {
@@ -136,12 +129,14 @@ void CORVSpumKyvoPalette::fillResultsTree()
     m_pSPUnResultsLV->resizeColumnToContents(0);
     m_pSPUnResultsLV->scrollToItem(m_pSPUnResultsLV->topLevelItem(0));
     m_pResultsTab->setHasResult(m_pSPUnResultsLV->topLevelItemCount() > 0);
+    m_pReportButton->setEnabled(m_pSPUnResultsLV->topLevelItemCount() > 0);
 }
 
 void CORVSpumKyvoPalette::clearResultsTree()
 {
     m_pSPUnResultsLV->clear();
     m_pResultsTab->setHasResult(false);
+    m_pReportButton->setEnabled(false);
 }
 
 void CORVSpumKyvoPalette::makeResultsMenu()
@@ -231,6 +226,36 @@ void CORVSpumKyvoPalette::exportSpUnmixResults()
             return;
         }
     }
+}
+
+void CORVSpumKyvoPalette::writeReport()
+{
+    const CORVSequenceDataset* pSequence =
+        m_pEngine != nullptr ? CORVSequenceDataset::getSequenceDataset(m_pEngine->m_strSeqId) : nullptr;
+    if (pSequence == nullptr || m_pRunning != nullptr) {
+        return;
+    }
+    const QPointer<CORVSpumKyvo> pEngine(m_pEngine);
+    QString strFolder;
+    {
+        const HeldOpen held;
+        strFolder = CORVFileDialog::getSaveFileName(this, tr("Write Report into a New Folder"),
+                                                    resultReport::proposedFolder(*pSequence), QString());
+    }
+    // Whatever was opened, closed or started while the dialog stood there. The engine goes with its sequence.
+    if (strFolder.isEmpty() || pEngine.isNull() || pEngine != m_pEngine || m_pRunning != nullptr) {
+        return;
+    }
+    CORVUtilityFns::setCursor(Qt::WaitCursor);
+    const QString strReason =
+        resultReport::write(*pEngine, pSequence->getSequenceName(), pEngine->resultView().getNote(),
+                            pictureOfTab(QStringLiteral("Composite")), strFolder);
+    CORVUtilityFns::restoreCursor();
+    if (!strReason.isEmpty()) {
+        CORVMessageBox::error(this, CORVUtilityFns::getAppName(), strReason);
+        return;
+    }
+    logLine(tr("The report is in %1").arg(strFolder + QStringLiteral("/report.html")), CORVLOG_NOTE);
 }
 
 // A file that cannot be written is told in the log alone.

@@ -29,12 +29,7 @@ int unitOf(const SavedDocument& document)
 // old file are shown as stored, whatever their size.
 void checkMaps(const CORVSpumKyvo& engine, const QString& strName)
 {
-    const auto& data = engine.m_cube.m_data;
-    const auto& maps = engine.m_concentrations;
-    const auto& spectra = engine.m_spectra;
-    const int components = engine.m_spectrumPlots.size();
-    if (components == 0 || maps.num_rows() < components || maps.num_rows() != spectra.num_rows() ||
-        data.num_rows() == 0 || maps.num_cols() != data.num_rows() || spectra.num_cols() != data.num_cols()) {
+    if (!hasMapsOfItsImages(engine)) {
         throw Failure(
             QStringLiteral("the result \"%1\" has no maps: its images, its mask or its maps do not go with the images "
                            "of the sequence")

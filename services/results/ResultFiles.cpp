@@ -178,7 +178,8 @@ void ResultFiles::writeOverview()
 
 void ResultFiles::writeComposites()
 {
-    for (const CompositeFile& file : compositeFilesOf(m_engine)) {
+    const QList<CompositeFile> composites = m_composites ? *m_composites : compositeFilesOf(m_engine);
+    for (const CompositeFile& file : composites) {
         const QByteArray png = orvimage::pngBytes(file.picture);
         put(file.name, png);
         if (m_frame.composites.size() < reportedComposites) {

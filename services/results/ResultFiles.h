@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "services/pictures/ResultComposite.h"
 #include "services/results/ResultFacts.h"
 #include "services/results/ResultNumbers.h"
 #include "services/results/ResultReport.h"
@@ -12,6 +13,7 @@
 #include <QStringList>
 
 #include <functional>
+#include <optional>
 
 class CORVSpumKyvo;
 
@@ -27,6 +29,9 @@ public:
     // A report (report.html, with `bPdf` report.pdf too) is written with the other files. Its maps are those of the
     // result.
     void setReport(const ReportFrame& frame, bool bPdf);
+
+    // Composites as a window shows them, instead of those that come of the engine's own view.
+    void setComposites(const QList<CompositeFile>& composites) { m_composites = composites; }
 
     // Calls `step(fraction)` between files, which may throw to stop, and passes cancellation points. Throws Failure
     // when a file cannot be written.
@@ -54,6 +59,7 @@ private:
     QString m_strFolder;
     QStringList m_files;
     QList<QImage> m_pictures; // of the overview
+    std::optional<QList<CompositeFile>> m_composites;
     bool m_bReport = false;
     bool m_bPdf = false;
     ReportFrame m_frame;

@@ -4,6 +4,16 @@
 #include "engine/CORVSpumKyvo.h"
 #include "services/results/FitStatistics.h"
 
+bool hasMapsOfItsImages(const CORVSpumKyvo& engine)
+{
+    const auto& data = engine.m_cube.m_data;
+    const auto& maps = engine.m_concentrations;
+    const auto& spectra = engine.m_spectra;
+    const int components = engine.m_spectrumPlots.size();
+    return components > 0 && maps.num_rows() >= components && maps.num_rows() == spectra.num_rows() &&
+           data.num_rows() > 0 && maps.num_cols() == data.num_rows() && spectra.num_cols() == data.num_cols();
+}
+
 ResultNumbers numbersOfResult(const CORVSpumKyvo& engine, const QString& strTruthFolder)
 {
     const auto& data = engine.m_cube.m_data;

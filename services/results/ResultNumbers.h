@@ -21,6 +21,10 @@ struct ResultNumbers
     AutomaticRunFacts facts; // of an automatic run
 };
 
-// Those of the engine's present result but for the time; `strTruthFolder` holds the truth of its unit, and is empty
-// without one.
+// Whether the engine has maps and spectra that go with its cube. A loaded result may have none: its mask or its
+// selection need not go with the images.
+bool hasMapsOfItsImages(const CORVSpumKyvo& engine);
+
+// Those of the engine's present result, which has such maps, but for the time; `strTruthFolder` holds the truth of its
+// unit, and is empty without one.
 ResultNumbers numbersOfResult(const CORVSpumKyvo& engine, const QString& strTruthFolder);

@@ -5,9 +5,11 @@
 
 #include <QAbstractButton>
 #include <QAbstractScrollArea>
+#include <QAbstractSpinBox>
 #include <QComboBox>
 #include <QGroupBox>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMdiSubWindow>
 #include <QStyle>
 #include <QStyleOptionComboBox>
@@ -65,6 +67,10 @@ bool hasTooLittleRoom(const QWidget& widget)
         // A swatch tells the colour by itself.
         return pCombo->itemIcon(pCombo->currentIndex()).isNull() &&
                pCombo->fontMetrics().horizontalAdvance(pCombo->currentText()) > field.width();
+    }
+    if (const auto* pSpin = qobject_cast<const QAbstractSpinBox*>(&widget)) {
+        const auto* pEdit = pSpin->findChild<const QLineEdit*>();
+        return pEdit != nullptr && pEdit->fontMetrics().horizontalAdvance(pEdit->text()) > pEdit->width();
     }
     if (const auto* pGroup = qobject_cast<const QGroupBox*>(&widget)) {
         return pGroup->fontMetrics().size(Qt::TextShowMnemonic, pGroup->title()).width() > pGroup->width();

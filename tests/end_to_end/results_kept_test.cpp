@@ -4,6 +4,10 @@
 #include "end_to_end/savedDocument.h"
 #include "support/simulated.h"
 
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
 namespace {
 
 class ResultsKeptTest : public WorkbenchFixture
@@ -117,6 +121,37 @@ TEST_F(ResultsKeptTest, ARenamedAndADeletedResultAreSoForTheCommandLine)
     }
     EXPECT_TRUE(program().waitUntil([&] { return savedDocument(m_strSequence).isEmpty(); }));
     EXPECT_FALSE(runSpum({"results", "list", m_strSequence}).contains("second"));
+}
+
+TEST_F(ResultsKeptTest, TheReportHasTheNumbersAndMapsOfTheCommandLine)
+{
+    unmix();
+    const QStringList components = rowNames();
+    ASSERT_TRUE(program().click("m_pReportButton"));
+    ASSERT_TRUE(program().waitFor("fileNameEdit"));
+    EXPECT_EQ(text("fileNameEdit").toStdString(), "unmixed");
+    program().key("Return", "fileNameEdit");
+    const QString strReport = m_strSequence + "/unmixed";
+    ASSERT_TRUE(program().waitUntil([&] { return QFile::exists(strReport + "/report.html"); }));
+    EXPECT_GT(QFileInfo(strReport + "/composite.png").size(), 1000);
+
+    const QString strByCommand = m_work.filePath("by command");
+    runSpum({"unmix", m_strSequence, "--components", components.join(','), "--out", strByCommand});
+    int nMaps = 0;
+    for (const QString& strName : QDir(strByCommand).entryList({"*.tif", "spectra.csv", "properties.csv"})) {
+        QFile here(strByCommand + '/' + strName);
+        QFile there(strReport + '/' + strName);
+        ASSERT_TRUE(here.open(QIODevice::ReadOnly) && there.open(QIODevice::ReadOnly)) << strName.toStdString();
+        EXPECT_TRUE(here.readAll() == there.readAll()) << strName.toStdString();
+        ++nMaps;
+    }
+    EXPECT_EQ(nMaps, components.size() + 2);
+    // The name that is proposed next is free.
+    program().click("m_pReportButton");
+    ASSERT_TRUE(program().waitFor("fileNameEdit"));
+    EXPECT_EQ(text("fileNameEdit").toStdString(), "unmixed-2");
+    program().key("Esc", "fileNameEdit");
+    EXPECT_TRUE(program().waitUntil([&] { return isEnabled("m_pReportButton"); }));
 }
 
 } // namespace

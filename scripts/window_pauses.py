@@ -1,0 +1,155 @@
+#!/usr/bin/env python3
+# SPDX-License-Identifier: GPL-3.0-or-later
+"""usage: scripts/with-xvfb.sh scripts/window_pauses.py BUILD FOLDER
+
+Goes from a sequence to maps in the window of the build folder BUILD, for 24 images of 1024 x 1024 and for a scan of 25
+spots, both simulated below FOLDER where they are missing, and prints the longest pauses of the event loop in each
+stage, the way from an abort until the panel is back, and the memory of the process, as markdown."""
+import os
+import subprocess
+import sys
+import tempfile
+import time
+
+sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
+import drive
+
+
+class Window:
+    def __init__(self, build, sequence):
+        self.path = os.path.join(tempfile.mkdtemp(), 'socket')
+        home = os.path.dirname(self.path)
+        for name in ('CONFIG', 'DATA', 'CACHE'):
+            os.environ[f'XDG_{name}_HOME'] = os.path.join(home, name.lower())
+        if drive.start(self.path, [os.path.join(build, 'bin', 'spum-workbench'), sequence]):
+            sys.exit('the window does not start')
+        self.pid = int(subprocess.check_output(['pgrep', '-n', 'spum-workbench']))
+
+    def ask(self, do, widget=None, **words):
+        words['do'] = do
+        if widget:
+            words['widget'] = widget
+        return drive.ask(self.path, words)
+
+    def until(self, holds, seconds=120.0, pause=0.02):
+        end = time.monotonic() + seconds
+        while not holds():
+            if time.monotonic() > end:
+                sys.exit('the window does not come so far')
+            time.sleep(pause)
+
+    def shows(self, widget):
+        return self.ask('find', widget).get('visible', False)
+
+    def longest(self):
+        self.ask('quiet', ms=100)
+        return max(self.ask('stalls')['ms'] or [0])
+
+    def megabytes(self):
+        with open(f'/proc/{self.pid}/status', encoding='ascii') as status:
+            return next(int(line.split()[1]) // 1024 for line in status if line.startswith('VmRSS'))
+
+    def open_wizard(self):
+        self.until(lambda: self.shows('m_pWaveLengthTable/.QCheckBox'))
+        self.ask('tab', 'tabWidget1', text='Analyze')
+        self.ask('choose', 'm_pUnmixingMethodsCMB', text='Automatic')
+        self.until(lambda: self.ask('find', 'm_pUnmixingMethodsCMB')['text'] == 'Automatic')
+        self.longest()
+        self.ask('click', 'm_pUnmixSpectraButton')
+        self.until(lambda: self.shows('SpUnmixWizardWnd') or self.shows('.QMessageBox'))
+        if self.shows('.QMessageBox'):
+            self.ask('click', '.QMessageBox/.QPushButton[No]')
+            self.until(lambda: self.shows('SpUnmixWizardWnd'))
+
+    def run(self):
+        """The longest pause while the engine works, and that of what follows."""
+        self.ask('stalls')
+        self.ask('click', 'qt_wizard_finish')
+        during = 0
+        last = 0
+        self.until(lambda: self.shows('abortButton') or self.shows('m_pSPUnResultsLV'))
+        while self.shows('abortButton'):
+            during = max(during, last)
+            last = max(self.ask('stalls')['ms'] or [0])
+            time.sleep(0.05)
+        self.until(lambda: self.shows('m_pSPUnResultsLV'))
+        return during, max(last, self.longest())
+
+    def end(self):
+        os.kill(self.pid, 9)
+
+
+def sequence(build, folder, options):
+    if not os.path.isdir(folder):
+        subprocess.check_call([os.path.join(build, 'bin', 'spum'), 'simulate', folder, '--quiet'] + options)
+    return folder
+
+
+def row(what, *values):
+    print('| ' + ' | '.join([what] + [str(value) for value in values]) + ' |', flush=True)
+
+
+def measure_mouse(build, folder):
+    window = Window(build, sequence(build, folder, ['--size', '1024', '--bands', '24']))
+    window.until(lambda: window.shows('m_pWaveLengthTable/.QCheckBox'))
+    row('opening, thumbnails', window.longest())
+    window.open_wizard()
+    row('the wizard opens', window.longest())
+    steps = []
+    for key in ['Up'] * 5 + ['Down'] * 5:
+        window.ask('key', 'm_pThresholdSpinBox', keys=key)
+        steps.append(window.longest())
+    row('a step of the threshold', max(steps))
+    during, after = window.run()
+    row('the run', during)
+    row('its end: maps, plots, tiles', after)
+    window.ask('click', 'm_pIndividualScaleCkB')
+    row('one scale for all', window.longest())
+    place = window.ask('find', 'm_pDataSpanSlider')['place']
+    steps = []
+    for step in range(8):
+        x = place[2] - 12 - 6 * step
+        window.ask('drag', 'm_pDataSpanSlider', **{'from': [x, place[3] // 2], 'to': [x - 6, place[3] // 2], 'steps': 1})
+        steps.append(window.longest())
+    row('a step of the scale', max(steps))
+    back = []
+    for attempt in range(6):
+        window.open_wizard()
+        window.ask('click', 'qt_wizard_finish')
+        window.until(lambda: window.shows('abortButton'))
+        time.sleep(0.08 * attempt)
+        begin = time.monotonic()
+        if not window.ask('click', 'abortButton')['ok']:
+            continue
+        window.until(lambda: not window.shows('abortButton') and window.ask('find', 'tabWidget1')['enabled'], pause=0.0)
+        back.append(round(1000.0 * (time.monotonic() - begin)))
+    row('from an abort until the panel is back, of %d' % len(back), max(back))
+    row('memory', f'{window.megabytes()} MB')
+    window.end()
+
+
+def measure_scan(build, folder):
+    window = Window(build, sequence(build, folder, ['--kind', 'transillumination', '--size', '1024', '--spots', '25']))
+    window.open_wizard()
+    before = window.megabytes()
+    during, after = window.run()
+    row('a scan of 25 spots: the run', during)
+    row('its end', after)
+    row('memory of its results', f'{window.megabytes() - before} MB')
+    window.end()
+
+
+def main(arguments):
+    if len(arguments) != 2:
+        sys.stderr.write(__doc__ + '\n')
+        return 2
+    build, folder = arguments
+    os.makedirs(folder, exist_ok=True)
+    print('| stage | longest pause in ms |\n|---|---|')
+    measure_mouse(build, os.path.join(folder, 'mouse'))
+    measure_scan(build, os.path.join(folder, 'scan'))
+    return 0
+
+
+if __name__ == '__main__':
+    sys.exit(main(sys.argv[1:]))
