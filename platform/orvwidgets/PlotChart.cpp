@@ -41,7 +41,7 @@ QString elided(const QString& strText, int nMost)
 } // namespace
 
 PlotChart::PlotChart(PlotView* pView, PlotLegend* pLegend, const QString& strTitle)
-    : m_pView(pView), m_pLegend(pLegend), m_pChart(new QChart), m_pX(new QValueAxis), m_pY(new QValueAxis),
+    : m_pView(pView), m_pLegend(pLegend), m_pChart(pView->chart()), m_pX(new QValueAxis), m_pY(new QValueAxis),
       m_strTitle(strTitle)
 {
     m_pChart->setMargins(QMargins(0, 0, 0, 0));
@@ -55,7 +55,6 @@ PlotChart::PlotChart(PlotView* pView, PlotLegend* pLegend, const QString& strTit
     m_pChart->addAxis(m_pX, Qt::AlignBottom);
     m_pChart->addAxis(m_pY, Qt::AlignLeft);
     m_pPower = new QGraphicsSimpleTextItem(m_pChart);
-    m_pView->setChart(m_pChart);
 
     m_pReadOut = new QLabel(m_pView);
     m_pReadOut->setObjectName(QStringLiteral("readOut"));

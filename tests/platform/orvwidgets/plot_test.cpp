@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/CORVGLXYPlot1.h"
+#include "platform/orvwidgets/PlotChart.h"
 #include "platform/orvwidgets/PlotLegend.h"
+#include "platform/orvwidgets/PlotView.h"
 
 #include <QAbstractAxis>
 #include <QChart>
@@ -70,6 +72,16 @@ protected:
 
     CORVGLXYPlot1 m_plot{nullptr, "Spectrum Plot"};
 };
+
+// A view hands a chart that it is to show no more to whoever gave it another.
+TEST_F(PlotTest, TheChartIsTheOneThatTheViewWasMadeWith)
+{
+    orv::PlotView view(nullptr);
+    const QChart* pChart = view.chart();
+    orv::PlotLegend legend(nullptr);
+    const orv::PlotChart chart(&view, &legend, QString());
+    EXPECT_EQ(view.chart(), pChart);
+}
 
 TEST_F(PlotTest, IsCheapUntilItIsWanted)
 {
