@@ -2,9 +2,11 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """usage: scripts/with-xvfb.sh scripts/window_pauses.py BUILD FOLDER
 
-Goes from a sequence to maps in the window of the build folder BUILD, for 24 images of 1024 x 1024 and for a scan of 25
+Goes from a sequence to maps in the window of the build folder BUILD, for 24 images of 1024 x 1024 and for a scan of 16
 spots, both simulated below FOLDER where they are missing, and prints the longest pauses of the event loop in each
 stage, the way from an abort until the panel is back, and the memory of the process, as markdown."""
+import contextlib
+import io
 import os
 import subprocess
 import sys
@@ -21,8 +23,9 @@ class Window:
         home = os.path.dirname(self.path)
         for name in ('CONFIG', 'DATA', 'CACHE'):
             os.environ[f'XDG_{name}_HOME'] = os.path.join(home, name.lower())
-        if drive.start(self.path, [os.path.join(build, 'bin', 'spum-workbench'), sequence]):
-            sys.exit('the window does not start')
+        with contextlib.redirect_stdout(io.StringIO()):
+            if drive.start(self.path, [os.path.join(build, 'bin', 'spum-workbench'), sequence]):
+                sys.exit('the window does not start')
         self.pid = int(subprocess.check_output(['pgrep', '-n', 'spum-workbench']))
 
     def ask(self, do, widget=None, **words):
@@ -50,30 +53,31 @@ class Window:
             return next(int(line.split()[1]) // 1024 for line in status if line.startswith('VmRSS'))
 
     def open_wizard(self):
-        self.until(lambda: self.shows('m_pWaveLengthTable/.QCheckBox'))
+        self.until(lambda: self.shows('tabWidget1'))
         self.ask('tab', 'tabWidget1', text='Analyze')
+        self.until(lambda: self.shows('m_pWaveLengthTable/.QCheckBox'))
         self.ask('choose', 'm_pUnmixingMethodsCMB', text='Automatic')
         self.until(lambda: self.ask('find', 'm_pUnmixingMethodsCMB')['text'] == 'Automatic')
         self.longest()
         self.ask('click', 'm_pUnmixSpectraButton')
-        self.until(lambda: self.shows('SpUnmixWizardWnd') or self.shows('.QMessageBox'))
-        if self.shows('.QMessageBox'):
-            self.ask('click', '.QMessageBox/.QPushButton[No]')
-            self.until(lambda: self.shows('SpUnmixWizardWnd'))
+        # A result may be asked about before it goes.
+        self.until(lambda: self.ask('click', '.QMessageBox/.QPushButton[No]') and self.shows('SpUnmixWizardWnd'))
+        self.until(lambda: self.ask('find', 'qt_wizard_finish').get('enabled'))
 
     def run(self):
-        """The longest pause while the engine works, and that of what follows."""
+        """The longest pause before the engine works, meanwhile, and in what follows."""
         self.ask('stalls')
         self.ask('click', 'qt_wizard_finish')
         during = 0
         last = 0
         self.until(lambda: self.shows('abortButton') or self.shows('m_pSPUnResultsLV'))
+        before = max(self.ask('stalls')['ms'] or [0])
         while self.shows('abortButton'):
             during = max(during, last)
             last = max(self.ask('stalls')['ms'] or [0])
             time.sleep(0.05)
         self.until(lambda: self.shows('m_pSPUnResultsLV'))
-        return during, max(last, self.longest())
+        return before, during, max(last, self.longest())
 
     def end(self):
         os.kill(self.pid, 9)
@@ -96,11 +100,12 @@ def measure_mouse(build, folder):
     window.open_wizard()
     row('the wizard opens', window.longest())
     steps = []
-    for key in ['Up'] * 5 + ['Down'] * 5:
-        window.ask('key', 'm_pThresholdSpinBox', keys=key)
+    for angle in [120] * 5 + [-120] * 5:
+        window.ask('wheel', 'm_pThresholdSlider', angle=angle)
         steps.append(window.longest())
     row('a step of the threshold', max(steps))
-    during, after = window.run()
+    before, during, after = window.run()
+    row('images and mask are taken', before)
     row('the run', during)
     row('its end: maps, plots, tiles', after)
     window.ask('click', 'm_pIndividualScaleCkB')
@@ -113,11 +118,12 @@ def measure_mouse(build, folder):
         steps.append(window.longest())
     row('a step of the scale', max(steps))
     back = []
-    for attempt in range(6):
+    for attempt in range(8):
         window.open_wizard()
+        window.longest()
         window.ask('click', 'qt_wizard_finish')
         window.until(lambda: window.shows('abortButton'))
-        time.sleep(0.08 * attempt)
+        time.sleep(0.04 * attempt)
         begin = time.monotonic()
         if not window.ask('click', 'abortButton')['ok']:
             continue
@@ -129,13 +135,14 @@ def measure_mouse(build, folder):
 
 
 def measure_scan(build, folder):
-    window = Window(build, sequence(build, folder, ['--kind', 'transillumination', '--size', '1024', '--spots', '25']))
+    window = Window(build, sequence(build, folder, ['--kind', 'transillumination', '--size', '1024', '--spots', '16']))
     window.open_wizard()
     before = window.megabytes()
-    during, after = window.run()
-    row('a scan of 25 spots: the run', during)
+    taken, during, after = window.run()
+    row('a scan of 16 spots: images and mask are taken', taken)
+    row('the run', during)
     row('its end', after)
-    row('memory of its results', f'{window.megabytes() - before} MB')
+    row('memory of its cube and results', f'{window.megabytes() - before} MB')
     window.end()
 
 
