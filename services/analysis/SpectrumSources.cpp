@@ -3,68 +3,31 @@
 
 #include "engine/CORVSpumKyvo.h"
 #include "engine/EngineEnums.h"
-#include "host/CORVDatabase.h"
 #include "host/CORVSequenceDataset.h"
 #include "services/basis/Failure.h"
 #include "services/basis/UnitNames.h"
 #include "services/session/LibrarySpectra.h"
 #include "services/session/OpenedSequence.h"
 #include "services/session/PairSelection.h"
+#include "services/session/SourceCurve.h"
 #include "spectra/DefaultColors.h"
 #include "spectra/SpectrumPlotParams.h"
 
-#include <QSet>
-
-#include <algorithm>
 #include <cmath>
 
 namespace {
 
-// The curve at a wavelength, linear between its entries and 0 outside.
-double valueAt(const sSourceSpecFileParameters& curve, double wavelength)
-{
-    if (curve.n < 1 || wavelength < curve.wavelength.first() || wavelength > curve.wavelength.last()) {
-        return 0.0;
-    }
-    const auto upper = std::lower_bound(curve.wavelength.begin(), curve.wavelength.end(), wavelength);
-    const auto i = static_cast<int>(upper - curve.wavelength.begin());
-    if (*upper == wavelength || i == 0) {
-        return curve.intensity[i];
-    }
-    const double t = (wavelength - curve.wavelength[i - 1]) / (curve.wavelength[i] - curve.wavelength[i - 1]);
-    return curve.intensity[i - 1] + t * (curve.intensity[i] - curve.intensity[i - 1]);
-}
-
-// A fluorescent or a luminescent source's curve; the suffix tells which.
-bool readCurve(const QString& strName, sSourceSpecFileParameters* pCurve)
-{
-    return CORVDatabase::readLIBSource(strName, pCurve) || CORVDatabase::readSource(strName, pCurve);
-}
-
-bool oneExcitation(const QList<KeyPair>& pairs)
-{
-    return std::all_of(pairs.begin(), pairs.end(),
-                       [&](const KeyPair& pair) { return pair.first == pairs.first().first; });
-}
-
 // The image's amount of the source at each pair, not normalised.
 XTNT::Vector<double> valuesOf(const QString& strName, const QList<KeyPair>& pairs)
 {
-    sSourceSpecFileParameters emission;
-    sSourceSpecFileParameters excitation;
-    if (!readCurve(strName + QStringLiteral("Em"), &emission)) {
+    const XTNT::Vector<double> values = SourceCurve::valuesAt(strName, pairs);
+    if (values.empty()) {
         throw Failure(QStringLiteral("the database has no source \"%1\" (sources carry no suffix here)").arg(strName));
     }
-    const bool hasExcitation = readCurve(strName + QStringLiteral("Ex"), &excitation);
-    if (!hasExcitation && !oneExcitation(pairs)) {
+    if (!SourceCurve::coversExcitations(strName, pairs)) {
         throw Failure(
             QStringLiteral("the database has no excitation curve of \"%1\", and the images have several excitations")
                 .arg(strName));
-    }
-    XTNT::Vector<double> values(pairs.size());
-    for (int j = 0; j < pairs.size(); ++j) {
-        values[j] = valueAt(emission, pairs[j].second.toDouble()) *
-                    (hasExcitation && !oneExcitation(pairs) ? valueAt(excitation, pairs[j].first.toDouble()) : 1.0);
     }
     return values;
 }

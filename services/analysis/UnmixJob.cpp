@@ -13,7 +13,9 @@
 #include "services/basis/JobMonitor.h"
 #include "services/basis/ModeNames.h"
 #include "services/results/ResultStore.h"
+#include "services/results/resultFindings.h"
 #include "services/session/LibrarySpectra.h"
+#include "services/warnings/runWarnings.h"
 #include "spectra/SpectrumPlotParams.h"
 #include "spectra/logLine.h"
 #include "windows/maskPixels.h"
@@ -34,7 +36,7 @@ constexpr double notKnown = -1.0;
 } // namespace
 
 UnmixJob::UnmixJob(const UnmixRequest& request, JobMonitor& monitor)
-    : m_request(request), m_monitor(monitor), m_setUp(request.analysis, monitor)
+    : m_request(request), m_monitor(monitor), m_setUp(request.analysis, m_monitor)
 {
 }
 
@@ -121,9 +123,6 @@ ReportFrame UnmixJob::reportFrame()
     ReportFrame frame;
     frame.sequenceName = m_setUp.opened().sequence().getSequenceName();
     frame.note = m_request.note;
-    if (isAutomatic() && m_numbers.facts.ending == MCREnding::IterationLimit) {
-        frame.warnings.append(QStringLiteral("Maximum iteration number is reached!"));
-    }
     frame.command = m_request.command;
     frame.made = QLocale::c().toString(QDateTime::currentDateTime(), QStringLiteral("yyyy-MM-dd hh:mm"));
     return frame;
@@ -212,7 +211,15 @@ void UnmixJob::fit(const QElapsedTimer& timer)
     m_numbers = numbersOfResult(engine, m_setUp.opened().truthFolder(engine.m_eUnit, corrected));
     m_numbers.seconds = seconds;
     m_numbers.automatic = isAutomatic();
-    if (isAutomatic() && m_numbers.facts.ending == MCREnding::IterationLimit) {
-        m_monitor.warn(QStringLiteral("Maximum iteration number is reached!"));
+    takeWarnings();
+}
+
+void UnmixJob::takeWarnings()
+{
+    RunFindings findings = findingsOfResult(m_setUp.engine(), m_setUp.opened().sequence(), isAutomatic(), m_numbers);
+    if (isAutomatic()) {
+        findings.askedNames = m_request.automatic.components;
     }
+    m_monitor.addAll(runWarnings(findings));
+    m_numbers.warnings = m_monitor.warnings();
 }

@@ -5,10 +5,10 @@
 #include "services/analysis/AutomaticRequest.h"
 #include "services/results/ResultFiles.h"
 #include "services/results/StagedRun.h"
+#include "services/warnings/WarningCollector.h"
 
 #include <QString>
 
-class JobMonitor;
 class QElapsedTimer;
 
 // What an unmixing is asked for.
@@ -35,6 +35,8 @@ public:
 
     // Throws Failure, also after an abort.
     RunAnswer run();
+    // After the run.
+    const QList<RunWarning>& warnings() const { return m_monitor.warnings(); }
 
 private:
     bool isAutomatic() const;
@@ -44,6 +46,7 @@ private:
     void takeIsotope();
     // The time is counted from the reading of the images on.
     void fit(const QElapsedTimer& timer);
+    void takeWarnings();
     ReportFrame reportFrame();
     void showPictures();
     void write(ResultFiles& files);
@@ -52,7 +55,7 @@ private:
     RunAnswer answer(const ResultFiles& files, const StagedRun& staged, const QString& strSaved);
 
     UnmixRequest m_request;
-    JobMonitor& m_monitor;
+    WarningCollector m_monitor;
     AnalysisSetUp m_setUp;
     ResultNumbers m_numbers;
 };

@@ -9,6 +9,7 @@
 #include "spectra/SpectrumPlotParams.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace {
 
@@ -34,6 +35,13 @@ QString endingText(MCREnding eEnding)
     return QStringLiteral("not run");
 }
 
+// The number of a component, where it is one.
+std::optional<double> knownOf(const std::vector<double>& values, std::size_t nComponent)
+{
+    return nComponent < values.size() && std::isfinite(values[nComponent]) ? std::optional<double>(values[nComponent])
+                                                                           : std::nullopt;
+}
+
 ComponentFacts componentOf(const CORVSpumKyvo& engine, const ResultNumbers& numbers, int nComponent, int nSpots)
 {
     const auto i = static_cast<std::size_t>(nComponent);
@@ -45,6 +53,9 @@ ComponentFacts componentOf(const CORVSpumKyvo& engine, const ResultNumbers& numb
     facts.share = numbers.shares[i];
     facts.maximum = engine.m_concentrations.row(nComponent).Max();
     facts.truth = numbers.truth[i];
+    facts.standardError = knownOf(numbers.standardErrors, i);
+    facts.amplification = knownOf(numbers.amplifications, i);
+    facts.knownCosine = knownOf(numbers.knownCosines, i);
     const auto& constraints = engine.m_lastParams.Constraints;
     if (numbers.automatic && nComponent < constraints.size()) {
         const ComponentConstraint& constraint = constraints[nComponent];
@@ -93,6 +104,12 @@ bool ResultFacts::hasHighPass() const
                        [](const ComponentFacts& c) { return c.highPass.has_value(); });
 }
 
+bool ResultFacts::hasKnownCosine() const
+{
+    return std::any_of(components.begin(), components.end(),
+                       [](const ComponentFacts& c) { return c.knownCosine.has_value(); });
+}
+
 ResultFacts factsOfResult(const CORVSpumKyvo& engine, const ResultNumbers& numbers)
 {
     ResultFacts facts;
@@ -107,6 +124,10 @@ ResultFacts factsOfResult(const CORVSpumKyvo& engine, const ResultNumbers& numbe
     facts.residual = numbers.residual;
     facts.explainedVariance = FitStatistics::explainedVariance(numbers.residual);
     facts.seconds = numbers.seconds;
+    facts.warnings = numbers.warnings;
+    if (std::isfinite(numbers.condition)) {
+        facts.condition = numbers.condition;
+    }
     for (int k = 0; k < engine.m_spectrumPlots.size(); ++k) {
         facts.components.append(componentOf(engine, numbers, k, facts.spots));
     }

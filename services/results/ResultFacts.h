@@ -3,6 +3,7 @@
 
 #include "services/results/NoiseEstimate.h"
 #include "services/results/TruthComparison.h"
+#include "services/warnings/RunWarning.h"
 
 #include <QList>
 #include <QPair>
@@ -23,6 +24,11 @@ struct ComponentFacts
     double maximum = 0.0;            // of its map
     std::optional<QString> highPass; // of an automatic run, where it was bound
     std::optional<bool> locked;      // of an automatic run
+    // Where it is known: of the map in a pixel, in its unit; times that the noise is larger than of a fit of this
+    // spectrum alone; cosine of the resolved spectrum with the known one of its name.
+    std::optional<double> standardError;
+    std::optional<double> amplification;
+    std::optional<double> knownCosine;
     TrueComparison truth;
 };
 
@@ -58,11 +64,14 @@ struct ResultFacts
     QList<ComponentFacts> components;
     QList<QPair<QString, QString>> properties;
     std::optional<AutomaticFacts> automatic;
+    std::optional<double> condition; // of the spectra, each scaled to length 1
+    QList<RunWarning> warnings;
 
     bool hasTruth() const;
     // Whether a component has another name than its true one.
     bool isRenamed() const;
     bool hasHighPass() const;
+    bool hasKnownCosine() const;
 };
 
 // Those of the engine's present result.

@@ -3,9 +3,11 @@
 
 #include "engine/AutomaticRunFacts.h"
 #include "services/results/TruthComparison.h"
+#include "services/warnings/RunWarning.h"
 
 #include <QString>
 
+#include <limits>
 #include <vector>
 
 class CORVSpumKyvo;
@@ -19,6 +21,12 @@ struct ResultNumbers
     double seconds = 0.0; // of the run
     bool automatic = false;
     AutomaticRunFacts facts; // of an automatic run
+    // What follows is known of a run that has just ended, each list a component; see findingsOfResult().
+    double condition = std::numeric_limits<double>::quiet_NaN(); // of the spectra, each scaled to length 1
+    std::vector<double> standardErrors;                          // of the map in a pixel, in its unit
+    std::vector<double> amplifications;                          // of the noise, see SpectraLikeness
+    std::vector<double> knownCosines;                            // of an automatic run; NaN: no source of that name
+    QList<RunWarning> warnings;
 };
 
 // Whether the engine has maps and spectra that go with its cube. A loaded result may have none: its mask or its

@@ -15,6 +15,7 @@
 #include <QPainter>
 #include <QRegularExpression>
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -100,11 +101,20 @@ ReportTable componentTable(const CORVSpumKyvo& engine, const ResultFacts& facts)
 {
     const bool truth = facts.hasTruth();
     const bool bound = facts.hasHighPass();
+    const bool named = facts.hasKnownCosine();
+    const bool errors = std::any_of(facts.components.begin(), facts.components.end(),
+                                    [](const ComponentFacts& c) { return c.standardError.has_value(); });
     ReportTable table;
     table.header = QStringList{QStringLiteral("Component"), QStringLiteral("Share of the signal"),
                                QStringLiteral("Largest value"), QStringLiteral("Peak")};
     if (bound) {
         table.header << QStringLiteral("High pass");
+    }
+    if (errors) {
+        table.header << QStringLiteral("Standard error");
+    }
+    if (named) {
+        table.header << QStringLiteral("Like its name");
     }
     if (truth) {
         table.header << QStringLiteral("Truth") << QStringLiteral("Cosine") << QStringLiteral("Correlation")
@@ -117,6 +127,12 @@ ReportTable componentTable(const CORVSpumKyvo& engine, const ResultFacts& facts)
                            peakOf(engine, i)};
         if (bound) {
             row << component.highPass.value_or(none);
+        }
+        if (errors) {
+            row << (component.standardError ? numberOf(*component.standardError, 3) : none);
+        }
+        if (named) {
+            row << (component.knownCosine ? numberOf(*component.knownCosine, 4) : none);
         }
         if (truth && component.truth.known) {
             row << component.truth.trueName << numberOf(component.truth.cosine, 5)
@@ -222,7 +238,7 @@ ReportContent contentOfReport(const CORVSpumKyvo& engine, const ResultFacts& fac
     content.title = engine.getAnalysisName();
     content.subtitle = frame.sequenceName;
     content.note = frame.note;
-    content.warnings = frame.warnings;
+    content.warnings = sentencesOf(facts.warnings);
     content.facts = factRows(facts);
     content.composites = frame.composites;
     content.maps = frame.maps;

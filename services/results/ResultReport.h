@@ -14,7 +14,6 @@ struct ReportFrame
 {
     QString sequenceName; // as shown
     QString note;
-    QStringList warnings;
     QString command; // that made the result
     QString made;    // date and time
     QList<ReportFigure> composites;

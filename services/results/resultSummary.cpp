@@ -13,6 +13,13 @@ namespace {
 
 constexpr int digitsOfCells = 9;
 
+void addKnown(const std::optional<double>& value, const char* pKey, QJsonObject& json)
+{
+    if (value) {
+        json.insert(QLatin1String(pKey), jsonNumber(*value));
+    }
+}
+
 QJsonObject componentJson(const ComponentFacts& facts)
 {
     QJsonObject json{{"name", facts.name},
@@ -26,6 +33,9 @@ QJsonObject componentJson(const ComponentFacts& facts)
     if (facts.locked) {
         json.insert(QStringLiteral("locked"), *facts.locked);
     }
+    addKnown(facts.standardError, "standardError", json);
+    addKnown(facts.amplification, "noiseAmplification", json);
+    addKnown(facts.knownCosine, "nameCosine", json);
     if (facts.truth.known) {
         json.insert(QStringLiteral("truthName"), facts.truth.trueName);
         json.insert(QStringLiteral("truthCosine"), jsonNumber(facts.truth.cosine));
@@ -67,6 +77,13 @@ QStringList cellsOf(const ComponentFacts& facts)
         row << QString() << QString() << QString() << QString();
     }
     return row;
+}
+
+QStringList cellsOfTrust(const ComponentFacts& facts, const QList<RunWarning>& warnings)
+{
+    const auto known = [](const std::optional<double>& value) { return value ? cell(*value) : QString(); };
+    return {known(facts.standardError), known(facts.amplification), known(facts.knownCosine),
+            codesOf(warnings).join(QLatin1Char(' '))};
 }
 
 QStringList cellsOfRun(const ResultFacts& facts)
@@ -138,8 +155,10 @@ QJsonObject resultJson(const ResultFacts& facts, const QStringList& files)
                      {"residual", jsonNumber(facts.residual)},
                      {"explainedVariance", jsonNumber(facts.explainedVariance)},
                      {"components", components},
+                     {"warnings", jsonOf(facts.warnings)},
                      {"properties", properties},
                      {"files", QJsonArray::fromStringList(files)}};
+    addKnown(facts.condition, "condition", json);
     if (facts.automatic) {
         addRun(*facts.automatic, json);
     }
@@ -148,20 +167,22 @@ QJsonObject resultJson(const ResultFacts& facts, const QStringList& files)
 
 QStringList resultCsvColumns()
 {
-    return {QStringLiteral("component"),   QStringLiteral("share"),
-            QStringLiteral("maximum"),     QStringLiteral("high pass"),
-            QStringLiteral("truth"),       QStringLiteral("cosine"),
-            QStringLiteral("correlation"), QStringLiteral("relative error"),
-            QStringLiteral("residual"),    QStringLiteral("explained variance"),
-            QStringLiteral("iterations"),  QStringLiteral("ending"),
-            QStringLiteral("lack of fit"), QStringLiteral("lack of fit denoised")};
+    return {QStringLiteral("component"),      QStringLiteral("share"),
+            QStringLiteral("maximum"),        QStringLiteral("high pass"),
+            QStringLiteral("truth"),          QStringLiteral("cosine"),
+            QStringLiteral("correlation"),    QStringLiteral("relative error"),
+            QStringLiteral("residual"),       QStringLiteral("explained variance"),
+            QStringLiteral("iterations"),     QStringLiteral("ending"),
+            QStringLiteral("lack of fit"),    QStringLiteral("lack of fit denoised"),
+            QStringLiteral("standard error"), QStringLiteral("noise amplification"),
+            QStringLiteral("name cosine"),    QStringLiteral("warning codes")};
 }
 
 QByteArray resultCsv(const ResultFacts& facts)
 {
     TextTable table(resultCsvColumns());
     for (const ComponentFacts& component : facts.components) {
-        table.addRow(cellsOf(component) + cellsOfRun(facts));
+        table.addRow(cellsOf(component) + cellsOfRun(facts) + cellsOfTrust(component, facts.warnings));
     }
     return table.toCsv().toUtf8();
 }

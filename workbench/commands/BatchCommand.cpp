@@ -15,6 +15,7 @@
 #include "services/batch/unmixMemory.h"
 #include "services/results/ResultReport.h"
 #include "services/session/LibrarySpectra.h"
+#include "services/warnings/strictFailure.h"
 #include "workbench/commands/BatchJobs.h"
 #include "workbench/commands/CliProgress.h"
 #include "workbench/commands/CliSession.h"
@@ -216,6 +217,7 @@ private:
     {
         TextTable failures({QStringLiteral("sequence"), QStringLiteral("message")});
         TextTable warnings({QStringLiteral("sequence"), QStringLiteral("warning")});
+        QList<RunWarning> all;
         for (const BatchEntry& entry : entries) {
             if (entry.state != BatchEntry::State::Done) {
                 failures.addRow({entry.job.name, entry.message});
@@ -224,6 +226,7 @@ private:
             for (const QString& warning : entry.warnings) {
                 warnings.addRow({entry.job.name, warning});
             }
+            all += warningsOfJson(entry.summary.value(QStringLiteral("warnings")).toArray());
         }
         if (failures.rowCount() > 0) {
             throw Failure(countText(failures.rowCount(), "sequence", "sequences") +
@@ -232,7 +235,7 @@ private:
         if (m_wishes.strict && warnings.rowCount() > 0) {
             throw Failure(countText(warnings.rowCount(), "warning", "warnings") + QStringLiteral(":\n\n") +
                               warnings.toText().trimmed(),
-                          Failure::Kind::OnlyWarned);
+                          strictKind(all));
         }
     }
 

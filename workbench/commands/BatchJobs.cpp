@@ -198,7 +198,11 @@ void declareBatchOptions(QCommandLineParser& parser)
                    QStringLiteral("Most memory that all at once may take by their headers, in GiB; what is free."),
                    "GIB");
     addFlag(parser, "again", QStringLiteral("Unmix those, too, that have not changed since their result."));
-    addFlag(parser, "strict", QStringLiteral("End with status 3 where sequences have warnings."));
+    addFlag(
+        parser, "strict",
+        QStringLiteral(
+            "End with status 1 where a warning says that an answer is likely to be wrong, with 3 where there are other "
+            "warnings."));
     addFlag(parser, "dry-run", QStringLiteral("Only tell what would be unmixed, and why."));
     addFlag(parser, "list", QStringLiteral("Only tell the names of the sequences."));
     addValueOption(parser, "only", QStringLiteral("Unmix that sequence alone, for jobs of a cluster."), "NAME");

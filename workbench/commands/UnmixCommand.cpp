@@ -3,6 +3,7 @@
 
 #include "services/analysis/UnmixJob.h"
 #include "services/results/ResultReport.h"
+#include "services/warnings/strictFailure.h"
 #include "workbench/commands/AnalysisOptions.h"
 #include "workbench/commands/CliSession.h"
 #include "workbench/commands/Options.h"
@@ -15,11 +16,18 @@ void UnmixCommand::declare(QCommandLineParser& parser) const
     declareUnmixOptions(parser);
     declarePlaces(parser, QStringLiteral("SEQ/unmixed-METHOD"));
     addFlag(parser, "replace", QStringLiteral("Replace earlier results in that folder, and nothing else of --force."));
+    addFlag(parser, "strict",
+            QStringLiteral("End with status 1 where a warning says that the answer is likely to be wrong, with 3 where "
+                           "there are other warnings; the results are written all the same."));
 }
 
 void UnmixCommand::run(const QCommandLineParser& parser, CliSession& session)
 {
     UnmixRequest request = unmixRequestOf(parser);
     request.command = shellLine(QStringList(QStringLiteral("spum")) + QCoreApplication::arguments().mid(1));
-    session.answer(UnmixJob(request, session).run());
+    UnmixJob job(request, session);
+    session.answer(job.run());
+    if (parser.isSet(QStringLiteral("strict")) && !job.warnings().isEmpty()) {
+        throw strictFailure(job.warnings());
+    }
 }

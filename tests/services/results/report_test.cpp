@@ -214,6 +214,8 @@ TEST_F(ResultReportTest, TellsNumbersSettingsAndCommand)
     dye.share = 0.75;
     dye.maximum = 2.0;
     facts.components.append(dye);
+    facts.warnings = {{RunWarning::Severity::Error, QStringLiteral("saturated"), QStringLiteral("too bright"),
+                       QStringLiteral("wait")}};
     ReportFrame frame;
     frame.sequenceName = QStringLiteral("mouse");
     frame.note = QStringLiteral("a note");
@@ -223,6 +225,7 @@ TEST_F(ResultReportTest, TellsNumbersSettingsAndCommand)
     EXPECT_EQ(content.title, QStringLiteral("Spectral Unmixing"));
     EXPECT_EQ(content.subtitle, frame.sequenceName);
     EXPECT_EQ(content.note, frame.note);
+    EXPECT_EQ(content.warnings, QStringList(QStringLiteral("too bright; wait")));
     EXPECT_EQ(factOf(content, QStringLiteral("Variance explained")), QStringLiteral("98.4375 %"));
     EXPECT_EQ(factOf(content, QStringLiteral("Residual of the data's norm")), QStringLiteral("12.5 %"));
     EXPECT_EQ(factOf(content, QStringLiteral("Method")), QStringLiteral("Library"));

@@ -156,12 +156,20 @@ TEST_F(ResultFilesTest, TheSummaryTellsTheNumbers)
 {
     analyse();
     m_numbers.truth[1] = {true, 0.5, 0.25, "Dye B", 0.75};
+    const double none = std::numeric_limits<double>::quiet_NaN();
+    m_numbers.standardErrors = {0.5, none};
+    m_numbers.amplifications = {1.5, 2.5};
+    m_numbers.knownCosines = {none, 0.875};
+    m_numbers.condition = 3.25;
+    m_numbers.warnings = {{RunWarning::Severity::Warning, "decay", "it fades", "wait"},
+                          {RunWarning::Severity::Warning, "upsampled", "it grew", ""}};
     writeFiles();
     EXPECT_EQ(contentOf(out() + "summary.csv"),
               "component,share,maximum,high pass,truth,cosine,correlation,relative error,residual,explained variance,"
-              "iterations,ending,lack of fit,lack of fit denoised\n"
-              "Dye A,0.25,15,,,,,,0.125,98.4375,,,,\n"
-              "Dye B,0.75,7,,Dye B,0.75,0.5,0.25,0.125,98.4375,,,,\n");
+              "iterations,ending,lack of fit,lack of fit denoised,standard error,noise amplification,name cosine,"
+              "warning codes\n"
+              "Dye A,0.25,15,,,,,,0.125,98.4375,,,,,0.5,1.5,,decay upsampled\n"
+              "Dye B,0.75,7,,Dye B,0.75,0.5,0.25,0.125,98.4375,,,,,,2.5,0.875,decay upsampled\n");
     const QJsonObject json = writtenJson();
     EXPECT_EQ(json["method"], "manual");
     EXPECT_EQ(json["unit"], "Radiant Efficiency");
@@ -169,6 +177,11 @@ TEST_F(ResultFilesTest, TheSummaryTellsTheNumbers)
     EXPECT_EQ(json["residual"], 0.125);
     EXPECT_EQ(json["explainedVariance"], 98.4375);
     EXPECT_FALSE(json.contains("iterations"));
+    EXPECT_EQ(json["condition"], 3.25);
+    EXPECT_EQ(json["warnings"].toArray(), jsonOf(m_numbers.warnings));
+    EXPECT_EQ(json["components"].toArray()[0].toObject()["standardError"], 0.5);
+    EXPECT_FALSE(json["components"].toArray()[0].toObject().contains("nameCosine"));
+    EXPECT_EQ(json["components"].toArray()[1].toObject()["nameCosine"], 0.875);
     EXPECT_EQ(json["properties"].toObject()["DataMask"], "No");
     const QJsonObject second = json["components"].toArray()[1].toObject();
     EXPECT_EQ(second["name"], "Dye B");
@@ -318,7 +331,7 @@ TEST_F(ResultFilesTest, AnAutomaticRunTellsHowItWent)
     EXPECT_FALSE(components[0].toObject().contains("highPass"));
     EXPECT_EQ(components[1].toObject()["highPass"], "720");
     EXPECT_TRUE(
-        contentOf(out() + "summary.csv").contains("\nDye B,0.75,7,720,,,,,0.125,98.4375,17,converged,2.5,1.5\n"));
+        contentOf(out() + "summary.csv").contains("\nDye B,0.75,7,720,,,,,0.125,98.4375,17,converged,2.5,1.5,,,,\n"));
     const QString text = ResultFiles(engine(), m_numbers, out()).summaryText();
     EXPECT_TRUE(
         text.endsWith("converged after 17 iterations; lack of fit 2.5 % of the data, 1.5 % of the denoised data\n"))

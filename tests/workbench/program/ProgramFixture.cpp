@@ -5,11 +5,25 @@
 #include <QFile>
 #include <QRegularExpression>
 
-ProgramResult ProgramFixture::succeed(const QStringList& arguments) const
+ProgramResult ProgramFixture::succeed(const QStringList& arguments, const QStringList& codes) const
 {
     const ProgramResult result = spum(arguments);
     EXPECT_EQ(result.status, 0) << qPrintable(arguments.join(' ')) << "\n" << result.err.constData();
-    EXPECT_EQ(result.err, QByteArray()) << qPrintable(arguments.join(' '));
+    if (codes.isEmpty()) {
+        EXPECT_EQ(result.err, QByteArray()) << qPrintable(arguments.join(' '));
+        return result;
+    }
+    QStringList told;
+    QByteArray lines;
+    for (const auto& value : result.json()["warnings"].toArray()) {
+        const QJsonObject warning = value.toObject();
+        told.append(warning["code"].toString());
+        const QString advice = warning["advice"].toString();
+        lines +=
+            ("spum: warning: " + warning["text"].toString() + (advice.isEmpty() ? "" : "; ") + advice + '\n').toUtf8();
+    }
+    EXPECT_EQ(told, codes) << qPrintable(arguments.join(' '));
+    EXPECT_EQ(result.err, lines) << qPrintable(arguments.join(' '));
     return result;
 }
 

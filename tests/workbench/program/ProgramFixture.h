@@ -30,8 +30,9 @@ protected:
         m_pSpum->setFaults(rules, path(below), log.isEmpty() ? QString() : path(log));
     }
 
-    // Runs it and expects success without a word on standard error.
-    ProgramResult succeed(const QStringList& arguments) const;
+    // Runs it and expects success without a word on standard error but for the warnings of those codes, in their order,
+    // which its answer (--json) has too.
+    ProgramResult succeed(const QStringList& arguments, const QStringList& codes = {}) const;
     // Runs it and expects that status, one line on standard error that begins "spum: ", and nothing on standard output;
     // the rest of that line is returned.
     QString refusal(const QStringList& arguments, int nStatus = 1) const;

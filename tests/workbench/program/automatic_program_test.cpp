@@ -22,9 +22,9 @@ protected:
         succeed({"simulate", "seq", "--size", "64", "--probes", "AlexaFluor 680,AlexaFluor 750", "--food-ratio", "0",
                  "--quiet"});
     }
-    QJsonObject unmix(const QStringList& options) const
+    QJsonObject unmix(const QStringList& options, const QStringList& codes = {}) const
     {
-        return succeed(QStringList{"unmix", "seq", "--out", "out", "--json"} + options).json();
+        return succeed(QStringList{"unmix", "seq", "--out", "out", "--json"} + options, codes).json();
     }
     // Refused with status 1, and nothing is written.
     QString refused(const QStringList& arguments) const
@@ -134,7 +134,8 @@ TEST_F(AutomaticProgramTest, ANumberGivesUnnamedComponentsThatAreLikenedToTheTru
 TEST_F(AutomaticProgramTest, WithoutConstraintsTheComponentsHaveNoNames)
 {
     simulateApart();
-    EXPECT_EQ(namesOf(unmix({"--components", names, "--no-constraints"})), (QStringList{"UMX1", "UMX2", "UMX3"}));
+    EXPECT_EQ(namesOf(unmix({"--components", names, "--no-constraints"}, {"names-replaced"})),
+              (QStringList{"UMX1", "UMX2", "UMX3"}));
 }
 
 TEST_F(AutomaticProgramTest, TheSpectraFoundServeAsALibrary)

@@ -16,9 +16,9 @@ class UnmixProgramTest : public ProgramFixture
 {
 protected:
     // Runs an unmixing of "seq" into "out" and returns its answer.
-    QJsonObject unmix(const QStringList& options) const
+    QJsonObject unmix(const QStringList& options, const QStringList& codes = {}) const
     {
-        return succeed(QStringList{"unmix", "seq", "--out", "out", "--json"} + options).json();
+        return succeed(QStringList{"unmix", "seq", "--out", "out", "--json"} + options, codes).json();
     }
     QString unmixRefusal(const QStringList& options, const QString& strSequence = QStringLiteral("seq")) const
     {
@@ -168,7 +168,7 @@ TEST_F(UnmixProgramTest, TheBinningAskedForIsThatOfTheMaps)
     TiffInfo info;
     ASSERT_TRUE(readTiffHeader(path("out/01_TissueAF.tif"), 0, &info, nullptr));
     EXPECT_EQ(info.width, 32);
-    json = unmix({"--library", truth(), "--binning", "2", "--force"});
+    json = unmix({"--library", truth(), "--binning", "2", "--force"}, {"upsampled"});
     EXPECT_EQ(json["width"], 128);
     EXPECT_FALSE(json["components"].toArray()[0].toObject().contains("truthCorrelation"));
 }
@@ -193,8 +193,8 @@ TEST_F(UnmixProgramTest, ASelectionIsUsedAloneAndInItsOrder)
     simulate();
     const QStringList pairs = pairsOfSequence();
     ASSERT_EQ(pairs.size(), 8);
-    EXPECT_EQ(unmix({"--library", truth(), "--select",
-                     pairs[5] + ',' + pairs[1] + ", " + pairs[3] + ',' + pairs[4]})["images"],
+    EXPECT_EQ(unmix({"--library", truth(), "--select", pairs[5] + ',' + pairs[1] + ", " + pairs[3] + ',' + pairs[4]},
+                    {"spectra-alike"})["images"],
               4);
     const QList<QByteArray> lines = contentOf(path("out/spectra.csv")).split('\n');
     int head = 0;

@@ -1,0 +1,136 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "services/results/resultFindings.h"
+
+#include "engine/CORVSpumKyvo.h"
+#include "engine/EngineEnums.h"
+#include "host/CORVDataset.h"
+#include "host/CORVSequenceDataset.h"
+#include "services/results/KnownSpectra.h"
+#include "services/results/ResultNumbers.h"
+#include "services/results/SaturatedPixels.h"
+#include "services/results/SpectraLikeness.h"
+#include "spectra/SpectrumPlotParams.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+// The images' own name for people: "675 / 780".
+QString pairText(const KeyPair& pair)
+{
+    return pair.first.isEmpty() ? pair.second : pair.first + QLatin1Char('/') + pair.second;
+}
+
+void findSaturation(const CORVSpumKyvo& engine, RunFindings& findings)
+{
+    const int spots = std::max(1, engine.m_cube.m_nSpots);
+    const SaturatedPixels found =
+        SaturatedPixels::of(engine.m_cube.m_data, spots, engine.m_concentrations, engine.m_spectra);
+    findings.pixels = engine.m_cube.m_data.num_rows();
+    findings.saturatedPixels = found.pixels;
+    for (const int image : found.images) {
+        findings.saturatedImages.append(pairText(engine.m_selectedKeyPairs.value(image)));
+    }
+    if (found.component >= 0) {
+        findings.saturatedComponent = engine.m_spectrumPlots[found.component]->settings.name;
+    }
+}
+
+// Noise of one image and pixel, from what the fit leaves: the square root of the sum of squares over its degrees of
+// freedom.
+double noiseOf(const CORVSpumKyvo& engine, double dResidual)
+{
+    const auto& data = engine.m_cube.m_data;
+    const long long free = data.num_cols() - engine.m_spectra.num_rows();
+    if (free < 1) {
+        return RunFindings::notKnown;
+    }
+    double squares = 0.0;
+    for (long long p = 0; p < data.num_rows(); ++p) {
+        for (long long j = 0; j < data.num_cols(); ++j) {
+            squares += data[p][j] * data[p][j];
+        }
+    }
+    return dResidual * std::sqrt(squares / (static_cast<double>(data.num_rows()) * static_cast<double>(free)));
+}
+
+void findLikeness(const CORVSpumKyvo& engine, RunFindings& findings, ResultNumbers& numbers)
+{
+    const SpectraLikeness likeness = SpectraLikeness::of(engine.m_spectra);
+    numbers.condition = likeness.condition;
+    numbers.amplifications = likeness.amplifications;
+    const double noise = noiseOf(engine, numbers.residual);
+    for (std::size_t k = 0; k < likeness.deviations.size(); ++k) {
+        numbers.standardErrors.push_back(noise * likeness.deviations[k]);
+        findings.components[static_cast<int>(k)].amplification = likeness.amplifications[k];
+    }
+    if (likeness.first >= 0) {
+        findings.alikeFirst = findings.components[likeness.first].name;
+        findings.alikeSecond = findings.components[likeness.second].name;
+        findings.alikeCosine = likeness.cosine;
+    }
+}
+
+void findNames(const CORVSpumKyvo& engine, RunFindings& findings, ResultNumbers& numbers)
+{
+    const QList<KnownLikeness> likeness = likenessToNames(engine);
+    for (int k = 0; k < likeness.size(); ++k) {
+        findings.components[k].knownCosine = likeness[k].own;
+        findings.components[k].nearest = likeness[k].nearest;
+        findings.components[k].nearestCosine = likeness[k].other;
+        numbers.knownCosines.push_back(likeness[k].own);
+    }
+}
+
+void findBinning(const CORVSpumKyvo& engine, const CORVSequenceDataset& sequence, RunFindings& findings)
+{
+    findings.binning = engine.m_nBinning;
+    for (const QString& click : engine.m_imageList) {
+        CORVDataset* pDataset = sequence.getDataset(click);
+        if (pDataset != nullptr) {
+            const int binning = static_cast<int>(pDataset->getBinningForImage(IMAGETYPE_MAIN_DATA));
+            findings.smallestBinning =
+                std::min(findings.smallestBinning > 0 ? findings.smallestBinning : binning, binning);
+        }
+    }
+}
+
+void findDecay(const CORVSpumKyvo& engine, const CORVSequenceDataset& sequence, RunFindings& findings)
+{
+    const AnalysisInput& input = engine.m_analysisInput;
+    QVector<double> factors;
+    if (!engine.m_bCherenkov || input.decayCorrection || !(input.halfLifeSeconds > 0.0) ||
+        !sequence.calculateDecayCorrectFactor_CherenkovData(engine.m_imageList, input.halfLifeSeconds, factors) ||
+        factors.isEmpty()) {
+        return;
+    }
+    findings.isotope = input.isotope;
+    const auto ends = std::minmax_element(factors.begin(), factors.end());
+    findings.decaySpan = *ends.second / *ends.first;
+}
+
+} // namespace
+
+RunFindings findingsOfResult(const CORVSpumKyvo& engine, const CORVSequenceDataset& sequence, bool bResolved,
+                             ResultNumbers& numbers)
+{
+    RunFindings findings;
+    findings.resolved = bResolved;
+    findings.images = engine.m_selectedKeyPairs.size();
+    for (const SpectrumPlotParams* plot : engine.m_spectrumPlots) {
+        RunFindings::Component component;
+        component.name = plot->settings.name;
+        findings.components.append(component);
+        findings.givenNames.append(component.name);
+    }
+    findSaturation(engine, findings);
+    findLikeness(engine, findings, numbers);
+    findBinning(engine, sequence, findings);
+    if (bResolved) {
+        findNames(engine, findings, numbers);
+        findings.iterationLimit = numbers.facts.ending == MCREnding::IterationLimit;
+        findDecay(engine, sequence, findings);
+    }
+    return findings;
+}

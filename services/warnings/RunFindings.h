@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+#include <limits>
+
+// What was found out about a run, as far as a warning may come of it. A number that is not known is a NaN; what was not
+// looked for is left as it is here.
+struct RunFindings
+{
+    static constexpr double notKnown = std::numeric_limits<double>::quiet_NaN();
+
+    struct Component
+    {
+        QString name;
+        double amplification = notKnown; // of the noise, against a fit of this spectrum alone
+        // Cosine of the resolved spectrum with the known one of its name, and with the other source that is most like
+        // it.
+        double knownCosine = notKnown;
+        QString nearest;
+        double nearestCosine = notKnown;
+    };
+    QList<Component> components;
+    bool resolved = false; // the spectra came from the images; else they were given
+
+    int images = 0;       // of the selection
+    long long pixels = 0; // analysed, over all spots
+    // Pixels at the top of the camera's range, the images that they are in, and the component that most of them show.
+    long long saturatedPixels = 0;
+    QStringList saturatedImages;
+    QString saturatedComponent;
+
+    // The two spectra most like each other.
+    QString alikeFirst;
+    QString alikeSecond;
+    double alikeCosine = notKnown;
+
+    int binning = 0;
+    int smallestBinning = 0; // of the images, 0: not known
+
+    double decaySpan = 1.0; // largest factor of the isotope's decay over the smallest, where it was not corrected for
+    QString isotope;
+
+    bool iterationLimit = false;
+    QStringList askedNames; // by the user
+    QStringList givenNames; // by the engine
+};

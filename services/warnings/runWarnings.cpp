@@ -1,0 +1,188 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "services/warnings/runWarnings.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+// A thousandth of the pixels changes spectra that are resolved from all of them.
+constexpr double manySaturated = 1e-3;
+// The noise of a map is ten times what it would be for that source alone: a signal-to-noise ratio of 10, enough to see
+// a source by, becomes 1.
+constexpr double largestAmplification = 10.0;
+// At a cosine c the part 1 - c^2 of a spectrum's square is not of the source: more than a third at 0.8.
+constexpr double smallestKnownCosine = 0.8;
+// Two sources of the database tell a spectrum apart when their cosines with it differ by more than filters and tissue
+// change either.
+constexpr double clearlyNearer = 0.02;
+// A map that is the sum over times in which the light fades by a twentieth is off by about as much.
+constexpr double smallestDecay = 1.05;
+constexpr int listed = 6;
+
+QString listText(const QStringList& names)
+{
+    if (names.size() <= listed) {
+        return names.join(QStringLiteral(", "));
+    }
+    return QStringList(names.mid(0, listed)).join(QStringLiteral(", ")) +
+           QStringLiteral(" and %1 more").arg(names.size() - listed);
+}
+
+QString number(double dValue)
+{
+    return QString::number(dValue, 'g', 3);
+}
+
+QString counted(long long nCount, const char* pOne, const char* pMany)
+{
+    return QStringLiteral("%1 %2").arg(nCount).arg(QLatin1String(nCount == 1 ? pOne : pMany));
+}
+
+using Severity = RunWarning::Severity;
+
+void addSaturation(const RunFindings& findings, QList<RunWarning>& warnings)
+{
+    if (findings.saturatedPixels < 1) {
+        return;
+    }
+    RunWarning warning;
+    const bool many =
+        static_cast<double>(findings.saturatedPixels) > manySaturated * static_cast<double>(findings.pixels);
+    warning.severity = many ? Severity::Error : Severity::Warning;
+    warning.code = QStringLiteral("saturated");
+    const auto images = findings.saturatedImages.size();
+    warning.text = QStringLiteral("%1 at the top of the camera's range in %2 (%3)")
+                       .arg(counted(findings.saturatedPixels, "analysed pixel is", "analysed pixels are"),
+                            counted(images, "image", "images"), listText(findings.saturatedImages));
+    if (!findings.saturatedComponent.isEmpty()) {
+        warning.text += QStringLiteral(", most of them where \"%1\" is brightest").arg(findings.saturatedComponent);
+    }
+    warning.advice = QStringLiteral("take these images with a shorter exposure, or leave them out by --select");
+    warnings.append(warning);
+}
+
+void addUnexplained(const RunFindings& findings, QList<RunWarning>& warnings)
+{
+    for (const RunFindings::Component& component : findings.components) {
+        // Comparisons with what is not known are false.
+        if (!(component.knownCosine < smallestKnownCosine)) {
+            continue;
+        }
+        RunWarning warning;
+        const bool nearer = component.nearestCosine > component.knownCosine + clearlyNearer;
+        warning.severity = nearer ? Severity::Error : Severity::Warning;
+        warning.code = QStringLiteral("not-its-name");
+        warning.text = QStringLiteral("the spectrum of \"%1\" is not that of its name (cosine %2)")
+                           .arg(component.name, number(component.knownCosine));
+        if (nearer) {
+            warning.text += QStringLiteral("; it is more like that of %1 (%2)")
+                                .arg(component.nearest, number(component.nearestCosine));
+        }
+        warning.advice = nearer ? QStringLiteral("name %1 among --components, or do not take this map for %2")
+                                      .arg(component.nearest, component.name)
+                                : QStringLiteral("do not take this map for %1").arg(component.name);
+        warnings.append(warning);
+    }
+}
+
+void addAlike(const RunFindings& findings, QList<RunWarning>& warnings)
+{
+    // More spectra than images depend on each other in any case, which is told before the run.
+    if (findings.components.size() > findings.images) {
+        return;
+    }
+    QStringList names;
+    double worst = 0.0;
+    for (const RunFindings::Component& component : findings.components) {
+        if (component.amplification > largestAmplification) {
+            names.append(QStringLiteral("\"%1\"").arg(component.name));
+            worst = std::max(worst, component.amplification);
+        }
+    }
+    if (names.isEmpty()) {
+        return;
+    }
+    RunWarning warning;
+    warning.code = QStringLiteral("spectra-alike");
+    const QString factor =
+        std::isfinite(worst) ? QStringLiteral("up to %1 times").arg(number(worst)) : QStringLiteral("without limit");
+    warning.text = QStringLiteral("the spectra can hardly be told apart: the noise of %1 is amplified %2")
+                       .arg(listText(names), factor);
+    if (!findings.alikeFirst.isEmpty()) {
+        warning.text +=
+            QStringLiteral(", and \"%1\" and \"%2\" are most alike (cosine %3)")
+                .arg(findings.alikeFirst, findings.alikeSecond, QString::number(findings.alikeCosine, 'f', 4));
+    }
+    warning.advice = QStringLiteral("leave one of them out, or take images at more wavelengths");
+    warnings.append(warning);
+}
+
+void addUpsampling(const RunFindings& findings, QList<RunWarning>& warnings)
+{
+    if (findings.smallestBinning < 1 || findings.binning >= findings.smallestBinning) {
+        return;
+    }
+    warnings.append({Severity::Warning, QStringLiteral("upsampled"),
+                     QStringLiteral("images of binning %1 were brought to binning %2, which adds pixels and no detail")
+                         .arg(findings.smallestBinning)
+                         .arg(findings.binning),
+                     QStringLiteral("--binning %1 takes them as they are").arg(findings.smallestBinning)});
+}
+
+void addDecay(const RunFindings& findings, QList<RunWarning>& warnings)
+{
+    if (!(findings.decaySpan > smallestDecay)) {
+        return;
+    }
+    warnings.append({Severity::Warning, QStringLiteral("decay"),
+                     QStringLiteral("%1 decays by a factor of %2 from the first image to the last, which was not "
+                                    "corrected for")
+                         .arg(findings.isotope.isEmpty() ? QStringLiteral("the isotope") : findings.isotope,
+                              number(findings.decaySpan)),
+                     QStringLiteral("--decay corrects for it")});
+}
+
+void addNames(const RunFindings& findings, QList<RunWarning>& warnings)
+{
+    QStringList lost;
+    for (const QString& name : findings.askedNames) {
+        if (!findings.givenNames.contains(name)) {
+            lost.append(QStringLiteral("\"%1\"").arg(name));
+        }
+    }
+    if (lost.isEmpty()) {
+        return;
+    }
+    warnings.append({Severity::Warning, QStringLiteral("names-replaced"),
+                     QStringLiteral("the given names %1 are not those of the components, which are called %2: "
+                                    "nothing tells which is which")
+                         .arg(listText(lost), listText(findings.givenNames)),
+                     QStringLiteral("compare their spectra")});
+}
+
+void addIterationLimit(const RunFindings& findings, QList<RunWarning>& warnings)
+{
+    if (findings.iterationLimit) {
+        warnings.append({Severity::Warning, QStringLiteral("iteration-limit"),
+                         QStringLiteral("Maximum iteration number is reached!"), QString()});
+    }
+}
+
+} // namespace
+
+QList<RunWarning> runWarnings(const RunFindings& findings)
+{
+    QList<RunWarning> warnings;
+    addSaturation(findings, warnings);
+    addUnexplained(findings, warnings);
+    addAlike(findings, warnings);
+    addIterationLimit(findings, warnings);
+    addNames(findings, warnings);
+    addDecay(findings, warnings);
+    addUpsampling(findings, warnings);
+    std::stable_sort(warnings.begin(), warnings.end(), [](const RunWarning& a, const RunWarning& b) {
+        return a.severity == Severity::Error && b.severity != Severity::Error;
+    });
+    return warnings;
+}
