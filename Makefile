@@ -6,7 +6,7 @@ PREFIX ?= $(CURDIR)/build/install
 BUILD = build/$(PRESET)
 export QT_QPA_PLATFORM ?= offscreen
 
-.PHONY: all deps configure build demo test bench sanitize tsan fuzz format format-check tidy tidy-changed reproducible install clean
+.PHONY: all deps configure build demo test cluster-test bench sanitize tsan fuzz format format-check tidy tidy-changed reproducible install clean
 
 all: build
 
@@ -25,6 +25,11 @@ demo: configure
 
 test: build
 	@ctest --test-dir $(BUILD) --output-on-failure -j$(JOBS)
+
+# Installs Slurm and Snakemake and starts a Slurm of its own: docs/cluster.md.
+cluster-test: configure
+	@cmake --build $(BUILD) -j$(JOBS) --target spum
+	@scripts/cluster-test.sh $(BUILD)/bin/spum
 
 # Recorded, never asserted on: docs/performance.md says how to read the figures.
 bench: build
