@@ -25,8 +25,8 @@ namespace {
 
 constexpr int tickMilliseconds = 20;
 constexpr int keepMilliseconds = 5000;
-// A process that is asked to stop does so well within that.
-constexpr int stopMilliseconds = 200;
+// A process that is asked to stop mostly does so within that; one that does not is ended, and the next run clears up.
+constexpr int stopMilliseconds = 120;
 constexpr int keptErrorBytes = 256 << 10;
 // What a sequence takes beside its bytes, in bytes: the start of a process, pictures, the disk.
 constexpr double fixedWeight = 4e6;
@@ -82,7 +82,7 @@ void BatchRun::run()
     tick.start(tickMilliseconds);
     while (m_nEnded < m_jobs.size()) {
         m_monitor.stopIfRequested();
-        while (m_nNext < m_jobs.size() && static_cast<int>(m_work.size()) < m_settings.jobs) {
+        while (hasRoom()) {
             begin(m_nNext++);
         }
         for (std::size_t i = 0; i < m_work.size();) {
@@ -95,12 +95,17 @@ void BatchRun::run()
         startNextWaiting();
         keepLocks();
         showProgress();
-        const bool more = m_nNext < m_jobs.size() && static_cast<int>(m_work.size()) < m_settings.jobs;
-        if (m_nEnded < m_jobs.size() && !more) {
+        if (m_nEnded < m_jobs.size() && !hasRoom()) {
             QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
         }
     }
     m_monitor.endProgress();
+}
+
+// One more than run is looked at, so that it can start as soon as another one ends.
+bool BatchRun::hasRoom() const
+{
+    return m_nNext < m_jobs.size() && static_cast<int>(m_work.size()) <= m_settings.jobs;
 }
 
 // Time goes with the bytes of a sequence, near enough to tell what is left.
@@ -186,16 +191,18 @@ bool BatchRun::advance(Work& work)
 void BatchRun::startNextWaiting()
 {
     for (;;) {
+        int running = 0;
         qint64 used = 0;
         Work* pFirst = nullptr;
         for (const auto& pWork : m_work) {
             if (pWork->step == Work::Step::Running) {
+                ++running;
                 used += pWork->found.memory;
             } else if (pWork->step == Work::Step::Waiting && (pFirst == nullptr || pWork->job < pFirst->job)) {
                 pFirst = pWork.get();
             }
         }
-        if (pFirst == nullptr || used + pFirst->found.memory > m_settings.memory) {
+        if (pFirst == nullptr || running >= m_settings.jobs || used + pFirst->found.memory > m_settings.memory) {
             return;
         }
         start(*pFirst);
@@ -210,9 +217,7 @@ void BatchRun::start(Work& work)
     QFile::remove(m_places.ended(name));
     work.step = Work::Step::Running;
     work.timer.start();
-    work.process.setStandardInputFile(QProcess::nullDevice());
-    work.process.setStandardOutputFile(QProcess::nullDevice());
-    work.process.start(m_settings.program, m_settings.arguments(m_jobs[work.job]), QIODevice::ReadOnly);
+    work.process.startBound(m_settings.program, m_settings.arguments(m_jobs[work.job]));
 }
 
 void BatchRun::finish(Work& work)

@@ -44,9 +44,9 @@ struct BatchSettings
 };
 
 // Unmixes sequences, each in a process of its own, as many at once as settings and memory allow. A sequence is read
-// once, on a thread, to see whether it has changed since its result; its process starts once memory for it is free, the
-// earliest first. How each ended is recorded at once, so that the next run goes on where this one was stopped,
-// whatever stopped it.
+// once, on a thread and while others run, to see whether it has changed since its result; its process starts once
+// memory for it is free, the earliest first. How each ended is recorded at once, so that the next run goes on where
+// this one was stopped, whatever stopped it.
 class BatchRun
 {
 public:
@@ -65,6 +65,7 @@ public:
 private:
     struct Work;
 
+    bool hasRoom() const;
     void weigh();
     void begin(int nJob);
     // True while there is something to do for it.

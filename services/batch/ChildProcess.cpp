@@ -2,8 +2,29 @@
 #include "services/batch/ChildProcess.h"
 
 #include <csignal>
+#include <pthread.h>
 #include <sys/prctl.h>
 #include <unistd.h>
+
+namespace {
+
+// Of a process that is being started; 0 at all other times.
+pid_t startingParent = 0;
+
+// In the child, as soon as there is one: it waits for a word of its parent before it does anything else, and would wait
+// for ever, with all locks of the parent in its hands, were that killed meanwhile.
+extern "C" void endWithParent()
+{
+    if (startingParent == 0) {
+        return;
+    }
+    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+    if (::getppid() != startingParent) {
+        ::_exit(1);
+    }
+}
+
+} // namespace
 
 ChildProcess::ChildProcess() : m_nParent(::getpid()) {}
 
@@ -13,6 +34,18 @@ ChildProcess::~ChildProcess()
         kill();
         waitForFinished();
     }
+}
+
+void ChildProcess::startBound(const QString& strProgram, const QStringList& arguments)
+{
+    static const int registered = ::pthread_atfork(nullptr, nullptr, endWithParent);
+    setStandardInputFile(nullDevice());
+    setStandardOutputFile(nullDevice());
+    if (registered == 0) {
+        startingParent = ::getpid();
+    }
+    start(strProgram, arguments, ReadOnly);
+    startingParent = 0;
 }
 
 void ChildProcess::askToStop() const

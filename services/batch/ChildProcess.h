@@ -11,6 +11,8 @@ public:
     ChildProcess();
     ~ChildProcess() override;
 
+    // As start(), which does not keep the promise: with standard output and input at the null device.
+    void startBound(const QString& strProgram, const QStringList& arguments);
     // Asks it to stop, if it runs.
     void askToStop() const;
 
