@@ -32,8 +32,10 @@ main { max-width: none; }
 #batch th[aria-sort="ascending"] button::after { content: " \25B2"; }
 #batch th[aria-sort="descending"] button::after { content: " \25BC"; }
 #batch td { vertical-align: top; }
-#batch .text, #batch th.text { text-align: left; white-space: normal; overflow-wrap: anywhere; }
-#batch .words { min-width: 260px; }
+#batch .text { text-align: left; }
+#batch td.text { white-space: normal; overflow-wrap: break-word; }
+#batch td.components { white-space: nowrap; }
+#batch .words { min-width: 260px; overflow-wrap: anywhere; }
 #batch img { height: 96px; width: auto; max-width: none; }
 #batch ul { margin: 0; padding: 0; list-style: none; }
 #batch .share { color: var(--soft); }
@@ -147,7 +149,7 @@ QString stateCell(const BatchEntry& entry, int nRank)
 
 QString componentsCell(const BatchEntry& entry)
 {
-    QString html = QStringLiteral("<td class=\"text\"><ul>");
+    QString html = QStringLiteral("<td class=\"text components\"><ul>");
     for (const auto& value : entry.summary.value(QStringLiteral("components")).toArray()) {
         const QJsonObject component = value.toObject();
         const QColor color(component.value(QStringLiteral("color")).toString());

@@ -229,13 +229,13 @@ private:
             all += warningsOfJson(entry.summary.value(QStringLiteral("warnings")).toArray());
         }
         if (failures.rowCount() > 0) {
+            m_session.tellDetails(failures.toText());
             throw Failure(countText(failures.rowCount(), "sequence", "sequences") +
-                          QStringLiteral(" without a result:\n\n") + failures.toText().trimmed());
+                          QStringLiteral(" without a result"));
         }
         if (m_wishes.strict && warnings.rowCount() > 0) {
-            throw Failure(countText(warnings.rowCount(), "warning", "warnings") + QStringLiteral(":\n\n") +
-                              warnings.toText().trimmed(),
-                          strictKind(all));
+            m_session.tellDetails(warnings.toText());
+            throw Failure(countText(warnings.rowCount(), "warning", "warnings"), strictKind(all));
         }
     }
 

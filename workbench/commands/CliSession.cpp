@@ -115,6 +115,12 @@ void CliSession::answer(const RunAnswer& answer) const
     answerJson(answer.json);
 }
 
+void CliSession::tellDetails(const QString& strText)
+{
+    m_pProgress->finish();
+    writeAll(STDERR_FILENO, orv::printable(strText).toUtf8());
+}
+
 void CliSession::warn(const QString& strText)
 {
     if (m_bQuiet) {

@@ -44,6 +44,8 @@ public:
     void answer(const QString& strText) const;
     void answerJson(const QJsonObject& object) const;
     void answer(const RunAnswer& answer) const;
+    // Lines on standard error ahead of the one that says that the command has failed, whatever the options.
+    void tellDetails(const QString& strText);
     // A line on standard error: warnings unless --quiet.
     void warn(const QString& strText) override;
     // What --quiet has kept back: it may tell why a command failed.
