@@ -172,7 +172,7 @@ private:
 
     void giveBatchSpectra();
     void processBatchSequence(CORVSequenceDataset& sequence);
-    bool keepBatchResult(const CORVSequenceDataset& sequence);
+    bool keepBatchResult(CORVSequenceDataset& sequence);
 
     void clearResultsTree();
     QStringList resultTitles() const;

@@ -11,6 +11,7 @@
 #include "host/CORVSequenceDataset.h"
 #include "host/CORVSequenceWindow.h"
 #include "host/CORVUtilityFns.h"
+#include "host/batchResidual.h"
 #include "spectra/SpUnmixSpectrumLibraryWnd.h"
 #include "spectra/SpectrumPlotParams.h"
 #include "spectra/logLine.h"
@@ -108,10 +109,12 @@ void CORVSpumKyvoPalette::processBatchSequence(CORVSequenceDataset& sequence)
 }
 
 // False when there is no folder for the maps.
-bool CORVSpumKyvoPalette::keepBatchResult(const CORVSequenceDataset& sequence)
+bool CORVSpumKyvoPalette::keepBatchResult(CORVSequenceDataset& sequence)
 {
     const QPointer<CORVSpumKyvo> pEngine(m_pEngine);
-    m_pResults->saveResultsBatch();
+    if (m_pResults->saveResultsBatch() == SaveOutcome::Saved) {
+        sequence.setProperty(batchResidualProperty, pEngine->m_runFacts.lackOfFitRaw / 100.0);
+    }
     const QString strFolder = resultsIndex::batchFolder(sequence.getSequenceInfoPath(), m_pResults->m_strBatchStamp) +
                               QLatin1String("/UnmixedImages");
     if (!QDir().mkpath(strFolder)) {

@@ -45,6 +45,7 @@ MainActions::MainActions(QMainWindow& window)
     open = make(window, pFile, "openAction", "&Open a sequence ...", QKeySequence::Open);
     import = make(window, pFile, "importAction", "&Import images ...", ctrl + Qt::Key_I);
     simulate = make(window, pFile, "simulateAction", "Si&mulate a mouse ...");
+    batch = make(window, pFile, "batchAction", "U&nmix many sequences ...");
     recentMenu = pFile->addMenu(tr("&Recent sequences"));
     recentMenu->setObjectName(QStringLiteral("recentMenu"));
     pFile->addSeparator();

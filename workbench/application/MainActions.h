@@ -13,6 +13,7 @@ struct MainActions
     QAction* open;
     QAction* import;
     QAction* simulate;
+    QAction* batch;
     QAction* saveImage;
     QAction* close;
     QAction* closeAll;

@@ -6,6 +6,8 @@
 #include "host/CORVSequenceWindow.h"
 #include "host/CORVSettings.h"
 #include "host/CORVUtilityFns.h"
+#include "workbench/application/BatchRun.h"
+#include "workbench/application/BatchWindow.h"
 #include "workbench/application/LogDock.h"
 #include "workbench/application/LogFeed.h"
 #include "workbench/application/LogModel.h"
@@ -68,6 +70,8 @@ MainWindow::~MainWindow()
     // What is open closes, and the plug-in hears of it, while this window is whole. The palette goes with the plug-in.
     m_pDocuments->disconnect(this);
     qApp->disconnect(this);
+    delete m_pBatchWindow;
+    delete m_pBatch;
     delete m_pDocuments;
     delete m_pPalette;
     delete m_pPlugin;
@@ -90,6 +94,7 @@ void MainWindow::makeParts()
     m_pStatus = new StatusLine(m_pProcesses, this);
     m_pPalette =
         new PaletteControl({*m_pPlugin, *m_pPaletteDock, *m_pDocuments, *m_pLock, *m_pProcesses, *m_pFeed}, this);
+    m_pBatch = new BatchRun({*m_pDocuments, *m_pPlugin, *m_pPalette, *m_pLock, *m_pFeed}, this);
 }
 
 void MainWindow::arrangeParts()
@@ -157,6 +162,7 @@ void MainWindow::connectFileActions()
     connect(actions.open, &QAction::triggered, this, &MainWindow::askForSequence);
     connect(actions.import, &QAction::triggered, this, [this] { importImages({}); });
     connect(actions.simulate, &QAction::triggered, this, &MainWindow::simulate);
+    connect(actions.batch, &QAction::triggered, this, &MainWindow::unmixMany);
     connect(actions.close, &QAction::triggered, this, [this] { m_pDocuments->closeCurrent(); });
     connect(actions.closeAll, &QAction::triggered, this, &MainWindow::closeAll);
     connect(actions.saveImage, &QAction::triggered, this,

@@ -15,6 +15,8 @@
 
 #include <memory>
 
+class BatchRun;
+class BatchWindow;
 class CORVChildWindow;
 class LogDock;
 class LogFeed;
@@ -55,6 +57,7 @@ public:
     OpenDocuments& documents() { return *m_pDocuments; }
     PluginHost& plugin() { return *m_pPlugin; }
     PaletteControl& palette() { return *m_pPalette; }
+    BatchRun& batch() { return *m_pBatch; }
     RunLock& runLock() { return *m_pLock; }
     const MainActions& actions() const { return *m_pActions; }
 
@@ -78,6 +81,11 @@ private:
     void askForSequence();
     void importImages(const QStringList& paths);
     void simulate();
+    void unmixMany();
+    // Of those folders. False when one stays open.
+    bool closeSequences(const QStringList& folders);
+    void runBatch(const QStringList& folders, bool bAdaptiveBackground);
+    void abortWhatRuns();
     void openNext();
     void takeUp(const Session::Windows& windows);
     // Nothing waits to be opened any more.
@@ -111,7 +119,7 @@ private:
     bool mayClose(CORVChildWindow* pWindow);
     bool confirms(const QString& strQuestion);
     // Lets the tool offer to keep its result. False when the user goes back, or does so because it could not be kept.
-    bool mayLeaveResult();
+    bool mayLeaveResult(const QString& strQuestion);
     bool closeAll();
     void closeAfterRun();
 
@@ -126,6 +134,8 @@ private:
     PluginHost* m_pPlugin = nullptr;
     PaletteDock* m_pPaletteDock = nullptr;
     PaletteControl* m_pPalette = nullptr;
+    BatchRun* m_pBatch = nullptr;
+    QPointer<BatchWindow> m_pBatchWindow; // of the last batch
     LogDock* m_pLogDock = nullptr;
     StatusLine* m_pStatus = nullptr;
     Session m_session;

@@ -10,6 +10,7 @@
 #include "host/CORVSettings.h"
 #include "host/CORVUtilityFns.h"
 #include "platform/orvutils/ProcessControl.h"
+#include "workbench/application/BatchRun.h"
 #include "workbench/application/ImportDialog.h"
 #include "workbench/application/LogFeed.h"
 #include "workbench/application/MainWindow.h"
@@ -260,7 +261,10 @@ bool MainWindow::mayClose(CORVChildWindow* pWindow)
     if (!CORVUtilityFns::canClose()) {
         return false;
     }
-    if (m_pLock->isLocked() || m_pProcesses->isRunning()) {
+    if (m_pBatch->isClosing()) {
+        return true;
+    }
+    if (m_pLock->isLocked() || m_pProcesses->isRunning() || m_pBatch->isRunning()) {
         if (confirms(tr("An analysis is running. Abort it and close?"))) {
             m_toClose.append(pWindow);
             orv::requestAbort();
@@ -276,11 +280,11 @@ bool MainWindow::mayClose(CORVChildWindow* pWindow)
         return false;
     }
     const bool bTold = pSequenceWindow != nullptr && pSequenceWindow->sequence() == m_pPalette->told();
-    return !bTold || mayLeaveResult();
+    return !bTold || mayLeaveResult(tr("Close the sequence all the same?"));
 }
 
 // Whether it was kept only the log tells.
-bool MainWindow::mayLeaveResult()
+bool MainWindow::mayLeaveResult(const QString& strQuestion)
 {
     m_pFeed->flush();
     m_strLastError.clear();
@@ -289,7 +293,7 @@ bool MainWindow::mayLeaveResult()
     }
     m_pFeed->flush();
     return m_strLastError.isEmpty() ||
-           confirms(tr("The result was not saved: %1\n\nClose the sequence all the same?").arg(m_strLastError));
+           confirms(tr("The result was not saved: %1\n\n%2").arg(m_strLastError, strQuestion));
 }
 
 // Once nothing runs any more, and the tool has come to the end of its work on the stack below.
@@ -298,7 +302,8 @@ void MainWindow::closeAfterRun()
     if (m_toClose.isEmpty()) {
         return;
     }
-    if (m_pLock->isLocked() || m_pProcesses->isRunning() || QApplication::activeModalWidget() != nullptr) {
+    if (m_pLock->isLocked() || m_pProcesses->isRunning() || m_pBatch->isRunning() ||
+        QApplication::activeModalWidget() != nullptr) {
         m_closing.start(retryMilliseconds);
         return;
     }

@@ -5,7 +5,7 @@
 #include "host/CORVSequenceDataset.h"
 #include "host/CORVSettings.h"
 #include "host/CORVUtilityFns.h"
-#include "platform/orvutils/ProcessControl.h"
+#include "workbench/application/BatchRun.h"
 #include "workbench/application/LogDock.h"
 #include "workbench/application/MainWindow.h"
 #include "workbench/application/OpenDocuments.h"
@@ -126,10 +126,10 @@ void MainWindow::closeEvent(QCloseEvent* pEvent)
     if (!CORVUtilityFns::canClose() || QApplication::activeModalWidget() != nullptr) {
         return;
     }
-    if (m_pLock->isLocked() || m_pProcesses->isRunning()) {
+    if (m_pLock->isLocked() || m_pProcesses->isRunning() || m_pBatch->isRunning()) {
         if (confirms(tr("An analysis is running. Abort it and quit?"))) {
             m_toClose.append(this);
-            orv::requestAbort();
+            abortWhatRuns();
             closeAfterRun();
         }
         return;

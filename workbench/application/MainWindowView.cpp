@@ -74,6 +74,7 @@ void MainWindow::updateActions()
                              actions.about, actions.fullScreen, actions.switchPane}) {
         pAction->setEnabled(bFree);
     }
+    actions.batch->setEnabled(bFree && m_pPlugin->canBatch());
     for (QAction* pAction :
          {actions.closeAll, actions.print, actions.preview, actions.copyPicture, actions.tile, actions.cascade}) {
         pAction->setEnabled(bFree && nOpen > 0);

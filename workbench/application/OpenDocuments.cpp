@@ -145,6 +145,27 @@ OpenDocuments::Outcome<CORVDataset> OpenDocuments::openDataset(const QString& st
     return outcome;
 }
 
+QList<CORVDataset*> OpenDocuments::ownDatasets() const
+{
+    QList<CORVDataset*> all;
+    for (const auto& pShown : m_shown) {
+        if (pShown->m_pOwnedDataset && !pShown->m_bClosing) {
+            all.append(pShown->m_pDataset);
+        }
+    }
+    return all;
+}
+
+void OpenDocuments::closeDataset(const CORVDataset* pDataset)
+{
+    const auto found = std::find_if(m_shown.begin(), m_shown.end(), [pDataset](const auto& pShown) {
+        return pShown->m_pDataset == pDataset && pShown->m_pOwnedDataset;
+    });
+    if (found != m_shown.end() && (*found)->m_pFrame) {
+        (*found)->m_pFrame->close();
+    }
+}
+
 void OpenDocuments::showDataset(CORVDataset* pDataset)
 {
     for (const auto& pShown : m_shown) {

@@ -47,6 +47,10 @@ public:
     // Opens the dataset of that folder or click info file, out of the window of a sequence or by itself, with its
     // images in memory, so that it stays what it is when a program writes another one into the folder.
     Outcome<CORVDataset> openDataset(const QString& strPath, bool bShow, bool bOfSequenceWindow = false);
+    // Datasets that were opened by themselves, in the order of their opening.
+    QList<CORVDataset*> ownDatasets() const;
+    // Closes the window of such a dataset, shown or hidden, as the user would.
+    void closeDataset(const CORVDataset* pDataset);
     // Shows a dataset of an open sequence in an image window.
     void showDataset(CORVDataset* pDataset);
 

@@ -64,6 +64,10 @@ void PaletteControl::announce()
     m_strComplaint.clear();
     CORVDataset* pDataset = m_parts.documents.currentDataset();
     CORVSequenceDataset* pSequence = pDataset != nullptr ? pDataset->sequence() : m_parts.documents.currentSequence();
+    if (m_bBatch && pSequence != m_pBatchSequence) {
+        pSequence = nullptr;
+        pDataset = nullptr;
+    }
     m_pTold = pSequence != nullptr ? pSequence : m_pTold;
     if (pDataset != nullptr) {
         m_parts.plugin.tellDataset(pDataset);
@@ -79,7 +83,28 @@ void PaletteControl::onSequenceRemoved(CORVSequenceDataset* pSequence)
     if (m_pTold == pSequence) {
         m_pTold = nullptr;
     }
+    if (m_pBatchSequence == pSequence) {
+        m_pBatchSequence = nullptr;
+    }
     m_parts.plugin.tellSequenceRemoved(pSequence);
+}
+
+void PaletteControl::beginBatch()
+{
+    m_bBatch = true;
+    m_pBatchSequence = nullptr;
+}
+
+void PaletteControl::setBatchSequence(CORVSequenceDataset* pSequence)
+{
+    m_pBatchSequence = pSequence;
+}
+
+void PaletteControl::endBatch()
+{
+    m_bBatch = false;
+    m_pBatchSequence = nullptr;
+    announce();
 }
 
 void PaletteControl::onTabChanged(const QString& strTab)

@@ -45,6 +45,14 @@ public:
     // front.
     CORVSequenceDataset* told() const { return m_pTold; }
 
+    // In a batch the plug-in works on whatever sequence it is told of. So it is told of one only, and for anything else
+    // that comes to the front that there is nothing; at the end of what is in front then.
+    void beginBatch();
+    void setBatchSequence(CORVSequenceDataset* pSequence);
+    void endBatch();
+    // Why the plug-in has not taken up what is in front.
+    QString reason() const;
+
 private:
     void onSequenceRemoved(CORVSequenceDataset* pSequence);
     void onTabChanged(const QString& strTab);
@@ -53,10 +61,11 @@ private:
     // After a run, once nobody is asked anything any more.
     void announceWhenIdle();
     void arrange();
-    QString reason() const;
 
     Parts m_parts;
     CORVSequenceDataset* m_pTold = nullptr;
     QString m_strComplaint;
     QTimer m_retry;
+    bool m_bBatch = false;
+    CORVSequenceDataset* m_pBatchSequence = nullptr; // only compared
 };

@@ -14,6 +14,14 @@ struct downloaded_save_data
 
 using Plugin = CORVToolPalettePluginBase;
 
+namespace {
+
+// Not every tool has these two, so they are found by their names.
+constexpr char batchSignal[] = "signalLoadBrowseWindow(QList<QString>,QList<QString>)";
+constexpr char endBatchSlot[] = "onSignalDisableSpumBatchProcessing";
+
+} // namespace
+
 PluginHost::~PluginHost()
 {
     delete m_pPlugin;
@@ -59,6 +67,10 @@ void PluginHost::connectPlugin()
     connect(pPlugin, &Plugin::printPreview, this,
             [this](const QPixmap& pixmap, bool) { Q_EMIT previewWanted(pixmap); });
     connect(pPlugin, &Plugin::restoreWindowsToMain, this, &PluginHost::windowsWanted);
+    if (canBatch()) {
+        connect(pPlugin, SIGNAL(signalLoadBrowseWindow(QList<QString>, QList<QString>)), this,
+                SIGNAL(batchWanted(QList<QString>, QList<QString>)));
+    }
 }
 
 bool PluginHost::isLoaded() const
@@ -126,6 +138,23 @@ bool PluginHost::askToSave()
 void PluginHost::askForPicture(bool bPreview)
 {
     tell(&Plugin::onSignalGetPrintPixmap, bPreview);
+}
+
+bool PluginHost::canBatch() const
+{
+    return m_pPlugin && m_pPlugin->metaObject()->indexOfSignal(batchSignal) >= 0;
+}
+
+void PluginHost::chooseBatchSpectra()
+{
+    tell(&Plugin::onLoadUnmixDlg);
+}
+
+void PluginHost::endBatch()
+{
+    if (canBatch()) {
+        QMetaObject::invokeMethod(m_pPlugin, endBatchSlot);
+    }
 }
 
 void PluginHost::askToCopy(const QString& strTab)

@@ -51,6 +51,11 @@ public:
     // The answers come as signals, before the call returns, or not at all.
     void askForPicture(bool bPreview);
     void askToCopy(const QString& strTab);
+    // Whether the tool can work through many sequences with spectra that are chosen once.
+    bool canBatch() const;
+    // Lets the user choose those spectra; batchWanted() comes before the call returns when there are some.
+    void chooseBatchSpectra();
+    void endBatch();
 
 Q_SIGNALS:
     void validityTold(bool bValid);
@@ -61,6 +66,8 @@ Q_SIGNALS:
     void previewWanted(const QPixmap& pixmap);
     // False while a run keeps everything but its abort out of reach.
     void windowsWanted(bool bRestored);
+    // The tool has its spectra, with values for these filters, and waits for sequences.
+    void batchWanted(const QList<QString>& excitation, const QList<QString>& emission);
 
 private:
     void connectPlugin();

@@ -42,9 +42,21 @@ void RunLock::lock()
     Q_EMIT changed(true);
 }
 
+void RunLock::hold()
+{
+    m_bHeld = true;
+    lock();
+}
+
+void RunLock::release()
+{
+    m_bHeld = false;
+    unlock();
+}
+
 void RunLock::unlock()
 {
-    if (!m_bLocked) {
+    if (!m_bLocked || m_bHeld) {
         return;
     }
     m_bLocked = false;

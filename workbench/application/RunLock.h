@@ -23,6 +23,9 @@ public:
     // A second call of either does nothing.
     void lock();
     void unlock();
+    // Locked until release(), whatever runs begin and end meanwhile.
+    void hold();
+    void release();
 
 Q_SIGNALS:
     void changed(bool bLocked);
@@ -40,4 +43,5 @@ private:
     QTimer m_forget;
     QPointer<QWidget> m_pFocus;
     bool m_bLocked = false;
+    bool m_bHeld = false;
 };

@@ -12,4 +12,10 @@ inline QString pluginFolder()
     return QStringLiteral("Plugins/Folder");
 }
 
+// Where the sequences for batches are.
+inline QString batchFolder()
+{
+    return QStringLiteral("Batch/SpumDatasetPath");
+}
+
 } // namespace settingNames
