@@ -45,6 +45,7 @@ main { max-width: none; }
 @media print {
   @page { size: landscape; margin: 10mm; }
   #batch { font-size: 8pt; }
+  #batch thead { display: table-header-group; break-inside: avoid; }
   #batch th { position: static; }
   #batch th button { padding: 3px 6px; }
   #batch img { height: 20mm; }
@@ -187,7 +188,7 @@ QString rowHtml(const BatchPlaces& places, const BatchEntry& entry, int nRank)
            QStringLiteral("</tr>\n");
 }
 
-QString headHtml(const QList<BatchEntry>& entries, const BatchPageFrame& frame)
+QString headHtml(const QList<BatchEntry>& entries)
 {
     const auto count = [&entries](const auto& holds) {
         return static_cast<int>(std::count_if(entries.begin(), entries.end(), holds));
@@ -201,11 +202,15 @@ QString headHtml(const QList<BatchEntry>& entries, const BatchPageFrame& frame)
                 .arg(done)
                 .arg(warned)
                 .arg(entries.size() - done);
-    html += QStringLiteral("</p>\n");
-    if (!frame.command.isEmpty()) {
-        html += QStringLiteral("<pre>") + escaped(frame.command) + QStringLiteral("</pre>\n");
-    }
-    return html;
+    return html + QStringLiteral("</p>\n");
+}
+
+// Behind the table: it may name hundreds of sequences.
+QString commandHtml(const BatchPageFrame& frame)
+{
+    return frame.command.isEmpty()
+               ? QString()
+               : QStringLiteral("<h2>Command</h2>\n<pre>") + escaped(frame.command) + QStringLiteral("</pre>\n");
 }
 
 QString tableHead()
@@ -244,10 +249,12 @@ void writeBatchPage(const BatchPlaces& places, const QList<BatchEntry>& entries,
                     const std::function<void(const QByteArray& bytes)>& put)
 {
     put(htmlPageHead(QStringLiteral("Unmixed sequences"), QLatin1String(pageStyle)).toUtf8());
-    put((headHtml(entries, frame) + tableHead()).toUtf8());
+    put((headHtml(entries) + tableHead()).toUtf8());
     const QVector<int> order = orderOfNeed(entries);
     for (int i = 0; i < order.size(); ++i) {
         put(rowHtml(places, entries[order[i]], i).toUtf8());
     }
-    put((QStringLiteral("</tbody></table>\n") + QLatin1String(script) + htmlPageFoot(frame.program)).toUtf8());
+    put((QStringLiteral("</tbody></table>\n") + commandHtml(frame) + QLatin1String(script) +
+         htmlPageFoot(frame.program))
+            .toUtf8());
 }
