@@ -2,6 +2,7 @@
 // A batch: one choice of spectra for many sequences, which the host opens one after another.
 #include "plugin/CORVSpumKyvoPalette.h"
 
+#include "plugin/relativeResidual.h"
 #include "plugin/sequenceWindows.h"
 
 #include "engine/CORVSpumKyvo.h"
@@ -21,6 +22,7 @@
 #include <QDir>
 #include <QPointer>
 #include <QTimer>
+#include <QVariant>
 
 namespace {
 
@@ -113,7 +115,8 @@ bool CORVSpumKyvoPalette::keepBatchResult(CORVSequenceDataset& sequence)
 {
     const QPointer<CORVSpumKyvo> pEngine(m_pEngine);
     if (m_pResults->saveResultsBatch() == SaveOutcome::Saved) {
-        sequence.setProperty(batchResidualProperty, pEngine->m_runFacts.lackOfFitRaw / 100.0);
+        const auto residual = relativeResidual(pEngine->m_cube.m_data, pEngine->m_concentrations, pEngine->m_spectra);
+        sequence.setProperty(batchResidualProperty, residual ? QVariant(*residual) : QVariant());
     }
     const QString strFolder = resultsIndex::batchFolder(sequence.getSequenceInfoPath(), m_pResults->m_strBatchStamp) +
                               QLatin1String("/UnmixedImages");

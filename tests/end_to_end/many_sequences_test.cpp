@@ -85,6 +85,12 @@ TEST_F(ManySequencesTest, ABrokenOneInTheMiddleIsToldAndPassedOver)
     EXPECT_GE(mapsOf(strOne), 2);
     EXPECT_EQ(mapsOf(strThree), mapsOf(strOne));
     EXPECT_EQ(mapsOf(strBroken), 0);
+    const QJsonArray rows = program().state("batchTable")["rows"].toArray();
+    ASSERT_EQ(rows.size(), 3);
+    const QString strResidual = rows[0].toArray()[2].toString();
+    EXPECT_TRUE(strResidual.endsWith(" %")) << qPrintable(strResidual);
+    EXPECT_NE(strResidual, "0 %");
+    EXPECT_EQ(rows[1].toArray()[1].toString(), "Failed: SpumKyvo: Incorrect initial guess settings!");
     const QJsonObject windows = program().call({{"do", "find"}, {"widget", ".CORVSequenceWindow"}, {"all", true}});
     EXPECT_TRUE(windows["found"].toArray().isEmpty());
     program().click("batchClose");
@@ -93,7 +99,7 @@ TEST_F(ManySequencesTest, ABrokenOneInTheMiddleIsToldAndPassedOver)
 
 TEST_F(ManySequencesTest, AnAbortEndsTheRunAndLeavesTheRest)
 {
-    const QString strOne = mouse("one", "1024", "6");
+    const QString strOne = mouse("one", "1024", "24"); // a run of some seconds
     const QString strTwo = mouse("two", "64");
     makeLibrary(strOne);
     startProgram({});

@@ -72,6 +72,7 @@ void BatchChooser::makeTable()
     m_pTable->setSelectionBehavior(QAbstractItemView::SelectRows);
     m_pTable->setTabKeyNavigation(false);
     m_pTable->horizontalHeader()->setSectionResizeMode(VerdictColumn, QHeaderView::Stretch);
+    m_pTable->horizontalHeader()->setSectionResizeMode(ImagesColumn, QHeaderView::ResizeToContents);
     m_pTable->setColumnWidth(SequenceColumn, fontMetrics().averageCharWidth() * 30);
     connect(m_pTable, &QTableWidget::itemSelectionChanged, this, &BatchChooser::showSummary);
 }

@@ -78,6 +78,9 @@ void BatchWindow::makeTable()
     m_pTable->setSelectionBehavior(QAbstractItemView::SelectRows);
     m_pTable->setTabKeyNavigation(false);
     m_pTable->horizontalHeader()->setSectionResizeMode(StateColumn, QHeaderView::Stretch);
+    for (const int nColumn : {ResidualColumn, WarningsColumn, TimeColumn}) {
+        m_pTable->horizontalHeader()->setSectionResizeMode(nColumn, QHeaderView::ResizeToContents);
+    }
     m_pTable->setColumnWidth(SequenceColumn, fontMetrics().averageCharWidth() * 30);
 }
 

@@ -4,6 +4,7 @@
 
 #include "host/CORVUtilityFns.h"
 #include "host/CPLSettingsFileWrapper.h"
+#include "host/batchResidual.h"
 #include "host/orv_paths.h"
 #include "platform/orvutils/ProcessControl.h"
 
@@ -156,6 +157,10 @@ TEST_F(BatchTest, EverySequenceIsUnmixedSavedExportedAndClosed)
         Opened& opened = open(strMouse);
         EXPECT_FALSE(opened.window->adaptiveBackground());
         EXPECT_FALSE(opened.sequence->isModified());
+        // The library holds the very spectra that the mouse was made of.
+        const double dResidual = opened.sequence->property(batchResidualProperty).toDouble();
+        EXPECT_GT(dResidual, 0.0);
+        EXPECT_LT(dResidual, 0.2);
         QCoreApplication::processEvents();
         EXPECT_TRUE(opened.window.isNull() || opened.window->parentWidget()->isHidden());
         close(opened);
