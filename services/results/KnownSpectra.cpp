@@ -87,6 +87,27 @@ double cosineByGroups(const std::vector<double>& spectrum, const std::vector<dou
     return squares > 0.0 ? std::sqrt(explained / squares) : notKnown;
 }
 
+QString backgroundLike(const CORVSpumKyvo& engine, const std::vector<double>& spectrum)
+{
+    constexpr double enough = 0.9;
+    if (engine.m_eSeqKind == SEQKIND_TEMPORAL || engine.m_eSeqKind == SEQKIND_LUMINESCENT) {
+        return QString();
+    }
+    QString nearest;
+    double best = enough;
+    const std::vector<int> groups = groupsOf(engine);
+    for (const QString& name : {tissue, food}) {
+        for (const auto& known : knownSpectra(engine, name)) {
+            const double cosine = cosineByGroups(spectrum, known, groups);
+            if (cosine > best) {
+                best = cosine;
+                nearest = name;
+            }
+        }
+    }
+    return nearest;
+}
+
 QList<KnownLikeness> likenessToNames(const CORVSpumKyvo& engine)
 {
     const int count = engine.m_spectrumPlots.size();

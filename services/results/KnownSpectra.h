@@ -24,6 +24,10 @@ struct KnownLikeness
 double cosineByGroups(const std::vector<double>& spectrum, const std::vector<double>& known,
                       const std::vector<int>& groups);
 
+// Tissue or food, where a spectrum over the selected images is like that of the one or the other (0.9 at least); else
+// empty.
+QString backgroundLike(const CORVSpumKyvo& engine, const std::vector<double>& spectrum);
+
 // Of the engine's present result, one a component: resolved spectra against the database's sources at the selected
 // images, as they are and behind the tissue that the engine takes for the subject, whichever is more like them. Other
 // sources are tissue, food, and those that the components are named after. None are known of a temporal sequence.

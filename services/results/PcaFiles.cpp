@@ -34,7 +34,8 @@ PlotCurve curveOf(const QString& strLabel, const QColor& color, Qt::PenStyle eSt
 } // namespace
 
 PcaFiles::PcaFiles(const CORVSpumKyvo& engine, const XTNT::Vector<double>& eigenvalues)
-    : m_engine(engine), m_eigenvalues(eigenvalues), m_explained(explainedVariance(eigenvalues))
+    : m_engine(engine), m_eigenvalues(eigenvalues), m_explained(explainedVariance(eigenvalues)),
+      m_above(ComponentNumber::of(engine.m_cube.m_data))
 {
 }
 
@@ -67,7 +68,8 @@ QString PcaFiles::text() const
                .arg(explainedVarianceText(m_explained.dSuggestedPercent)) +
            QStringLiteral(
                "Note: Suggestion is made based on the assumption that the variance due to the noise is less than "
-               "1%. Otherwise, it may overestimate the real components.\n");
+               "1%. Otherwise, it may overestimate the real components.\n") +
+           QStringLiteral("Components above the noise: %1\n").arg(m_above.text());
 }
 
 QJsonObject PcaFiles::json() const
@@ -78,17 +80,19 @@ QJsonObject PcaFiles::json() const
         explained.append(m_explained.percent[i]);
         eigenvalues.append(m_eigenvalues[i]);
     }
-    return QJsonObject{{"unit", UnitNames::text(m_engine.m_eUnit)},
-                       {"images", m_engine.m_selectedKeyPairs.size()},
-                       {"width", m_engine.m_nWidth},
-                       {"height", m_engine.m_nHeight},
-                       {"binning", m_engine.m_nBinning},
-                       {"pixels", static_cast<qint64>(m_engine.m_cube.pixelsPerSpot())},
-                       {"suggested", m_explained.nSuggested},
-                       {"suggestedExplains", m_explained.dSuggestedPercent},
-                       {"explainedVariance", explained},
-                       {"eigenvalues", eigenvalues},
-                       {"files", QJsonArray::fromStringList(m_files)}};
+    QJsonObject json{{"unit", UnitNames::text(m_engine.m_eUnit)},
+                     {"images", m_engine.m_selectedKeyPairs.size()},
+                     {"width", m_engine.m_nWidth},
+                     {"height", m_engine.m_nHeight},
+                     {"binning", m_engine.m_nBinning},
+                     {"pixels", static_cast<qint64>(m_engine.m_cube.pixelsPerSpot())},
+                     {"suggested", m_explained.nSuggested},
+                     {"suggestedExplains", m_explained.dSuggestedPercent},
+                     {"explainedVariance", explained},
+                     {"eigenvalues", eigenvalues},
+                     {"files", QJsonArray::fromStringList(m_files)}};
+    m_above.addTo(json);
+    return json;
 }
 
 SpectrumPlot PcaFiles::screePlot() const

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "XTNT/xtnt_vector.h"
+#include "services/results/ComponentNumber.h"
 #include "windows/explainedVariance.h"
 
 #include <QJsonObject>
@@ -15,6 +16,7 @@ class SpectrumPlot;
 class PcaFiles
 {
 public:
+    // After a run: its cube tells how many components stand above the noise.
     PcaFiles(const CORVSpumKyvo& engine, const XTNT::Vector<double>& eigenvalues);
 
     // False when the eigenvalues explain nothing: none above 0, or no numbers.
@@ -33,5 +35,6 @@ private:
     const CORVSpumKyvo& m_engine;
     XTNT::Vector<double> m_eigenvalues;
     ExplainedVariance m_explained;
+    ComponentNumber m_above;
     QStringList m_files;
 };

@@ -67,7 +67,19 @@ ComponentFacts componentOf(const CORVSpumKyvo& engine, const ResultNumbers& numb
     return facts;
 }
 
-AutomaticFacts automaticFactsOf(const CORVSpumKyvo& engine, const AutomaticRunFacts& run)
+// What the first `nKept` of the squares of singular values leave, in percent of the data's norm.
+double lackOfFitBeyond(int nKept, const std::vector<double>& eigenvalues)
+{
+    double left = 0.0;
+    double total = 0.0;
+    for (std::size_t i = eigenvalues.size(); i > 0; --i) {
+        total += eigenvalues[i - 1];
+        left = static_cast<int>(i) > nKept ? total : left;
+    }
+    return nKept > 0 && total > 0.0 ? 100.0 * std::sqrt(left / total) : 0.0;
+}
+
+AutomaticFacts automaticFactsOf(const CORVSpumKyvo& engine, const AutomaticRunFacts& run, int nAbove)
 {
     AutomaticFacts facts;
     facts.iterations = run.iterations;
@@ -75,7 +87,7 @@ AutomaticFacts automaticFactsOf(const CORVSpumKyvo& engine, const AutomaticRunFa
     facts.lackOfFit = run.lackOfFitRaw;
     facts.lackOfFitDenoised = run.lackOfFitDenoised;
     facts.rank = run.rank;
-    facts.noise = NoiseEstimate::ofEigenvalues(run.eigenvalues);
+    facts.principalLackOfFit = lackOfFitBeyond(nAbove, run.eigenvalues);
     const AnalysisInput& input = engine.m_analysisInput;
     facts.decayCorrected = engine.m_bCherenkov && input.decayCorrection;
     if (facts.decayCorrected) {
@@ -125,6 +137,7 @@ ResultFacts factsOfResult(const CORVSpumKyvo& engine, const ResultNumbers& numbe
     facts.explainedVariance = FitStatistics::explainedVariance(numbers.residual);
     facts.seconds = numbers.seconds;
     facts.warnings = numbers.warnings;
+    facts.above = numbers.above;
     if (std::isfinite(numbers.condition)) {
         facts.condition = numbers.condition;
     }
@@ -135,7 +148,7 @@ ResultFacts factsOfResult(const CORVSpumKyvo& engine, const ResultNumbers& numbe
         facts.properties.append({property.first, property.second});
     }
     if (numbers.automatic) {
-        facts.automatic = automaticFactsOf(engine, numbers.facts);
+        facts.automatic = automaticFactsOf(engine, numbers.facts, numbers.above.likely);
     }
     return facts;
 }

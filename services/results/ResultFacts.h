@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "services/results/NoiseEstimate.h"
+#include "services/results/ComponentNumber.h"
 #include "services/results/TruthComparison.h"
 #include "services/warnings/RunWarning.h"
 
@@ -40,7 +40,7 @@ struct AutomaticFacts
     double lackOfFit = 0.0; // percent
     double lackOfFitDenoised = 0.0;
     int rank = 0;
-    NoiseEstimate noise;
+    double principalLackOfFit = 0.0; // percent: of as many principal components as stand above the noise; 0: unknown
     bool decayCorrected = false;
     QString isotope;
     double halfLifeSeconds = 0.0;
@@ -65,6 +65,7 @@ struct ResultFacts
     QList<QPair<QString, QString>> properties;
     std::optional<AutomaticFacts> automatic;
     std::optional<double> condition; // of the spectra, each scaled to length 1
+    ComponentNumber above;           // the noise; none of a result that was loaded
     QList<RunWarning> warnings;
 
     bool hasTruth() const;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "engine/AutomaticRunFacts.h"
+#include "services/results/ComponentNumber.h"
 #include "services/results/TruthComparison.h"
 #include "services/warnings/RunWarning.h"
 
@@ -26,6 +27,7 @@ struct ResultNumbers
     std::vector<double> standardErrors;                          // of the map in a pixel, in its unit
     std::vector<double> amplifications;                          // of the noise, see SpectraLikeness
     std::vector<double> knownCosines;                            // of an automatic run; NaN: no source of that name
+    ComponentNumber above;                                       // the noise
     QList<RunWarning> warnings;
 };
 

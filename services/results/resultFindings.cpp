@@ -5,6 +5,7 @@
 #include "engine/EngineEnums.h"
 #include "host/CORVDataset.h"
 #include "host/CORVSequenceDataset.h"
+#include "services/results/ComponentNumber.h"
 #include "services/results/KnownSpectra.h"
 #include "services/results/ResultNumbers.h"
 #include "services/results/SaturatedPixels.h"
@@ -72,6 +73,73 @@ void findLikeness(const CORVSpumKyvo& engine, RunFindings& findings, ResultNumbe
     }
 }
 
+// What the fit leaves, by image and as the spectrum of the pixels that have more light than it explains.
+struct Rest
+{
+    std::vector<double> squares;
+    std::vector<double> spectrum;
+};
+
+Rest restOf(const CORVSpumKyvo& engine)
+{
+    const auto& data = engine.m_cube.m_data;
+    const auto images = static_cast<std::size_t>(data.num_cols());
+    Rest rest{std::vector<double>(images, 0.0), std::vector<double>(images, 0.0)};
+    std::vector<double> left(images);
+    for (long long p = 0; p < data.num_rows(); ++p) {
+        double sum = 0.0;
+        for (std::size_t j = 0; j < images; ++j) {
+            const auto image = static_cast<long long>(j);
+            left[j] = data[p][image];
+            for (long long k = 0; k < engine.m_spectra.num_rows(); ++k) {
+                left[j] -= engine.m_concentrations[k][p] * engine.m_spectra[k][image];
+            }
+            sum += left[j];
+            rest.squares[j] += left[j] * left[j];
+        }
+        for (std::size_t j = 0; j < images; ++j) {
+            rest.spectrum[j] += std::max(sum, 0.0) * left[j];
+        }
+    }
+    return rest;
+}
+
+void findRest(const CORVSpumKyvo& engine, RunFindings& findings, const ResultNumbers& numbers)
+{
+    const ComponentNumber& above = numbers.above;
+    findings.likelyComponents = above.likely;
+    findings.leastComponents = above.least;
+    findings.mostComponents = above.most;
+    if (above.likely < 1) {
+        return;
+    }
+    const double images = static_cast<double>(engine.m_cube.m_data.num_cols());
+    const double free = images - static_cast<double>(engine.m_spectra.num_rows());
+    findings.residual = numbers.residual;
+    findings.floor = above.noise * std::sqrt(std::max(free, 1.0) / images);
+    const Rest rest = restOf(engine);
+    std::vector<std::pair<double, int>> worst;
+    constexpr double beyond = 2.0;
+    for (std::size_t j = 0; j < rest.squares.size(); ++j) {
+        const double size = std::sqrt(rest.squares[j] / static_cast<double>(engine.m_cube.m_data.num_rows()));
+        if (size > beyond * above.noiseOfImages[j]) {
+            worst.emplace_back(-size / std::max(above.noiseOfImages[j], std::numeric_limits<double>::min()),
+                               static_cast<int>(j));
+        }
+    }
+    std::sort(worst.begin(), worst.end());
+    for (const auto& image : worst) {
+        findings.unexplainedImages.append(pairText(engine.m_selectedKeyPairs.value(image.second)));
+    }
+    std::vector<double> spectrum = rest.spectrum;
+    std::replace_if(
+        spectrum.begin(), spectrum.end(), [](double value) { return value < 0.0; }, 0.0);
+    findings.restLooksLike = backgroundLike(engine, spectrum);
+    if (findings.givenNames.contains(findings.restLooksLike)) {
+        findings.restLooksLike.clear();
+    }
+}
+
 void findNames(const CORVSpumKyvo& engine, RunFindings& findings, ResultNumbers& numbers)
 {
     const QList<KnownLikeness> likeness = likenessToNames(engine);
@@ -126,6 +194,8 @@ RunFindings findingsOfResult(const CORVSpumKyvo& engine, const CORVSequenceDatas
     }
     findSaturation(engine, findings);
     findLikeness(engine, findings, numbers);
+    numbers.above = ComponentNumber::of(engine.m_cube.m_data);
+    findRest(engine, findings, numbers);
     findBinning(engine, sequence, findings);
     if (bResolved) {
         findNames(engine, findings, numbers);

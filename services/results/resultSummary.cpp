@@ -52,9 +52,8 @@ void addRun(const AutomaticFacts& facts, QJsonObject& json)
     json.insert(QStringLiteral("lackOfFit"), jsonNumber(facts.lackOfFit));
     json.insert(QStringLiteral("lackOfFitDenoised"), jsonNumber(facts.lackOfFitDenoised));
     json.insert(QStringLiteral("rank"), facts.rank);
-    if (facts.noise.components > 0) {
-        json.insert(QStringLiteral("componentsAboveNoise"), facts.noise.components);
-        json.insert(QStringLiteral("principalLackOfFit"), jsonNumber(facts.noise.lackOfFit));
+    if (facts.principalLackOfFit > 0.0) {
+        json.insert(QStringLiteral("principalLackOfFit"), jsonNumber(facts.principalLackOfFit));
     }
     if (facts.decayCorrected) {
         json.insert(QStringLiteral("decayCorrected"),
@@ -159,6 +158,7 @@ QJsonObject resultJson(const ResultFacts& facts, const QStringList& files)
                      {"properties", properties},
                      {"files", QJsonArray::fromStringList(files)}};
     addKnown(facts.condition, "condition", json);
+    facts.above.addTo(json);
     if (facts.automatic) {
         addRun(*facts.automatic, json);
     }

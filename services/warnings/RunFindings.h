@@ -26,7 +26,18 @@ struct RunFindings
     QList<Component> components;
     bool resolved = false; // the spectra came from the images; else they were given
 
-    int images = 0;       // of the selection
+    int images = 0; // of the selection
+    // Components above the noise: those that clearly are, those that may be, and the likely number; 0: not known.
+    int leastComponents = 0;
+    int mostComponents = 0;
+    int likelyComponents = 0;
+    // Norm of what the fit leaves, and of what noise alone would leave, of that of the data; the images in which it is
+    // most beyond the noise; a source of the database that the rest looks like.
+    double residual = notKnown;
+    double floor = notKnown;
+    QStringList unexplainedImages;
+    QString restLooksLike;
+
     long long pixels = 0; // analysed, over all spots
     // Pixels at the top of the camera's range, the images that they are in, and the component that most of them show.
     long long saturatedPixels = 0;

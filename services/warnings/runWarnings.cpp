@@ -18,6 +18,12 @@ constexpr double smallestKnownCosine = 0.8;
 constexpr double clearlyNearer = 0.02;
 // A map that is the sum over times in which the light fades by a twentieth is off by about as much.
 constexpr double smallestDecay = 1.05;
+// At twice the noise three quarters of the square of what is left are light that no component explains; from four times
+// on it is nearly all, and the maps have taken up as much of it as they could.
+constexpr double timesTheFloor = 2.0;
+constexpr double wrongFrom = 4.0;
+// What images without noise leave is the rounding of files, and the end of a resolution at 0.1 %.
+constexpr double smallestRest = 2e-3;
 constexpr int listed = 6;
 
 QString listText(const QStringList& names)
@@ -169,6 +175,49 @@ void addIterationLimit(const RunFindings& findings, QList<RunWarning>& warnings)
     }
 }
 
+void addNumber(const RunFindings& findings, QList<RunWarning>& warnings)
+{
+    const int given = findings.components.size();
+    const QString advice = QStringLiteral("try %1 components").arg(findings.likelyComponents);
+    if (findings.likelyComponents > 0 && given < findings.leastComponents) {
+        warnings.append({Severity::Warning, QStringLiteral("too-few-components"),
+                         QStringLiteral("%1 were unmixed, and %2 stand clearly above the noise of the images")
+                             .arg(counted(given, "component", "components"))
+                             .arg(findings.leastComponents),
+                         advice});
+    }
+    if (findings.likelyComponents > 0 && findings.resolved && given > findings.mostComponents) {
+        warnings.append({Severity::Warning, QStringLiteral("too-many-components"),
+                         QStringLiteral("%1 were unmixed, and not more than %2 stand above the noise of the images: a "
+                                        "map may be one of noise, or a part of another")
+                             .arg(counted(given, "component", "components"))
+                             .arg(findings.mostComponents),
+                         advice});
+    }
+}
+
+void addRest(const RunFindings& findings, QList<RunWarning>& warnings)
+{
+    if (!(findings.residual > timesTheFloor * findings.floor) || !(findings.residual > smallestRest)) {
+        return;
+    }
+    RunWarning warning;
+    warning.severity = findings.residual > wrongFrom * findings.floor ? Severity::Error : Severity::Warning;
+    warning.code = QStringLiteral("unexplained");
+    warning.text = QStringLiteral("the components leave %1 % of the images unexplained, where noise would leave %2 %")
+                       .arg(number(100.0 * findings.residual), number(100.0 * findings.floor));
+    if (!findings.unexplainedImages.isEmpty()) {
+        warning.text += QStringLiteral(", most in %1").arg(listText(findings.unexplainedImages));
+    }
+    if (findings.restLooksLike.isEmpty()) {
+        warning.advice = QStringLiteral("a source is missing, or the spectra are of another unit or other filters");
+    } else {
+        warning.text += QStringLiteral("; what is left looks like %1").arg(findings.restLooksLike);
+        warning.advice = QStringLiteral("add %1").arg(findings.restLooksLike);
+    }
+    warnings.append(warning);
+}
+
 } // namespace
 
 QList<RunWarning> runWarnings(const RunFindings& findings)
@@ -176,6 +225,8 @@ QList<RunWarning> runWarnings(const RunFindings& findings)
     QList<RunWarning> warnings;
     addSaturation(findings, warnings);
     addUnexplained(findings, warnings);
+    addRest(findings, warnings);
+    addNumber(findings, warnings);
     addAlike(findings, warnings);
     addIterationLimit(findings, warnings);
     addNames(findings, warnings);

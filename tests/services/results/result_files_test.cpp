@@ -343,9 +343,16 @@ TEST_F(ResultFilesTest, AnAutomaticRunTellsWhatStandsAboveTheNoise)
     analyse();
     m_numbers.automatic = true;
     m_numbers.facts.eigenvalues = {1e6, 1e5, 1e4, 1.0, 1.0, 1.0, 1.0};
+    m_numbers.above.likely = 3;
+    m_numbers.above.least = 2;
+    m_numbers.above.most = 4;
+    m_numbers.above.noise = 0.25;
     writeFiles();
     const QJsonObject json = writtenJson();
     EXPECT_EQ(json["componentsAboveNoise"], 3);
+    EXPECT_EQ(json["componentsAboveNoiseLeast"], 2);
+    EXPECT_EQ(json["componentsAboveNoiseMost"], 4);
+    EXPECT_EQ(json["noise"], 0.25);
     EXPECT_NEAR(json["principalLackOfFit"].toDouble(), 100.0 * std::sqrt(4.0 / 1110004.0), 1e-12);
     const QString text = ResultFiles(engine(), m_numbers, out()).summaryText();
     // No advice: of images that nobody simulated the estimate can be far off.

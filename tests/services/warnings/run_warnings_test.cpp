@@ -141,6 +141,58 @@ TEST(RunWarningsTest, SpectraThatAmplifyTheNoiseTenTimesAreToldWithThePair)
     EXPECT_TRUE(onlyWarning(alike(INFINITY)).text.contains("is amplified without limit, and"));
 }
 
+TEST(RunWarningsTest, TooFewAndTooManyComponentsAreTold)
+{
+    const auto above = [](int nLeast, int nLikely, int nMost) {
+        return [=](RunFindings& findings) {
+            findings.leastComponents = nLeast;
+            findings.likelyComponents = nLikely;
+            findings.mostComponents = nMost;
+            findings.resolved = true;
+        };
+    };
+    EXPECT_TRUE(isQuiet(above(2, 2, 2)));
+    EXPECT_TRUE(isQuiet(above(2, 3, 4)));
+    EXPECT_TRUE(isQuiet(above(1, 1, 2)));
+    const RunWarning few = onlyWarning(above(3, 4, 5));
+    EXPECT_EQ(few.code, "too-few-components");
+    EXPECT_EQ(few.sentence(), "2 components were unmixed, and 3 stand clearly above the noise of the images; try 4 "
+                              "components");
+    EXPECT_EQ(onlyWarning(above(1, 1, 1)).code, "too-many-components");
+    // Known spectra may well be more than there are.
+    EXPECT_TRUE(isQuiet([&](RunFindings& findings) {
+        above(1, 1, 1)(findings);
+        findings.resolved = false;
+    }));
+}
+
+TEST(RunWarningsTest, ARestFarAboveTheNoiseIsToldWithWhereAndWhatItLooksLike)
+{
+    const auto rest = [](double dResidual, const QString& strLike = QString()) {
+        return [=](RunFindings& findings) {
+            findings.residual = dResidual;
+            findings.floor = 0.01;
+            findings.unexplainedImages = QStringList{"605/660", "605/640"};
+            findings.restLooksLike = strLike;
+        };
+    };
+    EXPECT_TRUE(isQuiet(rest(0.02)));
+    const RunWarning some = onlyWarning(rest(0.03));
+    EXPECT_EQ(some.code, "unexplained");
+    EXPECT_EQ(some.severity, Severity::Warning);
+    EXPECT_EQ(some.text, "the components leave 3 % of the images unexplained, where noise would leave 1 %, most in "
+                         "605/660, 605/640");
+    const RunWarning food = onlyWarning(rest(0.085, "Food"));
+    EXPECT_EQ(food.severity, Severity::Error);
+    EXPECT_TRUE(food.text.endsWith("; what is left looks like Food"));
+    EXPECT_EQ(food.advice, "add Food");
+    // Exact images leave the rounding of files.
+    EXPECT_TRUE(isQuiet([&](RunFindings& findings) {
+        rest(1e-3)(findings);
+        findings.floor = 1e-7;
+    }));
+}
+
 TEST(RunWarningsTest, OnlyPixelsThatWereAddedAreUpsampled)
 {
     const RunWarning warning = onlyWarning([](RunFindings& findings) { findings.binning = 1; });

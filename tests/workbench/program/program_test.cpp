@@ -188,7 +188,8 @@ TEST_F(ProgramTest, TheTraceHasAFileOfItsOwn)
     EXPECT_TRUE(QFileInfo::exists(path("trace.txt")));
     // Iterations are told there, and nowhere else.
     const ProgramResult automatic =
-        succeed({"unmix", "seq", "--ncomponents", "2", "--trace", "iterations.txt", "--json"});
+        succeed({"unmix", "seq", "--ncomponents", "2", "--trace", "iterations.txt", "--json"},
+                {"unexplained", "too-few-components"});
     const QByteArray trace = contentOf(path("iterations.txt"));
     EXPECT_EQ(trace.count("Iteration: "), automatic.json()["iterations"].toInt()) << trace.right(400).constData();
     EXPECT_FALSE(automatic.out.contains("Iteration: "));
@@ -382,6 +383,8 @@ TEST_F(ProgramTest, ManyBandsAreUnmixedWithoutOptions)
         const QString name = QStringLiteral("seq") + bands;
         succeed({"simulate", name, "--size", "96", "--bands", bands, "--quiet"});
         // Food is none of the names that are proposed of a fed animal.
-        EXPECT_EQ(succeed({"unmix", name, "--json"}, {"not-its-name"}).json()["images"], QString(bands).toInt());
+        EXPECT_EQ(
+            succeed({"unmix", name, "--json"}, {"not-its-name", "unexplained", "too-few-components"}).json()["images"],
+            QString(bands).toInt());
     }
 }

@@ -64,7 +64,7 @@ TEST_F(WarningsProgramTest, FoodUnderTheNameOfADyeIsTold)
     simulateAnew({});
     const ProgramResult result = spum({"unmix", "seq", "--out", "out", "--json"});
     const QJsonArray warnings = result.json()["warnings"].toArray();
-    ASSERT_EQ(warnings.size(), 1);
+    ASSERT_GE(warnings.size(), 1);
     EXPECT_EQ(warnings[0].toObject()["code"], "not-its-name");
     EXPECT_EQ(warnings[0].toObject()["severity"], "error");
     EXPECT_TRUE(warnings[0].toObject()["text"].toString().contains("\"AlexaFluor 750\""));
@@ -73,6 +73,21 @@ TEST_F(WarningsProgramTest, FoodUnderTheNameOfADyeIsTold)
         const QJsonObject component = value.toObject();
         EXPECT_EQ(component["nameCosine"].toDouble() < 0.8, component["name"] == "AlexaFluor 750");
     }
+}
+
+// Food is not among what is proposed, nor in the library.
+TEST_F(WarningsProgramTest, ALightThatNoComponentExplainsIsToldAndThatThereAreTooFew)
+{
+    simulateAnew({});
+    EXPECT_EQ(codes({}), (QStringList{"not-its-name", "unexplained", "too-few-components"}));
+    const QString report = QString::fromUtf8(contentOf(path("out/report.html")));
+    EXPECT_TRUE(report.contains("of the images unexplained, where noise would leave"));
+    const QJsonObject json = spum({"pca", "seq", "--out", "pca", "--json"}).json();
+    EXPECT_EQ(json["componentsAboveNoise"], 4);
+    EXPECT_TRUE(spum({"pca", "seq", "--out", "pca", "--force"}).out.contains("Components above the noise: 4\n"));
+    EXPECT_EQ(codes({"--library", truth()}), QStringList());
+    EXPECT_EQ(codes({"--ncomponents", "6"}).filter("too-many-components").size(), 1);
+    EXPECT_EQ(codes({"--ncomponents", "4"}).filter("components").size(), 0);
 }
 
 TEST_F(WarningsProgramTest, SpectraThatAreNearlyTheSameAreToldWithThePair)

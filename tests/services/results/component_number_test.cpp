@@ -1,0 +1,154 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "services/results/ComponentNumber.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace {
+
+using XTNT::Matrix;
+
+constexpr int side = 64;
+
+struct Scene
+{
+    int components = 4;
+    int images = 18;
+    unsigned seed = 1;
+    double peak = 20000.0; // electrons at the brightest element
+    double readNoise = 10.0;
+    bool noise = true;
+    double unit = 1.0; // that of image j is unit^j
+};
+
+// Round spots of light with bell-shaped spectra side by side, the first everywhere; negative values are cut as in a
+// cube.
+Matrix<double> dataOf(const Scene& scene)
+{
+    std::mt19937 random(scene.seed);
+    std::uniform_real_distribution<double> even(0.0, 1.0);
+    std::normal_distribution<double> normal;
+    std::vector<std::vector<double>> maps;
+    std::vector<std::vector<double>> spectra;
+    for (int k = 0; k < scene.components; ++k) {
+        const double x = side * (0.2 + 0.6 * even(random));
+        const double y = side * (0.2 + 0.6 * even(random));
+        const double radius = k == 0 ? side : side * (0.08 + 0.1 * even(random));
+        std::vector<double> map;
+        for (int i = 0; i < side * side; ++i) {
+            map.push_back(std::exp(-0.5 * (std::pow(i % side - x, 2) + std::pow(i / side - y, 2)) / (radius * radius)));
+        }
+        maps.push_back(map);
+        const double centre = scene.images * (k + 0.5) / scene.components;
+        const double width = std::max(1.0, 0.1 * scene.images) * (0.8 + 0.4 * even(random));
+        std::vector<double> spectrum;
+        for (int j = 0; j < scene.images; ++j) {
+            spectrum.push_back(0.05 + std::exp(-0.5 * std::pow((j - centre) / width, 2)));
+        }
+        spectra.push_back(spectrum);
+    }
+    Matrix<double> data(side * side, scene.images);
+    double largest = 0.0;
+    for (int i = 0; i < side * side; ++i) {
+        for (int j = 0; j < scene.images; ++j) {
+            for (std::size_t k = 0; k < maps.size(); ++k) {
+                data[i][j] += maps[k][static_cast<std::size_t>(i)] * spectra[k][static_cast<std::size_t>(j)];
+            }
+            largest = std::max(largest, data[i][j]);
+        }
+    }
+    for (int i = 0; i < side * side; ++i) {
+        for (int j = 0; j < scene.images; ++j) {
+            const double mean = data[i][j] / largest * scene.peak;
+            const double deviation = std::sqrt(mean + scene.readNoise * scene.readNoise);
+            data[i][j] =
+                std::max(0.0, mean + (scene.noise ? deviation * normal(random) : 0.0)) * std::pow(scene.unit, j);
+        }
+    }
+    return data;
+}
+
+} // namespace
+
+TEST(ComponentNumberTest, IsWithinOneOfTheTruthFromTwoToEightComponents)
+{
+    for (int components = 2; components <= 8; ++components) {
+        int exact = 0;
+        for (unsigned seed = 1; seed <= 20; ++seed) {
+            Scene scene;
+            scene.components = components;
+            scene.seed = seed;
+            const ComponentNumber number = ComponentNumber::of(dataOf(scene));
+            EXPECT_NEAR(number.likely, components, 1) << components << " components, seed " << seed;
+            EXPECT_LE(number.least, number.likely);
+            EXPECT_GE(number.most, number.likely);
+            exact += number.likely == components ? 1 : 0;
+        }
+        RecordProperty("exact_of_20_with_" + std::to_string(components), exact);
+        EXPECT_GE(exact, 10) << components;
+    }
+}
+
+TEST(ComponentNumberTest, TheUnitOfAnImageDoesNotMatter)
+{
+    Scene scene;
+    const ComponentNumber counts = ComponentNumber::of(dataOf(scene));
+    scene.unit = 3.0;
+    const ComponentNumber units = ComponentNumber::of(dataOf(scene));
+    EXPECT_EQ(counts.likely, units.likely);
+    EXPECT_EQ(counts.least, units.least);
+    ASSERT_EQ(units.noiseOfImages.size(), 18U);
+    EXPECT_NEAR(units.noiseOfImages[3] / counts.noiseOfImages[3] / 27.0, 1.0, 1e-3);
+}
+
+TEST(ComponentNumberTest, ManyBandsDoNotMakeManyComponents)
+{
+    Scene scene;
+    scene.images = 120;
+    EXPECT_NEAR(ComponentNumber::of(dataOf(scene)).likely, 4, 1);
+}
+
+TEST(ComponentNumberTest, ExactDataHaveTheirRank)
+{
+    Scene scene;
+    scene.noise = false;
+    scene.components = 5;
+    EXPECT_EQ(ComponentNumber::of(dataOf(scene)).likely, 5);
+}
+
+// What noise leaves of the data's norm, against what was put in.
+TEST(ComponentNumberTest, TheNoiseIsThatOfTheData)
+{
+    Scene scene;
+    const Matrix<double> noisy = dataOf(scene);
+    scene.noise = false;
+    const Matrix<double> exact = dataOf(scene);
+    double rest = 0.0;
+    double squares = 0.0;
+    for (long long i = 0; i < noisy.num_rows(); ++i) {
+        for (long long j = 0; j < noisy.num_cols(); ++j) {
+            rest += std::pow(noisy[i][j] - exact[i][j], 2);
+            squares += noisy[i][j] * noisy[i][j];
+        }
+    }
+    EXPECT_NEAR(ComponentNumber::of(noisy).noise / std::sqrt(rest / squares), 1.0, 0.1);
+}
+
+TEST(ComponentNumberTest, TwoImagesAndDarkOnesTellNothing)
+{
+    Scene scene;
+    scene.images = 2;
+    scene.components = 2;
+    EXPECT_EQ(ComponentNumber::of(dataOf(scene)).likely, 0);
+    EXPECT_EQ(ComponentNumber::of(Matrix<double>()).likely, 0);
+    EXPECT_EQ(ComponentNumber::of(Matrix<double>(1000, 8)).likely, 0);
+    EXPECT_EQ(ComponentNumber::of(Matrix<double>(4, 8, 1.0)).likely, 0);
+    Matrix<double> broken = dataOf(Scene());
+    broken[0][0] = std::nan("");
+    EXPECT_EQ(ComponentNumber::of(broken).likely, 0);
+}
