@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // A batch in the main window: chosen, run one sequence after the other, aborted, and told.
 #include "MainWindowFixture.h"
+#include "mnemonics.h"
 
 #include "host/CORVLog.h"
 #include "host/CORVMessageBox.h"
@@ -10,6 +11,7 @@
 #include "workbench/application/BatchRun.h"
 
 #include <QApplication>
+#include <QCheckBox>
 #include <QClipboard>
 #include <QDir>
 #include <QDropEvent>
@@ -46,6 +48,7 @@ public:
         }
         m_pLast = pSequence;
         m_worked << pSequence->getSequenceName();
+        m_modes << CORVUtilityFns::getAdaptFLBgModeForSpumBatch();
         m_nOpenAtStart << CORVSequenceDataset::openSequences().size();
         const QString strPath = pSequence->getSequenceInfoPath();
         log(QStringLiteral("Spectral Unmixing for sequence :- ") + strPath, CORVLOG_NOTE);
@@ -75,6 +78,7 @@ public:
     bool m_bStatusAtChoice = false;
     int m_nEnded = 0;
     QStringList m_worked;
+    QList<int> m_modes; // of the adaptive background
     QList<int> m_nOpenAtStart;
     QStringList m_refused;  // not taken up
     QStringList m_broken;   // no result
@@ -157,6 +161,8 @@ protected:
             for (int i = 0; i < pTable->rowCount(); ++i) {
                 m_verdicts << pTable->item(i, 2)->text();
             }
+            mnemonics::expectUnique(*pDialog);
+            pDialog->findChild<QCheckBox*>("batchAdaptive")->setChecked(m_bAdaptive);
             auto* pButton = pDialog->findChild<QPushButton*>(bAccept ? "batchStart" : "batchCancel");
             EXPECT_TRUE(pButton->isEnabled());
             (pButton->isEnabled() ? pButton : pDialog->findChild<QPushButton*>("batchCancel"))->click();
@@ -180,6 +186,7 @@ protected:
 
     BatchTool* m_pBatchTool = nullptr;
     int m_nTurns = 0;
+    bool m_bAdaptive = false;
     QString m_strSummary;
     QStringList m_verdicts;
 };
@@ -222,6 +229,7 @@ TEST_F(BatchRunTest, TheTableTellsAndIsCopied)
     EXPECT_TRUE(find<QLabel>("batchTotals")->text().startsWith("2 of 2 unmixed; 2 warnings; "));
     find<QPushButton>("batchCopy")->click();
     EXPECT_EQ(QApplication::clipboard()->text(), QString::fromUtf8(batch().sheet().csv()));
+    mnemonics::expectUnique(*find("batchWindow"));
     find<QPushButton>("batchClose")->click();
     EXPECT_FALSE(find("batchWindow")->isVisible());
 }
@@ -346,6 +354,27 @@ TEST_F(BatchRunTest, WithoutSpectraOrSequencesNothingBegins)
     ASSERT_TRUE(m_pWindow->open(strOne));
     EXPECT_TRUE(m_pBatchTool->m_worked.isEmpty());
     EXPECT_EQ(m_pTool->m_told.last(), "changed mouse") << "the tool hears of sequences again";
+}
+
+TEST_F(BatchRunTest, TheAdaptiveBackgroundIsTheUsersChoice)
+{
+    const QString strOne = copy("one");
+    choose({strOne});
+    waitForEnd();
+    m_bAdaptive = true;
+    choose({strOne});
+    waitForEnd();
+    EXPECT_EQ(m_pBatchTool->m_modes, (QList<int>{0, 1}));
+    EXPECT_EQ(CORVUtilityFns::getAdaptFLBgModeForSpumBatch(), 0);
+}
+
+TEST_F(BatchRunTest, WhoKeepsAnUnsavedResultBeginsNoBatch)
+{
+    m_pTool->m_askToSave = [] { CORVMessageBox::setCancelClicked(true); };
+    trigger("batchAction");
+    EXPECT_EQ(m_pTool->m_told.last(), "ask");
+    EXPECT_FALSE(m_pBatchTool->m_bStatusAtChoice);
+    EXPECT_FALSE(batch().isRunning());
 }
 
 TEST_F(BatchRunTest, QuittingAbortsTheBatch)
