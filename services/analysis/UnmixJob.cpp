@@ -202,7 +202,7 @@ void UnmixJob::fit(const QElapsedTimer& timer)
         throw Failure(QStringLiteral("unmixing aborted by user"), Failure::Kind::Aborted);
     }
     if (engine.hasError()) {
-        throw Failure(engine.getErrorText());
+        throw Failure(engine.getErrorText(), adviceAgainstFailure());
     }
     const XTNT::CancellationCheck check([this] { m_monitor.stopIfRequested(); });
     XTNT::cancellationPoint();
@@ -212,6 +212,25 @@ void UnmixJob::fit(const QElapsedTimer& timer)
     m_numbers.seconds = seconds;
     m_numbers.automatic = isAutomatic();
     takeWarnings();
+}
+
+// A resolution of named components falls apart where they are not all there: an animal without food has its tissue
+// alone beside the dyes, and tissue and dyes alone may be too alike at the start.
+QString UnmixJob::adviceAgainstFailure()
+{
+    const CORVSpumKyvo& engine = m_setUp.engine();
+    if (!isAutomatic() || engine.m_nError != RUNERROR_NO_SOLUTION) {
+        return QString();
+    }
+    const QStringList& names = engine.m_analysisInput.componentNames;
+    if (m_request.automatic.count > 0) {
+        return QStringLiteral("fewer components (--ncomponents) or names (--components) may have one");
+    }
+    const bool food = names.contains(QStringLiteral("Food"));
+    return QStringLiteral("of %1 no start was found that holds; %2--ncomponents %3 asks for as many without names")
+        .arg(names.join(QStringLiteral(", ")),
+             food ? QString() : QStringLiteral("Food among --components may have a solution, and "))
+        .arg(names.size());
 }
 
 void UnmixJob::takeWarnings()

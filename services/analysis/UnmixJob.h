@@ -46,6 +46,7 @@ private:
     void takeIsotope();
     // The time is counted from the reading of the images on.
     void fit(const QElapsedTimer& timer);
+    QString adviceAgainstFailure();
     void takeWarnings();
     ReportFrame reportFrame();
     void showPictures();

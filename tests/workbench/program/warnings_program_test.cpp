@@ -90,6 +90,18 @@ TEST_F(WarningsProgramTest, ALightThatNoComponentExplainsIsToldAndThatThereAreTo
     EXPECT_EQ(codes({"--ncomponents", "4"}).filter("components").size(), 0);
 }
 
+// An animal without food, all of whose sources are named rightly.
+TEST_F(WarningsProgramTest, WhereThereIsNoSolutionItIsToldWhatToDo)
+{
+    simulateAnew({"--food-ratio", "0"});
+    EXPECT_EQ(
+        refusal({"unmix", "seq", "--out", "out"}),
+        "No solution! Please adjust the setup!; of TissueAF, AlexaFluor 750, AlexaFluor 790 no start was found that "
+        "holds; Food among --components may have a solution, and --ncomponents 3 asks for as many without names");
+    EXPECT_EQ(spum(QStringList{"unmix", "seq", "--out", "out"} + mouseNames).status, 0);
+    EXPECT_EQ(spum({"unmix", "seq", "--out", "out", "--replace", "--ncomponents", "3"}).status, 0);
+}
+
 TEST_F(WarningsProgramTest, SpectraThatAreNearlyTheSameAreToldWithThePair)
 {
     smallSequence().writeTo(path("seq"));
