@@ -100,8 +100,9 @@ void BatchWindow::makeButtons()
         pRow->addWidget(pButton);
     }
     static_cast<QVBoxLayout*>(layout())->addLayout(pRow);
-    connect(m_pAbortSequence, &QPushButton::clicked, &m_run, &BatchRun::abortSequence);
-    connect(m_pAbortAll, &QPushButton::clicked, &m_run, &BatchRun::abortAll);
+    // The window of the next sequence takes the focus, and a button that loses it while it is down is not clicked.
+    connect(m_pAbortSequence, &QPushButton::pressed, &m_run, &BatchRun::abortSequence);
+    connect(m_pAbortAll, &QPushButton::pressed, &m_run, &BatchRun::abortAll);
     connect(m_pCopy, &QPushButton::clicked, this, &BatchWindow::copy);
     connect(m_pClose, &QPushButton::clicked, this, &BatchWindow::reject);
 }
