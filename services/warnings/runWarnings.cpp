@@ -175,11 +175,18 @@ void addIterationLimit(const RunFindings& findings, QList<RunWarning>& warnings)
     }
 }
 
+bool isRestLarge(const RunFindings& findings)
+{
+    return findings.residual > timesTheFloor * findings.floor && findings.residual > smallestRest;
+}
+
 void addNumber(const RunFindings& findings, QList<RunWarning>& warnings)
 {
     const int given = findings.components.size();
     const QString advice = QStringLiteral("try %1 components").arg(findings.likelyComponents);
-    if (findings.likelyComponents > 0 && given < findings.leastComponents) {
+    // Known spectra that leave little are enough for what they are to explain, whatever else shows in real images.
+    const bool enough = !findings.resolved && !isRestLarge(findings);
+    if (findings.likelyComponents > 0 && given < findings.leastComponents && !enough) {
         warnings.append({Severity::Warning, QStringLiteral("too-few-components"),
                          QStringLiteral("%1 were unmixed, and %2 stand clearly above the noise of the images")
                              .arg(counted(given, "component", "components"))
@@ -198,7 +205,7 @@ void addNumber(const RunFindings& findings, QList<RunWarning>& warnings)
 
 void addRest(const RunFindings& findings, QList<RunWarning>& warnings)
 {
-    if (!(findings.residual > timesTheFloor * findings.floor) || !(findings.residual > smallestRest)) {
+    if (!isRestLarge(findings)) {
         return;
     }
     RunWarning warning;

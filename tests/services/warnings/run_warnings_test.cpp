@@ -159,6 +159,12 @@ TEST(RunWarningsTest, TooFewAndTooManyComponentsAreTold)
     EXPECT_EQ(few.sentence(), "2 components were unmixed, and 3 stand clearly above the noise of the images; try 4 "
                               "components");
     EXPECT_EQ(onlyWarning(above(1, 1, 1)).code, "too-many-components");
+    // Known spectra that leave little are enough.
+    EXPECT_TRUE(isQuiet([&](RunFindings& findings) {
+        above(3, 4, 5)(findings);
+        findings.resolved = false;
+        findings.residual = findings.floor = 0.01;
+    }));
     // Known spectra may well be more than there are.
     EXPECT_TRUE(isQuiet([&](RunFindings& findings) {
         above(1, 1, 1)(findings);
