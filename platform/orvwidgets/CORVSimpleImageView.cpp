@@ -15,7 +15,6 @@
 #include <algorithm>
 
 using orvwidgets::CropGeometry;
-using orvwidgets::CropPart;
 using orvwidgets::ViewIcon;
 
 namespace {
@@ -263,22 +262,7 @@ void CORVSimpleImageView::cropChanged(bool bChanged)
 
 void CORVSimpleImageView::showCursorOf(const QPointF& point)
 {
-    switch (m_state->m_crop.partAt(point, pictureRect())) {
-    case CropPart::TopLeft:
-    case CropPart::BottomRight:
-        setCursor(Qt::SizeFDiagCursor);
-        break;
-    case CropPart::TopRight:
-    case CropPart::BottomLeft:
-        setCursor(Qt::SizeBDiagCursor);
-        break;
-    case CropPart::Inside:
-        setCursor(Qt::SizeAllCursor);
-        break;
-    case CropPart::Outside:
-        setCursor(Qt::CrossCursor);
-        break;
-    }
+    setCursor(orvwidgets::cursorOver(m_state->m_crop.partAt(point, pictureRect())));
 }
 
 void CORVSimpleImageView::mousePressEvent(QMouseEvent* pEvent)

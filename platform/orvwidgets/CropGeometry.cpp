@@ -34,6 +34,23 @@ QPointF perShown(const QPointF& delta, const QRectF& shown)
 
 } // namespace
 
+Qt::CursorShape cursorOver(CropPart ePart)
+{
+    switch (ePart) {
+    case CropPart::TopLeft:
+    case CropPart::BottomRight:
+        return Qt::SizeFDiagCursor;
+    case CropPart::TopRight:
+    case CropPart::BottomLeft:
+        return Qt::SizeBDiagCursor;
+    case CropPart::Inside:
+        return Qt::SizeAllCursor;
+    case CropPart::Outside:
+        break;
+    }
+    return Qt::CrossCursor;
+}
+
 QPointF CropGeometry::part(const QPointF& point, const QRectF& shown)
 {
     return {std::clamp((point.x() - shown.left()) / shown.width(), 0.0, 1.0),

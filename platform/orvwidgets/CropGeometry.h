@@ -20,6 +20,9 @@ enum class CropPart
     BottomRight
 };
 
+// The pointer over a part; outside one that draws.
+Qt::CursorShape cursorOver(CropPart ePart);
+
 // A crop that is drawn, moved and resized over a displayed picture. It is kept in parts of the picture, so that it
 // stays over the same pixels when the view is zoomed or resized. `shown` is where the picture lies in the view, y
 // downwards.

@@ -168,25 +168,11 @@ void DatasetView::mouseMoveEvent(QMouseEvent* pEvent)
 
 void DatasetView::showCursorAt(const QPointF& point)
 {
-    switch (m_image.isEmpty() ? CropPart::Outside : m_regions.partAt(point, pictureRect())) {
-    case CropPart::TopLeft:
-    case CropPart::BottomRight:
-        setCursor(Qt::SizeFDiagCursor);
-        break;
-    case CropPart::TopRight:
-    case CropPart::BottomLeft:
-        setCursor(Qt::SizeBDiagCursor);
-        break;
-    case CropPart::Inside:
-        setCursor(Qt::SizeAllCursor);
-        break;
-    case CropPart::Outside:
-        if (m_regions.tool() == RegionEditor::Tool::None) {
-            unsetCursor();
-        } else {
-            setCursor(Qt::CrossCursor);
-        }
-        break;
+    const CropPart ePart = m_image.isEmpty() ? CropPart::Outside : m_regions.partAt(point, pictureRect());
+    if (ePart == CropPart::Outside && m_regions.tool() == RegionEditor::Tool::None) {
+        unsetCursor();
+    } else {
+        setCursor(orvwidgets::cursorOver(ePart));
     }
 }
 

@@ -193,4 +193,14 @@ TEST(CropGeometryTest, AViewWithoutAPictureTakesNoPress)
 }
 
 } // namespace
+TEST(CropCursorTest, TellsWhatAPressThereWouldDo)
+{
+    EXPECT_EQ(cursorOver(CropPart::Outside), Qt::CrossCursor);
+    EXPECT_EQ(cursorOver(CropPart::Inside), Qt::SizeAllCursor);
+    EXPECT_EQ(cursorOver(CropPart::TopLeft), Qt::SizeFDiagCursor);
+    EXPECT_EQ(cursorOver(CropPart::BottomRight), Qt::SizeFDiagCursor);
+    EXPECT_EQ(cursorOver(CropPart::TopRight), Qt::SizeBDiagCursor);
+    EXPECT_EQ(cursorOver(CropPart::BottomLeft), Qt::SizeBDiagCursor);
+}
+
 } // namespace orvwidgets
