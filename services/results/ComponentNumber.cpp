@@ -214,7 +214,9 @@ ScaledRows scaledRows(const Matrix<double>& data, const std::vector<long long>& 
                       const std::vector<long long>& groups)
 {
     const long long columns = 1 + *std::max_element(groups.begin(), groups.end());
-    ScaledRows scaled{Matrix<double>(static_cast<long long>(rows.size()), columns), Values(at(columns), 0.0)};
+    ScaledRows scaled;
+    scaled.values = Matrix<double>(static_cast<long long>(rows.size()), columns);
+    scaled.columnScales.assign(at(columns), 0.0);
     for (std::size_t i = 0; i < rows.size(); ++i) {
         double* target = scaled.values[static_cast<long long>(i)];
         for (std::size_t j = 0; j < groups.size(); ++j) {
@@ -257,7 +259,8 @@ void tellNoise(const Matrix<double>& data, const Values& sums, const std::vector
             light[at(groups[j])] += sums[j];
         }
     }
-    const auto sampled = static_cast<double>((data.num_rows() + nStride - 1) / nStride);
+    const long long nSampled = (data.num_rows() + nStride - 1) / nStride;
+    const auto sampled = static_cast<double>(nSampled);
     double meanLight = 0.0;
     for (std::size_t g = 0; g < light.size(); ++g) {
         meanLight += light[g] / sampled / scaled.columnScales[g] / static_cast<double>(light.size());
