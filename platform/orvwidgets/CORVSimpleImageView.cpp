@@ -115,9 +115,10 @@ void CORVSimpleImageView::makeActions()
     connect(s.m_pZoomOut, &QAction::triggered, this, &GLImageView::zoomOut);
     connect(s.m_pFit, &QAction::triggered, this, &GLImageView::fit);
     auto* pShapes = new QActionGroup(this);
+    pShapes->addAction(s.m_pRectangle);
+    pShapes->addAction(s.m_pEllipse);
     for (QAction* pShape : {s.m_pRectangle, s.m_pEllipse}) {
         pShape->setCheckable(true);
-        pShapes->addAction(pShape);
         connect(pShape, &QAction::triggered, this, [this] { chooseShape(m_state->m_pEllipse->isChecked()); });
     }
     s.m_pRectangle->setChecked(true);
