@@ -2,7 +2,6 @@
 // A batch: one choice of spectra for many sequences, which the host opens one after another.
 #include "plugin/CORVSpumKyvoPalette.h"
 
-#include "plugin/relativeResidual.h"
 #include "plugin/sequenceWindows.h"
 
 #include "engine/CORVSpumKyvo.h"
@@ -13,6 +12,8 @@
 #include "host/CORVSequenceWindow.h"
 #include "host/CORVUtilityFns.h"
 #include "host/batchResidual.h"
+#include "services/results/FitStatistics.h"
+#include "services/results/ResultNumbers.h"
 #include "spectra/SpUnmixSpectrumLibraryWnd.h"
 #include "spectra/SpectrumPlotParams.h"
 #include "spectra/logLine.h"
@@ -23,6 +24,8 @@
 #include <QPointer>
 #include <QTimer>
 #include <QVariant>
+
+#include <cmath>
 
 namespace {
 
@@ -40,6 +43,17 @@ void setAdaptiveBackground(CORVSequenceWindow* pWindow, CORVSequenceDataset& seq
         pWindow->refreshView();
     }
     sequence.setModified(false);
+}
+
+// Invalid where there is no such number.
+QVariant residualOfResult(const CORVSpumKyvo& engine)
+{
+    if (!hasMapsOfItsImages(engine)) {
+        return {};
+    }
+    const double dResidual =
+        FitStatistics::relativeResidual(engine.m_cube.m_data, engine.m_concentrations, engine.m_spectra);
+    return std::isfinite(dResidual) ? QVariant(dResidual) : QVariant();
 }
 
 } // namespace
@@ -115,8 +129,7 @@ bool CORVSpumKyvoPalette::keepBatchResult(CORVSequenceDataset& sequence)
 {
     const QPointer<CORVSpumKyvo> pEngine(m_pEngine);
     if (m_pResults->saveResultsBatch() == SaveOutcome::Saved) {
-        const auto residual = relativeResidual(pEngine->m_cube.m_data, pEngine->m_concentrations, pEngine->m_spectra);
-        sequence.setProperty(batchResidualProperty, residual ? QVariant(*residual) : QVariant());
+        sequence.setProperty(batchResidualProperty, residualOfResult(*pEngine));
     }
     const QString strFolder = resultsIndex::batchFolder(sequence.getSequenceInfoPath(), m_pResults->m_strBatchStamp) +
                               QLatin1String("/UnmixedImages");
