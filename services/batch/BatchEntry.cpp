@@ -4,6 +4,7 @@
 #include "platform/orvutils/InputFile.h"
 #include "services/batch/BatchPlaces.h"
 #include "services/batch/BatchRecord.h"
+#include "services/batch/batchDecision.h"
 #include "services/batch/resultOfFolder.h"
 
 #include <QFileInfo>
@@ -21,7 +22,7 @@ QString endedText(const QString& strFile)
     QByteArray bytes;
     QString error;
     if (!QFileInfo::exists(strFile) || !orv::readInput(strFile, 1, QStringLiteral("note"), &bytes, &error)) {
-        return QStringLiteral("there is no result yet");
+        return reasonText(BatchReason::NoResult);
     }
     return QString::fromUtf8(bytes).simplified();
 }

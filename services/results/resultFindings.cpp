@@ -10,18 +10,13 @@
 #include "services/results/ResultNumbers.h"
 #include "services/results/SaturatedPixels.h"
 #include "services/results/SpectraLikeness.h"
+#include "services/session/PairSelection.h"
 #include "spectra/SpectrumPlotParams.h"
 
 #include <algorithm>
 #include <cmath>
 
 namespace {
-
-// The images' own name for people: "675 / 780".
-QString pairText(const KeyPair& pair)
-{
-    return pair.first.isEmpty() ? pair.second : pair.first + QLatin1Char('/') + pair.second;
-}
 
 void findSaturation(const CORVSpumKyvo& engine, RunFindings& findings)
 {
