@@ -71,6 +71,21 @@ inline void fillCube(CImageCube& cube, int nSpots = 1, std::vector<int> mask = {
     cube.m_rgbImage.fill(QColor(30, 60, 120));
 }
 
+// Values that no short decimal holds, for comparisons to the bit.
+inline bool fillWithFractions(CImageCube& cube)
+{
+    for (int i = 0; i < kCubeImages; ++i) {
+        std::vector<float> pixels;
+        for (int p = 0; p < kCubeWidth * kCubeHeight; ++p) {
+            pixels.push_back(static_cast<float>(1.0 / (p + 3.7 * i + 0.1)));
+        }
+        if (!cube.setImage(0, i, pixels)) {
+            return false;
+        }
+    }
+    return true;
+}
+
 // A spectrum as an analysis makes it.
 inline std::unique_ptr<SpectrumPlotParams> spectrumOf(const QString& strName, const QString& strColor,
                                                       const std::vector<double>& values, int nType = 0)

@@ -115,13 +115,7 @@ TEST_F(ConsoleDecayTest, WhatTheAnalysisCorrectedIsNotCorrectedTwice)
 TEST_F(ConsoleDecayTest, OnAndOffTwiceGivesTheRawDataToTheBit)
 {
     openCube();
-    for (int i = 0; i < kCubeImages; ++i) {
-        std::vector<float> pixels;
-        for (int p = 0; p < kCubeWidth * kCubeHeight; ++p) {
-            pixels.push_back(static_cast<float>(1.0 / (p + 3.7 * i + 0.1)));
-        }
-        ASSERT_TRUE(m_cube.setImage(0, i, pixels));
-    }
+    ASSERT_TRUE(fillWithFractions(m_cube));
     m_cube.m_rawData = m_cube.m_data.deepCopy();
     const XTNT::Matrix<double> raw = m_cube.m_data.deepCopy();
     const auto isRaw = [this, &raw] {

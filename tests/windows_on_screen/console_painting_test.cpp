@@ -125,13 +125,7 @@ INSTANTIATE_TEST_SUITE_P(Views, ConsoleBrushTest,
 TEST_F(ConsolePaintingTest, StrokesAndShapesTakenBackGiveTheFormerSpectraToTheBit)
 {
     openCube();
-    for (int i = 0; i < kCubeImages; ++i) {
-        std::vector<float> pixels;
-        for (int p = 0; p < kCubeWidth * kCubeHeight; ++p) {
-            pixels.push_back(static_cast<float>(1.0 / (p + 3.7 * i + 0.1)));
-        }
-        ASSERT_TRUE(m_cube.setImage(0, i, pixels));
-    }
+    ASSERT_TRUE(fillWithFractions(m_cube));
     click(m_pConsole->m_pAddSpectrum);
     std::vector<std::vector<double>> spectra;
     const auto add = [&](int nKey, Qt::KeyboardModifiers keys, double x1, double y1, double x2, double y2) {
