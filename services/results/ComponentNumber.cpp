@@ -4,6 +4,7 @@
 #include "XTNT/xtnt_parallel.h"
 #include "XTNT/xtnt_svd.h"
 #include "XTNT/xtnt_vector.h"
+#include "algorithms/rowPasses.h"
 #include "services/basis/jsonNumber.h"
 
 #include <algorithm>
@@ -265,12 +266,6 @@ void tellNoise(const Matrix<double>& data, const Values& sums, const std::vector
     for (std::size_t g = 0; g < light.size(); ++g) {
         meanLight += light[g] / sampled / scaled.columnScales[g] / static_cast<double>(light.size());
     }
-    double squares = 0.0;
-    for (long long p = 0; p < data.num_rows(); ++p) {
-        for (long long j = 0; j < data.num_cols(); ++j) {
-            squares += data[p][j] * data[p][j];
-        }
-    }
     double noiseSquares = 0.0;
     for (std::size_t j = 0; j < groups.size(); ++j) {
         double variance = 0.0;
@@ -281,7 +276,8 @@ void tellNoise(const Matrix<double>& data, const Values& sums, const std::vector
         noiseSquares += variance * static_cast<double>(data.num_rows());
         pNumber->noiseOfImages.push_back(std::sqrt(variance));
     }
-    pNumber->noise = squares > 0.0 ? std::sqrt(noiseSquares / squares) : notKnown;
+    const double size = rowpass::frobeniusNorm(data);
+    pNumber->noise = size > 0.0 ? std::sqrt(noiseSquares) / size : notKnown;
 }
 
 } // namespace

@@ -1,83 +1,74 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "services/results/SpectraLikeness.h"
 
+#include "XTNT/xtnt_svd.h"
+#include "XTNT/xtnt_vector.h"
+
 #include <algorithm>
 #include <cmath>
-#include <numeric>
 
 namespace {
 
-using Row = std::vector<double>;
+using XTNT::Matrix;
 
 constexpr double infinite = std::numeric_limits<double>::infinity();
-constexpr int mostSweeps = 60;
 
-double dot(const Row& a, const Row& b)
+double dot(const double* a, const double* b, long long n)
 {
-    return std::inner_product(a.begin(), a.end(), b.begin(), 0.0);
-}
-
-void turn(Row& a, Row& b, double c, double s)
-{
-    for (std::size_t j = 0; j < a.size(); ++j) {
-        const double x = a[j];
-        a[j] = c * x - s * b[j];
-        b[j] = s * x + c * b[j];
+    double sum = 0.0;
+    for (long long j = 0; j < n; ++j) {
+        sum += a[j] * b[j];
     }
+    return sum;
 }
 
-// Rotates rows i and k of both so that those of `rows` become orthogonal; false when they were.
-bool rotate(std::vector<Row>& rows, std::vector<Row>& turns, std::size_t i, std::size_t k)
+// The rows scaled to length 1; one of zeros stays as it is.
+Matrix<double> unitRows(const Matrix<double>& spectra, std::vector<double>& lengths)
 {
-    const double aa = dot(rows[i], rows[i]);
-    const double bb = dot(rows[k], rows[k]);
-    const double ab = dot(rows[i], rows[k]);
-    if (!(std::abs(ab) > std::numeric_limits<double>::epsilon() * std::sqrt(aa * bb))) {
-        return false;
+    Matrix<double> unit(spectra.num_rows(), spectra.num_cols());
+    for (long long k = 0; k < spectra.num_rows(); ++k) {
+        const double length = std::sqrt(dot(spectra[k], spectra[k], spectra.num_cols()));
+        lengths.push_back(length);
+        for (long long j = 0; j < spectra.num_cols(); ++j) {
+            unit[k][j] = length > 0.0 ? spectra[k][j] / length : 0.0;
+        }
     }
-    const double zeta = (bb - aa) / (2.0 * ab);
-    const double t = std::copysign(1.0, zeta) / (std::abs(zeta) + std::hypot(1.0, zeta));
-    const double c = 1.0 / std::hypot(1.0, t);
-    turn(rows[i], rows[k], c, c * t);
-    turn(turns[i], turns[k], c, c * t);
-    return true;
+    return unit;
 }
 
-void makeOrthogonal(std::vector<Row>& rows, std::vector<Row>& turns)
+// Diagonal of the inverse of A'A, from A = U diag(s) V'; infinite where a singular value that is none has a part in it.
+std::vector<double> diagonalOfInverse(const XTNT::SVD& svd, double dNegligible)
 {
-    bool rotated = true;
-    for (int sweep = 0; sweep < mostSweeps && rotated; ++sweep) {
-        rotated = false;
-        for (std::size_t i = 0; i < rows.size(); ++i) {
-            for (std::size_t k = i + 1; k < rows.size(); ++k) {
-                rotated = rotate(rows, turns, i, k) || rotated;
+    constexpr double epsilon = std::numeric_limits<double>::epsilon();
+    std::vector<double> diagonal(static_cast<std::size_t>(svd.n), 0.0);
+    for (long long i = 0; i < svd.n; ++i) {
+        const double value = i < svd.s.n_ ? svd.s[i] : 0.0;
+        for (long long k = 0; k < svd.n; ++k) {
+            const double part = svd.V[k][i] * svd.V[k][i];
+            if (value > dNegligible) {
+                diagonal[static_cast<std::size_t>(k)] += part / (value * value);
+            } else if (part > epsilon) {
+                diagonal[static_cast<std::size_t>(k)] = infinite;
             }
         }
     }
+    return diagonal;
 }
 
 } // namespace
 
-SpectraLikeness SpectraLikeness::of(const XTNT::Matrix<double>& spectra)
+SpectraLikeness SpectraLikeness::of(const Matrix<double>& spectra)
 {
     SpectraLikeness likeness;
-    const auto count = static_cast<std::size_t>(spectra.num_rows());
-    std::vector<Row> rows;
-    std::vector<Row> turns;
-    std::vector<double> lengths;
-    for (std::size_t k = 0; k < count; ++k) {
-        const double* values = spectra[static_cast<long long>(k)];
-        rows.emplace_back(values, values + spectra.num_cols());
-        lengths.push_back(std::sqrt(dot(rows[k], rows[k])));
-        for (double& value : rows[k]) {
-            value = lengths[k] > 0.0 ? value / lengths[k] : 0.0;
-        }
-        turns.emplace_back(count, 0.0);
-        turns[k][k] = 1.0;
+    const long long count = spectra.num_rows();
+    if (count < 1) {
+        return likeness;
     }
-    for (std::size_t i = 0; i < count; ++i) {
-        for (std::size_t k = i + 1; k < count; ++k) {
-            const double cosine = dot(rows[i], rows[k]);
+    std::vector<double> lengths;
+    const Matrix<double> unit = unitRows(spectra, lengths);
+    for (long long i = 0; i < count; ++i) {
+        for (long long k = i + 1; k < count; ++k) {
+            const double cosine = dot(unit[i], unit[k], unit.num_cols());
             if (likeness.first < 0 || cosine > likeness.cosine) {
                 likeness.first = static_cast<int>(i);
                 likeness.second = static_cast<int>(k);
@@ -85,29 +76,14 @@ SpectraLikeness SpectraLikeness::of(const XTNT::Matrix<double>& spectra)
             }
         }
     }
-    makeOrthogonal(rows, turns);
-    double largest = 0.0;
-    double smallest = infinite;
-    std::vector<double> squares(count, 0.0);
-    for (const Row& row : rows) {
-        largest = std::max(largest, std::sqrt(dot(row, row)));
-    }
-    const double negligible = largest * static_cast<double>(count) * std::numeric_limits<double>::epsilon();
-    for (std::size_t i = 0; i < count; ++i) {
-        const double length = std::sqrt(dot(rows[i], rows[i]));
-        const bool dependent = !(length > negligible);
-        smallest = dependent ? 0.0 : std::min(smallest, length);
-        for (std::size_t k = 0; k < count; ++k) {
-            const double part = turns[i][k] * turns[i][k];
-            if (!dependent) {
-                squares[k] += part / (length * length);
-            } else if (part > std::numeric_limits<double>::epsilon()) {
-                squares[k] = infinite;
-            }
-        }
-    }
-    likeness.condition = smallest > 0.0 ? largest / smallest : infinite;
-    for (std::size_t k = 0; k < count; ++k) {
+    const XTNT::SVD svd(unit.transpose());
+    const double largest = svd.s.n_ > 0 ? svd.s[0] : 0.0;
+    const double smallest = svd.s.n_ == count ? svd.s[count - 1] : 0.0;
+    const auto sides = static_cast<double>(std::max(count, unit.num_cols()));
+    const double negligible = largest * sides * std::numeric_limits<double>::epsilon();
+    likeness.condition = smallest > negligible ? largest / smallest : infinite;
+    const std::vector<double> squares = diagonalOfInverse(svd, negligible);
+    for (std::size_t k = 0; k < squares.size(); ++k) {
         likeness.amplifications.push_back(std::sqrt(squares[k]));
         likeness.deviations.push_back(lengths[k] > 0.0 ? std::sqrt(squares[k]) / lengths[k] : infinite);
     }

@@ -7,8 +7,7 @@
 #include <vector>
 
 // How well the maps of spectra can be told apart by a linear fit, from the covariance of its result for noise of 1 in
-// every image: (S S')^-1, by orthogonal rotations of the spectra (one-sided Jacobi method; J. Demmel, K. Veselic,
-// Jacobi's method is more accurate than QR, 1992).
+// every image: (S S')^-1, whose diagonal follows from the singular values and vectors of the spectra.
 struct SpectraLikeness
 {
     // Largest over smallest singular value of the spectra, each scaled to length 1; infinite for dependent ones.

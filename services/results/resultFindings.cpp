@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "services/results/resultFindings.h"
 
+#include "algorithms/rowPasses.h"
 #include "engine/CORVSpumKyvo.h"
 #include "engine/EngineEnums.h"
 #include "host/CORVDataset.h"
@@ -42,13 +43,8 @@ double noiseOf(const CORVSpumKyvo& engine, double dResidual)
     if (free < 1) {
         return RunFindings::notKnown;
     }
-    double squares = 0.0;
-    for (long long p = 0; p < data.num_rows(); ++p) {
-        for (long long j = 0; j < data.num_cols(); ++j) {
-            squares += data[p][j] * data[p][j];
-        }
-    }
-    return dResidual * std::sqrt(squares / (static_cast<double>(data.num_rows()) * static_cast<double>(free)));
+    return dResidual * rowpass::frobeniusNorm(data) /
+           std::sqrt(static_cast<double>(data.num_rows()) * static_cast<double>(free));
 }
 
 void findLikeness(const CORVSpumKyvo& engine, RunFindings& findings, ResultNumbers& numbers)
