@@ -3,6 +3,7 @@
 
 #include "engine/CORVSpumKyvo.h"
 #include "engine/EngineEnums.h"
+#include "engine/keySelection.h"
 #include "services/basis/ModeNames.h"
 #include "spectra/SpectrumPlotParams.h"
 
@@ -21,17 +22,85 @@ const QString& otherKey(const CORVSpumKyvo& engine, const KeyPair& pair)
     return engine.m_eAxis == SPECTRUMAXIS_EXCITATION ? pair.second : pair.first;
 }
 
-PlotCurve curveOf(const CORVSpumKyvo& engine, int nComponent, const QString& strOther)
+double placeAlong(const CORVSpumKyvo& engine, const KeyPair& pair)
+{
+    QString key = keyAlong(engine, pair);
+    if (engine.m_eAxis != SPECTRUMAXIS_TIME) {
+        wavelengthDigits(key);
+    }
+    return key.toDouble();
+}
+
+// Seconds up to ten minutes, minutes up to three hours, then hours: axes with numbers that are easily read.
+struct TimeUnit
+{
+    double seconds = 1.0;
+    QString name;
+};
+
+TimeUnit timeUnitOf(const CORVSpumKyvo& engine)
+{
+    double latest = 0.0;
+    for (const KeyPair& pair : engine.m_selectedKeyPairs) {
+        latest = std::max(latest, placeAlong(engine, pair));
+    }
+    if (latest <= 600.0) {
+        return {1.0, QStringLiteral("s")};
+    }
+    return latest <= 3.0 * 3600.0 ? TimeUnit{60.0, QStringLiteral("min")} : TimeUnit{3600.0, QStringLiteral("h")};
+}
+
+// Whether no interval begins before the one ahead of it has ended: then time runs through all of them, and so does a
+// curve.
+bool timeRunsOn(const CORVSpumKyvo& engine)
+{
+    QList<KeyPair> pairs = engine.m_selectedKeyPairs;
+    std::stable_sort(pairs.begin(), pairs.end(), [&engine](const KeyPair& a, const KeyPair& b) {
+        return placeAlong(engine, a) < placeAlong(engine, b);
+    });
+    QStringList begun;
+    for (int i = 0; i < pairs.size(); ++i) {
+        const QString& interval = pairs[i].first;
+        if (begun.isEmpty() || begun.last() != interval) {
+            if (begun.contains(interval)) {
+                return false;
+            }
+            begun.append(interval);
+        }
+        if (i > 0 && placeAlong(engine, pairs[i]) == placeAlong(engine, pairs[i - 1])) {
+            return false;
+        }
+    }
+    return true;
+}
+
+// The values of the other key, each of which has a line of its own: a spectrum is broken where the excitation changes.
+// A null one stands for all images.
+QStringList linesOf(const CORVSpumKyvo& engine)
+{
+    if (engine.m_eAxis == SPECTRUMAXIS_TIME && timeRunsOn(engine)) {
+        return {QString()};
+    }
+    QStringList others;
+    for (const auto& pair : engine.m_selectedKeyPairs) {
+        if (!others.contains(otherKey(engine, pair))) {
+            others.append(otherKey(engine, pair));
+        }
+    }
+    return others;
+}
+
+PlotCurve curveOf(const CORVSpumKyvo& engine, int nComponent, const QString& strOther, double dUnit)
 {
     PlotCurve curve;
     QVector<double> x;
     QVector<double> y;
     for (int j = 0; j < engine.m_selectedKeyPairs.size(); ++j) {
         const KeyPair& pair = engine.m_selectedKeyPairs[j];
-        if (otherKey(engine, pair) != strOther) {
+        if (!strOther.isNull() && otherKey(engine, pair) != strOther) {
             continue;
         }
-        x.append(keyAlong(engine, pair).toDouble());
+        x.append(placeAlong(engine, pair) / dUnit);
         y.append(engine.m_spectra[nComponent][j]);
     }
     QVector<int> order(x.size());
@@ -52,11 +121,38 @@ QColor readable(const QString& strName)
     return color.lightness() > 200 ? color.darker(150) : color;
 }
 
-// Each value of the other key has a style of its own, as far as there are styles.
-Qt::PenStyle lineStyle(int nOther)
+// Each value of the other key has a style of its own, as far as there are styles; with more values than that the width
+// of the line goes on telling them apart.
+void takeLineStyle(int nLine, PlotCurve& curve)
 {
     constexpr Qt::PenStyle styles[] = {Qt::SolidLine, Qt::DashLine, Qt::DotLine, Qt::DashDotLine, Qt::DashDotDotLine};
-    return styles[nOther % 5];
+    constexpr double narrower = 0.6;
+    curve.style = styles[nLine % 5];
+    curve.width = nLine < 5 ? curve.width : curve.width * narrower;
+}
+
+PlotMarker markerOf(int nComponent)
+{
+    constexpr PlotMarker markers[] = {PlotMarker::Circle,  PlotMarker::Square, PlotMarker::Triangle,
+                                      PlotMarker::Diamond, PlotMarker::Cross,  PlotMarker::Star};
+    return markers[nComponent % 6];
+}
+
+QString lineText(const CORVSpumKyvo& engine, QString strOther)
+{
+    if (engine.m_eAxis == SPECTRUMAXIS_TIME) {
+        return strOther;
+    }
+    const QString unit = wavelengthDigits(strOther) ? QStringLiteral(" nm") : QString();
+    return (engine.m_eAxis == SPECTRUMAXIS_EXCITATION ? QStringLiteral("em ") : QStringLiteral("ex ")) + strOther +
+           unit;
+}
+
+QString plotAxisLabel(const CORVSpumKyvo& engine, const TimeUnit& unit)
+{
+    return engine.m_eAxis == SPECTRUMAXIS_TIME
+               ? axisLabel(engine.m_eAxis).replace(QStringLiteral("[s]"), QStringLiteral("[%1]").arg(unit.name))
+               : axisLabel(engine.m_eAxis);
 }
 
 } // namespace
@@ -64,23 +160,28 @@ Qt::PenStyle lineStyle(int nOther)
 SpectrumPlot plotOfSpectra(const CORVSpumKyvo& engine)
 {
     const bool temporal = engine.m_eAxis == SPECTRUMAXIS_TIME;
+    const TimeUnit time = temporal ? timeUnitOf(engine) : TimeUnit();
     SpectrumPlot plot(temporal ? QStringLiteral("Time courses") : QStringLiteral("Pure spectra"),
-                      axisLabel(engine.m_eAxis), QStringLiteral("relative intensity"));
-    QStringList others;
-    for (const auto& pair : engine.m_selectedKeyPairs) {
-        if (!others.contains(otherKey(engine, pair))) {
-            others.append(otherKey(engine, pair));
-        }
-    }
+                      plotAxisLabel(engine, time), QStringLiteral("relative intensity"));
+    const QStringList lines = linesOf(engine);
     for (int k = 0; k < engine.m_spectrumPlots.size(); ++k) {
         const SpectrumSettings& settings = engine.m_spectrumPlots[k]->settings;
-        for (int i = 0; i < others.size(); ++i) {
-            PlotCurve curve = curveOf(engine, k, others[i]);
-            curve.label = others.size() > 1 ? QStringLiteral("%1 (%2)").arg(settings.name, others[i]) : settings.name;
+        for (int i = 0; i < lines.size(); ++i) {
+            PlotCurve curve = curveOf(engine, k, lines[i], time.seconds);
+            curve.label = i == 0 ? settings.name : QString();
             curve.color = readable(settings.color);
-            curve.style = lineStyle(i);
+            curve.marker = markerOf(k);
+            takeLineStyle(i, curve);
             plot.addCurve(curve);
         }
+    }
+    for (int i = 0; i < lines.size() && lines.size() > 1; ++i) {
+        PlotCurve key;
+        key.label = lineText(engine, lines[i]);
+        key.color = Qt::black;
+        key.marker = PlotMarker::None;
+        takeLineStyle(i, key);
+        plot.addCurve(key);
     }
     return plot;
 }

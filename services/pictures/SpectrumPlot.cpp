@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "services/pictures/SpectrumPlot.h"
 
+#include "platform/orvimage/TickMarks.h"
+#include "services/pictures/PlotLegend.h"
+
 #include <QBuffer>
 #include <QFontMetricsF>
 #include <QImage>
@@ -61,9 +64,17 @@ Range rangeOf(const QList<PlotCurve>& curves, const Frame& frame, bool ofX)
     return range;
 }
 
-QString tickText(double value)
+// A tick a text: powers of ten each by itself, other values with the same number of decimals and a common power of ten.
+orvimage::TickLabels labelsOf(const QVector<double>& values, bool bLogarithmic)
 {
-    return QString::number(value, 'g', 6);
+    orvimage::TickLabels labels;
+    if (!bLogarithmic) {
+        return orvimage::tickLabels(std::vector<double>(values.begin(), values.end()));
+    }
+    for (const double value : values) {
+        labels.texts.append(QString::number(value, 'g', 6));
+    }
+    return labels;
 }
 
 QVector<double> xTicks(const Range& range, bool bWhole)
@@ -77,28 +88,45 @@ QVector<double> xTicks(const Range& range, bool bWhole)
     return values;
 }
 
-void drawAxes(QPainter& painter, const Frame& frame, const QVector<double>& xValues, const QString& strXLabel,
-              const QString& strYLabel)
+void drawXTicks(QPainter& painter, const Frame& frame, const QVector<double>& values)
 {
-    const QFontMetricsF metrics(painter.font());
-    const double height = metrics.height();
-    for (const double v : xValues) {
-        const auto p = frame.place(v, frame.y.low);
+    const double height = QFontMetricsF(painter.font()).height();
+    const orvimage::TickLabels labels = labelsOf(values, false);
+    for (int i = 0; i < values.size(); ++i) {
+        const auto p = frame.place(values[i], frame.y.low);
         painter.setPen(QPen(QColor(225, 225, 225), 1));
         painter.drawLine(QPointF(p.x(), frame.area.top()), p);
         painter.setPen(Qt::black);
-        painter.drawText(QRectF(p.x() - 60, p.y() + 4, 120, height), Qt::AlignHCenter | Qt::AlignTop, tickText(v));
+        painter.drawText(QRectF(p.x() - 60, p.y() + 4, 120, height), Qt::AlignHCenter | Qt::AlignTop, labels.texts[i]);
     }
-    const auto yValues = frame.logarithmic ? SpectrumPlot::decades(frame.y.low, frame.y.high)
-                                           : SpectrumPlot::ticks(frame.y.low, frame.y.high);
-    for (const double v : yValues) {
-        const auto p = frame.place(frame.x.low, frame.height(v));
+    painter.drawText(QRectF(frame.area.right() - 120, frame.area.bottom() + height + 8, 120, height),
+                     Qt::AlignRight | Qt::AlignTop, orvimage::exponentText(labels.exponent));
+}
+
+void drawYTicks(QPainter& painter, const Frame& frame)
+{
+    const double height = QFontMetricsF(painter.font()).height();
+    const auto values = frame.logarithmic ? SpectrumPlot::decades(frame.y.low, frame.y.high)
+                                          : SpectrumPlot::ticks(frame.y.low, frame.y.high);
+    const orvimage::TickLabels labels = labelsOf(values, frame.logarithmic);
+    for (int i = 0; i < values.size(); ++i) {
+        const auto p = frame.place(frame.x.low, frame.height(values[i]));
         painter.setPen(QPen(QColor(225, 225, 225), 1));
         painter.drawLine(p, QPointF(frame.area.right(), p.y()));
         painter.setPen(Qt::black);
         painter.drawText(QRectF(0, p.y() - height / 2, p.x() - 6, height), Qt::AlignRight | Qt::AlignVCenter,
-                         tickText(v));
+                         labels.texts[i]);
     }
+    painter.drawText(QRectF(frame.area.left() - 3 * height, frame.area.top() - height * 1.4, 6 * height, height),
+                     Qt::AlignLeft | Qt::AlignVCenter, orvimage::exponentText(labels.exponent));
+}
+
+void drawAxes(QPainter& painter, const Frame& frame, const QVector<double>& xValues, const QString& strXLabel,
+              const QString& strYLabel)
+{
+    const double height = QFontMetricsF(painter.font()).height();
+    drawXTicks(painter, frame, xValues);
+    drawYTicks(painter, frame);
     painter.setPen(QPen(Qt::black, 1));
     painter.drawRect(frame.area);
     painter.drawText(QRectF(frame.area.left(), frame.area.bottom() + height + 8, frame.area.width(), height),
@@ -111,17 +139,10 @@ void drawAxes(QPainter& painter, const Frame& frame, const QVector<double>& xVal
     painter.restore();
 }
 
-QPen curvePen(const PlotCurve& curve)
-{
-    return QPen(curve.color, curve.width, curve.style, Qt::RoundCap, Qt::RoundJoin);
-}
-
 void drawCurve(QPainter& painter, const Frame& frame, const PlotCurve& curve)
 {
     QPainterPath path;
     bool drawing = false;
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(curve.color);
     for (int i = 0; i < std::min(curve.x.size(), curve.y.size()); ++i) {
         if (!frame.shows(curve, i)) {
             drawing = false;
@@ -134,32 +155,11 @@ void drawCurve(QPainter& painter, const Frame& frame, const PlotCurve& curve)
             path.moveTo(p);
         }
         drawing = true;
-        if (curve.markers) {
-            painter.drawEllipse(p, 3.0, 3.0);
-        }
+        drawMarker(painter, curve, p);
     }
     painter.setBrush(Qt::NoBrush);
     painter.setPen(curvePen(curve));
     painter.drawPath(path);
-}
-
-void drawLegend(QPainter& painter, const QRectF& area, const QList<PlotCurve>& curves)
-{
-    const QFontMetricsF metrics(painter.font());
-    const double step = metrics.height() * 1.4;
-    double y = area.top() + step / 2;
-    for (const auto& curve : curves) {
-        if (y > area.bottom()) {
-            return;
-        }
-        painter.setPen(curvePen(curve));
-        painter.drawLine(QPointF(area.left(), y), QPointF(area.left() + 24, y));
-        painter.setPen(Qt::black);
-        const double width = area.width() - 32;
-        painter.drawText(QRectF(area.left() + 32, y - step / 2, width, step), Qt::AlignLeft | Qt::AlignVCenter,
-                         metrics.elidedText(curve.label, Qt::ElideRight, width));
-        y += step;
-    }
 }
 
 } // namespace
@@ -215,14 +215,56 @@ QVector<double> SpectrumPlot::decades(double minimum, double maximum)
     return values;
 }
 
-void SpectrumPlot::draw(QPainter& painter, const QSize& size) const
+// Where what stands on the page.
+struct SpectrumPlot::Layout
 {
+    QSize page;
+    QFont font;
+    double unit = 0.0;     // height of a line of text
+    QRectF area;           // of the curves
+    QRectF legend;         // its width counts
+    int legendColumns = 0; // 0: without one
+};
+
+SpectrumPlot::Layout SpectrumPlot::layoutOf(const QSize& least) const
+{
+    Layout layout;
+    layout.page = least;
+    layout.font = QFont(QStringLiteral("DejaVu Sans"));
+    layout.font.setPixelSize(std::max(11, least.height() / 36));
+    const double unit = QFontMetricsF(layout.font).height();
+    layout.unit = unit;
+    layout.area = QRectF(5.0 * unit, 2.2 * unit, least.width() - 6.0 * unit - 10.0, least.height() - 5.4 * unit);
+    const PlotLegend legend(m_curves, layout.font);
+    if (!m_bLegend || legend.isEmpty()) {
+        return layout;
+    }
+    const double beside = least.width() * 0.24;
+    if (legend.height(beside - unit, 1) <= layout.area.height()) {
+        layout.legendColumns = 1;
+        layout.area.setWidth(least.width() - 6.0 * unit - beside);
+        layout.legend = QRectF(layout.area.right() + unit, layout.area.top(), beside - unit, layout.area.height());
+        return layout;
+    }
+    const double width = least.width() - 2.0 * unit;
+    layout.legendColumns = legend.columnsIn(width);
+    const double height = std::ceil(legend.height(width, layout.legendColumns) + unit / 2.0);
+    layout.legend = QRectF(unit, least.height(), width, height);
+    layout.page.setHeight(least.height() + static_cast<int>(height));
+    return layout;
+}
+
+QSize SpectrumPlot::pageSize(const QSize& least) const
+{
+    return layoutOf(least).page;
+}
+
+void SpectrumPlot::draw(QPainter& painter, const QSize& least) const
+{
+    const Layout layout = layoutOf(least);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.fillRect(QRect(QPoint(0, 0), size), Qt::white);
-    QFont font(QStringLiteral("DejaVu Sans"));
-    font.setPixelSize(std::max(11, size.height() / 36));
-    painter.setFont(font);
-    const double unit = QFontMetricsF(font).height();
+    painter.fillRect(QRect(QPoint(0, 0), layout.page), Qt::white);
+    painter.setFont(layout.font);
 
     Frame frame;
     frame.logarithmic = m_bLogarithmicY;
@@ -236,42 +278,40 @@ void SpectrumPlot::draw(QPainter& painter, const QSize& size) const
     const double margin = (frame.x.high - frame.x.low) * 0.02;
     frame.x = Range{frame.x.low - margin, frame.x.high + margin};
     frame.y.high += (frame.y.high - frame.y.low) * 0.04;
-    const double legendWidth = m_curves.isEmpty() || !m_bLegend ? 10.0 : size.width() * 0.24;
-    frame.area = QRectF(5.0 * unit, 2.2 * unit, size.width() - 6.0 * unit - legendWidth, size.height() - 5.4 * unit);
+    frame.area = layout.area;
 
     painter.setPen(Qt::black);
-    painter.drawText(QRectF(frame.area.left(), 0.4 * unit, frame.area.width(), 1.5 * unit),
+    painter.drawText(QRectF(frame.area.left(), 0.4 * layout.unit, frame.area.width(), 1.5 * layout.unit),
                      Qt::AlignHCenter | Qt::AlignTop, m_strTitle);
     drawAxes(painter, frame, xTicks(frame.x, m_bWholeX), m_strXLabel, m_strYLabel);
     for (const auto& curve : m_curves) {
         drawCurve(painter, frame, curve);
     }
-    if (m_bLegend) {
-        drawLegend(painter,
-                   QRectF(frame.area.right() + unit, frame.area.top(), legendWidth - unit, frame.area.height()),
-                   m_curves);
+    if (layout.legendColumns > 0) {
+        PlotLegend(m_curves, layout.font).draw(painter, layout.legend, layout.legendColumns);
     }
 }
 
-QImage SpectrumPlot::toImage(const QSize& size) const
+QImage SpectrumPlot::toImage(const QSize& least) const
 {
-    QImage image(size, QImage::Format_RGB32);
+    QImage image(pageSize(least), QImage::Format_RGB32);
     QPainter painter(&image);
-    draw(painter, size);
+    draw(painter, least);
     return image;
 }
 
-QByteArray SpectrumPlot::toSvg(const QSize& size) const
+QByteArray SpectrumPlot::toSvg(const QSize& least) const
 {
+    const QSize page = pageSize(least);
     QByteArray bytes;
     QBuffer buffer(&bytes);
     QSvgGenerator generator;
     generator.setOutputDevice(&buffer);
-    generator.setSize(size);
-    generator.setViewBox(QRect(QPoint(0, 0), size));
+    generator.setSize(page);
+    generator.setViewBox(QRect(QPoint(0, 0), page));
     generator.setTitle(m_strTitle);
     QPainter painter(&generator);
-    draw(painter, size);
+    draw(painter, least);
     painter.end();
     return bytes;
 }

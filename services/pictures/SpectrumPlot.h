@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QColor>
+#include "services/pictures/PlotCurve.h"
+
 #include <QList>
 #include <QSize>
 #include <QString>
@@ -10,36 +11,30 @@
 class QPainter;
 class QImage;
 
-// One curve of a plot: points in the order in which they are joined.
-struct PlotCurve
-{
-    QString label;
-    QColor color;
-    QVector<double> x;
-    QVector<double> y;
-    Qt::PenStyle style = Qt::SolidLine;
-    bool markers = true;
-    double width = 2.0; // of the line, in pixels
-};
-
 // A plot of spectra or time courses on a white ground: axes with round ticks, curves with markers, a legend on the
-// right. Draws on any painter, so the same plot is written as PNG and as SVG. Points that are not finite are left out.
+// right, or beneath it where the legend is higher than the plot. Draws on any painter, so the same plot is written as
+// PNG and as SVG. Points that are not finite are left out. Sizes are those that the plot has at least: a legend beneath
+// it makes the page higher.
 class SpectrumPlot
 {
 public:
     SpectrumPlot(const QString& strTitle, const QString& strXLabel, const QString& strYLabel);
 
     void addCurve(const PlotCurve& curve) { m_curves.append(curve); }
+    const QList<PlotCurve>& curves() const { return m_curves; }
+    const QString& xLabel() const { return m_strXLabel; }
     // Powers of ten up the axis; points that are not above 0 are then left out.
     void setLogarithmicY(bool bLogarithmic) { m_bLogarithmicY = bLogarithmic; }
     // Numbers of things along the axis: every tick is a whole number.
     void setWholeX(bool bWhole) { m_bWholeX = bWhole; }
     void setLegend(bool bShown) { m_bLegend = bShown; }
 
-    void draw(QPainter& painter, const QSize& size) const;
-    QImage toImage(const QSize& size) const;
+    // The page that draw() fills.
+    QSize pageSize(const QSize& least) const;
+    void draw(QPainter& painter, const QSize& least) const;
+    QImage toImage(const QSize& least) const;
     // The SVG document.
-    QByteArray toSvg(const QSize& size) const;
+    QByteArray toSvg(const QSize& least) const;
 
     // Round numbers inside the range, 4 to 10 of them, 1, 2 or 5 times a power of ten apart; none without a range.
     static QVector<double> ticks(double minimum, double maximum);
@@ -47,6 +42,9 @@ public:
     static QVector<double> decades(double minimum, double maximum);
 
 private:
+    struct Layout;
+    Layout layoutOf(const QSize& least) const;
+
     QString m_strTitle;
     QString m_strXLabel;
     QString m_strYLabel;

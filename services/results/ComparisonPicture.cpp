@@ -103,7 +103,7 @@ SpectrumPlot plotOfColumn(const ResultComparison& comparison, int nColumn)
         curve.label = comparison.rowNames().at(i);
         curve.color = rowColor(comparison, i);
         curve.width = rowLine(comparison, i);
-        curve.markers = !comparison.isReference(i);
+        curve.marker = comparison.isReference(i) ? PlotMarker::None : PlotMarker::Circle;
         for (std::size_t j = 0; j < component.spectrum.size(); ++j) {
             curve.x.append(static_cast<double>(j) + 1.0);
             curve.y.append(component.spectrum[j]);

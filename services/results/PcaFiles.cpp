@@ -105,7 +105,7 @@ SpectrumPlot PcaFiles::screePlot() const
     PlotCurve left = curveOf(QStringLiteral("left unexplained"), QColor(214, 39, 40));
     PlotCurve limit =
         curveOf(QStringLiteral("%1 %: the limit").arg(100.0 - kExplainedTarget), QColor(110, 110, 110), Qt::DashLine);
-    limit.markers = false;
+    limit.marker = PlotMarker::None;
     double before = 0.0;
     const int count = static_cast<int>(m_explained.percent.size());
     for (int i = 0; i < count; ++i) {

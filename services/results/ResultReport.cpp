@@ -26,7 +26,7 @@ const QSize plotSize(1100, 620);
 QImage printedPlot(const SpectrumPlot& plot)
 {
     constexpr int finer = 2;
-    QImage image(plotSize * finer, QImage::Format_RGB32);
+    QImage image(plot.pageSize(plotSize) * finer, QImage::Format_RGB32);
     image.fill(Qt::white);
     QPainter painter(&image);
     painter.setRenderHint(QPainter::Antialiasing);
@@ -248,7 +248,7 @@ ReportContent contentOfReport(const CORVSpumKyvo& engine, const ResultFacts& fac
         engine.m_eAxis == SPECTRUMAXIS_TIME ? QStringLiteral("Time courses") : QStringLiteral("Pure spectra");
     figure.png = orvimage::pngBytes(printedPlot(plot));
     figure.svg = plot.toSvg(plotSize);
-    figure.size = plotSize;
+    figure.size = plot.pageSize(plotSize);
     content.plots.append(figure);
     content.components = componentTable(engine, facts);
     content.tables.append(propertyTable(engine));

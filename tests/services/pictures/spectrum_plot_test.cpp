@@ -85,6 +85,18 @@ QRect legendPart(const QImage& image)
     return QRect(image.width() * 3 / 4, 0, image.width() / 4, image.height());
 }
 
+QStringList textsOf(const QByteArray& svg)
+{
+    QDomDocument document;
+    EXPECT_TRUE(document.setContent(svg));
+    QStringList texts;
+    const auto elements = document.elementsByTagName("text");
+    for (int i = 0; i < elements.size(); ++i) {
+        texts.append(elements.at(i).toElement().text().trimmed());
+    }
+    return texts;
+}
+
 } // namespace
 
 TEST(SpectrumPlotTest, TicksAreRoundNumbersWithinTheRange)
@@ -179,14 +191,80 @@ TEST(SpectrumPlotTest, ColumnsOfUnequalLengthAreDrawnAsFarAsBothGo)
     EXPECT_GT(pixelsLike(image, Qt::red, plotPart(image)), 10);
 }
 
-TEST(SpectrumPlotTest, MoreCurvesThanTheLegendHoldsAreStillDrawn)
+TEST(SpectrumPlotTest, ALegendThatIsHigherThanThePlotStandsBeneathItWithEveryName)
 {
     QList<PlotCurve> curves;
     for (int i = 0; i < 80; ++i) {
         curves.append(curveOf({1, 2}, {i / 80.0, i / 80.0}));
+        curves.last().label = QStringLiteral("Dye%1").arg(i);
     }
-    const QImage image = plotOf(curves).toImage(pageSize);
+    const SpectrumPlot plot = plotOf(curves);
+    const QImage image = plot.toImage(pageSize);
     EXPECT_GT(pixelsLike(image, Qt::red, plotPart(image)), 2000);
+    EXPECT_EQ(image.width(), pageSize.width());
+    EXPECT_GT(image.height(), pageSize.height());
+    EXPECT_EQ(image.size(), plot.pageSize(pageSize));
+    const QStringList texts = textsOf(plot.toSvg(pageSize));
+    for (int i = 0; i < 80; ++i) {
+        EXPECT_TRUE(texts.contains(QStringLiteral("Dye%1").arg(i))) << i;
+    }
+}
+
+TEST(SpectrumPlotTest, ALongNameGoesOnInTheNextLineAndIsWhole)
+{
+    const QString words = "Ferritin of the left upper mammary tumour at seventy two hours";
+    const QString letters(90, 'W');
+    PlotCurve first = curveOf({1, 2}, {0.5, 0.5});
+    first.label = words;
+    PlotCurve second = curveOf({1, 2}, {0.2, 0.2});
+    second.label = letters;
+    const SpectrumPlot plot = plotOf({first, second});
+    EXPECT_EQ(plot.pageSize(pageSize), pageSize);
+    const QStringList texts = textsOf(plot.toSvg(pageSize));
+    EXPECT_FALSE(texts.contains(words));
+    EXPECT_TRUE(texts.join(' ').contains(words)) << qPrintable(texts.join('|'));
+    EXPECT_EQ(texts.join(QString()).count('W'), letters.size());
+}
+
+TEST(SpectrumPlotTest, ACurveWithoutPointsIsInTheLegendAndOneWithoutALabelIsNot)
+{
+    PlotCurve key = curveOf({}, {}, Qt::blue);
+    key.label = "ex 605 nm";
+    PlotCurve unnamed = curveOf({1, 2}, {0.5, 0.5});
+    unnamed.label.clear();
+    const SpectrumPlot plot = plotOf({unnamed, key});
+    const QImage image = plot.toImage(pageSize);
+    EXPECT_GT(pixelsLike(image, Qt::red, plotPart(image)), 100);
+    EXPECT_EQ(pixelsLike(image, Qt::red, legendPart(image)), 0);
+    EXPECT_GT(pixelsLike(image, Qt::blue, legendPart(image)), 10);
+    EXPECT_TRUE(textsOf(plot.toSvg(pageSize)).contains("ex 605 nm"));
+}
+
+TEST(SpectrumPlotTest, NumbersOfAnAxisHaveTheSameDecimalsAndAPowerOfTenInCommon)
+{
+    const QStringList plain = textsOf(plotOf({curveOf({600, 700}, {0.1, 1.0})}).toSvg(pageSize));
+    for (const char* text : {"0.0", "0.2", "0.4", "1.0", "600", "700"}) {
+        EXPECT_TRUE(plain.contains(text)) << text << " in " << qPrintable(plain.join('|'));
+    }
+    EXPECT_FALSE(plain.contains("0"));
+    EXPECT_FALSE(plain.contains("1"));
+    const QStringList large = textsOf(plotOf({curveOf({1, 2}, {0.0, 8e7})}).toSvg(pageSize));
+    EXPECT_TRUE(large.contains("8")) << qPrintable(large.join('|'));
+    EXPECT_TRUE(large.contains(QString::fromUtf8("\u00d710\u2077")));
+}
+
+TEST(SpectrumPlotTest, MarkersDifferInShape)
+{
+    QList<QImage> images;
+    for (const PlotMarker marker : {PlotMarker::None, PlotMarker::Circle, PlotMarker::Square, PlotMarker::Triangle,
+                                    PlotMarker::Diamond, PlotMarker::Cross, PlotMarker::Star}) {
+        PlotCurve curve = curveOf({1}, {0.5});
+        curve.marker = marker;
+        const QImage image = plotOf({curve}).toImage(pageSize);
+        EXPECT_EQ(pixelsLike(image, Qt::red, plotPart(image)) > 0, marker != PlotMarker::None);
+        EXPECT_FALSE(images.contains(image)) << images.size();
+        images.append(image);
+    }
 }
 
 TEST(SpectrumPlotTest, TheSvgIsXmlWithTheTitleAndTheLabels)
@@ -278,7 +356,7 @@ TEST(SpectrumPlotTest, AWiderLineTakesMorePixelsAndMarkersCanGo)
         return pixelsLike(image, Qt::red, plotPart(image));
     };
     const int plain = pixels();
-    curve.markers = false;
+    curve.marker = PlotMarker::None;
     const int bare = pixels();
     curve.width = 6.0;
     EXPECT_LT(bare, plain);
