@@ -19,6 +19,7 @@
 #include <QApplication>
 #include <QCloseEvent>
 
+#include <algorithm>
 #include <utility>
 
 // The one in front, or the last that was, comes last.
@@ -85,6 +86,11 @@ void MainWindow::endOpening()
             tr("These sequences were open and are no longer there:\n\n%1").arg(m_gone.join(QLatin1Char('\n')));
         m_gone.clear();
         CORVMessageBox::warning(this, CORVUtilityFns::getAppName(), text);
+    }
+    // What is open by now needs no question.
+    for (const Session::Window& window : openWindows()) {
+        const auto isThat = [&window](const Session::Window& other) { return other.folder == window.folder; };
+        m_abandoned.erase(std::remove_if(m_abandoned.begin(), m_abandoned.end(), isThat), m_abandoned.end());
     }
     if (!m_abandoned.isEmpty()) {
         QStringList folders;

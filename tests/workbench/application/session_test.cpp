@@ -205,6 +205,23 @@ TEST_F(KilledProgramTest, WhatIsNamedOpensBesides)
     EXPECT_EQ(openNames(), QStringList({"other", "mouse"}));
 }
 
+TEST_F(KilledProgramTest, WhatIsOpenByNowIsNotAskedAbout)
+{
+    m_script.m_nAnswer = CORVMessageBox::NoButtonAnswer;
+    start({other()});
+    ASSERT_EQ(m_script.m_asked.size(), 1);
+    EXPECT_FALSE(m_script.m_asked.first().contains(other()));
+    m_pWindow->close();
+    m_pWindow.reset();
+}
+
+TEST_F(KilledProgramTest, WhereAllIsOpenByNowNothingIsAsked)
+{
+    start({mouse(), other()});
+    EXPECT_TRUE(m_script.m_asked.isEmpty());
+    EXPECT_EQ(openNames(), QStringList({"mouse", "other"}));
+}
+
 TEST_F(KilledProgramTest, WhoIsKilledAtTheQuestionIsAskedAgain)
 {
     Windows meanwhile;
