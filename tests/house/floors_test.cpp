@@ -39,9 +39,10 @@ const std::map<std::string, std::set<std::string>> neighbours = {
     {"services/analysis",
      {"services/basis", "services/session", "services/pictures", "services/warnings", "services/results"}},
     {"workbench/start", {}},
+    {"workbench/manual", {}},
     {"workbench/simulator", {}},
-    {"workbench/commands", {"workbench/start", "workbench/simulator"}},
-    {"workbench/application", {"workbench/start"}}};
+    {"workbench/commands", {"workbench/start", "workbench/manual", "workbench/simulator"}},
+    {"workbench/application", {"workbench/start", "workbench/manual"}}};
 
 bool isContainer(const std::string& path)
 {

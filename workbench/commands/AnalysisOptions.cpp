@@ -3,6 +3,7 @@
 
 #include "services/basis/Failure.h"
 #include "services/basis/UnitNames.h"
+#include "workbench/commands/CommandParser.h"
 #include "workbench/commands/MaskOptions.h"
 #include "workbench/commands/Options.h"
 
@@ -34,13 +35,13 @@ int binningOf(const QString& strText)
 
 } // namespace
 
-void declarePlaces(QCommandLineParser& parser, const QString& strOutDefault)
+void declarePlaces(CommandParser& parser, const QString& strOutDefault)
 {
     parser.addPositionalArgument(QStringLiteral("SEQ"), QStringLiteral("Folder of the sequence."));
     addValueOption(parser, "out", QStringLiteral("Folder for the results; %1.").arg(strOutDefault), "DIR");
 }
 
-void declareImageOptions(QCommandLineParser& parser, const QString& strMaskDefault)
+void declareImageOptions(CommandParser& parser, const QString& strMaskDefault)
 {
     addValueOption(parser, "select",
                    QStringLiteral("Images to use: EX/EM,EX/EM,... (INTERVAL/TIME in a temporal sequence), * for any."),

@@ -5,12 +5,13 @@
 
 #include <QString>
 
+class CommandParser;
 class QCommandLineParser;
 
 // Declares SEQ and --out; `strOutDefault` tells the folder that serves without it.
-void declarePlaces(QCommandLineParser& parser, const QString& strOutDefault);
+void declarePlaces(CommandParser& parser, const QString& strOutDefault);
 // Declares --select, --mask, --threshold, --unit and --binning; `strMaskDefault` tells what serves without --mask.
-void declareImageOptions(QCommandLineParser& parser, const QString& strMaskDefault);
+void declareImageOptions(CommandParser& parser, const QString& strMaskDefault);
 
 // Reads all of them; --force too. `strCommand` is named in the messages. Throws Failure (bad request).
 AnalysisRequest analysisRequestOf(const QCommandLineParser& parser, const QString& strCommand,

@@ -2,6 +2,7 @@
 #include "workbench/commands/AutomaticOptions.h"
 
 #include "services/basis/Failure.h"
+#include "workbench/commands/CommandParser.h"
 #include "workbench/commands/Options.h"
 
 #include <QCommandLineParser>
@@ -57,7 +58,7 @@ double halfLifeOf(const QString& strText)
 
 } // namespace
 
-void declareAutomaticOptions(QCommandLineParser& parser)
+void declareAutomaticOptions(CommandParser& parser)
 {
     parser.addOption(
         {QStringLiteral("components"),

@@ -6,10 +6,11 @@
 #include <QString>
 #include <QStringList>
 
+class CommandParser;
 class QCommandLineParser;
 
 // Declares --components, --ncomponents, --constraints, --no-constraints and --decay.
-void declareAutomaticOptions(QCommandLineParser& parser);
+void declareAutomaticOptions(CommandParser& parser);
 // The names of those that were given.
 QStringList givenAutomaticOptions(const QCommandLineParser& parser);
 // Reads them. Throws Failure (bad request) for options that exclude each other, empty names, and numbers that are none.

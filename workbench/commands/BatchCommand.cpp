@@ -19,6 +19,7 @@
 #include "workbench/commands/BatchJobs.h"
 #include "workbench/commands/CliProgress.h"
 #include "workbench/commands/CliSession.h"
+#include "workbench/commands/CommandParser.h"
 #include "workbench/commands/Options.h"
 
 #include <QCoreApplication>
@@ -281,9 +282,17 @@ private:
 
 } // namespace
 
-void BatchCommand::declare(QCommandLineParser& parser) const
+void BatchCommand::declare(CommandParser& parser) const
 {
     declareBatchOptions(parser);
+}
+
+QList<CommandManual::Example> BatchCommand::examples() const
+{
+    return {{QStringLiteral("spum batch mice/* --library by-name/spectra.csv --out out"),
+             QStringLiteral("Unmix every sequence below \"mice\" with one library; out/batch.html tells of all.")},
+            {QStringLiteral("spum batch mice/* --library by-name/spectra.csv --out out --dry-run"),
+             QStringLiteral("Only tell what that would do, and why.")}};
 }
 
 void BatchCommand::run(const QCommandLineParser& parser, CliSession& session)

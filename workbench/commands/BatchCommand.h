@@ -11,7 +11,8 @@ class BatchCommand : public Command
 public:
     QString name() const override { return QStringLiteral("batch"); }
     QString summary() const override { return QStringLiteral("Unmix many sequences, and tell of all on one page."); }
-    void declare(QCommandLineParser& parser) const override;
+    void declare(CommandParser& parser) const override;
+    QList<CommandManual::Example> examples() const override;
     // "--save" alone takes the next automatic name; a name follows as "--save=NAME".
     QStringList optionsWithOptionalValue() const override { return {QStringLiteral("save")}; }
     int argumentCount() const override { return std::numeric_limits<int>::max(); }

@@ -10,11 +10,11 @@
 #include "services/batch/unmixMemory.h"
 #include "services/session/LibrarySpectra.h"
 #include "workbench/commands/CliSession.h"
+#include "workbench/commands/CommandParser.h"
 #include "workbench/commands/Options.h"
 #include "workbench/commands/UnmixCommand.h"
 #include "workbench/commands/UnmixOptions.h"
 
-#include <QCommandLineParser>
 #include <QDir>
 #include <QFileInfo>
 #include <QThread>
@@ -29,16 +29,10 @@ constexpr int mostJobs = 1000;
 // Options that exclude each other: that of a row takes the place of the other one, too.
 const char* const exclusive[][2] = {{"components", "ncomponents"}, {"constraints", "no-constraints"}};
 
-void makeUnmixParser(QCommandLineParser& parser)
-{
-    parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
-    declareUnmixOptions(parser);
-}
-
 bool takesValue(const QString& strName)
 {
-    QCommandLineParser parser;
-    makeUnmixParser(parser);
+    CommandParser parser;
+    declareUnmixOptions(parser);
     return parser.parse({QStringLiteral("spum"), QStringLiteral("--%1=x").arg(strName)});
 }
 
@@ -57,8 +51,8 @@ QString otherOf(const QString& strName)
 // Those of an unmixing that a parser has met, files from `strFolder` or the working folder.
 QList<BatchOption> unmixOptionsIn(const QCommandLineParser& parser, const QString& strFolder)
 {
-    QCommandLineParser known;
-    makeUnmixParser(known);
+    CommandParser known;
+    declareUnmixOptions(known);
     QList<BatchOption> options;
     QStringList seen;
     for (const QString& name : parser.optionNames()) {
@@ -111,8 +105,8 @@ QList<BatchOption> merged(const QList<BatchOption>& common, const QList<BatchOpt
 
 QList<BatchOption> optionsOfRow(const BatchRow& row)
 {
-    QCommandLineParser parser;
-    makeUnmixParser(parser);
+    CommandParser parser;
+    declareUnmixOptions(parser);
     if (!parser.parse(QStringList(QStringLiteral("spum")) + row.words)) {
         refuseAt(row.place, parser.errorText());
     }
@@ -132,8 +126,7 @@ QList<BatchOption> optionsOfRow(const BatchRow& row)
 void check(BatchJob& job)
 {
     const UnmixCommand unmix;
-    QCommandLineParser parser;
-    parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
+    CommandParser parser;
     CliSession::declareOptions(parser);
     unmix.declare(parser);
     try {
@@ -185,7 +178,7 @@ qint64 memoryOf(const QCommandLineParser& parser)
 
 } // namespace
 
-void declareBatchOptions(QCommandLineParser& parser)
+void declareBatchOptions(CommandParser& parser)
 {
     parser.addPositionalArgument(QStringLiteral("SEQ..."),
                                  QStringLiteral("Folders of sequences, or tables (.csv) with a row a sequence: path, "

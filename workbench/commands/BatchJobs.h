@@ -7,6 +7,7 @@
 #include <QString>
 
 class JobMonitor;
+class CommandParser;
 class QCommandLineParser;
 
 // The options of a batch itself, which `spum unmix` does not have.
@@ -24,7 +25,7 @@ struct BatchWishes
 };
 
 // Declares the sequences, the options of a batch and those of an unmixing.
-void declareBatchOptions(QCommandLineParser& parser);
+void declareBatchOptions(CommandParser& parser);
 // Throws Failure (bad request).
 BatchWishes batchWishesOf(const QCommandLineParser& parser);
 

@@ -8,6 +8,7 @@
 #include "services/basis/Failure.h"
 #include "services/results/StagedRun.h"
 #include "workbench/commands/CliProgress.h"
+#include "workbench/commands/CommandParser.h"
 #include "workbench/commands/Output.h"
 
 #include <QFile>
@@ -80,8 +81,11 @@ CliSession::~CliSession()
     orv::setLogFile(QString(), nullptr);
 }
 
-void CliSession::declareOptions(QCommandLineParser& parser)
+void CliSession::declareOptions(CommandParser& parser)
 {
+    parser.addOption(
+        {{QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("Tell the options of this command.")});
+    parser.addOption({{QStringLiteral("v"), QStringLiteral("version")}, QStringLiteral("Tell the version.")});
     parser.addOption({QStringLiteral("json"), QStringLiteral("Answer with one JSON object.")});
     parser.addOption({QStringLiteral("quiet"), QStringLiteral("Say nothing but errors.")});
     parser.addOption({QStringLiteral("verbose"), QStringLiteral("Show the log on standard error.")});

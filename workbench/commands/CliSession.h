@@ -14,6 +14,7 @@
 #include <streambuf>
 
 class CliProgress;
+class CommandParser;
 struct RunAnswer;
 
 namespace orv {
@@ -33,8 +34,8 @@ public:
     explicit CliSession(const QCommandLineParser& parser);
     ~CliSession() override;
 
-    // The options that every command has.
-    static void declareOptions(QCommandLineParser& parser);
+    // The options that every command has, --help and --version among them, which the caller answers.
+    static void declareOptions(CommandParser& parser);
 
     bool isJson() const { return m_bJson; }
     bool isQuiet() const { return m_bQuiet; }

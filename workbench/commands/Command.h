@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "workbench/manual/CommandManual.h"
+
 #include <QCommandLineParser>
 #include <QString>
 #include <QStringList>
 
 class CliSession;
+class CommandParser;
 
 // One command of `spum`. A command reads its options from the parser, answers through the session, and throws
 // Failure when it cannot do what was asked; it then has changed nothing and left nothing half written.
@@ -21,7 +24,9 @@ public:
     // One line for the list of commands.
     virtual QString summary() const = 0;
     // Declares options and positional arguments.
-    virtual void declare(QCommandLineParser& parser) const = 0;
+    virtual void declare(CommandParser& parser) const = 0;
+    // How it is used, for --help and the manual page: commands that work in the folder of a first demo.
+    virtual QList<CommandManual::Example> examples() const { return {}; }
     // Options whose value may be left out, by name; it is then empty. Such an option takes the word behind it as its
     // value only where the command has one more argument than it takes.
     virtual QStringList optionsWithOptionalValue() const { return {}; }

@@ -7,11 +7,14 @@
 #include "platform/orvutils/printable.h"
 #include "services/basis/Failure.h"
 #include "services/basis/LoggedErrors.h"
+#include "services/basis/similarNames.h"
 #include "services/transfer/ExportPlace.h"
 #include "spectra/logLine.h"
 #include "workbench/commands/BatchCommand.h"
 #include "workbench/commands/CliSession.h"
 #include "workbench/commands/Command.h"
+#include "workbench/commands/CommandManuals.h"
+#include "workbench/commands/CommandParser.h"
 #include "workbench/commands/CompareCommand.h"
 #include "workbench/commands/ExitStatus.h"
 #include "workbench/commands/ExportCommand.h"
@@ -24,6 +27,7 @@
 #include "workbench/commands/RoiCommand.h"
 #include "workbench/commands/SimulateCommand.h"
 #include "workbench/commands/UnmixCommand.h"
+#include "workbench/manual/helpText.h"
 
 #include <QApplication>
 #include <QLocale>
@@ -38,6 +42,7 @@
 #include <exception>
 #include <langinfo.h>
 #include <new>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 namespace {
@@ -115,27 +120,76 @@ void complain(const QString& strText)
     writeAll(STDERR_FILENO, (QLatin1String("spum: ") + orv::printableLine(strText) + QLatin1Char('\n')).toUtf8());
 }
 
-QString overview(const std::vector<std::unique_ptr<Command>>& commands)
+// All that is wrong with a call, and where its options are told: on the same line if it is one thing.
+void refuseCall(const QStringList& sentences, const QString& strCommand)
 {
-    QString text = QStringLiteral("Usage: spum COMMAND [options]\n"
-                                  "Separates the sources of light in a sequence of optical images.\n\nCommands:\n");
-    for (const auto& command : commands) {
-        text += QStringLiteral("  %1 %2\n").arg(command->name().leftJustified(9), command->summary());
+    const QString hint = QStringLiteral("See \"spum %1 --help\".").arg(strCommand);
+    if (sentences.size() == 1) {
+        complain(sentences.first() + QLatin1Char(' ') + hint);
+        return;
     }
-    return text + QStringLiteral(
-                      "\n\"spum COMMAND --help\" tells the options of a command; \"spum --version\" the version.\n");
+    for (const QString& sentence : sentences) {
+        complain(sentence);
+    }
+    complain(hint);
 }
 
-// Qt's text begins with the path of the program and knows nothing of commands.
-QString helpOf(const QCommandLineParser& parser, const QString& strCommand)
+// As wide as the terminal that shows it, within what reads well.
+int columnsOfOutput()
 {
-    QString text = parser.helpText();
-    const int options = text.indexOf(QLatin1String(" [options]"));
-    return text.replace(0, std::max(options, 0), QStringLiteral("Usage: spum ") + strCommand);
+    constexpr int fewest = 60;
+    constexpr int most = 110;
+    winsize size = {};
+    if (::isatty(STDOUT_FILENO) != 1 || ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_col == 0) {
+        return helpColumns;
+    }
+    return std::clamp<int>(size.ws_col, fewest, most);
+}
+
+void printHelp(const CommandManual& manual)
+{
+    print(helpText(manual, columnsOfOutput()));
+}
+
+void printVersion()
+{
+    print(QStringLiteral("spum %1\n").arg(CORVPreference::getAppVersion()));
+}
+
+// What is wrong with the options, a sentence each; the options that are known were parsed.
+QStringList parseErrors(CommandParser& parser, const QStringList& arguments)
+{
+    const QStringList unknown = parser.unknownOptionNames();
+    if (unknown.isEmpty()) {
+        return {parser.errorText()};
+    }
+    QStringList errors;
+    for (const QString& name : unknown) {
+        QStringList meant;
+        for (const QString& known : meantNames(name, parser.longNames())) {
+            meant.append(QStringLiteral("--") + known);
+        }
+        errors.append(QStringLiteral("Unknown option '%1'%2").arg(name, meantNamesText(meant)));
+    }
+    // Without those, what else there is.
+    QStringList rest;
+    for (const QString& argument : arguments) {
+        const QString name = argument.section(QLatin1Char('='), 0, 0);
+        const bool isUnknown = std::any_of(unknown.cbegin(), unknown.cend(), [&name](const QString& strUnknown) {
+            return name == QLatin1Char('-') + strUnknown || name == QLatin1String("--") + strUnknown;
+        });
+        if (!isUnknown) {
+            rest.append(argument);
+        }
+    }
+    if (!parser.parse(rest) && parser.unknownOptionNames().isEmpty()) {
+        errors.append(parser.errorText());
+    }
+    return errors;
 }
 
 // The arguments with every option that came without its optional value in the form "--name=".
-QStringList withOptionalValues(const Command& command, QCommandLineParser& parser, QStringList arguments)
+QStringList withOptionalValues(const Command& command, CommandParser& parser, QStringList arguments)
 {
     for (const QString& name : command.optionsWithOptionalValue()) {
         const int at = arguments.indexOf(QLatin1String("--") + name);
@@ -157,25 +211,20 @@ QStringList withOptionalValues(const Command& command, QCommandLineParser& parse
 // The command and its options; a usage error or --help ends here.
 int runCommand(Command& command, const QStringList& arguments)
 {
-    QCommandLineParser parser;
-    parser.setApplicationDescription(command.summary());
-    parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
-    const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")},
-                                  QStringLiteral("Tell the options of this command."));
-    parser.addOption(help);
-    const auto version = parser.addVersionOption();
+    CommandParser parser;
     CliSession::declareOptions(parser);
     command.declare(parser);
-    if (!parser.parse(withOptionalValues(command, parser, arguments))) {
-        complain(parser.errorText() + QStringLiteral(" See \"spum %1 --help\".").arg(command.name()));
+    const QStringList given = withOptionalValues(command, parser, arguments);
+    if (!parser.parse(given)) {
+        refuseCall(parseErrors(parser, given), command.name());
         return ExitStatus::usage;
     }
-    if (parser.isSet(help)) {
-        print(helpOf(parser, command.name()));
+    if (parser.isSet(QStringLiteral("help"))) {
+        printHelp(manualOf(command));
         return ExitStatus::success;
     }
-    if (parser.isSet(version)) {
-        print(QStringLiteral("spum %1\n").arg(CORVPreference::getAppVersion()));
+    if (parser.isSet(QStringLiteral("version"))) {
+        printVersion();
         return ExitStatus::success;
     }
     const QString repeated = CommandLine::repeatedOption(command, parser);
@@ -227,29 +276,68 @@ int runCommand(Command& command, const QStringList& arguments)
     }
 }
 
+int refuseCommand(const QString& strWord, const std::vector<std::unique_ptr<Command>>& commands)
+{
+    QStringList names(QStringLiteral("help"));
+    for (const auto& command : commands) {
+        names.append(command->name());
+    }
+    QStringList meant;
+    for (const QString& name : meantNames(strWord, names)) {
+        meant.append(QLatin1Char('"') + name + QLatin1Char('"'));
+    }
+    complain(QStringLiteral("there is no command \"%1\"%2 See \"spum --help\".").arg(strWord, meantNamesText(meant)));
+    return ExitStatus::usage;
+}
+
+Command* commandOf(const QString& strWord, const std::vector<std::unique_ptr<Command>>& commands)
+{
+    const auto found = std::find_if(commands.cbegin(), commands.cend(),
+                                    [&strWord](const auto& pCommand) { return pCommand->name() == strWord; });
+    return found == commands.cend() ? nullptr : found->get();
+}
+
+// "help", or "help COMMAND".
+int tellHelp(const QStringList& words, const std::vector<std::unique_ptr<Command>>& commands)
+{
+    if (words.size() > 1) {
+        complain(QStringLiteral("help takes one command. See \"spum --help\"."));
+        return ExitStatus::usage;
+    }
+    const QString word = words.value(0, QStringLiteral("help"));
+    const Command* pCommand = commandOf(word, commands);
+    if (pCommand != nullptr) {
+        printHelp(manualOf(*pCommand));
+    } else if (word == QLatin1String("help") || word.startsWith(QLatin1Char('-'))) {
+        printHelp(manualOfProgram(commands));
+    } else {
+        return refuseCommand(word, commands);
+    }
+    return ExitStatus::success;
+}
+
 int dispatch(const QStringList& arguments)
 {
     const auto commands = CommandLine::commands();
     const QString word = arguments.value(1);
+    if (word.isEmpty()) {
+        complain(QStringLiteral("no command given. See \"spum --help\"."));
+        return ExitStatus::usage;
+    }
     if (word == QLatin1String("--version") || word == QLatin1String("-v")) {
-        print(QStringLiteral("spum %1\n").arg(CORVPreference::getAppVersion()));
+        printVersion();
         return ExitStatus::success;
     }
     if (word == QLatin1String("--help") || word == QLatin1String("-h") || word == QLatin1String("help")) {
-        print(overview(commands));
-        return ExitStatus::success;
+        return tellHelp(arguments.mid(2), commands);
     }
-    for (const auto& command : commands) {
-        if (command->name() != word) {
-            continue;
-        }
-        QStringList rest = arguments.mid(1);
-        rest[0] = QLatin1String("spum ") + word;
-        return runCommand(*command, rest);
+    Command* pCommand = commandOf(word, commands);
+    if (pCommand == nullptr) {
+        return refuseCommand(word, commands);
     }
-    complain(word.isEmpty() ? QStringLiteral("no command given. See \"spum --help\".")
-                            : QStringLiteral("there is no command \"%1\". See \"spum --help\".").arg(word));
-    return ExitStatus::usage;
+    QStringList rest = arguments.mid(1);
+    rest[0] = QLatin1String("spum ") + word;
+    return runCommand(*pCommand, rest);
 }
 
 } // namespace

@@ -15,6 +15,7 @@
 #include "services/results/resultFolder.h"
 #include "services/session/OpenedSequence.h"
 #include "workbench/commands/CliSession.h"
+#include "workbench/commands/CommandParser.h"
 #include "workbench/commands/Options.h"
 
 #include <QFileInfo>
@@ -144,7 +145,7 @@ void put(const QString& strPath, const QByteArray& bytes)
 
 } // namespace
 
-void CompareCommand::declare(QCommandLineParser& parser) const
+void CompareCommand::declare(CommandParser& parser) const
 {
     parser.addPositionalArgument(QStringLiteral("SEQ"), QStringLiteral("Folder of the sequence."));
     parser.addPositionalArgument(
@@ -155,6 +156,12 @@ void CompareCommand::declare(QCommandLineParser& parser) const
     parser.addOption({QStringLiteral("out"), QStringLiteral("Folder for picture and table; SEQ/comparison."),
                       QStringLiteral("DIR")});
     parser.addOption({QStringLiteral("force"), QStringLiteral("Replace an earlier comparison in that folder.")});
+}
+
+QList<CommandManual::Example> CompareCommand::examples() const
+{
+    return {{QStringLiteral("spum compare mouse by-name by-number"),
+             QStringLiteral("Two results beside each other and, for a simulated sequence, beside the truth.")}};
 }
 
 void CompareCommand::run(const QCommandLineParser& parser, CliSession& session)

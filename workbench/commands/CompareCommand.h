@@ -9,6 +9,7 @@ class CompareCommand : public Command
 public:
     QString name() const override { return QStringLiteral("compare"); }
     QString summary() const override { return QStringLiteral("Show results beside each other and beside the truth."); }
-    void declare(QCommandLineParser& parser) const override;
+    void declare(CommandParser& parser) const override;
+    QList<CommandManual::Example> examples() const override;
     void run(const QCommandLineParser& parser, CliSession& session) override;
 };

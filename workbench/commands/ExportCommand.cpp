@@ -8,6 +8,7 @@
 #include "services/transfer/ExportedCube.h"
 #include "workbench/commands/CliProgress.h"
 #include "workbench/commands/CliSession.h"
+#include "workbench/commands/CommandParser.h"
 #include "workbench/commands/Options.h"
 
 #include <QFileInfo>
@@ -51,7 +52,7 @@ void refuseTargets(const QStringList& targets, bool bForce)
 
 } // namespace
 
-void ExportCommand::declare(QCommandLineParser& parser) const
+void ExportCommand::declare(CommandParser& parser) const
 {
     parser.addPositionalArgument(QStringLiteral("SEQ"), QStringLiteral("Folder of the sequence."));
     addValueOption(
@@ -67,6 +68,14 @@ void ExportCommand::declare(QCommandLineParser& parser) const
                    QStringLiteral("counts, radiance, radiant-efficiency or efficiency; the best that the images have."),
                    "UNIT");
     parser.addOption({QStringLiteral("force"), QStringLiteral("Replace files that exist.")});
+}
+
+QList<CommandManual::Example> ExportCommand::examples() const
+{
+    return {{QStringLiteral("spum export mouse --format ome-tiff --out mouse.ome.tif"),
+             QStringLiteral("All images in one file, calibrated.")},
+            {QStringLiteral("spum export mouse --format csv --unit counts --select \"675/*\" --out mouse.csv"),
+             QStringLiteral("Those of one excitation as a table, a row a pixel.")}};
 }
 
 void ExportCommand::run(const QCommandLineParser& parser, CliSession& session)

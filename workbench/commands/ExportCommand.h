@@ -9,6 +9,7 @@ class ExportCommand : public Command
 public:
     QString name() const override { return QStringLiteral("export"); }
     QString summary() const override { return QStringLiteral("Write the images as a cube for other programs."); }
-    void declare(QCommandLineParser& parser) const override;
+    void declare(CommandParser& parser) const override;
+    QList<CommandManual::Example> examples() const override;
     void run(const QCommandLineParser& parser, CliSession& session) override;
 };

@@ -9,6 +9,7 @@
 #include "services/transfer/ImportInference.h"
 #include "workbench/commands/CliProgress.h"
 #include "workbench/commands/CliSession.h"
+#include "workbench/commands/CommandParser.h"
 #include "workbench/commands/Options.h"
 
 #include <QFileInfo>
@@ -174,7 +175,7 @@ ImportReport import(const ImportOptions& options, CliSession& session)
 
 } // namespace
 
-void ImportCommand::declare(QCommandLineParser& parser) const
+void ImportCommand::declare(CommandParser& parser) const
 {
     parser.addPositionalArgument(QStringLiteral("STACK"),
                                  QStringLiteral("Folder of TIFF files, a TIFF of several pages, an ENVI or CSV cube."));
@@ -206,6 +207,14 @@ void ImportCommand::declare(QCommandLineParser& parser) const
     parser.addOption({QStringLiteral("force"),
                       QStringLiteral("Replace a sequence of that name, unless it holds anything that was not written "
                                      "with it; or the file of --write-table.")});
+}
+
+QList<CommandManual::Example> ImportCommand::examples() const
+{
+    return {{QStringLiteral("spum import my-images --write-table images.csv"),
+             QStringLiteral("Only look at the files and write down which is taken for what, to be edited.")},
+            {QStringLiteral("spum import my-images --images images.csv cells"),
+             QStringLiteral("Make the sequence \"cells\" of them by that table.")}};
 }
 
 void ImportCommand::run(const QCommandLineParser& parser, CliSession& session)

@@ -9,6 +9,7 @@ class ImportCommand : public Command
 public:
     QString name() const override { return QStringLiteral("import"); }
     QString summary() const override { return QStringLiteral("Make a sequence of TIFF files or an ENVI cube."); }
-    void declare(QCommandLineParser& parser) const override;
+    void declare(CommandParser& parser) const override;
+    QList<CommandManual::Example> examples() const override;
     void run(const QCommandLineParser& parser, CliSession& session) override;
 };

@@ -16,6 +16,7 @@
 #include "services/session/UnitForecast.h"
 #include "services/session/UnmixedMapLinks.h"
 #include "workbench/commands/CliSession.h"
+#include "workbench/commands/CommandParser.h"
 #include "workbench/commands/Options.h"
 
 #include <QJsonArray>
@@ -269,9 +270,16 @@ QJsonObject jsonAnswer(OpenedSequence& opened, const QList<ImageRow>& rows, cons
 
 } // namespace
 
-void InfoCommand::declare(QCommandLineParser& parser) const
+void InfoCommand::declare(CommandParser& parser) const
 {
     parser.addPositionalArgument(QStringLiteral("SEQ"), QStringLiteral("Folder of the sequence."));
+}
+
+QList<CommandManual::Example> InfoCommand::examples() const
+{
+    return {
+        {QStringLiteral("spum info mouse"), QStringLiteral("What the sequence holds, and how it would be analysed.")},
+        {QStringLiteral("spum info mouse --json"), QStringLiteral("The same for a script.")}};
 }
 
 void InfoCommand::run(const QCommandLineParser& parser, CliSession& session)

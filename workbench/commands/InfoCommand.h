@@ -12,6 +12,7 @@ public:
     {
         return QStringLiteral("Tell what a sequence holds and what can be analysed in it.");
     }
-    void declare(QCommandLineParser& parser) const override;
+    void declare(CommandParser& parser) const override;
+    QList<CommandManual::Example> examples() const override;
     void run(const QCommandLineParser& parser, CliSession& session) override;
 };

@@ -10,6 +10,7 @@
 #include "spectra/SpectrumPlotParams.h"
 #include "spectra/SpumKyvoDatabase.h"
 #include "workbench/commands/CliSession.h"
+#include "workbench/commands/CommandParser.h"
 #include "workbench/commands/Options.h"
 
 #include <QDir>
@@ -52,7 +53,7 @@ QString pathToSave(const QString& strName, bool bForce)
 
 } // namespace
 
-void LibraryCommand::declare(QCommandLineParser& parser) const
+void LibraryCommand::declare(CommandParser& parser) const
 {
     parser.addPositionalArgument(QStringLiteral("list|show|save"), QStringLiteral("What to do."));
     parser.addPositionalArgument(QStringLiteral("NAME"), QStringLiteral("Library (show also takes a file)."),
@@ -68,6 +69,16 @@ void LibraryCommand::declare(QCommandLineParser& parser) const
                    "NAME=X,Y,W,H");
     addValueOption(parser, "note", QStringLiteral("save: a note (a comma ends it)."), "TEXT");
     parser.addOption({QStringLiteral("force"), QStringLiteral("save: replace a library of that name.")});
+}
+
+QList<CommandManual::Example> LibraryCommand::examples() const
+{
+    return {{QStringLiteral("spum library save dyes --sequence mouse --probes \"AlexaFluor 700,Cy7\""),
+             QStringLiteral("Spectra of the database at the images of a sequence.")},
+            {QStringLiteral(
+                 "spum library save measured --sequence mouse --region \"gut=20,30,10,8\" --region \"skin=30,10,8,8\""),
+             QStringLiteral("Spectra measured in the images, in rectangles of pixels.")},
+            {QStringLiteral("spum library show dyes"), QStringLiteral("The figures of a library.")}};
 }
 
 void LibraryCommand::run(const QCommandLineParser& parser, CliSession& session)

@@ -9,7 +9,8 @@ class LibraryCommand : public Command
 public:
     QString name() const override { return QStringLiteral("library"); }
     QString summary() const override { return QStringLiteral("List, show and save spectrum libraries."); }
-    void declare(QCommandLineParser& parser) const override;
+    void declare(CommandParser& parser) const override;
+    QList<CommandManual::Example> examples() const override;
     QStringList repeatableOptions() const override { return {QStringLiteral("region")}; }
     void run(const QCommandLineParser& parser, CliSession& session) override;
 

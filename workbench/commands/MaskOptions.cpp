@@ -2,6 +2,7 @@
 #include "workbench/commands/MaskOptions.h"
 
 #include "services/basis/Failure.h"
+#include "workbench/commands/CommandParser.h"
 
 #include <QCommandLineParser>
 #include <QStringList>
@@ -70,7 +71,7 @@ double thresholdOf(const QString& strText)
 
 } // namespace
 
-void declareMaskOptions(QCommandLineParser& parser, const QString& strDefaults)
+void declareMaskOptions(CommandParser& parser, const QString& strDefaults)
 {
     parser.addOption({maskName,
                       QStringLiteral("Pixels to analyse. auto: where the photograph is bright; none: all; "

@@ -5,10 +5,11 @@
 
 #include <QString>
 
+class CommandParser;
 class QCommandLineParser;
 
 // Declares --mask and --threshold; `strDefaults` tells what serves without --mask.
-void declareMaskOptions(QCommandLineParser& parser, const QString& strDefaults);
+void declareMaskOptions(CommandParser& parser, const QString& strDefaults);
 
 // The option "none", "auto", "rect:X,Y,W,H", "ellipse:X,Y,W,H" or a file; `eDefault` without one. A file of such a name
 // is reached with a folder in front ("./auto"). Throws Failure (bad request) for numbers that are none, and for a

@@ -2,15 +2,16 @@
 #include "workbench/commands/Options.h"
 
 #include "services/basis/Failure.h"
+#include "workbench/commands/CommandParser.h"
 
 #include <QCommandLineParser>
 
-void addValueOption(QCommandLineParser& parser, const char* pName, const QString& strText, const char* pValue)
+void addValueOption(CommandParser& parser, const char* pName, const QString& strText, const char* pValue)
 {
     parser.addOption({QLatin1String(pName), strText, QLatin1String(pValue)});
 }
 
-void addFlag(QCommandLineParser& parser, const char* pName, const QString& strText)
+void addFlag(CommandParser& parser, const char* pName, const QString& strText)
 {
     parser.addOption({QLatin1String(pName), strText});
 }

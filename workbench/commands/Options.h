@@ -3,12 +3,12 @@
 
 #include <QString>
 
-class QCommandLineParser;
+class CommandParser;
 
 // Declares an option that takes a value.
-void addValueOption(QCommandLineParser& parser, const char* pName, const QString& strText, const char* pValue);
+void addValueOption(CommandParser& parser, const char* pName, const QString& strText, const char* pValue);
 // Declares one that takes none.
-void addFlag(QCommandLineParser& parser, const char* pName, const QString& strText);
+void addFlag(CommandParser& parser, const char* pName, const QString& strText);
 
 // Throws Failure (bad request): the sentence, and where the options of that command are told.
 [[noreturn]] void refuseUsage(const char* pCommand, const QString& strText);

@@ -12,6 +12,7 @@
 #include "workbench/commands/AnalysisOptions.h"
 #include "workbench/commands/CliProgress.h"
 #include "workbench/commands/CliSession.h"
+#include "workbench/commands/CommandParser.h"
 
 namespace {
 
@@ -33,11 +34,18 @@ void maskTakenPixels(CORVSpumKyvo& engine)
 
 } // namespace
 
-void PcaCommand::declare(QCommandLineParser& parser) const
+void PcaCommand::declare(CommandParser& parser) const
 {
     declareImageOptions(parser, QStringLiteral("Without it: auto where a camera took the photograph, else none."));
     declarePlaces(parser, QStringLiteral("SEQ/pca"));
     parser.addOption({QStringLiteral("force"), QStringLiteral("Replace earlier results in that folder.")});
+}
+
+QList<CommandManual::Example> PcaCommand::examples() const
+{
+    return {
+        {QStringLiteral("spum pca mouse"),
+         QStringLiteral("How many components explain how much of the images; pictures and tables go to mouse/pca.")}};
 }
 
 void PcaCommand::run(const QCommandLineParser& parser, CliSession& session)

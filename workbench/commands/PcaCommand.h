@@ -12,6 +12,7 @@ public:
     {
         return QStringLiteral("Tell how much of the variance how many components explain.");
     }
-    void declare(QCommandLineParser& parser) const override;
+    void declare(CommandParser& parser) const override;
+    QList<CommandManual::Example> examples() const override;
     void run(const QCommandLineParser& parser, CliSession& session) override;
 };

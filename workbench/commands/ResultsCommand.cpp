@@ -15,6 +15,7 @@
 #include "storage/SavedDocument.h"
 #include "workbench/commands/CliProgress.h"
 #include "workbench/commands/CliSession.h"
+#include "workbench/commands/CommandParser.h"
 #include "workbench/commands/Options.h"
 
 #include "XTNT/xtnt_parallel.h"
@@ -119,7 +120,7 @@ std::optional<int> componentOf(const QCommandLineParser& parser)
 
 } // namespace
 
-void ResultsCommand::declare(QCommandLineParser& parser) const
+void ResultsCommand::declare(CommandParser& parser) const
 {
     parser.addPositionalArgument(QStringLiteral("list|show|load|rename|delete|export"), QStringLiteral("What to do."));
     parser.addPositionalArgument(QStringLiteral("SEQ"), QStringLiteral("Folder of the sequence."));
@@ -137,6 +138,16 @@ void ResultsCommand::declare(QCommandLineParser& parser) const
                       QStringLiteral("N")});
     parser.addOption(
         {QStringLiteral("force"), QStringLiteral("load, export: replace what is in that folder. delete: do not ask.")});
+}
+
+QList<CommandManual::Example> ResultsCommand::examples() const
+{
+    return {{QStringLiteral("spum results list mouse"),
+             QStringLiteral("The results that were saved with the sequence, as by \"spum unmix --save\".")},
+            {QStringLiteral("spum results load mouse four --out loaded"),
+             QStringLiteral("Compute the maps of one again and write its files.")},
+            {QStringLiteral("spum results export mouse four --out mouse-maps"),
+             QStringLiteral("Make a sequence of its maps.")}};
 }
 
 void ResultsCommand::run(const QCommandLineParser& parser, CliSession& session)

@@ -17,7 +17,8 @@ public:
     {
         return QStringLiteral("List, show, load and export the results saved with a sequence.");
     }
-    void declare(QCommandLineParser& parser) const override;
+    void declare(CommandParser& parser) const override;
+    QList<CommandManual::Example> examples() const override;
     void run(const QCommandLineParser& parser, CliSession& session) override;
 
 private:

@@ -15,6 +15,7 @@
 #include "services/session/UnitForecast.h"
 #include "workbench/commands/CliProgress.h"
 #include "workbench/commands/CliSession.h"
+#include "workbench/commands/CommandParser.h"
 #include "workbench/commands/Options.h"
 
 #include <QFileInfo>
@@ -250,7 +251,7 @@ struct RoiCommand::Work
     RegionFiles files;
 };
 
-void RoiCommand::declare(QCommandLineParser& parser) const
+void RoiCommand::declare(CommandParser& parser) const
 {
     parser.addPositionalArgument(QStringLiteral("SEQ"), QStringLiteral("Folder of the sequence."));
     parser.addPositionalArgument(QStringLiteral("add|list|measure|remove|rename"), QStringLiteral("What to do."));
@@ -282,6 +283,14 @@ void RoiCommand::declare(QCommandLineParser& parser) const
     parser.addOption({QStringLiteral("force"), QStringLiteral("measure: replace that file.")});
     parser.addOption(
         {QStringLiteral("save"), QStringLiteral("measure: keep the numbers of the images with the regions.")});
+}
+
+QList<CommandManual::Example> RoiCommand::examples() const
+{
+    return {{QStringLiteral("spum roi mouse add --name tumour --shape ellipse:430,370,70,70"),
+             QStringLiteral("Keep a region with the sequence.")},
+            {QStringLiteral("spum roi mouse measure --result by-name --csv regions.csv"),
+             QStringLiteral("Its light in every image, and over the maps of a result.")}};
 }
 
 void RoiCommand::run(const QCommandLineParser& parser, CliSession& session)

@@ -12,7 +12,8 @@ public:
     {
         return QStringLiteral("Keep regions of interest and measure them over images and maps.");
     }
-    void declare(QCommandLineParser& parser) const override;
+    void declare(CommandParser& parser) const override;
+    QList<CommandManual::Example> examples() const override;
     QStringList repeatableOptions() const override { return {QStringLiteral("result")}; }
     void run(const QCommandLineParser& parser, CliSession& session) override;
 

@@ -5,6 +5,7 @@
 #include "services/basis/Failure.h"
 #include "workbench/commands/CliProgress.h"
 #include "workbench/commands/CliSession.h"
+#include "workbench/commands/CommandParser.h"
 #include "workbench/commands/Options.h"
 #include "workbench/simulator/FilterPlan.h"
 #include "workbench/simulator/OptionCheck.h"
@@ -362,7 +363,7 @@ void write(const QString& strTarget, const SimulationOptions& options, CliSessio
 
 } // namespace
 
-void SimulateCommand::declare(QCommandLineParser& parser) const
+void SimulateCommand::declare(CommandParser& parser) const
 {
     parser.addPositionalArgument(QStringLiteral("OUT"), QStringLiteral("Folder of the new sequence."));
     for (const OptionText& option : kOptions) {
@@ -372,6 +373,18 @@ void SimulateCommand::declare(QCommandLineParser& parser) const
         }
         parser.addOption({QString::fromLatin1(option.name), help, QString::fromLatin1(option.value)});
     }
+}
+
+QList<CommandManual::Example> SimulateCommand::examples() const
+{
+    return {
+        {QStringLiteral("spum simulate mouse"),
+         QStringLiteral(
+             "A mouse with food in its gut and two dyes, in the folder \"mouse\", with the truth beside the images.")},
+        {QStringLiteral("spum simulate fasted --food-ratio 0 --size 128"),
+         QStringLiteral("Another one that has not eaten, in smaller images.")},
+        {QStringLiteral("spum simulate kinetics --kind temporal --size 64"),
+         QStringLiteral("The course of a dye through the organs: a series of times.")}};
 }
 
 void SimulateCommand::run(const QCommandLineParser& parser, CliSession& session)

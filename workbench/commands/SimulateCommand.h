@@ -9,6 +9,7 @@ class SimulateCommand : public Command
 public:
     QString name() const override { return QStringLiteral("simulate"); }
     QString summary() const override { return QStringLiteral("Write a simulated mouse sequence with its truth."); }
-    void declare(QCommandLineParser& parser) const override;
+    void declare(CommandParser& parser) const override;
+    QList<CommandManual::Example> examples() const override;
     void run(const QCommandLineParser& parser, CliSession& session) override;
 };

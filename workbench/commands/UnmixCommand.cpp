@@ -6,12 +6,13 @@
 #include "services/warnings/strictFailure.h"
 #include "workbench/commands/AnalysisOptions.h"
 #include "workbench/commands/CliSession.h"
+#include "workbench/commands/CommandParser.h"
 #include "workbench/commands/Options.h"
 #include "workbench/commands/UnmixOptions.h"
 
 #include <QCoreApplication>
 
-void UnmixCommand::declare(QCommandLineParser& parser) const
+void UnmixCommand::declare(CommandParser& parser) const
 {
     declareUnmixOptions(parser);
     declarePlaces(parser, QStringLiteral("SEQ/unmixed-METHOD"));
@@ -19,6 +20,20 @@ void UnmixCommand::declare(QCommandLineParser& parser) const
     addFlag(parser, "strict",
             QStringLiteral("End with status 1 where a warning says that the answer is likely to be wrong, with 3 where "
                            "there are other warnings; the results are written all the same."));
+}
+
+QList<CommandManual::Example> UnmixCommand::examples() const
+{
+    return {
+        {QStringLiteral("spum unmix mouse"),
+         QStringLiteral(
+             "Resolve the components that are proposed; maps, report and numbers go to mouse/unmixed-automatic.")},
+        {QStringLiteral("spum unmix mouse --components \"TissueAF,Food,AlexaFluor 750,AlexaFluor 790\" --out by-name"),
+         QStringLiteral("Resolve these four.")},
+        {QStringLiteral("spum unmix mouse --ncomponents 4 --out by-number"),
+         QStringLiteral("Resolve four of which nothing is known.")},
+        {QStringLiteral("spum unmix mouse --library by-name/spectra.csv --out again"),
+         QStringLiteral("Fit known spectra, here those that were resolved before.")}};
 }
 
 void UnmixCommand::run(const QCommandLineParser& parser, CliSession& session)

@@ -9,7 +9,8 @@ class UnmixCommand : public Command
 public:
     QString name() const override { return QStringLiteral("unmix"); }
     QString summary() const override { return QStringLiteral("Separate a sequence into maps of its sources."); }
-    void declare(QCommandLineParser& parser) const override;
+    void declare(CommandParser& parser) const override;
+    QList<CommandManual::Example> examples() const override;
     // "--save" alone takes the next automatic name.
     QStringList optionsWithOptionalValue() const override { return {QStringLiteral("save")}; }
     void run(const QCommandLineParser& parser, CliSession& session) override;

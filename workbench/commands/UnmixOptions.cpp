@@ -6,6 +6,7 @@
 #include "services/basis/ModeNames.h"
 #include "workbench/commands/AnalysisOptions.h"
 #include "workbench/commands/AutomaticOptions.h"
+#include "workbench/commands/CommandParser.h"
 #include "workbench/commands/Options.h"
 
 #include <QCommandLineParser>
@@ -45,7 +46,7 @@ void checkOptionsOfMethod(const QCommandLineParser& parser, int nMode)
 
 } // namespace
 
-void declareUnmixOptions(QCommandLineParser& parser)
+void declareUnmixOptions(CommandParser& parser)
 {
     addValueOption(
         parser, "method",

@@ -2,14 +2,12 @@
 #include "workbench/simulator/ProbeChoice.h"
 
 #include "host/CORVDatabase.h"
+#include "services/basis/similarNames.h"
 #include "workbench/simulator/SimulationKind.h"
 
 #include <QHash>
 
-#include <algorithm>
 #include <cmath>
-#include <numeric>
-#include <vector>
 
 namespace {
 
@@ -30,35 +28,6 @@ bool readCurve(const QString& strSource, SpectralCurve* pCurve, ReadSource pRead
 QString lightName(ProbeLight eLight)
 {
     return eLight == ProbeLight::Luciferase ? QStringLiteral("luciferase") : QStringLiteral("fluorophore");
-}
-
-// Fewest insertions, removals and exchanges that turn one text into the other (V. I. Levenshtein, 1965).
-int editDistance(const QString& strA, const QString& strB)
-{
-    const auto n = static_cast<std::size_t>(strB.size());
-    std::vector<int> row(n + 1);
-    std::iota(row.begin(), row.end(), 0);
-    for (int i = 0; i < strA.size(); ++i) {
-        int diagonal = row[0];
-        row[0] = i + 1;
-        for (std::size_t j = 0; j < n; ++j) {
-            const int exchange = diagonal + (strA.at(i) == strB.at(static_cast<int>(j)) ? 0 : 1);
-            diagonal = row[j + 1];
-            row[j + 1] = std::min({exchange, row[j] + 1, diagonal + 1});
-        }
-    }
-    return row[n];
-}
-
-QString comparable(const QString& strText)
-{
-    QString text;
-    for (const QChar c : strText.toLower()) {
-        if (c.isLetterOrNumber()) {
-            text.append(c);
-        }
-    }
-    return text;
 }
 
 QString unknownProbe(const QString& strName, ProbeLight eLight)
@@ -133,16 +102,6 @@ SpectralCurve estimateExcitation(const QString& strName, const SpectralCurve& em
         values.append(nanocrystal ? edge * std::exp(-(nm - 350.0) / 130.0) : emission.at(mirror - nm));
     }
     return SpectralCurve(wavelengths, values, SpectralCurve::Beyond::Zero);
-}
-
-QStringList similarNames(const QString& strText, const QStringList& names, int nMost)
-{
-    const QString wanted = comparable(strText);
-    QStringList sorted = names;
-    std::stable_sort(sorted.begin(), sorted.end(), [&wanted](const QString& strA, const QString& strB) {
-        return editDistance(wanted, comparable(strA)) < editDistance(wanted, comparable(strB));
-    });
-    return sorted.mid(0, nMost);
 }
 
 bool resolveProbes(const QStringList& names, ProbeLight eLight, QList<Probe>* pProbes, QString* pError)

@@ -49,9 +49,6 @@ bool readAutofluorescence(const QString& strName, Probe* pProbe);
 // emission.
 SpectralCurve estimateExcitation(const QString& strName, const SpectralCurve& emission);
 
-// Names that resemble the text, the likeliest first, at most `nMost`.
-QStringList similarNames(const QString& strText, const QStringList& names, int nMost);
-
 // The text that a sequence holds for a probe, from which its name is made again: "AF680" for "AlexaFluor 680", "QD800"
 // for "QDot 800", else the name.
 QString probeText(const QString& strName);

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QCommandLineParser>
+#include "workbench/commands/CommandParser.h"
+
 #include <QStringList>
 
 #include <gtest/gtest.h>
@@ -12,14 +13,13 @@
 class ParsedOptions
 {
 public:
-    ParsedOptions(const std::function<void(QCommandLineParser&)>& declare, const QStringList& arguments)
+    ParsedOptions(const std::function<void(CommandParser&)>& declare, const QStringList& arguments)
     {
-        m_parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
         declare(m_parser);
         EXPECT_TRUE(m_parser.parse(QStringList{"spum"} + arguments)) << qPrintable(m_parser.errorText());
     }
     const QCommandLineParser& parser() const { return m_parser; }
 
 private:
-    QCommandLineParser m_parser;
+    CommandParser m_parser;
 };

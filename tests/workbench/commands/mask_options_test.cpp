@@ -9,7 +9,7 @@ using Kind = MaskRequest::Kind;
 
 MaskRequest maskOf(const QStringList& arguments, Kind eDefault = Kind::None)
 {
-    const ParsedOptions options([](QCommandLineParser& parser) { declareMaskOptions(parser, QString()); }, arguments);
+    const ParsedOptions options([](CommandParser& parser) { declareMaskOptions(parser, QString()); }, arguments);
     return maskOptionOf(options.parser(), eDefault);
 }
 

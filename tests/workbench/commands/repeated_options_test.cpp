@@ -3,9 +3,8 @@
 #include "workbench/commands/CliSession.h"
 #include "workbench/commands/Command.h"
 #include "workbench/commands/CommandLine.h"
+#include "workbench/commands/CommandParser.h"
 
-#include <QCommandLineParser>
-#include <QRegularExpression>
 #include <QSet>
 
 #include <gtest/gtest.h>
@@ -18,16 +17,13 @@ struct DeclaredOptions
     QStringList flags;
 };
 
-// As the help text has them: "--name <VALUE>" or "--name".
-DeclaredOptions optionsOf(const QCommandLineParser& parser)
+DeclaredOptions optionsOf(const CommandParser& parser)
 {
-    static const QRegularExpression line(QStringLiteral(R"(^ {2}(?:-\w, )*--([a-z-]+)( <)?)"),
-                                         QRegularExpression::MultilineOption);
     DeclaredOptions options;
-    auto matches = line.globalMatch(parser.helpText());
-    while (matches.hasNext()) {
-        const auto match = matches.next();
-        (match.captured(2).isEmpty() ? options.flags : options.withValue).append(match.captured(1));
+    for (const CommandManual::Group& group : parser.groups()) {
+        for (const CommandManual::Entry& entry : group.entries) {
+            (entry.value.isEmpty() ? options.flags : options.withValue).append(entry.names.last());
+        }
     }
     return options;
 }
@@ -35,7 +31,7 @@ DeclaredOptions optionsOf(const QCommandLineParser& parser)
 // What is refused of a command line with that option twice.
 QString refused(const Command& command, const QString& strOption, bool bValue)
 {
-    QCommandLineParser parser;
+    CommandParser parser;
     CliSession::declareOptions(parser);
     command.declare(parser);
     const QString given = QStringLiteral("--") + strOption;
@@ -56,7 +52,7 @@ TEST(RepeatedOptionsTest, EveryOptionOfEveryCommandTakesBothOrRefusesTheSecond)
     int seen = 0;
     QSet<QString> repeatable;
     for (const auto& command : CommandLine::commands()) {
-        QCommandLineParser parser;
+        CommandParser parser;
         CliSession::declareOptions(parser);
         command->declare(parser);
         const DeclaredOptions options = optionsOf(parser);

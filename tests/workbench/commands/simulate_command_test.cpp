@@ -3,6 +3,7 @@
 
 #include "services/basis/Failure.h"
 #include "workbench/commands/CliSession.h"
+#include "workbench/commands/CommandParser.h"
 #include "workbench/commands/ExitStatus.h"
 
 #include <QDir>
@@ -16,8 +17,7 @@ namespace {
 int runSimulate(const QStringList& arguments, QString* pMessage)
 {
     SimulateCommand command;
-    QCommandLineParser parser;
-    parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
+    CommandParser parser;
     CliSession::declareOptions(parser);
     command.declare(parser);
     const QStringList all = QStringList{QStringLiteral("spum simulate"), QStringLiteral("--quiet")} + arguments;

@@ -38,8 +38,9 @@ TEST_F(ProgramTest, TellsItsVersion)
 
 TEST_F(ProgramTest, HelpListsTheCommands)
 {
-    for (const char* word : {"--help", "-h", "help"}) {
-        const QString text = QString::fromUtf8(succeed({word}).out);
+    for (const QStringList& words : {QStringList{"--help"}, QStringList{"-h"}, QStringList{"help"},
+                                     QStringList{"help", "help"}, QStringList{"help", "--help"}}) {
+        const QString text = QString::fromUtf8(succeed(words).out);
         EXPECT_TRUE(text.startsWith("Usage: spum COMMAND [options]\n"));
         for (const auto& command : commands) {
             EXPECT_TRUE(text.contains("\n  " + command + ' ')) << qPrintable(command);
@@ -56,12 +57,24 @@ TEST_F(ProgramTest, EachCommandHasItsHelp)
             EXPECT_TRUE(text.contains(option)) << qPrintable(command) << option;
         }
         EXPECT_EQ(succeed({command, "-h"}).out, text.toUtf8());
+        EXPECT_EQ(succeed({"help", command}).out, text.toUtf8());
+        EXPECT_TRUE(text.contains("\nExamples:\n  spum " + command)) << qPrintable(text);
     }
+}
+
+TEST_F(ProgramTest, HelpTakesOneCommandThatThereIs)
+{
+    EXPECT_EQ(refusal({"help", "unmixx"}, 2),
+              "there is no command \"unmixx\"; did you mean \"unmix\"? See \"spum --help\".");
+    EXPECT_EQ(refusal({"help", "zzz"}, 2), "there is no command \"zzz\". See \"spum --help\".");
+    EXPECT_EQ(refusal({"help", "unmix", "pca"}, 2), "help takes one command. See \"spum --help\".");
 }
 
 TEST_F(ProgramTest, ACommandThatIsUnknownOrMissingIsAUsageError)
 {
-    EXPECT_EQ(refusal({"unmixx"}, 2), "there is no command \"unmixx\". See \"spum --help\".");
+    EXPECT_EQ(refusal({"unmixx"}, 2), "there is no command \"unmixx\"; did you mean \"unmix\"? See \"spum --help\".");
+    EXPECT_EQ(refusal({"comp"}, 2), "there is no command \"comp\"; did you mean \"compare\"? See \"spum --help\".");
+    EXPECT_EQ(refusal({"quux"}, 2), "there is no command \"quux\". See \"spum --help\".");
     EXPECT_EQ(refusal({"--json"}, 2), "there is no command \"--json\". See \"spum --help\".");
     EXPECT_EQ(refusal({}, 2), "no command given. See \"spum --help\".");
 }
@@ -73,6 +86,29 @@ TEST_F(ProgramTest, AnUnknownOptionIsAUsageError)
                   QStringLiteral("Unknown option 'bogus'. See \"spum %1 --help\".").arg(command));
         refusal({command, "x", "--log"}, 2);
     }
+}
+
+TEST_F(ProgramTest, ASlipInAnOptionIsToldWithWhatWasMeant)
+{
+    EXPECT_EQ(refusal({"unmix", "seq", "--compnents", "A,B"}, 2),
+              "Unknown option 'compnents'; did you mean --components or --ncomponents? See \"spum unmix --help\".");
+    EXPECT_EQ(refusal({"simulate", "seq", "--sizes=64"}, 2),
+              "Unknown option 'sizes'; did you mean --size? See \"spum simulate --help\".");
+    EXPECT_EQ(refusal({"info", "seq", "-json"}, 1), refusal({"info", "seq", "--json"}, 1));
+}
+
+TEST_F(ProgramTest, EveryUnknownOptionOfACallIsTold)
+{
+    const ProgramResult result = spum({"unmix", "seq", "--bogus", "--maks=none", "-zz", "--log"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.out, QByteArray());
+    const QStringList lines = result.errText().split('\n');
+    ASSERT_EQ(lines.size(), 6) << result.err.constData();
+    EXPECT_EQ(lines[0], "spum: Unknown option 'bogus'.");
+    EXPECT_EQ(lines[1], "spum: Unknown option 'maks'; did you mean --mask?");
+    EXPECT_EQ(lines[2], "spum: Unknown option 'zz'.");
+    EXPECT_TRUE(lines[3].contains("log")) << qPrintable(lines[3]);
+    EXPECT_EQ(lines[4], "spum: See \"spum unmix --help\".");
 }
 
 TEST_F(ProgramTest, AWrongNumberOfArgumentsIsAUsageError)
