@@ -53,6 +53,14 @@ bool allEqual(const CILImage& image, const ImageFindings::Frame& frame)
 
 } // namespace
 
+void ImageFindings::Negatives::addToRow(std::size_t nRow)
+{
+    if (ofRows.size() <= nRow) {
+        ofRows.resize(nRow + 1, 0);
+    }
+    ofRows[nRow] = static_cast<unsigned short>(std::min(ofRows[nRow] + 1, 65535));
+}
+
 void ImageFindings::look(const QString& strName, const CILImage& image, const Frame& frame)
 {
     if (m_strFirst.isEmpty()) {
@@ -63,6 +71,37 @@ void ImageFindings::look(const QString& strName, const CILImage& image, const Fr
         m_notFinite.append(QStringLiteral("%1 (%2 pixels)").arg(strName).arg(pixels));
     } else if (allEqual(image, frame)) {
         m_constant.append(strName);
+    }
+}
+
+void ImageFindings::lookAtCube(const QString& strName, const CILImage& image, int nSpot, const Frame& frame)
+{
+    const float* pixels = image.floats();
+    const std::size_t nPixels = image.pixelCount();
+    const std::vector<int>& mask = *frame.mask;
+    const std::size_t nRows = mask.empty() ? nPixels : mask.size();
+    long long cut = 0;
+    for (std::size_t row = 0; row < nRows; ++row) {
+        const std::size_t place = mask.empty() ? row : static_cast<std::size_t>(mask[row]);
+        // A mask that goes beyond the image is refused by the cube.
+        const double value = place < nPixels ? static_cast<double>(pixels[place]) : 0.0;
+        if (value < 0.0) {
+            ++cut;
+            m_negatives.cutLight -= value;
+            m_negatives.addToRow(static_cast<std::size_t>(nSpot) * nRows + row);
+        } else {
+            m_negatives.light += value;
+        }
+    }
+    m_negatives.elements += static_cast<long long>(nRows);
+    m_negatives.cut += cut;
+    if (cut > 0) {
+        m_negatives.images.append({strName, cut});
+    }
+    if (!mask.empty()) {
+        m_light.resize(nPixels, 0.0);
+        std::transform(m_light.begin(), m_light.end(), pixels, m_light.begin(),
+                       [](double dSum, float fValue) { return dSum + static_cast<double>(fValue); });
     }
 }
 

@@ -47,6 +47,8 @@ public:
     // cube.
     const QStringList& constantImages() { return engine().m_imageFindings.constantImages(); }
     bool allImagesConstant();
+    // Whether a photograph tells the pixels.
+    bool hasMaskOfPhotograph() const { return m_request.mask.kind == MaskRequest::Kind::Photograph; }
 
 private:
     AnalysisRequest m_request;

@@ -236,6 +236,7 @@ QString UnmixJob::adviceAgainstFailure()
 void UnmixJob::takeWarnings()
 {
     RunFindings findings = findingsOfResult(m_setUp.engine(), m_setUp.opened().sequence(), isAutomatic(), m_numbers);
+    findings.maskOfPhotograph = m_setUp.hasMaskOfPhotograph();
     if (isAutomatic()) {
         findings.askedNames = m_request.automatic.components;
     }

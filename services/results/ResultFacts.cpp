@@ -141,6 +141,9 @@ ResultFacts factsOfResult(const CORVSpumKyvo& engine, const ResultNumbers& numbe
     if (std::isfinite(numbers.condition)) {
         facts.condition = numbers.condition;
     }
+    if (std::isfinite(numbers.maskLight)) {
+        facts.maskLight = numbers.maskLight;
+    }
     for (int k = 0; k < engine.m_spectrumPlots.size(); ++k) {
         facts.components.append(componentOf(engine, numbers, k, facts.spots));
     }

@@ -64,6 +64,7 @@ struct ResultFacts
     QList<ComponentFacts> components;
     QList<QPair<QString, QString>> properties;
     std::optional<AutomaticFacts> automatic;
+    std::optional<double> maskLight; // part of the images' light that lies inside the mask, 0 to 1
     std::optional<double> condition; // of the spectra, each scaled to length 1
     ComponentNumber above;           // the noise; none of a result that was loaded
     QList<RunWarning> warnings;

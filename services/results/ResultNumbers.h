@@ -24,6 +24,7 @@ struct ResultNumbers
     AutomaticRunFacts facts; // of an automatic run
     // What follows is known of a run that has just ended, each list a component; see findingsOfResult().
     double condition = std::numeric_limits<double>::quiet_NaN(); // of the spectra, each scaled to length 1
+    double maskLight = std::numeric_limits<double>::quiet_NaN(); // the mask's part of the images' light, 0 to 1
     std::vector<double> standardErrors;                          // of the map in a pixel, in its unit
     std::vector<double> amplifications;                          // of the noise, see SpectraLikeness
     std::vector<double> knownCosines;                            // of an automatic run; NaN: no source of that name

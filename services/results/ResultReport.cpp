@@ -63,6 +63,9 @@ QList<QPair<QString, QString>> factRows(const ResultFacts& facts)
         {QStringLiteral("Size"),
          QStringLiteral("%1 x %2, binning %3").arg(facts.width).arg(facts.height).arg(facts.binning)},
         {QStringLiteral("Unit"), facts.unit}};
+    if (facts.maskLight) {
+        rows.append({QStringLiteral("Light in the mask"), percent(*facts.maskLight * 100.0, 3)});
+    }
     if (facts.spots > 1) {
         rows.append({QStringLiteral("Scan spots"), QString::number(facts.spots)});
     }

@@ -8,6 +8,7 @@
 #include "host/CORVSequenceDataset.h"
 #include "services/results/ComponentNumber.h"
 #include "services/results/KnownSpectra.h"
+#include "services/results/MaskLight.h"
 #include "services/results/ResultNumbers.h"
 #include "services/results/SaturatedPixels.h"
 #include "services/results/SpectraLikeness.h"
@@ -16,6 +17,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 
 namespace {
 
@@ -32,6 +34,60 @@ void findSaturation(const CORVSpumKyvo& engine, RunFindings& findings)
     if (found.component >= 0) {
         findings.saturatedComponent = engine.m_spectrumPlots[found.component]->settings.name;
     }
+}
+
+// Part of the elements of pixels with light, a tenth of the mean pixel's at least, that were below 0.
+double cutOfLit(const XTNT::Matrix<double>& data, const std::vector<unsigned short>& ofRows)
+{
+    constexpr double lit = 0.1;
+    std::vector<double> light;
+    double mean = 0.0;
+    for (long long p = 0; p < data.num_rows(); ++p) {
+        light.push_back(std::accumulate(data[p], data[p] + data.num_cols(), 0.0));
+        mean += light.back() / static_cast<double>(data.num_rows());
+    }
+    long long elements = 0;
+    long long cut = 0;
+    for (std::size_t p = 0; p < light.size(); ++p) {
+        if (light[p] > lit * mean) {
+            elements += data.num_cols();
+            cut += p < ofRows.size() ? ofRows[p] : 0;
+        }
+    }
+    return elements > 0 ? static_cast<double>(cut) / static_cast<double>(elements) : RunFindings::notKnown;
+}
+
+// The images with most of them first, each once, though a scan has one a spot.
+void findCut(const CORVSpumKyvo& engine, RunFindings& findings)
+{
+    const ImageFindings::Negatives& negatives = engine.m_imageFindings.negatives();
+    if (negatives.elements < 1) {
+        return;
+    }
+    findings.cutElements = static_cast<double>(negatives.cut) / static_cast<double>(negatives.elements);
+    findings.cutLight = negatives.light > 0.0 ? negatives.cutLight / negatives.light : RunFindings::notKnown;
+    findings.cutOfLit = negatives.cut > 0 ? cutOfLit(engine.m_cube.m_data, negatives.ofRows) : 0.0;
+    QList<QPair<QString, long long>> images = negatives.images;
+    std::stable_sort(images.begin(), images.end(), [](const auto& a, const auto& b) { return a.second > b.second; });
+    const int columns = std::max(1, engine.m_selectedKeyPairs.size());
+    for (const auto& image : qAsConst(images)) {
+        const QString text =
+            pairText(engine.m_selectedKeyPairs.value(engine.m_imageList.indexOf(image.first) % columns));
+        if (!findings.cutImages.contains(text)) {
+            findings.cutImages.append(text);
+        }
+    }
+}
+
+void findMask(const CORVSpumKyvo& engine, RunFindings& findings, ResultNumbers& numbers)
+{
+    if (!engine.m_cube.m_bHasMask) {
+        return;
+    }
+    const MaskLight light =
+        MaskLight::of(engine.m_imageFindings.light(), engine.m_cube.m_nWidth, engine.m_cube.m_maskIndices);
+    findings.maskLight = numbers.maskLight = light.share;
+    findings.maskArea = light.area;
 }
 
 // Noise of one image and pixel, from what the fit leaves: the square root of the sum of squares over its degrees of
@@ -184,6 +240,8 @@ RunFindings findingsOfResult(const CORVSpumKyvo& engine, const CORVSequenceDatas
         findings.givenNames.append(component.name);
     }
     findSaturation(engine, findings);
+    findCut(engine, findings);
+    findMask(engine, findings, numbers);
     findLikeness(engine, findings, numbers);
     numbers.above = ComponentNumber::of(engine.m_cube.m_data);
     findRest(engine, findings, numbers);

@@ -157,6 +157,7 @@ QJsonObject resultJson(const ResultFacts& facts, const QStringList& files)
                      {"warnings", jsonOf(facts.warnings)},
                      {"properties", properties},
                      {"files", QJsonArray::fromStringList(files)}};
+    addKnown(facts.maskLight, "maskLight", json);
     addKnown(facts.condition, "condition", json);
     facts.above.addTo(json);
     if (facts.automatic) {
@@ -189,17 +190,21 @@ QByteArray resultCsv(const ResultFacts& facts)
 
 QString resultText(const ResultFacts& facts)
 {
-    QString text = QStringLiteral("%1, %2 images of %3 x %4 pixels at binning %5, %6 of %7 pixels analysed\n\n%8\n"
-                                  "residual %9 % of the data's norm, %10 % of the variance explained; ")
-                       .arg(facts.unit)
-                       .arg(facts.images)
-                       .arg(facts.width)
-                       .arg(facts.height)
-                       .arg(facts.binning)
-                       .arg(facts.pixels)
-                       .arg(static_cast<qint64>(facts.width) * facts.height)
-                       .arg(tableText(facts), TextTable::number(facts.residual * 100.0, 4),
-                            TextTable::number(facts.explainedVariance, 6));
+    QString text =
+        QStringLiteral("%1, %2 images of %3 x %4 pixels at binning %5, %6 of %7 pixels analysed%8\n\n%9\n"
+                       "residual %10 % of the data's norm, %11 % of the variance explained; ")
+            .arg(facts.unit)
+            .arg(facts.images)
+            .arg(facts.width)
+            .arg(facts.height)
+            .arg(facts.binning)
+            .arg(facts.pixels)
+            .arg(static_cast<qint64>(facts.width) * facts.height)
+            .arg(facts.maskLight
+                     ? QStringLiteral(", with %1 % of the light").arg(TextTable::number(*facts.maskLight * 100.0, 3))
+                     : QString(),
+                 tableText(facts), TextTable::number(facts.residual * 100.0, 4),
+                 TextTable::number(facts.explainedVariance, 6));
     text += QStringLiteral("the fit took %1 s\n").arg(TextTable::number(facts.seconds, 3));
     if (!facts.automatic) {
         return text;

@@ -44,6 +44,19 @@ struct RunFindings
     QStringList saturatedImages;
     QString saturatedComponent;
 
+    // Elements below 0 that became 0, of all and of those of pixels with light, and what they sum up to, of the light;
+    // images with most of them.
+    double cutElements = notKnown;
+    double cutOfLit = notKnown;
+    double cutLight = notKnown;
+    QStringList cutImages;
+
+    // The mask's part of the images' light and of their pixels, 0 to 1; whether a photograph chose it, and not the
+    // user.
+    double maskLight = notKnown;
+    double maskArea = notKnown;
+    bool maskOfPhotograph = false;
+
     // The two spectra most like each other.
     QString alikeFirst;
     QString alikeSecond;

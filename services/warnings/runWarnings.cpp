@@ -24,6 +24,13 @@ constexpr double timesTheFloor = 2.0;
 constexpr double wrongFrom = 4.0;
 // What images without noise leave is the rounding of files, and the end of a resolution at 0.1 %.
 constexpr double smallestRest = 2e-3;
+// Where the camera's noise goes below 0 beside the subject, half of the pixels there do. Cut at 0 its mean is light of
+// its own, which spectra that are resolved from all pixels take up; known spectra are fitted to each pixel by itself,
+// so that only what was cut of pixels with light matters.
+constexpr double manyCut = 0.01;
+constexpr double largestCut = 1e-3;
+// A mask that leaves half of the light out leaves out more than stray light.
+constexpr double smallestMaskLight = 0.5;
 constexpr int listed = 6;
 
 QString listText(const QStringList& names)
@@ -122,6 +129,37 @@ void addAlike(const RunFindings& findings, QList<RunWarning>& warnings)
     }
     warning.advice = QStringLiteral("leave one of them out, or take images at more wavelengths");
     warnings.append(warning);
+}
+
+QString percent(double dPart)
+{
+    return QStringLiteral("%1 %").arg(number(100.0 * dPart));
+}
+
+void addCut(const RunFindings& findings, QList<RunWarning>& warnings)
+{
+    const bool everywhere = findings.resolved && findings.cutElements >= manyCut && findings.cutLight >= largestCut;
+    if (!everywhere && !(findings.cutOfLit >= manyCut)) {
+        return;
+    }
+    warnings.append({Severity::Warning, QStringLiteral("clipped"),
+                     QStringLiteral("%1 of the elements were below 0 and became 0, %2 of the light, most of them in %3")
+                         .arg(percent(findings.cutElements), percent(findings.cutLight), listText(findings.cutImages)),
+                     QStringLiteral("take a smaller background or dark image off the images, or leave pixels without "
+                                    "light out by --mask")});
+}
+
+void addMask(const RunFindings& findings, QList<RunWarning>& warnings)
+{
+    const bool darker = findings.maskLight < findings.maskArea;
+    if (!findings.maskOfPhotograph || !(darker || findings.maskLight < smallestMaskLight)) {
+        return;
+    }
+    warnings.append({darker ? Severity::Error : Severity::Warning, QStringLiteral("mask-off-light"),
+                     QStringLiteral("the mask that was found in the photograph has %1 of the light on %2 of the pixels")
+                         .arg(percent(findings.maskLight), percent(findings.maskArea)),
+                     QStringLiteral("look at mask.png: it may lie over the bed; --threshold sets another limit, --mask "
+                                    "takes a shape, a file or none")});
 }
 
 void addUpsampling(const RunFindings& findings, QList<RunWarning>& warnings)
@@ -231,9 +269,11 @@ QList<RunWarning> runWarnings(const RunFindings& findings)
 {
     QList<RunWarning> warnings;
     addSaturation(findings, warnings);
+    addMask(findings, warnings);
     addUnexplained(findings, warnings);
     addRest(findings, warnings);
     addNumber(findings, warnings);
+    addCut(findings, warnings);
     addAlike(findings, warnings);
     addIterationLimit(findings, warnings);
     addNames(findings, warnings);

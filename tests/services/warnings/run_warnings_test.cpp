@@ -249,3 +249,49 @@ TEST(RunWarningsTest, ErrorsComeFirst)
     findings.components[1].nearestCosine = 0.9;
     EXPECT_EQ(codesOf(runWarnings(findings)), (QStringList{"not-its-name", "iteration-limit", "upsampled"}));
 }
+
+TEST(RunWarningsTest, CutElementsAreToldWhereTheyAreManyAndAddUp)
+{
+    const auto cut = [](bool bResolved, double dElements, double dOfLit, double dLight) {
+        return [=](RunFindings& findings) {
+            findings.resolved = bResolved;
+            findings.cutElements = dElements;
+            findings.cutOfLit = dOfLit;
+            findings.cutLight = dLight;
+            findings.cutImages = QStringList({"605/640", "605/660"});
+        };
+    };
+    const RunWarning warning = onlyWarning(cut(true, 0.04, 0.0, 0.005));
+    EXPECT_EQ(warning.code, "clipped");
+    EXPECT_EQ(warning.severity, Severity::Warning);
+    EXPECT_EQ(warning.text, "4 % of the elements were below 0 and became 0, 0.5 % of the light, most of them in "
+                            "605/640, 605/660");
+    EXPECT_FALSE(warning.advice.isEmpty());
+    EXPECT_TRUE(isQuiet(cut(true, 0.009, 0.0, 0.005)));
+    EXPECT_TRUE(isQuiet(cut(true, 0.4, 0.0, 0.0009)));
+    // The noise beside the subject is nothing to a fit of known spectra.
+    EXPECT_TRUE(isQuiet(cut(false, 0.4, 0.009, 0.005)));
+    EXPECT_EQ(onlyWarning(cut(false, 0.02, 0.01, 0.0)).code, "clipped");
+}
+
+TEST(RunWarningsTest, AMaskOfThePhotographThatLeavesTheLightOutIsTold)
+{
+    const auto mask = [](double dLight, double dArea) {
+        return [=](RunFindings& findings) {
+            findings.maskLight = dLight;
+            findings.maskArea = dArea;
+            findings.maskOfPhotograph = true;
+        };
+    };
+    const RunWarning beside = onlyWarning(mask(0.08, 0.3));
+    EXPECT_EQ(beside.code, "mask-off-light");
+    EXPECT_EQ(beside.severity, Severity::Error);
+    EXPECT_EQ(beside.text, "the mask that was found in the photograph has 8 % of the light on 30 % of the pixels");
+    EXPECT_EQ(onlyWarning(mask(0.4, 0.3)).severity, Severity::Warning);
+    EXPECT_TRUE(isQuiet(mask(0.5, 0.3)));
+    // Whoever draws a mask wants those pixels.
+    EXPECT_TRUE(isQuiet([&](RunFindings& findings) {
+        mask(0.08, 0.3)(findings);
+        findings.maskOfPhotograph = false;
+    }));
+}

@@ -2,6 +2,11 @@
 // The warnings of a run from end to end: for each a simulated sequence that brings it, and one that does not.
 #include "workbench/program/ProgramFixture.h"
 
+#include "platform/orvimage/TiffIo.h"
+
+#include <QDirIterator>
+#include <QJsonDocument>
+
 namespace {
 
 class WarningsProgramTest : public ProgramFixture
@@ -29,6 +34,8 @@ protected:
         EXPECT_EQ(lines.value(1).section(',', -1), list.join(' '));
         return list;
     }
+    // Of the last unmixing.
+    QJsonObject summary() const { return QJsonDocument::fromJson(contentOf(path("out/summary.json"))).object(); }
     void simulateAnew(const QStringList& options) const
     {
         succeed(QStringList{"simulate", "seq", "--size", "64", "--quiet"} + options);
@@ -132,4 +139,49 @@ TEST_F(WarningsProgramTest, NamesThatTheEngineReplacesAreTold)
     const QString names = "TissueAF,Click-Beetle Green Luciferase,Click-Beetle Red Luciferase";
     EXPECT_EQ(codes({"--components", names}), QStringList("names-replaced"));
     EXPECT_EQ(codes({"--ncomponents", "3"}), QStringList());
+}
+
+// A dark image that is brighter than the cells' surroundings, and one that is not.
+TEST_F(WarningsProgramTest, NegativesThatBecameZeroAreToldWhereTheyMatter)
+{
+    const auto write = [this](double dDark) {
+        ASSERT_TRUE(QDir().mkpath(path("in")));
+        QString error;
+        for (int k = 0; k < 5; ++k) {
+            const CILImage image = imageOf(32, 32, [k](int i) {
+                return static_cast<float>(100 + 40 * (k + 1) * (i % 32) / 32 + 30 * (5 - k) * (i / 32) / 32);
+            });
+            ASSERT_TRUE(writeTiff(path(QStringLiteral("in/em%1.tif").arg(500 + 20 * k)), image, {}, &error));
+        }
+        const CILImage dark = imageOf(32, 32, [dDark](int) { return static_cast<float>(dDark); });
+        ASSERT_TRUE(writeTiff(path("dark.tif"), dark, {}, &error));
+    };
+    write(100.0);
+    succeed({"import", path("in"), "seq", "--dark", path("dark.tif"), "--quiet"});
+    EXPECT_FALSE(codes({"--ncomponents", "2"}).contains("clipped"));
+    write(140.0);
+    succeed({"import", path("in"), "seq", "--dark", path("dark.tif"), "--quiet", "--force"});
+    EXPECT_TRUE(codes({"--ncomponents", "2"}).contains("clipped"));
+}
+
+TEST_F(WarningsProgramTest, AMaskOverTheDarkPartOfTheImagesIsTold)
+{
+    simulateAnew({});
+    EXPECT_EQ(codes(mouseNames), QStringList());
+    EXPECT_GT(summary()["maskLight"].toDouble(), 0.95);
+    // Photographs that show a bright bed beside the animal.
+    QDirIterator photographs(path("seq"), {"photograph.TIF"}, QDir::Files, QDirIterator::Subdirectories);
+    while (photographs.hasNext()) {
+        CILImage image;
+        QString error;
+        ASSERT_TRUE(readTiff(photographs.next(), 0, image, &error)) << qPrintable(error);
+        ASSERT_EQ(image.ChangeType(ORVTYPE_FLOAT), EIL_SUCCESS);
+        for (std::size_t i = 0; i < image.pixelCount(); ++i) {
+            const bool bed = static_cast<long>(i) % image.m_lWidth < image.m_lWidth / 5;
+            image.floats()[i] = bed ? 1000.0F : 100.0F;
+        }
+        ASSERT_TRUE(writeTiff(photographs.filePath(), image, {}, &error)) << qPrintable(error);
+    }
+    EXPECT_TRUE(codes({"--ncomponents", "2"}).contains("mask-off-light"));
+    EXPECT_LT(summary()["maskLight"].toDouble(), 0.5);
 }
