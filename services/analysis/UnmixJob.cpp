@@ -149,9 +149,10 @@ RunAnswer UnmixJob::answer(const ResultFiles& files, const StagedRun& staged, co
 void UnmixJob::takeSpectra()
 {
     LibrarySpectra library;
-    library.load(m_request.library);
+    library.loadWithTables(m_request.library);
     auto& engine = m_setUp.engine();
-    engine.m_spectrumPlots = library.fitTo(engine.getSelectedKeyPairs(), engine.m_eAxis);
+    engine.m_spectrumPlots =
+        library.fitTo(bandsOf(m_setUp.opened().sequence(), engine.getSelectedKeyPairs()), engine.m_eAxis);
     if (engine.m_spectrumPlots.size() > engine.getSelectedKeyPairs().size()) {
         m_monitor.warn(QStringLiteral("%1 spectra for %2 images: the maps are not unique")
                            .arg(engine.m_spectrumPlots.size())

@@ -1,9 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "services/session/LibrarySpectra.h"
 
+#include "engine/EngineEnums.h"
 #include "platform/orvutils/InputFile.h"
 #include "services/basis/Failure.h"
 #include "services/session/PairSelection.h"
+#include "services/session/SpectraTableReader.h"
+#include "services/session/tableOnBands.h"
+#include "spectra/DefaultColors.h"
 #include "spectra/SpectrumPlotParams.h"
 #include "spectra/SpumKyvoDatabase.h"
 #include "spectra/spectrumOnPairs.h"
@@ -40,8 +44,8 @@ void checkValues(const QString& strSource, const SpectrumPlotParams& spectrum, c
     }
 }
 
-// Refuses a file beyond what a library can be, before its spectra take memory.
-void checkSize(const QString& strFile)
+// The bytes of a file that is no larger than a library can be, before its spectra take memory.
+QByteArray checkedBytes(const QString& strFile)
 {
     constexpr int maxMebibytes = 16;
     constexpr int maxLines = 100000;
@@ -53,6 +57,7 @@ void checkSize(const QString& strFile)
     if (text.count('\n') > maxLines) {
         throw Failure(QStringLiteral("%1: more than %2 lines, no library is that long").arg(strFile).arg(maxLines));
     }
+    return text;
 }
 
 } // namespace
@@ -64,6 +69,32 @@ LibrarySpectra::~LibrarySpectra()
 
 void LibrarySpectra::load(const QString& strFileOrName)
 {
+    load(strFileOrName, false);
+}
+
+void LibrarySpectra::loadWithTables(const QString& strFileOrName)
+{
+    load(strFileOrName, true);
+}
+
+// What is no library, told by its lines that begin with "$,", can only be a table. An empty file is neither.
+void LibrarySpectra::readTable(const QByteArray& bytes)
+{
+    if (bytes.startsWith("$;") || bytes.startsWith("$\t") || bytes.startsWith("\xEF\xBB\xBF$;")) {
+        throw Failure(
+            QStringLiteral("%1: this is a spectrum library with other separators than commas").arg(m_strSource),
+            QStringLiteral("save it as CSV with commas"));
+    }
+    QString reason;
+    if (!SpectraTableReader::parse(bytes, m_strSource, &m_table, &reason)) {
+        throw Failure(reason, QStringLiteral("this is neither a spectrum library (lines that begin with \"$,\") nor a "
+                                             "table of spectra (\"wavelength,name,...\")"));
+    }
+    m_bTable = true;
+}
+
+void LibrarySpectra::load(const QString& strFileOrName, bool bTables)
+{
     m_strSource = strFileOrName;
     SpumKyvoDatabase database;
     const bool isFile = QFileInfo(strFileOrName).isFile();
@@ -74,8 +105,10 @@ void LibrarySpectra::load(const QString& strFileOrName)
                                                   ? QStringLiteral("no library is saved")
                                                   : QStringLiteral("saved are ") + known.join(QStringLiteral(", "))));
     }
-    if (isFile) {
-        checkSize(strFileOrName);
+    const QByteArray bytes = isFile ? checkedBytes(strFileOrName) : QByteArray();
+    if (bTables && !SpectraTable::isLibrary(bytes) && !bytes.trimmed().isEmpty()) {
+        readTable(bytes);
+        return;
     }
     const bool loaded = isFile ? database.loadLibraryFile(strFileOrName, m_spectra, m_strNote)
                                : database.loadLibrary(strFileOrName, m_spectra, m_strNote);
@@ -103,7 +136,28 @@ QString LibrarySpectra::fileOf(const QString& strFileOrName)
 
 QList<SpectrumPlotParams*> LibrarySpectra::fitTo(const QList<KeyPair>& pairs, int nAxis) const
 {
+    return fitTo(bandsOf(pairs), nAxis);
+}
+
+QList<SpectrumPlotParams*> LibrarySpectra::fitTo(const QList<SpectralBand>& bands, int nAxis) const
+{
+    if (m_bTable && nAxis == SPECTRUMAXIS_TIME) {
+        throw Failure(
+            QStringLiteral("%1: this is a table over wavelength, and the sequence is a temporal one").arg(m_strSource));
+    }
+    QList<KeyPair> pairs;
+    for (const SpectralBand& band : bands) {
+        pairs.append(band.pair);
+    }
     std::vector<std::unique_ptr<SpectrumPlotParams>> fitted;
+    const auto add = [&](std::unique_ptr<SpectrumPlotParams> pSpectrum) {
+        checkValues(m_strSource, *pSpectrum, pSpectrum->values());
+        pSpectrum->settings.index = static_cast<int>(fitted.size());
+        fitted.push_back(std::move(pSpectrum));
+    };
+    for (int k = 0; k < m_table.names().size(); ++k) {
+        add(spectrumOfTable(k, bands, pairs, nAxis));
+    }
     for (const auto* spectrum : m_spectra) {
         if (!spectrum->settings.selected) {
             continue;
@@ -112,10 +166,7 @@ QList<SpectrumPlotParams*> LibrarySpectra::fitTo(const QList<KeyPair>& pairs, in
             throw Failure(QStringLiteral("%1: the spectrum \"%2\" has no value for %3")
                               .arg(m_strSource, spectrum->settings.name, missingPairs(*spectrum, pairs)));
         }
-        auto copy = std::make_unique<SpectrumPlotParams>(spectrumOnPairs(*spectrum, pairs, nAxis));
-        checkValues(m_strSource, *copy, copy->values());
-        copy->settings.index = static_cast<int>(fitted.size());
-        fitted.push_back(std::move(copy));
+        add(std::make_unique<SpectrumPlotParams>(spectrumOnPairs(*spectrum, pairs, nAxis)));
     }
     if (fitted.empty()) {
         throw Failure(QStringLiteral("%1: no spectrum of the library is selected").arg(m_strSource));
@@ -125,4 +176,17 @@ QList<SpectrumPlotParams*> LibrarySpectra::fitTo(const QList<KeyPair>& pairs, in
         list.append(spectrum.release());
     }
     return list;
+}
+
+std::unique_ptr<SpectrumPlotParams> LibrarySpectra::spectrumOfTable(int k, const QList<SpectralBand>& bands,
+                                                                    const QList<KeyPair>& pairs, int nAxis) const
+{
+    auto pSpectrum = std::make_unique<SpectrumPlotParams>();
+    pSpectrum->axis = nAxis;
+    pSpectrum->settings.name = m_table.names().at(k);
+    pSpectrum->settings.color = defaultSpectrumColor(k);
+    pSpectrum->origin = QFileInfo(m_strSource).fileName().replace(QLatin1Char(','), QLatin1Char(';'));
+    pSpectrum->setPairs(pairs);
+    pSpectrum->setValues(tableOnBands(m_table, k, bands, nAxis, m_strSource));
+    return pSpectrum;
 }

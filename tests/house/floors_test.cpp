@@ -26,7 +26,7 @@ const std::map<std::string, int> floors = {{"files", 0},   {"host", 1},     {"al
 // Within services/ and workbench/: what a room may include besides itself and the floors below.
 const std::map<std::string, std::set<std::string>> neighbours = {
     {"services/basis", {}},
-    {"services/session", {"services/basis"}},
+    {"services/session", {"services/basis", "services/importer"}},
     {"services/pictures", {"services/basis"}},
     {"services/warnings", {"services/basis"}},
     {"services/results", {"services/basis", "services/session", "services/pictures", "services/warnings"}},

@@ -62,7 +62,7 @@ public:
         m_settings.keep = [this] { m_lock.keep(); };
         // A library that cannot be read would fail every sequence.
         if (parser.isSet(QStringLiteral("library"))) {
-            LibrarySpectra().load(parser.value(QStringLiteral("library")));
+            LibrarySpectra().loadWithTables(parser.value(QStringLiteral("library")));
         }
     }
 

@@ -17,6 +17,8 @@
 #include <QFileInfo>
 #include <QJsonArray>
 
+#include <cmath>
+
 namespace {
 
 QJsonArray jsonPoints(const SpectrumPlotParams& spectrum)
@@ -56,7 +58,8 @@ QString pathToSave(const QString& strName, bool bForce)
 void LibraryCommand::declare(CommandParser& parser) const
 {
     parser.addPositionalArgument(QStringLiteral("list|show|save"), QStringLiteral("What to do."));
-    parser.addPositionalArgument(QStringLiteral("NAME"), QStringLiteral("Library (show also takes a file)."),
+    parser.addPositionalArgument(QStringLiteral("NAME"),
+                                 QStringLiteral("Library (show also takes a file, a plain table of spectra too)."),
                                  QStringLiteral("[NAME]"));
     addValueOption(parser, "from", QStringLiteral("save: take the spectra of this library file."), "FILE");
     addValueOption(parser, "sequence", QStringLiteral("save: the sequence for --probes and --region."), "SEQ");
@@ -120,7 +123,11 @@ void LibraryCommand::list(CliSession& session) const
 void LibraryCommand::show(const QString& strName, CliSession& session) const
 {
     LibrarySpectra library;
-    library.load(strName);
+    library.loadWithTables(strName);
+    if (library.isTable()) {
+        showTable(library.table(), strName, session);
+        return;
+    }
     QStringList header = {QStringLiteral("first"), QStringLiteral("second")};
     QJsonArray spectra;
     for (const auto* spectrum : library.all()) {
@@ -144,6 +151,39 @@ void LibraryCommand::show(const QString& strName, CliSession& session) const
         library.note().isEmpty() ? QString() : QStringLiteral("Note: %1\n\n").arg(orv::printableLine(library.note()));
     session.answer(note + table.toText());
     session.answerJson(QJsonObject{{"name", strName}, {"note", library.note()}, {"spectra", spectra}});
+}
+
+void LibraryCommand::showTable(const SpectraTable& table, const QString& strName, CliSession& session) const
+{
+    const auto wavelength = [](double nm) { return std::isfinite(nm) ? QString::number(nm, 'g', 10) : QString(); };
+    QJsonArray spectra;
+    for (int k = 0; k < table.names().size(); ++k) {
+        QJsonArray points;
+        for (int i = 0; i < table.rows().size(); ++i) {
+            if (std::isfinite(table.values(k).at(i))) {
+                points.append(QJsonObject{{"first", wavelength(table.rows().at(i).excitation)},
+                                          {"second", wavelength(table.rows().at(i).wavelength)},
+                                          {"value", table.values(k).at(i)}});
+            }
+        }
+        spectra.append(QJsonObject{{"name", table.names().at(k)}, {"points", points}});
+    }
+    const QStringList places = table.hasPairs() ? QStringList{QStringLiteral("excitation"), QStringLiteral("emission")}
+                                                : QStringList{QStringLiteral("wavelength")};
+    TextTable text(places + table.names());
+    for (int i = 0; i < table.rows().size(); ++i) {
+        const SpectraTable::Row& at = table.rows().at(i);
+        QStringList row = {wavelength(at.wavelength)};
+        if (table.hasPairs()) {
+            row.prepend(wavelength(at.excitation));
+        }
+        for (int k = 0; k < table.names().size(); ++k) {
+            row.append(TextTable::number(table.values(k).at(i)));
+        }
+        text.addRow(row);
+    }
+    session.answer(QStringLiteral("A table of spectra over wavelength in nm.\n\n") + text.toText());
+    session.answerJson(QJsonObject{{"name", strName}, {"table", true}, {"spectra", spectra}});
 }
 
 void LibraryCommand::save(const QCommandLineParser& parser, const QString& strName, CliSession& session) const

@@ -3,6 +3,8 @@
 
 #include "workbench/commands/Command.h"
 
+class SpectraTable;
+
 // `spum library list|show|save`: the saved spectrum libraries.
 class LibraryCommand : public Command
 {
@@ -17,5 +19,6 @@ public:
 private:
     void list(CliSession& session) const;
     void show(const QString& strName, CliSession& session) const;
+    void showTable(const SpectraTable& table, const QString& strName, CliSession& session) const;
     void save(const QCommandLineParser& parser, const QString& strName, CliSession& session) const;
 };

@@ -53,8 +53,11 @@ void declareUnmixOptions(CommandParser& parser)
         QStringLiteral("automatic: resolve spectra and maps from the images; library or manual: fit the spectra of "
                        "--library. Without it: library where --library is given, else automatic."),
         "METHOD");
-    addValueOption(parser, "library", QStringLiteral("Spectra to fit: a library file, or the name of a saved library."),
-                   "FILE|NAME");
+    addValueOption(
+        parser, "library",
+        QStringLiteral("Spectra to fit: a library file, the name of a saved library, or a plain CSV table of spectra "
+                       "over wavelength, brought to the images' bands."),
+        "FILE|NAME");
     declareAutomaticOptions(parser);
     declareImageOptions(parser, QStringLiteral("Without it: auto for the automatic method where a camera took the "
                                                "photograph, else none."));

@@ -164,3 +164,45 @@ TEST_F(LibrarySpectraTest, LineEndsOfAnyKindAndALineWithoutOneServe)
     text.chop(2);
     EXPECT_EQ(fit(text, {{"640", "700"}, {"640", "740"}}).size(), 2u);
 }
+
+TEST_F(LibrarySpectraTest, ATableIsTakenOnlyWhereItIsAskedFor)
+{
+    const QString file = write("a table.csv", "wavelength,soil,tree\n600,1,0\n700,0,1\n");
+    EXPECT_TRUE(failureOf([&] { LibrarySpectra().load(file); }).contains("the library holds no spectrum"));
+    LibrarySpectra library;
+    library.loadWithTables(file);
+    EXPECT_TRUE(library.isTable());
+    std::vector<std::unique_ptr<SpectrumPlotParams>> spectra;
+    for (auto* spectrum : library.fitTo(QList<KeyPair>{{"500", "625"}, {"500", "700"}}, SPECTRUMAXIS_EMISSION)) {
+        spectra.emplace_back(spectrum);
+    }
+    ASSERT_EQ(spectra.size(), 2u);
+    EXPECT_EQ(spectra[1]->settings.name, "tree");
+    EXPECT_EQ(spectra[1]->settings.index, 1);
+    EXPECT_EQ(spectra[1]->origin, "a table.csv");
+    EXPECT_EQ(spectra[0]->points[0].second, "625");
+    EXPECT_EQ(spectra[0]->points[0].value, 0.75);
+    EXPECT_NE(spectra[0]->settings.color, spectra[1]->settings.color);
+    EXPECT_TRUE(failureOf([&] {
+                    library.fitTo(QList<KeyPair>{{"1", "0"}, {"1", "10"}}, SPECTRUMAXIS_TIME);
+                }).endsWith("this is a table over wavelength, and the sequence is a temporal one"));
+}
+
+TEST_F(LibrarySpectraTest, WhatIsNeitherLibraryNorTableIsToldWithItsLine)
+{
+    const auto refusalOf = [this](const QByteArray& text) {
+        return failureOf([&] { LibrarySpectra().loadWithTables(write("x.csv", text)); }).remove(path("x.csv"));
+    };
+    EXPECT_EQ(
+        refusalOf("wavelength,a\n700,one\n"),
+        ":2: \"one\" is not a number; this is neither a spectrum library (lines that begin with \"$,\") nor a table "
+        "of spectra (\"wavelength,name,...\")");
+    EXPECT_EQ(refusalOf(" \n"), ": the library holds no spectrum");
+    EXPECT_EQ(refusalOf("$;Note;x\n$;NumSpec;1\n"),
+              ": this is a spectrum library with other separators than commas; save it as CSV with commas");
+    EXPECT_TRUE(refusalOf("$,NumSpec,0\nwavelength,a\n700,1\n").startsWith(": this is no spectrum library"));
+    LibrarySpectra library;
+    library.loadWithTables(write("lib.csv", twoSpectra));
+    EXPECT_FALSE(library.isTable());
+    EXPECT_EQ(library.all().size(), 2);
+}

@@ -177,6 +177,45 @@ TEST_F(LibraryProgramTest, AFileWithoutAValueIsNoLibraryToShow)
                       "and behind it one line a pair");
         refusal({"library", "save", "dyes", "--from", name});
     }
-    EXPECT_EQ(refusal({"library", "show", "letter.csv"}), "letter.csv: the library holds no spectrum");
+    EXPECT_EQ(
+        refusal({"library", "show", "letter.csv"}),
+        "letter.csv:1: the line names no spectrum and no wavelength; this is neither a spectrum library (lines that "
+        "begin with \"$,\") nor a table of spectra (\"wavelength,name,...\")");
     EXPECT_EQ(saved(), QStringList());
+}
+
+// The dyes of the small sequence, whose maps are known, from a spreadsheet of another country.
+TEST_F(LibraryProgramTest, APlainTableOfSpectraIsShownAndFitted)
+{
+    write("dyes table.csv", "\xEF\xBB\xBFWellenl\xC3\xA4nge (nm);\"Dye A\";\"Dye B\"\r\n\r\n"
+                            "680;0,5;0\r\n700;1;0\r\n720;0,5;0,25\r\n740;0;1\r\n;;\r\n");
+    EXPECT_EQ(succeed({"library", "show", "dyes table.csv"}).out, "A table of spectra over wavelength in nm.\n\n"
+                                                                  "wavelength  Dye A  Dye B\n"
+                                                                  "       680    0.5      0\n"
+                                                                  "       700      1      0\n"
+                                                                  "       720    0.5   0.25\n"
+                                                                  "       740      0      1\n");
+    const QJsonArray shown = spectra("dyes table.csv");
+    ASSERT_EQ(shown.size(), 2);
+    EXPECT_EQ(shown[1].toObject()["points"].toArray()[2].toObject()["second"], "720");
+    EXPECT_DOUBLE_EQ(valueOf(shown[1], 2), 0.25);
+
+    smallSequence().writeTo(path("seq"));
+    succeed({"unmix", "seq", "--library", library(), "--out", "by-library"});
+    succeed({"unmix", "seq", "--library", "dyes table.csv", "--out", "by-table"});
+    for (const char* file : {"01_Dye_A.tif", "02_Dye_B.tif"}) {
+        EXPECT_FALSE(contentOf(path("by-table/") + file).isEmpty());
+        EXPECT_EQ(contentOf(path("by-table/") + file), contentOf(path("by-library/") + file)) << file;
+    }
+}
+
+TEST_F(LibraryProgramTest, ABandBeyondATableIsNamed)
+{
+    smallSequence().writeTo(path("seq"));
+    write("short.csv", "wavelength\tDye A\n0.70\t1\n0.73\t0.5\n");
+    EXPECT_EQ(
+        refusal({"unmix", "seq", "--library", "short.csv"}),
+        "short.csv: the spectrum \"Dye A\" has no value for 640/740; it reaches from 700 to 730 nm, and nothing is "
+        "extrapolated");
+    EXPECT_FALSE(QFileInfo::exists(path("seq/unmixed-library")));
 }
