@@ -7,6 +7,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QRandomGenerator>
+#include <QRegularExpression>
 
 #include <cerrno>
 #include <cstdio>
@@ -21,9 +22,11 @@ namespace {
 constexpr int nameAttempts = 100;
 constexpr int randomDigits = 13;
 
+const QLatin1String mark("-orv");
+
 QString nameBegin(const QFileInfo& target)
 {
-    return QLatin1Char('.') + target.completeBaseName() + QLatin1String("-orv");
+    return QLatin1Char('.') + target.completeBaseName() + mark;
 }
 
 QString nameEnd(const QFileInfo& target)
@@ -36,6 +39,13 @@ QString temporaryName(const QFileInfo& target)
     const QString middle = QString::number(QRandomGenerator::global()->generate64(), 36)
                                .rightJustified(randomDigits, QLatin1Char('0'), true);
     return target.path() + QLatin1Char('/') + nameBegin(target) + middle + nameEnd(target);
+}
+
+// Whether it may be that of a temporary file, of whatever target.
+bool isTemporaryName(const QString& name)
+{
+    const QRegularExpression form(QStringLiteral("^\\..*%1[0-9a-z]{%2}(\\.[^.]*)?$").arg(mark).arg(randomDigits));
+    return form.match(name).hasMatch();
 }
 
 // Whether the name's file is this user's own and nobody holds it: one that a killed program has left.
@@ -53,19 +63,28 @@ bool isAbandoned(const QByteArray& path)
     return abandoned;
 }
 
-void removeAbandoned(const QFileInfo& target)
+// Those with names that `isMeant` answers true to.
+template <typename IsMeant>
+void removeAbandoned(const QString& strFolder, IsMeant isMeant)
 {
-    const QString begin = nameBegin(target);
-    const QString end = nameEnd(target);
-    const auto names = QDir(target.path()).entryList(QDir::Files | QDir::Hidden | QDir::NoSymLinks, QDir::Unsorted);
+    const auto names = QDir(strFolder).entryList(QDir::Files | QDir::Hidden | QDir::NoSymLinks, QDir::Unsorted);
     for (const QString& name : names) {
-        if (name.startsWith(begin) && name.endsWith(end) && name.size() == begin.size() + randomDigits + end.size()) {
-            const QByteArray path = QFile::encodeName(target.path() + QLatin1Char('/') + name);
+        if (isMeant(name)) {
+            const QByteArray path = QFile::encodeName(strFolder + QLatin1Char('/') + name);
             if (isAbandoned(path)) {
                 ::unlink(path.constData());
             }
         }
     }
+}
+
+void removeAbandoned(const QFileInfo& target)
+{
+    const QString begin = nameBegin(target);
+    const QString end = nameEnd(target);
+    removeAbandoned(target.path(), [&](const QString& name) {
+        return name.startsWith(begin) && name.endsWith(end) && name.size() == begin.size() + randomDigits + end.size();
+    });
 }
 
 // A link stays a link: the file that it names is the one to replace.
@@ -229,6 +248,11 @@ void TemporaryTarget::discard()
         ::close(m_nFile);
     }
     m_nFile = -1;
+}
+
+void removeAbandonedTargets(const QString& strFolder)
+{
+    removeAbandoned(strFolder, isTemporaryName);
 }
 
 } // namespace orv

@@ -49,4 +49,8 @@ private:
     int m_nFile = -1; // holds the lock that tells others that this process lives
 };
 
+// Removes the temporary files that this user's killed programs have left in a folder, whatever their targets: a target
+// that has the moment in its name is never written again.
+void removeAbandonedTargets(const QString& strFolder);
+
 } // namespace orv

@@ -6,6 +6,7 @@
 #include "storage/resultsIndex.h"
 
 #include "engine/CORVSpumKyvo.h"
+#include "files/TemporaryTarget.h"
 #include "host/CORVLog.h"
 #include "host/CORVMessageBox.h"
 #include "host/CORVSequenceDataset.h"
@@ -18,6 +19,17 @@
 SavedResults::SavedResults(ResultsList& list, SavedResultsOwner& owner) : m_list(list), m_owner(owner)
 {
     m_strBatchStamp = batchStamp();
+}
+
+void SavedResults::setEngine(CORVSpumKyvo* pEngine)
+{
+    m_pEngine = pEngine;
+    const CORVSequenceDataset* pSequence = dataset();
+    if (pSequence != nullptr && !pSequence->getSequenceInfoPath().isEmpty()) {
+        const QString strFolder = resultsIndex::folder(pSequence->getSequenceInfoPath());
+        orv::removeAbandonedTargets(strFolder);
+        orv::removeAbandonedTargets(resultsIndex::filesFolder(strFolder));
+    }
 }
 
 QString SavedResults::batchStamp() const

@@ -39,8 +39,9 @@ public:
     // Both are borrowed.
     SavedResults(ResultsList& list, SavedResultsOwner& owner);
 
-    // The engine of the current sequence; borrowed, may be null.
-    void setEngine(CORVSpumKyvo* pEngine) { m_pEngine = pEngine; }
+    // The engine of the current sequence; borrowed, may be null. What a program that was killed while it saved has left
+    // half written beside the sequence goes.
+    void setEngine(CORVSpumKyvo* pEngine);
 
     // Saves under the current text of the list, or under m_strAutoName while m_bUseAutoName is set.
     SaveOutcome onClickSaveResults();

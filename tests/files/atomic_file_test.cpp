@@ -253,6 +253,33 @@ TEST_F(FaultyFileTest, WhatAKilledProgramLeftIsGoneWithTheNextWriteOfTheSameFile
     EXPECT_EQ(left, 5);
 }
 
+TEST_F(FaultyFileTest, WhatKilledProgramsLeftOfAnyTargetCanBeRemovedFromAFolder)
+{
+    const QStringList others{".a file-orv12.txt", ".hidden", "a file-orv0123456789abc.txt"};
+    for (const QString& name : others) {
+        write(m_folder.filePath(name), "of somebody else");
+    }
+    for (const char* name : {"b.c.txt", "no suffix"}) {
+        ASSERT_EQ(inForkedChild([&] {
+                      arm("write@1=half");
+                      orv::writeFileAtomically(m_folder.filePath(name), "new");
+                      return 0;
+                  }),
+                  201);
+    }
+    EXPECT_EQ(entries().size(), others.size() + 2);
+    {
+        orv::TemporaryTarget living(m_strPath);
+        ASSERT_TRUE(living.write("living"));
+        orv::removeAbandonedTargets(m_folder.path());
+        EXPECT_EQ(entries().size(), others.size() + 1);
+        EXPECT_TRUE(QFile::exists(living.path()));
+    }
+    EXPECT_EQ(entries(), others);
+    orv::removeAbandonedTargets(m_folder.filePath("no such folder"));
+    EXPECT_EQ(entries(), others);
+}
+
 TEST_F(FaultyFileTest, WhatALivingProgramWritesIsLeftAlone)
 {
     orv::TemporaryTarget living(m_strPath);

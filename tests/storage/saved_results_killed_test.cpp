@@ -33,6 +33,7 @@ protected:
                 });
                 SCOPED_TRACE(testing::Message() << "ended at call " << nCall << (bHalf ? ", half done" : ""));
                 check();
+                openAgain();
                 saveAfterwards();
                 if (nStatus == 0) {
                     break;
@@ -45,6 +46,16 @@ protected:
             }
         }
         return nCalls;
+    }
+
+    // What is half written goes as soon as the next program shows the sequence.
+    void openAgain()
+    {
+        m_results.setEngine(&m_engine);
+        for (const char* folder : {"XML", "XML/SpecUnmix"}) {
+            const QStringList left = QDir(path(folder)).entryList({".*"}, QDir::Files | QDir::Hidden);
+            EXPECT_TRUE(left.isEmpty()) << left.join(' ').toStdString();
+        }
     }
 
     // The next program can save, at the latest when the lock of the dead one is old.
