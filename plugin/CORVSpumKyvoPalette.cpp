@@ -4,6 +4,7 @@
 
 #include "plugin/AnalysisSetup.h"
 #include "plugin/ComboResultsList.h"
+#include "plugin/ReportThread.h"
 #include "plugin/selectionTable.h"
 #include "plugin/sequenceWindows.h"
 #include "plugin/tabNames.h"
@@ -105,7 +106,7 @@ void CORVSpumKyvoPalette::connectControls()
     connect(m_pLoadButton, &QPushButton::clicked, this, &CORVSpumKyvoPalette::onClickLoadResults);
     connect(m_pDeleteButton, &QPushButton::clicked, this, &CORVSpumKyvoPalette::onClickDeleteResults);
     connect(m_pSaveButton, &QPushButton::clicked, this, &CORVSpumKyvoPalette::onClickSaveResults);
-    connect(m_pReportButton, &QPushButton::clicked, this, &CORVSpumKyvoPalette::writeReport);
+    connect(m_pReportButton, &QPushButton::clicked, this, &CORVSpumKyvoPalette::onClickWriteReport);
     connect(tabWidget1, &QTabWidget::currentChanged, this, &CORVSpumKyvoPalette::onTabChange);
     connect(m_pSavedResultsCB, &QComboBox::editTextChanged, this, &CORVSpumKyvoPalette::onChangeResultsName);
     connect(m_pWaveLengthTable->horizontalHeader(), &QHeaderView::sectionClicked, this,
@@ -323,6 +324,10 @@ void CORVSpumKyvoPalette::onCloseSequenceDataset(CORVSequenceDataset* pSeqDatase
         // Its run is on the stack: it ends now, and the engine goes when the stack is clear.
         pEngine->abortRun();
         pEngine->wait();
+        if (m_pReport != nullptr) {
+            m_pReport->stop();
+            m_pReport->wait();
+        }
         m_bRunningClosed = true;
         if (m_pEngine == pEngine) {
             setCurrentEngine(nullptr);

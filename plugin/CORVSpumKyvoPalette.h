@@ -25,9 +25,11 @@ class CORVSequenceDataset;
 class CORVSpumKyvo;
 class QHeaderView;
 class QMenu;
+class ReportThread;
 class SavedResults;
 class SavedResultsOwner;
 class SpectrumPlotParams;
+struct ReportRequest;
 struct downloaded_save_data;
 
 // The tool palette: the images of the current sequence to choose from, the method and the start of an analysis on one
@@ -179,7 +181,9 @@ private:
     QVector<QStringList> resultRows(bool bSelectedOnly) const;
     QImage pictureOfTab(const QString& strTabName) const;
     // Asks for a folder and writes the files of the result on screen into it, a page for a browser among them.
-    void writeReport();
+    void onClickWriteReport();
+    // Meanwhile, as in a run, nothing but the abort is within reach.
+    void writeReport(CORVSpumKyvo& engine, const ReportRequest& request);
 
     bool m_bBinningChanged = false;
     CORVSpumKyvo* m_pEngine = nullptr;
@@ -200,6 +204,7 @@ private:
     QMenu* m_pResultsMenu = nullptr;
 
     CORVSpumKyvo* m_pRunning = nullptr;       // from the announcement of a run to the end of what follows it
+    ReportThread* m_pReport = nullptr;        // borrows m_pRunning, instead of a run
     bool m_bLocked = false;                   // the host's windows are out of reach
     bool m_bUpdating = false;                 // updateProperties() is under way
     QPointer<CORVSequenceDataset> m_pWaiting; // announced meanwhile

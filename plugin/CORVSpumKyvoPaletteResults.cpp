@@ -5,7 +5,6 @@
 #include "plugin/AnalysisSetup.h"
 #include "plugin/ComboResultsList.h"
 #include "plugin/HeldOpen.h"
-#include "plugin/resultReport.h"
 #include "plugin/resultsTableText.h"
 #include "plugin/sequenceWindows.h"
 
@@ -226,36 +225,6 @@ void CORVSpumKyvoPalette::exportSpUnmixResults()
             return;
         }
     }
-}
-
-void CORVSpumKyvoPalette::writeReport()
-{
-    const CORVSequenceDataset* pSequence =
-        m_pEngine != nullptr ? CORVSequenceDataset::getSequenceDataset(m_pEngine->m_strSeqId) : nullptr;
-    if (pSequence == nullptr || m_pRunning != nullptr) {
-        return;
-    }
-    const QPointer<CORVSpumKyvo> pEngine(m_pEngine);
-    QString strFolder;
-    {
-        const HeldOpen held;
-        strFolder = CORVFileDialog::getSaveFileName(this, tr("Write Report into a New Folder"),
-                                                    resultReport::proposedFolder(*pSequence), QString());
-    }
-    // Whatever was opened, closed or started while the dialog stood there. The engine goes with its sequence.
-    if (strFolder.isEmpty() || pEngine.isNull() || pEngine != m_pEngine || m_pRunning != nullptr) {
-        return;
-    }
-    CORVUtilityFns::setCursor(Qt::WaitCursor);
-    const QString strReason =
-        resultReport::write(*pEngine, pSequence->getSequenceName(), pEngine->resultView().getNote(),
-                            pictureOfTab(QStringLiteral("Composite")), strFolder);
-    CORVUtilityFns::restoreCursor();
-    if (!strReason.isEmpty()) {
-        CORVMessageBox::error(this, CORVUtilityFns::getAppName(), strReason);
-        return;
-    }
-    logLine(tr("The report is in %1").arg(strFolder + QStringLiteral("/report.html")), CORVLOG_NOTE);
 }
 
 // A file that cannot be written is told in the log alone.

@@ -1,0 +1,122 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The report of the result on screen.
+#include "plugin/CORVSpumKyvoPalette.h"
+
+#include "plugin/HeldOpen.h"
+#include "plugin/ReportThread.h"
+
+#include "engine/CORVSpumKyvo.h"
+#include "host/CORVFileDialog.h"
+#include "host/CORVLog.h"
+#include "host/CORVMessageBox.h"
+#include "host/CORVProcess.h"
+#include "host/CORVSequenceDataset.h"
+#include "host/CORVUtilityFns.h"
+#include "services/results/ResultNumbers.h"
+#include "spectra/logLine.h"
+
+#include <QCoreApplication>
+#include <QFileInfo>
+
+namespace {
+
+// Longest pause between two looks at the events, in milliseconds; the end of the thread ends a pause at once.
+constexpr unsigned long pause = 5;
+constexpr int percents = 100;
+
+// A folder beside the images of a sequence that is not there yet: "unmixed", "unmixed-2" and so on.
+QString proposedFolder(const CORVSequenceDataset& sequence)
+{
+    const QString strFirst = sequence.getSequenceInfoPath() + QStringLiteral("/unmixed");
+    QString strFolder = strFirst;
+    for (int i = 2; QFileInfo::exists(strFolder); ++i) {
+        strFolder = QStringLiteral("%1-%2").arg(strFirst).arg(i);
+    }
+    return strFolder;
+}
+
+// Keeps events flowing until the thread ends, which an abort makes it do.
+void waitForEnd(ReportThread& thread, const QString& strMessage)
+{
+    CORVProcess::startLongProcess(0, LONGPROCESS_GENERAL, true, QStringLiteral("Aborting..."));
+    int nShown = -1;
+    thread.start(QThread::InheritPriority);
+    while (!thread.wait(pause)) {
+        const int nPercent = static_cast<int>(thread.fraction() * percents);
+        if (nPercent != nShown) {
+            nShown = nPercent;
+            CORVProcess::setProcessMessage(strMessage, nPercent, percents, nullptr);
+        }
+        QCoreApplication::processEvents();
+        if (CORVProcess::isProcessAborted()) {
+            thread.stop();
+        }
+    }
+    CORVProcess::endLongProcess(LONGPROCESS_GENERAL);
+}
+
+} // namespace
+
+void CORVSpumKyvoPalette::onClickWriteReport()
+{
+    const CORVSequenceDataset* pSequence =
+        m_pEngine != nullptr ? CORVSequenceDataset::getSequenceDataset(m_pEngine->m_strSeqId) : nullptr;
+    if (pSequence == nullptr || m_pRunning != nullptr) {
+        return;
+    }
+    const QPointer<CORVSpumKyvo> pEngine(m_pEngine);
+    ReportRequest request;
+    {
+        const HeldOpen held;
+        request.folder = CORVFileDialog::getSaveFileName(this, tr("Write Report into a New Folder"),
+                                                         proposedFolder(*pSequence), QString());
+    }
+    // Whatever was opened, closed or started while the dialog stood there. The engine goes with its sequence.
+    if (request.folder.isEmpty() || pEngine.isNull() || pEngine != m_pEngine || m_pRunning != nullptr) {
+        return;
+    }
+    if (!hasMapsOfItsImages(*pEngine)) {
+        CORVMessageBox::error(this, CORVUtilityFns::getAppName(),
+                              tr("The result has no maps that go with the images."));
+        return;
+    }
+    request.sequenceName = pSequence->getSequenceName();
+    request.note = pEngine->resultView().getNote();
+    request.composite = pictureOfTab(QStringLiteral("Composite"));
+    writeReport(*pEngine, request);
+}
+
+void CORVSpumKyvoPalette::writeReport(CORVSpumKyvo& engine, const ReportRequest& request)
+{
+    const QPointer<CORVSpumKyvoPalette> self(this);
+    ReportThread thread(engine, request);
+    m_pRunning = &engine;
+    m_bRunningClosed = false;
+    m_pReport = &thread;
+    setEnabled(false);
+    m_bLocked = true;
+    Q_EMIT restoreWindows(false);
+    waitForEnd(thread, tr("Writing the report of sequence [%1]").arg(engine.m_strSeqId));
+    if (!self) {
+        return;
+    }
+    m_pReport = nullptr;
+    unlock();
+    if (!self) {
+        return;
+    }
+    m_pRunning = nullptr;
+    if (m_bRunningClosed) {
+        engine.deleteLater();
+    }
+    if (thread.isStopped()) {
+        logLine(tr("The report was aborted, and nothing of it is left."), CORVLOG_PROGRESS);
+    } else if (!thread.reason().isEmpty()) {
+        CORVMessageBox::error(this, CORVUtilityFns::getAppName(), thread.reason());
+    } else {
+        logLine(tr("The report is in %1").arg(request.folder + QStringLiteral("/report.html")), CORVLOG_NOTE);
+    }
+    if (self) {
+        finishWaiting();
+    }
+}
