@@ -5,7 +5,7 @@
 #include "host/CORVPreference.h"
 #include "services/basis/Failure.h"
 #include "services/basis/TextTable.h"
-#include "services/batch/BatchRun.h"
+#include "services/batch/BatchProcesses.h"
 #include "services/batch/JobExamination.h"
 #include "services/batch/batchFiles.h"
 #include "services/batch/batchTables.h"
@@ -160,15 +160,15 @@ private:
     void unmixAll()
     {
         m_settings.programHash = programHash();
-        BatchRun run(m_places, m_jobs, m_settings, m_session);
+        BatchProcesses processes(m_places, m_jobs, m_settings, m_session);
         try {
-            run.run();
+            processes.run();
         } catch (const Failure& failure) {
             if (failure.kind() != Failure::Kind::Aborted) {
                 throw;
             }
             throw Failure(QStringLiteral("aborted by user: %1 of %2 have ended; the same command goes on")
-                              .arg(run.endedCount())
+                              .arg(processes.endedCount())
                               .arg(countText(m_jobs.size(), "sequence", "sequences")),
                           Failure::Kind::Aborted);
         }

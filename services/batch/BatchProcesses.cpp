@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "services/batch/BatchRun.h"
+#include "services/batch/BatchProcesses.h"
 
 #include "files/FileLock.h"
 #include "files/StagedFolder.h"
@@ -40,7 +40,7 @@ QString gibibytes(qint64 bytes)
 } // namespace
 
 // A sequence that was begun and has not ended.
-struct BatchRun::Work
+struct BatchProcesses::Work
 {
     explicit Work(int nJob, const QString& strLocked) : job(nJob), lock(strLocked) {}
 
@@ -61,18 +61,18 @@ struct BatchRun::Work
     QElapsedTimer timer;
 };
 
-BatchRun::BatchRun(const BatchPlaces& places, const QList<BatchJob>& jobs, const BatchSettings& settings,
-                   JobMonitor& monitor)
+BatchProcesses::BatchProcesses(const BatchPlaces& places, const QList<BatchJob>& jobs, const BatchSettings& settings,
+                               JobMonitor& monitor)
     : m_places(places), m_jobs(jobs), m_settings(settings), m_monitor(monitor)
 {
 }
 
-BatchRun::~BatchRun()
+BatchProcesses::~BatchProcesses()
 {
     stopAll();
 }
 
-void BatchRun::run()
+void BatchProcesses::run()
 {
     m_monitor.startProgress(QStringLiteral("Looking at the sequences"));
     weigh();
@@ -103,13 +103,13 @@ void BatchRun::run()
 }
 
 // One more than run is looked at, so that it can start as soon as another one ends.
-bool BatchRun::hasRoom() const
+bool BatchProcesses::hasRoom() const
 {
     return m_nNext < m_jobs.size() && static_cast<int>(m_work.size()) <= m_settings.jobs;
 }
 
 // Time goes with the bytes of a sequence, near enough to tell what is left.
-void BatchRun::weigh()
+void BatchProcesses::weigh()
 {
     for (const BatchJob& job : m_jobs) {
         m_monitor.stopIfRequested();
@@ -119,7 +119,7 @@ void BatchRun::weigh()
     }
 }
 
-void BatchRun::begin(int nJob)
+void BatchProcesses::begin(int nJob)
 {
     const BatchJob& job = m_jobs[nJob];
     auto pWork = std::make_unique<Work>(nJob, m_places.record(job.name));
@@ -151,7 +151,7 @@ void BatchRun::begin(int nJob)
     m_work.push_back(std::move(pWork));
 }
 
-bool BatchRun::advance(Work& work)
+bool BatchProcesses::advance(Work& work)
 {
     const BatchJob& job = m_jobs[work.job];
     const double weight = m_weights[static_cast<std::size_t>(work.job)];
@@ -188,7 +188,7 @@ bool BatchRun::advance(Work& work)
 }
 
 // The earliest alone, or a large one could wait for ever.
-void BatchRun::startNextWaiting()
+void BatchProcesses::startNextWaiting()
 {
     for (;;) {
         int running = 0;
@@ -209,7 +209,7 @@ void BatchRun::startNextWaiting()
     }
 }
 
-void BatchRun::start(Work& work)
+void BatchProcesses::start(Work& work)
 {
     // Until it ends nothing is known of it, whatever ends this program.
     const QString name = m_jobs[work.job].name;
@@ -220,7 +220,7 @@ void BatchRun::start(Work& work)
     work.process.startBound(m_settings.program, m_settings.arguments(m_jobs[work.job]));
 }
 
-void BatchRun::finish(Work& work)
+void BatchProcesses::finish(Work& work)
 {
     const BatchJob& job = m_jobs[work.job];
     const QProcess& process = work.process;
@@ -248,7 +248,7 @@ void BatchRun::finish(Work& work)
     settle(job, outcome);
 }
 
-void BatchRun::fail(const BatchJob& job, const BatchFingerprint& fingerprint, const QString& strMessage)
+void BatchProcesses::fail(const BatchJob& job, const BatchFingerprint& fingerprint, const QString& strMessage)
 {
     BatchOutcome outcome;
     outcome.record.message = strMessage;
@@ -256,14 +256,14 @@ void BatchRun::fail(const BatchJob& job, const BatchFingerprint& fingerprint, co
     settle(job, outcome);
 }
 
-void BatchRun::settle(const BatchJob& job, const BatchOutcome& outcome)
+void BatchProcesses::settle(const BatchJob& job, const BatchOutcome& outcome)
 {
     outcome.record.write(m_places.record(job.name));
     ++m_nEnded;
     m_settings.ended(job, outcome);
 }
 
-void BatchRun::keepLocks()
+void BatchProcesses::keepLocks()
 {
     if (m_sinceKept.elapsed() < keepMilliseconds) {
         return;
@@ -275,7 +275,7 @@ void BatchRun::keepLocks()
     }
 }
 
-void BatchRun::showProgress()
+void BatchProcesses::showProgress()
 {
     QStringList names;
     for (const auto& pWork : m_work) {
@@ -292,7 +292,7 @@ void BatchRun::showProgress()
     m_monitor.showProgress(text, m_dWeight > 0.0 ? m_dDone / m_dWeight : -1.0);
 }
 
-void BatchRun::stopAll()
+void BatchProcesses::stopAll()
 {
     m_bStop = true;
     for (const auto& pWork : m_work) {

@@ -47,15 +47,15 @@ struct BatchSettings
 // once, on a thread and while others run, to see whether it has changed since its result; its process starts once
 // memory for it is free, the earliest first. How each ended is recorded at once, so that the next run goes on where
 // this one was stopped, whatever stopped it.
-class BatchRun
+class BatchProcesses
 {
 public:
     // `places` must be there. The settings and the monitor are borrowed.
-    BatchRun(const BatchPlaces& places, const QList<BatchJob>& jobs, const BatchSettings& settings,
-             JobMonitor& monitor);
-    ~BatchRun();
-    BatchRun(const BatchRun&) = delete;
-    BatchRun& operator=(const BatchRun&) = delete;
+    BatchProcesses(const BatchPlaces& places, const QList<BatchJob>& jobs, const BatchSettings& settings,
+                   JobMonitor& monitor);
+    ~BatchProcesses();
+    BatchProcesses(const BatchProcesses&) = delete;
+    BatchProcesses& operator=(const BatchProcesses&) = delete;
 
     // Returns once all have ended. Throws Failure when the user stops it, or a record cannot be written; the processes
     // have ended then.
