@@ -31,8 +31,9 @@ enum Column
 
 } // namespace
 
-BatchChooser::BatchChooser(const QString& strStart, QWidget* pParent)
-    : QDialog(pParent), m_strStart(strStart), m_pTable(new QTableWidget(this)), m_pSummary(new QLabel(this)),
+BatchChooser::BatchChooser(const QString& strStart, const BatchBands& bands, QWidget* pParent)
+    : QDialog(pParent), m_strStart(strStart), m_bands(bands), m_pTable(new QTableWidget(this)),
+      m_pSummary(new QLabel(this)),
       m_pAdaptive(new QCheckBox(tr("A&daptive background for fluorescent sequences"), this)),
       m_pAdd(new QPushButton(tr("&Add a folder ..."), this)), m_pRemove(new QPushButton(tr("&Remove"), this)),
       m_pStart(nullptr)
@@ -143,7 +144,7 @@ void BatchChooser::lookAtNext()
     if (m_nLookedAt < m_candidates.size()) {
         const int nRow = m_nLookedAt++;
         BatchCandidate& candidate = m_candidates[nRow];
-        candidate = batchCandidate(candidate.folder);
+        candidate = batchCandidate(candidate.folder, m_bands);
         m_pTable->item(nRow, ImagesColumn)->setText(QString::number(candidate.images));
         m_pTable->item(nRow, VerdictColumn)
             ->setText(candidate.isUsable() ? tr("Yes") : tr("No: %1").arg(candidate.reason.simplified()));

@@ -18,8 +18,8 @@ class BatchChooser : public QDialog
     Q_OBJECT
 
 public:
-    // `strStart` is where the choice of folders begins.
-    BatchChooser(const QString& strStart, QWidget* pParent);
+    // `strStart` is where the choice of folders begins, `bands` are those of the spectra that were chosen.
+    BatchChooser(const QString& strStart, const BatchBands& bands, QWidget* pParent);
 
     // A folder that holds sequences stands for all of them; one that is listed already is not listed again.
     void add(const QStringList& folders);
@@ -40,6 +40,7 @@ private:
     void showSummary();
 
     QString m_strStart;
+    const BatchBands m_bands;
     QList<BatchCandidate> m_candidates; // as the rows of the table
     int m_nLookedAt = 0;
     QTimer m_look;

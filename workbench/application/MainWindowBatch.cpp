@@ -39,13 +39,19 @@ void MainWindow::unmixMany()
     }
     m_pPalette->beginBatch();
     bool bWanted = false;
-    const auto noted = connect(m_pPlugin, &PluginHost::batchWanted, this, [&bWanted] { bWanted = true; });
+    BatchBands bands;
+    const auto noted = connect(m_pPlugin, &PluginHost::batchWanted, this,
+                               [&](const QList<QString>& excitation, const QList<QString>& emission) {
+                                   bWanted = true;
+                                   bands.excitation = excitation;
+                                   bands.emission = emission;
+                               });
     CORVUtilityFns::setSpumBatchStatus(true);
     m_pPlugin->chooseBatchSpectra();
     CORVUtilityFns::setSpumBatchStatus(false);
     disconnect(noted);
     if (bWanted) {
-        BatchChooser chooser(startFolder(), this);
+        BatchChooser chooser(startFolder(), bands, this);
         if (chooser.exec() == QDialog::Accepted && closeSequences(chooser.folders())) {
             runBatch(chooser.folders(), chooser.adaptiveBackground());
             return;

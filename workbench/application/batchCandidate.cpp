@@ -1,12 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "workbench/application/batchCandidate.h"
 
+#include "host/CORVDataset.h"
 #include "host/CORVSequenceDataset.h"
 #include "workbench/application/openable.h"
 #include "workbench/application/paletteReason.h"
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QSet>
+
+#include <algorithm>
 
 namespace {
 
@@ -15,9 +19,50 @@ QString tr(const char* pText)
     return QCoreApplication::translate("batchCandidate", pText);
 }
 
+// Without regard to case, as the tool compares them.
+QString pairText(const QString& strExcitation, const QString& strEmission)
+{
+    return QStringLiteral("%1 / %2").arg(strExcitation, strEmission).toLower();
+}
+
+// Pairs of filters of spectral images that the spectra have no value for, each once. In a temporal sequence images are
+// told apart by time.
+QStringList missingBands(const CORVSequenceDataset& sequence, const BatchBands& bands)
+{
+    QSet<QString> known;
+    for (int i = 0; i < std::min(bands.excitation.size(), bands.emission.size()); ++i) {
+        known.insert(pairText(bands.excitation.at(i), bands.emission.at(i)));
+    }
+    QStringList missing;
+    if (known.isEmpty() || sequence.isKyvoSequence()) {
+        return missing;
+    }
+    for (const CORVDataset* pDataset : sequence.getDatasets()) {
+        const QString strPair = pairText(pDataset->getExcitationFilter(), pDataset->getEmissionFilter());
+        if (pDataset->hasLuminescentImage && !known.contains(strPair) && !missing.contains(strPair)) {
+            missing.append(strPair);
+        }
+    }
+    return missing;
+}
+
+// Empty where none is missing.
+QString reasonOf(const QStringList& missing)
+{
+    constexpr int named = 4;
+    if (missing.isEmpty()) {
+        return QString();
+    }
+    const QString strNames = missing.mid(0, named).join(QStringLiteral(", "));
+    return missing.size() == 1 ? tr("The spectra have no value for its band %1.").arg(strNames)
+                               : tr("The spectra have no values for %1 of its bands: %2%3.")
+                                     .arg(QString::number(missing.size()), strNames,
+                                          missing.size() > named ? QStringLiteral(", \u2026") : QString());
+}
+
 } // namespace
 
-BatchCandidate batchCandidate(const QString& strFolder)
+BatchCandidate batchCandidate(const QString& strFolder, const BatchBands& bands)
 {
     BatchCandidate candidate;
     candidate.folder = QDir::cleanPath(QDir(strFolder).absolutePath());
@@ -46,7 +91,9 @@ BatchCandidate batchCandidate(const QString& strFolder)
     facts.analysable = sequence.isSpectrallyAnalysable || sequence.isKyvoSequence();
     if (facts.images < 2 || !facts.analysable) {
         candidate.reason = paletteReason(facts);
+        return candidate;
     }
+    candidate.reason = reasonOf(missingBands(sequence, bands));
     return candidate;
 }
 

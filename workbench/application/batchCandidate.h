@@ -4,6 +4,13 @@
 #include <QString>
 #include <QStringList>
 
+// Filters that the spectra of a batch have values for, a pair an image; none where that is not known.
+struct BatchBands
+{
+    QStringList excitation;
+    QStringList emission;
+};
+
 // A folder that may be a sequence of a batch, as its info files tell; no image is read.
 struct BatchCandidate
 {
@@ -14,8 +21,8 @@ struct BatchCandidate
     bool isUsable() const { return reason.isEmpty(); }
 };
 
-// What can be seen of a folder from outside.
-BatchCandidate batchCandidate(const QString& strFolder);
+// What can be seen of a folder from outside, to be unmixed with spectra that have values for those bands.
+BatchCandidate batchCandidate(const QString& strFolder, const BatchBands& bands = BatchBands());
 
 // The sequences that a folder stands for: itself, or those that lie in it, by name. A folder without any stands for
 // itself, so that it is told why it cannot be analysed.

@@ -3,11 +3,14 @@
 #include "MainWindowFixture.h"
 #include "mnemonics.h"
 
+#include "host/CORVDataset.h"
 #include "host/CORVLog.h"
 #include "host/CORVMessageBox.h"
+#include "host/CORVSequenceDataset.h"
 #include "host/CORVSequenceWindow.h"
 #include "host/CORVUtilityFns.h"
 #include "host/batchResidual.h"
+#include "support/simulated.h"
 #include "workbench/application/BatchRun.h"
 
 #include <QApplication>
@@ -19,6 +22,7 @@
 #include <QMimeData>
 #include <QPushButton>
 #include <QTableWidget>
+#include <QTemporaryDir>
 #include <QTimer>
 #include <QUrl>
 
@@ -36,7 +40,7 @@ public:
     {
         m_bStatusAtChoice = CORVUtilityFns::getSpumBatchStatus();
         if (m_bHasSpectra) {
-            Q_EMIT signalLoadBrowseWindow({QStringLiteral("640")}, {QStringLiteral("700")});
+            Q_EMIT signalLoadBrowseWindow(m_excitation, m_emission);
         }
     }
     void onSignalSequenceChanged(CORVSequenceDataset* pSequence) override
@@ -77,6 +81,8 @@ public:
     bool m_bHasSpectra = true;
     bool m_bStatusAtChoice = false;
     int m_nEnded = 0;
+    QList<QString> m_excitation; // of the bands of the spectra; none are told at first
+    QList<QString> m_emission;
     QStringList m_worked;
     QList<int> m_modes; // of the adaptive background
     QList<int> m_nOpenAtStart;
@@ -210,6 +216,25 @@ TEST_F(BatchRunTest, OneAfterTheOtherEachClosedBeforeTheNext)
         EXPECT_EQ(row.warnings, QStringList("a warning"));
         EXPECT_DOUBLE_EQ(row.residual.value_or(0.0), 0.0123);
     }
+}
+
+TEST_F(BatchRunTest, TheChoiceTellsWhichSequenceTheSpectraDoNotFit)
+{
+    const QString strFits = copy("one");
+    QTemporaryDir work;
+    const QString strOther = work.filePath("other bands");
+    simulated::into(strOther, {"--size", "32", "--bands", "9"});
+    CORVSequenceDataset sequence;
+    ASSERT_EQ(sequence.open(strFits), ESTATUS_SUCCESS);
+    for (const CORVDataset* pDataset : sequence.getDatasets()) {
+        m_pBatchTool->m_excitation << pDataset->getExcitationFilter().toUpper();
+        m_pBatchTool->m_emission << pDataset->getEmissionFilter();
+    }
+    choose({strFits, strOther}, false);
+    ASSERT_EQ(m_verdicts.size(), 2);
+    EXPECT_EQ(m_verdicts.at(0), "Yes");
+    EXPECT_TRUE(m_verdicts.at(1).startsWith("No: The spectra have no value")) << qPrintable(m_verdicts.at(1));
+    EXPECT_EQ(m_strSummary, "1 of 2 can be analysed; the others are passed over.");
 }
 
 TEST_F(BatchRunTest, TheTableTellsAndIsCopied)

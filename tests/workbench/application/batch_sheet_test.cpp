@@ -2,6 +2,7 @@
 // What becomes of the sequences of a batch, and what is told of it.
 #include "support/simulated.h"
 
+#include "host/CORVDataset.h"
 #include "host/CORVLog.h"
 #include "host/CORVSequenceDataset.h"
 #include "services/importer/CsvLine.h"
@@ -229,6 +230,30 @@ TEST(BatchCandidateTest, WhatCannotBeAnalysedIsToldWithTheReason)
     }
     EXPECT_TRUE(batchCandidate(work.filePath("single")).reason.contains("has a single image"))
         << qPrintable(batchCandidate(work.filePath("single")).reason);
+}
+
+TEST(BatchCandidateTest, BandsThatTheSpectraLackAreNamed)
+{
+    const QString folder = simulated::sequence("candidate", {"--size", "32", "--bands", "4"});
+    CORVSequenceDataset sequence;
+    ASSERT_EQ(sequence.open(folder), ESTATUS_SUCCESS);
+    BatchBands bands;
+    for (const CORVDataset* pDataset : sequence.getDatasets()) {
+        bands.excitation << pDataset->getExcitationFilter().toUpper();
+        bands.emission << pDataset->getEmissionFilter();
+    }
+    EXPECT_TRUE(batchCandidate(folder, bands).isUsable());
+    bands.excitation << "500nm";
+    bands.emission << "520nm";
+    EXPECT_TRUE(batchCandidate(folder, bands).isUsable()) << "more than needed";
+    const QString gone = bands.excitation.takeFirst().toLower() + " / " + bands.emission.takeFirst();
+    EXPECT_EQ(batchCandidate(folder, bands).reason, "The spectra have no value for its band " + gone + ".");
+    const QString others = batchCandidate(folder, {{"500nm"}, {"520nm"}}).reason;
+    EXPECT_TRUE(others.startsWith("The spectra have no values for 4 of its bands: " + gone + ", "))
+        << qPrintable(others);
+    // A temporal sequence has images of one band at many times.
+    const QString temporal = simulated::sequence("of times", {"--kind", "temporal", "--size", "32"});
+    EXPECT_TRUE(batchCandidate(temporal, {{"500nm"}, {"520nm"}}).isUsable());
 }
 
 TEST(BatchCandidateTest, AFolderOfSequencesStandsForAllOfThem)
