@@ -7,6 +7,8 @@
 #include <QStylePainter>
 #include <QToolTip>
 
+#include <algorithm>
+
 namespace {
 
 constexpr int kIconGap = 4; // that styles leave between icon and text
@@ -15,13 +17,17 @@ constexpr int kIconGap = 4; // that styles leave between icon and text
 
 ColorCombo::ColorCombo(QWidget* pParent) : QComboBox(pParent) {}
 
-bool ColorCombo::showsName() const
+bool ColorCombo::showsNames() const
 {
     QStyleOptionComboBox option;
     initStyleOption(&option);
     const QRect field = style()->subControlRect(QStyle::CC_ComboBox, &option, QStyle::SC_ComboBoxEditField, this);
     const int nIcon = option.currentIcon.isNull() ? 0 : option.iconSize.width() + kIconGap;
-    return fontMetrics().horizontalAdvance(option.currentText) <= field.width() - nIcon;
+    int nWidest = 0;
+    for (int i = 0; i < count(); ++i) {
+        nWidest = std::max(nWidest, fontMetrics().horizontalAdvance(itemText(i)));
+    }
+    return nWidest <= field.width() - nIcon;
 }
 
 void ColorCombo::showPopup()
@@ -44,7 +50,7 @@ void ColorCombo::paintEvent(QPaintEvent* /*pEvent*/)
     QStylePainter painter(this);
     QStyleOptionComboBox option;
     initStyleOption(&option);
-    if (!showsName()) {
+    if (!showsNames()) {
         option.currentText.clear();
     }
     painter.setPen(palette().color(QPalette::Text));

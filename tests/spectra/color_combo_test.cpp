@@ -38,27 +38,32 @@ protected:
     ColorCombo m_combo;
 };
 
-TEST_F(ColorComboTest, ShowsTheNameWhereThereIsRoomForAllOfIt)
+TEST_F(ColorComboTest, ShowsTheNameWhereThereIsRoomForAnyOfThem)
 {
     m_combo.resize(300, m_combo.sizeHint().height());
-    EXPECT_TRUE(m_combo.showsName());
+    EXPECT_TRUE(m_combo.showsNames());
     EXPECT_TRUE(isNamePainted());
     m_combo.resize(60, m_combo.sizeHint().height());
-    EXPECT_FALSE(m_combo.showsName());
+    EXPECT_FALSE(m_combo.showsNames());
     EXPECT_FALSE(isNamePainted());
 }
 
-TEST_F(ColorComboTest, AShortNameNeedsLessRoom)
+TEST_F(ColorComboTest, WhateverTheColorAllOfOneWidthShowTheirNamesOrNone)
 {
     int nWidth = 60;
     m_combo.resize(nWidth, m_combo.sizeHint().height());
-    while (!m_combo.showsName()) {
+    while (!m_combo.showsNames()) {
         m_combo.resize(++nWidth, m_combo.sizeHint().height());
     }
-    m_combo.resize(nWidth - 1, m_combo.height());
-    EXPECT_FALSE(m_combo.showsName());
+    for (const QString& name : defaultSpectrumColors()) {
+        m_combo.setCurrentText(name);
+        m_combo.resize(nWidth, m_combo.height());
+        EXPECT_TRUE(isNamePainted()) << name.toStdString();
+        m_combo.resize(nWidth - 1, m_combo.height());
+        EXPECT_FALSE(m_combo.showsNames()) << name.toStdString();
+    }
     m_combo.setCurrentText("red");
-    EXPECT_TRUE(m_combo.showsName());
+    EXPECT_FALSE(isNamePainted());
 }
 
 TEST_F(ColorComboTest, NamesThatDropDownAreWhole)
