@@ -79,6 +79,9 @@ constexpr const char* const kReferenceRadiance = "Reference Radiance";       // 
 constexpr const char* const kNativeUnit = "Native Unit";                     // 0 to 3, or the unit's text
 constexpr const char* const kStoredUnit = "Stored Unit";                     // unit of the stored pixels, else counts
 constexpr const char* const kImageExtent = "Image Extent";                   // "w x h", pixels before padding
+constexpr const char* const kChannelName = "Channel Name";                   // of a numbered channel (ChannelInfo)
+constexpr const char* const kChannelWavelength = "Channel Wavelength nm";    // nm
+constexpr const char* const kChannelWavenumber = "Channel Wavenumber";       // 1/cm
 
 // Section "Camera System Info".
 constexpr const char* const kPhotonsPerCount = "Photons per Count";  // photons

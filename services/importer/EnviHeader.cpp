@@ -118,19 +118,23 @@ bool readInterleave(const Entries& entries, EnviHeader::Interleave* pInterleave,
     return true;
 }
 
-bool readWavelengths(const Entries& entries, int bands, QVector<double>* pWavelengths, QString* pError)
+bool readWavelengths(const Entries& entries, EnviHeader& header, QString* pError)
 {
+    const int bands = header.bands;
     const auto found = entries.constFind(QStringLiteral("wavelength"));
     if (found == entries.constEnd()) {
         return true;
     }
     const QString units = entries.value(QStringLiteral("wavelength units")).value.toLower();
+    const bool bWavenumbers = units.startsWith(QLatin1String("wavenumber")) ||
+                              units.startsWith(QLatin1String("wave number")) || units == QLatin1String("cm-1") ||
+                              units == QLatin1String("1/cm");
     double nanometres = 1.0;
     if (units.startsWith(QLatin1String("micro")) || units == QLatin1String("um")) {
         nanometres = 1000.0;
     } else if (!units.isEmpty() && !units.startsWith(QLatin1String("nano")) && units != QLatin1String("nm") &&
-               units != QLatin1String("unknown")) {
-        return true; // wave numbers, indices and the like are no wavelengths of ours
+               units != QLatin1String("unknown") && !bWavenumbers) {
+        return true; // indices and the like are no wavelengths
     }
     const QStringList texts = found->value.split(QLatin1Char(','));
     if (texts.size() != bands) {
@@ -146,7 +150,7 @@ bool readWavelengths(const Entries& entries, int bands, QVector<double>* pWavele
         }
         wavelengths.append(value * nanometres);
     }
-    *pWavelengths = wavelengths;
+    (bWavenumbers ? header.wavenumbers : header.wavelengths) = wavelengths;
     return true;
 }
 
@@ -181,8 +185,9 @@ QVector<ImageFacts> readFacts(const Entries& entries, int bands)
     common.isotope = entries.value(QStringLiteral("orvia isotope")).value;
     common.unit = ImageFacts::unitName(entries.value(QStringLiteral("orvia unit")).value);
     common.temporal = entries.value(QStringLiteral("orvia kind")).value == QLatin1String("temporal");
+    common.numbered = entries.value(QStringLiteral("orvia kind")).value == QLatin1String("channels");
     if (exposures.isEmpty() && starts.isEmpty() && !common.pixelSize && common.isotope.isEmpty() &&
-        common.unit.isEmpty() && !common.temporal) {
+        common.unit.isEmpty() && !common.temporal && !common.numbered) {
         return {};
     }
     QVector<ImageFacts> facts(bands, common);
@@ -304,7 +309,7 @@ bool EnviHeader::parse(const QByteArray& text, QString* pError)
     read.dataDigest = QByteArray::fromHex(entries.value(QStringLiteral("orvia data sha1")).value.toLatin1());
     read.bandNames = readBandNames(entries, read.bands);
     read.facts = readFacts(entries, read.bands);
-    if (!readWavelengths(entries, read.bands, &read.wavelengths, pError)) {
+    if (!readWavelengths(entries, read, pError)) {
         return false;
     }
     *this = read;

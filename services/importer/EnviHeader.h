@@ -28,6 +28,7 @@ struct EnviHeader
     bool bigEndian = false;      // "byte order" 1
     qint64 headerOffset = 0;     // bytes ahead of the pixels in the data file
     QVector<double> wavelengths; // of the bands, in nm; empty without
+    QVector<double> wavenumbers; // of the bands, in 1/cm; empty without
     QStringList bandNames;       // one each; empty without
     QVector<ImageFacts> facts;   // of the bands, as an export of this program notes them; empty without
     QString dataFile;            // as the header has it; usually empty

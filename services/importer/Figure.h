@@ -15,7 +15,8 @@ struct Figure
         Frame,      // the number of a frame
         Interval,
         SpotX, // coordinates of a scan spot, in a unit that the instrument knows
-        SpotY
+        SpotY,
+        Wavenumber // 1/cm
     };
     Kind kind = Frame;
     double value = 0.0;

@@ -22,6 +22,8 @@ namespace {
 
 // Descriptions longer than this are texts, not names.
 constexpr int maxNameLength = 200;
+// A channel's name stands in legends and tables.
+constexpr int maxChannelLength = 80;
 
 bool isTiffName(const QString& name)
 {
@@ -36,6 +38,13 @@ QString stemOf(const QString& fileName)
                                            QRegularExpression::CaseInsensitiveOption);
     QString stem = fileName;
     return stem.remove(suffix).remove(suffix); // "cube.dat.hdr" has two
+}
+
+// The first of two names that says something, on one line and no longer than a name.
+QString channelName(const QString& first, const QString& second)
+{
+    const QString name = first.simplified();
+    return (name.isEmpty() ? second.simplified() : name).left(maxChannelLength).trimmed();
 }
 
 // Whether something better than this name tells what the image is.
@@ -157,6 +166,8 @@ bool ImageFinder::addTiff(const QString& strPath, QString* pError)
     const QString description = texts.pages.first().description;
     QVector<QVector<Figure>> metadata(pages);
     QVector<ImageFacts> facts(pages);
+    QStringList channels = texts.labels;
+    bool framed = false;
     const bool bOme = OmeMetadata::isOme(description);
     const bool bImageJ = ImageJMetadata::isImageJ(description);
     if (bOme) {
@@ -165,6 +176,8 @@ bool ImageFinder::addTiff(const QString& strPath, QString* pError)
         if (ome.parse(description, file, pages, &reason)) {
             metadata = ome.pages();
             facts = ome.facts();
+            channels = ome.channels();
+            framed = ome.hasTimes();
             for (const QString& doubt : ome.doubts()) {
                 m_doubts.append(QStringLiteral("%1: %2").arg(file, doubt));
             }
@@ -175,6 +188,7 @@ bool ImageFinder::addTiff(const QString& strPath, QString* pError)
         ImageJMetadata imageJ;
         imageJ.parse(description, texts.labels, pages);
         metadata = imageJ.pages();
+        framed = imageJ.hasFrames();
         for (const QString& doubt : imageJ.doubts()) {
             m_doubts.append(QStringLiteral("%1: %2").arg(file, doubt));
         }
@@ -196,6 +210,11 @@ bool ImageFinder::addTiff(const QString& strPath, QString* pError)
             }
             image.figures = metadata.at(page);
             image.facts = facts.at(page);
+            image.framed = framed;
+            image.channel = channelName(channels.value(page), texts.pages.at(page).pageName);
+            if (image.channel.isEmpty() && pages * samples == 1) {
+                image.channel = stemOf(file);
+            }
             addNamed(image, texts.pages.at(page).pageName, QStringLiteral("page name"), false);
             const QString text = texts.pages.at(page).description;
             if (!(page == 0 && (bOme || bImageJ)) && text.size() <= maxNameLength) {
@@ -228,11 +247,16 @@ bool ImageFinder::addEnvi(const QString& strPath, QString* pError)
             image.name += QStringLiteral(" band %1").arg(band + 1);
         }
         image.facts = header.facts.value(band);
+        image.channel = channelName(header.bandNames.value(band), QString());
         if (!header.wavelengths.isEmpty()) {
             image.figures.append({Figure::Emission, header.wavelengths.at(band), QStringLiteral("ENVI wavelength")});
         }
+        if (!header.wavenumbers.isEmpty()) {
+            image.figures.append({Figure::Wavenumber, header.wavenumbers.at(band), QStringLiteral("ENVI wavenumber")});
+        }
         if (header.bands == 1 && header.wavelengths.isEmpty()) {
             addNamed(image, stemOf(image.file), QStringLiteral("name"), true);
+            image.channel = image.channel.isEmpty() ? stemOf(image.file) : image.channel;
         }
         addNamed(image, header.bandNames.value(band), QStringLiteral("ENVI band name"), false);
         if (image.figures.isEmpty() && header.bands > 1) {
@@ -254,6 +278,7 @@ bool ImageFinder::addCsv(const QString& strPath, QString* pError)
         image.file = QFileInfo(strPath).fileName();
         image.band = band + 1;
         image.name = QStringLiteral("%1 band %2").arg(image.file).arg(band + 1);
+        image.channel = channelName(names.at(band), QString());
         addNamed(image, names.at(band), QStringLiteral("column"), false);
         m_images.append(image);
     }

@@ -18,6 +18,8 @@ struct FoundImage
     std::optional<int> page; // from 1; of a TIFF file with several
     std::optional<int> band; // from 1
     QString name;            // for people
+    QString channel;     // what the file calls the image: its channel, label, band or column, or the file's own name
+    bool framed = false; // metadata say that the images are a series of times
     QVector<Figure> figures;
     ImageFacts facts;
 };

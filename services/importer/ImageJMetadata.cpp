@@ -68,6 +68,7 @@ void ImageJMetadata::parse(const QString& strDescription, const QStringList& lab
     const int channels = countOf(entries, "channels");
     const int slices = countOf(entries, "slices");
     const int frames = countOf(entries, "frames");
+    m_bFrames = frames > 1;
     if (images > 1 && images != nPages) {
         m_doubts.append(
             QStringLiteral("ImageJ's description tells of %1 images, the file has %2 pages").arg(images).arg(nPages));

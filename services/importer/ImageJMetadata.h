@@ -17,10 +17,13 @@ public:
     void parse(const QString& strDescription, const QStringList& labels, int nPages);
 
     const QVector<QVector<Figure>>& pages() const { return m_pages; }
+    // Whether the images are said to be a series of times, whether or not their seconds are told.
+    bool hasFrames() const { return m_bFrames; }
     // Figures that cannot be used or fit the file badly, a sentence each.
     const QStringList& doubts() const { return m_doubts; }
 
 private:
     QVector<QVector<Figure>> m_pages;
     QStringList m_doubts;
+    bool m_bFrames = false;
 };

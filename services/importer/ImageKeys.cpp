@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "services/importer/ImageKeys.h"
 
+#include "platform/orvapi/ChannelInfo.h"
+
 #include <QHash>
 #include <QLocale>
 
@@ -62,6 +64,10 @@ bool ImageKeys::make(const ImagesTable& table, const ImageStack& stack, QString*
         fluorescence = fluorescence || row.excitation.has_value();
         transillumination = transillumination || !row.spotX.isEmpty() || !row.spotY.isEmpty();
     }
+    numbered = table.hasChannels() && !bEmissions && !temporal && !fluorescence && !transillumination;
+    if (numbered) {
+        return number(table, pError);
+    }
     for (int i = 0; i < table.rows().size(); ++i) {
         const ImageRow& row = table.rows().at(i);
         QString reason;
@@ -76,6 +82,25 @@ bool ImageKeys::make(const ImagesTable& table, const ImageStack& stack, QString*
         }
     }
     return refuseDuplicates(table, stack, pError);
+}
+
+bool ImageKeys::number(const ImagesTable& table, QString* pError)
+{
+    if (table.rows().size() > ChannelInfo::kMost) {
+        *pError =
+            QStringLiteral("%1: %2 channels are more than the %3 that can be numbered; leave rows out of the table")
+                .arg(table.place(table.rows().at(ChannelInfo::kMost)))
+                .arg(table.rows().size())
+                .arg(ChannelInfo::kMost);
+        return false;
+    }
+    for (int i = 0; i < table.rows().size(); ++i) {
+        ImageKey key;
+        key.excitation = QStringLiteral("Block");
+        key.emission = ChannelInfo::filterText(i + 1);
+        images.append(key);
+    }
+    return true;
 }
 
 bool ImageKeys::checkSpot(const ImageRow& row, QString* pReason) const

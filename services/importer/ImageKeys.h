@@ -13,7 +13,7 @@
 struct ImageKey
 {
     QString excitation; // "488nm", or "Block" without excitation; of a temporal sequence may be empty
-    QString emission;   // "510nm", or "Open" without a filter; the same
+    QString emission;   // "510nm", "Channel 001" of a numbered one, or "Open" without a filter; the same
     QString interval;   // of a temporal sequence, else empty
     QString time;       // s
     QString spotX;      // of a scan, else empty
@@ -26,17 +26,20 @@ struct ImageKeys
     bool temporal = false;
     bool fluorescence = false;
     bool transillumination = false;
+    bool numbered = false; // channels without wavelengths of filters
     QVector<ImageKey> images;
 
     // Times make a temporal sequence (wavelengths, the same in all, may stand beside), excitations one of fluorescence,
     // scan spots besides one of transillumination; every row must say the same kind of things. An emission that the
     // table leaves open is taken from the ENVI header, if that tells it. Wavelengths are rounded to whole nanometres.
+    // Where a table with a column for channels says none of these, its rows are channels numbered in their order.
     // False with "file:line: reason" in *pError as importStack() tells.
     bool make(const ImagesTable& table, const ImageStack& stack, QString* pError);
 
 private:
     bool checkSpot(const ImageRow& row, QString* pReason) const;
     bool addTemporal(const ImageRow& row, QString* pReason);
+    bool number(const ImagesTable& table, QString* pError);
     bool addSpectral(const ImageRow& row, std::optional<double> emission, bool bEmissions, QString* pReason);
     bool refuseDuplicates(const ImagesTable& table, const ImageStack& stack, QString* pError) const;
 };

@@ -24,6 +24,9 @@ enum Column
     ColumnBand,
     ColumnExcitation,
     ColumnEmission,
+    ColumnChannel,
+    ColumnWavelength,
+    ColumnWavenumber,
     ColumnInterval,
     ColumnTime,
     ColumnSpotX,
@@ -36,13 +39,19 @@ enum Column
     ColumnCount
 };
 constexpr std::array<const char*, ColumnCount> columnNames{
-    ImageColumns::kFile,     ImageColumns::kPage,     ImageColumns::kBand,      ImageColumns::kExcitation,
-    ImageColumns::kEmission, ImageColumns::kInterval, ImageColumns::kTime,      ImageColumns::kSpotX,
-    ImageColumns::kSpotY,    ImageColumns::kExposure, ImageColumns::kPixelSize, ImageColumns::kStart,
-    ImageColumns::kIsotope,  ImageColumns::kUnit};
+    ImageColumns::kFile,     ImageColumns::kPage,      ImageColumns::kBand,       ImageColumns::kExcitation,
+    ImageColumns::kEmission, ImageColumns::kChannel,   ImageColumns::kWavelength, ImageColumns::kWavenumber,
+    ImageColumns::kInterval, ImageColumns::kTime,      ImageColumns::kSpotX,      ImageColumns::kSpotY,
+    ImageColumns::kExposure, ImageColumns::kPixelSize, ImageColumns::kStart,      ImageColumns::kIsotope,
+    ImageColumns::kUnit};
 
 // Position of each column among the fields, -1 without.
 using Columns = std::array<int, ColumnCount>;
+
+bool tellChannels(const Columns& columns)
+{
+    return columns[ColumnChannel] >= 0 || columns[ColumnWavelength] >= 0 || columns[ColumnWavenumber] >= 0;
+}
 
 bool findColumns(const QStringList& header, Columns& columns, QStringList& warnings, QString& error)
 {
@@ -66,8 +75,9 @@ bool findColumns(const QStringList& header, Columns& columns, QStringList& warni
             warnings.append(QStringLiteral("the column \"%1\" is passed over").arg(header.at(i)));
         }
     }
-    if (columns[ColumnExcitation] < 0 && columns[ColumnEmission] < 0 && columns[ColumnTime] < 0) {
-        error = QStringLiteral("the first line names no column \"excitation\", \"emission\" or \"time\"");
+    if (columns[ColumnExcitation] < 0 && columns[ColumnEmission] < 0 && columns[ColumnTime] < 0 &&
+        !tellChannels(columns)) {
+        error = QStringLiteral("the first line names no column \"excitation\", \"emission\", \"time\" or \"channel\"");
         return false;
     }
     return true;
@@ -169,10 +179,13 @@ bool readRow(const QStringList& fields, const Columns& columns, ImageRow& row, Q
         return at < 0 ? QString() : fields.value(at);
     };
     row.file = field(ColumnFile);
+    row.channel = field(ColumnChannel).simplified();
     return readCount(field(ColumnPage), ColumnPage, "", row.page, error) &&
            readCount(field(ColumnBand), ColumnBand, "", row.band, error) &&
            readNumber(field(ColumnExcitation), ColumnExcitation, "nm", row.excitation, error) &&
            readNumber(field(ColumnEmission), ColumnEmission, "nm", row.emission, error) &&
+           readPositive(field(ColumnWavelength), ColumnWavelength, "nm", row.wavelength, error) &&
+           readPositive(field(ColumnWavenumber), ColumnWavenumber, "1/cm", row.wavenumber, error) &&
            readCount(field(ColumnInterval), ColumnInterval, "Int", row.interval, error) &&
            readNumber(field(ColumnTime), ColumnTime, "s", row.time, error) &&
            readCoordinate(field(ColumnSpotX), ColumnSpotX, row.spotX, error) &&
@@ -228,6 +241,7 @@ bool ImagesTable::parse(const QByteArray& text, const QString& strName, QString*
 {
     m_rows.clear();
     m_warnings.clear();
+    m_bChannels = false;
     m_strName = strName;
     QTextCodec* codec = QTextCodec::codecForName("UTF-8");
     QByteArray unixText = text;
@@ -283,6 +297,7 @@ bool ImagesTable::parseLines(const QStringList& lines, QString* pError)
                 return fail(reason);
             }
             bHeaderSeen = true;
+            m_bChannels = tellChannels(columns);
             headerFields = fields.size();
             continue;
         }

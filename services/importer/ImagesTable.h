@@ -17,6 +17,9 @@ constexpr const char* const kPage = "page";
 constexpr const char* const kBand = "band";
 constexpr const char* const kExcitation = "excitation";
 constexpr const char* const kEmission = "emission";
+constexpr const char* const kChannel = "channel";
+constexpr const char* const kWavelength = "wavelength";
+constexpr const char* const kWavenumber = "wavenumber";
 constexpr const char* const kInterval = "interval";
 constexpr const char* const kTime = "time";
 constexpr const char* const kSpotX = "spot_x";
@@ -38,6 +41,9 @@ struct ImageRow
     std::optional<int> band;          // from 1
     std::optional<double> excitation; // nm
     std::optional<double> emission;   // nm
+    QString channel;                  // name
+    std::optional<double> wavelength; // nm, of a numbered channel
+    std::optional<double> wavenumber; // 1/cm, of a numbered channel
     std::optional<double> time;       // s
     std::optional<int> interval;
     QString spotX; // a number as it was written; empty without
@@ -58,6 +64,9 @@ public:
     bool parse(const QByteArray& text, const QString& strName, QString* pError);
 
     const QVector<ImageRow>& rows() const { return m_rows; }
+    // Whether there is a column "channel", "wavelength" or "wavenumber": without wavelengths of filters and times the
+    // images are numbered channels.
+    bool hasChannels() const { return m_bChannels; }
     const QStringList& warnings() const { return m_warnings; }
     // "file:line", for messages about a row.
     QString place(const ImageRow& row) const;
@@ -68,4 +77,5 @@ private:
     QString m_strName;
     QVector<ImageRow> m_rows;
     QStringList m_warnings;
+    bool m_bChannels = false;
 };

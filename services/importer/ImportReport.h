@@ -15,6 +15,7 @@ struct ImportReport
     bool temporal = false;
     bool fluorescence = false;
     bool transillumination = false;
+    bool numbered = false;    // channels without wavelengths of filters
     QString unit;             // of the pixels; empty for counts
     QString photographOrigin; // "mean image", or the name of the photograph's file
     bool dark = false;        // corrections that were made

@@ -3,6 +3,7 @@
 
 #include "files/AtomicFile.h"
 #include "files/liesInside.h"
+#include "platform/orvapi/ChannelInfo.h"
 #include "platform/orvapi/ClickInfoKeys.h"
 #include "platform/orvapi/SequenceWriter.h"
 #include "services/importer/ImageCorrection.h"
@@ -174,6 +175,7 @@ bool Import::readTable(QString* pError)
     m_report.temporal = m_keys.temporal;
     m_report.fluorescence = m_keys.fluorescence;
     m_report.transillumination = m_keys.transillumination;
+    m_report.numbered = m_keys.numbered;
     m_report.unit = m_table.rows().first().facts.unit;
     m_report.warnings = m_table.warnings() + m_stack.warnings();
     return true;
@@ -387,6 +389,10 @@ DatasetDescription Import::describeDataset(int i) const
     if (m_keys.transillumination) {
         image.setValue(text(ClickKeys::kFLXSpot), key.spotX);
         image.setValue(text(ClickKeys::kFLYSpot), key.spotY);
+    }
+    if (m_keys.numbered) {
+        const ImageRow& row = m_table.rows().at(i);
+        ChannelInfo{row.channel, row.wavelength, row.wavenumber}.write(image);
     }
     image.setValue(text(ClickKeys::kBinning), 1);
     image.setValue(text(ClickKeys::kImageExtent), QStringLiteral("%1 x %2").arg(m_stack.width()).arg(m_stack.height()));

@@ -14,7 +14,8 @@ using ImportProgress = std::function<bool(int nDone, int nSteps, const QString& 
 // Makes a sequence of a stack of images. Images keep their pixel type, unless a dark image or a flat field makes floats
 // of them (ImageCorrection), and are padded with zeros at the right and the bottom to a square; the section
 // "luminescent image" keeps the extent. No calibration from counts is told, so the sequence is analysed in counts. A
-// sequence with excitations is one of fluorescence, one with emissions alone, or with times, is not.
+// sequence with excitations is one of fluorescence, one with emissions alone, with times, or of numbered channels, is
+// not.
 //
 // All images are read and checked before one is written, and the folder appears as a whole or not at all. False with
 // one sentence in *pError, "file: reason" or "file:line: reason", when
@@ -22,6 +23,7 @@ using ImportProgress = std::function<bool(int nDone, int nSteps, const QString& 
 //   - the images, by their headers, would take more memory than `maxMemory`;
 //   - an image differs in size from the first, or has a pixel that is not finite or beyond single precision;
 //   - a wavelength, rounded to whole nanometres, is not 100 to 999, or a time is not a number of seconds within 2^24;
+//   - numbered channels are more than 999;
 //   - the dark image or the flat field cannot be read or has another size, or a pixel of the flat is not above 0;
 //   - there are several exposures, but not one an image;
 //   - two rows name one image, or two images share excitation and emission, or a whole second;

@@ -2,6 +2,7 @@
 #include "services/importer/InferredTable.h"
 
 #include "services/importer/CsvLine.h"
+#include "services/importer/ImageKeys.h"
 #include "services/importer/ImagesTable.h"
 
 #include <QHash>
@@ -17,6 +18,8 @@ namespace {
 
 // Figures closer than this are one, written with more or fewer digits.
 constexpr double closeShare = 1e-6;
+// Wavelengths beyond this are no numbers of nanometres that count.
+constexpr double maxRounded = 1e9;
 
 bool isSame(double a, double b)
 {
@@ -104,11 +107,31 @@ bool countsUp(std::vector<double> values)
 } // namespace
 
 InferredTable::InferredTable(const QVector<FoundImage>& images, const QStringList& doubts,
-                             std::optional<double> interval)
+                             std::optional<double> interval, bool bNumber)
     : m_doubts(doubts), m_questions(doubts)
 {
     takeFigures(images, interval);
     choose();
+    m_bInterval = interval.has_value();
+    if (m_bInterval && m_bSpectral && !bNumber) {
+        doubt(QStringLiteral("wavelengths tell the images apart, and --interval S asks for a series of times: leave it "
+                             "out for a spectral sequence, or give the times in a table"));
+    }
+    const bool bSaid = std::any_of(m_rows.cbegin(), m_rows.cend(), [](const Row& row) { return row.facts.numbered; });
+    if (bNumber) {
+        // What is doubted are wavelengths and times.
+        m_doubts.clear();
+        m_questions.clear();
+        m_notes.clear();
+        m_notes.append(QStringLiteral("the images are numbered as channels, as was asked"));
+    }
+    if (bNumber || bSaid || (m_doubts.isEmpty() && mustBeNumbered(images))) {
+        number(images);
+        refuseLineEnds(images);
+        noteFacts();
+        return;
+    }
+    refuseLineEnds(images);
     refuseMissing();
     refuseDuplicates();
     noteFacts();
@@ -172,15 +195,111 @@ void InferredTable::takeFigures(const QVector<FoundImage>& images, std::optional
         }
         takeSpot(image, row);
         row.facts = image.facts;
+        row.channel = image.channel;
         doubt(first);
         doubt(second);
         doubt(third);
-        if (image.file.contains(QLatin1Char('\n'))) {
-            doubt(QStringLiteral("%1: a name with a line end cannot stand in a table").arg(image.name.simplified()));
-        }
         m_rows.append(row);
     }
     takeTimes(images, interval);
+}
+
+void InferredTable::refuseLineEnds(const QVector<FoundImage>& images)
+{
+    for (const FoundImage& image : images) {
+        if (image.file.contains(QLatin1Char('\n'))) {
+            doubt(QStringLiteral("%1: a name with a line end cannot stand in a table").arg(image.name.simplified()));
+        }
+    }
+}
+
+// Whether emissions alone tell the images apart, but not as filters of whole nanometres from 100 to 999.
+bool InferredTable::isOutOfFilters() const
+{
+    QSet<int> filters;
+    QSet<double> emissions;
+    bool bOutside = false;
+    for (const Row& row : m_rows) {
+        if (row.excitation || !row.emission || !row.spotX.isEmpty()) {
+            return false;
+        }
+        bOutside = bOutside || !reasonAgainstWavelength(QString(), *row.emission).isEmpty();
+        emissions.insert(*row.emission);
+        filters.insert(static_cast<int>(std::round(std::clamp(*row.emission, -maxRounded, maxRounded))));
+    }
+    return bOutside || (emissions.size() == m_rows.size() && filters.size() < m_rows.size());
+}
+
+// Whether what is told of the images makes neither a spectral sequence nor one of times; the note tells why.
+bool InferredTable::mustBeNumbered(const QVector<FoundImage>& images)
+{
+    const auto all = [this](const std::function<bool(const Row&)>& has) {
+        return std::all_of(m_rows.cbegin(), m_rows.cend(), has);
+    };
+    if (m_bTemporal || m_rows.isEmpty()) {
+        return false;
+    }
+    if (!m_bSpectral && m_bInterval) {
+        return false; // times were asked for
+    }
+    if (!m_bSpectral) {
+        const bool bFramed =
+            std::any_of(images.cbegin(), images.cend(), [](const auto& image) { return image.framed; });
+        m_notes.append(bFramed ? QStringLiteral("the images are said to be a series of times, and not how far apart: "
+                                                "they are numbered as channels; --interval S makes times of them")
+                               : QStringLiteral("nothing tells the images' wavelengths or times: they are numbered as "
+                                                "channels; --interval S makes times of numbered frames"));
+        return true;
+    }
+    if (isOutOfFilters()) {
+        m_notes.append(QStringLiteral("filters have whole nanometres from 100 to 999: the images are numbered as "
+                                      "channels, which keep their wavelengths"));
+        return true;
+    }
+    const bool bOneFile = all([this](const Row& row) { return row.file == m_rows.first().file; });
+    const bool bEmissions = all([](const Row& row) { return row.emission.has_value(); });
+    const bool bExcitations = all([](const Row& row) { return row.excitation.has_value(); });
+    const auto count = [this](const std::function<bool(const Row&)>& has) {
+        return std::count_if(m_rows.cbegin(), m_rows.cend(), has);
+    };
+    const bool bSome = (!bEmissions && count([](const Row& row) { return row.emission.has_value(); }) > 0) ||
+                       (!bExcitations && count([](const Row& row) { return row.excitation.has_value(); }) > 0);
+    if (bOneFile && bSome) {
+        m_notes.append(
+            QStringLiteral("the file tells the wavelengths of some of its channels only: they are numbered"));
+        return true;
+    }
+    return false;
+}
+
+void InferredTable::number(const QVector<FoundImage>& images)
+{
+    m_bNumbered = true;
+    m_bSpectral = false;
+    m_bTemporal = false;
+    auto image = images.cbegin();
+    for (Row& row : m_rows) {
+        QString contradiction;
+        const auto wavenumber = oneOf(*image++, Figure::Wavenumber, "wavenumber", &contradiction);
+        if (row.channel.isEmpty() && row.excitation) {
+            row.channel = row.emission ? QStringLiteral("ex %1 em %2").arg(cell(row.excitation), cell(row.emission))
+                                       : QStringLiteral("ex %1").arg(cell(row.excitation));
+        }
+        if (row.emission.value_or(0.0) > 0.0) {
+            row.wavelength = row.emission;
+        }
+        row.wavenumber = row.facts.wavenumber;
+        if (wavenumber && wavenumber->value > 0.0) {
+            row.wavenumber = wavenumber->value;
+            addOrigin(row, *wavenumber);
+        }
+        row.excitation.reset();
+        row.emission.reset();
+        row.time.reset();
+        row.interval.reset();
+        row.spotX.clear();
+        row.spotY.clear();
+    }
 }
 
 void InferredTable::takeSpot(const FoundImage& image, Row& row)
@@ -359,7 +478,7 @@ QByteArray InferredTable::toCsv() const
     const bool bTimes = any([](const Row& row) { return row.time.has_value(); });
     const bool bWavelengths = m_bSpectral || any([](const Row& row) { return row.excitation || row.emission; });
     // A template offers what could be meant.
-    const bool bOpen = !m_doubts.isEmpty() && (bTimes == m_bSpectral || (!m_bSpectral && !m_bTemporal));
+    const bool bOpen = !m_doubts.isEmpty() && !m_bNumbered && (bTimes == m_bSpectral || (!m_bSpectral && !m_bTemporal));
     QVector<Column> columns;
     const auto add = [&columns](const char* name, const std::function<QString(const Row&)>& text, bool bWanted) {
         if (bWanted) {
@@ -374,6 +493,10 @@ QByteArray InferredTable::toCsv() const
         ImageColumns::kFile, [](const Row& row) { return csvField(row.file); }, true);
     addKnown(ImageColumns::kPage, [](const Row& row) { return cell(row.page); });
     addKnown(ImageColumns::kBand, [](const Row& row) { return cell(row.band); });
+    add(
+        ImageColumns::kChannel, [](const Row& row) { return csvField(row.channel); }, m_bNumbered);
+    addKnown(ImageColumns::kWavelength, [](const Row& row) { return cell(row.wavelength); });
+    addKnown(ImageColumns::kWavenumber, [](const Row& row) { return cell(row.wavenumber); });
     add(
         ImageColumns::kExcitation, [](const Row& row) { return cell(row.excitation); }, bWavelengths || bOpen);
     add(

@@ -28,7 +28,10 @@ public:
         QString spotX; // of a scan, as it was written; empty without
         QString spotY;
         ImageFacts facts;
-        QString origin; // where the figures come from
+        QString channel;                  // what the file calls the image
+        std::optional<double> wavelength; // nm, of a numbered channel
+        std::optional<double> wavenumber; // 1/cm, of a numbered channel
+        QString origin;                   // where the figures come from
     };
 
     // `interval`, in seconds, is what the user says lies between two frames; numbers of frames then become times
@@ -37,9 +40,15 @@ public:
     // apart are a spectral sequence, whatever times they have besides; images of one pair of wavelengths at several
     // times a temporal one, and so are images whose metadata say so. `doubts` are those that came up when the images
     // were found.
-    InferredTable(const QVector<FoundImage>& images, const QStringList& doubts, std::optional<double> interval);
+    //
+    // Images of which neither wavelengths nor times are told are numbered channels, and so are images of emissions that
+    // filters do not tell apart (beyond 100 to 999 nm, closer than a nanometre, wavenumbers), and channels of one file
+    // that tells the wavelengths of some. With `bNumber` all images are, and nothing is in doubt.
+    InferredTable(const QVector<FoundImage>& images, const QStringList& doubts, std::optional<double> interval,
+                  bool bNumber = false);
 
     bool isTemporal() const { return m_bTemporal; }
+    bool isNumbered() const { return m_bNumbered; }
     const QVector<Row>& rows() const { return m_rows; }
     // One sentence each; empty when the table can be used.
     const QStringList& doubts() const { return m_doubts; }
@@ -57,7 +66,11 @@ private:
     void takeSpot(const FoundImage& image, Row& row);
     void takeTimes(const QVector<FoundImage>& images, std::optional<double> interval);
     void noteFacts();
+    void refuseLineEnds(const QVector<FoundImage>& images);
     void choose();
+    bool mustBeNumbered(const QVector<FoundImage>& images);
+    bool isOutOfFilters() const;
+    void number(const QVector<FoundImage>& images);
     void refuseMissing();
     void refuseDuplicates();
     void doubt(const QString& strSentence);
@@ -69,4 +82,6 @@ private:
     QStringList m_notes;
     bool m_bTemporal = false;
     bool m_bSpectral = false;
+    bool m_bNumbered = false;
+    bool m_bInterval = false; // seconds between frames were told
 };

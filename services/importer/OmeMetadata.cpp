@@ -344,6 +344,12 @@ QVector<Figure> figuresOf(const Pixels& pixels, const Plane& plane, QStringList&
     return figures;
 }
 
+QString channelText(const Pixels& pixels, const Plane& plane)
+{
+    const QString name = pixels.channels.value(plane.c).name;
+    return pixels.sizeZ > 1 ? QStringLiteral("%1 z%2").arg(name).arg(plane.z + 1).trimmed() : name;
+}
+
 ImageFacts factsOf(const Pixels& pixels, const Plane& plane, const QHash<QString, QString>& notes, int page)
 {
     ImageFacts facts;
@@ -356,6 +362,8 @@ ImageFacts factsOf(const Pixels& pixels, const Plane& plane, const QHash<QString
     facts.isotope = notes.value(QStringLiteral("isotope"));
     facts.unit = ImageFacts::unitName(notes.value(QStringLiteral("unit")));
     facts.temporal = notes.value(QStringLiteral("kind")) == QLatin1String("temporal");
+    facts.numbered = notes.value(QStringLiteral("kind")) == QLatin1String("channels");
+    facts.wavenumber = ImageFacts::positive(notes.value(QStringLiteral("wavenumber %1").arg(page + 1)));
     return facts;
 }
 
@@ -408,6 +416,8 @@ bool OmeMetadata::parse(const QString& strXml, const QString& strFile, int nPage
 {
     m_pages = QVector<QVector<Figure>>(nPages);
     m_facts = QVector<ImageFacts>(nPages);
+    m_channels = QVector<QString>(nPages).toList();
+    m_bTimes = false;
     m_doubts.clear();
     if (strXml.size() > maxTextLength) {
         *pError = QStringLiteral("the OME-XML is too large");
@@ -425,6 +435,7 @@ bool OmeMetadata::parse(const QString& strXml, const QString& strFile, int nPage
     int next = 0; // where an image begins that does not tell its pages
     qint64 budget = 8 * static_cast<qint64>(nPages) + 1000;
     for (const Pixels& pixels : reader.images()) {
+        m_bTimes = m_bTimes || pixels.sizeT > 1;
         for (const PlaneRun& run : runsOf(pixels, strFile)) {
             Plane plane{run.c, run.z, run.t};
             if (plane.c >= pixels.channelCount() || plane.z >= pixels.sizeZ || plane.t >= pixels.sizeT) {
@@ -440,6 +451,7 @@ bool OmeMetadata::parse(const QString& strXml, const QString& strFile, int nPage
                 }
                 m_pages[page] = figuresOf(pixels, plane, m_doubts);
                 m_facts[page] = factsOf(pixels, plane, reader.notes(), page);
+                m_channels[page] = channelText(pixels, plane);
                 bInside = advance(plane, pixels);
             }
             next = page;

@@ -14,7 +14,7 @@ class OmeMetadata
 {
 public:
     // The namespace of the annotation in which an export tells what OME has no place for, as a map: "kind"
-    // ("temporal"), "unit", "isotope", and "start N" for page N, from 1.
+    // ("temporal", "channels"), "unit", "isotope", and "start N" and "wavenumber N" for page N, from 1.
     static constexpr const char* const kNamespace = "orvia/image-cube/1";
 
     static bool isOme(const QString& strDescription);
@@ -29,11 +29,18 @@ public:
     // By page as well: exposures of the planes and the size of a pixel, and what an export of this program notes
     // besides.
     const QVector<ImageFacts>& facts() const { return m_facts; }
+    // By page as well: the name of its channel, with the plane's number where there are several in depth; empty
+    // without.
+    const QStringList& channels() const { return m_channels; }
+    // Whether an image is said to hold several times.
+    bool hasTimes() const { return m_bTimes; }
     // Figures that cannot be used, a sentence each.
     const QStringList& doubts() const { return m_doubts; }
 
 private:
     QVector<QVector<Figure>> m_pages;
     QVector<ImageFacts> m_facts;
+    QStringList m_channels;
+    bool m_bTimes = false;
     QStringList m_doubts;
 };

@@ -4,6 +4,7 @@
 #include "engine/CORVSpumKyvo.h"
 #include "engine/EngineEnums.h"
 #include "engine/keySelection.h"
+#include "services/basis/ChannelLabels.h"
 #include "services/basis/ModeNames.h"
 #include "spectra/SpectrumPlotParams.h"
 
@@ -90,7 +91,8 @@ QStringList linesOf(const CORVSpumKyvo& engine)
     return others;
 }
 
-PlotCurve curveOf(const CORVSpumKyvo& engine, int nComponent, const QString& strOther, double dUnit)
+PlotCurve curveOf(const CORVSpumKyvo& engine, const ChannelLabels& channels, int nComponent, const QString& strOther,
+                  double dUnit)
 {
     PlotCurve curve;
     QVector<double> x;
@@ -100,7 +102,7 @@ PlotCurve curveOf(const CORVSpumKyvo& engine, int nComponent, const QString& str
         if (!strOther.isNull() && otherKey(engine, pair) != strOther) {
             continue;
         }
-        x.append(placeAlong(engine, pair) / dUnit);
+        x.append(channels.isEmpty() ? placeAlong(engine, pair) / dUnit : channels.place(pair));
         y.append(engine.m_spectra[nComponent][j]);
     }
     QVector<int> order(x.size());
@@ -111,6 +113,15 @@ PlotCurve curveOf(const CORVSpumKyvo& engine, int nComponent, const QString& str
         curve.y.append(y[i]);
     }
     return curve;
+}
+
+QVector<PlotName> namesOf(const CORVSpumKyvo& engine, const ChannelLabels& channels)
+{
+    QVector<PlotName> names;
+    for (const KeyPair& pair : engine.m_selectedKeyPairs) {
+        names.append({channels.place(pair), channels.label(pair)});
+    }
+    return names;
 }
 
 // The table's lightest colours do not show on white.
@@ -148,8 +159,11 @@ QString lineText(const CORVSpumKyvo& engine, QString strOther)
            unit;
 }
 
-QString plotAxisLabel(const CORVSpumKyvo& engine, const TimeUnit& unit)
+QString plotAxisLabel(const CORVSpumKyvo& engine, const ChannelLabels& channels, const TimeUnit& unit)
 {
+    if (!channels.isEmpty()) {
+        return channels.axisText();
+    }
     return engine.m_eAxis == SPECTRUMAXIS_TIME
                ? axisLabel(engine.m_eAxis).replace(QStringLiteral("[s]"), QStringLiteral("[%1]").arg(unit.name))
                : axisLabel(engine.m_eAxis);
@@ -160,14 +174,18 @@ QString plotAxisLabel(const CORVSpumKyvo& engine, const TimeUnit& unit)
 SpectrumPlot plotOfSpectra(const CORVSpumKyvo& engine)
 {
     const bool temporal = engine.m_eAxis == SPECTRUMAXIS_TIME;
+    const ChannelLabels channels(engine);
     const TimeUnit time = temporal ? timeUnitOf(engine) : TimeUnit();
     SpectrumPlot plot(temporal ? QStringLiteral("Time courses") : QStringLiteral("Pure spectra"),
-                      plotAxisLabel(engine, time), QStringLiteral("relative intensity"));
+                      plotAxisLabel(engine, channels, time), QStringLiteral("relative intensity"));
+    if (!channels.isEmpty() && channels.areNumbers()) {
+        plot.setXNames(namesOf(engine, channels));
+    }
     const QStringList lines = linesOf(engine);
     for (int k = 0; k < engine.m_spectrumPlots.size(); ++k) {
         const SpectrumSettings& settings = engine.m_spectrumPlots[k]->settings;
         for (int i = 0; i < lines.size(); ++i) {
-            PlotCurve curve = curveOf(engine, k, lines[i], time.seconds);
+            PlotCurve curve = curveOf(engine, channels, k, lines[i], time.seconds);
             curve.label = i == 0 ? settings.name : QString();
             curve.color = readable(settings.color);
             curve.marker = markerOf(k);

@@ -103,6 +103,18 @@ void drawXTicks(QPainter& painter, const Frame& frame, const QVector<double>& va
                      Qt::AlignRight | Qt::AlignTop, orvimage::exponentText(labels.exponent));
 }
 
+void drawXNames(QPainter& painter, const Frame& frame, const QVector<PlotName>& names)
+{
+    const AxisNames texts(names, QFontMetricsF(painter.font()), frame.area.width());
+    for (int i = 0; i < names.size(); i += texts.step()) {
+        const auto p = frame.place(names[i].x, frame.y.low);
+        painter.setPen(QPen(QColor(225, 225, 225), 1));
+        painter.drawLine(QPointF(p.x(), frame.area.top()), p);
+        painter.setPen(Qt::black);
+        texts.draw(painter, p, names[i].text);
+    }
+}
+
 void drawYTicks(QPainter& painter, const Frame& frame)
 {
     const double height = QFontMetricsF(painter.font()).height();
@@ -121,15 +133,14 @@ void drawYTicks(QPainter& painter, const Frame& frame)
                      Qt::AlignLeft | Qt::AlignVCenter, orvimage::exponentText(labels.exponent));
 }
 
-void drawAxes(QPainter& painter, const Frame& frame, const QVector<double>& xValues, const QString& strXLabel,
-              const QString& strYLabel)
+// `dBelow`: the height of what stands along the lower axis.
+void drawAxes(QPainter& painter, const Frame& frame, double dBelow, const QString& strXLabel, const QString& strYLabel)
 {
     const double height = QFontMetricsF(painter.font()).height();
-    drawXTicks(painter, frame, xValues);
     drawYTicks(painter, frame);
     painter.setPen(QPen(Qt::black, 1));
     painter.drawRect(frame.area);
-    painter.drawText(QRectF(frame.area.left(), frame.area.bottom() + height + 8, frame.area.width(), height),
+    painter.drawText(QRectF(frame.area.left(), frame.area.bottom() + dBelow + 8, frame.area.width(), height),
                      Qt::AlignHCenter | Qt::AlignTop, strXLabel);
     painter.save();
     painter.translate(height * 0.4, frame.area.center().y());
@@ -221,12 +232,23 @@ struct SpectrumPlot::Layout
     QSize page;
     QFont font;
     double unit = 0.0;     // height of a line of text
+    double below = 0.0;    // height of what stands along the lower axis
     QRectF area;           // of the curves
     QRectF legend;         // its width counts
     int legendColumns = 0; // 0: without one
 };
 
+// Names below the axis take from the height of the curves.
 SpectrumPlot::Layout SpectrumPlot::layoutOf(const QSize& least) const
+{
+    Layout layout = layoutWithoutNames(least);
+    const AxisNames names(m_xNames, QFontMetricsF(layout.font), layout.area.width());
+    layout.below = std::max(layout.unit, names.depth());
+    layout.area.setHeight(layout.area.height() - (layout.below - layout.unit));
+    return layout;
+}
+
+SpectrumPlot::Layout SpectrumPlot::layoutWithoutNames(const QSize& least) const
 {
     Layout layout;
     layout.page = least;
@@ -283,7 +305,12 @@ void SpectrumPlot::draw(QPainter& painter, const QSize& least) const
     painter.setPen(Qt::black);
     painter.drawText(QRectF(frame.area.left(), 0.4 * layout.unit, frame.area.width(), 1.5 * layout.unit),
                      Qt::AlignHCenter | Qt::AlignTop, m_strTitle);
-    drawAxes(painter, frame, xTicks(frame.x, m_bWholeX), m_strXLabel, m_strYLabel);
+    if (m_xNames.isEmpty()) {
+        drawXTicks(painter, frame, xTicks(frame.x, m_bWholeX));
+    } else {
+        drawXNames(painter, frame, m_xNames);
+    }
+    drawAxes(painter, frame, layout.below, m_strXLabel, m_strYLabel);
     for (const auto& curve : m_curves) {
         drawCurve(painter, frame, curve);
     }

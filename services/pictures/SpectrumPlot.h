@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "services/pictures/AxisNames.h"
 #include "services/pictures/PlotCurve.h"
 
 #include <QList>
@@ -27,6 +28,8 @@ public:
     void setLogarithmicY(bool bLogarithmic) { m_bLogarithmicY = bLogarithmic; }
     // Numbers of things along the axis: every tick is a whole number.
     void setWholeX(bool bWhole) { m_bWholeX = bWhole; }
+    // Names along the axis in place of numbers.
+    void setXNames(const QVector<PlotName>& names) { m_xNames = names; }
     void setLegend(bool bShown) { m_bLegend = bShown; }
 
     // The page that draw() fills.
@@ -44,11 +47,13 @@ public:
 private:
     struct Layout;
     Layout layoutOf(const QSize& least) const;
+    Layout layoutWithoutNames(const QSize& least) const;
 
     QString m_strTitle;
     QString m_strXLabel;
     QString m_strYLabel;
     QList<PlotCurve> m_curves;
+    QVector<PlotName> m_xNames;
     bool m_bLogarithmicY = false;
     bool m_bWholeX = false;
     bool m_bLegend = true;

@@ -52,7 +52,7 @@ void writeChannel(QXmlStreamWriter& xml, int nChannel, const QString& strName, c
         xml.writeAttribute(strKey + QStringLiteral("Unit"), QStringLiteral("nm"));
     };
     wavelength(QStringLiteral("ExcitationWavelength"), image.excitation);
-    wavelength(QStringLiteral("EmissionWavelength"), image.emission);
+    wavelength(QStringLiteral("EmissionWavelength"), image.numbered ? image.wavelength : image.emission);
     xml.writeEndElement();
 }
 
@@ -118,6 +118,12 @@ void writePixels(QXmlStreamWriter& xml, const ExportedCube& cube)
     xml.writeEndElement();
 }
 
+// What an import cannot tell from wavelengths and times.
+QString kindNote(const ExportedCube& cube)
+{
+    return cube.isTemporal() ? QStringLiteral("temporal") : cube.isNumbered() ? QStringLiteral("channels") : QString();
+}
+
 // What OME has no place for.
 void writeNotes(QXmlStreamWriter& xml, const ExportedCube& cube)
 {
@@ -135,11 +141,14 @@ void writeNotes(QXmlStreamWriter& xml, const ExportedCube& cube)
         xml.writeCharacters(strValue);
         xml.writeEndElement();
     };
-    note(QStringLiteral("kind"), cube.isTemporal() ? QStringLiteral("temporal") : QString());
+    note(QStringLiteral("kind"), kindNote(cube));
     note(QStringLiteral("unit"), UnitNames::text(cube.unit()));
     note(QStringLiteral("isotope"), cube.isotope());
     for (int i = 0; i < cube.count(); ++i) {
-        note(QStringLiteral("start %1").arg(i + 1), cube.images().at(i).start);
+        const auto& image = cube.images().at(i);
+        note(QStringLiteral("start %1").arg(i + 1), image.start);
+        note(QStringLiteral("wavenumber %1").arg(i + 1),
+             image.wavenumber ? orv::shortestText(*image.wavenumber) : QString());
     }
     xml.writeEndElement();
     xml.writeEndElement();
@@ -193,7 +202,7 @@ QString noteLines(const ExportedCube& cube)
         exposures.append(image.exposure ? orv::shortestText(*image.exposure) : unknown);
         starts.append(image.start.isEmpty() ? unknown : image.start);
     }
-    QString text = cube.isTemporal() ? QStringLiteral("orvia kind = temporal\n") : QString();
+    QString text = kindNote(cube).isEmpty() ? QString() : QStringLiteral("orvia kind = %1\n").arg(kindNote(cube));
     text += QStringLiteral("orvia unit = %1\n").arg(UnitNames::text(cube.unit()));
     if (cube.pixelSize()) {
         text += QStringLiteral("orvia pixel size micrometres = %1\n").arg(orv::shortestText(*cube.pixelSize()));
@@ -208,10 +217,15 @@ QByteArray enviHeaderText(ExportedCube& cube, const QString& strDataFile, const 
 {
     QStringList names;
     QStringList wavelengths;
+    QStringList wavenumbers;
     for (const auto& image : cube.images()) {
         names.append(braced(image.fullName, true));
-        if (image.emission) {
-            wavelengths.append(orv::shortestText(*image.emission));
+        const auto emission = image.numbered ? image.wavelength : image.emission;
+        if (emission) {
+            wavelengths.append(orv::shortestText(*emission));
+        }
+        if (image.wavenumber) {
+            wavenumbers.append(orv::shortestText(*image.wavenumber));
         }
     }
     QString text = QStringLiteral("ENVI\ndescription = {%1, %2}\n").arg(braced(cube.name(), false), unitSentence(cube));
@@ -227,6 +241,9 @@ QByteArray enviHeaderText(ExportedCube& cube, const QString& strDataFile, const 
     if (wavelengths.size() == cube.count()) {
         text += QStringLiteral("wavelength units = Nanometers\nwavelength = {%1}\n")
                     .arg(wavelengths.join(QLatin1String(", ")));
+    } else if (wavenumbers.size() == cube.count()) {
+        text += QStringLiteral("wavelength units = Wavenumber\nwavelength = {%1}\n")
+                    .arg(wavenumbers.join(QLatin1String(", ")));
     }
     return text.toUtf8();
 }

@@ -5,6 +5,7 @@
 #include "engine/keySelection.h"
 #include "host/CILImage.h"
 #include "host/CORVSequenceDataset.h"
+#include "platform/orvapi/ChannelInfo.h"
 #include "platform/orvapi/ClickInfoKeys.h"
 #include "platform/orvapi/ClickInfoValues.h"
 #include "services/basis/Failure.h"
@@ -82,6 +83,9 @@ QStringList wavelengthNames(const ExportedCube::Image& image)
 
 QString spectralName(const CORVDataset& dataset, const ExportedCube::Image& image)
 {
+    if (image.numbered) {
+        return ChannelInfo::of(dataset.clickInfo)->label(ChannelInfo::numberOf(dataset.getEmissionFilter()));
+    }
     QStringList parts = wavelengthNames(image);
     if (parts.isEmpty()) {
         return image.click.simplified();
@@ -141,6 +145,11 @@ QString ExportedCube::name()
     return m_opened.sequence().getSequenceName();
 }
 
+bool ExportedCube::isNumbered() const
+{
+    return std::all_of(m_images.cbegin(), m_images.cend(), [](const Image& image) { return image.numbered; });
+}
+
 QList<CORVDataset*> ExportedCube::selected(const QString& strSelect)
 {
     QList<CORVDataset*> datasets;
@@ -176,8 +185,15 @@ void ExportedCube::describe(CORVDataset& dataset)
     Image image;
     image.click = dataset.getClickNumber();
     image.time = m_bTemporal ? clickFigure(dataset, ClickKeys::kClickNumber, ClickKeys::kKyVoTime) : std::nullopt;
-    image.excitation = wavelengthOf(dataset.getExcitationFilter());
-    image.emission = wavelengthOf(dataset.getEmissionFilter());
+    const std::optional<ChannelInfo> channel = m_bTemporal ? std::nullopt : ChannelInfo::of(dataset.clickInfo);
+    if (channel) {
+        image.numbered = true;
+        image.wavelength = channel->wavelength;
+        image.wavenumber = channel->wavenumber;
+    } else {
+        image.excitation = wavelengthOf(dataset.getExcitationFilter());
+        image.emission = wavelengthOf(dataset.getEmissionFilter());
+    }
     double seconds = 0.0;
     if (dataset.getExposureTime(&seconds)) {
         image.exposure = seconds;

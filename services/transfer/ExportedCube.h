@@ -29,6 +29,9 @@ public:
         QString fullName;
         std::optional<double> excitation; // nm
         std::optional<double> emission;   // nm
+        bool numbered = false;            // a channel without filters
+        std::optional<double> wavelength; // nm, of a numbered channel
+        std::optional<double> wavenumber; // 1/cm, of a numbered channel
         std::optional<double> time;       // s
         std::optional<double> exposure;   // s
         QString start;                    // of the exposure, UTC, "yyyy-MM-ddTHH:mm:ss.zzz"; empty when it is not known
@@ -45,6 +48,8 @@ public:
     const QList<Image>& images() const { return m_images; }
     int count() const { return m_images.size(); }
     bool isTemporal() const { return m_bTemporal; }
+    // Whether all images are numbered channels.
+    bool isNumbered() const;
     long width() const { return m_lWidth; }
     long height() const { return m_lHeight; }
     int unit() const { return m_nUnit; }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "services/transfer/ImportInference.h"
 
+#include "platform/orvapi/ChannelInfo.h"
 #include "platform/orvutils/NumberText.h"
 #include "services/basis/Failure.h"
 #include "services/basis/JobMonitor.h"
@@ -23,9 +24,18 @@ QString figure(const std::optional<double>& value)
     return value ? orv::shortestText(*value) : QStringLiteral("-");
 }
 
+// The name, with the wavelength behind it where both are known.
+QString channelText(const InferredTable::Row& row, int nNumber)
+{
+    const ChannelInfo channel{row.channel, row.wavelength, row.wavenumber};
+    const QString place = channel.placeText();
+    return row.channel.isEmpty() || place.isEmpty() ? channel.label(nNumber)
+                                                    : QStringLiteral("%1 (%2)").arg(row.channel, place);
+}
+
 } // namespace
 
-InferredTable inferImagesTable(const QString& strSource, std::optional<double> interval, bool bFollow,
+InferredTable inferImagesTable(const QString& strSource, std::optional<double> interval, bool bFollow, bool bNumber,
                                JobMonitor& monitor)
 {
     monitor.startProgress(QStringLiteral("Looking at the images"));
@@ -41,15 +51,16 @@ InferredTable inferImagesTable(const QString& strSource, std::optional<double> i
         throw Failure(error, finder.aborted() ? Failure::Kind::Aborted : Failure::Kind::Failed);
     }
     monitor.warnAll(finder.warnings());
-    return InferredTable(finder.images(), finder.doubts(), interval);
+    return InferredTable(finder.images(), finder.doubts(), interval, bNumber);
 }
 
 QString inferredTableText(const InferredTable& table)
 {
     const bool temporal = table.isTemporal();
     QStringList header{QStringLiteral("image")};
-    header += temporal ? QStringList{QStringLiteral("time")}
-                       : QStringList{QStringLiteral("excitation"), QStringLiteral("emission")};
+    header += temporal             ? QStringList{QStringLiteral("time")}
+              : table.isNumbered() ? QStringList{QStringLiteral("number"), QStringLiteral("channel")}
+                                   : QStringList{QStringLiteral("excitation"), QStringLiteral("emission")};
     const bool scan = std::any_of(table.rows().cbegin(), table.rows().cend(),
                                   [](const InferredTable::Row& row) { return !row.spotX.isEmpty(); });
     if (scan) {
@@ -65,7 +76,9 @@ QString inferredTableText(const InferredTable& table)
             continue;
         }
         QStringList cells{row.name};
-        cells += temporal ? QStringList{figure(row.time)} : QStringList{figure(row.excitation), figure(row.emission)};
+        cells += temporal             ? QStringList{figure(row.time)}
+                 : table.isNumbered() ? QStringList{QString::number(i + 1), channelText(row, i + 1)}
+                                      : QStringList{figure(row.excitation), figure(row.emission)};
         if (scan) {
             cells.append(QStringLiteral("%1, %2").arg(row.spotX, row.spotY));
         }
@@ -88,7 +101,11 @@ QJsonArray inferredTableJson(const InferredTable& table)
                 object.insert(QLatin1String(pKey), *value);
             }
         };
-        if (table.isTemporal()) {
+        if (table.isNumbered()) {
+            object.insert(QStringLiteral("channel"), row.channel);
+            insert("wavelength", row.wavelength);
+            insert("wavenumber", row.wavenumber);
+        } else if (table.isTemporal()) {
             insert("time", row.time);
         } else {
             insert("excitation", row.excitation);

@@ -273,7 +273,7 @@ OddCases tables()
             "the column \"colour\" is passed over"),
         table(
             "WithoutFigures", [] { return QByteArray("file\na.tif\n"); }, C::Refused,
-            "{path}:1: the first line names no column \"excitation\", \"emission\" or \"time\""),
+            "{path}:1: the first line names no column \"excitation\", \"emission\", \"time\" or \"channel\""),
         table(
             "WithNegativePage", [] { return QByteArray("page,emission\n-1,500\n"); }, C::Refused,
             "{path}:2: the page \"-1\" is not a whole number from 1 on"),
@@ -306,10 +306,10 @@ OddCases tables()
 OddCases tableCuts()
 {
     const QString none = QStringLiteral("{path}: the table names no image");
-    return cutAtEachTenth("ImagesTable", OddReaders::table(), tableFile, OddTexts::imagesTable(),
-                          {"{path}:1: the first line names no column \"excitation\", \"emission\" or \"time\"", none,
-                           "ok: 1 rows", "ok: 1 rows", "ok: 1 rows", "ok: 2 rows", "ok: 2 rows", "ok: 3 rows",
-                           "ok: 3 rows"});
+    return cutAtEachTenth(
+        "ImagesTable", OddReaders::table(), tableFile, OddTexts::imagesTable(),
+        {"{path}:1: the first line names no column \"excitation\", \"emission\", \"time\" or \"channel\"", none,
+         "ok: 1 rows", "ok: 1 rows", "ok: 1 rows", "ok: 2 rows", "ok: 2 rows", "ok: 3 rows", "ok: 3 rows"});
 }
 
 } // namespace

@@ -31,6 +31,7 @@ const char* unitOf(ImportTable::Column eColumn)
     switch (eColumn) {
     case ImportTable::Excitation:
     case ImportTable::Emission:
+    case ImportTable::Wavelength:
         return "nm";
     case ImportTable::Time:
     case ImportTable::Exposure:
@@ -62,6 +63,9 @@ ImportTable::Row ImportTable::rowOf(const Found& found)
     row.file = found.file;
     row.page = found.page;
     row.band = found.band;
+    row.wavenumber = found.wavenumber;
+    row.cells[Channel] = found.channel;
+    row.cells[Wavelength] = cell(found.wavelength);
     row.cells[Excitation] = cell(found.excitation);
     row.cells[Emission] = cell(found.emission);
     row.cells[SpotX] = found.spotX;
@@ -95,7 +99,7 @@ ImportTable::ImportTable(const InferredTable& inferred) : m_notes(inferred.notes
     for (QString& note : m_notes) {
         note = importWords(note);
     }
-    chooseKind(inferred.isTemporal());
+    chooseKind(inferred.isTemporal(), inferred.isNumbered());
 }
 
 ImportTable::ImportTable(const ImagesTable& table, const QString& strName)
@@ -112,15 +116,16 @@ ImportTable::ImportTable(const ImagesTable& table, const QString& strName)
         m_rows.append(row);
     }
     m_notes = table.warnings();
-    chooseKind(temporal);
+    chooseKind(temporal, table.hasChannels());
 }
 
-void ImportTable::chooseKind(bool bTemporal)
+void ImportTable::chooseKind(bool bTemporal, bool bNumbered)
 {
     m_eKind = bTemporal            ? Kind::Times
               : anyHas(SpotX)      ? Kind::Scan
               : anyHas(Excitation) ? Kind::Fluorescence
               : anyHas(Emission)   ? Kind::Luminescence
+              : bNumbered          ? Kind::Channels
                                    : Kind::Fluorescence;
     check();
 }
@@ -128,7 +133,8 @@ void ImportTable::chooseKind(bool bTemporal)
 QStringList ImportTable::kindTexts()
 {
     return {QStringLiteral("Fluorescence (excitation and emission)"), QStringLiteral("Luminescence (emission)"),
-            QStringLiteral("Scan of spots (excitation, emission, spot)"), QStringLiteral("Series of times")};
+            QStringLiteral("Scan of spots (excitation, emission, spot)"), QStringLiteral("Series of times"),
+            QStringLiteral("Numbered channels (no filters)")};
 }
 
 void ImportTable::setKind(Kind eKind)
@@ -153,6 +159,14 @@ QVector<ImportTable::Column> ImportTable::columns() const
 {
     QVector<Column> columns{Use, Image};
     const bool times = m_eKind == Kind::Times;
+    if (m_eKind == Kind::Channels) {
+        columns.append(Channel);
+        if (anyHas(Wavelength)) {
+            columns.append(Wavelength);
+        }
+        columns << Exposure << Origin;
+        return columns;
+    }
     const bool excited = m_eKind == Kind::Fluorescence || m_eKind == Kind::Scan;
     if (excited || (times && anyHas(Excitation))) {
         columns.append(Excitation);
@@ -175,11 +189,12 @@ QVector<ImportTable::Column> ImportTable::columns() const
 
 QString ImportTable::title(Column eColumn)
 {
-    static const QStringList titles{
-        QStringLiteral("Use"),           QStringLiteral("Image"),    QStringLiteral("Excitation (nm)"),
-        QStringLiteral("Emission (nm)"), QStringLiteral("Spot x"),   QStringLiteral("Spot y"),
-        QStringLiteral("Interval"),      QStringLiteral("Time (s)"), QStringLiteral("Exposure (s)"),
-        QStringLiteral("From")};
+    static const QStringList titles{QStringLiteral("Use"),           QStringLiteral("Image"),
+                                    QStringLiteral("Channel"),       QStringLiteral("Excitation (nm)"),
+                                    QStringLiteral("Emission (nm)"), QStringLiteral("Wavelength (nm)"),
+                                    QStringLiteral("Spot x"),        QStringLiteral("Spot y"),
+                                    QStringLiteral("Interval"),      QStringLiteral("Time (s)"),
+                                    QStringLiteral("Exposure (s)"),  QStringLiteral("From")};
     return titles.value(eColumn);
 }
 
@@ -188,6 +203,10 @@ QString ImportTable::help(Column eColumn)
     switch (eColumn) {
     case Use:
         return QStringLiteral("Whether the image becomes one of the sequence");
+    case Channel:
+        return QStringLiteral("Name of the channel, for plots and tables; may be empty");
+    case Wavelength:
+        return QStringLiteral("Wavelength in nanometres, any above 0; empty when it is not known");
     case Excitation:
     case Emission:
         return QStringLiteral("Wavelength in nanometres, 100 to 999");
@@ -321,6 +340,8 @@ void ImportTable::checkCell(const Row& row, Column eColumn, CellMark& mark) cons
         wrong = QStringLiteral("the %1 \"%2\" is not a number").arg(what, text);
     } else if (eColumn == Excitation || eColumn == Emission) {
         wrong = reasonAgainstWavelength(what, *value);
+    } else if (eColumn == Wavelength && *value <= 0.0) {
+        wrong = QStringLiteral("the wavelength is not above 0");
     } else if (eColumn == Time) {
         wrong = reasonAgainstTime(*value);
     } else if (eColumn == Exposure && *value <= 0.0) {
@@ -366,6 +387,9 @@ void ImportTable::check()
 // What tells the image from the others, as it will stand in the sequence; empty where that is not known.
 QString ImportTable::keyOf(const Row& row) const
 {
+    if (m_eKind == Kind::Channels) {
+        return QString(); // their numbers do
+    }
     if (m_eKind == Kind::Times) {
         return numberOf(row.cells[Time]) ? QString::number(wholeSecond(row.cells[Time])) : QString();
     }
@@ -463,6 +487,8 @@ QString ImportTable::summary() const
     QStringList parts;
     if (m_eKind == Kind::Times) {
         parts.append(QStringLiteral("a series of times"));
+    } else if (m_eKind == Kind::Channels) {
+        parts.append(QStringLiteral("numbered channels"));
     } else {
         parts.append(m_eKind == Kind::Luminescence ? QStringLiteral("luminescence")
                      : m_eKind == Kind::Scan       ? QStringLiteral("fluorescence, a scan of spots")

@@ -24,14 +24,17 @@ public:
         Fluorescence, // excitations and emissions
         Luminescence, // emissions
         Scan,         // fluorescence at several spots
-        Times
+        Times,
+        Channels // numbered
     };
     enum Column
     {
         Use,
         Image,
+        Channel,    // name of a numbered channel
         Excitation, // nm
         Emission,   // nm
+        Wavelength, // nm, of a numbered channel
         SpotX,
         SpotY,
         Interval,
@@ -116,6 +119,7 @@ private:
         QString file;
         std::optional<int> page;
         std::optional<int> band;
+        std::optional<double> wavenumber; // 1/cm, of a numbered channel
         std::array<QString, ColumnCount> cells;
         std::bitset<ColumnCount> edited; // cells that hold what the user typed
         ImageFacts facts;
@@ -133,7 +137,7 @@ private:
     static Row rowOf(const Found& found);
     // False when the cell holds that already.
     bool takeText(Row& row, Column eColumn, const QString& strText);
-    void chooseKind(bool bTemporal);
+    void chooseKind(bool bTemporal, bool bNumbered);
     bool anyHas(Column eColumn) const;
     bool isNeeded(Column eColumn) const;
     void check();

@@ -20,8 +20,10 @@ QString field(const std::optional<int>& value)
 // The names of the columns in the file, by ImportTable::Column; those that are not written have none.
 constexpr std::array<const char*, ImportTable::ColumnCount> kCsvNames{"",
                                                                       "",
+                                                                      ImageColumns::kChannel,
                                                                       ImageColumns::kExcitation,
                                                                       ImageColumns::kEmission,
+                                                                      ImageColumns::kWavelength,
                                                                       ImageColumns::kSpotX,
                                                                       ImageColumns::kSpotY,
                                                                       ImageColumns::kInterval,
@@ -42,6 +44,8 @@ QByteArray ImportTable::toCsv() const
     const bool isotopes = any([](const Row& row) { return !row.facts.isotope.isEmpty(); });
     const bool sizes = any([](const Row& row) { return row.facts.pixelSize.has_value(); });
     const bool units = any([](const Row& row) { return !row.facts.unit.isEmpty(); });
+    const bool wavenumbers =
+        m_eKind == Kind::Channels && any([](const Row& row) { return row.wavenumber.has_value(); });
     const QVector<Column> shown = columns();
     const auto line = [&](auto&& known, auto&& fromColumn) {
         QStringList fields{known(ImageColumns::kFile)};
@@ -53,10 +57,11 @@ QByteArray ImportTable::toCsv() const
         add(pages, ImageColumns::kPage);
         add(bands, ImageColumns::kBand);
         for (const Column column : shown) {
-            if (isNumber(column)) {
+            if (isNumber(column) || column == Channel) {
                 fields.append(fromColumn(column));
             }
         }
+        add(wavenumbers, ImageColumns::kWavenumber);
         add(sizes, ImageColumns::kPixelSize);
         add(starts, ImageColumns::kStart);
         add(isotopes, ImageColumns::kIsotope);
@@ -70,14 +75,16 @@ QByteArray ImportTable::toCsv() const
         if (!row.used) {
             continue;
         }
-        const QHash<QString, QString> known{{QLatin1String(ImageColumns::kFile), csvField(row.file)},
-                                            {QLatin1String(ImageColumns::kPage), field(row.page)},
-                                            {QLatin1String(ImageColumns::kBand), field(row.band)},
-                                            {QLatin1String(ImageColumns::kPixelSize),
-                                             row.facts.pixelSize ? orv::shortestText(*row.facts.pixelSize) : QString()},
-                                            {QLatin1String(ImageColumns::kStart), row.facts.start},
-                                            {QLatin1String(ImageColumns::kIsotope), csvField(row.facts.isotope)},
-                                            {QLatin1String(ImageColumns::kUnit), row.facts.unit}};
+        const QHash<QString, QString> known{
+            {QLatin1String(ImageColumns::kFile), csvField(row.file)},
+            {QLatin1String(ImageColumns::kPage), field(row.page)},
+            {QLatin1String(ImageColumns::kBand), field(row.band)},
+            {QLatin1String(ImageColumns::kWavenumber), row.wavenumber ? orv::shortestText(*row.wavenumber) : QString()},
+            {QLatin1String(ImageColumns::kPixelSize),
+             row.facts.pixelSize ? orv::shortestText(*row.facts.pixelSize) : QString()},
+            {QLatin1String(ImageColumns::kStart), row.facts.start},
+            {QLatin1String(ImageColumns::kIsotope), csvField(row.facts.isotope)},
+            {QLatin1String(ImageColumns::kUnit), row.facts.unit}};
         lines.append(line([&](const char* pName) { return known.value(QLatin1String(pName)); },
                           [&](Column eColumn) { return csvField(row.cells[eColumn]); }));
     }

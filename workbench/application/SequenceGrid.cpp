@@ -2,6 +2,7 @@
 #include "workbench/application/SequenceGrid.h"
 
 #include "host/CPLClickInfo.h"
+#include "platform/orvapi/ChannelInfo.h"
 #include "platform/orvapi/ClickInfoKeys.h"
 #include "platform/orvapi/ClickInfoValues.h"
 #include "platform/orvutils/NumberText.h"
@@ -50,6 +51,9 @@ QStringList each(const QVector<TileKey>& keys, Text&& text)
 
 QString filters(const TileKey& key)
 {
+    if (!key.channel.isEmpty()) {
+        return key.channel;
+    }
     if (isNoFilter(key.excitation)) {
         return filterText(key.emission);
     }
@@ -80,6 +84,9 @@ QString captionOf(const TileKey& key)
 QString descriptionOf(const TileKey& key)
 {
     QStringList parts;
+    if (!key.channel.isEmpty()) {
+        return QStringLiteral("%1: %2").arg(key.emission.toLower(), key.channel);
+    }
     if (!isNoFilter(key.excitation)) {
         parts.append(QStringLiteral("excitation %1").arg(filterText(key.excitation)));
     }
@@ -138,6 +145,9 @@ TileKey TileKey::of(const CPLClickInfo& info, bool bTemporal, const QString& str
     key.spotX = luminescent(ClickKeys::kFLXSpot);
     key.spotY = luminescent(ClickKeys::kFLYSpot);
     key.name = strName;
+    if (const auto channel = ChannelInfo::of(info)) {
+        key.channel = channel->label(ChannelInfo::numberOf(key.emission));
+    }
     if (bTemporal) {
         key.time = clickNumberValue(info, {QString::fromLatin1(ClickKeys::kClickNumber)}, ClickKeys::kKyVoTime);
         key.interval = clickText(info, ClickKeys::kClickNumber, ClickKeys::kKyVoInterval);

@@ -18,6 +18,7 @@ struct TileKey
     QString emission;
     QString spotX;
     QString spotY;
+    QString channel; // what is known of a numbered channel; empty for filters
     QString interval;
     std::optional<double> time; // s
     QString name;               // click number, for an image that nothing else tells from others

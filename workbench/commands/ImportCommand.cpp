@@ -26,6 +26,7 @@ struct Request
     ImportOptions import;
     QString writeTable;             // empty: import
     std::optional<double> interval; // s
+    bool number = false;            // images become numbered channels
 };
 
 double positiveNumber(const char* pOption, const QString& strText)
@@ -54,10 +55,14 @@ Request requestOf(const QCommandLineParser& parser)
     if (given("images") && options.table.isEmpty()) {
         refuseUsage("import", QStringLiteral("--images takes the table that says which image is what."));
     }
-    if (given("images") && (given("write-table") || given("interval"))) {
-        refuseUsage("import",
-                    QStringLiteral("--images does not go with --write-table or --interval, which infer such a table."));
+    if (given("images") && (given("write-table") || given("interval") || given("channels"))) {
+        refuseUsage("import", QStringLiteral("--images does not go with --write-table, --interval or --channels, which "
+                                             "infer such a table."));
     }
+    if (given("interval") && given("channels")) {
+        refuseUsage("import", QStringLiteral("--interval makes times and --channels makes channels of the images."));
+    }
+    request.number = given("channels");
     if (arguments.size() != 2 && !(given("write-table") && arguments.size() == 1)) {
         refuseUsage("import", QStringLiteral("import takes the images and the folder to make."));
     }
@@ -114,7 +119,7 @@ void writeTable(const Request& request, const InferredTable& table)
     session.answerJson(QJsonObject{{"doubts", QJsonArray::fromStringList(table.doubts())},
                                    {"template", QString::fromUtf8(table.toCsv())}});
     throw Failure(QStringLiteral("%1: it is in doubt which image is what: %2. Fill in the table %3 and give it by "
-                                 "--images")
+                                 "--images; --channels numbers them")
                       .arg(request.import.source, doubtText(table),
                            written ? request.writeTable : QStringLiteral("on standard output")));
 }
@@ -129,6 +134,7 @@ QString textAnswer(const ImportReport& report, const QString& strFolder)
     text += report.temporal ? QStringLiteral(", at a series of times") : QString();
     text += report.fluorescence ? QStringLiteral(", fluorescence") : QString();
     text += report.transillumination ? QStringLiteral(", a scan of spots") : QString();
+    text += report.numbered ? QStringLiteral(", numbered channels") : QString();
     text += report.unit.isEmpty() ? QString() : QStringLiteral(", in ") + report.unit.toLower();
     text += report.dark ? QStringLiteral(", dark image subtracted") : QString();
     text += report.flat ? QStringLiteral(", flat field divided") : QString();
@@ -147,6 +153,7 @@ QJsonObject jsonAnswer(const ImportReport& report, const QString& strFolder)
                        {"temporal", report.temporal},
                        {"fluorescence", report.fluorescence},
                        {"transillumination", report.transillumination},
+                       {"numbered", report.numbered},
                        {"unit", report.unit.isEmpty() ? QStringLiteral("Counts") : report.unit},
                        {"dark", report.dark},
                        {"flat", report.flat},
@@ -190,6 +197,8 @@ void ImportCommand::declare(CommandParser& parser) const
     addValueOption(parser, "write-table", QStringLiteral("Write the inferred table to a file, to be edited, and stop."),
                    "FILE");
     addValueOption(parser, "interval", QStringLiteral("Seconds between frames that are only numbered."), "S");
+    parser.addOption({QStringLiteral("channels"),
+                      QStringLiteral("Number the images as channels, whatever is told of wavelengths and times.")});
     addValueOption(parser, "dark", QStringLiteral("Image to subtract from every image."), "FILE");
     addValueOption(parser, "flat", QStringLiteral("Flat field to divide every image by, brought to a mean of 1."),
                    "FILE");
@@ -225,7 +234,7 @@ void ImportCommand::run(const QCommandLineParser& parser, CliSession& session)
     QJsonArray rows;
     if (request.import.table.isEmpty()) {
         const InferredTable table =
-            inferImagesTable(request.import.source, request.interval, request.import.follow, session);
+            inferImagesTable(request.import.source, request.interval, request.import.follow, request.number, session);
         if (!table.doubts().isEmpty()) {
             refuseDoubts(request, table, session);
         }

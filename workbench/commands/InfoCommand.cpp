@@ -5,6 +5,7 @@
 #include "engine/EngineEnums.h"
 #include "engine/runTexts.h"
 #include "host/CORVSequenceDataset.h"
+#include "platform/orvapi/ChannelInfo.h"
 #include "platform/orvapi/ClickInfoKeys.h"
 #include "platform/orvutils/printable.h"
 #include "services/analysis/AutomaticSetUp.h"
@@ -22,6 +23,7 @@
 #include <QJsonArray>
 
 #include <algorithm>
+#include <optional>
 
 namespace {
 
@@ -31,6 +33,7 @@ struct ImageRow
     QString click;
     QString first;
     QString second;
+    std::optional<ChannelInfo> channel; // of a numbered one
     QString spot;
     QString size;
     QString binning;
@@ -70,6 +73,7 @@ ImageRow describeImage(CORVDataset& dataset, const CORVSpumKyvo& engine)
     const bool temporal = engine.m_eSeqKind == SEQKIND_TEMPORAL;
     row.first = temporal ? record.interval : (row.used ? record.excitation : dataset.getExcitationFilter());
     row.second = temporal ? record.time : (row.used ? record.emission : dataset.getEmissionFilter());
+    row.channel = ChannelInfo::of(dataset.clickInfo);
     row.spot = record.spot;
     row.size = sizeText(dataset);
     row.binning = TextTable::number(static_cast<double>(dataset.getBinningForImage(IMAGETYPE_MAIN_DATA)));
@@ -78,6 +82,22 @@ ImageRow describeImage(CORVDataset& dataset, const CORVSpumKyvo& engine)
     row.units = availableUnits(dataset);
     row.contents = DatasetContents::of(dataset);
     return row;
+}
+
+bool isNumbered(const QList<ImageRow>& rows)
+{
+    return std::any_of(rows.cbegin(), rows.cend(), [](const ImageRow& row) { return row.channel.has_value(); });
+}
+
+// What is known of a numbered channel: "DAPI (1650.5 nm)".
+QString channelText(const ImageRow& row)
+{
+    if (!row.channel) {
+        return QStringLiteral("-");
+    }
+    const QString label = row.channel->label(ChannelInfo::numberOf(QStringLiteral("Channel ") + row.second));
+    const QString place = row.channel->placeText();
+    return place.isEmpty() || place == label ? label : QStringLiteral("%1 (%2)").arg(label, place);
 }
 
 QString kindText(const CORVSpumKyvo& engine)
@@ -186,7 +206,9 @@ QString textAnswer(OpenedSequence& opened, const QList<ImageRow>& rows, const An
     };
     line(QStringLiteral("Sequence"),
          QStringLiteral("%1 (%2)").arg(sequence.getSequenceName(), sequence.getSequenceID()));
-    line(QStringLiteral("Kind"), kindText(engine));
+    const bool numbered = isNumbered(rows);
+    line(QStringLiteral("Kind"),
+         numbered ? QStringLiteral("numbered channels, analysed as luminescent") : kindText(engine));
     line(QStringLiteral("Axis"), opened.canBeAnalysed() ? axisText(engine.m_eAxis) : QString());
     line(QStringLiteral("Images"), QString::number(rows.size()));
     line(QStringLiteral("Photograph"), photographText(sequence, engine));
@@ -218,13 +240,16 @@ QString textAnswer(OpenedSequence& opened, const QList<ImageRow>& rows, const An
     if (!cautionText(opened, maps).isEmpty()) {
         line(QStringLiteral("Note"), cautionText(opened, maps));
     }
-    TextTable table({QStringLiteral("image"), temporal ? QStringLiteral("interval") : QStringLiteral("excitation"),
-                     temporal ? QStringLiteral("time") : QStringLiteral("emission"), QStringLiteral("spot"),
-                     QStringLiteral("size"), QStringLiteral("binning"), QStringLiteral("exposure"),
-                     QStringLiteral("used"), QStringLiteral("units")});
+    const QStringList keys = temporal   ? QStringList{QStringLiteral("interval"), QStringLiteral("time")}
+                             : numbered ? QStringList{QStringLiteral("number"), QStringLiteral("channel")}
+                                        : QStringList{QStringLiteral("excitation"), QStringLiteral("emission")};
+    TextTable table(QStringList{QStringLiteral("image")} + keys +
+                    QStringList{QStringLiteral("spot"), QStringLiteral("size"), QStringLiteral("binning"),
+                                QStringLiteral("exposure"), QStringLiteral("used"), QStringLiteral("units")});
     for (const auto& row : rows) {
-        table.addRow({row.click, row.first, row.second, row.spot, row.size, row.binning, row.exposure,
-                      row.used ? QStringLiteral("yes") : QStringLiteral("no"), row.units});
+        table.addRow({row.click, numbered ? row.second : row.first, numbered ? channelText(row) : row.second, row.spot,
+                      row.size, row.binning, row.exposure, row.used ? QStringLiteral("yes") : QStringLiteral("no"),
+                      row.units});
     }
     text += QLatin1Char('\n') + table.toText();
     return maps.isEmpty() ? text : text + QLatin1Char('\n') + maps.toText();
@@ -235,21 +260,31 @@ QJsonObject jsonAnswer(OpenedSequence& opened, const QList<ImageRow>& rows, cons
     auto& engine = opened.engine();
     QJsonArray images;
     for (const auto& row : rows) {
-        images.append(QJsonObject{{"image", row.click},
-                                  {"first", row.first},
-                                  {"second", row.second},
-                                  {"spot", row.spot},
-                                  {"size", row.size},
-                                  {"binning", row.binning.toDouble()},
-                                  {"exposure", row.exposure},
-                                  {"used", row.used},
-                                  {"contents", row.contents.json()},
-                                  {"units", QJsonArray::fromStringList(row.units.split(QLatin1Char(' ')))}});
+        QJsonObject image{{"image", row.click},
+                          {"first", row.first},
+                          {"second", row.second},
+                          {"spot", row.spot},
+                          {"size", row.size},
+                          {"binning", row.binning.toDouble()},
+                          {"exposure", row.exposure},
+                          {"used", row.used},
+                          {"contents", row.contents.json()},
+                          {"units", QJsonArray::fromStringList(row.units.split(QLatin1Char(' ')))}};
+        if (row.channel) {
+            image.insert(QStringLiteral("channel"), row.channel->name);
+            const auto number = [](const std::optional<double>& value) {
+                return value ? QJsonValue(*value) : QJsonValue();
+            };
+            image.insert(QStringLiteral("wavelength"), number(row.channel->wavelength));
+            image.insert(QStringLiteral("wavenumber"), number(row.channel->wavenumber));
+        }
+        images.append(image);
     }
     return QJsonObject{
         {"id", opened.sequence().getSequenceID()},
         {"name", opened.sequence().getSequenceName()},
         {"kind", kindText(engine)},
+        {"numbered", isNumbered(rows)},
         {"axis", opened.canBeAnalysed() ? axisText(engine.m_eAxis) : QString()},
         {"photograph", photographText(opened.sequence(), engine)},
         {"subject", engine.m_strSubjectType},

@@ -152,7 +152,7 @@ TEST_F(ImageFinderTest, PageNamesTellThePages)
 TEST_F(ImageFinderTest, PagesAreFramesWhereTheSecondsBetweenThemAreTold)
 {
     writePages("a.tif", 3);
-    EXPECT_TRUE(table(path("a.tif")).startsWith("doubts: nothing tells"));
+    EXPECT_EQ(table(path("a.tif")), "a.tif,1,,\na.tif,2,,\na.tif,3,,\n");
     EXPECT_EQ(table(path("a.tif"), 2.5), "a.tif,1,0,page x 2.5 s\na.tif,2,2.5,page x 2.5 s\na.tif,3,5,page x 2.5 s\n");
 }
 
@@ -203,4 +203,38 @@ TEST_F(ImageFinderTest, ProgressCanAbort)
     EXPECT_EQ(calls, 2);
     EXPECT_TRUE(m_finder.aborted());
     EXPECT_EQ(m_error, "the import was aborted");
+}
+
+TEST_F(ImageFinderTest, ChannelsWithoutWavelengthsKeepTheNamesThatTheFileGives)
+{
+    writeStack("ome.tif",
+               "<OME xmlns=\"x\"><Image><Pixels SizeC=\"2\" SizeZ=\"1\" SizeT=\"1\"><Channel Name=\"DAPI\"/>"
+               "<Channel Name=\" Bright &lt;field&gt;\"/><TiffData/></Pixels></Image></OME>",
+               {"", ""});
+    EXPECT_EQ(table(path("ome.tif")), "ome.tif,1,DAPI,\nome.tif,2,Bright <field>,\n");
+    writeStack("deep.tif",
+               "<OME xmlns=\"x\"><Image><Pixels SizeC=\"1\" SizeZ=\"2\" SizeT=\"1\"><Channel Name=\"DAPI\"/>"
+               "<TiffData/></Pixels></Image></OME>",
+               {"", ""});
+    EXPECT_EQ(table(path("deep.tif")), "deep.tif,1,DAPI z1,\ndeep.tif,2,DAPI z2,\n");
+    writeStack("pages.tif", "", {"red band", "green band"});
+    EXPECT_EQ(table(path("pages.tif")), "pages.tif,1,red band,\npages.tif,2,green band,\n");
+    writeRamp("in/slide DAPI.tif", 1);
+    writeRamp("in/slide Cy.tif", 1);
+    EXPECT_EQ(table(path("in")), "slide Cy.tif,slide Cy,\nslide DAPI.tif,slide DAPI,\n");
+    write("cube.dat", QByteArray(2 * 2 * 2, '\1'));
+    write("cube.hdr", "ENVI\nsamples = 2\nlines = 2\nbands = 2\ndata type = 1\ninterleave = bsq\n"
+                      "wavelength units = Wavenumber\nwavelength = {1003, 1450.5}\nband names = {amide, lipid}\n");
+    EXPECT_EQ(table(path("cube.hdr")),
+              "cube.hdr,1,amide,1003,ENVI wavenumber\ncube.hdr,2,lipid,1450.5,ENVI wavenumber\n");
+}
+
+TEST_F(ImageFinderTest, AStackOfFramesWithoutSecondsIsNumberedAndSaysSo)
+{
+    writeStack("a.tif", "ImageJ=1.53\nimages=2\nframes=2\n", {"", ""});
+    ASSERT_TRUE(find(path("a.tif"))) << qPrintable(m_error);
+    const InferredTable table(m_finder.images(), m_finder.doubts(), std::nullopt);
+    EXPECT_TRUE(table.isNumbered());
+    EXPECT_TRUE(table.notes().join(' ').contains("said to be a series of times"))
+        << qPrintable(table.notes().join(' '));
 }

@@ -104,7 +104,7 @@ TEST(ImagesTableTest, RefusesByFileAndLine)
     EXPECT_EQ(refusal("\n\n"), "images.csv: the table names no image");
     EXPECT_EQ(refusal("file,emission\n"), "images.csv: the table names no image");
     EXPECT_EQ(refusal("a.tif,488,510\n"),
-              "images.csv:1: the first line names no column \"excitation\", \"emission\" or \"time\"");
+              "images.csv:1: the first line names no column \"excitation\", \"emission\", \"time\" or \"channel\"");
     EXPECT_EQ(refusal("file,emission,Emission\n"), "images.csv:1: the column \"Emission\" occurs twice");
     EXPECT_EQ(refusal("file,emission\na,510\nb,51O\n"), "images.csv:3: the emission \"51O\" is not a number");
     EXPECT_EQ(refusal("file,excitation\na,nm\n"), "images.csv:2: the excitation \"nm\" is not a number");

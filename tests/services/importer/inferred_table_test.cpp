@@ -126,7 +126,10 @@ TEST(InferredTableTest, FiguresThatAgreeAreOne)
 TEST(InferredTableTest, NumberedFramesNeedTheSecondsBetweenThem)
 {
     const QVector<QVector<Figure>> frames{{{Figure::Frame, 3, "name: 003"}}, {{Figure::Frame, 4, "name: 004"}}};
-    EXPECT_TRUE(doubtsOf(frames).startsWith("nothing tells"));
+    const InferredTable numbered = tableOf(frames);
+    EXPECT_TRUE(numbered.isNumbered());
+    EXPECT_TRUE(numbered.notes().join(' ').contains("--interval S makes times"))
+        << qPrintable(numbered.notes().join(' '));
     const InferredTable table = tableOf(frames, 0.1 * 30);
     EXPECT_TRUE(table.doubts().isEmpty());
     EXPECT_EQ(table.toCsv(), "file,time,origin\na.tif,9,name: 003 x 3 s\nb.tif,12,name: 004 x 3 s\n");
@@ -158,7 +161,7 @@ TEST(InferredTableTest, TimesWithoutAUnitAreSecondsUnlessTheyCouldBeFrames)
 
 TEST(InferredTableTest, ATemplateLeavesOpenWhatIsNotKnown)
 {
-    EXPECT_EQ(tableOf({{}, {}}).toCsv(), "file,excitation,emission,time,origin\na.tif,,,,\nb.tif,,,,\n");
+    EXPECT_EQ(tableOf({{}, {}}, 2.0).toCsv(), "file,excitation,emission,time,origin\na.tif,,,,\nb.tif,,,,\n");
     EXPECT_EQ(tableOf({pairOf(640, 700), {}}).toCsv(),
               "file,excitation,emission,origin\na.tif,640,700,\"name: ex, em\"\nb.tif,,,\n");
 }
@@ -227,4 +230,68 @@ TEST(InferredTableTest, QuestionsAreTheDoubtsThatRowsDoNotShow)
     const InferredTable two = tableOf({{{Figure::Emission, 700, "x"}, {Figure::Emission, 720, "y"}}});
     EXPECT_TRUE(two.questions().contains("a.tif: the emission is 700 (x) or 720 (y)"))
         << qPrintable(two.doubts().join(';'));
+}
+
+TEST(InferredTableTest, ImagesOfWhichNothingIsToldAreNumberedChannelsWithTheFilesNames)
+{
+    QVector<FoundImage> images{imageOf("x.tif", {}), imageOf("y.tif", {})};
+    images[0].channel = "DAPI, new";
+    const InferredTable table(images, {}, std::nullopt);
+    EXPECT_TRUE(table.doubts().isEmpty()) << qPrintable(table.doubts().join("; "));
+    EXPECT_TRUE(table.isNumbered());
+    EXPECT_FALSE(table.isTemporal());
+    EXPECT_EQ(table.toCsv(), "file,channel,origin\nx.tif,\"DAPI, new\",\ny.tif,,\n");
+    ImagesTable read;
+    QString error;
+    ASSERT_TRUE(read.parse(table.toCsv(), "table", &error)) << qPrintable(error);
+    EXPECT_TRUE(read.hasChannels());
+    EXPECT_EQ(read.rows()[0].channel, "DAPI, new");
+}
+
+TEST(InferredTableTest, EmissionsThatFiltersDoNotTellApartAreChannelsWithTheirWavelengths)
+{
+    const auto emissions = [](const QVector<double>& values) {
+        QVector<QVector<Figure>> figures;
+        for (const double value : values) {
+            figures.append({{Figure::Emission, value, "ENVI wavelength"}});
+        }
+        return tableOf(figures);
+    };
+    EXPECT_EQ(emissions({900, 1250.5}).toCsv(),
+              "file,channel,wavelength,origin\na.tif,,900,ENVI wavelength\nb.tif,,1250.5,ENVI wavelength\n");
+    EXPECT_TRUE(emissions({500.1, 500.4}).isNumbered());
+    EXPECT_TRUE(emissions({50, 500}).isNumbered());
+    EXPECT_TRUE(emissions({-5, 500}).isNumbered());
+    EXPECT_FALSE(emissions({500, 501}).isNumbered());
+    EXPECT_EQ(emissions({500, 500}).doubts().join("; "), "a.tif and b.tif share emission 500 nm");
+    const InferredTable waves = tableOf({{{Figure::Wavenumber, 1003.5, "ENVI wavenumber"}}, {}});
+    EXPECT_EQ(waves.toCsv(), "file,channel,wavenumber,origin\na.tif,,1003.5,ENVI wavenumber\nb.tif,,,\n");
+}
+
+TEST(InferredTableTest, ChannelsOfOneFileThatTellsSomeWavelengthsAreNumbered)
+{
+    QVector<FoundImage> images{imageOf("a.tif", pairOf(640, 700)), imageOf("a.tif", {})};
+    images[0].page = 1;
+    images[1].page = 2;
+    images[1].channel = "Brightfield";
+    const InferredTable table(images, {}, std::nullopt);
+    EXPECT_EQ(table.toCsv(), "file,page,channel,wavelength,origin\na.tif,1,ex 640 em 700,700,\"name: ex, em\"\n"
+                             "a.tif,2,Brightfield,,\n");
+}
+
+TEST(InferredTableTest, AskedForChannelsNumbersWhatIsInDoubt)
+{
+    const QVector<FoundImage> images{imageOf("a.tif", pairOf(640, 700)), imageOf("b.tif", pairOf(640, 700))};
+    const InferredTable table(images, {"a.tif: this could be read in two ways"}, std::nullopt, true);
+    EXPECT_TRUE(table.doubts().isEmpty());
+    EXPECT_TRUE(table.isNumbered());
+    EXPECT_EQ(table.rows()[1].channel, "ex 640 em 700");
+}
+
+TEST(InferredTableTest, SecondsBetweenFramesOfASpectralStackAreAQuestion)
+{
+    const QVector<QVector<Figure>> figures{pairOf(640, 700), pairOf(640, 720)};
+    const InferredTable table = tableOf(figures, 2.0);
+    ASSERT_EQ(table.questions().size(), 1);
+    EXPECT_TRUE(table.questions().first().startsWith("wavelengths tell the images apart, and --interval S"));
 }

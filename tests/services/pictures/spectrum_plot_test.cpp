@@ -362,3 +362,23 @@ TEST(SpectrumPlotTest, AWiderLineTakesMorePixelsAndMarkersCanGo)
     EXPECT_LT(bare, plain);
     EXPECT_GT(pixels(), 2 * bare);
 }
+
+TEST(SpectrumPlotTest, NamesStandAlongTheAxisInPlaceOfNumbers)
+{
+    for (const int count : {2, 30, 300}) {
+        SpectrumPlot plot("title", "Channel", "y");
+        PlotCurve curve;
+        QVector<PlotName> names;
+        for (int i = 1; i <= count; ++i) {
+            curve.x.append(i);
+            curve.y.append(i);
+            names.append({static_cast<double>(i), QStringLiteral("name%1").arg(i)});
+        }
+        plot.addCurve(curve);
+        plot.setXNames(names);
+        const QString svg = QString::fromUtf8(plot.toSvg(QSize(1100, 700)));
+        EXPECT_TRUE(svg.contains(">name1<")) << count;
+        EXPECT_EQ(svg.contains(">name2<"), count <= 30) << count;
+        EXPECT_TRUE(svg.contains(">Channel<")) << count;
+    }
+}

@@ -108,7 +108,9 @@ TEST_F(ImportDialogTest, NumberedFramesBecomeTimesByTheSecondsBetweenThem)
         writeImage(name, 100);
     }
     open();
-    EXPECT_FALSE(importButton().isEnabled());
+    EXPECT_EQ(child<QComboBox>("m_pKindBox").currentIndex(), static_cast<int>(ImportTable::Kind::Channels));
+    EXPECT_TRUE(messages().contains("makes times of numbered frames")) << qPrintable(messages());
+    look::keep(*m_pDialog, "import_channels");
     typeInterval("30");
     EXPECT_EQ(child<QComboBox>("m_pKindBox").currentIndex(), static_cast<int>(ImportTable::Kind::Times));
     EXPECT_EQ(m_pDialog->table().text(2, ImportTable::Time), "90");

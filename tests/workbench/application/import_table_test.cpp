@@ -105,11 +105,39 @@ TEST(ImportTableTest, FluorescenceWithoutAnyEmissionFilterIsComplete)
                     .isReady());
 }
 
-TEST(ImportTableTest, NothingKnownAsksForEveryExcitation)
+TEST(ImportTableTest, NothingKnownAsksForEveryExcitationOfFluorescence)
 {
-    const ImportTable table = tableOf({found("a.tif", {}), found("b.tif", {})});
-    EXPECT_EQ(table.kind(), Kind::Fluorescence);
+    ImportTable table = tableOf({found("a.tif", {}), found("b.tif", {})});
+    table.setKind(Kind::Fluorescence);
     EXPECT_EQ(table.wrongCount(), 2);
+}
+
+TEST(ImportTableTest, NothingKnownMakesNumberedChannelsWhoseNamesCanBeEdited)
+{
+    FoundImage second = found("b.tif", {});
+    second.channel = "GFP";
+    ImportTable table = tableOf({found("a.tif", {}), second});
+    EXPECT_EQ(table.kind(), Kind::Channels);
+    EXPECT_TRUE(table.isReady());
+    EXPECT_EQ(table.summary(), "2 images: numbered channels");
+    EXPECT_EQ(table.columns(),
+              (QVector<Column>{Column::Use, Column::Image, Column::Channel, Column::Exposure, Column::Origin}));
+    table.setText(0, Column::Channel, "DAPI");
+    EXPECT_EQ(table.toCsv(), "file,channel,exposure,origin\na.tif,DAPI,,edited\nb.tif,GFP,,\n");
+}
+
+TEST(ImportTableTest, WavelengthsOfNumberedChannelsMayLieAnywhereAboveZero)
+{
+    ImportTable table = tableOf({found("a.tif", {{Figure::Emission, 1250, "ENVI wavelength"}}),
+                                 found("b.tif", {{Figure::Emission, 1260.5, "ENVI wavelength"}})});
+    EXPECT_EQ(table.kind(), Kind::Channels);
+    EXPECT_TRUE(table.isReady());
+    EXPECT_EQ(table.text(1, Column::Wavelength), "1260.5");
+    table.setText(1, Column::Wavelength, "0");
+    EXPECT_EQ(table.reason(1, Column::Wavelength), "the wavelength is not above 0");
+    table.setText(1, Column::Wavelength, "1300 nm");
+    EXPECT_EQ(table.toCsv(), "file,channel,wavelength,exposure,origin\na.tif,,1250,,ENVI wavelength\n"
+                             "b.tif,,1300,,ENVI wavelength; edited\n");
 }
 
 TEST(ImportTableTest, NumbersAreReadWithUnitsAndRefusedOutsideTheirRange)

@@ -201,3 +201,15 @@ TEST(FittingSideTest, OfATableThatIsTooHighTheColumnsFit)
 }
 
 } // namespace
+
+TEST(SequenceGridTest, NumberedChannelsAreCalledByTheirNames)
+{
+    TileKey named = filters("Block", "Channel 001");
+    named.channel = "DAPI";
+    TileKey far = filters("Block", "Channel 002");
+    far.channel = "1250.5 nm";
+    const SequenceGrid grid({named, far}, false);
+    EXPECT_EQ(grid.caption(0), "DAPI");
+    EXPECT_EQ(grid.description(0), "channel 001: DAPI");
+    EXPECT_EQ(grid.caption(1), "1250.5 nm");
+}

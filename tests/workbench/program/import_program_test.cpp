@@ -175,7 +175,8 @@ TEST_F(ImportProgramTest, DoubtPrintsTheTemplate)
     EXPECT_EQ(
         result.errText(),
         "spum: stack: it is in doubt which image is what: 1 of 2 lack the excitation, the first is other.tif; 1 of 2 "
-        "lack the emission, the first is other.tif. Fill in the table on standard output and give it by --images\n");
+        "lack the emission, the first is other.tif. Fill in the table on standard output and give it by --images; "
+        "--channels numbers them\n");
     EXPECT_FALSE(QFileInfo::exists(path("seq")));
 
     const ProgramResult json = spum({"import", "stack", "seq", "--json"});
@@ -184,7 +185,7 @@ TEST_F(ImportProgramTest, DoubtPrintsTheTemplate)
     EXPECT_TRUE(json.json()["template"].toString().startsWith("file,"));
 
     EXPECT_TRUE(refusal({"import", "stack", "--write-table", "t.csv"})
-                    .endsWith("Fill in the table t.csv and give it by --images"));
+                    .endsWith("Fill in the table t.csv and give it by --images; --channels numbers them"));
     EXPECT_TRUE(contentOf(path("t.csv")).endsWith("other.tif,,,\n"));
 }
 
@@ -358,4 +359,77 @@ TEST_F(ImportProgramTest, ALimitOfMemoryIsRaisedByAnOption)
         << qPrintable(told);
     EXPECT_TRUE(refusal({"import", "stack", "seq", "--max-memory", "0"}, 2).startsWith("--max-memory takes"));
     succeed({"import", "stack", "seq", "--max-memory", "1e-3", "--quiet"});
+}
+
+TEST_F(ImportProgramTest, AFolderThatTellsNothingBecomesNumberedChannelsThatAreUnmixed)
+{
+    writeTiffFile("stack/DAPI.tif", imageOf(8, 8, [](int i) { return dyeA(i); }));
+    writeTiffFile("stack/GFP.tif", imageOf(8, 8, [](int i) { return dyeA(i) + dyeB(i); }));
+    writeTiffFile("stack/far red.tif", imageOf(8, 8, [](int i) { return dyeB(i); }));
+    const ProgramResult run = succeed({"import", "stack", "seq"});
+    EXPECT_TRUE(QString::fromUtf8(run.out).contains(", numbered channels\n")) << run.out.constData();
+    const QString info = QString::fromUtf8(succeed({"info", "seq"}).out);
+    EXPECT_TRUE(info.contains("numbered channels, analysed as luminescent")) << qPrintable(info);
+    EXPECT_TRUE(info.contains("far red")) << qPrintable(info);
+    const QJsonObject image = succeed({"info", "seq", "--json"}).json()["images"].toArray()[0].toObject();
+    EXPECT_EQ(image["second"], "001");
+    EXPECT_EQ(image["channel"], "DAPI");
+    EXPECT_TRUE(image["wavelength"].isNull());
+    succeed({"unmix", "seq", "--ncomponents", "2", "--out", "maps"});
+    EXPECT_TRUE(contentOf(path("maps/spectra.svg")).contains(">far red<"));
+    // And back again, as they were.
+    for (const char* file : {"again.ome.tif", "again.hdr", "again.csv"}) {
+        const QString format = QString(file).endsWith("hdr")   ? "envi"
+                               : QString(file).endsWith("csv") ? "csv"
+                                                               : "ome-tiff";
+        succeed({"export", "seq", "--format", format, "--out", file});
+        const QJsonObject json = succeed({"import", file, QStringLiteral("seq ") + file, "--json"}).json();
+        EXPECT_EQ(json["numbered"], true) << file;
+        EXPECT_EQ(json["table"].toArray()[2].toObject()["channel"], "far red") << file;
+    }
+}
+
+TEST_F(ImportProgramTest, WavelengthsBeyondFiltersAreKeptForPlotsAndExports)
+{
+    writeTiffFile("stack/a.tif", imageOf(8, 8, [](int i) { return dyeA(i); }));
+    writeTiffFile("stack/b.tif", imageOf(8, 8, [](int i) { return dyeB(i); }));
+    write("far.csv", "file,channel,wavelength\na.tif,,1250.5 nm\nb.tif,water,1450\n");
+    write("waves.csv", "file,wavenumber\na.tif,1003\nb.tif,1450.5\n");
+    succeed({"import", "stack", "far", "--images", "far.csv"});
+    const QString info = QString::fromUtf8(succeed({"info", "far"}).out);
+    EXPECT_TRUE(info.contains("1250.5 nm") && info.contains("water (1450 nm)")) << qPrintable(info);
+    succeed({"unmix", "far", "--ncomponents", "2", "--out", "maps"});
+    EXPECT_TRUE(contentOf(path("maps/spectra.svg")).contains(">Wavelength [nm]<"));
+    succeed({"export", "far", "--format", "envi", "--out", "cube.hdr"});
+    EXPECT_TRUE(contentOf(path("cube.hdr")).contains("wavelength = {1250.5, 1450}"));
+
+    succeed({"import", "stack", "waves", "--images", "waves.csv"});
+    for (const char* file : {"w.ome.tif", "w.hdr"}) {
+        succeed({"export", "waves", "--format", QString(file).endsWith("hdr") ? "envi" : "ome-tiff", "--out", file});
+        const QJsonObject json = succeed({"import", file, QStringLiteral("seq ") + file, "--json"}).json();
+        EXPECT_EQ(json["table"].toArray()[1].toObject()["wavenumber"], 1450.5) << file;
+    }
+    write("bad.csv", "file,wavelength\na.tif,-3\n");
+    EXPECT_EQ(refusal({"import", "stack", "bad", "--images", "bad.csv"}),
+              "bad.csv:2: the wavelength \"-3\" is not above 0");
+}
+
+TEST_F(ImportProgramTest, MoreChannelsThanNumbersAreRefused)
+{
+    write("cube.dat", QByteArray(1000, '\1'));
+    write("cube.hdr", "ENVI\nsamples = 1\nlines = 1\nbands = 1000\ndata type = 1\ninterleave = bsq\n");
+    EXPECT_EQ(
+        refusal({"import", "cube.hdr", "seq"}),
+        "inferred table:1001: 1000 channels are more than the 999 that can be numbered; leave rows out of the table");
+}
+
+TEST_F(ImportProgramTest, ChannelsAreNumberedWhateverIsToldWhenAsked)
+{
+    writeTiffFile("stack/ex640-660.tif", imageOf(4, 4, [](int i) { return dyeA(i); }));
+    writeTiffFile("stack/ex675-700.tif", imageOf(4, 4, [](int i) { return dyeB(i); }));
+    EXPECT_TRUE(spum({"import", "stack", "seq"}).errText().contains("--channels numbers them"));
+    const QJsonObject json = succeed({"import", "stack", "seq", "--channels", "--json"}).json();
+    EXPECT_EQ(json["numbered"], true);
+    EXPECT_EQ(json["table"].toArray()[0].toObject()["channel"], "ex640-660");
+    EXPECT_TRUE(refusal({"import", "stack", "s", "--channels", "--interval", "2"}, 2).startsWith("--interval makes"));
 }

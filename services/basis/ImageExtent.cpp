@@ -1,0 +1,125 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "services/basis/ImageExtent.h"
+
+#include "engine/CORVSpumKyvo.h"
+#include "host/CORVDataset.h"
+#include "host/CORVSequenceDataset.h"
+#include "platform/orvapi/ClickInfoKeys.h"
+#include "platform/orvapi/ClickInfoValues.h"
+
+#include <QRegularExpression>
+
+#include <algorithm>
+#include <cstring>
+#include <new>
+
+namespace {
+
+// What the images of the engine's selection agree on: their extent and the square that is stored.
+struct StoredExtent
+{
+    QSize extent;
+    QSize square;
+};
+
+std::optional<StoredExtent> storedExtentOf(const CORVSpumKyvo& engine)
+{
+    const CORVSequenceDataset* pSequence = CORVSequenceDataset::getSequenceDataset(engine.m_strSeqId);
+    std::optional<StoredExtent> common;
+    for (const QString& click : engine.m_imageList) {
+        CORVDataset* pDataset = pSequence != nullptr ? pSequence->getDataset(click) : nullptr;
+        const std::optional<QSize> extent = pDataset != nullptr ? extentBeforePadding(*pDataset) : std::nullopt;
+        if (!extent || (common && common->extent != *extent)) {
+            return std::nullopt;
+        }
+        if (!common) {
+            long width = 0;
+            long height = 0;
+            if (!pDataset->getImageSize(IMAGETYPE_MAIN_DATA, &width, &height)) {
+                return std::nullopt;
+            }
+            common = StoredExtent{*extent, QSize(static_cast<int>(width), static_cast<int>(height))};
+        }
+    }
+    return common;
+}
+
+// So many of `whole` pixels as `part` of `square` are, cut to whole ones; one at least.
+int share(int part, int square, long whole)
+{
+    if (part < 1 || part >= square) {
+        return static_cast<int>(whole);
+    }
+    return static_cast<int>(std::max(1LL, static_cast<long long>(whole) * part / square));
+}
+
+} // namespace
+
+std::optional<QSize> extentBeforePadding(const CORVDataset& dataset)
+{
+    static const QRegularExpression size(QStringLiteral(R"(^([0-9]{1,6})\s*x\s*([0-9]{1,6})$)"));
+    const auto match = size.match(clickText(dataset.clickInfo, ClickKeys::kLuminescentImage, ClickKeys::kImageExtent));
+    return match.hasMatch() ? std::optional<QSize>(QSize(match.captured(1).toInt(), match.captured(2).toInt()))
+                            : std::nullopt;
+}
+
+QSize analysedExtent(const CORVSpumKyvo& engine)
+{
+    return extentOfPicture(engine, engine.m_nWidth, engine.m_nHeight);
+}
+
+QSize extentOfPicture(const CORVSpumKyvo& engine, long lWidth, long lHeight)
+{
+    const std::optional<StoredExtent> stored = storedExtentOf(engine);
+    if (!stored) {
+        return {static_cast<int>(lWidth), static_cast<int>(lHeight)};
+    }
+    return {share(stored->extent.width(), stored->square.width(), lWidth),
+            share(stored->extent.height(), stored->square.height(), lHeight)};
+}
+
+CILImage withoutPadding(const CILImage& mask, const CORVSpumKyvo& engine)
+{
+    const QSize extent = analysedExtent(engine);
+    if (extent == QSize(engine.m_nWidth, engine.m_nHeight)) {
+        return mask;
+    }
+    CILImage inside(mask);
+    if (inside.isEmpty()) {
+        if (inside.InitWithType(ORVTYPE_BYTE, engine.m_nWidth, engine.m_nHeight) != EIL_SUCCESS) {
+            throw std::bad_alloc();
+        }
+        inside.m_fBinning = static_cast<float>(engine.m_nBinning);
+        std::memset(inside.bytes(), 1, inside.pixelCount());
+    }
+    // Whole pixels of the analysis, however fine the mask is: of one that hangs over the edge a part was added.
+    const long columns = extent.width() * inside.m_lWidth / engine.m_nWidth;
+    const long rows = extent.height() * inside.m_lHeight / engine.m_nHeight;
+    for (long y = 0; y < inside.m_lHeight; ++y) {
+        for (long x = y < rows ? columns : 0; x < inside.m_lWidth; ++x) {
+            inside.setValue(static_cast<std::size_t>(y * inside.m_lWidth + x), 0.0);
+        }
+    }
+    return inside;
+}
+
+CILImage croppedImage(const CILImage& image, long lWidth, long lHeight)
+{
+    const long width = std::min(lWidth, image.m_lWidth);
+    const long height = std::min(lHeight, image.m_lHeight);
+    if (image.isEmpty() || (width == image.m_lWidth && height == image.m_lHeight)) {
+        return image;
+    }
+    CILImage part;
+    if (part.InitWithType(image.dataType(), width, height) != EIL_SUCCESS) {
+        throw std::bad_alloc();
+    }
+    const std::size_t pixel = CILImageBase::bytesPerPixel(image.dataType());
+    const std::size_t from = static_cast<std::size_t>(image.m_lWidth) * pixel;
+    const std::size_t to = static_cast<std::size_t>(width) * pixel;
+    for (std::size_t y = 0; y < static_cast<std::size_t>(height); ++y) {
+        std::memcpy(static_cast<char*>(part.m_pData) + y * to, static_cast<const char*>(image.m_pData) + y * from, to);
+    }
+    part.m_fBinning = image.m_fBinning;
+    return part;
+}
