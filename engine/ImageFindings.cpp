@@ -46,9 +46,12 @@ bool allEqual(const CILImage& image, const ImageFindings::Frame& frame)
         return std::all_of(pixels, pixels + image.pixelCount(), [&](float v) { return v == pixels[0]; });
     }
     const std::vector<int>& mask = *frame.mask;
+    // A mask that goes beyond the image is refused by the cube.
     const auto nPixels = static_cast<long long>(image.pixelCount());
-    return std::all_of(mask.begin(), mask.end(),
-                       [&](int i) { return i < nPixels && pixels[i] == pixels[mask.front()]; });
+    const auto isInside = [nPixels](int i) { return i >= 0 && i < nPixels; };
+    return isInside(mask.front()) && std::all_of(mask.begin(), mask.end(), [&](int i) {
+               return isInside(i) && pixels[i] == pixels[mask.front()];
+           });
 }
 
 } // namespace
