@@ -201,7 +201,9 @@ TEST_F(ConsoleFilesTest, TheSpectraAreSavedAsALibrary)
 TEST_F(ConsoleFilesTest, RowsWithoutASpectrumAreNotSaved)
 {
     click(m_pConsole->m_pAddSpectrum);
-    ASSERT_EQ(m_pConsole->getSelectedSpectra().size(), 2);
+    const QList<SpectrumPlotParams*> selected = m_pConsole->getSelectedSpectra();
+    EXPECT_EQ(selected.size(), 2);
+    qDeleteAll(selected);
     m_talk.files << path("measured.csv");
     click(m_pConsole->m_pSaveDatabaseTB);
     EXPECT_TRUE(contents(path("measured.csv")).contains("NumSpec,2"));
