@@ -19,10 +19,20 @@ QString tr(const char* pText)
     return QCoreApplication::translate("batchCandidate", pText);
 }
 
-// Without regard to case, as the tool compares them.
+// As the tool names a filter in its libraries: the three digits of a wavelength, else its text without regard to case.
+QString bandText(const QString& strFilter)
+{
+    constexpr int wavelengthLength = 3;
+    QString strDigits;
+    for (const QChar c : strFilter) {
+        strDigits += c.isDigit() ? QString(c) : QString();
+    }
+    return strDigits.size() < wavelengthLength ? strFilter.toLower() : strDigits.left(wavelengthLength);
+}
+
 QString pairText(const QString& strExcitation, const QString& strEmission)
 {
-    return QStringLiteral("%1 / %2").arg(strExcitation, strEmission).toLower();
+    return QStringLiteral("%1 / %2").arg(bandText(strExcitation), bandText(strEmission));
 }
 
 // Pairs of filters of spectral images that the spectra have no value for, each once. In a temporal sequence images are

@@ -227,8 +227,8 @@ TEST_F(BatchRunTest, TheChoiceTellsWhichSequenceTheSpectraDoNotFit)
     CORVSequenceDataset sequence;
     ASSERT_EQ(sequence.open(strFits), ESTATUS_SUCCESS);
     for (const CORVDataset* pDataset : sequence.getDatasets()) {
-        m_pBatchTool->m_excitation << pDataset->getExcitationFilter().toUpper();
-        m_pBatchTool->m_emission << pDataset->getEmissionFilter();
+        m_pBatchTool->m_excitation << pDataset->getExcitationFilter().remove("nm");
+        m_pBatchTool->m_emission << pDataset->getEmissionFilter().remove("nm");
     }
     choose({strFits, strOther}, false);
     ASSERT_EQ(m_verdicts.size(), 2);

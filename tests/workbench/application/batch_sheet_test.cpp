@@ -239,18 +239,22 @@ TEST(BatchCandidateTest, BandsThatTheSpectraLackAreNamed)
     ASSERT_EQ(sequence.open(folder), ESTATUS_SUCCESS);
     BatchBands bands;
     for (const CORVDataset* pDataset : sequence.getDatasets()) {
-        bands.excitation << pDataset->getExcitationFilter().toUpper();
-        bands.emission << pDataset->getEmissionFilter();
+        // Images tell "640nm" where libraries have "640".
+        bands.excitation << pDataset->getExcitationFilter().remove("nm");
+        bands.emission << pDataset->getEmissionFilter().remove("nm");
     }
     EXPECT_TRUE(batchCandidate(folder, bands).isUsable());
     bands.excitation << "500nm";
     bands.emission << "520nm";
     EXPECT_TRUE(batchCandidate(folder, bands).isUsable()) << "more than needed";
-    const QString gone = bands.excitation.takeFirst().toLower() + " / " + bands.emission.takeFirst();
+    const QString gone = bands.excitation.takeFirst() + " / " + bands.emission.takeFirst();
     EXPECT_EQ(batchCandidate(folder, bands).reason, "The spectra have no value for its band " + gone + ".");
     const QString others = batchCandidate(folder, {{"500nm"}, {"520nm"}}).reason;
     EXPECT_TRUE(others.startsWith("The spectra have no values for 4 of its bands: " + gone + ", "))
         << qPrintable(others);
+    // A light path without a filter has a name in place of a wavelength.
+    const QString glowing = simulated::sequence("glowing", {"--kind", "luminescent", "--size", "32"});
+    EXPECT_TRUE(batchCandidate(glowing, {{"500nm"}, {"520nm"}}).reason.contains("block / 500"));
     // A temporal sequence has images of one band at many times.
     const QString temporal = simulated::sequence("of times", {"--kind", "temporal", "--size", "32"});
     EXPECT_TRUE(batchCandidate(temporal, {{"500nm"}, {"520nm"}}).isUsable());
