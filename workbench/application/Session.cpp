@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "workbench/application/Session.h"
 
+#include "host/CORVLog.h"
 #include "host/CORVSettings.h"
 
+#include <QCoreApplication>
+#include <QDateTime>
 #include <QDir>
 #include <QFileInfo>
 #include <QUuid>
@@ -47,6 +50,19 @@ void write(CORVSettings& settings, const QString& strGroup, const Session::Windo
     }
     settings.setValue(strGroup + foldersKey, folders);
     settings.setValue(strGroup + placesKey, places);
+}
+
+// Settings that once could not be written stay marked so, and that is told once.
+void sync(CORVSettings& settings)
+{
+    const bool bFine = settings.status() == QSettings::NoError;
+    settings.sync();
+    if (bFine && settings.status() != QSettings::NoError) {
+        CORVLog::getLogObject()->log(
+            QCoreApplication::translate("Session", "%1: cannot be written; the next start will not find what is open")
+                .arg(settings.fileName()),
+            QString(), 0, QDateTime::currentDateTime().toString(Qt::ISODate), CORVLOG_WARNING, false);
+    }
 }
 
 } // namespace
@@ -108,7 +124,7 @@ void Session::keep(const Windows& windows)
     } else {
         return;
     }
-    m_settings.sync();
+    sync(m_settings);
 }
 
 void Session::close(const Windows& windows)
