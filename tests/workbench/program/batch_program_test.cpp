@@ -7,6 +7,7 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QMap>
 #include <QProcess>
 #include <QRegularExpression>
 #include <QThread>
@@ -343,15 +344,28 @@ protected:
         }
         return arguments + options;
     }
-    // Processes of this program that unmix into a folder of the test.
+    // Processes of this program that unmix into a folder of the test. Those that they start themselves, as the leak
+    // check of a sanitizer does, bear the same words and are none.
     QStringList children() const
     {
-        QStringList found;
+        // A process may end meanwhile.
+        const auto told = [](const QString& process, const char* pFile) {
+            QFile file("/proc/" + process + pFile);
+            return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+        };
+        QMap<QString, QString> parents;
         for (const QString& process : QDir("/proc").entryList({"[0-9]*"}, QDir::Dirs)) {
-            QFile file("/proc/" + process + "/cmdline");
-            const QByteArray line = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+            const QByteArray line = told(process, "/cmdline");
             if (line.contains("unmix") && line.contains("--replace") && line.contains(path(".").chopped(2).toUtf8())) {
-                found.append(process);
+                // "1234 (spum) S 1230 ..."
+                const QList<QByteArray> behindName = told(process, "/stat").split(')').last().split(' ');
+                parents.insert(process, QString::fromLatin1(behindName.value(2)));
+            }
+        }
+        QStringList found;
+        for (auto i = parents.cbegin(); i != parents.cend(); ++i) {
+            if (!parents.contains(i.value())) {
+                found.append(i.key());
             }
         }
         return found;
