@@ -52,11 +52,12 @@ struct TiffWriteOptions
 };
 
 // Reads a page. Unsigned 8 and 16 bit samples become bytes and 16 bit pixels, signed 8, 16 and 32 bit ones 32 bit
-// integers, unsigned 32 bit ones doubles, floats and doubles themselves (NaNs stay). Colours become luma (ITU-R BT.601)
-// in the type of their samples; samples below 8 bits and colour maps give bytes. Where white is the smallest value,
-// unsigned samples are turned over. Strips, tiles, planes apart, either byte order, BigTIFF and all compressions of the
-// installed libtiff serve. A header that claims more than 4 GiB, or more than a file of that length can hold, is
-// refused before memory is taken. `out` keeps its binning; after a failure it is empty.
+// integers, unsigned 32 bit and all 64 bit ones doubles, half floats floats, floats and doubles themselves (NaNs stay).
+// Colours become luma (ITU-R BT.601) in the type of their samples; samples below 8 bits and colour maps give bytes.
+// Where white is the smallest value, unsigned samples are turned over. Strips, tiles, planes apart, either byte order,
+// BigTIFF and all compressions of the installed libtiff serve. A header that claims more than 4 GiB, or more than a
+// file of that length can hold, is refused before memory is taken. `out` keeps its binning; after a failure it is
+// empty.
 bool readTiff(const QString& path, int page, CILImage& out, QString* error);
 bool readTiff(const QString& path, int page, const TiffReadOptions& options, CILImage& out, QString* error);
 

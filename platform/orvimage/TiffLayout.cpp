@@ -41,11 +41,14 @@ ORVDataTypes TiffLayout::pixelType() const
     }
     switch (sampleKind()) {
     case TiffInfo::Samples::Unsigned:
-        return bits == 8 ? ORVTYPE_BYTE : bits == 16 ? ORVTYPE_USHORT : bits == 32 ? ORVTYPE_DOUBLE : ORVTYPE_NONE;
+        return bits == 8                  ? ORVTYPE_BYTE
+               : bits == 16               ? ORVTYPE_USHORT
+               : bits == 32 || bits == 64 ? ORVTYPE_DOUBLE
+                                          : ORVTYPE_NONE;
     case TiffInfo::Samples::Signed:
-        return bits == 8 || bits == 16 || bits == 32 ? ORVTYPE_INT : ORVTYPE_NONE;
+        return bits == 8 || bits == 16 || bits == 32 ? ORVTYPE_INT : bits == 64 ? ORVTYPE_DOUBLE : ORVTYPE_NONE;
     case TiffInfo::Samples::Float:
-        return bits == 32 ? ORVTYPE_FLOAT : bits == 64 ? ORVTYPE_DOUBLE : ORVTYPE_NONE;
+        return bits == 16 || bits == 32 ? ORVTYPE_FLOAT : bits == 64 ? ORVTYPE_DOUBLE : ORVTYPE_NONE;
     case TiffInfo::Samples::Other:
         break;
     }

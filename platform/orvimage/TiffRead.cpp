@@ -6,6 +6,7 @@
 #include "platform/orvimage/TiffPageReader.h"
 
 #include <QImage>
+#include <qfloat16.h>
 
 #include <algorithm>
 #include <array>
@@ -194,13 +195,17 @@ void PageReader::store(const Block& block, CILImage& out)
     case TiffInfo::Samples::Unsigned:
         return m_layout.bits == 8    ? storeAs<std::uint8_t>(block, out)
                : m_layout.bits == 16 ? storeAs<std::uint16_t>(block, out)
-                                     : storeAs<std::uint32_t>(block, out);
+               : m_layout.bits == 32 ? storeAs<std::uint32_t>(block, out)
+                                     : storeAs<std::uint64_t>(block, out);
     case TiffInfo::Samples::Signed:
         return m_layout.bits == 8    ? storeAs<std::int8_t>(block, out)
                : m_layout.bits == 16 ? storeAs<std::int16_t>(block, out)
-                                     : storeAs<std::int32_t>(block, out);
+               : m_layout.bits == 32 ? storeAs<std::int32_t>(block, out)
+                                     : storeAs<std::int64_t>(block, out);
     case TiffInfo::Samples::Float:
-        return m_layout.bits == 32 ? storeAs<float>(block, out) : storeAs<double>(block, out);
+        return m_layout.bits == 16   ? storeAs<qfloat16>(block, out)
+               : m_layout.bits == 32 ? storeAs<float>(block, out)
+                                     : storeAs<double>(block, out);
     case TiffInfo::Samples::Other:
         break;
     }

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace {
 
@@ -98,6 +99,17 @@ int ColourPlanes::strongest() const
         best = sums[p][p] > sums[b][b] ? plane : best;
     }
     return best;
+}
+
+CILImage ColourPlanes::luma()
+{
+    for (std::size_t i = 0; i < planes[0].pixelCount(); ++i) {
+        // Thousandths are exact, so that alike samples give their own value.
+        planes[0].setValue(
+            i, std::round((299.0 * planes[0].value(i) + 587.0 * planes[1].value(i) + 114.0 * planes[2].value(i)) /
+                          1000.0));
+    }
+    return std::move(planes[0]);
 }
 
 QString ColourPlanes::name(int nPlane)

@@ -25,6 +25,9 @@ struct ColourPlanes
     // The plane that has most of the light.
     int strongest() const;
 
+    // Grey values (ITU-R BT.601) in the planes' type; they take the place of the red plane.
+    CILImage luma();
+
     static QString name(int nPlane); // "red", ...
 
     // Of a PNG or JPEG file. 8 bit samples become bytes, 16 bit ones 16 bit pixels. False with "file: reason" in

@@ -2,14 +2,17 @@
 #include "services/importer/ImageFinder.h"
 
 #include "platform/orvimage/TiffIo.h"
+#include "platform/orvimage/TiffPageReader.h"
 #include "platform/orvimage/TiffTexts.h"
 #include "platform/orvutils/NumberText.h"
+#include "services/importer/ColourPlanes.h"
 #include "services/importer/CsvCube.h"
 #include "services/importer/EnviCube.h"
 #include "services/importer/ImageJMetadata.h"
 #include "services/importer/ImageStack.h"
 #include "services/importer/NameFigures.h"
 #include "services/importer/OmeMetadata.h"
+#include "services/importer/PictureFile.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -34,8 +37,9 @@ bool isTiffName(const QString& name)
 // A file's name without what tells its format.
 QString stemOf(const QString& fileName)
 {
-    static const QRegularExpression suffix(QStringLiteral(R"((\.ome)?\.(tiff?|hdr|img|dat|raw|bsq|bil|bip|csv)$)"),
-                                           QRegularExpression::CaseInsensitiveOption);
+    static const QRegularExpression suffix(
+        QStringLiteral(R"((\.ome)?\.(tiff?|hdr|img|dat|raw|bsq|bil|bip|csv|png|jpe?g)$)"),
+        QRegularExpression::CaseInsensitiveOption);
     QString stem = fileName;
     return stem.remove(suffix).remove(suffix); // "cube.dat.hdr" has two
 }
@@ -66,17 +70,15 @@ bool ImageFinder::find(const QString& strSource, const Progress& progress, QStri
         *pError = QStringLiteral("%1: there is no such file or folder").arg(strSource);
         return false;
     }
-    return source.isDir() ? findInFolder(strSource, progress, pError) : addFile(strSource, pError);
+    return (source.isDir() ? findInFolder(strSource, progress, pError) : addFile(strSource, pError)) &&
+           splitLoneColours(strSource);
 }
 
-bool ImageFinder::findInFolder(const QString& strFolder, const Progress& progress, QString* pError)
+// The files of a folder that hold images, and those of which nothing is known.
+bool ImageFinder::listFolder(const QString& strFolder, QStringList* pNames, QStringList* pOthers, QString* pError)
 {
     const QDir folder(strFolder);
-    if (!folder.isReadable()) {
-        *pError = QStringLiteral("%1: the folder cannot be read").arg(strFolder);
-        return false;
-    }
-    QStringList names;
+    QStringList pictures;
     QSet<QString> used; // the data files of cubes too
     const QStringList entries = folder.entryList(QDir::Files, QDir::Name);
     for (const QString& name : entries) {
@@ -87,42 +89,165 @@ bool ImageFinder::findInFolder(const QString& strFolder, const Progress& progres
             }
             used.insert(name);
             used.insert(QFileInfo(cube.dataPath()).fileName());
-            names.append(name);
+            pNames->append(name);
         } else if (isTiffName(name)) {
             used.insert(name);
-            names.append(name);
+            pNames->append(name);
+        } else if (isPictureName(name)) {
+            pictures.append(name);
         }
     }
-    QStringList others;
+    // Beside measured images pictures are previews.
+    if (pNames->isEmpty()) {
+        *pNames = pictures;
+        used += QSet<QString>(pictures.cbegin(), pictures.cend());
+    }
     for (const QString& name : entries) {
-        if (name.compare(QLatin1String("images.csv"), Qt::CaseInsensitive) == 0) {
+        if (!used.contains(name)) {
+            pOthers->append(name);
+        }
+    }
+    std::sort(pNames->begin(), pNames->end(), orv::numberAwareLess);
+    return true;
+}
+
+// The images of folders below, where it is clear which are meant.
+bool ImageFinder::lookBelow(const QString& strFolder, QStringList* pNames, QString* pError)
+{
+    const QDir folder(strFolder);
+    QStringList holding;
+    bool bOneEach = true;
+    const QStringList below = folder.entryList(QDir::Dirs | QDir::NoDotAndDotDot | QDir::Readable, QDir::Name);
+    for (const QString& name : below) {
+        QStringList images;
+        QStringList others;
+        if (!listFolder(folder.filePath(name), &images, &others, pError)) {
+            return false;
+        }
+        if (images.isEmpty()) {
+            continue;
+        }
+        holding.append(name);
+        bOneEach = bOneEach && images.size() == 1;
+        for (const QString& image : qAsConst(images)) {
+            pNames->append(name + QLatin1Char('/') + image);
+        }
+    }
+    if (holding.isEmpty()) {
+        *pError = QStringLiteral("%1: there is no TIFF file, no PNG or JPEG picture and no ENVI header in the folder")
+                      .arg(strFolder);
+        return false;
+    }
+    if (holding.size() > 1 && !bOneEach) {
+        *pError = QStringLiteral("%1: the images lie in the folders %2; import one of them")
+                      .arg(strFolder, holding.join(QStringLiteral(", ")));
+        return false;
+    }
+    m_warnings.append(holding.size() == 1
+                          ? QStringLiteral("the images are those of the folder %1").arg(holding.first())
+                          : QStringLiteral("the images are those of %1 folders, one each").arg(holding.size()));
+    m_bFoldersName = holding.size() > 1;
+    return true;
+}
+
+bool ImageFinder::findInFolder(const QString& strFolder, const Progress& progress, QString* pError)
+{
+    const QDir folder(strFolder);
+    if (!folder.isReadable()) {
+        *pError = QStringLiteral("%1: the folder cannot be read").arg(strFolder);
+        return false;
+    }
+    QStringList names;
+    QStringList others;
+    if (!listFolder(strFolder, &names, &others, pError) || (names.isEmpty() && !lookBelow(strFolder, &names, pError))) {
+        return false;
+    }
+    const auto isTable = [](const QString& name) {
+        return name.compare(QLatin1String("images.csv"), Qt::CaseInsensitive) == 0;
+    };
+    for (const QString& name : qAsConst(others)) {
+        if (isTable(name)) {
             m_warnings.append(
                 QStringLiteral("%1 lies in the folder and is not used; --images takes such a table").arg(name));
-        } else if (!used.contains(name)) {
-            others.append(name);
         }
     }
+    others.erase(std::remove_if(others.begin(), others.end(), isTable), others.end());
     if (!others.isEmpty()) {
         m_warnings.append(
             others.size() == 1
                 ? QStringLiteral("%1 is passed over").arg(others.first())
                 : QStringLiteral("%1 and %2 more files are passed over").arg(others.first()).arg(others.size() - 1));
     }
-    if (names.isEmpty()) {
-        *pError = QStringLiteral("%1: there is no TIFF file and no ENVI header in the folder").arg(strFolder);
-        return false;
-    }
-    std::sort(names.begin(), names.end(), orv::numberAwareLess);
     for (int i = 0; i < names.size(); ++i) {
         if (progress && !progress(i, names.size(), QStringLiteral("Looking at %1").arg(names.at(i)))) {
             m_bAborted = true;
             *pError = QStringLiteral("the import was aborted");
             return false;
         }
+        const int first = m_images.size();
         if (!addFile(folder.filePath(names.at(i)), pError)) {
             return false;
         }
+        const QString below = QFileInfo(names.at(i)).path();
+        for (int k = first; k < m_images.size() && below != QLatin1String("."); ++k) {
+            FoundImage& image = m_images[k];
+            image.file = below + QLatin1Char('/') + image.file;
+            image.name = below + QLatin1Char('/') + image.name;
+            image.channel = m_bFoldersName ? below : image.channel;
+        }
     }
+    return true;
+}
+
+// A photograph of several hues is an image for each of its colours, where there is nothing else to unmix.
+bool ImageFinder::splitLoneColours(const QString& strSource)
+{
+    if (m_images.size() != 1 || m_images.first().band || isDecided(m_images.first())) {
+        return true;
+    }
+    const FoundImage whole = m_images.first();
+    const QFileInfo source(strSource);
+    const QString path = source.isDir() ? QDir(strSource).filePath(whole.file) : strSource;
+    ColourPlanes colours;
+    QString ignored; // whoever reads the image tells what is wrong with it
+    bool bRead = false;
+    if (ImageStack::isTiffFile(path)) {
+        TiffPageReader pages;
+        TiffInfo info;
+        bRead = pages.readHeader(path, 0, &info, &ignored) && info.isColour && info.samplesPerPixel >= 3 &&
+                info.type != ORVTYPE_NONE && ColourPlanes::readTiffPage(pages, path, 0, colours, &ignored);
+    } else if (isPictureName(path)) {
+        bRead = ColourPlanes::readPicture(path, colours, &ignored);
+    }
+    if (!bRead || colours.kind() != ColourPlanes::Kind::Colours) {
+        return true;
+    }
+    m_images.clear();
+    for (int plane = 0; plane < 3; ++plane) {
+        FoundImage image = whole;
+        image.band = plane + 1;
+        image.name += QStringLiteral(" band %1").arg(plane + 1);
+        image.channel = ColourPlanes::name(plane);
+        image.figures.clear();
+        m_images.append(image);
+    }
+    m_warnings.append(
+        QStringLiteral("%1 is in colours and alone: its red, green and blue are taken for channels").arg(whole.name));
+    return true;
+}
+
+bool ImageFinder::addPicture(const QString& strPath, QString* pError)
+{
+    PictureHeader header;
+    if (!readPictureHeader(strPath, &header, pError)) {
+        return false;
+    }
+    FoundImage image;
+    image.file = QFileInfo(strPath).fileName();
+    image.name = image.file;
+    image.channel = stemOf(image.file);
+    addNamed(image, image.channel, QStringLiteral("name"), true);
+    m_images.append(image);
     return true;
 }
 
@@ -134,7 +259,10 @@ bool ImageFinder::addFile(const QString& strPath, QString* pError)
     if (CsvCube::isCsv(strPath)) {
         return addCsv(strPath, pError);
     }
-    return EnviCube::isEnvi(strPath) ? addEnvi(strPath, pError) : addTiff(strPath, pError);
+    if (EnviCube::isEnvi(strPath)) {
+        return addEnvi(strPath, pError);
+    }
+    return isPictureName(strPath) ? addPicture(strPath, pError) : addTiff(strPath, pError);
 }
 
 // Figures of a text, and its doubts with the image's name. What numbers the bands of a file says nothing of them.

@@ -31,9 +31,12 @@ class ImageFinder
 public:
     using Progress = std::function<bool(int nDone, int nSteps, const QString& strWhat)>;
 
-    // `strSource` is a folder (TIFF files and ENVI headers in it count; folders below don't), a TIFF file, an ENVI cube
-    // or a CSV cube. False with "file: reason" in *pError: nothing there, no image in it, a file that cannot be read.
-    // An abort by `progress` (may be empty) is told by aborted(). `bFollow` as in EnviCube::open().
+    // `strSource` is a folder, a TIFF file, an ENVI cube, a CSV cube, or a PNG or JPEG picture. In a folder TIFF files
+    // and ENVI headers count, and pictures where there are none of these. One without any image stands for its only
+    // folder with images, or for its folders with one image each, which are then called by their folders' names; of
+    // others the names are told. A picture of several hues that is alone gives its red, green and blue. False with
+    // "file: reason" in *pError: nothing there, no image in it, a file that cannot be read. An abort by `progress` (may
+    // be empty) is told by aborted(). `bFollow` as in EnviCube::open().
     bool find(const QString& strSource, const Progress& progress, QString* pError, bool bFollow = false);
 
     const QVector<FoundImage>& images() const { return m_images; }
@@ -45,7 +48,11 @@ public:
 
 private:
     bool findInFolder(const QString& strFolder, const Progress& progress, QString* pError);
+    bool listFolder(const QString& strFolder, QStringList* pNames, QStringList* pOthers, QString* pError);
+    bool lookBelow(const QString& strFolder, QStringList* pNames, QString* pError);
     bool addFile(const QString& strPath, QString* pError);
+    bool addPicture(const QString& strPath, QString* pError);
+    bool splitLoneColours(const QString& strSource);
     bool addTiff(const QString& strPath, QString* pError);
     bool addEnvi(const QString& strPath, QString* pError);
     bool addCsv(const QString& strPath, QString* pError);
@@ -56,4 +63,5 @@ private:
     QStringList m_warnings;
     bool m_bAborted = false;
     bool m_bFollow = false;
+    bool m_bFoldersName = false; // the images are called by their folders
 };

@@ -2,13 +2,16 @@
 #include "services/importer/ImageStack.h"
 
 #include "platform/orvimage/TiffIo.h"
+#include "services/importer/ColourPlanes.h"
 #include "services/importer/ImportMemory.h"
+#include "services/importer/PictureFile.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
 #include <algorithm>
+#include <utility>
 
 bool ImageStack::isTiffFile(const QString& strPath)
 {
@@ -72,19 +75,27 @@ bool ImageStack::open(const QString& strSource, const ImagesTable& table, QStrin
     m_cubes.clear();
     m_csvCubes.clear();
     m_progress = {};
-    warnOf(m_mapped, QStringLiteral("a colour map: the stored values are taken, not the colours"));
-    warnOf(m_coloured, QStringLiteral("colours: their grey values are taken"));
-    warnOf(m_sampled, QStringLiteral("several samples a pixel and no band in the table: the first is taken"));
+    warnOf(m_mapped, QStringLiteral("a colour map: the stored values are taken, not the colours"), m_warnings);
+    warnOf(m_sampled, QStringLiteral("several samples a pixel and no band in the table: the first is taken"),
+           m_warnings);
     return true;
 }
 
-void ImageStack::warnOf(const QStringList& names, const QString& strWhat)
+QStringList ImageStack::colourWarnings() const
+{
+    QStringList warnings;
+    for (auto it = m_coloured.cbegin(); it != m_coloured.cend(); ++it) {
+        warnOf(it.value(), it.key(), warnings);
+    }
+    return warnings;
+}
+
+void ImageStack::warnOf(const QStringList& names, const QString& strWhat, QStringList& warnings)
 {
     if (names.size() == 1) {
-        m_warnings.append(QStringLiteral("%1 has %2").arg(names.first(), strWhat));
+        warnings.append(QStringLiteral("%1 has %2").arg(names.first(), strWhat));
     } else if (names.size() > 1) {
-        m_warnings.append(
-            QStringLiteral("%1 and %2 more have %3").arg(names.first()).arg(names.size() - 1).arg(strWhat));
+        warnings.append(QStringLiteral("%1 and %2 more have %3").arg(names.first()).arg(names.size() - 1).arg(strWhat));
     }
 }
 
@@ -111,6 +122,11 @@ bool ImageStack::locate(const QString& strSource, bool bFolder, const ImageRow& 
     }
     if (!bTiff && EnviCube::isEnvi(image.path)) {
         return openCube(row, image, pReason);
+    }
+    image.picture = !bTiff && isPictureName(image.path);
+    if (image.picture && row.page) {
+        *pReason = QStringLiteral("%1: a picture has no pages").arg(image.path);
+        return false;
     }
     image.page = row.page.value_or(1) - 1;
     image.band = row.band.value_or(0) - 1;
@@ -210,6 +226,9 @@ bool ImageStack::measure(Image& image, long* pWidth, long* pHeight, QString* pRe
         noteMemory(ORVTYPE_DOUBLE, static_cast<qint64>(sizeof(double)) * *pWidth * *pHeight);
         return true;
     }
+    if (image.picture) {
+        return measurePicture(image, pWidth, pHeight, pReason);
+    }
     TiffInfo info;
     if (!m_pages->readHeader(image.path, image.page, &info, pReason)) {
         return false;
@@ -226,15 +245,39 @@ bool ImageStack::measure(Image& image, long* pWidth, long* pHeight, QString* pRe
         m_mapped.append(image.name);
         image.band = 0;
     } else if (image.band < 0 && info.isColour) {
-        m_coloured.append(image.name);
+        image.coloured = true;
     } else if (image.band < 0 && info.samplesPerPixel > 1) {
         m_sampled.append(image.name);
     }
     if (info.type != ORVTYPE_NONE) { // else reading refuses it
-        noteMemory(info.type, tiffMemory(info));
+        constexpr qint64 planes = 3;
+        noteMemory(info.type, tiffMemory(info) * (image.coloured ? planes : 1));
     }
     *pWidth = info.width;
     *pHeight = info.height;
+    return true;
+}
+
+bool ImageStack::measurePicture(Image& image, long* pWidth, long* pHeight, QString* pReason)
+{
+    PictureHeader header;
+    if (!readPictureHeader(image.path, &header, pReason)) {
+        return false;
+    }
+    constexpr int planes = 3;
+    if (image.band >= planes) {
+        *pReason =
+            QStringLiteral("%1: there is no band %2 (a pixel has %3)").arg(image.path).arg(image.band + 1).arg(planes);
+        return false;
+    }
+    image.coloured = image.band < 0;
+    *pWidth = header.size.width();
+    *pHeight = header.size.height();
+    // As Qt reads it, in colours, and the planes.
+    const ORVDataTypes type = header.isDeep ? ORVTYPE_USHORT : ORVTYPE_BYTE;
+    const auto sample = static_cast<qint64>(CILImageBase::bytesPerPixel(type));
+    constexpr qint64 samples = 4 + 4 + planes;
+    noteMemory(type, samples * sample * *pWidth * *pHeight);
     return true;
 }
 
@@ -256,7 +299,37 @@ bool ImageStack::readBand(int i, CILImage& out, QString* pError) const
     if (image.csv) {
         return image.csv->readBand(image.band, out, pError);
     }
+    if (image.picture || image.coloured) {
+        return readColours(image, out, pError);
+    }
     TiffReadOptions options;
     options.band = image.band;
     return m_pages->read(image.path, image.page, options, out, pError);
+}
+
+bool ImageStack::readColours(const Image& image, CILImage& out, QString* pError) const
+{
+    out.clear();
+    ColourPlanes colours;
+    if (!(image.picture ? ColourPlanes::readPicture(image.path, colours, pError)
+                        : ColourPlanes::readTiffPage(*m_pages, image.path, image.page, colours, pError))) {
+        return false;
+    }
+    const ColourPlanes::Kind kind = image.coloured ? colours.kind() : ColourPlanes::Kind::Grey;
+    if (kind == ColourPlanes::Kind::Colours) {
+        m_coloured[QStringLiteral("colours: their grey values are taken")].append(image.name);
+        if (!image.picture) {
+            return m_pages->read(image.path, image.page, TiffReadOptions(), out, pError);
+        }
+        out = colours.luma();
+        return true;
+    }
+    if (kind == ColourPlanes::Kind::OneHue) {
+        const QString what =
+            QStringLiteral("one hue: its %1 values are taken").arg(ColourPlanes::name(colours.strongest()));
+        m_coloured[what].append(image.name);
+    }
+    const int plane = image.coloured ? colours.strongest() : image.band;
+    out = std::move(colours.planes[static_cast<std::size_t>(plane)]);
+    return true;
 }

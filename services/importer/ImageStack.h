@@ -8,6 +8,7 @@
 #include "services/importer/ImagesTable.h"
 
 #include <QHash>
+#include <QMap>
 #include <QSharedPointer>
 #include <QString>
 #include <QStringList>
@@ -42,8 +43,11 @@ public:
     QString name(int i) const { return m_images.at(i).name; }
     // What an ENVI header tells of the band, in nm.
     std::optional<double> wavelength(int i) const;
-    // Reads image i in its own type. False with "file: reason" in *pError; `out` is then empty.
+    // Reads image i in its own type. Of one in colours without a band, the plane that has the light where all is of one
+    // hue, else the grey values. False with "file: reason" in *pError; `out` is then empty.
     bool readBand(int i, CILImage& out, QString* pError) const;
+    // What was taken of the images in colours that have been read, a sentence each.
+    QStringList colourWarnings() const;
 
 private:
     struct Image
@@ -51,7 +55,9 @@ private:
         QString path;
         QString name;
         int page = 0;                  // from 0
-        int band = -1;                 // from 0; -1 for a TIFF page as a whole
+        int band = -1;                 // from 0; -1 for a TIFF page or a picture as a whole
+        bool picture = false;          // PNG or JPEG
+        bool coloured = false;         // and no band is given
         QSharedPointer<EnviCube> cube; // null but for an ENVI cube
         QSharedPointer<CsvCube> csv;   // null but for a CSV cube
     };
@@ -60,8 +66,10 @@ private:
     bool openCsv(const ImageRow& row, Image& image, QString* pReason);
     QSharedPointer<CsvCube> csvCube(const QString& strPath, QString* pReason);
     bool measure(Image& image, long* pWidth, long* pHeight, QString* pReason);
+    bool measurePicture(Image& image, long* pWidth, long* pHeight, QString* pReason);
+    bool readColours(const Image& image, CILImage& out, QString* pError) const;
     void noteMemory(ORVDataTypes type, qint64 lReadBytes);
-    void warnOf(const QStringList& names, const QString& strWhat);
+    static void warnOf(const QStringList& names, const QString& strWhat, QStringList& warnings);
 
     QVector<Image> m_images;
     QHash<QString, QSharedPointer<EnviCube>> m_cubes; // by path, while opening
@@ -69,9 +77,10 @@ private:
     CsvCube::Progress m_progress; // while opening
     bool m_bFollow = false;
     QSharedPointer<TiffPageReader> m_pages = QSharedPointer<TiffPageReader>::create();
-    QStringList m_mapped; // names of images with a colour map, in colours, of several samples a pixel
-    QStringList m_coloured;
+    QStringList m_mapped; // names of images with a colour map, of several samples a pixel
     QStringList m_sampled;
+    // Names of images in colours that were read, by what was taken of them.
+    mutable QMap<QString, QStringList> m_coloured;
     long m_lWidth = 0;
     long m_lHeight = 0;
     int m_nPixelBytes = 0;

@@ -266,6 +266,7 @@ bool Import::checkImages(QString* pError)
             return false;
         }
     }
+    m_report.warnings += m_stack.colourWarnings();
     return true;
 }
 

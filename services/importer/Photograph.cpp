@@ -2,13 +2,10 @@
 #include "services/importer/Photograph.h"
 
 #include "platform/orvimage/TiffIo.h"
-#include "platform/orvutils/InputFile.h"
 #include "services/importer/ImportMemory.h"
+#include "services/importer/PictureFile.h"
 
-#include <QFile>
 #include <QImage>
-#include <QImageReader>
-#include <QtEndian>
 
 #include <algorithm>
 #include <cmath>
@@ -22,11 +19,6 @@ namespace {
 constexpr double clippedShare = 0.005;
 // Difference of the shapes (width over height) above which a photograph looks squeezed.
 constexpr double shapeTolerance = 0.02;
-
-// No format packs photographs better than deflate packs zeros (1032 to 1); twice that is allowed, and a picture of some
-// size besides.
-constexpr qint64 maxCompression = 2064;
-constexpr qint64 allowedPixels = 1 << 20;
 
 template <class Pixel>
 void addPixels(const Pixel* pixels, std::vector<double>& sums)
@@ -124,76 +116,20 @@ std::size_t rankOf(double share, std::size_t nValues)
     return static_cast<std::size_t>(std::floor(share * static_cast<double>(nValues - 1) + 0.5));
 }
 
-bool claimsTooMuch(const QFile& file, const QSize& size)
-{
-    return static_cast<qint64>(size.width()) * size.height() > file.size() * maxCompression + allowedPixels;
-}
-
 bool isTiffName(const QString& path)
 {
     return path.endsWith(QLatin1String(".tif"), Qt::CaseInsensitive) ||
            path.endsWith(QLatin1String(".tiff"), Qt::CaseInsensitive);
 }
 
-// A header of a few bytes can claim any size, and some formats fill in what the file lacks.
-bool isCutShort(QFile& file, const QByteArray& format, const QSize& size)
-{
-    const qint64 place = file.pos();
-    bool cut = false;
-    if (format == "jpeg") {
-        // Behind the last scan stands the end mark; in the scan's data its bytes cannot occur.
-        constexpr qint64 tailBytes = 65536;
-        file.seek(std::max<qint64>(0, file.size() - tailBytes));
-        const QByteArray tail = file.read(tailBytes);
-        cut = tail.lastIndexOf("\xff\xd9") <= tail.lastIndexOf("\xff\xda");
-    } else if (format == "bmp") {
-        constexpr int headerBytes = 34;
-        file.seek(0);
-        const QByteArray header = file.read(headerBytes);
-        const auto word = [&header](int at) { return qFromLittleEndian<quint32>(header.constData() + at); };
-        const bool bPlain = header.size() == headerBytes && (word(30) == 0 || word(30) == 3); // else in runs
-        const qint64 bits = bPlain ? qFromLittleEndian<quint16>(header.constData() + 28) : 0;
-        const qint64 row = (size.width() * bits + 31) / 32 * 4;
-        cut = bPlain && word(10) + row * std::abs(size.height()) > file.size();
-    }
-    file.seek(place);
-    return cut;
-}
-
 bool readPicture(const QString& path, CILImage& out, QString* pError)
 {
-    const auto fail = [&](const QString& reason) {
-        *pError = QStringLiteral("%1: %2").arg(path, reason);
+    QImage picture;
+    if (!readPictureFile(path, picture, pError)) {
         return false;
-    };
-    QFile file(path);
-    QString reason;
-    if (!orv::openInput(file, &reason)) {
-        return fail(reason);
     }
-    if (file.size() == 0) {
-        return fail(QStringLiteral("the file is empty"));
-    }
-    QImageReader reader(&file);
-    reader.setAutoTransform(true);
-    const QByteArray format = reader.format();
-    if (format.isEmpty() || format.startsWith("svg")) { // a drawing has no size of its own
-        return fail(QStringLiteral("this is no picture of a known format"));
-    }
-    const QSize size = reader.size();
-    if (size.isValid() && claimsTooMuch(file, size)) {
-        return fail(QStringLiteral("the header claims %1 x %2 pixels, more than a file of %3 bytes can hold")
-                        .arg(size.width())
-                        .arg(size.height())
-                        .arg(file.size()));
-    }
-    const bool bCut = size.isValid() && isCutShort(file, format, size);
-    const QImage grey = bCut ? QImage() : reader.read().convertToFormat(QImage::Format_Grayscale8);
-    if (grey.isNull()) {
-        return fail(bCut ? QStringLiteral("the picture is broken or cut short")
-                         : QStringLiteral("the picture is broken or cut short (%1)").arg(reader.errorString()));
-    }
-    if (out.InitWithType(ORVTYPE_BYTE, grey.width(), grey.height()) != EIL_SUCCESS) {
+    const QImage grey = picture.convertToFormat(QImage::Format_Grayscale8);
+    if (grey.isNull() || out.InitWithType(ORVTYPE_BYTE, grey.width(), grey.height()) != EIL_SUCCESS) {
         *pError = QStringLiteral("%1: there is no memory for the photograph").arg(path);
         return false;
     }
@@ -307,14 +243,7 @@ qint64 photographMemory(const QString& strPath)
         const bool bRead = readTiffHeader(strPath, 0, &info, nullptr) && info.type != ORVTYPE_NONE;
         return bRead ? tiffMemory(info) : 0;
     }
-    QFile file(strPath);
-    QString reason;
-    if (!orv::openInput(file, &reason)) {
-        return 0;
-    }
-    const QSize size = QImageReader(&file).size();
-    constexpr qint64 bytes = 4 + 1 + 1; // colours, their grey values, the image
-    return size.isValid() && !claimsTooMuch(file, size) ? bytes * size.width() * size.height() : 0;
+    return pictureFileMemory(strPath);
 }
 
 bool loadPhotograph(const QString& strPath, long w, long h, CILImage& out, QStringList* pWarnings, QString* pError)

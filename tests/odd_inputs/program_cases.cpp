@@ -140,7 +140,7 @@ OddCases imports()
         program(
             "ImportOfEmptyFolder", {"import", "{dir}", "{dir}-out"}, "stack/readme.txt",
             [](const QString& path) { putFile(path, "hello"); }, C::Refused,
-            "spum: {dir}: there is no TIFF file and no ENVI header in the folder"),
+            "spum: {dir}: there is no TIFF file, no PNG or JPEG picture and no ENVI header in the folder"),
         program(
             "ImportOfFolderWithABrokenHeader", {"import", "{dir}", "{dir}-out"}, "stack/cube.hdr",
             [](const QString& path) { putFile(path, "ENVI\nsamples = many\n"); }, C::Refused,

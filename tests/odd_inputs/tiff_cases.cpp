@@ -101,8 +101,8 @@ OddCases headers()
             "Of65535Samples", [] { return OddTiff().set(T::Samples, T::Short, {65535}).bytes(); }, C::Refused,
             tooMuch("32 x 32 x 65535 samples of 16 bits")),
         tiff(
-            "OfHalfFloats", [] { return OddTiff().set(T::SampleFormat, T::Short, {3}).bytes(); }, C::Refused,
-            "{path}: 16 bit samples of format 3 are not supported"),
+            "OfComplexNumbers", [] { return OddTiff().set(T::SampleFormat, T::Short, {5}).bytes(); }, C::Refused,
+            "{path}: 16 bit samples of format 5 are not supported"),
         tiff(
             "OfUnknownCompression", [] { return OddTiff().set(T::Compression, T::Short, {54321}).bytes(); }, C::Refused,
             "{path}: the pixels from row 0 on cannot be read ({...})"),

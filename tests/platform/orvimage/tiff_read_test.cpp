@@ -247,11 +247,32 @@ TEST_F(TiffReadTest, HeaderTextsAreGiven)
     EXPECT_TRUE(info.software.isEmpty());
 }
 
+TEST_F(TiffReadTest, HalfFloatsAndIntegersOf64BitsKeepTheirValues)
+{
+    // 1, -2 and 0.5 as half floats.
+    writeTestTiff(path(), {greyPage<std::uint16_t>(3, 1, SAMPLEFORMAT_IEEEFP, {0x3c00, 0xc000, 0x3800})});
+    CILImage image;
+    QString error;
+    ASSERT_TRUE(readTiff(path(), 0, image, &error)) << qPrintable(error);
+    EXPECT_EQ(ORVTYPE_FLOAT, image.dataType());
+    EXPECT_EQ(1.0, image.value(0));
+    EXPECT_EQ(-2.0, image.value(1));
+    EXPECT_EQ(0.5, image.value(2));
+    writeTestTiff(path(), {greyPage<std::int64_t>(2, 1, SAMPLEFORMAT_INT, {-3, std::int64_t{1} << 40})});
+    ASSERT_TRUE(readTiff(path(), 0, image, &error)) << qPrintable(error);
+    EXPECT_EQ(ORVTYPE_DOUBLE, image.dataType());
+    EXPECT_EQ(-3.0, image.value(0));
+    EXPECT_EQ(1099511627776.0, image.value(1));
+    writeTestTiff(path(), {greyPage<std::uint64_t>(1, 1, SAMPLEFORMAT_UINT, {7})});
+    ASSERT_TRUE(readTiff(path(), 0, image, &error)) << qPrintable(error);
+    EXPECT_EQ(7.0, image.value(0));
+}
+
 TEST_F(TiffReadTest, UnsupportedSamplesAreNamed)
 {
-    TestPage half = greyPage<std::uint16_t>(1, 1, SAMPLEFORMAT_IEEEFP, {0});
-    writeTestTiff(path(), {half});
-    EXPECT_EQ("16 bit samples of format 3 are not supported", refusal(path()));
+    TestPage tiny = greyPage<std::uint8_t>(1, 1, SAMPLEFORMAT_IEEEFP, {0});
+    writeTestTiff(path(), {tiny});
+    EXPECT_EQ("8 bit samples of format 3 are not supported", refusal(path()));
     TestPage complex = greyPage<double>(1, 1, SAMPLEFORMAT_COMPLEXIEEEFP, {0});
     writeTestTiff(path(), {complex});
     EXPECT_EQ("64 bit samples of format 6 are not supported", refusal(path()));

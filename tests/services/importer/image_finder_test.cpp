@@ -5,6 +5,8 @@
 #include "services/importer/ImporterFixture.h"
 #include "services/importer/InferredTable.h"
 
+#include <QImage>
+
 namespace {
 
 class ImageFinderTest : public ImporterFixture
@@ -100,7 +102,8 @@ TEST_F(ImageFinderTest, ATableInTheFolderIsPointedOut)
 TEST_F(ImageFinderTest, WhatCannotBeReadIsNamed)
 {
     QDir().mkpath(path("empty"));
-    EXPECT_EQ(refusal(path("empty")), path("empty") + ": there is no TIFF file and no ENVI header in the folder");
+    EXPECT_EQ(refusal(path("empty")),
+              path("empty") + ": there is no TIFF file, no PNG or JPEG picture and no ENVI header in the folder");
     EXPECT_EQ(refusal(path("absent")), path("absent") + ": there is no such file or folder");
     writeRamp("in/em700.tif", 1);
     write("in/em720.tif", "no TIFF");
@@ -237,4 +240,42 @@ TEST_F(ImageFinderTest, AStackOfFramesWithoutSecondsIsNumberedAndSaysSo)
     EXPECT_TRUE(table.isNumbered());
     EXPECT_TRUE(table.notes().join(' ').contains("said to be a series of times"))
         << qPrintable(table.notes().join(' '));
+}
+
+TEST_F(ImageFinderTest, PicturesCountWhereThereAreNoMeasuredImages)
+{
+    QDir().mkpath(path("in"));
+    QImage grey(4, 3, QImage::Format_Grayscale8);
+    grey.fill(7);
+    ASSERT_TRUE(grey.save(path("in/700nm.png")));
+    ASSERT_TRUE(grey.save(path("in/720nm.JPG"), "JPEG"));
+    EXPECT_EQ(table(path("in")), "700nm.png,,700,name: 700nm\n720nm.JPG,,720,name: 720nm\n");
+    EXPECT_TRUE(m_finder.warnings().isEmpty());
+    writeRamp("in/em800.tif", 1);
+    EXPECT_EQ(table(path("in")), "em800.tif,,800,name: em800\n");
+    EXPECT_EQ(m_finder.warnings(), QStringList("700nm.png and 1 more files are passed over"));
+}
+
+TEST_F(ImageFinderTest, APictureOfSeveralHuesThatIsAloneGivesItsColours)
+{
+    QDir().mkpath(path("in"));
+    QImage picture(4, 3, QImage::Format_RGB32);
+    picture.fill(qRgb(200, 120, 160));
+    picture.setPixel(1, 1, qRgb(20, 220, 60));
+    ASSERT_TRUE(picture.save(path("in/stain.png")));
+    EXPECT_EQ(table(path("in")), "stain.png,1,red,\nstain.png,2,green,\nstain.png,3,blue,\n");
+    EXPECT_EQ(table(path("in/stain.png")), "stain.png,1,red,\nstain.png,2,green,\nstain.png,3,blue,\n");
+}
+
+TEST_F(ImageFinderTest, AFolderOfFoldersTellsTheirNamesWhereItIsNotClearWhichAreMeant)
+{
+    writeRamp("in/leaf/a.tif", 1);
+    writeRamp("in/leaf/b.tif", 1);
+    EXPECT_EQ(table(path("in")), "leaf/a.tif,a,\nleaf/b.tif,b,\n");
+    EXPECT_EQ(m_finder.warnings(), QStringList("the images are those of the folder leaf"));
+    writeRamp("in/soil/a.tif", 1);
+    EXPECT_EQ(refusal(path("in")), path("in") + ": the images lie in the folders leaf, soil; import one of them");
+    writeRamp("each/DAPI/img.tif", 1);
+    writeRamp("each/GFP/img.tif", 1);
+    EXPECT_EQ(table(path("each")), "DAPI/img.tif,DAPI,\nGFP/img.tif,GFP,\n");
 }

@@ -2,6 +2,10 @@
 // Stacks of pages, bands and samples, and images with a colour map.
 #include "services/importer/StackFixture.h"
 
+#include <QImage>
+
+#include <cmath>
+
 #include <tiffio.h>
 
 #include <cstdint>
@@ -136,4 +140,91 @@ TEST_F(ImporterSourcesTest, ReadsTheSamplesOfAPixelAsBands)
     m_options.output = path("grey");
     ASSERT_TRUE(import()) << qPrintable(m_error);
     EXPECT_EQ(m_report.warnings, QStringList{"rgb.tif has colours: their grey values are taken"});
+}
+
+namespace {
+
+QImage dyed(int red, int green, int blue)
+{
+    QImage picture(16, 16, QImage::Format_RGB32);
+    for (int y = 0; y < 16; ++y) {
+        for (int x = 0; x < 16; ++x) {
+            const int v = 10 * x + 5 * y;
+            picture.setPixel(x, y, qRgb(v * red / 4, v * green / 4, v * blue / 4));
+        }
+    }
+    return picture;
+}
+
+} // namespace
+
+TEST_F(ImporterSourcesTest, PicturesAreImagesWithTheirOwnDepth)
+{
+    QDir().mkpath(path("stack"));
+    QImage grey(5, 4, QImage::Format_Grayscale8);
+    QImage deep(5, 4, QImage::Format_Grayscale16);
+    for (int y = 0; y < 4; ++y) {
+        for (int x = 0; x < 5; ++x) {
+            grey.scanLine(y)[x] = static_cast<unsigned char>(10 * y + x);
+            reinterpret_cast<unsigned short*>(deep.scanLine(y))[x] = static_cast<unsigned short>(3000 * y + x);
+        }
+    }
+    ASSERT_TRUE(grey.save(path("stack/em700.png")));
+    ASSERT_TRUE(deep.save(path("stack/em720.PNG"), "PNG"));
+    m_options.source = path("stack");
+    m_options.tableText = "file,emission\nem700.png,700\nem720.PNG,720\n";
+    m_options.output = path("out");
+    ASSERT_TRUE(import()) << qPrintable(m_error);
+    EXPECT_TRUE(m_report.warnings.isEmpty()) << qPrintable(m_report.warnings.join('|'));
+    CORVSequenceDataset sequence;
+    open(sequence);
+    CILImage* image = sequence.getDatasets()[1]->getCoreImage(IMAGETYPE_LUMINESCENT);
+    ASSERT_NE(image, nullptr);
+    EXPECT_EQ(image->dataType(), ORVTYPE_USHORT);
+    EXPECT_EQ(image->value(3 * 5 + 4), 9004.0);
+    EXPECT_EQ(sequence.getDatasets()[0]->getCoreImage(IMAGETYPE_LUMINESCENT)->value(2 * 5 + 3), 23.0);
+}
+
+TEST_F(ImporterSourcesTest, OfImagesDyedInOneHueItsChannelIsTaken)
+{
+    QDir().mkpath(path("stack"));
+    ASSERT_TRUE(dyed(0, 0, 4).save(path("stack/dapi.png")));
+    ASSERT_TRUE(dyed(4, 2, 0).save(path("stack/orange.jpg"), "JPEG", 95));
+    ASSERT_TRUE(dyed(4, 4, 4).save(path("stack/grey.png")));
+    QImage many = dyed(4, 0, 0);
+    many.setPixel(3, 3, qRgb(0, 255, 200));
+    many.fill(qRgb(200, 30, 90));
+    many.setPixel(0, 0, qRgb(10, 200, 30));
+    ASSERT_TRUE(many.save(path("stack/many.png")));
+    m_options.source = path("stack");
+    m_options.tableText = "file,channel\ndapi.png,a\norange.jpg,b\ngrey.png,c\nmany.png,d\n";
+    m_options.output = path("out");
+    ASSERT_TRUE(import()) << qPrintable(m_error);
+    EXPECT_EQ(m_report.warnings, (QStringList{"many.png has colours: their grey values are taken",
+                                              "dapi.png has one hue: its blue values are taken",
+                                              "orange.jpg has one hue: its red values are taken"}));
+    CORVSequenceDataset sequence;
+    open(sequence);
+    const auto value = [&](int image) {
+        return sequence.getDatasets()[image]->getCoreImage(IMAGETYPE_LUMINESCENT)->value(15 * 16 + 15);
+    };
+    EXPECT_EQ(value(0), 225.0);
+    EXPECT_NEAR(value(1), 225.0, 4.0); // as JPEG has it
+    EXPECT_EQ(value(2), 225.0);
+    EXPECT_EQ(value(3), std::round(0.299 * 200 + 0.587 * 30 + 0.114 * 90));
+}
+
+TEST_F(ImporterSourcesTest, APictureThatIsCutShortIsRefused)
+{
+    QDir().mkpath(path("stack"));
+    ASSERT_TRUE(dyed(4, 4, 4).save(path("whole.jpg")));
+    QFile file(path("whole.jpg"));
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    write("stack/a.jpg", file.readAll().chopped(8));
+    m_options.source = path("stack");
+    m_options.tableText = "file,channel\na.jpg,a\n";
+    m_options.output = path("out");
+    EXPECT_EQ(refusal(), path("stack/a.jpg") + ": the picture is broken or cut short");
+    m_options.tableText = "file,band,channel\na.jpg,4,a\n";
+    EXPECT_EQ(refusal(), "inferred table:2: " + path("stack/a.jpg") + ": there is no band 4 (a pixel has 3)");
 }

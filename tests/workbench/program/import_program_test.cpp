@@ -250,7 +250,8 @@ TEST_F(ImportProgramTest, OptionsThatMeanNothingAreRefused)
 TEST_F(ImportProgramTest, AwkwardStacksAreRefusedByName)
 {
     QDir().mkpath(path("empty"));
-    EXPECT_EQ(refusal({"import", "empty", "seq"}), "empty: there is no TIFF file and no ENVI header in the folder");
+    EXPECT_EQ(refusal({"import", "empty", "seq"}),
+              "empty: there is no TIFF file, no PNG or JPEG picture and no ENVI header in the folder");
     writeTiffFile("mixed/em700.tif", imageOf(4, 4, [](int) { return 8.0F; }));
     writeTiffFile("mixed/em720.tif", imageOf(4, 5, [](int) { return 8.0F; }));
     EXPECT_EQ(refusal({"import", "mixed", "seq"}),
