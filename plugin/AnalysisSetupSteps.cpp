@@ -15,6 +15,7 @@
 #include "host/CORVProcess.h"
 #include "host/CORVSequenceWindow.h"
 #include "host/CORVUtilityFns.h"
+#include "services/basis/ImageExtent.h"
 #include "spectra/SpUnmixSpectrumLibraryWnd.h"
 #include "spectra/SpectrumPlotParams.h"
 #include "spectra/logLine.h"
@@ -181,7 +182,7 @@ void AnalysisSetup::takeWizardInput()
     SpUnmixWizardWnd& wizard = *m_engine.m_pWizard;
     AnalysisInput& input = m_engine.m_analysisInput;
     const CILImage* pMask = wizard.getMaskImage();
-    input.maskImage = pMask != nullptr ? *pMask : CILImage();
+    input.maskImage = withoutPadding(pMask != nullptr ? *pMask : CILImage(), m_engine);
     input.componentNames = wizard.getComponentNames();
     input.useConstraints = wizard.isUseConstraints();
     input.decayCorrection = wizard.m_bApplyDecayCorrection;

@@ -7,12 +7,15 @@
 #include "host/CORVSequenceDataset.h"
 #include "services/analysis/MaskImage.h"
 #include "services/basis/Failure.h"
+#include "services/basis/ImageExtent.h"
 #include "services/basis/JobMonitor.h"
 #include "services/basis/ModeNames.h"
 #include "services/basis/UnitNames.h"
 #include "services/session/PairSelection.h"
 #include "services/session/UnitForecast.h"
 #include "spectra/logLine.h"
+
+#include <utility>
 
 namespace {
 
@@ -112,8 +115,10 @@ void AnalysisSetUp::reset(int nMode)
 void AnalysisSetUp::takeMask(int nPixelsNeeded)
 {
     qint64 pixels = static_cast<qint64>(engine().m_nWidth) * engine().m_nHeight;
-    if (m_request.mask.kind != MaskRequest::Kind::None) {
-        engine().m_analysisInput.maskImage = maskImageOf(m_request.mask, engine());
+    CILImage mask = m_request.mask.kind == MaskRequest::Kind::None ? CILImage() : maskImageOf(m_request.mask, engine());
+    mask = withoutPadding(mask, engine());
+    if (!mask.isEmpty()) {
+        engine().m_analysisInput.maskImage = std::move(mask);
         if (!engine().takeDataMask()) {
             throw Failure(unusableMaskText(m_request.mask, engine()));
         }

@@ -4,6 +4,7 @@
 #include "engine/CORVSpumKyvo.h"
 #include "services/analysis/MaskFile.h"
 #include "services/basis/Failure.h"
+#include "services/basis/ImageExtent.h"
 #include "windows/drawnMask.h"
 #include "windows/maskPixels.h"
 #include "windows/photoMask.h"
@@ -36,15 +37,16 @@ CILImage photographMask(double dThreshold, const CORVSpumKyvo& engine)
 
 CILImage drawnMask(const MaskRequest& option, const CORVSpumKyvo& engine)
 {
-    if (option.x < 0 || option.y < 0 || option.x > engine.m_nWidth - option.width ||
-        option.y > engine.m_nHeight - option.height) {
+    const QSize extent = analysedExtent(engine);
+    if (option.x < 0 || option.y < 0 || option.x > extent.width() - option.width ||
+        option.y > extent.height() - option.height) {
         throw Failure(QStringLiteral("--mask: the shape %1,%2,%3,%4 leaves the images of %5 x %6 pixels at binning %7")
                           .arg(option.x)
                           .arg(option.y)
                           .arg(option.width)
                           .arg(option.height)
-                          .arg(engine.m_nWidth)
-                          .arg(engine.m_nHeight)
+                          .arg(extent.width())
+                          .arg(extent.height())
                           .arg(engine.m_nBinning));
     }
     const DrawnShape shape = shapeOverPixels(engine.m_nWidth, engine.m_nHeight, option.x, option.y, option.width,
@@ -64,7 +66,7 @@ CILImage maskImageOf(const MaskRequest& option, const CORVSpumKyvo& engine)
     case MaskRequest::Kind::Photograph:
         return photographMask(option.threshold, engine);
     case MaskRequest::Kind::File:
-        return readMaskFile(option.file, engine.m_nWidth, engine.m_nBinning);
+        return readMaskFile(option.file, engine.m_nWidth, engine.m_nBinning, analysedExtent(engine));
     case MaskRequest::Kind::Rectangle:
     case MaskRequest::Kind::Ellipse:
         return drawnMask(option, engine);

@@ -5,6 +5,7 @@
 #include "engine/EngineEnums.h"
 #include "host/CORVSequenceDataset.h"
 #include "services/basis/Failure.h"
+#include "services/basis/ImageExtent.h"
 #include "services/basis/UnitNames.h"
 #include "services/session/LibrarySpectra.h"
 #include "services/session/OpenedSequence.h"
@@ -79,12 +80,13 @@ Region parseRegion(const QString& strText)
 
 std::vector<int> pixelsOf(const Region& region, const CORVSpumKyvo& engine)
 {
-    if (region.x < 0 || region.y < 0 || region.x > engine.m_nWidth - region.width ||
-        region.y > engine.m_nHeight - region.height) {
+    const QSize extent = analysedExtent(engine);
+    if (region.x < 0 || region.y < 0 || region.x > extent.width() - region.width ||
+        region.y > extent.height() - region.height) {
         throw Failure(QStringLiteral("the region \"%1\" leaves the image of %2 x %3 pixels")
                           .arg(region.name)
-                          .arg(engine.m_nWidth)
-                          .arg(engine.m_nHeight));
+                          .arg(extent.width())
+                          .arg(extent.height()));
     }
     std::vector<int> pixels;
     for (int y = region.y; y < region.y + region.height; ++y) {

@@ -2,6 +2,7 @@
 #include "services/pictures/MaskPicture.h"
 
 #include "engine/CORVSpumKyvo.h"
+#include "services/basis/ImageExtent.h"
 
 QImage maskPicture(const CORVSpumKyvo& engine)
 {
@@ -10,5 +11,6 @@ QImage maskPicture(const CORVSpumKyvo& engine)
     for (const int index : engine.m_cube.m_maskIndices) {
         mask.scanLine(index / engine.m_nWidth)[index % engine.m_nWidth] = 255;
     }
-    return mask;
+    const QSize extent = analysedExtent(engine);
+    return mask.copy(0, 0, extent.width(), extent.height());
 }

@@ -4,6 +4,7 @@
 #include "engine/CORVSpumKyvo.h"
 #include "host/CILImage.h"
 #include "host/CORVLog.h"
+#include "services/basis/ImageExtent.h"
 #include "spectra/logLine.h"
 #include "windows/compositePicture.h"
 
@@ -47,6 +48,10 @@ StartedComposite startedComposite(const CORVSpumKyvo& engine, int nSpot)
     started.layers = compositeStartLayers(maps, input.channels, photo);
     takeCompositeSpot(maps, nSpot, started.layers);
     started.picture = compositePicture(maps, nSpot, started.layers, photo);
+    const QSize extent = extentOfPicture(engine, started.picture.width(), started.picture.height());
+    if (!started.picture.isNull() && extent != started.picture.size()) {
+        started.picture = started.picture.copy(0, 0, extent.width(), extent.height());
+    }
     return started;
 }
 

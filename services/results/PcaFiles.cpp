@@ -5,6 +5,7 @@
 #include "files/AtomicFile.h"
 #include "platform/orvimage/pngBytes.h"
 #include "services/basis/Failure.h"
+#include "services/basis/ImageExtent.h"
 #include "services/basis/TextTable.h"
 #include "services/basis/UnitNames.h"
 #include "services/pictures/MaskPicture.h"
@@ -34,8 +35,8 @@ PlotCurve curveOf(const QString& strLabel, const QColor& color, Qt::PenStyle eSt
 } // namespace
 
 PcaFiles::PcaFiles(const CORVSpumKyvo& engine, const XTNT::Vector<double>& eigenvalues)
-    : m_engine(engine), m_eigenvalues(eigenvalues), m_explained(explainedVariance(eigenvalues)),
-      m_above(ComponentNumber::of(engine.m_cube.m_data))
+    : m_engine(engine), m_extent(analysedExtent(engine)), m_eigenvalues(eigenvalues),
+      m_explained(explainedVariance(eigenvalues)), m_above(ComponentNumber::of(engine.m_cube.m_data))
 {
 }
 
@@ -58,11 +59,11 @@ QString PcaFiles::text() const
                           "Explained variance (%): %10\n")
                .arg(UnitNames::text(m_engine.m_eUnit))
                .arg(m_engine.m_selectedKeyPairs.size())
-               .arg(m_engine.m_nWidth)
-               .arg(m_engine.m_nHeight)
+               .arg(m_extent.width())
+               .arg(m_extent.height())
                .arg(m_engine.m_nBinning)
                .arg(m_engine.m_cube.pixelsPerSpot())
-               .arg(static_cast<qint64>(m_engine.m_nWidth) * m_engine.m_nHeight)
+               .arg(static_cast<qint64>(m_extent.width()) * m_extent.height())
                .arg(table.toText())
                .arg(m_explained.nSuggested)
                .arg(explainedVarianceText(m_explained.dSuggestedPercent)) +
@@ -82,8 +83,8 @@ QJsonObject PcaFiles::json() const
     }
     QJsonObject json{{"unit", UnitNames::text(m_engine.m_eUnit)},
                      {"images", m_engine.m_selectedKeyPairs.size()},
-                     {"width", m_engine.m_nWidth},
-                     {"height", m_engine.m_nHeight},
+                     {"width", m_extent.width()},
+                     {"height", m_extent.height()},
                      {"binning", m_engine.m_nBinning},
                      {"pixels", static_cast<qint64>(m_engine.m_cube.pixelsPerSpot())},
                      {"suggested", m_explained.nSuggested},
@@ -143,7 +144,7 @@ void PcaFiles::write(const QString& strFolder)
     const SpectrumPlot plot = screePlot();
     put(strFolder + QStringLiteral("scree.png"), orvimage::pngBytes(plot.toImage(plotSize)));
     put(strFolder + QStringLiteral("scree.svg"), plot.toSvg(plotSize));
-    if (m_engine.m_cube.pixelsPerSpot() < static_cast<long long>(m_engine.m_nWidth) * m_engine.m_nHeight) {
+    if (m_engine.m_cube.pixelsPerSpot() < static_cast<long long>(m_extent.width()) * m_extent.height()) {
         put(strFolder + QStringLiteral("mask.png"), orvimage::pngBytes(maskPicture(m_engine)));
     }
     TextTable table({QStringLiteral("components"), QStringLiteral("explained variance"), QStringLiteral("of this one"),

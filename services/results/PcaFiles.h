@@ -6,6 +6,7 @@
 #include "windows/explainedVariance.h"
 
 #include <QJsonObject>
+#include <QSize>
 #include <QString>
 #include <QStringList>
 
@@ -33,6 +34,7 @@ private:
     void put(const QString& strPath, const QByteArray& bytes);
 
     const CORVSpumKyvo& m_engine;
+    const QSize m_extent; // of the images
     XTNT::Vector<double> m_eigenvalues;
     ExplainedVariance m_explained;
     ComponentNumber m_above;

@@ -2,6 +2,7 @@
 #include "services/results/ResultFacts.h"
 
 #include "engine/CORVSpumKyvo.h"
+#include "services/basis/ImageExtent.h"
 #include "services/basis/ModeNames.h"
 #include "services/basis/UnitNames.h"
 #include "services/results/FitStatistics.h"
@@ -128,8 +129,9 @@ ResultFacts factsOfResult(const CORVSpumKyvo& engine, const ResultNumbers& numbe
     facts.method = ModeNames::option(engine.m_eMode);
     facts.unit = UnitNames::text(engine.m_eUnit);
     facts.images = engine.m_selectedKeyPairs.size();
-    facts.width = engine.m_nWidth;
-    facts.height = engine.m_nHeight;
+    const QSize extent = analysedExtent(engine);
+    facts.width = extent.width();
+    facts.height = extent.height();
     facts.binning = engine.m_nBinning;
     facts.pixels = engine.m_cube.pixelsPerSpot();
     facts.spots = std::max(1, engine.m_cube.m_nSpots);

@@ -9,6 +9,7 @@
 #include "platform/orvimage/TiffIo.h"
 #include "platform/orvimage/pngBytes.h"
 #include "services/basis/Failure.h"
+#include "services/basis/ImageExtent.h"
 #include "services/basis/TextTable.h"
 #include "services/basis/UnitNames.h"
 #include "services/pictures/MaskPicture.h"
@@ -34,7 +35,7 @@ const QSize plotSize(1100, 700);
 constexpr int overviewMaps = 12;
 constexpr int reportedComposites = 6;
 
-// A component's map at a spot as an image; 0 outside the mask.
+// A component's map at a spot as an image of the shape that the images had; 0 outside the mask.
 CILImage imageOfMap(const CORVSpumKyvo& engine, int nComponent, int nSpot)
 {
     CILImage image;
@@ -48,8 +49,20 @@ CILImage imageOfMap(const CORVSpumKyvo& engine, int nComponent, int nSpot)
             engine.m_cube.m_bHasMask ? engine.m_cube.m_maskIndices[static_cast<std::size_t>(j)] : static_cast<int>(j);
         target[place] = static_cast<float>(row[j]);
     }
+    const QSize extent = analysedExtent(engine);
+    image = croppedImage(image, extent.width(), extent.height());
     image.RefreshImageStats();
     return image;
+}
+
+// The photograph without what was added to make a square of it; null where there is none.
+std::optional<CILImage> photographOf(const CORVSpumKyvo& engine)
+{
+    if (engine.m_pPhoto == nullptr) {
+        return std::nullopt;
+    }
+    const QSize extent = extentOfPicture(engine, engine.m_pPhoto->m_lWidth, engine.m_pPhoto->m_lHeight);
+    return croppedImage(*engine.m_pPhoto, extent.width(), extent.height());
 }
 
 // What the numbers of a map are: "Radiance [p/s/cm²/sr]", and "Counts", which is its own unit.
@@ -145,7 +158,11 @@ void ResultFiles::writeMap(int nComponent, int nSpot)
     options.colorTable = m_engine.m_nColorMap;
     options.reversed = m_engine.m_bReverse;
     options.logScale = m_engine.m_bLogScale;
-    const QImage picture = orvimage::renderMapOverPhotograph(map, m_engine.m_pPhoto, options);
+    if (!m_bPhotograph) {
+        m_photograph = photographOf(m_engine);
+        m_bPhotograph = true;
+    }
+    const QImage picture = orvimage::renderMapOverPhotograph(map, m_photograph ? &*m_photograph : nullptr, options);
     const QByteArray png = orvimage::pngBytes(picture);
     put(name + QStringLiteral(".png"), png);
     if (m_pictures.size() >= overviewMaps) {
@@ -217,7 +234,8 @@ void ResultFiles::writePlot()
 
 void ResultFiles::writeMask()
 {
-    if (!m_engine.m_cube.m_bHasMask) {
+    // Of all pixels of the images there is nothing to tell.
+    if (!m_engine.m_cube.m_bHasMask || m_facts.pixels == static_cast<long long>(m_facts.width) * m_facts.height) {
         return;
     }
     put(QStringLiteral("mask.png"), orvimage::pngBytes(maskPicture(m_engine)));

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "host/CILImage.h"
 #include "services/pictures/ResultComposite.h"
 #include "services/results/ResultFacts.h"
 #include "services/results/ResultNumbers.h"
@@ -60,6 +61,8 @@ private:
     QStringList m_files;
     QList<QImage> m_pictures; // of the overview
     std::optional<QList<CompositeFile>> m_composites;
+    bool m_bPhotograph = false;           // whether the next has been made
+    std::optional<CILImage> m_photograph; // of the shape of the maps
     bool m_bReport = false;
     bool m_bPdf = false;
     ReportFrame m_frame;

@@ -9,6 +9,7 @@
 #include "platform/orvapi/ClickInfoKeys.h"
 #include "platform/orvapi/ClickInfoValues.h"
 #include "services/basis/Failure.h"
+#include "services/basis/ImageExtent.h"
 #include "services/basis/JobMonitor.h"
 #include "services/basis/UnitNames.h"
 #include "services/session/PairSelection.h"
@@ -96,29 +97,6 @@ QString spectralName(const CORVDataset& dataset, const ExportedCube::Image& imag
         parts.append(QStringLiteral("spot x%1 y%2").arg(x, y));
     }
     return parts.join(QLatin1Char('_'));
-}
-
-// Width and height before an import made a square of the image; nothing when they are not known.
-std::optional<QSize> extentOf(const CORVDataset& dataset)
-{
-    static const QRegularExpression size(QStringLiteral(R"(^(\d{1,6})\s*x\s*(\d{1,6})$)"));
-    const auto match = size.match(clickText(dataset.clickInfo, ClickKeys::kLuminescentImage, ClickKeys::kImageExtent));
-    return match.hasMatch() ? std::optional<QSize>(QSize(match.captured(1).toInt(), match.captured(2).toInt()))
-                            : std::nullopt;
-}
-
-// The upper left part of that size.
-void crop(CILImage& image, long lWidth, long lHeight)
-{
-    CILImage part;
-    if (part.InitWithType(ORVTYPE_FLOAT, lWidth, lHeight) != EIL_SUCCESS) {
-        throw Failure(QStringLiteral("there is no memory for an image"));
-    }
-    for (long y = 0; y < lHeight; ++y) {
-        std::copy_n(image.floats() + y * image.m_lWidth, lWidth, part.floats() + y * lWidth);
-    }
-    part.m_fBinning = image.m_fBinning;
-    image = std::move(part);
 }
 
 } // namespace
@@ -261,11 +239,11 @@ void ExportedCube::settleTimes()
 // Where an import made squares of all images alike.
 void ExportedCube::cropToExtent()
 {
-    const auto extent = extentOf(*m_opened.sequence().getDataset(m_images.first().click));
+    const auto extent = extentBeforePadding(*m_opened.sequence().getDataset(m_images.first().click));
     m_lStoredWidth = m_lWidth;
     m_lStoredHeight = m_lHeight;
     for (const Image& image : m_images) {
-        if (!extent || extentOf(*m_opened.sequence().getDataset(image.click)) != extent) {
+        if (!extent || extentBeforePadding(*m_opened.sequence().getDataset(image.click)) != extent) {
             return;
         }
     }
@@ -351,7 +329,7 @@ void ExportedCube::read(int i, CILImage& out)
         throw Failure(QStringLiteral("image %1 (%2) has changed while it was read").arg(image.name, image.click));
     }
     if (m_lWidth != m_lStoredWidth || m_lHeight != m_lStoredHeight) {
-        crop(out, m_lWidth, m_lHeight);
+        out = croppedImage(out, m_lWidth, m_lHeight);
     }
 }
 

@@ -80,9 +80,8 @@ TEST_F(ImportProgramTest, TiffFilesBecomeASequenceThatUnmixes)
     for (int i = 0; i < 30; ++i) {
         EXPECT_NEAR(map.value(static_cast<std::size_t>(i)), static_cast<double>(dyeA(i)), 1e-5) << i;
     }
-    for (int i = 30; i < 36; ++i) {
-        EXPECT_EQ(map.value(static_cast<std::size_t>(i)), 0.0) << i;
-    }
+    EXPECT_EQ(map.m_lWidth, 6);
+    EXPECT_EQ(map.m_lHeight, 5) << "the shape of the images, without the row that made a square of them";
 }
 
 TEST_F(ImportProgramTest, TheAnswerTellsWhatWasMade)
@@ -328,12 +327,12 @@ TEST_F(ImportProgramTest, APhotographThatIsTheMeanOfTheImagesCutsOutNoMask)
     EXPECT_TRUE(succeed({"pca", "seq", "--force"}).out.contains(", 144 of 144 pixels analysed\n"));
     const QByteArray masked = succeed(unmix + QStringList{"--mask", "auto"}).out;
     EXPECT_FALSE(masked.contains(", 144 of 144 pixels analysed\n")) << masked.constData();
-    EXPECT_TRUE(masked.contains(" of 144 pixels analysed\n")) << masked.constData();
+    EXPECT_TRUE(masked.contains(" of 144 pixels analysed, with ")) << masked.constData();
     // A photograph of a camera is one.
     writeTiffFile("photo.tif", imageOf(12, 12, [](int i) { return i % 12 < 6 ? 10.0F : 200.0F; }));
     succeed({"import", "stack", "other", "--photo", "photo.tif", "--quiet"});
     EXPECT_TRUE(succeed({"unmix", "other", "--ncomponents", "2", "--no-constraints"})
-                    .out.contains(", 72 of 144 pixels analysed\n"));
+                    .out.contains(", 72 of 144 pixels analysed, with "));
 }
 
 TEST_F(ImportProgramTest, ATableLeadsOutOfItsFolderOnlyWhenFollowed)
@@ -433,4 +432,44 @@ TEST_F(ImportProgramTest, ChannelsAreNumberedWhateverIsToldWhenAsked)
     EXPECT_EQ(json["numbered"], true);
     EXPECT_EQ(json["table"].toArray()[0].toObject()["channel"], "ex640-660");
     EXPECT_TRUE(refusal({"import", "stack", "s", "--channels", "--interval", "2"}, 2).startsWith("--interval makes"));
+}
+
+TEST_F(ImportProgramTest, ResultsHaveTheShapeOfTheImagesAndCountNoPadding)
+{
+    writeTiffFile("stack/a.tif", imageOf(12, 7, [](int i) { return dyeA(i); }));
+    writeTiffFile("stack/b.tif", imageOf(12, 7, [](int i) { return 0.5F * dyeA(i) + 0.25F * dyeB(i); }));
+    writeTiffFile("stack/c.tif", imageOf(12, 7, [](int i) { return dyeB(i); }));
+    succeed({"import", "stack", "seq"});
+    const QJsonObject summary = succeed({"unmix", "seq", "--ncomponents", "2", "--out", "maps", "--json"}).json();
+    EXPECT_EQ(summary["width"], 12);
+    EXPECT_EQ(summary["height"], 7);
+    EXPECT_EQ(summary["pixels"], 84);
+    EXPECT_FALSE(QFileInfo::exists(path("maps/mask.png"))) << "every pixel of the images was analysed";
+    const QString map = summary["components"].toArray()[0].toObject()["map"].toString();
+    CILImage image;
+    QString error;
+    ASSERT_TRUE(readTiff(path("maps/") + map, 0, image, &error)) << qPrintable(error);
+    EXPECT_EQ(image.m_lWidth, 12);
+    EXPECT_EQ(image.m_lHeight, 7);
+    const QImage composite(path("maps/composite.png"));
+    EXPECT_GT(composite.width(), composite.height());
+
+    // A mask of that shape, one that reaches into what was added, and numbers that leave the images.
+    writeTiffFile("mask.tif", imageOf(12, 7, [](int i) { return i % 12 < 6 ? 1.0F : 0.0F; }));
+    writeTiffFile("square.tif", imageOf(12, 12, [](int) { return 1.0F; }));
+    const auto pixelsOf = [&](const char* mask, const char* out) {
+        return succeed({"unmix", "seq", "--ncomponents", "2", "--mask", mask, "--out", out, "--json"}).json()["pixels"];
+    };
+    EXPECT_EQ(pixelsOf("mask.tif", "half"), 42);
+    EXPECT_EQ(QImage(path("half/mask.png")).size(), QSize(12, 7));
+    EXPECT_EQ(pixelsOf("square.tif", "square"), 84);
+    EXPECT_TRUE(refusal({"unmix", "seq", "--ncomponents", "2", "--mask", "rect:0,0,4,8"}).contains("12 x 7"));
+    const QJsonObject pca = succeed({"pca", "seq", "--json"}).json();
+    EXPECT_EQ(pca["pixels"], 84);
+    EXPECT_EQ(pca["height"], 7);
+    // At a coarser binning the pixels that hang over the edge go.
+    const QJsonObject coarse =
+        succeed({"unmix", "seq", "--ncomponents", "2", "--binning", "2", "--out", "coarse", "--json"}).json();
+    EXPECT_EQ(coarse["height"], 3);
+    EXPECT_EQ(coarse["pixels"], 18);
 }
