@@ -6,17 +6,37 @@
 #include "host/CORVSequenceDataset.h"
 #include "services/basis/Failure.h"
 #include "services/basis/ImageExtent.h"
+#include "services/basis/UnitLimit.h"
 #include "services/basis/UnitNames.h"
 #include "services/session/LibrarySpectra.h"
 #include "services/session/OpenedSequence.h"
 #include "services/session/PairSelection.h"
 #include "services/session/SourceCurve.h"
+#include "services/session/SpectralBands.h"
 #include "spectra/DefaultColors.h"
 #include "spectra/SpectrumPlotParams.h"
+#include "spectra/spectrumOnPairs.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
+
+// The excitation of the most images; of several the last.
+QString commonExcitation(const QList<KeyPair>& pairs)
+{
+    QString common;
+    int most = 0;
+    for (const KeyPair& pair : pairs) {
+        const auto images = static_cast<int>(std::count_if(
+            pairs.begin(), pairs.end(), [&pair](const KeyPair& other) { return other.first == pair.first; }));
+        if (images >= most) {
+            most = images;
+            common = pair.first;
+        }
+    }
+    return common;
+}
 
 // The image's amount of the source at each pair, not normalised.
 XTNT::Vector<double> valuesOf(const QString& strName, const QList<KeyPair>& pairs)
@@ -28,7 +48,8 @@ XTNT::Vector<double> valuesOf(const QString& strName, const QList<KeyPair>& pair
     if (!SourceCurve::coversExcitations(strName, pairs)) {
         throw Failure(
             QStringLiteral("the database has no excitation curve of \"%1\", and the images have several excitations")
-                .arg(strName));
+                .arg(strName),
+            QStringLiteral("--select \"%1/*\" takes those of one").arg(commonExcitation(pairs)));
     }
     return values;
 }
@@ -97,18 +118,39 @@ std::vector<int> pixelsOf(const Region& region, const CORVSpumKyvo& engine)
     return pixels;
 }
 
-// Opens the sequence for its pairs; throws when it cannot be analysed.
-void requireAnalysable(const OpenedSequence& opened, const QString& strSequence)
+// A library has no way to write a comma.
+QString withoutCommas(QString strText)
 {
-    if (!opened.canBeAnalysed()) {
-        throw Failure(QStringLiteral("%1 cannot be analysed: %2").arg(strSequence, opened.reasonAgainst()));
+    return strText.replace(QLatin1Char(','), QLatin1Char(';'));
+}
+
+QList<KeyPair> pairsOf(const SpectrumPlotParams& spectrum)
+{
+    QList<KeyPair> pairs;
+    for (const auto& point : spectrum.points) {
+        pairs.append({point.first, point.second});
     }
+    return pairs;
+}
+
+// Where one excitation is combined with several emissions the emission tells images apart.
+int axisOf(const QList<KeyPair>& pairs)
+{
+    const bool oneEmission = std::all_of(pairs.begin(), pairs.end(),
+                                         [&pairs](const KeyPair& pair) { return pair.second == pairs.first().second; });
+    return oneEmission ? SPECTRUMAXIS_EXCITATION : SPECTRUMAXIS_EMISSION;
 }
 
 } // namespace
 
 SpectrumSources::SpectrumSources() = default;
 SpectrumSources::~SpectrumSources() = default;
+
+void SpectrumSources::setImages(const QString& strSelect, int nUnit)
+{
+    m_strSelect = strSelect;
+    m_nUnit = nUnit;
+}
 
 QList<SpectrumPlotParams*> SpectrumSources::spectra() const
 {
@@ -119,36 +161,165 @@ QList<SpectrumPlotParams*> SpectrumSources::spectra() const
     return list;
 }
 
+QString SpectrumSources::note() const
+{
+    return m_notes.join(QStringLiteral("; "));
+}
+
+void SpectrumSources::beginSource(const QString& strNote)
+{
+    const QString note = withoutCommas(strNote);
+    if (!note.isEmpty() && !m_notes.contains(note)) {
+        m_notes.append(note);
+    }
+    for (const auto& spectrum : m_spectra) {
+        m_names.insert(spectrum->settings.name);
+    }
+}
+
 SpectrumPlotParams& SpectrumSources::append(const QString& strName, const QString& strOrigin)
 {
-    const int index = static_cast<int>(m_spectra.size());
-    m_spectra.push_back(std::make_unique<SpectrumPlotParams>());
-    SpectrumPlotParams& spectrum = *m_spectra.back();
-    spectrum.settings.index = index;
-    spectrum.settings.name = strName;
-    spectrum.settings.color = defaultSpectrumColor(index);
-    spectrum.origin = strOrigin;
-    return spectrum;
+    auto spectrum = std::make_unique<SpectrumPlotParams>();
+    spectrum->settings.name = strName;
+    spectrum->settings.color = defaultSpectrumColor(static_cast<int>(m_spectra.size()));
+    spectrum->origin = strOrigin;
+    take(std::move(spectrum));
+    return *m_spectra.back();
+}
+
+void SpectrumSources::take(std::unique_ptr<SpectrumPlotParams> pSpectrum)
+{
+    const QString name = pSpectrum->settings.name;
+    if (name.contains(QLatin1Char(','))) {
+        throw Failure(QStringLiteral("\"%1\": the name of a spectrum in a library has no comma").arg(name));
+    }
+    if (m_names.contains(name)) {
+        throw Failure(QStringLiteral("two spectra would have the name \"%1\"").arg(name),
+                      QStringLiteral("\"spum library rename NAME --spectrum OLD=NEW\" gives one of a library another"));
+    }
+    pSpectrum->settings.index = static_cast<int>(m_spectra.size());
+    pSpectrum->origin = withoutCommas(pSpectrum->origin);
+    m_spectra.push_back(std::move(pSpectrum));
+}
+
+// To the images of the first spectrum, in their order.
+void SpectrumSources::bringToImages(SpectrumPlotParams& spectrum) const
+{
+    const SpectrumPlotParams& first = *m_spectra.front();
+    if (&spectrum == &first) {
+        return;
+    }
+    const QList<KeyPair> pairs = pairsOf(first);
+    QList<KeyPair> missing;
+    QList<KeyPair> besides;
+    for (const KeyPair& pair : pairs) {
+        if (!spectrum.coversPairs({pair})) {
+            missing.append(pair);
+        }
+    }
+    for (const KeyPair& pair : pairsOf(spectrum)) {
+        if (!first.coversPairs({pair})) {
+            besides.append(pair);
+        }
+    }
+    if (!missing.isEmpty() || !besides.isEmpty()) {
+        const bool lacks = !missing.isEmpty();
+        throw Failure(
+            QStringLiteral("\"%1\" has no value for %2, and \"%3\" has: spectra of one library are of the same "
+                           "images")
+                .arg(lacks ? spectrum.settings.name : first.settings.name, pairsText(lacks ? missing : besides),
+                     lacks ? first.settings.name : spectrum.settings.name),
+            QStringLiteral("--select takes those that all have"));
+    }
+    spectrum = spectrumOnPairs(spectrum, pairs, spectrum.axis);
+}
+
+std::unique_ptr<OpenedSequence> SpectrumSources::open(const QString& strSequence) const
+{
+    auto opened = std::make_unique<OpenedSequence>(strSequence);
+    if (!opened->canBeAnalysed()) {
+        throw Failure(QStringLiteral("%1 cannot be analysed: %2").arg(strSequence, opened->reasonAgainst()));
+    }
+    CORVSpumKyvo& engine = opened->engine();
+    if (!m_strSelect.isEmpty()) {
+        QList<KeyPair> selection = selectPairs(m_strSelect, engine.getAllKeyPairs());
+        QList<KeyPair> trial = selection;
+        int axis = 0;
+        if (engine.validateSelection(trial, &axis, false) == 0) {
+            throw Failure(QStringLiteral("%1: the selection %2 cannot be unmixed, it takes two wavelengths at least")
+                              .arg(strSequence, pairsText(selection)));
+        }
+        engine.applySelection(selection);
+    }
+    return opened;
+}
+
+void SpectrumSources::takeUnit(int nUnit, const QString& strSequence)
+{
+    if (m_nUnit >= 0 && nUnit != m_nUnit) {
+        throw Failure(QStringLiteral("%1: the unit %2 cannot be reached; the images end in %3")
+                          .arg(strSequence, UnitNames::text(m_nUnit), UnitNames::text(nUnit)));
+    }
+    if (m_nMeasuredUnit >= 0 && nUnit != m_nMeasuredUnit) {
+        throw Failure(QStringLiteral("%1 is measured in %2 and %3 in %4, and their spectra do not go together")
+                          .arg(m_strMeasured, UnitNames::text(m_nMeasuredUnit), strSequence, UnitNames::text(nUnit)),
+                      QStringLiteral("--unit takes one that both have"));
+    }
+    m_nMeasuredUnit = nUnit;
+    m_strMeasured = m_strMeasured.isEmpty() ? strSequence : m_strMeasured;
 }
 
 void SpectrumSources::fromLibrary(const QString& strFileOrName)
 {
     LibrarySpectra library;
-    library.load(strFileOrName);
-    m_strNote = library.note();
-    for (const auto* spectrum : library.all()) {
-        m_spectra.push_back(std::make_unique<SpectrumPlotParams>(*spectrum));
+    library.loadWithTables(strFileOrName);
+    beginSource(library.note());
+    if (!library.isTable()) {
+        for (const auto* spectrum : library.all()) {
+            take(std::make_unique<SpectrumPlotParams>(*spectrum));
+            bringToImages(*m_spectra.back());
+        }
+        return;
+    }
+    if (m_spectra.empty()) {
+        throw Failure(QStringLiteral("%1 is a table over wavelength, and a library has values at images: --sequence is "
+                                     "missing, the images that the spectra are for")
+                          .arg(strFileOrName),
+                      Failure::Kind::BadRequest);
+    }
+    const QList<KeyPair> pairs = pairsOf(*m_spectra.front());
+    for (auto* spectrum : library.fitTo(pairs, axisOf(pairs))) {
+        take(std::unique_ptr<SpectrumPlotParams>(spectrum));
+    }
+}
+
+void SpectrumSources::fromLibrary(const QString& strFileOrName, const QString& strSequence)
+{
+    LibrarySpectra library;
+    library.loadWithTables(strFileOrName);
+    const auto opened = open(strSequence);
+    const QList<KeyPair> pairs = opened->engine().getSelectedKeyPairs();
+    library.selectAll();
+    const auto fitted = library.fitTo(bandsOf(opened->sequence(), pairs), opened->engine().m_eAxis);
+    std::vector<std::unique_ptr<SpectrumPlotParams>> owned;
+    for (auto* spectrum : fitted) {
+        owned.emplace_back(spectrum);
+    }
+    beginSource(library.note());
+    for (auto& spectrum : owned) {
+        take(std::move(spectrum));
+        bringToImages(*m_spectra.back());
     }
 }
 
 void SpectrumSources::fromDatabase(const QString& strNames, const QString& strSequence)
 {
-    OpenedSequence opened(strSequence);
-    requireAnalysable(opened, strSequence);
-    if (opened.engine().m_eSeqKind == SEQKIND_TEMPORAL) {
+    const auto opened = open(strSequence);
+    if (opened->engine().m_eSeqKind == SEQKIND_TEMPORAL) {
         throw Failure(QStringLiteral("the database holds spectra; %1 is a temporal sequence").arg(strSequence));
     }
-    const QList<KeyPair> pairs = opened.engine().getSelectedKeyPairs();
+    const QList<KeyPair> pairs = opened->engine().getSelectedKeyPairs();
+    beginSource(QStringLiteral("sources of the database without the influence of tissue"));
     for (const auto& part : strNames.split(QLatin1Char(','))) {
         const QString name = part.trimmed();
         auto values = valuesOf(name, pairs);
@@ -156,28 +327,34 @@ void SpectrumSources::fromDatabase(const QString& strNames, const QString& strSe
         SpectrumPlotParams& spectrum = append(name, QStringLiteral("database"));
         spectrum.setPairs(pairs);
         spectrum.setValues(values);
+        bringToImages(spectrum);
     }
-    m_strNote = QStringLiteral("sources of the database without the influence of tissue");
 }
 
 void SpectrumSources::fromRegions(const QStringList& regions, const QString& strSequence)
 {
-    OpenedSequence opened(strSequence);
-    requireAnalysable(opened, strSequence);
-    auto& engine = opened.engine();
+    QList<Region> asked;
+    for (const auto& text : regions) {
+        asked.append(parseRegion(text));
+    }
+    const auto opened = open(strSequence);
+    auto& engine = opened->engine();
     engine.resetAnalysis(RUNMODE_MANUAL);
+    UnitLimit limit;
+    limit.set(m_nUnit);
     if (!engine.buildImageCube()) {
         throw Failure(QStringLiteral("%1: the images cannot be read").arg(strSequence),
                       QStringLiteral("--verbose tells more"));
     }
-    for (const auto& text : regions) {
-        const Region region = parseRegion(text);
+    takeUnit(engine.m_eUnit, strSequence);
+    const QString name = opened->sequence().getSequenceName();
+    beginSource(QStringLiteral("measured in %1 in %2").arg(name, UnitNames::text(engine.m_eUnit)));
+    for (const Region& region : asked) {
         auto values = engine.m_cube.spectrum(pixelsOf(region, engine));
         normalise(values, region.name);
-        SpectrumPlotParams& spectrum = append(region.name, opened.sequence().getSequenceName());
+        SpectrumPlotParams& spectrum = append(region.name, name);
         spectrum.setPairs(engine.getSelectedKeyPairs());
         spectrum.setValues(values);
+        bringToImages(spectrum);
     }
-    m_strNote = QStringLiteral("measured in %1 in %2")
-                    .arg(opened.sequence().getSequenceName(), UnitNames::text(engine.m_eUnit));
 }

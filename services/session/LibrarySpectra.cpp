@@ -128,6 +128,13 @@ void LibrarySpectra::load(const QString& strFileOrName, bool bTables)
     }
 }
 
+void LibrarySpectra::selectAll()
+{
+    for (auto* spectrum : m_spectra) {
+        spectrum->settings.selected = true;
+    }
+}
+
 QString LibrarySpectra::fileOf(const QString& strFileOrName)
 {
     const QFileInfo file(strFileOrName);

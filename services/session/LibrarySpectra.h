@@ -31,6 +31,8 @@ public:
     static QString fileOf(const QString& strFileOrName);
 
     const QList<SpectrumPlotParams*>& all() const { return m_spectra; }
+    // Spectra that are not selected count as if they were, from here on.
+    void selectAll();
     bool isTable() const { return m_bTable; }
     const SpectraTable& table() const { return m_table; }
     const QString& note() const { return m_strNote; }

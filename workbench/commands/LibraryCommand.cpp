@@ -1,22 +1,19 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "workbench/commands/LibraryCommand.h"
 
-#include "host/orv_paths.h"
 #include "platform/orvutils/printable.h"
-#include "services/analysis/SpectrumSources.h"
-#include "services/basis/Failure.h"
 #include "services/basis/TextTable.h"
 #include "services/session/LibrarySpectra.h"
 #include "spectra/SpectrumPlotParams.h"
 #include "spectra/SpumKyvoDatabase.h"
 #include "workbench/commands/CliSession.h"
 #include "workbench/commands/CommandParser.h"
+#include "workbench/commands/LibraryEditing.h"
 #include "workbench/commands/Options.h"
 
-#include <QDir>
-#include <QFileInfo>
 #include <QJsonArray>
 
+#include <array>
 #include <cmath>
 
 namespace {
@@ -30,48 +27,40 @@ QJsonArray jsonPoints(const SpectrumPlotParams& spectrum)
     return points;
 }
 
-[[noreturn]] void refuseExisting(const QString& strName)
-{
-    throw Failure(QStringLiteral("the library %1 exists already").arg(strName), QStringLiteral("--force replaces it"));
-}
+using Action = void (*)(const QCommandLineParser& parser, const QStringList& arguments, CliSession& session);
 
-// The file of a library that is to be saved; the folder is made.
-QString pathToSave(const QString& strName, bool bForce)
+struct NamedAction
 {
-    if (strName.isEmpty() || strName.contains(QLatin1Char('/')) || strName.startsWith(QLatin1Char('.'))) {
-        refuseUsage("library", QStringLiteral("\"%1\" cannot be the name of a library.").arg(strName));
-    }
-    const QString base = getORVPath(ORV_PATH_USER_DATA, true, nullptr);
-    const QString folder = base + QStringLiteral("Spum/");
-    if (base.isEmpty() || !QDir().mkpath(folder)) {
-        throw Failure(QStringLiteral("Failed to create the SPUM database folder (%1)").arg(folder));
-    }
-    const QString path = folder + strName + QStringLiteral(".csv");
-    if (QFileInfo::exists(path) && !bForce) {
-        refuseExisting(strName);
-    }
-    return path;
-}
+    const char* name;
+    Action run;
+    int fewest; // arguments
+    int most;
+};
+
+constexpr int any = 10000;
+constexpr std::array actions = {
+    NamedAction{"save", LibraryEditing::save, 1, 1},
+    NamedAction{"import", LibraryEditing::import, 2, 2},
+    NamedAction{"append", LibraryEditing::append, 1, 1},
+    NamedAction{"merge", LibraryEditing::merge, 2, any},
+    NamedAction{"rename", LibraryEditing::rename, 1, 2},
+    NamedAction{"remove", LibraryEditing::remove, 1, any},
+    NamedAction{"template", LibraryEditing::writeTemplate, 1, 1},
+};
 
 } // namespace
 
 void LibraryCommand::declare(CommandParser& parser) const
 {
-    parser.addPositionalArgument(QStringLiteral("list|show|save"), QStringLiteral("What to do."));
-    parser.addPositionalArgument(QStringLiteral("NAME"),
-                                 QStringLiteral("Library (show also takes a file, a plain table of spectra too)."),
-                                 QStringLiteral("[NAME]"));
-    addValueOption(parser, "from", QStringLiteral("save: take the spectra of this library file."), "FILE");
-    addValueOption(parser, "sequence", QStringLiteral("save: the sequence for --probes and --region."), "SEQ");
-    addValueOption(
-        parser, "probes",
-        QStringLiteral("save: spectra of these sources of the database (A,B,...) at the images of --sequence."),
-        "NAMES");
-    addValueOption(parser, "region",
-                   QStringLiteral("save: mean over a rectangle of the images of --sequence; may be repeated."),
-                   "NAME=X,Y,W,H");
-    addValueOption(parser, "note", QStringLiteral("save: a note (a comma ends it)."), "TEXT");
-    parser.addOption({QStringLiteral("force"), QStringLiteral("save: replace a library of that name.")});
+    parser.addPositionalArgument(QStringLiteral("list|show|save|import|append|merge|rename|remove|template"),
+                                 QStringLiteral("What to do."));
+    parser.addPositionalArgument(
+        QStringLiteral("NAME"),
+        QStringLiteral(
+            "A library. show takes a file too, a plain table of spectra or a library; import FILE NAME; merge "
+            "NAME LIBRARY...; rename NAME NEW; remove NAME...; template SEQ."),
+        QStringLiteral("[NAME...]"));
+    LibraryEditing::declareOptions(parser);
 }
 
 QList<CommandManual::Example> LibraryCommand::examples() const
@@ -81,22 +70,32 @@ QList<CommandManual::Example> LibraryCommand::examples() const
             {QStringLiteral(
                  "spum library save measured --sequence mouse --region \"gut=20,30,10,8\" --region \"skin=30,10,8,8\""),
              QStringLiteral("Spectra measured in the images, in rectangles of pixels.")},
+            {QStringLiteral("spum library merge both dyes measured"), QStringLiteral("All of them in one library.")},
+            {QStringLiteral("spum library template mouse"), QStringLiteral("A table of spectra to fill in.")},
             {QStringLiteral("spum library show dyes"), QStringLiteral("The figures of a library.")}};
 }
 
 void LibraryCommand::run(const QCommandLineParser& parser, CliSession& session)
 {
-    const QStringList arguments = parser.positionalArguments();
-    const QString action = arguments.value(0);
-    if (action == QLatin1String("list") && arguments.size() == 1) {
+    QStringList arguments = parser.positionalArguments();
+    const QString action = arguments.isEmpty() ? QString() : arguments.takeFirst();
+    if (action == QLatin1String("list") && arguments.isEmpty()) {
         list(session);
-    } else if (action == QLatin1String("show") && arguments.size() == 2) {
-        show(arguments[1], session);
-    } else if (action == QLatin1String("save") && arguments.size() == 2) {
-        save(parser, arguments[1], session);
-    } else {
-        refuseUsage("library", QStringLiteral("library takes: list; show NAME; or save NAME."));
+        return;
     }
+    if (action == QLatin1String("show") && arguments.size() == 1) {
+        show(arguments[0], session);
+        return;
+    }
+    for (const NamedAction& named : actions) {
+        if (action == QLatin1String(named.name) && arguments.size() >= named.fewest && arguments.size() <= named.most) {
+            named.run(parser, arguments, session);
+            return;
+        }
+    }
+    refuseUsage("library",
+                QStringLiteral("library takes: list; show NAME; save NAME; import FILE NAME; append NAME; merge NAME "
+                               "LIBRARY...; rename NAME NEW; remove NAME...; or template SEQ."));
 }
 
 void LibraryCommand::list(CliSession& session) const
@@ -184,47 +183,4 @@ void LibraryCommand::showTable(const SpectraTable& table, const QString& strName
     }
     session.answer(QStringLiteral("A table of spectra over wavelength in nm.\n\n") + text.toText());
     session.answerJson(QJsonObject{{"name", strName}, {"table", true}, {"spectra", spectra}});
-}
-
-void LibraryCommand::save(const QCommandLineParser& parser, const QString& strName, CliSession& session) const
-{
-    const int sources = (parser.isSet(QStringLiteral("from")) ? 1 : 0) +
-                        (parser.isSet(QStringLiteral("probes")) ? 1 : 0) +
-                        (parser.isSet(QStringLiteral("region")) ? 1 : 0);
-    if (sources != 1) {
-        refuseUsage("library", QStringLiteral("save takes one of --from, --probes and --region."));
-    }
-    SpectrumSources made;
-    if (parser.isSet(QStringLiteral("from"))) {
-        made.fromLibrary(parser.value(QStringLiteral("from")));
-    } else if (parser.value(QStringLiteral("sequence")).isEmpty()) {
-        refuseUsage("library", QStringLiteral("--sequence is missing: the images that the spectra are for."));
-    } else if (parser.isSet(QStringLiteral("probes"))) {
-        made.fromDatabase(parser.value(QStringLiteral("probes")), parser.value(QStringLiteral("sequence")));
-    } else {
-        made.fromRegions(parser.values(QStringLiteral("region")), parser.value(QStringLiteral("sequence")));
-    }
-
-    session.stopIfRequested();
-    const bool force = parser.isSet(QStringLiteral("force"));
-    const QString path = pathToSave(strName, force);
-    const QString note = parser.isSet(QStringLiteral("note")) ? parser.value(QStringLiteral("note")) : made.note();
-    if (note.contains(QLatin1Char(','))) {
-        session.warn(QStringLiteral("the file's form ends a note at its first comma"));
-    }
-    QList<SpectrumPlotParams*> spectra = made.spectra();
-    SpumKyvoDatabase database;
-    // Another program may have saved one of that name meanwhile.
-    bool existed = false;
-    if (force ? !database.saveLibrary(path, spectra, note) : !database.saveNewLibrary(path, spectra, note, &existed)) {
-        if (existed) {
-            refuseExisting(strName);
-        }
-        throw Failure(QStringLiteral("%1 cannot be written").arg(path));
-    }
-    session.answer(QStringLiteral("saved %1 spectra of %2 points as %3 (%4)\n")
-                       .arg(spectra.size())
-                       .arg(spectra.first()->points.size())
-                       .arg(orv::printableLine(strName), orv::printableLine(path)));
-    session.answerJson(QJsonObject{{"name", strName}, {"path", path}, {"spectra", spectra.size()}});
 }

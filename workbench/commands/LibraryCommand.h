@@ -5,20 +5,23 @@
 
 class SpectraTable;
 
-// `spum library list|show|save`: the saved spectrum libraries.
+// `spum library list|show|save|...`: the saved spectrum libraries. What changes them is in LibraryEditing.
 class LibraryCommand : public Command
 {
 public:
     QString name() const override { return QStringLiteral("library"); }
-    QString summary() const override { return QStringLiteral("List, show and save spectrum libraries."); }
+    QString summary() const override { return QStringLiteral("List, show, make and change spectrum libraries."); }
     void declare(CommandParser& parser) const override;
     QList<CommandManual::Example> examples() const override;
-    QStringList repeatableOptions() const override { return {QStringLiteral("region")}; }
+    QStringList repeatableOptions() const override
+    {
+        return {QStringLiteral("region"), QStringLiteral("sequence"), QStringLiteral("probes"), QStringLiteral("from"),
+                QStringLiteral("spectrum")};
+    }
     void run(const QCommandLineParser& parser, CliSession& session) override;
 
 private:
     void list(CliSession& session) const;
     void show(const QString& strName, CliSession& session) const;
     void showTable(const SpectraTable& table, const QString& strName, CliSession& session) const;
-    void save(const QCommandLineParser& parser, const QString& strName, CliSession& session) const;
 };

@@ -124,8 +124,14 @@ TEST_F(SpectrumSourcesTest, AtOneExcitationTheEmissionAloneServes)
 
 TEST_F(SpectrumSourcesTest, SeveralExcitationsAskForTheExcitationCurve)
 {
-    EXPECT_EQ(databaseRefusal("Bare", sequenceOf({{640, 700}, {660, 700}})),
-              "the database has no excitation curve of \"Bare\", and the images have several excitations");
+    const QString sequence = sequenceOf({{640, 700}, {640, 730}, {660, 700}});
+    EXPECT_EQ(databaseRefusal("Bare", sequence),
+              "the database has no excitation curve of \"Bare\", and the images have several excitations; --select "
+              "\"640/*\" takes those of one");
+    SpectrumSources made;
+    made.setImages("640/*", -1);
+    made.fromDatabase("Bare", sequence);
+    expectValues(*made.spectra()[0], {1.0, 0.6});
 }
 
 TEST_F(SpectrumSourcesTest, AnUnknownSourceIsNamed)
@@ -225,4 +231,32 @@ TEST_F(SpectrumSourcesTest, ASequenceThatCannotBeAnalysedIsRefusedWithTheReason)
     for (const QString& refusal : {databaseRefusal("Hand", path("seq")), regionRefusal("A=0,0,1,1", path("seq"))}) {
         EXPECT_TRUE(refusal.startsWith(path("seq") + " cannot be analysed: it takes images at two wavelengths"));
     }
+}
+
+TEST_F(SpectrumSourcesTest, RegionsAreMeasuredInTheUnitThatIsAskedFor)
+{
+    const QString sequence = sequenceOf({{640, 700}, {640, 720}});
+    SpectrumSources made;
+    made.setImages(QString(), 0);
+    made.fromRegions({"A=0,0,2,2"}, sequence);
+    EXPECT_TRUE(made.note().endsWith(" in Counts")) << qPrintable(made.note());
+    EXPECT_TRUE(failureOf([&] {
+                    made.setImages(QString(), -1);
+                    made.fromRegions({"B=0,0,2,2"}, sequence);
+                }).contains("do not go together; --unit takes one that both have"));
+}
+
+TEST_F(SpectrumSourcesTest, ARegionsNameHasNoComma)
+{
+    EXPECT_TRUE(regionRefusal("A, B=1,1,1,1", sequenceOf({{640, 700}, {640, 720}})).contains("has no comma"));
+}
+
+TEST_F(SpectrumSourcesTest, ALibraryIsBroughtToTheImagesOfASequence)
+{
+    SpectrumSources made;
+    made.fromLibrary(write("lib.csv",
+                           "$,NumSpec,1\n$,Color,red\n$,Select,0\nExcitation,Emission,S\n640,800,9\n640,720,3\n"
+                           "640,700,2\n"),
+                     sequenceOf({{640, 700}, {640, 720}}));
+    expectValues(*made.spectra()[0], {2.0, 3.0});
 }

@@ -43,7 +43,8 @@ QString refused(const Command& command, const QString& strOption, bool bValue)
 }
 
 // Options whose values all count.
-const QSet<QString> taken = {"library region", "roi result"};
+const QSet<QString> taken = {"library from",   "library sequence", "library probes",
+                             "library region", "library spectrum", "roi result"};
 
 } // namespace
 

@@ -4,6 +4,8 @@
 
 #include <QDir>
 
+#include <array>
+
 namespace {
 
 class LibraryProgramTest : public ProgramFixture
@@ -123,8 +125,8 @@ TEST_F(LibraryProgramTest, RegionsAreMeasuredInTheImagesOfASequence)
 TEST_F(LibraryProgramTest, SaveAsksForOneSourceAndItsSequence)
 {
     EXPECT_TRUE(refusal({"library", "save", "x"}, 2).startsWith("save takes one of"));
-    EXPECT_TRUE(
-        refusal({"library", "save", "x", "--from", library(), "--probes", "Cy5"}, 2).startsWith("save takes one"));
+    EXPECT_TRUE(refusal({"library", "save", "x", "--from", library(), "--probes", "Cy5"}, 2)
+                    .startsWith("--sequence is missing"));
     EXPECT_TRUE(refusal({"library", "save", "x", "--probes", "Cy5"}, 2).startsWith("--sequence is missing"));
     smallSequence().writeTo(path("seq"));
     EXPECT_TRUE(refusal({"library", "save", "x", "--region", "A=1", "--sequence", "seq"}, 2).contains("NAME=X,Y,W,H"));
@@ -149,17 +151,198 @@ TEST_F(LibraryProgramTest, AnUnreadableLibraryIsListedAsSuch)
     EXPECT_TRUE(refusal({"library", "show", "absent"}).contains("saved are bad, good"));
 }
 
-// Both regions would be measured in the sequence that came last.
-TEST_F(LibraryProgramTest, RegionsOfSeveralSequencesAreRefused)
+// Two single stains: in each sequence one dye alone.
+TEST_F(LibraryProgramTest, EachSequenceIsMeasuredByTheRegionsBehindIt)
+{
+    SmallSequence a = smallSequence();
+    SmallSequence b = smallSequence();
+    b.id = "OTHER";
+    for (std::size_t j = 0; j < 3; ++j) {
+        a.images[static_cast<int>(j)].value = [j](int) { return std::array{0.25F, 1.0F, 0.5F}[j]; };
+        b.images[static_cast<int>(j)].value = [j](int) { return std::array{2.0F, 4.0F, 8.0F}[j]; };
+    }
+    a.writeTo(path("c488"));
+    b.writeTo(path("c532"));
+    succeed({"library", "save", "stains", "--sequence", "c488", "--region", "AF488=0,0,2,2", "--sequence", "c532",
+             "--region", "AF532=1,1,2,2", "--region", "AF532 again=0,0,1,1"});
+    const QJsonArray list = spectra("stains");
+    ASSERT_EQ(list.size(), 3);
+    for (int j = 0; j < 3; ++j) {
+        EXPECT_DOUBLE_EQ(valueOf(list[0], j), (std::array{0.25, 1.0, 0.5}[static_cast<std::size_t>(j)]));
+        EXPECT_DOUBLE_EQ(valueOf(list[1], j), (std::array{0.25, 0.5, 1.0}[static_cast<std::size_t>(j)]));
+    }
+    EXPECT_EQ(list[1].toObject()["name"], "AF532");
+    EXPECT_NE(list[0].toObject()["origin"], list[1].toObject()["origin"]);
+}
+
+TEST_F(LibraryProgramTest, WhichSequenceIsMeantIsToBeClear)
+{
+    smallSequence().writeTo(path("a"));
+    smallSequence().writeTo(path("b"));
+    EXPECT_TRUE(refusal({"library", "save", "x", "--region", "A=0,0,1,1", "--sequence", "a", "--sequence", "b",
+                         "--region", "B=0,0,1,1"},
+                        2)
+                    .startsWith("of several sequences each stands ahead of its --region and --probes."));
+    EXPECT_TRUE(refusal({"library", "save", "x", "--sequence", "a", "--sequence", "b", "--region", "B=0,0,1,1"}, 2)
+                    .startsWith("no --region, --probes or --from is for --sequence a."));
+    EXPECT_EQ(refusal({"library", "save", "x", "--sequence", "a", "--region", "A=3,0,1,4", "--sequence", "b",
+                       "--region", "A=3,0,1,4"}),
+              "two spectra would have the name \"A\"; \"spum library rename NAME --spectrum OLD=NEW\" gives one of a "
+              "library another");
+    EXPECT_EQ(saved(), QStringList());
+}
+
+TEST_F(LibraryProgramTest, SequencesOfOtherImagesDoNotMakeOneLibrary)
 {
     SmallSequence other = smallSequence();
-    other.id = "OTHER";
+    other.images[1].emission = "710nm";
     other.writeTo(path("b"));
     smallSequence().writeTo(path("a"));
-    EXPECT_EQ(refusal({"library", "save", "dyes", "--sequence", "a", "--region", "x=0,0,1,4", "--sequence", "b",
-                       "--region", "y=3,0,1,4"},
-                      2),
-              "--sequence is given more than once and taken once. See \"spum library --help\".");
+    const QString refused = refusal({"library", "save", "x", "--sequence", "a", "--region", "A=3,0,1,4", "--sequence",
+                                     "b", "--region", "B=3,0,1,4"});
+    EXPECT_TRUE(refused.contains("\"B\" has no value for 640/") &&
+                refused.endsWith("--select takes those that all have"))
+        << qPrintable(refused);
+    EXPECT_EQ(saved(), QStringList());
+    const QString common = other.images[0].emission.left(3) + "," + other.images[2].emission.left(3);
+    succeed({"library", "save", "x", "--select", common, "--sequence", "a", "--region", "A=3,0,1,4", "--sequence", "b",
+             "--region", "B=3,0,1,4"});
+    EXPECT_EQ(spectra("x")[1].toObject()["points"].toArray().size(), 2);
+}
+
+TEST_F(LibraryProgramTest, FilesAndRegionsGoTogether)
+{
+    smallSequence().writeTo(path("seq"));
+    write("third.csv", "nm;Dye C\n690;0,5\n750;1\n");
+    succeed({"library", "save", "x", "--from", library(), "--from", "third.csv", "--region", "left=0,0,1,4",
+             "--sequence", "seq"});
+    const QJsonArray list = spectra("x");
+    ASSERT_EQ(list.size(), 4);
+    EXPECT_EQ(list[2].toObject()["name"], "Dye C");
+    EXPECT_EQ(list[3].toObject()["name"], "left");
+    for (const auto& spectrum : list) {
+        EXPECT_EQ(spectrum.toObject()["points"].toArray()[0].toObject()["second"],
+                  list[3].toObject()["points"].toArray()[0].toObject()["second"]);
+    }
+}
+
+TEST_F(LibraryProgramTest, ATableIsImportedAtTheImagesOfASequence)
+{
+    smallSequence().writeTo(path("seq"));
+    write("t.csv", "wavelength,A,\"B, dry\"\n700,0,1\n740,1,0\n");
+    EXPECT_TRUE(refusal({"library", "import", "t.csv", "t"}, 2).contains("--sequence is missing"));
+    succeed({"library", "import", "t.csv", "t", "--sequence", "seq"});
+    const QJsonArray list = spectra("t");
+    ASSERT_EQ(list.size(), 2);
+    EXPECT_EQ(list[1].toObject()["name"], "B; dry");
+    for (const auto& point : list[0].toObject()["points"].toArray()) {
+        EXPECT_NEAR(point.toObject()["value"].toDouble(), (point.toObject()["second"].toString().toDouble() - 700) / 40,
+                    1e-6);
+    }
+    succeed({"unmix", "seq", "--library", "t", "--quiet", "--out", "out"});
+}
+
+TEST_F(LibraryProgramTest, ALibraryIsAppendedTo)
+{
+    smallSequence().writeTo(path("seq"));
+    write("third.csv", "nm,Dye C\n690,0.5\n750,1\n");
+    succeed({"library", "save", "x", "--from", library()});
+    succeed({"library", "append", "x", "--region", "left=0,0,1,4", "--sequence", "seq"});
+    succeed({"library", "append", "x", "--from", "third.csv"});
+    ASSERT_EQ(spectra("x").size(), 4);
+    EXPECT_EQ(spectra("x")[2].toObject()["name"], "left");
+    EXPECT_EQ(spectra("x")[3].toObject()["name"], "Dye C");
+    EXPECT_TRUE(refusal({"library", "append", "x", "--from", library()}).startsWith("two spectra would have the name"));
+    EXPECT_TRUE(
+        refusal({"library", "append", "y", "--from", library()}).startsWith("no library y is saved; saved are x"));
+    EXPECT_TRUE(refusal({"library", "append", "x"}, 2).startsWith("append takes --from"));
+    EXPECT_EQ(spectra("x").size(), 4);
+}
+
+TEST_F(LibraryProgramTest, LibrariesAreMergedIntoOne)
+{
+    succeed({"library", "save", "a", "--from", library()});
+    QByteArray text = contentOf(library());
+    write("other.csv", text.replace("Dye A", "Dye C").replace("Dye B", "Dye D"));
+    succeed({"library", "merge", "all", "a", "other.csv", "--note", "both"});
+    EXPECT_EQ(spectra("all").size(), 4);
+    EXPECT_EQ(succeed({"library", "show", "all", "--json"}).json()["note"], "both");
+    EXPECT_TRUE(refusal({"library", "merge", "all", "a", "a"}).startsWith("two spectra would have the name \"Dye A\""));
+    EXPECT_TRUE(refusal({"library", "merge", "all", "a"}).startsWith("the library all exists already"));
+    write("narrow.csv", "$,NumSpec,1\n$,Color,red\nExcitation,Emission,E\n640,700,1\n");
+    EXPECT_TRUE(refusal({"library", "merge", "more", "a", "narrow.csv"}).startsWith("\"E\" has no value for 640/7"));
+    EXPECT_TRUE(refusal({"library", "merge", "more", "narrow.csv", "a"}).contains("\"E\" has no value for"));
+}
+
+TEST_F(LibraryProgramTest, LibrariesAndTheirSpectraAreRenamed)
+{
+    succeed({"library", "save", "a", "--from", library()});
+    succeed({"library", "save", "b", "--from", library()});
+    EXPECT_TRUE(refusal({"library", "rename", "a", "b"}).startsWith("the library b exists already"));
+    succeed({"library", "rename", "a", "c"});
+    EXPECT_EQ(saved(), (QStringList{"b", "c"}));
+    succeed({"library", "rename", "c", "b", "--force"});
+    EXPECT_EQ(saved(), QStringList{"b"});
+    succeed({"library", "rename", "b", "--spectrum", "Dye A=first", "--spectrum", "Dye B=Dye A"});
+    EXPECT_EQ(spectra("b")[0].toObject()["name"], "first");
+    EXPECT_EQ(spectra("b")[1].toObject()["name"], "Dye A");
+    EXPECT_TRUE(refusal({"library", "rename", "b", "--spectrum", "first=Dye A"}).startsWith("two spectra would have"));
+    EXPECT_EQ(refusal({"library", "rename", "b", "--spectrum", "none=x"}),
+              "the library b has no spectrum \"none\"; it has first, Dye A");
+    EXPECT_TRUE(refusal({"library", "rename", "b", "--spectrum", "first"}, 2).contains("OLD=NEW"));
+    refusal({"library", "rename", "b", "--spectrum", "first=a,b"}, 2);
+    refusal({"library", "rename", "b"}, 2);
+    EXPECT_TRUE(refusal({"library", "rename", "absent", "d"}).startsWith("no library absent is saved"));
+}
+
+TEST_F(LibraryProgramTest, LibrariesAndTheirSpectraAreRemoved)
+{
+    for (const char* name : {"a", "b", "c"}) {
+        succeed({"library", "save", name, "--from", library()});
+    }
+    EXPECT_TRUE(
+        refusal({"library", "remove", "a", "absent"}).startsWith("no library absent is saved; saved are a, b, c"));
+    succeed({"library", "remove", "a", "c"});
+    EXPECT_EQ(saved(), QStringList{"b"});
+    succeed({"library", "remove", "b", "--spectrum", "Dye A"});
+    ASSERT_EQ(spectra("b").size(), 1);
+    EXPECT_EQ(spectra("b")[0].toObject()["name"], "Dye B");
+    EXPECT_TRUE(refusal({"library", "remove", "b", "--spectrum", "Dye B"}).startsWith("nothing would be left"));
+    refusal({"library", "remove", "b", "--spectrum", "Dye A"});
+    EXPECT_EQ(saved(), QStringList{"b"});
+}
+
+TEST_F(LibraryProgramTest, ATemplateIsFilledInAndFitted)
+{
+    smallSequence().writeTo(path("seq"));
+    const QJsonObject made =
+        succeed({"library", "template", "seq", "--spectrum", "Dye A", "--spectrum", "B, dry", "--json"}).json();
+    EXPECT_EQ(made["path"], "seq-spectra.csv");
+    QStringList lines = QString::fromUtf8(contentOf(path("seq-spectra.csv"))).split('\n');
+    ASSERT_EQ(lines.size(), 5);
+    EXPECT_EQ(lines[0], "excitation,emission,Dye A,\"B, dry\"");
+    EXPECT_TRUE(lines[1].startsWith("640,7") && lines[1].endsWith(",,"));
+    EXPECT_TRUE(
+        refusal({"unmix", "seq", "--library", "seq-spectra.csv"}).contains("the spectrum \"Dye A\" has no value"));
+    EXPECT_TRUE(refusal({"library", "template", "seq"}).endsWith("exists already; --force replaces it"));
+    for (int j = 1; j < 4; ++j) {
+        lines[j].replace(",,", j == 2 ? ",1,0.25" : ",0.5,1");
+    }
+    write("filled.csv", lines.join('\n').toUtf8());
+    EXPECT_EQ(succeed({"unmix", "seq", "--library", "filled.csv", "--quiet", "--json", "--out", "out"})
+                  .json()["components"]
+                  .toArray()
+                  .size(),
+              2);
+}
+
+TEST_F(LibraryProgramTest, NamesThatTheListWouldCutAreRefused)
+{
+    EXPECT_TRUE(refusal({"library", "save", "dyes.csv", "--from", library()}, 2)
+                    .startsWith("\"dyes.csv\" cannot be the name of a library: it is given without \".csv\""));
+    for (const char* name : {"", "a/b", ".a"}) {
+        refusal({"library", "save", name, "--from", library()}, 2);
+    }
     EXPECT_EQ(saved(), QStringList());
 }
 

@@ -1,0 +1,165 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "services/session/SavedLibraries.h"
+
+#include "host/orv_paths.h"
+#include "services/basis/Failure.h"
+#include "services/session/LibrarySpectra.h"
+#include "spectra/SpectrumPlotParams.h"
+#include "spectra/SpumKyvoDatabase.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+namespace {
+
+const QString ending = QStringLiteral(".csv");
+
+// Names are listed without ".csv", wherever it stands in them.
+void checkName(const QString& strName)
+{
+    if (strName.isEmpty() || strName.contains(QLatin1Char('/')) || strName.startsWith(QLatin1Char('.')) ||
+        strName.contains(ending)) {
+        throw Failure(
+            QStringLiteral("\"%1\" cannot be the name of a library%2")
+                .arg(strName, strName.contains(ending) ? QStringLiteral(": it is given without \".csv\"") : QString()),
+            Failure::Kind::BadRequest);
+    }
+}
+
+[[noreturn]] void refuseExisting(const QString& strName)
+{
+    throw Failure(QStringLiteral("the library %1 exists already").arg(strName), QStringLiteral("--force replaces it"));
+}
+
+QString pathToSave(const QString& strName, bool bReplace)
+{
+    checkName(strName);
+    const QString base = getORVPath(ORV_PATH_USER_DATA, true, nullptr);
+    const QString folder = base + QStringLiteral("Spum/");
+    if (base.isEmpty() || !QDir().mkpath(folder)) {
+        throw Failure(QStringLiteral("Failed to create the SPUM database folder (%1)").arg(folder));
+    }
+    const QString path = folder + strName + ending;
+    if (QFileInfo::exists(path) && !bReplace) {
+        refuseExisting(strName);
+    }
+    return path;
+}
+
+SpectrumPlotParams& spectrumNamed(const QList<SpectrumPlotParams*>& spectra, const QString& strName,
+                                  const QString& strLibrary)
+{
+    QStringList names;
+    for (auto* spectrum : spectra) {
+        if (spectrum->settings.name == strName) {
+            return *spectrum;
+        }
+        names.append(spectrum->settings.name);
+    }
+    throw Failure(QStringLiteral("the library %1 has no spectrum \"%2\"; it has %3")
+                      .arg(strLibrary, strName, names.join(QStringLiteral(", "))));
+}
+
+void load(const QString& strName, LibrarySpectra& library)
+{
+    library.load(SavedLibraries::fileOf(strName));
+}
+
+} // namespace
+
+QString SavedLibraries::fileOf(const QString& strName)
+{
+    const QStringList saved = SpumKyvoDatabase().listLibraries();
+    if (!saved.contains(strName)) {
+        throw Failure(QStringLiteral("no library %1 is saved; %2")
+                          .arg(strName, saved.isEmpty()
+                                            ? QStringLiteral("there is none")
+                                            : QStringLiteral("saved are ") + saved.join(QStringLiteral(", "))));
+    }
+    return SpumKyvoDatabase::fileOfLibrary(strName);
+}
+
+QString SavedLibraries::save(const QString& strName, QList<SpectrumPlotParams*> spectra, const QString& strNote,
+                             bool bReplace)
+{
+    const QString path = pathToSave(strName, bReplace);
+    SpumKyvoDatabase database;
+    // Another program may have saved one of that name meanwhile.
+    bool existed = false;
+    if (bReplace ? !database.saveLibrary(path, spectra, strNote)
+                 : !database.saveNewLibrary(path, spectra, strNote, &existed)) {
+        if (existed) {
+            refuseExisting(strName);
+        }
+        throw Failure(QStringLiteral("%1 cannot be written").arg(path));
+    }
+    return path;
+}
+
+void SavedLibraries::rename(const QString& strName, const QString& strNewName, bool bReplace)
+{
+    const QString from = fileOf(strName);
+    const QString to = pathToSave(strNewName, bReplace);
+    // In one step, so that there is one of the two names at every moment.
+    if (std::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) != 0) {
+        throw Failure(
+            QStringLiteral("%1 cannot be renamed: %2").arg(from, QString::fromLocal8Bit(std::strerror(errno))));
+    }
+}
+
+void SavedLibraries::renameSpectra(const QString& strName, const QList<QPair<QString, QString>>& names)
+{
+    LibrarySpectra library;
+    load(strName, library);
+    for (const auto& [old, wanted] : names) {
+        if (wanted.isEmpty() || wanted.contains(QLatin1Char(','))) {
+            throw Failure(QStringLiteral("\"%1\" cannot be the name of a spectrum in a library").arg(wanted),
+                          Failure::Kind::BadRequest);
+        }
+        spectrumNamed(library.all(), old, strName).settings.name = wanted;
+    }
+    QStringList taken;
+    for (const auto* spectrum : library.all()) {
+        if (taken.contains(spectrum->settings.name)) {
+            throw Failure(QStringLiteral("two spectra would have the name \"%1\"").arg(spectrum->settings.name));
+        }
+        taken.append(spectrum->settings.name);
+    }
+    save(strName, library.all(), library.note(), true);
+}
+
+void SavedLibraries::remove(const QStringList& names)
+{
+    QStringList files;
+    for (const QString& name : names) {
+        files.append(fileOf(name));
+    }
+    files.removeDuplicates();
+    for (const QString& path : qAsConst(files)) {
+        QFile file(path);
+        if (!file.remove()) {
+            throw Failure(QStringLiteral("%1 cannot be removed: %2").arg(path, file.errorString()));
+        }
+    }
+}
+
+int SavedLibraries::removeSpectra(const QString& strName, const QStringList& names)
+{
+    LibrarySpectra library;
+    load(strName, library);
+    QList<SpectrumPlotParams*> left = library.all();
+    for (const QString& name : names) {
+        left.removeOne(&spectrumNamed(left, name, strName));
+        if (left.isEmpty()) {
+            throw Failure(QStringLiteral("nothing would be left of the library %1").arg(strName),
+                          QStringLiteral("\"spum library remove\" without --spectrum removes it"));
+        }
+    }
+    save(strName, left, library.note(), true);
+    return left.size();
+}

@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QList>
+#include <QPair>
+#include <QString>
+#include <QStringList>
+
+class SpectrumPlotParams;
+
+// The libraries of the user's data folder, as files. Operations throw Failure and leave everything as it was when they
+// cannot do all that is asked.
+namespace SavedLibraries {
+
+// Writes a library; one of that name is replaced only with `bReplace`. Returns the file. A name without a place in the
+// folder, or one that would be listed otherwise, is a bad request.
+QString save(const QString& strName, QList<SpectrumPlotParams*> spectra, const QString& strNote, bool bReplace);
+
+// The file of a saved library of that name.
+QString fileOf(const QString& strName);
+
+// Gives a library another name.
+void rename(const QString& strName, const QString& strNewName, bool bReplace);
+// Gives spectra of a library other names; pairs of old and new. All names are then different.
+void renameSpectra(const QString& strName, const QList<QPair<QString, QString>>& names);
+
+void remove(const QStringList& names);
+// Takes spectra out of a library, of which one remains at least. Returns how many do.
+int removeSpectra(const QString& strName, const QStringList& names);
+
+} // namespace SavedLibraries
