@@ -9,9 +9,12 @@
 #include "host/CORVDatabase.h"
 #include "host/CORVSequenceDataset.h"
 #include "services/basis/Failure.h"
+#include "services/basis/ProbeNames.h"
 #include "windows/componentCount.h"
 #include "windows/halfLife.h"
 #include "windows/probeOffer.h"
+
+#include <algorithm>
 
 namespace {
 
@@ -36,14 +39,33 @@ QString unknownSpelling(const QStringList& names, const QStringList& known)
     return QString();
 }
 
+// The names that mean something: those that the wizard offers, tissue and food, and the isotopes of Cherenkov light.
+QStringList knownNames(const CORVSpumKyvo& engine)
+{
+    return componentNames(true, true, offerFor(engine)) +
+           (engine.m_bCherenkov ? CORVDatabase::getRADSourceList() : QStringList());
+}
+
+// As the database has them. What a time course is named does not matter to its analysis.
+QStringList componentsMeant(const AutomaticRequest& request, const CORVSpumKyvo& engine)
+{
+    const QStringList known = knownNames(engine);
+    QStringList names;
+    for (const QString& name : request.components) {
+        const QString meant = probeMeant(name, known);
+        if (meant.isEmpty() && !request.anyName && engine.m_eSeqKind != SEQKIND_TEMPORAL) {
+            throw Failure(QStringLiteral("--components: there is no probe \"%1\", and --any-name is not given%2")
+                              .arg(name, nearestProbesText(name, known)));
+        }
+        names.append(meant.isEmpty() ? name : meant);
+    }
+    return names;
+}
+
 QStringList namesOf(const AutomaticRequest& request, const CORVSpumKyvo& engine)
 {
     if (!request.components.isEmpty()) {
-        const QString unknown = unknownSpelling(request.components, componentNames(true, true, offerFor(engine)));
-        if (!unknown.isEmpty()) {
-            throw Failure(QStringLiteral("--components: ") + unknown);
-        }
-        return request.components;
+        return componentsMeant(request, engine);
     }
     if (request.count == 0) {
         const QString unknown = unknownProbe(engine);
@@ -86,10 +108,7 @@ QString missingPrediction(const QString& strName, const CORVSpumKyvo& engine)
     const QString source = sourceOfLabel(strName) + sourceSuffix(engine.m_eAxis);
     sSourceSpecFileParameters curve;
     if (!readSourceCurve(source, engine.m_eSeqKind, engine.m_bCherenkov, curve)) {
-        sProbeParameters probe;
-        const bool similar = CORVDatabase::findProbe(strName, &probe) && probe.name != strName;
-        return QStringLiteral("the database has no source \"%1\"%2: where it lies is not predicted")
-            .arg(source, similar ? QStringLiteral(" (\"%1\" is there)").arg(probe.name) : QString());
+        return QStringLiteral("the database has no source \"%1\": where it lies is not predicted").arg(source);
     }
     if (!(engine.sourceSpectrum(source, engine.m_primaryKeys).Max() > 0.0)) {
         return QStringLiteral("the source \"%1\" has no light at these images: where it lies is not predicted")
@@ -116,6 +135,37 @@ QStringList predictionWarnings(const QStringList& names, bool bAsked, const CORV
         }
     }
     return warnings;
+}
+
+// Why fewer places in the spectrum than components are known. Those of which nothing is known count as one.
+QString undistinguishedText(const QStringList& names, const CORVSpumKyvo& engine)
+{
+    QStringList placeless;
+    for (const QString& name : names) {
+        if (!missingPrediction(name, engine).isEmpty()) {
+            placeless.append(name);
+        }
+    }
+    const int lost = names.size() - engine.m_suggestedLabels.size();
+    QStringList reasons;
+    if (placeless.size() > 1) {
+        reasons.append(
+            QStringLiteral("of %1 it is not known where they lie in the spectrum, so that nothing tells them "
+                           "apart; use --no-constraints, or --ncomponents %2")
+                .arg(placeless.join(QStringLiteral(", ")))
+                .arg(names.size()));
+    }
+    if (lost > std::max(0, placeless.size() - 1)) {
+        QStringList placed = names;
+        for (const QString& name : qAsConst(placeless)) {
+            placed.removeOne(name);
+        }
+        reasons.append(
+            QStringLiteral("of the components %1 two lie at one place of the spectrum, as far as is known; give "
+                           "one of them another name, \"Unknown\", or use --no-constraints")
+                .arg(placed.join(QStringLiteral(", "))));
+    }
+    return reasons.join(QStringLiteral("; "));
 }
 
 void takeDecay(const AutomaticRequest& request, const CORVSequenceDataset& sequence, CORVSpumKyvo& engine)
@@ -171,10 +221,7 @@ QStringList setUpAutomatic(const AutomaticRequest& request, bool bBeyondSix, con
     takeDecay(request, sequence, engine);
     engine.takeComponents();
     if (engine.m_params.Constraints.size() != names.size()) {
-        throw Failure(
-            QStringLiteral("of the components %1 two lie at one place of the spectrum, as far as is known; give "
-                           "one of them another name, \"Unknown\", or use --no-constraints")
-                .arg(names.join(QStringLiteral(", "))));
+        throw Failure(undistinguishedText(names, engine));
     }
     return warnings;
 }

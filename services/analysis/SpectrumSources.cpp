@@ -3,9 +3,11 @@
 
 #include "engine/CORVSpumKyvo.h"
 #include "engine/EngineEnums.h"
+#include "host/CORVDatabase.h"
 #include "host/CORVSequenceDataset.h"
 #include "services/basis/Failure.h"
 #include "services/basis/ImageExtent.h"
+#include "services/basis/ProbeNames.h"
 #include "services/basis/UnitLimit.h"
 #include "services/basis/UnitNames.h"
 #include "services/session/LibrarySpectra.h"
@@ -38,12 +40,26 @@ QString commonExcitation(const QList<KeyPair>& pairs)
     return common;
 }
 
+// What a spectrum is called: tissue and food as components are, others as the database has them.
+QString labelOf(const QString& strAsked)
+{
+    sProbeParameters probe;
+    const bool tissue = CORVDatabase::findProbe(strAsked, &probe) && probe.kind == QLatin1String("autofluorescence");
+    return tissue && !probe.aliases.isEmpty() ? probe.aliases.first() : SourceCurve::nameOf(strAsked);
+}
+
 // The image's amount of the source at each pair, not normalised.
 XTNT::Vector<double> valuesOf(const QString& strName, const QList<KeyPair>& pairs)
 {
     const XTNT::Vector<double> values = SourceCurve::valuesAt(strName, pairs);
     if (values.empty()) {
-        throw Failure(QStringLiteral("the database has no source \"%1\" (sources carry no suffix here)").arg(strName));
+        QStringList known;
+        for (const auto& probe : CORVDatabase::probeList()) {
+            known.append(probe.hasEmission && probe.kind != QLatin1String("radioactive") ? QStringList(probe.name)
+                                                                                         : QStringList());
+        }
+        throw Failure(QStringLiteral("the database has no source \"%1\" (sources carry no suffix here)%2")
+                          .arg(strName, nearestProbesText(strName, known)));
     }
     if (!SourceCurve::coversExcitations(strName, pairs)) {
         throw Failure(
@@ -321,7 +337,7 @@ void SpectrumSources::fromDatabase(const QString& strNames, const QString& strSe
     const QList<KeyPair> pairs = opened->engine().getSelectedKeyPairs();
     beginSource(QStringLiteral("sources of the database without the influence of tissue"));
     for (const auto& part : strNames.split(QLatin1Char(','))) {
-        const QString name = part.trimmed();
+        const QString name = labelOf(part.trimmed());
         auto values = valuesOf(name, pairs);
         normalise(values, name);
         SpectrumPlotParams& spectrum = append(name, QStringLiteral("database"));

@@ -2,6 +2,7 @@
 #include "services/session/SourceCurve.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace {
 
@@ -32,20 +33,37 @@ bool SourceCurve::read(const QString& strName, sSourceSpecFileParameters* pCurve
     return CORVDatabase::readLIBSource(strName, pCurve) || CORVDatabase::readSource(strName, pCurve);
 }
 
+QString SourceCurve::nameOf(const QString& strName)
+{
+    sProbeParameters probe;
+    return !read(strName + QStringLiteral("Em"), nullptr) && CORVDatabase::findProbe(strName, &probe) ? probe.name
+                                                                                                      : strName;
+}
+
+double SourceCurve::peakOf(const QString& strCurve)
+{
+    sSourceSpecFileParameters curve;
+    if (!read(strCurve, &curve) || curve.n < 1) {
+        return std::numeric_limits<double>::quiet_NaN();
+    }
+    const auto peak = std::max_element(curve.intensity.begin(), curve.intensity.end());
+    return curve.wavelength.at(static_cast<int>(peak - curve.intensity.begin()));
+}
+
 bool SourceCurve::coversExcitations(const QString& strName, const QList<KeyPair>& pairs)
 {
-    sSourceSpecFileParameters excitation;
-    return oneExcitation(pairs) || read(strName + QStringLiteral("Ex"), &excitation);
+    return oneExcitation(pairs) || read(nameOf(strName) + QStringLiteral("Ex"), nullptr);
 }
 
 XTNT::Vector<double> SourceCurve::valuesAt(const QString& strName, const QList<KeyPair>& pairs)
 {
     sSourceSpecFileParameters emission;
     sSourceSpecFileParameters excitation;
-    if (!read(strName + QStringLiteral("Em"), &emission)) {
+    const QString name = nameOf(strName);
+    if (!read(name + QStringLiteral("Em"), &emission)) {
         return XTNT::Vector<double>();
     }
-    const bool weighted = !oneExcitation(pairs) && read(strName + QStringLiteral("Ex"), &excitation);
+    const bool weighted = !oneExcitation(pairs) && read(name + QStringLiteral("Ex"), &excitation);
     XTNT::Vector<double> values(pairs.size());
     for (int j = 0; j < pairs.size(); ++j) {
         values[j] = valueAt(emission, pairs[j].second.toDouble()) *

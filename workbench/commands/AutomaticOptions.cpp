@@ -63,10 +63,13 @@ void declareAutomaticOptions(CommandParser& parser)
     parser.addOption(
         {QStringLiteral("components"),
          QStringLiteral("Names of the components to resolve, split by commas: TissueAF, Food, probes of the "
-                        "database, Unknown. They tell the method where each lies in the spectrum; with one "
+                        "database (\"spum sources\"; other names in use serve, as AF750), Unknown. They tell the "
+                        "method where each lies in the spectrum; with one "
                         "Unknown among them nothing is predicted. Without it: TissueAF and the probes of "
                         "the sequence."),
          QStringLiteral("NAMES")});
+    parser.addOption(
+        {QStringLiteral("any-name"), QStringLiteral("--components may have names that the database does not know.")});
     parser.addOption({QStringLiteral("ncomponents"),
                       QStringLiteral("So many components of which nothing is known; they are named UMX1, UMX2, ... "
                                      "Every automatic run says how many stand above the noise."),
@@ -85,7 +88,7 @@ void declareAutomaticOptions(CommandParser& parser)
 QStringList givenAutomaticOptions(const QCommandLineParser& parser)
 {
     QStringList given;
-    for (const char* name : {"components", "ncomponents", "constraints", "no-constraints", "decay"}) {
+    for (const char* name : {"components", "any-name", "ncomponents", "constraints", "no-constraints", "decay"}) {
         if (parser.isSet(QLatin1String(name))) {
             given.append(QStringLiteral("--") + QLatin1String(name));
         }
@@ -106,6 +109,7 @@ AutomaticRequest automaticRequestOf(const QCommandLineParser& parser)
     if (isSet("components")) {
         request.components = namesOf(parser.value(QStringLiteral("components")));
     }
+    request.anyName = isSet("any-name");
     if (isSet("ncomponents")) {
         request.count = countOf(parser.value(QStringLiteral("ncomponents")));
     }

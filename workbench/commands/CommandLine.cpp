@@ -26,6 +26,7 @@
 #include "workbench/commands/ResultsCommand.h"
 #include "workbench/commands/RoiCommand.h"
 #include "workbench/commands/SimulateCommand.h"
+#include "workbench/commands/SourcesCommand.h"
 #include "workbench/commands/UnmixCommand.h"
 #include "workbench/manual/helpText.h"
 
@@ -365,6 +366,7 @@ std::vector<std::unique_ptr<Command>> CommandLine::commands()
     list.push_back(std::make_unique<ResultsCommand>());
     list.push_back(std::make_unique<CompareCommand>());
     list.push_back(std::make_unique<LibraryCommand>());
+    list.push_back(std::make_unique<SourcesCommand>());
     list.push_back(std::make_unique<RoiCommand>());
     return list;
 }

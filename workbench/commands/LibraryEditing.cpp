@@ -166,10 +166,11 @@ void LibraryEditing::declareOptions(CommandParser& parser)
                    QStringLiteral("save, import, append: the sequence for the options behind it; may be repeated, each "
                                   "with its own."),
                    "SEQ");
-    addValueOption(parser, "probes",
-                   QStringLiteral("save, append: spectra of these sources of the database (A,B,...) at the "
-                                  "images of --sequence."),
-                   "NAMES");
+    addValueOption(
+        parser, "probes",
+        QStringLiteral("save, append: spectra of these sources of the database (A,B,...; see \"spum sources\") at the "
+                       "images of --sequence."),
+        "NAMES");
     addValueOption(parser, "region",
                    QStringLiteral("save, append: mean over a rectangle of the images of --sequence; may be repeated."),
                    "NAME=X,Y,W,H");

@@ -2,10 +2,9 @@
 #include "workbench/simulator/ProbeChoice.h"
 
 #include "host/CORVDatabase.h"
+#include "services/basis/ProbeNames.h"
 #include "services/basis/similarNames.h"
 #include "workbench/simulator/SimulationKind.h"
-
-#include <QHash>
 
 #include <cmath>
 
@@ -32,29 +31,14 @@ QString lightName(ProbeLight eLight)
 
 QString unknownProbe(const QString& strName, ProbeLight eLight)
 {
-    // Other names in use may be what the user meant; the answer tells the probe's own.
-    QStringList keys;
-    QHash<QString, QString> nameOf;
+    QStringList known;
     for (const sProbeParameters& probe : CORVDatabase::probeList()) {
-        if (probe.kind != lightName(eLight)) {
-            continue;
-        }
-        for (const QString& key : QStringList(probe.name) + probe.aliases) {
-            keys.append(key);
-            nameOf.insert(key, probe.name);
-        }
+        known.append(probe.kind == lightName(eLight) ? QStringList(probe.name) : QStringList());
     }
-    QStringList similar;
-    for (const QString& key : similarNames(strName, keys, 9)) {
-        if (!similar.contains(nameOf.value(key)) && similar.size() < 3) {
-            similar.append(nameOf.value(key));
-        }
-    }
-    if (similar.isEmpty()) {
+    if (known.isEmpty()) {
         return QStringLiteral("There is no probe \"%1\", and the reference data hold none at all.").arg(strName);
     }
-    return QStringLiteral("There is no probe \"%1\"; did you mean %2?")
-        .arg(strName, QStringLiteral("\"%1\"").arg(similar.join(QStringLiteral("\", \""))));
+    return QStringLiteral("There is no probe \"%1\"%2").arg(strName, nearestProbesText(strName, known));
 }
 
 bool resolveProbe(const QString& strName, ProbeLight eLight, Probe* pProbe, QString* pError)

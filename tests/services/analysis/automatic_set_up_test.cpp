@@ -98,8 +98,9 @@ TEST_F(AutomaticSetUpTest, AProbeInAnotherSpellingIsRefusedWithTheNearestKnownOn
     EXPECT_EQ(refusal(AutomaticRequest()),
               "the sequence's probe \"alexafluor 750\" is not known by that name; the nearest known one is "
               "\"AlexaFluor 750\"; give the names by --components");
-    EXPECT_EQ(refusal(named({"tissueaf", "AlexaFluor 750"})),
-              "--components: \"tissueaf\" is not known by that name; the nearest known one is \"TissueAF\"");
+    // Where the user names it the spelling is no matter.
+    EXPECT_TRUE(setUp(named({"tissueaf", "alexafluor 750"})).isEmpty());
+    EXPECT_EQ(engine().m_labels, (QStringList{"TissueAF", "AlexaFluor 750"}));
     EXPECT_NO_THROW(setUp(named({"TissueAF", "AlexaFluor 750"})));
     EXPECT_NO_THROW(setUp(counted(2)));
 }
@@ -158,6 +159,7 @@ TEST_F(AutomaticSetUpTest, WithoutConstraintsNothingIsSuggested)
     bands(4);
     AutomaticRequest request = named({"AlexaFluor 750", "Nobody"});
     request.useConstraints = false;
+    request.anyName = true;
     EXPECT_TRUE(setUp(request).isEmpty());
     EXPECT_TRUE(engine().m_suggestedLabels.isEmpty());
     EXPECT_EQ(engine().m_params.Constraints[0].HighPass, "N/A");
@@ -194,18 +196,51 @@ TEST_F(AutomaticSetUpTest, TwoImagesTakeTwoComponents)
 TEST_F(AutomaticSetUpTest, AProbeThatTheDatabaseLacksIsToldOf)
 {
     bands(4);
-    EXPECT_EQ(setUp(named({"TissueAF", "AlexaFluor 750", "Nobody"})),
-              QStringList{"the database has no source \"NobodyEm\": where it lies is not predicted"});
+    AutomaticRequest request = named({"TissueAF", "AlexaFluor 750", "Nobody"});
+    const QString refused = refusal(request);
+    EXPECT_TRUE(
+        refused.startsWith("--components: there is no probe \"Nobody\", and --any-name is not given; did you mean "))
+        << qPrintable(refused);
+    request.anyName = true;
+    EXPECT_EQ(setUp(request), QStringList{"the database has no source \"NobodyEm\": where it lies is not predicted"});
     EXPECT_EQ(engine().m_params.Constraints.size(), 3);
     EXPECT_EQ(engine().m_suggestedLabels.size(), 3);
 }
 
-TEST_F(AutomaticSetUpTest, AnotherNameOfAProbeIsToldWithTheOneThatServes)
+TEST_F(AutomaticSetUpTest, AnotherNameOfAProbeServes)
 {
     bands(4);
-    EXPECT_EQ(setUp(named({"TissueAF", "AF750"})),
-              QStringList{"the database has no source \"AF750Em\" (\"AlexaFluor 750\" is there): where it lies is not "
-                          "predicted"});
+    EXPECT_TRUE(setUp(named({"TissueAF", "AF750"})).isEmpty());
+    EXPECT_EQ(engine().m_labels, (QStringList{"TissueAF", "AlexaFluor 750"}));
+    EXPECT_EQ(engine().m_params.Constraints.size(), 2);
+}
+
+TEST_F(AutomaticSetUpTest, ANameThatIsNearlyAProbesIsRefusedWithIt)
+{
+    bands(4);
+    EXPECT_TRUE(refusal(named({"TissueAF", "AlexaFlour 750"}))
+                    .startsWith("--components: there is no probe \"AlexaFlour 750\", and --any-name is not given; did "
+                                "you mean \"AlexaFluor 750\""));
+}
+
+TEST_F(AutomaticSetUpTest, ComponentsOfATimeSeriesHaveAnyName)
+{
+    timePoints(3);
+    EXPECT_TRUE(setUp(named({"liver", "blood"})).isEmpty());
+    EXPECT_EQ(engine().m_labels, (QStringList{"liver", "blood"}));
+}
+
+TEST_F(AutomaticSetUpTest, NamesOfWhichNothingIsKnownDoNotLieAtOnePlace)
+{
+    bands(4);
+    AutomaticRequest request = named({"TissueAF", "Nobody", "Nothing"});
+    request.anyName = true;
+    EXPECT_EQ(refusal(request),
+              "of Nobody, Nothing it is not known where they lie in the spectrum, so that nothing tells "
+              "them apart; use --no-constraints, or --ncomponents 3");
+    request = named({"TissueAF", "TissueAF", "Nobody", "Nothing"});
+    request.anyName = true;
+    EXPECT_TRUE(refusal(request).contains("; of the components TissueAF, TissueAF two lie at one place"));
 }
 
 TEST_F(AutomaticSetUpTest, ASourceWithoutLightAtTheImagesIsToldOf)

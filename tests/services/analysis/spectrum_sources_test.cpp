@@ -137,8 +137,8 @@ TEST_F(SpectrumSourcesTest, SeveralExcitationsAskForTheExcitationCurve)
 TEST_F(SpectrumSourcesTest, AnUnknownSourceIsNamed)
 {
     const QString sequence = sequenceOf({{640, 700}, {640, 730}});
-    EXPECT_EQ(databaseRefusal("Hand,Nobody", sequence),
-              "the database has no source \"Nobody\" (sources carry no suffix here)");
+    EXPECT_TRUE(databaseRefusal("Hand,Nobody", sequence)
+                    .startsWith("the database has no source \"Nobody\" (sources carry no suffix here)"));
     EXPECT_TRUE(databaseRefusal("", sequence).startsWith("the database has no source \"\""));
 }
 

@@ -262,10 +262,13 @@ TEST_F(AutomaticProgramTest, OneImageWithoutAStructureIsToldOf)
 TEST_F(AutomaticProgramTest, AProbeThatTheDatabaseLacksIsToldOf)
 {
     writeBands(5, mixture);
+    EXPECT_TRUE(
+        unmixRefusal({"--components", "TissueAF,Nobody", "--mask", "none"})
+            .startsWith("--components: there is no probe \"Nobody\", and --any-name is not given; did you mean "));
     // Two components for images of three sources.
-    const ProgramResult result =
-        succeed({"unmix", "seq", "--components", "TissueAF,Nobody", "--mask", "none", "--out", "out", "--json"},
-                {"input", "unexplained"});
+    const ProgramResult result = succeed(
+        {"unmix", "seq", "--components", "TissueAF,Nobody", "--any-name", "--mask", "none", "--out", "out", "--json"},
+        {"input", "unexplained"});
     EXPECT_TRUE(result.err.startsWith(
         "spum: warning: the database has no source \"NobodyEm\": where it lies is not predicted\n"));
     EXPECT_EQ(namesOf(result.json()), (QStringList{"TissueAF", "Nobody"}));
