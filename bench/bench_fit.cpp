@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The fit of all pixels with known spectra: unconstrained, and non-negative by the fast path, by the plain path and
-// with every row through NNLS. Times also in units of R, one single-threaded pass that sums the same matrix.
+// with every row through NNLS; the same once more with weights from the first fit, and the standard errors. Times also
+// in units of R, one single-threaded pass that sums the same matrix.
 #include "bench_support.h"
 
 #include "XTNT/concentration_pass.h"
 #include "XTNT/constrained_concentrations.h"
 #include "XTNT/least_squares.h"
 #include "XTNT/nnls_row_fit.h"
+#include "XTNT/weighted_concentrations.h"
 
 #include <string>
 
@@ -89,6 +91,34 @@ Matrix<double> unconstrained(const Problem& p)
     return XTNT::solveForRight(p.pixels, p.spectra);
 }
 
+// Noise that grows with the light, as large as that of the pixels where they are of middling brightness.
+XTNT::NoiseModel noiseOf(const Problem& p)
+{
+    const double variance = bench::noiseLevel * bench::noiseLevel;
+    return {Matrix<double>(1, p.size.bands, variance), Matrix<double>(1, p.size.bands, 0.5 * variance)};
+}
+
+// Both fits: the first without weights, from which they follow.
+Matrix<double> weighted(const Problem& p)
+{
+    Matrix<double> result = fast(p);
+    XTNT::weightedConcentrations(p.pixels, p.spectra, noiseOf(p), result);
+    return result;
+}
+
+Matrix<double> weightedPlain(const Problem& p)
+{
+    Matrix<double> result = fast(p);
+    XTNT::weightedConcentrationsPlain(p.pixels, p.spectra, noiseOf(p), result);
+    return result;
+}
+
+Matrix<double> weightedWithErrors(const Problem& p)
+{
+    const Matrix<double> fit = weighted(p);
+    return XTNT::standardErrors(p.spectra, noiseOf(p), fit);
+}
+
 // One orthogonal factorisation for a slice of the pixels as right-hand sides.
 double unconstrainedError(const Problem& p)
 {
@@ -99,12 +129,23 @@ double unconstrainedError(const Problem& p)
 
 using Path = Matrix<double> (*)(const Problem&);
 
+double errorOf(const Problem& p, Path path)
+{
+    if (path == unconstrained) {
+        return unconstrainedError(p);
+    }
+    const bool hasWeights = path == weighted || path == weightedPlain;
+    return largestError(path(p), hasWeights ? weightedPlain(p) : plain(p));
+}
+
 void oneThread(benchmark::State& state, Path path)
 {
     const Problem& p = bench::problemOf<Problem>(state.range(0));
     bench::timeInUnits(state, p.pixels, [&] { benchmark::DoNotOptimize(path(p).storage.data); });
     state.counters["negative"] = negativeShare(unconstrained(p));
-    state.counters["error"] = path == unconstrained ? unconstrainedError(p) : largestError(path(p), plain(p));
+    if (path != weightedWithErrors) {
+        state.counters["error"] = errorOf(p, path);
+    }
 }
 
 void twoThreads(benchmark::State& state, Path path)
@@ -129,7 +170,10 @@ void registerAll()
     } paths[] = {{"unconstrained", unconstrained, fastIterations},
                  {"constrained_fast", fast, fastIterations},
                  {"constrained_plain", plain, slowIterations},
-                 {"every_row_nnls", everyRowThroughNnls, slowIterations}};
+                 {"every_row_nnls", everyRowThroughNnls, slowIterations},
+                 {"weighted_fast", weighted, fastIterations},
+                 {"weighted_plain", weightedPlain, slowIterations},
+                 {"weighted_with_errors", weightedWithErrors, slowIterations}};
     for (int size = 0; size < 3; ++size) {
         for (const auto& path : paths) {
             settings(
