@@ -169,4 +169,39 @@ ResidualNorms residuals(const Matrix<double>& T, const Matrix<double>& X, const 
     return {normOf(totalOf(fitParts), fit), normOf(totalOf(rawParts), raw)};
 }
 
+ResidualNorms residualNorms(const Matrix<double>& T, const Matrix<double>& X, const Matrix<double>& C,
+                            const Matrix<double>& S)
+{
+    checkSizes(T, C, S);
+    XTNT_ASSERT(X.num_rows() == T.num_rows() && X.num_cols() == T.num_cols());
+    if (T.empty()) {
+        return ResidualNorms();
+    }
+    std::vector<SquareSums> fitParts(chunkCount(T));
+    std::vector<SquareSums> rawParts(chunkCount(T));
+    const std::vector<double> zeros(static_cast<std::size_t>(T.num_cols()));
+    const long long bands = T.num_cols();
+    // The product becomes the one residual and then the other.
+    forProducts(C, S, [&](long long chunk, long long row, double* __restrict rest, long long r) {
+        const double* __restrict t = T[row];
+        const double* __restrict x = X[row];
+        for (long long j = 0; j < bands; ++j) {
+            rest[j] = t[j] - rest[j];
+        }
+        fitParts[static_cast<std::size_t>(chunk)].add(r, rest, zeros.data(), bands, 1.0);
+        for (long long j = 0; j < bands; ++j) {
+            rest[j] = (rest[j] - t[j]) + x[j];
+        }
+        rawParts[static_cast<std::size_t>(chunk)].add(r, rest, zeros.data(), bands, 1.0);
+    });
+    const double fit = totalOf(fitParts);
+    const double raw = totalOf(rawParts);
+    if (std::isnormal(fit) && std::isnormal(raw)) {
+        return {std::sqrt(fit), std::sqrt(raw)};
+    }
+    Matrix<double> fitResidual;
+    Matrix<double> rawResidual;
+    return residuals(T, X, C, S, fitResidual, rawResidual);
+}
+
 } // namespace XTNT

@@ -22,4 +22,8 @@ struct ResidualNorms
 ResidualNorms residuals(const Matrix<double>& T, const Matrix<double>& X, const Matrix<double>& C,
                         const Matrix<double>& S, Matrix<double>& fit, Matrix<double>& raw);
 
+// The norms alone, to the bit; no matrix of that size is made, but where a sum of squares leaves the range of numbers.
+ResidualNorms residualNorms(const Matrix<double>& T, const Matrix<double>& X, const Matrix<double>& C,
+                            const Matrix<double>& S);
+
 } // namespace XTNT

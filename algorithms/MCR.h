@@ -130,6 +130,7 @@ public:
     double lackOfFitPCA = 0;       // percent, against fitData
     double lackOfFitRaw = 0;       // percent, against rawData
     int extraPCs = 1;              // principal components kept beyond K
+    int keepMatrices = 1;          // 0: a run leaves no residuals, and pca.U becomes `data`; the rest is the same bits
     int lastError = 0;             // 2 too many components, 3 degenerate estimate
     XTNT::Vector<int> concNonNegFlags;
     XTNT::Vector<int> specNonNegFlags;

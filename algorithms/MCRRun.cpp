@@ -39,7 +39,8 @@ int MCR::run(std::ostream& out)
         rowNorms = rowpass::rowNorms(rawData);
         rowpass::divideRows(rawData, rowNorms);
     }
-    pca.reconstruct(data, static_cast<int>(nComponents) + extraPCs);
+    const int kept = static_cast<int>(nComponents) + extraPCs;
+    keepMatrices != 0 ? pca.reconstruct(data, kept) : pca.reconstructInPlace(data, kept);
     const double normOfData = norm(data);
     const double normOfRawData = norm(rawData);
     fitData = weightingMode < 1 ? data : data.deepCopy();

@@ -378,6 +378,9 @@ void MCR::updateDataByConcentrations()
 
 XTNT::ResidualNorms MCR::fillResiduals()
 {
+    if (!isPlain() && keepMatrices == 0) {
+        return XTNT::residualNorms(fitData, rawData, conc, spec);
+    }
     if (!isPlain()) {
         return XTNT::residuals(fitData, rawData, conc, spec, residualPCA, residualRaw);
     }

@@ -41,17 +41,35 @@ int numericalRank(const XTNT::SVD& svd)
         std::count_if(svd.s.data, svd.s.data + svd.s.n_, [threshold](double value) { return value > threshold; }));
 }
 
-// The first columns of left, as many as factor has rows, times factor.
-Matrix<double> multiplyFirstColumns(const Matrix<double>& left, const Matrix<double>& factor)
+// The first columns of left, as many as factor has rows, times factor, into result, which may be left itself: a row is
+// read before it is written.
+void multiplyFirstColumns(const Matrix<double>& left, const Matrix<double>& factor, Matrix<double>& result)
 {
-    Matrix<double> result(left.num_rows(), factor.num_cols());
-    XTNT::preferLargePages(result);
     const XTNT::RowProduct product(factor);
     XTNT::parallelChunks(left.num_rows(), chunkRows, [&](long long begin, long long end) {
         std::vector<double> scratch(static_cast<std::size_t>(XTNT::RowProduct::rowsAtOnce * product.paddedColumns()));
         product.multiplyBlock(left, begin, end, result, scratch.data());
     });
+}
+
+Matrix<double> multiplyFirstColumns(const Matrix<double>& left, const Matrix<double>& factor)
+{
+    Matrix<double> result(left.num_rows(), factor.num_cols());
+    XTNT::preferLargePages(result);
+    multiplyFirstColumns(left, factor, result);
     return result;
+}
+
+// What turns left vectors into the approximation of rank `kept`.
+Matrix<double> rightFactor(const Matrix<double>& S, const Matrix<double>& V, long long kept)
+{
+    Matrix<double> factor(kept, V.num_rows());
+    for (long long i = 0; i < kept; ++i) {
+        for (long long j = 0; j < V.num_rows(); ++j) {
+            factor[i][j] = S[i][i] * V[j][i];
+        }
+    }
+    return factor;
 }
 
 } // namespace
@@ -82,14 +100,23 @@ int PCA::decompose(const Matrix<double>& x, unsigned mode)
 Matrix<double>& PCA::reconstruct(Matrix<double>& out, int k) const
 {
     const long long kept = std::max(0, std::min(rank, k));
-    Matrix<double> factor(kept, V.num_rows());
-    for (long long i = 0; i < kept; ++i) {
-        for (long long j = 0; j < V.num_rows(); ++j) {
-            factor[i][j] = S[i][i] * V[j][i];
-        }
-    }
     out = Matrix<double>(); // a large block that goes before the new one comes
-    out = kept > 0 ? multiplyFirstColumns(U, factor) : Matrix<double>(U.num_rows(), V.num_rows());
+    out = kept > 0 ? multiplyFirstColumns(U, rightFactor(S, V, kept)) : Matrix<double>(U.num_rows(), V.num_rows());
+    return out;
+}
+
+Matrix<double>& PCA::reconstructInPlace(Matrix<double>& out, int k)
+{
+    const long long kept = std::max(0, std::min(rank, k));
+    // Of fewer rows than columns the left vectors are narrower than the data.
+    if (kept < 1 || U.num_cols() != V.num_rows()) {
+        reconstruct(out, k);
+        U = Matrix<double>();
+        return out;
+    }
+    multiplyFirstColumns(U, rightFactor(S, V, kept), U);
+    out = U;
+    U = Matrix<double>();
     return out;
 }
 

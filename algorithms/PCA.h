@@ -22,6 +22,10 @@ public:
     // Passes cancellation points.
     XTNT::Matrix<double>& reconstruct(XTNT::Matrix<double>& out, int k) const;
 
+    // The same in the memory of U, which is empty afterwards and must not be shared: where the size of x counts. The
+    // same bits.
+    XTNT::Matrix<double>& reconstructInPlace(XTNT::Matrix<double>& out, int k);
+
     // The squares of the singular values, descending, n of them; empty before a decomposition.
     XTNT::Vector<double> eigenvalues() const;
     // U S.

@@ -90,6 +90,7 @@ int CORVSpumKyvo::resolveSpectra()
     if (m_cube.m_data.empty()) {
         return RUNERROR_DATA;
     }
+    mcr.keepMatrices = 0; // of the size of the data, and nobody asks for them here
     if (mcr.setData(m_cube.m_data) == 0) {
         return RUNERROR_MEMORY;
     }

@@ -53,6 +53,9 @@ RC_GTEST_PROP(ResidualNormLaws, NormIsThatOfTheMatrixForEveryShape, (unsigned se
     RC_ASSERT((raw - (X - C * S)).norm(0) <= tolerance * static_cast<double>(components));
     RC_ASSERT(std::abs(norms.fit - fit.norm(2)) <= tolerance * norms.fit);
     RC_ASSERT(std::abs(norms.raw - raw.norm(2)) <= tolerance * norms.raw);
+    const ResidualNorms alone = XTNT::residualNorms(T, X, C, S);
+    RC_ASSERT(alone.fit == norms.fit);
+    RC_ASSERT(alone.raw == norms.raw);
 }
 
 TEST(ResidualNormTest, LeavesTheRangeOfNumbersOnlyWithTheResult)
@@ -71,6 +74,9 @@ TEST(ResidualNormTest, LeavesTheRangeOfNumbersOnlyWithTheResult)
         const ResidualNorms norms = residuals(scaled(T, factor), scaled(X, factor), scaled(C, factor), S, fit, raw);
         EXPECT_NEAR(1, norms.fit / (expected * factor), tolerance) << factor;
         EXPECT_NEAR(1, norms.raw / (expectedRaw * factor), tolerance) << factor;
+        const ResidualNorms alone = XTNT::residualNorms(scaled(T, factor), scaled(X, factor), scaled(C, factor), S);
+        EXPECT_EQ(alone.fit, norms.fit) << factor;
+        EXPECT_EQ(alone.raw, norms.raw) << factor;
     }
 }
 
@@ -82,6 +88,7 @@ TEST(ResidualNormTest, PerfectFitGivesZero)
     Matrix<double> fit;
     Matrix<double> raw;
     EXPECT_EQ(0, residuals(C * S, C * S, C, S, fit, raw).fit);
+    EXPECT_EQ(0, XTNT::residualNorms(C * S, C * S, C, S).fit);
 }
 
 TEST(ResidualNormTest, EmptyTargetGivesZero)
@@ -93,6 +100,7 @@ TEST(ResidualNormTest, EmptyTargetGivesZero)
         0, residuals(Matrix<double>(0, 4), Matrix<double>(0, 4), Matrix<double>(0, 2), Matrix<double>(2, 4), fit, raw)
                .raw);
     EXPECT_EQ(0, fit.num_rows());
+    EXPECT_EQ(0, XTNT::residualNorms(fit, fit, Matrix<double>(0, 2), Matrix<double>(2, 4)).raw);
 }
 
 TEST(ResidualNormTest, ElementsThatAreNotFiniteTravelThrough)

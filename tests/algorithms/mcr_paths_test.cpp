@@ -183,3 +183,27 @@ TEST(McrPathsTest, NumberOfThreadsDoesNotShow)
         EXPECT_EQ(outcome.mcr->lackOfFitRaw, outcomes[0].mcr->lackOfFitRaw);
     }
 }
+
+// What is let go of leaves no trace in what stays: not of tall data, and not of wider ones.
+TEST(McrPathsTest, MatricesThatAreNotKeptChangeNoBit)
+{
+    for (const auto& data : {mixture(3000, 12, 4, 0.15, 47), mixture(9, 12, 4, 0.15, 53)}) {
+        const auto run = [&data](int keep) {
+            return runMcr(data, 4, [keep](MCR& mcr) {
+                twentyIterations(mcr);
+                mcr.maxIterations = 7;
+                mcr.keepMatrices = keep;
+            });
+        };
+        const McrOutcome kept = run(1);
+        const McrOutcome lean = run(0);
+        EXPECT_EQ(lean.trace, kept.trace);
+        EXPECT_TRUE(sameBits(lean.mcr->conc, kept.mcr->conc));
+        EXPECT_TRUE(sameBits(lean.mcr->spec, kept.mcr->spec));
+        EXPECT_TRUE(sameBits(lean.mcr->data, kept.mcr->data));
+        EXPECT_EQ(lean.mcr->lackOfFitPCA, kept.mcr->lackOfFitPCA);
+        EXPECT_EQ(lean.mcr->lackOfFitRaw, kept.mcr->lackOfFitRaw);
+        EXPECT_TRUE(lean.mcr->residualPCA.empty() && lean.mcr->residualRaw.empty() && lean.mcr->pca.U.empty());
+        EXPECT_FALSE(kept.mcr->residualPCA.empty() || kept.mcr->residualRaw.empty() || kept.mcr->pca.U.empty());
+    }
+}
