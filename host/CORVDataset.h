@@ -95,6 +95,9 @@ public:
     // As getCalibratedLuminImage decides, without reading pixels; an empty text when the unit can be had, else the
     // reason.
     QString unitUnavailableReason(tag_edisplayunit eUnit) const;
+    // What one count is in that unit; *pValue is untouched where none can be told: the unit cannot be had, the pixels
+    // are stored in another than counts, or a reference image makes it another for each pixel.
+    bool countInUnit(tag_edisplayunit eUnit, double* pValue) const;
     // The host offers no unit that ranks above this one (by number); 3 at the start. For the whole process.
     static void setUnitLimit(tag_edisplayunit eLimit);
     static tag_edisplayunit unitLimit();

@@ -55,6 +55,8 @@ for ratio in 3 1 0.3; do
     scene "none-$ratio" "$names" --ratio $ratio --noise none
     for peak in 20000 5000 2000; do
         scene "$peak-$ratio" "$names" --ratio $ratio --peak $peak
+        known "$peak-$ratio" poisson --noise poisson --errors
+        known "$peak-$ratio" gaussian --noise gaussian
     done
 done
 for seed in 2 3 4 5 6; do

@@ -176,6 +176,36 @@ def print_known(root):
     table(["signal", "ratio", *COMPONENTS, "residual"], rows)
 
 
+def error_scatter(scene, component, run):
+    """Root mean square of (map - truth) / standard error over the pixels whose truth is three errors and more."""
+    answer = scene.answer(run)
+    truth = scene.true_map(component["truthName"])
+    found = read_floats(Path(answer["folder"]) / component["map"])
+    errors = read_floats(Path(answer["folder"]) / component["errorMap"])
+    parts = [((x - t) / e) ** 2 for x, t, e in zip(found, truth, errors) if t > 3.0 * e]
+    return (sum(parts) / len(parts)) ** 0.5 if len(parts) > 100 else None
+
+
+def print_weighted(root):
+    title("Known spectra, weighted by their noise")
+    rows = []
+    for name, signal, ratio in scene_names():
+        if name.startswith("none"):
+            continue
+        scene = Scene(root, name)
+        plain = [c["truthRelativeError"] for c in scene.answer("known")["components"]]
+        for text, run in (("poisson", "poisson"), ("gaussian", "gaussian")):
+            answer = scene.answer(run)
+            found = answer["components"]
+            cells = [f"{number(c['truthRelativeError'])} ({c['truthRelativeError'] / p:.2f})" for c, p in zip(found, plain)]
+            scatter = ""
+            if run == "poisson":
+                parts = [error_scatter(scene, c, run) for c in found]
+                scatter = ", ".join("-" if part is None else f"{part:.2f}" for part in parts)
+            rows.append([signal, ratio, text, *cells, scatter])
+    table(["signal", "ratio", "noise", *COMPONENTS, "scatter over error"], rows)
+
+
 def print_shares(root):
     title("Shares of the signal of weak dyes")
     scene = Scene(root, "2000-0.3")
@@ -391,6 +421,7 @@ def main():
     root = Path(sys.argv[1])
     print_exact(root)
     print_known(root)
+    print_weighted(root)
     print_shares(root)
     print_resolved(root, "Names given", "names")
     print_allowed(root)

@@ -169,6 +169,17 @@ double CORVDataset::unitFactor(tag_edisplayunit eUnit, tag_eimagetype eType) con
     return factor;
 }
 
+bool CORVDataset::countInUnit(tag_edisplayunit eUnit, double* pValue) const
+{
+    tag_eimagetype type = IMAGETYPE_MAIN_DATA;
+    if (!unitUnavailableReason(eUnit).isEmpty() || storedUnit(*this) != DISPLAYUNIT_COUNTS ||
+        (eUnit == DISPLAYUNIT_EFFICIENCY && hasReferenceImage(nullptr)) || !resolveType(IMAGETYPE_MAIN_DATA, &type)) {
+        return false;
+    }
+    *pValue = unitFactor(eUnit, type);
+    return true;
+}
+
 ESTATUS CORVDataset::getCalibratedLuminImage(tag_edisplayunit eUnit, CILImage* pOut, const QString& strCaller)
 {
     tag_eimagetype type = IMAGETYPE_MAIN_DATA;

@@ -84,7 +84,9 @@ constexpr const char* const kChannelWavelength = "Channel Wavelength nm";    // 
 constexpr const char* const kChannelWavenumber = "Channel Wavenumber";       // 1/cm
 
 // Section "Camera System Info".
-constexpr const char* const kPhotonsPerCount = "Photons per Count";  // photons
-constexpr const char* const kPixelSize = "Pixel Size cm";            // cm, in the object plane, unbinned
-constexpr const char* const kLensSolidAngle = "Lens Solid Angle sr"; // sr, at f/1; at f/N it is this over N^2
+constexpr const char* const kPhotonsPerCount = "Photons per Count";     // photons
+constexpr const char* const kElectronsPerCount = "Electrons per Count"; // the camera's gain
+constexpr const char* const kReadNoise = "Read Noise Electrons";        // standard deviation, a stored pixel
+constexpr const char* const kPixelSize = "Pixel Size cm";               // cm, in the object plane, unbinned
+constexpr const char* const kLensSolidAngle = "Lens Solid Angle sr";    // sr, at f/1; at f/N it is this over N^2
 } // namespace ClickKeys

@@ -207,12 +207,31 @@ void UnmixJob::fit(const QElapsedTimer& timer)
     }
     const XTNT::CancellationCheck check([this] { m_monitor.stopIfRequested(); });
     XTNT::cancellationPoint();
+    const bool weighs = m_request.noise.kind != NoiseRequest::Kind::None || m_request.noise.errors;
+    const NoiseFitResult weighed = weighs ? weigh() : NoiseFitResult();
     showPictures();
     const bool corrected = isAutomatic() && m_request.automatic.correctDecay;
     m_numbers = numbersOfResult(engine, m_setUp.opened().truthFolder(engine.m_eUnit, corrected));
+    if (weighs) {
+        m_numbers.noise = weighed.facts;
+        m_numbers.errors = weighed.errors;
+    }
     m_numbers.seconds = seconds;
     m_numbers.automatic = isAutomatic();
     takeWarnings();
+}
+
+NoiseFitResult UnmixJob::weigh()
+{
+    auto& engine = m_setUp.engine();
+    if (m_request.noise.errors && engine.m_spectrumPlots.size() >= engine.m_selectedKeyPairs.size()) {
+        throw Failure(QStringLiteral("%1 spectra leave nothing of %2 images that standard errors could be told by")
+                          .arg(engine.m_spectrumPlots.size())
+                          .arg(engine.m_selectedKeyPairs.size()),
+                      QStringLiteral("leave --errors out, or take more images"));
+    }
+    m_monitor.showProgress(QStringLiteral("Weighing by the noise"), notKnown);
+    return fitWithNoise(m_request.noise, m_setUp.opened().sequence(), engine);
 }
 
 // A resolution of named components falls apart where they are not all there: an animal without food has its tissue

@@ -3,6 +3,8 @@
 
 #include "services/analysis/AnalysisSetUp.h"
 #include "services/analysis/AutomaticRequest.h"
+#include "services/analysis/NoiseFit.h"
+#include "services/analysis/NoiseRequest.h"
 #include "services/results/ResultFiles.h"
 #include "services/results/StagedRun.h"
 #include "services/warnings/WarningCollector.h"
@@ -18,6 +20,7 @@ struct UnmixRequest
     int mode = 0;
     QString library;            // file or name; of a run with known spectra
     AutomaticRequest automatic; // of an automatic run
+    NoiseRequest noise;         // of one with known spectra
     bool replace = false;       // earlier results in the folder
     bool pdf = false;           // the report as PDF too
     bool save = false;          // keep the result beside the sequence
@@ -46,6 +49,7 @@ private:
     void takeIsotope();
     // The time is counted from the reading of the images on.
     void fit(const QElapsedTimer& timer);
+    NoiseFitResult weigh();
     QString adviceAgainstFailure();
     void takeWarnings();
     ReportFrame reportFrame();

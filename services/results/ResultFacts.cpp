@@ -51,6 +51,9 @@ ComponentFacts componentOf(const CORVSpumKyvo& engine, const ResultNumbers& numb
     facts.name = settings.name;
     facts.color = settings.color;
     facts.map = resultMapName(nComponent, settings.name, 0, nSpots) + QStringLiteral(".tif");
+    if (!numbers.errors.empty()) {
+        facts.errorMap = resultErrorMapName(nComponent, settings.name, 0, nSpots) + QStringLiteral(".tif");
+    }
     facts.share = numbers.shares[i];
     facts.maximum = engine.m_concentrations.row(nComponent).Max();
     facts.truth = numbers.truth[i];
@@ -140,6 +143,7 @@ ResultFacts factsOfResult(const CORVSpumKyvo& engine, const ResultNumbers& numbe
     facts.seconds = numbers.seconds;
     facts.warnings = numbers.warnings;
     facts.above = numbers.above;
+    facts.noise = numbers.noise;
     if (std::isfinite(numbers.condition)) {
         facts.condition = numbers.condition;
     }
@@ -178,4 +182,9 @@ QString resultMapName(int nComponent, const QString& strLabel, int nSpot, int nS
 {
     const QString spot = nSpots > 1 ? QStringLiteral("_spot%1").arg(nSpot + 1) : QString();
     return QStringLiteral("%1_%2%3").arg(nComponent + 1, 2, 10, QLatin1Char('0')).arg(resultFileName(strLabel), spot);
+}
+
+QString resultErrorMapName(int nComponent, const QString& strLabel, int nSpot, int nSpots)
+{
+    return resultMapName(nComponent, strLabel, nSpot, nSpots) + QStringLiteral("_error");
 }

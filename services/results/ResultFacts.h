@@ -2,6 +2,7 @@
 #pragma once
 
 #include "services/results/ComponentNumber.h"
+#include "services/results/NoiseFacts.h"
 #include "services/results/TruthComparison.h"
 #include "services/warnings/RunWarning.h"
 
@@ -20,6 +21,7 @@ struct ComponentFacts
     QString name;
     QString color;
     QString map;                     // name of its map's file, of a scan that of the first spot
+    QString errorMap;                // that of its standard errors, likewise; empty without
     double share = 0.0;              // of the signal, 0 to 1
     double maximum = 0.0;            // of its map
     std::optional<QString> highPass; // of an automatic run, where it was bound
@@ -67,6 +69,7 @@ struct ResultFacts
     std::optional<double> maskLight; // part of the images' light that lies inside the mask, 0 to 1
     std::optional<double> condition; // of the spectra, each scaled to length 1
     ComponentNumber above;           // the noise; none of a result that was loaded
+    std::optional<NoiseFacts> noise; // of a fit with weights, or standard errors
     QList<RunWarning> warnings;
 
     bool hasTruth() const;
@@ -84,3 +87,5 @@ ResultFacts factsOfResult(const CORVSpumKyvo& engine, const ResultNumbers& numbe
 QString resultFileName(const QString& strLabel);
 // Name of the file of a component's map without its ending; the number in front keeps two components of one name apart.
 QString resultMapName(int nComponent, const QString& strLabel, int nSpot, int nSpots);
+// The same of the map of its standard errors.
+QString resultErrorMapName(int nComponent, const QString& strLabel, int nSpot, int nSpots);

@@ -22,6 +22,7 @@
 #include "spectra/SpumKyvoDatabase.h"
 
 #include <QImage>
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QPainter>
 
@@ -35,14 +36,15 @@ const QSize plotSize(1100, 700);
 constexpr int overviewMaps = 12;
 constexpr int reportedComposites = 6;
 
-// A component's map at a spot as an image of the shape that the images had; 0 outside the mask.
-CILImage imageOfMap(const CORVSpumKyvo& engine, int nComponent, int nSpot)
+// A component's row of maps (components x pixels) at a spot as an image of the shape that the images had; 0 outside the
+// mask.
+CILImage imageOfMap(const CORVSpumKyvo& engine, const XTNT::Matrix<double>& maps, int nComponent, int nSpot)
 {
     CILImage image;
     image.InitWithType(ORVTYPE_FLOAT, engine.m_nWidth, engine.m_nHeight);
     image.m_fBinning = static_cast<float>(engine.m_nBinning);
     const long long pixels = engine.m_cube.pixelsPerSpot();
-    const double* row = engine.m_concentrations[nComponent] + nSpot * pixels;
+    const double* row = maps[nComponent] + nSpot * pixels;
     float* target = image.floats();
     for (long long j = 0; j < pixels; ++j) {
         const auto place =
@@ -76,7 +78,7 @@ QString valueText(int nUnit)
 } // namespace
 
 ResultFiles::ResultFiles(const CORVSpumKyvo& engine, const ResultNumbers& numbers, const QString& strFolder)
-    : m_engine(engine), m_facts(factsOfResult(engine, numbers)), m_strFolder(strFolder)
+    : m_engine(engine), m_facts(factsOfResult(engine, numbers)), m_errors(numbers.errors), m_strFolder(strFolder)
 {
 }
 
@@ -87,7 +89,16 @@ QString ResultFiles::summaryText() const
 
 QJsonObject ResultFiles::summaryJson() const
 {
-    return resultJson(m_facts, m_files);
+    return jsonOf(m_files);
+}
+
+QJsonObject ResultFiles::jsonOf(const QStringList& files) const
+{
+    QJsonObject json = resultJson(m_facts, files);
+    if (!m_errorMaps.isEmpty()) {
+        json.insert(QStringLiteral("errorMaps"), QJsonArray::fromStringList(m_errorMaps));
+    }
+    return json;
 }
 
 void ResultFiles::write(const std::function<void(double fraction)>& step)
@@ -115,8 +126,7 @@ void ResultFiles::writeSummary()
     put(QStringLiteral("summary.csv"), resultCsv(m_facts));
     // Last, as it names the other files; it also marks the folder as ours.
     const QString name = QStringLiteral("summary.json");
-    const QJsonObject json = resultJson(m_facts, m_files + QStringList(name));
-    put(name, QJsonDocument(json).toJson(QJsonDocument::Indented));
+    put(name, QJsonDocument(jsonOf(m_files + QStringList(name))).toJson(QJsonDocument::Indented));
 }
 
 void ResultFiles::setReport(const ReportFrame& frame, bool bPdf)
@@ -139,18 +149,30 @@ void ResultFiles::put(const QString& strName, const QByteArray& bytes)
     m_files.append(strName);
 }
 
-void ResultFiles::writeMap(int nComponent, int nSpot)
+void ResultFiles::writeMapTiff(const QString& strName, const CILImage& map, const QString& strDescription)
 {
-    const CILImage map = imageOfMap(m_engine, nComponent, nSpot);
-    const QString label = m_facts.components[nComponent].name;
-    const QString name = resultMapName(nComponent, label, nSpot, m_facts.spots);
     QString error;
     TiffWriteOptions tiff;
-    tiff.description = QStringLiteral("%1, %2").arg(label, UnitNames::quantity(m_engine.m_eUnit));
-    if (!writeTiff(m_strFolder + name + QStringLiteral(".tif"), map, tiff, &error)) {
+    tiff.description = strDescription;
+    if (!writeTiff(m_strFolder + strName, map, tiff, &error)) {
         throw Failure(error);
     }
-    m_files.append(name + QStringLiteral(".tif"));
+    m_files.append(strName);
+}
+
+void ResultFiles::writeMap(int nComponent, int nSpot)
+{
+    const CILImage map = imageOfMap(m_engine, m_engine.m_concentrations, nComponent, nSpot);
+    const QString label = m_facts.components[nComponent].name;
+    const QString name = resultMapName(nComponent, label, nSpot, m_facts.spots);
+    const QString quantity = UnitNames::quantity(m_engine.m_eUnit);
+    writeMapTiff(name + QStringLiteral(".tif"), map, QStringLiteral("%1, %2").arg(label, quantity));
+    if (!m_errors.empty()) {
+        const QString file = resultErrorMapName(nComponent, label, nSpot, m_facts.spots) + QStringLiteral(".tif");
+        writeMapTiff(file, imageOfMap(m_engine, m_errors, nComponent, nSpot),
+                     QStringLiteral("standard error of %1, %2").arg(label, quantity));
+        m_errorMaps.append(file);
+    }
 
     orvimage::RenderMapOptions options;
     options.title = m_facts.spots > 1 ? QStringLiteral("%1, spot %2").arg(label).arg(nSpot + 1) : label;

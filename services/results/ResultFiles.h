@@ -19,8 +19,8 @@
 class CORVSpumKyvo;
 
 // Writes a result's files into a folder: per component (and scan spot) a map as float32 TIFF and as a picture over the
-// photograph, composites where the engine has made its pictures, spectra as a library file and as a plot, the mask, the
-// properties, a report, the summary.
+// photograph, where there are standard errors a map of them, composites where the engine has made its pictures, spectra
+// as a library file and as a plot, the mask, the properties, a report, the summary.
 class ResultFiles
 {
 public:
@@ -44,6 +44,7 @@ public:
 
 private:
     void writeMap(int nComponent, int nSpot);
+    void writeMapTiff(const QString& strName, const CILImage& map, const QString& strDescription);
     void writeOverview();
     void writeComposites();
     void writeSpectra();
@@ -53,12 +54,15 @@ private:
     void writeReport();
     void writePdf();
     void writeSummary();
+    QJsonObject jsonOf(const QStringList& files) const;
     void put(const QString& strName, const QByteArray& bytes);
 
     const CORVSpumKyvo& m_engine;
     const ResultFacts m_facts;
+    const XTNT::Matrix<double> m_errors;
     QString m_strFolder;
     QStringList m_files;
+    QStringList m_errorMaps;  // among them
     QList<QImage> m_pictures; // of the overview
     std::optional<QList<CompositeFile>> m_composites;
     bool m_bPhotograph = false;           // whether the next has been made

@@ -3,12 +3,14 @@
 
 #include "engine/AutomaticRunFacts.h"
 #include "services/results/ComponentNumber.h"
+#include "services/results/NoiseFacts.h"
 #include "services/results/TruthComparison.h"
 #include "services/warnings/RunWarning.h"
 
 #include <QString>
 
 #include <limits>
+#include <optional>
 #include <vector>
 
 class CORVSpumKyvo;
@@ -25,10 +27,13 @@ struct ResultNumbers
     // What follows is known of a run that has just ended, each list a component; see findingsOfResult().
     double condition = std::numeric_limits<double>::quiet_NaN(); // of the spectra, each scaled to length 1
     double maskLight = std::numeric_limits<double>::quiet_NaN(); // the mask's part of the images' light, 0 to 1
-    std::vector<double> standardErrors;                          // of the map in a pixel, in its unit
+    std::vector<double> standardErrors;                          // of the map in a pixel, in its unit; mean square
     std::vector<double> amplifications;                          // of the noise, see SpectraLikeness
     std::vector<double> knownCosines;                            // of an automatic run; NaN: no source of that name
     ComponentNumber above;                                       // the noise
+    // Of a fit with weights or of standard errors that were asked for.
+    std::optional<NoiseFacts> noise;
+    XTNT::Matrix<double> errors; // K x P, of the maps; empty without
     QList<RunWarning> warnings;
 };
 

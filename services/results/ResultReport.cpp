@@ -69,6 +69,9 @@ QList<QPair<QString, QString>> factRows(const ResultFacts& facts)
     if (facts.spots > 1) {
         rows.append({QStringLiteral("Scan spots"), QString::number(facts.spots)});
     }
+    if (facts.noise) {
+        rows.append({QStringLiteral("Noise"), capitalised(facts.noise->text())});
+    }
     if (!facts.automatic) {
         return rows;
     }

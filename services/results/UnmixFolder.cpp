@@ -63,9 +63,13 @@ UnmixFolder::UnmixFolder(const QString& strFolder, const QString& strShown)
         m_components.append(
             {component.value(QStringLiteral("name")).toString(), nameOf(component.value(QStringLiteral("map")))});
     }
+    QStringList errorMaps;
+    for (const auto& value : summary.value(QStringLiteral("errorMaps")).toArray()) {
+        errorMaps.append(nameOf(value));
+    }
     for (const auto& value : summary.value(QStringLiteral("files")).toArray()) {
         const QString name = nameOf(value);
-        if (QFileInfo(name).suffix() == QLatin1String("tif")) {
+        if (QFileInfo(name).suffix() == QLatin1String("tif") && !errorMaps.contains(name)) {
             m_mapFiles.append(name);
         }
     }

@@ -103,14 +103,31 @@ double noiseOf(const CORVSpumKyvo& engine, double dResidual)
            std::sqrt(static_cast<double>(data.num_rows()) * static_cast<double>(free));
 }
 
+// Root mean square of a component's standard errors, where there are any.
+double meanOfErrors(const XTNT::Matrix<double>& errors, std::size_t nComponent)
+{
+    const double* row = errors[static_cast<long long>(nComponent)];
+    double squares = 0.0;
+    long long known = 0;
+    for (long long p = 0; p < errors.num_cols(); ++p) {
+        if (std::isfinite(row[p])) {
+            squares += row[p] * row[p];
+            ++known;
+        }
+    }
+    return known > 0 ? std::sqrt(squares / static_cast<double>(known)) : RunFindings::notKnown;
+}
+
 void findLikeness(const CORVSpumKyvo& engine, RunFindings& findings, ResultNumbers& numbers)
 {
     const SpectraLikeness likeness = SpectraLikeness::of(engine.m_spectra);
     numbers.condition = likeness.condition;
     numbers.amplifications = likeness.amplifications;
     const double noise = noiseOf(engine, numbers.residual);
+    numbers.standardErrors.clear();
     for (std::size_t k = 0; k < likeness.deviations.size(); ++k) {
-        numbers.standardErrors.push_back(noise * likeness.deviations[k]);
+        numbers.standardErrors.push_back(numbers.errors.empty() ? noise * likeness.deviations[k]
+                                                                : meanOfErrors(numbers.errors, k));
         findings.components[static_cast<int>(k)].amplification = likeness.amplifications[k];
     }
     if (likeness.first >= 0) {

@@ -34,6 +34,9 @@ QJsonObject componentJson(const ComponentFacts& facts)
         json.insert(QStringLiteral("locked"), *facts.locked);
     }
     addKnown(facts.standardError, "standardError", json);
+    if (!facts.errorMap.isEmpty()) {
+        json.insert(QStringLiteral("errorMap"), facts.errorMap);
+    }
     addKnown(facts.amplification, "noiseAmplification", json);
     addKnown(facts.knownCosine, "nameCosine", json);
     if (facts.truth.known) {
@@ -159,6 +162,9 @@ QJsonObject resultJson(const ResultFacts& facts, const QStringList& files)
                      {"files", QJsonArray::fromStringList(files)}};
     addKnown(facts.maskLight, "maskLight", json);
     addKnown(facts.condition, "condition", json);
+    if (facts.noise) {
+        json.insert(QStringLiteral("noiseModel"), facts.noise->json());
+    }
     facts.above.addTo(json);
     if (facts.automatic) {
         addRun(*facts.automatic, json);
@@ -206,6 +212,9 @@ QString resultText(const ResultFacts& facts)
                  tableText(facts), TextTable::number(facts.residual * 100.0, 4),
                  TextTable::number(facts.explainedVariance, 6));
     text += QStringLiteral("the fit took %1 s\n").arg(TextTable::number(facts.seconds, 3));
+    if (facts.noise) {
+        text += facts.noise->text() + QLatin1Char('\n');
+    }
     if (!facts.automatic) {
         return text;
     }

@@ -27,6 +27,21 @@ int modeOf(const QCommandLineParser& parser)
     return mode;
 }
 
+NoiseRequest noiseOf(const QCommandLineParser& parser)
+{
+    NoiseRequest request;
+    request.errors = parser.isSet(QStringLiteral("errors"));
+    if (!parser.isSet(QStringLiteral("noise"))) {
+        return request;
+    }
+    const QString text = parser.value(QStringLiteral("noise"));
+    if (text != QLatin1String("poisson") && text != QLatin1String("gaussian")) {
+        refuseUsage("unmix", QStringLiteral("--noise takes poisson or gaussian, not \"%1\".").arg(text));
+    }
+    request.kind = text == QLatin1String("poisson") ? NoiseRequest::Kind::Poisson : NoiseRequest::Kind::Gaussian;
+    return request;
+}
+
 // Options that the method would pass over are a misunderstanding.
 void checkOptionsOfMethod(const QCommandLineParser& parser, int nMode)
 {
@@ -37,6 +52,15 @@ void checkOptionsOfMethod(const QCommandLineParser& parser, int nMode)
     }
     if (!automatic && parser.value(QStringLiteral("library")).isEmpty()) {
         refuseUsage("unmix", QStringLiteral("--library is missing: the spectra to fit."));
+    }
+    for (const char* pName : {"noise", "errors"}) {
+        if (automatic && parser.isSet(QLatin1String(pName))) {
+            refuseUsage("unmix", QStringLiteral("--%1 takes known spectra: --library.").arg(QLatin1String(pName)));
+        }
+    }
+    if (parser.isSet(QStringLiteral("noise")) && parser.isSet(QStringLiteral("save"))) {
+        refuseUsage("unmix", QStringLiteral("--save does not go with --noise: a saved result is fitted again, without "
+                                            "weights, when it is loaded."));
     }
     const QStringList given = givenAutomaticOptions(parser);
     if (!automatic && !given.isEmpty()) {
@@ -58,6 +82,14 @@ void declareUnmixOptions(CommandParser& parser)
         QStringLiteral("Spectra to fit: a library file, the name of a saved library, or a plain CSV table of spectra "
                        "over wavelength, brought to the images' bands."),
         "FILE|NAME");
+    addValueOption(
+        parser, "noise",
+        QStringLiteral("Fit known spectra a second time, each pixel and image weighted by its noise: poisson "
+                       "(of counted light) or gaussian (of one size in each image). Without it: all alike."),
+        "KIND");
+    addFlag(parser, "errors",
+            QStringLiteral("Write a map of standard errors for each component of known spectra, by that noise or, "
+                           "without --noise, by noise of one size everywhere."));
     declareAutomaticOptions(parser);
     declareImageOptions(parser, QStringLiteral("Without it: auto for the automatic method where a camera took the "
                                                "photograph, else none."));
@@ -85,6 +117,7 @@ UnmixRequest unmixRequestOf(const QCommandLineParser& parser)
     checkOptionsOfMethod(parser, request.mode);
     request.library = parser.value(QStringLiteral("library"));
     request.automatic = automaticRequestOf(parser);
+    request.noise = noiseOf(parser);
     request.pdf = parser.isSet(QStringLiteral("pdf"));
     request.save = parser.isSet(QStringLiteral("save"));
     request.saveName = parser.value(QStringLiteral("save"));

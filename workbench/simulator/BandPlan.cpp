@@ -209,6 +209,10 @@ CPLClickInfo describeBand(const SimulationOptions& options, const Band& band, in
     info.addSection(&luminescent);
     CPLSection camera(QString::fromLatin1(ClickKeys::kCameraSystemInfo));
     set(camera, ClickKeys::kPhotonsPerCount, band.photonsPerCount);
+    if (options.noise) {
+        set(camera, ClickKeys::kElectronsPerCount, options.gain);
+        set(camera, ClickKeys::kReadNoise, options.readNoise);
+    }
     set(camera, ClickKeys::kPixelSize, MouseShape::kFieldOfView / options.size / options.binning);
     set(camera, ClickKeys::kLensSolidAngle, CameraFigures::kLensSolidAngle);
     info.addSection(&camera);

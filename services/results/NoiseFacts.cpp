@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "services/results/NoiseFacts.h"
+
+#include "services/basis/TextTable.h"
+
+#include <cmath>
+
+namespace {
+
+constexpr int digits = 3;
+
+QString number(double dValue)
+{
+    return TextTable::number(dValue, digits);
+}
+
+} // namespace
+
+QJsonObject NoiseFacts::json() const
+{
+    QJsonObject json{{"model", model}};
+    if (electronsPerCount && readNoise) {
+        json.insert(QStringLiteral("electronsPerCount"), *electronsPerCount);
+        json.insert(QStringLiteral("readNoiseElectrons"), *readNoise);
+        json.insert(QStringLiteral("estimated"), estimated);
+    }
+    if (std::isfinite(residualOverNoise)) {
+        json.insert(QStringLiteral("residualOverNoise"), residualOverNoise);
+    }
+    return json;
+}
+
+QString NoiseFacts::text() const
+{
+    if (model == QLatin1String("uniform")) {
+        return QStringLiteral("standard errors for noise of one size everywhere, as large as what the fit leaves");
+    }
+    if (model == QLatin1String("gaussian")) {
+        return QStringLiteral("each image weighted by its noise");
+    }
+    QString text = QStringLiteral("pixels weighted by the noise of their light");
+    if (electronsPerCount && readNoise) {
+        text += QStringLiteral(", %1 electrons a count and a read noise of %2 electrons%3")
+                    .arg(number(*electronsPerCount), number(*readNoise),
+                         estimated ? QStringLiteral(" (estimated)") : QString());
+    }
+    if (std::isfinite(residualOverNoise)) {
+        text += QStringLiteral("; the residual is %1 times that noise").arg(number(residualOverNoise));
+    }
+    return text;
+}
