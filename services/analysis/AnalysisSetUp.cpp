@@ -150,6 +150,27 @@ void AnalysisSetUp::checkUnit()
     }
 }
 
+void AnalysisSetUp::checkMemory(const SystemMemory& memory)
+{
+    const CORVSpumKyvo& analysis = engine();
+    RunSize size;
+    size.pixels = static_cast<double>(analysis.m_nWidth) * analysis.m_nHeight;
+    size.elements = analysis.m_imageList.size() *
+                    (analysis.m_maskIndices.empty() ? size.pixels : static_cast<double>(analysis.m_maskIndices.size()));
+    size.automatic = analysis.m_eMode == RUNMODE_AUTOMATIC;
+    size.keepsRaw = analysis.m_bCherenkov;
+    const qint64 bytes = unmixMemory(size);
+    const QString text = tooMuchMemoryText(bytes, memory);
+    const QString advice = QStringLiteral("a coarser --binning, a --mask or fewer images (--select) take less");
+    if (text.isEmpty()) {
+        return;
+    }
+    if (memory.whole > 0 && bytes > memory.whole) {
+        throw Failure(text, advice);
+    }
+    m_monitor.warn(text + QStringLiteral("; ") + advice);
+}
+
 void AnalysisSetUp::readImages(double dFraction)
 {
     // Where it fails without a word about an image, the run says why.

@@ -4,6 +4,7 @@
 #include "services/analysis/AnalysisRequest.h"
 #include "services/basis/UnitLimit.h"
 #include "services/session/OpenedSequence.h"
+#include "services/session/RunMemory.h"
 
 #include "engine/CORVSpumKyvo.h"
 
@@ -39,6 +40,8 @@ public:
     // many.
     void takeMask(int nPixelsNeeded);
     void checkUnit();
+    // Whether the memory for a run is there: warns where less is free, refuses what this machine cannot hold at all.
+    void checkMemory(const SystemMemory& memory);
     // Builds the cube and refuses images that cannot be analysed; shows progress up to `dFraction`. The run that
     // follows finds the cube ready, so that each image is read once.
     void readImages(double dFraction);

@@ -64,6 +64,7 @@ RunAnswer UnmixJob::run()
     // A fit of known spectra takes each pixel by itself; to resolve spectra takes as many as the wizard asks for.
     m_setUp.takeMask(isAutomatic() ? static_cast<int>(kMinMaskPixels) : 1);
     m_setUp.checkUnit();
+    m_setUp.checkMemory(SystemMemory::ofThisMachine());
     QElapsedTimer timer;
     timer.start();
     m_setUp.readImages(checkedFraction);

@@ -13,6 +13,7 @@ struct SequenceSize
     qint64 pixels = 0;       // of the largest of them
     qint64 pictureBytes = 0; // to read the largest of the others: photograph, references
     double binning = 1.0;    // of the first of them; 1 where it is not told
+    bool hasIsotope = false; // the first of them
 };
 
 // Reads the headers of the images among `files`, which contentOfSequence() has told. Images that cannot be read count
@@ -23,6 +24,5 @@ SequenceSize sizeOfSequence(const QString& strSequence, const QStringList& files
 // images and a mask leave less; nothing that `spum unmix` takes leaves more.
 qint64 unmixMemory(const SequenceSize& size, const UnmixDemand& demand);
 
-// Bytes that programs may take beside those that run already, as the system tells: what is free or can be freed, within
-// the limit of the control group. Without a word of the system 2 GiB.
+// What is free of SystemMemory.
 qint64 memoryToBeHad();
