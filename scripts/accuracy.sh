@@ -86,6 +86,9 @@ for seed in 1 2 3 4 5; do
     unit=radiance
     kind luminescent $seed "TissueAF,Click-Beetle Green Luciferase,Click-Beetle Red Luciferase" library manual
     kind cherenkov $seed "TissueAF,F-18" library manual
+    for dim in luminescent cherenkov; do
+        known $dim-$seed poisson --method library --mask auto --noise poisson
+    done
     unmix cherenkov-$seed decay --method automatic --mask auto --ncomponents 2 --decay auto
     unmix cherenkov-$seed wrong --method automatic --mask auto --ncomponents 2 --decay 36
     unit=radiant-efficiency

@@ -204,6 +204,17 @@ def print_weighted(root):
                 scatter = ", ".join("-" if part is None else f"{part:.2f}" for part in parts)
             rows.append([signal, ratio, text, *cells, scatter])
     table(["signal", "ratio", "noise", *COMPONENTS, "scatter over error"], rows)
+    print()
+    rows = []
+    for kind in ("luminescent", "cherenkov"):
+        scenes = [Scene(root, f"{kind}-{seed}", "radiance") for seed in range(1, 6)]
+        for i, name in enumerate(scenes[0].components):
+            plain, weighted = (
+                sum(scene.answer(run)["components"][i]["truthRelativeError"] for scene in scenes) / len(scenes)
+                for run in ("library", "poisson")
+            )
+            rows.append([kind, name, number(plain), number(weighted), f"{weighted / plain:.2f}"])
+    table(["kind", "component", "alike", "poisson", "ratio"], rows)
 
 
 def print_shares(root):
