@@ -5,9 +5,12 @@
 #include "engine/keySelection.h"
 #include "host/CORVDataset.h"
 #include "host/CORVSequenceDataset.h"
+#include "platform/orvapi/ChannelInfo.h"
 #include "services/session/PairSelection.h"
 
 #include <QRegularExpression>
+
+#include <optional>
 
 namespace {
 
@@ -52,6 +55,23 @@ double filterWidth(const QString& strFilter)
     return match.hasMatch() ? match.captured(1).toDouble() : 0.0;
 }
 
+namespace {
+
+// What the file of the image said; the filter's text is a number alone.
+FilterBand bandOfChannel(const ChannelInfo& channel)
+{
+    constexpr double nanometresPerCentimetre = 1e7;
+    FilterBand band;
+    if (channel.wavelength) {
+        band.centre = *channel.wavelength;
+    } else if (channel.wavenumber) {
+        band.centre = nanometresPerCentimetre / *channel.wavenumber;
+    }
+    return band;
+}
+
+} // namespace
+
 QList<SpectralBand> bandsOf(const QList<KeyPair>& pairs)
 {
     QList<SpectralBand> bands;
@@ -69,8 +89,11 @@ QList<SpectralBand> bandsOf(const CORVSequenceDataset& sequence, const QList<Key
             continue;
         }
         const KeyPair keys = keysOf(*pDataset);
+        const std::optional<ChannelInfo> channel = ChannelInfo::of(pDataset->clickInfo);
         for (SpectralBand& band : bands) {
-            if (band.pair == keys) {
+            if (band.pair == keys && channel) {
+                band.emission = bandOfChannel(*channel);
+            } else if (band.pair == keys) {
                 band.excitation.width = band.excitation.isKnown() ? filterWidth(pDataset->getExcitationFilter()) : 0.0;
                 band.emission.width = band.emission.isKnown() ? filterWidth(pDataset->getEmissionFilter()) : 0.0;
             }

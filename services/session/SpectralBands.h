@@ -34,8 +34,8 @@ struct SpectralBand
 // The width of the filter in a text such as "520/30" or "520nm / 30nm"; 0 for a text that tells none.
 double filterWidth(const QString& strFilter);
 
-// The bands of a spectral sequence's images, one a pair, in their order. A pair that no image has is taken by its keys
-// alone.
+// The bands of a spectral sequence's images, one a pair, in their order; of numbered channels the wavelengths that
+// their file told. A pair that no image has is taken by its keys alone.
 QList<SpectralBand> bandsOf(const CORVSequenceDataset& sequence, const QList<KeyPair>& pairs);
 // By the keys alone.
 QList<SpectralBand> bandsOf(const QList<KeyPair>& pairs);

@@ -3,7 +3,7 @@
 
 #include "services/importer/CsvLine.h"
 
-QByteArray libraryTemplate(const QList<KeyPair>& pairs, const QStringList& names)
+QByteArray libraryTemplate(const QList<SpectralBand>& bands, const QStringList& names)
 {
     const auto lineOf = [](const QString& strFirst, const QString& strSecond, const QStringList& fields) {
         QStringList texts;
@@ -17,8 +17,12 @@ QByteArray libraryTemplate(const QList<KeyPair>& pairs, const QStringList& names
         empty.append(QString());
     }
     QByteArray text = lineOf(QStringLiteral("excitation"), QStringLiteral("emission"), names);
-    for (const KeyPair& pair : pairs) {
-        text += lineOf(pair.first, pair.second, empty);
+    const auto placeOf = [](const FilterBand& filter, const QString& strKey) {
+        constexpr int digits = 10; // of a wavelength
+        return filter.isKnown() ? QString::number(filter.centre, 'g', digits) : strKey;
+    };
+    for (const SpectralBand& band : bands) {
+        text += lineOf(placeOf(band.excitation, band.pair.first), placeOf(band.emission, band.pair.second), empty);
     }
     return text;
 }

@@ -12,6 +12,7 @@
 #include "services/session/OpenedSequence.h"
 #include "services/session/PairSelection.h"
 #include "services/session/SavedLibraries.h"
+#include "services/session/SpectralBands.h"
 #include "services/session/libraryTemplate.h"
 #include "spectra/SpectrumPlotParams.h"
 #include "windows/probeOffer.h"
@@ -300,7 +301,16 @@ void LibraryEditing::writeTemplate(const QCommandLineParser& parser, const QStri
         pairs = selectPairs(parser.value(QStringLiteral("select")), pairs);
     }
     const QStringList names = templateNames(parser, engine);
-    const QByteArray text = libraryTemplate(pairs, names);
+    const QList<SpectralBand> bands = bandsOf(opened.sequence(), pairs);
+    for (const SpectralBand& band : bands) {
+        if (!band.excitation.isKnown() && !band.emission.isKnown()) {
+            throw Failure(
+                QStringLiteral("%1: the wavelength of the image %2 is not known, so that no table can name it")
+                    .arg(arguments[0], pairText(band.pair)),
+                QStringLiteral("\"spum library save\" measures spectra in the images"));
+        }
+    }
+    const QByteArray text = libraryTemplate(bands, names);
     const QString file = parser.isSet(QStringLiteral("out"))
                              ? parser.value(QStringLiteral("out"))
                              : QDir(opened.folder()).dirName() + QStringLiteral("-spectra.csv");

@@ -402,3 +402,29 @@ TEST_F(LibraryProgramTest, ABandBeyondATableIsNamed)
         "extrapolated");
     EXPECT_FALSE(QFileInfo::exists(path("seq/unmixed-library")));
 }
+
+// Their keys are numbers; where they lie the file of the images has told.
+TEST_F(LibraryProgramTest, NumberedChannelsLieAtTheWavelengthsThatWereTold)
+{
+    for (int j = 0; j < 3; ++j) {
+        writeTiffFile(QStringLiteral("far/%1.tif").arg(j), imageOf(4, 4, [j](int i) {
+                          return static_cast<float>((i + 1) * (4 - j) + (16 - i) * j) * 0.25F;
+                      }));
+    }
+    write("far.csv", "file,channel,wavelength\n0.tif,a,1200.5\n1.tif,b,1300.5\n2.tif,c,1400.5\n");
+    succeed({"import", "far", "seq", "--images", "far.csv"});
+    write("t.csv", "wavelength (um);A;B\n1,2005;1;0\n1,6005;0;1\n");
+    EXPECT_EQ(
+        succeed({"unmix", "seq", "--library", "t.csv", "--out", "out", "--json"}).json()["components"].toArray().size(),
+        2);
+    succeed({"library", "template", "seq", "--out", "fill.csv", "--spectrum", "A"});
+    const QByteArray text = contentOf(path("fill.csv"));
+    EXPECT_TRUE(text.contains(",1200.5,\n") && text.contains(",1400.5,\n")) << text.constData();
+    write("short.csv", "wavelength (um),A,B\n1.25,1,0\n1.6005,0,1\n");
+    EXPECT_TRUE(refusal({"unmix", "seq", "--library", "short.csv"}).contains("nothing is extrapolated"));
+
+    succeed({"import", "far", "nameless", "--channels"});
+    EXPECT_TRUE(
+        refusal({"library", "template", "nameless", "--out", "no.csv"}).contains("is not known, so that no table"));
+    EXPECT_TRUE(refusal({"unmix", "nameless", "--library", "t.csv"}).contains("\"A\" has no value for"));
+}
