@@ -135,7 +135,7 @@ void AnalysisSetUp::takeMask(int nPixelsNeeded)
     }
 }
 
-void AnalysisSetUp::checkUnit()
+int AnalysisSetUp::checkUnit()
 {
     m_unitLimit.set(m_request.unit);
     const UnitForecast forecast = forecastUnit(m_opened.sequence(), imagesOf(engine()));
@@ -148,6 +148,7 @@ void AnalysisSetUp::checkUnit()
                           .arg(UnitNames::options()[m_request.unit], UnitNames::options()[forecast.unit],
                                why.isEmpty() ? QString() : QStringLiteral(" (%1)").arg(why)));
     }
+    return forecast.unit;
 }
 
 void AnalysisSetUp::checkMemory(const SystemMemory& memory)

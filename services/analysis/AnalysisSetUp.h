@@ -39,7 +39,8 @@ public:
     // The mask of the request becomes the engine's. With `nPixelsNeeded` above 0 the pixels that are left must be so
     // many.
     void takeMask(int nPixelsNeeded);
-    void checkUnit();
+    // The unit that the images will be in; throws when it is not the one that was asked for.
+    int checkUnit();
     // Whether the memory for a run is there: warns where less is free, refuses what this machine cannot hold at all.
     void checkMemory(const SystemMemory& memory);
     // Builds the cube and refuses images that cannot be analysed; shows progress up to `dFraction`. The run that

@@ -10,6 +10,7 @@ struct AutomaticRequest
     QStringList components; // names; empty with a count of 0: as proposed
     bool anyName = false;   // names that the database does not know, too
     int count = 0;          // above 0: so many unknown components
+    bool beyondSix = false; // more components than the wizard takes
     bool useConstraints = true;
     bool constraintsAsked = false; // --constraints was given
     bool correctDecay = false;

@@ -99,7 +99,7 @@ void checkCount(int nComponents, int nImages, bool bBeyondSix)
     throw Failure(QStringLiteral("%1 (asked for: %2%3)")
                       .arg(componentCountWarning(nComponents, nImages))
                       .arg(nComponents)
-                      .arg(fits ? QStringLiteral("; --force takes as many as there are images") : QString()));
+                      .arg(fits ? QStringLiteral("; --beyond-six takes as many as there are images") : QString()));
 }
 
 // What keeps the place of a component from being known; empty when it is known.
@@ -206,11 +206,10 @@ QString unknownProbe(const CORVSpumKyvo& engine)
     return unknown.isEmpty() ? QString() : QStringLiteral("the sequence's probe ") + unknown;
 }
 
-QStringList setUpAutomatic(const AutomaticRequest& request, bool bBeyondSix, const CORVSequenceDataset& sequence,
-                           CORVSpumKyvo& engine)
+QStringList setUpAutomatic(const AutomaticRequest& request, const CORVSequenceDataset& sequence, CORVSpumKyvo& engine)
 {
     const QStringList names = namesOf(request, engine);
-    checkCount(names.size(), engine.getSelectedKeyPairs().size(), bBeyondSix);
+    checkCount(names.size(), engine.getSelectedKeyPairs().size(), request.beyondSix);
     AnalysisInput& input = engine.m_analysisInput;
     input.componentNames = names;
     input.useConstraints = request.useConstraints && isConstrainedByDefault(engine.m_eSeqKind);

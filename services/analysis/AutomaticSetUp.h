@@ -17,7 +17,6 @@ QStringList proposedComponents(const CORVSpumKyvo& engine);
 QString unknownProbe(const CORVSpumKyvo& engine);
 
 // Prepares an automatic run of an engine whose selection is made: names, constraints, decay. Returns warnings. Throws
-// Failure when the number of components is not from 2 to 6 and at most that of the images (`bBeyondSix`: to that of
-// the images), when names get in each other's way, and for a decay that cannot be corrected for.
-QStringList setUpAutomatic(const AutomaticRequest& request, bool bBeyondSix, const CORVSequenceDataset& sequence,
-                           CORVSpumKyvo& engine);
+// Failure when the number of components is not from 2 to 6 and at most that of the images (beyondSix: to that of the
+// images), when names get in each other's way, and for a decay that cannot be corrected for.
+QStringList setUpAutomatic(const AutomaticRequest& request, const CORVSequenceDataset& sequence, CORVSpumKyvo& engine);

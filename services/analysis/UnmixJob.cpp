@@ -12,6 +12,8 @@
 #include "services/basis/Failure.h"
 #include "services/basis/JobMonitor.h"
 #include "services/basis/ModeNames.h"
+#include "services/basis/TextTable.h"
+#include "services/basis/UnitNames.h"
 #include "services/results/ResultStore.h"
 #include "services/results/resultFindings.h"
 #include "services/session/LibrarySpectra.h"
@@ -24,6 +26,7 @@
 
 #include <QDateTime>
 #include <QElapsedTimer>
+#include <QJsonArray>
 #include <QLocale>
 
 namespace {
@@ -47,24 +50,9 @@ bool UnmixJob::isAutomatic() const
 
 RunAnswer UnmixJob::run()
 {
-    m_monitor.startProgress(QStringLiteral("Looking at the images"));
-    m_setUp.checkMode(m_request.mode);
-    if (m_request.save) {
-        ResultStore::checkName(m_setUp.opened().sequence(), m_request.saveName, m_request.analysis.force);
-    }
-    const QString target = m_setUp.outFolder(QStringLiteral("unmixed-") + ModeNames::option(m_request.mode));
-    StagedRun staged(target, m_request.replace, QStringLiteral("summary.json"));
-    m_setUp.select();
-    m_setUp.reset(m_request.mode);
-    if (isAutomatic()) {
-        takeComponents();
-    } else {
-        takeSpectra();
-    }
-    // A fit of known spectra takes each pixel by itself; to resolve spectra takes as many as the wizard asks for.
-    m_setUp.takeMask(isAutomatic() ? static_cast<int>(kMinMaskPixels) : 1);
-    m_setUp.checkUnit();
-    m_setUp.checkMemory(SystemMemory::ofThisMachine());
+    checkPlaces();
+    StagedRun staged(target(), m_request.replace, QStringLiteral("summary.json"));
+    prepare();
     QElapsedTimer timer;
     timer.start();
     m_setUp.readImages(checkedFraction);
@@ -83,6 +71,77 @@ RunAnswer UnmixJob::run()
         saved = saveResult(staged.target());
     }
     return answer(files, staged, saved);
+}
+
+RunAnswer UnmixJob::plan()
+{
+    checkPlaces();
+    // Made and taken away again: a folder that cannot be written is told here as well.
+    const StagedRun trial(target(), m_request.replace, QStringLiteral("summary.json"));
+    const QString unit = UnitNames::options()[prepare()];
+    m_monitor.endProgress();
+
+    const CORVSpumKyvo& engine = m_setUp.engine();
+    const qint64 all = static_cast<qint64>(engine.m_nWidth) * engine.m_nHeight;
+    const qint64 pixels = engine.m_maskIndices.empty() ? all : static_cast<qint64>(engine.m_maskIndices.size());
+    QStringList names = engine.m_analysisInput.componentNames;
+    for (const SpectrumPlotParams* pSpectrum : engine.m_spectrumPlots) {
+        names.append(pSpectrum->settings.name);
+    }
+    const int images = engine.getSelectedKeyPairs().size();
+    QString text;
+    const auto line = [&text](const char* pWhat, const QString& strValue) {
+        constexpr int column = 12;
+        text += QString(QLatin1String(pWhat)).leftJustified(column) + TextTable::oneLine(strValue) + QLatin1Char('\n');
+    };
+    line("sequence", m_request.analysis.sequence);
+    line("method", ModeNames::option(m_request.mode));
+    line("images", QStringLiteral("%1 of %2").arg(images).arg(engine.getAllKeyPairs().size()));
+    line("pixels", QStringLiteral("%1 of %2, at binning %3").arg(pixels).arg(all).arg(engine.m_nBinning));
+    line("unit", unit);
+    line(isAutomatic() ? "components" : "spectra", names.join(QStringLiteral(", ")));
+    line("results in", trial.target());
+    text += QStringLiteral("nothing was unmixed or written (--dry-run)\n");
+    return {text, QJsonObject{{"dryRun", true},
+                              {"sequence", m_request.analysis.sequence},
+                              {"method", ModeNames::option(m_request.mode)},
+                              {"images", images},
+                              {"pixels", pixels},
+                              {"allPixels", all},
+                              {"binning", engine.m_nBinning},
+                              {"unit", unit},
+                              {"components", QJsonArray::fromStringList(names)},
+                              {"folder", trial.target()}}};
+}
+
+QString UnmixJob::target() const
+{
+    return m_setUp.outFolder(QStringLiteral("unmixed-") + ModeNames::option(m_request.mode));
+}
+
+void UnmixJob::checkPlaces()
+{
+    m_monitor.startProgress(QStringLiteral("Looking at the images"));
+    m_setUp.checkMode(m_request.mode);
+    if (m_request.save) {
+        ResultStore::checkName(m_setUp.opened().sequence(), m_request.saveName, m_request.analysis.force);
+    }
+}
+
+int UnmixJob::prepare()
+{
+    m_setUp.select();
+    m_setUp.reset(m_request.mode);
+    if (isAutomatic()) {
+        takeComponents();
+    } else {
+        takeSpectra();
+    }
+    // A fit of known spectra takes each pixel by itself; to resolve spectra takes as many as the wizard asks for.
+    m_setUp.takeMask(isAutomatic() ? static_cast<int>(kMinMaskPixels) : 1);
+    const int unit = m_setUp.checkUnit();
+    m_setUp.checkMemory(SystemMemory::ofThisMachine());
+    return unit;
 }
 
 void UnmixJob::write(ResultFiles& files)
@@ -163,8 +222,7 @@ void UnmixJob::takeSpectra()
 
 void UnmixJob::takeComponents()
 {
-    m_monitor.warnAll(
-        setUpAutomatic(m_request.automatic, m_request.analysis.force, m_setUp.opened().sequence(), m_setUp.engine()));
+    m_monitor.warnAll(setUpAutomatic(m_request.automatic, m_setUp.opened().sequence(), m_setUp.engine()));
 }
 
 // Images without a structure hold nothing that could be told apart.

@@ -38,11 +38,17 @@ public:
 
     // Throws Failure, also after an abort.
     RunAnswer run();
+    // Tells what run() would do, after all that can be refused ahead of a look at the images was; nothing is written.
+    RunAnswer plan();
     // After the run.
     const QList<RunWarning>& warnings() const { return m_monitor.warnings(); }
 
 private:
     bool isAutomatic() const;
+    QString target() const;
+    void checkPlaces();
+    // Up to the reading of the images. The unit that they will be in.
+    int prepare();
     void takeSpectra();
     void takeComponents();
     void checkConstantImages();

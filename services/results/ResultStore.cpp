@@ -159,7 +159,7 @@ void ResultStore::remove(const QString& strName)
     const LoggedErrors warnings(CORVLOG_WARNING);
     if (!m_results.onClickDeleteResults()) {
         fail(QStringLiteral("the result \"%1\" was not deleted").arg(strName) +
-                 (m_agreed ? QString() : QStringLiteral("; --force deletes it without a question")),
+                 (m_agreed ? QString() : QStringLiteral("; --yes deletes it without a question")),
              warnings);
     }
 }

@@ -369,6 +369,33 @@ void appendValue(QByteArray& text, float value)
     text.append(digits.data(), static_cast<int>(end - digits.data()));
 }
 
+void writeCsvRows(ExportedCube& cube, const SpooledImages& images, const std::function<void(const QByteArray&)>& take)
+{
+    take(csvHeader(cube));
+    const qint64 pixels = static_cast<qint64>(cube.width()) * cube.height();
+    const qint64 block = std::max<qint64>(1, blockBytes / (cube.count() * static_cast<qint64>(sizeof(float))));
+    std::vector<float> floats;
+    QByteArray rows;
+    for (qint64 first = 0; first < pixels; first += block) {
+        const qint64 count = std::min(block, pixels - first);
+        images.read(first, count, floats);
+        for (qint64 i = 0; i < count; ++i) {
+            appendInteger(rows, (first + i) % cube.width());
+            rows += ',';
+            appendInteger(rows, (first + i) / cube.width());
+            for (int k = 0; k < cube.count(); ++k) {
+                appendValue(rows, floats[static_cast<std::size_t>(k * count + i)]);
+            }
+            rows += '\n';
+            if (rows.size() >= bufferBytes || i + 1 == count) {
+                take(rows);
+                rows.resize(0);
+                cube.showWriting(static_cast<double>(first + i + 1) / static_cast<double>(pixels));
+            }
+        }
+    }
+}
+
 } // namespace
 
 void writeOmeTiffCube(ExportedCube& cube, const QString& strPath)
@@ -441,28 +468,12 @@ void writeCsvCube(ExportedCube& cube, const QString& strPath)
 {
     StreamedFile file(strPath);
     const SpooledImages images(cube, strPath);
-    file.write(csvHeader(cube));
-    const qint64 pixels = static_cast<qint64>(cube.width()) * cube.height();
-    const qint64 block = std::max<qint64>(1, blockBytes / (cube.count() * static_cast<qint64>(sizeof(float))));
-    std::vector<float> floats;
-    QByteArray rows;
-    for (qint64 first = 0; first < pixels; first += block) {
-        const qint64 count = std::min(block, pixels - first);
-        images.read(first, count, floats);
-        for (qint64 i = 0; i < count; ++i) {
-            appendInteger(rows, (first + i) % cube.width());
-            rows += ',';
-            appendInteger(rows, (first + i) / cube.width());
-            for (int k = 0; k < cube.count(); ++k) {
-                appendValue(rows, floats[static_cast<std::size_t>(k * count + i)]);
-            }
-            rows += '\n';
-            if (rows.size() >= bufferBytes || i + 1 == count) {
-                file.write(rows);
-                rows.resize(0);
-                cube.showWriting(static_cast<double>(first + i + 1) / static_cast<double>(pixels));
-            }
-        }
-    }
+    writeCsvRows(cube, images, [&file](const QByteArray& bytes) { file.write(bytes); });
     file.commit();
+}
+
+void streamCsvCube(ExportedCube& cube, const std::function<void(const QByteArray&)>& take)
+{
+    const SpooledImages images(cube, QDir::temp().filePath(QStringLiteral("export.csv")));
+    writeCsvRows(cube, images, take);
 }

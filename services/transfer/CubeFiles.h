@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 #include <QStringList>
+
+#include <functional>
 
 class ExportedCube;
 
@@ -20,6 +23,9 @@ void writeEnviCube(ExportedCube& cube, const QString& strPath);
 // CSV: a row a pixel, first its column and row from 0, then a column an image; nine significant digits, which give
 // floats back to the last bit. Memory holds an image and a block of rows, the images wait in a file beside the target.
 void writeCsvCube(ExportedCube& cube, const QString& strPath);
+// The same bytes in pieces to whoever takes them, which throws to end it; the images wait in the folder for temporary
+// files.
+void streamCsvCube(ExportedCube& cube, const std::function<void(const QByteArray&)>& take);
 
 // Header and data file of an ENVI cube: "cube.hdr" and "cube.dat" for "cube.hdr" or "cube"; a name with another suffix
 // is the data file.

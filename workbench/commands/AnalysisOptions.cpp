@@ -3,6 +3,7 @@
 
 #include "services/basis/Failure.h"
 #include "services/basis/UnitNames.h"
+#include "workbench/commands/CallErrors.h"
 #include "workbench/commands/CommandParser.h"
 #include "workbench/commands/MaskOptions.h"
 #include "workbench/commands/Options.h"
@@ -47,9 +48,10 @@ void declareImageOptions(CommandParser& parser, const QString& strMaskDefault)
                    QStringLiteral("Images to use: EX/EM,EX/EM,... (INTERVAL/TIME in a temporal sequence), * for any."),
                    "PAIRS");
     declareMaskOptions(parser, strMaskDefault);
-    addValueOption(parser, "unit",
-                   QStringLiteral("counts, radiance, radiant-efficiency or efficiency; the best that the images have."),
-                   "UNIT");
+    addChoiceOption(
+        parser, "unit",
+        QStringLiteral("counts, radiance, radiant-efficiency or efficiency; the best that the images have."), "UNIT",
+        UnitNames::options());
     addValueOption(parser, "binning", QStringLiteral("Binning of the analysis; the images' most common one."), "N");
 }
 
@@ -57,23 +59,26 @@ AnalysisRequest analysisRequestOf(const QCommandLineParser& parser, const QStrin
                                   MaskRequest::Kind eMaskDefault)
 {
     const auto value = [&parser](const char* pName) { return parser.value(QLatin1String(pName)); };
-    const QStringList arguments = parser.positionalArguments();
-    if (arguments.size() != 1) {
-        refuseUsage(qPrintable(strCommand), QStringLiteral("%1 takes one sequence.").arg(strCommand));
-    }
     AnalysisRequest request;
-    request.sequence = arguments[0];
     request.select = value("select");
-    if (parser.isSet(QStringLiteral("select")) && request.select.trimmed().isEmpty()) {
-        throw Failure(QStringLiteral("--select names no image."), Failure::Kind::BadRequest);
-    }
-    request.mask = maskOptionOf(parser, eMaskDefault);
-    if (!value("unit").isEmpty()) {
-        request.unit = unitOf(value("unit"));
-    }
-    if (!value("binning").isEmpty()) {
-        request.binning = binningOf(value("binning"));
-    }
+    CallErrors errors(strCommand);
+    errors.collect([&] {
+        const QStringList arguments = parser.positionalArguments();
+        if (arguments.size() != 1) {
+            refuseUsage(qPrintable(strCommand), QStringLiteral("%1 takes one sequence.").arg(strCommand));
+        }
+        request.sequence = arguments[0];
+    });
+    errors.collect([&] {
+        if (parser.isSet(QStringLiteral("select")) && request.select.trimmed().isEmpty()) {
+            throw Failure(QStringLiteral("--select names no image."), Failure::Kind::BadRequest);
+        }
+    });
+    errors.collect([&] { request.mask = maskOptionOf(parser, eMaskDefault); });
+    errors.collect([&] { request.unit = value("unit").isEmpty() ? request.unit : unitOf(value("unit")); });
+    errors.collect(
+        [&] { request.binning = value("binning").isEmpty() ? request.binning : binningOf(value("binning")); });
+    errors.throwAll();
     request.out = value("out");
     request.force = parser.isSet(QStringLiteral("force"));
     return request;

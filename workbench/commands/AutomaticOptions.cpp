@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "workbench/commands/AutomaticOptions.h"
 
-#include "services/basis/Failure.h"
+#include "workbench/commands/CallErrors.h"
 #include "workbench/commands/CommandParser.h"
 #include "workbench/commands/Options.h"
 
@@ -74,6 +74,8 @@ void declareAutomaticOptions(CommandParser& parser)
                       QStringLiteral("So many components of which nothing is known; they are named UMX1, UMX2, ... "
                                      "Every automatic run says how many stand above the noise."),
                       QStringLiteral("N")});
+    parser.addOption(
+        {QStringLiteral("beyond-six"), QStringLiteral("Take more than 6 components, up to the number of images.")});
     parser.addOption({QStringLiteral("constraints"),
                       QStringLiteral("Predict from the names where each component may lie (the default).")});
     parser.addOption({QStringLiteral("no-constraints"),
@@ -88,7 +90,8 @@ void declareAutomaticOptions(CommandParser& parser)
 QStringList givenAutomaticOptions(const QCommandLineParser& parser)
 {
     QStringList given;
-    for (const char* name : {"components", "any-name", "ncomponents", "constraints", "no-constraints", "decay"}) {
+    for (const char* name :
+         {"components", "any-name", "ncomponents", "beyond-six", "constraints", "no-constraints", "decay"}) {
         if (parser.isSet(QLatin1String(name))) {
             given.append(QStringLiteral("--") + QLatin1String(name));
         }
@@ -99,25 +102,37 @@ QStringList givenAutomaticOptions(const QCommandLineParser& parser)
 AutomaticRequest automaticRequestOf(const QCommandLineParser& parser)
 {
     const auto isSet = [&parser](const char* pName) { return parser.isSet(QLatin1String(pName)); };
-    if (isSet("components") && isSet("ncomponents")) {
-        refuseUsage("unmix", QStringLiteral("--components and --ncomponents exclude each other."));
-    }
-    if (isSet("constraints") && isSet("no-constraints")) {
-        refuseUsage("unmix", QStringLiteral("--constraints and --no-constraints exclude each other."));
-    }
+    const auto exclude = [&isSet](const char* pOne, const char* pOther) {
+        if (isSet(pOne) && isSet(pOther)) {
+            refuseUsage(
+                "unmix",
+                QStringLiteral("--%1 and --%2 exclude each other.").arg(QLatin1String(pOne), QLatin1String(pOther)));
+        }
+    };
     AutomaticRequest request;
-    if (isSet("components")) {
-        request.components = namesOf(parser.value(QStringLiteral("components")));
-    }
     request.anyName = isSet("any-name");
-    if (isSet("ncomponents")) {
-        request.count = countOf(parser.value(QStringLiteral("ncomponents")));
-    }
     request.useConstraints = !isSet("no-constraints");
     request.constraintsAsked = isSet("constraints");
     request.correctDecay = isSet("decay");
-    if (request.correctDecay) {
-        request.halfLifeMinutes = halfLifeOf(parser.value(QStringLiteral("decay")));
-    }
+    request.beyondSix = isSet("beyond-six");
+    CallErrors errors(QStringLiteral("unmix"));
+    errors.collect([&] { exclude("components", "ncomponents"); });
+    errors.collect([&] { exclude("constraints", "no-constraints"); });
+    errors.collect([&] {
+        if (isSet("components")) {
+            request.components = namesOf(parser.value(QStringLiteral("components")));
+        }
+    });
+    errors.collect([&] {
+        if (isSet("ncomponents")) {
+            request.count = countOf(parser.value(QStringLiteral("ncomponents")));
+        }
+    });
+    errors.collect([&] {
+        if (request.correctDecay) {
+            request.halfLifeMinutes = halfLifeOf(parser.value(QStringLiteral("decay")));
+        }
+    });
+    errors.throwAll();
     return request;
 }

@@ -57,7 +57,10 @@ public:
         m_settings.memory = m_wishes.memory;
         m_settings.again = m_wishes.again;
         m_settings.program = QCoreApplication::applicationFilePath();
-        m_settings.arguments = [this](const BatchJob& job) { return unmixArguments(job, m_places.results(job.name)); };
+        m_settings.arguments = [this, threads = parser.value(QStringLiteral("threads"))](const BatchJob& job) {
+            const QStringList arguments = unmixArguments(job, m_places.results(job.name));
+            return threads.isEmpty() ? arguments : arguments + QStringList(QStringLiteral("--threads=") + threads);
+        };
         m_settings.ended = [this](const BatchJob& job, const BatchOutcome& outcome) { tell(job, outcome); };
         m_settings.keep = [this] { m_lock.keep(); };
         // A library that cannot be read would fail every sequence.

@@ -9,6 +9,7 @@
 #include "services/batch/batchNames.h"
 #include "services/batch/unmixMemory.h"
 #include "services/session/LibrarySpectra.h"
+#include "workbench/commands/CallErrors.h"
 #include "workbench/commands/CliSession.h"
 #include "workbench/commands/CommandParser.h"
 #include "workbench/commands/Options.h"
@@ -208,29 +209,37 @@ BatchWishes batchWishesOf(const QCommandLineParser& parser)
     const auto isSet = [&parser](const char* pName) { return parser.isSet(QLatin1String(pName)); };
     BatchWishes wishes;
     wishes.out = parser.value(QStringLiteral("out"));
-    if (wishes.out.isEmpty()) {
-        refuseUsage("batch", QStringLiteral("--out is missing: the folder for the results."));
-    }
+    CallErrors errors(QStringLiteral("batch"));
+    errors.collect([&wishes] {
+        if (wishes.out.isEmpty()) {
+            refuseUsage("batch", QStringLiteral("--out is missing: the folder for the results."));
+        }
+    });
     QStringList modes;
     for (const char* name : {"dry-run", "list", "only", "gather"}) {
         if (isSet(name)) {
             modes.append(QStringLiteral("--") + QLatin1String(name));
         }
     }
-    if (modes.size() > 1) {
-        refuseUsage("batch", QStringLiteral("%1 exclude each other.").arg(modes.join(QStringLiteral(" and "))));
-    }
-    wishes.jobs = jobsOf(parser);
-    wishes.memory = memoryOf(parser);
+    errors.collect([&modes] {
+        if (modes.size() > 1) {
+            refuseUsage("batch", QStringLiteral("%1 exclude each other.").arg(modes.join(QStringLiteral(" and "))));
+        }
+    });
+    errors.collect([&] { wishes.jobs = jobsOf(parser); });
+    errors.collect([&] { wishes.memory = memoryOf(parser); });
     wishes.again = isSet("again");
     wishes.strict = isSet("strict");
     wishes.dryRun = isSet("dry-run");
     wishes.list = isSet("list");
     wishes.gather = isSet("gather");
     wishes.only = parser.value(QStringLiteral("only"));
-    if (isSet("only") && wishes.only.isEmpty()) {
-        refuseUsage("batch", QStringLiteral("--only takes the name of a sequence."));
-    }
+    errors.collect([&] {
+        if (isSet("only") && wishes.only.isEmpty()) {
+            refuseUsage("batch", QStringLiteral("--only takes the name of a sequence."));
+        }
+    });
+    errors.throwAll();
     return wishes;
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "workbench/commands/CliSession.h"
 
+#include "XTNT/xtnt_parallel.h"
 #include "platform/orvutils/LogSinks.h"
 #include "platform/orvutils/ProcessControl.h"
 #include "platform/orvutils/TextResponder.h"
@@ -44,12 +45,30 @@ QString fileNameOption(const QCommandLineParser& parser, const char* pName)
     return name;
 }
 
+// 0: as many as there are processors.
+int threadsOf(const QCommandLineParser& parser)
+{
+    constexpr int most = 1024;
+    const QString text = parser.value(QStringLiteral("threads"));
+    if (!parser.isSet(QStringLiteral("threads"))) {
+        return 0;
+    }
+    bool good = false;
+    const int threads = text.toInt(&good);
+    if (!good || threads < 1 || threads > most) {
+        throw Failure(QStringLiteral("--threads takes a whole number from 1 to %1, not \"%2\".").arg(most).arg(text),
+                      Failure::Kind::BadRequest);
+    }
+    return threads;
+}
+
 } // namespace
 
 CliSession::CliSession(const QCommandLineParser& parser)
     : m_input(&m_typed), m_bJson(parser.isSet(QStringLiteral("json"))), m_bQuiet(parser.isSet(QStringLiteral("quiet"))),
       m_bVerbose(parser.isSet(QStringLiteral("verbose")))
 {
+    XTNT::setThreadCount(threadsOf(parser));
     const QString log = fileNameOption(parser, "log");
     QString error;
     if (!log.isEmpty() && !orv::setLogFile(log, &error)) {
@@ -66,7 +85,12 @@ CliSession::CliSession(const QCommandLineParser& parser)
         }
     }
     // A stream without a buffer drops what it is given.
-    m_pOldBuffer = std::cout.rdbuf(trace.isEmpty() ? nullptr : m_trace.rdbuf());
+    std::streambuf* pTrace = trace.isEmpty() ? nullptr : m_trace.rdbuf();
+    if (!m_bQuiet && !m_bJson && CliProgress::terminalPresent()) {
+        m_pWatch = std::make_unique<TraceWatch>(pTrace);
+        pTrace = m_pWatch.get();
+    }
+    m_pOldBuffer = std::cout.rdbuf(pTrace);
     m_pProgress = std::make_unique<CliProgress>(!m_bQuiet && !m_bJson);
     m_pEarlierResponder = orv::setMessageResponder(
         std::make_unique<orv::TextResponder>(std::cerr, ::isatty(STDIN_FILENO) != 0 ? &m_input : nullptr));
@@ -79,6 +103,7 @@ CliSession::~CliSession()
     std::cout.rdbuf(m_pOldBuffer);
     std::cout.clear();
     orv::setLogFile(QString(), nullptr);
+    XTNT::setThreadCount(0);
 }
 
 void CliSession::declareOptions(CommandParser& parser)
@@ -92,6 +117,10 @@ void CliSession::declareOptions(CommandParser& parser)
     parser.addOption({QStringLiteral("log"), QStringLiteral("Append the log to FILE."), QStringLiteral("FILE")});
     parser.addOption({QStringLiteral("trace"), QStringLiteral("Write the trace of the algorithms to FILE."),
                       QStringLiteral("FILE")});
+    parser.addOption({QStringLiteral("threads"),
+                      QStringLiteral("Compute on so many threads; as many as there are processors. Results do not "
+                                     "depend on it."),
+                      QStringLiteral("N")});
 }
 
 void CliSession::answer(const QString& strText) const
@@ -157,7 +186,12 @@ void CliSession::startProgress(const QString& strMessage)
 
 void CliSession::showProgress(const QString& strMessage, double dFraction)
 {
-    m_pProgress->show(strMessage, dFraction);
+    if (m_pWatch && strMessage != m_strStage) {
+        m_pWatch->clear();
+        m_strStage = strMessage;
+    }
+    const QString detail = m_pWatch ? m_pWatch->text() : QString();
+    m_pProgress->show(detail.isEmpty() ? strMessage : strMessage + QStringLiteral(", ") + detail, dFraction);
 }
 
 void CliSession::endProgress()

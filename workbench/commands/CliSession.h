@@ -3,6 +3,7 @@
 
 #include "services/basis/JobMonitor.h"
 #include "workbench/commands/TerminalInput.h"
+#include "workbench/commands/TraceWatch.h"
 
 #include <QCommandLineParser>
 #include <QJsonObject>
@@ -29,8 +30,8 @@ class MessageResponder;
 class CliSession : public JobMonitor
 {
 public:
-    // Takes --log, --trace, --quiet, --verbose and --json from the parser; throws Failure when a file cannot be
-    // opened.
+    // Takes --log, --trace, --threads, --quiet, --verbose and --json from the parser; throws Failure when a file cannot
+    // be opened.
     explicit CliSession(const QCommandLineParser& parser);
     ~CliSession() override;
 
@@ -73,6 +74,8 @@ private:
     QStringList m_withheld;
     std::ofstream m_trace;
     std::streambuf* m_pOldBuffer = nullptr;
+    std::unique_ptr<TraceWatch> m_pWatch; // where a progress line is shown
+    QString m_strStage;                   // that the line tells of
     std::unique_ptr<CliProgress> m_pProgress;
     std::unique_ptr<orv::MessageResponder> m_pEarlierResponder;
 };

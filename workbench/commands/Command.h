@@ -34,5 +34,8 @@ public:
     virtual int argumentCount() const { return 1; }
     // Options that may be given more than once, by name; of every other one a second value is refused.
     virtual QStringList repeatableOptions() const { return {}; }
+    // Throws what is wrong with the values of the options, as run() does, before anything is opened; asked where the
+    // call is wrong already, to tell all of it at once.
+    virtual void check(const QCommandLineParser&) const {}
     virtual void run(const QCommandLineParser& parser, CliSession& session) = 0;
 };

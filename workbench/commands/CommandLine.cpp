@@ -11,6 +11,7 @@
 #include "services/transfer/ExportPlace.h"
 #include "spectra/logLine.h"
 #include "workbench/commands/BatchCommand.h"
+#include "workbench/commands/CallErrors.h"
 #include "workbench/commands/CliSession.h"
 #include "workbench/commands/Command.h"
 #include "workbench/commands/CommandManuals.h"
@@ -36,6 +37,7 @@
 #include <QThreadPool>
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <clocale>
 #include <cstdlib>
@@ -157,7 +159,25 @@ void printVersion()
     print(QStringLiteral("spum %1\n").arg(CORVPreference::getAppVersion()));
 }
 
-// What is wrong with the options, a sentence each; the options that are known were parsed.
+// The arguments without those options; with `bValues` also without the word behind each, which may be its value.
+QStringList withoutOptions(const QStringList& arguments, const QStringList& names, bool bValues)
+{
+    QStringList rest;
+    for (int i = 0; i < arguments.size(); ++i) {
+        const QString name = arguments[i].section(QLatin1Char('='), 0, 0);
+        const bool left = std::any_of(names.cbegin(), names.cend(), [&name](const QString& strName) {
+            return name == QLatin1Char('-') + strName || name == QLatin1String("--") + strName;
+        });
+        if (!left) {
+            rest.append(arguments[i]);
+        } else if (bValues && name == arguments[i] && !arguments.value(i + 1).startsWith(QLatin1Char('-'))) {
+            ++i;
+        }
+    }
+    return rest;
+}
+
+// What is wrong with the options, a sentence each.
 QStringList parseErrors(CommandParser& parser, const QStringList& arguments)
 {
     const QStringList unknown = parser.unknownOptionNames();
@@ -172,18 +192,7 @@ QStringList parseErrors(CommandParser& parser, const QStringList& arguments)
         }
         errors.append(QStringLiteral("Unknown option '%1'%2").arg(name, meantNamesText(meant)));
     }
-    // Without those, what else there is.
-    QStringList rest;
-    for (const QString& argument : arguments) {
-        const QString name = argument.section(QLatin1Char('='), 0, 0);
-        const bool isUnknown = std::any_of(unknown.cbegin(), unknown.cend(), [&name](const QString& strUnknown) {
-            return name == QLatin1Char('-') + strUnknown || name == QLatin1String("--") + strUnknown;
-        });
-        if (!isUnknown) {
-            rest.append(argument);
-        }
-    }
-    if (!parser.parse(rest) && parser.unknownOptionNames().isEmpty()) {
+    if (!parser.parse(withoutOptions(arguments, unknown, false)) && parser.unknownOptionNames().isEmpty()) {
         errors.append(parser.errorText());
     }
     return errors;
@@ -209,6 +218,30 @@ QStringList withOptionalValues(const Command& command, CommandParser& parser, QS
     return arguments;
 }
 
+// What the parser has found, and what is wrong with the values of the other options and the arguments, whether or not
+// the word behind an unknown option is its value.
+int refuseWithValues(const Command& command, const QStringList& arguments, const QStringList& unknown,
+                     QStringList wrong)
+{
+    std::array<QStringList, 2> readings;
+    for (const bool values : {false, true}) {
+        CommandParser parser;
+        CliSession::declareOptions(parser);
+        command.declare(parser);
+        parser.parse(withoutOptions(arguments, unknown, values));
+        CallErrors errors(command.name());
+        errors.collect([&] { command.check(parser); });
+        readings.at(values ? 1 : 0) = errors.sentences();
+    }
+    for (const QString& sentence : readings[0]) {
+        if (readings[1].contains(sentence)) {
+            wrong.append(sentence);
+        }
+    }
+    refuseCall(wrong, command.name());
+    return ExitStatus::usage;
+}
+
 // The command and its options; a usage error or --help ends here.
 int runCommand(Command& command, const QStringList& arguments)
 {
@@ -217,8 +250,8 @@ int runCommand(Command& command, const QStringList& arguments)
     command.declare(parser);
     const QStringList given = withOptionalValues(command, parser, arguments);
     if (!parser.parse(given)) {
-        refuseCall(parseErrors(parser, given), command.name());
-        return ExitStatus::usage;
+        const QStringList unknown = parser.unknownOptionNames();
+        return refuseWithValues(command, given, unknown, parseErrors(parser, given));
     }
     if (parser.isSet(QStringLiteral("help"))) {
         printHelp(manualOf(command));
@@ -230,9 +263,8 @@ int runCommand(Command& command, const QStringList& arguments)
     }
     const QString repeated = CommandLine::repeatedOption(command, parser);
     if (!repeated.isEmpty()) {
-        complain(QStringLiteral("--%1 is given more than once and taken once. See \"spum %2 --help\".")
-                     .arg(repeated, command.name()));
-        return ExitStatus::usage;
+        return refuseWithValues(command, given, {},
+                                {QStringLiteral("--%1 is given more than once and taken once.").arg(repeated)});
     }
     const LoggedErrors errors;
     std::unique_ptr<CliSession> pSession;
@@ -262,6 +294,9 @@ int runCommand(Command& command, const QStringList& arguments)
         pSession.reset();
         tell(QString());
         return ExitStatus::success;
+    } catch (const CallRefusal& refusal) {
+        refuseCall(refusal.sentences(), refusal.command());
+        return ExitStatus::usage;
     } catch (const Failure& failure) {
         // What was broken off, a question or a wait for another program, says in its own way that nothing came of it;
         // so does what would have failed anyway.

@@ -6,13 +6,17 @@
 #include "services/basis/UnitNames.h"
 #include "services/transfer/CubeFiles.h"
 #include "services/transfer/ExportedCube.h"
+#include "workbench/commands/CallErrors.h"
 #include "workbench/commands/CliProgress.h"
 #include "workbench/commands/CliSession.h"
 #include "workbench/commands/CommandParser.h"
 #include "workbench/commands/Options.h"
+#include "workbench/commands/Output.h"
 
 #include <QFileInfo>
 #include <QJsonArray>
+
+#include <unistd.h>
 
 namespace {
 
@@ -50,23 +54,46 @@ void refuseTargets(const QStringList& targets, bool bForce)
     }
 }
 
+// Of the formats one is a stream of bytes, and nothing else can stand where it goes.
+void checkStream(bool bStreamed, const QString& strFormat, const CliSession& session)
+{
+    if (bStreamed && strFormat != QLatin1String("csv")) {
+        refuseUsage("export", QStringLiteral("--out - is standard output, which takes --format csv alone; a file of "
+                                             "that name is \"./-\"."));
+    }
+    if (bStreamed && session.isJson()) {
+        refuseUsage("export", QStringLiteral("--json does not go with --out -: both are written to standard output."));
+    }
+}
+
+void writeToOutput(const QByteArray& bytes)
+{
+    if (!writeAll(STDOUT_FILENO, bytes)) {
+        throw Failure(QStringLiteral("standard output cannot be written"));
+    }
+}
+
 } // namespace
 
 void ExportCommand::declare(CommandParser& parser) const
 {
     parser.addPositionalArgument(QStringLiteral("SEQ"), QStringLiteral("Folder of the sequence."));
-    addValueOption(
+    addChoiceOption(
         parser, "format",
         QStringLiteral("ome-tiff: a page an image, with OME metadata; envi: header and data file; csv: a row a pixel, "
                        "a column an image."),
-        "FORMAT");
-    addValueOption(parser, "out", QStringLiteral("File to write; for envi the header or the data file."), "PATH");
+        "FORMAT", {QStringLiteral("ome-tiff"), QStringLiteral("envi"), QStringLiteral("csv")});
+    addValueOption(
+        parser, "out",
+        QStringLiteral("File to write; for envi the header or the data file, for csv also \"-\": standard output."),
+        "PATH");
     addValueOption(parser, "select",
                    QStringLiteral("Images to take: EX/EM,EX/EM,... (INTERVAL/TIME in a temporal sequence), * for any."),
                    "PAIRS");
-    addValueOption(parser, "unit",
-                   QStringLiteral("counts, radiance, radiant-efficiency or efficiency; the best that the images have."),
-                   "UNIT");
+    addChoiceOption(
+        parser, "unit",
+        QStringLiteral("counts, radiance, radiant-efficiency or efficiency; the best that the images have."), "UNIT",
+        UnitNames::options());
     parser.addOption({QStringLiteral("force"), QStringLiteral("Replace files that exist.")});
 }
 
@@ -81,26 +108,44 @@ QList<CommandManual::Example> ExportCommand::examples() const
 void ExportCommand::run(const QCommandLineParser& parser, CliSession& session)
 {
     const QStringList arguments = parser.positionalArguments();
-    if (arguments.size() != 1) {
-        refuseUsage("export", QStringLiteral("export takes one sequence."));
-    }
     const QString format = parser.value(QStringLiteral("format")).toLower();
-    if (format != QLatin1String("ome-tiff") && format != QLatin1String("envi") && format != QLatin1String("csv")) {
-        refuseUsage("export", QStringLiteral("--format takes ome-tiff, envi or csv, not \"%1\".").arg(format));
-    }
     const QString out = parser.value(QStringLiteral("out"));
-    if (out.isEmpty()) {
-        refuseUsage("export", QStringLiteral("--out is missing: the file to write."));
-    }
-    if (parser.isSet(QStringLiteral("select")) && parser.value(QStringLiteral("select")).trimmed().isEmpty()) {
-        refuseUsage("export", QStringLiteral("--select names no image."));
-    }
-    const int unit = unitOf(parser);
-    const QStringList targets = targetsOf(format, out);
+    const bool streamed = out == QLatin1String("-");
+    int unit = -1;
+    CallErrors errors(QStringLiteral("export"));
+    errors.collect([&] {
+        if (arguments.size() != 1) {
+            refuseUsage("export", QStringLiteral("export takes one sequence."));
+        }
+    });
+    errors.collect([&] {
+        if (format != QLatin1String("ome-tiff") && format != QLatin1String("envi") && format != QLatin1String("csv")) {
+            refuseUsage("export", QStringLiteral("--format takes ome-tiff, envi or csv, not \"%1\".").arg(format));
+        }
+        checkStream(streamed, format, session);
+    });
+    errors.collect([&] {
+        if (out.isEmpty()) {
+            refuseUsage("export", QStringLiteral("--out is missing: the file to write."));
+        }
+    });
+    errors.collect([&] {
+        if (parser.isSet(QStringLiteral("select")) && parser.value(QStringLiteral("select")).trimmed().isEmpty()) {
+            refuseUsage("export", QStringLiteral("--select names no image."));
+        }
+    });
+    errors.collect([&] { unit = unitOf(parser); });
+    errors.throwAll();
+    const QStringList targets = streamed ? QStringList() : targetsOf(format, out);
     refuseTargets(targets, parser.isSet(QStringLiteral("force")));
 
     session.startProgress(QStringLiteral("Exporting"));
     ExportedCube cube(arguments[0], parser.value(QStringLiteral("select")), unit, session);
+    if (streamed) {
+        streamCsvCube(cube, writeToOutput);
+        session.endProgress();
+        return;
+    }
     if (format == QLatin1String("ome-tiff")) {
         writeOmeTiffCube(cube, out);
     } else if (format == QLatin1String("envi")) {

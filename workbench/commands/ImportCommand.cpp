@@ -7,6 +7,7 @@
 #include "services/basis/Failure.h"
 #include "services/importer/Importer.h"
 #include "services/transfer/ImportInference.h"
+#include "workbench/commands/CallErrors.h"
 #include "workbench/commands/CliProgress.h"
 #include "workbench/commands/CliSession.h"
 #include "workbench/commands/CommandParser.h"
@@ -17,6 +18,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 
 namespace {
 
@@ -49,24 +51,24 @@ Request requestOf(const QCommandLineParser& parser)
     const QStringList arguments = parser.positionalArguments();
     options.table = value("images");
     request.writeTable = value("write-table");
-    if (given("write-table") && request.writeTable.isEmpty()) {
-        refuseUsage("import", QStringLiteral("--write-table takes the file to write."));
-    }
-    if (given("images") && options.table.isEmpty()) {
-        refuseUsage("import", QStringLiteral("--images takes the table that says which image is what."));
-    }
-    if (given("images") && (given("write-table") || given("interval") || given("channels"))) {
-        refuseUsage("import", QStringLiteral("--images does not go with --write-table, --interval or --channels, which "
-                                             "infer such a table."));
-    }
-    if (given("interval") && given("channels")) {
-        refuseUsage("import", QStringLiteral("--interval makes times and --channels makes channels of the images."));
-    }
+    CallErrors errors(QStringLiteral("import"));
+    const auto refuse = [&errors](bool bRefused, const char* pSentence) {
+        errors.collect([=] {
+            if (bRefused) {
+                refuseUsage("import", QLatin1String(pSentence));
+            }
+        });
+    };
+    refuse(given("write-table") && request.writeTable.isEmpty(), "--write-table takes the file to write.");
+    refuse(given("images") && options.table.isEmpty(), "--images takes the table that says which image is what.");
+    refuse(given("images") && (given("write-table") || given("interval") || given("channels")),
+           "--images does not go with --write-table, --interval or --channels, which infer such a table.");
+    refuse(given("interval") && given("channels"),
+           "--interval makes times and --channels makes channels of the images.");
     request.number = given("channels");
-    if (arguments.size() != 2 && !(given("write-table") && arguments.size() == 1)) {
-        refuseUsage("import", QStringLiteral("import takes the images and the folder to make."));
-    }
-    options.source = arguments[0];
+    refuse(arguments.size() != 2 && !(given("write-table") && arguments.size() == 1),
+           "import takes the images and the folder to make.");
+    options.source = arguments.value(0);
     options.output = arguments.value(1);
     options.photo = value("photo");
     options.dark = value("dark");
@@ -74,23 +76,25 @@ Request requestOf(const QCommandLineParser& parser)
     options.name = value("name");
     options.force = given("force");
     options.follow = given("follow");
-    if (given("max-memory")) {
+    const auto take = [&](const char* pName, const std::function<void()>& set) {
+        if (given(pName)) {
+            errors.collect(set);
+        }
+    };
+    take("max-memory", [&] {
         constexpr double gibibyte = 1 << 30;
         constexpr double most = 1 << 30; // beyond every machine, within the number's range
         options.maxMemory =
             static_cast<qint64>(std::min(positiveNumber("max-memory", value("max-memory")), most) * gibibyte);
-    }
-    if (given("interval")) {
-        request.interval = positiveNumber("interval", value("interval"));
-    }
-    if (given("pixel-size")) {
-        options.pixelSize = positiveNumber("pixel-size", value("pixel-size"));
-    }
-    if (given("exposure")) {
+    });
+    take("interval", [&] { request.interval = positiveNumber("interval", value("interval")); });
+    take("pixel-size", [&] { options.pixelSize = positiveNumber("pixel-size", value("pixel-size")); });
+    take("exposure", [&] {
         for (const auto& text : value("exposure").split(QLatin1Char(','))) {
             options.exposures.append(positiveNumber("exposure", text));
         }
-    }
+    });
+    errors.throwAll();
     return request;
 }
 
@@ -224,6 +228,11 @@ QList<CommandManual::Example> ImportCommand::examples() const
              QStringLiteral("Only look at the files and write down which is taken for what, to be edited.")},
             {QStringLiteral("spum import my-images --images images.csv cells"),
              QStringLiteral("Make the sequence \"cells\" of them by that table.")}};
+}
+
+void ImportCommand::check(const QCommandLineParser& parser) const
+{
+    requestOf(parser);
 }
 
 void ImportCommand::run(const QCommandLineParser& parser, CliSession& session)

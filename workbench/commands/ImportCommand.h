@@ -11,5 +11,6 @@ public:
     QString summary() const override { return QStringLiteral("Make a sequence of TIFF files or an ENVI cube."); }
     void declare(CommandParser& parser) const override;
     QList<CommandManual::Example> examples() const override;
+    void check(const QCommandLineParser& parser) const override;
     void run(const QCommandLineParser& parser, CliSession& session) override;
 };

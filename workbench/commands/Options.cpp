@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "workbench/commands/Options.h"
 
-#include "services/basis/Failure.h"
+#include "workbench/commands/CallErrors.h"
 #include "workbench/commands/CommandParser.h"
 
 #include <QCommandLineParser>
@@ -11,6 +11,12 @@ void addValueOption(CommandParser& parser, const char* pName, const QString& str
     parser.addOption({QLatin1String(pName), strText, QLatin1String(pValue)});
 }
 
+void addChoiceOption(CommandParser& parser, const char* pName, const QString& strText, const char* pValue,
+                     const QStringList& words)
+{
+    parser.addOption({QLatin1String(pName), strText, QLatin1String(pValue)}, words);
+}
+
 void addFlag(CommandParser& parser, const char* pName, const QString& strText)
 {
     parser.addOption({QLatin1String(pName), strText});
@@ -18,6 +24,5 @@ void addFlag(CommandParser& parser, const char* pName, const QString& strText)
 
 void refuseUsage(const char* pCommand, const QString& strText)
 {
-    throw Failure(QStringLiteral("%1 See \"spum %2 --help\".").arg(strText, QLatin1String(pCommand)),
-                  Failure::Kind::BadRequest);
+    throw CallRefusal({strText}, QLatin1String(pCommand));
 }

@@ -2,11 +2,15 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 class CommandParser;
 
 // Declares an option that takes a value.
 void addValueOption(CommandParser& parser, const char* pName, const QString& strText, const char* pValue);
+// The same with the words that there are.
+void addChoiceOption(CommandParser& parser, const char* pName, const QString& strText, const char* pValue,
+                     const QStringList& words);
 // Declares one that takes none.
 void addFlag(CommandParser& parser, const char* pName, const QString& strText);
 

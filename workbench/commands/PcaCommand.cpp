@@ -48,6 +48,11 @@ QList<CommandManual::Example> PcaCommand::examples() const
          QStringLiteral("How many components explain how much of the images; pictures and tables go to mouse/pca.")}};
 }
 
+void PcaCommand::check(const QCommandLineParser& parser) const
+{
+    analysisRequestOf(parser, name(), MaskRequest::Kind::Photograph);
+}
+
 void PcaCommand::run(const QCommandLineParser& parser, CliSession& session)
 {
     const AnalysisRequest request = analysisRequestOf(parser, name(), MaskRequest::Kind::Photograph);

@@ -46,7 +46,8 @@ void refuseForeignOptions(const QCommandLineParser& parser, const QString& strAc
         {QStringLiteral("out"), {QStringLiteral("load"), QStringLiteral("export")}},
         {QStringLiteral("pdf"), {QStringLiteral("load")}},
         {QStringLiteral("component"), {QStringLiteral("export")}},
-        {QStringLiteral("force"), {QStringLiteral("load"), QStringLiteral("export"), QStringLiteral("delete")}}};
+        {QStringLiteral("force"), {QStringLiteral("load"), QStringLiteral("export")}},
+        {QStringLiteral("yes"), {QStringLiteral("delete")}}};
     for (auto owner = owners.cbegin(); owner != owners.cend(); ++owner) {
         if (parser.isSet(owner.key()) && !owner.value().contains(strAction)) {
             refuseUsage("results",
@@ -136,8 +137,8 @@ void ResultsCommand::declare(CommandParser& parser) const
     parser.addOption({QStringLiteral("component"),
                       QStringLiteral("export: the component of a scan of several spots, from 1."),
                       QStringLiteral("N")});
-    parser.addOption(
-        {QStringLiteral("force"), QStringLiteral("load, export: replace what is in that folder. delete: do not ask.")});
+    parser.addOption({QStringLiteral("force"), QStringLiteral("load, export: replace what is in that folder.")});
+    addFlag(parser, "yes", QStringLiteral("delete: do not ask."));
 }
 
 QList<CommandManual::Example> ResultsCommand::examples() const
@@ -292,7 +293,7 @@ void ResultsCommand::rename(OpenedSequence& opened, const QStringList& arguments
 void ResultsCommand::remove(OpenedSequence& opened, const QString& strName, const QCommandLineParser& parser,
                             CliSession& session) const
 {
-    ResultStore(opened.engine(), parser.isSet(QStringLiteral("force"))).remove(strName);
+    ResultStore(opened.engine(), parser.isSet(QStringLiteral("yes"))).remove(strName);
     session.answer(QStringLiteral("result \"%1\" deleted\n").arg(strName));
     session.answerJson(QJsonObject{{"deleted", strName}});
 }

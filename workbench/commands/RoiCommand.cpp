@@ -271,9 +271,9 @@ void RoiCommand::declare(CommandParser& parser) const
     parser.addOption(
         {QStringLiteral("image-pixels"), QStringLiteral("add: --shape is in pixels of the first image instead.")});
     addValueOption(parser, "name", QStringLiteral("add: name of the region; \"ROI 1\" and so on."), "NAME");
-    addValueOption(parser, "unit",
-                   QStringLiteral("measure: counts, radiance, radiant-efficiency or efficiency; that of an analysis."),
-                   "UNIT");
+    addChoiceOption(parser, "unit",
+                    QStringLiteral("measure: counts, radiance, radiant-efficiency or efficiency; that of an analysis."),
+                    "UNIT", UnitNames::options());
     addValueOption(
         parser, "result",
         QStringLiteral("measure: also over the maps of this folder of \"spum unmix\", or of its name in SEQ; may be "

@@ -3,6 +3,7 @@
 
 #include "platform/orvutils/printable.h"
 #include "services/basis/Failure.h"
+#include "workbench/commands/CallErrors.h"
 #include "workbench/commands/CliProgress.h"
 #include "workbench/commands/CliSession.h"
 #include "workbench/commands/CommandParser.h"
@@ -210,37 +211,41 @@ SimulationKind takeKind(const QCommandLineParser& parser)
 SimulationOptions takeOptions(const QCommandLineParser& parser)
 {
     SimulationOptions options = SimulationOptions::standard(takeKind(parser));
-    take(parser, "size", &options.size);
-    take(parser, "bands", &options.bands);
+    CallErrors errors(QStringLiteral("simulate"));
+    errors.collect([&] { take(parser, "size", &options.size); });
+    errors.collect([&] { take(parser, "bands", &options.bands); });
     if (parser.isSet(QStringLiteral("probes"))) {
         options.probes = fieldsOf(parser.value(QStringLiteral("probes")));
     }
-    take(parser, "depths", &options.depthsMm);
-    take(parser, "excitations", &options.excitationsNm);
-    take(parser, "ratio", &options.ratio);
-    take(parser, "food-ratio", &options.foodRatio);
-    take(parser, "spots", &options.spots);
-    take(parser, "times", &options.timesSeconds);
+    errors.collect([&] { take(parser, "depths", &options.depthsMm); });
+    errors.collect([&] { take(parser, "excitations", &options.excitationsNm); });
+    errors.collect([&] { take(parser, "ratio", &options.ratio); });
+    errors.collect([&] { take(parser, "food-ratio", &options.foodRatio); });
+    errors.collect([&] { take(parser, "spots", &options.spots); });
+    errors.collect([&] { take(parser, "times", &options.timesSeconds); });
     options.timeKeys = !parser.isSet(QStringLiteral("no-time-keys"));
-    take(parser, "isotope", &options.isotope);
-    take(parser, "span", &options.spanHalfLives);
+    errors.collect([&] { take(parser, "isotope", &options.isotope); });
+    errors.collect([&] { take(parser, "span", &options.spanHalfLives); });
     options.full = parser.isSet(QStringLiteral("full"));
-    options.noise = takeNoise(parser);
-    options.seed = takeSeed(parser, options.seed);
-    take(parser, "peak", &options.peakElectrons);
-    take(parser, "gain", &options.gain);
-    take(parser, "read-noise", &options.readNoise);
-    take(parser, "offset", &options.offset);
-    take(parser, "exposure", &options.exposuresSeconds);
-    take(parser, "binning", &options.binning);
+    errors.collect([&] { options.noise = takeNoise(parser); });
+    errors.collect([&] { options.seed = takeSeed(parser, options.seed); });
+    errors.collect([&] { take(parser, "peak", &options.peakElectrons); });
+    errors.collect([&] { take(parser, "gain", &options.gain); });
+    errors.collect([&] { take(parser, "read-noise", &options.readNoise); });
+    errors.collect([&] { take(parser, "offset", &options.offset); });
+    errors.collect([&] { take(parser, "exposure", &options.exposuresSeconds); });
+    errors.collect([&] { take(parser, "binning", &options.binning); });
     options.mixedBinning = parser.isSet(QStringLiteral("mixed-binning"));
-    take(parser, "name", &options.name);
-    take(parser, "subject", &options.subject);
+    errors.collect([&] { take(parser, "name", &options.name); });
+    errors.collect([&] { take(parser, "subject", &options.subject); });
     options.force = parser.isSet(QStringLiteral("force"));
     options.discardResults = parser.isSet(QStringLiteral("discard-results"));
-    if (options.discardResults && !options.force) {
-        refuseUsage("simulate", QStringLiteral("--discard-results goes with --force."));
-    }
+    errors.collect([&options] {
+        if (options.discardResults && !options.force) {
+            refuseUsage("simulate", QStringLiteral("--discard-results goes with --force."));
+        }
+    });
+    errors.throwAll();
     const QString problem = validate(options);
     if (!problem.isEmpty()) {
         refuseUsage("simulate", problem);
@@ -385,6 +390,11 @@ QList<CommandManual::Example> SimulateCommand::examples() const
          QStringLiteral("Another one that has not eaten, in smaller images.")},
         {QStringLiteral("spum simulate kinetics --kind temporal --size 64"),
          QStringLiteral("The course of a dye through the organs: a series of times.")}};
+}
+
+void SimulateCommand::check(const QCommandLineParser& parser) const
+{
+    takeOptions(parser);
 }
 
 void SimulateCommand::run(const QCommandLineParser& parser, CliSession& session)

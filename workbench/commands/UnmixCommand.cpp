@@ -16,7 +16,9 @@ void UnmixCommand::declare(CommandParser& parser) const
 {
     declareUnmixOptions(parser);
     declarePlaces(parser, QStringLiteral("SEQ/unmixed-METHOD"));
-    addFlag(parser, "replace", QStringLiteral("Replace earlier results in that folder, and nothing else of --force."));
+    addFlag(parser, "replace", QStringLiteral("Replace earlier results in that folder, but no saved result."));
+    addFlag(parser, "dry-run",
+            QStringLiteral("Only tell which images, pixels, unit and spectra it would be; nothing is written."));
     addFlag(parser, "strict",
             QStringLiteral("End with status 1 where a warning says that the answer is likely to be wrong, with 3 where "
                            "there are other warnings; the results are written all the same."));
@@ -36,11 +38,20 @@ QList<CommandManual::Example> UnmixCommand::examples() const
          QStringLiteral("Fit known spectra, here those that were resolved before.")}};
 }
 
+void UnmixCommand::check(const QCommandLineParser& parser) const
+{
+    unmixRequestOf(parser);
+}
+
 void UnmixCommand::run(const QCommandLineParser& parser, CliSession& session)
 {
     UnmixRequest request = unmixRequestOf(parser);
     request.command = shellLine(QStringList(QStringLiteral("spum")) + QCoreApplication::arguments().mid(1));
     UnmixJob job(request, session);
+    if (parser.isSet(QStringLiteral("dry-run"))) {
+        session.answer(job.plan());
+        return;
+    }
     session.answer(job.run());
     if (parser.isSet(QStringLiteral("strict")) && !job.warnings().isEmpty()) {
         throw strictFailure(job.warnings());

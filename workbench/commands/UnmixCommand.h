@@ -13,5 +13,6 @@ public:
     QList<CommandManual::Example> examples() const override;
     // "--save" alone takes the next automatic name.
     QStringList optionsWithOptionalValue() const override { return {QStringLiteral("save")}; }
+    void check(const QCommandLineParser& parser) const override;
     void run(const QCommandLineParser& parser, CliSession& session) override;
 };

@@ -6,10 +6,13 @@
 #include "services/basis/ModeNames.h"
 #include "workbench/commands/AnalysisOptions.h"
 #include "workbench/commands/AutomaticOptions.h"
+#include "workbench/commands/CallErrors.h"
 #include "workbench/commands/CommandParser.h"
 #include "workbench/commands/Options.h"
 
 #include <QCommandLineParser>
+
+#include <optional>
 
 namespace {
 
@@ -72,11 +75,12 @@ void checkOptionsOfMethod(const QCommandLineParser& parser, int nMode)
 
 void declareUnmixOptions(CommandParser& parser)
 {
-    addValueOption(
+    addChoiceOption(
         parser, "method",
         QStringLiteral("automatic: resolve spectra and maps from the images; library or manual: fit the spectra of "
                        "--library. Without it: library where --library is given, else automatic."),
-        "METHOD");
+        "METHOD",
+        {ModeNames::option(RUNMODE_AUTOMATIC), ModeNames::option(RUNMODE_LIBRARY), ModeNames::option(RUNMODE_MANUAL)});
     addValueOption(
         parser, "library",
         QStringLiteral("Spectra to fit: a library file, the name of a saved library, or a plain CSV table of spectra "
@@ -103,21 +107,30 @@ void declareUnmixOptions(CommandParser& parser)
     addValueOption(parser, "note", QStringLiteral("A line about the result, for the report and the saved result."),
                    "TEXT");
     parser.addOption({QStringLiteral("force"),
-                      QStringLiteral("Replace earlier results in that folder. Also: take more than 6 components, up to "
-                                     "the number of images.")});
+                      QStringLiteral("Replace earlier results in that folder, and a saved result of that name.")});
 }
 
 UnmixRequest unmixRequestOf(const QCommandLineParser& parser)
 {
     UnmixRequest request;
-    request.mode = modeOf(parser);
+    CallErrors errors(QStringLiteral("unmix"));
+    std::optional<int> mode;
+    errors.collect([&] { mode = modeOf(parser); });
+    request.mode = mode.value_or(RUNMODE_AUTOMATIC);
     const bool automatic = request.mode == RUNMODE_AUTOMATIC;
-    request.analysis = analysisRequestOf(parser, QStringLiteral("unmix"),
-                                         automatic ? MaskRequest::Kind::Photograph : MaskRequest::Kind::None);
-    checkOptionsOfMethod(parser, request.mode);
+    errors.collect([&] {
+        request.analysis = analysisRequestOf(parser, QStringLiteral("unmix"),
+                                             automatic ? MaskRequest::Kind::Photograph : MaskRequest::Kind::None);
+    });
+    errors.collect([&] {
+        if (mode) {
+            checkOptionsOfMethod(parser, *mode);
+        }
+    });
+    errors.collect([&] { request.automatic = automaticRequestOf(parser); });
+    errors.collect([&] { request.noise = noiseOf(parser); });
+    errors.throwAll();
     request.library = parser.value(QStringLiteral("library"));
-    request.automatic = automaticRequestOf(parser);
-    request.noise = noiseOf(parser);
     request.pdf = parser.isSet(QStringLiteral("pdf"));
     request.save = parser.isSet(QStringLiteral("save"));
     request.saveName = parser.value(QStringLiteral("save"));

@@ -92,7 +92,7 @@ TEST_F(SharedResultsTest, AResultThatAnotherProgramDeletedIsToldAndLeavesTheList
     saveByCommand("kidneys");
     open(m_strMouse);
     refreshList();
-    runSpum({"results", "delete", m_strMouse, "kidneys", "--force", "--quiet"});
+    runSpum({"results", "delete", m_strMouse, "kidneys", "--yes", "--quiet"});
     click("m_pLoadButton");
     ASSERT_EQ(m_answers.asked.size(), 1);
     EXPECT_TRUE(m_answers.asked.first().startsWith("Unable to load Spectral Unmixing data for sequence ["));

@@ -46,7 +46,9 @@ protected:
     QStringList setUp(const AutomaticRequest& request, bool bBeyondSix = false)
     {
         engine();
-        return setUpAutomatic(request, bBeyondSix, *m_pOpen, engine());
+        AutomaticRequest asked = request;
+        asked.beyondSix = bBeyondSix;
+        return setUpAutomatic(asked, *m_pOpen, engine());
     }
     static AutomaticRequest named(const QStringList& names)
     {
@@ -172,7 +174,7 @@ TEST_F(AutomaticSetUpTest, TwoToSixComponentsAndNoMoreThanImages)
     EXPECT_NO_THROW(setUp(counted(2)));
     EXPECT_NO_THROW(setUp(counted(6)));
     EXPECT_EQ(refusal(counted(7)),
-              "Please select 2-6 components to unmix! (asked for: 7; --force takes as many as there "
+              "Please select 2-6 components to unmix! (asked for: 7; --beyond-six takes as many as there "
               "are images)");
     EXPECT_EQ(refusal(counted(9)), "Please select 2-6 components to unmix! (asked for: 9)");
 }

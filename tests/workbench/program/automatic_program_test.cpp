@@ -222,8 +222,8 @@ TEST_F(AutomaticProgramTest, ANumberThatCannotBeResolvedIsRefused)
     EXPECT_EQ(unmixRefusal({"--components", "TissueAF", "--mask", "none"}),
               "Please select 2-6 components to unmix! (asked for: 1)");
     EXPECT_EQ(unmixRefusal({"--ncomponents", "7", "--mask", "none"}),
-              "Please select 2-6 components to unmix! (asked for: 7; --force takes as many as there are images)");
-    EXPECT_EQ(unmixRefusal({"--ncomponents", "9", "--mask", "none", "--force"}),
+              "Please select 2-6 components to unmix! (asked for: 7; --beyond-six takes as many as there are images)");
+    EXPECT_EQ(unmixRefusal({"--ncomponents", "9", "--mask", "none", "--beyond-six"}),
               "No solution! Please adjust the setup! (9 components for 8 images)");
     EXPECT_EQ(unmixRefusal({"--ncomponents", "3", "--select", "640/700,640/720", "--mask", "none"}),
               "Please select 2 components to unmix! (asked for: 3)");
@@ -339,10 +339,10 @@ TEST_F(AutomaticProgramTest, ImagesOfAnotherExtentAreRefused)
     }
 }
 
-TEST_F(AutomaticProgramTest, MoreThanSixComponentsTakeForce)
+TEST_F(AutomaticProgramTest, MoreThanSixComponentsTakeAnOptionOfTheirOwn)
 {
     simulateApart();
-    const ProgramResult result = spum({"unmix", "seq", "--ncomponents", "7", "--out", "out", "--json", "--force"});
+    const ProgramResult result = spum({"unmix", "seq", "--ncomponents", "7", "--out", "out", "--json", "--beyond-six"});
     // Seven where there are three: it may come to nothing, but not for the number.
     EXPECT_TRUE(result.status == 0 ||
                 result.errText().endsWith("spum: No solution! Please adjust the setup!; fewer components "

@@ -186,7 +186,7 @@ TEST_F(ForeignTextProgramTest, NamesOfResultsAndRegions)
     said({"info", "maps"}, 0, "SMALL_UMX");
     said({"results", "rename", "seq", turning, "x" + turning}, 0, "x" + shownTurning);
     said({"results", "show", "seq", "none"}, 1, "x" + shownTurning);
-    said({"results", "delete", "seq", "x" + turning, "--force"}, 0, shownTurning);
+    said({"results", "delete", "seq", "x" + turning, "--yes"}, 0, shownTurning);
     said({"roi", "seq", "add", "--shape", "rect:0,0,2,2", "--name", turning}, 0, shownTurning);
     said({"roi", "seq", "list"}, 0, shownTurning);
     said({"roi", "seq", "measure"}, 0, shownTurning);

@@ -215,7 +215,7 @@ TEST_F(QuestionProgramTest, IsAnsweredOnATerminal)
 {
     const ProgramResult no = program().runAtQuestion(m_deletion, "n\n");
     EXPECT_EQ(no.status, 1) << no.err.constData();
-    EXPECT_TRUE(no.err.endsWith("spum: the result \"SPUM_001\" was not deleted; --force deletes it without a "
+    EXPECT_TRUE(no.err.endsWith("spum: the result \"SPUM_001\" was not deleted; --yes deletes it without a "
                                 "question\n"))
         << no.err.constData();
     EXPECT_EQ(saved(), (QStringList{"SPUM_001"}));
@@ -229,9 +229,8 @@ TEST_F(QuestionProgramTest, EndsWithASignal)
     for (const int signalNumber : {SIGINT, SIGTERM, SIGHUP}) {
         const ProgramResult result = program().runAtQuestion(m_deletion, {}, signalNumber);
         EXPECT_EQ(result.status, 130) << result.err.constData();
-        EXPECT_TRUE(
-            result.err.endsWith("spum: aborted by user: the result \"SPUM_001\" was not deleted; --force deletes "
-                                "it without a question\n"))
+        EXPECT_TRUE(result.err.endsWith("spum: aborted by user: the result \"SPUM_001\" was not deleted; --yes deletes "
+                                        "it without a question\n"))
             << result.err.constData();
         EXPECT_EQ(saved(), (QStringList{"SPUM_001"}));
     }

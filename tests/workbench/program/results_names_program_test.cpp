@@ -79,7 +79,7 @@ TEST_F(ResultsNamesProgramTest, WhoIsNotAskedLearnsHowToDelete)
     succeed(unmix("a"));
     const ProgramResult declined = spum({"results", "delete", "seq", "a"});
     EXPECT_EQ(declined.status, 1);
-    EXPECT_TRUE(declined.errText().contains("the result \"a\" was not deleted; --force deletes it without a question"));
+    EXPECT_TRUE(declined.errText().contains("the result \"a\" was not deleted; --yes deletes it without a question"));
 }
 
 // The system's own sentences do not say why.
@@ -90,7 +90,7 @@ TEST_F(ResultsNamesProgramTest, AnIndexThatCannotBeLockedIsTold)
     ASSERT_TRUE(QDir().mkpath(lock + "/in the way"));
     const QStringList options{"--library", library(), "--out", path("run"), "--save"};
     const std::vector<QStringList> commands{QStringList{"results", "rename", "seq", "a", "b"},
-                                            QStringList{"results", "delete", "seq", "a", "--force"},
+                                            QStringList{"results", "delete", "seq", "a", "--yes"},
                                             QStringList{"unmix", "seq"} + options};
     // Each waits a while for the lock.
     std::vector<std::future<ProgramResult>> results;

@@ -216,7 +216,7 @@ TEST_F(ResultsProgramTest, DeleteAsksUnlessToldNotTo)
     EXPECT_EQ(declined.status, 1);
     EXPECT_TRUE(declined.errText().contains("Are you sure you want to delete the results for a?"));
     EXPECT_EQ(listed(), QStringList{"a"});
-    succeed({"results", "delete", "seq", "a", "--force", "--quiet"});
+    succeed({"results", "delete", "seq", "a", "--yes", "--quiet"});
     EXPECT_TRUE(listed().isEmpty());
     EXPECT_TRUE(files().isEmpty());
 }
@@ -305,7 +305,7 @@ TEST_F(ResultsProgramTest, NoOtherSequenceTakesThePlaceOfOneWithSavedResults)
     EXPECT_EQ(filesBelow(path("seq")), before);
     EXPECT_EQ(refusal({"simulate", "seq", "--discard-results"}, 2),
               "--discard-results goes with --force. See \"spum simulate --help\".");
-    succeed({"results", "delete", "seq", "a", "--force"});
+    succeed({"results", "delete", "seq", "a", "--yes"});
     // Nor would the files of the run go, nor the list without a result.
     for (const char* folder : {"seq/XML", "seq/unmixed-library", "other/unmixed-library"}) {
         ASSERT_TRUE(QDir(path(folder)).removeRecursively()) << folder;

@@ -1,0 +1,164 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// What a call is told before, beside and instead of its work.
+#include "workbench/program/ProgramFixture.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QProcess>
+
+namespace {
+
+class CallsProgramTest : public ProgramFixture
+{
+protected:
+    // The lines on standard error of a call that is refused.
+    QStringList refusedLines(const QStringList& arguments) const
+    {
+        const ProgramResult result = spum(arguments);
+        EXPECT_EQ(result.status, 2);
+        EXPECT_EQ(result.out, QByteArray());
+        return result.errText().split('\n', Qt::SkipEmptyParts);
+    }
+};
+
+} // namespace
+
+TEST_F(CallsProgramTest, EverythingThatIsWrongIsToldAtOnce)
+{
+    EXPECT_EQ(refusedLines({"unmix", "seq", "--unit", "lux", "--binning", "0", "--ncomponents", "two"}),
+              (QStringList{"spum: --unit takes counts, radiance, radiant-efficiency, efficiency, not \"lux\".",
+                           "spum: --binning takes a whole number from 1 to 64, not \"0\".",
+                           "spum: --ncomponents takes a whole number from 2 on, not \"two\".",
+                           "spum: See \"spum unmix --help\"."}));
+    const QStringList simulate = refusedLines({"simulate", "seq", "--size", "many", "--noise", "loud", "--seed", "-1"});
+    ASSERT_EQ(simulate.size(), 4) << qPrintable(simulate.join('\n'));
+    EXPECT_TRUE(simulate[0].startsWith("spum: --size takes a whole number"));
+    EXPECT_TRUE(simulate[1].startsWith("spum: --noise is"));
+    EXPECT_TRUE(simulate[2].startsWith("spum: --seed takes"));
+    EXPECT_EQ(refusedLines({"export", "--format", "gif", "--unit", "lux"}).size(), 5);
+    EXPECT_EQ(refusedLines({"import", "--exposure", "0", "--interval", "x"}).size(), 4);
+    EXPECT_EQ(refusedLines({"batch", "seq", "--jobs", "0", "--max-memory", "-1"}).size(), 4);
+}
+
+// Also beside what is no option at all.
+TEST_F(CallsProgramTest, WrongValuesAreToldBesideUnknownOptions)
+{
+    EXPECT_EQ(
+        refusedLines({"unmix", "seq", "--bogus", "--binning", "0"}),
+        (QStringList{"spum: Unknown option 'bogus'.", "spum: --binning takes a whole number from 1 to 64, not \"0\".",
+                     "spum: See \"spum unmix --help\"."}));
+    // The word behind it may be its value, or an argument: neither is held against the call.
+    EXPECT_EQ(refusedLines({"unmix", "--bogus", "seq"}).size(), 1);
+    EXPECT_EQ(refusedLines({"unmix", "seq", "--bogus", "value"}).size(), 1);
+    EXPECT_EQ(refusedLines({"unmix", "--bogus"}),
+              (QStringList{"spum: Unknown option 'bogus'.", "spum: unmix takes one sequence.",
+                           "spum: See \"spum unmix --help\"."}));
+    EXPECT_EQ(refusedLines({"pca", "seq", "--unit", "lux", "--out", "a", "--out", "b"}),
+              (QStringList{"spum: --out is given more than once and taken once.",
+                           "spum: --unit takes counts, radiance, radiant-efficiency, efficiency, not \"lux\".",
+                           "spum: See \"spum pca --help\"."}));
+}
+
+TEST_F(CallsProgramTest, ADryRunTellsAndWritesNothing)
+{
+    simulate();
+    const QStringList before = filesBelow(path("."));
+    const QString text = QString::fromUtf8(
+        succeed({"unmix", "seq", "--library", truth(), "--mask", "rect:10,10,20,30", "--dry-run"}).out);
+    for (const char* line : {"method      library\n", "images      8 of 8\n", "pixels      600 of 4096, at binning 4\n",
+                             "unit        radiant-efficiency\n", "/seq/unmixed-library\n",
+                             "nothing was unmixed or written (--dry-run)\n"}) {
+        EXPECT_TRUE(text.contains(line)) << line << "\n" << qPrintable(text);
+    }
+    const QJsonObject json =
+        succeed({"unmix", "seq", "--components", "TissueAF,Food", "--select", "*/*", "--dry-run", "--json"}).json();
+    EXPECT_EQ(json["dryRun"], true);
+    EXPECT_EQ(json["method"], "automatic");
+    EXPECT_EQ(json["components"].toArray(), (QJsonArray{"TissueAF", "Food"}));
+    EXPECT_LT(json["pixels"].toInt(), json["allPixels"].toInt());
+    EXPECT_EQ(filesBelow(path(".")), before);
+}
+
+TEST_F(CallsProgramTest, ADryRunRefusesWhatTheRunWouldRefuse)
+{
+    simulate();
+    write("taken/letter.txt", "dear");
+    EXPECT_TRUE(refusal({"unmix", "seq", "--library", "nowhere.csv", "--dry-run"}).contains("nowhere.csv"));
+    EXPECT_TRUE(refusal({"unmix", "seq", "--library", truth(), "--out", "taken", "--dry-run"}).contains("taken"));
+    EXPECT_TRUE(refusal({"unmix", "seq", "--ncomponents", "7", "--dry-run"}).contains("--beyond-six"));
+}
+
+TEST_F(CallsProgramTest, OnAnyNumberOfThreadsTheNumbersAreTheSame)
+{
+    simulate();
+    succeed({"unmix", "seq", "--library", truth(), "--threads", "1", "--out", "one"});
+    succeed({"unmix", "seq", "--library", truth(), "--threads", "3", "--out", "three"});
+    EXPECT_EQ(contentOf(path("one/summary.csv")), contentOf(path("three/summary.csv")));
+    for (const char* number : {"0", "-1", "many", "", "2000"}) {
+        EXPECT_EQ(refusal({"info", "seq", "--threads", number}, 2),
+                  QStringLiteral("--threads takes a whole number from 1 to 1024, not \"%1\".").arg(number));
+    }
+}
+
+TEST_F(CallsProgramTest, ACubeAsCsvGoesToStandardOutput)
+{
+    simulate();
+    succeed({"export", "seq", "--format", "csv", "--unit", "counts", "--out", "cube.csv"});
+    const QStringList before = filesBelow(path("."));
+    const ProgramResult streamed = succeed({"export", "seq", "--format", "csv", "--unit", "counts", "--out", "-"});
+    EXPECT_EQ(streamed.out, contentOf(path("cube.csv")));
+    EXPECT_EQ(filesBelow(path(".")), before);
+}
+
+TEST_F(CallsProgramTest, WhatIsNoStreamIsRefusedOnStandardOutput)
+{
+    simulate();
+    for (const char* format : {"ome-tiff", "envi"}) {
+        EXPECT_EQ(refusal({"export", "seq", "--format", format, "--out", "-"}, 2),
+                  "--out - is standard output, which takes --format csv alone; a file of that name is \"./-\". "
+                  "See \"spum export --help\".");
+    }
+    EXPECT_TRUE(refusal({"export", "seq", "--format", "csv", "--out", "-", "--json"}, 2)
+                    .startsWith("--json does not go with --out -"));
+    succeed({"export", "seq", "--format", "csv", "--unit", "counts", "--out", "./-"});
+    EXPECT_TRUE(entriesOf(path(".")).contains("-"));
+}
+
+TEST_F(CallsProgramTest, AFullOutputEndsAStream)
+{
+    simulate();
+    if (!QFileInfo::exists("/dev/full")) {
+        GTEST_SKIP() << "there is no /dev/full";
+    }
+    QProcess shell;
+    shell.setWorkingDirectory(path("."));
+    shell.start("sh", {"-c", "'" + SpumProgram::path() + "' export seq --format csv --unit counts --out - >/dev/full"});
+    ASSERT_TRUE(shell.waitForFinished());
+    EXPECT_EQ(shell.exitCode(), 1);
+    EXPECT_EQ(shell.readAllStandardError(), "spum: standard output cannot be written\n");
+}
+
+TEST_F(CallsProgramTest, ResolvingTellsIterationAndLackOfFitOnATerminal)
+{
+    // Large enough for the line to be drawn meanwhile, whatever the machine.
+    succeed({"simulate", "seq", "--size", "512", "--bands", "18"});
+    const ProgramResult result =
+        program().runOnTerminal({"unmix", "seq", "--components", "TissueAF,Food,AlexaFluor 750,AlexaFluor 790",
+                                 "--mask", "none", "--threads", "1"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_TRUE(result.err.contains("Resolving the components, iteration ")) << result.err.constData();
+    EXPECT_TRUE(result.err.contains(", lack of fit ")) << result.err.constData();
+    EXPECT_FALSE(result.err.contains("Writing the results, iteration ")) << result.err.constData();
+}
+
+TEST_F(CallsProgramTest, ForceReplacesAndNothingElse)
+{
+    simulate();
+    EXPECT_EQ(refusal({"unmix", "seq", "--ncomponents", "7", "--force"}),
+              "Please select 2-6 components to unmix! (asked for: 7; --beyond-six takes as many as there are images)");
+    succeed({"unmix", "seq", "--library", truth(), "--save", "a", "--quiet"});
+    EXPECT_TRUE(refusal({"results", "delete", "seq", "a", "--force"}, 2)
+                    .startsWith("--force does not go with \"spum results delete\"."));
+    succeed({"results", "delete", "seq", "a", "--yes"});
+}
