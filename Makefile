@@ -6,7 +6,7 @@ PREFIX ?= $(CURDIR)/build/install
 BUILD = build/$(PRESET)
 export QT_QPA_PLATFORM ?= offscreen
 
-.PHONY: all deps configure build demo test cluster-test bench sanitize tsan fuzz format format-check tidy tidy-changed reproducible install clean
+.PHONY: all deps configure build demo test cluster-test bench sanitize tsan fuzz format format-check tidy tidy-changed reproducible install deb deb-test clean
 
 all: build
 
@@ -74,6 +74,15 @@ install: configure
 	@cmake --build $(BUILD) -j$(JOBS)
 	@cmake --install $(BUILD) --prefix "$(PREFIX)" >/dev/null
 	@echo "Installed below $(PREFIX); start $(PREFIX)/bin/spum-workbench or $(PREFIX)/bin/spum"
+
+# A package for Debian 12 below build/deb.
+deb: configure
+	@cmake --build $(BUILD) -j$(JOBS) --target spum spum-workbench orvspum manuals
+	@scripts/deb.sh $(BUILD) build/deb
+
+# Installs it in a bare Debian of its own and removes it; as root.
+deb-test: deb
+	@scripts/deb-test.sh build/deb/orvspum_*.deb
 
 clean:
 	@rm -rf build demo

@@ -74,7 +74,7 @@ function(orv_room name kind)
     orv_precompile(${name} precompiled)
   endif()
   if(kind STREQUAL "SHARED")
-    install(TARGETS ${name} LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+    install(TARGETS ${name} LIBRARY DESTINATION ${ORV_INSTALL_LIBDIR})
   endif()
 endfunction()
 

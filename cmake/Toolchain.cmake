@@ -41,4 +41,6 @@ set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib)
 # Relative, so that neither a name nor its length enters a program.
 set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
-set(CMAKE_INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}:$ORIGIN")
+# The libraries are this program's own, so they lie in a folder of their own.
+set(ORV_INSTALL_LIBDIR ${CMAKE_INSTALL_LIBDIR}/orvspum)
+set(CMAKE_INSTALL_RPATH "$ORIGIN/../${ORV_INSTALL_LIBDIR}:$ORIGIN")

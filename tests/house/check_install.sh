@@ -15,6 +15,16 @@ $run "$work/second place/bin/spum-workbench" --version
 $run "$work/second place/bin/spum" simulate "$work/mouse" --size 32 --bands 6 --quiet
 $run "$work/second place/bin/spum" unmix "$work/mouse" --library "$work/mouse/truth/counts/spectra.csv" --unit counts --quiet
 [ -s "$work/mouse/unmixed-library/summary.csv" ]
+# What belongs to the programs came along, and man takes the pages.
+share="$work/second place/share"
+for file in man/man1/spum.1 man/man1/spum-unmix.1 man/man1/spum-workbench.1 bash-completion/completions/spum \
+    zsh/site-functions/_spum applications/spum-workbench.desktop icons/hicolor/scalable/apps/orvspum.svg \
+    doc/orvspum/LICENSE doc/orvspum/README.md doc/orvspum/docs/formats.md doc/orvspum/docs/pictures/rooms.svg; do
+    [ -s "$share/$file" ] || { echo "$file was not installed" >&2; exit 1; }
+done
+groff -man -Kutf8 -ww -z "$share"/man/man1/*.1 2>"$work/log"
+[ ! -s "$work/log" ] || { cat "$work/log" >&2; exit 1; }
+desktop-file-validate "$share/applications/spum-workbench.desktop"
 # The tables are those of the tree, not those of the sources that the build knows.
 rm -r "$work/second place/share/orvia/data"
 mkdir "$work/second place/share/orvia/data"

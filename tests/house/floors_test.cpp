@@ -42,7 +42,8 @@ const std::map<std::string, std::set<std::string>> neighbours = {
     {"workbench/manual", {}},
     {"workbench/simulator", {}},
     {"workbench/commands", {"workbench/start", "workbench/manual", "workbench/simulator"}},
-    {"workbench/application", {"workbench/start", "workbench/manual"}}};
+    {"workbench/application", {"workbench/start", "workbench/manual"}},
+    {"workbench/manual_files", {"workbench/manual", "workbench/commands", "workbench/application"}}};
 
 bool isContainer(const std::string& path)
 {

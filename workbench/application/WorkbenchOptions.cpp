@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "workbench/application/WorkbenchOptions.h"
 
+#include "workbench/manual/helpText.h"
+
 namespace {
 
 // Options with a value, which comes behind "=" or as the next argument.
@@ -63,17 +65,40 @@ WorkbenchOptions WorkbenchOptions::parse(const QStringList& arguments)
     return options;
 }
 
+CommandManual WorkbenchOptions::manual()
+{
+    const auto option = [](const QStringList& names, const char* pValue, const char* pText) {
+        CommandManual::Entry entry;
+        entry.names = names;
+        entry.value = QLatin1String(pValue);
+        entry.text = QLatin1String(pText);
+        return entry;
+    };
+    CommandManual manual;
+    manual.name = QStringLiteral("spum-workbench");
+    manual.usage = QStringLiteral("[options] [sequence...]");
+    manual.summary =
+        QStringLiteral("Opens sequences of optical images in a window, to look at them and to unmix them.");
+    CommandManual::Entry sequence;
+    sequence.value = QStringLiteral("sequence...");
+    sequence.text = QStringLiteral("A sequence is its folder; a folder or file of other images is imported. Without "
+                                   "one the sequences that were open last are opened again.");
+    manual.arguments = {sequence};
+    manual.options = {
+        {QStringLiteral("Options"),
+         {option({QStringLiteral("plugins")}, "DIR",
+                 "Load the tools for unmixing from DIR instead of the usual places."),
+          option({QStringLiteral("reset-windows")}, "", "Begin with windows and panels at their usual places."),
+          option({QStringLiteral("log")}, "FILE", "Append the log to FILE."),
+          option({QStringLiteral("trace")}, "FILE", "Write the trace of the algorithms to FILE."),
+          option({QStringLiteral("h"), QStringLiteral("help")}, "", "Show this text."),
+          option({QStringLiteral("v"), QStringLiteral("version")}, "", "Show the version.")}}};
+    manual.examples = {
+        {QStringLiteral("spum-workbench mouse"), QStringLiteral("Open the sequence in the folder \"mouse\".")}};
+    return manual;
+}
+
 QString WorkbenchOptions::helpText()
 {
-    return QStringLiteral("Usage: spum-workbench [options] [sequence...]\n"
-                          "Opens sequences of optical images in a window, to look at them and to unmix them.\n"
-                          "A sequence is its folder; a folder or file of other images is imported. Without one\n"
-                          "the sequences that were open last are opened again.\n\n"
-                          "Options:\n"
-                          "  --plugins DIR    Load the tools for unmixing from DIR instead of the usual places.\n"
-                          "  --reset-windows  Begin with windows and panels at their usual places.\n"
-                          "  --log FILE       Append the log to FILE.\n"
-                          "  --trace FILE     Write the trace of the algorithms to FILE.\n"
-                          "  -h, --help       Show this text.\n"
-                          "  -v, --version    Show the version.\n");
+    return ::helpText(manual(), helpColumns);
 }

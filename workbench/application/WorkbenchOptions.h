@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "workbench/manual/CommandManual.h"
+
 #include <QString>
 #include <QStringList>
 
@@ -18,5 +20,7 @@ struct WorkbenchOptions
 
     // `arguments` without the program's name.
     static WorkbenchOptions parse(const QStringList& arguments);
+    // What there is to say about the program, for --help and the manual page.
+    static CommandManual manual();
     static QString helpText();
 };
