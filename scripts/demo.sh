@@ -32,5 +32,9 @@ echo "Pictures: $out/comparison/comparison.png shows truth and both results with
 echo "          $out/automatic/overview.png and spectra.png, one map each in $out/automatic/*.png, $out/pca/scree.png"
 echo "Numbers:  $out/automatic/summary.csv (and summary.json), maps as float TIFF beside the pictures"
 echo
+# The tours of README.md and of the tutorial begin in a folder with images of somebody else; what was done there stays.
+[ -d "$out/tour/my-images" ] || { mkdir -p "$out/tour"; cp -R "$(dirname "$0")/../tests/images/cells" "$out/tour/my-images"; }
+echo "Tour:     $out/tour is where the commands of README.md and docs/tutorial.md work as they are written"
+echo
 echo "The same in a window, from the images on:"
 echo "    $(dirname "$spum")/spum-workbench $out/mouse"
