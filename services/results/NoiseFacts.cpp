@@ -30,6 +30,19 @@ QJsonObject NoiseFacts::json() const
     return json;
 }
 
+QString NoiseFacts::label() const
+{
+    if (model != QLatin1String("poisson")) {
+        return model == QLatin1String("gaussian") ? QStringLiteral("Gaussian, by image")
+                                                  : QStringLiteral("Uniform, by what the fit leaves");
+    }
+    if (!electronsPerCount || !readNoise) {
+        return QStringLiteral("Poisson, by the noise of each image");
+    }
+    return QStringLiteral("Poisson, %1 e a count, read noise %2 e%3")
+        .arg(number(*electronsPerCount), number(*readNoise), estimated ? QStringLiteral(" (estimated)") : QString());
+}
+
 QString NoiseFacts::text() const
 {
     if (model == QLatin1String("uniform")) {
@@ -40,7 +53,7 @@ QString NoiseFacts::text() const
     }
     QString text = QStringLiteral("pixels weighted by the noise of their light");
     if (electronsPerCount && readNoise) {
-        text += QStringLiteral(", %1 electrons a count and a read noise of %2 electrons%3")
+        text += QStringLiteral(", %1 e a count and a read noise of %2 e%3")
                     .arg(number(*electronsPerCount), number(*readNoise),
                          estimated ? QStringLiteral(" (estimated)") : QString());
     }

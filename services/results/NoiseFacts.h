@@ -21,4 +21,6 @@ struct NoiseFacts
     QJsonObject json() const;
     // A sentence without its full stop.
     QString text() const;
+    // Some words: "Poisson, 1 e a count, read noise 10 e".
+    QString label() const;
 };

@@ -70,7 +70,13 @@ QList<QPair<QString, QString>> factRows(const ResultFacts& facts)
         rows.append({QStringLiteral("Scan spots"), QString::number(facts.spots)});
     }
     if (facts.noise) {
-        rows.append({QStringLiteral("Noise"), capitalised(facts.noise->text())});
+        rows.append({QStringLiteral("Noise"), facts.noise->label()});
+        if (std::isfinite(facts.noise->residualOverNoise)) {
+            rows.append({QStringLiteral("Residual over noise"), numberOf(facts.noise->residualOverNoise, 3)});
+        }
+    }
+    if (facts.condition && !facts.automatic) {
+        rows.append({QStringLiteral("Condition of the spectra"), numberOf(*facts.condition, 3)});
     }
     if (!facts.automatic) {
         return rows;
