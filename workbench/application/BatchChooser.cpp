@@ -76,6 +76,7 @@ void BatchChooser::makeTable()
     m_pTable->horizontalHeader()->setSectionResizeMode(ImagesColumn, QHeaderView::ResizeToContents);
     m_pTable->setColumnWidth(SequenceColumn, fontMetrics().averageCharWidth() * 30);
     connect(m_pTable, &QTableWidget::itemSelectionChanged, this, &BatchChooser::showSummary);
+    connect(m_pTable->horizontalHeader(), &QHeaderView::sectionResized, m_pTable, &QTableWidget::resizeRowsToContents);
 }
 
 void BatchChooser::makeButtons()
@@ -149,6 +150,7 @@ void BatchChooser::lookAtNext()
         m_pTable->item(nRow, VerdictColumn)
             ->setText(candidate.isUsable() ? tr("Yes") : tr("No: %1").arg(candidate.reason.simplified()));
         m_pTable->item(nRow, VerdictColumn)->setToolTip(literalToolTip(candidate.reason));
+        m_pTable->resizeRowToContents(nRow);
         m_look.start(0);
     }
     showSummary();
@@ -178,7 +180,8 @@ void BatchChooser::showSummary()
     } else if (nUsable == nAll) {
         m_pSummary->setText(tr("%1 of %1 can be analysed.").arg(nAll));
     } else {
-        m_pSummary->setText(tr("%1 of %2 can be analysed; the others are passed over.").arg(nUsable).arg(nAll));
+        m_pSummary->setText(
+            tr("%1 of %2 can be analysed; there will be no result of the others.").arg(nUsable).arg(nAll));
     }
     m_pStart->setEnabled(nUsable > 0 && m_nLookedAt == nAll);
     m_pRemove->setEnabled(!m_pTable->selectedItems().isEmpty());

@@ -82,6 +82,7 @@ void BatchWindow::makeTable()
         m_pTable->horizontalHeader()->setSectionResizeMode(nColumn, QHeaderView::ResizeToContents);
     }
     m_pTable->setColumnWidth(SequenceColumn, fontMetrics().averageCharWidth() * 30);
+    connect(m_pTable->horizontalHeader(), &QHeaderView::sectionResized, m_pTable, &QTableWidget::resizeRowsToContents);
 }
 
 void BatchWindow::makeButtons()
@@ -140,6 +141,7 @@ void BatchWindow::showRow(int nRow)
             row.warnings.join(QLatin1Char('\n')));
     setCell(*m_pTable, nRow, TimeColumn, bBegun ? elapsedText(bRuns ? m_run.elapsed() : row.milliseconds) : QString(),
             QString());
+    m_pTable->resizeRowToContents(nRow);
 }
 
 void BatchWindow::showTime()

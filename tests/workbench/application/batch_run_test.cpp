@@ -234,7 +234,7 @@ TEST_F(BatchRunTest, TheChoiceTellsWhichSequenceTheSpectraDoNotFit)
     ASSERT_EQ(m_verdicts.size(), 2);
     EXPECT_EQ(m_verdicts.at(0), "Yes");
     EXPECT_TRUE(m_verdicts.at(1).startsWith("No: The spectra have no value")) << qPrintable(m_verdicts.at(1));
-    EXPECT_EQ(m_strSummary, "1 of 2 can be analysed; the others are passed over.");
+    EXPECT_EQ(m_strSummary, "1 of 2 can be analysed; there will be no result of the others.");
 }
 
 TEST_F(BatchRunTest, TheTableTellsAndIsCopied)
@@ -264,7 +264,7 @@ TEST_F(BatchRunTest, WhatFailsIsToldAndPassedOver)
     const QStringList folders{copy("one"), m_folder.filePath("gone"), copy("three"), copy("four"), copy("five")};
     QDir().mkdir(folders.at(1));
     choose(folders);
-    EXPECT_EQ(m_strSummary, "4 of 5 can be analysed; the others are passed over.");
+    EXPECT_EQ(m_strSummary, "4 of 5 can be analysed; there will be no result of the others.");
     EXPECT_TRUE(m_verdicts.at(1).startsWith("No: It is no sequence."));
     waitForEnd();
     EXPECT_EQ(m_pBatchTool->m_worked.size(), 4);
