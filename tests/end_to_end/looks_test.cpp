@@ -1,44 +1,18 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Every window on the way from a sequence to maps, on screens and in palettes that people have: nothing is cut, every
 // control has a name. The pictures are kept to be looked at.
+#include "end_to_end/Screen.h"
 #include "end_to_end/WorkbenchFixture.h"
 #include "support/simulated.h"
 
 namespace {
-
-struct Screen
-{
-    const char* name;
-    const char* scale;
-    int width;
-    int height;
-    bool dark;
-};
-
-std::ostream& operator<<(std::ostream& out, const Screen& screen)
-{
-    return out << screen.name;
-}
-
-std::string joined(const QJsonArray& texts)
-{
-    QStringList lines;
-    for (const QJsonValue& text : texts) {
-        lines.append(text.toString());
-    }
-    return lines.join('\n').toStdString();
-}
 
 class LooksTest : public WorkbenchFixture, public ::testing::WithParamInterface<Screen>
 {
 protected:
     void look(const QString& strStage, const QString& strWindow = QStringLiteral("mainWindow"))
     {
-        program().call({{"do", "quiet"}, {"ms", 100}});
-        program().picture(QStringLiteral("looks/%1_%2.png").arg(GetParam().name, strStage));
-        const QJsonObject faults = program().call({{"do", "faults"}, {"widget", strWindow}});
-        EXPECT_EQ(joined(faults["cut"].toArray()), "") << strStage.toStdString();
-        EXPECT_EQ(joined(faults["nameless"].toArray()), "") << strStage.toStdString();
+        ::look(program(), GetParam(), strStage, strWindow);
     }
 };
 
@@ -77,10 +51,6 @@ TEST_P(LooksTest, NothingIsCutAndEverythingHasAName)
     look("library", "SpUnmixSpectrumLibraryWnd");
 }
 
-INSTANTIATE_TEST_SUITE_P(Screens, LooksTest,
-                         ::testing::Values(Screen{"usual", "1", 1600, 1200, false},
-                                           Screen{"small", "1", 1024, 700, false},
-                                           Screen{"sharp", "2", 800, 600, false}, Screen{"dark", "1", 1280, 900, true}),
-                         [](const auto& each) { return std::string(each.param.name); });
+INSTANTIATE_TEST_SUITE_P(Screens, LooksTest, screens(), nameOfScreen);
 
 } // namespace

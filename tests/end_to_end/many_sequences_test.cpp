@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Many sequences with one library, in the window.
+#include "end_to_end/Screen.h"
 #include "end_to_end/WorkbenchFixture.h"
 #include "support/simulated.h"
 
 #include <QDir>
+#include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
 
@@ -18,11 +20,11 @@ protected:
         return copyOf(simulated::sequence({"--size", strSize, "--bands", strBands}), strName);
     }
     // The true spectra of a simulated mouse as a library of the program's user.
-    void makeLibrary(const QString& strMouse)
+    void makeLibrary(const QString& strMouse, const QString& strUnit = "radiant-efficiency")
     {
         const QString strLibrary = program().homePath("data/orvia/data/Spum/batch.csv");
         QDir().mkpath(QFileInfo(strLibrary).path());
-        ASSERT_TRUE(QFile::copy(strMouse + "/truth/radiant-efficiency/spectra.csv", strLibrary));
+        ASSERT_TRUE(QFile::copy(strMouse + "/truth/" + strUnit + "/spectra.csv", strLibrary));
     }
     // From the menu to the dialog of sequences, with the first library taken.
     [[nodiscard]] bool openChooser()
@@ -122,5 +124,95 @@ TEST_F(ManySequencesTest, AnAbortEndsTheRunAndLeavesTheRest)
     }
     EXPECT_EQ(rows.last().toArray()[1].toString(), "Not begun");
 }
+
+// Every file of a folder, with its bytes.
+QMap<QString, QByteArray> filesBelow(const QString& strFolder)
+{
+    QMap<QString, QByteArray> all;
+    for (QDirIterator it(strFolder, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories); it.hasNext();) {
+        QFile file(it.next());
+        all.insert(file.fileName(), file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray());
+    }
+    return all;
+}
+
+// The background that adapts is of fluorescent light alone: one that glows by itself is unmixed as without it.
+TEST_F(ManySequencesTest, ALuminescentSequenceIsUnmixedWithoutTheAdaptiveBackground)
+{
+    const QStringList kind{"--kind", "luminescent", "--size", "64"};
+    const QString strWith = copyOf(simulated::sequence(kind), "with");
+    const QString strWithout = copyOf(simulated::sequence(kind), "without");
+    makeLibrary(strWith, "radiance");
+    const auto before = filesBelow(strWith);
+    startProgram({});
+    for (const QString& strFolder : {strWithout, strWith}) {
+        ASSERT_TRUE(openChooser());
+        if (strFolder == strWith) {
+            program().click("batchAdaptive", {{"at", QJsonArray{10, 10}}});
+            ASSERT_TRUE(program().state("batchAdaptive")["checked"].toBool());
+        }
+        ASSERT_TRUE(start({strFolder}));
+        ASSERT_TRUE(waitForEnd());
+        EXPECT_TRUE(totals().startsWith("1 of 1 unmixed; ")) << qPrintable(totals());
+        program().click("batchClose");
+        ASSERT_TRUE(program().waitUntil([&] { return !program().isVisible("batchWindow"); }));
+    }
+    EXPECT_FALSE(m_bAsked);
+    // What was there is as it was, and the maps are those of the batch without.
+    const auto after = filesBelow(strWith);
+    for (auto it = before.begin(); it != before.end(); ++it) {
+        EXPECT_TRUE(after.value(it.key()) == it.value()) << qPrintable(it.key());
+    }
+    ASSERT_EQ(batches(strWith).size(), 1);
+    ASSERT_EQ(batches(strWithout).size(), 1);
+    EXPECT_EQ(mapsOf(strWith), 3);
+    int nMaps = 0;
+    const QString strMaps = strWith + "/" + batches(strWith).first();
+    for (auto it = after.begin(); it != after.end(); ++it) {
+        if (it.key().startsWith(strMaps) && it.key().endsWith("luminescent.TIF")) {
+            QFile other(strWithout + "/" + batches(strWithout).first() + it.key().mid(strMaps.size()));
+            ASSERT_TRUE(other.open(QIODevice::ReadOnly)) << qPrintable(other.fileName());
+            EXPECT_TRUE(other.readAll() == it.value()) << qPrintable(it.key());
+            ++nMaps;
+        }
+    }
+    EXPECT_EQ(nMaps, 3);
+}
+
+class LooksOfManySequencesTest : public ManySequencesTest, public ::testing::WithParamInterface<Screen>
+{
+};
+
+TEST_P(LooksOfManySequencesTest, NothingIsCutAndEverythingHasAName)
+{
+    const QString strOne = mouse("a mouse with a long name, before the second injection", "64");
+    const QStringList folders{strOne, mouse("other bands", "64", "9"), mouse("three", "64")};
+    makeLibrary(strOne);
+    program().setVariable("QT_SCALE_FACTOR", GetParam().scale);
+    startProgram({});
+    if (GetParam().dark) {
+        program().call({{"do", "dark"}});
+    }
+    program().call(
+        {{"do", "resize"}, {"widget", "mainWindow"}, {"size", QJsonArray{GetParam().width, GetParam().height}}});
+    ASSERT_TRUE(openChooser());
+    look(program(), GetParam(), "batch_empty", "batchChooser");
+    ASSERT_TRUE(start(folders));
+    look(program(), GetParam(), "batch_runs", "batchWindow");
+    ASSERT_TRUE(waitForEnd());
+    look(program(), GetParam(), "batch_window", "batchWindow");
+    program().click("batchClose");
+    ASSERT_TRUE(program().waitUntil([&] { return !program().isVisible("batchWindow"); }));
+    ASSERT_TRUE(openChooser());
+    program().call({{"do", "drop"}, {"widget", "batchChooser"}, {"files", QJsonArray::fromStringList(folders)}});
+    ASSERT_TRUE(program().waitUntilEnabled("batchStart"));
+    EXPECT_EQ(text("batchSummary").toStdString(), "2 of 3 can be analysed; there will be no result of the others.");
+    look(program(), GetParam(), "batch_chooser", "batchChooser");
+    const QJsonArray place = program().state("batchChooser")["place"].toArray();
+    EXPECT_LE(place[2].toInt(), GetParam().width);
+    EXPECT_LE(place[3].toInt(), GetParam().height);
+}
+
+INSTANTIATE_TEST_SUITE_P(Screens, LooksOfManySequencesTest, screens(), nameOfScreen);
 
 } // namespace
