@@ -5,6 +5,7 @@
 #include "host/CORVTreeMenuComboBox.h"
 #include "windows/componentCount.h"
 #include "windows/probeOffer.h"
+#include "windows/widgets/wizardColumns.h"
 
 #include <QComboBox>
 #include <QEvent>
@@ -156,6 +157,9 @@ void SpUnmixWizardWnd::arrangeRows()
 // table changes nothing.
 bool SpUnmixWizardWnd::eventFilter(QObject* pWatched, QEvent* pEvent)
 {
+    if (pWatched == m_pMaskProbePage && pEvent->type() == QEvent::Resize) {
+        fitWizardColumns(*this, m_pMaskProbePage->width());
+    }
     auto* pCombo = qobject_cast<QComboBox*>(pWatched);
     if (pCombo != nullptr && pEvent->type() == QEvent::FocusIn) {
         const int nRow = rowOf(pCombo);

@@ -80,6 +80,7 @@ void SpUnmixWizardWnd::init()
         pButton->setEnabled(false);
     }
     frameFocusOf(*button(QWizard::FinishButton));
+    m_pMaskProbePage->installEventFilter(this);
     m_pProbeTable->horizontalHeader()->hide();
     setAnalysisType(kFluorescent);
     onAddProbe();

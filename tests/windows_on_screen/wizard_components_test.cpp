@@ -7,6 +7,7 @@
 #include "windows/probeOffer.h"
 
 #include <QAccessible>
+#include <QScrollBar>
 #include <QSignalSpy>
 #include <QWheelEvent>
 
@@ -300,6 +301,27 @@ TEST_F(WizardComponentsTest, ANameOfThreeHundredCharactersStaysInItsCell)
     EXPECT_EQ(m_wizard.m_pProbeTable->columnWidth(0), 170);
     EXPECT_EQ(m_wizard.groupBoxProbe->width(), nWidth);
     EXPECT_EQ(row(0)->toolTip().size(), 300);
+}
+
+TEST_F(WizardComponentsTest, OnASmallScreenTheColumnScrollsDownwardAlone)
+{
+    open(m_photo);
+    const QSize usual = m_wizard.size();
+    m_wizard.m_pCherenkovGroupBox->show();
+    m_wizard.resize(470, 512); // beside the panel of the tool on 800 x 600 points
+    QApplication::processEvents();
+    EXPECT_EQ(m_wizard.m_pProbeArea->horizontalScrollBar()->maximum(), 0);
+    EXPECT_GT(m_wizard.m_pProbeArea->verticalScrollBar()->maximum(), 0);
+    for (const QWidget* pWidget : std::initializer_list<QWidget*>{
+             m_wizard.m_pTissueAFCB, m_wizard.m_pFoodAFCB, m_wizard.m_pSubjectCB, m_wizard.m_pPhotoRB,
+             m_wizard.m_pDrawMaskRB, m_wizard.m_pPCABtn, m_wizard.label_2}) {
+        EXPECT_GE(pWidget->width(), pWidget->minimumSizeHint().width()) << qPrintable(pWidget->objectName());
+    }
+    EXPECT_LE(m_wizard.m_pProbeTable->columnWidth(0), m_wizard.m_pProbeTable->viewport()->width());
+    m_wizard.resize(usual);
+    QApplication::processEvents();
+    EXPECT_EQ(m_wizard.m_pProbeTable->columnWidth(0), 170);
+    EXPECT_EQ(m_wizard.m_pTissueAFCB->y(), m_wizard.m_pFoodAFCB->y()) << "side by side again";
 }
 
 TEST_F(WizardComponentsTest, TheSubjectIsSelectedUnlessItIsTheFirst)
