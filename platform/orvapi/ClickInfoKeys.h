@@ -8,6 +8,7 @@
 namespace SequenceFiles {
 constexpr const char* const kSequenceInfo = "SequenceInfo.txt";
 constexpr const char* const kClickInfo = "ClickInfo.txt";
+constexpr const char* const kValidPixels = "valid.tif"; // of an import: 1 where every image has a value, else 0
 constexpr const char* const kAnalyzedClickInfo =
     "AnalyzedClickInfo.txt"; // of an unmixed map: without the camera's section
 } // namespace SequenceFiles

@@ -6,7 +6,11 @@
 #include "host/CORVSequenceDataset.h"
 #include "platform/orvapi/ClickInfoKeys.h"
 #include "platform/orvapi/ClickInfoValues.h"
+#include "platform/orvimage/TiffIo.h"
+#include "services/basis/Failure.h"
 
+#include <QDir>
+#include <QFileInfo>
 #include <QRegularExpression>
 
 #include <algorithm>
@@ -53,6 +57,39 @@ int share(int part, int square, long whole)
     return static_cast<int>(std::max(1LL, static_cast<long long>(whole) * part / square));
 }
 
+// 1 for each pixel of the analysis all of whose stored pixels have a value in every image; empty where all have.
+CILImage validPixelsOf(const CORVSpumKyvo& engine)
+{
+    const CORVSequenceDataset* pSequence = CORVSequenceDataset::getSequenceDataset(engine.m_strSeqId);
+    const QString path =
+        pSequence == nullptr
+            ? QString()
+            : QDir(pSequence->getSequenceInfoPath()).filePath(QLatin1String(SequenceFiles::kValidPixels));
+    CILImage stored;
+    if (path.isEmpty() || !QFileInfo::exists(path) || engine.m_nWidth < 1 || engine.m_nHeight < 1) {
+        return stored;
+    }
+    QString error;
+    if (!readTiff(path, 0, stored, &error)) {
+        throw Failure(error);
+    }
+    CILImage valid;
+    if (valid.InitWithType(ORVTYPE_BYTE, engine.m_nWidth, engine.m_nHeight) != EIL_SUCCESS) {
+        throw std::bad_alloc();
+    }
+    std::memset(valid.bytes(), 1, valid.pixelCount());
+    for (long y = 0; y < stored.m_lHeight; ++y) {
+        for (long x = 0; x < stored.m_lWidth; ++x) {
+            if (stored.value(static_cast<std::size_t>(y * stored.m_lWidth + x)) == 0.0) {
+                const long row = y * engine.m_nHeight / stored.m_lHeight;
+                const long column = x * engine.m_nWidth / stored.m_lWidth;
+                valid.bytes()[row * engine.m_nWidth + column] = 0;
+            }
+        }
+    }
+    return valid;
+}
+
 } // namespace
 
 std::optional<QSize> extentBeforePadding(const CORVDataset& dataset)
@@ -81,7 +118,8 @@ QSize extentOfPicture(const CORVSpumKyvo& engine, long lWidth, long lHeight)
 CILImage withoutPadding(const CILImage& mask, const CORVSpumKyvo& engine)
 {
     const QSize extent = analysedExtent(engine);
-    if (extent == QSize(engine.m_nWidth, engine.m_nHeight)) {
+    const CILImage valid = validPixelsOf(engine);
+    if (extent == QSize(engine.m_nWidth, engine.m_nHeight) && valid.isEmpty()) {
         return mask;
     }
     CILImage inside(mask);
@@ -93,11 +131,15 @@ CILImage withoutPadding(const CILImage& mask, const CORVSpumKyvo& engine)
         std::memset(inside.bytes(), 1, inside.pixelCount());
     }
     // Whole pixels of the analysis, however fine the mask is: of one that hangs over the edge a part was added.
-    const long columns = extent.width() * inside.m_lWidth / engine.m_nWidth;
-    const long rows = extent.height() * inside.m_lHeight / engine.m_nHeight;
     for (long y = 0; y < inside.m_lHeight; ++y) {
-        for (long x = y < rows ? columns : 0; x < inside.m_lWidth; ++x) {
-            inside.setValue(static_cast<std::size_t>(y * inside.m_lWidth + x), 0.0);
+        const long row = y * engine.m_nHeight / inside.m_lHeight;
+        for (long x = 0; x < inside.m_lWidth; ++x) {
+            const long column = x * engine.m_nWidth / inside.m_lWidth;
+            const bool bOutside = row >= extent.height() || column >= extent.width();
+            if (bOutside ||
+                (!valid.isEmpty() && valid.value(static_cast<std::size_t>(row * engine.m_nWidth + column)) == 0.0)) {
+                inside.setValue(static_cast<std::size_t>(y * inside.m_lWidth + x), 0.0);
+            }
         }
     }
     return inside;

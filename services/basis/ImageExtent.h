@@ -23,8 +23,9 @@ QSize analysedExtent(const CORVSpumKyvo& engine);
 // The same share of a picture that shows the whole square, as its photograph does.
 QSize extentOfPicture(const CORVSpumKyvo& engine, long lWidth, long lHeight);
 
-// The mask of any resolution without what was added; an empty mask, which means every pixel, becomes one of the pixels
-// above where something was. Throws std::bad_alloc without memory.
+// The mask of any resolution without what was added and without pixels that have no value in some image, as the file
+// "valid.tif" of the sequence tells; an empty mask, which means every pixel, becomes one where there is any of these.
+// Throws std::bad_alloc without memory, and Failure where that file does not serve.
 CILImage withoutPadding(const CILImage& mask, const CORVSpumKyvo& engine);
 
 // The upper left part of that size, of the same type and binning; the image itself where it is no larger. Throws

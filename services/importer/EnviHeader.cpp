@@ -118,6 +118,31 @@ bool readInterleave(const Entries& entries, EnviHeader::Interleave* pInterleave,
     return true;
 }
 
+// Nanometres a unit of length, as texts of "wavelength units" begin or are; 0 for other units.
+double nanometresOf(const QString& units)
+{
+    struct Unit
+    {
+        const char* start;
+        const char* symbol;
+        double nanometres;
+    };
+    static const Unit known[] = {{"nano", "nm", 1.0},  {"micro", "um", 1e3}, {"milli", "mm", 1e6},
+                                 {"centi", "cm", 1e7}, {"meter", "m", 1e9},  {"angstrom", "a", 0.1}};
+    for (const Unit& unit : known) {
+        if (units.startsWith(QLatin1String(unit.start)) || units == QLatin1String(unit.symbol)) {
+            return unit.nanometres;
+        }
+    }
+    return units.isEmpty() || units == QLatin1String("unknown") ? 1.0 : 0.0;
+}
+
+// Hertz a unit; 0 for other units.
+double hertzOf(const QString& units)
+{
+    return units == QLatin1String("ghz") ? 1e9 : units == QLatin1String("mhz") ? 1e6 : 0.0;
+}
+
 bool readWavelengths(const Entries& entries, EnviHeader& header, QString* pError)
 {
     const int bands = header.bands;
@@ -129,11 +154,9 @@ bool readWavelengths(const Entries& entries, EnviHeader& header, QString* pError
     const bool bWavenumbers = units.startsWith(QLatin1String("wavenumber")) ||
                               units.startsWith(QLatin1String("wave number")) || units == QLatin1String("cm-1") ||
                               units == QLatin1String("1/cm");
-    double nanometres = 1.0;
-    if (units.startsWith(QLatin1String("micro")) || units == QLatin1String("um")) {
-        nanometres = 1000.0;
-    } else if (!units.isEmpty() && !units.startsWith(QLatin1String("nano")) && units != QLatin1String("nm") &&
-               units != QLatin1String("unknown") && !bWavenumbers) {
+    const double nanometres = nanometresOf(units);
+    const double hertz = hertzOf(units);
+    if (!(nanometres > 0.0) && !(hertz > 0.0) && !bWavenumbers) {
         return true; // indices and the like are no wavelengths
     }
     const QStringList texts = found->value.split(QLatin1Char(','));
@@ -148,9 +171,41 @@ bool readWavelengths(const Entries& entries, EnviHeader& header, QString* pError
             return fail(pError, found->line,
                         QStringLiteral("the wavelength \"%1\" is not a number").arg(text.trimmed()));
         }
-        wavelengths.append(value * nanometres);
+        constexpr double lightNanometres = 299792458e9; // in a second
+        wavelengths.append(bWavenumbers                 ? value
+                           : hertz > 0.0 && value > 0.0 ? lightNanometres / (value * hertz)
+                                                        : value * nanometres);
     }
     (bWavenumbers ? header.wavenumbers : header.wavelengths) = wavelengths;
+    return true;
+}
+
+QVector<bool> readBadBands(const Entries& entries, int bands)
+{
+    QVector<bool> bad;
+    const QStringList texts = entries.value(QStringLiteral("bbl")).value.split(QLatin1Char(','), Qt::SkipEmptyParts);
+    for (const QString& text : texts) {
+        bool bNumber = false;
+        const double value = text.trimmed().toDouble(&bNumber);
+        bad.append(bNumber && value == 0.0);
+    }
+    return bad.size() == bands && bad.contains(false) ? bad : QVector<bool>();
+}
+
+bool readIgnoreValue(const Entries& entries, std::optional<double>* pValue, QString* pError)
+{
+    const auto found = entries.constFind(QStringLiteral("data ignore value"));
+    if (found == entries.constEnd() || found->value.isEmpty()) {
+        return true;
+    }
+    bool bNumber = false;
+    const double value = found->value.toLower() == QLatin1String("nan") ? std::numeric_limits<double>::quiet_NaN()
+                                                                        : found->value.toDouble(&bNumber);
+    if (!bNumber && !std::isnan(value)) {
+        return fail(pError, found->line,
+                    QStringLiteral("the data ignore value \"%1\" is not a number").arg(found->value));
+    }
+    *pValue = value;
     return true;
 }
 
@@ -309,7 +364,9 @@ bool EnviHeader::parse(const QByteArray& text, QString* pError)
     read.dataDigest = QByteArray::fromHex(entries.value(QStringLiteral("orvia data sha1")).value.toLatin1());
     read.bandNames = readBandNames(entries, read.bands);
     read.facts = readFacts(entries, read.bands);
-    if (!readWavelengths(entries, read, pError)) {
+    read.badBands = readBadBands(entries, read.bands);
+    read.scale = ImageFacts::positive(entries.value(QStringLiteral("reflectance scale factor")).value).value_or(1.0);
+    if (!readWavelengths(entries, read, pError) || !readIgnoreValue(entries, &read.ignoreValue, pError)) {
         return false;
     }
     *this = read;

@@ -9,6 +9,8 @@
 #include <QStringList>
 #include <QVector>
 
+#include <optional>
+
 // The header of an ENVI cube: a text whose first line is "ENVI", then "key = value" lines, where a value in braces may
 // go over several lines and a line that begins with ";" is a comment.
 struct EnviHeader
@@ -25,14 +27,17 @@ struct EnviHeader
     int bands = 0;
     int dataType = 0; // 1 uint8, 2 int16, 3 int32, 4 float, 5 double, 12 uint16, 13 uint32, 14 int64, 15 uint64
     Interleave interleave = Interleave::Bsq;
-    bool bigEndian = false;      // "byte order" 1
-    qint64 headerOffset = 0;     // bytes ahead of the pixels in the data file
-    QVector<double> wavelengths; // of the bands, in nm; empty without
-    QVector<double> wavenumbers; // of the bands, in 1/cm; empty without
-    QStringList bandNames;       // one each; empty without
-    QVector<ImageFacts> facts;   // of the bands, as an export of this program notes them; empty without
-    QString dataFile;            // as the header has it; usually empty
-    QByteArray dataDigest;       // SHA-1 of the whole data file, as an export of this program notes it; empty without
+    bool bigEndian = false;            // "byte order" 1
+    qint64 headerOffset = 0;           // bytes ahead of the pixels in the data file
+    QVector<double> wavelengths;       // of the bands, in nm; empty without
+    QVector<double> wavenumbers;       // of the bands, in 1/cm; empty without
+    QStringList bandNames;             // one each; empty without
+    QVector<bool> badBands;            // "bbl", true for a bad one; empty without, and where it does not fit the bands
+    std::optional<double> ignoreValue; // "data ignore value" of pixels without a value; may be NaN
+    double scale = 1.0;                // "reflectance scale factor" that stored values are divided by, above 0
+    QVector<ImageFacts> facts;         // of the bands, as an export of this program notes them; empty without
+    QString dataFile;                  // as the header has it; usually empty
+    QByteArray dataDigest; // SHA-1 of the whole data file, as an export of this program notes it; empty without
 
     int bytesPerPixel() const;
     // Of the images: the type itself where there is one, 32 bit integers for int16, doubles for what only they hold.

@@ -366,7 +366,12 @@ bool ImageFinder::addEnvi(const QString& strPath, QString* pError)
         return false;
     }
     const EnviHeader& header = cube.header();
+    QStringList bad;
     for (int band = 0; band < header.bands; ++band) {
+        if (header.badBands.value(band)) {
+            bad.append(QString::number(band + 1));
+            continue;
+        }
         FoundImage image;
         image.file = QFileInfo(strPath).fileName();
         image.name = image.file;
@@ -391,6 +396,10 @@ bool ImageFinder::addEnvi(const QString& strPath, QString* pError)
             image.figures.append({Figure::Frame, static_cast<double>(band), QStringLiteral("band")});
         }
         m_images.append(image);
+    }
+    if (!bad.isEmpty()) {
+        m_warnings.append(QStringLiteral("%1: bands that the header calls bad (bbl) are left out: %2")
+                              .arg(QFileInfo(strPath).fileName(), bad.join(QStringLiteral(", "))));
     }
     return true;
 }

@@ -217,7 +217,8 @@ bool ImageStack::measure(Image& image, long* pWidth, long* pHeight, QString* pRe
         const EnviHeader& header = image.cube->header();
         const auto pixel = static_cast<qint64>(CILImageBase::bytesPerPixel(header.imageType()));
         const qint64 line = static_cast<qint64>(header.width) * header.bytesPerPixel() * header.bands;
-        noteMemory(header.imageType(), pixel * header.width * header.height + line);
+        const bool bScaled = header.scale < 1.0 || header.scale > 1.0;
+        noteMemory(bScaled ? ORVTYPE_DOUBLE : header.imageType(), pixel * header.width * header.height + line);
         return true;
     }
     if (image.csv) {
@@ -288,6 +289,18 @@ std::optional<double> ImageStack::wavelength(int i) const
         return std::nullopt;
     }
     return image.cube->header().wavelengths.at(image.band);
+}
+
+std::optional<double> ImageStack::ignoreValue(int i) const
+{
+    const Image& image = m_images.at(i);
+    return image.cube ? image.cube->header().ignoreValue : std::nullopt;
+}
+
+double ImageStack::scale(int i) const
+{
+    const Image& image = m_images.at(i);
+    return image.cube ? image.cube->header().scale : 1.0;
 }
 
 bool ImageStack::readBand(int i, CILImage& out, QString* pError) const

@@ -43,6 +43,10 @@ public:
     QString name(int i) const { return m_images.at(i).name; }
     // What an ENVI header tells of the band, in nm.
     std::optional<double> wavelength(int i) const;
+    // By which the file of image i marks pixels without a value; nothing where it does not.
+    std::optional<double> ignoreValue(int i) const;
+    // What the values of image i are to be divided by; 1 where nothing is told.
+    double scale(int i) const;
     // Reads image i in its own type. Of one in colours without a band, the plane that has the light where all is of one
     // hue, else the grey values. False with "file: reason" in *pError; `out` is then empty.
     bool readBand(int i, CILImage& out, QString* pError) const;

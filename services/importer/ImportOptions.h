@@ -22,6 +22,7 @@ struct ImportOptions
     QString name;              // name of the sequence; empty: that of the output folder
     // Most memory in bytes that images may take by their headers; it is estimated before a pixel is read.
     qint64 maxMemory = qint64{2} << 30;
-    bool follow = false; // read files that the table or an ENVI header names outside its folder
-    bool force = false;  // replace an output that exists (a sequence without saved results, or an empty folder)
+    bool skipInvalid = false; // leave pixels out that are not finite in an image, in place of refusing the image
+    bool follow = false;      // read files that the table or an ENVI header names outside its folder
+    bool force = false;       // replace an output that exists (a sequence without saved results, or an empty folder)
 };

@@ -18,6 +18,8 @@ struct ImportReport
     bool numbered = false;    // channels without wavelengths of filters
     QString unit;             // of the pixels; empty for counts
     QString photographOrigin; // "mean image", or the name of the photograph's file
+    long long invalid = 0;    // pixels that have no value in some image and are left out
+    bool scaled = false;      // values were divided by a factor that the file tells
     bool dark = false;        // corrections that were made
     bool flat = false;
     QStringList clickNumbers; // in the order of the table

@@ -6,11 +6,13 @@
 #include "platform/orvapi/ChannelInfo.h"
 #include "platform/orvapi/ClickInfoKeys.h"
 #include "platform/orvapi/SequenceWriter.h"
+#include "platform/orvimage/TiffIo.h"
 #include "services/importer/ImageCorrection.h"
 #include "services/importer/ImageKeys.h"
 #include "services/importer/ImageStack.h"
 #include "services/importer/ImagesTable.h"
 #include "services/importer/ImportMemory.h"
+#include "services/importer/InvalidPixels.h"
 #include "services/importer/Photograph.h"
 #include "storage/savedResultsAtStake.h"
 
@@ -46,6 +48,22 @@ QString folderBeside(const QString& output)
     return QFileInfo(QDir::cleanPath(QFileInfo(output).absoluteFilePath())).path();
 }
 
+// Integers become floats, 32 bit ones doubles. False without memory.
+bool divide(CILImage& image, double scale)
+{
+    if (!(scale < 1.0 || scale > 1.0)) {
+        return true;
+    }
+    const bool wide = image.dataType() == ORVTYPE_INT || image.dataType() == ORVTYPE_DOUBLE;
+    if (image.ChangeType(wide ? ORVTYPE_DOUBLE : ORVTYPE_FLOAT) != EIL_SUCCESS) {
+        return false;
+    }
+    for (std::size_t i = 0; i < image.pixelCount(); ++i) {
+        image.setValue(i, image.value(i) / scale);
+    }
+    return true;
+}
+
 // One import from the table to the finished folder.
 class Import
 {
@@ -72,6 +90,7 @@ private:
     bool readCorrections(QString* pError);
     bool readImage(int i, CILImage& image, QString* pError);
     bool keepTable(QString* pError);
+    bool keepValidPixels(QString* pError);
     bool checkImages(QString* pError);
     bool makePhotograph(QString* pError);
     bool write(QString* pError);
@@ -89,6 +108,7 @@ private:
     ImageStack m_stack;
     ImageKeys m_keys;
     ImageCorrection m_correction;
+    InvalidPixels m_invalid;
     SequenceWriter m_writer;
     MeanImage m_mean;
     CILImage m_photo; // padded
@@ -176,6 +196,9 @@ bool Import::readTable(QString* pError)
     m_report.fluorescence = m_keys.fluorescence;
     m_report.transillumination = m_keys.transillumination;
     m_report.numbered = m_keys.numbered;
+    for (int i = 0; i < m_stack.count(); ++i) {
+        m_report.scaled = m_report.scaled || m_stack.scale(i) < 1.0 || m_stack.scale(i) > 1.0;
+    }
     m_report.unit = m_table.rows().first().facts.unit;
     m_report.warnings = m_table.warnings() + m_stack.warnings();
     return true;
@@ -228,7 +251,8 @@ bool Import::readImage(int i, CILImage& image, QString* pError)
         *pError = QStringLiteral("%1: the file has changed while it was read").arg(m_stack.name(i));
         return false;
     }
-    if (!m_correction.apply(image)) {
+    m_invalid.take(image, m_stack.ignoreValue(i), m_options.skipInvalid);
+    if (!divide(image, m_stack.scale(i)) || !m_correction.apply(image)) {
         *pError = QStringLiteral("%1: there is no memory for the image").arg(m_stack.name(i));
         return false;
     }
@@ -267,6 +291,12 @@ bool Import::checkImages(QString* pError)
         }
     }
     m_report.warnings += m_stack.colourWarnings();
+    m_report.invalid = m_invalid.count();
+    if (m_report.invalid > 0) {
+        m_report.warnings.append(QStringLiteral("%1 of %2 pixels have no value in some image and are left out")
+                                     .arg(m_report.invalid)
+                                     .arg(static_cast<long long>(m_stack.width()) * m_stack.height()));
+    }
     return true;
 }
 
@@ -322,7 +352,7 @@ bool Import::write(QString* pError)
         }
         m_report.clickNumbers.append(clickNumber(i));
     }
-    return keepTable(pError) && spareResults(pError) && m_writer.finish(pError);
+    return keepTable(pError) && keepValidPixels(pError) && spareResults(pError) && m_writer.finish(pError);
 }
 
 // An inferred table goes along, to be edited and given by hand the next time.
@@ -337,6 +367,21 @@ bool Import::keepTable(QString* pError)
         return false;
     }
     return true;
+}
+
+// Where every image has a value; nothing is written where all pixels do.
+bool Import::keepValidPixels(QString* pError)
+{
+    if (m_invalid.count() == 0) {
+        return true;
+    }
+    CILImage valid;
+    const QString path = m_writer.extraFile(QString::fromLatin1(SequenceFiles::kValidPixels));
+    if (!m_invalid.validSquare(valid)) {
+        *pError = QStringLiteral("%1: there is no memory for the valid pixels").arg(m_options.source);
+        return false;
+    }
+    return writeTiff(path, valid, TiffWriteOptions(), pError);
 }
 
 SequenceDescription Import::describeSequence() const

@@ -76,12 +76,17 @@ Request requestOf(const QCommandLineParser& parser)
     options.name = value("name");
     options.force = given("force");
     options.follow = given("follow");
+<<<<<<< HEAD
     const auto take = [&](const char* pName, const std::function<void()>& set) {
         if (given(pName)) {
             errors.collect(set);
         }
     };
     take("max-memory", [&] {
+=======
+    options.skipInvalid = given("skip-invalid");
+    if (given("max-memory")) {
+>>>>>>> f9a9ec6 (Leave out what a cube calls bad, and take its scale and units)
         constexpr double gibibyte = 1 << 30;
         constexpr double most = 1 << 30; // beyond every machine, within the number's range
         options.maxMemory =
@@ -140,6 +145,7 @@ QString textAnswer(const ImportReport& report, const QString& strFolder)
     text += report.transillumination ? QStringLiteral(", a scan of spots") : QString();
     text += report.numbered ? QStringLiteral(", numbered channels") : QString();
     text += report.unit.isEmpty() ? QString() : QStringLiteral(", in ") + report.unit.toLower();
+    text += report.scaled ? QStringLiteral(", divided by the scale factor of the header") : QString();
     text += report.dark ? QStringLiteral(", dark image subtracted") : QString();
     text += report.flat ? QStringLiteral(", flat field divided") : QString();
     return text + QStringLiteral("\nphotograph: %1\nsequence in %2\n")
@@ -159,6 +165,8 @@ QJsonObject jsonAnswer(const ImportReport& report, const QString& strFolder)
                        {"transillumination", report.transillumination},
                        {"numbered", report.numbered},
                        {"unit", report.unit.isEmpty() ? QStringLiteral("Counts") : report.unit},
+                       {"invalidPixels", static_cast<qint64>(report.invalid)},
+                       {"scaled", report.scaled},
                        {"dark", report.dark},
                        {"flat", report.flat},
                        {"photograph", report.photographOrigin},
@@ -201,6 +209,8 @@ void ImportCommand::declare(CommandParser& parser) const
     addValueOption(parser, "write-table", QStringLiteral("Write the inferred table to a file, to be edited, and stop."),
                    "FILE");
     addValueOption(parser, "interval", QStringLiteral("Seconds between frames that are only numbered."), "S");
+    parser.addOption({QStringLiteral("skip-invalid"),
+                      QStringLiteral("Leave pixels out that are not finite in an image, in place of refusing it.")});
     parser.addOption({QStringLiteral("channels"),
                       QStringLiteral("Number the images as channels, whatever is told of wavelengths and times.")});
     addValueOption(parser, "dark", QStringLiteral("Image to subtract from every image."), "FILE");

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 namespace {
 
 const QByteArray minimal = "ENVI\nsamples = 4\nlines = 3\nbands = 2\ndata type = 12\ninterleave = bsq\n";
@@ -172,4 +174,35 @@ TEST(EnviHeaderTest, ReadsWhatAnExportNotes)
     EXPECT_TRUE(parsed(minimal).facts.isEmpty());
     EXPECT_TRUE(parsed(with("orvia exposure seconds = {1, 2, 3}")).facts.isEmpty());
     EXPECT_TRUE(parsed(with("orvia unit = lux")).facts.isEmpty());
+}
+
+TEST(EnviHeaderTest, TellsBadBandsTheIgnoredValueAndTheScale)
+{
+    const QByteArray start = "ENVI\nsamples = 2\nlines = 2\nbands = 3\ndata type = 2\ninterleave = bsq\n";
+    const auto read = [&start](const QByteArray& lines) {
+        EnviHeader header;
+        QString error;
+        EXPECT_TRUE(header.parse(start + lines, &error)) << qPrintable(error);
+        return header;
+    };
+    EXPECT_EQ(read("bbl = {1, 0, 1.0}\n").badBands, (QVector<bool>{false, true, false}));
+    EXPECT_TRUE(read("bbl = {1, 0}\n").badBands.isEmpty());
+    EXPECT_TRUE(read("bbl = {0, 0, 0}\n").badBands.isEmpty()) << "nothing would be left";
+    EXPECT_EQ(read("data ignore value = -9999.0\n").ignoreValue, -9999.0);
+    EXPECT_TRUE(std::isnan(*read("data ignore value = NaN\n").ignoreValue));
+    EXPECT_FALSE(read("").ignoreValue.has_value());
+    EXPECT_EQ(read("reflectance scale factor = 10000\n").scale, 10000.0);
+    EXPECT_EQ(read("reflectance scale factor = 0\n").scale, 1.0);
+    EnviHeader header;
+    QString error;
+    EXPECT_FALSE(header.parse(start + "data ignore value = none\n", &error));
+    EXPECT_EQ(error, "line 7: the data ignore value \"none\" is not a number");
+    const auto wavelengths = [&read](const char* units) {
+        return read("wavelength = {1, 2, 4}\nwavelength units = " + QByteArray(units) + "\n").wavelengths;
+    };
+    EXPECT_EQ(wavelengths("Micrometers"), (QVector<double>{1000, 2000, 4000}));
+    EXPECT_EQ(wavelengths("Angstroms"), (QVector<double>{0.1, 0.2, 0.4}));
+    EXPECT_EQ(wavelengths("Millimeters"), (QVector<double>{1e6, 2e6, 4e6}));
+    EXPECT_EQ(wavelengths("GHz"), (QVector<double>{299792458.0, 149896229.0, 74948114.5}));
+    EXPECT_TRUE(wavelengths("Index").isEmpty());
 }

@@ -7,6 +7,8 @@
 #include <QDir>
 #include <QImage>
 
+#include <limits>
+
 namespace {
 
 using ImportProgramTest = ProgramFixture;
@@ -472,4 +474,44 @@ TEST_F(ImportProgramTest, ResultsHaveTheShapeOfTheImagesAndCountNoPadding)
         succeed({"unmix", "seq", "--ncomponents", "2", "--binning", "2", "--out", "coarse", "--json"}).json();
     EXPECT_EQ(coarse["height"], 3);
     EXPECT_EQ(coarse["pixels"], 18);
+}
+
+TEST_F(ImportProgramTest, PixelsAndBandsThatACubeCallsBadAreLeftOutAndItsScaleIsTaken)
+{
+    QByteArray pixels;
+    for (int band = 0; band < 4; ++band) {
+        for (int i = 0; i < 64; ++i) {
+            const int value = i == 9 && band == 1 ? -9999 : 100 * (1 + i % 8 * band + i / 8 * (3 - band));
+            pixels.append(static_cast<char>(value & 0xff)).append(static_cast<char>(value >> 8 & 0xff));
+        }
+    }
+    write("cube.img", pixels);
+    write("cube.hdr", "ENVI\nsamples = 8\nlines = 8\nbands = 4\ndata type = 2\ninterleave = bsq\n"
+                      "wavelength units = Micrometers\nwavelength = {1.1, 1.2, 1.3, 1.4}\nbbl = {1, 1, 0, 1}\n"
+                      "data ignore value = -9999\nreflectance scale factor = 100\n");
+    const ProgramResult run = spum({"import", "cube.hdr", "seq"});
+    EXPECT_TRUE(run.errText().contains("cube.hdr: bands that the header calls bad (bbl) are left out: 3\n"))
+        << qPrintable(run.errText());
+    EXPECT_TRUE(run.errText().contains("1 of 64 pixels have no value in some image and are left out\n"))
+        << qPrintable(run.errText());
+    EXPECT_TRUE(run.out.contains("divided by the scale factor")) << run.out.constData();
+    const QJsonObject json = succeed({"unmix", "seq", "--ncomponents", "2", "--out", "maps", "--json"}).json();
+    EXPECT_EQ(json["pixels"], 63);
+    EXPECT_EQ(QImage(path("maps/mask.png")).pixelColor(1, 1), QColor(Qt::black));
+    EXPECT_EQ(
+        succeed({"unmix", "seq", "--ncomponents", "2", "--binning", "2", "--out", "two", "--json"}).json()["pixels"],
+        15);
+    EXPECT_EQ(succeed({"pca", "seq", "--json"}).json()["pixels"], 63);
+    succeed({"export", "seq", "--format", "csv", "--out", "cube.csv"});
+    EXPECT_TRUE(contentOf(path("cube.csv")).contains("\n7,7,22,22,22\n")) << contentOf(path("cube.csv")).constData();
+}
+
+TEST_F(ImportProgramTest, PixelsThatAreNotFiniteAreLeftOutWhenAsked)
+{
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    writeTiffFile("stack/a.tif", imageOf(6, 6, [&](int i) { return i == 7 ? nan : dyeA(i); }));
+    writeTiffFile("stack/b.tif", imageOf(6, 6, [](int i) { return dyeB(i); }));
+    EXPECT_TRUE(spum({"import", "stack", "seq"}).errText().contains("is not finite or too large"));
+    EXPECT_EQ(spum({"import", "stack", "seq", "--skip-invalid", "--json"}).json()["invalidPixels"], 1);
+    EXPECT_EQ(succeed({"unmix", "seq", "--ncomponents", "2", "--out", "maps", "--json"}).json()["pixels"], 35);
 }

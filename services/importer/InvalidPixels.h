@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "host/CILImage.h"
+
+#include <optional>
+#include <vector>
+
+// The pixels of a stack that have no value in some image: those that hold the value by which a file marks them, and,
+// where that is wanted, those that are not finite. They are left out of every analysis.
+class InvalidPixels
+{
+public:
+    // Marks the image's own and sets them to 0, as well as those that were marked before. All images have one size.
+    // `ignore` may be NaN; with `bNotFinite` pixels that are no finite numbers of single precision count too.
+    void take(CILImage& image, std::optional<double> ignore, bool bNotFinite);
+
+    long long count() const;
+    // 1 where every image has a value, as a square with zeros behind the images; of type byte. False without memory.
+    bool validSquare(CILImage& out) const;
+
+private:
+    std::vector<bool> m_invalid; // empty while there are none
+    long m_lWidth = 0;
+    long m_lHeight = 0;
+};
