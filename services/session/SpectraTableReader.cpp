@@ -2,11 +2,11 @@
 #include "services/session/SpectraTableReader.h"
 
 #include "services/importer/CsvLine.h"
+#include "services/session/spectraTableFields.h"
 
 #include <QFileInfo>
 #include <QRegularExpression>
 #include <QSet>
-#include <QTextCodec>
 
 #include <algorithm>
 #include <cmath>
@@ -25,100 +25,6 @@ constexpr double nanometresPerMicrometre = 1000.0;
 constexpr double percent = 0.01;
 constexpr int shownCharacters = 40;
 
-const QString nanometres = QStringLiteral("nm");
-const QString micrometres = QStringLiteral("um");
-const QString otherUnit = QStringLiteral("?");
-
-// UTF-16 with its mark, UTF-8, or what the spreadsheet programs of the West write besides.
-QString decoded(const QByteArray& bytes)
-{
-    QTextCodec* pMarked = QTextCodec::codecForUtfText(bytes, nullptr);
-    QTextCodec* pCodec = pMarked != nullptr ? pMarked : QTextCodec::codecForName("UTF-8");
-    QTextCodec::ConverterState state;
-    QString text = pCodec->toUnicode(bytes.constData(), bytes.size(), &state);
-    if (pMarked == nullptr && (state.invalidChars > 0 || state.remainingChars > 0)) {
-        text = QString::fromLatin1(bytes);
-    }
-    if (text.startsWith(QChar(QChar::ByteOrderMark))) {
-        text.remove(0, 1);
-    }
-    return text.replace(QLatin1String("\r\n"), QLatin1String("\n")).replace(QLatin1Char('\r'), QLatin1Char('\n'));
-}
-
-// "sep=;" is how a spreadsheet program is told the separator.
-QChar toldSeparator(const QString& strLine)
-{
-    static const QRegularExpression told(QStringLiteral("^\\s*\"?sep=(.)\"?\\s*$"),
-                                         QRegularExpression::CaseInsensitiveOption);
-    const auto match = told.match(strLine);
-    return match.hasMatch() ? match.captured(1).at(0) : QChar();
-}
-
-bool isEmpty(const QStringList& fields)
-{
-    return std::all_of(fields.begin(), fields.end(), [](const QString& field) { return field.isEmpty(); });
-}
-
-bool isNumber(QString text)
-{
-    bool good = false;
-    text.replace(QLatin1Char(','), QLatin1Char('.')).toDouble(&good);
-    return good;
-}
-
-// The unit that a field names; empty for none, otherUnit for one that no wavelength is taken in.
-QString unitIn(const QString& strField)
-{
-    static const QRegularExpression nm(QStringLiteral("(?<![a-z])nm(?![a-z])|nanomet"));
-    static const QRegularExpression um(QString::fromUtf8("(?<![a-z])[u\xC2\xB5\xCE\xBC]m(?![a-z])|micromet|micron"));
-    static const QRegularExpression other(
-        QString::fromUtf8("cm\\s*\\^?-1|1/cm|cm\xE2\x81\xBB|wavenumber|\xC3\xA5|angstr|(?<![a-z])ev(?![a-z])|"
-                          "(?<![a-z])thz"));
-    const QString text = strField.toLower();
-    if (other.match(text).hasMatch()) {
-        return otherUnit;
-    }
-    return nm.match(text).hasMatch() ? nanometres : um.match(text).hasMatch() ? micrometres : QString();
-}
-
-// A field without the unit at its end: "640 nm", "0.64um".
-QString withoutUnit(const QString& strField)
-{
-    static const QRegularExpression unit(QString::fromUtf8("\\s*(nm|[u\xC2\xB5\xCE\xBC]m)\\s*$"),
-                                         QRegularExpression::CaseInsensitiveOption);
-    return QString(strField).remove(unit);
-}
-
-// What a field says that the column below it, or the line behind it, holds; units and punctuation do not count.
-SpectraTable::Axis axisIn(const QString& strField, bool* pWavelengths)
-{
-    static const QRegularExpression aside(QString::fromUtf8("\\(.*\\)|\\[.*\\]|[^a-z\xCE\xBB]"));
-    static const QRegularExpression unit(QStringLiteral("(nm|um)$"));
-    const QString word = strField.toLower().remove(aside).remove(unit);
-    const QString bare = QString(word).remove(QLatin1String("wavelengths")).remove(QLatin1String("wavelength"));
-    const bool excitation = bare == QLatin1String("excitation") || bare == QLatin1String("ex");
-    const bool emission = bare == QLatin1String("emission") || bare == QLatin1String("em");
-    *pWavelengths = excitation || emission || bare.isEmpty() || word == QLatin1String("lambda") ||
-                    word == QLatin1String("wl") || word == QString::fromUtf8("\xCE\xBB");
-    return excitation ? SpectraTable::Axis::Excitation
-                      : (emission ? SpectraTable::Axis::Emission : SpectraTable::Axis::Unsaid);
-}
-
-bool isAxis(const QString& strField, SpectraTable::Axis eAxis)
-{
-    bool wavelengths = false;
-    return axisIn(strField, &wavelengths) == eAxis;
-}
-
-// A name as a library can have it, and whether it told that its values are in percent.
-QString nameIn(const QString& strField, bool* pPercent)
-{
-    static const QRegularExpression inPercent(QStringLiteral("\\s*[\\[(]\\s*%\\s*[\\])]\\s*$|\\s*%\\s*$"));
-    QString name = strField;
-    *pPercent = inPercent.match(name).hasMatch();
-    return name.remove(inPercent).replace(QLatin1Char(','), QLatin1Char(';')).simplified();
-}
-
 bool areWithin(const QVector<double>& values, double dFirst, double dLast)
 {
     return !values.isEmpty() &&
@@ -127,7 +33,7 @@ bool areWithin(const QVector<double>& values, double dFirst, double dLast)
 
 bool areWavelengths(const QVector<double>& values, const QString& strUnit)
 {
-    return strUnit == nanometres || strUnit == micrometres
+    return strUnit == wavelengthsInNm || strUnit == wavelengthsInUm
                ? areWithin(values, smallestMicrometres, largestNanometres)
                : areWithin(values, smallestMicrometres, largestMicrometres) ||
                      areWithin(values, smallestNanometres, largestNanometres);
@@ -173,7 +79,7 @@ bool SpectraTableReader::read(const QByteArray& bytes)
 
 bool SpectraTableReader::collectLines(const QByteArray& bytes)
 {
-    const QString text = decoded(bytes);
+    const QString text = decodedTable(bytes);
     if (text.contains(QChar(QChar::Null))) {
         return fail(0, QStringLiteral("a zero byte, this is no text"));
     }
@@ -187,7 +93,7 @@ bool SpectraTableReader::collectLines(const QByteArray& bytes)
         if (trimmed.isEmpty() || trimmed.startsWith(QLatin1Char('#'))) {
             continue;
         }
-        const QChar told = m_lines.isEmpty() ? toldSeparator(line) : QChar();
+        const QChar told = m_lines.isEmpty() ? separatorTold(line) : QChar();
         if (told.isNull()) {
             m_lines.append({number, line});
         } else {
@@ -241,9 +147,9 @@ bool SpectraTableReader::readHeader()
         return fail(m_nHeaderLine, QStringLiteral("more than %1 fields").arg(SpectraTable::maxLines));
     }
     m_bHeader = !std::all_of(m_header.begin(), m_header.end(),
-                             [](const QString& field) { return isNumber(withoutUnit(field)); });
-    m_table.m_bPairs = m_header.size() > 2 && isAxis(m_header[0], SpectraTable::Axis::Excitation) &&
-                       isAxis(m_header[1], SpectraTable::Axis::Emission);
+                             [](const QString& field) { return isDecimal(withoutWavelengthUnit(field)); });
+    m_table.m_bPairs = m_header.size() > 2 && isTableAxis(m_header[0], SpectraTable::Axis::Excitation) &&
+                       isTableAxis(m_header[1], SpectraTable::Axis::Emission);
     return true;
 }
 
@@ -286,7 +192,7 @@ bool SpectraTableReader::wavelengths(const QStringList& fields, QVector<double>*
     pValues->clear();
     for (const QString& field : fields) {
         double value = notThere;
-        if (!number(withoutUnit(field), &value, nLine)) {
+        if (!number(withoutWavelengthUnit(field), &value, nLine)) {
             return false;
         }
         pValues->append(value);
@@ -300,7 +206,7 @@ bool SpectraTableReader::readRecord(const Line& line)
     if (!split(line, &fields)) {
         return false;
     }
-    if (isEmpty(fields)) {
+    if (areEmpty(fields)) {
         return true;
     }
     while (fields.size() > m_header.size() && fields.last().isEmpty()) {
@@ -313,7 +219,7 @@ bool SpectraTableReader::readRecord(const Line& line)
     Record record;
     record.number = line.number;
     record.first = fields.first();
-    if (m_table.m_bPairs && !isNumber(withoutUnit(fields.at(1)))) {
+    if (m_table.m_bPairs && !isDecimal(withoutWavelengthUnit(fields.at(1)))) {
         fields[1].clear(); // "Open": there is no filter
     }
     if (!wavelengths(fields.mid(1), &record.values, line.number)) {
@@ -349,22 +255,22 @@ bool SpectraTableReader::arrange()
     }
     const auto read = [this](const QStringList& texts, QVector<double>& values) {
         return std::all_of(texts.begin(), texts.end(),
-                           [](const QString& text) { return isNumber(withoutUnit(text)); }) &&
+                           [](const QString& text) { return isDecimal(withoutWavelengthUnit(text)); }) &&
                wavelengths(texts, &values, m_nHeaderLine);
     };
     QVector<double> left;
     QVector<double> top;
-    const QString unit = m_bHeader ? unitIn(m_header[0]) : QString();
+    const QString unit = m_bHeader ? wavelengthUnitIn(m_header[0]) : QString();
     if (unit == otherUnit) {
         return fail(m_nHeaderLine,
                     QStringLiteral("\"%1\": wavelengths are taken in nm or um").arg(m_header[0].left(shownCharacters)));
     }
-    const QString leftUnit = unit.isEmpty() ? unitIn(column.first()) : unit;
-    const QString topUnit = unit.isEmpty() ? unitIn(m_header[1]) : unit;
+    const QString leftUnit = unit.isEmpty() ? wavelengthUnitIn(column.first()) : unit;
+    const QString topUnit = unit.isEmpty() ? wavelengthUnitIn(m_header[1]) : unit;
     const bool columns = read(column, left);
     const bool rows = m_bHeader && read(m_header.mid(1), top);
     bool named = false;
-    const SpectraTable::Axis axis = axisIn(m_bHeader ? m_header[0] : QString(), &named);
+    const SpectraTable::Axis axis = tableAxisIn(m_bHeader ? m_header[0] : QString(), &named);
     m_table.m_eAxis = axis;
     const bool fits = columns && areWavelengths(left, leftUnit);
     if (rows && areWavelengths(top, topUnit) && (!fits || !named)) {
@@ -381,8 +287,8 @@ bool SpectraTableReader::toNanometres(QVector<double>& wavelengths, const QStrin
     const auto [smallest, largest] = std::minmax_element(wavelengths.begin(), wavelengths.end());
     QString unit = strUnit;
     if (unit.isEmpty()) {
-        unit = areWithin(wavelengths, smallestNanometres, largestNanometres)     ? nanometres
-               : areWithin(wavelengths, smallestMicrometres, largestMicrometres) ? micrometres
+        unit = areWithin(wavelengths, smallestNanometres, largestNanometres)     ? wavelengthsInNm
+               : areWithin(wavelengths, smallestMicrometres, largestMicrometres) ? wavelengthsInUm
                                                                                  : QString();
     }
     if (unit.isEmpty()) {
@@ -392,7 +298,7 @@ bool SpectraTableReader::toNanometres(QVector<double>& wavelengths, const QStrin
                         .arg(*smallest)
                         .arg(*largest));
     }
-    if (unit == micrometres) {
+    if (unit == wavelengthsInUm) {
         constexpr double digits = 1e6; // of a nanometre: 0.64 um are 640 nm
         for (double& wavelength : wavelengths) {
             wavelength = std::round(wavelength * nanometresPerMicrometre * digits) / digits;
@@ -458,8 +364,8 @@ bool SpectraTableReader::takePairs()
     QVector<QVector<double>> values(m_header.size() - 2);
     for (const Record& record : qAsConst(m_records)) {
         double excitation = notThere;
-        const QString text = withoutUnit(record.first);
-        if (isNumber(text) && !number(text, &excitation, record.number)) {
+        const QString text = withoutWavelengthUnit(record.first);
+        if (isDecimal(text) && !number(text, &excitation, record.number)) {
             return false;
         }
         if (std::isnan(excitation) && std::isnan(record.values.first())) {
@@ -471,7 +377,8 @@ bool SpectraTableReader::takePairs()
             values[k].append(record.values.at(k + 1));
         }
     }
-    if (!someToNanometres(emissions, unitIn(m_header[1])) || !someToNanometres(excitations, unitIn(m_header[0]))) {
+    if (!someToNanometres(emissions, wavelengthUnitIn(m_header[1])) ||
+        !someToNanometres(excitations, wavelengthUnitIn(m_header[0]))) {
         return false;
     }
     for (int i = 0; i < m_records.size(); ++i) {
@@ -489,7 +396,7 @@ bool SpectraTableReader::takeSpectra(const QStringList& names, QVector<QVector<d
     QSet<QString> seen;
     for (int k = 0; k < names.size(); ++k) {
         bool inPercent = false;
-        const QString name = nameIn(names.at(k), &inPercent);
+        const QString name = spectrumNameIn(names.at(k), &inPercent);
         const bool none = std::none_of(values[k].begin(), values[k].end(), [](double v) { return std::isfinite(v); });
         if (name.isEmpty() && none) {
             continue; // a spreadsheet's empty column or line
