@@ -428,3 +428,29 @@ TEST_F(LibraryProgramTest, NumberedChannelsLieAtTheWavelengthsThatWereTold)
         refusal({"library", "template", "nameless", "--out", "no.csv"}).contains("is not known, so that no table"));
     EXPECT_TRUE(refusal({"unmix", "nameless", "--library", "t.csv"}).contains("\"A\" has no value for"));
 }
+
+// Whatever made a library, its file is of the form that the window lists and opens.
+TEST_F(LibraryProgramTest, EveryWayToALibraryWritesTheFormOfTheWindow)
+{
+    smallSequence().writeTo(path("seq"));
+    write("t.csv", "nm;A;\"B, dry\"\n700;0,5;1\n740;1;0\n");
+    const QString file =
+        succeed({"library", "import", "t.csv", "t", "--sequence", "seq", "--json"}).json()["path"].toString();
+    const QList<QByteArray> lines = contentOf(file).split('\n');
+    ASSERT_EQ(lines.size(), 10);
+    EXPECT_EQ(lines[0], "$,Note,");
+    EXPECT_EQ(lines[1], "$,NumSpec,2");
+    EXPECT_EQ(lines[2], "$,Color,lime,red");
+    EXPECT_EQ(lines[3], "$,Origin,t.csv,t.csv");
+    EXPECT_EQ(lines[4], "$,Select,1,1");
+    EXPECT_EQ(lines[5], "Excitation,Emission,A,B; dry");
+    EXPECT_EQ(lines[6].count(','), 3);
+    EXPECT_TRUE(lines[6].startsWith("640,7"));
+    succeed({"library", "append", "t", "--sequence", "seq", "--region", "left=0,0,1,4"});
+    succeed({"library", "rename", "t", "--spectrum", "A=C"});
+    succeed({"library", "save", "u", "--from", library()});
+    succeed({"library", "merge", "all", "t", "u"});
+    const QByteArray merged = contentOf(QString(file).replace("t.csv", "all.csv"));
+    EXPECT_TRUE(merged.contains("\n$,NumSpec,5\n") && merged.contains("\nExcitation,Emission,C,B; dry,left,Dye "))
+        << merged.constData();
+}
