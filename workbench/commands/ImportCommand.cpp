@@ -76,17 +76,13 @@ Request requestOf(const QCommandLineParser& parser)
     options.name = value("name");
     options.force = given("force");
     options.follow = given("follow");
-<<<<<<< HEAD
+    options.skipInvalid = given("skip-invalid");
     const auto take = [&](const char* pName, const std::function<void()>& set) {
         if (given(pName)) {
             errors.collect(set);
         }
     };
     take("max-memory", [&] {
-=======
-    options.skipInvalid = given("skip-invalid");
-    if (given("max-memory")) {
->>>>>>> f9a9ec6 (Leave out what a cube calls bad, and take its scale and units)
         constexpr double gibibyte = 1 << 30;
         constexpr double most = 1 << 30; // beyond every machine, within the number's range
         options.maxMemory =
