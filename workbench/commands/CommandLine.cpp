@@ -416,7 +416,8 @@ int CommandLine::run(int argc, char** argv)
     // Never deleted: with its end Qt reads what the system knows of fonts, if no picture has needed that yet, only to
     // forget it. It refers to the number of arguments as long as it lives.
     static int s_nArguments = argc;
-    new QApplication(s_nArguments, argv);
+    static const QApplication* const s_pApplication = new QApplication(s_nArguments, argv);
+    static_cast<void>(s_pApplication);
     std::setlocale(LC_NUMERIC, "C");
     if (!poolHasItsThread()) {
         complain(QStringLiteral("the system gives this program no thread: too many processes, or too little memory"));
