@@ -20,6 +20,8 @@ LICENCE = "SPDX-License-Identifier: GPL-3.0-or-later"
 SOURCE_GRID = range(400, 1001)  # nm
 TISSUE_GRID = range(450, 1001)  # nm, the span of figures/absorbers.csv
 
+COLOR_STEPS = 256  # of a colour table
+
 # A tail below this part of the maximum is written as 0: the Gaussian sums fit the published curves to about 1e-2, so nothing
 # smaller than this means light.
 SMALLEST = 1e-6
@@ -192,6 +194,21 @@ def color_table():
     return table("Colour responses of sensors.", ["sensor", "wavelength_nm", "red", "green", "blue"], rows)
 
 
+def color_map_table():
+    """The colours of each table, 8 bits a channel, as #rrggbb: a column a table, a row a step from the lower end."""
+    maps = {}
+    for place, row in read_rows("color_maps.csv"):
+        channels = [float(row[key]) for key in ("red", "green", "blue")]
+        colors = maps.setdefault(row["table"], [])
+        if int(row["index"]) != len(colors) or not all(0 <= channel <= 1 for channel in channels):
+            raise FigureError(f"{place}: not the next colour of its table")
+        colors.append("#" + "".join(f"{math.floor(255 * channel + 0.5):02x}" for channel in channels))
+    if any(len(colors) != COLOR_STEPS for colors in maps.values()):
+        raise FigureError(f"color_maps.csv: a table has not {COLOR_STEPS} colours")
+    rows = [[str(i)] + [colors[i] for colors in maps.values()] for i in range(COLOR_STEPS)]
+    return table("Colour tables for maps.", ["index"] + list(maps), rows)
+
+
 def probe_table(kinds, isotopes):
     rows = []
     for kind, probes in kinds.items():
@@ -218,6 +235,7 @@ def make_tables():
         "isotopes.csv": table("Half lives of isotopes.", isotope_header, [[r[k] for k in isotope_header] for r in isotopes]),
         "tissues.csv": tissue_table(),
         "color_responses.csv": color_table(),
+        "color_maps.csv": color_map_table(),
         "probes.csv": probe_table(kinds, isotopes),
     }
 

@@ -6,6 +6,7 @@
 #include <QFontMetrics>
 #include <QGuiApplication>
 #include <QPainter>
+#include <QPolygonF>
 
 #include <algorithm>
 #include <cmath>
@@ -68,29 +69,58 @@ Scale makeScale(double minimum, double maximum, int most, const QFontMetrics* me
     return scale;
 }
 
-class BarPainter
+constexpr int kPaddingParts = 3; // of a line's height, between ticks and their texts
+
+int barThickness(int em)
+{
+    return em * 5 / 4;
+}
+
+int tickLength(int em)
+{
+    return em * 2 / 5;
+}
+
+// Of the triangle beyond an end.
+int tipLength(int em)
+{
+    return em * 4 / 5;
+}
+
+QRgb endColor(const CILPalette& palette, bool upper)
+{
+    CILPalette even = palette;
+    even.setLogScale(0);
+    return even.colorAt(upper ? 1.0 : 0.0);
+}
+
+void drawTip(QPainter& painter, const QPolygonF& triangle, QRgb color)
+{
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setBrush(QColor(color));
+    painter.drawPolygon(triangle);
+    painter.restore();
+}
+
+class HorizontalColorBar
 {
 public:
-    BarPainter(const CILPalette& palette, double minimum, double maximum, int length, const ColorBarOptions& options)
+    HorizontalColorBar(const CILPalette& palette, double minimum, double maximum, int length,
+                       const ColorBarOptions& options)
         : m_palette(palette), m_minimum(minimum), m_maximum(maximum), m_length(std::max(2, length)), m_options(options),
           m_font(textFont(options.fontPixels)), m_em(std::max(6, options.fontPixels))
     {
     }
 
-    QImage vertical() const;
-    QImage horizontal() const;
+    QImage picture() const;
 
 private:
     int place(double value) const
     {
         return static_cast<int>(std::lround(colorBarPosition(m_palette, value, m_minimum, m_maximum) * (m_length - 1)));
     }
-    QImage page(int width, int height) const
-    {
-        QImage image(width, height, QImage::Format_ARGB32);
-        image.fill(m_options.background);
-        return image;
-    }
+    void drawTips(QPainter& painter, int left) const;
 
     const CILPalette& m_palette;
     const double m_minimum, m_maximum;
@@ -100,67 +130,47 @@ private:
     const int m_em;
 };
 
-QImage BarPainter::vertical() const
+void HorizontalColorBar::drawTips(QPainter& painter, int left) const
 {
-    const bool texts = canDrawText();
-    const QFontMetrics metrics(m_font);
-    const int most = std::clamp(m_length / (3 * m_em), 2, 9);
-    const Scale scale = makeScale(m_minimum, m_maximum, most, texts ? &metrics : nullptr, m_options.unitLines);
-    const int bar = m_em * 5 / 4;
-    const int tick = m_em * 2 / 5;
-    const int labels = bar + tick + m_em / 3;
-    const int captionWidth = texts ? metrics.horizontalAdvance(scale.caption) : 0;
-    const int unitLeft = std::max(labels + scale.widest, captionWidth) + m_em / 3;
-    const int width = unitLeft + (texts && !scale.unit.isEmpty() ? metrics.height() : 0);
-    // Half a line of text over and under the bar, and a line more for the power of ten.
-    const int above = m_em * 2 / 3 + (scale.caption.isEmpty() ? 0 : metrics.height());
-    const int height = above + m_length + m_em * 2 / 3;
-
-    QImage image = page(width, height);
-    QPainter painter(&image);
-    painter.drawImage(0, above, gradientStrip(m_palette, m_length, bar, true));
-    painter.setPen(m_options.text);
-    painter.drawRect(0, above, bar, m_length - 1);
-    painter.setFont(m_font);
-    for (std::size_t i = 0; i < scale.values.size(); ++i) {
-        const int y = above + m_length - 1 - place(scale.values[i]);
-        painter.drawLine(bar, y, bar + tick, y);
-        if (texts) {
-            painter.drawText(QRect(labels, y - m_em, scale.widest, 2 * m_em), Qt::AlignRight | Qt::AlignVCenter,
-                             scale.labels.texts[static_cast<int>(i)]);
-        }
+    const double bar = barThickness(m_em);
+    const double tip = tipLength(m_em);
+    const double right = left + m_length - 1;
+    if (m_options.above) {
+        drawTip(painter, QPolygonF({QPointF(right, 0), QPointF(right + tip, bar / 2), QPointF(right, bar)}),
+                endColor(m_palette, true));
     }
-    if (texts) {
-        painter.drawText(0, metrics.ascent(), scale.caption);
-        painter.translate(unitLeft, above + m_length);
-        painter.rotate(-90.0);
-        painter.drawText(QRect(0, 0, m_length, metrics.height()), Qt::AlignCenter,
-                         metrics.elidedText(scale.unit, Qt::ElideRight, m_length));
+    if (m_options.below) {
+        drawTip(painter, QPolygonF({QPointF(left, 0), QPointF(left - tip, bar / 2), QPointF(left, bar)}),
+                endColor(m_palette, false));
     }
-    return image;
 }
 
-QImage BarPainter::horizontal() const
+QImage HorizontalColorBar::picture() const
 {
     const bool texts = canDrawText();
     const QFontMetrics metrics(m_font);
     const Scale rough = makeScale(m_minimum, m_maximum, 4, texts ? &metrics : nullptr, m_options.unitLines);
     const int most = std::clamp(m_length / (2 * std::max(rough.widest, m_em)), 2, 9);
     const Scale scale = makeScale(m_minimum, m_maximum, most, texts ? &metrics : nullptr, m_options.unitLines);
-    const int bar = m_em * 5 / 4;
-    const int tick = m_em * 2 / 5;
-    const int beside = scale.widest / 2 + 1; // a label may reach over the bar's end by half
+    const int bar = barThickness(m_em);
+    const int tick = tickLength(m_em);
+    const bool tips = m_options.above || m_options.below;
+    // A label may reach over the bar's end by half.
+    const int beside = std::max(scale.widest / 2, tips ? tipLength(m_em) : 0) + 1;
     const int captionWidth = texts && !scale.caption.isEmpty() ? metrics.horizontalAdvance(scale.caption) + m_em : 0;
-    const int width = beside + m_length + std::max(beside, captionWidth + m_em / 2);
+    const int captionPlace = captionWidth > 0 && m_options.above ? tipLength(m_em) : 0;
+    const int width = beside + m_length + std::max(beside, captionWidth + captionPlace + m_em / 2);
     const int labels = bar + tick;
     const int unitTop = labels + (texts ? metrics.height() : 0);
     const int height = unitTop + (texts && !scale.unit.isEmpty() ? metrics.height() : 0) + 1;
 
-    QImage image = page(width, height);
+    QImage image(width, height, QImage::Format_ARGB32);
+    image.fill(m_options.background);
     QPainter painter(&image);
     painter.drawImage(beside, 0, gradientStrip(m_palette, m_length, bar, false));
     painter.setPen(m_options.text);
     painter.drawRect(beside, 0, m_length - 1, bar);
+    drawTips(painter, beside);
     painter.setFont(m_font);
     for (std::size_t i = 0; i < scale.values.size(); ++i) {
         const int x = beside + place(scale.values[i]);
@@ -171,7 +181,8 @@ QImage BarPainter::horizontal() const
         }
     }
     if (texts) {
-        painter.drawText(beside + m_length + m_em / 2, (bar + metrics.ascent()) / 2, scale.caption);
+        painter.drawText(beside + m_length + m_em / 2 + (m_options.above ? tipLength(m_em) : 0),
+                         (bar + metrics.ascent()) / 2, scale.caption);
         painter.drawText(QRect(beside, unitTop, m_length, metrics.height()), Qt::AlignCenter,
                          metrics.elidedText(scale.unit, Qt::ElideRight, m_length));
     }
@@ -189,11 +200,91 @@ double colorBarPosition(const CILPalette& palette, double value, double minimum,
     return palette.isLogScale() ? std::log10(1.0 + 9.0 * fraction) : fraction;
 }
 
+VerticalColorBar::VerticalColorBar(const CILPalette& palette, double minimum, double maximum, int length,
+                                   const ColorBarOptions& options)
+    : m_palette(palette), m_minimum(minimum), m_maximum(maximum), m_length(std::max(2, length)), m_options(options),
+      m_em(std::max(6, options.fontPixels))
+{
+    const bool texts = canDrawText();
+    const QFontMetrics metrics(textFont(options.fontPixels));
+    const int most = std::clamp(m_length / (3 * m_em), 2, 9);
+    const Scale scale = makeScale(minimum, maximum, most, texts ? &metrics : nullptr, options.unitLines);
+    m_values = scale.values;
+    m_labels = scale.labels;
+    m_widest = scale.widest;
+    m_text = barThickness(m_em) + tickLength(m_em) + m_em / kPaddingParts;
+    const int captionWidth = texts ? metrics.horizontalAdvance(scale.caption) : 0;
+    m_unit = std::max(m_text + scale.widest, captionWidth) + m_em / kPaddingParts;
+    // Half a line of text over and under the bar, and a line more for the power of ten.
+    const int end = m_em * 2 / 3;
+    m_top = std::max(end, options.above ? tipLength(m_em) + 1 : 0) + (scale.caption.isEmpty() ? 0 : metrics.height());
+    m_size = QSize(m_unit + (texts && !scale.unit.isEmpty() ? metrics.height() : 0),
+                   m_top + m_length + std::max(end, options.below ? tipLength(m_em) + 1 : 0));
+}
+
+void VerticalColorBar::drawTips(QPainter& painter) const
+{
+    const double bar = barThickness(m_em);
+    const double tip = tipLength(m_em);
+    const double bottom = m_top + m_length - 1;
+    if (m_options.above) {
+        drawTip(painter, QPolygonF({QPointF(0, m_top), QPointF(bar / 2, m_top - tip), QPointF(bar, m_top)}),
+                endColor(m_palette, true));
+    }
+    if (m_options.below) {
+        drawTip(painter, QPolygonF({QPointF(0, bottom), QPointF(bar / 2, bottom + tip), QPointF(bar, bottom)}),
+                endColor(m_palette, false));
+    }
+}
+
+void VerticalColorBar::drawTicks(QPainter& painter) const
+{
+    const int bar = barThickness(m_em);
+    for (std::size_t i = 0; i < m_values.size(); ++i) {
+        const double part = colorBarPosition(m_palette, m_values[i], m_minimum, m_maximum);
+        const int y = m_top + m_length - 1 - static_cast<int>(std::lround(part * (m_length - 1)));
+        painter.drawLine(bar, y, bar + tickLength(m_em), y);
+        if (canDrawText()) {
+            painter.drawText(QRect(m_text, y - m_em, m_widest, 2 * m_em), Qt::AlignRight | Qt::AlignVCenter,
+                             m_labels.texts[static_cast<int>(i)]);
+        }
+    }
+}
+
+void VerticalColorBar::draw(QPainter& painter) const
+{
+    const int bar = barThickness(m_em);
+    const QFont font = textFont(m_options.fontPixels);
+    const QFontMetrics metrics(font);
+    painter.save();
+    painter.drawImage(0, m_top, gradientStrip(m_palette, m_length, bar, true));
+    painter.setPen(m_options.text);
+    painter.drawRect(0, m_top, bar, m_length - 1);
+    drawTips(painter);
+    painter.setFont(font);
+    drawTicks(painter);
+    if (canDrawText()) {
+        painter.drawText(0, metrics.ascent(), exponentText(m_labels.exponent));
+        painter.translate(m_unit, m_top + m_length);
+        painter.rotate(-90.0);
+        painter.drawText(QRect(0, 0, m_length, metrics.height()), Qt::AlignCenter,
+                         metrics.elidedText(m_options.unitLines.join(QStringLiteral(", ")), Qt::ElideRight, m_length));
+    }
+    painter.restore();
+}
+
 QImage drawColorBar(const CILPalette& palette, double minimum, double maximum, int length,
                     const ColorBarOptions& options)
 {
-    const BarPainter painter(palette, minimum, maximum, length, options);
-    return options.orientation == Qt::Vertical ? painter.vertical() : painter.horizontal();
+    if (options.orientation == Qt::Horizontal) {
+        return HorizontalColorBar(palette, minimum, maximum, length, options).picture();
+    }
+    const VerticalColorBar bar(palette, minimum, maximum, length, options);
+    QImage image(bar.size(), QImage::Format_ARGB32);
+    image.fill(options.background);
+    QPainter painter(&image);
+    bar.draw(painter);
+    return image;
 }
 
 QImage withColorBar(const QImage& picture, const CILPalette& palette, double minimum, double maximum,

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/orvimage/ColorTables.h"
 
+#include <QFile>
+#include <QStringList>
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -112,9 +115,35 @@ QVector<QRgb> gradient(std::initializer_list<Stop> stops)
     return colors;
 }
 
+// The published tables of data/color_maps.csv, a column each behind that of the index.
+QVector<ColorTable> publishedTables()
+{
+    QFile file(QStringLiteral(":/orvimage/color_maps.csv"));
+    QVector<ColorTable> tables;
+    if (!file.open(QIODevice::ReadOnly)) { // part of this library
+        return tables;
+    }
+    const QStringList lines = QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    for (const QString& line : lines) {
+        const QStringList fields = line.split(QLatin1Char(','));
+        if (line.startsWith(QLatin1Char('#'))) {
+            continue;
+        }
+        for (int i = 1; i < fields.size(); ++i) {
+            if (tables.size() < i) {
+                tables.append({fields[i], {}}); // of the header
+            } else if (fields[0] != QLatin1String("index")) {
+                tables[i - 1].colors.append(QColor(fields[i]).rgb());
+            }
+        }
+    }
+    return tables;
+}
+
+// Saved results and settings name a table by its place: new ones come at the end.
 QVector<ColorTable> makeTables()
 {
-    return {
+    const QVector<ColorTable> own = {
         {"Grays", gradient({{0, 0, 0, 0}, {1, 1, 1, 1}})},
         {"Rainbow", gradient({{0, 1, 0, 0},
                               {0.22, 1, 0.65, 0},
@@ -136,6 +165,7 @@ QVector<ColorTable> makeTables()
         {"Yellow", gradient({{0, 0, 0, 0}, {1, 1, 1, 0}})},
         {"Cold to hot", gradient({{0, 0.1, 0.25, 0.75}, {0.5, 0.95, 0.95, 0.95}, {1, 0.75, 0.1, 0.1}})},
     };
+    return own + publishedTables();
 }
 
 } // namespace

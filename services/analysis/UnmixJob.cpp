@@ -64,6 +64,7 @@ RunAnswer UnmixJob::run()
 
     ResultFiles files(m_setUp.engine(), m_numbers, staged.path());
     files.setReport(reportFrame(), m_request.pdf);
+    files.setStyle(pictureStyleOf(m_setUp.engine(), m_request.pictures));
     write(files);
     staged.finish(m_monitor);
     QString saved;

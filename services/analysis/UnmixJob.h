@@ -23,8 +23,9 @@ struct UnmixRequest
     NoiseRequest noise;         // of one with known spectra
     bool replace = false;       // earlier results in the folder
     bool pdf = false;           // the report as PDF too
-    bool save = false;          // keep the result beside the sequence
-    QString saveName;           // empty: the next automatic name
+    PictureRequest pictures;
+    bool save = false; // keep the result beside the sequence
+    QString saveName;  // empty: the next automatic name
     QString note;
     QString command; // the line that asked for it
 };

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "services/pictures/PlotLegend.h"
 
+#include "platform/orvimage/TextLines.h"
+
 #include <QFontMetricsF>
 #include <QPainter>
 #include <QPolygonF>
-#include <QTextLayout>
 
 #include <algorithm>
 #include <cmath>
@@ -98,23 +99,6 @@ int PlotLegend::columnsIn(double dWidth) const
     return std::clamp(static_cast<int>(dWidth / column), 1, std::max(1, m_curves.size()));
 }
 
-QStringList PlotLegend::linesOf(const QString& strLabel, double dWidth) const
-{
-    const QString text = strLabel.simplified();
-    QTextLayout layout(text, m_font);
-    QTextOption option;
-    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
-    layout.setTextOption(option);
-    layout.beginLayout();
-    QStringList lines;
-    for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
-        line.setLineWidth(dWidth);
-        lines.append(text.mid(line.textStart(), line.textLength()).trimmed());
-    }
-    layout.endLayout();
-    return lines;
-}
-
 QList<PlotLegend::Entry> PlotLegend::entries(const QRectF& area, int nColumns) const
 {
     const double line = QFontMetricsF(m_font).height();
@@ -128,7 +112,7 @@ QList<PlotLegend::Entry> PlotLegend::entries(const QRectF& area, int nColumns) c
             rowHeight = 0.0;
         }
         const double room = column - textIndent - (nColumns > 1 ? columnGap : 0.0);
-        const QStringList lines = linesOf(m_curves[i].label, std::max(room, line));
+        const QStringList lines = orvimage::textLines(m_curves[i].label, m_font, std::max(room, line));
         const double height = line * (lines.size() + entryGap);
         placed.append({QRectF(area.left() + column * (i % nColumns), top, column, height), lines});
         rowHeight = std::max(rowHeight, height);

@@ -32,7 +32,6 @@ private:
         QStringList lines;
     };
     QList<Entry> entries(const QRectF& area, int nColumns) const;
-    QStringList linesOf(const QString& strLabel, double dWidth) const;
 
     QList<PlotCurve> m_curves; // those with a label
     QFont m_font;

@@ -31,7 +31,7 @@ struct StartedComposite
     QImage picture;
 };
 
-StartedComposite startedComposite(const CORVSpumKyvo& engine, int nSpot)
+StartedComposite startedComposite(const CORVSpumKyvo& engine, int nSpot, const QList<QColor>& colors)
 {
     StartedComposite started;
     const CompositeInput& input = engine.ownResultView().composite();
@@ -46,6 +46,9 @@ StartedComposite startedComposite(const CORVSpumKyvo& engine, int nSpot)
     const CILImage none;
     const CILImage& photo = input.photo != nullptr ? *input.photo : none;
     started.layers = compositeStartLayers(maps, input.channels, photo);
+    for (int i = 0; i < std::min(colors.size(), input.channels.size()); ++i) {
+        started.layers[i].channel.color = colors[i];
+    }
     takeCompositeSpot(maps, nSpot, started.layers);
     started.picture = compositePicture(maps, nSpot, started.layers, photo);
     const QSize extent = extentOfPicture(engine, started.picture.width(), started.picture.height());
@@ -135,25 +138,25 @@ QImage withLegend(const QImage& picture, const QList<QPair<QString, QColor>>& la
     return page;
 }
 
-QImage compositePictureOf(const CORVSpumKyvo& engine, int nSpot)
+QImage compositePictureOf(const CORVSpumKyvo& engine, int nSpot, const QList<QColor>& colors)
 {
-    return startedComposite(engine, nSpot).picture;
+    return startedComposite(engine, nSpot, colors).picture;
 }
 
-QImage compositeWithLegendOf(const CORVSpumKyvo& engine, int nSpot)
+QImage compositeWithLegendOf(const CORVSpumKyvo& engine, int nSpot, const QList<QColor>& colors)
 {
-    const StartedComposite composite = startedComposite(engine, nSpot);
+    const StartedComposite composite = startedComposite(engine, nSpot, colors);
     QList<QPair<QString, QColor>> labels = compositeLabels(composite.layers);
     std::reverse(labels.begin(), labels.end()); // read from the first component on
     return withLegend(composite.picture, labels);
 }
 
-QList<CompositeFile> compositeFilesOf(const CORVSpumKyvo& engine)
+QList<CompositeFile> compositeFilesOf(const CORVSpumKyvo& engine, const QList<QColor>& colors)
 {
     QList<CompositeFile> files;
     const int spots = engine.ownResultView().composite().spots;
     for (int s = 0; s < spots; ++s) {
-        const QImage picture = compositeWithLegendOf(engine, s);
+        const QImage picture = compositeWithLegendOf(engine, s, colors);
         if (picture.isNull()) {
             continue;
         }

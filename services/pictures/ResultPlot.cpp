@@ -125,10 +125,8 @@ QVector<PlotName> namesOf(const CORVSpumKyvo& engine, const ChannelLabels& chann
 }
 
 // The table's lightest colours do not show on white.
-QColor readable(const QString& strName)
+QColor readable(const QColor& color)
 {
-    QColor color;
-    color.setNamedColor(strName);
     return color.lightness() > 200 ? color.darker(150) : color;
 }
 
@@ -171,7 +169,7 @@ QString plotAxisLabel(const CORVSpumKyvo& engine, const ChannelLabels& channels,
 
 } // namespace
 
-SpectrumPlot plotOfSpectra(const CORVSpumKyvo& engine)
+SpectrumPlot plotOfSpectra(const CORVSpumKyvo& engine, const QList<QColor>& colors)
 {
     const bool temporal = engine.m_eAxis == SPECTRUMAXIS_TIME;
     const ChannelLabels channels(engine);
@@ -187,7 +185,7 @@ SpectrumPlot plotOfSpectra(const CORVSpumKyvo& engine)
         for (int i = 0; i < lines.size(); ++i) {
             PlotCurve curve = curveOf(engine, channels, k, lines[i], time.seconds);
             curve.label = i == 0 ? settings.name : QString();
-            curve.color = readable(settings.color);
+            curve.color = readable(colors.value(k));
             curve.marker = markerOf(k);
             takeLineStyle(i, curve);
             plot.addCurve(curve);

@@ -12,6 +12,7 @@
 #include "services/basis/UnitNames.h"
 #include "services/basis/jsonNumber.h"
 #include "services/results/ResultMaps.h"
+#include "services/session/PixelSize.h"
 
 #include <QJsonObject>
 #include <QMap>
@@ -42,16 +43,6 @@ QList<double> numbersOf(const tagROIStatistics& statistics)
     }
     throw Failure(QStringLiteral("%1 cannot be had in %2: %3; try --unit counts")
                       .arg(dataset.getClickNumber(), UnitNames::text(eUnit), reason));
-}
-
-std::optional<double> pixelSizeOfSequence(const CORVSequenceDataset& sequence)
-{
-    for (const auto* dataset : sequence.getDatasets()) {
-        if (const std::optional<double> size = pixelSizeOf(dataset->clickInfo)) {
-            return size;
-        }
-    }
-    return std::nullopt;
 }
 
 } // namespace

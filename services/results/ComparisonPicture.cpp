@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "services/results/ComparisonPicture.h"
 
-#include "platform/orvimage/RenderMap.h"
+#include "platform/orvimage/MapPicture.h"
 #include "services/basis/TextTable.h"
 #include "services/pictures/SpectrumPlot.h"
 #include "services/results/ResultComparison.h"
@@ -71,7 +71,7 @@ QImage renderCell(const ComparedComponent& component, const QString& strTitle, c
     options.hasRange = true;
     options.minimum = range.minimum;
     options.maximum = range.maximum;
-    return orvimage::renderMapOverPhotograph(map, style.photograph, options);
+    return orvimage::MapPicture(map, style.photograph, options).toImage();
 }
 
 // The range of the map that a row's is compared with; without one that of the uppermost map that there is.

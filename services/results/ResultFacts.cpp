@@ -2,17 +2,29 @@
 #include "services/results/ResultFacts.h"
 
 #include "engine/CORVSpumKyvo.h"
+#include "host/CORVSequenceDataset.h"
 #include "services/basis/ImageExtent.h"
 #include "services/basis/ModeNames.h"
 #include "services/basis/UnitNames.h"
 #include "services/results/FitStatistics.h"
 #include "services/results/ResultNumbers.h"
+#include "services/session/PixelSize.h"
 #include "spectra/SpectrumPlotParams.h"
 
 #include <algorithm>
 #include <cmath>
 
 namespace {
+
+constexpr double micrometresPerCentimetre = 1e4;
+
+// Of an image that a sequence holds; a result without its sequence has none.
+std::optional<double> pixelMicrometresOf(const CORVSpumKyvo& engine)
+{
+    const CORVSequenceDataset* pSequence = CORVSequenceDataset::getSequenceDataset(engine.m_strSeqId);
+    const std::optional<double> size = pSequence != nullptr ? pixelSizeOfSequence(*pSequence) : std::nullopt;
+    return size ? std::optional<double>(*size * micrometresPerCentimetre * engine.m_nBinning) : std::nullopt;
+}
 
 // Bytes of a name within a file name; a folder takes names of 255, and there is more in ours.
 constexpr int longestPart = 150;
@@ -138,6 +150,7 @@ ResultFacts factsOfResult(const CORVSpumKyvo& engine, const ResultNumbers& numbe
     facts.binning = engine.m_nBinning;
     facts.pixels = engine.m_cube.pixelsPerSpot();
     facts.spots = std::max(1, engine.m_cube.m_nSpots);
+    facts.pixelMicrometres = pixelMicrometresOf(engine);
     facts.residual = numbers.residual;
     facts.explainedVariance = FitStatistics::explainedVariance(numbers.residual);
     facts.seconds = numbers.seconds;

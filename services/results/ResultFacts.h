@@ -58,11 +58,12 @@ struct ResultFacts
     int width = 0;
     int height = 0;
     int binning = 0;
-    long long pixels = 0;           // analysed, of a spot
-    int spots = 1;                  // of a scan
-    double residual = 0.0;          // of the data's norm
-    double explainedVariance = 0.0; // percent
-    double seconds = 0.0;           // of the run
+    long long pixels = 0;                   // analysed, of a spot
+    int spots = 1;                          // of a scan
+    std::optional<double> pixelMicrometres; // side of a map's pixels in the object, where it is known
+    double residual = 0.0;                  // of the data's norm
+    double explainedVariance = 0.0;         // percent
+    double seconds = 0.0;                   // of the run
     QList<ComponentFacts> components;
     QList<QPair<QString, QString>> properties;
     std::optional<AutomaticFacts> automatic;

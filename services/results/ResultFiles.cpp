@@ -5,11 +5,10 @@
 #include "engine/CORVSpumKyvo.h"
 #include "files/AtomicFile.h"
 #include "host/CILImage.h"
-#include "platform/orvimage/RenderMap.h"
+#include "platform/orvimage/MapPicture.h"
 #include "platform/orvimage/TiffIo.h"
 #include "platform/orvimage/pngBytes.h"
 #include "services/basis/Failure.h"
-#include "services/basis/ImageExtent.h"
 #include "services/basis/TextTable.h"
 #include "services/basis/UnitNames.h"
 #include "services/pictures/MaskPicture.h"
@@ -17,6 +16,7 @@
 #include "services/pictures/ResultPlot.h"
 #include "services/results/ReportHtml.h"
 #include "services/results/ReportPdf.h"
+#include "services/results/ResultMapPictures.h"
 #include "services/results/resultSummary.h"
 #include "spectra/SpectrumPlotParams.h"
 #include "spectra/SpumKyvoDatabase.h"
@@ -36,50 +36,20 @@ const QSize plotSize(1100, 700);
 constexpr int overviewMaps = 12;
 constexpr int reportedComposites = 6;
 
-// A component's row of maps (components x pixels) at a spot as an image of the shape that the images had; 0 outside the
-// mask.
-CILImage imageOfMap(const CORVSpumKyvo& engine, const XTNT::Matrix<double>& maps, int nComponent, int nSpot)
-{
-    CILImage image;
-    image.InitWithType(ORVTYPE_FLOAT, engine.m_nWidth, engine.m_nHeight);
-    image.m_fBinning = static_cast<float>(engine.m_nBinning);
-    const long long pixels = engine.m_cube.pixelsPerSpot();
-    const double* row = maps[nComponent] + nSpot * pixels;
-    float* target = image.floats();
-    for (long long j = 0; j < pixels; ++j) {
-        const auto place =
-            engine.m_cube.m_bHasMask ? engine.m_cube.m_maskIndices[static_cast<std::size_t>(j)] : static_cast<int>(j);
-        target[place] = static_cast<float>(row[j]);
-    }
-    const QSize extent = analysedExtent(engine);
-    image = croppedImage(image, extent.width(), extent.height());
-    image.RefreshImageStats();
-    return image;
-}
-
-// The photograph without what was added to make a square of it; null where there is none.
-std::optional<CILImage> photographOf(const CORVSpumKyvo& engine)
-{
-    if (engine.m_pPhoto == nullptr) {
-        return std::nullopt;
-    }
-    const QSize extent = extentOfPicture(engine, engine.m_pPhoto->m_lWidth, engine.m_pPhoto->m_lHeight);
-    return croppedImage(*engine.m_pPhoto, extent.width(), extent.height());
-}
-
-// What the numbers of a map are: "Radiance [p/s/cm²/sr]", and "Counts", which is its own unit.
-QString valueText(int nUnit)
-{
-    const QString text = UnitNames::text(nUnit);
-    const QString quantity = UnitNames::quantity(nUnit);
-    return quantity == text.toLower() ? text : QStringLiteral("%1 [%2]").arg(text, quantity);
-}
-
 } // namespace
 
 ResultFiles::ResultFiles(const CORVSpumKyvo& engine, const ResultNumbers& numbers, const QString& strFolder)
     : m_engine(engine), m_facts(factsOfResult(engine, numbers)), m_errors(numbers.errors), m_strFolder(strFolder)
 {
+    setStyle(pictureStyleOf(engine));
+}
+
+void ResultFiles::setStyle(const PictureStyle& style)
+{
+    m_style = style;
+    for (int k = 0; k < m_facts.components.size(); ++k) {
+        m_facts.components[k].color = style.components.value(k).name();
+    }
 }
 
 QString ResultFiles::summaryText() const
@@ -106,10 +76,11 @@ void ResultFiles::write(const std::function<void(double fraction)>& step)
     const int components = m_engine.m_spectrumPlots.size();
     const int spots = m_facts.spots;
     const double steps = components * spots + 1.0;
+    ResultMapPictures pictures(m_engine, m_facts, m_style);
     for (int k = 0; k < components; ++k) {
         for (int s = 0; s < spots; ++s) {
             step((k * spots + s) / steps);
-            writeMap(k, s);
+            writeMap(pictures, k, s);
         }
     }
     using Part = void (ResultFiles::*)();
@@ -160,39 +131,29 @@ void ResultFiles::writeMapTiff(const QString& strName, const CILImage& map, cons
     m_files.append(strName);
 }
 
-void ResultFiles::writeMap(int nComponent, int nSpot)
+void ResultFiles::writeMap(ResultMapPictures& pictures, int nComponent, int nSpot)
 {
-    const CILImage map = imageOfMap(m_engine, m_engine.m_concentrations, nComponent, nSpot);
+    const CILImage map = imageOfMap(m_engine, m_engine.m_concentrations, nComponent, nSpot, 0.0F);
     const QString label = m_facts.components[nComponent].name;
     const QString name = resultMapName(nComponent, label, nSpot, m_facts.spots);
     const QString quantity = UnitNames::quantity(m_engine.m_eUnit);
     writeMapTiff(name + QStringLiteral(".tif"), map, QStringLiteral("%1, %2").arg(label, quantity));
     if (!m_errors.empty()) {
         const QString file = resultErrorMapName(nComponent, label, nSpot, m_facts.spots) + QStringLiteral(".tif");
-        writeMapTiff(file, imageOfMap(m_engine, m_errors, nComponent, nSpot),
+        writeMapTiff(file, imageOfMap(m_engine, m_errors, nComponent, nSpot, 0.0F),
                      QStringLiteral("standard error of %1, %2").arg(label, quantity));
         m_errorMaps.append(file);
     }
 
-    orvimage::RenderMapOptions options;
-    options.title = m_facts.spots > 1 ? QStringLiteral("%1, spot %2").arg(label).arg(nSpot + 1) : label;
-    options.unit = valueText(m_engine.m_eUnit);
-    options.colorTable = m_engine.m_nColorMap;
-    options.reversed = m_engine.m_bReverse;
-    options.logScale = m_engine.m_bLogScale;
-    if (!m_bPhotograph) {
-        m_photograph = photographOf(m_engine);
-        m_bPhotograph = true;
-    }
-    const QImage picture = orvimage::renderMapOverPhotograph(map, m_photograph ? &*m_photograph : nullptr, options);
+    const orvimage::MapPicture drawing = pictures.picture(map, nComponent, nSpot);
+    const QImage picture = drawing.toImage();
     const QByteArray png = orvimage::pngBytes(picture);
     put(name + QStringLiteral(".png"), png);
     if (m_pictures.size() >= overviewMaps) {
         return;
     }
     m_pictures.append(picture);
-    const QString title = m_facts.spots > 1 ? QStringLiteral("%1, spot %2").arg(label).arg(nSpot + 1) : label;
-    m_frame.maps.append({title, png, picture.size(), QByteArray()});
+    m_frame.maps.append({pictures.title(nComponent, nSpot), png, picture.size(), QByteArray()});
 }
 
 // All maps on one sheet, about as many in a row as there are rows.
@@ -217,7 +178,8 @@ void ResultFiles::writeOverview()
 
 void ResultFiles::writeComposites()
 {
-    const QList<CompositeFile> composites = m_composites ? *m_composites : compositeFilesOf(m_engine);
+    const QList<CompositeFile> composites =
+        m_composites ? *m_composites : compositeFilesOf(m_engine, m_style.components);
     for (const CompositeFile& file : composites) {
         const QByteArray png = orvimage::pngBytes(file.picture);
         put(file.name, png);
@@ -249,7 +211,7 @@ void ResultFiles::writeSpectra()
 
 void ResultFiles::writePlot()
 {
-    const SpectrumPlot plot = plotOfSpectra(m_engine);
+    const SpectrumPlot plot = plotOfSpectra(m_engine, m_style.components);
     put(QStringLiteral("spectra.png"), orvimage::pngBytes(plot.toImage(plotSize)));
     put(QStringLiteral("spectra.svg"), plot.toSvg(plotSize));
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "host/CILImage.h"
+#include "services/pictures/PictureStyle.h"
 #include "services/pictures/ResultComposite.h"
 #include "services/results/ResultFacts.h"
 #include "services/results/ResultNumbers.h"
@@ -16,7 +16,9 @@
 #include <functional>
 #include <optional>
 
+class CILImage;
 class CORVSpumKyvo;
+class ResultMapPictures;
 
 // Writes a result's files into a folder: per component (and scan spot) a map as float32 TIFF and as a picture over the
 // photograph, where there are standard errors a map of them, composites where the engine has made its pictures, spectra
@@ -27,9 +29,12 @@ public:
     // `strFolder` ends with its separator.
     ResultFiles(const CORVSpumKyvo& engine, const ResultNumbers& numbers, const QString& strFolder);
 
-    // A report (report.html, with `bPdf` report.pdf too) is written with the other files. Its maps are those of the
-    // result.
+    // A report (report.html, with `bPdf` report.pdf too) is written with the other files. Its maps are
+    // those of the result.
     void setReport(const ReportFrame& frame, bool bPdf);
+
+    // How pictures look; without it as the engine shows its result.
+    void setStyle(const PictureStyle& style);
 
     // Composites as a window shows them, instead of those that come of the engine's own view.
     void setComposites(const QList<CompositeFile>& composites) { m_composites = composites; }
@@ -43,7 +48,7 @@ public:
     QJsonObject summaryJson() const;
 
 private:
-    void writeMap(int nComponent, int nSpot);
+    void writeMap(ResultMapPictures& pictures, int nComponent, int nSpot);
     void writeMapTiff(const QString& strName, const CILImage& map, const QString& strDescription);
     void writeOverview();
     void writeComposites();
@@ -58,15 +63,14 @@ private:
     void put(const QString& strName, const QByteArray& bytes);
 
     const CORVSpumKyvo& m_engine;
-    const ResultFacts m_facts;
+    ResultFacts m_facts;
     const XTNT::Matrix<double> m_errors;
+    PictureStyle m_style;
     QString m_strFolder;
     QStringList m_files;
     QStringList m_errorMaps;  // among them
     QList<QImage> m_pictures; // of the overview
     std::optional<QList<CompositeFile>> m_composites;
-    bool m_bPhotograph = false;           // whether the next has been made
-    std::optional<CILImage> m_photograph; // of the shape of the maps
     bool m_bReport = false;
     bool m_bPdf = false;
     ReportFrame m_frame;

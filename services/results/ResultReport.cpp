@@ -10,6 +10,7 @@
 #include "services/results/ResultFacts.h"
 #include "spectra/SpectrumPlotParams.h"
 
+#include <QColor>
 #include <QImage>
 #include <QMap>
 #include <QPainter>
@@ -254,7 +255,11 @@ ReportContent contentOfReport(const CORVSpumKyvo& engine, const ResultFacts& fac
     content.facts = factRows(facts);
     content.composites = frame.composites;
     content.maps = frame.maps;
-    const SpectrumPlot plot = plotOfSpectra(engine);
+    QList<QColor> colors;
+    for (const ComponentFacts& component : facts.components) {
+        colors.append(QColor(component.color));
+    }
+    const SpectrumPlot plot = plotOfSpectra(engine, colors);
     ReportFigure figure;
     figure.title =
         engine.m_eAxis == SPECTRUMAXIS_TIME ? QStringLiteral("Time courses") : QStringLiteral("Pure spectra");

@@ -18,13 +18,9 @@
 namespace {
 
 const QString dataFolder = QStringLiteral(ORV_SOURCE_DIR "/data/");
-const QStringList tableNames = {"library_sources.csv",
-                                "luminescent_sources.csv",
-                                "radioactive_sources.csv",
-                                "isotopes.csv",
-                                "tissues.csv",
-                                "color_responses.csv",
-                                "probes.csv"};
+const QStringList tableNames = {
+    "library_sources.csv", "luminescent_sources.csv", "radioactive_sources.csv", "isotopes.csv",
+    "tissues.csv",         "color_responses.csv",     "color_maps.csv",          "probes.csv"};
 
 // Rows of fields, comments left out, the header first. The shipped tables quote nothing.
 QVector<QStringList> readTable(const QString& name)

@@ -2,8 +2,8 @@
 #include "workbench/application/DisplayRange.h"
 
 #include "host/CILImage.h"
+#include "platform/orvimage/MapRange.h"
 #include "platform/orvimage/PixelTypes.h"
-#include "platform/orvimage/RenderMap.h"
 
 #include <algorithm>
 #include <cmath>

@@ -17,6 +17,7 @@
 #include "workbench/commands/CliSession.h"
 #include "workbench/commands/CommandParser.h"
 #include "workbench/commands/Options.h"
+#include "workbench/commands/PictureOptions.h"
 
 #include <QFileInfo>
 #include <QJsonArray>
@@ -155,6 +156,7 @@ void CompareCommand::declare(CommandParser& parser) const
         QStringLiteral("RESULT..."));
     parser.addOption({QStringLiteral("out"), QStringLiteral("Folder for picture and table; SEQ/comparison."),
                       QStringLiteral("DIR")});
+    declareColorsOption(parser);
     parser.addOption({QStringLiteral("force"), QStringLiteral("Replace an earlier comparison in that folder.")});
 }
 
@@ -170,6 +172,7 @@ void CompareCommand::run(const QCommandLineParser& parser, CliSession& session)
     if (arguments.size() < 2) {
         refuseUsage("compare", QStringLiteral("compare takes a sequence and one result at least."));
     }
+    const PictureRequest pictures = pictureRequestOf(parser, "compare");
     OpenedSequence opened(arguments[0]);
     session.warnAll(opened.warnings());
     const Results results = readAll(arguments.mid(1), opened, session);
@@ -181,8 +184,9 @@ void CompareCommand::run(const QCommandLineParser& parser, CliSession& session)
                      parser.isSet(QStringLiteral("force")), QStringLiteral("comparison.csv"));
     ComparisonStyle style;
     style.photograph = opened.engine().m_pPhoto;
-    style.colorTable = opened.engine().m_nColorMap;
-    style.reversed = opened.engine().m_bReverse;
+    const PictureStyle look = pictureStyleOf(opened.engine(), pictures);
+    style.colorTable = look.colorTable;
+    style.reversed = look.reversed;
     style.unit = results.back()->unit();
     put(staged.path() + QStringLiteral("comparison.png"), orvimage::pngBytes(comparisonPicture(comparison, style)));
     put(staged.path() + QStringLiteral("comparison.csv"), tableOf(comparison, 9).toCsv().toUtf8());

@@ -17,6 +17,7 @@
 #include "workbench/commands/CliSession.h"
 #include "workbench/commands/CommandParser.h"
 #include "workbench/commands/Options.h"
+#include "workbench/commands/PictureOptions.h"
 
 #include "XTNT/xtnt_parallel.h"
 #include "engine/CORVSpumKyvo.h"
@@ -45,6 +46,8 @@ void refuseForeignOptions(const QCommandLineParser& parser, const QString& strAc
     static const QMap<QString, QStringList> owners = {
         {QStringLiteral("out"), {QStringLiteral("load"), QStringLiteral("export")}},
         {QStringLiteral("pdf"), {QStringLiteral("load")}},
+        {QStringLiteral("colors"), {QStringLiteral("load")}},
+        {QStringLiteral("scale"), {QStringLiteral("load")}},
         {QStringLiteral("component"), {QStringLiteral("export")}},
         {QStringLiteral("force"), {QStringLiteral("load"), QStringLiteral("export")}},
         {QStringLiteral("yes"), {QStringLiteral("delete")}}};
@@ -134,6 +137,7 @@ void ResultsCommand::declare(CommandParser& parser) const
                                      "SEQ/result-NAME without it. export: folder of the new sequence."),
                       QStringLiteral("DIR")});
     parser.addOption({QStringLiteral("pdf"), QStringLiteral("load: write the report as report.pdf too.")});
+    declarePictureOptions(parser);
     parser.addOption({QStringLiteral("component"),
                       QStringLiteral("export: the component of a scan of several spots, from 1."),
                       QStringLiteral("N")});
@@ -261,6 +265,7 @@ void ResultsCommand::show(OpenedSequence& opened, const QString& strName, CliSes
 void ResultsCommand::load(OpenedSequence& opened, const QString& strName, const QCommandLineParser& parser,
                           CliSession& session) const
 {
+    const PictureRequest pictures = pictureRequestOf(parser, "results");
     const QString out = parser.value(QStringLiteral("out"));
     const QString target = out.isEmpty() ? opened.folder() + QStringLiteral("result-") + resultFileName(strName) : out;
     StagedRun staged(target, parser.isSet(QStringLiteral("force")), QStringLiteral("summary.json"));
@@ -272,6 +277,7 @@ void ResultsCommand::load(OpenedSequence& opened, const QString& strName, const 
     frame.command = shellLine(QStringList(QStringLiteral("spum")) + QCoreApplication::arguments().mid(1));
     ResultFiles files(opened.engine(), loaded.numbers(), staged.path());
     files.setReport(frame, parser.isSet(QStringLiteral("pdf")));
+    files.setStyle(pictureStyleOf(opened.engine(), pictures));
     const XTNT::CancellationCheck check([&session] { session.stopIfRequested(); });
     files.write([&session](double fraction) {
         session.stopIfRequested();

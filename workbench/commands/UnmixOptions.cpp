@@ -9,6 +9,7 @@
 #include "workbench/commands/CallErrors.h"
 #include "workbench/commands/CommandParser.h"
 #include "workbench/commands/Options.h"
+#include "workbench/commands/PictureOptions.h"
 
 #include <QCommandLineParser>
 
@@ -99,6 +100,7 @@ void declareUnmixOptions(CommandParser& parser)
                                                "photograph, else none."));
     parser.addOption(
         {QStringLiteral("pdf"), QStringLiteral("Write the report as report.pdf too, beside report.html.")});
+    declarePictureOptions(parser);
     addValueOption(
         parser, "save",
         QStringLiteral("Save the result with the sequence, under that name or the next free one (SPUM_001, ...); see "
@@ -132,6 +134,7 @@ UnmixRequest unmixRequestOf(const QCommandLineParser& parser)
     errors.throwAll();
     request.library = parser.value(QStringLiteral("library"));
     request.pdf = parser.isSet(QStringLiteral("pdf"));
+    request.pictures = pictureRequestOf(parser, "unmix");
     request.save = parser.isSet(QStringLiteral("save"));
     request.saveName = parser.value(QStringLiteral("save"));
     request.note = parser.value(QStringLiteral("note"));

@@ -152,3 +152,31 @@ TEST(ColorBarTest, DegenerateRangesAreDrawnToo)
         EXPECT_FALSE(orvimage::drawColorBar(CILPalette(), 0, 1, -5, options).isNull());
     }
 }
+
+TEST(ColorBarTest, TipsInTheColoursOfTheEndsTellOfValuesBeyond)
+{
+    CILPalette palette;
+    palette.setColors({QColor(0, 0, 255), QColor(255, 0, 0)});
+    for (const Qt::Orientation orientation : {Qt::Vertical, Qt::Horizontal}) {
+        orvimage::ColorBarOptions options;
+        options.orientation = orientation;
+        const auto count = [&](bool above, bool below, QRgb color) {
+            options.above = above;
+            options.below = below;
+            const QImage bar = orvimage::drawColorBar(palette, 0.0, 1.0, 200, options);
+            int pixels = 0;
+            for (int y = 0; y < bar.height(); ++y) {
+                for (int x = 0; x < bar.width(); ++x) {
+                    pixels += bar.pixel(x, y) == color ? 1 : 0;
+                }
+            }
+            return pixels;
+        };
+        const QRgb low = qRgb(0, 0, 255);
+        const QRgb high = qRgb(255, 0, 0);
+        EXPECT_GT(count(true, false, high), count(false, false, high) + 20);
+        EXPECT_EQ(count(true, false, low), count(false, false, low));
+        EXPECT_GT(count(false, true, low), count(false, false, low) + 20);
+        EXPECT_EQ(count(false, true, high), count(false, false, high));
+    }
+}

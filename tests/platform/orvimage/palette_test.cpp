@@ -77,6 +77,33 @@ TEST(PaletteTest, LumenHasNoCrease)
     }
 }
 
+TEST(PaletteTest, PublishedTablesComeBehindTheOthersWithTheirEnds)
+{
+    const QStringList names = CILPalette::colorTableNames();
+    EXPECT_EQ(names.mid(names.indexOf("Cold to hot") + 1),
+              (QStringList{"Viridis", "Magma", "Inferno", "Plasma", "Cividis"}));
+    EXPECT_EQ(qRgb(68, 1, 84), paletteOf("viridis").colorAt(0.0));
+    EXPECT_EQ(qRgb(33, 145, 140), paletteOf("viridis").colorAt(0.5));
+    EXPECT_EQ(qRgb(253, 231, 37), paletteOf("viridis").colorAt(1.0));
+    EXPECT_EQ(qRgb(0, 0, 4), paletteOf("magma").colorAt(0.0));
+    EXPECT_EQ(qRgb(252, 255, 164), paletteOf("inferno").colorAt(1.0));
+    EXPECT_EQ(qRgb(13, 8, 135), paletteOf("plasma").colorAt(0.0));
+    EXPECT_EQ(qRgb(0, 34, 78), paletteOf("cividis").colorAt(0.0));
+}
+
+TEST(PaletteTest, PublishedTablesRiseInLightness)
+{
+    for (const char* name : {"Viridis", "Magma", "Inferno", "Plasma", "Cividis"}) {
+        const CILPalette palette = paletteOf(name);
+        double before = orvimage::oklabLightness(palette.colorAt(0.0));
+        for (int i = 8; i < 256; i += 8) {
+            const double lightness = orvimage::oklabLightness(palette.colorAt(i / 255.0));
+            EXPECT_GT(lightness, before) << name << ' ' << i;
+            before = lightness;
+        }
+    }
+}
+
 TEST(PaletteTest, LightnessOfKnownColours)
 {
     EXPECT_NEAR(0.0, orvimage::oklabLightness(qRgb(0, 0, 0)), 1e-9);

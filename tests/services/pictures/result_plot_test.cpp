@@ -20,7 +20,7 @@ protected:
     {
         engine().m_eAxis = eAxis;
         engine().m_selectedKeyPairs = pairs;
-        return plotOfSpectra(engine());
+        return plotOfSpectra(engine(), {QColor("#0c7955"), QColor("#ffffc0")});
     }
 };
 
@@ -58,6 +58,14 @@ TEST_F(ResultPlotTest, OneExcitationGivesALineAComponentOverWavelength)
     EXPECT_EQ(labelsOf(plot), QStringList({"Dye A", "Dye B"}));
     EXPECT_EQ(plot.xLabel(), "Emission Wavelength [nm]");
     EXPECT_NE(drawnOf(plot)[0].marker, drawnOf(plot)[1].marker);
+}
+
+TEST_F(ResultPlotTest, CurvesHaveTheColoursGivenDarkenedWhereWhiteWouldHideThem)
+{
+    const QList<PlotCurve> drawn =
+        drawnOf(plotOver(SPECTRUMAXIS_EMISSION, {{"640", "700"}, {"640", "720"}, {"640", "740"}}));
+    EXPECT_EQ(drawn[0].color, QColor("#0c7955"));
+    EXPECT_LT(drawn[1].color.lightness(), QColor("#ffffc0").lightness());
 }
 
 TEST_F(ResultPlotTest, LineIsBrokenBetweenExcitationsWhichTheLegendNamesWithTheirUnit)

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "services/results/ResultFiles.h"
+#include "services/results/ResultMapPictures.h"
 #include "services/support/SmallAnalysis.h"
 
+#include "platform/orvimage/MapPicture.h"
 #include "platform/orvimage/TiffIo.h"
 #include "services/basis/Failure.h"
 #include "services/session/LibrarySpectra.h"
@@ -34,6 +36,20 @@ protected:
         ASSERT_TRUE(QDir().mkpath(out()));
         ResultFiles files(engine(), m_numbers, out());
         files.write([](double) {});
+    }
+    // Two spots, of which the second sees the same, brighter by that much.
+    void spotsWithDifference(double dMore)
+    {
+        engine().m_cube.m_nSpots = 2;
+        engine().m_spots = QStringList{"0,0", "1,0"};
+        XTNT::Matrix<double> concentrations(2, 2 * side * side);
+        for (int k = 0; k < 2; ++k) {
+            for (int i = 0; i < side * side; ++i) {
+                concentrations[k][i] = k == 0 ? mapA(i) : mapB(i);
+                concentrations[k][side * side + i] = concentrations[k][i] + dMore;
+            }
+        }
+        engine().m_concentrations = concentrations;
     }
     CILImage tiff(const QString& strName) const
     {
@@ -237,17 +253,7 @@ TEST_F(ResultFilesTest, ANameWithASlashStaysInTheFolder)
 TEST_F(ResultFilesTest, MapsOfSeveralSpotsAreNumberedFromOne)
 {
     analyse();
-    engine().m_cube.m_nSpots = 2;
-    engine().m_spots = QStringList{"0,0", "1,0"};
-    // The second spot sees the same, brighter by 100.
-    XTNT::Matrix<double> concentrations(2, 2 * side * side);
-    for (int k = 0; k < 2; ++k) {
-        for (int i = 0; i < side * side; ++i) {
-            concentrations[k][i] = k == 0 ? mapA(i) : mapB(i);
-            concentrations[k][side * side + i] = concentrations[k][i] + 100.0;
-        }
-    }
-    engine().m_concentrations = concentrations;
+    spotsWithDifference(100.0);
     writeFiles();
     EXPECT_EQ(entriesOf(out()).filter("_Dye_").filter(".tif"),
               (QStringList{"01_Dye_A_spot1.tif", "01_Dye_A_spot2.tif", "02_Dye_B_spot1.tif", "02_Dye_B_spot2.tif"}));
@@ -286,6 +292,64 @@ TEST_F(ResultFilesTest, TheOverviewHasAboutAsManyColumnsAsRows)
         const int rows = count > 3 ? 2 : 1;
         EXPECT_EQ(QImage(out() + "overview.png").size(), QSize(columns * cell.width(), rows * cell.height())) << count;
     }
+}
+
+TEST_F(ResultFilesTest, AComponentHasOneColourInEveryFile)
+{
+    analyse();
+    const QStringList saved{"lime", "red"};
+    for (int k = 0; k < 2; ++k) {
+        engine().m_spectrumPlots[k]->settings.color = saved[k];
+    }
+    ASSERT_TRUE(QDir().mkpath(out()));
+    ResultFiles files(engine(), m_numbers, out());
+    files.setStyle(pictureStyleOf(engine(), PictureRequest()));
+    files.setReport(ReportFrame(), false);
+    files.write([](double) {});
+    const QString svg = QString::fromUtf8(contentOf(out() + "spectra.svg"));
+    const QString html = QString::fromUtf8(contentOf(out() + "report.html"));
+    const QJsonArray components = writtenJson()["components"].toArray();
+    for (int k = 0; k < 2; ++k) {
+        const QString name = componentColor(k).name();
+        EXPECT_EQ(components[k].toObject()["color"].toString(), name);
+        EXPECT_TRUE(svg.contains(name)) << k;
+        EXPECT_TRUE(html.contains("background:" + name)) << k;
+        EXPECT_EQ(engine().m_spectrumPlots[k]->settings.color, saved[k]) << "the engine's own stay";
+    }
+    EXPECT_TRUE(contentOf(out() + "spectra.csv").contains("$,Color,lime,red"));
+}
+
+TEST_F(ResultFilesTest, MapsOfAScanHaveOneScaleUnlessAskedOtherwise)
+{
+    analyse();
+    spotsWithDifference(100.0);
+    ResultNumbers numbers = m_numbers;
+    const auto picture = [&](MapScale eScale, int nComponent, int nSpot) {
+        PictureRequest request;
+        request.scale = eScale;
+        const ResultFacts facts = factsOfResult(engine(), numbers);
+        ResultMapPictures pictures(engine(), facts, pictureStyleOf(engine(), request));
+        return pictures.picture(imageOfMap(engine(), engine().m_concentrations, nComponent, nSpot, 0.0F), nComponent,
+                                nSpot);
+    };
+    EXPECT_EQ(picture(MapScale::Component, 0, 0).range().maximum, picture(MapScale::Component, 0, 1).range().maximum);
+    EXPECT_GT(picture(MapScale::Component, 0, 0).range().maximum, 100.0);
+    EXPECT_NE(picture(MapScale::Component, 0, 0).range().maximum, picture(MapScale::Component, 1, 0).range().maximum);
+    EXPECT_LT(picture(MapScale::Own, 0, 0).range().maximum, 16.0);
+    EXPECT_EQ(picture(MapScale::All, 0, 0).range().maximum, picture(MapScale::All, 1, 1).range().maximum);
+    EXPECT_EQ(picture(MapScale::Component, 0, 0).note(), "one scale for all spots");
+    EXPECT_EQ(picture(MapScale::Own, 0, 0).note(), "a scale of its own");
+    EXPECT_EQ(picture(MapScale::All, 0, 0).note(), "one scale for all maps");
+}
+
+TEST_F(ResultFilesTest, SizeOfPixelsIsThatOfTheAnalysis)
+{
+    analyse();
+    const std::optional<double> size = factsOfResult(engine(), m_numbers).pixelMicrometres;
+    ASSERT_TRUE(size.has_value());
+    EXPECT_NEAR(*size, 10000.0, 1e-9) << "1 cm at binning 1";
+    engine().m_nBinning = 4;
+    EXPECT_NEAR(*factsOfResult(engine(), m_numbers).pixelMicrometres, 40000.0, 1e-9);
 }
 
 TEST_F(ResultFilesTest, AStepMayStopTheWriting)
