@@ -90,3 +90,5 @@ QString resultFileName(const QString& strLabel);
 QString resultMapName(int nComponent, const QString& strLabel, int nSpot, int nSpots);
 // The same of the map of its standard errors.
 QString resultErrorMapName(int nComponent, const QString& strLabel, int nSpot, int nSpots);
+// Name of the file with all maps in one.
+inline const char* const allMapsName = "maps.ome.tif";

@@ -14,6 +14,7 @@
 #include "services/pictures/MaskPicture.h"
 #include "services/pictures/ResultComposite.h"
 #include "services/pictures/ResultPlot.h"
+#include "services/results/MapsOme.h"
 #include "services/results/ReportHtml.h"
 #include "services/results/ReportPdf.h"
 #include "services/results/ResultMapPictures.h"
@@ -84,9 +85,10 @@ void ResultFiles::write(const std::function<void(double fraction)>& step)
         }
     }
     using Part = void (ResultFiles::*)();
-    for (const Part part : {&ResultFiles::writeOverview, &ResultFiles::writeComposites, &ResultFiles::writeSpectra,
-                            &ResultFiles::writePlot, &ResultFiles::writeMask, &ResultFiles::writeProperties,
-                            &ResultFiles::writeReport, &ResultFiles::writePdf, &ResultFiles::writeSummary}) {
+    for (const Part part :
+         {&ResultFiles::writeAllMaps, &ResultFiles::writeOverview, &ResultFiles::writeComposites,
+          &ResultFiles::writeSpectra, &ResultFiles::writePlot, &ResultFiles::writeMask, &ResultFiles::writeProperties,
+          &ResultFiles::writeReport, &ResultFiles::writePdf, &ResultFiles::writeSummary}) {
         step((steps - 1.0) / steps);
         (this->*part)();
     }
@@ -154,6 +156,13 @@ void ResultFiles::writeMap(ResultMapPictures& pictures, int nComponent, int nSpo
     }
     m_pictures.append(picture);
     m_frame.maps.append({pictures.title(nComponent, nSpot), png, picture.size(), QByteArray()});
+}
+
+void ResultFiles::writeAllMaps()
+{
+    const QString name = QLatin1String(allMapsName);
+    writeMapsOme(m_engine, m_facts, m_strFolder + name);
+    m_files.append(name);
 }
 
 // All maps on one sheet, about as many in a row as there are rows.

@@ -49,6 +49,7 @@ public:
 
 private:
     void writeMap(ResultMapPictures& pictures, int nComponent, int nSpot);
+    void writeAllMaps();
     void writeMapTiff(const QString& strName, const CILImage& map, const QString& strDescription);
     void writeOverview();
     void writeComposites();

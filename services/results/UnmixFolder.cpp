@@ -4,6 +4,7 @@
 #include "platform/orvimage/TiffIo.h"
 #include "platform/orvutils/InputFile.h"
 #include "services/basis/Failure.h"
+#include "services/results/ResultFacts.h"
 
 #include <QDir>
 #include <QFile>
@@ -69,7 +70,8 @@ UnmixFolder::UnmixFolder(const QString& strFolder, const QString& strShown)
     }
     for (const auto& value : summary.value(QStringLiteral("files")).toArray()) {
         const QString name = nameOf(value);
-        if (QFileInfo(name).suffix() == QLatin1String("tif") && !errorMaps.contains(name)) {
+        if (QFileInfo(name).suffix() == QLatin1String("tif") && name != QLatin1String(allMapsName) &&
+            !errorMaps.contains(name)) {
             m_mapFiles.append(name);
         }
     }

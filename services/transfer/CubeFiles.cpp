@@ -9,6 +9,7 @@
 #include "services/basis/Failure.h"
 #include "services/basis/TextTable.h"
 #include "services/basis/UnitNames.h"
+#include "services/basis/omeText.h"
 #include "services/importer/OmeMetadata.h"
 #include "services/transfer/ExportedCube.h"
 
@@ -91,11 +92,7 @@ void writePixels(QXmlStreamWriter& xml, const ExportedCube& cube)
     attribute("SizeC", QString::number(channels));
     attribute("SizeT", QString::number(times));
     if (const auto size = cube.pixelSize()) {
-        for (const auto* axis : {"X", "Y"}) {
-            const QString key = QStringLiteral("PhysicalSize") + QLatin1String(axis);
-            xml.writeAttribute(key, orv::shortestText(*size));
-            xml.writeAttribute(key + QStringLiteral("Unit"), QStringLiteral("\u00b5m"));
-        }
+        writeOmePixelSize(xml, *size);
     }
     if (cube.isTemporal()) {
         writeChannel(xml, 0, QStringLiteral("all times"), cube.images().first());
@@ -157,26 +154,16 @@ void writeNotes(QXmlStreamWriter& xml, const ExportedCube& cube)
 
 QString omeXml(const ExportedCube& cube, const QString& strName)
 {
-    const QString schema = QStringLiteral("http://www.openmicroscopy.org/Schemas/OME/2016-06");
-    QString text;
-    QXmlStreamWriter xml(&text);
-    xml.writeStartDocument();
-    xml.writeStartElement(QStringLiteral("OME"));
-    xml.writeDefaultNamespace(schema);
-    xml.writeNamespace(QStringLiteral("http://www.w3.org/2001/XMLSchema-instance"), QStringLiteral("xsi"));
-    xml.writeAttribute(QStringLiteral("http://www.w3.org/2001/XMLSchema-instance"), QStringLiteral("schemaLocation"),
-                       schema + QLatin1Char(' ') + schema + QStringLiteral("/ome.xsd"));
-    xml.writeStartElement(QStringLiteral("Image"));
-    xml.writeAttribute(QStringLiteral("ID"), QStringLiteral("Image:0"));
-    xml.writeAttribute(QStringLiteral("Name"), strName);
-    xml.writeTextElement(QStringLiteral("Description"), unitSentence(cube));
-    writePixels(xml, cube);
-    xml.writeEmptyElement(QStringLiteral("AnnotationRef"));
-    xml.writeAttribute(QStringLiteral("ID"), QStringLiteral("Annotation:0"));
-    xml.writeEndElement();
-    writeNotes(xml, cube);
-    xml.writeEndDocument();
-    return text;
+    return omeText([&](QXmlStreamWriter& xml) {
+        xml.writeStartElement(QStringLiteral("Image"));
+        xml.writeAttribute(QStringLiteral("ID"), QStringLiteral("Image:0"));
+        xml.writeAttribute(QStringLiteral("Name"), strName);
+        xml.writeTextElement(QStringLiteral("Description"), unitSentence(cube));
+        writePixels(xml, cube);
+        writeOmeElement(xml, "AnnotationRef", {{"ID", QStringLiteral("Annotation:0")}});
+        xml.writeEndElement();
+        writeNotes(xml, cube);
+    });
 }
 
 // In braces, where neither a brace nor a line end can stand; in a list no comma either.

@@ -96,8 +96,8 @@ TEST_F(ResultFilesTest, EveryFileIsThereAndNoOther)
     analyse();
     writeFiles();
     EXPECT_EQ(entriesOf(out()), (QStringList{"01_Dye_A.png", "01_Dye_A.tif", "02_Dye_B.png", "02_Dye_B.tif",
-                                             "overview.png", "properties.csv", "spectra.csv", "spectra.png",
-                                             "spectra.svg", "summary.csv", "summary.json"}));
+                                             "maps.ome.tif", "overview.png", "properties.csv", "spectra.csv",
+                                             "spectra.png", "spectra.svg", "summary.csv", "summary.json"}));
     QStringList told;
     for (const auto& name : writtenJson()["files"].toArray()) {
         told.append(name.toString());

@@ -71,8 +71,8 @@ TEST_F(UnmixProgramTest, ASimulatedSequenceIsUnmixedIntoFiles)
     EXPECT_EQ(entriesOf(path("seq/unmixed-library")),
               (QStringList{"01_TissueAF.png", "01_TissueAF.tif", "02_Food.png", "02_Food.tif", "03_AlexaFluor_750.png",
                            "03_AlexaFluor_750.tif", "04_AlexaFluor_790.png", "04_AlexaFluor_790.tif", "composite.png",
-                           "overview.png", "properties.csv", "report.html", "spectra.csv", "spectra.png", "spectra.svg",
-                           "summary.csv", "summary.json"}));
+                           "maps.ome.tif", "overview.png", "properties.csv", "report.html", "spectra.csv",
+                           "spectra.png", "spectra.svg", "summary.csv", "summary.json"}));
     for (const auto& name : entriesOf(path("seq/unmixed-library"))) {
         const QString file = path("seq/unmixed-library/") + name;
         if (name.endsWith(".png")) {
