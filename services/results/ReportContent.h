@@ -8,6 +8,10 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
+
+class QPainter;
+
 // A picture of a report.
 struct ReportFigure
 {
@@ -15,6 +19,8 @@ struct ReportFigure
     QByteArray png;
     QSize size;     // of the PNG in pixels
     QByteArray svg; // the same drawing for readers that scale, may be empty
+    // The same drawing by itself, of `size`, for a file of vectors; may be empty.
+    std::function<void(QPainter& painter)> paint;
 };
 
 // A table of a report. Where `colors` is not empty, row i begins with a patch of that colour (a name QColor knows).

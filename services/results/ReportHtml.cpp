@@ -7,9 +7,6 @@
 
 namespace {
 
-// So many stand in one row on paper.
-constexpr int fewMaps = 4;
-
 QString escaped(const QString& strText)
 {
     return strText.toHtmlEscaped();
@@ -115,9 +112,7 @@ QByteArray reportHtml(const ReportContent& content)
     QString html = htmlPageHead(content.title + QStringLiteral(" - ") + content.subtitle);
     html += headHtml(content);
     html += figuresHtml(QStringLiteral("Composite"), QStringLiteral("large"), content.composites);
-    html +=
-        figuresHtml(QStringLiteral("Maps"),
-                    content.maps.size() > fewMaps ? QStringLiteral("grid") : QStringLiteral("grid few"), content.maps);
+    html += figuresHtml(QStringLiteral("Maps"), QStringLiteral("grid"), content.maps);
     html += figuresHtml(QStringLiteral("Spectra"), QStringLiteral("large"), content.plots);
     if (!content.components.rows.isEmpty()) {
         html += QStringLiteral("<h2>Components</h2>\n<div class=\"scroll components\">\n") +

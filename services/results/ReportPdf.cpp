@@ -11,7 +11,7 @@
 #include <QPainter>
 #include <QPdfWriter>
 #include <QTextDocument>
-#include <QUrl>
+#include <QTextOption>
 
 #include <algorithm>
 #include <cmath>
@@ -27,16 +27,17 @@ constexpr double marginMillimetres = 15.0;
 constexpr double footerPixels = 24.0;
 constexpr int footerTextPixels = 10;
 constexpr double textPoints = 8.5;
-// Side by side: up to four alone, more in rows of three.
-constexpr int fewMaps = 4;
-constexpr int mapsARow = 3;
+// Pictures side by side: with three, the numbers at their bars could not be read.
+constexpr int pairARow = 2;
 constexpr int factsARow = 3;
 // Room between the pictures of a row, in pixels.
 constexpr int gap = 10;
 // Between one block of the page and the next.
 constexpr double blockGap = 12.0;
-// Of the page, at most, for one picture.
-constexpr double pictureShare = 0.5;
+// Of the page, at most, for a picture alone.
+constexpr double pictureShare = 0.4;
+// And for a row of them: three fit on a page.
+constexpr double rowShare = 0.31;
 
 const char* const pageStyle = "h1 { font-size: 18pt; margin: 0; } h2 { font-size: 12pt; margin-top: 14px; }"
                               "h3 { font-size: 10pt; margin-top: 8px; margin-bottom: 2px; } .soft { color: #5c6670; }";
@@ -46,54 +47,55 @@ QString escaped(const QString& strText)
     return strText.toHtmlEscaped();
 }
 
-// What stays together on a page: a piece of rich text (a subset of HTML 4, in which tables stand for grids) with its
-// pictures.
+// What stays together on a page.
 class Block
 {
 public:
-    explicit Block(double dWidth)
+    Block() = default;
+    Block(const Block&) = delete;
+    Block& operator=(const Block&) = delete;
+    virtual ~Block() = default;
+
+    virtual double height() = 0;
+    // The part from `dFrom` on, no higher than `dHeight`, at the painter's origin.
+    virtual void paint(QPainter& painter, double dFrom, double dHeight) const = 0;
+};
+
+// A piece of rich text: a subset of HTML 4, in which tables stand for grids.
+class TextBlock : public Block
+{
+public:
+    explicit TextBlock(double dWidth)
     {
         QFont font(QStringLiteral("DejaVu Sans"));
         font.setPointSizeF(textPoints);
         m_document.setDefaultFont(font);
         m_document.setDocumentMargin(0);
         m_document.setDefaultStyleSheet(QLatin1String(pageStyle));
+        // Names as long as a page is wide are broken too.
+        QTextOption option = m_document.defaultTextOption();
+        option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+        m_document.setDefaultTextOption(option);
         m_document.setTextWidth(dWidth);
     }
 
-    Block& operator+=(const QString& strHtml)
+    TextBlock& operator+=(const QString& strHtml)
     {
         m_strHtml += strHtml;
         return *this;
     }
 
-    // A picture no larger than that room.
-    void addPicture(const ReportFigure& figure, const QSizeF& room)
+    double height() override
     {
         XTNT::cancellationPoint();
-        const QImage image = QImage::fromData(figure.png);
-        if (image.isNull()) {
-            m_strHtml += escaped(figure.title);
-            return;
+        if (m_strHtml.isEmpty()) {
+            return 0.0;
         }
-        const QString name = QStringLiteral("picture:%1").arg(++m_nPictures);
-        m_document.addResource(QTextDocument::ImageResource, QUrl(name), image);
-        const double factor = std::min({1.0, room.width() / image.width(), room.height() / image.height()});
-        m_strHtml += QStringLiteral("<img src=\"%1\" width=\"%2\" height=\"%3\">")
-                         .arg(name)
-                         .arg(std::max(1, static_cast<int>(image.width() * factor)))
-                         .arg(std::max(1, static_cast<int>(image.height() * factor)));
-    }
-
-    double height()
-    {
-        XTNT::cancellationPoint();
         m_document.setHtml(m_strHtml);
         return m_document.size().height();
     }
 
-    // The part from `dFrom` on, no higher than `dHeight`, at the painter's origin.
-    void paint(QPainter& painter, double dFrom, double dHeight) const
+    void paint(QPainter& painter, double dFrom, double dHeight) const override
     {
         QAbstractTextDocumentLayout::PaintContext context;
         context.clip = QRectF(0, dFrom, m_document.size().width(), dHeight);
@@ -108,7 +110,78 @@ public:
 private:
     QTextDocument m_document;
     QString m_strHtml;
-    int m_nPictures = 0;
+};
+
+// Pictures side by side below a heading, each as large as its part of the row allows; those that are made of vectors
+// stay so. A picture that cannot be read leaves its title.
+class PictureBlock : public Block
+{
+public:
+    PictureBlock(const QString& strHeading, const QList<ReportFigure>& figures, int nColumns, const QSizeF& page)
+        : m_heading(page.width())
+    {
+        m_heading += strHeading;
+        m_dTop = m_heading.height();
+        const QSizeF room((page.width() - gap * (nColumns - 1)) / nColumns,
+                          page.height() * (nColumns > 1 ? rowShare : pictureShare));
+        double left = (page.width() - figures.size() * room.width() - gap * (figures.size() - 1)) / 2.0;
+        for (const ReportFigure& figure : figures) {
+            XTNT::cancellationPoint();
+            Picture picture{figure, figure.paint ? QImage() : QImage::fromData(figure.png), QRectF()};
+            const QSizeF size = figure.paint ? QSizeF(figure.size) : QSizeF(picture.image.size());
+            const double fitting =
+                std::min(room.width() / std::max(1.0, size.width()), room.height() / std::max(1.0, size.height()));
+            const double factor = figure.paint ? fitting : std::min(1.0, fitting); // pixels are not made larger
+            const QSizeF shown = size.isEmpty() ? QSizeF(room.width(), footerPixels) : size * factor;
+            picture.place = QRectF(QPointF(left + (room.width() - shown.width()) / 2.0, m_dTop), shown);
+            m_dHeight = std::max(m_dHeight, shown.height());
+            m_pictures.push_back(picture);
+            left += room.width() + gap;
+        }
+    }
+
+    double height() override { return m_dTop + m_dHeight; }
+
+    void paint(QPainter& painter, double dFrom, double /*dHeight*/) const override
+    {
+        painter.save();
+        painter.translate(0, -dFrom);
+        m_heading.paint(painter, 0.0, m_dTop);
+        for (const Picture& picture : m_pictures) {
+            XTNT::cancellationPoint();
+            paintPicture(painter, picture);
+        }
+        painter.restore();
+    }
+
+private:
+    struct Picture
+    {
+        ReportFigure figure;
+        QImage image; // of one that is not made of vectors
+        QRectF place;
+    };
+
+    static void paintPicture(QPainter& painter, const Picture& picture)
+    {
+        painter.save();
+        if (picture.figure.paint) {
+            painter.translate(picture.place.topLeft());
+            painter.scale(picture.place.width() / picture.figure.size.width(),
+                          picture.place.height() / picture.figure.size.height());
+            picture.figure.paint(painter);
+        } else if (!picture.image.isNull()) {
+            painter.drawImage(picture.place, picture.image);
+        } else {
+            painter.drawText(picture.place, Qt::AlignCenter, picture.figure.title);
+        }
+        painter.restore();
+    }
+
+    TextBlock m_heading;
+    std::vector<Picture> m_pictures;
+    double m_dTop = 0.0;    // below the heading
+    double m_dHeight = 0.0; // of the highest picture
 };
 
 using Blocks = std::vector<std::unique_ptr<Block>>;
@@ -122,8 +195,8 @@ public:
     Blocks compose(const ReportContent& content)
     {
         addHead(content);
-        addPictures(QStringLiteral("Composite"), content.composites, 1);
-        addPictures(QStringLiteral("Maps"), content.maps, content.maps.size() <= fewMaps ? fewMaps : mapsARow);
+        addPictures(QStringLiteral("Composite"), content.composites, content.composites.size() > 1 ? pairARow : 1);
+        addPictures(QStringLiteral("Maps"), content.maps, content.maps.size() > 1 ? pairARow : 1);
         addPictures(QStringLiteral("Spectra"), content.plots, 1);
         if (!content.components.rows.isEmpty()) {
             addTable(QStringLiteral("<h2>Components</h2>"), content.components);
@@ -141,15 +214,17 @@ public:
     }
 
 private:
-    Block& add()
+    TextBlock& add()
     {
-        m_blocks.push_back(std::make_unique<Block>(m_page.width()));
-        return *m_blocks.back();
+        auto block = std::make_unique<TextBlock>(m_page.width());
+        TextBlock& added = *block;
+        m_blocks.push_back(std::move(block));
+        return added;
     }
 
     void addHead(const ReportContent& content)
     {
-        Block& block = add();
+        TextBlock& block = add();
         block += QStringLiteral("<h1>") + escaped(content.title) + QStringLiteral("</h1><p class=\"soft\">") +
                  escaped(content.subtitle) + QStringLiteral("</p>");
         if (!content.note.isEmpty()) {
@@ -174,29 +249,17 @@ private:
 
     void addPictures(const QString& strTitle, const QList<ReportFigure>& figures, int nColumns)
     {
-        const int columns = std::max(1, std::min(nColumns, figures.size()));
-        const QSizeF room((m_page.width() - gap * columns) / columns, m_page.height() * pictureShare);
-        for (int i = 0; i < figures.size(); i += columns) {
-            Block& block = add();
-            if (i == 0) {
-                block += QStringLiteral("<h2>") + escaped(strTitle) + QStringLiteral("</h2>");
-            }
-            block += QStringLiteral("<table align=\"center\" cellspacing=\"0\" cellpadding=\"%1\"><tr>").arg(gap / 2);
-            for (int k = i; k < i + columns; ++k) {
-                block += QStringLiteral("<td align=\"center\" width=\"%1\">").arg(static_cast<int>(room.width()));
-                if (k < figures.size()) {
-                    block.addPicture(figures[k], room);
-                }
-                block += QStringLiteral("</td>");
-            }
-            block += QStringLiteral("</tr></table>");
+        for (int i = 0; i < figures.size(); i += nColumns) {
+            const QString heading =
+                i == 0 ? QStringLiteral("<h2>") + escaped(strTitle) + QStringLiteral("</h2>") : QString();
+            m_blocks.push_back(std::make_unique<PictureBlock>(heading, figures.mid(i, nColumns), nColumns, m_page));
         }
     }
 
     void addTable(const QString& strTitle, const ReportTable& table)
     {
         const bool pairs = table.header.isEmpty();
-        Block& block = add();
+        TextBlock& block = add();
         block += strTitle + QStringLiteral("<table width=\"100%\" cellspacing=\"0\" cellpadding=\"3\">");
         if (!pairs) {
             block += QStringLiteral("<tr>");
@@ -223,7 +286,7 @@ private:
         if (bPairs) {
             return nColumn == 0 ? QStringLiteral("<td width=\"35%\">") : QStringLiteral("<td>");
         }
-        return nColumn == 0 ? QStringLiteral("<td style=\"white-space:nowrap; font-size:7.5pt\">")
+        return nColumn == 0 ? QStringLiteral("<td style=\"font-size:7.5pt\">")
                             : QStringLiteral("<td align=\"right\" style=\"white-space:nowrap; font-size:7.5pt\">");
     }
 
@@ -310,6 +373,7 @@ QByteArray reportPdf(const ReportContent& content)
     if (!painter.begin(&writer)) {
         return QByteArray();
     }
+    painter.setRenderHint(QPainter::LosslessImageRendering);
     painter.scale(static_cast<double>(fileDpi) / layoutDpi, static_cast<double>(fileDpi) / layoutDpi);
     const int pages = pieces.empty() ? 1 : pieces.back().page + 1;
     int shown = -1;

@@ -15,6 +15,7 @@
 #include "services/pictures/ResultComposite.h"
 #include "services/pictures/ResultPlot.h"
 #include "services/results/MapsOme.h"
+#include "services/results/MapsPdf.h"
 #include "services/results/ReportHtml.h"
 #include "services/results/ReportPdf.h"
 #include "services/results/ResultMapPictures.h"
@@ -44,6 +45,8 @@ ResultFiles::ResultFiles(const CORVSpumKyvo& engine, const ResultNumbers& number
 {
     setStyle(pictureStyleOf(engine));
 }
+
+ResultFiles::~ResultFiles() = default;
 
 void ResultFiles::setStyle(const PictureStyle& style)
 {
@@ -78,6 +81,9 @@ void ResultFiles::write(const std::function<void(double fraction)>& step)
     const int spots = m_facts.spots;
     const double steps = components * spots + 1.0;
     ResultMapPictures pictures(m_engine, m_facts, m_style);
+    if (m_bReport && m_bPdf) {
+        m_pMapsPdf = std::make_unique<MapsPdf>(m_engine.getAnalysisName(), QStringLiteral("spum"));
+    }
     for (int k = 0; k < components; ++k) {
         for (int s = 0; s < spots; ++s) {
             step((k * spots + s) / steps);
@@ -148,6 +154,9 @@ void ResultFiles::writeMap(ResultMapPictures& pictures, int nComponent, int nSpo
     }
 
     const orvimage::MapPicture drawing = pictures.picture(map, nComponent, nSpot);
+    if (m_pMapsPdf != nullptr) {
+        m_pMapsPdf->add(drawing);
+    }
     const QImage picture = drawing.toImage();
     const QByteArray png = orvimage::pngBytes(picture);
     put(name + QStringLiteral(".png"), png);
@@ -155,7 +164,11 @@ void ResultFiles::writeMap(ResultMapPictures& pictures, int nComponent, int nSpo
         return;
     }
     m_pictures.append(picture);
-    m_frame.maps.append({pictures.title(nComponent, nSpot), png, picture.size(), QByteArray()});
+    ReportFigure figure{pictures.title(nComponent, nSpot), png, picture.size(), QByteArray(), nullptr};
+    if (m_bPdf) {
+        figure.paint = [drawing](QPainter& painter) { drawing.draw(painter); };
+    }
+    m_frame.maps.append(figure);
 }
 
 void ResultFiles::writeAllMaps()
@@ -193,7 +206,7 @@ void ResultFiles::writeComposites()
         const QByteArray png = orvimage::pngBytes(file.picture);
         put(file.name, png);
         if (m_frame.composites.size() < reportedComposites) {
-            m_frame.composites.append({QStringLiteral("Composite"), png, file.picture.size(), QByteArray()});
+            m_frame.composites.append({QStringLiteral("Composite"), png, file.picture.size(), QByteArray(), nullptr});
         }
     }
 }
@@ -260,4 +273,9 @@ void ResultFiles::writePdf()
         throw Failure(QStringLiteral("the report cannot be made as PDF"));
     }
     put(QStringLiteral("report.pdf"), pdf);
+    const QByteArray maps = m_pMapsPdf->finish();
+    if (maps.isEmpty()) {
+        throw Failure(QStringLiteral("the maps cannot be made as PDF"));
+    }
+    put(QStringLiteral("maps.pdf"), maps);
 }

@@ -14,10 +14,12 @@
 #include <QStringList>
 
 #include <functional>
+#include <memory>
 #include <optional>
 
 class CILImage;
 class CORVSpumKyvo;
+class MapsPdf;
 class ResultMapPictures;
 
 // Writes a result's files into a folder: per component (and scan spot) a map as float32 TIFF and as a picture over the
@@ -28,8 +30,11 @@ class ResultFiles
 public:
     // `strFolder` ends with its separator.
     ResultFiles(const CORVSpumKyvo& engine, const ResultNumbers& numbers, const QString& strFolder);
+    ResultFiles(const ResultFiles&) = delete;
+    ResultFiles& operator=(const ResultFiles&) = delete;
+    ~ResultFiles();
 
-    // A report (report.html, with `bPdf` report.pdf too) is written with the other files. Its maps are
+    // A report (report.html, with `bPdf` report.pdf and maps.pdf too) is written with the other files. Its maps are
     // those of the result.
     void setReport(const ReportFrame& frame, bool bPdf);
 
@@ -75,4 +80,5 @@ private:
     bool m_bReport = false;
     bool m_bPdf = false;
     ReportFrame m_frame;
+    std::unique_ptr<MapsPdf> m_pMapsPdf; // while the maps are written
 };

@@ -266,6 +266,7 @@ ReportContent contentOfReport(const CORVSpumKyvo& engine, const ResultFacts& fac
     figure.png = orvimage::pngBytes(printedPlot(plot));
     figure.svg = plot.toSvg(plotSize);
     figure.size = plot.pageSize(plotSize);
+    figure.paint = [plot](QPainter& painter) { plot.draw(painter, plotSize); };
     content.plots.append(figure);
     content.components = componentTable(engine, facts);
     content.tables.append(propertyTable(engine));

@@ -24,7 +24,7 @@ figure { margin: 0; break-inside: avoid; }
 img { display: block; max-width: 100%; height: auto; }
 .large img { width: auto; max-height: 720px; margin: 0 auto; }
 .large { display: grid; gap: 20px; }
-.grid { display: grid; grid-template-columns: repeat(auto-fill, minmax(240px, 1fr)); gap: 20px; align-items: start; }
+.grid { display: grid; grid-template-columns: repeat(auto-fill, minmax(min(400px, 100%), 1fr)); gap: 20px; align-items: start; }
 .scroll { overflow-x: auto; }
 table { border-collapse: collapse; width: 100%; font-variant-numeric: tabular-nums; }
 th, td { text-align: right; padding: 5px 10px; border-bottom: 1px solid var(--line); white-space: nowrap; }
@@ -46,8 +46,7 @@ footer { margin-top: 32px; color: var(--soft); font-size: 13px; }
   main { max-width: none; padding: 0; min-height: 0; }
   h2 { break-after: avoid; margin-top: 18pt; }
   .large img { max-height: 120mm; }
-  .grid { grid-template-columns: repeat(3, 1fr); gap: 4mm; }
-  .few { grid-template-columns: repeat(4, 1fr); }
+  .grid { grid-template-columns: repeat(2, 1fr); gap: 4mm; }
   .scroll { overflow: visible; }
   th, td { padding: 3px 6px; }
   tr, .settings section { break-inside: avoid; }

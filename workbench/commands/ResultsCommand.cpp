@@ -136,7 +136,8 @@ void ResultsCommand::declare(CommandParser& parser) const
                       QStringLiteral("load: folder for maps, pictures and numbers, as \"spum unmix\" writes them; "
                                      "SEQ/result-NAME without it. export: folder of the new sequence."),
                       QStringLiteral("DIR")});
-    parser.addOption({QStringLiteral("pdf"), QStringLiteral("load: write the report as report.pdf too.")});
+    parser.addOption(
+        {QStringLiteral("pdf"), QStringLiteral("load: write the report as report.pdf too, and the maps as maps.pdf.")});
     declarePictureOptions(parser);
     parser.addOption({QStringLiteral("component"),
                       QStringLiteral("export: the component of a scan of several spots, from 1."),

@@ -99,7 +99,8 @@ void declareUnmixOptions(CommandParser& parser)
     declareImageOptions(parser, QStringLiteral("Without it: auto for the automatic method where a camera took the "
                                                "photograph, else none."));
     parser.addOption(
-        {QStringLiteral("pdf"), QStringLiteral("Write the report as report.pdf too, beside report.html.")});
+        {QStringLiteral("pdf"),
+         QStringLiteral("Write the report as report.pdf too, and the maps as maps.pdf, both in vectors.")});
     declarePictureOptions(parser);
     addValueOption(
         parser, "save",

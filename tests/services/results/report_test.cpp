@@ -1,16 +1,21 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The report of a result as a page for a browser and as PDF.
+#include "services/results/MapsPdf.h"
 #include "services/results/ReportHtml.h"
 #include "services/results/ReportPdf.h"
 #include "services/results/ResultFacts.h"
 #include "services/results/ResultReport.h"
 
+#include "platform/orvimage/MapPicture.h"
 #include "platform/orvimage/pngBytes.h"
 #include "services/support/SmallAnalysis.h"
 
+#include <QFile>
 #include <QImage>
+#include <QPainter>
 #include <QProcess>
 #include <QRegularExpression>
+#include <QTemporaryDir>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -26,7 +31,8 @@ QImage picture(int nWidth, int nHeight, const QColor& color)
 
 ReportFigure figure(const QString& strTitle, int nWidth = 40, int nHeight = 30)
 {
-    return {strTitle, orvimage::pngBytes(picture(nWidth, nHeight, Qt::red)), QSize(nWidth, nHeight), QByteArray()};
+    return {strTitle, orvimage::pngBytes(picture(nWidth, nHeight, Qt::red)), QSize(nWidth, nHeight), QByteArray(),
+            nullptr};
 }
 
 ReportContent smallContent()
@@ -62,6 +68,66 @@ QStringList sourcesIn(const QString& strHtml)
 int pagesOf(const QByteArray& pdf)
 {
     return pdf.count("/Type /Page\n");
+}
+
+// The letters of each page, as another program reads them; those of pictures made of pixels are none.
+QStringList textsOf(const QByteArray& pdf)
+{
+    QTemporaryDir folder;
+    QFile file(folder.filePath("a report.pdf"));
+    EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(pdf);
+    file.close();
+    QProcess reader;
+    reader.start("gs", {"-q", "-dNOPAUSE", "-dBATCH", "-sDEVICE=txtwrite", "-sOutputFile=" + folder.filePath("%d.txt"),
+                        file.fileName()});
+    EXPECT_TRUE(reader.waitForFinished(120000));
+    EXPECT_EQ(reader.exitCode(), 0) << reader.readAllStandardError().constData();
+    QStringList pages;
+    for (int i = 1; QFile::exists(folder.filePath(QStringLiteral("%1.txt").arg(i))); ++i) {
+        QFile page(folder.filePath(QStringLiteral("%1.txt").arg(i)));
+        EXPECT_TRUE(page.open(QIODevice::ReadOnly));
+        pages.append(QString::fromUtf8(page.readAll()).simplified());
+    }
+    return pages;
+}
+
+// How many pixels of the right margin of the first page are not white.
+int inkInMargin(const QByteArray& pdf)
+{
+    QTemporaryDir folder;
+    QFile file(folder.filePath("a report.pdf"));
+    EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(pdf);
+    file.close();
+    QProcess reader;
+    reader.start("gs", {"-q", "-dNOPAUSE", "-dBATCH", "-sDEVICE=png16m", "-r72", "-dLastPage=1",
+                        "-sOutputFile=" + folder.filePath("page.png"), file.fileName()});
+    EXPECT_TRUE(reader.waitForFinished(120000));
+    const QImage page(folder.filePath("page.png"));
+    EXPECT_FALSE(page.isNull());
+    constexpr int margin = 40; // of 42.5: 15 mm
+    int ink = 0;
+    for (int y = 0; y < page.height(); ++y) {
+        for (int x = page.width() - margin; x < page.width(); ++x) {
+            ink += page.pixel(x, y) == qRgb(255, 255, 255) ? 0 : 1;
+        }
+    }
+    return ink;
+}
+
+// A figure of vectors that says its title.
+ReportFigure drawing(const QString& strTitle)
+{
+    ReportFigure made = figure(strTitle, 600, 500);
+    made.paint = [strTitle](QPainter& painter) {
+        QFont font("DejaVu Sans");
+        font.setPixelSize(30);
+        painter.setFont(font);
+        painter.drawRect(0, 0, 599, 499);
+        painter.drawText(100, 250, strTitle);
+    };
+    return made;
 }
 
 } // namespace
@@ -153,11 +219,94 @@ TEST(ReportPdfTest, ATableHigherThanAPageIsCut)
     EXPECT_LE(pages, 20);
 }
 
+TEST(ReportPdfTest, DrawingsStayLettersAndLines)
+{
+    ReportContent content = smallContent();
+    content.plots = {drawing("Emission 700 nm")};
+    const QStringList pages = textsOf(reportPdf(content));
+    ASSERT_EQ(pages.size(), 1);
+    EXPECT_TRUE(pages[0].contains("Emission 700 nm")) << qPrintable(pages[0]);
+}
+
+TEST(ReportPdfTest, ALongNameLeavesRoomForTheNumbersBesideIt)
+{
+    for (const QString& name :
+         {QString("Autofluorescence of the tissue below the fur and of all regions together"), QString(150, 'W')}) {
+        ReportContent content = smallContent();
+        content.components.header = QStringList{"Component"};
+        content.components.rows = {QStringList{name}};
+        for (int i = 0; i < 8; ++i) {
+            content.components.header << QStringLiteral("Number%1").arg(i);
+            content.components.rows[0] << QString::number(1.2345 + i);
+        }
+        EXPECT_EQ(inkInMargin(reportPdf(content)), 0) << qPrintable(name);
+        const QString text = textsOf(reportPdf(content)).join(' ');
+        EXPECT_TRUE(text.contains("8.2345")) << qPrintable(text);
+        EXPECT_TRUE(text.contains("Number7")) << qPrintable(text);
+    }
+}
+
+TEST(ReportPdfTest, NoPageIsEmptyHoweverManyPicturesThereAre)
+{
+    for (const int count : {1, 2, 3, 5, 6, 7, 12}) {
+        ReportContent content = smallContent();
+        content.maps.clear();
+        content.composites.clear();
+        for (int i = 0; i < count; ++i) {
+            content.maps.append(drawing(QStringLiteral("map%1").arg(i)));
+            content.composites.append(drawing(QStringLiteral("composite%1").arg(i)));
+        }
+        content.plots = {drawing("plot")};
+        const QStringList pages = textsOf(reportPdf(content));
+        EXPECT_LE(pages.size(), 2 + count / 3) << count;
+        const QString all = pages.join(' ');
+        for (int i = 0; i < count; ++i) {
+            EXPECT_TRUE(all.contains(QStringLiteral("map%1").arg(i))) << count;
+        }
+        for (int i = 0; i < pages.size(); ++i) {
+            QString text = pages[i];
+            text.remove(content.program).remove(QStringLiteral("%1 / %2").arg(i + 1).arg(pages.size()));
+            EXPECT_FALSE(text.trimmed().isEmpty()) << count << " pictures, page " << i + 1;
+        }
+    }
+}
+
+TEST(MapsPdfTest, SixMapsAPageWithLettersAndNoEmptyPage)
+{
+    CILImage map;
+    map.InitWithType(ORVTYPE_FLOAT, 8, 8);
+    for (const int count : {1, 6, 7, 12, 13}) {
+        MapsPdf pdf("Spectral Unmixing", "spum");
+        for (int i = 0; i < count; ++i) {
+            orvimage::RenderMapOptions options;
+            options.title = QStringLiteral("Dye%1").arg(i);
+            options.note = "one scale for all spots";
+            options.hasRange = true;
+            options.maximum = 1.0;
+            pdf.add(orvimage::MapPicture(map, nullptr, options));
+        }
+        const QStringList pages = textsOf(pdf.finish());
+        ASSERT_EQ(pages.size(), (count + 5) / 6) << count;
+        EXPECT_TRUE(pages.last().contains(QStringLiteral("Dye%1").arg(count - 1))) << qPrintable(pages.last());
+        EXPECT_TRUE(pages.last().contains("one scale for all spots"));
+        EXPECT_TRUE(pages.last().contains("0.8")) << "numbers at the bar";
+    }
+}
+
+TEST(MapsPdfTest, WithoutMapsAPage)
+{
+    MapsPdf pdf("Spectral Unmixing", "spum");
+    pdf.add(orvimage::MapPicture(CILImage(), nullptr, {}));
+    EXPECT_TRUE(pdf.finish().startsWith("%PDF-"));
+}
+
 TEST(ReportPdfTest, APictureThatIsNoneLeavesItsTitle)
 {
     ReportContent content = smallContent();
     content.maps[0].png = "no picture";
-    EXPECT_EQ(pagesOf(reportPdf(content)), 1);
+    const QByteArray pdf = reportPdf(content);
+    EXPECT_EQ(pagesOf(pdf), 1);
+    EXPECT_TRUE(textsOf(pdf).value(0).contains(content.maps[0].title));
 }
 
 TEST(ShellLineTest, AShellTakesTheLineApartAgain)

@@ -342,6 +342,19 @@ TEST_F(ResultFilesTest, MapsOfAScanHaveOneScaleUnlessAskedOtherwise)
     EXPECT_EQ(picture(MapScale::All, 0, 0).note(), "one scale for all maps");
 }
 
+TEST_F(ResultFilesTest, PdfFilesAreWrittenTogetherOnRequest)
+{
+    analyse();
+    ASSERT_TRUE(QDir().mkpath(out()));
+    ResultFiles files(engine(), m_numbers, out());
+    files.setReport(ReportFrame(), true);
+    files.write([](double) {});
+    for (const char* name : {"report.pdf", "maps.pdf"}) {
+        EXPECT_TRUE(contentOf(out() + name).startsWith("%PDF-")) << name;
+        EXPECT_TRUE(writtenJson()["files"].toArray().contains(name)) << name;
+    }
+}
+
 TEST_F(ResultFilesTest, SizeOfPixelsIsThatOfTheAnalysis)
 {
     analyse();
