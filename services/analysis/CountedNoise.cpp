@@ -223,4 +223,4 @@ XTNT::NoiseModel CountedNoise::model() const
         model.floors.storage[i] *= counts * counts;
     }
     return model;
-}
+} // NOLINT(clang-analyzer-cplusplus.NewDeleteLeaks): the shares of a matrix are counted

