@@ -166,8 +166,9 @@ void BatchRun::finishSequence(bool bStillOpen)
     m_parts.log.flush();
     const int nRow = m_sheet.running();
     const QString& folder = m_sheet.rows().at(nRow).folder;
-    m_end.aborted = m_bRan && CORVProcess::isProcessAborted();
     m_end.saved = resultsIn(folder) != m_before;
+    // An abort may come ahead of the run, which then does not begin.
+    m_end.aborted = (m_bRan && CORVProcess::isProcessAborted()) || (m_bAbort && !m_end.saved);
     m_end.stillOpen = bStillOpen;
     m_end.milliseconds = m_clock.elapsed();
     m_sheet.end(m_end);

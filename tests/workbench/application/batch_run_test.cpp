@@ -27,6 +27,7 @@
 #include <QUrl>
 
 #include <filesystem>
+#include <functional>
 
 namespace {
 
@@ -57,6 +58,11 @@ public:
         const QString strPath = pSequence->getSequenceInfoPath();
         log(QStringLiteral("Spectral Unmixing for sequence :- ") + strPath, CORVLOG_NOTE);
         log(QStringLiteral("a warning"), CORVLOG_WARNING);
+        if (m_insteadOfRun) {
+            m_insteadOfRun();
+            QTimer::singleShot(0, CORVSequenceWindow::getSequenceWindow(pSequence)->parentWidget(), SLOT(close()));
+            return;
+        }
         run();
         if (!m_bAborted && m_broken.contains(pSequence->getSequenceName())) {
             log(QStringLiteral("no solution"), CORVLOG_ERROR);
@@ -86,6 +92,7 @@ public:
     QStringList m_worked;
     QList<int> m_modes; // of the adaptive background
     QList<int> m_nOpenAtStart;
+    std::function<void()> m_insteadOfRun;
     QStringList m_refused;  // not taken up
     QStringList m_broken;   // no result
     QStringList m_leftOpen; // no folder for the maps
@@ -235,6 +242,14 @@ TEST_F(BatchRunTest, TheChoiceTellsWhichSequenceTheSpectraDoNotFit)
     EXPECT_EQ(m_verdicts.at(0), "Yes");
     EXPECT_TRUE(m_verdicts.at(1).startsWith("No: The spectra have no value")) << qPrintable(m_verdicts.at(1));
     EXPECT_EQ(m_strSummary, "1 of 2 can be analysed; there will be no result of the others.");
+}
+
+TEST_F(BatchRunTest, AnAbortAheadOfTheRunIsNoFailure)
+{
+    m_pBatchTool->m_insteadOfRun = [this] { batch().abortSequence(); };
+    choose({copy("one")});
+    waitForEnd();
+    EXPECT_EQ(outcomes(), QStringList("Aborted"));
 }
 
 TEST_F(BatchRunTest, TheTableTellsAndIsCopied)
