@@ -195,9 +195,10 @@ void ImportDialog::endLook(bool bSuccess, const QString& strError)
         table.useFiles(m_source.files);
     }
     const ImportTable before = m_pModel->table();
-    // A table that lies with the images tells more than their names, which leave something open.
+    // A table that lies with the images tells more than their names, which leave something open or tell nothing.
     const QString own = QDir(m_source.path).filePath(QStringLiteral("images.csv"));
-    const bool wanted = !table.isReady() && m_source.files.isEmpty() && QFileInfo(own).isFile();
+    const bool open = !table.isReady() || table.kind() == ImportTable::Kind::Channels;
+    const bool wanted = open && m_source.files.isEmpty() && QFileInfo(own).isFile();
     if (!wanted || !takeOwnTable(own, before)) {
         table.takeEdits(before);
         m_pModel->setTable(table);

@@ -360,6 +360,7 @@ TEST(ImportTableModelTest, CellsTakeWhatASpreadsheetCopies)
 {
     ImportTableModel model;
     model.setTable(tableOf({found("a.tif", {}), found("b.tif", {})}));
+    model.setKind(Kind::Fluorescence);
     int changes = 0;
     QObject::connect(&model, &ImportTableModel::tableChanged, [&changes] { ++changes; });
     model.paste(model.index(0, 2), "640\t700\r\n640\t720\r\n999\t999\n");
