@@ -325,10 +325,10 @@ std::vector<Piece> placed(const Blocks& blocks, double dPageHeight)
             ++page;
             top = 0.0;
         }
-        for (double from = 0.0; from < height; from += dPageHeight) {
-            if (from > 0.0) {
-                ++page;
-            }
+        const int parts = static_cast<int>(std::ceil(height / dPageHeight));
+        for (int part = 0; part < parts; ++part) {
+            const double from = part * dPageHeight;
+            page += part > 0 ? 1 : 0;
             pieces.push_back({block.get(), from, std::min(dPageHeight, height - from), page, top});
         }
         top = blockGap + (height > dPageHeight ? std::fmod(height, dPageHeight) : top + height);
