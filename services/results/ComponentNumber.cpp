@@ -29,8 +29,10 @@ constexpr long long rowsAColumn = 10; // at least
 constexpr double rounding = 1e-7;
 // Quantile of the Tracy-Widom law (of order 1) that one eigenvalue of noise in a thousand passes.
 constexpr double tracyWidom = 3.2724;
-// Beyond the law: noise that rows do not share evenly widens its edge.
-constexpr double margin = 0.03;
+// Beyond the law. What images of a camera have in common besides their sources (a shift of a part of a pixel between
+// filters, a detector that is not quite linear, filtered or compressed images) amounts to a tenth of the noise, and
+// hundreds of thousands of pixels show it. A component with less light than that is none that an unmixing could use.
+constexpr double margin = 0.15;
 // An eigenvalue of 2 has as much signal as noise.
 constexpr double clearly = 2.0;
 constexpr int mostRounds = 60;

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <random>
 #include <string>
 #include <vector>
@@ -151,4 +152,57 @@ TEST(ComponentNumberTest, TwoImagesAndDarkOnesTellNothing)
     Matrix<double> broken = dataOf(Scene());
     broken[0][0] = std::nan("");
     EXPECT_EQ(ComponentNumber::of(broken).likely, 0);
+}
+
+// Four components as other cameras and programs leave them.
+TEST(ComponentNumberTest, ImagesAsPeopleHaveThemAreCountedWithinOne)
+{
+    struct Case
+    {
+        const char* name;
+        int images;
+        std::function<double(double)> value;
+    };
+    const std::vector<Case> cases = {
+        {"counts of a camera with gain", 18, [](double v) { return 7.0 * v; }},
+        {"floats from 0 to 1", 18, [](double v) { return v / 25000.0; }},
+        {"8 bits", 18, [](double v) { return std::round(v / 25000.0 * 255.0); }},
+        {"whole counts", 18, [](double v) { return std::round(v); }},
+        {"nine images", 9, [](double v) { return v; }},
+        {"twenty images", 20, [](double v) { return v; }},
+        {"sixty images", 60, [](double v) { return v; }},
+    };
+    for (const Case& one : cases) {
+        for (unsigned seed = 1; seed <= 3; ++seed) {
+            Scene scene;
+            scene.images = one.images;
+            scene.seed = seed;
+            Matrix<double> data = dataOf(scene);
+            for (long long p = 0; p < data.num_rows(); ++p) {
+                std::transform(data[p], data[p] + data.num_cols(), data[p], one.value);
+            }
+            EXPECT_NEAR(ComponentNumber::of(data).likely, 4, 1) << one.name << ", seed " << seed;
+        }
+    }
+}
+
+TEST(ComponentNumberTest, ABackgroundOfZerosAndImagesThatWereSmoothedAreCountedWithinOne)
+{
+    Scene scene;
+    Matrix<double> zeros = dataOf(scene);
+    Matrix<double> smooth(zeros.num_rows(), zeros.num_cols());
+    for (long long p = 0; p < zeros.num_rows(); ++p) {
+        const long long right = p + 1 < zeros.num_rows() ? p + 1 : p;
+        const long long below = p + side < zeros.num_rows() ? p + side : p;
+        for (long long j = 0; j < zeros.num_cols(); ++j) {
+            smooth[p][j] = (zeros[p][j] + zeros[right][j] + zeros[below][j]) / 3.0;
+        }
+    }
+    EXPECT_NEAR(ComponentNumber::of(smooth).likely, 4, 1);
+    for (long long p = 0; p < zeros.num_rows(); ++p) {
+        if (p % side < side / 4 || p / side > side * 3 / 4) {
+            std::fill(zeros[p], zeros[p] + zeros.num_cols(), 0.0);
+        }
+    }
+    EXPECT_NEAR(ComponentNumber::of(zeros).likely, 4, 1);
 }
