@@ -164,7 +164,7 @@ bool CORVSpumKyvo::fillImageCube(const std::function<void(double dShare)>& step)
         if (!bringToCubeSize(image)) {
             return false;
         }
-        m_imageFindings.lookAtCube(m_imageList.at(k), image, k / nImages, frame);
+        m_imageFindings.lookAtCube(m_imageList.at(k), image, frame);
         waiting.push_back(std::move(image));
         ++k;
         if (k % nImages == 0 || waiting.size() == imagesPerPass) {

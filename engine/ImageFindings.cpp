@@ -56,14 +56,6 @@ bool allEqual(const CILImage& image, const ImageFindings::Frame& frame)
 
 } // namespace
 
-void ImageFindings::Negatives::addToRow(std::size_t nRow)
-{
-    if (ofRows.size() <= nRow) {
-        ofRows.resize(nRow + 1, 0);
-    }
-    ofRows[nRow] = static_cast<unsigned short>(std::min(ofRows[nRow] + 1, 65535));
-}
-
 void ImageFindings::look(const QString& strName, const CILImage& image, const Frame& frame)
 {
     if (m_strFirst.isEmpty()) {
@@ -77,7 +69,7 @@ void ImageFindings::look(const QString& strName, const CILImage& image, const Fr
     }
 }
 
-void ImageFindings::lookAtCube(const QString& strName, const CILImage& image, int nSpot, const Frame& frame)
+void ImageFindings::lookAtCube(const QString& strName, const CILImage& image, const Frame& frame)
 {
     const float* pixels = image.floats();
     const std::size_t nPixels = image.pixelCount();
@@ -91,9 +83,6 @@ void ImageFindings::lookAtCube(const QString& strName, const CILImage& image, in
         if (value < 0.0) {
             ++cut;
             m_negatives.cutLight -= value;
-            m_negatives.addToRow(static_cast<std::size_t>(nSpot) * nRows + row);
-        } else {
-            m_negatives.light += value;
         }
     }
     m_negatives.elements += static_cast<long long>(nRows);

@@ -25,8 +25,8 @@ public:
     // Looks at an image as it was read, floats at its own binning.
     void look(const QString& strName, const CILImage& image, const Frame& frame);
     void cannotBeRead(const QString& strName);
-    // Looks at the same image as it goes into the cube, as a column of that spot.
-    void lookAtCube(const QString& strName, const CILImage& image, int nSpot, const Frame& frame);
+    // Looks at the same image as it goes into the cube.
+    void lookAtCube(const QString& strName, const CILImage& image, const Frame& frame);
 
     // Why the images cannot be analysed, in one sentence: the first that could not be read, is not square or does not
     // cover the area of the first one, else all that have pixels that are not finite. Empty when there is no reason.
@@ -36,19 +36,14 @@ public:
     // Images whose pixels are all the same: those of the mask, or, in an image of another size than the analysis and
     // without a mask, all of them. In the order of the cube.
     const QStringList& constantImages() const { return m_constant; }
-    // Elements below 0, which the cube holds as 0: their number, what they sum up to without their sign, and the sum of
-    // the elements that stay; the images that they are in, each with their number; and how many a row of the cube has
-    // (none: no row has any).
+    // Elements below 0, which the cube holds as 0: their number, what they sum up to without their sign, and the images
+    // that they are in, each with their number.
     struct Negatives
     {
         long long elements = 0; // of the cube
         long long cut = 0;
         double cutLight = 0.0;
-        double light = 0.0;
         QList<QPair<QString, long long>> images;
-        std::vector<unsigned short> ofRows;
-
-        void addToRow(std::size_t nRow);
     };
     const Negatives& negatives() const { return m_negatives; }
     // The images of the cube summed up, row by row, where there is a mask; else empty.

@@ -15,6 +15,7 @@
 #include "services/basis/TextTable.h"
 #include "services/basis/UnitNames.h"
 #include "services/results/ResultStore.h"
+#include "services/results/keptWarnings.h"
 #include "services/results/resultFindings.h"
 #include "services/session/LibrarySpectra.h"
 #include "services/warnings/runWarnings.h"
@@ -316,10 +317,12 @@ QString UnmixJob::adviceAgainstFailure()
 void UnmixJob::takeWarnings()
 {
     RunFindings findings = findingsOfResult(m_setUp.engine(), m_setUp.opened().sequence(), isAutomatic(), m_numbers);
+    findings.restInFiles = true;
     findings.maskOfPhotograph = m_setUp.hasMaskOfPhotograph();
     if (isAutomatic()) {
         findings.askedNames = m_request.automatic.components;
     }
     m_monitor.addAll(runWarnings(findings));
     m_numbers.warnings = m_monitor.warnings();
+    keepWarnings(m_numbers.warnings, m_setUp.engine());
 }

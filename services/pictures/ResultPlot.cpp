@@ -91,8 +91,8 @@ QStringList linesOf(const CORVSpumKyvo& engine)
     return others;
 }
 
-PlotCurve curveOf(const CORVSpumKyvo& engine, const ChannelLabels& channels, int nComponent, const QString& strOther,
-                  double dUnit)
+PlotCurve curveOf(const CORVSpumKyvo& engine, const ChannelLabels& channels, const std::vector<double>& values,
+                  const QString& strOther, double dUnit)
 {
     PlotCurve curve;
     QVector<double> x;
@@ -103,7 +103,7 @@ PlotCurve curveOf(const CORVSpumKyvo& engine, const ChannelLabels& channels, int
             continue;
         }
         x.append(channels.isEmpty() ? placeAlong(engine, pair) / dUnit : channels.place(pair));
-        y.append(engine.m_spectra[nComponent][j]);
+        y.append(values[static_cast<std::size_t>(j)]);
     }
     QVector<int> order(x.size());
     std::iota(order.begin(), order.end(), 0);
@@ -169,23 +169,21 @@ QString plotAxisLabel(const CORVSpumKyvo& engine, const ChannelLabels& channels,
 
 } // namespace
 
-SpectrumPlot plotOfSpectra(const CORVSpumKyvo& engine, const QList<QColor>& colors)
+SpectrumPlot plotOverImages(const CORVSpumKyvo& engine, const QString& strTitle, const QString& strYLabel,
+                            const QList<ValuesOverImages>& all)
 {
-    const bool temporal = engine.m_eAxis == SPECTRUMAXIS_TIME;
     const ChannelLabels channels(engine);
-    const TimeUnit time = temporal ? timeUnitOf(engine) : TimeUnit();
-    SpectrumPlot plot(temporal ? QStringLiteral("Time courses") : QStringLiteral("Pure spectra"),
-                      plotAxisLabel(engine, channels, time), QStringLiteral("relative intensity"));
+    const TimeUnit time = engine.m_eAxis == SPECTRUMAXIS_TIME ? timeUnitOf(engine) : TimeUnit();
+    SpectrumPlot plot(strTitle, plotAxisLabel(engine, channels, time), strYLabel);
     if (!channels.isEmpty() && channels.areNumbers()) {
         plot.setXNames(namesOf(engine, channels));
     }
     const QStringList lines = linesOf(engine);
-    for (int k = 0; k < engine.m_spectrumPlots.size(); ++k) {
-        const SpectrumSettings& settings = engine.m_spectrumPlots[k]->settings;
+    for (int k = 0; k < all.size(); ++k) {
         for (int i = 0; i < lines.size(); ++i) {
-            PlotCurve curve = curveOf(engine, channels, k, lines[i], time.seconds);
-            curve.label = i == 0 ? settings.name : QString();
-            curve.color = readable(colors.value(k));
+            PlotCurve curve = curveOf(engine, channels, all[k].values, lines[i], time.seconds);
+            curve.label = i == 0 ? all[k].name : QString();
+            curve.color = readable(all[k].color);
             curve.marker = markerOf(k);
             takeLineStyle(i, curve);
             plot.addCurve(curve);
@@ -200,4 +198,17 @@ SpectrumPlot plotOfSpectra(const CORVSpumKyvo& engine, const QList<QColor>& colo
         plot.addCurve(key);
     }
     return plot;
+}
+
+SpectrumPlot plotOfSpectra(const CORVSpumKyvo& engine, const QList<QColor>& colors)
+{
+    const bool temporal = engine.m_eAxis == SPECTRUMAXIS_TIME;
+    QList<ValuesOverImages> all;
+    for (int k = 0; k < engine.m_spectrumPlots.size(); ++k) {
+        const double* values = engine.m_spectra[k];
+        all.append({engine.m_spectrumPlots[k]->settings.name, colors.value(k),
+                    std::vector<double>(values, values + engine.m_spectra.num_cols())});
+    }
+    return plotOverImages(engine, temporal ? QStringLiteral("Time courses") : QStringLiteral("Pure spectra"),
+                          QStringLiteral("relative intensity"), all);
 }

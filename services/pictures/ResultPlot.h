@@ -3,6 +3,12 @@
 
 #include "services/pictures/SpectrumPlot.h"
 
+#include <QColor>
+#include <QList>
+#include <QString>
+
+#include <vector>
+
 class CORVSpumKyvo;
 
 // The spectra (or time courses) of the engine's result against the axis of the analysis: wavelengths in nm, or the time
@@ -11,3 +17,15 @@ class CORVSpumKyvo;
 // Time runs on through the intervals of a sequence, unless they overlap. There is a colour for each component; one that
 // is too light for a white ground is darkened.
 SpectrumPlot plotOfSpectra(const CORVSpumKyvo& engine, const QList<QColor>& colors);
+
+// Values of the selected images, one each, under a name.
+struct ValuesOverImages
+{
+    QString name;
+    QColor color;
+    std::vector<double> values;
+};
+
+// The same axis and lines for other values than those of the spectra.
+SpectrumPlot plotOverImages(const CORVSpumKyvo& engine, const QString& strTitle, const QString& strYLabel,
+                            const QList<ValuesOverImages>& all);

@@ -30,6 +30,8 @@ struct ComponentNumber
     // Standard deviation of each image's noise over the analysed pixels; empty where it cannot be told.
     std::vector<double> noiseOfImages;
 
+    // Whether it was looked for with success.
+    bool isKnown() const { return likely > 0 || !noiseOfImages.empty(); }
     // "componentsAboveNoise" and its ends, and "noise", where they can be told.
     void addTo(QJsonObject& json) const;
     // "4 (3 to 5)", "at least 5", "unknown".

@@ -8,6 +8,7 @@
 #include "services/basis/UnitNames.h"
 #include "services/results/FitStatistics.h"
 #include "services/results/ResultNumbers.h"
+#include "services/results/keptWarnings.h"
 #include "services/session/PixelSize.h"
 #include "spectra/SpectrumPlotParams.h"
 
@@ -166,9 +167,8 @@ ResultFacts factsOfResult(const CORVSpumKyvo& engine, const ResultNumbers& numbe
     for (int k = 0; k < engine.m_spectrumPlots.size(); ++k) {
         facts.components.append(componentOf(engine, numbers, k, facts.spots));
     }
-    for (const auto& property : engine.m_properties) {
-        facts.properties.append({property.first, property.second});
-    }
+    // Warnings have a place of their own.
+    facts.properties = withoutWarnings(engine.m_properties);
     if (numbers.automatic) {
         facts.automatic = automaticFactsOf(engine, numbers.facts, numbers.above.likely);
     }

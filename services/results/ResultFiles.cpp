@@ -3,6 +3,7 @@
 
 #include "XTNT/xtnt_parallel.h"
 #include "engine/CORVSpumKyvo.h"
+#include "engine/EngineEnums.h"
 #include "files/AtomicFile.h"
 #include "host/CILImage.h"
 #include "platform/orvimage/MapPicture.h"
@@ -14,6 +15,7 @@
 #include "services/pictures/MaskPicture.h"
 #include "services/pictures/ResultComposite.h"
 #include "services/pictures/ResultPlot.h"
+#include "services/results/FitRest.h"
 #include "services/results/MapsOme.h"
 #include "services/results/MapsPdf.h"
 #include "services/results/ReportHtml.h"
@@ -37,6 +39,25 @@ const QSize plotSize(1100, 700);
 // A scan of many spots has too many maps for one sheet.
 constexpr int overviewMaps = 12;
 constexpr int reportedComposites = 6;
+
+// A row an image: what is left of it, what its noise is where that is known, and what is missing, as a spectrum whose
+// largest value is 1.
+QByteArray restTable(const CORVSpumKyvo& engine, const FitRest& rest, const std::vector<double>& noise)
+{
+    constexpr int digits = 9;
+    const bool temporal = engine.m_eAxis == SPECTRUMAXIS_TIME;
+    TextTable table({temporal ? QStringLiteral("interval") : QStringLiteral("excitation"),
+                     temporal ? QStringLiteral("time") : QStringLiteral("emission"), QStringLiteral("residual"),
+                     QStringLiteral("noise"), QStringLiteral("missing")});
+    const double most = rest.spectrum.empty() ? 0.0 : *std::max_element(rest.spectrum.begin(), rest.spectrum.end());
+    for (std::size_t j = 0; j < rest.ofImages.size(); ++j) {
+        const KeyPair& pair = engine.m_selectedKeyPairs[static_cast<int>(j)];
+        table.addRow({pair.first, pair.second, TextTable::number(rest.ofImages[j], digits),
+                      j < noise.size() ? TextTable::number(noise[j], digits) : QString(),
+                      most > 0.0 ? TextTable::number(rest.spectrum[j] / most, digits) : QString()});
+    }
+    return table.toCsv().toUtf8();
+}
 
 } // namespace
 
@@ -90,6 +111,8 @@ void ResultFiles::write(const std::function<void(double fraction)>& step)
             writeMap(pictures, k, s);
         }
     }
+    step((steps - 1.0) / steps);
+    writeRest(pictures);
     using Part = void (ResultFiles::*)();
     for (const Part part :
          {&ResultFiles::writeAllMaps, &ResultFiles::writeOverview, &ResultFiles::writeComposites,
@@ -114,6 +137,7 @@ void ResultFiles::setReport(const ReportFrame& frame, bool bPdf)
     m_bPdf = bPdf;
     m_frame = frame;
     m_frame.maps.clear();
+    m_frame.plots.clear();
     m_frame.composites.clear();
 }
 
@@ -238,6 +262,41 @@ void ResultFiles::writePlot()
     put(QStringLiteral("spectra.svg"), plot.toSvg(plotSize));
 }
 
+// Over all spots of a scan.
+void ResultFiles::writeRest(const ResultMapPictures& pictures)
+{
+    const FitRest rest = FitRest::of(m_engine.m_cube.m_data, m_engine.m_concentrations, m_engine.m_spectra);
+    const long long pixels = m_engine.m_cube.pixelsPerSpot();
+    XTNT::Matrix<double> size(1, pixels);
+    for (std::size_t p = 0; p < rest.ofRows.size(); ++p) {
+        size[0][static_cast<long long>(p) % pixels] += rest.ofRows[p] * rest.ofRows[p] / m_facts.spots;
+    }
+    std::transform(size[0], size[0] + pixels, size[0], [](double square) { return std::sqrt(square); });
+    const CILImage map = imageOfMap(m_engine, size, 0, 0, 0.0F);
+    writeMapTiff(
+        QStringLiteral("residual.tif"), map,
+        QStringLiteral("residual, root mean square over the images, %1").arg(UnitNames::quantity(m_engine.m_eUnit)));
+    const QString title = QStringLiteral("What no component explains");
+    const orvimage::MapPicture drawing = pictures.pictureOf(map, title);
+    const QImage picture = drawing.toImage();
+    const QByteArray png = orvimage::pngBytes(picture);
+    put(QStringLiteral("residual.png"), png);
+    put(QStringLiteral("residual.csv"), restTable(m_engine, rest, m_facts.above.noiseOfImages));
+    if (!codesOf(m_facts.warnings).contains(QStringLiteral("unexplained"))) {
+        return;
+    }
+    ReportFigure figure{title, png, picture.size(), QByteArray(), nullptr};
+    if (m_bPdf) {
+        figure.paint = [drawing](QPainter& painter) { drawing.draw(painter); };
+    }
+    m_frame.maps.append(figure);
+    QList<ValuesOverImages> values = {{QStringLiteral("residual"), QColor(Qt::red), rest.ofImages}};
+    if (m_facts.above.noiseOfImages.size() == rest.ofImages.size()) {
+        values.append({QStringLiteral("noise"), QColor(Qt::black), m_facts.above.noiseOfImages});
+    }
+    m_frame.plots = {plotOverImages(m_engine, title, QStringLiteral("root mean square"), values)};
+}
+
 void ResultFiles::writeMask()
 {
     // Of all pixels of the images there is nothing to tell.
@@ -250,7 +309,7 @@ void ResultFiles::writeMask()
 void ResultFiles::writeProperties()
 {
     TextTable table({QStringLiteral("property"), QStringLiteral("value")});
-    for (const auto& property : m_engine.m_properties) {
+    for (const auto& property : m_facts.properties) {
         table.addRow({property.first, property.second});
     }
     put(QStringLiteral("properties.csv"), table.toCsv().toUtf8());

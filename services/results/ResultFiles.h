@@ -23,8 +23,9 @@ class MapsPdf;
 class ResultMapPictures;
 
 // Writes a result's files into a folder: per component (and scan spot) a map as float32 TIFF and as a picture over the
-// photograph, where there are standard errors a map of them, composites where the engine has made its pictures, spectra
-// as a library file and as a plot, the mask, the properties, a report, the summary.
+// photograph, where there are standard errors a map of them, what the components leave as a map and by image,
+// composites where the engine has made its pictures, spectra as a library file and as a plot, the mask, the properties,
+// a report, the summary.
 class ResultFiles
 {
 public:
@@ -60,6 +61,7 @@ private:
     void writeComposites();
     void writeSpectra();
     void writePlot();
+    void writeRest(const ResultMapPictures& pictures);
     void writeMask();
     void writeProperties();
     void writeReport();

@@ -62,18 +62,29 @@ QString ResultMapPictures::title(int nComponent, int nSpot) const
     return m_facts.spots > 1 ? QStringLiteral("%1, spot %2").arg(label).arg(nSpot + 1) : label;
 }
 
-orvimage::MapPicture ResultMapPictures::picture(const CILImage& map, int nComponent, int nSpot)
+orvimage::RenderMapOptions ResultMapPictures::optionsOf(const QString& strTitle) const
 {
     orvimage::RenderMapOptions options;
-    options.title = title(nComponent, nSpot);
+    options.title = strTitle;
     options.unit = mapUnitText(m_engine.m_eUnit);
-    options.note = scaleNote();
     options.colorTable = m_style.colorTable;
     options.reversed = m_style.reversed;
     options.logScale = m_engine.m_bLogScale;
     options.pixelMicrometres = m_facts.pixelMicrometres.value_or(0.0);
+    return options;
+}
+
+orvimage::MapPicture ResultMapPictures::picture(const CILImage& map, int nComponent, int nSpot)
+{
+    orvimage::RenderMapOptions options = optionsOf(title(nComponent, nSpot));
+    options.note = scaleNote();
     takeRange(nComponent, options);
     return orvimage::MapPicture(map, m_photograph ? &*m_photograph : nullptr, options);
+}
+
+orvimage::MapPicture ResultMapPictures::pictureOf(const CILImage& map, const QString& strTitle) const
+{
+    return orvimage::MapPicture(map, m_photograph ? &*m_photograph : nullptr, optionsOf(strTitle));
 }
 
 // Nothing to be told of one map alone.

@@ -36,8 +36,11 @@ public:
     // The component, and the spot where there are several.
     QString title(int nComponent, int nSpot) const;
     orvimage::MapPicture picture(const CILImage& map, int nComponent, int nSpot);
+    // Of a map that is none of a component, in a scale of its own.
+    orvimage::MapPicture pictureOf(const CILImage& map, const QString& strTitle) const;
 
 private:
+    orvimage::RenderMapOptions optionsOf(const QString& strTitle) const;
     QString scaleNote() const;
     using Range = std::pair<double, double>;
     Range rangeOfComponent(int nComponent);

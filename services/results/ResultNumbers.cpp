@@ -3,6 +3,7 @@
 
 #include "engine/CORVSpumKyvo.h"
 #include "services/results/FitStatistics.h"
+#include "services/results/keptWarnings.h"
 
 bool hasMapsOfItsImages(const CORVSpumKyvo& engine)
 {
@@ -22,5 +23,6 @@ ResultNumbers numbersOfResult(const CORVSpumKyvo& engine, const QString& strTrut
     numbers.residual = FitStatistics::relativeResidual(data, engine.m_concentrations, engine.m_spectra);
     numbers.truth = compareWithTruth(engine, strTruthFolder);
     numbers.facts = engine.m_runFacts;
+    numbers.warnings = warningsAmong(engine.m_properties);
     return numbers;
 }

@@ -36,6 +36,17 @@ QImage printedPlot(const SpectrumPlot& plot)
     return image;
 }
 
+ReportFigure figureOf(const SpectrumPlot& plot, const QString& strTitle)
+{
+    ReportFigure figure;
+    figure.title = strTitle;
+    figure.png = orvimage::pngBytes(printedPlot(plot));
+    figure.svg = plot.toSvg(plotSize);
+    figure.size = plot.pageSize(plotSize);
+    figure.paint = [plot](QPainter& painter) { plot.draw(painter, plotSize); };
+    return figure;
+}
+
 QString numberOf(double dValue, int nDigits)
 {
     return std::isfinite(dValue) ? TextTable::number(dValue, nDigits) : QStringLiteral("-");
@@ -159,11 +170,11 @@ ReportTable componentTable(const CORVSpumKyvo& engine, const ResultFacts& facts)
     return table;
 }
 
-ReportTable propertyTable(const CORVSpumKyvo& engine)
+ReportTable propertyTable(const CORVSpumKyvo& engine, const ResultFacts& facts)
 {
     ReportTable table;
     table.title = QStringLiteral("Properties of the result");
-    for (const auto& property : engine.m_properties) {
+    for (const auto& property : facts.properties) {
         table.rows.append({property.first, property.second});
     }
     if (engine.m_bCherenkov) {
@@ -259,17 +270,14 @@ ReportContent contentOfReport(const CORVSpumKyvo& engine, const ResultFacts& fac
     for (const ComponentFacts& component : facts.components) {
         colors.append(QColor(component.color));
     }
-    const SpectrumPlot plot = plotOfSpectra(engine, colors);
-    ReportFigure figure;
-    figure.title =
-        engine.m_eAxis == SPECTRUMAXIS_TIME ? QStringLiteral("Time courses") : QStringLiteral("Pure spectra");
-    figure.png = orvimage::pngBytes(printedPlot(plot));
-    figure.svg = plot.toSvg(plotSize);
-    figure.size = plot.pageSize(plotSize);
-    figure.paint = [plot](QPainter& painter) { plot.draw(painter, plotSize); };
-    content.plots.append(figure);
+    content.plots.append(figureOf(plotOfSpectra(engine, colors), engine.m_eAxis == SPECTRUMAXIS_TIME
+                                                                     ? QStringLiteral("Time courses")
+                                                                     : QStringLiteral("Pure spectra")));
+    for (const SpectrumPlot& plot : frame.plots) {
+        content.plots.append(figureOf(plot, QStringLiteral("What no component explains")));
+    }
     content.components = componentTable(engine, facts);
-    content.tables.append(propertyTable(engine));
+    content.tables.append(propertyTable(engine, facts));
     if (engine.m_eMode == RUNMODE_AUTOMATIC) {
         content.tables.append(parameterTable(engine.m_lastParams));
         content.tables.append(constraintTable(engine));

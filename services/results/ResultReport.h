@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "services/pictures/SpectrumPlot.h"
 #include "services/results/ReportContent.h"
 
 #include <QString>
@@ -18,6 +19,7 @@ struct ReportFrame
     QString made;    // date and time
     QList<ReportFigure> composites;
     QList<ReportFigure> maps;
+    QList<SpectrumPlot> plots; // below that of the spectra
 };
 
 // The report of a finished unmixing.

@@ -7,6 +7,7 @@
 #include "host/CORVDataset.h"
 #include "host/CORVSequenceDataset.h"
 #include "services/results/ComponentNumber.h"
+#include "services/results/FitRest.h"
 #include "services/results/KnownSpectra.h"
 #include "services/results/MaskLight.h"
 #include "services/results/ResultNumbers.h"
@@ -36,47 +37,64 @@ void findSaturation(const CORVSpumKyvo& engine, RunFindings& findings)
     }
 }
 
-// Part of the elements of pixels with light, a tenth of the mean pixel's at least, that were below 0.
-double cutOfLit(const XTNT::Matrix<double>& data, const std::vector<unsigned short>& ofRows)
-{
-    constexpr double lit = 0.1;
-    std::vector<double> light;
-    double mean = 0.0;
-    for (long long p = 0; p < data.num_rows(); ++p) {
-        light.push_back(std::accumulate(data[p], data[p] + data.num_cols(), 0.0));
-        mean += light.back() / static_cast<double>(data.num_rows());
-    }
-    long long elements = 0;
-    long long cut = 0;
-    for (std::size_t p = 0; p < light.size(); ++p) {
-        if (light[p] > lit * mean) {
-            elements += data.num_cols();
-            cut += p < ofRows.size() ? ofRows[p] : 0;
-        }
-    }
-    return elements > 0 ? static_cast<double>(cut) / static_cast<double>(elements) : RunFindings::notKnown;
-}
-
 // The images with most of them first, each once, though a scan has one a spot.
-void findCut(const CORVSpumKyvo& engine, RunFindings& findings)
+void findCut(const CORVSpumKyvo& engine, RunFindings& findings, const ComponentNumber& above)
 {
     const ImageFindings::Negatives& negatives = engine.m_imageFindings.negatives();
     if (negatives.elements < 1) {
         return;
     }
     findings.cutElements = static_cast<double>(negatives.cut) / static_cast<double>(negatives.elements);
-    findings.cutLight = negatives.light > 0.0 ? negatives.cutLight / negatives.light : RunFindings::notKnown;
-    findings.cutOfLit = negatives.cut > 0 ? cutOfLit(engine.m_cube.m_data, negatives.ofRows) : 0.0;
     QList<QPair<QString, long long>> images = negatives.images;
     std::stable_sort(images.begin(), images.end(), [](const auto& a, const auto& b) { return a.second > b.second; });
     const int columns = std::max(1, engine.m_selectedKeyPairs.size());
+    double noise = 0.0; // as much as all of them would have
     for (const auto& image : qAsConst(images)) {
-        const QString text =
-            pairText(engine.m_selectedKeyPairs.value(engine.m_imageList.indexOf(image.first) % columns));
+        const int column = engine.m_imageList.indexOf(image.first) % columns;
+        const auto known = static_cast<std::size_t>(std::max(column, 0));
+        noise += known < above.noiseOfImages.size() ? above.noiseOfImages[known] * static_cast<double>(image.second)
+                                                    : RunFindings::notKnown;
+        const QString text = pairText(engine.m_selectedKeyPairs.value(column));
         if (!findings.cutImages.contains(text)) {
             findings.cutImages.append(text);
         }
     }
+    findings.cutOverNoise = negatives.cut > 0 ? negatives.cutLight / noise : RunFindings::notKnown;
+}
+
+// The value that a hundredth of an image's pixels lie below; of many pixels some serve.
+double darkLevelOf(const XTNT::Matrix<double>& data, long long nImage)
+{
+    constexpr long long enough = 20000;
+    constexpr long long part = 100;
+    const long long stride = std::max(1LL, data.num_rows() / enough);
+    std::vector<double> values;
+    for (long long p = 0; p < data.num_rows(); p += stride) {
+        values.push_back(data[p][nImage]);
+    }
+    const auto level = values.begin() + static_cast<std::ptrdiff_t>(values.size()) / part;
+    std::nth_element(values.begin(), level, values.end());
+    return *level;
+}
+
+void findOffset(const CORVSpumKyvo& engine, RunFindings& findings)
+{
+    const auto& data = engine.m_cube.m_data;
+    if (engine.m_cube.m_bHasMask || engine.m_eUnit != DISPLAYUNIT_COUNTS || data.empty()) {
+        return;
+    }
+    double sum = 0.0;
+    std::vector<double> levels;
+    for (long long j = 0; j < data.num_cols(); ++j) {
+        levels.push_back(darkLevelOf(data, j));
+    }
+    for (long long p = 0; p < data.num_rows(); ++p) {
+        sum = std::accumulate(data[p], data[p] + data.num_cols(), sum);
+    }
+    const auto ends = std::minmax_element(levels.begin(), levels.end());
+    findings.darkestLevel = *ends.first;
+    findings.brightestLevel = *ends.second;
+    findings.meanLight = sum / static_cast<double>(data.num_rows()) / static_cast<double>(data.num_cols());
 }
 
 void findMask(const CORVSpumKyvo& engine, RunFindings& findings, ResultNumbers& numbers)
@@ -137,37 +155,6 @@ void findLikeness(const CORVSpumKyvo& engine, RunFindings& findings, ResultNumbe
     }
 }
 
-// What the fit leaves, by image and as the spectrum of the pixels that have more light than it explains.
-struct Rest
-{
-    std::vector<double> squares;
-    std::vector<double> spectrum;
-};
-
-Rest restOf(const CORVSpumKyvo& engine)
-{
-    const auto& data = engine.m_cube.m_data;
-    const auto images = static_cast<std::size_t>(data.num_cols());
-    Rest rest{std::vector<double>(images, 0.0), std::vector<double>(images, 0.0)};
-    std::vector<double> left(images);
-    for (long long p = 0; p < data.num_rows(); ++p) {
-        double sum = 0.0;
-        for (std::size_t j = 0; j < images; ++j) {
-            const auto image = static_cast<long long>(j);
-            left[j] = data[p][image];
-            for (long long k = 0; k < engine.m_spectra.num_rows(); ++k) {
-                left[j] -= engine.m_concentrations[k][p] * engine.m_spectra[k][image];
-            }
-            sum += left[j];
-            rest.squares[j] += left[j] * left[j];
-        }
-        for (std::size_t j = 0; j < images; ++j) {
-            rest.spectrum[j] += std::max(sum, 0.0) * left[j];
-        }
-    }
-    return rest;
-}
-
 void findRest(const CORVSpumKyvo& engine, RunFindings& findings, const ResultNumbers& numbers)
 {
     const ComponentNumber& above = numbers.above;
@@ -181,11 +168,11 @@ void findRest(const CORVSpumKyvo& engine, RunFindings& findings, const ResultNum
     const double free = images - static_cast<double>(engine.m_spectra.num_rows());
     findings.residual = numbers.residual;
     findings.floor = above.noise * std::sqrt(std::max(free, 1.0) / images);
-    const Rest rest = restOf(engine);
+    const FitRest rest = FitRest::of(engine.m_cube.m_data, engine.m_concentrations, engine.m_spectra);
     std::vector<std::pair<double, int>> worst;
     constexpr double beyond = 2.0;
-    for (std::size_t j = 0; j < rest.squares.size(); ++j) {
-        const double size = std::sqrt(rest.squares[j] / static_cast<double>(engine.m_cube.m_data.num_rows()));
+    for (std::size_t j = 0; j < rest.ofImages.size(); ++j) {
+        const double size = rest.ofImages[j];
         if (size > beyond * above.noiseOfImages[j]) {
             worst.emplace_back(-size / std::max(above.noiseOfImages[j], std::numeric_limits<double>::min()),
                                static_cast<int>(j));
@@ -195,13 +182,7 @@ void findRest(const CORVSpumKyvo& engine, RunFindings& findings, const ResultNum
     for (const auto& image : worst) {
         findings.unexplainedImages.append(pairText(engine.m_selectedKeyPairs.value(image.second)));
     }
-    std::vector<double> spectrum = rest.spectrum;
-    std::replace_if(
-        spectrum.begin(), spectrum.end(), [](double value) { return value < 0.0; }, 0.0);
-    findings.restLooksLike = backgroundLike(engine, spectrum);
-    if (findings.givenNames.contains(findings.restLooksLike)) {
-        findings.restLooksLike.clear();
-    }
+    findings.restLooksLike = sourceLikeRest(engine, rest.spectrum);
 }
 
 void findNames(const CORVSpumKyvo& engine, RunFindings& findings, ResultNumbers& numbers)
@@ -257,10 +238,13 @@ RunFindings findingsOfResult(const CORVSpumKyvo& engine, const CORVSequenceDatas
         findings.givenNames.append(component.name);
     }
     findSaturation(engine, findings);
-    findCut(engine, findings);
+    findOffset(engine, findings);
     findMask(engine, findings, numbers);
     findLikeness(engine, findings, numbers);
-    numbers.above = ComponentNumber::of(engine.m_cube.m_data);
+    if (!numbers.above.isKnown()) {
+        numbers.above = ComponentNumber::of(engine.m_cube.m_data);
+    }
+    findCut(engine, findings, numbers.above);
     findRest(engine, findings, numbers);
     findBinning(engine, sequence, findings);
     if (bResolved) {

@@ -37,6 +37,7 @@ struct RunFindings
     double floor = notKnown;
     QStringList unexplainedImages;
     QString restLooksLike;
+    bool restInFiles = false; // residual.png and residual.csv show it
 
     long long pixels = 0; // analysed, over all spots
     // Pixels at the top of the camera's range, the images that they are in, and the component that most of them show.
@@ -44,12 +45,16 @@ struct RunFindings
     QStringList saturatedImages;
     QString saturatedComponent;
 
-    // Elements below 0 that became 0, of all and of those of pixels with light, and what they sum up to, of the light;
-    // images with most of them.
+    // Elements below 0 that became 0, as a part of all, their mean size over the noise of their images, and the images
+    // with most of them.
     double cutElements = notKnown;
-    double cutOfLit = notKnown;
-    double cutLight = notKnown;
+    double cutOverNoise = notKnown;
     QStringList cutImages;
+
+    // Of images in counts without a mask: the largest and the smallest of their dark levels, and their mean light.
+    double darkestLevel = notKnown;
+    double brightestLevel = notKnown;
+    double meanLight = notKnown;
 
     // The mask's part of the images' light and of their pixels, 0 to 1; whether a photograph chose it, and not the
     // user.

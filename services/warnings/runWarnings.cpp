@@ -24,11 +24,14 @@ constexpr double timesTheFloor = 2.0;
 constexpr double wrongFrom = 4.0;
 // What images without noise leave is the rounding of files, and the end of a resolution at 0.1 %.
 constexpr double smallestRest = 2e-3;
-// Where the camera's noise goes below 0 beside the subject, half of the pixels there do. Cut at 0 its mean is light of
-// its own, which spectra that are resolved from all pixels take up; known spectra are fitted to each pixel by itself,
-// so that only what was cut of pixels with light matters.
+// Where there is no light half of the pixels are below 0, by eight tenths of the noise in the mean: that is no more
+// than noise. What is cut beyond was taken off the light: a background or a dark image that was too bright.
 constexpr double manyCut = 0.01;
-constexpr double largestCut = 1e-3;
+constexpr double beyondNoise = 1.5;
+// Light differs from image to image; what is the same in the dark of all, and a tenth of the light or more, is the
+// camera's. Noise shifts the dark level of an image a little.
+constexpr double sameLevel = 0.85;
+constexpr double largeLevel = 0.1;
 // A mask that leaves half of the light out leaves out more than stray light.
 constexpr double smallestMaskLight = 0.5;
 constexpr int listed = 6;
@@ -138,15 +141,29 @@ QString percent(double dPart)
 
 void addCut(const RunFindings& findings, QList<RunWarning>& warnings)
 {
-    const bool everywhere = findings.resolved && findings.cutElements >= manyCut && findings.cutLight >= largestCut;
-    if (!everywhere && !(findings.cutOfLit >= manyCut)) {
+    if (!(findings.cutElements >= manyCut && findings.cutOverNoise >= beyondNoise)) {
         return;
     }
-    warnings.append({Severity::Warning, QStringLiteral("clipped"),
-                     QStringLiteral("%1 of the elements were below 0 and became 0, %2 of the light, most of them in %3")
-                         .arg(percent(findings.cutElements), percent(findings.cutLight), listText(findings.cutImages)),
-                     QStringLiteral("take a smaller background or dark image off the images, or leave pixels without "
-                                    "light out by --mask")});
+    warnings.append(
+        {Severity::Warning, QStringLiteral("clipped"),
+         QStringLiteral("%1 of the elements were below 0, by %2 times the noise in the mean, and became 0; "
+                        "most of them are in %3")
+             .arg(percent(findings.cutElements), number(findings.cutOverNoise), listText(findings.cutImages)),
+         QStringLiteral("the background or dark image that was taken off is too bright: take less off, or "
+                        "leave these pixels out by --mask")});
+}
+
+void addOffset(const RunFindings& findings, QList<RunWarning>& warnings)
+{
+    if (!(findings.darkestLevel > sameLevel * findings.brightestLevel &&
+          findings.darkestLevel > largeLevel * findings.meanLight && findings.images > 2)) {
+        return;
+    }
+    warnings.append({Severity::Warning, QStringLiteral("offset"),
+                     QStringLiteral("the darkest pixels of all images have about the same %1 counts, %2 of the mean "
+                                    "light: an offset of the camera is taken for light")
+                         .arg(number(findings.darkestLevel), percent(findings.darkestLevel / findings.meanLight)),
+                     QStringLiteral("take it off at the import (--dark), or ask for one component more")});
 }
 
 void addMask(const RunFindings& findings, QList<RunWarning>& warnings)
@@ -260,6 +277,9 @@ void addRest(const RunFindings& findings, QList<RunWarning>& warnings)
         warning.text += QStringLiteral("; what is left looks like %1").arg(findings.restLooksLike);
         warning.advice = QStringLiteral("add %1").arg(findings.restLooksLike);
     }
+    if (findings.restInFiles) {
+        warning.advice += QStringLiteral("; residual.png shows where, residual.csv in which images");
+    }
     warnings.append(warning);
 }
 
@@ -273,6 +293,7 @@ QList<RunWarning> runWarnings(const RunFindings& findings)
     addUnexplained(findings, warnings);
     addRest(findings, warnings);
     addNumber(findings, warnings);
+    addOffset(findings, warnings);
     addCut(findings, warnings);
     addAlike(findings, warnings);
     addIterationLimit(findings, warnings);

@@ -10,6 +10,7 @@
 #include "services/results/ResultReport.h"
 #include "services/results/ResultStore.h"
 #include "services/results/StagedRun.h"
+#include "services/results/keptWarnings.h"
 #include "services/session/OpenedSequence.h"
 #include "services/transfer/ResultExport.h"
 #include "storage/SavedDocument.h"
@@ -240,9 +241,13 @@ void ResultsCommand::show(OpenedSequence& opened, const QString& strName, CliSes
     }
     TextTable properties({QStringLiteral("property"), QStringLiteral("value")});
     QJsonObject propertiesJson;
-    for (const auto& property : document.properties) {
+    for (const auto& property : withoutWarnings(document.properties)) {
         properties.addRow({property.first, property.second});
         propertiesJson.insert(property.first, property.second);
+    }
+    const QList<RunWarning> warnings = warningsAmong(document.properties);
+    for (const QString& sentence : sentencesOf(warnings)) {
+        text += QStringLiteral("warning: ") + TextTable::oneLine(sentence) + QLatin1Char('\n');
     }
     text += QLatin1Char('\n') + properties.toText() + QLatin1Char('\n') + spectraText(document);
     if (!document.isotope.isEmpty()) {
@@ -256,6 +261,7 @@ void ResultsCommand::show(OpenedSequence& opened, const QString& strName, CliSes
     session.answer(text);
     QJsonObject json = jsonOf(strName, document);
     json.insert(QStringLiteral("properties"), propertiesJson);
+    json.insert(QStringLiteral("warnings"), jsonOf(warnings));
     json.insert(QStringLiteral("spectra"), spectraJson(document));
     if (!document.isotope.isEmpty()) {
         json.insert(QStringLiteral("decayCorrected"), document.decayCorrected);
@@ -285,6 +291,7 @@ void ResultsCommand::load(OpenedSequence& opened, const QString& strName, const 
         session.showProgress(QStringLiteral("Writing the results"), fraction);
     });
     staged.finish(session);
+    session.warnAll(sentencesOf(loaded.numbers().warnings));
     RunAnswer answer = staged.answer(files.summaryText(), files.summaryJson());
     answer.json.insert(QStringLiteral("saved"), strName);
     session.answer(answer);

@@ -95,15 +95,34 @@ TEST_F(ResultFilesTest, EveryFileIsThereAndNoOther)
 {
     analyse();
     writeFiles();
-    EXPECT_EQ(entriesOf(out()), (QStringList{"01_Dye_A.png", "01_Dye_A.tif", "02_Dye_B.png", "02_Dye_B.tif",
-                                             "maps.ome.tif", "overview.png", "properties.csv", "spectra.csv",
-                                             "spectra.png", "spectra.svg", "summary.csv", "summary.json"}));
+    EXPECT_EQ(entriesOf(out()),
+              (QStringList{"01_Dye_A.png", "01_Dye_A.tif", "02_Dye_B.png", "02_Dye_B.tif", "maps.ome.tif",
+                           "overview.png", "properties.csv", "residual.csv", "residual.png", "residual.tif",
+                           "spectra.csv", "spectra.png", "spectra.svg", "summary.csv", "summary.json"}));
     QStringList told;
     for (const auto& name : writtenJson()["files"].toArray()) {
         told.append(name.toString());
     }
     told.sort();
     EXPECT_EQ(told, entriesOf(out()));
+}
+
+TEST_F(ResultFilesTest, WhatNoComponentExplainsIsAMapAndATable)
+{
+    // A pixel of the third image has more light than the spectra allow.
+    analyse();
+    engine().m_cube.m_data[5][2] += 30.0;
+    writeFiles();
+    const CILImage map = tiff("residual.tif");
+    ASSERT_EQ(map.m_lWidth, side);
+    for (int i = 0; i < side * side; ++i) {
+        EXPECT_NEAR(map.value(static_cast<std::size_t>(i)), i == 5 ? 30.0 / std::sqrt(3.0) : 0.0, 1e-5) << i;
+    }
+    EXPECT_FALSE(QImage(out() + "residual.png").isNull());
+    const QStringList lines = QString::fromUtf8(contentOf(out() + "residual.csv")).split('\n');
+    EXPECT_EQ(lines.value(0), "excitation,emission,residual,noise,missing");
+    EXPECT_EQ(lines.value(3).section(',', 2, 4), "7.5,,1");
+    EXPECT_EQ(lines.size(), 5);
 }
 
 TEST_F(ResultFilesTest, MapsAreFloatsOfTheConcentrations)

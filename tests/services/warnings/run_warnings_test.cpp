@@ -250,28 +250,25 @@ TEST(RunWarningsTest, ErrorsComeFirst)
     EXPECT_EQ(codesOf(runWarnings(findings)), (QStringList{"not-its-name", "iteration-limit", "upsampled"}));
 }
 
-TEST(RunWarningsTest, CutElementsAreToldWhereTheyAreManyAndAddUp)
+TEST(RunWarningsTest, CutElementsAreToldWhereTheyAreManyAndMoreThanNoise)
 {
-    const auto cut = [](bool bResolved, double dElements, double dOfLit, double dLight) {
+    const auto cut = [](double dElements, double dOverNoise) {
         return [=](RunFindings& findings) {
-            findings.resolved = bResolved;
             findings.cutElements = dElements;
-            findings.cutOfLit = dOfLit;
-            findings.cutLight = dLight;
+            findings.cutOverNoise = dOverNoise;
             findings.cutImages = QStringList({"605/640", "605/660"});
         };
     };
-    const RunWarning warning = onlyWarning(cut(true, 0.04, 0.0, 0.005));
+    const RunWarning warning = onlyWarning(cut(0.04, 3.0));
     EXPECT_EQ(warning.code, "clipped");
     EXPECT_EQ(warning.severity, Severity::Warning);
-    EXPECT_EQ(warning.text, "4 % of the elements were below 0 and became 0, 0.5 % of the light, most of them in "
-                            "605/640, 605/660");
+    EXPECT_EQ(warning.text, "4 % of the elements were below 0, by 3 times the noise in the mean, and became 0; most of "
+                            "them are in 605/640, 605/660");
     EXPECT_FALSE(warning.advice.isEmpty());
-    EXPECT_TRUE(isQuiet(cut(true, 0.009, 0.0, 0.005)));
-    EXPECT_TRUE(isQuiet(cut(true, 0.4, 0.0, 0.0009)));
-    // The noise beside the subject is nothing to a fit of known spectra.
-    EXPECT_TRUE(isQuiet(cut(false, 0.4, 0.009, 0.005)));
-    EXPECT_EQ(onlyWarning(cut(false, 0.02, 0.01, 0.0)).code, "clipped");
+    EXPECT_TRUE(isQuiet(cut(0.009, 3.0)));
+    // Half of the pixels of a dark background.
+    EXPECT_TRUE(isQuiet(cut(0.4, 0.8)));
+    EXPECT_TRUE(isQuiet(cut(0.4, std::nan(""))));
 }
 
 TEST(RunWarningsTest, AMaskOfThePhotographThatLeavesTheLightOutIsTold)
@@ -294,4 +291,36 @@ TEST(RunWarningsTest, AMaskOfThePhotographThatLeavesTheLightOutIsTold)
         mask(0.08, 0.3)(findings);
         findings.maskOfPhotograph = false;
     }));
+}
+
+TEST(RunWarningsTest, TheFilesThatShowWhatIsLeftAreNamedWhereThereAreSome)
+{
+    const auto rest = [](bool bFiles) {
+        return [bFiles](RunFindings& findings) {
+            findings.residual = 0.1;
+            findings.floor = 0.01;
+            findings.restInFiles = bFiles;
+        };
+    };
+    EXPECT_TRUE(onlyWarning(rest(true)).advice.endsWith("; residual.png shows where, residual.csv in which images"));
+    EXPECT_FALSE(onlyWarning(rest(false)).advice.contains("residual."));
+}
+
+TEST(RunWarningsTest, AnOffsetThatIsTheSameInAllImagesIsTold)
+{
+    const auto levels = [](double dDarkest, double dBrightest) {
+        return [=](RunFindings& findings) {
+            findings.darkestLevel = dDarkest;
+            findings.brightestLevel = dBrightest;
+            findings.meanLight = 1000.0;
+        };
+    };
+    const RunWarning warning = onlyWarning(levels(490.0, 505.0));
+    EXPECT_EQ(warning.code, "offset");
+    EXPECT_EQ(warning.text, "the darkest pixels of all images have about the same 490 counts, 49 % of the mean light: "
+                            "an offset of the camera is taken for light");
+    EXPECT_TRUE(isQuiet(levels(90.0, 95.0)));
+    // Light that is everywhere differs from image to image.
+    EXPECT_TRUE(isQuiet(levels(200.0, 500.0)));
+    EXPECT_TRUE(isQuiet(levels(0.0, 0.0)));
 }

@@ -3,6 +3,8 @@
 #include "support/ForkedChild.h"
 #include "workbench/program/ProgramFixture.h"
 
+#include "services/warnings/RunWarning.h"
+
 #include "platform/orvimage/TiffIo.h"
 #include "storage/SavedDocument.h"
 
@@ -182,7 +184,20 @@ TEST_F(ResultsProgramTest, ALoadedAutomaticResultTellsTheSameSources)
     const auto run = succeed({"unmix", "seq", "--ncomponents", "3", "--save", "--out", path("run"), "--json"},
                              {"unexplained", "too-few-components"})
                          .json();
-    const auto loaded = succeed({"results", "load", "seq", "SPUM_001", "--out", path("again"), "--json"}).json();
+    const auto shown = succeed({"results", "show", "seq", "SPUM_001", "--json"}).json();
+    const auto loaded = succeed({"results", "load", "seq", "SPUM_001", "--out", path("again"), "--json"},
+                                {"unexplained", "too-few-components"})
+                            .json();
+    const auto sentences = [](const QJsonObject& json) {
+        return sentencesOf(warningsOfJson(json["warnings"].toArray()));
+    };
+    EXPECT_EQ(sentences(loaded), sentences(run));
+    EXPECT_EQ(sentences(shown), sentences(run));
+    EXPECT_FALSE(shown["properties"].toObject().contains("Warning"));
+    const QString text = spum({"results", "show", "seq", "SPUM_001"}).out;
+    EXPECT_TRUE(text.contains("warning: " + sentences(run).first() + "\n")) << qPrintable(text);
+    const QString report = QString::fromUtf8(contentOf(path("again/report.html")));
+    EXPECT_EQ(report.count("<p class=\"warning\">"), 2);
     ASSERT_EQ(loaded["components"].toArray().size(), 3);
     for (int i = 0; i < 3; ++i) {
         const auto a = run["components"].toArray()[i].toObject();
@@ -353,7 +368,9 @@ TEST_F(ResultsProgramTest, TheDecayOfAnIsotopeIsKeptWithItsState)
         << qPrintable(text);
     // Each comes back in its own state.
     for (const QString& name : {QStringLiteral("plain"), QStringLiteral("corrected")}) {
-        const auto loaded = succeed({"results", "load", "seq", name, "--out", path("again-" + name), "--json"}).json();
+        const auto loaded = succeed({"results", "load", "seq", name, "--out", path("again-" + name), "--json"},
+                                    name == "plain" ? QStringList("decay") : QStringList())
+                                .json();
         const auto made = QJsonDocument::fromJson(contentOf(path(name + "/summary.json"))).object();
         EXPECT_NEAR(loaded["residual"].toDouble(), made["residual"].toDouble(), 0.02 * made["residual"].toDouble());
         EXPECT_NEAR(loaded["components"].toArray()[0].toObject()["maximum"].toDouble(),

@@ -68,11 +68,14 @@ TEST_F(UnmixProgramTest, ASimulatedSequenceIsUnmixedIntoFiles)
         text.startsWith("Radiant Efficiency, 8 images of 64 x 64 pixels at binning 4, 4096 of 4096 pixels analysed\n"))
         << qPrintable(text);
     EXPECT_TRUE(text.contains("\nresults in " + path("seq/unmixed-library") + '\n')) << qPrintable(text);
-    EXPECT_EQ(entriesOf(path("seq/unmixed-library")),
-              (QStringList{"01_TissueAF.png", "01_TissueAF.tif", "02_Food.png", "02_Food.tif", "03_AlexaFluor_750.png",
-                           "03_AlexaFluor_750.tif", "04_AlexaFluor_790.png", "04_AlexaFluor_790.tif", "composite.png",
-                           "maps.ome.tif", "overview.png", "properties.csv", "report.html", "spectra.csv",
-                           "spectra.png", "spectra.svg", "summary.csv", "summary.json"}));
+    EXPECT_EQ(
+        entriesOf(path("seq/unmixed-library")),
+        (QStringList{"01_TissueAF.png",       "01_TissueAF.tif",       "02_Food.png",           "02_Food.tif",
+                     "03_AlexaFluor_750.png", "03_AlexaFluor_750.tif", "04_AlexaFluor_790.png", "04_AlexaFluor_790.tif",
+                     "composite.png",         "maps.ome.tif",          "overview.png",          "properties.csv",
+                     "report.html",           "residual.csv",          "residual.png",          "residual.tif",
+                     "spectra.csv",           "spectra.png",           "spectra.svg",           "summary.csv",
+                     "summary.json"}));
     for (const auto& name : entriesOf(path("seq/unmixed-library"))) {
         const QString file = path("seq/unmixed-library/") + name;
         if (name.endsWith(".png")) {

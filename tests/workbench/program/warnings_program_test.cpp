@@ -3,6 +3,7 @@
 #include "workbench/program/ProgramFixture.h"
 
 #include "platform/orvimage/TiffIo.h"
+#include "services/warnings/RunWarning.h"
 
 #include <QDirIterator>
 #include <QJsonDocument>
@@ -36,12 +37,23 @@ protected:
     }
     // Of the last unmixing.
     QJsonObject summary() const { return QJsonDocument::fromJson(contentOf(path("out/summary.json"))).object(); }
+    QString warningText(const QString& strCode) const
+    {
+        for (const RunWarning& warning : warningsOfJson(summary()["warnings"].toArray())) {
+            if (warning.code == strCode) {
+                return warning.sentence();
+            }
+        }
+        return QString();
+    }
     void simulateAnew(const QStringList& options) const
     {
         succeed(QStringList{"simulate", "seq", "--size", "64", "--quiet"} + options);
     }
 };
 
+// Food is in the images and not among the names.
+const QStringList namesWithoutFood = {"--components", "TissueAF,AlexaFluor 750,AlexaFluor 790"};
 const QStringList mouseNames = {"--components", "TissueAF,Food,AlexaFluor 750,AlexaFluor 790"};
 
 } // namespace
@@ -69,7 +81,7 @@ TEST_F(WarningsProgramTest, AGoodRunIsQuietAndStrictLetsItPass)
 TEST_F(WarningsProgramTest, FoodUnderTheNameOfADyeIsTold)
 {
     simulateAnew({});
-    const ProgramResult result = spum({"unmix", "seq", "--out", "out", "--json"});
+    const ProgramResult result = spum(QStringList{"unmix", "seq", "--out", "out", "--json"} + namesWithoutFood);
     const QJsonArray warnings = result.json()["warnings"].toArray();
     ASSERT_GE(warnings.size(), 1);
     EXPECT_EQ(warnings[0].toObject()["code"], "not-its-name");
@@ -82,11 +94,11 @@ TEST_F(WarningsProgramTest, FoodUnderTheNameOfADyeIsTold)
     }
 }
 
-// Food is not among what is proposed, nor in the library.
 TEST_F(WarningsProgramTest, ALightThatNoComponentExplainsIsToldAndThatThereAreTooFew)
 {
     simulateAnew({});
-    EXPECT_EQ(codes({}), (QStringList{"not-its-name", "unexplained", "too-few-components"}));
+    EXPECT_EQ(codes(namesWithoutFood), (QStringList{"not-its-name", "unexplained", "too-few-components"}));
+    EXPECT_TRUE(warningText("unexplained").contains("residual.png shows where"));
     const QString report = QString::fromUtf8(contentOf(path("out/report.html")));
     EXPECT_TRUE(report.contains("of the images unexplained, where noise would leave"));
     const QJsonObject json = spum({"pca", "seq", "--out", "pca", "--json"}).json();
@@ -184,4 +196,42 @@ TEST_F(WarningsProgramTest, AMaskOverTheDarkPartOfTheImagesIsTold)
     }
     EXPECT_TRUE(codes({"--ncomponents", "2"}).contains("mask-off-light"));
     EXPECT_LT(summary()["maskLight"].toDouble(), 0.5);
+}
+
+TEST_F(WarningsProgramTest, AnOffsetOfTheCameraIsTold)
+{
+    const auto write = [this](float fOffset) {
+        ASSERT_TRUE(QDir().mkpath(path("in")));
+        QString error;
+        for (int k = 0; k < 5; ++k) {
+            const CILImage image = imageOf(32, 32, [k, fOffset](int i) {
+                return fOffset + static_cast<float>(40 * (k + 1) * (i % 32) / 32 + 30 * (5 - k) * (i / 32) / 32);
+            });
+            ASSERT_TRUE(writeTiff(path(QStringLiteral("in/em%1.tif").arg(500 + 20 * k)), image, {}, &error));
+        }
+    };
+    write(300.0F);
+    succeed({"import", path("in"), "seq", "--quiet"});
+    EXPECT_TRUE(codes({"--ncomponents", "2"}).contains("offset"));
+    write(0.0F);
+    succeed({"import", path("in"), "seq", "--quiet", "--force"});
+    EXPECT_FALSE(codes({"--ncomponents", "2"}).contains("offset"));
+}
+
+TEST_F(WarningsProgramTest, ASourceThatALibraryLacksIsGuessedFromWhatIsLeft)
+{
+    simulateAnew({});
+    // Its second spectrum is that of the food.
+    QString lacking;
+    for (const QString& line : QString::fromUtf8(contentOf(truth())).split('\n', Qt::SkipEmptyParts)) {
+        QStringList cells = line.split(',');
+        if (cells.size() > 3) {
+            cells.removeAt(3);
+        }
+        lacking += (line.startsWith("$,NumSpec") ? QStringLiteral("$,NumSpec,3") : cells.join(',')) + '\n';
+    }
+    write("lacking.csv", lacking.toUtf8());
+    EXPECT_TRUE(codes({"--library", path("lacking.csv")}).contains("unexplained"));
+    EXPECT_TRUE(warningText("unexplained").contains("; what is left looks like Food; add Food"))
+        << qPrintable(warningText("unexplained"));
 }
