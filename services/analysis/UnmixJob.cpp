@@ -8,6 +8,7 @@
 #include "host/CORVLog.h"
 #include "host/CORVSequenceDataset.h"
 #include "services/analysis/AutomaticSetUp.h"
+#include "services/analysis/FoodLook.h"
 #include "services/analysis/ShownRun.h"
 #include "services/basis/Failure.h"
 #include "services/basis/JobMonitor.h"
@@ -21,6 +22,7 @@
 #include "services/warnings/runWarnings.h"
 #include "spectra/SpectrumPlotParams.h"
 #include "spectra/logLine.h"
+#include "windows/componentCount.h"
 #include "windows/maskPixels.h"
 
 #include "XTNT/xtnt_parallel.h"
@@ -29,6 +31,7 @@
 #include <QElapsedTimer>
 #include <QJsonArray>
 #include <QLocale>
+#include <QtAlgorithms>
 
 namespace {
 
@@ -58,6 +61,7 @@ RunAnswer UnmixJob::run()
     timer.start();
     m_setUp.readImages(checkedFraction);
     if (isAutomatic()) {
+        lookForFood();
         checkConstantImages();
     }
     takeIsotope();
@@ -201,6 +205,10 @@ RunAnswer UnmixJob::answer(const ResultFiles& files, const StagedRun& staged, co
     RunAnswer answer = staged.answer(files.summaryText(), files.summaryJson());
     // Of the answer only: files of the same input are the same.
     answer.json.insert(QStringLiteral("seconds"), m_numbers.seconds);
+    if (!m_strProposal.isEmpty()) {
+        answer.text += m_strProposal + QLatin1Char('\n');
+        answer.json.insert(QStringLiteral("proposal"), m_strProposal);
+    }
     if (!strSaved.isEmpty()) {
         answer.text += QStringLiteral("saved with the sequence as %1\n").arg(strSaved);
         answer.json.insert(QStringLiteral("saved"), strSaved);
@@ -225,6 +233,45 @@ void UnmixJob::takeSpectra()
 void UnmixJob::takeComponents()
 {
     m_monitor.warnAll(setUpAutomatic(m_request.automatic, m_setUp.opened().sequence(), m_setUp.engine()));
+}
+
+void UnmixJob::lookForFood()
+{
+    CORVSpumKyvo& engine = m_setUp.engine();
+    if (!m_request.automatic.components.isEmpty() || m_request.automatic.count > 0) {
+        return;
+    }
+    QStringList names = engine.m_analysisInput.componentNames;
+    m_strProposal = QStringLiteral("proposed %1: what the sequence tells of").arg(names.join(QStringLiteral(", ")));
+    const bool counts = isComponentCountValid(names.size() + 1, engine.getSelectedKeyPairs().size());
+    if (engine.m_eSeqKind != SEQKIND_EPI_FLUORESCENT || engine.m_bCherenkov || !counts) {
+        return;
+    }
+    const FoodLook look = FoodLook::of(engine, names);
+    if (!look.looked) {
+        return;
+    }
+    const auto percent = [](double part) { return QString::number(100.0 * part, 'g', 2); };
+    if (!look.isFed()) {
+        m_strProposal += QStringLiteral("; no food is seen: it explains no region of the mask that they do not");
+        return;
+    }
+    names.insert(names.indexOf(QStringLiteral("TissueAF")) + 1, QStringLiteral("Food"));
+    AutomaticRequest withFood = m_request.automatic;
+    withFood.components = names;
+    m_bFoodProposed = true;
+    const QStringList told = sentencesOf(m_monitor.warnings());
+    for (const QString& text : setUpAutomatic(withFood, m_setUp.opened().sequence(), engine)) {
+        if (!told.contains(text)) {
+            m_monitor.warn(text);
+        }
+    }
+    m_strProposal = QStringLiteral("proposed %1: tissue, the probes that the sequence tells of, and food, which %2 of "
+                                   "%3 regions of the mask show (without it %4 % of one is left, with it %5 %)")
+                        .arg(names.join(QStringLiteral(", ")))
+                        .arg(look.fed)
+                        .arg(look.squares)
+                        .arg(percent(look.without), percent(look.with));
 }
 
 // Images without a structure hold nothing that could be told apart.
@@ -253,12 +300,37 @@ void UnmixJob::takeIsotope()
     input.halfLifeSeconds = CORVDatabase::getCherenkovRADHalflife(isotope);
 }
 
+// Names that nobody gave are no reason to end without a result.
+RunOutcome UnmixJob::resolve()
+{
+    CORVSpumKyvo& engine = m_setUp.engine();
+    const QString message = QStringLiteral("Resolving the components");
+    const RunOutcome outcome = runShown(engine, m_monitor, message, notKnown);
+    if (outcome == RunOutcome::Aborted || !m_bFoodProposed || engine.m_nError != RUNERROR_NO_SOLUTION) {
+        return outcome;
+    }
+    const QStringList names = engine.m_analysisInput.componentNames;
+    m_monitor.add({RunWarning::Severity::Warning, QStringLiteral("not-by-names"),
+                   QStringLiteral("of the proposed components %1 no start was found that holds (%2), and %3 were "
+                                  "resolved without names")
+                       .arg(names.join(QStringLiteral(", ")), engine.getErrorText())
+                       .arg(names.size()),
+                   QStringLiteral("compare their spectra, or give those that are known by --library")});
+    // Of the run that failed: a result takes over what it finds.
+    engine.m_suggestedLabels.clear();
+    qDeleteAll(engine.m_spectrumPlots);
+    engine.m_spectrumPlots.clear();
+    AutomaticRequest byNumber = m_request.automatic;
+    byNumber.count = names.size();
+    setUpAutomatic(byNumber, m_setUp.opened().sequence(), engine);
+    return runShown(engine, m_monitor, message, notKnown);
+}
+
 void UnmixJob::fit(const QElapsedTimer& timer)
 {
     auto& engine = m_setUp.engine();
-    const RunOutcome outcome = isAutomatic()
-                                   ? runShown(engine, m_monitor, QStringLiteral("Resolving the components"), notKnown)
-                                   : runShown(engine, m_monitor, QStringLiteral("Fitting"), checkedFraction);
+    const RunOutcome outcome =
+        isAutomatic() ? resolve() : runShown(engine, m_monitor, QStringLiteral("Fitting"), checkedFraction);
     const double seconds = static_cast<double>(timer.nsecsElapsed()) * 1e-9;
     if (outcome == RunOutcome::Aborted) {
         throw Failure(QStringLiteral("unmixing aborted by user"), Failure::Kind::Aborted);

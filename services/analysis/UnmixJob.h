@@ -5,6 +5,7 @@
 #include "services/analysis/AutomaticRequest.h"
 #include "services/analysis/NoiseFit.h"
 #include "services/analysis/NoiseRequest.h"
+#include "services/analysis/ShownRun.h"
 #include "services/results/ResultFiles.h"
 #include "services/results/StagedRun.h"
 #include "services/warnings/WarningCollector.h"
@@ -52,8 +53,11 @@ private:
     int prepare();
     void takeSpectra();
     void takeComponents();
+    // Where nothing was asked for: adds food to what is proposed, if the images show it.
+    void lookForFood();
     void checkConstantImages();
     void takeIsotope();
+    RunOutcome resolve();
     // The time is counted from the reading of the images on.
     void fit(const QElapsedTimer& timer);
     NoiseFitResult weigh();
@@ -70,4 +74,6 @@ private:
     WarningCollector m_monitor;
     AnalysisSetUp m_setUp;
     ResultNumbers m_numbers;
+    bool m_bFoodProposed = false;
+    QString m_strProposal; // what was proposed, and why; empty where components were asked for
 };

@@ -65,8 +65,8 @@ void declareAutomaticOptions(CommandParser& parser)
          QStringLiteral("Names of the components to resolve, split by commas: TissueAF, Food, probes of the "
                         "database (\"spum sources\"; other names in use serve, as AF750), Unknown. They tell the "
                         "method where each lies in the spectrum; with one "
-                        "Unknown among them nothing is predicted. Without it: TissueAF and the probes of "
-                        "the sequence."),
+                        "Unknown among them nothing is predicted. Without it: TissueAF, the probes of the "
+                        "sequence, and Food where fluorescent images show it."),
          QStringLiteral("NAMES")});
     parser.addOption(
         {QStringLiteral("any-name"), QStringLiteral("--components may have names that the database does not know.")});

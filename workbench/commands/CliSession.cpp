@@ -160,6 +160,7 @@ void CliSession::warn(const QString& strText)
         m_withheld.append(strText);
         return;
     }
+    m_told.append(strText);
     m_pProgress->finish();
     writeAll(STDERR_FILENO,
              (QLatin1String("spum: warning: ") + orv::printableLine(strText) + QLatin1Char('\n')).toUtf8());

@@ -52,6 +52,7 @@ public:
     void warn(const QString& strText) override;
     // What --quiet has kept back: it may tell why a command failed.
     const QStringList& withheldWarnings() const { return m_withheld; }
+    const QStringList& toldWarnings() const { return m_told; }
 
     void startProgress(const QString& strMessage) override;
     void showProgress(const QString& strMessage, double dFraction) override;
@@ -72,6 +73,7 @@ private:
     bool m_bQuiet = false;
     bool m_bVerbose = false;
     QStringList m_withheld;
+    QStringList m_told;
     std::ofstream m_trace;
     std::streambuf* m_pOldBuffer = nullptr;
     std::unique_ptr<TraceWatch> m_pWatch; // where a progress line is shown

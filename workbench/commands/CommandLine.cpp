@@ -268,6 +268,7 @@ int runCommand(Command& command, const QStringList& arguments)
     }
     const LoggedErrors errors;
     std::unique_ptr<CliSession> pSession;
+    QStringList warned;
     // Why a command failed is told once; what was logged beyond that goes ahead of it, unless the log was shown.
     const auto tell = [&](const QString& strFailure) {
         const bool shown =
@@ -278,7 +279,9 @@ int runCommand(Command& command, const QStringList& arguments)
                 complain(QStringLiteral("warning: ") + line);
             }
         }
-        const QStringList lines = shown ? QStringList() : errors.linesBeyond(strFailure);
+        // A warning that says what was logged has told it.
+        const QStringList lines =
+            shown ? QStringList() : errors.linesBeyond(strFailure + QLatin1Char('\n') + warned.join(QLatin1Char('\n')));
         for (const QString& line : lines) {
             complain(line);
         }
@@ -291,6 +294,7 @@ int runCommand(Command& command, const QStringList& arguments)
         ExportPlace::clearAbandoned();
         // An interrupt that comes when all is done does not make a failure of it.
         command.run(parser, *pSession);
+        warned = pSession->toldWarnings();
         pSession.reset();
         tell(QString());
         return ExitStatus::success;

@@ -198,6 +198,39 @@ TEST_F(WarningsProgramTest, AMaskOverTheDarkPartOfTheImagesIsTold)
     EXPECT_LT(summary()["maskLight"].toDouble(), 0.5);
 }
 
+TEST_F(WarningsProgramTest, FoodIsProposedWhereTheImagesShowItAndNotWhereTheyDoNot)
+{
+    for (int seed = 1; seed <= 6; ++seed) {
+        succeed({"simulate", "fed", "--size", "64", "--seed", QString::number(seed), "--quiet", "--force"});
+        const QJsonObject fed = succeed({"unmix", "fed", "--out", "fed-out", "--replace", "--json"}).json();
+        QStringList names;
+        for (const auto& component : fed["components"].toArray()) {
+            names.append(component.toObject()["name"].toString());
+        }
+        EXPECT_EQ(names, (QStringList{"TissueAF", "Food", "AlexaFluor 750", "AlexaFluor 790"})) << seed;
+        EXPECT_TRUE(fed["proposal"].toString().startsWith("proposed TissueAF, Food, AlexaFluor 750, AlexaFluor 790"))
+            << seed;
+        EXPECT_TRUE(fed["proposal"].toString().contains("food")) << seed;
+        succeed({"simulate", "fasted", "--size", "64", "--food-ratio", "0", "--seed", QString::number(seed), "--quiet",
+                 "--force"});
+        // The same names whether there is a solution or not.
+        const ProgramResult fasted = spum({"unmix", "fasted", "--out", "fasted-out", "--replace", "--json"});
+        const QString told = fasted.status == 0 ? fasted.json()["proposal"].toString() : fasted.errText();
+        EXPECT_TRUE(told.contains(fasted.status == 0 ? "proposed TissueAF, AlexaFluor 750, AlexaFluor 790: "
+                                                     : "; of TissueAF, AlexaFluor 750, AlexaFluor 790 no start"))
+            << seed << qPrintable(told);
+    }
+}
+
+TEST_F(WarningsProgramTest, WhatIsProposedIsToldWithTheReason)
+{
+    simulateAnew({});
+    const QString text = spum({"unmix", "seq", "--out", "out"}).out;
+    EXPECT_TRUE(text.contains("proposed TissueAF, Food, AlexaFluor 750, AlexaFluor 790: ")) << qPrintable(text);
+    EXPECT_TRUE(text.contains(" regions of the mask show (without it ")) << qPrintable(text);
+    EXPECT_FALSE(spum(QStringList{"unmix", "seq", "--out", "out", "--replace"} + mouseNames).out.contains("proposed"));
+}
+
 TEST_F(WarningsProgramTest, AnOffsetOfTheCameraIsTold)
 {
     const auto write = [this](float fOffset) {
