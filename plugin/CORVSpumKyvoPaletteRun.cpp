@@ -3,6 +3,7 @@
 #include "plugin/CORVSpumKyvoPalette.h"
 
 #include "plugin/ComboResultsList.h"
+#include "plugin/warningsOfRun.h"
 
 #include "engine/CORVSpumKyvo.h"
 #include "engine/EngineEnums.h"
@@ -159,6 +160,7 @@ void CORVSpumKyvoPalette::onRunUnmixing()
         pEngine->updateConsoleSpectra();
         pEngine->updateUnmixedImages(true);
         pEngine->storeDecayState();
+        keepWarningsOfRun(*pEngine);
     };
     const RunOutcome outcome = runLocked(*pEngine, steps);
     m_pRunning = nullptr;
@@ -182,6 +184,7 @@ void CORVSpumKyvoPalette::onRunPCA()
     const RunOutcome outcome = runLocked(*pEngine, RunSteps());
     m_pRunning = nullptr;
     if (outcome == RunOutcome::Succeeded && pEngine == m_pEngine) {
+        tellNumberOfComponents(*pEngine);
         const QPointer<CORVSpumKyvoPalette> self(this);
         const QPointer<SpumKyvoPCAWnd> pWindow(new SpumKyvoPCAWnd(this));
         // It cumulates the numbers where they lie.

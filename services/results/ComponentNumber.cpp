@@ -17,8 +17,6 @@ using XTNT::Matrix;
 using Values = std::vector<double>;
 
 constexpr double notKnown = std::numeric_limits<double>::quiet_NaN();
-// Elements that are looked at: an estimate takes no more, and rows are taken evenly.
-constexpr long long mostElements = 4000000;
 // Neighbouring images are added up beyond: their noise stays apart, and components that differ in one band of many are
 // none that an unmixing could use.
 constexpr long long mostColumns = 32;
@@ -306,7 +304,7 @@ QString ComponentNumber::text() const
     return least == most ? QString::number(likely) : QStringLiteral("%1 (%2 to %3)").arg(likely).arg(least).arg(most);
 }
 
-ComponentNumber ComponentNumber::of(const Matrix<double>& data)
+ComponentNumber ComponentNumber::of(const Matrix<double>& data, long long mostElements)
 {
     ComponentNumber number;
     number.noise = notKnown;

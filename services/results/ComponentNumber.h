@@ -37,6 +37,9 @@ struct ComponentNumber
     // "4 (3 to 5)", "at least 5", "unknown".
     QString text() const;
 
+    // An estimate takes no more elements than that, of rows that it takes evenly.
+    static constexpr long long enoughElements = 4000000;
+
     // `data` is P x N, a row a pixel. Passes cancellation points.
-    static ComponentNumber of(const XTNT::Matrix<double>& data);
+    static ComponentNumber of(const XTNT::Matrix<double>& data, long long mostElements = enoughElements);
 };

@@ -3,12 +3,18 @@
 #include "WorkArea.h"
 
 #include "platform/orvutils/ProcessControl.h"
+#include "plugin/warningsOfRun.h"
+#include "services/results/ComponentNumber.h"
+#include "services/results/keptWarnings.h"
 #include "windows/CORVDistributionView.h"
 
 #include <QFile>
+#include <QPushButton>
 #include <QTest>
 #include <QTimer>
+#include <QTreeWidget>
 
+#include <algorithm>
 #include <random>
 
 using namespace workarea;
@@ -40,6 +46,23 @@ TEST_F(RunsTest, ComingBackToASequenceFindsTheAnalysisAsItWas)
     EXPECT_FALSE(engine().hasError());
     EXPECT_EQ(complaints(), "");
     EXPECT_EQ(concentrations().size(), maps.size());
+}
+
+TEST_F(RunsTest, WhatIsToBeSaidAgainstAResultStandsOnThePageOfResults)
+{
+    open();
+    unmixAutomatically();
+    const int told = warningsAmong(engine().m_properties).size();
+    EXPECT_EQ(resultItems().size(), engine().m_properties.size());
+    // Two spectra that are the same: the list is made anew.
+    auto& spectra = engine().m_spectra;
+    std::copy(spectra[0], spectra[0] + spectra.num_cols(), spectra[1]);
+    keepWarningsOfRun(engine());
+    m_palette->fillResultsTree();
+    EXPECT_TRUE(codesOf(warningsAmong(engine().m_properties)).contains("spectra-alike"));
+    EXPECT_GE(warningsAmong(engine().m_properties).size(), told > 0 ? 1 : told + 1);
+    EXPECT_EQ(resultItems().size(), engine().m_properties.size());
+    EXPECT_EQ(m_palette->m_pSPUnResultsLV->findItems("can hardly be told apart", Qt::MatchContains, 1).size(), 1);
 }
 
 TEST_F(RunsTest, ASelectionWhoseImagesAreGoneDoesNotComeBack)
@@ -172,6 +195,9 @@ TEST_F(RunsTest, APCAShowsItsWindowAndKeepsTheEigenvalues)
     EXPECT_EQ(strShown, "Principle Component Analysis");
     ASSERT_GT(engine().m_pcaResult.size(), 0);
     EXPECT_LT(engine().m_pcaResult[engine().m_pcaResult.size() - 1], engine().m_pcaResult[0]);
+    const ComponentNumber number = ComponentNumber::of(engine().m_cube.m_data);
+    EXPECT_EQ(wizard().findChild<QPushButton*>("m_pPCABtn")->toolTip(),
+              number.likely > 0 ? "Components above the noise: " + number.text() : QString());
     EXPECT_FALSE(engine().m_bRunPCA);
     EXPECT_TRUE(m_palette->isEnabled());
     EXPECT_FALSE(wizard().isHidden());

@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "plugin/warningsOfRun.h"
+
+#include "engine/CORVSpumKyvo.h"
+#include "engine/EngineEnums.h"
+#include "host/CORVLog.h"
+#include "host/CORVSequenceDataset.h"
+#include "services/results/ComponentNumber.h"
+#include "services/results/ResultNumbers.h"
+#include "services/results/keptWarnings.h"
+#include "services/results/resultFindings.h"
+#include "services/warnings/runWarnings.h"
+#include "spectra/logLine.h"
+#include "windows/SpUnmixWizardWnd.h"
+
+#include <QCoreApplication>
+#include <QPushButton>
+
+#include <exception>
+
+namespace {
+
+// Some thousand pixels of a dozen images: a few hundredths of a second.
+constexpr long long mostElements = 200000;
+
+// Names that the user gave, and none that stands for one that is not known.
+QStringList givenNames(const QStringList& components)
+{
+    QStringList names;
+    for (const QString& name : components) {
+        if (!name.trimmed().isEmpty() && name.trimmed() != QLatin1String("Unknown")) {
+            names.append(name.trimmed());
+        }
+    }
+    return names;
+}
+
+} // namespace
+
+void keepWarningsOfRun(CORVSpumKyvo& engine)
+{
+    const CORVSequenceDataset* pSequence = CORVSequenceDataset::getSequenceDataset(engine.m_strSeqId);
+    if (pSequence == nullptr || !hasMapsOfItsImages(engine)) {
+        return;
+    }
+    try {
+        const bool bResolved = engine.m_eMode == RUNMODE_AUTOMATIC;
+        ResultNumbers numbers = numbersOfResult(engine, QString());
+        numbers.above = ComponentNumber::of(engine.m_cube.m_data, mostElements);
+        RunFindings findings = findingsOfResult(engine, *pSequence, bResolved, numbers);
+        if (bResolved) {
+            findings.askedNames = givenNames(engine.m_analysisInput.componentNames);
+        }
+        keepWarnings(runWarnings(findings), engine);
+    } catch (const std::exception& failure) {
+        // The result stands without them.
+        logLine(QStringLiteral("SpumKyvo: the result could not be looked at for warnings: %1")
+                    .arg(QString::fromLocal8Bit(failure.what())),
+                CORVLOG_WARNING);
+    }
+}
+
+void tellNumberOfComponents(const CORVSpumKyvo& engine)
+{
+    auto* pButton =
+        engine.m_pWizard.isNull() ? nullptr : engine.m_pWizard->findChild<QPushButton*>(QStringLiteral("m_pPCABtn"));
+    if (pButton == nullptr) {
+        return;
+    }
+    const ComponentNumber number = ComponentNumber::of(engine.m_cube.m_data, mostElements);
+    pButton->setToolTip(
+        number.likely > 0
+            ? QCoreApplication::translate("warningsOfRun", "Components above the noise: %1").arg(number.text())
+            : QString());
+}
