@@ -73,12 +73,13 @@ double thresholdOf(const QString& strText)
 
 void declareMaskOptions(CommandParser& parser, const QString& strDefaults)
 {
-    parser.addOption({maskName,
-                      QStringLiteral("Pixels to analyse. auto: where the photograph is bright; none: all; "
-                                     "rect:X,Y,W,H or ellipse:X,Y,W,H: pixels of the analysis, from the left and from "
-                                     "the top; or a TIFF image, pixels above 0. %1")
-                          .arg(strDefaults),
-                      QStringLiteral("MASK")});
+    parser.addOption(
+        {maskName,
+         QStringLiteral("Pixels to analyse. auto: where the photograph is bright; none: all; "
+                        "rect:X,Y,W,H or ellipse:X,Y,W,H: pixels of the analysis, from the left and from "
+                        "the top; or a TIFF or PNG image, pixels above 0, such as the mask.png of a result. %1")
+             .arg(strDefaults),
+         QStringLiteral("MASK")});
     parser.addOption({thresholdName,
                       QStringLiteral("Brightness above which the photograph counts for --mask auto, in percent of its "
                                      "range; found by itself."),

@@ -4,6 +4,8 @@
 
 #include "engine/dataMask.h"
 
+#include <QImage>
+
 #include <limits>
 
 namespace {
@@ -88,4 +90,42 @@ TEST_F(MaskFileTest, WhatIsNoTiffIsRefusedByName)
     write("mask.tif", "no image at all");
     EXPECT_TRUE(failureOf([&] { readMaskFile(path("mask.tif"), 4, 4); }).startsWith(path("mask.tif") + ": "));
     EXPECT_TRUE(failureOf([&] { readMaskFile(path("absent.tif"), 4, 4); }).startsWith(path("absent.tif") + ": "));
+}
+
+// A result's "mask.png" is white where pixels were analysed.
+TEST_F(MaskFileTest, APngServes)
+{
+    QImage white(4, 4, QImage::Format_Grayscale8);
+    white.fill(0);
+    white.setPixel(3, 0, 0xFFFFFFFF);
+    white.setPixel(1, 3, 0xFF010101);
+    const QString name = path("mask.png");
+    ASSERT_TRUE(white.save(name));
+    EXPECT_EQ(indices(name, 4, 4), (std::vector<int>{3, 13}));
+    EXPECT_EQ(indices(name, 2, 4), (std::vector<int>{1, 2}));
+}
+
+TEST_F(MaskFileTest, APngOfSixteenBitsWithANameThatTellsNothingServes)
+{
+    QImage faint(2, 2, QImage::Format_Grayscale16);
+    faint.fill(0);
+    reinterpret_cast<quint16*>(faint.scanLine(1))[0] = 1;
+    ASSERT_TRUE(faint.save(path("mask"), "PNG"));
+    EXPECT_EQ(indices(path("mask"), 2, 1), (std::vector<int>{2}));
+}
+
+TEST_F(MaskFileTest, APngThatDoesNotServeIsRefused)
+{
+    QImage black(4, 4, QImage::Format_Grayscale8);
+    black.fill(0);
+    const QString name = path("mask.png");
+    ASSERT_TRUE(black.save(name));
+    const auto refusalOf = [&](int nSide) { return failureOf([&] { readMaskFile(name, nSide, 4); }).remove(name); };
+    EXPECT_EQ(refusalOf(4), ": the mask has no pixel above 0");
+    EXPECT_EQ(refusalOf(3), ": the mask has 4 x 4 pixels; the analysis needs 3 x 3 or a multiple of it");
+    const QByteArray whole = contentOf(name);
+    write("mask.png", whole.left(whole.size() - 20));
+    EXPECT_EQ(refusalOf(4), ": the mask is broken or cut short");
+    write("mask.png", whole.left(12));
+    EXPECT_EQ(refusalOf(4), ": the mask is broken or cut short");
 }
