@@ -13,9 +13,11 @@
 #include "host/CORVSequenceDataset.h"
 #include "host/CORVUtilityFns.h"
 #include "services/results/ResultNumbers.h"
+#include "services/results/resultPlace.h"
 #include "spectra/logLine.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QFileInfo>
 
 namespace {
@@ -24,10 +26,14 @@ namespace {
 constexpr unsigned long pause = 5;
 constexpr int percents = 100;
 
-// A folder beside the images of a sequence that is not there yet: "unmixed", "unmixed-2" and so on.
+// A folder beside the images of a sequence that is not there yet: "unmixed", "unmixed-2" and so on; where nothing can
+// be written there, one in the user's home.
 QString proposedFolder(const CORVSequenceDataset& sequence)
 {
-    const QString strFirst = sequence.getSequenceInfoPath() + QStringLiteral("/unmixed");
+    const QString strBeside = sequence.getSequenceInfoPath();
+    const QString strFirst = canBeWritten(strBeside)
+                                 ? strBeside + QStringLiteral("/unmixed")
+                                 : QDir::home().filePath(sequence.getSequenceName() + QStringLiteral("-unmixed"));
     QString strFolder = strFirst;
     for (int i = 2; QFileInfo::exists(strFolder); ++i) {
         strFolder = QStringLiteral("%1-%2").arg(strFirst).arg(i);

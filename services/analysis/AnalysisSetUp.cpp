@@ -51,9 +51,9 @@ AnalysisSetUp::AnalysisSetUp(const AnalysisRequest& request, JobMonitor& monitor
     }
 }
 
-QString AnalysisSetUp::outFolder(const QString& strDefaultName) const
+ResultPlace AnalysisSetUp::outPlace(const QString& strDefaultName) const
 {
-    return m_request.out.isEmpty() ? m_opened.folder() + strDefaultName : m_request.out;
+    return resultPlace(m_request.out, m_opened.folder(), strDefaultName);
 }
 
 void AnalysisSetUp::checkMode(int nMode)

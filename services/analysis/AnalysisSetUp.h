@@ -3,6 +3,7 @@
 
 #include "services/analysis/AnalysisRequest.h"
 #include "services/basis/UnitLimit.h"
+#include "services/results/resultPlace.h"
 #include "services/session/OpenedSequence.h"
 #include "services/session/RunMemory.h"
 
@@ -31,8 +32,8 @@ public:
 
     // Whether the sequence takes that run mode.
     void checkMode(int nMode);
-    // Where results go: --out, or that folder beside the images.
-    QString outFolder(const QString& strDefaultName) const;
+    // Where results go: --out, or that folder beside the images, see resultPlace().
+    ResultPlace outPlace(const QString& strDefaultName) const;
     void select();
     // Resets the engine for that mode, chooses binning and size.
     void reset(int nMode);

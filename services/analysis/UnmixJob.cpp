@@ -55,7 +55,7 @@ bool UnmixJob::isAutomatic() const
 RunAnswer UnmixJob::run()
 {
     checkPlaces();
-    StagedRun staged(target(), m_request.replace, QStringLiteral("summary.json"));
+    StagedRun staged(place(), m_request.replace, QStringLiteral("summary.json"));
     prepare();
     QElapsedTimer timer;
     timer.start();
@@ -83,7 +83,7 @@ RunAnswer UnmixJob::plan()
 {
     checkPlaces();
     // Made and taken away again: a folder that cannot be written is told here as well.
-    const StagedRun trial(target(), m_request.replace, QStringLiteral("summary.json"));
+    const StagedRun trial(place(), m_request.replace, QStringLiteral("summary.json"));
     const QString unit = UnitNames::options()[prepare()];
     m_monitor.endProgress();
 
@@ -120,9 +120,9 @@ RunAnswer UnmixJob::plan()
                               {"folder", trial.target()}}};
 }
 
-QString UnmixJob::target() const
+ResultPlace UnmixJob::place() const
 {
-    return m_setUp.outFolder(QStringLiteral("unmixed-") + ModeNames::option(m_request.mode));
+    return m_setUp.outPlace(QStringLiteral("unmixed-") + ModeNames::option(m_request.mode));
 }
 
 void UnmixJob::checkPlaces()
@@ -130,6 +130,7 @@ void UnmixJob::checkPlaces()
     m_monitor.startProgress(QStringLiteral("Looking at the images"));
     m_setUp.checkMode(m_request.mode);
     if (m_request.save) {
+        ResultStore::checkPlace(m_setUp.opened().sequence());
         ResultStore::checkName(m_setUp.opened().sequence(), m_request.saveName, m_request.analysis.force);
     }
 }

@@ -47,7 +47,7 @@ public:
 
 private:
     bool isAutomatic() const;
-    QString target() const;
+    ResultPlace place() const;
     void checkPlaces();
     // Up to the reading of the images. The unit that they will be in.
     int prepare();

@@ -7,8 +7,10 @@
 #include "host/CPLSettingsFileWrapper.h"
 #include "services/basis/Failure.h"
 #include "services/basis/LoggedErrors.h"
+#include "services/results/resultPlace.h"
 #include "storage/resultsIndex.h"
 
+#include <QDir>
 #include <QFileInfo>
 
 #include <algorithm>
@@ -87,6 +89,18 @@ QString ResultStore::pathOf(const CORVSequenceDataset& sequence, const QString& 
                           .arg(resultsIndex::indexPath(folder), file, strName, folder));
     }
     return file.isEmpty() ? QString() : folder + QLatin1Char('/') + file;
+}
+
+void ResultStore::checkPlace(const CORVSequenceDataset& sequence)
+{
+    const QString folder = sequence.getSequenceInfoPath();
+    const QString kept = resultsIndex::folder(folder);
+    const QString place = QFileInfo(kept).isDir() ? kept : folder;
+    if (!canBeWritten(place)) {
+        throw Failure(
+            QStringLiteral("a saved result lies with its sequence, and nothing can be written into %1").arg(place),
+            QStringLiteral("leave out --save, the files of the result then lie elsewhere; or copy the sequence"));
+    }
 }
 
 void ResultStore::checkName(const CORVSequenceDataset& sequence, const QString& strName, bool bOverwrite)

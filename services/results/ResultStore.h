@@ -25,6 +25,8 @@ public:
     // Refuses, ahead of a long run, a name for it that cannot be saved under: one that is taken unless `bOverwrite`,
     // one of characters that do not fit a line. Empty stands for an automatic name.
     static void checkName(const CORVSequenceDataset& sequence, const QString& strName, bool bOverwrite);
+    // Refuses, ahead of a long run, a sequence with which nothing can be saved.
+    static void checkPlace(const CORVSequenceDataset& sequence);
     // The saved name that is meant, without regard to case; throws when there is none, telling those that there are.
     static QString findName(const CORVSequenceDataset& sequence, const QString& strName);
     // Names in the order of the index, and the file of each (empty when the index names none). Throws Failure

@@ -6,13 +6,18 @@
 #include "services/basis/Failure.h"
 #include "services/basis/JobMonitor.h"
 
-StagedRun::StagedRun(const QString& strTarget, bool bForce, const QString& strMark)
-    : m_pFolder(std::make_unique<StagedFolder>())
+StagedRun::StagedRun(const ResultPlace& place, bool bForce, const QString& strMark)
+    : m_pFolder(std::make_unique<StagedFolder>()), m_strRemark(place.remark)
 {
     QString error;
-    if (!m_pFolder->begin(strTarget, bForce, strMark, &error)) {
+    if (!m_pFolder->begin(place.folder, bForce, strMark, &error)) {
         throw Failure(error);
     }
+}
+
+StagedRun::StagedRun(const QString& strTarget, bool bForce, const QString& strMark)
+    : StagedRun(ResultPlace{strTarget, QString()}, bForce, strMark)
+{
 }
 
 StagedRun::~StagedRun() = default;
@@ -39,7 +44,7 @@ void StagedRun::finish(JobMonitor& monitor)
 
 RunAnswer StagedRun::answer(const QString& strText, const QJsonObject& json) const
 {
-    RunAnswer answer{strText + QStringLiteral("results in %1\n").arg(orv::printableLine(target())), json};
+    RunAnswer answer{strText + QStringLiteral("results in %1\n").arg(orv::printableLine(target())) + m_strRemark, json};
     answer.json.insert(QStringLiteral("folder"), target());
     return answer;
 }

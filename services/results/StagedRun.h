@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "services/results/resultPlace.h"
+
 #include <QJsonObject>
 #include <QString>
 
@@ -23,6 +25,7 @@ class StagedRun
 public:
     // `strMark` is the file that marks such a folder as ours: an earlier one is replaced only with `bForce`. Throws
     // Failure where the folder cannot be written or holds something else.
+    StagedRun(const ResultPlace& place, bool bForce, const QString& strMark);
     StagedRun(const QString& strTarget, bool bForce, const QString& strMark);
     ~StagedRun();
     StagedRun(const StagedRun&) = delete;
@@ -34,9 +37,10 @@ public:
     QString target() const;
     // Puts them there, unless the user wants the work to stop, and ends the progress.
     void finish(JobMonitor& monitor);
-    // The text and the object, both with the folder.
+    // The text and the object, both with the folder; the text with the place's remark.
     RunAnswer answer(const QString& strText, const QJsonObject& json) const;
 
 private:
     std::unique_ptr<StagedFolder> m_pFolder;
+    QString m_strRemark;
 };

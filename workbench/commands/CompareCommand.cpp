@@ -179,8 +179,7 @@ void CompareCommand::run(const QCommandLineParser& parser, CliSession& session)
     const ResultComparison comparison(results);
     session.stopIfRequested();
 
-    const QString out = parser.value(QStringLiteral("out"));
-    StagedRun staged(out.isEmpty() ? opened.folder() + QStringLiteral("comparison") : out,
+    StagedRun staged(resultPlace(parser.value(QStringLiteral("out")), opened.folder(), QStringLiteral("comparison")),
                      parser.isSet(QStringLiteral("force")), QStringLiteral("comparison.csv"));
     ComparisonStyle style;
     style.photograph = opened.engine().m_pPhoto;

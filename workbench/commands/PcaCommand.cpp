@@ -59,7 +59,7 @@ void PcaCommand::run(const QCommandLineParser& parser, CliSession& session)
     AnalysisSetUp setUp(request, session);
     session.startProgress(QStringLiteral("Looking at the images"));
     setUp.checkMode(RUNMODE_AUTOMATIC);
-    StagedRun staged(setUp.outFolder(QStringLiteral("pca")), request.force, QStringLiteral("pca.json"));
+    StagedRun staged(setUp.outPlace(QStringLiteral("pca")), request.force, QStringLiteral("pca.json"));
     setUp.select();
     setUp.reset(RUNMODE_AUTOMATIC);
     setUp.takeMask(static_cast<int>(kMinMaskPixels));

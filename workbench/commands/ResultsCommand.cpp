@@ -273,9 +273,9 @@ void ResultsCommand::load(OpenedSequence& opened, const QString& strName, const 
                           CliSession& session) const
 {
     const PictureRequest pictures = pictureRequestOf(parser, "results");
-    const QString out = parser.value(QStringLiteral("out"));
-    const QString target = out.isEmpty() ? opened.folder() + QStringLiteral("result-") + resultFileName(strName) : out;
-    StagedRun staged(target, parser.isSet(QStringLiteral("force")), QStringLiteral("summary.json"));
+    const ResultPlace place = resultPlace(parser.value(QStringLiteral("out")), opened.folder(),
+                                          QStringLiteral("result-") + resultFileName(strName));
+    StagedRun staged(place, parser.isSet(QStringLiteral("force")), QStringLiteral("summary.json"));
     session.startProgress(QStringLiteral("Loading the result"));
     const LoadedResult loaded(opened, strName, session);
     ReportFrame frame;
