@@ -69,6 +69,7 @@ void ReportThread::write()
     frame.note = m_request.note;
     frame.made = QLocale::c().toString(QDateTime::currentDateTime(), QStringLiteral("yyyy-MM-dd hh:mm"));
     ResultFiles files(m_engine, numbersOfResult(m_engine, QString()), staged.path());
+    files.setRun(staged.name());
     files.setReport(frame, false);
     if (!m_request.composite.isNull()) {
         files.setComposites({{QStringLiteral("composite.png"), m_request.composite}});

@@ -239,7 +239,7 @@ def resolved_row(scene, run):
         cells.append(
             f"{share(component['truthCosine'])}, {share(component['truthCorrelation'])}" if component else "not found"
         )
-    raw, denoised = answer["lackOfFit"], answer["lackOfFitDenoised"]
+    raw, denoised = 100 * answer["lackOfFit"], 100 * answer["lackOfFitDenoised"]
     return [*cells, f"{raw:.3f}", f"{denoised:.3f}", f"{scene.floor():.3f}", str(answer["iterations"]), answer["ending"]]
 
 
@@ -258,7 +258,7 @@ def print_allowed(root):
     rows = []
     for component in scene.answer("names")["components"]:
         truth = scene.spectra[component["name"]]
-        cut = int(component.get("highPass", "0"))
+        cut = int(component.get("highPass", 0))
         allowed = [value if emission > cut else 0.0 for value, emission in zip(truth, scene.emissions)]
         rows.append(
             [
@@ -304,7 +304,7 @@ def print_seeds(root):
             if run == "names" or key == "truthCorrelation":
                 rows.append([text, what, *(spread((a[k][key] for a in answers), share) for k in range(4))])
     table(["seeds 1 to 6", "", *COMPONENTS], rows)
-    ratios = [scene.answer("number")["lackOfFit"] / scene.floor() for scene in scenes]
+    ratios = [100 * scene.answer("number")["lackOfFit"] / scene.floor() for scene in scenes]
     print(f"\nBy number alone the lack of fit is {spread(ratios, '{:.3f}'.format)} of the floor.")
 
 

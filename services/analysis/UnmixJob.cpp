@@ -68,6 +68,7 @@ RunAnswer UnmixJob::run()
     fit(timer);
 
     ResultFiles files(m_setUp.engine(), m_numbers, staged.path());
+    files.setRun(staged.name());
     files.setReport(reportFrame(), m_request.pdf);
     files.setStyle(pictureStyleOf(m_setUp.engine(), m_request.pictures));
     write(files);

@@ -182,7 +182,7 @@ QString rowHtml(const BatchPlaces& places, const BatchEntry& entry, int nRank)
     return QStringLiteral("<tr>") + stateCell(entry, nRank) + thumbnailCell(results, entry) + nameCell(results, entry) +
            QStringLiteral("<td class=\"text\">") + escaped(entry.job.group) + QStringLiteral("</td>") +
            componentsCell(entry) + numberCell(100.0 * entry.residual(), 4) +
-           numberCell(valueOf(entry.summary, "explainedVariance"), 6) +
+           numberCell(100.0 * valueOf(entry.summary, "explainedVariance"), 6) +
            numberCell(valueOf(entry.summary, "componentsAboveNoise"), 3) +
            numberCell(valueOf(entry.summary, "iterations"), 6) + numberCell(seconds, 3) + wordsCell(entry) +
            QStringLiteral("</tr>\n");

@@ -29,7 +29,7 @@ void writeBatchFiles(const BatchPlaces& places, const QList<BatchEntry>& entries
                      JobMonitor& monitor, const std::function<void()>& keep)
 {
     monitor.startProgress(QStringLiteral("Writing the overall files"));
-    put(places.csv(), batchCsv(places, entries));
+    put(places.csv(), batchCsv(entries));
     put(places.json(), QJsonDocument(batchJson(entries)).toJson(QJsonDocument::Indented));
     orv::TemporaryTarget page(places.html());
     QElapsedTimer sinceKept;

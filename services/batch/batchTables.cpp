@@ -2,8 +2,7 @@
 #include "services/batch/batchTables.h"
 
 #include "services/basis/TextTable.h"
-#include "services/batch/BatchPlaces.h"
-#include "services/batch/resultOfFolder.h"
+#include "services/basis/jsonSchema.h"
 #include "services/results/resultSummary.h"
 
 #include <QJsonArray>
@@ -12,26 +11,22 @@
 
 namespace {
 
-QString numberText(const QJsonObject& json, const char* pKey)
+// What a summary has, too, but for those that "run" tells already.
+QStringList summaryColumns()
 {
-    const QJsonValue value = json.value(QLatin1String(pKey));
-    return value.isDouble() ? QString::number(value.toDouble(), 'g', 9) : QString();
+    QStringList columns = resultCsvColumns();
+    columns.removeOne(QStringLiteral("run"));
+    return columns;
 }
 
-QStringList cellsOfSequence(const BatchEntry& entry)
+QList<QStringList> rowsOf(const QJsonObject& summary)
 {
-    const QJsonObject& summary = entry.summary;
-    return {entry.job.name,
-            entry.job.group,
-            entry.job.sequence,
-            entry.stateName(),
-            entry.message,
-            entry.warnings.join(QStringLiteral(" | ")),
-            summary.value(QStringLiteral("method")).toString(),
-            summary.value(QStringLiteral("unit")).toString(),
-            numberText(summary, "images"),
-            numberText(summary, "binning"),
-            numberText(summary, "pixels")};
+    QList<QStringList> rows = resultCsvRows(summary);
+    const int run = resultCsvColumns().indexOf(QStringLiteral("run"));
+    for (QStringList& row : rows) {
+        row.removeAt(run);
+    }
+    return rows;
 }
 
 int countOf(const QList<BatchEntry>& entries, BatchEntry::State eState)
@@ -42,23 +37,18 @@ int countOf(const QList<BatchEntry>& entries, BatchEntry::State eState)
 
 } // namespace
 
-QByteArray batchCsv(const BatchPlaces& places, const QList<BatchEntry>& entries)
+QByteArray batchCsv(const QList<BatchEntry>& entries)
 {
-    const QStringList columns = resultCsvColumns();
-    TextTable table(QStringList{QStringLiteral("name"), QStringLiteral("group"), QStringLiteral("sequence"),
-                                QStringLiteral("state"), QStringLiteral("message"), QStringLiteral("warnings"),
-                                QStringLiteral("method"), QStringLiteral("unit"), QStringLiteral("images"),
-                                QStringLiteral("binning"), QStringLiteral("pixels"), QStringLiteral("map")} +
-                    columns);
+    TextTable table(QStringList{QStringLiteral("run"), QStringLiteral("group"), QStringLiteral("path"),
+                                QStringLiteral("state"), QStringLiteral("message"), QStringLiteral("warningTexts")} +
+                    summaryColumns());
     for (const BatchEntry& entry : entries) {
-        const QStringList cells = cellsOfSequence(entry);
+        const QStringList cells = {entry.job.name,    entry.job.group, entry.job.sequence,
+                                   entry.stateName(), entry.message,   entry.warnings.join(QStringLiteral(" | "))};
         const bool done = entry.state == BatchEntry::State::Done;
-        const QList<QStringList> rows =
-            done ? summaryRowsOfFolder(places.results(entry.job.name), columns) : QList<QStringList>();
-        const QJsonArray components = entry.summary.value(QStringLiteral("components")).toArray();
-        for (int i = 0; i < rows.size(); ++i) {
-            const QString map = components.at(i).toObject().value(QStringLiteral("map")).toString();
-            table.addRow(cells + QStringList(map) + rows[i]);
+        const QList<QStringList> rows = done ? rowsOf(entry.summary) : QList<QStringList>();
+        for (const QStringList& row : rows) {
+            table.addRow(cells + row);
         }
         if (rows.isEmpty()) {
             table.addRow(cells);
@@ -82,7 +72,9 @@ QJsonObject batchJson(const QList<BatchEntry>& entries)
         }
         sequences.append(json);
     }
-    return QJsonObject{{"done", countOf(entries, BatchEntry::State::Done)},
+    return QJsonObject{{"schema", kJsonSchema},
+                       {"answer", QStringLiteral("batch")},
+                       {"done", countOf(entries, BatchEntry::State::Done)},
                        {"failed", countOf(entries, BatchEntry::State::Failed)},
                        {"missing", countOf(entries, BatchEntry::State::Missing)},
                        {"sequences", sequences}};

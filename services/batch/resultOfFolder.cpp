@@ -2,14 +2,12 @@
 #include "services/batch/resultOfFolder.h"
 
 #include "platform/orvutils/InputFile.h"
-#include "services/importer/CsvLine.h"
 
 #include <QFile>
 #include <QFileInfo>
 #include <QImageReader>
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <QVector>
 
 namespace {
 
@@ -24,51 +22,11 @@ QByteArray textOf(const QString& strPath)
     return bytes;
 }
 
-// Where each column stands in a header; empty where one is missing.
-QVector<int> placesIn(const QStringList& header, const QStringList& columns)
-{
-    QVector<int> places;
-    for (const QString& column : columns) {
-        places.append(header.indexOf(column));
-        if (places.last() < 0) {
-            return {};
-        }
-    }
-    return places;
-}
-
 } // namespace
 
 QJsonObject summaryOfFolder(const QString& strResults)
 {
     return QJsonDocument::fromJson(textOf(strResults + QStringLiteral("/summary.json"))).object();
-}
-
-QList<QStringList> summaryRowsOfFolder(const QString& strResults, const QStringList& columns)
-{
-    const QString text = QString::fromUtf8(textOf(strResults + QStringLiteral("/summary.csv")));
-    QList<QStringList> rows;
-    QVector<int> places;
-    for (const QString& line : text.split(QLatin1Char('\n'), Qt::SkipEmptyParts)) {
-        QStringList fields;
-        QString error;
-        if (!splitCsvLine(line, QLatin1Char(','), &fields, &error)) {
-            return {};
-        }
-        if (places.isEmpty()) {
-            places = placesIn(fields, columns);
-            if (places.isEmpty()) {
-                return {};
-            }
-            continue;
-        }
-        QStringList row;
-        for (const int place : qAsConst(places)) {
-            row.append(fields.value(place));
-        }
-        rows.append(row);
-    }
-    return rows;
 }
 
 QImage thumbnailOfFolder(const QString& strResults, const QJsonObject& summary, const QSize& most)

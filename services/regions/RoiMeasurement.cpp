@@ -225,7 +225,7 @@ QJsonArray RoiMeasurement::toJson() const
             object.insert(QStringLiteral("spot"), QStringLiteral("%1, %2").arg(row.spotX, row.spotY));
         }
         if (!row.time.isEmpty()) {
-            object.insert(QStringLiteral("time"), row.time);
+            object.insert(QStringLiteral("time"), jsonNumberIn(row.time));
         }
         rows.append(object);
     }

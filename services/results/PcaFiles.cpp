@@ -8,6 +8,7 @@
 #include "services/basis/ImageExtent.h"
 #include "services/basis/TextTable.h"
 #include "services/basis/UnitNames.h"
+#include "services/basis/jsonSchema.h"
 #include "services/pictures/MaskPicture.h"
 #include "services/pictures/SpectrumPlot.h"
 
@@ -78,17 +79,20 @@ QJsonObject PcaFiles::json() const
     QJsonArray explained;
     QJsonArray eigenvalues;
     for (int i = 0; i < m_explained.percent.size(); ++i) {
-        explained.append(m_explained.percent[i]);
+        explained.append(m_explained.percent[i] / 100.0);
         eigenvalues.append(m_eigenvalues[i]);
     }
-    QJsonObject json{{"unit", UnitNames::text(m_engine.m_eUnit)},
+    QJsonObject json{{"schema", kJsonSchema},
+                     {"answer", QStringLiteral("pca")},
+                     {"sequence", m_engine.getSequenceId()},
+                     {"unit", UnitNames::text(m_engine.m_eUnit)},
                      {"images", m_engine.m_selectedKeyPairs.size()},
                      {"width", m_extent.width()},
                      {"height", m_extent.height()},
                      {"binning", m_engine.m_nBinning},
                      {"pixels", static_cast<qint64>(m_engine.m_cube.pixelsPerSpot())},
                      {"suggested", m_explained.nSuggested},
-                     {"suggestedExplains", m_explained.dSuggestedPercent},
+                     {"suggestedExplains", m_explained.dSuggestedPercent / 100.0},
                      {"explainedVariance", explained},
                      {"eigenvalues", eigenvalues},
                      {"files", QJsonArray::fromStringList(m_files)}};
@@ -147,11 +151,13 @@ void PcaFiles::write(const QString& strFolder)
     if (m_engine.m_cube.pixelsPerSpot() < static_cast<long long>(m_extent.width()) * m_extent.height()) {
         put(strFolder + QStringLiteral("mask.png"), orvimage::pngBytes(maskPicture(m_engine)));
     }
-    TextTable table({QStringLiteral("components"), QStringLiteral("explained variance"), QStringLiteral("of this one"),
-                     QStringLiteral("eigenvalue")});
+    TextTable table({QStringLiteral("components"), QStringLiteral("explainedVariance"),
+                     QStringLiteral("explainedByThisOne"), QStringLiteral("eigenvalue")});
     for (int i = 0; i < m_explained.percent.size(); ++i) {
-        table.addRow(
-            {QString::number(i + 1), tableCell(i, false), tableCell(i, true), TextTable::number(m_eigenvalues[i], 9)});
+        const double before = i > 0 ? m_explained.percent[i - 1] : 0.0;
+        table.addRow({QString::number(i + 1), TextTable::number(m_explained.percent[i] / 100.0, 9),
+                      TextTable::number((m_explained.percent[i] - before) / 100.0, 9),
+                      TextTable::number(m_eigenvalues[i], 9)});
     }
     put(strFolder + QStringLiteral("pca.csv"), table.toCsv().toUtf8());
     // Last, as it names the other files; it also marks the folder as ours.

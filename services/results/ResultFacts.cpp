@@ -142,6 +142,7 @@ bool ResultFacts::hasKnownCosine() const
 ResultFacts factsOfResult(const CORVSpumKyvo& engine, const ResultNumbers& numbers)
 {
     ResultFacts facts;
+    facts.sequence = engine.getSequenceId();
     facts.method = ModeNames::option(engine.m_eMode);
     facts.unit = UnitNames::text(engine.m_eUnit);
     facts.images = engine.m_selectedKeyPairs.size();

@@ -6,6 +6,7 @@
 #include "services/results/TruthComparison.h"
 #include "services/warnings/RunWarning.h"
 
+#include <QJsonObject>
 #include <QList>
 #include <QPair>
 #include <QString>
@@ -52,8 +53,10 @@ struct AutomaticFacts
 // the report. A number that cannot be had is no number (NaN).
 struct ResultFacts
 {
-    QString method; // as an option
-    QString unit;   // as shown
+    QString sequence; // its id
+    QString run;      // name of the folder of results
+    QString method;   // as an option
+    QString unit;     // as shown
     int images = 0;
     int width = 0;
     int height = 0;

@@ -22,6 +22,7 @@
 #include "services/results/ReportPdf.h"
 #include "services/results/ResultMapPictures.h"
 #include "services/results/resultSummary.h"
+#include "services/session/pairTable.h"
 #include "spectra/SpectrumPlotParams.h"
 #include "spectra/SpumKyvoDatabase.h"
 
@@ -125,7 +126,7 @@ void ResultFiles::write(const std::function<void(double fraction)>& step)
 
 void ResultFiles::writeSummary()
 {
-    put(QStringLiteral("summary.csv"), resultCsv(m_facts));
+    put(QStringLiteral("summary.csv"), resultCsv(resultJson(m_facts, m_files)));
     // Last, as it names the other files; it also marks the folder as ours.
     const QString name = QStringLiteral("summary.json");
     put(name, QJsonDocument(jsonOf(m_files + QStringList(name))).toJson(QJsonDocument::Indented));
@@ -247,7 +248,8 @@ void ResultFiles::writeSpectra()
     for (auto& copy : copies) {
         list.append(&copy);
     }
-    const QString name = QStringLiteral("spectra.csv");
+    put(QStringLiteral("spectra.csv"), pairTableText(list, m_engine.m_eAxis == SPECTRUMAXIS_TIME));
+    const QString name = QStringLiteral("library.csv");
     const QString note = QStringLiteral("spectra in %1").arg(UnitNames::text(m_engine.m_eUnit));
     if (!database.saveLibrary(m_strFolder + name, list, note)) {
         throw Failure(QStringLiteral("%1 cannot be written").arg(m_strFolder + name));

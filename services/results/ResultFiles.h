@@ -35,6 +35,9 @@ public:
     ResultFiles& operator=(const ResultFiles&) = delete;
     ~ResultFiles();
 
+    // The name of the folder that the files will be in, as which the tables tell the run.
+    void setRun(const QString& strRun) { m_facts.run = strRun; }
+
     // A report (report.html, with `bPdf` report.pdf and maps.pdf too) is written with the other files. Its maps are
     // those of the result.
     void setReport(const ReportFrame& frame, bool bPdf);

@@ -6,6 +6,8 @@
 #include "services/basis/Failure.h"
 #include "services/basis/JobMonitor.h"
 
+#include <QDir>
+
 StagedRun::StagedRun(const ResultPlace& place, bool bForce, const QString& strMark)
     : m_pFolder(std::make_unique<StagedFolder>()), m_strRemark(place.remark)
 {
@@ -30,6 +32,11 @@ QString StagedRun::path() const
 QString StagedRun::target() const
 {
     return m_pFolder->target();
+}
+
+QString StagedRun::name() const
+{
+    return QDir(target()).dirName();
 }
 
 void StagedRun::finish(JobMonitor& monitor)

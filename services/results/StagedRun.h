@@ -35,6 +35,8 @@ public:
     QString path() const;
     // Where they will be.
     QString target() const;
+    // The name of that folder.
+    QString name() const;
     // Puts them there, unless the user wants the work to stop, and ends the progress.
     void finish(JobMonitor& monitor);
     // The text and the object, both with the folder; the text with the place's remark.

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "services/results/resultSummary.h"
 
+#include "platform/orvutils/NumberText.h"
 #include "services/basis/TextTable.h"
 #include "services/basis/jsonNumber.h"
+#include "services/basis/jsonSchema.h"
 #include "services/results/ResultFacts.h"
 
 #include <QJsonArray>
@@ -11,13 +13,16 @@
 
 namespace {
 
-constexpr int digitsOfCells = 9;
-
 void addKnown(const std::optional<double>& value, const char* pKey, QJsonObject& json)
 {
     if (value) {
         json.insert(QLatin1String(pKey), jsonNumber(*value));
     }
+}
+
+QJsonValue fractionOf(double dPercent)
+{
+    return jsonNumber(dPercent / 100.0);
 }
 
 QJsonObject componentJson(const ComponentFacts& facts)
@@ -28,7 +33,7 @@ QJsonObject componentJson(const ComponentFacts& facts)
                      {"share", jsonNumber(facts.share)},
                      {"maximum", jsonNumber(facts.maximum)}};
     if (facts.highPass) {
-        json.insert(QStringLiteral("highPass"), *facts.highPass);
+        json.insert(QStringLiteral("highPass"), jsonWhole(*facts.highPass));
     }
     if (facts.locked) {
         json.insert(QStringLiteral("locked"), *facts.locked);
@@ -52,11 +57,11 @@ void addRun(const AutomaticFacts& facts, QJsonObject& json)
 {
     json.insert(QStringLiteral("iterations"), facts.iterations);
     json.insert(QStringLiteral("ending"), facts.ending);
-    json.insert(QStringLiteral("lackOfFit"), jsonNumber(facts.lackOfFit));
-    json.insert(QStringLiteral("lackOfFitDenoised"), jsonNumber(facts.lackOfFitDenoised));
+    json.insert(QStringLiteral("lackOfFit"), fractionOf(facts.lackOfFit));
+    json.insert(QStringLiteral("lackOfFitDenoised"), fractionOf(facts.lackOfFitDenoised));
     json.insert(QStringLiteral("rank"), facts.rank);
     if (facts.principalLackOfFit > 0.0) {
-        json.insert(QStringLiteral("principalLackOfFit"), jsonNumber(facts.principalLackOfFit));
+        json.insert(QStringLiteral("principalLackOfFit"), fractionOf(facts.principalLackOfFit));
     }
     if (facts.decayCorrected) {
         json.insert(QStringLiteral("decayCorrected"),
@@ -64,40 +69,29 @@ void addRun(const AutomaticFacts& facts, QJsonObject& json)
     }
 }
 
-QString cell(double dValue)
+// A value as a cell: numbers as short as they read back the same, whole ones without an exponent.
+QString cellOf(const QJsonValue& value)
 {
-    return std::isfinite(dValue) ? TextTable::number(dValue, digitsOfCells) : QString();
-}
-
-QStringList cellsOf(const ComponentFacts& facts)
-{
-    QStringList row = {facts.name, cell(facts.share), cell(facts.maximum), facts.highPass.value_or(QString())};
-    if (facts.truth.known) {
-        row << facts.truth.trueName << cell(facts.truth.cosine) << cell(facts.truth.correlation)
-            << cell(facts.truth.relativeError);
-    } else {
-        row << QString() << QString() << QString() << QString();
+    constexpr double mostExact = 9007199254740992.0; // 2^53: a double holds every whole number up to it
+    if (value.isBool()) {
+        return value.toBool() ? QStringLiteral("true") : QStringLiteral("false");
     }
-    return row;
-}
-
-QStringList cellsOfTrust(const ComponentFacts& facts, const QList<RunWarning>& warnings)
-{
-    const auto known = [](const std::optional<double>& value) { return value ? cell(*value) : QString(); };
-    return {known(facts.standardError), known(facts.amplification), known(facts.knownCosine),
-            codesOf(warnings).join(QLatin1Char(' '))};
-}
-
-QStringList cellsOfRun(const ResultFacts& facts)
-{
-    QStringList row = {cell(facts.residual), cell(facts.explainedVariance)};
-    if (facts.automatic) {
-        row << cell(facts.automatic->iterations) << facts.automatic->ending << cell(facts.automatic->lackOfFit)
-            << cell(facts.automatic->lackOfFitDenoised);
-    } else {
-        row << QString() << QString() << QString() << QString();
+    if (!value.isDouble()) {
+        return value.toString();
     }
-    return row;
+    const double number = value.toDouble();
+    return number == std::floor(number) && std::abs(number) <= mostExact ? QString::number(static_cast<qint64>(number))
+                                                                         : orv::shortestText(number);
+}
+
+QString codesIn(const QJsonArray& warnings)
+{
+    QStringList codes;
+    for (const auto& warning : warnings) {
+        codes.append(warning.toObject().value(QStringLiteral("code")).toString());
+    }
+    codes.removeDuplicates();
+    return codes.join(QLatin1Char(' '));
 }
 
 // For people; the columns of a truth only where there is one.
@@ -145,9 +139,13 @@ QJsonObject resultJson(const ResultFacts& facts, const QStringList& files)
     }
     QJsonObject properties;
     for (const auto& property : facts.properties) {
-        properties.insert(property.first, property.second);
+        properties.insert(property.first, jsonWhole(property.second));
     }
-    QJsonObject json{{"method", facts.method},
+    QJsonObject json{{"schema", kJsonSchema},
+                     {"answer", QStringLiteral("result")},
+                     {"sequence", facts.sequence},
+                     {"run", facts.run},
+                     {"method", facts.method},
                      {"unit", facts.unit},
                      {"images", facts.images},
                      {"width", facts.width},
@@ -155,7 +153,7 @@ QJsonObject resultJson(const ResultFacts& facts, const QStringList& files)
                      {"binning", facts.binning},
                      {"pixels", static_cast<qint64>(facts.pixels)},
                      {"residual", jsonNumber(facts.residual)},
-                     {"explainedVariance", jsonNumber(facts.explainedVariance)},
+                     {"explainedVariance", fractionOf(facts.explainedVariance)},
                      {"components", components},
                      {"warnings", jsonOf(facts.warnings)},
                      {"properties", properties},
@@ -174,22 +172,36 @@ QJsonObject resultJson(const ResultFacts& facts, const QStringList& files)
 
 QStringList resultCsvColumns()
 {
-    return {QStringLiteral("component"),      QStringLiteral("share"),
-            QStringLiteral("maximum"),        QStringLiteral("high pass"),
-            QStringLiteral("truth"),          QStringLiteral("cosine"),
-            QStringLiteral("correlation"),    QStringLiteral("relative error"),
-            QStringLiteral("residual"),       QStringLiteral("explained variance"),
-            QStringLiteral("iterations"),     QStringLiteral("ending"),
-            QStringLiteral("lack of fit"),    QStringLiteral("lack of fit denoised"),
-            QStringLiteral("standard error"), QStringLiteral("noise amplification"),
-            QStringLiteral("name cosine"),    QStringLiteral("warning codes")};
+    return QStringLiteral(
+               "sequence run method unit name map errorMap color share maximum highPass locked standardError "
+               "noiseAmplification nameCosine truthName truthCosine truthCorrelation truthRelativeError images "
+               "width height binning pixels residual explainedVariance condition rank iterations ending lackOfFit "
+               "lackOfFitDenoised principalLackOfFit maskLight noise componentsAboveNoise "
+               "componentsAboveNoiseLeast componentsAboveNoiseMost warnings")
+        .split(QLatin1Char(' '));
 }
 
-QByteArray resultCsv(const ResultFacts& facts)
+QList<QStringList> resultCsvRows(const QJsonObject& summary)
+{
+    QList<QStringList> rows;
+    for (const auto& value : summary.value(QStringLiteral("components")).toArray()) {
+        const QJsonObject component = value.toObject();
+        QStringList row;
+        for (const QString& column : resultCsvColumns()) {
+            const QJsonValue own = component.value(column);
+            row.append(column == QLatin1String("warnings") ? codesIn(summary.value(column).toArray())
+                                                           : cellOf(own.isUndefined() ? summary.value(column) : own));
+        }
+        rows.append(row);
+    }
+    return rows;
+}
+
+QByteArray resultCsv(const QJsonObject& summary)
 {
     TextTable table(resultCsvColumns());
-    for (const ComponentFacts& component : facts.components) {
-        table.addRow(cellsOf(component) + cellsOfRun(facts) + cellsOfTrust(component, facts.warnings));
+    for (const QStringList& row : resultCsvRows(summary)) {
+        table.addRow(row);
     }
     return table.toCsv().toUtf8();
 }

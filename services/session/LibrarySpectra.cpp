@@ -6,6 +6,7 @@
 #include "services/basis/Failure.h"
 #include "services/session/PairSelection.h"
 #include "services/session/SpectraTableReader.h"
+#include "services/session/pairTable.h"
 #include "services/session/tableOnBands.h"
 #include "spectra/DefaultColors.h"
 #include "spectra/SpectrumPlotParams.h"
@@ -106,13 +107,16 @@ void LibrarySpectra::load(const QString& strFileOrName, bool bTables)
                                                   : QStringLiteral("saved are ") + known.join(QStringLiteral(", "))));
     }
     const QByteArray bytes = isFile ? checkedBytes(strFileOrName) : QByteArray();
-    if (bTables && !SpectraTable::isLibrary(bytes) && !bytes.trimmed().isEmpty()) {
+    // Tables over wavelength take care of bands; those of pairs as results have them are exact.
+    const bool ours = isPairTable(bytes) && (!bTables || isTimeTable(bytes));
+    if (bTables && !ours && !SpectraTable::isLibrary(bytes) && !bytes.trimmed().isEmpty()) {
         readTable(bytes);
         return;
     }
-    const bool loaded = isFile ? database.loadLibraryFile(strFileOrName, m_spectra, m_strNote)
-                               : database.loadLibrary(strFileOrName, m_spectra, m_strNote);
-    if (!loaded) {
+    if (ours) {
+        m_spectra = readPairTable(bytes, strFileOrName);
+    } else if (!(isFile ? database.loadLibraryFile(strFileOrName, m_spectra, m_strNote)
+                        : database.loadLibrary(strFileOrName, m_spectra, m_strNote))) {
         throw Failure(QStringLiteral("%1: this is no spectrum library (lines \"$,NumSpec,n\", \"$,Color,...\", "
                                      "\"Excitation,Emission,names...\", then one line a pair)")
                           .arg(strFileOrName));

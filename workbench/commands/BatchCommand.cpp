@@ -114,6 +114,7 @@ private:
             text += job.name + QLatin1Char('\n');
         }
         m_session.answer(text);
+        m_session.setCommand(QStringLiteral("batch list"));
         m_session.answerJson(QJsonObject{{"sequences", sequences}});
     }
 
@@ -147,6 +148,7 @@ private:
         m_session.answer(table.toText() + QStringLiteral("\n%1 of %2 would be unmixed\n")
                                               .arg(runs)
                                               .arg(countText(m_jobs.size(), "sequence", "sequences")));
+        m_session.setCommand(QStringLiteral("batch plan"));
         m_session.answerJson(QJsonObject{{"sequences", sequences}, {"unmix", runs}});
     }
 

@@ -7,6 +7,7 @@
 #include "platform/orvutils/TextResponder.h"
 #include "platform/orvutils/printable.h"
 #include "services/basis/Failure.h"
+#include "services/basis/jsonSchema.h"
 #include "services/results/StagedRun.h"
 #include "workbench/commands/CliProgress.h"
 #include "workbench/commands/CommandParser.h"
@@ -136,8 +137,15 @@ void CliSession::answer(const QString& strText) const
 
 void CliSession::answerJson(const QJsonObject& object) const
 {
-    if (m_bJson &&
-        !writeAll(STDOUT_FILENO, orv::printableJson(QJsonDocument(object).toJson(QJsonDocument::Indented)))) {
+    if (!m_bJson) {
+        return;
+    }
+    QJsonObject whole = object;
+    whole.insert(QStringLiteral("schema"), kJsonSchema);
+    if (!whole.contains(QStringLiteral("answer"))) {
+        whole.insert(QStringLiteral("answer"), m_strCommand);
+    }
+    if (!writeAll(STDOUT_FILENO, orv::printableJson(QJsonDocument(whole).toJson(QJsonDocument::Indented)))) {
         throw Failure(QStringLiteral("standard output cannot be written"));
     }
 }

@@ -35,6 +35,9 @@ public:
     explicit CliSession(const QCommandLineParser& parser);
     ~CliSession() override;
 
+    // The kind of its answers: the command, with what it was asked to do where there are several.
+    void setCommand(const QString& strName) { m_strCommand = strName; }
+
     // The options that every command has, --help and --version among them, which the caller answers.
     static void declareOptions(CommandParser& parser);
 
@@ -44,6 +47,7 @@ public:
 
     // The command's answer: text unless --quiet or --json, the object with --json.
     void answer(const QString& strText) const;
+    // With "schema" and "answer", its kind: without one of its own the command's name.
     void answerJson(const QJsonObject& object) const;
     void answer(const RunAnswer& answer) const;
     // Lines on standard error ahead of the one that says that the command has failed, whatever the options.
@@ -72,6 +76,7 @@ private:
     bool m_bJson = false;
     bool m_bQuiet = false;
     bool m_bVerbose = false;
+    QString m_strCommand;
     QStringList m_withheld;
     QStringList m_told;
     std::ofstream m_trace;

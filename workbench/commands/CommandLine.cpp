@@ -292,6 +292,7 @@ int runCommand(Command& command, const QStringList& arguments)
     try {
         pSession = std::make_unique<CliSession>(parser);
         ExportPlace::clearAbandoned();
+        pSession->setCommand(command.name());
         // An interrupt that comes when all is done does not make a failure of it.
         command.run(parser, *pSession);
         warned = pSession->toldWarnings();

@@ -73,10 +73,11 @@ QString number(double dValue, int nDigits)
     return std::isnan(dValue) ? QString() : TextTable::number(dValue, nDigits);
 }
 
-TextTable tableOf(const ResultComparison& comparison, int nDigits)
+// A row a component; the names of the columns serve people, or programs that read the file.
+TextTable tableOf(const ResultComparison& comparison, int nDigits, const QString& strErrorColumn)
 {
     TextTable table({QStringLiteral("result"), QStringLiteral("component"), comparison.rowNames().first(),
-                     QStringLiteral("cosine"), QStringLiteral("correlation"), QStringLiteral("relative error")});
+                     QStringLiteral("cosine"), QStringLiteral("correlation"), strErrorColumn});
     for (int i = 0; i < comparison.rowCount(); ++i) {
         for (int j = 0; j < comparison.columnCount(); ++j) {
             const ComparedComponent& component = comparison.at(i, j);
@@ -188,12 +189,13 @@ void CompareCommand::run(const QCommandLineParser& parser, CliSession& session)
     style.reversed = look.reversed;
     style.unit = results.back()->unit();
     put(staged.path() + QStringLiteral("comparison.png"), orvimage::pngBytes(comparisonPicture(comparison, style)));
-    put(staged.path() + QStringLiteral("comparison.csv"), tableOf(comparison, 9).toCsv().toUtf8());
+    put(staged.path() + QStringLiteral("comparison.csv"),
+        tableOf(comparison, 9, QStringLiteral("relativeError")).toCsv().toUtf8());
     staged.finish(session);
     const QString text = QStringLiteral("compared with %1 over %2 pixels and %3 images\n\n%4\n")
                              .arg(orv::printableLine(referenceText(comparison)))
                              .arg(comparison.pixelCount())
                              .arg(comparison.imageCount())
-                             .arg(tableOf(comparison, 4).toText());
+                             .arg(tableOf(comparison, 4, QStringLiteral("relative error")).toText());
     session.answer(staged.answer(text, jsonOf(comparison)));
 }

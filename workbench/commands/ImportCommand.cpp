@@ -121,6 +121,7 @@ void writeTable(const Request& request, const InferredTable& table)
     } else {
         session.answer(QString::fromUtf8(table.toCsv()));
     }
+    session.setCommand(QStringLiteral("import doubts"));
     session.answerJson(QJsonObject{{"doubts", QJsonArray::fromStringList(table.doubts())},
                                    {"template", QString::fromUtf8(table.toCsv())}});
     throw Failure(QStringLiteral("%1: it is in doubt which image is what: %2. Fill in the table %3 and give it by "
@@ -258,6 +259,7 @@ void ImportCommand::run(const QCommandLineParser& parser, CliSession& session)
         if (!request.writeTable.isEmpty()) {
             writeTable(request, table);
             session.answer(shown + QStringLiteral("table in %1\n").arg(orv::printableLine(request.writeTable)));
+            session.setCommand(QStringLiteral("import table"));
             session.answerJson(QJsonObject{{"table", rows}, {"file", request.writeTable}});
             return;
         }

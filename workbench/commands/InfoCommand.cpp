@@ -12,6 +12,7 @@
 #include "services/basis/ModeNames.h"
 #include "services/basis/TextTable.h"
 #include "services/basis/UnitNames.h"
+#include "services/basis/jsonNumber.h"
 #include "services/session/DatasetContents.h"
 #include "services/session/OpenedSequence.h"
 #include "services/session/UnitForecast.h"
@@ -266,7 +267,7 @@ QJsonObject jsonAnswer(OpenedSequence& opened, const QList<ImageRow>& rows, cons
                           {"spot", row.spot},
                           {"size", row.size},
                           {"binning", row.binning.toDouble()},
-                          {"exposure", row.exposure},
+                          {"exposure", jsonNumberIn(row.exposure)},
                           {"used", row.used},
                           {"contents", row.contents.json()},
                           {"units", QJsonArray::fromStringList(row.units.split(QLatin1Char(' ')))}};

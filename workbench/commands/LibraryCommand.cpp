@@ -79,6 +79,7 @@ void LibraryCommand::run(const QCommandLineParser& parser, CliSession& session)
 {
     QStringList arguments = parser.positionalArguments();
     const QString action = arguments.isEmpty() ? QString() : arguments.takeFirst();
+    session.setCommand(QStringLiteral("library ") + action);
     if (action == QLatin1String("list") && arguments.isEmpty()) {
         list(session);
         return;

@@ -5,6 +5,7 @@
 #include "platform/orvutils/printable.h"
 #include "services/basis/Failure.h"
 #include "services/basis/TextTable.h"
+#include "services/basis/jsonNumber.h"
 #include "services/results/LoadedResult.h"
 #include "services/results/ResultFiles.h"
 #include "services/results/ResultReport.h"
@@ -24,8 +25,10 @@
 #include "engine/CORVSpumKyvo.h"
 
 #include <QCoreApplication>
+#include <QDateTime>
 #include <QFileInfo>
 #include <QJsonArray>
+#include <QLocale>
 #include <QMap>
 
 #include <optional>
@@ -60,11 +63,29 @@ void refuseForeignOptions(const QCommandLineParser& parser, const QString& strAc
     }
 }
 
+// The date of a saved result, which its file has as the computer that saved it writes dates, by ISO 8601; null where it
+// cannot be read as that.
+QJsonValue momentOf(const QString& strDate)
+{
+    constexpr int firstYear = 1970; // years of two digits are read as of the last century
+    constexpr int century = 100;
+    for (const QLocale& locale : {QLocale::system(), QLocale(QLocale::English, QLocale::UnitedStates), QLocale::c()}) {
+        const QString format =
+            locale.dateFormat(QLocale::ShortFormat) + QLatin1String(", ") + locale.timeFormat(QLocale::ShortFormat);
+        QDateTime moment = locale.toDateTime(strDate, format);
+        if (moment.isValid()) {
+            moment = moment.date().year() < firstYear ? moment.addYears(century) : moment;
+            return moment.toString(Qt::ISODate);
+        }
+    }
+    return QJsonValue();
+}
+
 QJsonObject jsonOf(const QString& strName, const SavedDocument& document)
 {
     QJsonObject json{{"name", strName},
                      {"file", document.path},
-                     {"date", document.date},
+                     {"date", momentOf(document.date)},
                      {"note", document.note},
                      {"method", document.property(QStringLiteral("Method"))},
                      {"unit", document.property(QStringLiteral("DataUnit"))},
@@ -171,6 +192,7 @@ void ResultsCommand::run(const QCommandLineParser& parser, CliSession& session)
     if (action == QLatin1String("export") && parser.value(QStringLiteral("out")).isEmpty()) {
         refuseUsage("results", QStringLiteral("--out is missing: the folder of the new sequence."));
     }
+    session.setCommand(QStringLiteral("results ") + action);
     OpenedSequence opened(arguments[1]);
     session.warnAll(opened.warnings());
     if (action == QLatin1String("list")) {
@@ -243,7 +265,7 @@ void ResultsCommand::show(OpenedSequence& opened, const QString& strName, CliSes
     QJsonObject propertiesJson;
     for (const auto& property : withoutWarnings(document.properties)) {
         properties.addRow({property.first, property.second});
-        propertiesJson.insert(property.first, property.second);
+        propertiesJson.insert(property.first, jsonWhole(property.second));
     }
     const QList<RunWarning> warnings = warningsAmong(document.properties);
     for (const QString& sentence : sentencesOf(warnings)) {
@@ -283,6 +305,7 @@ void ResultsCommand::load(OpenedSequence& opened, const QString& strName, const 
     frame.note = loaded.note();
     frame.command = shellLine(QStringList(QStringLiteral("spum")) + QCoreApplication::arguments().mid(1));
     ResultFiles files(opened.engine(), loaded.numbers(), staged.path());
+    files.setRun(staged.name());
     files.setReport(frame, parser.isSet(QStringLiteral("pdf")));
     files.setStyle(pictureStyleOf(opened.engine(), pictures));
     const XTNT::CancellationCheck check([&session] { session.stopIfRequested(); });

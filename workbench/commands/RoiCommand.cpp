@@ -308,6 +308,7 @@ void RoiCommand::run(const QCommandLineParser& parser, CliSession& session)
         action == QLatin1String("measure") ? parser.isSet(QStringLiteral("save")) : action != QLatin1String("list");
     Work work(arguments[0], changes);
     session.warnAll(work.warnings);
+    session.setCommand(QStringLiteral("roi ") + action);
     if (action == QLatin1String("add")) {
         add(parser, work, session);
     } else if (action == QLatin1String("list")) {

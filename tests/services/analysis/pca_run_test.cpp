@@ -100,11 +100,11 @@ TEST_F(PcaRunTest, TheTableAndTheFilesTellTheExplainedVariance)
     ASSERT_TRUE(QDir().mkpath(path("out")));
     files.write(path("out/"));
     EXPECT_EQ(entriesOf(path("out")), (QStringList{"pca.csv", "pca.json", "scree.png", "scree.svg"}));
-    EXPECT_EQ(contentOf(path("out/pca.csv")), "components,explained variance,of this one,eigenvalue\n"
-                                              "1,90,90,90\n2,99.5,9.5,9.5\n3,100,0.5,0.5\n");
+    EXPECT_EQ(contentOf(path("out/pca.csv")), "components,explainedVariance,explainedByThisOne,eigenvalue\n"
+                                              "1,0.9,0.9,90\n2,0.995,0.095,9.5\n3,1,0.005,0.5\n");
     const QJsonObject json = QJsonDocument::fromJson(contentOf(path("out/pca.json"))).object();
     EXPECT_EQ(json["suggested"], 2);
-    EXPECT_EQ(json["suggestedExplains"], 99.5);
+    EXPECT_EQ(json["suggestedExplains"], 0.995);
     EXPECT_EQ(json["eigenvalues"].toArray(), (QJsonArray{90.0, 9.5, 0.5}));
     EXPECT_EQ(json["pixels"], 16);
     EXPECT_FALSE(QImage(path("out/scree.png")).isNull());

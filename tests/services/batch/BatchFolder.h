@@ -4,7 +4,6 @@
 #include "services/batch/BatchEntry.h"
 #include "services/batch/BatchPlaces.h"
 #include "services/batch/BatchRecord.h"
-#include "services/results/resultSummary.h"
 #include "services/support/CliFixture.h"
 
 #include <QImage>
@@ -50,23 +49,22 @@ protected:
         record.seconds = 2.5;
         record.write(places().record(strName));
         QJsonArray list;
-        QByteArray csv = resultCsvColumns().join(',').toUtf8() + '\n';
         for (const QString& component : components) {
             list.append(QJsonObject{
                 {"name", component}, {"color", "red"}, {"map", component + ".tif"}, {"share", 0.5}, {"maximum", 4.0}});
-            csv += component.toUtf8() + ",0.5,4,,,,,,0.25,75,,,,\n";
         }
-        const QJsonObject summary{{"method", "library"},
+        const QJsonObject summary{{"sequence", "Seq 1"},
+                                  {"run", strName},
+                                  {"method", "library"},
                                   {"unit", "Counts"},
                                   {"images", 6},
                                   {"binning", 4},
                                   {"pixels", 4096},
                                   {"residual", dResidual},
-                                  {"explainedVariance", 99.5},
+                                  {"explainedVariance", 0.995},
                                   {"components", list},
                                   {"files", QJsonArray{"composite.png", "summary.json"}}};
         write("out/" + strName + "/summary.json", QJsonDocument(summary).toJson());
-        write("out/" + strName + "/summary.csv", csv);
         write("out/" + strName + "/report.html", "<html>");
         QImage composite(640, 480, QImage::Format_RGB32);
         composite.fill(Qt::darkGreen);

@@ -5,6 +5,7 @@
 
 #include "platform/orvimage/MapPicture.h"
 #include "platform/orvimage/TiffIo.h"
+#include "platform/orvutils/NumberText.h"
 #include "services/basis/Failure.h"
 #include "services/session/LibrarySpectra.h"
 
@@ -35,6 +36,7 @@ protected:
     {
         ASSERT_TRUE(QDir().mkpath(out()));
         ResultFiles files(engine(), m_numbers, out());
+        files.setRun("first");
         files.write([](double) {});
     }
     // Two spots, of which the second sees the same, brighter by that much.
@@ -95,10 +97,10 @@ TEST_F(ResultFilesTest, EveryFileIsThereAndNoOther)
 {
     analyse();
     writeFiles();
-    EXPECT_EQ(entriesOf(out()),
-              (QStringList{"01_Dye_A.png", "01_Dye_A.tif", "02_Dye_B.png", "02_Dye_B.tif", "maps.ome.tif",
-                           "overview.png", "properties.csv", "residual.csv", "residual.png", "residual.tif",
-                           "spectra.csv", "spectra.png", "spectra.svg", "summary.csv", "summary.json"}));
+    EXPECT_EQ(entriesOf(out()), (QStringList{"01_Dye_A.png", "01_Dye_A.tif", "02_Dye_B.png", "02_Dye_B.tif",
+                                             "library.csv", "maps.ome.tif", "overview.png", "properties.csv",
+                                             "residual.csv", "residual.png", "residual.tif", "spectra.csv",
+                                             "spectra.png", "spectra.svg", "summary.csv", "summary.json"}));
     QStringList told;
     for (const auto& name : writtenJson()["files"].toArray()) {
         told.append(name.toString());
@@ -180,11 +182,24 @@ TEST_F(ResultFilesTest, TheSpectraAreALibrary)
     analyse();
     writeFiles();
     LibrarySpectra library;
-    library.load(out() + "spectra.csv");
+    library.load(out() + "library.csv");
     ASSERT_EQ(library.all().size(), 2);
     EXPECT_EQ(library.note(), "spectra in Radiant Efficiency");
     EXPECT_EQ(library.all()[1]->settings.name, "Dye B");
     EXPECT_EQ(library.all()[1]->points[1].value, 0.25);
+}
+
+TEST_F(ResultFilesTest, TheSpectraAreAPlainTableToo)
+{
+    analyse();
+    engine().m_spectra[1][1] = 1.0 / 3.0;
+    writeFiles();
+    EXPECT_TRUE(contentOf(out() + "spectra.csv").startsWith("excitation,emission,Dye A,Dye B\n640,"));
+    LibrarySpectra library;
+    library.load(out() + "spectra.csv");
+    ASSERT_EQ(library.all().size(), 2);
+    EXPECT_EQ(library.all()[1]->settings.name, "Dye B");
+    EXPECT_EQ(library.all()[1]->points[1].value, 1.0 / 3.0);
 }
 
 TEST_F(ResultFilesTest, TheSummaryTellsTheNumbers)
@@ -199,18 +214,25 @@ TEST_F(ResultFilesTest, TheSummaryTellsTheNumbers)
     m_numbers.warnings = {{RunWarning::Severity::Warning, "decay", "it fades", "wait"},
                           {RunWarning::Severity::Warning, "upsampled", "it grew", ""}};
     writeFiles();
-    EXPECT_EQ(contentOf(out() + "summary.csv"),
-              "component,share,maximum,high pass,truth,cosine,correlation,relative error,residual,explained variance,"
-              "iterations,ending,lack of fit,lack of fit denoised,standard error,noise amplification,name cosine,"
-              "warning codes\n"
-              "Dye A,0.25,15,,,,,,0.125,98.4375,,,,,0.5,1.5,,decay upsampled\n"
-              "Dye B,0.75,7,,Dye B,0.75,0.5,0.25,0.125,98.4375,,,,,,2.5,0.875,decay upsampled\n");
+    // The first one's largest value is 15 but for its rounding.
+    const QByteArray largest = orv::shortestText(engine().m_concentrations.row(0).Max()).toLatin1();
+    EXPECT_EQ(contentOf(out() + "summary.csv").replace(',' + largest + ',', ",15,").toStdString(),
+              "sequence,run,method,unit,name,map,errorMap,color,share,maximum,highPass,locked,standardError,"
+              "noiseAmplification,"
+              "nameCosine,truthName,truthCosine,truthCorrelation,truthRelativeError,images,width,height,binning,pixels,"
+              "residual,explainedVariance,condition,rank,iterations,ending,lackOfFit,lackOfFitDenoised,"
+              "principalLackOfFit,maskLight,noise,componentsAboveNoise,componentsAboveNoiseLeast,"
+              "componentsAboveNoiseMost,warnings\n"
+              "SMALL,first,manual,Radiant Efficiency,Dye A,01_Dye_A.tif,,#ff0000,0.25,15,,,0.5,1.5,,,,,,3,4,4,1,16,"
+              "0.125,0.984375,3.25,,,,,,,,,,,,decay upsampled\n"
+              "SMALL,first,manual,Radiant Efficiency,Dye B,02_Dye_B.tif,,#0000ff,0.75,7,,,,2.5,0.875,Dye B,0.75,0.5,"
+              "0.25,3,4,4,1,16,0.125,0.984375,3.25,,,,,,,,,,,,decay upsampled\n");
     const QJsonObject json = writtenJson();
     EXPECT_EQ(json["method"], "manual");
     EXPECT_EQ(json["unit"], "Radiant Efficiency");
     EXPECT_EQ(json["pixels"], 16);
     EXPECT_EQ(json["residual"], 0.125);
-    EXPECT_EQ(json["explainedVariance"], 98.4375);
+    EXPECT_EQ(json["explainedVariance"], 0.984375);
     EXPECT_FALSE(json.contains("iterations"));
     EXPECT_EQ(json["condition"], 3.25);
     EXPECT_EQ(json["warnings"].toArray(), jsonOf(m_numbers.warnings));
@@ -249,7 +271,8 @@ TEST_F(ResultFilesTest, NumbersThatAreNotKnownAreNull)
     writeFiles();
     EXPECT_TRUE(writtenJson()["residual"].isNull());
     EXPECT_TRUE(writtenJson()["components"].toArray()[0].toObject()["share"].isNull());
-    EXPECT_TRUE(contentOf(out() + "summary.csv").contains("Dye A,,15,"));
+    const QByteArray table = contentOf(out() + "summary.csv");
+    EXPECT_TRUE(table.contains(",#ff0000,,1")) << table.constData();
 }
 
 TEST_F(ResultFilesTest, ComponentsOfOneNameHaveFilesOfTheirOwn)
@@ -335,7 +358,7 @@ TEST_F(ResultFilesTest, AComponentHasOneColourInEveryFile)
         EXPECT_TRUE(html.contains("background:" + name)) << k;
         EXPECT_EQ(engine().m_spectrumPlots[k]->settings.color, saved[k]) << "the engine's own stay";
     }
-    EXPECT_TRUE(contentOf(out() + "spectra.csv").contains("$,Color,lime,red"));
+    EXPECT_TRUE(contentOf(out() + "library.csv").contains("$,Color,lime,red"));
 }
 
 TEST_F(ResultFilesTest, MapsOfAScanHaveOneScaleUnlessAskedOtherwise)
@@ -417,17 +440,17 @@ TEST_F(ResultFilesTest, AnAutomaticRunTellsHowItWent)
     const QJsonObject json = writtenJson();
     EXPECT_EQ(json["iterations"], 17);
     EXPECT_EQ(json["ending"], "converged");
-    EXPECT_EQ(json["lackOfFit"], 2.5);
-    EXPECT_EQ(json["lackOfFitDenoised"], 1.5);
+    EXPECT_EQ(json["lackOfFit"], 0.025);
+    EXPECT_EQ(json["lackOfFitDenoised"], 0.015);
     EXPECT_EQ(json["rank"], 3);
     EXPECT_FALSE(json.contains("componentsAboveNoise"));
     EXPECT_FALSE(json.contains("decayCorrected"));
     const QJsonArray components = json["components"].toArray();
     EXPECT_EQ(components[0].toObject()["locked"], true);
     EXPECT_FALSE(components[0].toObject().contains("highPass"));
-    EXPECT_EQ(components[1].toObject()["highPass"], "720");
-    EXPECT_TRUE(
-        contentOf(out() + "summary.csv").contains("\nDye B,0.75,7,720,,,,,0.125,98.4375,17,converged,2.5,1.5,,,,\n"));
+    EXPECT_EQ(components[1].toObject()["highPass"], 720);
+    EXPECT_TRUE(contentOf(out() + "summary.csv")
+                    .contains(",7,720,false,,,,,,,,3,4,4,1,16,0.125,0.984375,,3,17,converged,0.025,0.015,,,,,,,\n"));
     const QString text = ResultFiles(engine(), m_numbers, out()).summaryText();
     EXPECT_TRUE(
         text.endsWith("converged after 17 iterations; lack of fit 2.5 % of the data, 1.5 % of the denoised data\n"))
@@ -449,7 +472,7 @@ TEST_F(ResultFilesTest, AnAutomaticRunTellsWhatStandsAboveTheNoise)
     EXPECT_EQ(json["componentsAboveNoiseLeast"], 2);
     EXPECT_EQ(json["componentsAboveNoiseMost"], 4);
     EXPECT_EQ(json["noise"], 0.25);
-    EXPECT_NEAR(json["principalLackOfFit"].toDouble(), 100.0 * std::sqrt(4.0 / 1110004.0), 1e-12);
+    EXPECT_NEAR(json["principalLackOfFit"].toDouble(), std::sqrt(4.0 / 1110004.0), 1e-14);
     const QString text = ResultFiles(engine(), m_numbers, out()).summaryText();
     // No advice: of images that nobody simulated the estimate can be far off.
     EXPECT_FALSE(text.contains("above the noise")) << qPrintable(text);

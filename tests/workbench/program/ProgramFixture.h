@@ -37,7 +37,8 @@ protected:
     // the rest of that line is returned.
     QString refusal(const QStringList& arguments, int nStatus = 1) const;
 
-    // The content of a file of results; of a report without the command and the time that made it.
+    // The content of a file of results; of a report without the command and the time that made it, of a summary without
+    // its origin and the name of the folder.
     QByteArray lastingContentOf(const QString& strFile) const;
 
     // A simulated sequence "seq", 64 x 64 pixels, 8 bands, binning 4.

@@ -185,14 +185,14 @@ TEST_F(AutomaticAccuracyTest, FromTheNumberAloneNoMoreIsLeftThanTheTrueSpectraLe
 {
     const double floor = noiseFloor(noisyScene());
     EXPECT_GT(floor, 0.5);
-    EXPECT_NEAR(unmix(noisyScene(), {"--ncomponents", "4"})["lackOfFit"].toDouble(), floor, 0.05 * floor);
+    EXPECT_NEAR(unmix(noisyScene(), {"--ncomponents", "4"})["lackOfFit"].toDouble(), 0.01 * floor, 0.0005 * floor);
 }
 
 TEST_F(AutomaticAccuracyTest, WithoutNoiseAndConstraintsNearlyAllIsExplained)
 {
     EXPECT_LT(noiseFloor(exactScene()), 1e-4);
-    EXPECT_LT(unmix(exactScene(), {"--ncomponents", "4"})["lackOfFit"].toDouble(), 0.5);
+    EXPECT_LT(unmix(exactScene(), {"--ncomponents", "4"})["lackOfFit"].toDouble(), 0.005);
     EXPECT_LT(
         unmix(exactScene(), {"--components", m_names, "--no-constraints"}, {"names-replaced"})["lackOfFit"].toDouble(),
-        0.5);
+        0.005);
 }

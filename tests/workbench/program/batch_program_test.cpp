@@ -96,7 +96,7 @@ TEST_F(BatchProgramTest, EverySequenceHasAFolderAndAllHaveTheirFiles)
             .endsWith("3 sequences are unmixed, 0 without a result; " + path("out/batch.html") + " tells of all\n"));
     EXPECT_EQ(entriesOf(path("out")), (QStringList{".batch", "a", "b", "batch.csv", "batch.html", "batch.json", "c"}));
     EXPECT_EQ(contentOf(path("out/batch.csv")).count('\n'), 7);
-    EXPECT_EQ(column("name", 3) + column("component", 3) + column("map", 3), "bDye A01_Dye_A.tif");
+    EXPECT_EQ(column("run", 3) + column("name", 3) + column("map", 3), "bDye A01_Dye_A.tif");
     EXPECT_EQ(contentOf(path("out/batch.html")).count("data:image/jpeg"), 3);
     EXPECT_EQ(entriesOf(path("out/.batch")), (QStringList{"a.json", "b.json", "c.json"}));
 }
@@ -199,7 +199,7 @@ TEST_F(BatchProgramTest, WarningsCountUnderStrict)
     EXPECT_EQ(strict.status, 3);
     EXPECT_EQ(strict.errText(), "sequence  warning\nb         the truth folder ../elsewhere lies outside the sequence "
                                 "and is not read\nspum: 1 warning\n");
-    EXPECT_EQ(column("warnings", 3), "the truth folder ../elsewhere lies outside the sequence and is not read");
+    EXPECT_EQ(column("warningTexts", 3), "the truth folder ../elsewhere lies outside the sequence and is not read");
     // A failure weighs more.
     write("seqs/a/SequenceInfo.txt", "");
     ASSERT_TRUE(QDir(path("seqs/a/SMALL-001")).removeRecursively());

@@ -224,7 +224,7 @@ TEST_F(ImportProgramTest, CorrectionsAreMadeAndTold)
     const QString text = QString::fromUtf8(
         succeed({"import", "stack", "seq", "--dark", "dark.tif", "--flat", "flat.tif", "--exposure", "1.5"}).out);
     EXPECT_TRUE(text.contains(", dark image subtracted, flat field divided\n")) << qPrintable(text);
-    EXPECT_EQ(succeed({"info", "seq", "--json"}).json()["images"].toArray()[1].toObject()["exposure"], "1.5");
+    EXPECT_EQ(succeed({"info", "seq", "--json"}).json()["images"].toArray()[1].toObject()["exposure"], 1.5);
     succeed({"export", "seq", "--format", "csv", "--out", "cube.csv"});
     const QList<QByteArray> lines = contentOf(path("cube.csv")).split('\n');
     EXPECT_EQ(lines[1], "0,0,-4,-20");

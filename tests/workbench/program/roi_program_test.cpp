@@ -283,7 +283,7 @@ TEST_F(RoiProgramTest, TimesStandInPlaceOfFilters)
     }
     sequence.writeTo(path("seq"));
     addSquare("liver");
-    EXPECT_EQ(measurement(succeed({"roi", "seq", "measure", "--json"}).json(), 2)["time"], "60");
+    EXPECT_EQ(measurement(succeed({"roi", "seq", "measure", "--json"}).json(), 2)["time"], 60);
     const QByteArray text = succeed({"roi", "seq", "measure"}).out;
     EXPECT_TRUE(text.contains("time [s]"));
     EXPECT_FALSE(text.contains("excitation"));

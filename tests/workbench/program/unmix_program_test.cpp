@@ -72,10 +72,10 @@ TEST_F(UnmixProgramTest, ASimulatedSequenceIsUnmixedIntoFiles)
         entriesOf(path("seq/unmixed-library")),
         (QStringList{"01_TissueAF.png",       "01_TissueAF.tif",       "02_Food.png",           "02_Food.tif",
                      "03_AlexaFluor_750.png", "03_AlexaFluor_750.tif", "04_AlexaFluor_790.png", "04_AlexaFluor_790.tif",
-                     "composite.png",         "maps.ome.tif",          "overview.png",          "properties.csv",
-                     "report.html",           "residual.csv",          "residual.png",          "residual.tif",
-                     "spectra.csv",           "spectra.png",           "spectra.svg",           "summary.csv",
-                     "summary.json"}));
+                     "composite.png",         "library.csv",           "maps.ome.tif",          "overview.png",
+                     "properties.csv",        "report.html",           "residual.csv",          "residual.png",
+                     "residual.tif",          "spectra.csv",           "spectra.png",           "spectra.svg",
+                     "summary.csv",           "summary.json"}));
     for (const auto& name : entriesOf(path("seq/unmixed-library"))) {
         const QString file = path("seq/unmixed-library/") + name;
         if (name.endsWith(".png")) {
@@ -200,12 +200,9 @@ TEST_F(UnmixProgramTest, ASelectionIsUsedAloneAndInItsOrder)
                     {"spectra-alike"})["images"],
               4);
     const QList<QByteArray> lines = contentOf(path("out/spectra.csv")).split('\n');
-    int head = 0;
-    while (!lines[head].startsWith("Excitation,")) {
-        ++head;
-    }
-    EXPECT_TRUE(lines[head + 1].startsWith(QString(pairs[5]).replace('/', ',').toUtf8() + ','));
-    EXPECT_TRUE(lines[head + 2].startsWith(QString(pairs[1]).replace('/', ',').toUtf8() + ','));
+    EXPECT_TRUE(lines[0].startsWith("excitation,emission,"));
+    EXPECT_TRUE(lines[1].startsWith(QString(pairs[5]).replace('/', ',').toUtf8() + ','));
+    EXPECT_TRUE(lines[2].startsWith(QString(pairs[1]).replace('/', ',').toUtf8() + ','));
 }
 
 TEST_F(UnmixProgramTest, AStarSelectsAnyImage)

@@ -1,0 +1,133 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "services/session/pairTable.h"
+
+#include "platform/orvutils/NumberText.h"
+#include "services/basis/Failure.h"
+#include "services/basis/TextTable.h"
+#include "services/importer/CsvLine.h"
+#include "spectra/DefaultColors.h"
+#include "spectra/SpectrumPlotParams.h"
+
+#include <QStringList>
+
+#include <algorithm>
+#include <memory>
+#include <vector>
+
+namespace {
+
+constexpr int leadingColumns = 2;
+
+QStringList leadingNames(bool bTime)
+{
+    return bTime ? QStringList{QStringLiteral("interval"), QStringLiteral("time")}
+                 : QStringList{QStringLiteral("excitation"), QStringLiteral("emission")};
+}
+
+// Without the mark of the byte order that some programs for tables write ahead of them, and the ends of lines of
+// others.
+QStringList linesOf(const QByteArray& text)
+{
+    QString all = QString::fromUtf8(text);
+    if (all.startsWith(QChar::ByteOrderMark)) {
+        all.remove(0, 1);
+    }
+    all.remove(QLatin1Char('\r'));
+    return all.split(QLatin1Char('\n'));
+}
+
+[[noreturn]] void refuseLine(const QString& strFile, int nLine, const QString& strReason)
+{
+    throw Failure(QStringLiteral("%1:%2: %3").arg(strFile).arg(nLine + 1).arg(strReason));
+}
+
+QStringList fieldsOf(const QStringList& lines, int nLine, const QString& strFile)
+{
+    QStringList fields;
+    QString reason;
+    if (!splitCsvLine(lines[nLine], QLatin1Char(','), &fields, &reason)) {
+        refuseLine(strFile, nLine, reason);
+    }
+    return fields;
+}
+
+// Whether the first line has those names ahead of others, in any case.
+bool beginsWith(const QByteArray& text, const QStringList& names)
+{
+    const int end = text.indexOf('\n');
+    QStringList fields;
+    QString reason;
+    if (!splitCsvLine(linesOf(text.left(end < 0 ? text.size() : end)).first(), QLatin1Char(','), &fields, &reason) ||
+        fields.size() <= names.size()) {
+        return false;
+    }
+    return std::equal(names.begin(), names.end(), fields.begin(), [](const QString& name, const QString& field) {
+        return field.compare(name, Qt::CaseInsensitive) == 0;
+    });
+}
+
+} // namespace
+
+QByteArray pairTableText(const QList<SpectrumPlotParams*>& spectra, bool bTime)
+{
+    QStringList header = leadingNames(bTime);
+    for (const SpectrumPlotParams* pSpectrum : spectra) {
+        header.append(pSpectrum->settings.name);
+    }
+    TextTable table(header);
+    const auto& points = spectra.first()->points;
+    for (int i = 0; i < points.size(); ++i) {
+        QStringList row = {points[i].first, points[i].second};
+        for (const SpectrumPlotParams* pSpectrum : spectra) {
+            row.append(orv::shortestText(pSpectrum->points[i].value));
+        }
+        table.addRow(row);
+    }
+    return table.toCsv().toUtf8();
+}
+
+bool isPairTable(const QByteArray& text)
+{
+    return beginsWith(text, leadingNames(false)) || beginsWith(text, leadingNames(true));
+}
+
+bool isTimeTable(const QByteArray& text)
+{
+    return beginsWith(text, leadingNames(true));
+}
+
+QList<SpectrumPlotParams*> readPairTable(const QByteArray& text, const QString& strFile)
+{
+    const QStringList lines = linesOf(text);
+    const QStringList names = fieldsOf(lines, 0, strFile);
+    std::vector<std::unique_ptr<SpectrumPlotParams>> spectra;
+    for (int i = leadingColumns; i < names.size(); ++i) {
+        spectra.push_back(std::make_unique<SpectrumPlotParams>());
+        spectra.back()->settings.name = names[i];
+        spectra.back()->settings.index = i - leadingColumns;
+        spectra.back()->settings.color = defaultSpectrumColor(i - leadingColumns);
+    }
+    for (int line = 1; line < lines.size(); ++line) {
+        if (lines[line].trimmed().isEmpty()) {
+            continue;
+        }
+        const QStringList fields = fieldsOf(lines, line, strFile);
+        if (fields.size() != names.size()) {
+            refuseLine(strFile, line,
+                       QStringLiteral("%1 fields where the first line has %2").arg(fields.size()).arg(names.size()));
+        }
+        for (int i = leadingColumns; i < fields.size(); ++i) {
+            bool good = false;
+            const double value = fields[i].toDouble(&good);
+            if (!good) {
+                refuseLine(strFile, line, QStringLiteral("\"%1\" is no number").arg(fields[i]));
+            }
+            spectra[static_cast<std::size_t>(i - leadingColumns)]->points.append({fields[0], fields[1], value});
+        }
+    }
+    QList<SpectrumPlotParams*> list;
+    for (auto& pSpectrum : spectra) {
+        list.append(pSpectrum.release());
+    }
+    return list;
+}
