@@ -17,6 +17,7 @@
 #include "spectra/logLine.h"
 
 #include <QCoreApplication>
+#include <QDateTime>
 #include <QDir>
 #include <QFileInfo>
 
@@ -87,6 +88,9 @@ void CORVSpumKyvoPalette::onClickWriteReport()
         return;
     }
     request.sequenceName = pSequence->getSequenceName();
+    request.provenance = provenanceOf(*pSequence, *pEngine);
+    request.provenance.files = analysedFiles(*pSequence, pEngine->m_imageList);
+    request.provenance.started = QDateTime::currentDateTimeUtc();
     request.note = pEngine->resultView().getNote();
     request.composite = pictureOfTab(QStringLiteral("Composite"));
     writeReport(*pEngine, request);

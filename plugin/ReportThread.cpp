@@ -59,6 +59,12 @@ void ReportThread::run()
     }
 }
 
+Provenance ReportThread::hashed(Provenance provenance) const
+{
+    provenance.files = hashedFiles(provenance.sequence, provenance.files, [this] { return !m_bStop; });
+    return provenance;
+}
+
 void ReportThread::write()
 {
     StoppableMonitor monitor(m_bStop);
@@ -70,6 +76,7 @@ void ReportThread::write()
     frame.made = QLocale::c().toString(QDateTime::currentDateTime(), QStringLiteral("yyyy-MM-dd hh:mm"));
     ResultFiles files(m_engine, numbersOfResult(m_engine, QString()), staged.path());
     files.setRun(staged.name());
+    files.setProvenance(hashed(m_request.provenance));
     files.setReport(frame, false);
     if (!m_request.composite.isNull()) {
         files.setComposites({{QStringLiteral("composite.png"), m_request.composite}});

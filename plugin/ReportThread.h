@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "services/results/Provenance.h"
+
 #include <QImage>
 #include <QString>
 #include <QThread>
@@ -16,6 +18,8 @@ struct ReportRequest
     QString note;
     QImage composite; // as the window shows it; null without one
     QString folder;   // a new one
+    // Its files are hashed as the report is written.
+    Provenance provenance;
 };
 
 // Writes the files of an engine's present result as the command line writes them (maps, pictures, spectra, numbers and
@@ -44,6 +48,7 @@ protected:
 
 private:
     void write();
+    Provenance hashed(Provenance provenance) const;
 
     const CORVSpumKyvo& m_engine;
     const ReportRequest m_request;

@@ -48,6 +48,9 @@ public:
     // follows finds the cube ready, so that each image is read once.
     void readImages(double dFraction);
 
+    // The mask that serves: that of the request, or none where its default does not.
+    const MaskRequest& mask() const { return m_request.mask; }
+
     // After the cube was built: images of the selection whose analysed pixels are all the same, in the order of the
     // cube.
     const QStringList& constantImages() { return engine().m_imageFindings.constantImages(); }

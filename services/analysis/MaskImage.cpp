@@ -13,6 +13,11 @@
 
 namespace {
 
+float thresholdOf(double dThreshold, const CILImage& photo, float fRange)
+{
+    return dThreshold < 0.0 ? automaticThreshold(photo, fRange) : static_cast<float>(dThreshold);
+}
+
 CILImage photographMask(double dThreshold, const CORVSpumKyvo& engine)
 {
     if (engine.m_pPhoto == nullptr || engine.m_pPhoto->isEmpty()) {
@@ -21,7 +26,7 @@ CILImage photographMask(double dThreshold, const CORVSpumKyvo& engine)
     CILImage photo = *engine.m_pPhoto;
     photo.RefreshImageStats();
     const float range = photoRange(photo);
-    const float threshold = dThreshold < 0.0 ? automaticThreshold(photo, range) : static_cast<float>(dThreshold);
+    const float threshold = thresholdOf(dThreshold, photo, range);
     CILImage mask;
     if (!makePhotoMask(photo, threshold, range, mask)) {
         throw std::bad_alloc();
@@ -74,6 +79,16 @@ CILImage maskImageOf(const MaskRequest& option, const CORVSpumKyvo& engine)
         break;
     }
     return CILImage();
+}
+
+double photographThreshold(double dThreshold, const CORVSpumKyvo& engine)
+{
+    if (engine.m_pPhoto == nullptr || dThreshold >= 0.0) {
+        return dThreshold;
+    }
+    CILImage photo = *engine.m_pPhoto;
+    photo.RefreshImageStats();
+    return static_cast<double>(thresholdOf(dThreshold, photo, photoRange(photo)));
 }
 
 QString unusableMaskText(const MaskRequest& option, const CORVSpumKyvo& engine)

@@ -11,5 +11,8 @@ class CORVSpumKyvo;
 // image, and where there is no photograph.
 CILImage maskImageOf(const MaskRequest& option, const CORVSpumKyvo& engine);
 
+// Percent of the photograph's range above which it counts: `dThreshold`, or where that is below 0 what is found.
+double photographThreshold(double dThreshold, const CORVSpumKyvo& engine);
+
 // Why the engine refused that mask.
 QString unusableMaskText(const MaskRequest& option, const CORVSpumKyvo& engine);

@@ -60,6 +60,7 @@ RunAnswer UnmixJob::run()
     QElapsedTimer timer;
     timer.start();
     m_setUp.readImages(checkedFraction);
+    m_provenance.beginHashing(m_setUp.opened().sequence(), m_setUp.engine());
     if (isAutomatic()) {
         lookForFood();
         checkConstantImages();
@@ -69,6 +70,7 @@ RunAnswer UnmixJob::run()
 
     ResultFiles files(m_setUp.engine(), m_numbers, staged.path());
     files.setRun(staged.name());
+    files.setProvenance(provenance());
     files.setReport(reportFrame(), m_request.pdf);
     files.setStyle(pictureStyleOf(m_setUp.engine(), m_request.pictures));
     write(files);
@@ -191,9 +193,18 @@ ReportFrame UnmixJob::reportFrame()
     ReportFrame frame;
     frame.sequenceName = m_setUp.opened().sequence().getSequenceName();
     frame.note = m_request.note;
-    frame.command = m_request.command;
+    frame.command = shellLine(m_request.command);
     frame.made = QLocale::c().toString(QDateTime::currentDateTime(), QStringLiteral("yyyy-MM-dd hh:mm"));
     return frame;
+}
+
+Provenance UnmixJob::provenance()
+{
+    const QString library = isAutomatic() ? QString() : LibrarySpectra::fileOf(m_request.library);
+    Provenance provenance = m_provenance.gather(m_setUp.opened().sequence(), m_setUp.engine(), m_setUp.mask(), library);
+    provenance.command = m_request.command;
+    provenance.arguments = m_request.arguments;
+    return provenance;
 }
 
 RunAnswer UnmixJob::answer(const ResultFiles& files, const StagedRun& staged, const QString& strSaved)

@@ -5,12 +5,14 @@
 #include "services/analysis/AutomaticRequest.h"
 #include "services/analysis/NoiseFit.h"
 #include "services/analysis/NoiseRequest.h"
+#include "services/analysis/RunProvenance.h"
 #include "services/analysis/ShownRun.h"
 #include "services/results/ResultFiles.h"
 #include "services/results/StagedRun.h"
 #include "services/warnings/WarningCollector.h"
 
 #include <QString>
+#include <QStringList>
 
 class QElapsedTimer;
 
@@ -28,7 +30,8 @@ struct UnmixRequest
     bool save = false; // keep the result beside the sequence
     QString saveName;  // empty: the next automatic name
     QString note;
-    QString command; // the line that asked for it
+    QStringList command;   // the words that asked for it, the program's name first
+    QStringList arguments; // its options, see Provenance
 };
 
 // One unmixing from the request to the files. Everything that can be refused is refused before the run; nothing is
@@ -64,6 +67,7 @@ private:
     QString adviceAgainstFailure();
     void takeWarnings();
     ReportFrame reportFrame();
+    Provenance provenance();
     void showPictures();
     void write(ResultFiles& files);
     // The name it was saved under.
@@ -72,6 +76,7 @@ private:
 
     UnmixRequest m_request;
     WarningCollector m_monitor;
+    RunProvenance m_provenance;
     AnalysisSetUp m_setUp;
     ResultNumbers m_numbers;
     bool m_bFoodProposed = false;

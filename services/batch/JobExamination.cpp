@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "services/batch/JobExamination.h"
 
+#include "services/basis/fileHash.h"
 #include "services/batch/BatchJob.h"
 #include "services/batch/BatchPlaces.h"
 #include "services/batch/sequenceContent.h"
@@ -19,7 +20,7 @@ QString hashOfOptions(const QList<BatchOption>& options)
             lines.append(option.argument());
             continue;
         }
-        lines.append(option.name + QStringLiteral(" of content ") + hashOfFile(option.file));
+        lines.append(option.name + QStringLiteral(" of content ") + fileHash(option.file));
     }
     lines.sort();
     const QByteArray text = lines.join(QLatin1Char('\n')).toUtf8();

@@ -3,6 +3,7 @@
 
 #include "services/basis/TextTable.h"
 #include "services/basis/jsonSchema.h"
+#include "services/results/Provenance.h"
 #include "services/results/resultSummary.h"
 
 #include <QJsonArray>
@@ -66,7 +67,7 @@ QJsonObject batchJson(const QList<BatchEntry>& entries)
             {"sequence", entry.job.sequence}, {"options", QJsonArray::fromStringList(entry.job.arguments())},
             {"state", entry.stateName()},     {"warnings", QJsonArray::fromStringList(entry.warnings)}};
         if (entry.state == BatchEntry::State::Done) {
-            json.insert(QStringLiteral("summary"), entry.summary);
+            json.insert(QStringLiteral("summary"), lastingSummary(entry.summary));
         } else {
             json.insert(QStringLiteral("message"), entry.message);
         }

@@ -2,7 +2,7 @@
 #include "services/batch/programHash.h"
 
 #include "host/orv_paths.h"
-#include "services/batch/sequenceContent.h"
+#include "services/basis/fileHash.h"
 
 #include <QCoreApplication>
 #include <QCryptographicHash>
@@ -38,7 +38,7 @@ QString programHash()
     }
     QMap<QString, QString> hashes; // by name, whatever the order in which they were loaded
     for (const QString& path : qAsConst(paths)) {
-        hashes.insert(QFileInfo(path).fileName(), hashOfFile(path));
+        hashes.insert(QFileInfo(path).fileName(), fileHash(path));
     }
     QCryptographicHash all(QCryptographicHash::Sha1);
     for (const QString& hash : qAsConst(hashes)) {

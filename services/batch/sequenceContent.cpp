@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "services/batch/sequenceContent.h"
 
-#include "platform/orvutils/InputFile.h"
+#include "services/basis/fileHash.h"
 
 #include <QCryptographicHash>
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
 #include <QSet>
@@ -14,7 +13,6 @@ namespace {
 
 constexpr int maxFiles = 200000;
 constexpr int maxDepth = 8;
-constexpr qint64 chunkBytes = 4 << 20;
 
 bool isRead(const QString& strName)
 {
@@ -82,28 +80,6 @@ QString folderOf(const QString& strSequence)
     return (info.isFile() ? info.absolutePath() : info.absoluteFilePath()) + QLatin1Char('/');
 }
 
-// False where `goesOn` says so.
-bool addFile(const QString& strPath, QCryptographicHash& hash, const std::function<bool()>& goesOn)
-{
-    QFile file(strPath);
-    QString reason;
-    if (!orv::openInput(file, &reason)) {
-        hash.addData("unreadable", 10);
-        return true;
-    }
-    hash.addData(QByteArray::number(file.size()));
-    for (;;) {
-        if (goesOn && !goesOn()) {
-            return false;
-        }
-        const QByteArray bytes = file.read(chunkBytes);
-        if (bytes.isEmpty()) {
-            return true;
-        }
-        hash.addData(bytes);
-    }
-}
-
 } // namespace
 
 QStringList contentOfSequence(const QString& strSequence)
@@ -130,16 +106,11 @@ QString hashOfSequence(const QString& strSequence, const QStringList& files, con
     for (const QString& name : files) {
         hash.addData(name.toUtf8());
         hash.addData("", 1);
-        if (!addFile(folder + name, hash, goesOn)) {
+        hash.addData(fileHash(folder + name, goesOn).toLatin1());
+        hash.addData("", 1);
+        if (goesOn && !goesOn()) {
             return QString();
         }
     }
-    return QString::fromLatin1(hash.result().toHex());
-}
-
-QString hashOfFile(const QString& strPath)
-{
-    QCryptographicHash hash(QCryptographicHash::Sha1);
-    addFile(strPath, hash, {});
     return QString::fromLatin1(hash.result().toHex());
 }

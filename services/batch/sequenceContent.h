@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QByteArray>
 #include <QString>
 #include <QStringList>
 
@@ -17,10 +16,6 @@ QStringList contentOfSequence(const QString& strSequence);
 // Length of all of it.
 qint64 bytesOfSequence(const QString& strSequence, const QStringList& files);
 
-// Hashes (SHA-1, in hexadecimal digits): content that has changed by accident or work is told, not a forgery. What
-// cannot be read counts as one. Empty where `goesOn`, asked every few megabytes, says no.
-
-// Of names and bytes of a sequence.
+// Of names and bytes of a sequence: a hash of the names and of the hashes of their files (fileHash); what cannot be
+// read counts as one that has none. Empty where `goesOn`, asked every few megabytes, says no.
 QString hashOfSequence(const QString& strSequence, const QStringList& files, const std::function<bool()>& goesOn = {});
-// Of the bytes of a file, whatever its name.
-QString hashOfFile(const QString& strPath);

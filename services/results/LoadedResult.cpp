@@ -41,6 +41,7 @@ void checkMaps(const CORVSpumKyvo& engine, const QString& strName)
 
 LoadedResult::LoadedResult(OpenedSequence& opened, const QString& strName, const JobMonitor& monitor)
 {
+    const QDateTime started = QDateTime::currentDateTimeUtc();
     const XTNT::CancellationCheck check([&monitor] { monitor.stopIfRequested(); });
     if (!opened.canBeAnalysed()) {
         throw Failure(QStringLiteral("the result cannot be computed again: the sequence cannot be analysed: %1")
@@ -62,6 +63,12 @@ LoadedResult::LoadedResult(OpenedSequence& opened, const QString& strName, const
     checkMaps(engine, strName);
     engine.storeDecayState();
     m_strNote = engine.resultView().getNote();
+    m_provenance = provenanceOf(opened.sequence(), engine);
+    m_provenance.started = started;
+    m_provenance.options.insert(QStringLiteral("saved"), strName);
+    m_provenance.files = hashedFiles(opened.folder(), analysedFiles(opened.sequence(), engine.m_imageList),
+                                     [&monitor] { return !monitor.isStopRequested(); });
+    monitor.stopIfRequested();
     m_numbers = numbersOfResult(engine, opened.truthFolder(engine.m_eUnit, engine.m_bDecayApplied));
     m_numbers.seconds = static_cast<double>(timer.nsecsElapsed()) * 1e-9;
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "services/basis/UnitLimit.h"
+#include "services/results/Provenance.h"
 #include "services/results/ResultNumbers.h"
 
 #include <QString>
@@ -22,9 +23,12 @@ public:
 
     const ResultNumbers& numbers() const { return m_numbers; }
     const QString& note() const { return m_strNote; }
+    // Of the load; its command is still to be set.
+    const Provenance& provenance() const { return m_provenance; }
 
 private:
     UnitLimit m_unitLimit;
     ResultNumbers m_numbers;
     QString m_strNote;
+    Provenance m_provenance;
 };

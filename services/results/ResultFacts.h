@@ -75,6 +75,7 @@ struct ResultFacts
     ComponentNumber above;           // the noise; none of a result that was loaded
     std::optional<NoiseFacts> noise; // of a fit with weights, or standard errors
     QList<RunWarning> warnings;
+    QJsonObject provenance; // empty where it is not known
 
     bool hasTruth() const;
     // Whether a component has another name than its true one.

@@ -26,6 +26,7 @@
 #include "spectra/SpectrumPlotParams.h"
 #include "spectra/SpumKyvoDatabase.h"
 
+#include <QDateTime>
 #include <QImage>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -126,6 +127,10 @@ void ResultFiles::write(const std::function<void(double fraction)>& step)
 
 void ResultFiles::writeSummary()
 {
+    if (m_provenance) {
+        m_provenance->finished = QDateTime::currentDateTimeUtc();
+        m_facts.provenance = m_provenance->json();
+    }
     put(QStringLiteral("summary.csv"), resultCsv(resultJson(m_facts, m_files)));
     // Last, as it names the other files; it also marks the folder as ours.
     const QString name = QStringLiteral("summary.json");

@@ -3,6 +3,7 @@
 
 #include "services/pictures/PictureStyle.h"
 #include "services/pictures/ResultComposite.h"
+#include "services/results/Provenance.h"
 #include "services/results/ResultFacts.h"
 #include "services/results/ResultNumbers.h"
 #include "services/results/ResultReport.h"
@@ -37,6 +38,9 @@ public:
 
     // The name of the folder that the files will be in, as which the tables tell the run.
     void setRun(const QString& strRun) { m_facts.run = strRun; }
+
+    // What the summary tells of the result's origin; it is finished as the summary is written.
+    void setProvenance(const Provenance& provenance) { m_provenance = provenance; }
 
     // A report (report.html, with `bPdf` report.pdf and maps.pdf too) is written with the other files. Its maps are
     // those of the result.
@@ -78,6 +82,7 @@ private:
     const XTNT::Matrix<double> m_errors;
     PictureStyle m_style;
     QString m_strFolder;
+    std::optional<Provenance> m_provenance;
     QStringList m_files;
     QStringList m_errorMaps;  // among them
     QList<QImage> m_pictures; // of the overview

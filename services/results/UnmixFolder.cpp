@@ -55,20 +55,20 @@ UnmixFolder::UnmixFolder(const QString& strFolder, const QString& strShown)
     : m_strPath(QDir::cleanPath(QFileInfo(strFolder).absoluteFilePath()) + QLatin1Char('/')),
       m_strLabel(QDir(m_strPath).dirName())
 {
-    const QJsonObject summary = readSummary(m_strPath, strShown.isEmpty() ? QFileInfo(m_strPath).path() : strShown);
-    m_strUnit = summary.value(QStringLiteral("unit")).toString();
-    m_dBinning = summary.value(QStringLiteral("binning")).toDouble();
-    m_bDecayCorrected = summary.value(QStringLiteral("decayCorrected")).isObject();
-    for (const auto& value : summary.value(QStringLiteral("components")).toArray()) {
+    m_summary = readSummary(m_strPath, strShown.isEmpty() ? QFileInfo(m_strPath).path() : strShown);
+    m_strUnit = m_summary.value(QStringLiteral("unit")).toString();
+    m_dBinning = m_summary.value(QStringLiteral("binning")).toDouble();
+    m_bDecayCorrected = m_summary.value(QStringLiteral("decayCorrected")).isObject();
+    for (const auto& value : m_summary.value(QStringLiteral("components")).toArray()) {
         const QJsonObject component = value.toObject();
         m_components.append(
             {component.value(QStringLiteral("name")).toString(), nameOf(component.value(QStringLiteral("map")))});
     }
     QStringList errorMaps;
-    for (const auto& value : summary.value(QStringLiteral("errorMaps")).toArray()) {
+    for (const auto& value : m_summary.value(QStringLiteral("errorMaps")).toArray()) {
         errorMaps.append(nameOf(value));
     }
-    for (const auto& value : summary.value(QStringLiteral("files")).toArray()) {
+    for (const auto& value : m_summary.value(QStringLiteral("files")).toArray()) {
         const QString name = nameOf(value);
         if (QFileInfo(name).suffix() == QLatin1String("tif") && name != QLatin1String(allMapsName) &&
             !errorMaps.contains(name)) {

@@ -4,6 +4,7 @@
 #include "host/CILImage.h"
 
 #include <QImage>
+#include <QJsonObject>
 #include <QList>
 #include <QString>
 #include <QStringList>
@@ -25,6 +26,8 @@ public:
     // Absolute, with its separator.
     const QString& path() const { return m_strPath; }
     QString summaryPath() const { return m_strPath + QStringLiteral("summary.json"); }
+    // The object of its summary.
+    const QJsonObject& summary() const { return m_summary; }
     // Name of the folder.
     const QString& label() const { return m_strLabel; }
     // As shown ("Radiant Efficiency").
@@ -45,6 +48,7 @@ public:
 private:
     QString m_strPath;
     QString m_strLabel;
+    QJsonObject m_summary;
     QString m_strUnit;
     double m_dBinning = 0.0;
     bool m_bDecayCorrected = false;

@@ -159,6 +159,9 @@ QJsonObject resultJson(const ResultFacts& facts, const QStringList& files)
                      {"properties", properties},
                      {"files", QJsonArray::fromStringList(files)}};
     addKnown(facts.maskLight, "maskLight", json);
+    if (!facts.provenance.isEmpty()) {
+        json.insert(QStringLiteral("provenance"), facts.provenance);
+    }
     addKnown(facts.condition, "condition", json);
     if (facts.noise) {
         json.insert(QStringLiteral("noiseModel"), facts.noise->json());

@@ -8,13 +8,13 @@
 #include "services/batch/BatchTable.h"
 #include "services/batch/batchNames.h"
 #include "services/batch/unmixMemory.h"
-#include "services/session/LibrarySpectra.h"
 #include "workbench/commands/CallErrors.h"
 #include "workbench/commands/CliSession.h"
 #include "workbench/commands/CommandParser.h"
 #include "workbench/commands/Options.h"
 #include "workbench/commands/UnmixCommand.h"
 #include "workbench/commands/UnmixOptions.h"
+#include "workbench/commands/givenUnmixOptions.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -47,42 +47,6 @@ QString otherOf(const QString& strName)
         }
     }
     return strName;
-}
-
-// Those of an unmixing that a parser has met, files from `strFolder` or the working folder.
-QList<BatchOption> unmixOptionsIn(const QCommandLineParser& parser, const QString& strFolder)
-{
-    CommandParser known;
-    declareUnmixOptions(known);
-    QList<BatchOption> options;
-    QStringList seen;
-    for (const QString& name : parser.optionNames()) {
-        const bool isFlag = parser.values(name).isEmpty();
-        const QString trial = QStringLiteral("--") + name + (isFlag ? QString() : QStringLiteral("=x"));
-        if (seen.contains(name) || !known.parse({QStringLiteral("spum"), trial})) {
-            continue;
-        }
-        seen.append(name);
-        BatchOption option;
-        option.name = name;
-        if (!isFlag) {
-            option.value = parser.value(name);
-        }
-        const bool namesFile = name == QLatin1String("library") || name == QLatin1String("mask");
-        if (namesFile && option.value) {
-            const QString beside = QDir(strFolder).absoluteFilePath(*option.value);
-            const QFileInfo file(!strFolder.isEmpty() && QFileInfo(beside).isFile() ? beside : *option.value);
-            if (file.isFile()) {
-                // Wherever the process runs.
-                option.value = QDir::cleanPath(file.absoluteFilePath());
-                option.file = *option.value;
-            } else if (name == QLatin1String("library")) {
-                option.file = LibrarySpectra::fileOf(*option.value);
-            }
-        }
-        options.append(option);
-    }
-    return options;
 }
 
 QList<BatchOption> merged(const QList<BatchOption>& common, const QList<BatchOption>& own)
@@ -120,7 +84,7 @@ QList<BatchOption> optionsOfRow(const BatchRow& row)
             refuseAt(row.place, QStringLiteral("--%1 is given more than once and taken once").arg(name));
         }
     }
-    return unmixOptionsIn(parser, QFileInfo(row.place.section(QLatin1Char(':'), 0, -2)).path());
+    return givenUnmixOptions(parser, QFileInfo(row.place.section(QLatin1Char(':'), 0, -2)).path());
 }
 
 // As the command would that is to run, and what its memory depends on.
@@ -248,7 +212,7 @@ QList<BatchJob> batchJobsOf(const QCommandLineParser& parser, JobMonitor& monito
     if (parser.positionalArguments().isEmpty()) {
         refuseUsage("batch", QStringLiteral("batch takes sequences, or a table of them."));
     }
-    const QList<BatchOption> common = unmixOptionsIn(parser, QString());
+    const QList<BatchOption> common = givenUnmixOptions(parser, QString());
     QList<BatchJob> jobs;
     for (const QString& argument : parser.positionalArguments()) {
         BatchJob job;

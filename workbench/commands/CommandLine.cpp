@@ -24,6 +24,7 @@
 #include "workbench/commands/LibraryCommand.h"
 #include "workbench/commands/Output.h"
 #include "workbench/commands/PcaCommand.h"
+#include "workbench/commands/RedoCommand.h"
 #include "workbench/commands/ResultsCommand.h"
 #include "workbench/commands/RoiCommand.h"
 #include "workbench/commands/SimulateCommand.h"
@@ -291,8 +292,8 @@ int runCommand(Command& command, const QStringList& arguments)
     };
     try {
         pSession = std::make_unique<CliSession>(parser);
-        ExportPlace::clearAbandoned();
         pSession->setCommand(command.name());
+        ExportPlace::clearAbandoned();
         // An interrupt that comes when all is done does not make a failure of it.
         command.run(parser, *pSession);
         warned = pSession->toldWarnings();
@@ -405,6 +406,7 @@ std::vector<std::unique_ptr<Command>> CommandLine::commands()
     list.push_back(std::make_unique<BatchCommand>());
     list.push_back(std::make_unique<ResultsCommand>());
     list.push_back(std::make_unique<CompareCommand>());
+    list.push_back(std::make_unique<RedoCommand>());
     list.push_back(std::make_unique<LibraryCommand>());
     list.push_back(std::make_unique<SourcesCommand>());
     list.push_back(std::make_unique<RoiCommand>());

@@ -300,12 +300,16 @@ void ResultsCommand::load(OpenedSequence& opened, const QString& strName, const 
     StagedRun staged(place, parser.isSet(QStringLiteral("force")), QStringLiteral("summary.json"));
     session.startProgress(QStringLiteral("Loading the result"));
     const LoadedResult loaded(opened, strName, session);
+    const QStringList command = QStringList(QStringLiteral("spum")) + QCoreApplication::arguments().mid(1);
     ReportFrame frame;
     frame.sequenceName = opened.sequence().getSequenceName() + QStringLiteral(", saved result ") + strName;
     frame.note = loaded.note();
-    frame.command = shellLine(QStringList(QStringLiteral("spum")) + QCoreApplication::arguments().mid(1));
+    frame.command = shellLine(command);
     ResultFiles files(opened.engine(), loaded.numbers(), staged.path());
     files.setRun(staged.name());
+    Provenance provenance = loaded.provenance();
+    provenance.command = command;
+    files.setProvenance(provenance);
     files.setReport(frame, parser.isSet(QStringLiteral("pdf")));
     files.setStyle(pictureStyleOf(opened.engine(), pictures));
     const XTNT::CancellationCheck check([&session] { session.stopIfRequested(); });

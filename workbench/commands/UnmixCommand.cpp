@@ -2,13 +2,13 @@
 #include "workbench/commands/UnmixCommand.h"
 
 #include "services/analysis/UnmixJob.h"
-#include "services/results/ResultReport.h"
 #include "services/warnings/strictFailure.h"
 #include "workbench/commands/AnalysisOptions.h"
 #include "workbench/commands/CliSession.h"
 #include "workbench/commands/CommandParser.h"
 #include "workbench/commands/Options.h"
 #include "workbench/commands/UnmixOptions.h"
+#include "workbench/commands/givenUnmixOptions.h"
 
 #include <QCoreApplication>
 
@@ -46,7 +46,8 @@ void UnmixCommand::check(const QCommandLineParser& parser) const
 void UnmixCommand::run(const QCommandLineParser& parser, CliSession& session)
 {
     UnmixRequest request = unmixRequestOf(parser);
-    request.command = shellLine(QStringList(QStringLiteral("spum")) + QCoreApplication::arguments().mid(1));
+    request.command = QStringList(QStringLiteral("spum")) + QCoreApplication::arguments().mid(1);
+    request.arguments = lastingUnmixArguments(parser);
     UnmixJob job(request, session);
     if (parser.isSet(QStringLiteral("dry-run"))) {
         session.answer(job.plan());

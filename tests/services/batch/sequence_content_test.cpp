@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "services/batch/sequenceContent.h"
 
+#include "services/basis/fileHash.h"
 #include "services/support/CliFixture.h"
 
+#include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
 
@@ -106,7 +108,10 @@ TEST_F(SequenceContentTest, AHashThatIsToStopIsEmpty)
 
 TEST_F(SequenceContentTest, AFileCountsByItsBytesAlone)
 {
-    EXPECT_EQ(hashOfFile(write("a.csv", "bytes")), hashOfFile(write("b.csv", "bytes")));
-    EXPECT_NE(hashOfFile(write("b.csv", "Bytes")), hashOfFile(path("a.csv")));
-    EXPECT_NE(hashOfFile(path("none.csv")), hashOfFile(write("empty.csv", "")));
+    EXPECT_EQ(fileHash(write("a.csv", "bytes")), fileHash(write("b.csv", "bytes")));
+    EXPECT_NE(fileHash(write("b.csv", "Bytes")), fileHash(path("a.csv")));
+    EXPECT_NE(fileHash(path("none.csv")), fileHash(write("empty.csv", "")));
+    // As sha1sum tells it.
+    EXPECT_EQ(fileHash(path("a.csv")), QCryptographicHash::hash("bytes", QCryptographicHash::Sha1).toHex());
+    EXPECT_EQ(fileHash(path("none.csv")), QString());
 }

@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "services/session/AnalysedFiles.h"
+
+#include "host/CORVDataset.h"
+#include "host/CORVSequenceDataset.h"
+#include "services/basis/fileHash.h"
+
+#include <QDir>
+#include <QMap>
+
+namespace {
+
+bool isPhotograph(const QString& strName)
+{
+    return strName.startsWith(QLatin1String("photograph"), Qt::CaseInsensitive);
+}
+
+QStringList namesIn(const QString& strFolder)
+{
+    return QDir(strFolder).entryList(
+        {QStringLiteral("*.tif"), QStringLiteral("*.tiff"), QStringLiteral("*.txt"), QStringLiteral("*.csv")},
+        QDir::Files, QDir::Name);
+}
+
+} // namespace
+
+QList<AnalysedFile> analysedFiles(const CORVSequenceDataset& sequence, const QVector<QString>& clickNumbers)
+{
+    const QDir root(sequence.getSequenceInfoPath());
+    QMap<QString, AnalysedFile> files; // sorted, each once: two datasets may lie in one folder
+    const QString info = QStringLiteral("SequenceInfo.txt");
+    if (root.exists(info)) {
+        files.insert(info, {QString(), info, QString()});
+    }
+    for (const CORVDataset* pDataset : sequence.getDatasets()) {
+        const bool analysed = clickNumbers.contains(pDataset->getClickNumber());
+        for (const QString& name : namesIn(pDataset->folderPath())) {
+            const QString file = root.relativeFilePath(pDataset->folderPath() + name);
+            if ((analysed || isPhotograph(name)) && !files.contains(file)) {
+                files.insert(file, {pDataset->getClickNumber(), file, QString()});
+            }
+        }
+    }
+    return files.values();
+}
+
+QList<AnalysedFile> hashedFiles(const QString& strSequenceFolder, QList<AnalysedFile> files,
+                                const std::function<bool()>& goesOn)
+{
+    const QDir root(strSequenceFolder);
+    for (AnalysedFile& file : files) {
+        file.sha1 = fileHash(root.filePath(file.name), goesOn);
+    }
+    return files;
+}
