@@ -27,6 +27,8 @@ grep -qx "version: ${version#spum }" "$share/doc/orvspum/CITATION.cff" || { echo
 groff -man -Kutf8 -ww -z "$share"/man/man1/*.1 2>"$work/log"
 [ ! -s "$work/log" ] || { cat "$work/log" >&2; exit 1; }
 desktop-file-validate "$share/applications/spum-workbench.desktop"
+[ -s "$work/second place/share/orvia/schema/spum.schema.json" ]
+$run "$work/second place/bin/spum" redo "$work/mouse/unmixed-library" --quiet
 # The tables are those of the tree, not those of the sources that the build knows.
 rm -r "$work/second place/share/orvia/data"
 mkdir "$work/second place/share/orvia/data"

@@ -195,8 +195,7 @@ QList<CommandManual::Example> RedoCommand::examples() const
 {
     return {
         {QStringLiteral("spum redo by-name"), QStringLiteral("Whether the same command gives the same bits still.")},
-        {QStringLiteral("spum redo by-name --sequence moved/mouse --out again"),
-         QStringLiteral("From images that have moved, and the new result is kept.")}};
+        {QStringLiteral("spum redo by-name --out again"), QStringLiteral("The same, and the new result is kept.")}};
 }
 
 void RedoCommand::run(const QCommandLineParser& parser, CliSession& session)
