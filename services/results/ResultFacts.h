@@ -96,3 +96,5 @@ QString resultMapName(int nComponent, const QString& strLabel, int nSpot, int nS
 QString resultErrorMapName(int nComponent, const QString& strLabel, int nSpot, int nSpots);
 // Name of the file with all maps in one.
 inline const char* const allMapsName = "maps.ome.tif";
+// What the components leave of the images.
+inline const char* const residualMapName = "residual.tif";

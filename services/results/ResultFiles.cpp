@@ -281,7 +281,7 @@ void ResultFiles::writeRest(const ResultMapPictures& pictures)
     std::transform(size[0], size[0] + pixels, size[0], [](double square) { return std::sqrt(square); });
     const CILImage map = imageOfMap(m_engine, size, 0, 0, 0.0F);
     writeMapTiff(
-        QStringLiteral("residual.tif"), map,
+        QLatin1String(residualMapName), map,
         QStringLiteral("residual, root mean square over the images, %1").arg(UnitNames::quantity(m_engine.m_eUnit)));
     const QString title = QStringLiteral("What no component explains");
     const orvimage::MapPicture drawing = pictures.pictureOf(map, title);

@@ -64,14 +64,13 @@ UnmixFolder::UnmixFolder(const QString& strFolder, const QString& strShown)
         m_components.append(
             {component.value(QStringLiteral("name")).toString(), nameOf(component.value(QStringLiteral("map")))});
     }
-    QStringList errorMaps;
+    QStringList others = {QLatin1String(allMapsName), QLatin1String(residualMapName)};
     for (const auto& value : m_summary.value(QStringLiteral("errorMaps")).toArray()) {
-        errorMaps.append(nameOf(value));
+        others.append(nameOf(value));
     }
     for (const auto& value : m_summary.value(QStringLiteral("files")).toArray()) {
         const QString name = nameOf(value);
-        if (QFileInfo(name).suffix() == QLatin1String("tif") && name != QLatin1String(allMapsName) &&
-            !errorMaps.contains(name)) {
+        if (QFileInfo(name).suffix() == QLatin1String("tif") && !others.contains(name)) {
             m_mapFiles.append(name);
         }
     }

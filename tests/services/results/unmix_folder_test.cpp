@@ -31,6 +31,13 @@ TEST_F(UnmixFolderTest, TellsWhatTheSummaryTells)
     EXPECT_EQ(folder.mapFiles(), (QStringList{"01_Dye_A.tif", "02_Dye_B.tif"}));
 }
 
+TEST_F(UnmixFolderTest, WhatIsNoMapOfAComponentIsNoneOfTheMaps)
+{
+    const UnmixFolder folder(summary(R"({"errorMaps": ["01_Dye_error.tif"],
+        "files": ["01_Dye.tif", "01_Dye_error.tif", "maps.ome.tif", "residual.tif"]})"));
+    EXPECT_EQ(folder.mapFiles(), QStringList("01_Dye.tif"));
+}
+
 TEST_F(UnmixFolderTest, NamesThatLeadElsewhereAreCutToTheFolder)
 {
     const UnmixFolder folder(
