@@ -459,7 +459,7 @@ TEST_F(ImportProgramTest, ResultsHaveTheShapeOfTheImagesAndCountNoPadding)
     // A mask of that shape, one that reaches into what was added, and numbers that leave the images.
     writeTiffFile("mask.tif", imageOf(12, 7, [](int i) { return i % 12 < 6 ? 1.0F : 0.0F; }));
     writeTiffFile("square.tif", imageOf(12, 12, [](int) { return 1.0F; }));
-    const auto pixelsOf = [&](const char* mask, const char* out) {
+    const auto pixelsOf = [&](const char* mask, const char* out) -> QJsonValue {
         return succeed({"unmix", "seq", "--ncomponents", "2", "--mask", mask, "--out", out, "--json"}).json()["pixels"];
     };
     EXPECT_EQ(pixelsOf("mask.tif", "half"), 42);
