@@ -402,12 +402,13 @@ QString UnmixJob::adviceAgainstFailure()
 void UnmixJob::takeWarnings()
 {
     RunFindings findings = findingsOfResult(m_setUp.engine(), m_setUp.opened().sequence(), isAutomatic(), m_numbers);
-    findings.restInFiles = true;
     findings.maskOfPhotograph = m_setUp.hasMaskOfPhotograph();
     if (isAutomatic()) {
         findings.askedNames = m_request.automatic.components;
     }
+    // What is kept with the result names no files: it may be saved without them.
+    keepWarnings(m_monitor.warnings() + runWarnings(findings), m_setUp.engine());
+    findings.restInFiles = true;
     m_monitor.addAll(runWarnings(findings));
     m_numbers.warnings = m_monitor.warnings();
-    keepWarnings(m_numbers.warnings, m_setUp.engine());
 }
