@@ -138,14 +138,17 @@ TEST_F(ResultsKeptTest, TheReportHasTheNumbersAndMapsOfTheCommandLine)
     const QString strByCommand = m_work.filePath("by command");
     runSpum({"unmix", m_strSequence, "--components", components.join(','), "--out", strByCommand});
     int nMaps = 0;
-    for (const QString& strName : QDir(strByCommand).entryList({"*.tif", "spectra.csv", "properties.csv"})) {
+    const QStringList same = {"0*.tif", "residual.tif", "spectra.csv", "properties.csv"};
+    for (const QString& strName : QDir(strByCommand).entryList(same)) {
         QFile here(strByCommand + '/' + strName);
         QFile there(strReport + '/' + strName);
         ASSERT_TRUE(here.open(QIODevice::ReadOnly) && there.open(QIODevice::ReadOnly)) << strName.toStdString();
         EXPECT_TRUE(here.readAll() == there.readAll()) << strName.toStdString();
         ++nMaps;
     }
-    EXPECT_EQ(nMaps, components.size() + 2);
+    EXPECT_EQ(nMaps, components.size() + 3);
+    // This one tells the colours, too, which are those of the window.
+    EXPECT_TRUE(QFile::exists(strReport + "/maps.ome.tif"));
     // The name that is proposed next is free.
     program().click("m_pReportButton");
     ASSERT_TRUE(program().waitFor("fileNameEdit"));
