@@ -38,7 +38,11 @@ public:
     // Scan spots; 1 where there is no scan. All components have as many.
     int spotCount() const { return m_nSpots; }
     const QStringList& names() const { return m_names; }
-    const CILImage& map(int n, int nSpot = 0) const { return m_maps[static_cast<std::size_t>(n * m_nSpots + nSpot)]; }
+    const CILImage& map(int n, int nSpot = 0) const
+    {
+        return m_maps[static_cast<std::size_t>(n) * static_cast<std::size_t>(m_nSpots) +
+                      static_cast<std::size_t>(nSpot)];
+    }
     // Row-major places of the pixels that were analysed; empty for all.
     const std::vector<int>& pixels() const { return m_pixels; }
 
