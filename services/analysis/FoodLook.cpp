@@ -28,15 +28,16 @@ constexpr double well = 0.5; // of what was left
 std::vector<Spectrum> spectraOfSquares(const CImageCube& cube)
 {
     const int side = std::max(smallestSide, cube.m_nWidth / squaresASide);
-    const int across = (cube.m_nWidth + side - 1) / side;
+    const auto countOf = [side](int nPixels) { return static_cast<std::size_t>((nPixels + side - 1) / side); };
+    const std::size_t across = countOf(cube.m_nWidth);
     const auto images = static_cast<std::size_t>(cube.m_nImages);
-    const auto squares = static_cast<std::size_t>(across * ((cube.m_nHeight + side - 1) / side));
+    const std::size_t squares = across * countOf(cube.m_nHeight);
     std::vector<Spectrum> sums(squares, Spectrum(images, 0.0));
     std::vector<int> counts(squares, 0);
     for (long long p = 0; p < cube.pixelsPerSpot(); ++p) {
         const int place = cube.m_bHasMask ? cube.m_maskIndices[static_cast<std::size_t>(p)] : static_cast<int>(p);
-        const auto square =
-            static_cast<std::size_t>(place / cube.m_nWidth / side * across + place % cube.m_nWidth / side);
+        const auto square = static_cast<std::size_t>(place / cube.m_nWidth / side) * across +
+                            static_cast<std::size_t>(place % cube.m_nWidth / side);
         ++counts[square];
         for (std::size_t j = 0; j < images; ++j) {
             sums[square][j] += cube.m_data[p][static_cast<long long>(j)];
