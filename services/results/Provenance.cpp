@@ -120,6 +120,7 @@ QJsonObject lastingSummary(QJsonObject summary)
     QJsonObject provenance = summary.value(QStringLiteral("provenance")).toObject();
     if (!provenance.isEmpty()) {
         provenance.remove(QStringLiteral("made"));
+        provenance.remove(QStringLiteral("command")); // its words name the folder of the results
         summary.insert(QStringLiteral("provenance"), provenance);
     }
     summary.remove(QStringLiteral("seconds")); // of a command's answer

@@ -42,5 +42,6 @@ Provenance provenanceOf(const CORVSequenceDataset& sequence, const CORVSpumKyvo&
 // Of the mask's pixels, row by row, a byte each: 255 where a pixel was analysed, else 0.
 QString maskHash(const CORVSpumKyvo& engine);
 
-// A summary without what tells times and places: of two runs of the same thing the same.
+// A summary without what tells times and places (the command names the folder of the results): of two runs of the
+// same thing the same.
 QJsonObject lastingSummary(QJsonObject summary);

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// How often a program opens the images of a sequence: for the header when the sequence is opened, and for the pixels.
+// How often a program opens the images of a sequence: for the header when the sequence is opened, for the pixels, and
+// where the result tells its origin for the hash of the bytes.
 #include "support/OpenedFiles.h"
 #include "workbench/program/ProgramFixture.h"
 

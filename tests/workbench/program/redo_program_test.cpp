@@ -106,16 +106,12 @@ TEST_F(RedoProgramTest, TwoRunsOfTheSameDifferInTimesAndHostAlone)
     }
     unmix({"--replace"});
     EXPECT_EQ(entriesOf(path("out")), files);
-    QJsonObject second = summaryOf("out");
+    const QJsonObject second = summaryOf("out");
     for (const QString& file : files) {
         if (file != "summary.json") {
             EXPECT_EQ(lastingContentOf(path("out/" + file)), before[file]) << qPrintable(file);
         }
     }
-    // The words of the second command have one more.
-    QJsonObject provenance = second["provenance"].toObject();
-    provenance["command"] = first["provenance"].toObject()["command"];
-    second["provenance"] = provenance;
     EXPECT_NE(first, second);
     EXPECT_EQ(lastingSummary(first), lastingSummary(second));
 }

@@ -129,7 +129,7 @@ TEST_F(TablesProgramTest, TheTableOfSpectraServesAsALibrary)
     succeed({"unmix", "seq", "--library", truth(), "--out", "first"});
     succeed({"unmix", "seq", "--library", "first/spectra.csv", "--out", "again"});
     EXPECT_EQ(contentOf(path("again/01_TissueAF.tif")), contentOf(path("first/01_TissueAF.tif")));
-    succeed({"library", "save", "kept", "--from", "first/spectra.csv"});
+    succeed({"library", "save", "kept", "--from", "first/spectra.csv", "--sequence", "seq"});
     succeed({"unmix", "seq", "--library", "kept", "--out", "kept"});
 }
 
