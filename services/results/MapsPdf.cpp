@@ -45,7 +45,8 @@ void MapsPdf::add(const orvimage::MapPicture& picture)
     const QSizeF cell((page.width() - gap * (columns - 1)) / columns, (page.height() - gap * (rows - 1)) / rows);
     const double factor = std::min(cell.width() / picture.size().width(), cell.height() / picture.size().height());
     m_painter.save();
-    m_painter.translate((place % columns) * (cell.width() + gap), (place / columns) * (cell.height() + gap));
+    const int row = place / columns;
+    m_painter.translate((place % columns) * (cell.width() + gap), row * (cell.height() + gap));
     m_painter.scale(factor, factor);
     picture.draw(m_painter);
     m_painter.restore();
