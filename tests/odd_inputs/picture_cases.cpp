@@ -221,9 +221,13 @@ OddCases corrections()
             [] { return floats(std::numeric_limits<float>::quiet_NaN()).bytes(); },
             "{path}: the mask has no pixel above 0"),
         correction(
-            "MaskThatIsAPicture", OddReaders::mask(), [] { return picture("PNG"); },
+            "MaskThatIsAPhotograph", OddReaders::mask(), [] { return picture("JPG"); },
             "{path}: not a readable TIFF file ({...})"),
+        correction(
+            "MaskThatIsAPictureCut", OddReaders::mask(), [] { return picture("PNG").left(60); }, "{path}: {...}"),
     };
+    cases.push_back({"MaskThatIsAPicture", OddReaders::mask(), QStringLiteral("mask.png"),
+                     [](const QString& path) { putFile(path, picture("PNG")); }, C::Silent, "32 x 32, 1 to 1"});
     const QByteArray sound = floats(1.0F).bytes();
     cases.push_back({"FlatInACircleOfPages", OddReaders::flat(), QStringLiteral("flat.tif"),
                      [](const QString& path) { putFile(path, floats(1.0F).next(8).bytes()); }, C::Silent, "loaded"});

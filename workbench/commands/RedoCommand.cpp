@@ -195,7 +195,8 @@ QList<CommandManual::Example> RedoCommand::examples() const
 {
     return {
         {QStringLiteral("spum redo by-name"), QStringLiteral("Whether the same command gives the same bits still.")},
-        {QStringLiteral("spum redo by-name --out again"), QStringLiteral("The same, and the new result is kept.")}};
+        {QStringLiteral("spum redo by-name --out made-again"),
+         QStringLiteral("The same, and the new result is kept.")}};
 }
 
 void RedoCommand::run(const QCommandLineParser& parser, CliSession& session)
