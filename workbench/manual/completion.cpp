@@ -112,7 +112,7 @@ QString bashCommand(const CommandManual& command)
         .arg(wordOf(command), joined(names), values, joined(words), QLatin1String(files));
 }
 
-// As it stands between single quotes in a specification of _arguments, where brackets and colons have a meaning.
+// As it stands between single quotes in an argument of _arguments, where brackets and colons have a meaning.
 QString zshText(const QString& strText)
 {
     QString text = strText.simplified();
