@@ -21,6 +21,7 @@
 #include <QCheckBox>
 #include <QMainWindow>
 #include <QMdiArea>
+#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -177,6 +178,32 @@ protected:
     QMdiArea* m_pArea = nullptr;
     std::unique_ptr<CORVSpumKyvoPalette> m_palette;
     std::vector<std::unique_ptr<OpenedInWindow>> m_opened;
+};
+
+// A sequence "mouse" in the folder of the test, unmixed, and the names of saved results as a user finds them.
+class MouseAreaTest : public WorkAreaTest
+{
+protected:
+    void unmixMouse()
+    {
+        Plan plan;
+        plan.folder = m_folder.filePath("mouse");
+        open(plan);
+        unmixAutomatically();
+    }
+
+    void type(const QString& strName) { m_palette->m_pSavedResultsCB->setEditText(strName); }
+    QString text() const { return m_palette->m_pSavedResultsCB->currentText(); }
+    QStringList list() const
+    {
+        QStringList names;
+        for (int i = 0; i < m_palette->m_pSavedResultsCB->count(); ++i) {
+            names << m_palette->m_pSavedResultsCB->itemText(i);
+        }
+        return names;
+    }
+
+    QTemporaryDir m_folder;
 };
 
 } // namespace workarea

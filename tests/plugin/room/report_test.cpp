@@ -16,15 +16,12 @@ using namespace workarea;
 
 namespace {
 
-class ReportTest : public WorkAreaTest
+class ReportTest : public MouseAreaTest
 {
 protected:
     void SetUp() override
     {
-        Plan plan;
-        plan.folder = m_folder.filePath("mouse");
-        open(plan);
-        unmixAutomatically();
+        unmixMouse();
         ASSERT_EQ(complaints(), "");
         m_nObserver = orv::addProcessObserver([this](const orv::ProcessState& state) {
             if (state.m_nSteps > 0 && m_whileWriting) {
@@ -47,7 +44,6 @@ protected:
         return QDir(m_folder.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot, QDir::Name);
     }
 
-    QTemporaryDir m_folder;
     std::function<void(const orv::ProcessState&)> m_whileWriting;
     bool m_bShownAsProcess = false;
     int m_nObserver = 0;

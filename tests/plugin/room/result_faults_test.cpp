@@ -2,7 +2,7 @@
 // A disk that is full, and folders without the right to write, at each write that the palette and its windows do.
 #include "WorkArea.h"
 
-#include "faults/faults.h"
+#include "faults/fillTheDisk.h"
 #include "support/PlainUser.h"
 
 #include "host/orv_paths.h"
@@ -34,15 +34,12 @@ constexpr auto readOnly = QFile::Permissions(0x5555);
 constexpr auto writable = QFile::Permissions(0x7777);
 
 // A sequence with a result on screen.
-class ResultFaultsTest : public WorkAreaTest
+class ResultFaultsTest : public MouseAreaTest
 {
 protected:
     void SetUp() override
     {
-        Plan plan;
-        plan.folder = m_folder.filePath("mouse");
-        open(plan);
-        unmixAutomatically();
+        unmixMouse();
         ASSERT_EQ(complaints(), "");
     }
 
@@ -60,44 +57,15 @@ protected:
         m_answers.asked.clear();
     }
 
-    // Does `work` on a disk that is full from the n-th call on that takes room, for n = 1, 2 and so on (or each twice
-    // the one before), until there is room for all of it; after each, `check` looks at what is left. How often there
-    // was not room enough.
     int fillTheDisk(const std::function<void()>& work, const std::function<void()>& check, bool bDouble = false)
     {
-        int nFull = 0;
-        for (int n = 1; n < 10000; n = bDouble ? 2 * n : n + 1) {
+        const auto workAnew = [this, &work] {
             m_answers.asked.clear();
-            const std::string rules = "open,mkdir,write,truncate,sync@" + std::to_string(n) + "+=ENOSPC";
-            const QByteArray below = QFile::encodeName(QFileInfo(m_folder.path()).canonicalFilePath());
-            EXPECT_TRUE(armFaults(rules.c_str(), below.constData(), nullptr));
             work();
-            const bool bFull = countedCalls() >= n;
-            armFaults(nullptr, nullptr, nullptr);
-            if (!bFull) {
-                return nFull;
-            }
-            ++nFull;
-            SCOPED_TRACE(testing::Message() << "full at call " << n);
-            check();
-            if (HasFailure()) {
-                return 0;
-            }
-        }
-        ADD_FAILURE() << "the disk is never large enough";
-        return 0;
+        };
+        return ::fillTheDisk(m_folder.path(), workAnew, check, bDouble);
     }
 
-    void type(const QString& strName) { m_palette->m_pSavedResultsCB->setEditText(strName); }
-    QString text() const { return m_palette->m_pSavedResultsCB->currentText(); }
-    QStringList list() const
-    {
-        QStringList names;
-        for (int i = 0; i < m_palette->m_pSavedResultsCB->count(); ++i) {
-            names << m_palette->m_pSavedResultsCB->itemText(i);
-        }
-        return names;
-    }
     void save(const QString& strName)
     {
         type(strName);
@@ -159,7 +127,6 @@ protected:
         EXPECT_TRUE(sentences.contains(asked.first())) << asked.first().toStdString();
     }
 
-    QTemporaryDir m_folder;
     QMap<QString, QByteArray> m_before;
 };
 

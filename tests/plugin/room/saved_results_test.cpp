@@ -22,15 +22,12 @@ using namespace workarea;
 namespace {
 
 // A sequence with a saved result, "kidneys", on screen.
-class SavedResultsTest : public WorkAreaTest
+class SavedResultsTest : public MouseAreaTest
 {
 protected:
     void SetUp() override
     {
-        Plan plan;
-        plan.folder = m_folder.filePath("mouse");
-        open(plan);
-        unmixAutomatically();
+        unmixMouse();
         type("kidneys");
         m_palette->m_pSaveButton->click();
         ASSERT_EQ(list(), QStringList("kidneys"));
@@ -41,16 +38,6 @@ protected:
         m_maps = concentrations();
     }
 
-    void type(const QString& strName) { m_palette->m_pSavedResultsCB->setEditText(strName); }
-    QString text() const { return m_palette->m_pSavedResultsCB->currentText(); }
-    QStringList list() const
-    {
-        QStringList names;
-        for (int i = 0; i < m_palette->m_pSavedResultsCB->count(); ++i) {
-            names << m_palette->m_pSavedResultsCB->itemText(i);
-        }
-        return names;
-    }
     // Into the field, as a user does.
     void press(Qt::Key eKey) { QTest::keyClick(m_palette->m_pSavedResultsCB->lineEdit(), eKey); }
     QDir files() const { return QDir(m_folder.filePath("mouse/XML/SpecUnmix")); }
@@ -73,7 +60,6 @@ protected:
         m_palette->m_pLoadButton->click();
     }
 
-    QTemporaryDir m_folder;
     std::vector<double> m_maps;
 };
 

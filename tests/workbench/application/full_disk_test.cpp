@@ -2,7 +2,7 @@
 // A disk that is full at each write of the application: what was there stays, and the user is told.
 #include "MainWindowFixture.h"
 
-#include "faults/faults.h"
+#include "faults/fillTheDisk.h"
 
 #include "host/CORVImageWindow.h"
 #include "host/CORVLog.h"
@@ -50,31 +50,6 @@ protected:
         }
         return all;
     }
-    // Does `work` on a disk below `strBelow` that is full from the n-th call on that takes room, for n = 1, 2, 4 and so
-    // on, until there is room for all of it; `check` looks at what is left of each that failed. How many did.
-    static int fillTheDisk(const QString& strBelow, const std::function<void()>& work,
-                           const std::function<void()>& check)
-    {
-        int nFull = 0;
-        for (int n = 1; n < 10000; n *= 2) {
-            const std::string rules = "open,mkdir,write,truncate,sync@" + std::to_string(n) + "+=ENOSPC";
-            const QByteArray below = QFile::encodeName(QFileInfo(strBelow).canonicalFilePath());
-            EXPECT_TRUE(armFaults(rules.c_str(), below.constData(), nullptr));
-            work();
-            const bool bFull = countedCalls() >= n;
-            armFaults(nullptr, nullptr, nullptr);
-            if (!bFull) {
-                return nFull;
-            }
-            ++nFull;
-            SCOPED_TRACE(testing::Message() << "full at call " << n);
-            check();
-            if (HasFailure()) {
-                break;
-            }
-        }
-        return 0;
-    }
 
     QString m_strFolder;
 };
@@ -103,7 +78,7 @@ TEST_F(FullDiskTest, RegionsThatAreNotSavedKeepTheSequenceOpen)
         EXPECT_TRUE(pImage->isModified());
         EXPECT_TRUE(files() == before);
     };
-    EXPECT_GE(fillTheDisk(m_folder.path(), work, check), 3);
+    EXPECT_GE(fillTheDisk(m_folder.path(), work, check, true), 3);
     EXPECT_EQ(m_pWindow->documents().count(), 0);
     CORVSequenceDataset again;
     ASSERT_EQ(again.open(m_strFolder), ESTATUS_SUCCESS);
@@ -134,7 +109,7 @@ TEST_F(FullDiskTest, AMapThatIsNotSavedKeepsItsWindow)
         EXPECT_TRUE(files() == before);
         EXPECT_FALSE(QFileInfo::exists(*m_script.m_file));
     };
-    EXPECT_GE(fillTheDisk(m_folder.path(), work, check), 3);
+    EXPECT_GE(fillTheDisk(m_folder.path(), work, check, true), 3);
     EXPECT_EQ(m_pWindow->documents().count(), 1);
     EXPECT_TRUE(QFile::exists(*m_script.m_file + "/ClickInfo.txt"));
 }
@@ -159,7 +134,7 @@ TEST_F(FullDiskTest, ASequenceOfMapsIsThereAsAWholeOrNotAtAll)
         EXPECT_TRUE(files() == before);
         EXPECT_FALSE(QFileInfo::exists(*m_script.m_file));
     };
-    EXPECT_GE(fillTheDisk(m_folder.path(), work, check), 4);
+    EXPECT_GE(fillTheDisk(m_folder.path(), work, check, true), 4);
     EXPECT_TRUE(m_script.m_asked.isEmpty());
     EXPECT_EQ(m_pWindow->documents().currentSequence()->getSequenceName(), "maps");
 }
