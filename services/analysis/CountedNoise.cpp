@@ -97,16 +97,17 @@ std::vector<Square> squaresOf(const Matrix<double>& data, const Matrix<double>& 
     return tenth * telling.size() > others.size() ? telling : others;
 }
 
-// The factors a, b >= 0 of left = a * light + b * reading, by least squares with weights; of them those that are given
-// stay.
+// The factors a, b >= 0 of left = a * light + b * reading, by least squares with weights.
 struct Factors
 {
     double light = 1.0;
     double reading = 1.0;
+
+    double varianceOf(const Square& square) const { return light * square.light + reading * square.reading; }
 };
 
-// Of sums over the elements.
-Factors solve(const std::vector<Square>& squares, const Factors& before, bool bLightGiven, bool bReadingGiven)
+// With the weights of factors of before; with `bLightGiven` that of the light stays.
+Factors solve(const std::vector<Square>& squares, const Factors& before, bool bLightGiven)
 {
     double ll = 0.0;
     double lr = 0.0;
@@ -114,7 +115,7 @@ Factors solve(const std::vector<Square>& squares, const Factors& before, bool bL
     double ly = 0.0;
     double ry = 0.0;
     for (const Square& square : squares) {
-        const double variance = before.light * square.light + before.reading * square.reading;
+        const double variance = before.varianceOf(square);
         if (!(variance > 0.0)) {
             continue;
         }
@@ -128,17 +129,36 @@ Factors solve(const std::vector<Square>& squares, const Factors& before, bool bL
         ry += reading * left;
     }
     const auto ratio = [](double a, double b) { return b > 0.0 ? std::max(a / b, 0.0) : 0.0; };
-    const Factors alone{bLightGiven ? before.light : ratio(ly - (bReadingGiven ? before.reading * lr : 0.0), ll),
-                        bReadingGiven ? before.reading : ratio(ry - (bLightGiven ? before.light * lr : 0.0), rr)};
-    if (bLightGiven || bReadingGiven) {
-        return alone;
+    if (bLightGiven) {
+        return {before.light, ratio(ry - before.light * lr, rr)};
     }
     const double determinant = ll * rr - lr * lr;
     const Factors both{ratio(ly * rr - ry * lr, determinant), ratio(ry * ll - ly * lr, determinant)};
     if (both.light > 0.0 && both.reading > 0.0) {
         return both;
     }
-    return both.light > 0.0 ? Factors{alone.light, 0.0} : Factors{0.0, alone.reading};
+    return both.light > 0.0 ? Factors{ratio(ly, ll), 0.0} : Factors{0.0, ratio(ry, rr)};
+}
+
+// Where the read noise is told both follow from the gain: b = (readNoise * a)^2. One step of C. F. Gauss and I. Newton;
+// to hold b of the step before would swing beyond the solution where reading makes up most of the noise.
+Factors stepOfGain(const std::vector<Square>& squares, const Factors& before, double dReadNoise)
+{
+    constexpr double least = 0.1; // of the factor, so that it stays above 0
+    const double square = dReadNoise * dReadNoise;
+    double slopes = 0.0;
+    double rests = 0.0;
+    for (const Square& element : squares) {
+        const double variance = before.varianceOf(element);
+        if (!(variance > 0.0)) {
+            continue;
+        }
+        const double slope = (element.light + 2.0 * square * before.light * element.reading) / variance;
+        slopes += slope * slope;
+        rests += slope * (element.left / variance - 1.0);
+    }
+    const double light = slopes > 0.0 ? std::max(before.light + rests / slopes, least * before.light) : before.light;
+    return {light, square * light * light};
 }
 
 } // namespace
@@ -196,11 +216,12 @@ void CountedNoise::estimate(const Matrix<double>& data, const Matrix<double>& sp
         return;
     }
     Factors factors{gain ? 1.0 / *gain : 0.5 * left / sumOfLight, 0.5 * left / sumOfReading};
+    if (readNoise) {
+        factors.reading = *readNoise * factors.light * *readNoise * factors.light;
+    }
     for (int round = 0; round < rounds; ++round) {
-        if (readNoise) {
-            factors.reading = *readNoise * factors.light * *readNoise * factors.light;
-        }
-        const Factors next = solve(squares, factors, gain.has_value(), readNoise.has_value());
+        const Factors next =
+            readNoise ? stepOfGain(squares, factors, *readNoise) : solve(squares, factors, gain.has_value());
         if (!(next.light > 0.0) && !(next.reading > 0.0)) {
             break;
         }

@@ -31,10 +31,24 @@ protected:
     }
 };
 
+// Amounts of two components: the first pixel's, and what they grow by from pixel to pixel.
+struct Amounts
+{
+    double first;
+    double firstStep;
+    double second;
+    double secondStep;
+};
+constexpr Amounts decades{50.0, 3.0, 40.0, 1.0};
+// 21 to 45 counts in each image, three standard deviations of the darkest above 0 for a gain of 2 and a read noise of
+// 10, which is most of the noise.
+constexpr Amounts dim{20.0, 0.03, 70.0, 0.09};
+
 // Counts of light and reading noise by a camera of that gain: what the amounts explain, and what was seen of it.
 struct Scene
 {
-    Scene(double gain, double readNoise, int pixels) : spectra(2, 12), fit(pixels, 2), data(pixels, 12)
+    Scene(double gain, double readNoise, int pixels, const Amounts& amounts = decades)
+        : spectra(2, 12), fit(pixels, 2), data(pixels, 12)
     {
         std::mt19937_64 generator(5);
         std::normal_distribution<double> reading(0.0, readNoise);
@@ -44,8 +58,8 @@ struct Scene
         }
         Matrix<double> truth(pixels, 2);
         for (long long p = 0; p < pixels; ++p) {
-            truth[p][0] = 50.0 + 3.0 * static_cast<double>(p % 500);
-            truth[p][1] = 40.0 + static_cast<double>(p % 330);
+            truth[p][0] = amounts.first + amounts.firstStep * static_cast<double>(p % 500);
+            truth[p][1] = amounts.second + amounts.secondStep * static_cast<double>(p % 330);
             for (long long b = 0; b < 12; ++b) {
                 const double counts = truth[p][0] * spectra[0][b] + truth[p][1] * spectra[1][b];
                 std::poisson_distribution<long long> light(counts * gain);
@@ -169,6 +183,15 @@ TEST(CountedNoiseEstimateTest, WhatIsToldStays)
     other.noise.estimate(other.data, other.spectra, other.fit);
     EXPECT_NEAR(*other.noise.gain / 2.0, 1.0, 0.05);
     EXPECT_EQ(*other.noise.readNoise, 12.0);
+}
+
+TEST(CountedNoiseEstimateTest, TheGainIsFoundBesideAReadNoiseThatIsMostOfTheNoise)
+{
+    Scene scene(2.0, 10.0, 8000, dim);
+    scene.noise.readNoise = 10.0;
+    scene.noise.estimate(scene.data, scene.spectra, scene.fit);
+    EXPECT_NEAR(*scene.noise.gain / 2.0, 1.0, 0.05);
+    EXPECT_EQ(*scene.noise.readNoise, 10.0);
 }
 
 TEST(CountedNoiseEstimateTest, WhatLeavesNothingToTellIsOneElectron)
