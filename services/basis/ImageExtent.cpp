@@ -14,6 +14,7 @@
 #include <QRegularExpression>
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 #include <new>
 
@@ -57,6 +58,34 @@ int share(int part, int square, long whole)
     return static_cast<int>(std::max(1LL, static_cast<long long>(whole) * part / square));
 }
 
+// Pixels of an analysis along a side of the image, the last one included.
+struct Places
+{
+    long first = 0;
+    long last = -1;
+};
+
+// Those that the stored pixel `at` of `stored` has a part in. Counts are gathered `ratio` by `ratio` pixels, and what
+// is left over at the end is dropped; in other units all of the image is brought to the `analysed` pixels. Which it
+// will be is not known before the images are read.
+Places placesOf(long at, long stored, long analysed, double ratio)
+{
+    const auto gatheredFirst = static_cast<long>(std::floor(static_cast<double>(at) / ratio));
+    const auto gatheredLast = static_cast<long>(std::ceil(static_cast<double>(at + 1) / ratio)) - 1;
+    const long first = std::min(gatheredFirst, at * analysed / stored);
+    const long last = std::max(gatheredLast, ((at + 1) * analysed + stored - 1) / stored - 1);
+    return {first, std::min(last, analysed - 1)};
+}
+
+// The binning of the analysis over that of the stored images.
+double ratioOfBinnings(const CORVSequenceDataset& sequence, const CORVSpumKyvo& engine)
+{
+    CORVDataset* pDataset = engine.m_imageList.isEmpty() ? nullptr : sequence.getDataset(engine.m_imageList.first());
+    const double stored =
+        pDataset != nullptr ? static_cast<double>(pDataset->getBinningForImage(IMAGETYPE_MAIN_DATA)) : 1.0;
+    return stored > 0.0 ? engine.m_nBinning / stored : 1.0;
+}
+
 // 1 for each pixel of the analysis all of whose stored pixels have a value in every image; empty where all have.
 CILImage validPixelsOf(const CORVSpumKyvo& engine)
 {
@@ -78,12 +107,17 @@ CILImage validPixelsOf(const CORVSpumKyvo& engine)
         throw std::bad_alloc();
     }
     std::memset(valid.bytes(), 1, valid.pixelCount());
+    const double ratio = ratioOfBinnings(*pSequence, engine);
     for (long y = 0; y < stored.m_lHeight; ++y) {
+        const Places rows = placesOf(y, stored.m_lHeight, engine.m_nHeight, ratio);
         for (long x = 0; x < stored.m_lWidth; ++x) {
-            if (stored.value(static_cast<std::size_t>(y * stored.m_lWidth + x)) == 0.0) {
-                const long row = y * engine.m_nHeight / stored.m_lHeight;
-                const long column = x * engine.m_nWidth / stored.m_lWidth;
-                valid.bytes()[row * engine.m_nWidth + column] = 0;
+            if (stored.value(static_cast<std::size_t>(y * stored.m_lWidth + x)) != 0.0) {
+                continue;
+            }
+            const Places columns = placesOf(x, stored.m_lWidth, engine.m_nWidth, ratio);
+            for (long row = rows.first; row <= rows.last && columns.first <= columns.last; ++row) {
+                std::memset(valid.bytes() + row * engine.m_nWidth + columns.first, 0,
+                            static_cast<std::size_t>(columns.last - columns.first + 1));
             }
         }
     }
