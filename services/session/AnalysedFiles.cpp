@@ -3,6 +3,7 @@
 
 #include "host/CORVDataset.h"
 #include "host/CORVSequenceDataset.h"
+#include "platform/orvapi/ClickInfoKeys.h"
 #include "services/basis/fileHash.h"
 
 #include <QDir>
@@ -28,9 +29,11 @@ QList<AnalysedFile> analysedFiles(const CORVSequenceDataset& sequence, const QVe
 {
     const QDir root(sequence.getSequenceInfoPath());
     QMap<QString, AnalysedFile> files; // sorted, each once: two datasets may lie in one folder
-    const QString info = QStringLiteral("SequenceInfo.txt");
-    if (root.exists(info)) {
-        files.insert(info, {QString(), info, QString()});
+    for (const char* pName : {SequenceFiles::kSequenceInfo, SequenceFiles::kValidPixels}) {
+        const QString own = QString::fromLatin1(pName);
+        if (root.exists(own)) {
+            files.insert(own, {QString(), own, QString()});
+        }
     }
     for (const CORVDataset* pDataset : sequence.getDatasets()) {
         const bool analysed = clickNumbers.contains(pDataset->getClickNumber());

@@ -17,8 +17,8 @@ struct AnalysedFile
     QString sha1;  // of its bytes; empty where it cannot be read
 };
 
-// The images, infos and tables in the folders of those datasets, the sequence's own info, and the photographs of the
-// other datasets, as one of them may serve; sorted by name, without hashes.
+// The images, infos and tables in the folders of those datasets, the sequence's own info and valid pixels, and the
+// photographs of the other datasets, as one of them may serve; sorted by name, without hashes.
 QList<AnalysedFile> analysedFiles(const CORVSequenceDataset& sequence, const QVector<QString>& clickNumbers);
 
 // The same files with their hashes. Reads every byte until `goesOn` says no; touches no dataset, so any thread may do
