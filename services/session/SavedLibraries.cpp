@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "services/session/SavedLibraries.h"
 
+#include "files/diskCalls.h"
 #include "host/orv_paths.h"
 #include "services/basis/Failure.h"
 #include "services/session/LibrarySpectra.h"
@@ -13,7 +14,6 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <cstring>
 
 namespace {
 
@@ -105,10 +105,14 @@ void SavedLibraries::rename(const QString& strName, const QString& strNewName, b
 {
     const QString from = fileOf(strName);
     const QString to = pathToSave(strNewName, bReplace);
+    const QByteArray source = QFile::encodeName(from);
+    const QByteArray target = QFile::encodeName(to);
     // In one step, so that there is one of the two names at every moment.
-    if (std::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) != 0) {
-        throw Failure(
-            QStringLiteral("%1 cannot be renamed: %2").arg(from, QString::fromLocal8Bit(std::strerror(errno))));
+    if (!(bReplace ? std::rename(source.constData(), target.constData()) == 0 : orv::renameToFree(source, target))) {
+        if (errno == EEXIST) {
+            refuseExisting(strNewName);
+        }
+        throw Failure(QStringLiteral("%1 cannot be renamed: %2").arg(from, qt_error_string(errno)));
     }
 }
 
@@ -116,12 +120,20 @@ void SavedLibraries::renameSpectra(const QString& strName, const QList<QPair<QSt
 {
     LibrarySpectra library;
     load(strName, library);
+    QList<SpectrumPlotParams*> renamed; // found by the names of before, which may be among the new ones
     for (const auto& [old, wanted] : names) {
         if (wanted.isEmpty() || wanted.contains(QLatin1Char(','))) {
             throw Failure(QStringLiteral("\"%1\" cannot be the name of a spectrum in a library").arg(wanted),
                           Failure::Kind::BadRequest);
         }
-        spectrumNamed(library.all(), old, strName).settings.name = wanted;
+        SpectrumPlotParams& spectrum = spectrumNamed(library.all(), old, strName);
+        if (renamed.contains(&spectrum)) {
+            throw Failure(QStringLiteral("\"%1\" is given two names").arg(old), Failure::Kind::BadRequest);
+        }
+        renamed.append(&spectrum);
+    }
+    for (int i = 0; i < names.size(); ++i) {
+        renamed[i]->settings.name = names[i].second;
     }
     QStringList taken;
     for (const auto* spectrum : library.all()) {

@@ -21,7 +21,7 @@ QString fileOf(const QString& strName);
 
 // Gives a library another name.
 void rename(const QString& strName, const QString& strNewName, bool bReplace);
-// Gives spectra of a library other names; pairs of old and new. All names are then different.
+// Gives spectra of a library other names, all at once; pairs of old and new. All names are then different.
 void renameSpectra(const QString& strName, const QList<QPair<QString, QString>>& names);
 
 void remove(const QStringList& names);
