@@ -236,10 +236,16 @@ void UnmixJob::takeSpectra()
     auto& engine = m_setUp.engine();
     engine.m_spectrumPlots =
         library.fitTo(bandsOf(m_setUp.opened().sequence(), engine.getSelectedKeyPairs()), engine.m_eAxis);
-    if (engine.m_spectrumPlots.size() > engine.getSelectedKeyPairs().size()) {
-        m_monitor.warn(QStringLiteral("%1 spectra for %2 images: the maps are not unique")
-                           .arg(engine.m_spectrumPlots.size())
-                           .arg(engine.getSelectedKeyPairs().size()));
+    const int spectra = engine.m_spectrumPlots.size();
+    const int images = engine.getSelectedKeyPairs().size();
+    if (m_request.noise.errors && spectra >= images) {
+        throw Failure(QStringLiteral("%1 spectra leave nothing of %2 images that standard errors could be told by")
+                          .arg(spectra)
+                          .arg(images),
+                      QStringLiteral("leave --errors out, or take more images"));
+    }
+    if (spectra > images) {
+        m_monitor.warn(QStringLiteral("%1 spectra for %2 images: the maps are not unique").arg(spectra).arg(images));
     }
 }
 
@@ -369,15 +375,8 @@ void UnmixJob::fit(const QElapsedTimer& timer)
 
 NoiseFitResult UnmixJob::weigh()
 {
-    auto& engine = m_setUp.engine();
-    if (m_request.noise.errors && engine.m_spectrumPlots.size() >= engine.m_selectedKeyPairs.size()) {
-        throw Failure(QStringLiteral("%1 spectra leave nothing of %2 images that standard errors could be told by")
-                          .arg(engine.m_spectrumPlots.size())
-                          .arg(engine.m_selectedKeyPairs.size()),
-                      QStringLiteral("leave --errors out, or take more images"));
-    }
     m_monitor.showProgress(QStringLiteral("Weighing by the noise"), notKnown);
-    return fitWithNoise(m_request.noise, m_setUp.opened().sequence(), engine);
+    return fitWithNoise(m_request.noise, m_setUp.opened().sequence(), m_setUp.engine());
 }
 
 // A resolution of named components falls apart where they are not all there: an animal without food has its tissue
