@@ -140,6 +140,11 @@ QString withoutCommas(QString strText)
     return strText.replace(QLatin1Char(','), QLatin1Char(';'));
 }
 
+std::vector<std::unique_ptr<SpectrumPlotParams>> owned(const QList<SpectrumPlotParams*>& spectra)
+{
+    return std::vector<std::unique_ptr<SpectrumPlotParams>>(spectra.begin(), spectra.end());
+}
+
 QList<KeyPair> pairsOf(const SpectrumPlotParams& spectrum)
 {
     QList<KeyPair> pairs;
@@ -304,8 +309,8 @@ void SpectrumSources::fromLibrary(const QString& strFileOrName)
                       Failure::Kind::BadRequest);
     }
     const QList<KeyPair> pairs = pairsOf(*m_spectra.front());
-    for (auto* spectrum : library.fitTo(pairs, axisOf(pairs))) {
-        take(std::unique_ptr<SpectrumPlotParams>(spectrum));
+    for (auto& spectrum : owned(library.fitTo(pairs, axisOf(pairs)))) {
+        take(std::move(spectrum));
     }
 }
 
@@ -316,13 +321,9 @@ void SpectrumSources::fromLibrary(const QString& strFileOrName, const QString& s
     const auto opened = open(strSequence);
     const QList<KeyPair> pairs = opened->engine().getSelectedKeyPairs();
     library.selectAll();
-    const auto fitted = library.fitTo(bandsOf(opened->sequence(), pairs), opened->engine().m_eAxis);
-    std::vector<std::unique_ptr<SpectrumPlotParams>> owned;
-    for (auto* spectrum : fitted) {
-        owned.emplace_back(spectrum);
-    }
+    auto fitted = owned(library.fitTo(bandsOf(opened->sequence(), pairs), opened->engine().m_eAxis));
     beginSource(library.note());
-    for (auto& spectrum : owned) {
+    for (auto& spectrum : fitted) {
         take(std::move(spectrum));
         bringToImages(*m_spectra.back());
     }

@@ -223,6 +223,15 @@ TEST_F(SpectrumSourcesTest, ALibraryIsTakenAsItIs)
     EXPECT_EQ(made.note(), "n");
 }
 
+// What was made of the table besides goes with the refusal.
+TEST_F(SpectrumSourcesTest, ATableWithANameThatIsTakenIsRefused)
+{
+    SpectrumSources made;
+    made.fromLibrary(write("lib.csv", "$,NumSpec,1\nExcitation,Emission,S\n640,700,3\n640,720,1\n"));
+    const QString table = write("table.csv", "wavelength,S,T\n690,1,2\n730,1,3\n");
+    EXPECT_TRUE(failureOf([&] { made.fromLibrary(table); }).startsWith("two spectra would have the name \"S\""));
+}
+
 TEST_F(SpectrumSourcesTest, ASequenceThatCannotBeAnalysedIsRefusedWithTheReason)
 {
     SmallSequence sequence;
