@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <numeric>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -50,11 +51,16 @@ QString comparable(const QString& strText)
 QStringList similarNames(const QString& strText, const QStringList& names, int nMost)
 {
     const QString wanted = comparable(strText);
-    QStringList sorted = names;
-    std::stable_sort(sorted.begin(), sorted.end(), [&wanted](const QString& strA, const QString& strB) {
-        return editDistance(wanted, comparable(strA)) < editDistance(wanted, comparable(strB));
-    });
-    return sorted.mid(0, nMost);
+    std::vector<std::pair<int, QString>> sorted;
+    for (const QString& name : names) {
+        sorted.emplace_back(editDistance(wanted, comparable(name)), name);
+    }
+    std::stable_sort(sorted.begin(), sorted.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
+    QStringList nearest;
+    for (std::size_t i = 0; i < sorted.size() && nearest.size() < nMost; ++i) {
+        nearest.append(sorted[i].second);
+    }
+    return nearest;
 }
 
 QStringList meantNames(const QString& strText, const QStringList& names)
