@@ -17,6 +17,7 @@
 #include <functional>
 #include <limits>
 #include <memory>
+#include <numeric>
 
 namespace XTNT {
 
@@ -158,69 +159,76 @@ long long fitLanes(const Matrix<double>& D, Matrix<double>& C, long long first, 
     return left;
 }
 
-// The variances of one row by an orthogonal factorisation of the weighted spectra of its set, column-major.
-void variancesByFactor(const Matrix<double>& S, const std::vector<double>& weights, const double* amounts,
-                       double* variances)
+double squaresOf(const std::vector<double>& v)
 {
-    const long long bands = S.num_cols();
-    const auto weightedSpectrum = [&](long long k) {
-        std::vector<double> column(weights.size());
-        for (std::size_t b = 0; b < column.size(); ++b) {
-            column[b] = S[k][b] * std::sqrt(weights[b]);
-        }
-        return column;
-    };
-    std::vector<double> chosen;
-    std::vector<long long> members;
-    for (long long k = 0; k < S.num_rows(); ++k) {
-        if (amounts[k] > 0.0) {
-            const std::vector<double> column = weightedSpectrum(k);
-            chosen.insert(chosen.end(), column.begin(), column.end());
-            members.push_back(k);
-        }
+    return std::inner_product(v.begin(), v.end(), v.begin(), 0.0);
+}
+
+// A spectrum times the roots of the weights.
+std::vector<double> weightedSpectrum(const Matrix<double>& S, long long k, const std::vector<double>& weights)
+{
+    std::vector<double> column(weights.size());
+    for (std::size_t b = 0; b < column.size(); ++b) {
+        column[b] = S[k][b] * std::sqrt(weights[b]);
     }
-    const auto count = static_cast<long long>(members.size());
-    if (count > bands) {
-        std::fill_n(variances, S.num_rows(), infinite);
-        return;
-    }
-    const ThinQr factor(chosen.data(), bands, count);
-    std::fill_n(variances, S.num_rows(), 0.0);
-    // Columns of the inverse of R; the sums of squares of its rows are the variances.
-    std::vector<double> unit(members.size());
-    const bool independent = count == 0 || factor.conditionBound() < 1.0 / dependent;
+    return column;
+}
+
+// What the first `count` columns of Q leave of it.
+std::vector<double> besides(const ThinQr& factor, long long count, std::vector<double> column)
+{
     for (long long j = 0; j < count; ++j) {
+        const double* q = factor.q(j);
+        const double part = std::inner_product(column.begin(), column.end(), q, 0.0);
+        for (std::size_t b = 0; b < column.size(); ++b) {
+            column[b] -= part * q[b];
+        }
+    }
+    return column;
+}
+
+// Columns of the inverse of R, whose sums of squares by row are the variances of the members, which are 0 before.
+void addMemberVariances(const ThinQr& factor, const std::vector<long long>& members, double* variances)
+{
+    const bool independent = members.empty() || factor.conditionBound() < 1.0 / dependent;
+    std::vector<double> unit(members.size());
+    for (std::size_t j = 0; j < members.size(); ++j) {
         std::fill(unit.begin(), unit.end(), 0.0);
-        unit[static_cast<std::size_t>(j)] = 1.0;
+        unit[j] = 1.0;
         factor.solveUpper(unit.data());
         for (std::size_t i = 0; i < unit.size(); ++i) {
             variances[members[i]] = independent ? variances[members[i]] + unit[i] * unit[i] : infinite;
         }
     }
+}
+
+// The variances of one row by an orthogonal factorisation of the weighted spectra of its set, column-major.
+void variancesByFactor(const Matrix<double>& S, const std::vector<double>& weights, const double* amounts,
+                       double* variances)
+{
+    std::vector<double> chosen;
+    std::vector<long long> members;
     for (long long k = 0; k < S.num_rows(); ++k) {
         if (amounts[k] > 0.0) {
-            continue;
+            const std::vector<double> column = weightedSpectrum(S, k, weights);
+            chosen.insert(chosen.end(), column.begin(), column.end());
+            members.push_back(k);
         }
-        std::vector<double> rest = weightedSpectrum(k);
-        const auto squaresOf = [](const std::vector<double>& v) {
-            double sum = 0.0;
-            for (const double value : v) {
-                sum += value * value;
-            }
-            return sum;
-        };
-        const double whole = squaresOf(rest);
-        for (long long j = 0; j < count; ++j) {
-            double part = 0.0;
-            for (std::size_t b = 0; b < rest.size(); ++b) {
-                part += factor.q(j)[b] * rest[b];
-            }
-            for (std::size_t b = 0; b < rest.size(); ++b) {
-                rest[b] -= part * factor.q(j)[b];
-            }
+    }
+    const auto count = static_cast<long long>(members.size());
+    if (count > S.num_cols()) {
+        std::fill_n(variances, S.num_rows(), infinite);
+        return;
+    }
+    const ThinQr factor(chosen.data(), S.num_cols(), count);
+    std::fill_n(variances, S.num_rows(), 0.0);
+    addMemberVariances(factor, members, variances);
+    for (long long k = 0; k < S.num_rows(); ++k) {
+        if (!(amounts[k] > 0.0)) {
+            const std::vector<double> whole = weightedSpectrum(S, k, weights);
+            const double left = squaresOf(besides(factor, count, whole));
+            variances[k] = left > dependent * dependent * squaresOf(whole) ? 1.0 / left : infinite;
         }
-        const double left = squaresOf(rest);
-        variances[k] = left > dependent * dependent * whole ? 1.0 / left : infinite;
     }
 }
 
