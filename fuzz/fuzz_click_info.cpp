@@ -2,19 +2,12 @@
 // Text files of sections: whatever the bytes, they are refused with a reason that names the file, or what was read
 // survives being written and read again.
 #include "host/CPLClickInfo.h"
+#include "require.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 
 namespace {
-
-void require(bool bHolds)
-{
-    if (!bHolds) {
-        std::abort();
-    }
-}
 
 QString keyOf(const CPLSection& section)
 {

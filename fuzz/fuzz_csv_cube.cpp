@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Cubes in CSV files: whatever the bytes, images of one size with a name each, or an error that names the file.
+#include "require.h"
 #include "services/importer/CsvCube.h"
 
 #include <QDir>
@@ -8,16 +9,8 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 
 namespace {
-
-void require(bool holds)
-{
-    if (!holds) {
-        std::abort();
-    }
-}
 
 const QString& cubeFile()
 {

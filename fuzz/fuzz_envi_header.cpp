@@ -1,21 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // ENVI headers: whatever the bytes, a header whose figures fit together or an error.
+#include "require.h"
 #include "services/importer/EnviHeader.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
-
-namespace {
-
-void require(bool holds)
-{
-    if (!holds) {
-        std::abort();
-    }
-}
-
-} // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {

@@ -1,22 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Tables of images: whatever the bytes, rows of figures that mean something or an error that names the file.
+#include "require.h"
 #include "services/importer/ImagesTable.h"
 
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
-
-namespace {
-
-void require(bool holds)
-{
-    if (!holds) {
-        std::abort();
-    }
-}
-
-} // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {

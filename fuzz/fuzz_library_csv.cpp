@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Reader of spectrum libraries: whatever the bytes, a list of spectra that all have the same points, within the limit.
+#include "require.h"
 #include "spectra/SpumKyvoDatabase.h"
 
 #include <QBuffer>
@@ -7,18 +8,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
-
-namespace {
-
-void require(bool holds)
-{
-    if (!holds) {
-        std::abort();
-    }
-}
-
-} // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {

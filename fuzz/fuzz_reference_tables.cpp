@@ -2,6 +2,7 @@
 // Reference tables: whatever the bytes and whichever table they stand for, entries whose figures mean something; what
 // was left out is told with the file.
 #include "platform/orvapi/ReferenceTables.h"
+#include "require.h"
 
 #include <QDir>
 #include <QFile>
@@ -11,16 +12,8 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 
 namespace {
-
-void require(bool holds)
-{
-    if (!holds) {
-        std::abort();
-    }
-}
 
 const QString& folderOfTables()
 {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Summaries in folders of results: whatever the bytes, names of maps in the folder itself, or an error that names the
 // file.
+#include "require.h"
 #include "services/basis/Failure.h"
 #include "services/results/ResultMaps.h"
 
@@ -10,16 +11,8 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 
 namespace {
-
-void require(bool holds)
-{
-    if (!holds) {
-        std::abort();
-    }
-}
 
 const QString& resultFolder()
 {

@@ -6,6 +6,7 @@
 #include "engine/TestSequence.h"
 
 #include "platform/orvutils/LogSinks.h"
+#include "require.h"
 #include "storage/documentText.h"
 
 #include <QApplication>
@@ -13,16 +14,8 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 
 namespace {
-
-void require(bool holds)
-{
-    if (!holds) {
-        std::abort();
-    }
-}
 
 // Three images of 4 x 4 pixels, of an isotope, made once.
 TestSequence& sequence()

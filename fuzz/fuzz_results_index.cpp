@@ -5,6 +5,7 @@
 
 #include "host/CPLSettingsFileWrapper.h"
 #include "platform/orvutils/LogSinks.h"
+#include "require.h"
 
 #include <QDir>
 #include <QFile>
@@ -12,16 +13,8 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 
 namespace {
-
-void require(bool bHolds)
-{
-    if (!bHolds) {
-        std::abort();
-    }
-}
 
 const QString& indexFile()
 {

@@ -4,22 +4,15 @@
 #include "host/CPLClickInfo.h"
 #include "host/CROIManager.h"
 #include "platform/orvapi/ROIShape.h"
+#include "require.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <vector>
 
 namespace {
 
 constexpr long side = 24;
-
-void require(bool bHolds)
-{
-    if (!bHolds) {
-        std::abort();
-    }
-}
 
 void fill(const tagROIInfo& region)
 {

@@ -6,20 +6,13 @@
 #include "platform/orvapi/ImageCalibration.h"
 #include "platform/orvapi/ImageNames.h"
 #include "platform/orvapi/SequenceInfo.h"
+#include "require.h"
 
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 
 namespace {
-
-void require(bool holds)
-{
-    if (!holds) {
-        std::abort();
-    }
-}
 
 void readAsSequence(const CPLClickInfo& sections)
 {

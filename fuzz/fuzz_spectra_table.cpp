@@ -1,24 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Reader of plain tables of spectra: whatever the bytes, a reason or a table whose spectra have a name and a value
 // each.
+#include "require.h"
 #include "services/session/SpectraTableReader.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
-
-namespace {
-
-void require(bool holds)
-{
-    if (!holds) {
-        std::abort();
-    }
-}
-
-} // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {

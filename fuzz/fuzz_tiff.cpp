@@ -1,22 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // TIFF reader: whatever the bytes, an image of the announced size or an error that names the file.
 #include "platform/orvimage/TiffIo.h"
+#include "require.h"
 
 #include <sys/mman.h>
 #include <unistd.h>
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 
 namespace {
-
-void require(bool holds)
-{
-    if (!holds) {
-        std::abort();
-    }
-}
 
 void readPage(const QString& path, int page, const TiffReadOptions& options)
 {
