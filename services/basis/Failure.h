@@ -7,8 +7,8 @@
 #include <exception>
 
 // Why something that was asked for is not done: what is wrong and, where that can be said, what to do about it. Whoever
-// asked tells the user: the command line on standard error with an exit status, a window in a box. It never
-// leaves the thread that throws it.
+// asked tells the user: the command line on standard error with an exit status, a window in a box. It never leaves the
+// thread that throws it.
 class Failure : public std::exception
 {
 public:

@@ -25,6 +25,19 @@ FilterBand bandOfKey(const QString& strKey)
     return band;
 }
 
+// What the file of the image said; the filter's text is a number alone.
+FilterBand bandOfChannel(const ChannelInfo& channel)
+{
+    constexpr double nanometresPerCentimetre = 1e7;
+    FilterBand band;
+    if (channel.wavelength) {
+        band.centre = *channel.wavelength;
+    } else if (channel.wavenumber) {
+        band.centre = nanometresPerCentimetre / *channel.wavenumber;
+    }
+    return band;
+}
+
 KeyPair keysOf(const CORVDataset& dataset)
 {
     KeyPair keys{dataset.getExcitationFilter(), dataset.getEmissionFilter()};
@@ -54,23 +67,6 @@ double filterWidth(const QString& strFilter)
     const auto match = told.match(strFilter);
     return match.hasMatch() ? match.captured(1).toDouble() : 0.0;
 }
-
-namespace {
-
-// What the file of the image said; the filter's text is a number alone.
-FilterBand bandOfChannel(const ChannelInfo& channel)
-{
-    constexpr double nanometresPerCentimetre = 1e7;
-    FilterBand band;
-    if (channel.wavelength) {
-        band.centre = *channel.wavelength;
-    } else if (channel.wavenumber) {
-        band.centre = nanometresPerCentimetre / *channel.wavenumber;
-    }
-    return band;
-}
-
-} // namespace
 
 QList<SpectralBand> bandsOf(const QList<KeyPair>& pairs)
 {

@@ -51,7 +51,7 @@ struct RunFindings
     double cutOverNoise = notKnown;
     QStringList cutImages;
 
-    // Of images in counts without a mask: the largest and the smallest of their dark levels, and their mean light.
+    // Of images in counts without a mask: the smallest and the largest of their dark levels, and their mean light.
     double darkestLevel = notKnown;
     double brightestLevel = notKnown;
     double meanLight = notKnown;
