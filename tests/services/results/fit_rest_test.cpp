@@ -1,30 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "services/results/FitRest.h"
 
+#include "support/Numbers.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <vector>
 
-namespace {
-
+using testsupport::matrixOf;
 using XTNT::Matrix;
-
-Matrix<double> matrixOf(std::initializer_list<std::initializer_list<double>> rows)
-{
-    Matrix<double> matrix(static_cast<long long>(rows.size()), static_cast<long long>(rows.begin()->size()));
-    long long i = 0;
-    for (const auto& row : rows) {
-        long long j = 0;
-        for (const double value : row) {
-            matrix[i][j++] = value;
-        }
-        ++i;
-    }
-    return matrix;
-}
-
-} // namespace
 
 TEST(FitRestTest, ThePixelTheImageAndTheSpectrumOfAMissingSourceAreFound)
 {

@@ -34,19 +34,6 @@ protected:
         facts.components[1].color = "#ff0000";
         writeMapsOme(engine(), facts, file());
     }
-    void addSpot()
-    {
-        engine().m_cube.m_nSpots = 2;
-        engine().m_spots = QStringList{"0,0", "1,0"};
-        XTNT::Matrix<double> concentrations(2, 2 * side * side);
-        for (int k = 0; k < 2; ++k) {
-            for (int i = 0; i < side * side; ++i) {
-                concentrations[k][i] = k == 0 ? mapA(i) : mapB(i);
-                concentrations[k][side * side + i] = concentrations[k][i] + 100.0;
-            }
-        }
-        engine().m_concentrations = concentrations;
-    }
     QDomDocument metadata() const
     {
         TiffTexts texts;
@@ -186,7 +173,7 @@ TEST_F(MapsOmeTest, AnotherProgramReadsImagesNamesAndSize)
 TEST_F(MapsOmeTest, EachSpotIsAnImage)
 {
     analyse();
-    addSpot();
+    addSpot(100.0);
     writeMaps();
     const QJsonArray images = readByTifffile(file());
     ASSERT_EQ(images.size(), 2);

@@ -39,20 +39,6 @@ protected:
         files.setRun("first");
         files.write([](double) {});
     }
-    // Two spots, of which the second sees the same, brighter by that much.
-    void spotsWithDifference(double dMore)
-    {
-        engine().m_cube.m_nSpots = 2;
-        engine().m_spots = QStringList{"0,0", "1,0"};
-        XTNT::Matrix<double> concentrations(2, 2 * side * side);
-        for (int k = 0; k < 2; ++k) {
-            for (int i = 0; i < side * side; ++i) {
-                concentrations[k][i] = k == 0 ? mapA(i) : mapB(i);
-                concentrations[k][side * side + i] = concentrations[k][i] + dMore;
-            }
-        }
-        engine().m_concentrations = concentrations;
-    }
     CILImage tiff(const QString& strName) const
     {
         CILImage image;
@@ -295,7 +281,7 @@ TEST_F(ResultFilesTest, ANameWithASlashStaysInTheFolder)
 TEST_F(ResultFilesTest, MapsOfSeveralSpotsAreNumberedFromOne)
 {
     analyse();
-    spotsWithDifference(100.0);
+    addSpot(100.0);
     writeFiles();
     EXPECT_EQ(entriesOf(out()).filter("_Dye_").filter(".tif"),
               (QStringList{"01_Dye_A_spot1.tif", "01_Dye_A_spot2.tif", "02_Dye_B_spot1.tif", "02_Dye_B_spot2.tif"}));
@@ -364,7 +350,7 @@ TEST_F(ResultFilesTest, AComponentHasOneColourInEveryFile)
 TEST_F(ResultFilesTest, MapsOfAScanHaveOneScaleUnlessAskedOtherwise)
 {
     analyse();
-    spotsWithDifference(100.0);
+    addSpot(100.0);
     ResultNumbers numbers = m_numbers;
     const auto picture = [&](MapScale eScale, int nComponent, int nSpot) {
         PictureRequest request;

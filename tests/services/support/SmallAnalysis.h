@@ -46,6 +46,21 @@ protected:
         ASSERT_FALSE(analysis.hasError()) << qPrintable(analysis.getErrorText());
     }
 
+    // Makes a scan of two spots of it, of which the second sees the same, brighter by that much.
+    void addSpot(double dBrighter)
+    {
+        engine().m_cube.m_nSpots = 2;
+        engine().m_spots = QStringList{"0,0", "1,0"};
+        XTNT::Matrix<double> concentrations(2, 2 * side * side);
+        for (int k = 0; k < 2; ++k) {
+            for (int i = 0; i < side * side; ++i) {
+                concentrations[k][i] = static_cast<double>(k == 0 ? mapA(i) : mapB(i));
+                concentrations[k][side * side + i] = concentrations[k][i] + dBrighter;
+            }
+        }
+        engine().m_concentrations = concentrations;
+    }
+
     CORVSpumKyvo& engine() { return m_pOpened->engine(); }
 
     SmallSequence m_sequence;
