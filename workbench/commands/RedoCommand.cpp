@@ -92,15 +92,16 @@ private:
         return told;
     }
 
-    // The command that made the result, but for the folder.
+    // The command that made the result, but for the folder, and for what would replace another result there.
     QStringList arguments() const
     {
         const QStringList command = textsOf(m_provenance.value(QStringLiteral("command")));
         const QString saved =
             m_provenance.value(QStringLiteral("options")).toObject().value(QStringLiteral("saved")).toString();
         if (command.value(1) == QLatin1String("unmix")) {
-            return QStringList{QStringLiteral("unmix"), m_sequence} +
-                   textsOf(m_provenance.value(QStringLiteral("arguments")));
+            QStringList options = textsOf(m_provenance.value(QStringLiteral("arguments")));
+            options.removeAll(QStringLiteral("--force"));
+            return QStringList{QStringLiteral("unmix"), m_sequence} + options;
         }
         if (command.value(1) == QLatin1String("results") && !saved.isEmpty()) {
             return {QStringLiteral("results"), QStringLiteral("load"), m_sequence, saved};

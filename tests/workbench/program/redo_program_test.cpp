@@ -193,6 +193,19 @@ TEST_F(RedoProgramTest, TheNewResultIsKeptWhereAskedFor)
     EXPECT_TRUE(refusal({"redo", "out", "--out", "again"}).contains("exists already"));
 }
 
+// What the first run was allowed to replace is not what the second one meets.
+TEST_F(RedoProgramTest, NothingIsReplacedBecauseTheFirstRunReplacedSomething)
+{
+    simulate();
+    unmix();
+    unmix({"--force", "--mask", "rect:8,8,20,20"});
+    unmix({}, "other");
+    const QByteArray before = contentOf(path("other/summary.json"));
+    EXPECT_TRUE(refusal({"redo", "out", "--out", "other"}).contains("exists already"));
+    EXPECT_EQ(contentOf(path("other/summary.json")), before);
+    EXPECT_EQ(succeed({"redo", "out", "--json"}).json()["same"], true);
+}
+
 TEST_F(RedoProgramTest, ABatchAndALoadedResultAreMadeAgainToo)
 {
     simulate();
