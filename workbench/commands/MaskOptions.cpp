@@ -31,28 +31,30 @@ MaskRequest shapeOf(MaskRequest::Kind eKind, const QString& strText)
     return option;
 }
 
+// Of the option's text; what is none of the others is a file.
+MaskRequest::Kind kindOf(const QString& strText)
+{
+    return strText == QLatin1String("none")                ? MaskRequest::Kind::None
+           : strText == QLatin1String("auto")              ? MaskRequest::Kind::Photograph
+           : strText.startsWith(QLatin1String("rect:"))    ? MaskRequest::Kind::Rectangle
+           : strText.startsWith(QLatin1String("ellipse:")) ? MaskRequest::Kind::Ellipse
+                                                           : MaskRequest::Kind::File;
+}
+
 MaskRequest parseMask(const QString& strText)
 {
-    MaskRequest option;
-    if (strText == QLatin1String("none")) {
-        return option;
-    }
-    if (strText == QLatin1String("auto")) {
-        option.kind = MaskRequest::Kind::Photograph;
-        return option;
-    }
-    if (strText.startsWith(QLatin1String("rect:"))) {
-        return shapeOf(MaskRequest::Kind::Rectangle, strText);
-    }
-    if (strText.startsWith(QLatin1String("ellipse:"))) {
-        return shapeOf(MaskRequest::Kind::Ellipse, strText);
-    }
     if (strText.isEmpty()) {
         throw Failure(QStringLiteral("--mask takes auto, none, rect:X,Y,W,H, ellipse:X,Y,W,H or a file"),
                       Failure::Kind::BadRequest);
     }
-    option.kind = MaskRequest::Kind::File;
-    option.file = strText;
+    MaskRequest option;
+    option.kind = kindOf(strText);
+    if (option.kind == MaskRequest::Kind::Rectangle || option.kind == MaskRequest::Kind::Ellipse) {
+        return shapeOf(option.kind, strText);
+    }
+    if (option.kind == MaskRequest::Kind::File) {
+        option.file = strText;
+    }
     return option;
 }
 
@@ -84,6 +86,11 @@ void declareMaskOptions(CommandParser& parser, const QString& strDefaults)
                       QStringLiteral("Brightness above which the photograph counts for --mask auto, in percent of its "
                                      "range; found by itself."),
                       QStringLiteral("PERCENT")});
+}
+
+bool namesMaskFile(const QString& strText)
+{
+    return kindOf(strText) == MaskRequest::Kind::File;
 }
 
 MaskRequest maskOptionOf(const QCommandLineParser& parser, MaskRequest::Kind eDefault)

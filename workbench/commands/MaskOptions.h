@@ -15,3 +15,5 @@ void declareMaskOptions(CommandParser& parser, const QString& strDefaults);
 // is reached with a folder in front ("./auto"). Throws Failure (bad request) for numbers that are none, and for a
 // threshold without a mask of the photograph.
 MaskRequest maskOptionOf(const QCommandLineParser& parser, MaskRequest::Kind eDefault);
+// Whether such a text means a file, of whatever name there is one.
+bool namesMaskFile(const QString& strText);

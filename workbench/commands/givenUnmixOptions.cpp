@@ -3,6 +3,7 @@
 
 #include "services/session/LibrarySpectra.h"
 #include "workbench/commands/CommandParser.h"
+#include "workbench/commands/MaskOptions.h"
 #include "workbench/commands/UnmixOptions.h"
 
 #include <QDir>
@@ -26,7 +27,8 @@ QList<BatchOption> givenUnmixOptions(const QCommandLineParser& parser, const QSt
         if (!isFlag) {
             option.value = parser.value(name);
         }
-        const bool namesFile = name == QLatin1String("library") || name == QLatin1String("mask");
+        const bool namesFile = name == QLatin1String("library") ||
+                               (name == QLatin1String("mask") && option.value && namesMaskFile(*option.value));
         if (namesFile && option.value) {
             const QString beside = QDir(strFolder).absoluteFilePath(*option.value);
             const QFileInfo file(!strFolder.isEmpty() && QFileInfo(beside).isFile() ? beside : *option.value);
