@@ -89,6 +89,39 @@ TEST_F(JsonProgramTest, AnswersAboutLibrariesRegionsAndBatchesFollowTheSchema)
     expectAllValid({path("all/batch.json"), path("all/seq/summary.json")});
 }
 
+TEST_F(JsonProgramTest, AnswersAboutSourcesAndEveryChangeOfALibraryFollowTheSchema)
+{
+    simulate();
+    EXPECT_EQ(kindOf({"sources", "fluorophore"}), "sources");
+    EXPECT_EQ(kindOf({"library", "import", truth(), "a"}), "library import");
+    EXPECT_EQ(kindOf({"library", "append", "a", "--sequence", "seq", "--region", "gut=10,10,5,5"}), "library append");
+    EXPECT_EQ(kindOf({"library", "save", "b", "--sequence", "seq", "--region", "skin=20,20,5,5"}), "library save");
+    EXPECT_EQ(kindOf({"library", "merge", "both", "a", "b"}), "library merge");
+    EXPECT_EQ(kindOf({"library", "rename", "b", "c"}), "library rename");
+    EXPECT_EQ(kindOf({"library", "rename", "c", "--spectrum", "skin=fur"}), "library rename");
+    EXPECT_EQ(kindOf({"library", "remove", "both", "--spectrum", "gut"}), "library remove");
+    EXPECT_EQ(kindOf({"library", "remove", "both", "c"}), "library remove");
+    EXPECT_EQ(kindOf({"library", "template", "seq", "--out", "fill.csv"}), "library template");
+    write("table.csv", "wavelength,A\n600,1\n900,0.5\n");
+    EXPECT_EQ(kindOf({"library", "show", "table.csv"}), "library show");
+    expectAllValid();
+}
+
+TEST_F(JsonProgramTest, AnswersAheadOfTheWorkFollowTheSchema)
+{
+    simulate();
+    EXPECT_EQ(kindOf({"unmix", "seq", "--library", truth(), "--dry-run"}), "unmix");
+    EXPECT_EQ(kindOf({"batch", "seq", "--library", truth(), "--out", "all", "--only", "seq"}), "batch");
+    EXPECT_EQ(kindOf({"batch", "seq", "--library", truth(), "--out", "all", "--gather"}), "batch");
+    for (const char* name : {"stack/ex640_em700.tif", "stack/ex640_em720.tif"}) {
+        writeTiffFile(name, imageOf(4, 4, [](int i) { return static_cast<float>(i); }));
+    }
+    EXPECT_EQ(kindOf({"import", "stack", "--write-table", "images.csv"}), "import table");
+    writeTiffFile("stack/other.tif", imageOf(4, 4, [](int i) { return static_cast<float>(i); }));
+    EXPECT_EQ(answer({"import", "stack", "again"}, 1)["answer"], "import doubts");
+    expectAllValid();
+}
+
 TEST_F(JsonProgramTest, TheCheckFindsWhatIsWrong)
 {
     const QString text = write("text.json", "{\"schema\": 1, \"answer\": \"results delete\", \"deleted\": 3}");
