@@ -19,10 +19,15 @@ std::optional<double> positiveValue(const CPLClickInfo& info, const char* pKey)
 
 } // namespace
 
-QString ChannelInfo::filterText(int nNumber)
+QString ChannelInfo::keyText(int nNumber)
 {
     constexpr int digits = 3;
-    return QStringLiteral("Channel %1").arg(nNumber, digits, 10, QLatin1Char('0'));
+    return QStringLiteral("%1").arg(nNumber, digits, 10, QLatin1Char('0'));
+}
+
+QString ChannelInfo::filterText(int nNumber)
+{
+    return QStringLiteral("Channel ") + keyText(nNumber);
 }
 
 int ChannelInfo::numberOf(const QString& strFilter)

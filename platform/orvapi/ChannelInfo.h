@@ -19,6 +19,7 @@ struct ChannelInfo
 
     // Numbers are three digits, as keys of filters are.
     static constexpr int kMost = 999;
+    static QString keyText(int nNumber);
     // The filter's text of channel `nNumber`, from 1 to kMost.
     static QString filterText(int nNumber);
     // The number in such a text; 0 for that of a real filter.
@@ -29,7 +30,7 @@ struct ChannelInfo
     // Appends the entries to the section of an image.
     void write(CPLSection& section) const;
 
-    // For people: the name, else the wavelength or wavenumber with its unit, else `strNumber` as "channel 7".
+    // For people: the name, else the wavelength or wavenumber with its unit, else the number as "channel 7".
     QString label(int nNumber) const;
     // The wavelength or wavenumber with its unit; empty without.
     QString placeText() const;

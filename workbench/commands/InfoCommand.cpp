@@ -35,6 +35,7 @@ struct ImageRow
     QString first;
     QString second;
     std::optional<ChannelInfo> channel; // of a numbered one
+    int number = 0;                     // its number
     QString spot;
     QString size;
     QString binning;
@@ -75,6 +76,10 @@ ImageRow describeImage(CORVDataset& dataset, const CORVSpumKyvo& engine)
     row.first = temporal ? record.interval : (row.used ? record.excitation : dataset.getExcitationFilter());
     row.second = temporal ? record.time : (row.used ? record.emission : dataset.getEmissionFilter());
     row.channel = ChannelInfo::of(dataset.clickInfo);
+    if (row.channel) {
+        row.number = ChannelInfo::numberOf(dataset.getEmissionFilter());
+        row.second = row.used ? row.second : ChannelInfo::keyText(row.number);
+    }
     row.spot = record.spot;
     row.size = sizeText(dataset);
     row.binning = TextTable::number(static_cast<double>(dataset.getBinningForImage(IMAGETYPE_MAIN_DATA)));
@@ -96,7 +101,7 @@ QString channelText(const ImageRow& row)
     if (!row.channel) {
         return QStringLiteral("-");
     }
-    const QString label = row.channel->label(ChannelInfo::numberOf(QStringLiteral("Channel ") + row.second));
+    const QString label = row.channel->label(row.number);
     const QString place = row.channel->placeText();
     return place.isEmpty() || place == label ? label : QStringLiteral("%1 (%2)").arg(label, place);
 }

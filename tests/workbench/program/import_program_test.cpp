@@ -391,6 +391,17 @@ TEST_F(ImportProgramTest, AFolderThatTellsNothingBecomesNumberedChannelsThatAreU
     }
 }
 
+TEST_F(ImportProgramTest, AChannelThatCannotBeAnalysedIsCalledByItsNumberToo)
+{
+    writeTiffFile("stack/a.tif", imageOf(8, 8, [](int i) { return dyeA(i); }));
+    write("one.csv", "file,channel\na.tif,\n");
+    succeed({"import", "stack", "seq", "--images", "one.csv"});
+    const QString info = QString::fromUtf8(succeed({"info", "seq"}).out).section("number", 1).simplified();
+    EXPECT_TRUE(info.contains(" 001 channel 1 ")) << qPrintable(info);
+    EXPECT_TRUE(info.contains(" no ")) << qPrintable(info);
+    EXPECT_EQ(succeed({"info", "seq", "--json"}).json()["images"].toArray()[0].toObject()["second"], "001");
+}
+
 TEST_F(ImportProgramTest, WavelengthsBeyondFiltersAreKeptForPlotsAndExports)
 {
     writeTiffFile("stack/a.tif", imageOf(8, 8, [](int i) { return dyeA(i); }));
