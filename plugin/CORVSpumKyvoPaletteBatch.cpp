@@ -124,11 +124,15 @@ void CORVSpumKyvoPalette::processBatchSequence(CORVSequenceDataset& sequence)
     }
 }
 
-// False when there is no folder for the maps.
+// False when there is no folder for the maps, and when the sequence has gone.
 bool CORVSpumKyvoPalette::keepBatchResult(CORVSequenceDataset& sequence)
 {
     const QPointer<CORVSpumKyvo> pEngine(m_pEngine);
-    if (m_pResults->saveResultsBatch() == SaveOutcome::Saved) {
+    const bool bSaved = m_pResults->saveResultsBatch() == SaveOutcome::Saved;
+    if (!pEngine) {
+        return false;
+    }
+    if (bSaved) {
         sequence.setProperty(batchResidualProperty, residualOfResult(*pEngine));
     }
     const QString strFolder = resultsIndex::batchFolder(sequence.getSequenceInfoPath(), m_pResults->m_strBatchStamp) +

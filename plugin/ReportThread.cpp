@@ -13,6 +13,7 @@
 #include <QDateTime>
 #include <QLocale>
 
+#include <exception>
 #include <new>
 #include <utility>
 
@@ -56,6 +57,9 @@ void ReportThread::run()
         m_strReason = failure.text();
     } catch (const std::bad_alloc&) {
         m_strReason = tr("There is not enough memory for the report.");
+    } catch (const std::exception& failure) {
+        // What leaves a thread ends the program.
+        m_strReason = tr("The report cannot be written: %1").arg(QString::fromUtf8(failure.what()));
     }
 }
 

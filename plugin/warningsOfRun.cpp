@@ -12,6 +12,7 @@
 #include "services/warnings/runWarnings.h"
 #include "spectra/logLine.h"
 #include "windows/SpUnmixWizardWnd.h"
+#include "windows/probeOffer.h"
 
 #include <QCoreApplication>
 #include <QPushButton>
@@ -28,7 +29,7 @@ QStringList givenNames(const QStringList& components)
 {
     QStringList names;
     for (const QString& name : components) {
-        if (!name.trimmed().isEmpty() && name.trimmed() != QLatin1String("Unknown")) {
+        if (!name.trimmed().isEmpty() && name.trimmed() != QLatin1String(kUnknownProbe)) {
             names.append(name.trimmed());
         }
     }
@@ -55,7 +56,7 @@ void keepWarningsOfRun(CORVSpumKyvo& engine)
     } catch (const std::exception& failure) {
         // The result stands without them.
         logLine(QStringLiteral("SpumKyvo: the result could not be looked at for warnings: %1")
-                    .arg(QString::fromLocal8Bit(failure.what())),
+                    .arg(QString::fromUtf8(failure.what())),
                 CORVLOG_WARNING);
     }
 }
@@ -67,7 +68,15 @@ void tellNumberOfComponents(const CORVSpumKyvo& engine)
     if (pButton == nullptr) {
         return;
     }
-    const ComponentNumber number = ComponentNumber::of(engine.m_cube.m_data, mostElements);
+    ComponentNumber number;
+    try {
+        number = ComponentNumber::of(engine.m_cube.m_data, mostElements);
+    } catch (const std::exception& failure) {
+        // The eigenvalues are shown without it.
+        logLine(QStringLiteral("SpumKyvo: the number of components could not be estimated: %1")
+                    .arg(QString::fromUtf8(failure.what())),
+                CORVLOG_WARNING);
+    }
     pButton->setToolTip(
         number.likely > 0
             ? QCoreApplication::translate("warningsOfRun", "Components above the noise: %1").arg(number.text())

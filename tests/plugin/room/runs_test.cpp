@@ -2,6 +2,8 @@
 // Runs: what surrounds them, how they end, and what is found by who comes back to a sequence.
 #include "WorkArea.h"
 
+#include "faults/faults.h"
+
 #include "platform/orvutils/ProcessControl.h"
 #include "plugin/warningsOfRun.h"
 #include "services/results/ComponentNumber.h"
@@ -201,6 +203,37 @@ TEST_F(RunsTest, APCAShowsItsWindowAndKeepsTheEigenvalues)
     EXPECT_FALSE(engine().m_bRunPCA);
     EXPECT_TRUE(m_palette->isEnabled());
     EXPECT_FALSE(wizard().isHidden());
+}
+
+// Two sources in noise, of enough pixels for a block of memory that can be refused.
+TEST_F(RunsTest, TheTipTellsTheNumberOfComponentsOrTheLogThatThereIsNone)
+{
+    open();
+    start("Automatic");
+    constexpr long long rows = 30000;
+    std::mt19937 random(3);
+    std::normal_distribution<double> noise(0.0, 1.0);
+    std::uniform_real_distribution<double> amount(10.0, 100.0);
+    auto& data = engine().m_cube.m_data;
+    data = XTNT::Matrix<double>(rows, 6);
+    for (long long i = 0; i < rows; ++i) {
+        const double dOne = amount(random);
+        const double dOther = amount(random);
+        for (long long j = 0; j < 6; ++j) {
+            data[i][j] = dOne * static_cast<double>(j + 1) + dOther * static_cast<double>(6 - j) + noise(random);
+        }
+    }
+    tellNumberOfComponents(engine());
+    const auto* pButton = wizard().findChild<QPushButton*>("m_pPCABtn");
+    EXPECT_EQ(pButton->toolTip(), "Components above the noise: 2");
+    ASSERT_TRUE(armFaults("memory@1+=ENOMEM", nullptr, nullptr));
+    EXPECT_NO_THROW(tellNumberOfComponents(engine()));
+    armFaults(nullptr, nullptr, nullptr);
+// Under a sanitizer the memory is the sanitizer's.
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+    EXPECT_EQ(pButton->toolTip(), "");
+    EXPECT_TRUE(m_log.mentions("SpumKyvo: the number of components could not be estimated"));
+#endif
 }
 
 TEST_F(RunsTest, AUserWhoBacksOutOfTheQuestionStartsNothing)
