@@ -23,7 +23,7 @@
 
 namespace {
 
-// Turns of the event loop in which a window that the tool wants closed is.
+// Turns of the event loop by whose end a window that the tool wants closed has closed.
 constexpr int patientTurns = 5;
 constexpr int adaptive = 1; // of the host's modes; 0 is off
 

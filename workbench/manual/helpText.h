@@ -12,5 +12,5 @@ constexpr int helpColumns = 80;
 // in a line of its own length. Commands of an example are kept on one line, so that they can be copied.
 QString helpText(const CommandManual& manual, int nColumns);
 
-// Paragraphs of at most `nColumns`, each line behind so many blanks but the first.
+// A paragraph in lines of at most `nColumns`, each behind so many blanks but the first.
 QString wrappedText(const QString& strText, int nColumns, int nIndent);

@@ -12,7 +12,7 @@ struct ManPageFrame
 {
     QString version;     // of the program
     QString date;        // "2026-03-01"
-    QStringList seeAlso; // "spum(1)"
+    QStringList seeAlso; // other pages of this section: "spum-pca"
 };
 
 // A manual page of section 1 in the language of man(7), UTF-8.
