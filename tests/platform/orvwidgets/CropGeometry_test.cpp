@@ -192,7 +192,6 @@ TEST(CropGeometryTest, AViewWithoutAPictureTakesNoPress)
     EXPECT_TRUE(crop.isEmpty());
 }
 
-} // namespace
 TEST(CropCursorTest, TellsWhatAPressThereWouldDo)
 {
     EXPECT_EQ(cursorOver(CropPart::Outside), Qt::CrossCursor);
@@ -203,4 +202,5 @@ TEST(CropCursorTest, TellsWhatAPressThereWouldDo)
     EXPECT_EQ(cursorOver(CropPart::BottomLeft), Qt::SizeBDiagCursor);
 }
 
+} // namespace
 } // namespace orvwidgets

@@ -262,13 +262,14 @@ TEST(BatchCandidateTest, BandsThatTheSpectraLackAreNamed)
 
 TEST(BatchCandidateTest, AFolderOfSequencesStandsForAllOfThem)
 {
-    const QString one = simulated::sequence("candidate", {"--size", "32", "--bands", "4"});
-    EXPECT_EQ(sequencesIn(one), QStringList(one));
-    const QStringList all = sequencesIn(QFileInfo(one).path());
-    EXPECT_TRUE(all.contains(one));
-    EXPECT_GE(all.size(), 1);
-    QTemporaryDir empty;
-    EXPECT_EQ(sequencesIn(empty.path()), QStringList(empty.path()));
+    QTemporaryDir work;
+    EXPECT_EQ(sequencesIn(work.path()), QStringList(work.path())) << "itself, where there are none";
+    for (const char* name : {"two", "one"}) {
+        simulated::into(work.filePath(name), {"--size", "32", "--bands", "4"});
+    }
+    QDir(work.path()).mkdir("notes");
+    EXPECT_EQ(sequencesIn(work.path()), (QStringList{work.filePath("one"), work.filePath("two")}));
+    EXPECT_EQ(sequencesIn(work.filePath("two")), QStringList(work.filePath("two")));
 }
 
 } // namespace

@@ -200,8 +200,6 @@ TEST(FittingSideTest, OfATableThatIsTooHighTheColumnsFit)
     EXPECT_EQ(fittingSide(table, {20, 50}, {10, 30}, 50, 200, 77), 77);
 }
 
-} // namespace
-
 TEST(SequenceGridTest, NumberedChannelsAreCalledByTheirNames)
 {
     TileKey named = filters("Block", "Channel 001");
@@ -213,3 +211,5 @@ TEST(SequenceGridTest, NumberedChannelsAreCalledByTheirNames)
     EXPECT_EQ(grid.description(0), "channel 001: DAPI");
     EXPECT_EQ(grid.caption(1), "1250.5 nm");
 }
+
+} // namespace
