@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/orvimage/ColorBar.h"
+#include "platform/orvimage/PictureFont.h"
 #include "platform/orvimage/TickMarks.h"
 
-#include <QFont>
 #include <QFontMetrics>
-#include <QGuiApplication>
 #include <QPainter>
 #include <QPolygonF>
 
@@ -14,19 +13,6 @@
 namespace orvimage {
 
 namespace {
-
-bool canDrawText()
-{
-    return QCoreApplication::instance() != nullptr && qobject_cast<QGuiApplication*>(QCoreApplication::instance());
-}
-
-QFont textFont(int pixels)
-{
-    QFont font(QStringLiteral("DejaVu Sans"));
-    font.setStyleHint(QFont::SansSerif);
-    font.setPixelSize(std::max(6, pixels));
-    return font;
-}
 
 // The bar itself, `length` by `thickness`, from the lower end at the left or at the bottom.
 QImage gradientStrip(const CILPalette& palette, int length, int thickness, bool vertical)
@@ -109,7 +95,7 @@ public:
     HorizontalColorBar(const CILPalette& palette, double minimum, double maximum, int length,
                        const ColorBarOptions& options)
         : m_palette(palette), m_minimum(minimum), m_maximum(maximum), m_length(std::max(2, length)), m_options(options),
-          m_font(textFont(options.fontPixels)), m_em(std::max(6, options.fontPixels))
+          m_font(pictureFont(options.fontPixels)), m_em(std::max(6, options.fontPixels))
     {
     }
 
@@ -206,7 +192,7 @@ VerticalColorBar::VerticalColorBar(const CILPalette& palette, double minimum, do
       m_em(std::max(6, options.fontPixels))
 {
     const bool texts = canDrawText();
-    const QFontMetrics metrics(textFont(options.fontPixels));
+    const QFontMetrics metrics(pictureFont(options.fontPixels));
     const int most = std::clamp(m_length / (3 * m_em), 2, 9);
     const Scale scale = makeScale(minimum, maximum, most, texts ? &metrics : nullptr, options.unitLines);
     m_values = scale.values;
@@ -254,7 +240,7 @@ void VerticalColorBar::drawTicks(QPainter& painter) const
 void VerticalColorBar::draw(QPainter& painter) const
 {
     const int bar = barThickness(m_em);
-    const QFont font = textFont(m_options.fontPixels);
+    const QFont font = pictureFont(m_options.fontPixels);
     const QFontMetrics metrics(font);
     painter.save();
     painter.drawImage(0, m_top, gradientStrip(m_palette, m_length, bar, true));

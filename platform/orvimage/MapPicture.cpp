@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/orvimage/MapPicture.h"
+#include "platform/orvimage/PictureFont.h"
 #include "platform/orvimage/PixelTypes.h"
 #include "platform/orvimage/TextLines.h"
 
 #include <QFontMetrics>
-#include <QGuiApplication>
 #include <QPainter>
 #include <QPainterPath>
 
@@ -79,9 +79,7 @@ QImage mapLayer(const CILImage& map, const CILPalette& palette, const ValueRange
 
 QFont pageFont(int pixels, bool bold)
 {
-    QFont font(QStringLiteral("DejaVu Sans"));
-    font.setStyleHint(QFont::SansSerif);
-    font.setPixelSize(pixels);
+    QFont font = pictureFont(pixels);
     font.setBold(bold);
     return font;
 }
@@ -95,11 +93,6 @@ QFont titleFont(int em)
 int titleLine(int em)
 {
     return em * 3 / 2;
-}
-
-bool canDrawText()
-{
-    return qobject_cast<QGuiApplication*>(QCoreApplication::instance()) != nullptr;
 }
 
 // Whether pixels lie above and below a range.

@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/orvimage/StackedColorBar.h"
+#include "platform/orvimage/PictureFont.h"
 #include "platform/orvimage/TickMarks.h"
 
-#include <QFont>
 #include <QFontMetrics>
-#include <QGuiApplication>
 #include <QPainter>
 
 #include <algorithm>
@@ -23,19 +22,6 @@ constexpr int kThickness = 2; // of the bar, in ems
 // Height of a number's box in font heights, and the way from it to the first line of the unit.
 constexpr double kNumberBox = 1.25;
 constexpr double kUnitGap = 0.5;
-
-bool canDrawText()
-{
-    return qobject_cast<QGuiApplication*>(QCoreApplication::instance()) != nullptr;
-}
-
-QFont textFont(int pixels)
-{
-    QFont font(QStringLiteral("DejaVu Sans"));
-    font.setStyleHint(QFont::SansSerif);
-    font.setPixelSize(std::max(kSmallestFont, pixels));
-    return font;
-}
 
 QString withoutTrailingZeros(QString number)
 {
@@ -115,7 +101,7 @@ QImage drawStackedColorBar(const CILPalette& palette, double minimum, double max
     const int em = std::max(kSmallestFont, options.fontPixels);
     const int length = std::max(2, height);
     const int thickness = em * kThickness;
-    const QFont font = textFont(em);
+    const QFont font = pictureFont(em);
     TextLayout layout;
     if (texts) {
         layout = layOut(minimum, maximum, QFontMetrics(font), options.lines);

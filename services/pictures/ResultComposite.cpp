@@ -4,13 +4,12 @@
 #include "engine/CORVSpumKyvo.h"
 #include "host/CILImage.h"
 #include "host/CORVLog.h"
+#include "platform/orvimage/PictureFont.h"
 #include "services/basis/ImageExtent.h"
 #include "spectra/logLine.h"
 #include "windows/compositePicture.h"
 
-#include <QFont>
 #include <QFontMetrics>
-#include <QGuiApplication>
 #include <QPainter>
 #include <QVector>
 
@@ -120,13 +119,11 @@ private:
 
 QImage withLegend(const QImage& picture, const QList<QPair<QString, QColor>>& labels)
 {
-    const bool drawable = qobject_cast<QGuiApplication*>(QCoreApplication::instance()) != nullptr;
-    if (picture.isNull() || labels.isEmpty() || !drawable) {
+    if (picture.isNull() || labels.isEmpty() || !orvimage::canDrawText()) {
         return picture;
     }
-    QFont font(QStringLiteral("DejaVu Sans"));
-    font.setStyleHint(QFont::SansSerif);
-    font.setPixelSize(std::max(smallestText, std::max(picture.width(), picture.height()) / textsPerSide));
+    const QFont font =
+        orvimage::pictureFont(std::max(smallestText, std::max(picture.width(), picture.height()) / textsPerSide));
     const LegendLayout legend(labels, QFontMetrics(font), picture.width());
 
     QImage page(picture.width(), picture.height() + legend.height(), QImage::Format_RGB32);

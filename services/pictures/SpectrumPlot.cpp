@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "services/pictures/SpectrumPlot.h"
 
+#include "platform/orvimage/PictureFont.h"
 #include "platform/orvimage/TickMarks.h"
 #include "services/pictures/PlotLegend.h"
 
@@ -252,8 +253,7 @@ SpectrumPlot::Layout SpectrumPlot::layoutWithoutNames(const QSize& least) const
 {
     Layout layout;
     layout.page = least;
-    layout.font = QFont(QStringLiteral("DejaVu Sans"));
-    layout.font.setPixelSize(std::max(11, least.height() / 36));
+    layout.font = orvimage::pictureFont(std::max(11, least.height() / 36));
     const double unit = QFontMetricsF(layout.font).height();
     layout.unit = unit;
     layout.area = QRectF(5.0 * unit, 2.2 * unit, least.width() - 6.0 * unit - 10.0, least.height() - 5.4 * unit);

@@ -2,6 +2,7 @@
 #include "services/results/ComparisonPicture.h"
 
 #include "platform/orvimage/MapPicture.h"
+#include "platform/orvimage/PictureFont.h"
 #include "services/basis/TextTable.h"
 #include "services/pictures/SpectrumPlot.h"
 #include "services/results/ResultComparison.h"
@@ -115,8 +116,7 @@ SpectrumPlot plotOfColumn(const ResultComparison& comparison, int nColumn)
 
 QFont labelFont()
 {
-    QFont font(QStringLiteral("DejaVu Sans"));
-    font.setPixelSize(18);
+    QFont font = orvimage::pictureFont(18);
     font.setBold(true);
     return font;
 }

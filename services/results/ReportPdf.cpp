@@ -2,6 +2,7 @@
 #include "services/results/ReportPdf.h"
 
 #include "XTNT/xtnt_parallel.h"
+#include "platform/orvimage/PictureFont.h"
 
 #include <QAbstractTextDocumentLayout>
 #include <QBuffer>
@@ -340,10 +341,8 @@ void paintFooter(QPainter& painter, const QSizeF& page, const QString& strText, 
 {
     const QRectF footer(0, page.height() + footerPixels / 4, page.width(), footerPixels);
     painter.setPen(QColor(0x5c, 0x66, 0x70));
-    QFont font(QStringLiteral("DejaVu Sans"));
     // In pixels of the layout: points would be taken at the file's resolution.
-    font.setPixelSize(footerTextPixels);
-    painter.setFont(font);
+    painter.setFont(orvimage::pictureFont(footerTextPixels));
     painter.drawText(footer, Qt::AlignLeft | Qt::AlignVCenter, strText);
     painter.drawText(footer, Qt::AlignRight | Qt::AlignVCenter, strNumber);
 }
