@@ -1,8 +1,7 @@
 #!/bin/sh
 # SPDX-License-Identifier: GPL-3.0-or-later
 # usage: deb.sh BUILD FOLDER; packs the programs of a build as FOLDER/orvspum_VERSION_ARCHITECTURE.deb and has lintian
-# look at it. Who makes it for others tells name and address
-# by DEBFULLNAME and DEBEMAIL.
+# look at it. Who makes it for others tells name and address by DEBFULLNAME and DEBEMAIL.
 set -eu
 umask 022
 build=$1
