@@ -39,7 +39,7 @@ bench: build
 sanitize: deps
 	@for preset in asan asan-clang; do \
 	  cmake --preset $$preset --log-level=WARNING && cmake --build build/$$preset -j$(JOBS) && \
-	  scripts/run-sanitized.sh build/$$preset || exit 1; \
+	  JOBS=$(JOBS) scripts/run-sanitized.sh build/$$preset || exit 1; \
 	done
 
 # A forked child may make threads, as tests do; a longer history shows which library a thread was in that has ended.

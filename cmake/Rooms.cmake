@@ -24,8 +24,8 @@ endfunction()
 
 # orv_precompile(<target> precompiled|precompiled_tests)
 # Compiles the sources of <target> behind the precompiled headers of the rooms or of the test programs. Only headers of
-# Qt and of the standard library are precompiled, so that the floors hold; a build without ORV_PCH (as under the
-# sanitizers) shows whether every file includes what it needs.
+# Qt and of the standard library are precompiled, so that the floors hold; what clang-tidy reads, without ORV_PCH,
+# shows whether every file includes what it needs.
 function(orv_precompile target headers)
   if(ORV_PCH)
     target_precompile_headers(${target} REUSE_FROM ${headers})
@@ -90,15 +90,16 @@ function(orv_program name)
   install(TARGETS ${name} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 endfunction()
 
-# orv_test(NAME <folder> LINK <libraries> [TIMEOUT <seconds>] [SHARDS <count>] [XVFB]): one GoogleTest program from every
-# .cpp of a folder of tests/, known to CTest. With XVFB it runs on an X server of its own, with OpenGL by Mesa's software
-# renderer. A long one is cut into SHARDS runs, each with its share of the tests, for a machine of several processors.
+# What ends a test that hangs: far beyond the longest run under a sanitizer on a machine that others keep busy.
+set(ORV_TEST_TIMEOUT 1800)
+
+# orv_test(NAME <folder> LINK <libraries> [SHARDS <count>] [XVFB] [SCALE2]): one GoogleTest program from every .cpp of a
+# folder of tests/, known to CTest. With XVFB it runs on an X server of its own, with OpenGL by Mesa's software renderer,
+# with SCALE2 once more at another ratio of device pixels. A long one is cut into SHARDS runs, each with its share of the
+# tests, for a machine of several processors.
 function(orv_test name)
-  cmake_parse_arguments(A "XVFB" "TIMEOUT;SHARDS" "LINK" ${ARGN})
+  cmake_parse_arguments(A "XVFB;SCALE2" "SHARDS" "LINK" ${ARGN})
   file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
-  if(NOT A_TIMEOUT)
-    set(A_TIMEOUT 300)
-  endif()
   add_executable(${name} ${sources} ${CMAKE_SOURCE_DIR}/tests/support/main.cpp)
   set_target_properties(${name} PROPERTIES AUTOMOC ON RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
   orv_forms(${name} ${CMAKE_SOURCE_DIR}/tests)
@@ -116,16 +117,25 @@ function(orv_test name)
   if(NOT A_SHARDS)
     set(A_SHARDS 1)
   endif()
+  set(variants ${name})
+  if(A_SCALE2)
+    list(APPEND variants ${name}_scale2)
+  endif()
   math(EXPR last "${A_SHARDS} - 1")
-  foreach(shard RANGE ${last})
-    set(test ${name})
-    if(A_SHARDS GREATER 1)
-      math(EXPR number "${shard} + 1")
-      set(test ${name}_${number}_of_${A_SHARDS})
-    endif()
-    add_test(NAME ${test} COMMAND ${command})
-    set_tests_properties(${test} PROPERTIES TIMEOUT ${A_TIMEOUT}
-      ENVIRONMENT "GTEST_TOTAL_SHARDS=${A_SHARDS};GTEST_SHARD_INDEX=${shard}")
+  foreach(variant ${variants})
+    foreach(shard RANGE ${last})
+      set(test ${variant})
+      if(A_SHARDS GREATER 1)
+        math(EXPR number "${shard} + 1")
+        set(test ${variant}_${number}_of_${A_SHARDS})
+      endif()
+      set(environment GTEST_TOTAL_SHARDS=${A_SHARDS} GTEST_SHARD_INDEX=${shard})
+      if(variant MATCHES _scale2$)
+        list(APPEND environment QT_SCALE_FACTOR=2)
+      endif()
+      add_test(NAME ${test} COMMAND ${command})
+      set_tests_properties(${test} PROPERTIES TIMEOUT ${ORV_TEST_TIMEOUT} ENVIRONMENT "${environment}")
+    endforeach()
   endforeach()
 endfunction()
 

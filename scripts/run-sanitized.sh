@@ -7,4 +7,4 @@ root=$(cd "$(dirname "$0")/.." && pwd)
 export ASAN_OPTIONS="detect_leaks=1:halt_on_error=1:detect_stack_use_after_return=0"
 export LSAN_OPTIONS="suppressions=$root/tests/lsan.supp:print_suppressions=0"
 export UBSAN_OPTIONS="halt_on_error=1:print_stacktrace=1"
-ctest --test-dir "$1" --output-on-failure
+ctest --test-dir "$1" --output-on-failure -j"${JOBS:-1}"
