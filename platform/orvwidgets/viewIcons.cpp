@@ -2,7 +2,9 @@
 #include "platform/orvwidgets/viewIcons.h"
 
 #include <QPainter>
+#include <QPainterPath>
 #include <QPixmap>
+#include <QPolygonF>
 
 namespace orvwidgets {
 
@@ -43,6 +45,16 @@ void drawTakeBack(QPainter& p)
     p.drawLine(QPointF(3.4, 7.5), QPointF(7.2, 6.2));
 }
 
+// A bean, its line open where a hand would begin.
+void drawFreeHand(QPainter& p)
+{
+    QPainterPath path(QPointF(6.5, 3.5));
+    path.cubicTo(QPointF(11.0, 1.5), QPointF(15.0, 4.5), QPointF(13.5, 8.5));
+    path.cubicTo(QPointF(12.0, 12.0), QPointF(9.5, 9.0), QPointF(8.0, 11.5));
+    path.cubicTo(QPointF(6.0, 15.0), QPointF(1.5, 12.5), QPointF(2.5, 8.5));
+    p.drawPath(path);
+}
+
 void drawIcon(QPainter& p, ViewIcon kind)
 {
     switch (kind) {
@@ -78,6 +90,12 @@ void drawIcon(QPainter& p, ViewIcon kind)
     case ViewIcon::Clear:
         p.drawLine(QPointF(4.0, 4.0), QPointF(12.0, 12.0));
         p.drawLine(QPointF(12.0, 4.0), QPointF(4.0, 12.0));
+        break;
+    case ViewIcon::Polygon:
+        p.drawPolygon(QPolygonF({{3.0, 6.0}, {9.0, 2.5}, {13.5, 7.0}, {11.0, 13.0}, {4.5, 13.0}}));
+        break;
+    case ViewIcon::FreeHand:
+        drawFreeHand(p);
         break;
     }
 }

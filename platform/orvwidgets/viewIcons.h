@@ -17,7 +17,9 @@ enum class ViewIcon
     Ellipse,
     Whole,
     TakeBack,
-    Clear
+    Clear,
+    Polygon,
+    FreeHand
 };
 
 // An icon of the views' menus, drawn in that colour, so that it is seen on any palette.

@@ -74,23 +74,40 @@ void paintOutline(QPainter& painter, const QPolygonF& outline)
     paintLines(painter, [&] { painter.drawPolygon(outline); });
 }
 
-void paintCrop(QPainter& painter, const QRectF& crop, bool bEllipse)
+void paintLine(QPainter& painter, const QPolygonF& line)
 {
-    paintOutline(painter, crop, bEllipse);
+    paintLines(painter, [&] { painter.drawPolyline(line); });
+}
+
+void paintHandles(QPainter& painter, const QPolygonF& points)
+{
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(Qt::black, 1.0));
+    painter.setBrush(Qt::white);
+    for (const QPointF& point : points) {
+        painter.drawRect(CropGeometry::handle(point));
+    }
+    painter.restore();
+}
+
+void paintFrame(QPainter& painter, const QRectF& frame)
+{
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setBrush(Qt::NoBrush);
-    if (bEllipse) {
-        // The frame that the handles belong to.
-        painter.setPen(QPen(QColor(255, 255, 255, 110), 1.0));
-        painter.drawRect(crop);
-    }
-    painter.setPen(QPen(Qt::black, 1.0));
-    painter.setBrush(Qt::white);
-    for (const QPointF& corner : {crop.topLeft(), crop.topRight(), crop.bottomLeft(), crop.bottomRight()}) {
-        painter.drawRect(CropGeometry::handle(corner));
-    }
+    painter.setPen(QPen(QColor(255, 255, 255, 110), 1.0));
+    painter.drawRect(frame);
     painter.restore();
+}
+
+void paintCrop(QPainter& painter, const QRectF& crop, bool bEllipse)
+{
+    paintOutline(painter, crop, bEllipse);
+    if (bEllipse) {
+        paintFrame(painter, crop); // that the handles belong to
+    }
+    paintHandles(painter, QPolygonF({crop.topLeft(), crop.topRight(), crop.bottomLeft(), crop.bottomRight()}));
 }
 
 void paintPixelLegend(QPainter& painter, const QRectF& shown, const QSize& picture, double width,

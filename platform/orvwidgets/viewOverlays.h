@@ -20,6 +20,15 @@ void paintOutline(QPainter& painter, const QRectF& shape, bool bEllipse);
 // The same for an outline, which closes by itself.
 void paintOutline(QPainter& painter, const QPolygonF& outline);
 
+// The same for a line that stays open.
+void paintLine(QPainter& painter, const QPolygonF& line);
+
+// A handle at each of the points.
+void paintHandles(QPainter& painter, const QPolygonF& points);
+
+// The faint frame around a shape that is not its own frame.
+void paintFrame(QPainter& painter, const QRectF& frame);
+
 // A rectangle or an ellipse with a handle at each corner.
 void paintCrop(QPainter& painter, const QRectF& crop, bool bEllipse);
 

@@ -3,6 +3,7 @@
 
 #include "engine/CORVSpumKyvo.h"
 #include "services/analysis/MaskFile.h"
+#include "services/analysis/analysedRegion.h"
 #include "services/basis/Failure.h"
 #include "services/basis/ImageExtent.h"
 #include "windows/drawnMask.h"
@@ -10,6 +11,7 @@
 #include "windows/photoMask.h"
 
 #include <new>
+#include <vector>
 
 namespace {
 
@@ -63,6 +65,23 @@ CILImage drawnMask(const MaskRequest& option, const CORVSpumKyvo& engine)
     return mask;
 }
 
+CILImage regionMask(const QString& strRegion, const CORVSpumKyvo& engine)
+{
+    const QString option = QStringLiteral("--mask");
+    const std::vector<int> pixels = pixelsOfRegion(option, analysedRegion(option, strRegion, engine), engine);
+    CILImage mask;
+    if (mask.InitWithType(ORVTYPE_FLOAT, engine.m_nWidth, engine.m_nHeight) != EIL_SUCCESS) {
+        throw std::bad_alloc();
+    }
+    mask.setConstData(0.0);
+    for (const int pixel : pixels) {
+        mask.floats()[pixel] = 1.0F;
+    }
+    mask.m_fBinning = static_cast<float>(engine.m_nBinning);
+    mask.RefreshImageStats();
+    return mask;
+}
+
 } // namespace
 
 CILImage maskImageOf(const MaskRequest& option, const CORVSpumKyvo& engine)
@@ -75,6 +94,8 @@ CILImage maskImageOf(const MaskRequest& option, const CORVSpumKyvo& engine)
     case MaskRequest::Kind::Rectangle:
     case MaskRequest::Kind::Ellipse:
         return drawnMask(option, engine);
+    case MaskRequest::Kind::Region:
+        return regionMask(option.region, engine);
     case MaskRequest::Kind::None:
         break;
     }

@@ -12,11 +12,13 @@ struct MaskRequest
         Photograph,
         File,
         Rectangle,
-        Ellipse
+        Ellipse,
+        Region
     };
     Kind kind = Kind::None;
     bool asked = false; // by the user; else the kind is the default
     QString file;
+    QString region; // as analysedRegion() takes it
     // Of a rectangle and of the rectangle around an ellipse, in pixels of the analysis: x from the left, y from the
     // top.
     int x = 0;

@@ -39,6 +39,9 @@ void addMask(const MaskRequest& mask, const CORVSpumKyvo& engine, QJsonObject& o
     case MaskRequest::Kind::Ellipse:
         text = shape.arg(QStringLiteral("ellipse")).arg(mask.x).arg(mask.y).arg(mask.width).arg(mask.height);
         break;
+    case MaskRequest::Kind::Region:
+        text = mask.region;
+        break;
     case MaskRequest::Kind::None:
         break;
     }

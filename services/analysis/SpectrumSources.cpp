@@ -5,6 +5,7 @@
 #include "engine/EngineEnums.h"
 #include "host/CORVDatabase.h"
 #include "host/CORVSequenceDataset.h"
+#include "services/analysis/analysedRegion.h"
 #include "services/basis/Failure.h"
 #include "services/basis/ImageExtent.h"
 #include "services/basis/ProbeNames.h"
@@ -86,29 +87,37 @@ void normalise(XTNT::Vector<double>& values, const QString& strName)
     }
 }
 
+// "X,Y,W,H" in whole pixels of the analysis, or what analysedRegion() takes.
 struct Region
 {
     QString name;
-    int x = 0;
-    int y = 0;
-    int width = 0;
-    int height = 0;
+    QString shape;
+    bool isRectangle = false; // of whole pixels
 };
+
+bool isWholeRectangle(const QString& strShape)
+{
+    const QStringList numbers = strShape.split(QLatin1Char(','));
+    bool whole = numbers.size() == 4;
+    for (int i = 0; whole && i < 4; ++i) {
+        const int number = numbers.at(i).toInt(&whole);
+        whole = whole && (i < 2 || number > 0);
+    }
+    return whole;
+}
 
 Region parseRegion(const QString& strText)
 {
     const int equals = strText.indexOf(QLatin1Char('='));
-    const QStringList numbers = strText.mid(equals + 1).split(QLatin1Char(','));
-    Region region;
-    bool ok[4] = {false, false, false, false};
-    if (equals > 0 && numbers.size() == 4) {
-        region.name = strText.left(equals).trimmed();
-        region.x = numbers[0].toInt(&ok[0]);
-        region.y = numbers[1].toInt(&ok[1]);
-        region.width = numbers[2].toInt(&ok[2]);
-        region.height = numbers[3].toInt(&ok[3]);
-    }
-    if (!ok[0] || !ok[1] || !ok[2] || !ok[3] || region.name.isEmpty() || region.width < 1 || region.height < 1) {
+    const Region region{strText.left(equals).trimmed(), strText.mid(equals + 1).trimmed(),
+                        isWholeRectangle(strText.mid(equals + 1))};
+    const bool named = equals > 0 && !region.name.isEmpty();
+    if (named && region.shape.contains(QLatin1Char(':'))) {
+        const QString reason = reasonAgainstRegionText(region.shape);
+        if (!reason.isEmpty()) {
+            throw Failure(QStringLiteral("--region: \"%1\": %2").arg(strText, reason), Failure::Kind::BadRequest);
+        }
+    } else if (!named || !region.isRectangle) {
         throw Failure(QStringLiteral("--region: \"%1\" is not of the form NAME=X,Y,W,H").arg(strText),
                       Failure::Kind::BadRequest);
     }
@@ -117,17 +126,25 @@ Region parseRegion(const QString& strText)
 
 std::vector<int> pixelsOf(const Region& region, const CORVSpumKyvo& engine)
 {
+    if (!region.isRectangle) {
+        const QString option = QStringLiteral("--region %1").arg(region.name);
+        return pixelsOfRegion(option, analysedRegion(option, region.shape, engine), engine);
+    }
+    const QStringList numbers = region.shape.split(QLatin1Char(','));
+    const int left = numbers[0].toInt();
+    const int top = numbers[1].toInt();
+    const int width = numbers[2].toInt();
+    const int height = numbers[3].toInt();
     const QSize extent = analysedExtent(engine);
-    if (region.x < 0 || region.y < 0 || region.x > extent.width() - region.width ||
-        region.y > extent.height() - region.height) {
+    if (left < 0 || top < 0 || left > extent.width() - width || top > extent.height() - height) {
         throw Failure(QStringLiteral("the region \"%1\" leaves the image of %2 x %3 pixels")
                           .arg(region.name)
                           .arg(extent.width())
                           .arg(extent.height()));
     }
     std::vector<int> pixels;
-    for (int y = region.y; y < region.y + region.height; ++y) {
-        for (int x = region.x; x < region.x + region.width; ++x) {
+    for (int y = top; y < top + height; ++y) {
+        for (int x = left; x < left + width; ++x) {
             pixels.push_back(y * engine.m_nWidth + x);
         }
     }

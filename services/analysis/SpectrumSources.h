@@ -35,8 +35,8 @@ public:
     // emission curve at `second`, maximum 1, without the influence of tissue. A source without an excitation curve
     // serves where all images have one excitation.
     void fromDatabase(const QString& strNames, const QString& strSequence);
-    // Rectangles "NAME=X,Y,W,H" in pixels of the analysis: the mean over their pixels in each image, maximum 1. All
-    // that are measured for one list are in one unit.
+    // Rectangles "NAME=X,Y,W,H" in pixels of the analysis, or "NAME=" and what analysedRegion() takes: the mean over
+    // their pixels in each image, maximum 1. All that are measured for one list are in one unit.
     void fromRegions(const QStringList& regions, const QString& strSequence);
 
     // Owned by this object.

@@ -154,10 +154,13 @@ void DatasetView::mouseMoveEvent(QMouseEvent* pEvent)
     }
     if (m_regions.isDragging()) {
         if ((pEvent->buttons() & Qt::LeftButton) == 0) {
-            m_regions.giveUp();
+            m_regions.cancelDrag();
         } else {
             m_regions.dragTo(pEvent->localPos(), pictureRect());
         }
+        update();
+    } else if (m_regions.isDrawing()) {
+        m_regions.hover(pEvent->localPos(), pictureRect());
         update();
     }
     CORVQImageView::mouseMoveEvent(pEvent);
@@ -176,9 +179,13 @@ void DatasetView::showCursorAt(const QPointF& point)
     }
 }
 
-// While a tool is chosen two short drags in one place draw.
+// While a tool is chosen two short drags in one place draw. The first click of two has set the last corner already.
 void DatasetView::mouseDoubleClickEvent(QMouseEvent* pEvent)
 {
+    if (pEvent->button() == Qt::LeftButton && m_regions.isDrawing()) {
+        closePolygon();
+        return;
+    }
     if (pEvent->button() == Qt::LeftButton &&
         (m_regions.tool() != RegionEditor::Tool::None || m_regions.chosen() >= 0)) {
         mousePressEvent(pEvent);
@@ -194,8 +201,48 @@ void DatasetView::keyPressEvent(QKeyEvent* pEvent)
     }
 }
 
+void DatasetView::closePolygon()
+{
+    QString reason;
+    const std::optional<tagROIInfo> region = m_regions.close(&reason);
+    tell(-1, region, reason);
+    update();
+}
+
+void DatasetView::tell(int nRegion, const std::optional<tagROIInfo>& region, const QString& strReason)
+{
+    if (region) {
+        Q_EMIT regionEdited(nRegion, *region);
+    } else if (!strReason.isEmpty()) {
+        Q_EMIT drawingRefused(strReason);
+    }
+}
+
+bool DatasetView::polygonKey(const QKeyEvent& event)
+{
+    switch (event.key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        closePolygon();
+        return true;
+    case Qt::Key_Backspace:
+        m_regions.takeBackCorner();
+        break;
+    case Qt::Key_Escape:
+        m_regions.giveUp();
+        break;
+    default:
+        return false;
+    }
+    update();
+    return true;
+}
+
 bool DatasetView::regionKey(const QKeyEvent& event)
 {
+    if (m_regions.isDrawing()) {
+        return polygonKey(event);
+    }
     const int chosen = m_regions.chosen();
     if (event.key() == Qt::Key_Escape && (m_regions.isDragging() || chosen >= 0)) {
         if (m_regions.isDragging()) {
@@ -234,10 +281,9 @@ void DatasetView::mouseReleaseEvent(QMouseEvent* pEvent)
 {
     if (pEvent->button() == Qt::LeftButton && m_regions.isDragging()) {
         m_regions.dragTo(pEvent->localPos(), pictureRect());
-        const std::optional<tagROIInfo> region = m_regions.release(pictureRect());
-        if (region) {
-            Q_EMIT regionEdited(m_regions.isNew() ? -1 : m_regions.chosen(), *region);
-        }
+        QString reason;
+        const std::optional<tagROIInfo> region = m_regions.release(pictureRect(), &reason);
+        tell(m_regions.isNew() ? -1 : m_regions.chosen(), region, reason);
         update();
     }
     if (pEvent->button() == Qt::LeftButton && m_bDragged) {

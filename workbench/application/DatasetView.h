@@ -11,7 +11,8 @@
 
 // The view of an image window: dragging moves the picture or draws and moves regions of interest, pixels stay squares
 // when they are enlarged. The arrow keys move the chosen region by a pixel, with Shift by ten, Del asks for its
-// removal, and Esc ends a drag or the choice. It is measured in pixels of the image, whatever size the picture has that
+// removal, and Esc ends a drag or the choice. A polygon is closed by a double click or Return, Backspace takes its last
+// corner back, and Esc gives it up. It is measured in pixels of the image, whatever size the picture has that
 // is shown of it. Instead of a picture a message can stand.
 class DatasetView : public CORVQImageView
 {
@@ -39,6 +40,8 @@ Q_SIGNALS:
     void regionEdited(int nRegion, const tagROIInfo& region);
     void regionChosen(int nRegion); // -1: none
     void regionRemovalWanted(int nRegion);
+    // What was drawn is no region.
+    void drawingRefused(const QString& strReason);
 
 protected:
     QSizeF contentSize() const override;
@@ -53,6 +56,10 @@ protected:
 
 private:
     bool regionKey(const QKeyEvent& event);
+    bool polygonKey(const QKeyEvent& event);
+    void closePolygon();
+    // Hands out what became of a region (-1: a new one).
+    void tell(int nRegion, const std::optional<tagROIInfo>& region, const QString& strReason);
     void showCursorAt(const QPointF& point);
 
     RegionEditor m_regions;

@@ -386,6 +386,8 @@ void DatasetWindow::connectRegions()
     connect(m_pView, &DatasetView::regionEdited, m_pRegions, &RegionPanel::take);
     connect(m_pView, &DatasetView::regionChosen, m_pRegions, &RegionPanel::choose);
     connect(m_pView, &DatasetView::regionRemovalWanted, m_pRegions, &RegionPanel::remove);
+    connect(m_pView, &DatasetView::drawingRefused, this,
+            [this](const QString& strReason) { Q_EMIT readOut(tr("No region: %1").arg(strReason)); });
     connect(m_pRegions, &RegionPanel::toolChosen, this, [this](RegionEditor::Tool tool) {
         m_pView->regions().setTool(tool);
         m_pView->update();

@@ -37,6 +37,10 @@ RegionPanel::RegionPanel(CORVDataset* pDataset, QWidget* pParent)
     : QWidget(pParent), m_pDataset(pDataset),
       m_pRectangleButton(addButton("m_pDrawRectangleButton", tr("Draw rectangles: drag in the image"))),
       m_pEllipseButton(addButton("m_pDrawEllipseButton", tr("Draw ellipses: drag in the image"))),
+      m_pPolygonButton(addButton("m_pDrawPolygonButton",
+                                 tr("Draw polygons: click at each corner; a double click, Return or a click on the "
+                                    "first corner closes, Backspace takes a corner back, Esc gives up"))),
+      m_pFreeHandButton(addButton("m_pDrawFreeHandButton", tr("Draw by hand: drag along the outline"))),
       m_pRemoveButton(addButton("m_pRemoveRegionButton", tr("Remove the chosen region (Del)"))),
       m_pCopyButton(addButton("m_pCopyNumbersButton", tr("Copy the numbers of all regions, for a spreadsheet"))),
       m_pSaveButton(addButton("m_pSaveRegionsButton", tr("Save the regions with the image"))),
@@ -46,7 +50,8 @@ RegionPanel::RegionPanel(CORVDataset* pDataset, QWidget* pParent)
     makeTable();
     auto* pRow = new QHBoxLayout;
     pRow->addWidget(new QLabel(tr("Regions:"), this));
-    for (QToolButton* pButton : {m_pRectangleButton, m_pEllipseButton, m_pRemoveButton, m_pCopyButton, m_pSaveButton}) {
+    for (QToolButton* pButton : {m_pRectangleButton, m_pEllipseButton, m_pPolygonButton, m_pFreeHandButton,
+                                 m_pRemoveButton, m_pCopyButton, m_pSaveButton}) {
         pRow->addWidget(pButton);
     }
     pRow->addStretch(1);
@@ -54,8 +59,9 @@ RegionPanel::RegionPanel(CORVDataset* pDataset, QWidget* pParent)
     pColumn->setContentsMargins(0, 0, 0, 0);
     pColumn->addLayout(pRow);
     pColumn->addWidget(m_pTable);
-    for (QToolButton* pButton : {m_pRectangleButton, m_pEllipseButton}) {
-        pButton->setCheckable(true);
+    for (const auto& tool : tools()) {
+        const QToolButton* pButton = tool.first;
+        tool.first->setCheckable(true);
         connect(pButton, &QToolButton::clicked, this, [this, pButton] { chooseTool(pButton); });
     }
     connect(m_pRemoveButton, &QToolButton::clicked, this, [this] { remove(m_pTable->currentRow()); });
@@ -65,6 +71,14 @@ RegionPanel::RegionPanel(CORVDataset* pDataset, QWidget* pParent)
     m_pSaveButton->setVisible(pDataset->belongsToSequence());
     drawIcons();
     fill();
+}
+
+QList<QPair<QToolButton*, RegionEditor::Tool>> RegionPanel::tools() const
+{
+    return {{m_pRectangleButton, RegionEditor::Tool::Rectangle},
+            {m_pEllipseButton, RegionEditor::Tool::Ellipse},
+            {m_pPolygonButton, RegionEditor::Tool::Polygon},
+            {m_pFreeHandButton, RegionEditor::Tool::FreeHand}};
 }
 
 QToolButton* RegionPanel::addButton(const char* pName, const QString& strText)
@@ -106,6 +120,8 @@ void RegionPanel::drawIcons()
     const QColor ink = palette().color(QPalette::Active, QPalette::ButtonText);
     const QList<QPair<QToolButton*, ViewIcon>> icons{{m_pRectangleButton, ViewIcon::Rectangle},
                                                      {m_pEllipseButton, ViewIcon::Ellipse},
+                                                     {m_pPolygonButton, ViewIcon::Polygon},
+                                                     {m_pFreeHandButton, ViewIcon::FreeHand},
                                                      {m_pRemoveButton, ViewIcon::Clear},
                                                      {m_pCopyButton, ViewIcon::Copy},
                                                      {m_pSaveButton, ViewIcon::Save}};
@@ -141,14 +157,15 @@ bool RegionPanel::eventFilter(QObject* pWatched, QEvent* pEvent)
 // One of them or none.
 void RegionPanel::chooseTool(const QToolButton* pChosen)
 {
-    for (QToolButton* pButton : {m_pRectangleButton, m_pEllipseButton}) {
+    RegionEditor::Tool chosen = RegionEditor::Tool::None;
+    for (const auto& [pButton, eTool] : tools()) {
         if (pButton != pChosen) {
             pButton->setChecked(false);
+        } else if (pButton->isChecked()) {
+            chosen = eTool;
         }
     }
-    Q_EMIT toolChosen(m_pRectangleButton->isChecked() ? RegionEditor::Tool::Rectangle
-                      : m_pEllipseButton->isChecked() ? RegionEditor::Tool::Ellipse
-                                                      : RegionEditor::Tool::None);
+    Q_EMIT toolChosen(chosen);
 }
 
 const QList<tagROIInfo>& RegionPanel::regions() const
@@ -272,6 +289,8 @@ void RegionPanel::rename(const QTableWidgetItem* pItem)
         return;
     }
     changed();
+    // The view knows what is chosen by its name.
+    choose(row);
 }
 
 void RegionPanel::copyNumbers() const

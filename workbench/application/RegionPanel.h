@@ -6,6 +6,7 @@
 #include "workbench/application/RegionEditor.h"
 
 #include <QList>
+#include <QPair>
 #include <QWidget>
 
 class CORVDataset;
@@ -42,6 +43,8 @@ protected:
     bool eventFilter(QObject* pWatched, QEvent* pEvent) override;
 
 private:
+    // Those that draw, each with what it draws.
+    QList<QPair<QToolButton*, RegionEditor::Tool>> tools() const;
     QToolButton* addButton(const char* pName, const QString& strText);
     void makeTable();
     void drawIcons();
@@ -59,6 +62,8 @@ private:
     tag_edisplayunit m_eUnit = DISPLAYUNIT_COUNTS;
     QToolButton* m_pRectangleButton;
     QToolButton* m_pEllipseButton;
+    QToolButton* m_pPolygonButton;
+    QToolButton* m_pFreeHandButton;
     QToolButton* m_pRemoveButton;
     QToolButton* m_pCopyButton;
     QToolButton* m_pSaveButton;

@@ -173,7 +173,10 @@ void LibraryEditing::declareOptions(CommandParser& parser)
                        "images of --sequence."),
         "NAMES");
     addValueOption(parser, "region",
-                   QStringLiteral("save, append: mean over a rectangle of the images of --sequence; may be repeated."),
+                   QStringLiteral("save, append: mean over a rectangle of the images of --sequence, in pixels of the "
+                                  "analysis, or over another shape (NAME=ellipse:X,Y,W,H, "
+                                  "NAME=polygon:X1,Y1,X2,Y2,...) or a region of interest (NAME=roi:REGION); may be "
+                                  "repeated."),
                    "NAME=X,Y,W,H");
     addValueOption(parser, "select",
                    QStringLiteral("save, import, append, template: images of the sequences, as in \"spum unmix\"."),

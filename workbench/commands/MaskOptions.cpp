@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "workbench/commands/MaskOptions.h"
 
+#include "services/analysis/analysedRegion.h"
 #include "services/basis/Failure.h"
 #include "workbench/commands/CommandParser.h"
 
@@ -31,6 +32,12 @@ MaskRequest shapeOf(MaskRequest::Kind eKind, const QString& strText)
     return option;
 }
 
+bool isRegionText(const QString& strText)
+{
+    return strText.startsWith(QLatin1String("roi:")) || strText.startsWith(QLatin1String("polygon:")) ||
+           strText.startsWith(QLatin1String("freehand:"));
+}
+
 // Of the option's text; what is none of the others is a file.
 MaskRequest::Kind kindOf(const QString& strText)
 {
@@ -38,19 +45,28 @@ MaskRequest::Kind kindOf(const QString& strText)
            : strText == QLatin1String("auto")              ? MaskRequest::Kind::Photograph
            : strText.startsWith(QLatin1String("rect:"))    ? MaskRequest::Kind::Rectangle
            : strText.startsWith(QLatin1String("ellipse:")) ? MaskRequest::Kind::Ellipse
+           : isRegionText(strText)                         ? MaskRequest::Kind::Region
                                                            : MaskRequest::Kind::File;
 }
 
 MaskRequest parseMask(const QString& strText)
 {
     if (strText.isEmpty()) {
-        throw Failure(QStringLiteral("--mask takes auto, none, rect:X,Y,W,H, ellipse:X,Y,W,H or a file"),
+        throw Failure(QStringLiteral("--mask takes auto, none, rect:X,Y,W,H, ellipse:X,Y,W,H, "
+                                     "polygon:X1,Y1,X2,Y2,..., roi:REGION or a file"),
                       Failure::Kind::BadRequest);
     }
     MaskRequest option;
     option.kind = kindOf(strText);
     if (option.kind == MaskRequest::Kind::Rectangle || option.kind == MaskRequest::Kind::Ellipse) {
         return shapeOf(option.kind, strText);
+    }
+    if (option.kind == MaskRequest::Kind::Region) {
+        const QString reason = reasonAgainstRegionText(strText);
+        if (!reason.isEmpty()) {
+            throw Failure(QStringLiteral("--mask: \"%1\": %2").arg(strText, reason), Failure::Kind::BadRequest);
+        }
+        option.region = strText;
     }
     if (option.kind == MaskRequest::Kind::File) {
         option.file = strText;
@@ -78,8 +94,9 @@ void declareMaskOptions(CommandParser& parser, const QString& strDefaults)
     parser.addOption(
         {maskName,
          QStringLiteral("Pixels to analyse. auto: where the photograph is bright; none: all; "
-                        "rect:X,Y,W,H or ellipse:X,Y,W,H: pixels of the analysis, from the left and from "
-                        "the top; or a TIFF or PNG image, pixels above 0, such as the mask.png of a result. %1")
+                        "rect:X,Y,W,H, ellipse:X,Y,W,H or polygon:X1,Y1,X2,Y2,...: pixels of the analysis, from "
+                        "the left and from the top; roi:NAME: a region of interest of the sequence (\"spum roi\"); "
+                        "or a TIFF or PNG image, pixels above 0, such as the mask.png of a result. %1")
              .arg(strDefaults),
          QStringLiteral("MASK")});
     parser.addOption({thresholdName,

@@ -5,6 +5,10 @@
 #include "services/support/SmallSequence.h"
 
 #include "engine/CORVSpumKyvo.h"
+#include "host/CORVDataset.h"
+#include "host/CORVSequenceDataset.h"
+#include "host/CROIManager.h"
+#include "platform/orvapi/ROIShape.h"
 
 namespace {
 
@@ -51,6 +55,22 @@ protected:
         option.width = w;
         option.height = h;
         return option;
+    }
+    static MaskRequest region(const QString& strRegion)
+    {
+        MaskRequest option;
+        option.kind = MaskRequest::Kind::Region;
+        option.region = strRegion;
+        return option;
+    }
+    void keep(int nImage, const QString& strName, const QString& strShape)
+    {
+        tagROIInfo info;
+        info.name = strName;
+        QString reason;
+        ASSERT_TRUE(ROIShape::fromText(strShape, &info, &reason)) << qPrintable(reason);
+        auto& manager = *m_pOpened->sequence().getDatasets().at(nImage)->roiManager();
+        ASSERT_TRUE(manager.addRegion(info, &reason)) << qPrintable(reason);
     }
     // A photograph with a bright square of that side, 12 pixels by default.
     void photograph(float fBright, int nSquare = 12)
@@ -127,6 +147,56 @@ TEST_F(MaskImageTest, AShapeThatLeavesTheImageIsRefused)
                         maskImageOf(option, engine());
                     }).contains("leaves the images of 24 x 24 pixels at binning 2"));
     }
+}
+
+// In its corners a step: a row of five pixels above one of two, by centres.
+TEST_F(MaskImageTest, APolygonHoldsThePixelsWhoseCentresLieInIt)
+{
+    const QStringList rows = picture(region("polygon:3,1,8,1,8,2,5,2,5,3,3,3"));
+    for (int y = 0; y < side; ++y) {
+        const QString text = y == 1 ? "...#####" : y == 2 ? "...##" : "";
+        EXPECT_EQ(rows[y], text + QString(side - text.size(), '.')) << y;
+    }
+}
+
+TEST_F(MaskImageTest, AnOutlineMayCrossItselfAndHoldOnePixel)
+{
+    EXPECT_EQ(picture(region("polygon:4,4,14,14,14,4,4,14")).join("").count('#'), 50);
+    EXPECT_EQ(picture(region("freehand:4,4,5,4,5,5,4,5")).join("").count('#'), 1);
+}
+
+TEST_F(MaskImageTest, AnOutlineThatLeavesTheImageOrHoldsNoPixelIsRefused)
+{
+    EXPECT_EQ(failureOf([&] { maskImageOf(region("polygon:0,0,25,0,0,5"), engine()); }),
+              "--mask: the shape polygon:0,0,25,0,0,5 leaves the images of 24 x 24 pixels at binning 2");
+    EXPECT_EQ(failureOf([&] { maskImageOf(region("polygon:4,4,4.3,4,4,4.3"), engine()); }),
+              "--mask: the region holds no pixel of the images of 24 x 24 pixels at binning 2");
+}
+
+// Kept in pixels of the sensor, of which two make a pixel of the analysis.
+TEST_F(MaskImageTest, ARegionOfTheSequenceServesAtWhateverBinning)
+{
+    keep(1, "tumour", "polygon:6,2,16,2,16,4,10,4,10,6,6,6");
+    const QStringList rows = picture(region("roi:tumour"));
+    EXPECT_EQ(rows[1].left(9), "...#####.");
+    EXPECT_EQ(rows[2].left(6), "...##.");
+    EXPECT_EQ(rows.join("").count('#'), 7);
+    keep(0, "at the edge", "ellipse:-8,-8,16,16");
+    EXPECT_EQ(picture(region("roi:at the edge"))[0].left(5), "####.") << "what lies on the images";
+}
+
+TEST_F(MaskImageTest, ARegionThatIsNotThereOrNotOneIsRefused)
+{
+    EXPECT_EQ(failureOf([&] { maskImageOf(region("roi:tumour"), engine()); }),
+              "--mask: no image has a region of interest \"tumour\"; \"spum roi SEQ add\" and the windows of images "
+              "make some");
+    keep(0, "lung", "rect:0,0,4,4");
+    EXPECT_EQ(failureOf([&] { maskImageOf(region("roi:tumour"), engine()); }),
+              "--mask: no image has a region of interest \"tumour\"; the regions are: \"lung\"");
+    keep(1, "lung", "rect:0,0,4,6");
+    EXPECT_EQ(failureOf([&] { maskImageOf(region("roi:lung"), engine()); }),
+              "--mask: images have different regions of interest \"lung\"; \"spum roi SEQ list\" tells them; give one "
+              "of them another name");
 }
 
 TEST_F(MaskImageTest, TheBodyIsFoundInThePhotograph)

@@ -194,6 +194,38 @@ TEST_F(SpectrumSourcesTest, ARegionBeyondTheImageIsRefused)
     }
 }
 
+// The second image is twice the first, pixel by pixel, so a mean that is taken of other pixels in each would show.
+TEST_F(SpectrumSourcesTest, ARegionMayBeAnOutline)
+{
+    SmallSequence sequence;
+    sequence.addBands({[](int i) { return i == 5 || i == 6 || i == 9 ? 4.0F : 100.0F; },
+                       [](int i) { return i == 5             ? 6.0F
+                                          : i == 6 || i == 9 ? 9.0F
+                                                             : 1000.0F; }});
+    sequence.writeTo(path("seq"));
+    for (const char* text : {"A=polygon:1,1,3,1,3,2,2,2,2,3,1,3", "A = freehand:1,1,3,1,3,2,2,2,2,3,1,3"}) {
+        SpectrumSources made;
+        made.fromRegions({text}, path("seq"));
+        EXPECT_EQ(made.spectra()[0]->settings.name, "A");
+        expectValues(*made.spectra()[0], {0.5, 1.0});
+    }
+}
+
+TEST_F(SpectrumSourcesTest, OutlinesThatAreNoneOrLeaveTheImageAreRefused)
+{
+    const QString sequence = sequenceOf({{640, 700}, {640, 720}});
+    EXPECT_EQ(regionRefusal("A=polygon:0,0,4,4", sequence),
+              "[2] --region: \"A=polygon:0,0,4,4\": an outline takes three points at least");
+    EXPECT_TRUE(
+        regionRefusal("A=star:0,0,4,4", sequence).startsWith("[2] --region: \"A=star:0,0,4,4\": a shape begins"));
+    EXPECT_EQ(regionRefusal("A=roi:", sequence), "[2] --region: \"A=roi:\": the region's name is missing");
+    EXPECT_EQ(regionRefusal("A=polygon:0,0,5,0,0,4", sequence),
+              "--region A: the shape polygon:0,0,5,0,0,4 leaves the images of 4 x 4 pixels at binning 1");
+    EXPECT_EQ(regionRefusal("A=polygon:0,0,0.4,0,0,0.4", sequence),
+              "--region A: the region holds no pixel of the images of 4 x 4 pixels at binning 1");
+    EXPECT_TRUE(regionRefusal("A=roi:lung", sequence).startsWith("--region A: no image has a region of interest"));
+}
+
 TEST_F(SpectrumSourcesTest, ARegionWithoutLightIsRefused)
 {
     EXPECT_EQ(regionRefusal("dark=0,0,1,1", sequenceOf({{640, 700}, {640, 720}})),

@@ -11,6 +11,7 @@
 #include "host/CORVDataset.h"
 #include "host/CORVSequenceDataset.h"
 #include "host/CROIManager.h"
+#include "platform/orvapi/ROIShape.h"
 #include "workbench/application/DatasetImage.h"
 #include "workbench/application/DatasetView.h"
 
@@ -18,6 +19,8 @@
 #include <QTableWidget>
 #include <QTemporaryDir>
 #include <QToolButton>
+
+#include <cmath>
 
 namespace {
 
@@ -61,6 +64,39 @@ protected:
         button("m_pDrawEllipseButton").click();
     }
 
+    QPointF place(double x, double y) { return view().toView(QPointF(x, y)); }
+    void click(double x, double y)
+    {
+        pointer::move(view(), place(x, y));
+        pointer::press(view(), place(x, y));
+        pointer::release(view(), place(x, y));
+    }
+    void doubleClick(double x, double y)
+    {
+        click(x, y);
+        pointer::send(view(), QEvent::MouseButtonDblClick, place(x, y), Qt::LeftButton, Qt::LeftButton);
+        pointer::release(view(), place(x, y));
+    }
+    // Two of each kind that is no box: an L and a bean.
+    void drawOutlines()
+    {
+        button("m_pDrawPolygonButton").click();
+        for (const QPointF& corner : {QPointF(4, 4), QPointF(12, 4), QPointF(12, 8), QPointF(8, 8), QPointF(8, 14)}) {
+            click(corner.x(), corner.y());
+        }
+        doubleClick(4, 14);
+        button("m_pDrawFreeHandButton").click();
+        pointer::press(view(), place(24, 18));
+        for (int degrees = 0; degrees <= 350; degrees += 5) {
+            const double turn = degrees * 3.14159265358979 / 180.0;
+            const double radius = 5.0 + 1.5 * std::cos(2.0 * turn);
+            pointer::move(view(), place(19.0 + radius * std::cos(turn), 18.0 + radius * std::sin(turn)),
+                          Qt::LeftButton);
+        }
+        pointer::release(view(), place(24, 17.5));
+        button("m_pDrawFreeHandButton").click();
+    }
+
     QTemporaryDir m_folder;
     QString m_strFolder;
     ScriptedResponder m_script;
@@ -97,6 +133,123 @@ TEST_F(DatasetRegionsTest, RectanglesAndEllipsesAreDrawnAndMeasured)
     EXPECT_TRUE(m_pWindow->isWindowModified());
     view().setFocus();
     look::keep(*m_pWindow, "dataset_regions");
+}
+
+TEST_F(DatasetRegionsTest, PolygonsAndLinesByHandAreDrawnAndMeasured)
+{
+    drawOutlines();
+    ASSERT_EQ(regions().size(), 2);
+    const double b = dataset().getBinningForImage(IMAGETYPE_MAIN_DATA);
+    const tagROIInfo& polygon = regions().at(0);
+    EXPECT_EQ(polygon.name, "ROI 1");
+    EXPECT_EQ(polygon.shape, ROISHAPE_POLYGON);
+    ASSERT_EQ(polygon.points.size(), 6) << "the double click sets the last corner once";
+    EXPECT_EQ(polygon.points.at(3).x, 8 * b);
+    EXPECT_EQ(polygon.points.at(3).y, 8 * b);
+    double sum = 0.0;
+    for (int row = 4; row < 14; ++row) {
+        for (int column = 4; column < (row < 8 ? 12 : 8); ++column) {
+            sum += m_pWindow->image().valueAt({column, row}).value_or(0.0);
+        }
+    }
+    EXPECT_EQ(polygon.statistics.pixels, 56);
+    EXPECT_NEAR(polygon.statistics.mean, sum / 56.0, 1e-6 * sum / 56.0);
+    EXPECT_EQ(regions().at(1).shape, ROISHAPE_FREEHAND);
+    // A bean of that radius has an area of pi (25 + 1.125) pixels.
+    EXPECT_NEAR(static_cast<double>(regions().at(1).statistics.pixels), 82.0, 8.0);
+    EXPECT_EQ(table().item(0, 1)->text(), "56");
+    EXPECT_TRUE(m_pWindow->isWindowModified());
+    look::keep(*m_pWindow, "dataset_outlines");
+    table().selectRow(0);
+    look::keep(*m_pWindow, "dataset_polygon_chosen");
+}
+
+TEST_F(DatasetRegionsTest, APolygonIsClosedByReturnOrItsFirstCornerTakenBackByBackspaceAndGivenUpByEscape)
+{
+    button("m_pDrawPolygonButton").click();
+    view().setFocus();
+    click(4, 4);
+    click(12, 4);
+    QStringList told;
+    QObject::connect(m_pWindow.get(), &DatasetWindow::readOut, [&told](const QString& text) { told.append(text); });
+    QTest::keyClick(&view(), Qt::Key_Return);
+    EXPECT_TRUE(regions().isEmpty());
+    ASSERT_FALSE(told.isEmpty());
+    EXPECT_EQ(told.last(), "No region: an outline takes three points at least");
+    click(30, 30);
+    QTest::keyClick(&view(), Qt::Key_Backspace);
+    click(12, 12);
+    click(4, 12);
+    look::keep(*m_pWindow, "dataset_polygon_drawn");
+    QTest::keyClick(&view(), Qt::Key_Return);
+    ASSERT_EQ(regions().size(), 1);
+    EXPECT_EQ(regions().at(0).statistics.pixels, 64);
+    click(16, 4);
+    click(24, 4);
+    click(24, 12);
+    click(16, 4);
+    ASSERT_EQ(regions().size(), 2);
+    EXPECT_EQ(regions().at(1).points.size(), 3);
+    click(4, 20);
+    click(12, 20);
+    click(12, 28);
+    QTest::keyClick(&view(), Qt::Key_Escape);
+    QTest::keyClick(&view(), Qt::Key_Return);
+    EXPECT_EQ(regions().size(), 2);
+    EXPECT_TRUE(m_script.m_asked.isEmpty());
+}
+
+TEST_F(DatasetRegionsTest, APolygonGoesOnWhenTheViewIsZoomedInBetween)
+{
+    button("m_pDrawPolygonButton").click();
+    view().setFocus();
+    click(4, 4);
+    click(12, 4);
+    pointer::wheel(view(), place(10, 10), 240);
+    QTest::keyClick(&view(), Qt::Key_Right);
+    click(12, 12);
+    doubleClick(4, 12);
+    ASSERT_EQ(regions().size(), 1);
+    EXPECT_EQ(regions().at(0).statistics.pixels, 64);
+}
+
+TEST_F(DatasetRegionsTest, OutlinesAreMovedChangedAndRemoved)
+{
+    drawOutlines();
+    const double b = dataset().getBinningForImage(IMAGETYPE_MAIN_DATA);
+    const tagROIInfo::Point first = regions().at(1).points.at(0);
+    drag(20, 18, 22, 19);
+    EXPECT_NEAR(regions().at(1).points.at(0).x, first.x + 2 * b, 1e-9);
+    EXPECT_NEAR(regions().at(1).points.at(0).y, first.y + b, 1e-9);
+    drag(6, 6, 7, 6);
+    EXPECT_EQ(table().currentRow(), 0);
+    EXPECT_EQ(regions().at(0).points.at(0).x, 5 * b);
+    drag(5, 4, 2, 2); // its first corner
+    EXPECT_EQ(regions().at(0).points.at(0).x, 2 * b);
+    EXPECT_EQ(regions().at(0).points.at(0).y, 2 * b);
+    EXPECT_EQ(regions().at(0).points.at(1).x, 13 * b);
+    view().setFocus();
+    QTest::keyClick(&view(), Qt::Key_Down);
+    EXPECT_EQ(regions().at(0).points.at(0).y, 3 * b);
+    table().item(0, 0)->setText("liver");
+    EXPECT_EQ(regions().at(0).name, "liver");
+    QTest::keyClick(&view(), Qt::Key_Delete);
+    ASSERT_EQ(regions().size(), 1);
+    EXPECT_EQ(regions().at(0).shape, ROISHAPE_FREEHAND);
+}
+
+TEST_F(DatasetRegionsTest, OutlinesThatWereSavedAreThereWhenTheSequenceIsOpenedAgain)
+{
+    drawOutlines();
+    const QList<tagROIInfo> before = regions();
+    button("m_pSaveRegionsButton").click();
+    open();
+    ASSERT_EQ(regions().size(), 2);
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_EQ(ROIShape::toText(regions().at(i)).toStdString(), ROIShape::toText(before.at(i)).toStdString());
+        EXPECT_EQ(regions().at(i).statistics.pixels, before.at(i).statistics.pixels);
+        EXPECT_EQ(regions().at(i).statistics.mean, before.at(i).statistics.mean);
+    }
 }
 
 TEST_F(DatasetRegionsTest, NumbersFollowTheUnit)
@@ -148,6 +301,8 @@ TEST_F(DatasetRegionsTest, ANameIsTypedInTheTableAndOneThatIsTakenIsRefused)
     drawTwo();
     table().item(0, 0)->setText("left lung");
     EXPECT_EQ(regions().at(0).name, "left lung");
+    EXPECT_EQ(table().currentRow(), 0);
+    EXPECT_EQ(view().regions().chosen(), 0) << "what is renamed is chosen in the image, too";
     EXPECT_TRUE(m_script.m_asked.isEmpty());
     table().item(1, 0)->setText("left lung");
     EXPECT_EQ(regions().at(1).name, "ROI 2");
@@ -194,6 +349,8 @@ TEST_F(DatasetRegionsTest, LooksInADarkPalette)
     open();
     m_pWindow->resize(690, 520);
     drawTwo();
+    drawOutlines();
+    click(2, 20);
     look::keep(*m_pWindow, "dataset_regions_dark");
     m_pWindow.reset();
     QApplication::setPalette(before);

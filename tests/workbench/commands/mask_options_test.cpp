@@ -63,6 +63,25 @@ TEST(MaskOptionTest, ShapesThatAreNoneAreUsageErrors)
     EXPECT_TRUE(refusalOf({"--mask", ""}).startsWith("[2] --mask takes auto, none, "));
 }
 
+TEST(MaskOptionTest, OutlinesAndStoredRegionsAreTakenAsTheyStand)
+{
+    for (const char* text : {"polygon:1,2,30,2,1.5,40", "freehand:0,0,5,0,0,5", "roi:left lung", "roi:auto"}) {
+        EXPECT_EQ(maskOf({"--mask", text}).kind, Kind::Region) << text;
+        EXPECT_EQ(maskOf({"--mask", text}).region, text);
+    }
+}
+
+TEST(MaskOptionTest, OutlinesThatAreNoneAreUsageErrors)
+{
+    EXPECT_EQ(refusalOf({"--mask", "polygon:1,2,3,4"}),
+              "[2] --mask: \"polygon:1,2,3,4\": an outline takes three points at least");
+    EXPECT_EQ(refusalOf({"--mask", "polygon:1,2,3,4,5"}),
+              "[2] --mask: \"polygon:1,2,3,4,5\": the last point has an x without a y");
+    EXPECT_EQ(refusalOf({"--mask", "freehand:1,1,2,2,3,3"}),
+              "[2] --mask: \"freehand:1,1,2,2,3,3\": all points lie on a line");
+    EXPECT_EQ(refusalOf({"--mask", "roi:"}), "[2] --mask: \"roi:\": the region's name is missing");
+}
+
 TEST(MaskOptionTest, AThresholdIsAPercentage)
 {
     EXPECT_EQ(maskOf({"--threshold", "12.5"}, Kind::Photograph).threshold, 12.5);
@@ -75,7 +94,7 @@ TEST(MaskOptionTest, AThresholdIsAPercentage)
 
 TEST(MaskOptionTest, AThresholdGoesWithThePhotographAlone)
 {
-    for (const char* mask : {"none", "body.tif", "rect:1,2,3,4"}) {
+    for (const char* mask : {"none", "body.tif", "rect:1,2,3,4", "roi:lung"}) {
         EXPECT_EQ(refusalOf({"--mask", mask, "--threshold", "20"}), "[2] --threshold goes with --mask auto");
     }
     EXPECT_EQ(refusalOf({"--threshold", "20"}, Kind::None), "[2] --threshold goes with --mask auto");
