@@ -22,6 +22,7 @@ for file in man/man1/spum.1 man/man1/spum-unmix.1 man/man1/spum-workbench.1 bash
     doc/orvspum/LICENSE doc/orvspum/README.md doc/orvspum/docs/formats.md doc/orvspum/docs/pictures/rooms.svg; do
     [ -s "$share/$file" ] || { echo "$file was not installed" >&2; exit 1; }
 done
+python3 "$(dirname "$0")/../../scripts/check_links.py" "$share/doc/orvspum"
 version=$($run "$work/second place/bin/spum" --version)
 grep -qx "version: ${version#spum }" "$share/doc/orvspum/CITATION.cff" || { echo "CITATION.cff is of another version" >&2; exit 1; }
 groff -man -Kutf8 -ww -z "$share"/man/man1/*.1 2>"$work/log"
