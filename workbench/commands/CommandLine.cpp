@@ -46,6 +46,7 @@
 #include <exception>
 #include <langinfo.h>
 #include <new>
+#include <optional>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -243,10 +244,9 @@ int refuseWithValues(const Command& command, const QStringList& arguments, const
     return ExitStatus::usage;
 }
 
-// The command and its options; a usage error or --help ends here.
-int runCommand(Command& command, const QStringList& arguments)
+// Takes the options into the parser. A status where that is the end: a wrong call, --help and --version.
+std::optional<int> endsWithItsOptions(const Command& command, const QStringList& arguments, CommandParser& parser)
 {
-    CommandParser parser;
     CliSession::declareOptions(parser);
     command.declare(parser);
     const QStringList given = withOptionalValues(command, parser, arguments);
@@ -266,6 +266,15 @@ int runCommand(Command& command, const QStringList& arguments)
     if (!repeated.isEmpty()) {
         return refuseWithValues(command, given, {},
                                 {QStringLiteral("--%1 is given more than once and taken once.").arg(repeated)});
+    }
+    return std::nullopt;
+}
+
+int runCommand(Command& command, const QStringList& arguments)
+{
+    CommandParser parser;
+    if (const std::optional<int> status = endsWithItsOptions(command, arguments, parser)) {
+        return *status;
     }
     const LoggedErrors errors;
     std::unique_ptr<CliSession> pSession;
