@@ -46,6 +46,24 @@ TEST(WorkbenchOptionsTest, BehindTwoDashesEverythingIsAPath)
     EXPECT_FALSE(WorkbenchOptions::parse({"--", "--help"}).help);
 }
 
+// One that is told and not taken would be a wrong call.
+TEST(WorkbenchOptionsTest, EveryOptionThatIsToldIsTaken)
+{
+    int nOptions = 0;
+    for (const CommandManual::Group& group : WorkbenchOptions::manual().options) {
+        for (const CommandManual::Entry& option : group.entries) {
+            for (const QString& name : option.names) {
+                QStringList call(QString(name.size() == 1 ? "-" : "--") + name);
+                call += option.value.isEmpty() ? QStringList() : QStringList("x");
+                EXPECT_EQ(WorkbenchOptions::parse(call).error, QString()) << qPrintable(name);
+                EXPECT_EQ(WorkbenchOptions::parse(call).paths, QStringList()) << qPrintable(name);
+                ++nOptions;
+            }
+        }
+    }
+    EXPECT_EQ(nOptions, 8);
+}
+
 TEST(WorkbenchOptionsTest, HelpTellsEveryOption)
 {
     for (const char* pOption : {"--plugins", "--reset-windows", "--log", "--trace", "--help", "--version"}) {
