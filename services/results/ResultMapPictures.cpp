@@ -8,8 +8,19 @@
 #include "services/results/ResultFacts.h"
 
 #include <algorithm>
+#include <new>
 
 namespace {
+
+// An image of floats; throws std::bad_alloc without memory.
+CILImage floatImage(long lWidth, long lHeight)
+{
+    CILImage image;
+    if (image.InitWithType(ORVTYPE_FLOAT, lWidth, lHeight) != EIL_SUCCESS) {
+        throw std::bad_alloc();
+    }
+    return image;
+}
 
 // The photograph without what was added to make a square of it; nothing where there is none.
 std::optional<CILImage> photographOf(const CORVSpumKyvo& engine)
@@ -33,8 +44,7 @@ QString mapUnitText(int nUnit)
 CILImage imageOfMap(const CORVSpumKyvo& engine, const XTNT::Matrix<double>& maps, int nComponent, int nSpot,
                     float outside)
 {
-    CILImage image;
-    image.InitWithType(ORVTYPE_FLOAT, engine.m_nWidth, engine.m_nHeight);
+    CILImage image = floatImage(engine.m_nWidth, engine.m_nHeight);
     image.m_fBinning = static_cast<float>(engine.m_nBinning);
     std::fill_n(image.floats(), image.pixelCount(), outside);
     const long long pixels = engine.m_cube.pixelsPerSpot();
@@ -106,8 +116,8 @@ ResultMapPictures::Range ResultMapPictures::rangeOfComponent(int nComponent)
     if (known != m_ranges.end()) {
         return known->second;
     }
-    CILImage maps; // one below the other
-    maps.InitWithType(ORVTYPE_FLOAT, m_facts.width, static_cast<long>(m_facts.height) * m_facts.spots);
+    // One below the other.
+    CILImage maps = floatImage(m_facts.width, static_cast<long>(m_facts.height) * m_facts.spots);
     float* next = maps.floats();
     for (int s = 0; s < m_facts.spots; ++s) {
         const CILImage map = imageOfMap(m_engine, m_engine.m_concentrations, nComponent, s, 0.0F);
