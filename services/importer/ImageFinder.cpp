@@ -117,8 +117,9 @@ bool ImageFinder::lookBelow(const QString& strFolder, QStringList* pNames, QStri
     const QDir folder(strFolder);
     QStringList holding;
     bool bOneEach = true;
-    const QStringList below = folder.entryList(QDir::Dirs | QDir::NoDotAndDotDot | QDir::Readable, QDir::Name);
-    for (const QString& name : below) {
+    QStringList below = folder.entryList(QDir::Dirs | QDir::NoDotAndDotDot | QDir::Readable, QDir::Name);
+    std::sort(below.begin(), below.end(), orv::numberAwareLess);
+    for (const QString& name : qAsConst(below)) {
         QStringList images;
         QStringList others;
         if (!listFolder(folder.filePath(name), &images, &others, pError)) {

@@ -278,4 +278,7 @@ TEST_F(ImageFinderTest, AFolderOfFoldersTellsTheirNamesWhereItIsNotClearWhichAre
     writeRamp("each/DAPI/img.tif", 1);
     writeRamp("each/GFP/img.tif", 1);
     EXPECT_EQ(table(path("each")), "DAPI/img.tif,DAPI,\nGFP/img.tif,GFP,\n");
+    writeRamp("numbered/s10/img.tif", 1);
+    writeRamp("numbered/s2/img.tif", 1);
+    EXPECT_EQ(table(path("numbered")), "s2/img.tif,s2,\ns10/img.tif,s10,\n");
 }
