@@ -12,6 +12,7 @@
 #include "host/CORVProcess.h"
 #include "host/CORVSequenceDataset.h"
 #include "host/CORVUtilityFns.h"
+#include "services/results/ResultFacts.h"
 #include "services/results/ResultNumbers.h"
 #include "services/results/resultPlace.h"
 #include "spectra/logLine.h"
@@ -28,13 +29,14 @@ constexpr unsigned long pause = 5;
 constexpr int percents = 100;
 
 // A folder beside the images of a sequence that is not there yet: "unmixed", "unmixed-2" and so on; where nothing can
-// be written there, one in the user's home.
+// be written there, one in the user's home, called after the sequence as far as its name can be that of a folder.
 QString proposedFolder(const CORVSequenceDataset& sequence)
 {
     const QString strBeside = sequence.getSequenceInfoPath();
-    const QString strFirst = canBeWritten(strBeside)
-                                 ? strBeside + QStringLiteral("/unmixed")
-                                 : QDir::home().filePath(sequence.getSequenceName() + QStringLiteral("-unmixed"));
+    const QString strFirst =
+        canBeWritten(strBeside)
+            ? QDir(strBeside).filePath(QStringLiteral("unmixed"))
+            : QDir::home().filePath(resultFileName(sequence.getSequenceName()) + QStringLiteral("-unmixed"));
     QString strFolder = strFirst;
     for (int i = 2; QFileInfo::exists(strFolder); ++i) {
         strFolder = QStringLiteral("%1-%2").arg(strFirst).arg(i);

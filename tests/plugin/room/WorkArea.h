@@ -48,6 +48,7 @@ struct Answers
     QList<Question> asked;
     int answer = CORVMessageBox::YesButton;
     QStringList files; // for questions for a file, one after another
+    QString proposed;  // by the last of these
     QString filter;
     std::function<void()> whileOpen;
 
@@ -77,6 +78,7 @@ public:
     std::optional<orv::FileAnswer> chooseFile(const orv::FileRequest& request) override
     {
         m_answers.asked.append({request.m_strTitle, request.m_filters.join(";;"), request.m_pParent});
+        m_answers.proposed = request.m_strFolder;
         if (m_answers.whileOpen) {
             m_answers.whileOpen();
         }

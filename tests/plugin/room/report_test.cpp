@@ -2,6 +2,8 @@
 // The report of a result, which a window writes while its events go on.
 #include "WorkArea.h"
 
+#include "support/PlainUser.h"
+
 #include "platform/orvutils/ProcessControl.h"
 
 #include "host/CORVProcess.h"
@@ -119,6 +121,30 @@ TEST_F(ReportTest, ASequenceThatClosesMeanwhileEndsIt)
     EXPECT_EQ(entries(), QStringList("mouse"));
     EXPECT_EQ(m_palette->engine(), nullptr);
     EXPECT_EQ(processes(), 0);
+}
+
+TEST_F(ReportTest, AFolderThatIsNotThereYetIsProposed)
+{
+    m_palette->m_pReportButton->click();
+    EXPECT_EQ(m_answers.proposed, m_folder.filePath("mouse/unmixed"));
+    ASSERT_TRUE(QDir(m_folder.path()).mkpath("mouse/unmixed"));
+    m_palette->m_pReportButton->click();
+    EXPECT_EQ(m_answers.proposed, m_folder.filePath("mouse/unmixed-2"));
+}
+
+// The name of a sequence may be anything; a folder has it without what leads elsewhere.
+TEST_F(ReportTest, WhereNothingCanBeWrittenAFolderInTheHomeIsProposed)
+{
+    m_opened.front()->sequence().setSequenceName("../a mouse/of two");
+    ASSERT_TRUE(QFile::setPermissions(m_folder.path(), QFile::Permissions(0x7755)));
+    ASSERT_TRUE(QFile::setPermissions(m_folder.filePath("mouse"), QFile::Permissions(0x5555)));
+    {
+        const PlainUser user;
+        ASSERT_TRUE(user.isPlain());
+        m_palette->m_pReportButton->click();
+    }
+    EXPECT_EQ(QFileInfo(m_answers.proposed).path(), QDir::homePath());
+    EXPECT_EQ(QFileInfo(m_answers.proposed).fileName(), "_..a_mouseof_two-unmixed");
 }
 
 TEST_F(ReportTest, AFolderThatIsThereIsToldAndKept)
