@@ -5,9 +5,11 @@
 #include "engine/EngineEnums.h"
 #include "host/CORVPreference.h"
 #include "platform/orvimage/pngBytes.h"
+#include "services/basis/ChannelLabels.h"
 #include "services/basis/TextTable.h"
 #include "services/pictures/ResultPlot.h"
 #include "services/results/ResultFacts.h"
+#include "services/session/PairSelection.h"
 #include "spectra/SpectrumPlotParams.h"
 
 #include <QColor>
@@ -101,8 +103,8 @@ QList<QPair<QString, QString>> factRows(const ResultFacts& facts)
     return rows;
 }
 
-// Where a spectrum is largest: "675nm / 780nm", a time's key alone where the other is empty.
-QString peakOf(const CORVSpumKyvo& engine, int nComponent)
+// Where a spectrum is largest: "675nm / 780nm", a channel's name, a time's key alone where the other is empty.
+QString peakOf(const CORVSpumKyvo& engine, const ChannelLabels& channels, int nComponent)
 {
     const XTNT::Vector<double> spectrum = engine.m_spectra.row(nComponent);
     int best = -1;
@@ -115,6 +117,9 @@ QString peakOf(const CORVSpumKyvo& engine, int nComponent)
         return QStringLiteral("-");
     }
     const KeyPair& pair = engine.m_selectedKeyPairs[best];
+    if (!channels.isEmpty()) {
+        return pairText(pair, channels);
+    }
     if (engine.m_eAxis == SPECTRUMAXIS_TIME) {
         return pair.second + QStringLiteral(" s");
     }
@@ -145,10 +150,11 @@ ReportTable componentTable(const CORVSpumKyvo& engine, const ResultFacts& facts)
                      << QStringLiteral("Rel. error");
     }
     const QString none = QStringLiteral("-");
+    const ChannelLabels channels(engine);
     for (int i = 0; i < facts.components.size(); ++i) {
         const ComponentFacts& component = facts.components[i];
         QStringList row = {component.name, percent(component.share * 100.0, 4), numberOf(component.maximum, 5),
-                           peakOf(engine, i)};
+                           peakOf(engine, channels, i)};
         if (bound) {
             row << component.highPass.value_or(none);
         }
@@ -222,6 +228,15 @@ ReportTable selectionTable(const CORVSpumKyvo& engine)
 {
     ReportTable table;
     table.title = QStringLiteral("Images");
+    const ChannelLabels channels(engine);
+    if (!channels.isEmpty()) {
+        QStringList texts;
+        for (const KeyPair& pair : engine.m_selectedKeyPairs) {
+            texts.append(pairText(pair, channels));
+        }
+        table.rows.append({QStringLiteral("Channels"), texts.join(QStringLiteral(", "))});
+        return table;
+    }
     QStringList order;
     QMap<QString, QStringList> groups;
     const bool byEmission = engine.m_eAxis != SPECTRUMAXIS_EXCITATION;

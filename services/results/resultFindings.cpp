@@ -6,6 +6,7 @@
 #include "engine/EngineEnums.h"
 #include "host/CORVDataset.h"
 #include "host/CORVSequenceDataset.h"
+#include "services/basis/ChannelLabels.h"
 #include "services/results/ComponentNumber.h"
 #include "services/results/FitRest.h"
 #include "services/results/KnownSpectra.h"
@@ -22,7 +23,7 @@
 
 namespace {
 
-void findSaturation(const CORVSpumKyvo& engine, RunFindings& findings)
+void findSaturation(const CORVSpumKyvo& engine, const ChannelLabels& channels, RunFindings& findings)
 {
     const int spots = std::max(1, engine.m_cube.m_nSpots);
     const SaturatedPixels found =
@@ -30,7 +31,7 @@ void findSaturation(const CORVSpumKyvo& engine, RunFindings& findings)
     findings.pixels = engine.m_cube.m_data.num_rows();
     findings.saturatedPixels = found.pixels;
     for (const int image : found.images) {
-        findings.saturatedImages.append(pairText(engine.m_selectedKeyPairs.value(image)));
+        findings.saturatedImages.append(pairText(engine.m_selectedKeyPairs.value(image), channels));
     }
     if (found.component >= 0) {
         findings.saturatedComponent = engine.m_spectrumPlots[found.component]->settings.name;
@@ -38,7 +39,8 @@ void findSaturation(const CORVSpumKyvo& engine, RunFindings& findings)
 }
 
 // The images with most of them first, each once, though a scan has one a spot.
-void findCut(const CORVSpumKyvo& engine, RunFindings& findings, const ComponentNumber& above)
+void findCut(const CORVSpumKyvo& engine, const ChannelLabels& channels, const ComponentNumber& above,
+             RunFindings& findings)
 {
     const ImageFindings::Negatives& negatives = engine.m_imageFindings.negatives();
     if (negatives.elements < 1) {
@@ -54,7 +56,7 @@ void findCut(const CORVSpumKyvo& engine, RunFindings& findings, const ComponentN
         const auto known = static_cast<std::size_t>(std::max(column, 0));
         noise += known < above.noiseOfImages.size() ? above.noiseOfImages[known] * static_cast<double>(image.second)
                                                     : RunFindings::notKnown;
-        const QString text = pairText(engine.m_selectedKeyPairs.value(column));
+        const QString text = pairText(engine.m_selectedKeyPairs.value(column), channels);
         if (!findings.cutImages.contains(text)) {
             findings.cutImages.append(text);
         }
@@ -155,7 +157,8 @@ void findLikeness(const CORVSpumKyvo& engine, RunFindings& findings, ResultNumbe
     }
 }
 
-void findRest(const CORVSpumKyvo& engine, RunFindings& findings, const ResultNumbers& numbers)
+void findRest(const CORVSpumKyvo& engine, const ChannelLabels& channels, RunFindings& findings,
+              const ResultNumbers& numbers)
 {
     const ComponentNumber& above = numbers.above;
     findings.likelyComponents = above.likely;
@@ -180,7 +183,7 @@ void findRest(const CORVSpumKyvo& engine, RunFindings& findings, const ResultNum
     }
     std::sort(worst.begin(), worst.end());
     for (const auto& image : worst) {
-        findings.unexplainedImages.append(pairText(engine.m_selectedKeyPairs.value(image.second)));
+        findings.unexplainedImages.append(pairText(engine.m_selectedKeyPairs.value(image.second), channels));
     }
     findings.restLooksLike = sourceLikeRest(engine, rest.spectrum);
 }
@@ -237,15 +240,16 @@ RunFindings findingsOfResult(const CORVSpumKyvo& engine, const CORVSequenceDatas
         findings.components.append(component);
         findings.givenNames.append(component.name);
     }
-    findSaturation(engine, findings);
+    const ChannelLabels channels(engine);
+    findSaturation(engine, channels, findings);
     findOffset(engine, findings);
     findMask(engine, findings, numbers);
     findLikeness(engine, findings, numbers);
     if (!numbers.above.isKnown()) {
         numbers.above = ComponentNumber::of(engine.m_cube.m_data);
     }
-    findCut(engine, findings, numbers.above);
-    findRest(engine, findings, numbers);
+    findCut(engine, channels, numbers.above, findings);
+    findRest(engine, channels, findings, numbers);
     findBinning(engine, sequence, findings);
     if (bResolved) {
         findNames(engine, findings, numbers);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "services/session/PairSelection.h"
 
+#include "services/basis/ChannelLabels.h"
 #include "services/basis/Failure.h"
 
 #include <QStringList>
@@ -70,6 +71,12 @@ QList<KeyPair> selectPairs(const QString& strSelect, const QList<KeyPair>& all)
 QString pairText(const KeyPair& pair)
 {
     return pair.first.isEmpty() ? pair.second : pair.first + QLatin1Char('/') + pair.second;
+}
+
+QString pairText(const KeyPair& pair, const ChannelLabels& channels)
+{
+    const QString label = channels.label(pair);
+    return label.isEmpty() ? pairText(pair) : QStringLiteral("%1 (%2)").arg(label, pair.second);
 }
 
 QString pairsText(const QList<KeyPair>& pairs)

@@ -4,6 +4,11 @@
 #include "services/results/ResultNumbers.h"
 #include "services/support/SmallAnalysis.h"
 
+#include "host/CORVDataset.h"
+#include "host/CORVSequenceDataset.h"
+#include "platform/orvapi/ChannelInfo.h"
+#include "platform/orvapi/ClickInfoKeys.h"
+
 #include <cmath>
 
 namespace {
@@ -61,6 +66,22 @@ TEST_F(ResultFindingsTest, ElementsBelowZeroAreCountedWithTheImagesThatHaveMostO
     const RunFindings findings = find();
     EXPECT_NEAR(findings.cutElements, 6.0 / 48.0, 1e-12);
     EXPECT_EQ(findings.cutImages, QStringList({"640/740", "640/700"}));
+}
+
+// Whoever reads of an image finds it by its name, and leaves it out by its number.
+TEST_F(ResultFindingsTest, NumberedChannelsAreCalledByTheirNames)
+{
+    m_sequence.fluorescence = false;
+    for (int j = 0; j < 3; ++j) {
+        m_sequence.images[j].excitation = "Block";
+        m_sequence.images[j].emission = ChannelInfo::filterText(j + 1);
+    }
+    m_sequence.images[2].value = [](int i) { return i < 5 ? -2.0F : mapB(i); };
+    analyse();
+    CORVDataset* last = m_pOpened->sequence().getDataset(engine().m_imageList[2]);
+    ChannelInfo{"far red", std::nullopt, std::nullopt}.write(
+        *last->clickInfo[QLatin1String(ClickKeys::kLuminescentImage)]);
+    EXPECT_EQ(find().cutImages, QStringList("far red (003)"));
 }
 
 TEST_F(ResultFindingsTest, DarkLevelsAreThoseOfCountsWithoutAMask)

@@ -379,6 +379,9 @@ TEST_F(ImportProgramTest, AFolderThatTellsNothingBecomesNumberedChannelsThatAreU
     EXPECT_TRUE(image["wavelength"].isNull());
     succeed({"unmix", "seq", "--ncomponents", "2", "--out", "maps"});
     EXPECT_TRUE(contentOf(path("maps/spectra.svg")).contains(">far red<"));
+    const QByteArray report = contentOf(path("maps/report.html"));
+    EXPECT_TRUE(report.contains("<td>Channels</td><td>DAPI (001), GFP (002), far red (003)</td>"));
+    EXPECT_FALSE(report.contains("Block"));
     // And back again, as they were.
     for (const char* file : {"again.ome.tif", "again.hdr", "again.csv"}) {
         const QString format = QString(file).endsWith("hdr")   ? "envi"
