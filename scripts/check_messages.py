@@ -1,8 +1,9 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Checks that every message in docs/troubleshooting.md is one that the sources say.
+"""Checks that every message in docs/troubleshooting.md is one that the sources say, and that every warning of a run is there.
 
-A message stands in a heading between back quotes; "..." in it is where names and numbers stand.
+A message stands in a heading between back quotes; "..." in it is where names and numbers stand. The warnings are those
+whose codes docs/formats.md lists.
 """
 import pathlib
 import re
@@ -37,6 +38,13 @@ def main():
             absent.append(message)
     if absent:
         sys.exit("no source says: " + "; ".join(absent))
+    formats = (ROOT / "docs" / "formats.md").read_text(encoding="utf-8")
+    table = formats.split("### Warnings of a run", 1)[1].split("\n#", 1)[0]
+    cells = re.findall(r"^\| (`[^|]+`) \|", table, re.MULTILINE)
+    codes = [code for cell in cells for code in re.findall(r"`([a-z-]+)`", cell) if code not in ("code", "input")]
+    untold = [code for code in codes if f"`{code}`: " not in document]
+    if len(codes) < 10 or untold:
+        sys.exit(f"of {len(codes)} warnings the page does not tell: {', '.join(untold)}")
 
 
 main()
