@@ -49,26 +49,36 @@ QString labelOf(const QString& strAsked)
     return tissue && !probe.aliases.isEmpty() ? probe.aliases.first() : SourceCurve::nameOf(strAsked);
 }
 
-// The image's amount of the source at each pair, not normalised.
+// Throws for the names of which the database has no source; tells all of them.
+void checkSources(const QStringList& names, const QList<KeyPair>& pairs)
+{
+    QStringList known;
+    for (const auto& probe : CORVDatabase::probeList()) {
+        known.append(probe.hasEmission && probe.kind != QLatin1String("radioactive") ? QStringList(probe.name)
+                                                                                     : QStringList());
+    }
+    QStringList wrong;
+    for (const QString& name : names) {
+        if (SourceCurve::valuesAt(name, pairs).empty()) {
+            wrong.append(QStringLiteral("the database has no source \"%1\" (sources carry no suffix here)%2")
+                             .arg(name, nearestProbesText(name, known)));
+        }
+    }
+    if (!wrong.isEmpty()) {
+        throw Failure(wrong.join(QStringLiteral("; ")));
+    }
+}
+
+// The image's amount of a source of the database at each pair, not normalised.
 XTNT::Vector<double> valuesOf(const QString& strName, const QList<KeyPair>& pairs)
 {
-    const XTNT::Vector<double> values = SourceCurve::valuesAt(strName, pairs);
-    if (values.empty()) {
-        QStringList known;
-        for (const auto& probe : CORVDatabase::probeList()) {
-            known.append(probe.hasEmission && probe.kind != QLatin1String("radioactive") ? QStringList(probe.name)
-                                                                                         : QStringList());
-        }
-        throw Failure(QStringLiteral("the database has no source \"%1\" (sources carry no suffix here)%2")
-                          .arg(strName, nearestProbesText(strName, known)));
-    }
     if (!SourceCurve::coversExcitations(strName, pairs)) {
         throw Failure(
             QStringLiteral("the database has no excitation curve of \"%1\", and the images have several excitations")
                 .arg(strName),
             QStringLiteral("--select \"%1/*\" takes those of one").arg(commonExcitation(pairs)));
     }
-    return values;
+    return SourceCurve::valuesAt(strName, pairs);
 }
 
 void normalise(XTNT::Vector<double>& values, const QString& strName)
@@ -183,6 +193,11 @@ int axisOf(const QList<KeyPair>& pairs)
 
 SpectrumSources::SpectrumSources() = default;
 SpectrumSources::~SpectrumSources() = default;
+
+void SpectrumSources::checkRegion(const QString& strText)
+{
+    parseRegion(strText);
+}
 
 void SpectrumSources::setImages(const QString& strSelect, int nUnit)
 {
@@ -353,9 +368,13 @@ void SpectrumSources::fromDatabase(const QString& strNames, const QString& strSe
         throw Failure(QStringLiteral("the database holds spectra; %1 is a temporal sequence").arg(strSequence));
     }
     const QList<KeyPair> pairs = opened->engine().getSelectedKeyPairs();
-    beginSource(QStringLiteral("sources of the database without the influence of tissue"));
+    QStringList names;
     for (const auto& part : strNames.split(QLatin1Char(','))) {
-        const QString name = labelOf(part.trimmed());
+        names.append(labelOf(part.trimmed()));
+    }
+    checkSources(names, pairs);
+    beginSource(QStringLiteral("sources of the database without the influence of tissue"));
+    for (const QString& name : qAsConst(names)) {
         auto values = valuesOf(name, pairs);
         normalise(values, name);
         SpectrumPlotParams& spectrum = append(name, QStringLiteral("database"));

@@ -39,6 +39,9 @@ public:
     // their pixels in each image, maximum 1. All that are measured for one list are in one unit.
     void fromRegions(const QStringList& regions, const QString& strSequence);
 
+    // Throws (bad request) where a text is no such rectangle.
+    static void checkRegion(const QString& strText);
+
     // Owned by this object.
     QList<SpectrumPlotParams*> spectra() const;
     // What is told of each source, once, without commas (a library's note ends at its first).

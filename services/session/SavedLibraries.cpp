@@ -19,18 +19,6 @@ namespace {
 
 const QString ending = QStringLiteral(".csv");
 
-// Names are listed without ".csv", wherever it stands in them.
-void checkName(const QString& strName)
-{
-    if (strName.isEmpty() || strName.contains(QLatin1Char('/')) || strName.startsWith(QLatin1Char('.')) ||
-        strName.contains(ending)) {
-        throw Failure(
-            QStringLiteral("\"%1\" cannot be the name of a library%2")
-                .arg(strName, strName.contains(ending) ? QStringLiteral(": it is given without \".csv\"") : QString()),
-            Failure::Kind::BadRequest);
-    }
-}
-
 [[noreturn]] void refuseExisting(const QString& strName)
 {
     throw Failure(QStringLiteral("the library %1 exists already").arg(strName), QStringLiteral("--force replaces it"));
@@ -38,7 +26,7 @@ void checkName(const QString& strName)
 
 QString pathToSave(const QString& strName, bool bReplace)
 {
-    checkName(strName);
+    SavedLibraries::checkName(strName);
     const QString base = getORVPath(ORV_PATH_USER_DATA, true, nullptr);
     const QString folder = base + QStringLiteral("Spum/");
     if (base.isEmpty() || !QDir().mkpath(folder)) {
@@ -71,6 +59,18 @@ void load(const QString& strName, LibrarySpectra& library)
 }
 
 } // namespace
+
+// Names are listed without ".csv", wherever it stands in them.
+void SavedLibraries::checkName(const QString& strName)
+{
+    if (strName.isEmpty() || strName.contains(QLatin1Char('/')) || strName.startsWith(QLatin1Char('.')) ||
+        strName.contains(ending)) {
+        throw Failure(
+            QStringLiteral("\"%1\" cannot be the name of a library%2")
+                .arg(strName, strName.contains(ending) ? QStringLiteral(": it is given without \".csv\"") : QString()),
+            Failure::Kind::BadRequest);
+    }
+}
 
 QString SavedLibraries::fileOf(const QString& strName)
 {

@@ -12,8 +12,10 @@ class SpectrumPlotParams;
 // cannot do all that is asked.
 namespace SavedLibraries {
 
-// Writes a library; one of that name is replaced only with `bReplace`. Returns the file. A name without a place in the
-// folder, or one that would be listed otherwise, is a bad request.
+// Throws where a library cannot have that name: one without a place in the folder, or that would be listed otherwise.
+void checkName(const QString& strName);
+
+// Writes a library; one of that name is replaced only with `bReplace`. Returns the file.
 QString save(const QString& strName, QList<SpectrumPlotParams*> spectra, const QString& strNote, bool bReplace);
 
 // The file of a saved library of that name.

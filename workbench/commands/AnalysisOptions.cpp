@@ -12,17 +12,6 @@
 
 namespace {
 
-int unitOf(const QString& strText)
-{
-    const int unit = UnitNames::fromText(strText);
-    if (unit < 0) {
-        throw Failure(QStringLiteral("--unit takes %1, not \"%2\".")
-                          .arg(UnitNames::options().join(QStringLiteral(", ")), strText),
-                      Failure::Kind::BadRequest);
-    }
-    return unit;
-}
-
 int binningOf(const QString& strText)
 {
     bool ok = false;
@@ -75,7 +64,9 @@ AnalysisRequest analysisRequestOf(const QCommandLineParser& parser, const QStrin
         }
     });
     errors.collect([&] { request.mask = maskOptionOf(parser, eMaskDefault); });
-    errors.collect([&] { request.unit = value("unit").isEmpty() ? request.unit : unitOf(value("unit")); });
+    if (!value("unit").isEmpty()) {
+        errors.collect([&] { request.unit = unitOption(parser, qPrintable(strCommand)); });
+    }
     errors.collect(
         [&] { request.binning = value("binning").isEmpty() ? request.binning : binningOf(value("binning")); });
     errors.throwAll();

@@ -31,6 +31,11 @@ void CallErrors::collect(const std::function<void()>& check)
     }
 }
 
+void CallErrors::refuse(const QString& strSentence)
+{
+    collect([&] { throw CallRefusal({strSentence}, m_strCommand); });
+}
+
 void CallErrors::throwAll() const
 {
     if (m_sentences.size() == 1) {

@@ -32,6 +32,8 @@ public:
 
     // Runs one part of the look; a Failure that refuses the call (bad request) is kept, any other goes through.
     void collect(const std::function<void()>& check);
+    // Keeps a sentence of this command's own.
+    void refuse(const QString& strSentence);
     // Throws what was kept: a single one as it came, several as one CallRefusal.
     void throwAll() const;
 

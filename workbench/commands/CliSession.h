@@ -41,7 +41,6 @@ public:
     // The options that every command has, --help and --version among them, which the caller answers.
     static void declareOptions(CommandParser& parser);
 
-    bool isJson() const { return m_bJson; }
     bool isQuiet() const { return m_bQuiet; }
     bool isVerbose() const { return m_bVerbose; }
 

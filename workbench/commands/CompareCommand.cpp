@@ -14,9 +14,9 @@
 #include "services/results/StagedRun.h"
 #include "services/results/resultFolder.h"
 #include "services/session/OpenedSequence.h"
+#include "workbench/commands/CallErrors.h"
 #include "workbench/commands/CliSession.h"
 #include "workbench/commands/CommandParser.h"
-#include "workbench/commands/Options.h"
 #include "workbench/commands/PictureOptions.h"
 
 #include <QFileInfo>
@@ -47,17 +47,38 @@ void addTruths(Results& results, const OpenedSequence& opened)
     }
 }
 
+// All that cannot be read is told at once.
+Results readResults(const QStringList& names, const OpenedSequence& opened, JobMonitor& monitor)
+{
+    Results results;
+    QStringList wrong;
+    for (const QString& name : names) {
+        auto result = std::make_unique<ComparedResult>();
+        try {
+            result->readResult(resultFolder(name, opened.folder(), monitor));
+            results.push_back(std::move(result));
+        } catch (const Failure& failure) {
+            if (failure.kind() == Failure::Kind::Aborted) {
+                throw;
+            }
+            wrong.append(failure.text());
+        }
+    }
+    if (!wrong.isEmpty()) {
+        wrong.removeDuplicates();
+        throw Failure(wrong.join(QStringLiteral("; ")));
+    }
+    return results;
+}
+
 // The truth, where there is one, ahead of the results.
 Results readAll(const QStringList& names, const OpenedSequence& opened, JobMonitor& monitor)
 {
-    Results results;
-    for (const QString& name : names) {
-        results.push_back(std::make_unique<ComparedResult>());
-        results.back()->readResult(resultFolder(name, opened.folder(), monitor));
-        if (results.back()->unit() != results.front()->unit()) {
+    Results results = readResults(names, opened, monitor);
+    for (const auto& result : results) {
+        if (result->unit() != results.front()->unit()) {
             throw Failure(QStringLiteral("%1 is in %2, %3 in %4: results of one unit can be compared")
-                              .arg(results.front()->label(), results.front()->unit(), results.back()->label(),
-                                   results.back()->unit()));
+                              .arg(results.front()->label(), results.front()->unit(), result->label(), result->unit()));
         }
     }
     addTruths(results, opened);
@@ -66,6 +87,19 @@ Results readAll(const QStringList& names, const OpenedSequence& opened, JobMonit
                       QStringLiteral("name two results at least"));
     }
     return results;
+}
+
+// Throws what is wrong with the call.
+PictureRequest requestOf(const QCommandLineParser& parser)
+{
+    PictureRequest pictures;
+    CallErrors errors(QStringLiteral("compare"));
+    if (parser.positionalArguments().size() < 2) {
+        errors.refuse(QStringLiteral("compare takes a sequence and one result at least."));
+    }
+    errors.collect([&] { pictures = pictureRequestOf(parser, "compare"); });
+    errors.throwAll();
+    return pictures;
 }
 
 QString number(double dValue, int nDigits)
@@ -167,13 +201,15 @@ QList<CommandManual::Example> CompareCommand::examples() const
              QStringLiteral("Two results beside each other and, for a simulated sequence, beside the truth.")}};
 }
 
+void CompareCommand::check(const QCommandLineParser& parser) const
+{
+    requestOf(parser);
+}
+
 void CompareCommand::run(const QCommandLineParser& parser, CliSession& session)
 {
+    const PictureRequest pictures = requestOf(parser);
     const QStringList arguments = parser.positionalArguments();
-    if (arguments.size() < 2) {
-        refuseUsage("compare", QStringLiteral("compare takes a sequence and one result at least."));
-    }
-    const PictureRequest pictures = pictureRequestOf(parser, "compare");
     OpenedSequence opened(arguments[0]);
     session.warnAll(opened.warnings());
     const Results results = readAll(arguments.mid(1), opened, session);

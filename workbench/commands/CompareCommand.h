@@ -11,5 +11,6 @@ public:
     QString summary() const override { return QStringLiteral("Show results beside each other and beside the truth."); }
     void declare(CommandParser& parser) const override;
     QList<CommandManual::Example> examples() const override;
+    void check(const QCommandLineParser& parser) const override;
     void run(const QCommandLineParser& parser, CliSession& session) override;
 };

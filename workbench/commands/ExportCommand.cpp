@@ -20,20 +20,17 @@
 
 namespace {
 
-int unitOf(const QCommandLineParser& parser)
+// What a call asks for.
+struct Request
 {
-    if (!parser.isSet(QStringLiteral("unit"))) {
-        return -1;
-    }
-    const QString text = parser.value(QStringLiteral("unit"));
-    const int unit = UnitNames::fromText(text);
-    if (unit < 0) {
-        refuseUsage(
-            "export",
-            QStringLiteral("--unit takes %1, not \"%2\".").arg(UnitNames::options().join(QStringLiteral(", ")), text));
-    }
-    return unit;
-}
+    QString sequence;
+    QString format;
+    QString out;
+    bool streamed = false; // to standard output
+    QString select;
+    int unit = -1;
+    bool force = false;
+};
 
 // The files that will be written; the first is the one to give to an import.
 QStringList targetsOf(const QString& strFormat, const QString& strPath)
@@ -54,16 +51,39 @@ void refuseTargets(const QStringList& targets, bool bForce)
     }
 }
 
-// Of the formats one is a stream of bytes, and nothing else can stand where it goes.
-void checkStream(bool bStreamed, const QString& strFormat, const CliSession& session)
+Request requestOf(const QCommandLineParser& parser)
 {
-    if (bStreamed && strFormat != QLatin1String("csv")) {
-        refuseUsage("export", QStringLiteral("--out - is standard output, which takes --format csv alone; a file of "
-                                             "that name is \"./-\"."));
-    }
-    if (bStreamed && session.isJson()) {
-        refuseUsage("export", QStringLiteral("--json does not go with --out -: both are written to standard output."));
-    }
+    Request request;
+    const QStringList arguments = parser.positionalArguments();
+    request.sequence = arguments.value(0);
+    request.format = parser.value(QStringLiteral("format")).toLower();
+    request.out = parser.value(QStringLiteral("out"));
+    request.streamed = request.out == QLatin1String("-");
+    request.select = parser.value(QStringLiteral("select"));
+    request.force = parser.isSet(QStringLiteral("force"));
+    const bool csv = request.format == QLatin1String("csv");
+    const bool known = csv || request.format == QLatin1String("ome-tiff") || request.format == QLatin1String("envi");
+
+    CallErrors errors(QStringLiteral("export"));
+    const auto refuse = [&errors](bool bRefused, const QString& strSentence) {
+        if (bRefused) {
+            errors.refuse(strSentence);
+        }
+    };
+    refuse(arguments.size() != 1, QStringLiteral("export takes one sequence."));
+    refuse(!known, QStringLiteral("--format takes ome-tiff, envi or csv, not \"%1\".").arg(request.format));
+    refuse(request.out.isEmpty(), QStringLiteral("--out is missing: the file to write."));
+    // Of the formats one is a stream of bytes, and nothing else can stand where it goes.
+    refuse(request.streamed && known && !csv,
+           QStringLiteral("--out - is standard output, which takes --format csv alone; a file of that name is "
+                          "\"./-\"."));
+    refuse(request.streamed && parser.isSet(QStringLiteral("json")),
+           QStringLiteral("--json does not go with --out -: both are written to standard output."));
+    refuse(parser.isSet(QStringLiteral("select")) && request.select.trimmed().isEmpty(),
+           QStringLiteral("--select names no image."));
+    errors.collect([&] { request.unit = unitOption(parser, "export"); });
+    errors.throwAll();
+    return request;
 }
 
 void writeToOutput(const QByteArray& bytes)
@@ -105,53 +125,30 @@ QList<CommandManual::Example> ExportCommand::examples() const
              QStringLiteral("Those of one excitation as a table, a row a pixel.")}};
 }
 
+void ExportCommand::check(const QCommandLineParser& parser) const
+{
+    requestOf(parser);
+}
+
 void ExportCommand::run(const QCommandLineParser& parser, CliSession& session)
 {
-    const QStringList arguments = parser.positionalArguments();
-    const QString format = parser.value(QStringLiteral("format")).toLower();
-    const QString out = parser.value(QStringLiteral("out"));
-    const bool streamed = out == QLatin1String("-");
-    int unit = -1;
-    CallErrors errors(QStringLiteral("export"));
-    errors.collect([&] {
-        if (arguments.size() != 1) {
-            refuseUsage("export", QStringLiteral("export takes one sequence."));
-        }
-    });
-    errors.collect([&] {
-        if (format != QLatin1String("ome-tiff") && format != QLatin1String("envi") && format != QLatin1String("csv")) {
-            refuseUsage("export", QStringLiteral("--format takes ome-tiff, envi or csv, not \"%1\".").arg(format));
-        }
-        checkStream(streamed, format, session);
-    });
-    errors.collect([&] {
-        if (out.isEmpty()) {
-            refuseUsage("export", QStringLiteral("--out is missing: the file to write."));
-        }
-    });
-    errors.collect([&] {
-        if (parser.isSet(QStringLiteral("select")) && parser.value(QStringLiteral("select")).trimmed().isEmpty()) {
-            refuseUsage("export", QStringLiteral("--select names no image."));
-        }
-    });
-    errors.collect([&] { unit = unitOf(parser); });
-    errors.throwAll();
-    const QStringList targets = streamed ? QStringList() : targetsOf(format, out);
-    refuseTargets(targets, parser.isSet(QStringLiteral("force")));
+    const Request request = requestOf(parser);
+    const QStringList targets = request.streamed ? QStringList() : targetsOf(request.format, request.out);
+    refuseTargets(targets, request.force);
 
     session.startProgress(QStringLiteral("Exporting"));
-    ExportedCube cube(arguments[0], parser.value(QStringLiteral("select")), unit, session);
-    if (streamed) {
+    ExportedCube cube(request.sequence, request.select, request.unit, session);
+    if (request.streamed) {
         streamCsvCube(cube, writeToOutput);
         session.endProgress();
         return;
     }
-    if (format == QLatin1String("ome-tiff")) {
-        writeOmeTiffCube(cube, out);
-    } else if (format == QLatin1String("envi")) {
-        writeEnviCube(cube, out);
+    if (request.format == QLatin1String("ome-tiff")) {
+        writeOmeTiffCube(cube, request.out);
+    } else if (request.format == QLatin1String("envi")) {
+        writeEnviCube(cube, request.out);
     } else {
-        writeCsvCube(cube, out);
+        writeCsvCube(cube, request.out);
     }
     session.endProgress();
 
@@ -169,7 +166,7 @@ void ExportCommand::run(const QCommandLineParser& parser, CliSession& session)
             .arg(cube.width())
             .arg(cube.height())
             .arg(UnitNames::options()[cube.unit()], shown.join(QLatin1Char('\n'))));
-    session.answerJson(QJsonObject{{"format", format},
+    session.answerJson(QJsonObject{{"format", request.format},
                                    {"files", QJsonArray::fromStringList(targets)},
                                    {"images", names},
                                    {"width", static_cast<qint64>(cube.width())},

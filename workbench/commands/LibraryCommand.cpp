@@ -8,11 +8,12 @@
 #include "spectra/SpumKyvoDatabase.h"
 #include "workbench/commands/CliSession.h"
 #include "workbench/commands/CommandParser.h"
+#include "workbench/commands/LibraryCall.h"
 #include "workbench/commands/LibraryEditing.h"
-#include "workbench/commands/Options.h"
 
 #include <QJsonArray>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 
@@ -27,25 +28,22 @@ QJsonArray jsonPoints(const SpectrumPlotParams& spectrum)
     return points;
 }
 
-using Action = void (*)(const QCommandLineParser& parser, const QStringList& arguments, CliSession& session);
+using Action = void (*)(const LibraryCall& call, CliSession& session);
 
 struct NamedAction
 {
     const char* name;
     Action run;
-    int fewest; // arguments
-    int most;
 };
 
-constexpr int any = 10000;
 constexpr std::array actions = {
-    NamedAction{"save", LibraryEditing::save, 1, 1},
-    NamedAction{"import", LibraryEditing::import, 2, 2},
-    NamedAction{"append", LibraryEditing::append, 1, 1},
-    NamedAction{"merge", LibraryEditing::merge, 2, any},
-    NamedAction{"rename", LibraryEditing::rename, 1, 2},
-    NamedAction{"remove", LibraryEditing::remove, 1, any},
-    NamedAction{"template", LibraryEditing::writeTemplate, 1, 1},
+    NamedAction{"save", LibraryEditing::save},
+    NamedAction{"import", LibraryEditing::import},
+    NamedAction{"append", LibraryEditing::append},
+    NamedAction{"merge", LibraryEditing::merge},
+    NamedAction{"rename", LibraryEditing::rename},
+    NamedAction{"remove", LibraryEditing::remove},
+    NamedAction{"template", LibraryEditing::writeTemplate},
 };
 
 } // namespace
@@ -75,28 +73,27 @@ QList<CommandManual::Example> LibraryCommand::examples() const
             {QStringLiteral("spum library show dyes"), QStringLiteral("The figures of a library.")}};
 }
 
+void LibraryCommand::check(const QCommandLineParser& parser) const
+{
+    LibraryCall::of(parser);
+}
+
 void LibraryCommand::run(const QCommandLineParser& parser, CliSession& session)
 {
-    QStringList arguments = parser.positionalArguments();
-    const QString action = arguments.isEmpty() ? QString() : arguments.takeFirst();
-    session.setCommand(QStringLiteral("library ") + action);
-    if (action == QLatin1String("list") && arguments.isEmpty()) {
+    const LibraryCall call = LibraryCall::of(parser);
+    session.setCommand(QStringLiteral("library ") + call.action);
+    if (call.action == QLatin1String("list")) {
         list(session);
         return;
     }
-    if (action == QLatin1String("show") && arguments.size() == 1) {
-        show(arguments[0], session);
+    if (call.action == QLatin1String("show")) {
+        show(call.arguments[0], session);
         return;
     }
-    for (const NamedAction& named : actions) {
-        if (action == QLatin1String(named.name) && arguments.size() >= named.fewest && arguments.size() <= named.most) {
-            named.run(parser, arguments, session);
-            return;
-        }
-    }
-    refuseUsage("library",
-                QStringLiteral("library takes: list; show NAME; save NAME; import FILE NAME; append NAME; merge NAME "
-                               "LIBRARY...; rename NAME NEW; remove NAME...; or template SEQ."));
+    const auto* const found = std::find_if(actions.begin(), actions.end(), [&call](const NamedAction& named) {
+        return call.action == QLatin1String(named.name);
+    });
+    found->run(call, session);
 }
 
 void LibraryCommand::list(CliSession& session) const

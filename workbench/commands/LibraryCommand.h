@@ -18,6 +18,7 @@ public:
         return {QStringLiteral("region"), QStringLiteral("sequence"), QStringLiteral("probes"), QStringLiteral("from"),
                 QStringLiteral("spectrum")};
     }
+    void check(const QCommandLineParser& parser) const override;
     void run(const QCommandLineParser& parser, CliSession& session) override;
 
 private:

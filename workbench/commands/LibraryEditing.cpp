@@ -8,7 +8,6 @@
 #include "services/analysis/AutomaticSetUp.h"
 #include "services/analysis/SpectrumSources.h"
 #include "services/basis/Failure.h"
-#include "services/basis/UnitNames.h"
 #include "services/session/OpenedSequence.h"
 #include "services/session/PairSelection.h"
 #include "services/session/SavedLibraries.h"
@@ -18,82 +17,19 @@
 #include "windows/probeOffer.h"
 #include "workbench/commands/CliSession.h"
 #include "workbench/commands/CommandParser.h"
+#include "workbench/commands/LibraryCall.h"
 #include "workbench/commands/Options.h"
 
-#include <QCommandLineParser>
 #include <QDir>
 #include <QFileInfo>
 #include <QJsonArray>
-#include <QMap>
 
 namespace {
 
-// What is asked for of one sequence, or of none.
-struct LibraryPart
+void takeParts(const LibraryCall& call, SpectrumSources& made, CliSession& session)
 {
-    QString sequence;
-    QStringList files;
-    QStringList probes;
-    QStringList regions;
-
-    bool isEmpty() const { return files.isEmpty() && probes.isEmpty() && regions.isEmpty(); }
-    bool needsSequence() const { return !probes.isEmpty() || !regions.isEmpty(); }
-};
-
-// Options belong to the sequence ahead of them; those ahead of all belong to the only one, if there is one only.
-QList<LibraryPart> partsOf(const QCommandLineParser& parser)
-{
-    QMap<QString, int> seen;
-    QList<LibraryPart> parts = {LibraryPart()};
-    for (const QString& option : parser.optionNames()) {
-        const QString value = parser.values(option).value(seen[option]++);
-        if (option == QLatin1String("sequence")) {
-            parts.append(LibraryPart());
-            parts.last().sequence = value;
-        } else if (option == QLatin1String("from")) {
-            parts.last().files.append(value);
-        } else if (option == QLatin1String("probes")) {
-            parts.last().probes.append(value);
-        } else if (option == QLatin1String("region")) {
-            parts.last().regions.append(value);
-        }
-    }
-    const int sequences = parts.size() - 1;
-    if (sequences == 1) {
-        const LibraryPart ahead = parts.takeFirst();
-        parts.first().files = ahead.files + parts.first().files;
-        parts.first().probes = ahead.probes + parts.first().probes;
-        parts.first().regions = ahead.regions + parts.first().regions;
-    } else if (parts.first().needsSequence()) {
-        refuseUsage("library",
-                    sequences == 0
-                        ? QStringLiteral("--sequence is missing: the images that the spectra are for.")
-                        : QStringLiteral("of several sequences each stands ahead of its --region and --probes."));
-    }
-    for (const LibraryPart& part : qAsConst(parts)) {
-        if (!part.sequence.isEmpty() && part.isEmpty()) {
-            refuseUsage("library",
-                        QStringLiteral("no --region, --probes or --from is for --sequence %1.").arg(part.sequence));
-        }
-    }
-    return parts;
-}
-
-// Adds what the options ask for; whether there was anything.
-bool takeParts(const QCommandLineParser& parser, SpectrumSources& made, CliSession& session)
-{
-    int unit = -1;
-    if (parser.isSet(QStringLiteral("unit"))) {
-        unit = UnitNames::fromText(parser.value(QStringLiteral("unit")));
-        if (unit < 0) {
-            refuseUsage("library", QStringLiteral("--unit takes %1, not \"%2\".")
-                                       .arg(UnitNames::options().join(QStringLiteral(", ")),
-                                            parser.value(QStringLiteral("unit"))));
-        }
-    }
-    made.setImages(parser.value(QStringLiteral("select")), unit);
-    bool any = false;
-    for (const LibraryPart& part : partsOf(parser)) {
+    made.setImages(call.select, call.unit);
+    for (const LibraryCall::Part& part : call.parts) {
         for (const QString& file : part.files) {
             part.sequence.isEmpty() ? made.fromLibrary(file) : made.fromLibrary(file, part.sequence);
         }
@@ -104,16 +40,14 @@ bool takeParts(const QCommandLineParser& parser, SpectrumSources& made, CliSessi
             made.fromRegions(part.regions, part.sequence);
         }
         session.stopIfRequested();
-        any = any || !part.isEmpty();
     }
-    return any;
 }
 
-void store(const QCommandLineParser& parser, const QString& strName, const SpectrumSources& made, bool bReplace,
+void store(const LibraryCall& call, const QString& strName, const SpectrumSources& made, bool bReplace,
            CliSession& session)
 {
     session.stopIfRequested();
-    const QString note = parser.isSet(QStringLiteral("note")) ? parser.value(QStringLiteral("note")) : made.note();
+    const QString note = call.hasNote ? call.note : made.note();
     if (note.contains(QLatin1Char(','))) {
         session.warn(QStringLiteral("the file's form ends a note at its first comma"));
     }
@@ -126,28 +60,13 @@ void store(const QCommandLineParser& parser, const QString& strName, const Spect
     session.answerJson(QJsonObject{{"name", strName}, {"path", path}, {"spectra", spectra.size()}});
 }
 
-bool isForced(const QCommandLineParser& parser)
-{
-    return parser.isSet(QStringLiteral("force"));
-}
-
-// "OLD=NEW".
-QPair<QString, QString> renamingOf(const QString& strText)
-{
-    const int equals = strText.indexOf(QLatin1Char('='));
-    if (equals < 1) {
-        refuseUsage("library", QStringLiteral("rename: --spectrum takes OLD=NEW, not \"%1\".").arg(strText));
-    }
-    return {strText.left(equals).trimmed(), strText.mid(equals + 1).trimmed()};
-}
-
 // Columns to fill in: those that are asked for, else the components that would be resolved.
-QStringList templateNames(const QCommandLineParser& parser, const CORVSpumKyvo& engine)
+QStringList templateNames(const LibraryCall& call, const CORVSpumKyvo& engine)
 {
-    QStringList names;
-    if (parser.isSet(QStringLiteral("spectrum"))) {
-        return parser.values(QStringLiteral("spectrum"));
+    if (!call.spectra.isEmpty()) {
+        return call.spectra;
     }
+    QStringList names;
     for (const QString& name : proposedComponents(engine)) {
         const bool known = !name.isEmpty() && name != QLatin1String(kUnknownProbe) && !names.contains(name);
         names.append(known ? name : QStringLiteral("component %1").arg(names.size() + 1));
@@ -190,137 +109,113 @@ void LibraryEditing::declareOptions(CommandParser& parser)
                    "NAME");
     addValueOption(parser, "out", QStringLiteral("template: the file; SEQ-spectra.csv in the present folder."), "FILE");
     addValueOption(parser, "note", QStringLiteral("save, import, append, merge: a note (a comma ends it)."), "TEXT");
-    addFlag(parser, "force", QStringLiteral("Replace a library of that name; of template, the file."));
+    addFlag(parser, "force",
+            QStringLiteral("save, import, merge, rename: replace a library of that name; template: the file."));
 }
 
-void LibraryEditing::save(const QCommandLineParser& parser, const QStringList& arguments, CliSession& session)
+void LibraryEditing::save(const LibraryCall& call, CliSession& session)
 {
     SpectrumSources made;
-    if (!takeParts(parser, made, session)) {
-        refuseUsage("library", QStringLiteral("save takes one of --from, --probes and --region, or several of them."));
-    }
-    store(parser, arguments[0], made, isForced(parser), session);
+    takeParts(call, made, session);
+    store(call, call.arguments[0], made, call.force, session);
 }
 
-void LibraryEditing::import(const QCommandLineParser& parser, const QStringList& arguments, CliSession& session)
+void LibraryEditing::import(const LibraryCall& call, CliSession& session)
 {
-    for (const char* option : {"from", "probes", "region", "unit"}) {
-        if (parser.isSet(QLatin1String(option))) {
-            refuseUsage("library",
-                        QStringLiteral("import takes its spectra from FILE alone, not from --%1; append adds "
-                                       "others.")
-                            .arg(QLatin1String(option)));
-        }
-    }
-    if (parser.values(QStringLiteral("sequence")).size() > 1) {
-        refuseUsage("library", QStringLiteral("import takes one --sequence."));
-    }
     SpectrumSources made;
-    made.setImages(parser.value(QStringLiteral("select")), -1);
-    if (parser.isSet(QStringLiteral("sequence"))) {
-        made.fromLibrary(arguments[0], parser.value(QStringLiteral("sequence")));
+    made.setImages(call.select, -1);
+    if (call.sequence.isEmpty()) {
+        made.fromLibrary(call.arguments[0]);
     } else {
-        made.fromLibrary(arguments[0]);
+        made.fromLibrary(call.arguments[0], call.sequence);
     }
-    store(parser, arguments[1], made, isForced(parser), session);
+    store(call, call.arguments[1], made, call.force, session);
 }
 
-void LibraryEditing::append(const QCommandLineParser& parser, const QStringList& arguments, CliSession& session)
+void LibraryEditing::append(const LibraryCall& call, CliSession& session)
 {
     SpectrumSources made;
-    SavedLibraries::fileOf(arguments[0]);
-    made.fromLibrary(arguments[0]);
-    if (!takeParts(parser, made, session)) {
-        refuseUsage("library", QStringLiteral("append takes --from, --probes or --region, or several of them."));
-    }
-    store(parser, arguments[0], made, true, session);
+    SavedLibraries::fileOf(call.arguments[0]);
+    made.fromLibrary(call.arguments[0]);
+    takeParts(call, made, session);
+    store(call, call.arguments[0], made, true, session);
 }
 
-void LibraryEditing::merge(const QCommandLineParser& parser, const QStringList& arguments, CliSession& session)
+void LibraryEditing::merge(const LibraryCall& call, CliSession& session)
 {
     SpectrumSources made;
-    for (const QString& name : arguments.mid(1)) {
+    for (const QString& name : call.arguments.mid(1)) {
         made.fromLibrary(name);
     }
-    store(parser, arguments[0], made, isForced(parser), session);
+    store(call, call.arguments[0], made, call.force, session);
 }
 
-void LibraryEditing::rename(const QCommandLineParser& parser, const QStringList& arguments, CliSession& session)
+void LibraryEditing::rename(const LibraryCall& call, CliSession& session)
 {
-    const QStringList texts = parser.values(QStringLiteral("spectrum"));
-    if (texts.isEmpty() != (arguments.size() == 2)) {
-        refuseUsage("library",
-                    QStringLiteral("rename takes a library and its new name, or a library and --spectrum OLD=NEW."));
-    }
-    if (texts.isEmpty()) {
-        SavedLibraries::rename(arguments[0], arguments[1], isForced(parser));
+    if (call.newSpectra.isEmpty()) {
+        SavedLibraries::rename(call.arguments[0], call.arguments[1], call.force);
         session.answer(QStringLiteral("renamed %1 to %2\n")
-                           .arg(orv::printableLine(arguments[0]), orv::printableLine(arguments[1])));
-        session.answerJson(QJsonObject{{"name", arguments[1]}, {"was", arguments[0]}});
+                           .arg(orv::printableLine(call.arguments[0]), orv::printableLine(call.arguments[1])));
+        session.answerJson(QJsonObject{{"name", call.arguments[1]}, {"was", call.arguments[0]}});
         return;
     }
-    QList<QPair<QString, QString>> names;
-    for (const QString& text : texts) {
-        names.append(renamingOf(text));
-    }
-    SavedLibraries::renameSpectra(arguments[0], names);
-    session.answer(
-        QStringLiteral("renamed %1 spectra of %2\n").arg(names.size()).arg(orv::printableLine(arguments[0])));
-    session.answerJson(QJsonObject{{"name", arguments[0]}, {"renamed", names.size()}});
+    SavedLibraries::renameSpectra(call.arguments[0], call.newSpectra);
+    session.answer(QStringLiteral("renamed %1 spectra of %2\n")
+                       .arg(call.newSpectra.size())
+                       .arg(orv::printableLine(call.arguments[0])));
+    session.answerJson(QJsonObject{{"name", call.arguments[0]}, {"renamed", call.newSpectra.size()}});
 }
 
-void LibraryEditing::remove(const QCommandLineParser& parser, const QStringList& arguments, CliSession& session)
+void LibraryEditing::remove(const LibraryCall& call, CliSession& session)
 {
-    const QStringList spectra = parser.values(QStringLiteral("spectrum"));
+    const QStringList& spectra = call.spectra;
     if (spectra.isEmpty()) {
-        SavedLibraries::remove(arguments);
-        session.answer(QStringLiteral("removed %1\n").arg(orv::printableLine(arguments.join(QStringLiteral(", ")))));
-        session.answerJson(QJsonObject{{"removed", QJsonArray::fromStringList(arguments)}});
+        SavedLibraries::remove(call.arguments);
+        session.answer(
+            QStringLiteral("removed %1\n").arg(orv::printableLine(call.arguments.join(QStringLiteral(", ")))));
+        session.answerJson(QJsonObject{{"removed", QJsonArray::fromStringList(call.arguments)}});
         return;
     }
-    if (arguments.size() != 1) {
-        refuseUsage("library", QStringLiteral("remove takes --spectrum of one library."));
-    }
-    const int left = SavedLibraries::removeSpectra(arguments[0], spectra);
-    session.answer(QStringLiteral("removed %1 of %2; %3 spectra are left\n")
-                       .arg(orv::printableLine(spectra.join(QStringLiteral(", "))), orv::printableLine(arguments[0]))
-                       .arg(left));
-    session.answerJson(QJsonObject{{"name", arguments[0]}, {"spectra", left}});
+    const int left = SavedLibraries::removeSpectra(call.arguments[0], spectra);
+    session.answer(
+        QStringLiteral("removed %1 of %2; %3 spectra are left\n")
+            .arg(orv::printableLine(spectra.join(QStringLiteral(", "))), orv::printableLine(call.arguments[0]))
+            .arg(left));
+    session.answerJson(QJsonObject{{"name", call.arguments[0]}, {"spectra", left}});
 }
 
-void LibraryEditing::writeTemplate(const QCommandLineParser& parser, const QStringList& arguments, CliSession& session)
+void LibraryEditing::writeTemplate(const LibraryCall& call, CliSession& session)
 {
-    OpenedSequence opened(arguments[0]);
+    OpenedSequence opened(call.arguments[0]);
     const CORVSpumKyvo& engine = opened.engine();
     if (!opened.canBeAnalysed()) {
-        throw Failure(QStringLiteral("%1 cannot be analysed: %2").arg(arguments[0], opened.reasonAgainst()));
+        throw Failure(QStringLiteral("%1 cannot be analysed: %2").arg(call.arguments[0], opened.reasonAgainst()));
     }
     if (engine.m_eSeqKind == SEQKIND_TEMPORAL) {
         throw Failure(
-            QStringLiteral("a table of spectra is over wavelength; %1 is a temporal sequence").arg(arguments[0]));
+            QStringLiteral("a table of spectra is over wavelength; %1 is a temporal sequence").arg(call.arguments[0]));
     }
     QList<KeyPair> pairs = engine.getSelectedKeyPairs();
-    if (parser.isSet(QStringLiteral("select"))) {
-        pairs = selectPairs(parser.value(QStringLiteral("select")), pairs);
+    if (!call.select.isEmpty()) {
+        pairs = selectPairs(call.select, pairs);
     }
-    const QStringList names = templateNames(parser, engine);
+    const QStringList names = templateNames(call, engine);
     const QList<SpectralBand> bands = bandsOf(opened.sequence(), pairs);
     for (const SpectralBand& band : bands) {
         if (!band.excitation.isKnown() && !band.emission.isKnown()) {
             throw Failure(
                 QStringLiteral("%1: the wavelength of the image %2 is not known, so that no table can name it")
-                    .arg(arguments[0], pairText(band.pair)),
+                    .arg(call.arguments[0], pairText(band.pair)),
                 QStringLiteral("\"spum library save\" measures spectra in the images"));
         }
     }
     const QByteArray text = libraryTemplate(bands, names);
-    const QString file = parser.isSet(QStringLiteral("out"))
-                             ? parser.value(QStringLiteral("out"))
-                             : QDir(opened.folder()).dirName() + QStringLiteral("-spectra.csv");
+    const QString file =
+        !call.out.isEmpty() ? call.out : QDir(opened.folder()).dirName() + QStringLiteral("-spectra.csv");
     QString error;
     bool existed = false;
-    if (isForced(parser) ? !orv::writeFileAtomically(file, text, &error)
-                         : !orv::writeNewFileAtomically(file, text, &existed, &error)) {
+    if (call.force ? !orv::writeFileAtomically(file, text, &error)
+                   : !orv::writeNewFileAtomically(file, text, &existed, &error)) {
         throw existed ? Failure(QStringLiteral("%1 exists already").arg(file), QStringLiteral("--force replaces it"))
                       : Failure(error);
     }

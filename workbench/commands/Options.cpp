@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "workbench/commands/Options.h"
 
+#include "services/basis/UnitNames.h"
 #include "workbench/commands/CallErrors.h"
 #include "workbench/commands/CommandParser.h"
 
@@ -20,6 +21,21 @@ void addChoiceOption(CommandParser& parser, const char* pName, const QString& st
 void addFlag(CommandParser& parser, const char* pName, const QString& strText)
 {
     parser.addOption({QLatin1String(pName), strText});
+}
+
+int unitOption(const QCommandLineParser& parser, const char* pCommand)
+{
+    if (!parser.isSet(QStringLiteral("unit"))) {
+        return -1;
+    }
+    const QString text = parser.value(QStringLiteral("unit"));
+    const int unit = UnitNames::fromText(text);
+    if (unit < 0) {
+        refuseUsage(
+            pCommand,
+            QStringLiteral("--unit takes %1, not \"%2\".").arg(UnitNames::options().join(QStringLiteral(", ")), text));
+    }
+    return unit;
 }
 
 void refuseUsage(const char* pCommand, const QString& strText)

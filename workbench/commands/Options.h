@@ -5,6 +5,7 @@
 #include <QStringList>
 
 class CommandParser;
+class QCommandLineParser;
 
 // Declares an option that takes a value.
 void addValueOption(CommandParser& parser, const char* pName, const QString& strText, const char* pValue);
@@ -13,6 +14,9 @@ void addChoiceOption(CommandParser& parser, const char* pName, const QString& st
                      const QStringList& words);
 // Declares one that takes none.
 void addFlag(CommandParser& parser, const char* pName, const QString& strText);
+
+// The unit that --unit names, -1 without that option; refuses other words.
+int unitOption(const QCommandLineParser& parser, const char* pCommand);
 
 // Throws Failure (bad request): the sentence, and where the options of that command are told.
 [[noreturn]] void refuseUsage(const char* pCommand, const QString& strText);

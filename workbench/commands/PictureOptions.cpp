@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "workbench/commands/PictureOptions.h"
 
+#include "workbench/commands/CallErrors.h"
 #include "workbench/commands/CommandParser.h"
-#include "workbench/commands/Options.h"
 
 #include <QMap>
 #include <QRegularExpression>
@@ -51,20 +51,21 @@ void declarePictureOptions(CommandParser& parser)
 PictureRequest pictureRequestOf(const QCommandLineParser& parser, const char* pCommand)
 {
     PictureRequest request;
+    CallErrors errors((QLatin1String(pCommand)));
     if (isGiven(parser, "colors")) {
         const QString text = parser.value(QStringLiteral("colors"));
         if (!takeColors(text, &request)) {
-            refuseUsage(
-                pCommand,
+            errors.refuse(
                 QStringLiteral("--colors takes %1, not \"%2\".").arg(colorsOnOffer().join(QStringLiteral(", ")), text));
         }
     }
     if (isGiven(parser, "scale")) {
         const QString text = parser.value(QStringLiteral("scale"));
         if (!scales().contains(text)) {
-            refuseUsage(pCommand, QStringLiteral("--scale takes own, component or all, not \"%1\".").arg(text));
+            errors.refuse(QStringLiteral("--scale takes own, component or all, not \"%1\".").arg(text));
         }
         request.scale = scales().value(text);
     }
+    errors.throwAll();
     return request;
 }

@@ -15,6 +15,8 @@
 #include "services/session/OpenedSequence.h"
 #include "services/transfer/ResultExport.h"
 #include "storage/SavedDocument.h"
+#include "workbench/commands/ActionOptions.h"
+#include "workbench/commands/CallErrors.h"
 #include "workbench/commands/CliProgress.h"
 #include "workbench/commands/CliSession.h"
 #include "workbench/commands/CommandParser.h"
@@ -44,23 +46,58 @@ const QMap<QString, int>& actions()
     return list;
 }
 
-// An option of another action is a slip that must not pass in silence.
-void refuseForeignOptions(const QCommandLineParser& parser, const QString& strAction)
+const ActionOptions& optionsOfActions()
 {
-    static const QMap<QString, QStringList> owners = {
-        {QStringLiteral("out"), {QStringLiteral("load"), QStringLiteral("export")}},
-        {QStringLiteral("pdf"), {QStringLiteral("load")}},
-        {QStringLiteral("colors"), {QStringLiteral("load")}},
-        {QStringLiteral("scale"), {QStringLiteral("load")}},
-        {QStringLiteral("component"), {QStringLiteral("export")}},
-        {QStringLiteral("force"), {QStringLiteral("load"), QStringLiteral("export")}},
-        {QStringLiteral("yes"), {QStringLiteral("delete")}}};
-    for (auto owner = owners.cbegin(); owner != owners.cend(); ++owner) {
-        if (parser.isSet(owner.key()) && !owner.value().contains(strAction)) {
-            refuseUsage("results",
-                        QStringLiteral("--%1 does not go with \"spum results %2\".").arg(owner.key(), strAction));
+    static const QStringList load(QStringLiteral("load"));
+    static const QStringList both = {QStringLiteral("load"), QStringLiteral("export")};
+    static const ActionOptions owners = {{QStringLiteral("out"), both},
+                                         {QStringLiteral("pdf"), load},
+                                         {QStringLiteral("colors"), load},
+                                         {QStringLiteral("scale"), load},
+                                         {QStringLiteral("component"), QStringList(QStringLiteral("export"))},
+                                         {QStringLiteral("force"), both},
+                                         {QStringLiteral("yes"), QStringList(QStringLiteral("delete"))}};
+    return owners;
+}
+
+// What a call asks for.
+struct Request
+{
+    QString action;
+    QStringList arguments; // behind the action: the sequence first
+    PictureRequest pictures;
+    std::optional<int> component;
+};
+
+Request requestOf(const QCommandLineParser& parser)
+{
+    Request request;
+    request.arguments = parser.positionalArguments();
+    request.action = request.arguments.isEmpty() ? QString() : request.arguments.takeFirst();
+    CallErrors errors(QStringLiteral("results"));
+    const bool known = actions().contains(request.action);
+    if (!known || request.arguments.size() != actions().value(request.action) + 1) {
+        errors.refuse(
+            QStringLiteral("results takes: list SEQ; show SEQ NAME; load SEQ NAME; rename SEQ NAME NEW; delete SEQ "
+                           "NAME; or export SEQ NAME --out DIR."));
+    }
+    if (known) {
+        refuseForeignOptions(parser, optionsOfActions(), request.action, QStringLiteral("results ") + request.action,
+                             errors);
+    }
+    if (request.action == QLatin1String("export") && parser.value(QStringLiteral("out")).isEmpty()) {
+        errors.refuse(QStringLiteral("--out is missing: the folder of the new sequence."));
+    }
+    errors.collect([&] { request.pictures = pictureRequestOf(parser, "results"); });
+    if (parser.isSet(QStringLiteral("component"))) {
+        bool ok = false;
+        request.component = parser.value(QStringLiteral("component")).toInt(&ok);
+        if (!ok || *request.component < 1) {
+            errors.refuse(QStringLiteral("--component takes the number of a component, from 1."));
         }
     }
+    errors.throwAll();
+    return request;
 }
 
 // The date of a saved result, which its file has as the computer that saved it writes dates, by ISO 8601; null where it
@@ -131,19 +168,6 @@ QString spectraText(const SavedDocument& document)
     return table.toText();
 }
 
-std::optional<int> componentOf(const QCommandLineParser& parser)
-{
-    if (!parser.isSet(QStringLiteral("component"))) {
-        return std::nullopt;
-    }
-    bool ok = false;
-    const int component = parser.value(QStringLiteral("component")).toInt(&ok);
-    if (!ok || component < 1) {
-        refuseUsage("results", QStringLiteral("--component takes the number of a component, from 1."));
-    }
-    return component;
-}
-
 } // namespace
 
 void ResultsCommand::declare(CommandParser& parser) const
@@ -178,34 +202,29 @@ QList<CommandManual::Example> ResultsCommand::examples() const
              QStringLiteral("Make a sequence of its maps.")}};
 }
 
+void ResultsCommand::check(const QCommandLineParser& parser) const
+{
+    requestOf(parser);
+}
+
 void ResultsCommand::run(const QCommandLineParser& parser, CliSession& session)
 {
-    const QStringList arguments = parser.positionalArguments();
-    const QString action = arguments.value(0);
-    if (!actions().contains(action) || arguments.size() != actions().value(action) + 2) {
-        refuseUsage(
-            "results",
-            QStringLiteral("results takes: list SEQ; show SEQ NAME; load SEQ NAME; rename SEQ NAME NEW; delete SEQ "
-                           "NAME; or export SEQ NAME --out DIR."));
-    }
-    refuseForeignOptions(parser, action);
-    if (action == QLatin1String("export") && parser.value(QStringLiteral("out")).isEmpty()) {
-        refuseUsage("results", QStringLiteral("--out is missing: the folder of the new sequence."));
-    }
-    session.setCommand(QStringLiteral("results ") + action);
-    OpenedSequence opened(arguments[1]);
+    const Request request = requestOf(parser);
+    const QStringList& arguments = request.arguments;
+    session.setCommand(QStringLiteral("results ") + request.action);
+    OpenedSequence opened(arguments[0]);
     session.warnAll(opened.warnings());
-    if (action == QLatin1String("list")) {
+    if (request.action == QLatin1String("list")) {
         return list(opened, session);
     }
-    const QString name = ResultStore::findName(opened.sequence(), arguments[2]);
-    if (action == QLatin1String("show")) {
+    const QString name = ResultStore::findName(opened.sequence(), arguments[1]);
+    if (request.action == QLatin1String("show")) {
         show(opened, name, session);
-    } else if (action == QLatin1String("load")) {
+    } else if (request.action == QLatin1String("load")) {
         load(opened, name, parser, session);
-    } else if (action == QLatin1String("rename")) {
-        rename(opened, {name, arguments[3]}, session);
-    } else if (action == QLatin1String("delete")) {
+    } else if (request.action == QLatin1String("rename")) {
+        rename(opened, {name, arguments[2]}, session);
+    } else if (request.action == QLatin1String("delete")) {
         remove(opened, name, parser, session);
     } else {
         exportMaps(opened, name, parser, session);
@@ -294,7 +313,6 @@ void ResultsCommand::show(OpenedSequence& opened, const QString& strName, CliSes
 void ResultsCommand::load(OpenedSequence& opened, const QString& strName, const QCommandLineParser& parser,
                           CliSession& session) const
 {
-    const PictureRequest pictures = pictureRequestOf(parser, "results");
     const ResultPlace place = resultPlace(parser.value(QStringLiteral("out")), opened.folder(),
                                           QStringLiteral("result-") + resultFileName(strName));
     StagedRun staged(place, parser.isSet(QStringLiteral("force")), QStringLiteral("summary.json"));
@@ -311,7 +329,7 @@ void ResultsCommand::load(OpenedSequence& opened, const QString& strName, const 
     provenance.command = command;
     files.setProvenance(provenance);
     files.setReport(frame, parser.isSet(QStringLiteral("pdf")));
-    files.setStyle(pictureStyleOf(opened.engine(), pictures));
+    files.setStyle(pictureStyleOf(opened.engine(), requestOf(parser).pictures));
     const XTNT::CancellationCheck check([&session] { session.stopIfRequested(); });
     files.write([&session](double fraction) {
         session.stopIfRequested();
@@ -342,13 +360,13 @@ void ResultsCommand::remove(OpenedSequence& opened, const QString& strName, cons
 void ResultsCommand::exportMaps(OpenedSequence& opened, const QString& strName, const QCommandLineParser& parser,
                                 CliSession& session) const
 {
-    const auto component = componentOf(parser);
     session.startProgress(QStringLiteral("Loading the result"));
     const LoadedResult loaded(opened, strName, session);
     session.stopIfRequested();
     session.showProgress(QStringLiteral("Exporting the maps"), 0.5);
-    const ExportedMaps maps = exportResult(opened.engine(), component, parser.value(QStringLiteral("out")),
-                                           parser.isSet(QStringLiteral("force")), &session);
+    const ExportedMaps maps =
+        exportResult(opened.engine(), requestOf(parser).component, parser.value(QStringLiteral("out")),
+                     parser.isSet(QStringLiteral("force")), &session);
     session.endProgress();
     session.answer(
         QStringLiteral("%1 exported as sequence %2 in %3\n")

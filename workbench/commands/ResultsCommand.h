@@ -19,6 +19,7 @@ public:
     }
     void declare(CommandParser& parser) const override;
     QList<CommandManual::Example> examples() const override;
+    void check(const QCommandLineParser& parser) const override;
     void run(const QCommandLineParser& parser, CliSession& session) override;
 
 private:

@@ -3,7 +3,6 @@
 
 #include "files/AtomicFile.h"
 #include "host/CORVSequenceDataset.h"
-#include "platform/orvapi/ROISection.h"
 #include "platform/orvapi/ROIShape.h"
 #include "services/basis/Failure.h"
 #include "services/basis/TextTable.h"
@@ -17,10 +16,10 @@
 #include "workbench/commands/CliSession.h"
 #include "workbench/commands/CommandParser.h"
 #include "workbench/commands/Options.h"
+#include "workbench/commands/RoiCall.h"
 
 #include <QFileInfo>
 #include <QJsonArray>
-#include <QMap>
 
 #include <algorithm>
 #include <cmath>
@@ -28,23 +27,6 @@
 namespace {
 
 constexpr int widestShape = 60;
-
-// An option of another action is a slip that must not pass in silence.
-void refuseForeignOptions(const QCommandLineParser& parser, const QString& strAction)
-{
-    static const QMap<QString, QStringList> owners = {
-        {QStringLiteral("add"), {QStringLiteral("shape"), QStringLiteral("name"), QStringLiteral("image-pixels")}},
-        {QStringLiteral("measure"),
-         {QStringLiteral("unit"), QStringLiteral("result"), QStringLiteral("csv"), QStringLiteral("force"),
-          QStringLiteral("save")}}};
-    for (auto owner = owners.cbegin(); owner != owners.cend(); ++owner) {
-        for (const QString& option : owner.value()) {
-            if (owner.key() != strAction && parser.isSet(option)) {
-                refuseUsage("roi", QStringLiteral("--%1 belongs to \"spum roi SEQ %2\".").arg(option, owner.key()));
-            }
-        }
-    }
-}
 
 // Size in pixels and binning of a dataset's images.
 struct Geometry
@@ -86,39 +68,13 @@ void scale(tagROIInfo& region, double factor)
     }
 }
 
-tagROIInfo regionOf(const QCommandLineParser& parser, const QList<Geometry>& geometries)
+// `pWhat` is what the user gave the name by.
+void refuseTakenName(const QString& strName, const char* pWhat, const RoiStore& store)
 {
-    if (!parser.isSet(QStringLiteral("shape"))) {
-        refuseUsage("roi", QStringLiteral("add takes one --shape, such as rect:x,y,width,height."));
+    if (store.names().contains(strName)) {
+        throw Failure(QStringLiteral("there is a region \"%1\" already; remove it first or choose another %2")
+                          .arg(strName, QLatin1String(pWhat)));
     }
-    tagROIInfo region;
-    QString reason;
-    if (!ROIShape::fromText(parser.value(QStringLiteral("shape")), &region, &reason)) {
-        refuseUsage("roi", QStringLiteral("--shape: %1.").arg(reason));
-    }
-    if (parser.isSet(QStringLiteral("image-pixels"))) {
-        scale(region, geometries.first().binning);
-    }
-    return region;
-}
-
-// A name that a region may have and none has; `pWhat` is what the user gave it by.
-QString newName(const QString& strText, const char* pWhat, const RoiStore& store)
-{
-    const QString what = QLatin1String(pWhat);
-    const QString name = strText.trimmed();
-    const QString reason = ROISection::reasonAgainstName(name);
-    if (!reason.isEmpty()) {
-        refuseUsage("roi", QStringLiteral("%1: the name %2.").arg(what, reason));
-    }
-    if (name == QLatin1String("all")) {
-        refuseUsage("roi", QStringLiteral("%1: \"all\" stands for all regions and names none.").arg(what));
-    }
-    if (store.names().contains(name)) {
-        throw Failure(
-            QStringLiteral("there is a region \"%1\" already; remove it first or choose another %2").arg(name, what));
-    }
-    return name;
 }
 
 [[noreturn]] void failForAbsent(const QString& strName, const RoiStore& store)
@@ -167,16 +123,10 @@ QString noRegion(const QString& strSequence)
         .arg(strSequence);
 }
 
-tag_edisplayunit unitOf(const QCommandLineParser& parser, const CORVSequenceDataset& sequence)
+tag_edisplayunit unitOf(const RoiCall& call, const CORVSequenceDataset& sequence)
 {
-    const QString text = parser.value(QStringLiteral("unit"));
-    int unit = UnitNames::fromText(text);
-    if (!text.isEmpty() && unit < 0) {
-        refuseUsage(
-            "roi",
-            QStringLiteral("--unit: \"%1\" is none of %2.").arg(text, UnitNames::options().join(QStringLiteral(", "))));
-    }
-    if (text.isEmpty()) {
+    int unit = call.unit;
+    if (unit < 0) {
         QStringList clicks;
         for (auto* dataset : sequence.getDatasets()) {
             if (dataset->hasROIData()) {
@@ -190,17 +140,6 @@ tag_edisplayunit unitOf(const QCommandLineParser& parser, const CORVSequenceData
                       QStringLiteral("\"spum info\" tells the units of each"));
     }
     return static_cast<tag_edisplayunit>(unit);
-}
-
-// Arguments of each action behind the sequence and its own name.
-const QMap<QString, int>& actions()
-{
-    static const QMap<QString, int> list = {{QStringLiteral("add"), 0},
-                                            {QStringLiteral("list"), 0},
-                                            {QStringLiteral("measure"), 0},
-                                            {QStringLiteral("remove"), 1},
-                                            {QStringLiteral("rename"), 2}};
-    return list;
 }
 
 bool goesOn()
@@ -293,45 +232,42 @@ QList<CommandManual::Example> RoiCommand::examples() const
              QStringLiteral("Its light in every image, and over the maps of a result.")}};
 }
 
+void RoiCommand::check(const QCommandLineParser& parser) const
+{
+    RoiCall::of(parser);
+}
+
 void RoiCommand::run(const QCommandLineParser& parser, CliSession& session)
 {
-    const QStringList arguments = parser.positionalArguments();
-    const QString action = arguments.value(1);
-    if (!actions().contains(action) || arguments.size() != actions().value(action) + 2) {
-        refuseUsage(
-            "roi",
-            QStringLiteral("roi takes: SEQ add --shape SHAPE; SEQ list; SEQ measure; SEQ remove NAME; or SEQ rename "
-                           "NAME NEW."));
-    }
-    refuseForeignOptions(parser, action);
-    const bool changes =
-        action == QLatin1String("measure") ? parser.isSet(QStringLiteral("save")) : action != QLatin1String("list");
-    Work work(arguments[0], changes);
+    const RoiCall call = RoiCall::of(parser);
+    Work work(call.sequence, call.changes());
     session.warnAll(work.warnings);
-    session.setCommand(QStringLiteral("roi ") + action);
-    if (action == QLatin1String("add")) {
-        add(parser, work, session);
-    } else if (action == QLatin1String("list")) {
+    session.setCommand(QStringLiteral("roi ") + call.action);
+    if (call.action == QLatin1String("add")) {
+        add(call, work, session);
+    } else if (call.action == QLatin1String("list")) {
         list(work, session);
-    } else if (action == QLatin1String("measure")) {
-        measure(parser, work, session);
-    } else if (action == QLatin1String("remove")) {
-        remove(arguments[2], work, session);
+    } else if (call.action == QLatin1String("measure")) {
+        measure(call, work, session);
+    } else if (call.action == QLatin1String("remove")) {
+        remove(call.name, work, session);
     } else {
-        rename(arguments[2], arguments[3], work, session);
+        rename(call, work, session);
     }
 }
 
-void RoiCommand::add(const QCommandLineParser& parser, Work& work, CliSession& session) const
+void RoiCommand::add(const RoiCall& call, Work& work, CliSession& session) const
 {
     const QList<Geometry> geometries = geometriesOf(work.sequence);
     if (geometries.isEmpty()) {
         throw Failure(QStringLiteral("the sequence holds no image that could have a region"));
     }
-    tagROIInfo region = regionOf(parser, geometries);
-    region.name = parser.isSet(QStringLiteral("name"))
-                      ? newName(parser.value(QStringLiteral("name")), "--name", work.store)
-                      : work.store.freeName();
+    tagROIInfo region = call.shape;
+    if (call.imagePixels) {
+        scale(region, geometries.first().binning);
+    }
+    refuseTakenName(call.name, "--name", work.store);
+    region.name = call.name.isEmpty() ? work.store.freeName() : call.name;
     const qint64 pixels = pixelsIn(region, geometries, session);
     work.store.add(region);
     session.stopIfRequested();
@@ -357,7 +293,7 @@ void RoiCommand::list(const Work& work, CliSession& session) const
     session.answerJson(QJsonObject{{"regions", regions}});
 }
 
-void RoiCommand::measure(const QCommandLineParser& parser, Work& work, CliSession& session) const
+void RoiCommand::measure(const RoiCall& call, Work& work, CliSession& session) const
 {
     CORVSequenceDataset& sequence = work.sequence;
     QList<tagROIInfo> regions;
@@ -367,11 +303,10 @@ void RoiCommand::measure(const QCommandLineParser& parser, Work& work, CliSessio
     if (regions.isEmpty()) {
         throw Failure(noRegion(sequence.getSequenceName()));
     }
-    const QString csv = parser.value(QStringLiteral("csv"));
-    if (!csv.isEmpty() && QFileInfo::exists(csv) && !parser.isSet(QStringLiteral("force"))) {
-        throw Failure(QStringLiteral("%1 exists already").arg(csv), QStringLiteral("--force replaces it"));
+    if (!call.csv.isEmpty() && QFileInfo::exists(call.csv) && !call.force) {
+        throw Failure(QStringLiteral("%1 exists already").arg(call.csv), QStringLiteral("--force replaces it"));
     }
-    const tag_edisplayunit unit = unitOf(parser, sequence);
+    const tag_edisplayunit unit = unitOf(call, sequence);
 
     session.startProgress(QStringLiteral("measuring"));
     const auto step = [&session, &work](double fraction) {
@@ -381,17 +316,17 @@ void RoiCommand::measure(const QCommandLineParser& parser, Work& work, CliSessio
     };
     RoiMeasurement measurement;
     measurement.measureImages(sequence, unit, step);
-    for (const QString& name : parser.values(QStringLiteral("result"))) {
+    for (const QString& name : call.results) {
         measurement.measureMaps(sequence, regions, resultFolder(name, sequence.getSequenceInfoPath(), session), step);
     }
     session.stopIfRequested();
     session.endProgress();
 
     QString error;
-    if (!csv.isEmpty() && !orv::writeFileAtomically(csv, measurement.toCsv().toUtf8(), &error)) {
+    if (!call.csv.isEmpty() && !orv::writeFileAtomically(call.csv, measurement.toCsv().toUtf8(), &error)) {
         throw Failure(error);
     }
-    if (parser.isSet(QStringLiteral("save"))) {
+    if (call.save) {
         work.store.save(work.files);
     }
     session.warnAll(measurement.warnings());
@@ -415,15 +350,15 @@ void RoiCommand::remove(const QString& strName, Work& work, CliSession& session)
     session.answerJson(QJsonObject{{"removed", QJsonArray::fromStringList(removed)}});
 }
 
-void RoiCommand::rename(const QString& strOld, const QString& strNew, Work& work, CliSession& session) const
+void RoiCommand::rename(const RoiCall& call, Work& work, CliSession& session) const
 {
-    if (!work.store.names().contains(strOld)) {
-        failForAbsent(strOld, work.store);
+    if (!work.store.names().contains(call.name)) {
+        failForAbsent(call.name, work.store);
     }
-    const QString name = newName(strNew, "NEW", work.store);
-    const int images = work.store.rename(strOld, name);
+    refuseTakenName(call.newName, "NEW", work.store);
+    const int images = work.store.rename(call.name, call.newName);
     session.stopIfRequested();
     work.store.save(work.files);
-    session.answer(QStringLiteral("region \"%1\" is now \"%2\"\n").arg(strOld, name));
-    session.answerJson(QJsonObject{{"name", name}, {"before", strOld}, {"images", images}});
+    session.answer(QStringLiteral("region \"%1\" is now \"%2\"\n").arg(call.name, call.newName));
+    session.answerJson(QJsonObject{{"name", call.newName}, {"before", call.name}, {"images", images}});
 }

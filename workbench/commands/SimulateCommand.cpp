@@ -189,20 +189,19 @@ bool takeNoise(const QCommandLineParser& parser)
     return kind == QLatin1String("default");
 }
 
-// The kind asked for; options that it does not have are refused.
-SimulationKind takeKind(const QCommandLineParser& parser)
+// The kind asked for, Epi for none that there is; options that it does not have are refused.
+SimulationKind takeKind(const QCommandLineParser& parser, CallErrors& errors)
 {
     QString name = kindName(SimulationKind::Epi);
     take(parser, "kind", &name);
     SimulationKind kind = SimulationKind::Epi;
     if (!kindOfName(name, &kind)) {
-        refuseUsage("simulate",
-                    QStringLiteral("--kind is %1, not \"%2\".").arg(kindNames().join(QStringLiteral(", ")), name));
+        errors.refuse(QStringLiteral("--kind is %1, not \"%2\".").arg(kindNames().join(QStringLiteral(", ")), name));
+        return SimulationKind::Epi;
     }
     for (const OptionText& option : kOptions) {
         if (parser.isSet(QLatin1String(option.name)) && (option.kinds & flagOf(kind)) == 0) {
-            refuseUsage("simulate",
-                        QStringLiteral("%1 does not go with the kind %2.").arg(optionName(option.name), name));
+            errors.refuse(QStringLiteral("%1 does not go with the kind %2.").arg(optionName(option.name), name));
         }
     }
     return kind;
@@ -210,8 +209,11 @@ SimulationKind takeKind(const QCommandLineParser& parser)
 
 SimulationOptions takeOptions(const QCommandLineParser& parser)
 {
-    SimulationOptions options = SimulationOptions::standard(takeKind(parser));
     CallErrors errors(QStringLiteral("simulate"));
+    if (parser.positionalArguments().size() != 1 || parser.positionalArguments().constFirst().isEmpty()) {
+        errors.refuse(QStringLiteral("simulate takes one folder to write."));
+    }
+    SimulationOptions options = SimulationOptions::standard(takeKind(parser, errors));
     errors.collect([&] { take(parser, "size", &options.size); });
     errors.collect([&] { take(parser, "bands", &options.bands); });
     if (parser.isSet(QStringLiteral("probes"))) {
@@ -399,15 +401,12 @@ void SimulateCommand::check(const QCommandLineParser& parser) const
 
 void SimulateCommand::run(const QCommandLineParser& parser, CliSession& session)
 {
-    const QStringList arguments = parser.positionalArguments();
-    if (arguments.size() != 1 || arguments[0].isEmpty()) {
-        refuseUsage("simulate", QStringLiteral("simulate takes one folder to write."));
-    }
     const SimulationOptions options = takeOptions(parser);
+    const QString target = parser.positionalArguments().constFirst();
     session.startProgress(QStringLiteral("simulating"));
-    write(arguments[0], options, session);
+    write(target, options, session);
     session.endProgress();
-    const Outcome outcome = describe(options, arguments[0]);
+    const Outcome outcome = describe(options, target);
     session.answer(textAnswer(options, outcome));
     session.answerJson(jsonAnswer(options, outcome));
 }

@@ -132,10 +132,10 @@ UnmixRequest unmixRequestOf(const QCommandLineParser& parser)
     });
     errors.collect([&] { request.automatic = automaticRequestOf(parser); });
     errors.collect([&] { request.noise = noiseOf(parser); });
+    errors.collect([&] { request.pictures = pictureRequestOf(parser, "unmix"); });
     errors.throwAll();
     request.library = parser.value(QStringLiteral("library"));
     request.pdf = parser.isSet(QStringLiteral("pdf"));
-    request.pictures = pictureRequestOf(parser, "unmix");
     request.save = parser.isSet(QStringLiteral("save"));
     request.saveName = parser.value(QStringLiteral("save"));
     request.note = parser.value(QStringLiteral("note"));

@@ -41,6 +41,48 @@ TEST_F(CallsProgramTest, EverythingThatIsWrongIsToldAtOnce)
     EXPECT_EQ(refusedLines({"batch", "seq", "--jobs", "0", "--max-memory", "-1"}).size(), 4);
 }
 
+// Of every word of a call, also where a command has several actions.
+TEST_F(CallsProgramTest, CommandsOfSeveralActionsTellAllThatIsWrong)
+{
+    EXPECT_EQ(
+        refusedLines({"roi", "seq", "add", "--shape", "circle:1", "--name", "all", "--csv", "x", "--unit", "lux"}),
+        (QStringList{"spum: --csv does not go with \"spum roi SEQ add\", but with measure.",
+                     "spum: --unit does not go with \"spum roi SEQ add\", but with measure.",
+                     "spum: --shape: a shape begins with \"rect:\", \"ellipse:\", \"polygon:\" or \"freehand:\".",
+                     "spum: --name: \"all\" stands for all regions and names none.",
+                     "spum: --unit takes counts, radiance, radiant-efficiency, efficiency, not \"lux\".",
+                     "spum: See \"spum roi --help\"."}));
+    EXPECT_EQ(refusedLines({"results", "export", "seq", "--colors", "mud", "--component", "0", "--pdf"}).size(), 7);
+    EXPECT_EQ(refusedLines({"results", "load", "seq", "a", "--colors", "mud", "--scale", "some"}).size(), 3);
+    EXPECT_EQ(refusedLines({"compare", "seq", "--colors", "mud"}).size(), 3);
+    EXPECT_EQ(
+        refusedLines({"library", "save", "a/b", "--region", "A=1", "--region", "B", "--unit", "lux", "--out", "x"}),
+        (QStringList{"spum: --out does not go with \"spum library save\", but with template.",
+                     "spum: --region: \"A=1\" is not of the form NAME=X,Y,W,H",
+                     "spum: --region: \"B\" is not of the form NAME=X,Y,W,H",
+                     "spum: --sequence is missing: the images that the spectra are for.",
+                     "spum: \"a/b\" cannot be the name of a library",
+                     "spum: --unit takes counts, radiance, radiant-efficiency, efficiency, not \"lux\".",
+                     "spum: See \"spum library --help\"."}));
+    EXPECT_EQ(refusedLines({"library", "rename", "a", "--spectrum", "x", "--spectrum", "y", "--from", "z"}).size(), 4);
+    EXPECT_EQ(refusedLines({"unmix", "seq", "--unit", "lux", "--colors", "mud", "--scale", "some"}).size(), 4);
+    EXPECT_EQ(refusedLines({"simulate", "--kind", "mri", "--size", "x"}).size(), 4);
+    EXPECT_EQ(refusedLines({"export", "a", "b", "--format", "csv", "--out", "-", "--bogus"}).size(), 3);
+}
+
+// The word is right and nothing answers to it: that too is told of all words.
+TEST_F(CallsProgramTest, NamesOfNothingAreToldAtOnce)
+{
+    simulate();
+    EXPECT_EQ(refusal({"compare", "seq", "one", "two"}),
+              QStringLiteral("%1: this is no folder with results of \"spum unmix\"; %2: this is no folder with results "
+                             "of \"spum unmix\"")
+                  .arg(path("one"), path("two")));
+    const QString sources = refusal({"library", "save", "x", "--sequence", "seq", "--probes", "Nobody,Cy7,Noone"});
+    EXPECT_TRUE(sources.contains("\"Nobody\"") && sources.contains("\"Noone\"") && !sources.contains("\"Cy7\""))
+        << qPrintable(sources);
+}
+
 // Also beside what is no option at all.
 TEST_F(CallsProgramTest, WrongValuesAreToldBesideUnknownOptions)
 {
@@ -162,6 +204,6 @@ TEST_F(CallsProgramTest, ForceReplacesAndNothingElse)
               "Please select 2-6 components to unmix! (asked for: 7; --beyond-six takes as many as there are images)");
     succeed({"unmix", "seq", "--library", truth(), "--save", "a", "--quiet"});
     EXPECT_TRUE(refusal({"results", "delete", "seq", "a", "--force"}, 2)
-                    .startsWith("--force does not go with \"spum results delete\"."));
+                    .startsWith("--force does not go with \"spum results delete\", but with load, export."));
     succeed({"results", "delete", "seq", "a", "--yes"});
 }

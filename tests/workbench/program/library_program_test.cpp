@@ -255,7 +255,7 @@ TEST_F(LibraryProgramTest, ALibraryIsAppendedTo)
     EXPECT_TRUE(refusal({"library", "append", "x", "--from", library()}).startsWith("two spectra would have the name"));
     EXPECT_TRUE(
         refusal({"library", "append", "y", "--from", library()}).startsWith("no library y is saved; saved are x"));
-    EXPECT_TRUE(refusal({"library", "append", "x"}, 2).startsWith("append takes --from"));
+    EXPECT_TRUE(refusal({"library", "append", "x"}, 2).startsWith("append takes one of --from"));
     EXPECT_EQ(spectra("x").size(), 4);
 }
 

@@ -205,8 +205,8 @@ TEST_F(RoiProgramTest, WhatIsNoRegionIsAMistakeInTheCommand)
         {{"add", "--shape", square, "--name", " "}, "--name: the name is empty."},
         {{"add", "--shape", square, "--name", "a\nb"}, "--name: the name has characters that cannot be shown."},
         {{"add", "--shape", square, "--name", "all"}, "--name: \"all\" stands for all regions and names none."},
-        {{"add", "--shape", square, "--csv", "x"}, "--csv belongs to \"spum roi SEQ measure\"."},
-        {{"list", "--shape", square}, "--shape belongs to \"spum roi SEQ add\"."},
+        {{"add", "--shape", square, "--csv", "x"}, "--csv does not go with \"spum roi SEQ add\", but with measure."},
+        {{"list", "--shape", square}, "--shape does not go with \"spum roi SEQ list\", but with add."},
         {{"list", "liver"},
          "roi takes: SEQ add --shape SHAPE; SEQ list; SEQ measure; SEQ remove NAME; or SEQ rename NAME NEW."},
         {{"remove"}, "roi takes:"},
@@ -220,8 +220,7 @@ TEST_F(RoiProgramTest, WhatIsNoRegionIsAMistakeInTheCommand)
         EXPECT_TRUE(told.endsWith("See \"spum roi --help\"."));
     }
     addSquare("liver");
-    EXPECT_TRUE(
-        refusal({"roi", "seq", "measure", "--unit", "lumen"}, 2).startsWith("--unit: \"lumen\" is none of counts, "));
+    EXPECT_TRUE(refusal({"roi", "seq", "measure", "--unit", "lumen"}, 2).startsWith("--unit takes counts, radiance, "));
 }
 
 TEST_F(RoiProgramTest, AskingForWhatIsNotThereTellsWhatIs)
