@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "workbench/program/ProgramFixture.h"
 
+#include <QDir>
 #include <QFile>
 #include <QProcess>
 #include <QRegularExpression>
@@ -52,6 +53,13 @@ TEST_F(JsonProgramTest, AnswersAboutASequenceFollowTheSchema)
     EXPECT_EQ(kindOf({"pca", "seq", "--out", "pca"}), "pca");
     EXPECT_EQ(kindOf({"export", "seq", "--format", "csv", "--out", "cube.csv"}), "export");
     EXPECT_EQ(kindOf({"import", "cube.csv", "again"}), "import");
+    EXPECT_EQ(kindOf({"import", "cube.csv", "--write-table", "table.csv"}), "import table");
+    QDir(path(".")).mkpath("odd");
+    writeTiffFile("odd/ex640_em700.tif", imageOf(4, 4, [](int i) { return static_cast<float>(i); }));
+    writeTiffFile("odd/other.tif", imageOf(4, 4, [](int i) { return static_cast<float>(i % 3); }));
+    EXPECT_EQ(answer({"import", "odd", "doubted"}, 1)["answer"], "import doubts");
+    EXPECT_EQ(kindOf({"sources"}), "sources");
+    EXPECT_EQ(kindOf({"sources", "fluorophore"}), "sources");
     expectAllValid({path("pca/pca.json")});
 }
 
@@ -60,6 +68,9 @@ TEST_F(JsonProgramTest, AnswersAboutResultsFollowTheSchema)
     simulate();
     EXPECT_EQ(kindOf({"unmix", "seq", "--ncomponents", "3", "--out", "auto", "--save", "first"}), "result");
     EXPECT_EQ(kindOf({"unmix", "seq", "--library", truth(), "--mask", "rect:8,8,20,20", "--out", "known"}), "result");
+    EXPECT_EQ(kindOf({"unmix", "seq", "--library", truth(), "--noise", "poisson", "--errors", "--out", "noise"}),
+              "result");
+    EXPECT_EQ(kindOf({"unmix", "seq", "--ncomponents", "3", "--dry-run"}), "unmix");
     EXPECT_EQ(kindOf({"compare", "seq", "auto", "known", "--out", "compared"}), "compare");
     EXPECT_EQ(kindOf({"results", "list", "seq"}), "results list");
     EXPECT_EQ(kindOf({"results", "show", "seq", "first"}), "results show");
@@ -68,7 +79,8 @@ TEST_F(JsonProgramTest, AnswersAboutResultsFollowTheSchema)
     EXPECT_EQ(kindOf({"results", "rename", "seq", "first", "second"}), "results rename");
     EXPECT_EQ(kindOf({"results", "delete", "seq", "second", "--yes"}), "results delete");
     EXPECT_EQ(kindOf({"redo", "known"}), "redo");
-    expectAllValid({path("auto/summary.json"), path("known/summary.json"), path("loaded/summary.json")});
+    expectAllValid({path("auto/summary.json"), path("known/summary.json"), path("noise/summary.json"),
+                    path("loaded/summary.json")});
 }
 
 TEST_F(JsonProgramTest, AnswersAboutLibrariesRegionsAndBatchesFollowTheSchema)
@@ -77,9 +89,20 @@ TEST_F(JsonProgramTest, AnswersAboutLibrariesRegionsAndBatchesFollowTheSchema)
     EXPECT_EQ(kindOf({"library", "save", "kept", "--from", truth()}), "library save");
     EXPECT_EQ(kindOf({"library", "list"}), "library list");
     EXPECT_EQ(kindOf({"library", "show", "kept"}), "library show");
+    EXPECT_EQ(kindOf({"library", "save", "other", "--sequence", "seq", "--region", "a=20,20,4,4"}), "library save");
+    EXPECT_EQ(kindOf({"library", "append", "other", "--sequence", "seq", "--probes", "Cy7"}), "library append");
+    EXPECT_EQ(kindOf({"library", "merge", "both", "kept", "other"}), "library merge");
+    EXPECT_EQ(kindOf({"library", "rename", "both", "all"}), "library rename");
+    EXPECT_EQ(kindOf({"library", "rename", "all", "--spectrum", "Cy7=dye"}), "library rename");
+    EXPECT_EQ(kindOf({"library", "remove", "all", "--spectrum", "dye"}), "library remove");
+    EXPECT_EQ(kindOf({"library", "remove", "all", "other"}), "library remove");
+    EXPECT_EQ(kindOf({"library", "template", "seq", "--out", "fill.csv"}), "library template");
+    write("table.csv", "wavelength,A,B\n700,1,0.5\n720,0.25,1\n");
+    EXPECT_EQ(kindOf({"library", "show", "table.csv"}), "library show");
     EXPECT_EQ(kindOf({"roi", "seq", "add", "--name", "a", "--shape", "ellipse:20,20,9,9"}), "roi add");
     EXPECT_EQ(kindOf({"roi", "seq", "list"}), "roi list");
-    EXPECT_EQ(kindOf({"roi", "seq", "measure"}), "roi measure");
+    succeed({"unmix", "seq", "--library", truth(), "--out", "maps", "--quiet"});
+    EXPECT_EQ(kindOf({"roi", "seq", "measure", "--result", "maps", "--save"}), "roi measure");
     EXPECT_EQ(kindOf({"roi", "seq", "rename", "a", "b"}), "roi rename");
     EXPECT_EQ(kindOf({"roi", "seq", "remove", "b"}), "roi remove");
     const QStringList batch = {"batch", "seq", "--library", truth(), "--out", "all"};
