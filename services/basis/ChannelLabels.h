@@ -15,6 +15,7 @@ class CORVSpumKyvo;
 class ChannelLabels
 {
 public:
+    ChannelLabels() = default; // of no channels
     // Those of the engine's sequence; empty for a sequence of filters or times, and where the sequence is closed.
     explicit ChannelLabels(const CORVSpumKyvo& engine);
 

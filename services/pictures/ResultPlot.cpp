@@ -13,20 +13,22 @@
 
 namespace {
 
-const QString& keyAlong(const CORVSpumKyvo& engine, const KeyPair& pair)
+constexpr double broadLine = 6.0; // of a curve that lies beneath the others
+
+const QString& keyAlong(const PlottedImages& images, const KeyPair& pair)
 {
-    return engine.m_eAxis == SPECTRUMAXIS_EXCITATION ? pair.first : pair.second;
+    return images.axis == SPECTRUMAXIS_EXCITATION ? pair.first : pair.second;
 }
 
-const QString& otherKey(const CORVSpumKyvo& engine, const KeyPair& pair)
+const QString& otherKey(const PlottedImages& images, const KeyPair& pair)
 {
-    return engine.m_eAxis == SPECTRUMAXIS_EXCITATION ? pair.second : pair.first;
+    return images.axis == SPECTRUMAXIS_EXCITATION ? pair.second : pair.first;
 }
 
-double placeAlong(const CORVSpumKyvo& engine, const KeyPair& pair)
+double placeAlong(const PlottedImages& images, const KeyPair& pair)
 {
-    QString key = keyAlong(engine, pair);
-    if (engine.m_eAxis != SPECTRUMAXIS_TIME) {
+    QString key = keyAlong(images, pair);
+    if (images.axis != SPECTRUMAXIS_TIME) {
         wavelengthDigits(key);
     }
     return key.toDouble();
@@ -39,11 +41,11 @@ struct TimeUnit
     QString name;
 };
 
-TimeUnit timeUnitOf(const CORVSpumKyvo& engine)
+TimeUnit timeUnitOf(const PlottedImages& images)
 {
     double latest = 0.0;
-    for (const KeyPair& pair : engine.m_selectedKeyPairs) {
-        latest = std::max(latest, placeAlong(engine, pair));
+    for (const KeyPair& pair : images.pairs) {
+        latest = std::max(latest, placeAlong(images, pair));
     }
     if (latest <= 600.0) {
         return {1.0, QStringLiteral("s")};
@@ -53,11 +55,11 @@ TimeUnit timeUnitOf(const CORVSpumKyvo& engine)
 
 // Whether no interval begins before the one ahead of it has ended: then time runs through all of them, and so does a
 // curve.
-bool timeRunsOn(const CORVSpumKyvo& engine)
+bool timeRunsOn(const PlottedImages& images)
 {
-    QList<KeyPair> pairs = engine.m_selectedKeyPairs;
-    std::stable_sort(pairs.begin(), pairs.end(), [&engine](const KeyPair& a, const KeyPair& b) {
-        return placeAlong(engine, a) < placeAlong(engine, b);
+    QList<KeyPair> pairs = images.pairs;
+    std::stable_sort(pairs.begin(), pairs.end(), [&images](const KeyPair& a, const KeyPair& b) {
+        return placeAlong(images, a) < placeAlong(images, b);
     });
     QStringList begun;
     for (int i = 0; i < pairs.size(); ++i) {
@@ -68,7 +70,7 @@ bool timeRunsOn(const CORVSpumKyvo& engine)
             }
             begun.append(interval);
         }
-        if (i > 0 && placeAlong(engine, pairs[i]) == placeAlong(engine, pairs[i - 1])) {
+        if (i > 0 && placeAlong(images, pairs[i]) == placeAlong(images, pairs[i - 1])) {
             return false;
         }
     }
@@ -77,32 +79,32 @@ bool timeRunsOn(const CORVSpumKyvo& engine)
 
 // The values of the other key, each of which has a line of its own: a spectrum is broken where the excitation changes.
 // A null one stands for all images.
-QStringList linesOf(const CORVSpumKyvo& engine)
+QStringList linesOf(const PlottedImages& images)
 {
-    if (engine.m_eAxis == SPECTRUMAXIS_TIME && timeRunsOn(engine)) {
+    if (images.axis == SPECTRUMAXIS_TIME && timeRunsOn(images)) {
         return {QString()};
     }
     QStringList others;
-    for (const auto& pair : engine.m_selectedKeyPairs) {
-        if (!others.contains(otherKey(engine, pair))) {
-            others.append(otherKey(engine, pair));
+    for (const auto& pair : images.pairs) {
+        if (!others.contains(otherKey(images, pair))) {
+            others.append(otherKey(images, pair));
         }
     }
     return others;
 }
 
-PlotCurve curveOf(const CORVSpumKyvo& engine, const ChannelLabels& channels, const std::vector<double>& values,
-                  const QString& strOther, double dUnit)
+// Those of a line, in the order of their places.
+void takePoints(const PlottedImages& images, const std::vector<double>& values, const QString& strOther, double dUnit,
+                PlotCurve& curve)
 {
-    PlotCurve curve;
     QVector<double> x;
     QVector<double> y;
-    for (int j = 0; j < engine.m_selectedKeyPairs.size(); ++j) {
-        const KeyPair& pair = engine.m_selectedKeyPairs[j];
-        if (!strOther.isNull() && otherKey(engine, pair) != strOther) {
+    for (int j = 0; j < images.pairs.size(); ++j) {
+        const KeyPair& pair = images.pairs[j];
+        if (!strOther.isNull() && otherKey(images, pair) != strOther) {
             continue;
         }
-        x.append(channels.isEmpty() ? placeAlong(engine, pair) / dUnit : channels.place(pair));
+        x.append(images.channels.isEmpty() ? placeAlong(images, pair) / dUnit : images.channels.place(pair));
         y.append(values[static_cast<std::size_t>(j)]);
     }
     QVector<int> order(x.size());
@@ -112,14 +114,13 @@ PlotCurve curveOf(const CORVSpumKyvo& engine, const ChannelLabels& channels, con
         curve.x.append(x[i]);
         curve.y.append(y[i]);
     }
-    return curve;
 }
 
-QVector<PlotName> namesOf(const CORVSpumKyvo& engine, const ChannelLabels& channels)
+QVector<PlotName> namesOf(const PlottedImages& images)
 {
     QVector<PlotName> names;
-    for (const KeyPair& pair : engine.m_selectedKeyPairs) {
-        names.append({channels.place(pair), channels.label(pair)});
+    for (const KeyPair& pair : images.pairs) {
+        names.append({images.channels.place(pair), images.channels.label(pair)});
     }
     return names;
 }
@@ -147,54 +148,84 @@ PlotMarker markerOf(int nComponent)
     return markers[nComponent % 6];
 }
 
-QString lineText(const CORVSpumKyvo& engine, QString strOther)
+QString lineText(const PlottedImages& images, QString strOther)
 {
-    if (engine.m_eAxis == SPECTRUMAXIS_TIME) {
+    if (images.axis == SPECTRUMAXIS_TIME) {
         return strOther;
     }
     const QString unit = wavelengthDigits(strOther) ? QStringLiteral(" nm") : QString();
-    return (engine.m_eAxis == SPECTRUMAXIS_EXCITATION ? QStringLiteral("em ") : QStringLiteral("ex ")) + strOther +
-           unit;
+    return (images.axis == SPECTRUMAXIS_EXCITATION ? QStringLiteral("em ") : QStringLiteral("ex ")) + strOther + unit;
 }
 
-QString plotAxisLabel(const CORVSpumKyvo& engine, const ChannelLabels& channels, const TimeUnit& unit)
+QString plotAxisLabel(const PlottedImages& images, const TimeUnit& unit)
 {
-    if (!channels.isEmpty()) {
-        return channels.axisText();
+    if (!images.channels.isEmpty()) {
+        return images.channels.axisText();
     }
-    return engine.m_eAxis == SPECTRUMAXIS_TIME
-               ? axisLabel(engine.m_eAxis).replace(QStringLiteral("[s]"), QStringLiteral("[%1]").arg(unit.name))
-               : axisLabel(engine.m_eAxis);
+    return images.axis == SPECTRUMAXIS_TIME
+               ? axisLabel(images.axis).replace(QStringLiteral("[s]"), QStringLiteral("[%1]").arg(unit.name))
+               : axisLabel(images.axis);
 }
 
 } // namespace
 
-SpectrumPlot plotOverImages(const CORVSpumKyvo& engine, const QString& strTitle, const QString& strYLabel,
+PlottedImages PlottedImages::of(const CORVSpumKyvo& engine)
+{
+    return {engine.m_selectedKeyPairs, engine.m_eAxis, ChannelLabels(engine)};
+}
+
+PlottedImages PlottedImages::of(const CORVSpumKyvo& engine, const QList<KeyPair>& pairs)
+{
+    QList<KeyPair> trial = pairs;
+    const SelectionCheck check = checkSelection(trial, engine.m_eSeqKind == SEQKIND_TEMPORAL);
+    return {pairs, check.result == SelectionCheck::Unusable ? engine.m_eAxis : check.axis,
+            ChannelLabels(engine)};
+}
+
+QList<PlotCurve> linesInLegend(const PlottedImages& images)
+{
+    QList<PlotCurve> keys;
+    const QStringList lines = linesOf(images);
+    for (int i = 0; i < lines.size() && lines.size() > 1; ++i) {
+        PlotCurve key;
+        key.label = lineText(images, lines[i]);
+        key.color = Qt::black;
+        key.marker = PlotMarker::None;
+        takeLineStyle(i, key);
+        keys.append(key);
+    }
+    return keys;
+}
+
+PlotCurve curveInLegend(const ValuesOverImages& values, int nPlace)
+{
+    PlotCurve curve;
+    curve.label = values.name;
+    curve.color = readable(values.color);
+    curve.marker = values.beneath ? PlotMarker::None : markerOf(nPlace);
+    curve.width = values.beneath ? broadLine : curve.width;
+    return curve;
+}
+
+SpectrumPlot plotOverImages(const PlottedImages& images, const QString& strTitle, const QString& strYLabel,
                             const QList<ValuesOverImages>& all)
 {
-    const ChannelLabels channels(engine);
-    const TimeUnit time = engine.m_eAxis == SPECTRUMAXIS_TIME ? timeUnitOf(engine) : TimeUnit();
-    SpectrumPlot plot(strTitle, plotAxisLabel(engine, channels, time), strYLabel);
-    if (!channels.isEmpty() && channels.areNumbers()) {
-        plot.setXNames(namesOf(engine, channels));
+    const TimeUnit time = images.axis == SPECTRUMAXIS_TIME ? timeUnitOf(images) : TimeUnit();
+    SpectrumPlot plot(strTitle, plotAxisLabel(images, time), strYLabel);
+    if (!images.channels.isEmpty() && images.channels.areNumbers()) {
+        plot.setXNames(namesOf(images));
     }
-    const QStringList lines = linesOf(engine);
+    const QStringList lines = linesOf(images);
     for (int k = 0; k < all.size(); ++k) {
-        for (int i = 0; i < lines.size(); ++i) {
-            PlotCurve curve = curveOf(engine, channels, all[k].values, lines[i], time.seconds);
-            curve.label = i == 0 ? all[k].name : QString();
-            curve.color = readable(all[k].color);
-            curve.marker = markerOf(k);
+        for (int i = 0; i < lines.size() && !all[k].values.empty(); ++i) {
+            PlotCurve curve = curveInLegend(all[k], k);
+            takePoints(images, all[k].values, lines[i], time.seconds, curve);
+            curve.label = i == 0 ? curve.label : QString();
             takeLineStyle(i, curve);
             plot.addCurve(curve);
         }
     }
-    for (int i = 0; i < lines.size() && lines.size() > 1; ++i) {
-        PlotCurve key;
-        key.label = lineText(engine, lines[i]);
-        key.color = Qt::black;
-        key.marker = PlotMarker::None;
-        takeLineStyle(i, key);
+    for (const PlotCurve& key : linesInLegend(images)) {
         plot.addCurve(key);
     }
     return plot;
@@ -209,6 +240,7 @@ SpectrumPlot plotOfSpectra(const CORVSpumKyvo& engine, const QList<QColor>& colo
         all.append({engine.m_spectrumPlots[k]->settings.name, colors.value(k),
                     std::vector<double>(values, values + engine.m_spectra.num_cols())});
     }
-    return plotOverImages(engine, temporal ? QStringLiteral("Time courses") : QStringLiteral("Pure spectra"),
+    return plotOverImages(PlottedImages::of(engine),
+                          temporal ? QStringLiteral("Time courses") : QStringLiteral("Pure spectra"),
                           QStringLiteral("relative intensity"), all);
 }

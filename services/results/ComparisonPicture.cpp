@@ -3,11 +3,11 @@
 
 #include "platform/orvimage/MapPicture.h"
 #include "platform/orvimage/PictureFont.h"
-#include "services/basis/TextTable.h"
-#include "services/pictures/SpectrumPlot.h"
+#include "services/pictures/PictureStyle.h"
+#include "services/pictures/PlotLegend.h"
 #include "services/results/ResultComparison.h"
 
-#include <QFontMetrics>
+#include <QFont>
 #include <QPainter>
 
 #include <algorithm>
@@ -19,28 +19,30 @@ namespace {
 constexpr int mapSide = 320;
 constexpr int labelWidth = 44;
 constexpr int plotHeight = 260;
-constexpr int legendHeight = 36; // of a line of the legend
 constexpr int legendMargin = 16;
-constexpr int legendLine = 44;
-constexpr int legendGap = 40;
 
 // References are pale; results have colours in turn, whatever the number of references.
 QColor rowColor(const ResultComparison& comparison, int nRow)
 {
     static const QColor references[] = {QColor(170, 170, 170), QColor(222, 203, 158)};
-    static const QColor results[] = {QColor(31, 119, 180), QColor(214, 39, 40), QColor(44, 160, 44),
-                                     QColor(148, 103, 189), QColor(227, 137, 25)};
     int before = 0;
     for (int i = 0; i < nRow; ++i) {
         before += comparison.isReference(i) == comparison.isReference(nRow) ? 1 : 0;
     }
-    return comparison.isReference(nRow) ? references[before % 2] : results[before % 5];
+    return comparison.isReference(nRow) ? references[before % 2] : componentColor(before);
 }
 
-// A reference lies under the others as a broad line.
-double rowLine(const ResultComparison& comparison, int nRow)
+// The values of a row in a plot; none where the column is -1.
+ValuesOverImages valuesOfRow(const ResultComparison& comparison, int nRow, int nColumn)
 {
-    return comparison.isReference(nRow) ? 6.0 : 2.0;
+    ValuesOverImages values;
+    values.name = comparison.rowNames().at(nRow);
+    values.color = rowColor(comparison, nRow);
+    values.beneath = comparison.isReference(nRow);
+    if (nColumn >= 0 && comparison.at(nRow, nColumn).present) {
+        values.values = comparison.at(nRow, nColumn).spectrum;
+    }
+    return values;
 }
 
 QString titleOf(const ResultComparison& comparison, int nRow, int nColumn)
@@ -90,30 +92,6 @@ orvimage::ValueRange rangeOf(const ResultComparison& comparison, int nRow, int n
     return {};
 }
 
-SpectrumPlot plotOfColumn(const ResultComparison& comparison, int nColumn)
-{
-    SpectrumPlot plot(QString(), QStringLiteral("image"), QStringLiteral("spectrum"));
-    plot.setWholeX(true);
-    plot.setLegend(false);
-    for (int i = 0; i < comparison.rowCount(); ++i) {
-        const ComparedComponent& component = comparison.at(i, nColumn);
-        if (!component.present) {
-            continue;
-        }
-        PlotCurve curve;
-        curve.label = comparison.rowNames().at(i);
-        curve.color = rowColor(comparison, i);
-        curve.width = rowLine(comparison, i);
-        curve.marker = comparison.isReference(i) ? PlotMarker::None : PlotMarker::Circle;
-        for (std::size_t j = 0; j < component.spectrum.size(); ++j) {
-            curve.x.append(static_cast<double>(j) + 1.0);
-            curve.y.append(component.spectrum[j]);
-        }
-        plot.addCurve(curve);
-    }
-    return plot;
-}
-
 QFont labelFont()
 {
     QFont font = orvimage::pictureFont(18);
@@ -133,41 +111,27 @@ void drawSideways(QPainter& painter, const QRect& area, const QString& strText, 
     painter.restore();
 }
 
-// Where the entries of the legend begin in an area of that width: as many lines as it takes.
-QList<QPoint> legendPlaces(const QStringList& names, int nWidth)
+PlotLegend legendOf(const ResultComparison& comparison, const PlottedImages& images)
 {
-    const QFontMetrics metrics(labelFont());
-    QList<QPoint> places;
-    QPoint place(legendMargin, 0);
-    for (const QString& name : names) {
-        const int width = legendLine + metrics.horizontalAdvance(name);
-        if (place.x() > legendMargin && place.x() + width > nWidth) {
-            place = QPoint(legendMargin, place.y() + legendHeight);
-        }
-        places.append(place);
-        place.rx() += width + legendGap;
+    QList<PlotCurve> curves;
+    for (int i = 0; i < comparison.rowCount(); ++i) {
+        curves.append(curveInLegend(valuesOfRow(comparison, i, -1), i));
     }
-    return places;
-}
-
-void drawLegend(QPainter& painter, const QPoint& corner, const QList<QPoint>& places,
-                const ResultComparison& comparison)
-{
-    painter.setFont(labelFont());
-    for (int i = 0; i < places.size(); ++i) {
-        const QPoint place = corner + places[i];
-        const int middle = place.y() + legendHeight / 2;
-        painter.setPen(QPen(rowColor(comparison, i), rowLine(comparison, i)));
-        painter.drawLine(place.x(), middle, place.x() + legendLine - 8, middle);
-        painter.setPen(Qt::black);
-        const QString& name = comparison.rowNames().at(i);
-        painter.drawText(
-            QRect(place.x() + legendLine, place.y(), painter.fontMetrics().horizontalAdvance(name) + 4, legendHeight),
-            Qt::AlignVCenter | Qt::AlignLeft, name);
-    }
+    return PlotLegend(curves + linesInLegend(images), labelFont());
 }
 
 } // namespace
+
+SpectrumPlot comparisonPlot(const ResultComparison& comparison, int nColumn, const PlottedImages& images)
+{
+    QList<ValuesOverImages> rows;
+    for (int i = 0; i < comparison.rowCount(); ++i) {
+        rows.append(valuesOfRow(comparison, i, nColumn));
+    }
+    SpectrumPlot plot = plotOverImages(images, QString(), QStringLiteral("spectrum"), rows);
+    plot.setLegend(false);
+    return plot;
+}
 
 QImage comparisonPicture(const ResultComparison& comparison, const ComparisonStyle& style)
 {
@@ -184,9 +148,12 @@ QImage comparisonPicture(const ResultComparison& comparison, const ComparisonSty
             cell = cell.expandedTo(cells.back().size());
         }
     }
-    const QList<QPoint> legend = legendPlaces(comparison.rowNames(), columns * cell.width());
-    QImage sheet(labelWidth + columns * cell.width(),
-                 rows * cell.height() + plotHeight + legend.last().y() + legendHeight, QImage::Format_RGB32);
+    const PlotLegend legend = legendOf(comparison, style.images);
+    const double legendWidth = std::max(1, columns * cell.width() - 2 * legendMargin);
+    const int legendColumns = legend.columnsIn(legendWidth);
+    const int legendHeight = static_cast<int>(std::ceil(legend.height(legendWidth, legendColumns)));
+    QImage sheet(labelWidth + columns * cell.width(), rows * cell.height() + plotHeight + legendHeight + legendMargin,
+                 QImage::Format_RGB32);
     sheet.fill(Qt::white);
     QPainter painter(&sheet);
     for (int i = 0; i < rows; ++i) {
@@ -202,9 +169,10 @@ QImage comparisonPicture(const ResultComparison& comparison, const ComparisonSty
     drawSideways(painter, QRect(0, top, labelWidth, plotHeight), QStringLiteral("spectra"), Qt::black);
     for (int j = 0; j < columns; ++j) {
         painter.drawImage(labelWidth + j * cell.width(), top,
-                          plotOfColumn(comparison, j).toImage(QSize(cell.width() - 12, plotHeight)));
+                          comparisonPlot(comparison, j, style.images).toImage(QSize(cell.width() - 12, plotHeight)));
     }
-    drawLegend(painter, QPoint(labelWidth, top + plotHeight), legend, comparison);
+    painter.setRenderHint(QPainter::Antialiasing);
+    legend.draw(painter, QRectF(labelWidth + legendMargin, top + plotHeight, legendWidth, legendHeight), legendColumns);
     painter.end();
     return sheet;
 }

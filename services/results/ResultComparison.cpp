@@ -76,13 +76,12 @@ ResultComparison::ResultComparison(const Results& results)
     checkSizes(results);
     findCommonPixels(results);
     findReferences(results);
-    const QList<KeyPair> pairs = commonPairs(results);
-    m_nImages = pairs.size();
+    m_pairs = commonPairs(results);
     for (const auto& result : results) {
         m_rowNames.append(result->label());
         Row components;
         for (int n = 0; n < result->count(); ++n) {
-            components.push_back(componentOf(*result, n, pairs));
+            components.push_back(componentOf(*result, n));
         }
         addRow(std::move(components));
     }
@@ -107,13 +106,13 @@ void ResultComparison::findReferences(const Results& results)
 }
 
 // What a spectrum loses when its largest value becomes 1, its map gains.
-ComparedComponent ResultComparison::componentOf(const ComparedResult& result, int n, const QList<KeyPair>& pairs) const
+ComparedComponent ResultComparison::componentOf(const ComparedResult& result, int n) const
 {
     ComparedComponent component;
     component.present = true;
     component.name = result.names().at(n);
     component.map = meanMap(result, n);
-    component.spectrum = result.spectrum(n, pairs);
+    component.spectrum = result.spectrum(n, m_pairs);
     const double top = *std::max_element(component.spectrum.begin(), component.spectrum.end());
     const double factor = top > 0.0 ? top : 1.0;
     component.values.reserve(m_pixels.size() * static_cast<std::size_t>(result.spotCount()));

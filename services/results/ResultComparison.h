@@ -48,8 +48,10 @@ public:
     bool isReference(int nRow) const { return referenceOf(nRow) == nRow; }
     const QStringList& columnNames() const { return m_columnNames; }
     const ComparedComponent& at(int nRow, int nColumn) const;
+    // The images that all have, in the order of the spectra's values.
+    const QList<KeyPair>& pairs() const { return m_pairs; }
     // Number of images and pixels that all have.
-    int imageCount() const { return m_nImages; }
+    int imageCount() const { return m_pairs.size(); }
     int pixelCount() const { return static_cast<int>(m_pixels.size()); }
 
 private:
@@ -58,7 +60,7 @@ private:
     void findCommonPixels(const std::vector<std::unique_ptr<ComparedResult>>& results);
     void findReferences(const std::vector<std::unique_ptr<ComparedResult>>& results);
     void addRow(Row components);
-    ComparedComponent componentOf(const ComparedResult& result, int n, const QList<KeyPair>& pairs) const;
+    ComparedComponent componentOf(const ComparedResult& result, int n) const;
     int freeColumn(const Row& row, const QString& strName);
     void compareWithReference(ComparedComponent& component, const ComparedComponent& reference) const;
 
@@ -67,5 +69,5 @@ private:
     std::vector<int> m_references; // a row each
     std::vector<Row> m_rows;
     std::vector<int> m_pixels;
-    int m_nImages = 0;
+    QList<KeyPair> m_pairs;
 };

@@ -301,7 +301,7 @@ void ResultFiles::writeRest(const ResultMapPictures& pictures)
     if (m_facts.above.noiseOfImages.size() == rest.ofImages.size()) {
         values.append({QStringLiteral("noise"), QColor(Qt::black), m_facts.above.noiseOfImages});
     }
-    m_frame.plots = {plotOverImages(m_engine, title, QStringLiteral("root mean square"), values)};
+    m_frame.plots = {plotOverImages(PlottedImages::of(m_engine), title, QStringLiteral("root mean square"), values)};
 }
 
 void ResultFiles::writeMask()

@@ -223,6 +223,7 @@ void CompareCommand::run(const QCommandLineParser& parser, CliSession& session)
     const PictureStyle look = pictureStyleOf(opened.engine(), pictures);
     style.colorTable = look.colorTable;
     style.reversed = look.reversed;
+    style.images = PlottedImages::of(opened.engine(), comparison.pairs());
     style.unit = results.back()->unit();
     put(staged.path() + QStringLiteral("comparison.png"), orvimage::pngBytes(comparisonPicture(comparison, style)));
     put(staged.path() + QStringLiteral("comparison.csv"),

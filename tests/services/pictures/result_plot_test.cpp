@@ -80,6 +80,26 @@ TEST_F(ResultPlotTest, LineIsBrokenBetweenExcitationsWhichTheLegendNamesWithThei
     EXPECT_EQ(labelsOf(plot), QStringList({"Dye A", "Dye B", "ex 605 nm", "ex 675 nm"}));
 }
 
+TEST_F(ResultPlotTest, SomeImagesOfASequenceHaveTheAxisThatTheirKeysHave)
+{
+    engine().m_eAxis = SPECTRUMAXIS_EMISSION;
+    const PlottedImages images = PlottedImages::of(engine(), {{"605", "780"}, {"640", "780"}});
+    EXPECT_EQ(images.axis, SPECTRUMAXIS_EXCITATION);
+    EXPECT_EQ(images.pairs.size(), 2);
+    // A single image lies along none: as the sequence does.
+    EXPECT_EQ(PlottedImages::of(engine(), {{"605", "780"}}).axis, SPECTRUMAXIS_EMISSION);
+}
+
+TEST_F(ResultPlotTest, ValuesOfNoneHaveTheirPlaceAmongTheMarkersAndNoCurve)
+{
+    const PlottedImages images = PlottedImages::of(engine());
+    const QList<ValuesOverImages> values = {{"none", Qt::red, {}, false}, {"some", Qt::blue, {1.0, 2.0, 3.0}, false}};
+    const SpectrumPlot plot = plotOverImages(images, "", "", values);
+    ASSERT_EQ(drawnOf(plot).size(), 1);
+    EXPECT_EQ(drawnOf(plot)[0].marker, curveInLegend(values[1], 1).marker);
+    EXPECT_NE(drawnOf(plot)[0].marker, curveInLegend(values[0], 0).marker);
+}
+
 TEST_F(ResultPlotTest, AlongExcitationsTheLegendNamesTheEmissions)
 {
     const SpectrumPlot plot = plotOver(SPECTRUMAXIS_EXCITATION, {{"605", "780"}, {"640", "780"}, {"640", "Open"}});

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // `spum compare` from end to end, and what it is made of.
+#include "engine/EngineEnums.h"
 #include "services/results/ComparedResult.h"
+#include "services/results/ComparisonPicture.h"
 #include "services/results/ResultComparison.h"
 #include "workbench/program/ProgramFixture.h"
 
@@ -112,6 +114,46 @@ TEST_F(CompareProgramTest, OnlyPixelsThatAllAnalysedCount)
     const ResultComparison comparison = compare({path("one"), path("two")});
     EXPECT_EQ(comparison.pixelCount(), 8);
     EXPECT_NEAR(comparison.at(1, 0).correlation, 1.0, 1e-12);
+}
+
+// Two images that have an excitation each, and a third of the second.
+TEST_F(CompareProgramTest, SpectraStandOverWavelengthBrokenBetweenExcitations)
+{
+    writeResult("one", {{"A", mapA, 1, 0.5}});
+    writeResult("two", {{"A", mapA, 0.5, 1}, {"B", mapB, 0, 1}});
+    const ResultComparison comparison = compare({path("one"), path("two")});
+    PlottedImages images;
+    images.axis = SPECTRUMAXIS_EMISSION;
+    images.pairs = {{"605nm", "760nm"}, {"675nm", "720nm"}};
+    const SpectrumPlot plot = comparisonPlot(comparison, 0, images);
+    EXPECT_EQ(plot.xLabel(), "Emission Wavelength [nm]");
+    ASSERT_EQ(plot.curves().size(), 6); // of each result two, and the excitations of the legend
+    EXPECT_EQ(plot.curves()[0].x, QVector<double>{760.0});
+    EXPECT_EQ(plot.curves()[1].x, QVector<double>{720.0});
+    EXPECT_EQ(plot.curves()[2].y, QVector<double>{0.5});
+    EXPECT_NE(plot.curves()[2].style, plot.curves()[3].style);
+    EXPECT_GT(plot.curves()[0].width, plot.curves()[2].width);
+    EXPECT_EQ(plot.curves()[0].marker, PlotMarker::None);
+    EXPECT_EQ(plot.curves()[4].label, "ex 605 nm");
+    // What the first has no part in has the second's look still.
+    const SpectrumPlot other = comparisonPlot(comparison, 1, images);
+    ASSERT_EQ(other.curves().size(), 4);
+    EXPECT_EQ(other.curves()[0].color, plot.curves()[2].color);
+    EXPECT_EQ(other.curves()[0].marker, plot.curves()[2].marker);
+}
+
+TEST_F(CompareProgramTest, TimeCoursesStandOverTheirTrueTimes)
+{
+    writeResult("one", {{"A", mapA, 1, 0.5}});
+    writeResult("two", {{"A", mapA, 0.5, 1}});
+    PlottedImages images;
+    images.axis = SPECTRUMAXIS_TIME;
+    images.pairs = {{"Int1", "20"}, {"Int2", "1200"}};
+    const SpectrumPlot plot = comparisonPlot(compare({path("one"), path("two")}), 0, images);
+    ASSERT_EQ(plot.curves().size(), 2);
+    EXPECT_EQ(plot.curves()[0].x, (QVector<double>{20.0 / 60.0, 20.0}));
+    EXPECT_EQ(plot.xLabel(), "Time Point [min]");
+    EXPECT_TRUE(linesInLegend(images).isEmpty());
 }
 
 TEST_F(CompareProgramTest, WhatCannotBeComparedIsRefused)
