@@ -2,6 +2,7 @@
 #include "services/analysis/CountedNoise.h"
 
 #include "engine/CORVSpumKyvo.h"
+#include "engine/EngineEnums.h"
 #include "host/CORVDataset.h"
 #include "host/CORVSequenceDataset.h"
 #include "platform/orvapi/ClickInfoKeys.h"
@@ -33,6 +34,17 @@ double pixelsOfElement(CORVDataset& dataset, int nBinning)
 {
     const double ratio = nBinning / static_cast<double>(dataset.getBinningForImage(IMAGETYPE_MAIN_DATA));
     return ratio * ratio;
+}
+
+// What the counts of each image are multiplied by where the cube is corrected for decay; empty where it is not.
+QVector<double> decayFactorsOf(const CORVSpumKyvo& engine, const CORVSequenceDataset& sequence)
+{
+    const AnalysisInput& input = engine.m_analysisInput;
+    QVector<double> factors;
+    if (engine.m_bCherenkov && engine.m_eMode == RUNMODE_AUTOMATIC && input.decayCorrection) {
+        sequence.calculateDecayCorrectFactor_CherenkovData(engine.m_imageList, input.halfLifeSeconds, factors);
+    }
+    return factors;
 }
 
 // Without counts: noise that is in each image as large as it is seen to be.
@@ -171,6 +183,7 @@ CountedNoise CountedNoise::of(const CORVSpumKyvo& engine, const CORVSequenceData
     noise.light = Matrix<double>(spots, images, 1.0);
     noise.reading = Matrix<double>(spots, images, 1.0);
     const bool counts = engine.m_eUnit == DISPLAYUNIT_COUNTS;
+    const QVector<double> decay = decayFactorsOf(engine, sequence);
     for (int i = 0; i < engine.m_imageList.size() && i < spots * images; ++i) {
         CORVDataset* dataset = sequence.getDataset(engine.m_imageList[i]);
         double count = 0.0;
@@ -185,8 +198,9 @@ CountedNoise CountedNoise::of(const CORVSpumKyvo& engine, const CORVSequenceData
         // Counts add up, other units are means.
         const double pixels = pixelsOfElement(*dataset, engine.m_nBinning);
         const double gathered = std::max(pixels, 1.0);
-        noise.light[i / images][i % images] = counts ? 1.0 : count / gathered;
-        noise.reading[i / images][i % images] = counts ? pixels : count * count / gathered;
+        const double factor = decay.isEmpty() ? 1.0 : decay.at(static_cast<int>(i % images));
+        noise.light[i / images][i % images] = factor * (counts ? 1.0 : count / gathered);
+        noise.reading[i / images][i % images] = factor * factor * (counts ? pixels : count * count / gathered);
     }
     if (!noise.calibrated) {
         noise.gain.reset();

@@ -15,11 +15,11 @@ struct NoiseFitResult
     XTNT::Matrix<double> errors; // K x P, standard errors of the maps; empty where they were not asked for
 };
 
-// A second fit of known spectra, whose weights follow from the maps of the engine's own fit, which it replaces; and the
-// standard errors of the maps as they are then. Errors are those of the noise that the model tells, times the root of
-// what the fit leaves in units of it: what the model has no figure for, or has wrong by a factor, is made up for.
-// Nothing is asked for by a request without a kind and without errors: the maps stay. Passes cancellation points; an
-// exception from there leaves the maps of before.
+// A second fit of the engine's spectra, known or resolved, whose weights follow from the maps of the engine's own fit,
+// which it replaces; and the standard errors of the maps as they are then. Errors are those of the noise that the model
+// tells, times the root of what the fit leaves in units of it: what the model has no figure for, or has wrong by a
+// factor, is made up for. Nothing is asked for by a request without a kind and without errors: the maps stay. Passes
+// cancellation points; an exception from there leaves the maps of before.
 NoiseFitResult fitWithNoise(const NoiseRequest& request, const CORVSequenceDataset& sequence, CORVSpumKyvo& engine);
 
 // The noise of images that have each its own, whatever the light: as large as it is seen to be, and in proportion to

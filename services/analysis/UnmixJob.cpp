@@ -238,12 +238,7 @@ void UnmixJob::takeSpectra()
         library.fitTo(bandsOf(m_setUp.opened().sequence(), engine.getSelectedKeyPairs()), engine.m_eAxis);
     const int spectra = engine.m_spectrumPlots.size();
     const int images = engine.getSelectedKeyPairs().size();
-    if (m_request.noise.errors && spectra >= images) {
-        throw Failure(QStringLiteral("%1 spectra leave nothing of %2 images that standard errors could be told by")
-                          .arg(spectra)
-                          .arg(images),
-                      QStringLiteral("leave --errors out, or take more images"));
-    }
+    checkFreedom(spectra);
     if (spectra > images) {
         m_monitor.warn(QStringLiteral("%1 spectra for %2 images: the maps are not unique").arg(spectra).arg(images));
     }
@@ -251,7 +246,9 @@ void UnmixJob::takeSpectra()
 
 void UnmixJob::takeComponents()
 {
-    m_monitor.warnAll(setUpAutomatic(m_request.automatic, m_setUp.opened().sequence(), m_setUp.engine()));
+    CORVSpumKyvo& engine = m_setUp.engine();
+    m_monitor.warnAll(setUpAutomatic(m_request.automatic, m_setUp.opened().sequence(), engine));
+    checkFreedom(engine.m_analysisInput.componentNames.size());
 }
 
 void UnmixJob::lookForFood()
@@ -262,7 +259,8 @@ void UnmixJob::lookForFood()
     }
     QStringList names = engine.m_analysisInput.componentNames;
     m_strProposal = QStringLiteral("proposed %1: what the sequence tells of").arg(names.join(QStringLiteral(", ")));
-    const bool counts = isComponentCountValid(names.size() + 1, engine.getSelectedKeyPairs().size());
+    const bool counts =
+        isComponentCountValid(names.size() + 1, engine.getSelectedKeyPairs().size()) && leavesFreedom(names.size() + 1);
     if (engine.m_eSeqKind != SEQKIND_EPI_FLUORESCENT || engine.m_bCherenkov || !counts) {
         return;
     }
@@ -373,10 +371,29 @@ void UnmixJob::fit(const QElapsedTimer& timer)
     takeWarnings();
 }
 
+bool UnmixJob::leavesFreedom(int nComponents)
+{
+    return !m_request.noise.errors || nComponents < m_setUp.engine().getSelectedKeyPairs().size();
+}
+
+void UnmixJob::checkFreedom(int nComponents)
+{
+    const int images = m_setUp.engine().getSelectedKeyPairs().size();
+    if (!leavesFreedom(nComponents)) {
+        throw Failure(QStringLiteral("%1 spectra leave nothing of %2 images that standard errors could be told by")
+                          .arg(nComponents)
+                          .arg(images),
+                      QStringLiteral("leave --errors out, or take more images"));
+    }
+}
+
 NoiseFitResult UnmixJob::weigh()
 {
+    CORVSpumKyvo& engine = m_setUp.engine();
     m_monitor.showProgress(QStringLiteral("Weighing by the noise"), notKnown);
-    return fitWithNoise(m_request.noise, m_setUp.opened().sequence(), m_setUp.engine());
+    NoiseFitResult weighed = fitWithNoise(m_request.noise, m_setUp.opened().sequence(), engine);
+    weighed.facts.resolved = isAutomatic();
+    return weighed;
 }
 
 // A resolution of named components falls apart where they are not all there: an animal without food has its tissue

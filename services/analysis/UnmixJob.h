@@ -23,9 +23,9 @@ struct UnmixRequest
     int mode = 0;
     QString library;            // file or name; of a run with known spectra
     AutomaticRequest automatic; // of an automatic run
-    NoiseRequest noise;         // of one with known spectra
-    bool replace = false;       // earlier results in the folder
-    bool pdf = false;           // the report as PDF too
+    NoiseRequest noise;
+    bool replace = false; // earlier results in the folder
+    bool pdf = false;     // the report as PDF too
     PictureRequest pictures;
     bool save = false; // keep the result beside the sequence
     QString saveName;  // empty: the next automatic name
@@ -54,6 +54,10 @@ private:
     void checkPlaces();
     // Up to the reading of the images. The unit that they will be in.
     int prepare();
+    // Whether so many components leave something that standard errors can be told by, where they are asked for.
+    bool leavesFreedom(int nComponents);
+    // Throws where they do not.
+    void checkFreedom(int nComponents);
     void takeSpectra();
     void takeComponents();
     // Where nothing was asked for: adds food to what is proposed, if the images show it.

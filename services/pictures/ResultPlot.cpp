@@ -178,8 +178,7 @@ PlottedImages PlottedImages::of(const CORVSpumKyvo& engine, const QList<KeyPair>
 {
     QList<KeyPair> trial = pairs;
     const SelectionCheck check = checkSelection(trial, engine.m_eSeqKind == SEQKIND_TEMPORAL);
-    return {pairs, check.result == SelectionCheck::Unusable ? engine.m_eAxis : check.axis,
-            ChannelLabels(engine)};
+    return {pairs, check.result == SelectionCheck::Unusable ? engine.m_eAxis : check.axis, ChannelLabels(engine)};
 }
 
 QList<PlotCurve> linesInLegend(const PlottedImages& images)

@@ -14,11 +14,20 @@ QString number(double dValue)
     return TextTable::number(dValue, digits);
 }
 
+// Whether the maps are those of a second fit.
+bool isWeighted(const NoiseFacts& facts)
+{
+    return facts.model != QLatin1String("uniform");
+}
+
 } // namespace
 
 QJsonObject NoiseFacts::json() const
 {
     QJsonObject json{{"model", model}};
+    if (isWeighted(*this) && resolved) {
+        json.insert(QStringLiteral("mapsFittedAgain"), true);
+    }
     if (electronsPerCount && readNoise) {
         json.insert(QStringLiteral("electronsPerCount"), *electronsPerCount);
         json.insert(QStringLiteral("readNoiseElectrons"), *readNoise);
@@ -31,6 +40,13 @@ QJsonObject NoiseFacts::json() const
 }
 
 QString NoiseFacts::label() const
+{
+    return modelLabel() + (isWeighted(*this) && resolved
+                               ? QStringLiteral("; maps fitted again with the resolved spectra")
+                               : QString());
+}
+
+QString NoiseFacts::modelLabel() const
 {
     if (model != QLatin1String("poisson")) {
         return model == QLatin1String("gaussian") ? QStringLiteral("Gaussian, by image")
@@ -45,13 +61,15 @@ QString NoiseFacts::label() const
 
 QString NoiseFacts::text() const
 {
-    if (model == QLatin1String("uniform")) {
-        return QStringLiteral("standard errors for noise of one size everywhere, as large as what the fit leaves");
+    if (!isWeighted(*this)) {
+        return QStringLiteral("standard errors for noise of one size everywhere, as large as what the fit leaves") +
+               (resolved ? QStringLiteral(", the resolved spectra taken for certain") : QString());
     }
+    const QString again = resolved ? QStringLiteral("maps fitted again with the resolved spectra, ") : QString();
     if (model == QLatin1String("gaussian")) {
-        return QStringLiteral("each image weighted by its noise");
+        return again + QStringLiteral("each image weighted by its noise");
     }
-    QString text = QStringLiteral("pixels weighted by the noise of their light");
+    QString text = again + QStringLiteral("pixels weighted by the noise of their light");
     if (electronsPerCount && readNoise) {
         text += QStringLiteral(", %1 e a count and a read noise of %2 e%3")
                     .arg(number(*electronsPerCount), number(*readNoise),

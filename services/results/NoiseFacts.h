@@ -14,6 +14,7 @@ struct NoiseFacts
     std::optional<double> electronsPerCount; // of counted light in a unit that counts can be had in
     std::optional<double> readNoise;         // electrons a stored pixel
     bool estimated = false;                  // one of them, from what the fit leaves
+    bool resolved = false;                   // spectra that were resolved from the same images
     // Root mean square of what the fit leaves, over the noise: 1 where noise is all. NaN where the noise's size is
     // itself taken from what is left.
     double residualOverNoise = std::numeric_limits<double>::quiet_NaN();
@@ -23,4 +24,7 @@ struct NoiseFacts
     QString text() const;
     // Some words: "Poisson, 1 e a count, read noise 10 e".
     QString label() const;
+
+private:
+    QString modelLabel() const;
 };

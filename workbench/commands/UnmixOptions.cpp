@@ -47,28 +47,22 @@ NoiseRequest noiseOf(const QCommandLineParser& parser)
 }
 
 // Options that the method would pass over are a misunderstanding.
-void checkOptionsOfMethod(const QCommandLineParser& parser, int nMode)
+void checkOptionsOfMethod(const QCommandLineParser& parser, int nMode, CallErrors& errors)
 {
     const bool automatic = nMode == RUNMODE_AUTOMATIC;
     if (automatic && parser.isSet(QStringLiteral("library"))) {
-        refuseUsage("unmix",
-                    QStringLiteral("--library does not go with --method automatic, which finds the spectra itself."));
+        errors.refuse(QStringLiteral("--library does not go with --method automatic, which finds the spectra itself."));
     }
     if (!automatic && parser.value(QStringLiteral("library")).isEmpty()) {
-        refuseUsage("unmix", QStringLiteral("--library is missing: the spectra to fit."));
-    }
-    for (const char* pName : {"noise", "errors"}) {
-        if (automatic && parser.isSet(QLatin1String(pName))) {
-            refuseUsage("unmix", QStringLiteral("--%1 takes known spectra: --library.").arg(QLatin1String(pName)));
-        }
+        errors.refuse(QStringLiteral("--library is missing: the spectra to fit."));
     }
     if (parser.isSet(QStringLiteral("noise")) && parser.isSet(QStringLiteral("save"))) {
-        refuseUsage("unmix", QStringLiteral("--save does not go with --noise: a saved result is fitted again, without "
-                                            "weights, when it is loaded."));
+        errors.refuse(QStringLiteral("--save does not go with --noise: a saved result is fitted again, without "
+                                     "weights, when it is loaded."));
     }
     const QStringList given = givenAutomaticOptions(parser);
     if (!automatic && !given.isEmpty()) {
-        refuseUsage("unmix", QStringLiteral("%1 takes --method automatic.").arg(given.join(QStringLiteral(", "))));
+        errors.refuse(QStringLiteral("%1 takes --method automatic.").arg(given.join(QStringLiteral(", "))));
     }
 }
 
@@ -89,12 +83,13 @@ void declareUnmixOptions(CommandParser& parser)
         "FILE|NAME");
     addValueOption(
         parser, "noise",
-        QStringLiteral("Fit known spectra a second time, each pixel and image weighted by its noise: poisson "
-                       "(of counted light) or gaussian (of one size in each image). Without it: all alike."),
+        QStringLiteral("Fit the spectra, known or resolved, to the pixels a second time, each pixel and image "
+                       "weighted by its noise: poisson (of counted light) or gaussian (of one size in each image). "
+                       "Without it: all alike."),
         "KIND");
     addFlag(parser, "errors",
-            QStringLiteral("Write a map of standard errors for each component of known spectra, by that noise or, "
-                           "without --noise, by noise of one size everywhere."));
+            QStringLiteral("Write a map of standard errors for each component, by that noise or, without --noise, by "
+                           "noise of one size everywhere. The spectra count as certain, resolved ones too."));
     declareAutomaticOptions(parser);
     declareImageOptions(parser, QStringLiteral("Without it: auto for the automatic method where a camera took the "
                                                "photograph, else none."));
@@ -125,11 +120,9 @@ UnmixRequest unmixRequestOf(const QCommandLineParser& parser)
         request.analysis = analysisRequestOf(parser, QStringLiteral("unmix"),
                                              automatic ? MaskRequest::Kind::Photograph : MaskRequest::Kind::None);
     });
-    errors.collect([&] {
-        if (mode) {
-            checkOptionsOfMethod(parser, *mode);
-        }
-    });
+    if (mode) {
+        checkOptionsOfMethod(parser, *mode, errors);
+    }
     errors.collect([&] { request.automatic = automaticRequestOf(parser); });
     errors.collect([&] { request.noise = noiseOf(parser); });
     errors.collect([&] { request.pictures = pictureRequestOf(parser, "unmix"); });

@@ -4,6 +4,7 @@
 
 #include "platform/orvimage/TiffIo.h"
 
+#include <algorithm>
 #include <cmath>
 #include <set>
 
@@ -29,6 +30,21 @@ protected:
         return image;
     }
 };
+
+// Of two maps, over the length of the second.
+double distance(const CILImage& a, const CILImage& b)
+{
+    double left = 0.0;
+    double all = 0.0;
+    for (std::size_t i = 0; i < std::min(a.pixelCount(), b.pixelCount()); ++i) {
+        // A component that the others explain has no error.
+        if (std::isfinite(a.value(i)) && std::isfinite(b.value(i))) {
+            left += std::pow(a.value(i) - b.value(i), 2);
+            all += std::pow(b.value(i), 2);
+        }
+    }
+    return std::sqrt(left / all);
+}
 
 double errorOf(const QJsonObject& json, const QString& strName)
 {
@@ -196,8 +212,6 @@ TEST_F(NoiseProgramTest, WhatCannotBeAskedForIsRefused)
     const QStringList call = {"unmix", "seq", "--out", "out"};
     EXPECT_TRUE(refusal(call + QStringList{"--library", truth(), "--noise", "shot"}, 2)
                     .startsWith("--noise takes poisson or gaussian, not \"shot\"."));
-    EXPECT_TRUE(refusal(call + QStringList{"--noise", "poisson"}, 2).startsWith("--noise takes known spectra"));
-    EXPECT_TRUE(refusal(call + QStringList{"--errors"}, 2).startsWith("--errors takes known spectra"));
     EXPECT_TRUE(refusal(call + QStringList{"--library", truth(), "--noise", "poisson", "--save", "A"}, 2)
                     .startsWith("--save does not go with --noise"));
     const QStringList pairs = [this] {
@@ -211,7 +225,78 @@ TEST_F(NoiseProgramTest, WhatCannotBeAskedForIsRefused)
     // Ahead of the images: a trial tells it, too.
     EXPECT_TRUE(refusal(call + QStringList{"--library", truth(), "--errors", "--select", four, "--dry-run"})
                     .startsWith("4 spectra leave nothing of 4 images"));
+    EXPECT_TRUE(refusal(call + QStringList{"--ncomponents", "4", "--errors", "--select", four})
+                    .startsWith("4 spectra leave nothing of 4 images"));
     EXPECT_FALSE(entriesOf(path(".")).contains("out"));
+}
+
+// The run is the run of before; its maps are those that its spectra give where they are known.
+TEST_F(NoiseProgramTest, ResolvedSpectraAreFittedAgainByTheNoise)
+{
+    simulateScene({"--size", "128", "--bands", "18", "--peak", "5000"});
+    const QStringList call = {"unmix", "seq", "--components", names.join(','), "--mask", "auto", "--json", "--out"};
+    const QJsonObject plain = spum(call + QStringList{"plain"}).json();
+    const QJsonObject weighted = spum(call + QStringList{"weighted", "--noise", "poisson", "--errors"}).json();
+    ASSERT_EQ(weighted["components"].toArray().size(), names.size());
+    EXPECT_EQ(contentOf(path("plain/spectra.csv")), contentOf(path("weighted/spectra.csv")));
+    for (const char* pKey : {"lackOfFit", "lackOfFitDenoised", "iterations", "ending"}) {
+        EXPECT_EQ(plain[pKey], weighted[pKey]) << pKey;
+    }
+    EXPECT_EQ(weighted["noiseModel"].toObject()["mapsFittedAgain"], true);
+    EXPECT_TRUE(contentOf(path("weighted/report.html")).contains("maps fitted again with the resolved spectra"));
+    const QByteArray told = spum({"unmix", "seq", "--ncomponents", "3", "--noise", "gaussian", "--out", "told"}).out;
+    EXPECT_TRUE(told.contains("\nmaps fitted again with the resolved spectra, each image weighted by its noise\n"))
+        << told.constData();
+
+    const QStringList known = {"unmix", "seq", "--library", path("plain/spectra.csv"), "--mask", "auto", "--out"};
+    spum(known + QStringList{"known", "--noise", "poisson", "--errors"});
+    for (const auto& component : weighted["components"].toArray()) {
+        for (const char* pKey : {"map", "errorMap"}) {
+            const QString file = component.toObject()[pKey].toString();
+            EXPECT_LT(distance(tiff("weighted/" + file), tiff("known/" + file)), 0.02) << qPrintable(file);
+        }
+        const QString map = component.toObject()["map"].toString();
+        EXPECT_GT(distance(tiff("weighted/" + map), tiff("plain/" + map)), 1e-3) << qPrintable(map);
+    }
+}
+
+// What is kept of the run knows nothing of the errors.
+TEST_F(NoiseProgramTest, StandardErrorsOfAResolutionChangeNeitherItsMapsNorWhatIsSaved)
+{
+    simulate();
+    const QStringList call = {"unmix", "seq", "--ncomponents", "3", "--json", "--save"};
+    spum(call + QStringList{"plain", "--out", "plain"});
+    const QJsonObject errors = spum(call + QStringList{"errors", "--errors", "--out", "errors"}).json();
+    EXPECT_EQ(errors["errorMaps"].toArray().size(), 3);
+    EXPECT_FALSE(errors["noiseModel"].toObject().contains("mapsFittedAgain"));
+    for (const auto& component : errors["components"].toArray()) {
+        const QString map = component.toObject()["map"].toString();
+        EXPECT_EQ(contentOf(path("plain/" + map)), contentOf(path("errors/" + map))) << qPrintable(map);
+        EXPECT_GT(component.toObject()["standardError"].toDouble(), 0.0);
+    }
+    QJsonObject saved[] = {spum({"results", "show", "seq", "plain", "--json"}).json(),
+                           spum({"results", "show", "seq", "errors", "--json"}).json()};
+    for (QJsonObject& json : saved) {
+        for (const char* pKey : {"name", "file", "date"}) {
+            json.remove(pKey);
+        }
+    }
+    EXPECT_EQ(saved[0], saved[1]);
+    EXPECT_FALSE(saved[0]["spectra"].toArray().isEmpty());
+}
+
+// Late images are dim, and corrected for decay their noise is the larger.
+TEST_F(NoiseProgramTest, CorrectionForDecayRaisesTheNoiseToo)
+{
+    succeed({"simulate", "seq", "--kind", "cherenkov", "--size", "64", "--span", "3", "--quiet"});
+    const QStringList call = {"unmix", "seq",    "--components", "TissueAF,F-18", "--mask",
+                              "auto",  "--json", "--noise",      "poisson",       "--out"};
+    const QJsonObject raw = spum(call + QStringList{"raw"}).json();
+    const QJsonObject corrected = spum(call + QStringList{"corrected", "--decay", "auto"}).json();
+    const auto overNoise = [](const QJsonObject& json) {
+        return json["noiseModel"].toObject()["residualOverNoise"].toDouble();
+    };
+    EXPECT_NEAR(overNoise(corrected) / overNoise(raw), 1.0, 0.1);
 }
 
 // One pixel, and a mask that leaves only dark ones.
