@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "services/importer/EnviHeader.h"
 
+#include "services/importer/bareWavelengths.h"
+
 #include <QHash>
 #include <QStringList>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -118,6 +121,11 @@ bool readInterleave(const Entries& entries, EnviHeader::Interleave* pInterleave,
     return true;
 }
 
+bool isNoUnit(const QString& units)
+{
+    return units.isEmpty() || units == QLatin1String("unknown");
+}
+
 // Nanometres a unit of length, as texts of "wavelength units" begin or are; 0 for other units.
 double nanometresOf(const QString& units)
 {
@@ -134,7 +142,19 @@ double nanometresOf(const QString& units)
             return unit.nanometres;
         }
     }
-    return units.isEmpty() || units == QLatin1String("unknown") ? 1.0 : 0.0;
+    return isNoUnit(units) ? 1.0 : 0.0;
+}
+
+// Whether numbers that no unit stands behind are micrometres: in their range, and not the numbers of the bands.
+bool areMicrometres(const QVector<double>& values)
+{
+    const auto isWhole = [](double value) { return value == std::floor(value); };
+    return std::all_of(values.begin(), values.end(),
+                       [](double value) {
+                           return value >= BareWavelengths::smallestMicrometres &&
+                                  value <= BareWavelengths::largestMicrometres;
+                       }) &&
+           !std::all_of(values.begin(), values.end(), isWhole);
 }
 
 // Hertz a unit; 0 for other units.
@@ -175,6 +195,12 @@ bool readWavelengths(const Entries& entries, EnviHeader& header, QString* pError
         wavelengths.append(bWavenumbers                 ? value
                            : hertz > 0.0 && value > 0.0 ? lightNanometres / (value * hertz)
                                                         : value * nanometres);
+    }
+    if (isNoUnit(units) && areMicrometres(wavelengths)) {
+        constexpr double nanometresAMicrometre = 1e3;
+        for (double& wavelength : wavelengths) {
+            wavelength *= nanometresAMicrometre;
+        }
     }
     (bWavenumbers ? header.wavenumbers : header.wavelengths) = wavelengths;
     return true;

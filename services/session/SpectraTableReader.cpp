@@ -2,6 +2,7 @@
 #include "services/session/SpectraTableReader.h"
 
 #include "services/importer/CsvLine.h"
+#include "services/importer/bareWavelengths.h"
 #include "services/session/spectraTableFields.h"
 
 #include <QFileInfo>
@@ -16,9 +17,9 @@
 namespace {
 
 constexpr double notThere = std::numeric_limits<double>::quiet_NaN();
-// Wavelengths without a unit: where those in um end, where those in nm begin, and what neither can be.
-constexpr double smallestMicrometres = 0.1;
-constexpr double largestMicrometres = 30.0;
+using BareWavelengths::largestMicrometres;
+using BareWavelengths::smallestMicrometres;
+// Wavelengths in nm without a unit.
 constexpr double smallestNanometres = 100.0;
 constexpr double largestNanometres = 30000.0;
 constexpr double nanometresPerMicrometre = 1000.0;

@@ -78,6 +78,15 @@ TEST(EnviHeaderTest, WavelengthsAreNanometresUnlessTheHeaderSaysOtherwise)
     EXPECT_EQ(parsed(with("wavelength units = nm\nwavelength = {510, 530}")).wavelengths, (QVector<double>{510, 530}));
     EXPECT_EQ(parsed(with("wavelength units = Unknown\nwavelength = {510,530}")).wavelengths,
               (QVector<double>{510, 530}));
+    // Micrometres, whose unit many programs leave out; but not the numbers of the bands.
+    const auto bare = parsed(with("wavelength units = Unknown\nwavelength = {0.45, 1.5}")).wavelengths;
+    ASSERT_EQ(bare.size(), 2);
+    EXPECT_DOUBLE_EQ(bare[0], 450);
+    EXPECT_DOUBLE_EQ(bare[1], 1500);
+    EXPECT_EQ(parsed(with("wavelength = {1, 2}")).wavelengths, (QVector<double>{1, 2}));
+    EXPECT_EQ(parsed(with("wavelength = {0.05, 2.5}")).wavelengths, (QVector<double>{0.05, 2.5}));
+    EXPECT_EQ(parsed(with("wavelength units = nm\nwavelength = {0.45, 1.5}")).wavelengths,
+              (QVector<double>{0.45, 1.5}));
     EXPECT_TRUE(parsed(with("wavelength units = Wavenumber\nwavelength = {510, 530}")).wavelengths.isEmpty());
 }
 
