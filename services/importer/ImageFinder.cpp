@@ -283,6 +283,43 @@ void ImageFinder::addNamed(FoundImage& image, const QString& strText, const QStr
     }
 }
 
+// What OME or ImageJ metadata tell of a file's pages, with the labels of its images where there are none.
+ImageFinder::PageFacts ImageFinder::factsOfPages(const TiffTexts& texts, const QString& strFile)
+{
+    const int pages = texts.pages.size();
+    const QString description = texts.pages.first().description;
+    PageFacts facts;
+    facts.figures.resize(pages);
+    facts.facts.resize(pages);
+    facts.channels = texts.labels;
+    QStringList doubts;
+    if (OmeMetadata::isOme(description)) {
+        facts.described = true;
+        OmeMetadata ome;
+        QString reason;
+        if (!ome.parse(description, strFile, pages, &reason)) {
+            m_warnings.append(QStringLiteral("%1: %2; the metadata are not used").arg(strFile, reason));
+            return facts;
+        }
+        facts.figures = ome.pages();
+        facts.facts = ome.facts();
+        facts.channels = ome.channels();
+        facts.framed = ome.hasTimes();
+        doubts = ome.doubts();
+    } else if (ImageJMetadata::isImageJ(description)) {
+        facts.described = true;
+        ImageJMetadata imageJ;
+        imageJ.parse(description, texts.labels, pages);
+        facts.figures = imageJ.pages();
+        facts.framed = imageJ.hasFrames();
+        doubts = imageJ.doubts();
+    }
+    for (const QString& doubt : qAsConst(doubts)) {
+        m_doubts.append(QStringLiteral("%1: %2").arg(strFile, doubt));
+    }
+    return facts;
+}
+
 bool ImageFinder::addTiff(const QString& strPath, QString* pError)
 {
     TiffTexts texts;
@@ -291,37 +328,8 @@ bool ImageFinder::addTiff(const QString& strPath, QString* pError)
         return false;
     }
     const QString file = QFileInfo(strPath).fileName();
+    const PageFacts facts = factsOfPages(texts, file);
     const int pages = texts.pages.size();
-    const QString description = texts.pages.first().description;
-    QVector<QVector<Figure>> metadata(pages);
-    QVector<ImageFacts> facts(pages);
-    QStringList channels = texts.labels;
-    bool framed = false;
-    const bool bOme = OmeMetadata::isOme(description);
-    const bool bImageJ = ImageJMetadata::isImageJ(description);
-    if (bOme) {
-        OmeMetadata ome;
-        QString reason;
-        if (ome.parse(description, file, pages, &reason)) {
-            metadata = ome.pages();
-            facts = ome.facts();
-            channels = ome.channels();
-            framed = ome.hasTimes();
-            for (const QString& doubt : ome.doubts()) {
-                m_doubts.append(QStringLiteral("%1: %2").arg(file, doubt));
-            }
-        } else {
-            m_warnings.append(QStringLiteral("%1: %2; the metadata are not used").arg(file, reason));
-        }
-    } else if (bImageJ) {
-        ImageJMetadata imageJ;
-        imageJ.parse(description, texts.labels, pages);
-        metadata = imageJ.pages();
-        framed = imageJ.hasFrames();
-        for (const QString& doubt : imageJ.doubts()) {
-            m_doubts.append(QStringLiteral("%1: %2").arg(file, doubt));
-        }
-    }
     // Samples that are no colours are images of their own.
     const int samples = info.isColour ? 1 : info.samplesPerPixel;
     for (int page = 0; page < pages; ++page) {
@@ -337,27 +345,34 @@ bool ImageFinder::addTiff(const QString& strPath, QString* pError)
                 image.band = sample + 1;
                 image.name += QStringLiteral(" band %1").arg(sample + 1);
             }
-            image.figures = metadata.at(page);
-            image.facts = facts.at(page);
-            image.framed = framed;
-            image.channel = channelName(channels.value(page), texts.pages.at(page).pageName);
-            if (image.channel.isEmpty() && pages * samples == 1) {
-                image.channel = stemOf(file);
-            }
-            addNamed(image, texts.pages.at(page).pageName, QStringLiteral("page name"), false);
-            const QString text = texts.pages.at(page).description;
-            if (!(page == 0 && (bOme || bImageJ)) && text.size() <= maxNameLength) {
-                addNamed(image, text, QStringLiteral("description"), false);
-            }
-            if (pages * samples == 1) {
-                addNamed(image, stemOf(file), QStringLiteral("name"), true);
-            } else if (image.figures.isEmpty()) {
-                image.figures.append({Figure::Frame, static_cast<double>(page), QStringLiteral("page")});
-            }
+            addPageNames(image, texts, page, facts, pages * samples == 1);
             m_images.append(image);
         }
     }
     return true;
+}
+
+// What metadata and texts of a page and, of an image that is alone in its file, the file's name tell.
+void ImageFinder::addPageNames(FoundImage& image, const TiffTexts& texts, int nPage, const PageFacts& facts,
+                               bool bAlone)
+{
+    const TiffTexts::Page& page = texts.pages.at(nPage);
+    image.figures = facts.figures.at(nPage);
+    image.facts = facts.facts.at(nPage);
+    image.framed = facts.framed;
+    image.channel = channelName(facts.channels.value(nPage), page.pageName);
+    if (image.channel.isEmpty() && bAlone) {
+        image.channel = stemOf(image.file);
+    }
+    addNamed(image, page.pageName, QStringLiteral("page name"), false);
+    if (!(nPage == 0 && facts.described) && page.description.size() <= maxNameLength) {
+        addNamed(image, page.description, QStringLiteral("description"), false);
+    }
+    if (bAlone) {
+        addNamed(image, stemOf(image.file), QStringLiteral("name"), true);
+    } else if (image.figures.isEmpty()) {
+        image.figures.append({Figure::Frame, static_cast<double>(nPage), QStringLiteral("page")});
+    }
 }
 
 bool ImageFinder::addEnvi(const QString& strPath, QString* pError)

@@ -11,6 +11,8 @@
 #include <functional>
 #include <optional>
 
+struct TiffTexts;
+
 // An image of a stack, and what its name and its file's metadata tell of it.
 struct FoundImage
 {
@@ -47,6 +49,16 @@ public:
     bool aborted() const { return m_bAborted; }
 
 private:
+    // What a TIFF file's metadata tell of its pages.
+    struct PageFacts
+    {
+        QVector<QVector<Figure>> figures; // a page each
+        QVector<ImageFacts> facts;        // a page each
+        QStringList channels;             // may be fewer
+        bool framed = false;
+        bool described = false; // by the text of the first page, which is no name then
+    };
+
     bool findInFolder(const QString& strFolder, const Progress& progress, QString* pError);
     bool listFolder(const QString& strFolder, QStringList* pNames, QStringList* pOthers, QString* pError);
     bool lookBelow(const QString& strFolder, QStringList* pNames, QString* pError);
@@ -54,6 +66,8 @@ private:
     bool addPicture(const QString& strPath, QString* pError);
     bool splitLoneColours(const QString& strSource);
     bool addTiff(const QString& strPath, QString* pError);
+    PageFacts factsOfPages(const TiffTexts& texts, const QString& strFile);
+    void addPageNames(FoundImage& image, const TiffTexts& texts, int nPage, const PageFacts& facts, bool bAlone);
     bool addEnvi(const QString& strPath, QString* pError);
     bool addCsv(const QString& strPath, QString* pError);
     void addNamed(FoundImage& image, const QString& strText, const QString& strWhat, bool bFrames);
