@@ -2,9 +2,9 @@
 #include "services/importer/ImageKeys.h"
 
 #include "platform/orvapi/ChannelInfo.h"
+#include "platform/orvutils/NumberText.h"
 
 #include <QHash>
-#include <QLocale>
 
 #include <cmath>
 
@@ -15,12 +15,6 @@ constexpr double minWavelength = 100;
 constexpr double maxWavelength = 999;
 // Whole seconds beyond this are not told apart in single precision, in which times are read.
 constexpr double maxTime = 16777216;
-
-// As few digits as tell the number from its neighbours.
-QString shortest(double value)
-{
-    return QString::number(value, 'g', QLocale::FloatingPointShortest);
-}
 
 bool filterText(const char* what, double wavelength, QString& text, QString* pReason)
 {
@@ -39,14 +33,15 @@ QString reasonAgainstWavelength(const QString& strWhat, double dNanometres)
     const double rounded = std::round(dNanometres);
     return rounded >= minWavelength && rounded <= maxWavelength
                ? QString()
-               : QStringLiteral("the %1 %2 nm is not within 100 to 999 nm").arg(strWhat, shortest(dNanometres));
+               : QStringLiteral("the %1 %2 nm is not within 100 to 999 nm")
+                     .arg(strWhat, orv::shortestText(dNanometres));
 }
 
 QString reasonAgainstTime(double dSeconds)
 {
     return std::abs(dSeconds) < maxTime
                ? QString()
-               : QStringLiteral("the time %1 s is not within 16777216 s").arg(shortest(dSeconds));
+               : QStringLiteral("the time %1 s is not within 16777216 s").arg(orv::shortestText(dSeconds));
 }
 
 int wholeSecond(const QString& strTime)
@@ -125,7 +120,7 @@ bool ImageKeys::addTemporal(const ImageRow& row, QString* pReason)
     }
     ImageKey key;
     key.interval = QString::number(row.interval.value_or(1));
-    key.time = shortest(*row.time);
+    key.time = orv::shortestText(*row.time);
     if ((row.excitation && !filterText("excitation", *row.excitation, key.excitation, pReason)) ||
         (row.emission && !filterText("emission", *row.emission, key.emission, pReason))) {
         return false;

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "services/importer/InferredTable.h"
 
+#include "platform/orvutils/NumberText.h"
 #include "services/importer/CsvLine.h"
 #include "services/importer/ImageKeys.h"
 #include "services/importer/ImagesTable.h"
 
 #include <QHash>
-#include <QLocale>
 #include <QSet>
 
 #include <algorithm>
@@ -26,11 +26,6 @@ bool isSame(double a, double b)
     return std::abs(a - b) <= closeShare * std::max({1.0, std::abs(a), std::abs(b)});
 }
 
-QString shortest(double value)
-{
-    return QString::number(value, 'g', QLocale::FloatingPointShortest);
-}
-
 // Without what a change of units leaves in the last digits.
 double rounded(double value)
 {
@@ -40,7 +35,7 @@ double rounded(double value)
 
 QString cell(const std::optional<double>& value)
 {
-    return value ? shortest(*value) : QString();
+    return value ? orv::shortestText(*value) : QString();
 }
 
 QString cell(const std::optional<int>& value)
@@ -58,8 +53,8 @@ std::optional<Figure> oneOf(const FoundImage& image, Figure::Kind kind, const ch
         }
         if (one && !isSame(one->value, figure.value)) {
             *pDoubt = QStringLiteral("%1: the %2 is %3 (%4) or %5 (%6)")
-                          .arg(image.name, QLatin1String(what), shortest(one->value), one->origin,
-                               shortest(figure.value), figure.origin);
+                          .arg(image.name, QLatin1String(what), orv::shortestText(one->value), one->origin,
+                               orv::shortestText(figure.value), figure.origin);
             return std::nullopt;
         }
         one = one ? one : figure;
@@ -329,7 +324,7 @@ void InferredTable::takeTimes(const QVector<FoundImage>& images, std::optional<d
         if (!time && interval && (number || frame)) {
             time = number ? number : frame;
             time->value = rounded(time->value * *interval);
-            time->origin += QStringLiteral(" x %1 s").arg(shortest(*interval));
+            time->origin += QStringLiteral(" x %1 s").arg(orv::shortestText(*interval));
         } else if (!time && number) {
             numbers.push_back(number->value);
             time = number;
