@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "services/importer/CsvLine.h"
 
+#include "platform/orvutils/NumberText.h"
+
 namespace {
 
 const QChar quote = QLatin1Char('"');
@@ -60,4 +62,14 @@ QString csvField(const QString& strText)
     return bPlain ? strText
                   : QLatin1Char('"') + QString(strText).replace(QLatin1Char('"'), QLatin1String("\"\"")) +
                         QLatin1Char('"');
+}
+
+QString csvNumber(const std::optional<double>& value)
+{
+    return value ? orv::shortestText(*value) : QString();
+}
+
+QString csvNumber(const std::optional<int>& value)
+{
+    return value ? QString::number(*value) : QString();
 }

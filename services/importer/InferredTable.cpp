@@ -4,7 +4,6 @@
 #include "platform/orvutils/NumberText.h"
 #include "services/importer/CsvLine.h"
 #include "services/importer/ImageKeys.h"
-#include "services/importer/ImagesTable.h"
 
 #include <QHash>
 #include <QSet>
@@ -31,16 +30,6 @@ double rounded(double value)
 {
     constexpr double digits = 1e9;
     return std::round(value * digits) / digits;
-}
-
-QString cell(const std::optional<double>& value)
-{
-    return value ? orv::shortestText(*value) : QString();
-}
-
-QString cell(const std::optional<int>& value)
-{
-    return value ? QString::number(*value) : QString();
 }
 
 // The figures of one kind, which must agree. Two that differ give none, and the sentence.
@@ -79,13 +68,6 @@ void addOrigin(InferredTable::Row& row, const Figure& figure)
     }
     row.origin = parts.join(QStringLiteral("; "));
 }
-
-// A column of the table as text.
-struct Column
-{
-    QString name;
-    std::function<QString(const InferredTable::Row&)> text;
-};
 
 // Whether the values, in ascending order, go up by one each time.
 bool countsUp(std::vector<double> values)
@@ -277,8 +259,9 @@ void InferredTable::number(const QVector<FoundImage>& images)
         QString contradiction;
         const auto wavenumber = oneOf(*image++, Figure::Wavenumber, "wavenumber", &contradiction);
         if (row.channel.isEmpty() && row.excitation) {
-            row.channel = row.emission ? QStringLiteral("ex %1 em %2").arg(cell(row.excitation), cell(row.emission))
-                                       : QStringLiteral("ex %1").arg(cell(row.excitation));
+            row.channel = row.emission
+                              ? QStringLiteral("ex %1 em %2").arg(csvNumber(row.excitation), csvNumber(row.emission))
+                              : QStringLiteral("ex %1").arg(csvNumber(row.excitation));
         }
         if (row.emission.value_or(0.0) > 0.0) {
             row.wavelength = row.emission;
@@ -364,8 +347,8 @@ void InferredTable::choose()
     for (const Row& row : m_rows) {
         wavelengths += row.excitation || row.emission ? 1 : 0;
         times += row.time ? 1 : 0;
-        pairs.insert(
-            QStringList{cell(row.excitation), cell(row.emission), row.spotX, row.spotY}.join(QLatin1Char('/')));
+        pairs.insert(QStringList{csvNumber(row.excitation), csvNumber(row.emission), row.spotX, row.spotY}.join(
+            QLatin1Char('/')));
     }
     const bool bApart = pairs.size() == m_rows.size();
     const bool bSaid = std::any_of(m_rows.cbegin(), m_rows.cend(), [](const Row& row) { return row.facts.temporal; });
@@ -463,66 +446,4 @@ void InferredTable::refuseDuplicates()
     } else if (m_bTemporal && m_rows.size() > 1 && (m_rows.first().excitation || m_rows.first().emission)) {
         m_notes.append(QStringLiteral("the images' times tell them apart: their wavelengths are the same in all"));
     }
-}
-
-QByteArray InferredTable::toCsv() const
-{
-    const auto any = [this](const std::function<bool(const Row&)>& has) {
-        return std::any_of(m_rows.cbegin(), m_rows.cend(), has);
-    };
-    const bool bTimes = any([](const Row& row) { return row.time.has_value(); });
-    const bool bWavelengths = m_bSpectral || any([](const Row& row) { return row.excitation || row.emission; });
-    // A template offers what could be meant.
-    const bool bOpen = !m_doubts.isEmpty() && !m_bNumbered && (bTimes == m_bSpectral || (!m_bSpectral && !m_bTemporal));
-    QVector<Column> columns;
-    const auto add = [&columns](const char* name, const std::function<QString(const Row&)>& text, bool bWanted) {
-        if (bWanted) {
-            columns.append({QLatin1String(name), text});
-        }
-    };
-    // A column that stands when any row has something to say there.
-    const auto addKnown = [&](const char* name, const std::function<QString(const Row&)>& text, bool bWanted = true) {
-        add(name, text, bWanted && any([&text](const Row& row) { return !text(row).isEmpty(); }));
-    };
-    add(
-        ImageColumns::kFile, [](const Row& row) { return csvField(row.file); }, true);
-    addKnown(ImageColumns::kPage, [](const Row& row) { return cell(row.page); });
-    addKnown(ImageColumns::kBand, [](const Row& row) { return cell(row.band); });
-    add(
-        ImageColumns::kChannel, [](const Row& row) { return csvField(row.channel); }, m_bNumbered);
-    addKnown(ImageColumns::kWavelength, [](const Row& row) { return cell(row.wavelength); });
-    addKnown(ImageColumns::kWavenumber, [](const Row& row) { return cell(row.wavenumber); });
-    add(
-        ImageColumns::kExcitation, [](const Row& row) { return cell(row.excitation); }, bWavelengths || bOpen);
-    add(
-        ImageColumns::kEmission, [](const Row& row) { return cell(row.emission); }, bWavelengths || bOpen);
-    addKnown(
-        ImageColumns::kSpotX, [](const Row& row) { return row.spotX; }, m_bSpectral);
-    addKnown(
-        ImageColumns::kSpotY, [](const Row& row) { return row.spotY; }, m_bSpectral);
-    addKnown(
-        ImageColumns::kInterval, [](const Row& row) { return cell(row.interval); }, m_bTemporal || bOpen);
-    add(
-        ImageColumns::kTime, [](const Row& row) { return cell(row.time); }, m_bTemporal || bOpen);
-    addKnown(ImageColumns::kExposure, [](const Row& row) { return cell(row.facts.exposure); });
-    addKnown(ImageColumns::kPixelSize, [](const Row& row) { return cell(row.facts.pixelSize); });
-    addKnown(ImageColumns::kStart, [](const Row& row) { return row.facts.start; });
-    addKnown(ImageColumns::kIsotope, [](const Row& row) { return csvField(row.facts.isotope); });
-    addKnown(ImageColumns::kUnit, [](const Row& row) { return row.facts.unit; });
-    add(
-        ImageColumns::kOrigin, [](const Row& row) { return csvField(row.origin); }, true);
-
-    QStringList names;
-    for (const Column& column : columns) {
-        names.append(column.name);
-    }
-    QStringList lines{names.join(QLatin1Char(','))};
-    for (const Row& row : m_rows) {
-        QStringList fields;
-        for (const Column& column : columns) {
-            fields.append(column.text(row));
-        }
-        lines.append(fields.join(QLatin1Char(',')));
-    }
-    return (lines.join(QLatin1Char('\n')) + QLatin1Char('\n')).toUtf8();
 }
