@@ -80,9 +80,13 @@ constexpr const char* const kReferenceRadiance = "Reference Radiance";       // 
 constexpr const char* const kNativeUnit = "Native Unit";                     // 0 to 3, or the unit's text
 constexpr const char* const kStoredUnit = "Stored Unit";                     // unit of the stored pixels, else counts
 constexpr const char* const kImageExtent = "Image Extent";                   // "w x h", pixels before padding
-constexpr const char* const kChannelName = "Channel Name";                   // of a numbered channel (ChannelInfo)
-constexpr const char* const kChannelWavelength = "Channel Wavelength nm";    // nm
-constexpr const char* const kChannelWavenumber = "Channel Wavenumber";       // 1/cm
+constexpr const char* const kDarkImage = "Dark Image";                       // that was subtracted by an import
+constexpr const char* const kBackgroundLevel = "Background Level";        // subtracted from all pixels, in their unit
+constexpr const char* const kBackgroundRule = "Background Rule";          // how it was found (BackgroundRule)
+constexpr const char* const kNegativePixels = "Negative Pixels";          // below 0 because of dark or background
+constexpr const char* const kChannelName = "Channel Name";                // of a numbered channel (ChannelInfo)
+constexpr const char* const kChannelWavelength = "Channel Wavelength nm"; // nm
+constexpr const char* const kChannelWavenumber = "Channel Wavenumber";    // 1/cm
 
 // Section "Camera System Info".
 constexpr const char* const kPhotonsPerCount = "Photons per Count";     // photons

@@ -12,16 +12,14 @@ bool fail(QString* pError, const QString& path, const QString& reason)
     return false;
 }
 
-// The pixels of a correction image.
-bool load(const QString& path, long w, long h, const char* what, std::vector<double>& pixels, QString* pError)
+bool load(const QString& path, long w, long h, std::vector<double>& pixels, QString* pError)
 {
     const int pages = tiffPageCount(path, pError);
     if (pages < 1) {
         return false;
     }
     if (pages > 1) {
-        return fail(pError, path,
-                    QStringLiteral("the %1 has %2 pages; one image is needed").arg(QLatin1String(what)).arg(pages));
+        return fail(pError, path, QStringLiteral("the flat field has %1 pages; one image is needed").arg(pages));
     }
     TiffInfo info;
     CILImage image;
@@ -31,8 +29,7 @@ bool load(const QString& path, long w, long h, const char* what, std::vector<dou
     }
     if (info.width != w || info.height != h) {
         return fail(pError, path,
-                    QStringLiteral("the %1 has %2 x %3 pixels where the images have %4 x %5")
-                        .arg(QLatin1String(what))
+                    QStringLiteral("the flat field has %1 x %2 pixels where the images have %3 x %4")
                         .arg(info.width)
                         .arg(info.height)
                         .arg(w)
@@ -69,15 +66,10 @@ void correct(Pixel* pixels, std::size_t n, const std::vector<double>& dark, cons
 
 } // namespace
 
-bool ImageCorrection::loadDark(const QString& strPath, long w, long h, QString* pError)
-{
-    return load(strPath, w, h, "dark image", m_dark, pError);
-}
-
 bool ImageCorrection::loadFlat(const QString& strPath, long w, long h, QString* pError)
 {
     std::vector<double> flat;
-    if (!load(strPath, w, h, "flat field", flat, pError)) {
+    if (!load(strPath, w, h, flat, pError)) {
         return false;
     }
     double sum = 0.0;
@@ -102,14 +94,19 @@ bool ImageCorrection::apply(CILImage& image) const
     if (m_dark.empty() && m_gain.empty()) {
         return true;
     }
-    const bool wide = image.dataType() == ORVTYPE_INT || image.dataType() == ORVTYPE_DOUBLE;
-    if (image.ChangeType(wide ? ORVTYPE_DOUBLE : ORVTYPE_FLOAT) != EIL_SUCCESS) {
+    if (!makeReal(image)) {
         return false;
     }
-    if (wide) {
+    if (image.dataType() == ORVTYPE_DOUBLE) {
         correct(image.doubles(), image.pixelCount(), m_dark, m_gain);
     } else {
         correct(image.floats(), image.pixelCount(), m_dark, m_gain);
     }
     return true;
+}
+
+bool ImageCorrection::makeReal(CILImage& image)
+{
+    const bool wide = image.dataType() == ORVTYPE_INT || image.dataType() == ORVTYPE_DOUBLE;
+    return image.ChangeType(wide ? ORVTYPE_DOUBLE : ORVTYPE_FLOAT) == EIL_SUCCESS;
 }

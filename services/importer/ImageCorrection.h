@@ -5,6 +5,7 @@
 
 #include <QString>
 
+#include <utility>
 #include <vector>
 
 // What is done to each image before it is stored: a dark image is subtracted, then the rest is divided by a flat field.
@@ -12,16 +13,18 @@
 class ImageCorrection
 {
 public:
-    // Reads a TIFF file of one page that has w x h finite pixels. False with "file: reason" in *pError.
-    bool loadDark(const QString& strPath, long w, long h, QString* pError);
-    // As loadDark(). The flat is taken as it is and normalised to a mean of 1; a pixel that is not above 0 is refused.
+    // The dark image of the images that follow, until another one is set.
+    void setDark(std::vector<double> pixels) { m_dark = std::move(pixels); }
+    // Reads a TIFF file of one page that has w x h finite pixels. It is taken as it is and normalised to a mean of 1.
+    // False with "file: reason" in *pError; a pixel that is not above 0 is refused.
     bool loadFlat(const QString& strPath, long w, long h, QString* pError);
 
-    bool hasDark() const { return !m_dark.empty(); }
     bool hasFlat() const { return !m_gain.empty(); }
 
-    // Corrects an image of the size above; without dark and flat it stays as it is. False without memory.
+    // Corrects an image of their size; without dark and flat it stays as it is. False without memory.
     bool apply(CILImage& image) const;
+    // Makes floats of integers, doubles of those with 32 bits. False without memory.
+    static bool makeReal(CILImage& image);
 
 private:
     std::vector<double> m_dark;

@@ -2,6 +2,7 @@
 #include "services/importer/ImageStack.h"
 
 #include "platform/orvimage/TiffIo.h"
+#include "platform/orvutils/InputFile.h"
 #include "services/importer/ColourPlanes.h"
 #include "services/importer/ImportMemory.h"
 #include "services/importer/PictureFile.h"
@@ -16,7 +17,8 @@
 bool ImageStack::isTiffFile(const QString& strPath)
 {
     QFile file(strPath);
-    if (!file.open(QIODevice::ReadOnly)) {
+    QString reason;
+    if (!orv::openInput(file, &reason)) {
         return false;
     }
     const QByteArray magic = file.read(4);
@@ -57,19 +59,15 @@ bool ImageStack::open(const QString& strSource, const ImagesTable& table, QStrin
             return false;
         }
         lineOf.insert(identity, row.line);
-        if (m_images.isEmpty()) {
-            m_lWidth = width;
-            m_lHeight = height;
-        } else if (width != m_lWidth || height != m_lHeight) {
-            *pError = QStringLiteral("%1: %2 has %3 x %4 pixels where %5 has %6 x %7")
+        constexpr long most = 1 << 30; // beyond every image that can be imported
+        if (width > most || height > most) {
+            *pError = QStringLiteral("%1: %2: the image of %3 x %4 pixels is too large")
                           .arg(table.place(row), image.name)
                           .arg(width)
-                          .arg(height)
-                          .arg(m_images.first().name)
-                          .arg(m_lWidth)
-                          .arg(m_lHeight);
+                          .arg(height);
             return false;
         }
+        image.size = QSize(static_cast<int>(width), static_cast<int>(height));
         m_images.append(image);
     }
     m_cubes.clear();

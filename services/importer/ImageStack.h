@@ -10,6 +10,7 @@
 #include <QHash>
 #include <QMap>
 #include <QSharedPointer>
+#include <QSize>
 #include <QString>
 #include <QStringList>
 #include <QVector>
@@ -17,7 +18,7 @@
 #include <optional>
 
 // The images that a table names, wherever they lie: files of a folder, pages of a TIFF file, samples of its pixels,
-// bands of an ENVI cube or a CSV cube. All have one size. Pixels are read one image at a time.
+// bands of an ENVI cube or a CSV cube. Pixels are read one image at a time.
 class ImageStack
 {
 public:
@@ -26,14 +27,13 @@ public:
 
     // Finds every image of the table and reads the headers. With a folder as `strSource` each row names its file there;
     // otherwise `strSource` is the file of all rows. A row without page or band means the first. False with one
-    // sentence in *pError (see importStack) when an image cannot be found or differs in size, or two rows name one
-    // image. A CSV cube is read whole here, which `progress` (may be empty) follows. `bFollow` as in EnviCube::open().
+    // sentence in *pError (see importStack) when an image cannot be found, or two rows name one image. A CSV cube is
+    // read whole here, which `progress` (may be empty) follows. `bFollow` as in EnviCube::open().
     bool open(const QString& strSource, const ImagesTable& table, QString* pError,
               const CsvCube::Progress& progress = {}, bool bFollow = false);
 
     int count() const { return m_images.size(); }
-    long width() const { return m_lWidth; }
-    long height() const { return m_lHeight; }
+    QSize size(int i) const { return m_images.at(i).size; }
     // Of the widest image: bytes of a pixel, and those that reading the image takes.
     int pixelBytes() const { return m_nPixelBytes; }
     qint64 readBytes() const { return m_lReadBytes; }
@@ -58,6 +58,7 @@ private:
     {
         QString path;
         QString name;
+        QSize size;
         int page = 0;                  // from 0
         int band = -1;                 // from 0; -1 for a TIFF page or a picture as a whole
         bool picture = false;          // PNG or JPEG
@@ -85,8 +86,6 @@ private:
     QStringList m_sampled;
     // Names of images in colours that were read, by what was taken of them.
     mutable QMap<QString, QStringList> m_coloured;
-    long m_lWidth = 0;
-    long m_lHeight = 0;
     int m_nPixelBytes = 0;
     qint64 m_lReadBytes = 0;
     QStringList m_warnings;

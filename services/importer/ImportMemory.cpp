@@ -30,11 +30,13 @@ qint64 importMemory(const ImportSize& size)
 {
     const qint64 pixels = static_cast<qint64>(size.width) * size.height;
     const qint64 side = std::max(size.width, size.height);
-    // Corrected pixels may be doubles, and stand beside the image for a while.
-    const qint64 corrected = size.corrections > 0 ? pixels * doubleBytes : 0;
-    const qint64 stored = size.corrections > 0 ? doubleBytes : size.pixelBytes;
-    return size.readBytes + corrected + size.corrections * pixels * doubleBytes + side * side * (stored + 1) +
-           size.photograph;
+    const bool bReal = size.corrections > 0 || size.sorted || size.resized;
+    // Corrected pixels may be doubles, and stand beside the image for a while, as resized ones do.
+    const qint64 corrected = bReal ? size.readPixels * doubleBytes : 0;
+    const qint64 stored = bReal ? doubleBytes : size.pixelBytes;
+    const qint64 copies = (size.sorted ? 1 : 0) + (size.resized ? 1 : 0);
+    return size.readBytes + corrected + size.corrections * size.readPixels * doubleBytes +
+           copies * pixels * doubleBytes + side * side * (stored + 1) + size.photograph;
 }
 
 QString reasonAgainstMemory(const ImportSize& size, qint64 lMost)

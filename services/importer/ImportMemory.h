@@ -14,11 +14,14 @@ qint64 tiffMemory(const TiffInfo& info);
 // What is known of an import before a pixel is read.
 struct ImportSize
 {
-    long width = 0; // of every image
+    long width = 0; // of every image, as it is stored
     long height = 0;
-    qint64 readBytes = 0;  // to read one image, itself included
+    qint64 readPixels = 0; // of the largest image, as it is read
+    qint64 readBytes = 0;  // to read one image, itself included, and its dark image
     int pixelBytes = 0;    // of the widest image
     int corrections = 0;   // dark image, flat field: 0 to 2
+    bool sorted = false;   // pixels are copied for the background
+    bool resized = false;  // images are brought to another size
     qint64 photograph = 0; // bytes to load the photograph; 0 for the mean image
 };
 

@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "services/importer/PreparedImage.h"
+
 #include <QString>
 #include <QStringList>
+#include <QVector>
 
 // What was imported.
 struct ImportReport
@@ -22,7 +25,12 @@ struct ImportReport
     bool scaled = false;      // values were divided by a factor that the file tells
     bool dark = false;        // corrections that were made
     bool flat = false;
-    QStringList clickNumbers; // in the order of the table
-    QStringList warnings;     // what was passed over, a sentence each
-    bool aborted = false;     // the import failed because the progress callback said so
+    QString darkMatching;            // how dark images belong to images (DarkImages); empty without
+    QString background;              // the rule; empty without
+    QString sizes;                   // what was done with images that differ in size; empty where none did
+    QStringList names;               // of the images, in the order of the table
+    QVector<PreparedImage> prepared; // what was done with each
+    QStringList clickNumbers;        // in the order of the table
+    QStringList warnings;            // what was passed over, a sentence each
+    bool aborted = false;            // the import failed because the progress callback said so
 };

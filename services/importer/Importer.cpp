@@ -7,12 +7,11 @@
 #include "platform/orvapi/ClickInfoKeys.h"
 #include "platform/orvapi/SequenceWriter.h"
 #include "platform/orvimage/TiffIo.h"
-#include "services/importer/ImageCorrection.h"
 #include "services/importer/ImageKeys.h"
+#include "services/importer/ImagePreparation.h"
 #include "services/importer/ImageStack.h"
 #include "services/importer/ImagesTable.h"
 #include "services/importer/ImportMemory.h"
-#include "services/importer/InvalidPixels.h"
 #include "services/importer/Photograph.h"
 #include "storage/savedResultsAtStake.h"
 
@@ -48,22 +47,6 @@ QString folderBeside(const QString& output)
     return QFileInfo(QDir::cleanPath(QFileInfo(output).absoluteFilePath())).path();
 }
 
-// Integers become floats, 32 bit ones doubles. False without memory.
-bool divide(CILImage& image, double scale)
-{
-    if (!(scale < 1.0 || scale > 1.0)) {
-        return true;
-    }
-    const bool wide = image.dataType() == ORVTYPE_INT || image.dataType() == ORVTYPE_DOUBLE;
-    if (image.ChangeType(wide ? ORVTYPE_DOUBLE : ORVTYPE_FLOAT) != EIL_SUCCESS) {
-        return false;
-    }
-    for (std::size_t i = 0; i < image.pixelCount(); ++i) {
-        image.setValue(i, image.value(i) / scale);
-    }
-    return true;
-}
-
 // One import from the table to the finished folder.
 class Import
 {
@@ -76,7 +59,8 @@ public:
     bool run(QString* pError)
     {
         // A target is refused before time is spent on images; the writer shows nothing before finish().
-        return spareResults(pError) && readTable(pError) && limitMemory(pError) && readCorrections(pError) &&
+        return spareResults(pError) && readTable(pError) && m_images.begin(pError) && limitSize(pError) &&
+               limitMemory(pError) && checkExposures(pError) && m_images.loadFlat(pError) &&
                m_writer.begin(m_options.output, describeSequence(), m_options.force, pError,
                               emptyResultsIndexes(m_options.output)) &&
                checkImages(pError) && makePhotograph(pError) && write(pError);
@@ -86,9 +70,11 @@ private:
     bool spareResults(QString* pError) const;
     bool readTable(QString* pError);
     bool staysInside(QString* pError) const;
+    bool limitSize(QString* pError) const;
     bool limitMemory(QString* pError) const;
-    bool readCorrections(QString* pError);
-    bool readImage(int i, CILImage& image, QString* pError);
+    bool checkExposures(QString* pError) const;
+    void tellTable();
+    void tellImages();
     bool keepTable(QString* pError);
     bool keepValidPixels(QString* pError);
     bool checkImages(QString* pError);
@@ -107,8 +93,7 @@ private:
     ImagesTable m_table;
     ImageStack m_stack;
     ImageKeys m_keys;
-    ImageCorrection m_correction;
-    InvalidPixels m_invalid;
+    ImagePreparation m_images{m_options, m_stack, m_table};
     SequenceWriter m_writer;
     MeanImage m_mean;
     CILImage m_photo; // padded
@@ -173,54 +158,53 @@ bool Import::readTable(QString* pError)
                       .arg(m_table.place(m_table.rows().first()));
         return false;
     }
-    const long side = std::max(m_stack.width(), m_stack.height());
-    if (side > maxSide) {
-        *pError = QStringLiteral("%1: images of %2 x %3 pixels are too large (at most %4 along a side)")
-                      .arg(m_options.source)
-                      .arg(m_stack.width())
-                      .arg(m_stack.height())
-                      .arg(maxSide);
-        return false;
-    }
     const QString output = QDir::cleanPath(QFileInfo(m_options.output).absoluteFilePath());
     m_strId = m_options.name.isEmpty() ? QFileInfo(output).fileName() : m_options.name;
     const QByteArray hash = QCryptographicHash::hash(output.toUtf8(), QCryptographicHash::Sha1).toHex().toUpper();
     m_strMark = QString::fromLatin1(hash.left(6));
+    tellTable();
+    return true;
+}
 
+void Import::tellTable()
+{
     m_report.sequenceId = m_strId;
     m_report.images = m_stack.count();
-    m_report.width = m_stack.width();
-    m_report.height = m_stack.height();
-    m_report.side = side;
     m_report.temporal = m_keys.temporal;
     m_report.fluorescence = m_keys.fluorescence;
     m_report.transillumination = m_keys.transillumination;
     m_report.numbered = m_keys.numbered;
     for (int i = 0; i < m_stack.count(); ++i) {
+        m_report.names.append(m_stack.name(i));
         m_report.scaled = m_report.scaled || m_stack.scale(i) < 1.0 || m_stack.scale(i) > 1.0;
     }
     m_report.unit = m_table.rows().first().facts.unit;
     m_report.warnings = m_table.warnings() + m_stack.warnings();
-    return true;
+}
+
+bool Import::limitSize(QString* pError) const
+{
+    if (std::max(m_images.width(), m_images.height()) <= maxSide) {
+        return true;
+    }
+    *pError = QStringLiteral("%1: images of %2 x %3 pixels are too large (at most %4 along a side)")
+                  .arg(m_options.source)
+                  .arg(m_images.width())
+                  .arg(m_images.height())
+                  .arg(maxSide);
+    return false;
 }
 
 bool Import::limitMemory(QString* pError) const
 {
-    ImportSize size;
-    size.width = m_stack.width();
-    size.height = m_stack.height();
-    size.readBytes = m_stack.readBytes();
-    size.pixelBytes = m_stack.pixelBytes();
-    size.corrections = (m_options.dark.isEmpty() ? 0 : 1) + (m_options.flat.isEmpty() ? 0 : 1);
-    size.photograph = m_options.photo.isEmpty() ? 0 : photographMemory(m_options.photo);
-    const QString reason = reasonAgainstMemory(size, m_options.maxMemory);
+    const QString reason = reasonAgainstMemory(m_images.size(), m_options.maxMemory);
     if (!reason.isEmpty()) {
         *pError = QStringLiteral("%1: %2").arg(m_options.source, reason);
     }
     return reason.isEmpty();
 }
 
-bool Import::readCorrections(QString* pError)
+bool Import::checkExposures(QString* pError) const
 {
     const int nExposures = m_options.exposures.size();
     if (nExposures > 1 && nExposures != m_stack.count()) {
@@ -228,32 +212,6 @@ bool Import::readCorrections(QString* pError)
                       .arg(m_options.source)
                       .arg(nExposures)
                       .arg(m_stack.count());
-        return false;
-    }
-    const long w = m_stack.width();
-    const long h = m_stack.height();
-    if ((!m_options.dark.isEmpty() && !m_correction.loadDark(m_options.dark, w, h, pError)) ||
-        (!m_options.flat.isEmpty() && !m_correction.loadFlat(m_options.flat, w, h, pError))) {
-        return false;
-    }
-    m_report.dark = m_correction.hasDark();
-    m_report.flat = m_correction.hasFlat();
-    return true;
-}
-
-// Reads an image and corrects it.
-bool Import::readImage(int i, CILImage& image, QString* pError)
-{
-    if (!m_stack.readBand(i, image, pError)) {
-        return false;
-    }
-    if (image.m_lWidth != m_stack.width() || image.m_lHeight != m_stack.height()) {
-        *pError = QStringLiteral("%1: the file has changed while it was read").arg(m_stack.name(i));
-        return false;
-    }
-    m_invalid.take(image, m_stack.ignoreValue(i), m_options.skipInvalid);
-    if (!divide(image, m_stack.scale(i)) || !m_correction.apply(image)) {
-        *pError = QStringLiteral("%1: there is no memory for the image").arg(m_stack.name(i));
         return false;
     }
     return true;
@@ -275,15 +233,7 @@ bool Import::checkImages(QString* pError)
 {
     CILImage image;
     for (int i = 0; i < m_stack.count(); ++i) {
-        if (!step(QStringLiteral("Reading %1").arg(m_stack.name(i)), pError) || !readImage(i, image, pError)) {
-            return false;
-        }
-        const long long bad = firstUnusablePixel(image);
-        if (bad >= 0) {
-            *pError = QStringLiteral("%1: %2: the pixel in column %3, row %4 is not finite or too large")
-                          .arg(m_table.place(m_table.rows().at(i)), m_stack.name(i))
-                          .arg(bad % image.m_lWidth)
-                          .arg(bad / image.m_lWidth);
+        if (!step(QStringLiteral("Reading %1").arg(m_stack.name(i)), pError) || !m_images.read(i, image, pError)) {
             return false;
         }
         if (m_options.photo.isEmpty() && !m_mean.add(image, pError)) {
@@ -291,11 +241,16 @@ bool Import::checkImages(QString* pError)
         }
     }
     m_report.warnings += m_stack.colourWarnings();
-    m_report.invalid = m_invalid.count();
+    const long long pixels = static_cast<long long>(m_images.width()) * m_images.height();
+    m_report.invalid = m_images.invalid().count();
+    if (m_report.invalid == pixels) {
+        *pError = QStringLiteral("%1: no pixel has a value in all images").arg(m_options.source);
+        return false;
+    }
     if (m_report.invalid > 0) {
         m_report.warnings.append(QStringLiteral("%1 of %2 pixels have no value in some image and are left out")
                                      .arg(m_report.invalid)
-                                     .arg(static_cast<long long>(m_stack.width()) * m_stack.height()));
+                                     .arg(pixels));
     }
     return true;
 }
@@ -311,7 +266,8 @@ bool Import::makePhotograph(QString* pError)
         m_mean = MeanImage();
     } else {
         m_report.photographOrigin = QFileInfo(m_options.photo).fileName();
-        if (!loadPhotograph(m_options.photo, m_stack.width(), m_stack.height(), m_photo, &m_report.warnings, pError)) {
+        if (!loadPhotograph(m_options.photo, m_images.width(), m_images.height(), m_photo, &m_report.warnings,
+                            pError)) {
             return false;
         }
     }
@@ -324,7 +280,7 @@ bool Import::makePhotograph(QString* pError)
 
 bool Import::readSquare(int i, CILImage& image, QString* pError)
 {
-    if (!step(QStringLiteral("Writing %1").arg(m_stack.name(i)), pError) || !readImage(i, image, pError)) {
+    if (!step(QStringLiteral("Writing %1").arg(m_stack.name(i)), pError) || !m_images.read(i, image, pError)) {
         return false;
     }
     if (!padToSquare(image)) {
@@ -352,7 +308,21 @@ bool Import::write(QString* pError)
         }
         m_report.clickNumbers.append(clickNumber(i));
     }
+    tellImages();
     return keepTable(pError) && keepValidPixels(pError) && spareResults(pError) && m_writer.finish(pError);
+}
+
+void Import::tellImages()
+{
+    m_report.width = m_images.width();
+    m_report.height = m_images.height();
+    m_report.side = std::max(m_report.width, m_report.height);
+    m_report.dark = !m_images.dark().isEmpty();
+    m_report.darkMatching = m_report.dark ? m_images.dark().matching() : QString();
+    m_report.flat = m_images.hasFlat();
+    m_report.background = m_options.background.text();
+    m_report.sizes = m_images.commonSize().text();
+    m_report.prepared = m_images.images();
 }
 
 // An inferred table goes along, to be edited and given by hand the next time.
@@ -372,12 +342,12 @@ bool Import::keepTable(QString* pError)
 // Where every image has a value; nothing is written where all pixels do.
 bool Import::keepValidPixels(QString* pError)
 {
-    if (m_invalid.count() == 0) {
+    if (m_images.invalid().count() == 0) {
         return true;
     }
     CILImage valid;
     const QString path = m_writer.extraFile(QString::fromLatin1(SequenceFiles::kValidPixels));
-    if (!m_invalid.validSquare(valid)) {
+    if (!m_images.invalid().validSquare(valid)) {
         *pError = QStringLiteral("%1: there is no memory for the valid pixels").arg(m_options.source);
         return false;
     }
@@ -412,6 +382,8 @@ ImageFacts Import::factsOf(int i) const
     }
     if (m_options.pixelSize > 0.0) {
         facts.pixelSize = m_options.pixelSize;
+    } else if (facts.pixelSize) {
+        *facts.pixelSize *= m_images.images().at(i).binned; // the file's are those of its own pixels
     }
     return facts;
 }
@@ -441,11 +413,10 @@ DatasetDescription Import::describeDataset(int i) const
         ChannelInfo{row.channel, row.wavelength, row.wavenumber}.write(image);
     }
     image.setValue(text(ClickKeys::kBinning), 1);
-    image.setValue(text(ClickKeys::kImageExtent), QStringLiteral("%1 x %2").arg(m_stack.width()).arg(m_stack.height()));
-    if (m_correction.hasDark()) {
-        image.setValue(text(ClickKeys::kBackgroundCorrected), 1);
-    }
-    if (m_correction.hasFlat()) {
+    image.setValue(text(ClickKeys::kImageExtent),
+                   QStringLiteral("%1 x %2").arg(m_images.width()).arg(m_images.height()));
+    m_images.images().at(i).write(image);
+    if (m_images.hasFlat()) {
         image.setValue(text(ClickKeys::kFlatFieldCorrected), 1);
     }
     const ImageFacts facts = factsOf(i);

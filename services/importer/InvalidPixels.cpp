@@ -16,13 +16,12 @@ bool isUsable(double value)
 
 } // namespace
 
-void InvalidPixels::take(CILImage& image, std::optional<double> ignore, bool bNotFinite)
+std::vector<bool> InvalidPixels::of(const CILImage& image, std::optional<double> ignore, bool bNotFinite)
 {
-    if (!ignore && !bNotFinite && m_invalid.empty()) {
-        return;
+    std::vector<bool> marks;
+    if (!ignore && !bNotFinite) {
+        return marks;
     }
-    m_lWidth = image.m_lWidth;
-    m_lHeight = image.m_lHeight;
     const bool bIgnoresNaN = ignore && std::isnan(*ignore);
     // What a file of floats holds of -1.1 is another number than the header's.
     const bool bSingle = image.dataType() == ORVTYPE_FLOAT;
@@ -31,14 +30,34 @@ void InvalidPixels::take(CILImage& image, std::optional<double> ignore, bool bNo
     for (std::size_t i = 0; i < image.pixelCount(); ++i) {
         const double value = image.value(i);
         const bool bMarked = ignore && (bIgnoresNaN ? std::isnan(value) : value == marked);
-        const bool bInvalid = bMarked || (bNotFinite && !isUsable(value));
-        if (bInvalid && m_invalid.empty()) {
-            m_invalid.assign(image.pixelCount(), false);
+        if (!bMarked && !(bNotFinite && !isUsable(value))) {
+            continue;
         }
-        if (bInvalid) {
-            m_invalid[i] = true;
+        if (marks.empty()) {
+            marks.assign(image.pixelCount(), false);
         }
-        if (!m_invalid.empty() && m_invalid[i]) {
+        marks[i] = true;
+    }
+    return marks;
+}
+
+void InvalidPixels::add(const std::vector<bool>& marks, long w, long h)
+{
+    m_lWidth = w;
+    m_lHeight = h;
+    if (m_invalid.empty()) {
+        m_invalid = marks;
+        return;
+    }
+    for (std::size_t i = 0; i < marks.size(); ++i) {
+        m_invalid[i] = m_invalid[i] || marks[i];
+    }
+}
+
+void InvalidPixels::clear(CILImage& image) const
+{
+    for (std::size_t i = 0; i < m_invalid.size(); ++i) {
+        if (m_invalid[i]) {
             image.setValue(i, 0.0);
         }
     }

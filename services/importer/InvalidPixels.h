@@ -11,9 +11,15 @@
 class InvalidPixels
 {
 public:
-    // Marks the image's own and sets them to 0, as well as those that were marked before. All images have one size.
-    // `ignore` may be NaN; with `bNotFinite` pixels that are no finite numbers of single precision count too.
-    void take(CILImage& image, std::optional<double> ignore, bool bNotFinite);
+    // Those of one image, in its order; empty where there is none. `ignore` may be NaN; with `bNotFinite` pixels that
+    // are no finite numbers of single precision count too.
+    static std::vector<bool> of(const CILImage& image, std::optional<double> ignore, bool bNotFinite);
+
+    // Adds those of an image of that size; all have one. Empty ones are none.
+    void add(const std::vector<bool>& marks, long w, long h);
+    // Sets all that were added so far to 0.
+    void clear(CILImage& image) const;
+    bool isMarked(std::size_t i) const { return !m_invalid.empty() && m_invalid[i]; }
 
     long long count() const;
     // 1 where every image has a value, as a square with zeros behind the images; of type byte. False without memory.

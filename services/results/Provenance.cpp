@@ -3,12 +3,14 @@
 
 #include "engine/CORVSpumKyvo.h"
 #include "engine/EngineEnums.h"
+#include "host/CORVDataset.h"
 #include "host/CORVPreference.h"
 #include "host/CORVSequenceDataset.h"
 #include "platform/orvutils/programCommit.h"
 #include "services/basis/ImageExtent.h"
 #include "services/basis/ModeNames.h"
 #include "services/basis/UnitNames.h"
+#include "services/importer/PreparedImage.h"
 
 #include <QCryptographicHash>
 #include <QDir>
@@ -41,6 +43,23 @@ QJsonArray filesJson(const QList<AnalysedFile>& files)
     return list;
 }
 
+// What an import has subtracted from the images of the analysis.
+QJsonArray correctionsOf(const CORVSequenceDataset& sequence, const CORVSpumKyvo& engine)
+{
+    QJsonArray list;
+    for (const QString& click : engine.m_imageList) {
+        const CORVDataset* pDataset = sequence.getDataset(click);
+        const PreparedImage prepared = pDataset != nullptr ? PreparedImage::of(pDataset->clickInfo) : PreparedImage();
+        QJsonObject json = prepared.json();
+        if (json.isEmpty()) {
+            continue;
+        }
+        json.insert(QStringLiteral("image"), click);
+        list.append(json);
+    }
+    return list;
+}
+
 } // namespace
 
 QJsonObject Provenance::json() const
@@ -50,10 +69,14 @@ QJsonObject Provenance::json() const
         mask.insert(QStringLiteral("file"), maskFile);
         mask.insert(QStringLiteral("fileSha1"), maskFileSha1);
     }
+    QJsonObject origin{{"id", sequenceId}, {"path", sequence}, {"files", filesJson(files)}};
+    if (!corrections.isEmpty()) {
+        origin.insert(QStringLiteral("corrections"), corrections);
+    }
     QJsonObject json{{"program", QJsonObject{{"name", QStringLiteral("spum")},
                                              {"version", CORVPreference::getAppVersion()},
                                              {"commit", orv::programCommit()}}},
-                     {"sequence", QJsonObject{{"id", sequenceId}, {"path", sequence}, {"files", filesJson(files)}}},
+                     {"sequence", origin},
                      {"mask", mask},
                      {"made", QJsonObject{{"started", momentText(started)},
                                           {"finished", momentText(finished)},
@@ -79,6 +102,7 @@ Provenance provenanceOf(const CORVSequenceDataset& sequence, const CORVSpumKyvo&
     provenance.sequence = QDir::cleanPath(QFileInfo(sequence.getSequenceInfoPath()).absoluteFilePath());
     provenance.sequenceId = sequence.getSequenceID();
     provenance.maskSha1 = maskHash(engine);
+    provenance.corrections = correctionsOf(sequence, engine);
     QJsonArray images;
     for (const KeyPair& pair : engine.m_selectedKeyPairs) {
         images.append(QJsonArray{pair.first, pair.second});

@@ -4,6 +4,7 @@
 #include "services/session/AnalysedFiles.h"
 
 #include <QDateTime>
+#include <QJsonArray>
 #include <QJsonObject>
 #include <QList>
 #include <QString>
@@ -22,7 +23,8 @@ struct Provenance
     QString sequence;      // its folder, absolute
     QString sequenceId;
     QList<AnalysedFile> files;
-    QString library; // file of the spectra, absolute; empty without one
+    QJsonArray corrections; // an object an analysed image that an import has subtracted something from
+    QString library;        // file of the spectra, absolute; empty without one
     QString librarySha1;
     QString maskFile; // absolute; empty where the mask comes from no file
     QString maskFileSha1;

@@ -10,6 +10,7 @@
 #include "services/analysis/MaskFile.h"
 #include "services/basis/Failure.h"
 #include "services/importer/CsvCube.h"
+#include "services/importer/DarkImages.h"
 #include "services/importer/EnviCube.h"
 #include "services/importer/ImageCorrection.h"
 #include "services/importer/ImageFinder.h"
@@ -273,7 +274,13 @@ OddReader dark()
 {
     return reader([](const QString& path) {
         QString error;
-        return ofCorrection(ImageCorrection().loadDark(path, side, side, &error), error);
+        DarkImages dark;
+        ImageRow image;
+        image.file = QStringLiteral("image.tif");
+        std::vector<double> pixels;
+        const bool bRead =
+            dark.open(path, {image}, {image.file}, {QSize(side, side)}, &error) && dark.read(0, pixels, &error);
+        return ofCorrection(bRead, error);
     });
 }
 

@@ -195,7 +195,9 @@ OddCases corrections()
         "{path}: the header claims 32 x 32 x 1 samples of 32 bits, more than a file of {n} bytes can hold");
     OddCases cases{
         correction("DarkOfAnotherSize", OddReaders::dark(), small,
-                   "{path}: the dark image has 32 x 4 pixels where the images have 32 x 32"),
+                   "{path}: the dark image has 32 x 4 pixels where image.tif has 32 x 32"),
+        correction(
+            "DarkInACircleOfPages", OddReaders::dark(), [] { return floats(1.0F).next(8).bytes(); }, "{path}: {...}"),
         correction(
             "DarkThatIsAPicture", OddReaders::dark(), [] { return picture("PNG"); },
             "{path}: not a readable TIFF file ({...})"),

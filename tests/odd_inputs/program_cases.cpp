@@ -92,6 +92,57 @@ OddCases sequences()
     };
 }
 
+// Images with something hostile beside them, and options that read it.
+OddCases importsOfDarkImages()
+{
+    const auto put = [](const QString& name, const std::function<QByteArray()>& bytes) {
+        return [=](const QString& path) {
+            putFile(path, OddTexts::imagesTable());
+            for (const char* image : {"cells_00.tif", "cells_01.tif", "cells_02.tif"}) {
+                putFile(beside(path, QStringLiteral("stack/") + QLatin1String(image)), OddTiff().bytes());
+            }
+            putFile(beside(path, name), bytes());
+        };
+    };
+    const auto with = [](const QStringList& options) {
+        return QStringList{"import", "{dir}/stack", "{out}", "--images", "{path}"} + options;
+    };
+    const QStringList dark = with({"--dark", "{dir}/dark"});
+    const auto flat = [] {
+        return OddTiff().set(OddTiff::Height, OddTiff::Short, {4}).setBlocks({QByteArray(256, 'a')}).bytes();
+    };
+    return {
+        program("ImportWithDarkThatIsCut", dark, "images.csv", put("dark", [] { return OddTiff().bytes().left(600); }),
+                C::Refused, "spum: {dir}/dark: {...}"),
+        program("ImportWithDarkThatIsText", dark, "images.csv", put("dark", [] { return QByteArray("dark"); }),
+                C::Refused, "spum: {dir}/dark: {...}"),
+        program("ImportWithDarkOfMillionsOfBands", dark, "images.csv",
+                put("dark/cube.hdr", [] { return OddTexts::enviHeader().replace("bands = 2", "bands = 16000000"); }),
+                C::Refused, "spum: {dir}/dark/cube.hdr: {...}"),
+        program(
+            "ImportWithDarkOfOneImageOnly", dark, "images.csv",
+            [put](const QString& path) {
+                put("dark/cells_01.tif", [] { return OddTiff().bytes(); })(path);
+                putFile(beside(path, QStringLiteral("dark/x.tif")), OddTiff().bytes());
+            },
+            C::Refused, "spum: {dir}/dark: no dark image is named as cells_00.tif"),
+        program("ImportWithDarkOfNoImage", dark, "images.csv", put("dark/readme.txt", [] { return QByteArray("x"); }),
+                C::Refused,
+                "spum: {dir}/dark: there is no TIFF file, no PNG or JPEG picture and no ENVI header in the folder"),
+        program(
+            "ImportBinnedWithoutAWholeNumber", with({"--sizes", "bin"}), "images.csv", put("stack/cells_01.tif", flat),
+            C::Refused,
+            "spum: {path}:2: cells_00.tif has 32 x 32 pixels, which cannot be binned to the 32 x 4 of cells_01.tif by "
+            "a whole number, the same along both sides; --sizes crop or pad brings them to one size"),
+        program("ImportPaddedToMoreThanThereIs", with({"--sizes", "pad"}), "images.csv",
+                put("stack/cells_01.tif",
+                    [] { return OddTiff().set(OddTiff::Width, OddTiff::Long, {4000000000U}).bytes(); }),
+                C::Refused, "spum: {path}:3: cells_01.tif: the image of 4000000000 x 32 pixels is too large"),
+        program("ImportWithEndlessBackground", with({"--background", "rect:0,0,1e300,1e300"}), "images.csv",
+                put("none", [] { return QByteArray(); }), C::Refused, "spum: --background: {...}"),
+    };
+}
+
 OddCases imports()
 {
     const auto putStack = [](const QString& path) {
@@ -124,7 +175,9 @@ OddCases imports()
                 putFile(beside(path, QStringLiteral("stack/cells_01.tif")),
                         OddTiff().set(OddTiff::Height, OddTiff::Short, {4}).setBlocks({QByteArray(256, 'a')}).bytes());
             },
-            C::Refused, "spum: {path}:3: cells_01.tif has 32 x 4 pixels where cells_00.tif has 32 x 32"),
+            C::Refused,
+            "spum: {path}:3: cells_01.tif has 32 x 4 pixels where cells_00.tif has 32 x 32; --sizes crop, bin or pad "
+            "brings them to one size"),
         program(
             "ImportOfCutImage", table, "images.csv",
             [putStack](const QString& path) {
@@ -168,7 +221,8 @@ OddCases imports()
 OddCases programCases()
 {
     OddCases cases = sequences();
-    const OddCases more = imports();
-    cases.insert(cases.end(), more.begin(), more.end());
+    for (const OddCases& more : {imports(), importsOfDarkImages()}) {
+        cases.insert(cases.end(), more.begin(), more.end());
+    }
     return cases;
 }

@@ -5,6 +5,7 @@
 #include "files/AtomicFile.h"
 #include "platform/orvutils/printable.h"
 #include "services/basis/Failure.h"
+#include "services/basis/TextTable.h"
 #include "services/importer/Importer.h"
 #include "services/transfer/ImportInference.h"
 #include "workbench/commands/CallErrors.h"
@@ -42,6 +43,42 @@ double positiveNumber(const char* pOption, const QString& strText)
     return value;
 }
 
+// The options with numbers and rules.
+void takeValues(const QCommandLineParser& parser, Request& request, CallErrors& errors)
+{
+    ImportOptions& options = request.import;
+    const auto value = [&parser](const char* pName) { return parser.value(QLatin1String(pName)); };
+    const auto take = [&](const char* pName, const std::function<void()>& set) {
+        if (parser.isSet(QLatin1String(pName))) {
+            errors.collect(set);
+        }
+    };
+    take("max-memory", [&] {
+        constexpr double gibibyte = 1 << 30;
+        constexpr double most = 1 << 30; // beyond every machine, within the number's range
+        options.maxMemory =
+            static_cast<qint64>(std::min(positiveNumber("max-memory", value("max-memory")), most) * gibibyte);
+    });
+    take("background", [&] {
+        QString reason;
+        if (!options.background.parse(value("background"), &reason)) {
+            refuseUsage("import", QStringLiteral("--background: %1.").arg(reason));
+        }
+    });
+    take("sizes", [&] {
+        if (!CommonSize::ruleOf(value("sizes"), &options.sizes)) {
+            refuseUsage("import", QStringLiteral("--sizes takes crop, bin or pad, not \"%1\".").arg(value("sizes")));
+        }
+    });
+    take("interval", [&] { request.interval = positiveNumber("interval", value("interval")); });
+    take("pixel-size", [&] { options.pixelSize = positiveNumber("pixel-size", value("pixel-size")); });
+    take("exposure", [&] {
+        for (const auto& text : value("exposure").split(QLatin1Char(','))) {
+            options.exposures.append(positiveNumber("exposure", text));
+        }
+    });
+}
+
 Request requestOf(const QCommandLineParser& parser)
 {
     const auto value = [&parser](const char* pName) { return parser.value(QLatin1String(pName)); };
@@ -77,24 +114,7 @@ Request requestOf(const QCommandLineParser& parser)
     options.force = given("force");
     options.follow = given("follow");
     options.skipInvalid = given("skip-invalid");
-    const auto take = [&](const char* pName, const std::function<void()>& set) {
-        if (given(pName)) {
-            errors.collect(set);
-        }
-    };
-    take("max-memory", [&] {
-        constexpr double gibibyte = 1 << 30;
-        constexpr double most = 1 << 30; // beyond every machine, within the number's range
-        options.maxMemory =
-            static_cast<qint64>(std::min(positiveNumber("max-memory", value("max-memory")), most) * gibibyte);
-    });
-    take("interval", [&] { request.interval = positiveNumber("interval", value("interval")); });
-    take("pixel-size", [&] { options.pixelSize = positiveNumber("pixel-size", value("pixel-size")); });
-    take("exposure", [&] {
-        for (const auto& text : value("exposure").split(QLatin1Char(','))) {
-            options.exposures.append(positiveNumber("exposure", text));
-        }
-    });
+    takeValues(parser, request, errors);
     errors.throwAll();
     return request;
 }
@@ -143,10 +163,67 @@ QString textAnswer(const ImportReport& report, const QString& strFolder)
     text += report.numbered ? QStringLiteral(", numbered channels") : QString();
     text += report.unit.isEmpty() ? QString() : QStringLiteral(", in ") + report.unit.toLower();
     text += report.scaled ? QStringLiteral(", divided by the scale factor of the header") : QString();
-    text += report.dark ? QStringLiteral(", dark image subtracted") : QString();
+    text += report.dark ? QStringLiteral(", dark image subtracted (%1)").arg(report.darkMatching) : QString();
     text += report.flat ? QStringLiteral(", flat field divided") : QString();
+    text += report.background.isEmpty() ? QString() : QStringLiteral(", background subtracted: ") + report.background;
+    text += report.sizes.isEmpty() ? QString() : QStringLiteral(", of several sizes, ") + report.sizes;
     return text + QStringLiteral("\nphotograph: %1\nsequence in %2\n")
                       .arg(orv::printableLine(report.photographOrigin), orv::printableLine(strFolder));
+}
+
+// What was done with each image; of many the first and the last ones.
+QString preparedText(const ImportReport& report)
+{
+    const bool subtracted = report.dark || !report.background.isEmpty();
+    if (!subtracted && report.sizes.isEmpty()) {
+        return QString();
+    }
+    constexpr int shown = 40;
+    constexpr int last = 5;
+    QStringList header{QStringLiteral("image")};
+    header += report.dark ? QStringList{QStringLiteral("dark image")} : QStringList();
+    header += report.background.isEmpty() ? QStringList() : QStringList{QStringLiteral("background")};
+    header += subtracted ? QStringList{QStringLiteral("below 0")} : QStringList();
+    header += report.sizes.isEmpty() ? QStringList() : QStringList{QStringLiteral("binned by")};
+    TextTable table(header);
+    const double pixels = static_cast<double>(report.width) * static_cast<double>(report.height);
+    long long negatives = 0;
+    const int count = report.prepared.size();
+    for (int i = 0; i < count; ++i) {
+        const PreparedImage& image = report.prepared.at(i);
+        negatives += image.negatives;
+        if (count > shown && i >= shown - last && i < count - last) {
+            if (i == shown - last) {
+                table.addRow({QStringLiteral("... %1 more").arg(count - shown)});
+            }
+            continue;
+        }
+        QStringList row{report.names.at(i)};
+        row += report.dark ? QStringList{image.dark} : QStringList();
+        row += report.background.isEmpty() ? QStringList() : QStringList{TextTable::number(*image.background)};
+        row += subtracted
+                   ? QStringList{QStringLiteral("%1 (%2 %)")
+                                     .arg(image.negatives)
+                                     .arg(TextTable::number(100.0 * static_cast<double>(image.negatives) / pixels, 3))}
+                   : QStringList();
+        row += report.sizes.isEmpty() ? QStringList() : QStringList{QString::number(image.binned)};
+        table.addRow(row);
+    }
+    const QString note = QStringLiteral("Pixels below 0 are kept; an analysis takes them for 0.\n");
+    return table.toText() + (negatives > 0 ? note : QString());
+}
+
+QJsonArray preparedJson(const ImportReport& report)
+{
+    QJsonArray images;
+    for (int i = 0; i < report.prepared.size(); ++i) {
+        const PreparedImage& image = report.prepared.at(i);
+        QJsonObject json = image.json();
+        json.insert(QStringLiteral("image"), report.names.at(i));
+        json.insert(QStringLiteral("binned"), image.binned);
+        images.append(json);
+    }
+    return images;
 }
 
 QJsonObject jsonAnswer(const ImportReport& report, const QString& strFolder)
@@ -166,6 +243,10 @@ QJsonObject jsonAnswer(const ImportReport& report, const QString& strFolder)
                        {"scaled", report.scaled},
                        {"dark", report.dark},
                        {"flat", report.flat},
+                       {"darkMatching", report.darkMatching},
+                       {"background", report.background},
+                       {"sizes", report.sizes},
+                       {"prepared", preparedJson(report)},
                        {"photograph", report.photographOrigin},
                        {"clickNumbers", QJsonArray::fromStringList(report.clickNumbers)},
                        {"warnings", QJsonArray::fromStringList(report.warnings)}};
@@ -210,9 +291,23 @@ void ImportCommand::declare(CommandParser& parser) const
                       QStringLiteral("Leave pixels out that are not finite in an image, in place of refusing it.")});
     parser.addOption({QStringLiteral("channels"),
                       QStringLiteral("Number the images as channels, whatever is told of wavelengths and times.")});
-    addValueOption(parser, "dark", QStringLiteral("Image to subtract from every image."), "FILE");
+    addValueOption(parser, "dark",
+                   QStringLiteral("Dark image to subtract: one for all images, or one each: a folder with the images' "
+                                  "names, or a stack in their order."),
+                   "FILE");
     addValueOption(parser, "flat", QStringLiteral("Flat field to divide every image by, brought to a mean of 1."),
                    "FILE");
+    addValueOption(
+        parser, "background",
+        QStringLiteral("Background to subtract from each image: percentile:P of its pixels, or their mean in "
+                       "a region, rect:X,Y,W,H, ellipse:X,Y,W,H or polygon:X,Y,X,Y,..."),
+        "RULE");
+    addChoiceOption(
+        parser, "sizes",
+        QStringLiteral("Bring images that differ in size to one: crop, to the smallest, from the upper left; "
+                       "bin, to the smallest by whole numbers; pad, to the largest, the rest without a "
+                       "value."),
+        "RULE", {QStringLiteral("crop"), QStringLiteral("bin"), QStringLiteral("pad")});
     addValueOption(parser, "exposure", QStringLiteral("Exposure in seconds: one, or one an image: S,S,..."), "S");
     addValueOption(parser, "pixel-size", QStringLiteral("Side of a pixel in the object, in micrometres."), "UM");
     addValueOption(parser, "photo", QStringLiteral("Photograph of the same extent; else the mean image serves."),
@@ -234,7 +329,9 @@ QList<CommandManual::Example> ImportCommand::examples() const
     return {{QStringLiteral("spum import my-images --write-table images.csv"),
              QStringLiteral("Only look at the files and write down which is taken for what, to be edited.")},
             {QStringLiteral("spum import my-images --images images.csv cells"),
-             QStringLiteral("Make the sequence \"cells\" of them by that table.")}};
+             QStringLiteral("Make the sequence \"cells\" of them by that table.")},
+            {QStringLiteral("spum import my-images --images images.csv --background percentile:1 cells-less"),
+             QStringLiteral("Subtract from each image what one per cent of its pixels lie below.")}};
 }
 
 void ImportCommand::check(const QCommandLineParser& parser) const
@@ -267,7 +364,7 @@ void ImportCommand::run(const QCommandLineParser& parser, CliSession& session)
     }
     const ImportReport report = import(request.import, session);
     const QString folder = QFileInfo(request.import.output).absoluteFilePath();
-    session.answer(shown + textAnswer(report, folder));
+    session.answer(shown + preparedText(report) + textAnswer(report, folder));
     QJsonObject json = jsonAnswer(report, folder);
     if (!rows.isEmpty()) {
         json.insert(QStringLiteral("table"), rows);

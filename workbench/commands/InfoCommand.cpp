@@ -13,6 +13,7 @@
 #include "services/basis/TextTable.h"
 #include "services/basis/UnitNames.h"
 #include "services/basis/jsonNumber.h"
+#include "services/importer/PreparedImage.h"
 #include "services/session/DatasetContents.h"
 #include "services/session/OpenedSequence.h"
 #include "services/session/UnitForecast.h"
@@ -43,6 +44,7 @@ struct ImageRow
     QString units;
     bool used = false;
     DatasetContents contents;
+    PreparedImage prepared; // by an import
 };
 
 QString sizeText(CORVDataset& dataset)
@@ -87,6 +89,7 @@ ImageRow describeImage(CORVDataset& dataset, const CORVSpumKyvo& engine)
     row.exposure = dataset.getExposureTime(&seconds) ? TextTable::number(seconds) : QStringLiteral("-");
     row.units = availableUnits(dataset);
     row.contents = DatasetContents::of(dataset);
+    row.prepared = PreparedImage::of(dataset.clickInfo);
     return row;
 }
 
@@ -104,6 +107,19 @@ QString channelText(const ImageRow& row)
     const QString label = row.channel->label(row.number);
     const QString place = row.channel->placeText();
     return place.isEmpty() || place == label ? label : QStringLiteral("%1 (%2)").arg(label, place);
+}
+
+// What the import has taken off: "dark.tif, 98.5 (percentile:1)".
+QString subtractedText(const PreparedImage& prepared)
+{
+    QStringList parts;
+    if (!prepared.dark.isEmpty()) {
+        parts.append(prepared.dark);
+    }
+    if (prepared.background) {
+        parts.append(QStringLiteral("%1 (%2)").arg(TextTable::number(*prepared.background), prepared.rule));
+    }
+    return parts.isEmpty() ? QStringLiteral("-") : parts.join(QStringLiteral(", "));
 }
 
 QString kindText(const CORVSpumKyvo& engine)
@@ -249,13 +265,19 @@ QString textAnswer(OpenedSequence& opened, const QList<ImageRow>& rows, const An
     const QStringList keys = temporal   ? QStringList{QStringLiteral("interval"), QStringLiteral("time")}
                              : numbered ? QStringList{QStringLiteral("number"), QStringLiteral("channel")}
                                         : QStringList{QStringLiteral("excitation"), QStringLiteral("emission")};
-    TextTable table(QStringList{QStringLiteral("image")} + keys +
-                    QStringList{QStringLiteral("spot"), QStringLiteral("size"), QStringLiteral("binning"),
-                                QStringLiteral("exposure"), QStringLiteral("used"), QStringLiteral("units")});
+    const bool subtracted =
+        std::any_of(rows.cbegin(), rows.cend(), [](const ImageRow& row) { return row.prepared.isSubtracted(); });
+    TextTable table(
+        QStringList{QStringLiteral("image")} + keys +
+        QStringList{QStringLiteral("spot"), QStringLiteral("size"), QStringLiteral("binning"),
+                    QStringLiteral("exposure"), QStringLiteral("used"), QStringLiteral("units")} +
+        (subtracted ? QStringList{QStringLiteral("subtracted"), QStringLiteral("below 0")} : QStringList()));
     for (const auto& row : rows) {
-        table.addRow({row.click, numbered ? row.second : row.first, numbered ? channelText(row) : row.second, row.spot,
-                      row.size, row.binning, row.exposure, row.used ? QStringLiteral("yes") : QStringLiteral("no"),
-                      row.units});
+        table.addRow(QStringList{row.click, numbered ? row.second : row.first, numbered ? channelText(row) : row.second,
+                                 row.spot, row.size, row.binning, row.exposure,
+                                 row.used ? QStringLiteral("yes") : QStringLiteral("no"), row.units} +
+                     (subtracted ? QStringList{subtractedText(row.prepared), QString::number(row.prepared.negatives)}
+                                 : QStringList()));
     }
     text += QLatin1Char('\n') + table.toText();
     return maps.isEmpty() ? text : text + QLatin1Char('\n') + maps.toText();
@@ -276,6 +298,10 @@ QJsonObject jsonAnswer(OpenedSequence& opened, const QList<ImageRow>& rows, cons
                           {"used", row.used},
                           {"contents", row.contents.json()},
                           {"units", QJsonArray::fromStringList(row.units.split(QLatin1Char(' ')))}};
+        const QJsonObject prepared = row.prepared.json();
+        for (auto it = prepared.begin(); it != prepared.end(); ++it) {
+            image.insert(it.key(), it.value());
+        }
         if (row.channel) {
             image.insert(QStringLiteral("channel"), row.channel->name);
             const auto number = [](const std::optional<double>& value) {

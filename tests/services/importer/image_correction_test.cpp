@@ -52,7 +52,7 @@ const QByteArray twoRows = "file,emission,origin\na.tif,700,name\nb.tif,720,name
 TEST_F(ImageCorrectionTest, DarkIsSubtractedAndNegativesStay)
 {
     ImageCorrection correction;
-    ASSERT_TRUE(correction.loadDark(writeTiffFile("dark.tif", constant(ORVTYPE_USHORT, 300)), 4, 3, &m_error));
+    correction.setDark(std::vector<double>(12, 300.0));
     CILImage image = constant(ORVTYPE_BYTE, 100);
     ASSERT_TRUE(correction.apply(image));
     EXPECT_EQ(image.dataType(), ORVTYPE_FLOAT);
@@ -74,7 +74,7 @@ TEST_F(ImageCorrectionTest, DarkComesBeforeFlat)
 {
     ImageCorrection correction;
     ASSERT_TRUE(correction.loadFlat(writeFlat(), 4, 3, &m_error));
-    ASSERT_TRUE(correction.loadDark(writeTiffFile("dark.tif", constant(ORVTYPE_FLOAT, 10)), 4, 3, &m_error));
+    correction.setDark(std::vector<double>(12, 10.0));
     CILImage image = constant(ORVTYPE_INT, 40);
     ASSERT_TRUE(correction.apply(image));
     ASSERT_EQ(image.dataType(), ORVTYPE_DOUBLE);
@@ -105,11 +105,11 @@ TEST_F(ImageCorrectionTest, AFlatThatIsNotAboveZeroIsRefusedByPixel)
 TEST_F(ImageCorrectionTest, OneReadableImageIsNeeded)
 {
     ImageCorrection correction;
-    EXPECT_FALSE(correction.loadDark(writePages("pages.tif", 2), 4, 3, &m_error));
-    EXPECT_EQ(m_error, path("pages.tif") + ": the dark image has 2 pages; one image is needed");
-    EXPECT_FALSE(correction.loadDark(path("absent.tif"), 4, 3, &m_error));
+    EXPECT_FALSE(correction.loadFlat(writePages("pages.tif", 2), 4, 3, &m_error));
+    EXPECT_EQ(m_error, path("pages.tif") + ": the flat field has 2 pages; one image is needed");
+    EXPECT_FALSE(correction.loadFlat(path("absent.tif"), 4, 3, &m_error));
     EXPECT_TRUE(m_error.startsWith(path("absent.tif"))) << qPrintable(m_error);
-    EXPECT_FALSE(correction.hasDark());
+    EXPECT_FALSE(correction.hasFlat());
 }
 
 TEST_F(ImageCorrectionTest, AnImportRecordsWhatWasDone)

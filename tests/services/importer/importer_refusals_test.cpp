@@ -93,12 +93,13 @@ TEST_F(ImporterRefusalsTest, RefusesTimesByImageName)
     EXPECT_EQ(temporal("a.tif,59.9999999,\nb.tif,60,\n"), ":3: b.tif shares second 60 with a.tif (line 2)");
 }
 
-TEST_F(ImporterRefusalsTest, RefusesTheFirstImageOfAnotherSize)
+TEST_F(ImporterRefusalsTest, RefusesTheFirstImageOfAnotherSizeAndNamesWhatHelps)
 {
     makeStack();
     writeRamp("stack/b.tif", 200, 5, 3);
     writeRamp("stack/c.tif", 200, 6, 6);
-    EXPECT_EQ(refusal(), m_options.table + ":3: b.tif has 5 x 3 pixels where a.tif has 4 x 3");
+    EXPECT_EQ(refusal(), m_options.table + ":3: b.tif has 5 x 3 pixels where a.tif has 4 x 3; --sizes crop, bin or pad "
+                                           "brings them to one size");
 }
 
 TEST_F(ImporterRefusalsTest, RefusesPixelsThatAreNotFinite)
@@ -106,10 +107,25 @@ TEST_F(ImporterRefusalsTest, RefusesPixelsThatAreNotFinite)
     makeStack();
     writeTiffFile("stack/b.tif",
                   makeImage(ORVTYPE_FLOAT, 4, 3, [](long x, long y) { return x == 3 && y == 1 ? std::nan("") : 1.0; }));
-    EXPECT_EQ(refusal(), m_options.table + ":3: b.tif: the pixel in column 3, row 1 is not finite or too large");
+    EXPECT_EQ(refusal(), m_options.table + ":3: b.tif: the pixel in column 3, row 1 is not finite or too large; "
+                                           "--skip-invalid leaves such pixels out");
     writeTiffFile("stack/b.tif",
                   makeImage(ORVTYPE_FLOAT, 4, 3, [](long x, long y) { return x == 0 && y == 2 ? -INFINITY : 1.0; }));
-    EXPECT_EQ(refusal(), m_options.table + ":3: b.tif: the pixel in column 0, row 2 is not finite or too large");
+    EXPECT_EQ(refusal(), m_options.table + ":3: b.tif: the pixel in column 0, row 2 is not finite or too large; "
+                                           "--skip-invalid leaves such pixels out");
+}
+
+TEST_F(ImporterRefusalsTest, RefusesImagesOfWhichNoPixelHasAValueInAll)
+{
+    makeStack("file,emission\na.tif,510\nb.tif,530\n");
+    const auto half = [this](const char* name, bool bLeft) {
+        writeTiffFile(
+            name, makeImage(ORVTYPE_FLOAT, 4, 3, [=](long x, long) { return (x < 2) == bLeft ? std::nan("") : 1.0; }));
+    };
+    half("stack/a.tif", true);
+    half("stack/b.tif", false);
+    m_options.skipInvalid = true;
+    EXPECT_EQ(refusal(), m_options.source + ": no pixel has a value in all images");
 }
 
 TEST_F(ImporterRefusalsTest, RefusesImagesThatAreNotThere)

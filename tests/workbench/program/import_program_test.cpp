@@ -223,7 +223,7 @@ TEST_F(ImportProgramTest, CorrectionsAreMadeAndTold)
     writeTiffFile("zero.tif", imageOf(4, 4, [](int i) { return static_cast<float>(i); }));
     const QString text = QString::fromUtf8(
         succeed({"import", "stack", "seq", "--dark", "dark.tif", "--flat", "flat.tif", "--exposure", "1.5"}).out);
-    EXPECT_TRUE(text.contains(", dark image subtracted, flat field divided\n")) << qPrintable(text);
+    EXPECT_TRUE(text.contains(", dark image subtracted (one for all), flat field divided\n")) << qPrintable(text);
     EXPECT_EQ(succeed({"info", "seq", "--json"}).json()["images"].toArray()[1].toObject()["exposure"], 1.5);
     succeed({"export", "seq", "--format", "csv", "--out", "cube.csv"});
     const QList<QByteArray> lines = contentOf(path("cube.csv")).split('\n');
@@ -255,8 +255,9 @@ TEST_F(ImportProgramTest, AwkwardStacksAreRefusedByName)
               "empty: there is no TIFF file, no PNG or JPEG picture and no ENVI header in the folder");
     writeTiffFile("mixed/em700.tif", imageOf(4, 4, [](int) { return 8.0F; }));
     writeTiffFile("mixed/em720.tif", imageOf(4, 5, [](int) { return 8.0F; }));
-    EXPECT_EQ(refusal({"import", "mixed", "seq"}),
-              "inferred table:3: em720.tif has 4 x 5 pixels where em700.tif has 4 x 4");
+    EXPECT_EQ(refusal({"import", "mixed", "seq"}), "inferred table:3: em720.tif has 4 x 5 pixels where em700.tif has 4 "
+                                                   "x 4; --sizes crop, bin or pad brings them to one "
+                                                   "size");
     writeTiffFile("twice/a em700.tif", imageOf(4, 4, [](int) { return 8.0F; }));
     writeTiffFile("twice/b em700.tif", imageOf(4, 4, [](int) { return 8.0F; }));
     EXPECT_TRUE(
@@ -525,7 +526,9 @@ TEST_F(ImportProgramTest, PixelsThatAreNotFiniteAreLeftOutWhenAsked)
     const float nan = std::numeric_limits<float>::quiet_NaN();
     writeTiffFile("stack/a.tif", imageOf(6, 6, [&](int i) { return i == 7 ? nan : dyeA(i); }));
     writeTiffFile("stack/b.tif", imageOf(6, 6, [](int i) { return dyeB(i); }));
-    EXPECT_TRUE(spum({"import", "stack", "seq"}).errText().contains("is not finite or too large"));
+    EXPECT_TRUE(spum({"import", "stack", "seq"})
+                    .errText()
+                    .contains("is not finite or too large; --skip-invalid leaves such pixels out"));
     EXPECT_EQ(spum({"import", "stack", "seq", "--skip-invalid", "--json"}).json()["invalidPixels"], 1);
     EXPECT_EQ(succeed({"unmix", "seq", "--ncomponents", "2", "--out", "maps", "--json"}).json()["pixels"], 35);
 }

@@ -60,7 +60,10 @@ TEST_F(JsonProgramTest, AnswersAboutASequenceFollowTheSchema)
     EXPECT_EQ(answer({"import", "odd", "doubted"}, 1)["answer"], "import doubts");
     EXPECT_EQ(kindOf({"sources"}), "sources");
     EXPECT_EQ(kindOf({"sources", "fluorophore"}), "sources");
-    expectAllValid({path("pca/pca.json")});
+    EXPECT_EQ(kindOf({"import", "cube.csv", "less", "--background", "percentile:1"}), "import");
+    EXPECT_EQ(kindOf({"info", "less"}), "info");
+    EXPECT_EQ(kindOf({"unmix", "less", "--ncomponents", "2", "--out", "less-maps"}), "result");
+    expectAllValid({path("pca/pca.json"), path("less-maps/summary.json")});
 }
 
 TEST_F(JsonProgramTest, AnswersAboutResultsFollowTheSchema)
