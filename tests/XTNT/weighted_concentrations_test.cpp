@@ -75,6 +75,16 @@ struct ScaledRow
     Vector<double> data;
 };
 
+// Every row of C is that of the weights at the first fit.
+void expectOptima(const Matrix<double>& D, const Matrix<double>& S, const NoiseModel& noise,
+                  const Matrix<double>& first, const Matrix<double>& C)
+{
+    for (long long p = 0; p < D.M; ++p) {
+        const ScaledRow row(D, S, noise, first, p);
+        EXPECT_TRUE(isNonNegativeOptimum(row.design, row.data, C.row(p), fitTolerance)) << p;
+    }
+}
+
 Matrix<double> firstFit(const Matrix<double>& D, const Matrix<double>& S)
 {
     Matrix<double> C;
@@ -219,23 +229,17 @@ TEST_P(WeightedConcentrationsTest, MoreComponentsThanTheRankStillGiveAnOptimum)
     Matrix<double> first(30, 6, 0.1);
     Matrix<double> C = first.deepCopy();
     GetParam()(D, S, noise, C);
-    for (long long p = 0; p < D.M; ++p) {
-        const ScaledRow row(D, S, noise, first, p);
-        EXPECT_TRUE(isNonNegativeOptimum(row.design, row.data, C.row(p), fitTolerance)) << p;
-    }
+    expectOptima(D, S, noise, first, C);
 }
 
-TEST_P(WeightedConcentrationsTest, ManyComponentsThanAMaskHoldsAreFitted)
+TEST_P(WeightedConcentrationsTest, MoreComponentsThanAMaskHoldsAreFitted)
 {
     const Matrix<double> S = randomMatrix(34, 40, 1, 0, 1);
     const Matrix<double> D = randomMatrix(40, 40, 2, 0, 1);
     const NoiseModel noise = noiseOf(0.5, 0.1, 40);
     const Matrix<double> first = firstFit(D, S);
     const Matrix<double> C = fit(D, S, noise);
-    for (long long p = 0; p < D.M; ++p) {
-        const ScaledRow row(D, S, noise, first, p);
-        EXPECT_TRUE(isNonNegativeOptimum(row.design, row.data, C.row(p), fitTolerance)) << p;
-    }
+    expectOptima(D, S, noise, first, C);
 }
 
 // Amounts far apart in size: an image of ten thousand counts beside one of a tenth.
@@ -251,10 +255,7 @@ TEST_P(WeightedConcentrationsTest, WeightsOfManyMagnitudesAreMet)
     const NoiseModel noise = noiseOf(1.0, 1.0, 12);
     const Matrix<double> first = firstFit(D, S);
     const Matrix<double> C = fit(D, S, noise);
-    for (long long p = 0; p < D.M; ++p) {
-        const ScaledRow row(D, S, noise, first, p);
-        EXPECT_TRUE(isNonNegativeOptimum(row.design, row.data, C.row(p), fitTolerance)) << p;
-    }
+    expectOptima(D, S, noise, first, C);
 }
 
 // What the weights are for: counted light whose images differ in brightness. The covariances of both fits say that the

@@ -70,8 +70,8 @@ int pagesOf(const QByteArray& pdf)
     return pdf.count("/Type /Page\n");
 }
 
-// The letters of each page, as another program reads them; those of pictures made of pixels are none.
-QStringList textsOf(const QByteArray& pdf)
+// What another program makes of a PDF file: the files of that name, "%d" in it the number of the page.
+void readByGhostscript(const QByteArray& pdf, const QStringList& options, const QString& strOut)
 {
     QTemporaryDir folder;
     QFile file(folder.filePath("a report.pdf"));
@@ -79,10 +79,17 @@ QStringList textsOf(const QByteArray& pdf)
     file.write(pdf);
     file.close();
     QProcess reader;
-    reader.start("gs", {"-q", "-dNOPAUSE", "-dBATCH", "-sDEVICE=txtwrite", "-sOutputFile=" + folder.filePath("%d.txt"),
-                        file.fileName()});
+    reader.start("gs", QStringList{"-q", "-dNOPAUSE", "-dBATCH"} + options +
+                           QStringList{"-sOutputFile=" + strOut, file.fileName()});
     EXPECT_TRUE(reader.waitForFinished(120000));
     EXPECT_EQ(reader.exitCode(), 0) << reader.readAllStandardError().constData();
+}
+
+// The letters of each page; those of pictures made of pixels are none.
+QStringList textsOf(const QByteArray& pdf)
+{
+    QTemporaryDir folder;
+    readByGhostscript(pdf, {"-sDEVICE=txtwrite"}, folder.filePath("%d.txt"));
     QStringList pages;
     for (int i = 1; QFile::exists(folder.filePath(QStringLiteral("%1.txt").arg(i))); ++i) {
         QFile page(folder.filePath(QStringLiteral("%1.txt").arg(i)));
@@ -96,14 +103,7 @@ QStringList textsOf(const QByteArray& pdf)
 int inkInMargin(const QByteArray& pdf)
 {
     QTemporaryDir folder;
-    QFile file(folder.filePath("a report.pdf"));
-    EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(pdf);
-    file.close();
-    QProcess reader;
-    reader.start("gs", {"-q", "-dNOPAUSE", "-dBATCH", "-sDEVICE=png16m", "-r72", "-dLastPage=1",
-                        "-sOutputFile=" + folder.filePath("page.png"), file.fileName()});
-    EXPECT_TRUE(reader.waitForFinished(120000));
+    readByGhostscript(pdf, {"-sDEVICE=png16m", "-r72", "-dLastPage=1"}, folder.filePath("page.png"));
     const QImage page(folder.filePath("page.png"));
     EXPECT_FALSE(page.isNull());
     constexpr int margin = 40; // of 42.5: 15 mm
