@@ -8,6 +8,7 @@
 #include "services/analysis/AutomaticSetUp.h"
 #include "services/analysis/SpectrumSources.h"
 #include "services/basis/Failure.h"
+#include "services/basis/UnitNames.h"
 #include "services/session/OpenedSequence.h"
 #include "services/session/PairSelection.h"
 #include "services/session/SavedLibraries.h"
@@ -100,9 +101,9 @@ void LibraryEditing::declareOptions(CommandParser& parser)
     addValueOption(parser, "select",
                    QStringLiteral("save, import, append, template: images of the sequences, as in \"spum unmix\"."),
                    "IMAGES");
-    addValueOption(parser, "unit",
-                   QStringLiteral("save, append: unit in which regions are measured; the best that the images have."),
-                   "UNIT");
+    addChoiceOption(parser, "unit",
+                    QStringLiteral("save, append: unit in which regions are measured; the best that the images have."),
+                    "UNIT", UnitNames::options());
     addValueOption(parser, "spectrum",
                    QStringLiteral("rename: OLD=NEW, a spectrum of the library; remove: a spectrum of it; template: a "
                                   "column to fill in; may be repeated."),

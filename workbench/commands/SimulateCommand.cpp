@@ -33,8 +33,8 @@ constexpr int kTemporal = flagOf(SimulationKind::Temporal);
 constexpr int kCherenkov = flagOf(SimulationKind::Cherenkov);
 constexpr int kAll = kEpi | kLuminescent | kScan | kTemporal | kCherenkov;
 
-// An option, its help, the name of its value (empty: a switch), the default that the help tells, and the kinds that
-// have it.
+// An option, its help, the name of its value (empty: a switch), the default that the help tells, the kinds that have
+// it, and the words that it takes, with blanks between (empty: any).
 struct OptionText
 {
     const char* name;
@@ -42,21 +42,21 @@ struct OptionText
     const char* value;
     const char* standard;
     int kinds = kAll;
+    const char* words = "";
 };
 
 constexpr OptionText kOptions[] = {
-    {"kind", "epi, luminescent, transillumination, temporal or cherenkov.", "KIND", "epi"},
+    {"kind", "epi, luminescent, transillumination, temporal or cherenkov.", "KIND", "epi", kAll,
+     "epi luminescent transillumination temporal cherenkov"},
     {"size", "Pixels along a side of the images.", "N", "256"},
     {"bands", "Number of filter pairs, an image each (transillumination: for each spot).", "N",
      "18, luminescent and cherenkov 12, transillumination 8", kAll & ~kTemporal},
     {"probes",
      "Dyes, or luciferases of a luminescent sequence, split by commas. Temporal: one goes to three organs, several to "
-     "a "
-     "place each.",
+     "a place each.",
      "A,B",
      "AlexaFluor 750,AlexaFluor 790; luminescent: click-beetle luciferases, green and red; transillumination: "
-     "AlexaFluor "
-     "680,AlexaFluor 750; temporal: AlexaFluor 750",
+     "AlexaFluor 680,AlexaFluor 750; temporal: AlexaFluor 750",
      kAll & ~kCherenkov},
     {"depths", "Depths of the sources in mm, one for all or one each; cherenkov: the isotope lies at each of them.",
      "MM,MM", "2 for the first to 6 for the last, or the organs' own"},
@@ -72,7 +72,8 @@ constexpr OptionText kOptions[] = {
     {"isotope", "Isotope of the database.", "NAME", "F-18", kCherenkov},
     {"span", "Half lives from the first image to the last.", "H", "1", kCherenkov},
     {"full", "Write every image, flag and section that a dataset can have.", "", ""},
-    {"noise", "default, or none: exact counts as floats, without noise, offset and rounding.", "KIND", "default"},
+    {"noise", "default, or none: exact counts as floats, without noise, offset and rounding.", "KIND", "default", kAll,
+     "default none"},
     {"seed", "Seed of noise, texture and posture.", "N", "1"},
     {"peak", "Electrons at the brightest pixel of the sequence.", "E", "20000"},
     {"gain", "Electrons a count.", "E", "1"},
@@ -378,7 +379,8 @@ void SimulateCommand::declare(CommandParser& parser) const
         if (*option.standard != '\0') {
             help += QStringLiteral(" Default: %1.").arg(QLatin1String(option.standard));
         }
-        parser.addOption({QString::fromLatin1(option.name), help, QString::fromLatin1(option.value)});
+        addChoiceOption(parser, option.name, help, option.value,
+                        QString::fromLatin1(option.words).split(QLatin1Char(' '), Qt::SkipEmptyParts));
     }
 }
 

@@ -81,12 +81,12 @@ void declareUnmixOptions(CommandParser& parser)
         QStringLiteral("Spectra to fit: a library file, the name of a saved library, or a plain CSV table of spectra "
                        "over wavelength, brought to the images' bands."),
         "FILE|NAME");
-    addValueOption(
+    addChoiceOption(
         parser, "noise",
         QStringLiteral("Fit the spectra, known or resolved, to the pixels a second time, each pixel and image "
                        "weighted by its noise: poisson (of counted light) or gaussian (of one size in each image). "
                        "Without it: all alike."),
-        "KIND");
+        "KIND", {QStringLiteral("poisson"), QStringLiteral("gaussian")});
     addFlag(parser, "errors",
             QStringLiteral("Write a map of standard errors for each component, by that noise or, without --noise, by "
                            "noise of one size everywhere. The spectra count as certain, resolved ones too."));

@@ -68,6 +68,26 @@ TEST(CommandManualsTest, EveryEntryHasAText)
     }
 }
 
+// What a shell completes. An option whose value is one of a few words tells them.
+TEST(CommandManualsTest, OptionsOfAFewWordsOfferThem)
+{
+    int nOptions = 0;
+    for (const CommandManual& command : manualOfProgram(CommandLine::commands()).commands) {
+        for (const CommandManual::Group& group : command.options) {
+            for (const CommandManual::Entry& option : group.entries) {
+                if (QStringList{"KIND", "UNIT", "METHOD", "FORMAT", "WHICH", "TABLE"}.contains(option.value)) {
+                    EXPECT_GE(option.words.size(), 2) << qPrintable(command.name + ' ' + option.names.last());
+                    for (const QString& word : option.words) {
+                        EXPECT_FALSE(word.contains(' ')) << qPrintable(word);
+                    }
+                    ++nOptions;
+                }
+            }
+        }
+    }
+    EXPECT_GE(nOptions, 14);
+}
+
 TEST(CommandManualsTest, TheCommandsOwnOptionsComeFirst)
 {
     const CommandManual info = manualOfProgram(CommandLine::commands()).commands.at(2);
