@@ -7,6 +7,7 @@
 #include "platform/orvapi/ClickInfoKeys.h"
 #include "platform/orvapi/SequenceWriter.h"
 #include "platform/orvimage/TiffIo.h"
+#include "platform/orvutils/NumberText.h"
 #include "services/importer/ImageKeys.h"
 #include "services/importer/ImagePreparation.h"
 #include "services/importer/ImageStack.h"
@@ -18,7 +19,6 @@
 #include <QCryptographicHash>
 #include <QDir>
 #include <QFileInfo>
-#include <QLocale>
 
 #include <algorithm>
 #include <new>
@@ -35,11 +35,6 @@ const char* const sourceKey = "Source Image";
 const char* const tableName = "images.csv";
 const char* const abortText = "the import was aborted";
 constexpr double micrometresPerCentimetre = 1e4;
-
-QString shortest(double value)
-{
-    return QString::number(value, 'g', QLocale::FloatingPointShortest);
-}
 
 // The folder that will hold the new one, on whose disk there must be room anyway.
 QString folderBeside(const QString& output)
@@ -421,7 +416,7 @@ DatasetDescription Import::describeDataset(int i) const
     }
     const ImageFacts facts = factsOf(i);
     if (facts.exposure) {
-        image.setValue(text(ClickKeys::kExposureTime), shortest(*facts.exposure));
+        image.setValue(text(ClickKeys::kExposureTime), orv::shortestText(*facts.exposure));
     }
     if (!facts.start.isEmpty()) {
         image.setValue(text(ClickKeys::kAcquisitionDate), facts.start.section(QLatin1Char('T'), 0, 0));
@@ -440,7 +435,7 @@ DatasetDescription Import::describeDataset(int i) const
     dataset.info.addSection(&image);
     if (facts.pixelSize) {
         CPLSection camera(text(ClickKeys::kCameraSystemInfo));
-        camera.setValue(text(ClickKeys::kPixelSize), shortest(*facts.pixelSize / micrometresPerCentimetre));
+        camera.setValue(text(ClickKeys::kPixelSize), orv::shortestText(*facts.pixelSize / micrometresPerCentimetre));
         dataset.info.addSection(&camera);
     }
     return dataset;
