@@ -216,6 +216,30 @@ QString cautionText(OpenedSequence& opened, const UnmixedMapLinks& maps)
     return sentences.join(QStringLiteral("; "));
 }
 
+// An image a row.
+TextTable imagesTable(const QList<ImageRow>& rows, bool bTemporal)
+{
+    const bool numbered = isNumbered(rows);
+    const QStringList keys = bTemporal  ? QStringList{QStringLiteral("interval"), QStringLiteral("time")}
+                             : numbered ? QStringList{QStringLiteral("number"), QStringLiteral("channel")}
+                                        : QStringList{QStringLiteral("excitation"), QStringLiteral("emission")};
+    const bool subtracted =
+        std::any_of(rows.cbegin(), rows.cend(), [](const ImageRow& row) { return row.prepared.isSubtracted(); });
+    TextTable table(
+        QStringList{QStringLiteral("image")} + keys +
+        QStringList{QStringLiteral("spot"), QStringLiteral("size"), QStringLiteral("binning"),
+                    QStringLiteral("exposure"), QStringLiteral("used"), QStringLiteral("units")} +
+        (subtracted ? QStringList{QStringLiteral("subtracted"), QStringLiteral("below 0")} : QStringList()));
+    for (const auto& row : rows) {
+        table.addRow(QStringList{row.click, numbered ? row.second : row.first, numbered ? channelText(row) : row.second,
+                                 row.spot, row.size, row.binning, row.exposure,
+                                 row.used ? QStringLiteral("yes") : QStringLiteral("no"), row.units} +
+                     (subtracted ? QStringList{subtractedText(row.prepared), QString::number(row.prepared.negatives)}
+                                 : QStringList()));
+    }
+    return table;
+}
+
 QString textAnswer(OpenedSequence& opened, const QList<ImageRow>& rows, const AnalysisOutlook& outlook)
 {
     auto& engine = opened.engine();
@@ -262,24 +286,7 @@ QString textAnswer(OpenedSequence& opened, const QList<ImageRow>& rows, const An
     if (!cautionText(opened, maps).isEmpty()) {
         line(QStringLiteral("Note"), cautionText(opened, maps));
     }
-    const QStringList keys = temporal   ? QStringList{QStringLiteral("interval"), QStringLiteral("time")}
-                             : numbered ? QStringList{QStringLiteral("number"), QStringLiteral("channel")}
-                                        : QStringList{QStringLiteral("excitation"), QStringLiteral("emission")};
-    const bool subtracted =
-        std::any_of(rows.cbegin(), rows.cend(), [](const ImageRow& row) { return row.prepared.isSubtracted(); });
-    TextTable table(
-        QStringList{QStringLiteral("image")} + keys +
-        QStringList{QStringLiteral("spot"), QStringLiteral("size"), QStringLiteral("binning"),
-                    QStringLiteral("exposure"), QStringLiteral("used"), QStringLiteral("units")} +
-        (subtracted ? QStringList{QStringLiteral("subtracted"), QStringLiteral("below 0")} : QStringList()));
-    for (const auto& row : rows) {
-        table.addRow(QStringList{row.click, numbered ? row.second : row.first, numbered ? channelText(row) : row.second,
-                                 row.spot, row.size, row.binning, row.exposure,
-                                 row.used ? QStringLiteral("yes") : QStringLiteral("no"), row.units} +
-                     (subtracted ? QStringList{subtractedText(row.prepared), QString::number(row.prepared.negatives)}
-                                 : QStringList()));
-    }
-    text += QLatin1Char('\n') + table.toText();
+    text += QLatin1Char('\n') + imagesTable(rows, temporal).toText();
     return maps.isEmpty() ? text : text + QLatin1Char('\n') + maps.toText();
 }
 
