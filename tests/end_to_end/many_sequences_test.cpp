@@ -2,10 +2,10 @@
 // Many sequences with one library, in the window.
 #include "end_to_end/Screen.h"
 #include "end_to_end/WorkbenchFixture.h"
+#include "support/filesWithBytes.h"
 #include "support/simulated.h"
 
 #include <QDir>
-#include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
 
@@ -125,17 +125,6 @@ TEST_F(ManySequencesTest, AnAbortEndsTheRunAndLeavesTheRest)
     EXPECT_EQ(rows.last().toArray()[1].toString(), "Not begun");
 }
 
-// Every file of a folder, with its bytes.
-QMap<QString, QByteArray> filesBelow(const QString& strFolder)
-{
-    QMap<QString, QByteArray> all;
-    for (QDirIterator it(strFolder, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories); it.hasNext();) {
-        QFile file(it.next());
-        all.insert(file.fileName(), file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray());
-    }
-    return all;
-}
-
 // The background that adapts is of fluorescent light alone: one that glows by itself is unmixed as without it.
 TEST_F(ManySequencesTest, ALuminescentSequenceIsUnmixedWithoutTheAdaptiveBackground)
 {
@@ -143,7 +132,7 @@ TEST_F(ManySequencesTest, ALuminescentSequenceIsUnmixedWithoutTheAdaptiveBackgro
     const QString strWith = copyOf(simulated::sequence(kind), "with");
     const QString strWithout = copyOf(simulated::sequence(kind), "without");
     makeLibrary(strWith, "radiance");
-    const auto before = filesBelow(strWith);
+    const auto before = filesWithBytes(strWith);
     startProgram({});
     for (const QString& strFolder : {strWithout, strWith}) {
         ASSERT_TRUE(openChooser());
@@ -159,7 +148,7 @@ TEST_F(ManySequencesTest, ALuminescentSequenceIsUnmixedWithoutTheAdaptiveBackgro
     }
     EXPECT_FALSE(m_bAsked);
     // What was there is as it was, and the maps are those of the batch without.
-    const auto after = filesBelow(strWith);
+    const auto after = filesWithBytes(strWith);
     for (auto it = before.begin(); it != before.end(); ++it) {
         EXPECT_TRUE(after.value(it.key()) == it.value()) << qPrintable(it.key());
     }

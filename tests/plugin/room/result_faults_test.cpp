@@ -4,12 +4,12 @@
 
 #include "faults/fillTheDisk.h"
 #include "support/PlainUser.h"
+#include "support/filesWithBytes.h"
 
 #include "host/orv_paths.h"
 
 #include <QAbstractButton>
 #include <QDir>
-#include <QDirIterator>
 #include <QFile>
 #include <QLineEdit>
 #include <QSignalSpy>
@@ -89,17 +89,7 @@ protected:
         QFile file(strPath);
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("no file");
     }
-    // All that lies below the folder of the test, with its bytes.
-    QMap<QString, QByteArray> files() const
-    {
-        QMap<QString, QByteArray> all;
-        for (QDirIterator it(m_folder.path(), QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
-             it.hasNext();) {
-            const QString strFile = it.next();
-            all.insert(strFile, bytes(strFile));
-        }
-        return all;
-    }
+    QMap<QString, QByteArray> files() const { return filesWithBytes(m_folder.path()); }
     // Every file of before is as it was; a document that no entry names may lie beside them, and goes here.
     void expectFilesOfBefore()
     {

@@ -3,6 +3,7 @@
 #include "MainWindowFixture.h"
 
 #include "faults/fillTheDisk.h"
+#include "support/filesWithBytes.h"
 
 #include "host/CORVImageWindow.h"
 #include "host/CORVLog.h"
@@ -14,7 +15,6 @@
 #include "workbench/application/Session.h"
 
 #include <QDir>
-#include <QDirIterator>
 #include <QFile>
 
 #include <string>
@@ -39,17 +39,7 @@ protected:
     }
     CORVSequenceDataset& sequence() { return *m_pWindow->documents().sequences().first(); }
 
-    // Every file below the folder of the test, with its bytes.
-    QMap<QString, QByteArray> files() const
-    {
-        QMap<QString, QByteArray> all;
-        for (QDirIterator it(m_folder.path(), QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
-             it.hasNext();) {
-            QFile file(it.next());
-            all.insert(file.fileName(), file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray());
-        }
-        return all;
-    }
+    QMap<QString, QByteArray> files() const { return filesWithBytes(m_folder.path()); }
 
     QString m_strFolder;
 };
