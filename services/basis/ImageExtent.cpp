@@ -90,12 +90,12 @@ double ratioOfBinnings(const CORVSequenceDataset& sequence, const CORVSpumKyvo& 
 CILImage validPixelsOf(const CORVSpumKyvo& engine)
 {
     const CORVSequenceDataset* pSequence = CORVSequenceDataset::getSequenceDataset(engine.m_strSeqId);
-    const QString path =
-        pSequence == nullptr
-            ? QString()
-            : QDir(pSequence->getSequenceInfoPath()).filePath(QLatin1String(SequenceFiles::kValidPixels));
     CILImage stored;
-    if (path.isEmpty() || !QFileInfo::exists(path) || engine.m_nWidth < 1 || engine.m_nHeight < 1) {
+    if (pSequence == nullptr || engine.m_nWidth < 1 || engine.m_nHeight < 1) {
+        return stored;
+    }
+    const QString path = QDir(pSequence->getSequenceInfoPath()).filePath(QLatin1String(SequenceFiles::kValidPixels));
+    if (!QFileInfo::exists(path)) {
         return stored;
     }
     QString error;
