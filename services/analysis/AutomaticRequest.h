@@ -11,6 +11,7 @@ struct AutomaticRequest
     bool anyName = false;   // names that the database does not know, too
     int count = 0;          // above 0: so many unknown components
     bool beyondSix = false; // more components than the wizard takes
+    bool refine = true;     // see refineResolution()
     bool useConstraints = true;
     bool constraintsAsked = false; // --constraints was given
     bool correctDecay = false;

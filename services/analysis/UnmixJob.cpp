@@ -357,11 +357,22 @@ void UnmixJob::fit(const QElapsedTimer& timer)
     }
     const XTNT::CancellationCheck check([this] { m_monitor.stopIfRequested(); });
     XTNT::cancellationPoint();
+    const std::optional<RefinementResult> refined = refine();
     const bool weighs = m_request.noise.kind != NoiseRequest::Kind::None || m_request.noise.errors;
+    if (refined && weighs && !m_request.save && m_request.noise.kind == NoiseRequest::Kind::None) {
+        // The errors are those of the weights that the maps have.
+        m_request.noise.kind = NoiseRequest::Kind::Poisson;
+    }
     const NoiseFitResult weighed = weighs ? weigh() : NoiseFitResult();
     showPictures();
     const bool corrected = isAutomatic() && m_request.automatic.correctDecay;
     m_numbers = numbersOfResult(engine, m_setUp.opened().truthFolder(engine.m_eUnit, corrected));
+    if (refined) {
+        constexpr double percent = 100.0;
+        m_numbers.noise = refined->noise;
+        m_numbers.refinement = refined->facts;
+        m_numbers.facts.lackOfFitRaw = percent * m_numbers.residual;
+    }
     if (weighs) {
         m_numbers.noise = weighed.facts;
         m_numbers.errors = weighed.errors;
@@ -396,6 +407,16 @@ NoiseFitResult UnmixJob::weigh()
     return weighed;
 }
 
+std::optional<RefinementResult> UnmixJob::refine()
+{
+    const AutomaticRequest& automatic = m_request.automatic;
+    if (!isAutomatic() || automatic.count < 1 || !automatic.refine || m_setUp.opened().hasPhotographOfCamera()) {
+        return std::nullopt;
+    }
+    m_monitor.showProgress(QStringLiteral("Resolving from the purest pixels"), notKnown);
+    return refineResolution(m_setUp.opened().sequence(), m_request.save, m_setUp.engine());
+}
+
 // A resolution of named components falls apart where they are not all there: an animal without food has its tissue
 // alone beside the dyes, and tissue and dyes alone may be too alike at the start.
 QString UnmixJob::adviceAgainstFailure()
@@ -419,6 +440,9 @@ void UnmixJob::takeWarnings()
 {
     RunFindings findings = findingsOfResult(m_setUp.engine(), m_setUp.opened().sequence(), isAutomatic(), m_numbers);
     findings.maskOfPhotograph = m_setUp.hasMaskOfPhotograph();
+    if (m_numbers.refinement && m_numbers.refinement->offset) {
+        findings.offsetTakenOff = *m_numbers.refinement->offset;
+    }
     if (isAutomatic()) {
         findings.askedNames = m_request.automatic.components;
     }

@@ -5,6 +5,7 @@
 #include "services/analysis/AutomaticRequest.h"
 #include "services/analysis/NoiseFit.h"
 #include "services/analysis/NoiseRequest.h"
+#include "services/analysis/Refinement.h"
 #include "services/analysis/RunProvenance.h"
 #include "services/analysis/ShownRun.h"
 #include "services/results/ResultFiles.h"
@@ -13,6 +14,8 @@
 
 #include <QString>
 #include <QStringList>
+
+#include <optional>
 
 class QElapsedTimer;
 
@@ -68,6 +71,9 @@ private:
     // The time is counted from the reading of the images on.
     void fit(const QElapsedTimer& timer);
     NoiseFitResult weigh();
+    // Imported images by number alone; those of animals have light of the tissue beneath all else, so that no pixel is
+    // pure.
+    std::optional<RefinementResult> refine();
     QString adviceAgainstFailure();
     void takeWarnings();
     ReportFrame reportFrame();

@@ -159,6 +159,7 @@ ResultFacts factsOfResult(const CORVSpumKyvo& engine, const ResultNumbers& numbe
     facts.warnings = numbers.warnings;
     facts.above = numbers.above;
     facts.noise = numbers.noise;
+    facts.refinement = numbers.refinement;
     if (std::isfinite(numbers.condition)) {
         facts.condition = numbers.condition;
     }

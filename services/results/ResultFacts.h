@@ -3,6 +3,7 @@
 
 #include "services/results/ComponentNumber.h"
 #include "services/results/NoiseFacts.h"
+#include "services/results/RefinementFacts.h"
 #include "services/results/TruthComparison.h"
 #include "services/warnings/RunWarning.h"
 
@@ -70,10 +71,11 @@ struct ResultFacts
     QList<ComponentFacts> components;
     QList<QPair<QString, QString>> properties;
     std::optional<AutomaticFacts> automatic;
-    std::optional<double> maskLight; // part of the images' light that lies inside the mask, 0 to 1
-    std::optional<double> condition; // of the spectra, each scaled to length 1
-    ComponentNumber above;           // the noise; none of a result that was loaded
-    std::optional<NoiseFacts> noise; // of a fit with weights, or standard errors
+    std::optional<double> maskLight;           // part of the images' light that lies inside the mask, 0 to 1
+    std::optional<double> condition;           // of the spectra, each scaled to length 1
+    ComponentNumber above;                     // the noise; none of a result that was loaded
+    std::optional<NoiseFacts> noise;           // of a fit with weights, or standard errors
+    std::optional<RefinementFacts> refinement; // of a resolution by number that was refined
     QList<RunWarning> warnings;
     QJsonObject provenance; // empty where it is not known
 

@@ -4,6 +4,7 @@
 #include "engine/AutomaticRunFacts.h"
 #include "services/results/ComponentNumber.h"
 #include "services/results/NoiseFacts.h"
+#include "services/results/RefinementFacts.h"
 #include "services/results/TruthComparison.h"
 #include "services/warnings/RunWarning.h"
 
@@ -31,9 +32,10 @@ struct ResultNumbers
     std::vector<double> amplifications;                          // of the noise, see SpectraLikeness
     std::vector<double> knownCosines;                            // of an automatic run; NaN: no source of that name
     ComponentNumber above;                                       // the noise
-    // Of a fit with weights or of standard errors that were asked for.
+    // Of a fit with weights, those of a resolution included, or of standard errors that were asked for.
     std::optional<NoiseFacts> noise;
-    XTNT::Matrix<double> errors; // K x P, of the maps; empty without
+    std::optional<RefinementFacts> refinement; // of a resolution by number alone that was refined
+    XTNT::Matrix<double> errors;               // K x P, of the maps; empty without
     QList<RunWarning> warnings;
 };
 

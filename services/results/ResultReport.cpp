@@ -89,6 +89,9 @@ QList<QPair<QString, QString>> factRows(const ResultFacts& facts)
             rows.append({QStringLiteral("Residual over noise"), numberOf(facts.noise->residualOverNoise, 3)});
         }
     }
+    if (facts.refinement) {
+        rows.append({QStringLiteral("Refinement"), facts.refinement->text()});
+    }
     if (facts.condition && !facts.automatic) {
         rows.append({QStringLiteral("Condition of the spectra"), numberOf(*facts.condition, 3)});
     }

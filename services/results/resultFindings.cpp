@@ -7,6 +7,7 @@
 #include "host/CORVDataset.h"
 #include "host/CORVSequenceDataset.h"
 #include "services/basis/ChannelLabels.h"
+#include "services/basis/ImageExtent.h"
 #include "services/results/ComponentNumber.h"
 #include "services/results/FitRest.h"
 #include "services/results/KnownSpectra.h"
@@ -79,24 +80,12 @@ double darkLevelOf(const XTNT::Matrix<double>& data, long long nImage)
     return *level;
 }
 
-void findOffset(const CORVSpumKyvo& engine, RunFindings& findings)
+// A mask may be that of the images' own pixels, where others were added to make a square.
+bool leavesPixelsOut(const CORVSpumKyvo& engine)
 {
-    const auto& data = engine.m_cube.m_data;
-    if (engine.m_cube.m_bHasMask || engine.m_eUnit != DISPLAYUNIT_COUNTS || data.empty()) {
-        return;
-    }
-    double sum = 0.0;
-    std::vector<double> levels;
-    for (long long j = 0; j < data.num_cols(); ++j) {
-        levels.push_back(darkLevelOf(data, j));
-    }
-    for (long long p = 0; p < data.num_rows(); ++p) {
-        sum = std::accumulate(data[p], data[p] + data.num_cols(), sum);
-    }
-    const auto ends = std::minmax_element(levels.begin(), levels.end());
-    findings.darkestLevel = *ends.first;
-    findings.brightestLevel = *ends.second;
-    findings.meanLight = sum / static_cast<double>(data.num_rows()) / static_cast<double>(data.num_cols());
+    const QSize extent = analysedExtent(engine);
+    const auto all = static_cast<std::size_t>(extent.width()) * static_cast<std::size_t>(extent.height());
+    return engine.m_cube.m_bHasMask && engine.m_maskIndices.size() < all;
 }
 
 void findMask(const CORVSpumKyvo& engine, RunFindings& findings, ResultNumbers& numbers)
@@ -227,6 +216,26 @@ void findDecay(const CORVSpumKyvo& engine, const CORVSequenceDataset& sequence, 
 }
 
 } // namespace
+
+void findOffset(const CORVSpumKyvo& engine, RunFindings& findings)
+{
+    const auto& data = engine.m_cube.m_data;
+    if (leavesPixelsOut(engine) || engine.m_eUnit != DISPLAYUNIT_COUNTS || data.empty()) {
+        return;
+    }
+    double sum = 0.0;
+    std::vector<double> levels;
+    for (long long j = 0; j < data.num_cols(); ++j) {
+        levels.push_back(darkLevelOf(data, j));
+    }
+    for (long long p = 0; p < data.num_rows(); ++p) {
+        sum = std::accumulate(data[p], data[p] + data.num_cols(), sum);
+    }
+    const auto ends = std::minmax_element(levels.begin(), levels.end());
+    findings.darkestLevel = *ends.first;
+    findings.brightestLevel = *ends.second;
+    findings.meanLight = sum / static_cast<double>(data.num_rows()) / static_cast<double>(data.num_cols());
+}
 
 RunFindings findingsOfResult(const CORVSpumKyvo& engine, const CORVSequenceDataset& sequence, bool bResolved,
                              ResultNumbers& numbers)

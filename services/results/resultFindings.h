@@ -11,3 +11,7 @@ struct ResultNumbers;
 // which it adds to `numbers`. `bResolved`: the spectra are those of a curve resolution.
 RunFindings findingsOfResult(const CORVSpumKyvo& engine, const CORVSequenceDataset& sequence, bool bResolved,
                              ResultNumbers& numbers);
+
+// Of them, what the dark pixels of images in counts have alike: "darkestLevel", "brightestLevel" and "meanLight", where
+// no mask leaves them out.
+void findOffset(const CORVSpumKyvo& engine, RunFindings& findings);

@@ -166,6 +166,9 @@ QJsonObject resultJson(const ResultFacts& facts, const QStringList& files)
     if (facts.noise) {
         json.insert(QStringLiteral("noiseModel"), facts.noise->json());
     }
+    if (facts.refinement) {
+        json.insert(QStringLiteral("refinement"), facts.refinement->json());
+    }
     facts.above.addTo(json);
     if (facts.automatic) {
         addRun(*facts.automatic, json);
@@ -229,6 +232,9 @@ QString resultText(const ResultFacts& facts)
     text += QStringLiteral("the fit took %1 s\n").arg(TextTable::number(facts.seconds, 3));
     if (facts.noise) {
         text += facts.noise->text() + QLatin1Char('\n');
+    }
+    if (facts.refinement) {
+        text += facts.refinement->text() + QLatin1Char('\n');
     }
     if (!facts.automatic) {
         return text;

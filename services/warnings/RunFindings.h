@@ -55,6 +55,7 @@ struct RunFindings
     double darkestLevel = notKnown;
     double brightestLevel = notKnown;
     double meanLight = notKnown;
+    double offsetTakenOff = notKnown; // all images, as they had it alike
 
     // The mask's part of the images' light and of their pixels, 0 to 1; whether a photograph chose it, and not the
     // user.

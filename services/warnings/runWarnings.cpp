@@ -155,8 +155,16 @@ void addCut(const RunFindings& findings, QList<RunWarning>& warnings)
 
 void addOffset(const RunFindings& findings, QList<RunWarning>& warnings)
 {
-    if (!(findings.darkestLevel > sameLevel * findings.brightestLevel &&
-          findings.darkestLevel > largeLevel * findings.meanLight && findings.images > 2)) {
+    if (std::isfinite(findings.offsetTakenOff)) {
+        warnings.append({Severity::Warning, QStringLiteral("offset"),
+                         QStringLiteral("the dark pixels of all images have about the same %1 counts, which were taken "
+                                        "off all images as the offset of the camera")
+                             .arg(number(findings.offsetTakenOff)),
+                         QStringLiteral("an image without light, taken off at the import (--dark), is better; "
+                                        "--no-refinement takes nothing off")});
+        return;
+    }
+    if (!tellsOfOffset(findings)) {
         return;
     }
     warnings.append({Severity::Warning, QStringLiteral("offset"),
@@ -284,6 +292,12 @@ void addRest(const RunFindings& findings, QList<RunWarning>& warnings)
 }
 
 } // namespace
+
+bool tellsOfOffset(const RunFindings& findings)
+{
+    return findings.darkestLevel > sameLevel * findings.brightestLevel &&
+           findings.darkestLevel > largeLevel * findings.meanLight && findings.images > 2;
+}
 
 QList<RunWarning> runWarnings(const RunFindings& findings)
 {

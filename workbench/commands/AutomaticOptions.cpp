@@ -76,6 +76,12 @@ void declareAutomaticOptions(CommandParser& parser)
                       QStringLiteral("N")});
     parser.addOption(
         {QStringLiteral("beyond-six"), QStringLiteral("Take more than 6 components, up to the number of images.")});
+    parser.addOption(
+        {QStringLiteral("no-refinement"),
+         QStringLiteral("Leave the answer by number alone as the clusters of pixels lead to it. Without it "
+                        "imported images are resolved again from their purest pixels, each weighted by "
+                        "its noise, and an offset of the camera that is plain to see is taken off, but "
+                        "for --save.")});
     parser.addOption({QStringLiteral("constraints"),
                       QStringLiteral("Predict from the names where each component may lie (the default).")});
     parser.addOption({QStringLiteral("no-constraints"),
@@ -90,8 +96,8 @@ void declareAutomaticOptions(CommandParser& parser)
 QStringList givenAutomaticOptions(const QCommandLineParser& parser)
 {
     QStringList given;
-    for (const char* name :
-         {"components", "any-name", "ncomponents", "beyond-six", "constraints", "no-constraints", "decay"}) {
+    for (const char* name : {"components", "any-name", "ncomponents", "beyond-six", "no-refinement", "constraints",
+                             "no-constraints", "decay"}) {
         if (parser.isSet(QLatin1String(name))) {
             given.append(QStringLiteral("--") + QLatin1String(name));
         }
@@ -115,6 +121,7 @@ AutomaticRequest automaticRequestOf(const QCommandLineParser& parser)
     request.constraintsAsked = isSet("constraints");
     request.correctDecay = isSet("decay");
     request.beyondSix = isSet("beyond-six");
+    request.refine = !isSet("no-refinement");
     CallErrors errors(QStringLiteral("unmix"));
     errors.collect([&] { exclude("components", "ncomponents"); });
     errors.collect([&] { exclude("constraints", "no-constraints"); });

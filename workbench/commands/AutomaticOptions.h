@@ -9,7 +9,8 @@
 class CommandParser;
 class QCommandLineParser;
 
-// Declares --components, --any-name, --ncomponents, --beyond-six, --constraints, --no-constraints and --decay.
+// Declares --components, --any-name, --ncomponents, --beyond-six, --no-refinement, --constraints, --no-constraints and
+// --decay.
 void declareAutomaticOptions(CommandParser& parser);
 // The names of those that were given.
 QStringList givenAutomaticOptions(const QCommandLineParser& parser);

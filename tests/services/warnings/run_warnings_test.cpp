@@ -324,3 +324,11 @@ TEST(RunWarningsTest, AnOffsetThatIsTheSameInAllImagesIsTold)
     EXPECT_TRUE(isQuiet(levels(200.0, 500.0)));
     EXPECT_TRUE(isQuiet(levels(0.0, 0.0)));
 }
+
+TEST(RunWarningsTest, AnOffsetThatWasTakenOffIsToldAsSuch)
+{
+    const RunWarning warning = onlyWarning([](RunFindings& findings) { findings.offsetTakenOff = 99.5; });
+    EXPECT_EQ(warning.code, "offset");
+    EXPECT_EQ(warning.text, "the dark pixels of all images have about the same 99.5 counts, which were taken off all "
+                            "images as the offset of the camera");
+}

@@ -25,6 +25,12 @@ TEST(AutomaticOptionsTest, NothingIsAskedForByDefault)
     EXPECT_TRUE(request.useConstraints);
     EXPECT_FALSE(request.constraintsAsked);
     EXPECT_FALSE(request.correctDecay);
+    EXPECT_TRUE(request.refine);
+}
+
+TEST(AutomaticOptionsTest, TheAnswerOfTheClustersCanBeLeftAsItIs)
+{
+    EXPECT_FALSE(requestOf({"--ncomponents", "3", "--no-refinement"}).refine);
 }
 
 TEST(AutomaticOptionsTest, NamesAreTrimmedAndKeepTheirBlanks)

@@ -246,6 +246,7 @@ TEST_F(WarningsProgramTest, AnOffsetOfTheCameraIsTold)
     write(300.0F);
     succeed({"import", path("in"), "seq", "--quiet"});
     EXPECT_TRUE(codes({"--ncomponents", "2"}).contains("offset"));
+    EXPECT_TRUE(codes({"--ncomponents", "2", "--no-refinement"}).contains("offset"));
     write(0.0F);
     succeed({"import", path("in"), "seq", "--quiet", "--force"});
     EXPECT_FALSE(codes({"--ncomponents", "2"}).contains("offset"));

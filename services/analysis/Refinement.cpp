@@ -1,0 +1,190 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "services/analysis/Refinement.h"
+
+#include "algorithms/purestSpectra.h"
+#include "algorithms/weightedResolution.h"
+#include "engine/CORVSpumKyvo.h"
+#include "services/analysis/CountedNoise.h"
+#include "services/results/resultFindings.h"
+#include "services/warnings/RunFindings.h"
+#include "services/warnings/runWarnings.h"
+
+#include "XTNT/constrained_concentrations.h"
+#include "XTNT/weighted_concentrations.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <numeric>
+#include <utility>
+#include <vector>
+
+namespace {
+
+using XTNT::Matrix;
+
+// Rounds by the noise that the start tells of, and by that of the spectra then. Few: where the images leave open how
+// much of one source another takes, further rounds lead away from the purest pixels, which are better evidence.
+constexpr int firstRounds = 5;
+constexpr int lastRounds = 12;
+
+// Elements that serve for the spectra, and pixels that do in any case.
+constexpr long long enoughElements = 1000000;
+constexpr long long enoughPixels = 10000;
+
+double sumOfEveryOther(const double* row, long long first, long long n)
+{
+    double sum = 0.0;
+    for (long long j = first; j < n; j += 2) {
+        sum += row[j];
+    }
+    return sum;
+}
+
+// Pixels taken evenly, less an offset; those that are dark in all images or not finite tell nothing.
+Matrix<double> tellingPixels(const Matrix<double>& data, double dOffset)
+{
+    const long long images = data.num_cols();
+    const long long wanted = std::max(enoughPixels, enoughElements / std::max(1LL, images));
+    const long long stride = std::max(1LL, (data.num_rows() + wanted - 1) / wanted);
+    std::vector<const double*> rows;
+    for (long long p = 0; p < data.num_rows(); p += stride) {
+        const double* row = data[p];
+        const bool finite = std::all_of(row, row + images, [](double value) { return std::isfinite(value); });
+        const bool light = std::any_of(row, row + images, [](double value) { return value != 0.0; });
+        if (finite && light) {
+            rows.push_back(row);
+        }
+    }
+    Matrix<double> pixels(static_cast<long long>(rows.size()), images);
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        std::transform(rows[i], rows[i] + images, pixels[static_cast<long long>(i)],
+                       [dOffset](double value) { return value - dOffset; });
+    }
+    return pixels;
+} // NOLINT(clang-analyzer-cplusplus.NewDeleteLeaks): the shares of a matrix are counted
+
+std::optional<double> offsetOf(const CORVSpumKyvo& engine)
+{
+    RunFindings findings;
+    findings.images = static_cast<int>(engine.m_cube.m_data.num_cols());
+    findOffset(engine, findings);
+    return tellsOfOffset(findings) ? std::optional<double>(darkLevel(engine.m_cube.m_data)) : std::nullopt;
+}
+
+// With both figures, from what the fit leaves where the sequence does not tell them.
+CountedNoise noiseOf(const CountedNoise& told, const Matrix<double>& pixels, const Matrix<double>& spectra,
+                     const Matrix<double>& fit)
+{
+    CountedNoise noise = told;
+    noise.estimate(pixels, spectra, fit);
+    return noise;
+}
+
+// By the centres of mass over the images, as the engine sorts.
+Matrix<double> sorted(const Matrix<double>& spectra)
+{
+    std::vector<std::pair<double, long long>> order;
+    for (long long k = 0; k < spectra.num_rows(); ++k) {
+        double moment = 0.0;
+        for (long long j = 0; j < spectra.num_cols(); ++j) {
+            moment += static_cast<double>(j + 1) * spectra[k][j];
+        }
+        order.emplace_back(moment / std::accumulate(spectra[k], spectra[k] + spectra.num_cols(), 0.0), k);
+    }
+    std::sort(order.begin(), order.end());
+    Matrix<double> result(spectra.num_rows(), spectra.num_cols());
+    for (std::size_t k = 0; k < order.size(); ++k) {
+        std::copy_n(spectra[order[k].second], spectra.num_cols(), result[static_cast<long long>(k)]);
+    }
+    return result;
+}
+
+void takeOff(double dOffset, Matrix<double>& data)
+{
+    for (long long i = 0; i < data.storage.n_; ++i) {
+        data.storage[i] -= dOffset;
+    }
+}
+
+// Fits all pixels and hands the result to the engine.
+void handOver(const Matrix<double>& spectra, const XTNT::NoiseModel& noise, bool bWeighted, const Matrix<double>& data,
+              CORVSpumKyvo& engine)
+{
+    Matrix<double> fit;
+    XTNT::constrainedConcentrations(data, spectra, fit);
+    if (bWeighted) {
+        XTNT::weightedConcentrations(data, spectra, noise, fit);
+    }
+    engine.m_concentrations = fit.transpose();
+    engine.m_spectra = spectra;
+    engine.createSpectrumPlots();
+}
+
+} // namespace
+
+double darkLevel(const Matrix<double>& data)
+{
+    constexpr long long part = 50; // one pixel in so many is taken for dark
+    constexpr long long fewest = 20;
+    const long long count = std::min(std::max(data.num_rows() / part, fewest), data.num_rows());
+    if (count < 1 || data.num_cols() < 1) {
+        return 0.0;
+    }
+    double sum = 0.0;
+    for (const long long half : {0LL, 1LL}) {
+        std::vector<std::pair<double, long long>> order;
+        for (long long p = 0; p < data.num_rows(); ++p) {
+            order.emplace_back(sumOfEveryOther(data[p], half, data.num_cols()), p);
+        }
+        std::nth_element(order.begin(), order.begin() + static_cast<std::ptrdiff_t>(count - 1), order.end());
+        for (long long i = 0; i < count; ++i) {
+            sum += sumOfEveryOther(data[order[static_cast<std::size_t>(i)].second], 1 - half, data.num_cols());
+        }
+    }
+    return sum / static_cast<double>(count) / static_cast<double>(data.num_cols());
+}
+
+std::optional<RefinementResult> refineResolution(const CORVSequenceDataset& sequence, bool bFittedAgain,
+                                                 CORVSpumKyvo& engine)
+{
+    Matrix<double>& data = engine.m_cube.m_data;
+    const int components = static_cast<int>(engine.m_spectra.num_rows());
+    if (engine.m_cube.m_nSpots > 1 || data.empty() || components < 1) {
+        return std::nullopt;
+    }
+    RefinementResult result;
+    if (!bFittedAgain) {
+        result.facts.offset = offsetOf(engine);
+    }
+    const double offset = result.facts.offset.value_or(0.0);
+    const Matrix<double> pixels = tellingPixels(data, offset);
+    Matrix<double> spectra = purestSpectra(pixels, components);
+    if (spectra.empty()) {
+        return std::nullopt;
+    }
+    const CountedNoise told = CountedNoise::of(engine, sequence);
+    Matrix<double> fit;
+    XTNT::constrainedConcentrations(pixels, spectra, fit);
+    CountedNoise noise = noiseOf(told, pixels, spectra, fit);
+    WeightedRounds done;
+    for (const int most : {firstRounds, lastRounds}) {
+        const WeightedRounds rounds = resolveWeighted(pixels, noise.model(), most, spectra, fit);
+        if (rounds.failed) {
+            return std::nullopt;
+        }
+        result.facts.rounds += rounds.rounds;
+        noise = noiseOf(told, pixels, spectra, fit);
+    }
+    if (offset != 0.0) {
+        takeOff(offset, data);
+    }
+    handOver(sorted(spectra), noise.model(), !bFittedAgain, data, engine);
+    result.noise.model = QStringLiteral("poisson");
+    result.noise.estimated = !told.gain || !told.readNoise;
+    if (noise.calibrated) {
+        result.noise.electronsPerCount = noise.gain;
+        result.noise.readNoise = noise.readNoise;
+    }
+    return result;
+} // NOLINT(clang-analyzer-cplusplus.NewDeleteLeaks): the shares of a matrix are counted

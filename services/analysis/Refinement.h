@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "services/results/NoiseFacts.h"
+#include "services/results/RefinementFacts.h"
+
+#include "XTNT/xtnt_matrix.h"
+
+#include <optional>
+
+class CORVSequenceDataset;
+class CORVSpumKyvo;
+
+// What a second resolution finds beside its maps and spectra.
+struct RefinementResult
+{
+    RefinementFacts facts;
+    NoiseFacts noise; // that its weights are of
+};
+
+// Resolves components of which nothing is known a second time, after the engine, which starts from the means of
+// clusters and takes all elements alike. Images of separate sources say more: an offset of the camera that is plain to
+// see is taken off the engine's cube, the start is the spectra of the purest pixels (purestSpectra), and each element
+// counts by its noise (CountedNoise, resolveWeighted). Of many pixels some serve for the spectra; all are fitted in the
+// end. Maps, spectra and plots of the engine's result are replaced, the components in the order of their centres.
+//
+// `bFittedAgain`: the result will be fitted to the images again without weights; then its maps are such a fit, and
+// nothing is taken off the cube.
+//
+// Nothing, and all is as it was, where that cannot be done: a scan of spots, fewer pure pixels than components, a
+// component that vanishes. Passes cancellation points; an exception from there leaves the engine's result.
+std::optional<RefinementResult> refineResolution(const CORVSequenceDataset& sequence, bool bFittedAgain,
+                                                 CORVSpumKyvo& engine);
+
+// The level of pixels without light: the mean of those that are dark in every other image, in the images between, so
+// that their noise has no part in their choice.
+double darkLevel(const XTNT::Matrix<double>& data);

@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "services/analysis/Refinement.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+TEST(DarkLevelTest, IsThatOfPixelsWithoutLight)
+{
+    XTNT::Matrix<double> data(2000, 4, 100.0);
+    for (long long p = 0; p < 1800; ++p) {
+        for (long long b = 0; b < 4; ++b) {
+            data[p][b] += 50.0;
+        }
+    }
+    EXPECT_DOUBLE_EQ(darkLevel(data), 100.0);
+}
+
+// The darkest pixels of noise are far below its mean.
+TEST(DarkLevelTest, NoiseDoesNotLowerIt)
+{
+    std::mt19937_64 generator(11);
+    std::normal_distribution<double> noise(0.0, 10.0);
+    XTNT::Matrix<double> data(20000, 6, 100.0);
+    for (long long i = 0; i < data.storage.n_; ++i) {
+        data.storage[i] += noise(generator);
+    }
+    EXPECT_NEAR(darkLevel(data), 100.0, 1.0);
+}
+
+TEST(DarkLevelTest, OfNothingIsNothing)
+{
+    EXPECT_EQ(darkLevel(XTNT::Matrix<double>()), 0.0);
+    EXPECT_EQ(darkLevel(XTNT::Matrix<double>(1, 3, 7.0)), 7.0);
+}

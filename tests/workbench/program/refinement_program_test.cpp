@@ -1,0 +1,147 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// `spum unmix --ncomponents` on imported images: the second resolution, from the purest pixels.
+#include "workbench/program/ProgramFixture.h"
+
+#include "platform/orvimage/TiffIo.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <random>
+
+namespace {
+
+constexpr int side = 72;
+constexpr int images = 6;
+
+// Two round stains that overlap, in counted light; pixels without light are a third.
+class RefinementProgramTest : public ProgramFixture
+{
+protected:
+    static double amount(int nSource, int nPixel)
+    {
+        const double x = nPixel % side - (nSource == 0 ? 26.0 : 44.0);
+        const double y = nPixel / side - 36.0;
+        return std::max(0.0, 1.0 - (x * x + y * y) / (22.0 * 22.0));
+    }
+
+    void importStains(float fOffset, const QStringList& options = {}) const
+    {
+        const std::array<std::array<double, images>, 2> spectra = {
+            {{0.7, 1.0, 0.6, 0.2, 0.05, 0.0}, {0.0, 0.1, 0.5, 1.0, 0.7, 0.3}}};
+        std::mt19937_64 generator(7);
+        QString error;
+        ASSERT_TRUE(QDir().mkpath(path("in")));
+        for (std::size_t b = 0; b < images; ++b) {
+            const CILImage image = imageOf(side, side, [&](int i) {
+                const double light = 400.0 * (amount(0, i) * spectra[0][b] + amount(1, i) * spectra[1][b]);
+                const double counts = light > 0.0 ? std::poisson_distribution<int>(light)(generator) : 0;
+                return fOffset + static_cast<float>(counts);
+            });
+            ASSERT_TRUE(
+                writeTiff(path(QStringLiteral("in/em%1.tif").arg(500 + 20 * static_cast<int>(b))), image, {}, &error));
+        }
+        succeed(QStringList{"import", path("in"), "seq", "--quiet", "--force"} + options);
+    }
+
+    // The lowest correlation of the sources, in their order, with the maps.
+    double agreement(const QString& strFolder) const
+    {
+        double worst = 1.0;
+        for (int k = 0; k < 2; ++k) {
+            CILImage map;
+            QString error;
+            EXPECT_TRUE(readTiff(path(QStringLiteral("%1/0%2_UMX%2.tif").arg(strFolder).arg(k + 1)), 0, map, &error))
+                << qPrintable(error);
+            double ab = 0.0;
+            double aa = 0.0;
+            double bb = 0.0;
+            for (int i = 0; i < side * side; ++i) {
+                const double a = amount(k, i);
+                const double b = map.value(static_cast<std::size_t>(i));
+                ab += a * b;
+                aa += a * a;
+                bb += b * b;
+            }
+            worst = std::min(worst, ab / std::sqrt(aa * bb));
+        }
+        return worst;
+    }
+};
+
+} // namespace
+
+TEST_F(RefinementProgramTest, ImportedImagesAreResolvedFromTheirPurestPixels)
+{
+    importStains(0.0F);
+    const QJsonObject json = succeed({"unmix", "seq", "--ncomponents", "2", "--json", "--out", "out"}).json();
+    const QJsonObject refinement = json["refinement"].toObject();
+    EXPECT_EQ(refinement["start"], "purest pixels");
+    EXPECT_GT(refinement["rounds"].toInt(), 0);
+    EXPECT_FALSE(refinement.contains("offset"));
+    EXPECT_EQ(json["noiseModel"].toObject()["model"], "poisson");
+    EXPECT_NEAR(json["noiseModel"].toObject()["electronsPerCount"].toDouble(), 1.0, 0.1);
+    EXPECT_NEAR(json["lackOfFit"].toDouble(), json["residual"].toDouble(), 1e-9);
+    EXPECT_GT(agreement("out"), 0.98);
+    EXPECT_TRUE(contentOf(path("out/report.html")).contains("resolved again from the purest pixels"));
+}
+
+TEST_F(RefinementProgramTest, AnOffsetIsTakenOffAndTold)
+{
+    importStains(300.0F);
+    const QStringList call = {"unmix", "seq", "--ncomponents", "2", "--json", "--out"};
+    const QJsonObject json = succeed(call + QStringList{"out"}, {"offset"}).json();
+    EXPECT_NEAR(json["refinement"].toObject()["offset"].toDouble(), 300.0, 1.0);
+    EXPECT_GT(agreement("out"), 0.98);
+    // A result that is kept is fitted to the images as they are.
+    const QJsonObject kept = spum(call + QStringList{"kept", "--save", "kept"}).json();
+    EXPECT_TRUE(contentOf(path("kept/summary.json")).contains("an offset of the camera is taken for light"));
+    EXPECT_FALSE(kept["refinement"].toObject().contains("offset"));
+    EXPECT_LT(agreement("kept"), 0.95);
+}
+
+TEST_F(RefinementProgramTest, TheFirstAnswerCanBeHad)
+{
+    importStains(0.0F);
+    const QJsonObject json =
+        succeed({"unmix", "seq", "--ncomponents", "2", "--no-refinement", "--json", "--out", "out"}).json();
+    EXPECT_FALSE(json.contains("refinement"));
+    EXPECT_FALSE(json.contains("noiseModel"));
+}
+
+// An animal's light of tissue lies beneath all else.
+TEST_F(RefinementProgramTest, ASequenceWithAPhotographOfACameraKeepsItsAnswer)
+{
+    simulate();
+    EXPECT_FALSE(spum({"unmix", "seq", "--ncomponents", "4", "--json", "--out", "out"}).json().contains("refinement"));
+}
+
+TEST_F(RefinementProgramTest, ImagesThatAreNoSquareLoseNoOffset)
+{
+    ASSERT_TRUE(QDir().mkpath(path("in")));
+    QString error;
+    for (int b = 0; b < images; ++b) {
+        const CILImage image = imageOf(60, 40, [b](int i) {
+            const int column = i % 60;
+            const int light = column < 20 ? 0 : (column < 40 ? 20 * (b + 1) : 20 * (images - b)) * (1 + i / 60 % 7);
+            return 200.0F + static_cast<float>(light);
+        });
+        ASSERT_TRUE(writeTiff(path(QStringLiteral("in/em%1.tif").arg(500 + 20 * b)), image, {}, &error));
+    }
+    succeed({"import", path("in"), "seq", "--quiet"});
+    const QJsonObject json = spum({"unmix", "seq", "--ncomponents", "2", "--json", "--out", "out"}).json();
+    EXPECT_NEAR(json["refinement"].toObject()["offset"].toDouble(), 200.0, 1e-6);
+    EXPECT_LT(json["residual"].toDouble(), 1e-3);
+}
+
+TEST_F(RefinementProgramTest, ErrorsAreThoseOfTheWeights)
+{
+    importStains(0.0F);
+    const QStringList call = {"unmix", "seq", "--ncomponents", "2", "--errors", "--json", "--out"};
+    const QJsonObject json = succeed(call + QStringList{"out"}).json();
+    EXPECT_TRUE(json.contains("refinement"));
+    EXPECT_EQ(json["noiseModel"].toObject()["model"], "poisson");
+    EXPECT_EQ(json["errorMaps"].toArray().size(), 2);
+    const QJsonObject gaussian = succeed(call + QStringList{"gaussian", "--noise", "gaussian"}).json();
+    EXPECT_EQ(gaussian["noiseModel"].toObject()["model"], "gaussian");
+}
