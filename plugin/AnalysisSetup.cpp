@@ -45,8 +45,9 @@ void showAsTab(CORVSequenceWindow& sequenceWindow, const char* pTitle, Window& w
 
 } // namespace
 
-AnalysisSetup::AnalysisSetup(CORVSpumKyvo& engine)
-    : m_engine(engine), m_pView(std::make_unique<ConsoleResultView>(engine, *this, [this] { showConsole(); }))
+AnalysisSetup::AnalysisSetup(CORVSpumKyvo& engine, int nPatience)
+    : m_engine(engine), m_pView(std::make_unique<ConsoleResultView>(engine, *this, [this] { showConsole(); })),
+      m_nPatience(nPatience)
 {
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "engine/AnalysisWindows.h"
+#include "plugin/fillCube.h"
 
 #include <QList>
 #include <QObject>
@@ -23,8 +24,9 @@ class AnalysisSetup : public QObject, public AnalysisWindows
     Q_OBJECT
 
 public:
-    // The engine is borrowed; it owns this object from then on.
-    explicit AnalysisSetup(CORVSpumKyvo& engine);
+    // The engine is borrowed; it owns this object from then on. For `nPatience` milliseconds the filling of a cube lets
+    // no events through.
+    AnalysisSetup(CORVSpumKyvo& engine, int nPatience);
     ~AnalysisSetup() override;
 
     SpUnmixWizardWnd* wizard() override;
@@ -45,12 +47,17 @@ public:
 
     // The picture of the window that stands in the tab of that title, without regard to case; null for other tabs.
     QImage pictureOfTab(const QString& strTitle);
+    // The sequence closes while its cube is being filled, which ends that.
+    void stopFilling() { m_bStopFilling = true; }
     // The console becomes the tab of the sequence's window, or the current one of its tabs.
     void showConsole();
 
 Q_SIGNALS:
     // The console's.
     void askToSaveExistingResult();
+    // The filling of the cube lets events through: nothing but its abort may be within reach until it ends.
+    void fillingBegins();
+    void fillingEnds(bool bAborted);
 
 private:
     void connectConsole(SpumKyvoConsoleWnd& console);
@@ -61,8 +68,8 @@ private:
     void prepareLibrary(bool bUsePreset);
     bool askForSpectra(QList<SpectrumPlotParams*>& spectra);
     void prepareDrawing(bool bBackground, bool bWithProbes);
-    // The overview of the cube in the console, ready for spectra. False when there is none.
-    bool showCube(bool bBackground);
+    // The overview of the cube in the console, ready for spectra. An abort is told.
+    Filling showCube(bool bBackground);
     void backOut();
 
     // Steps of wizardFinished().
@@ -76,5 +83,7 @@ private:
 
     CORVSpumKyvo& m_engine;
     std::unique_ptr<ConsoleResultView> m_pView;
+    const int m_nPatience;
+    bool m_bStopFilling = false;
     QString m_strOfferedSubject; // what the wizard showed when it was opened
 };

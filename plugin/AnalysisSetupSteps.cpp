@@ -105,22 +105,41 @@ void AnalysisSetup::prepareAutomatic()
     sequenceWindows::showTab(sequenceWindows::windowOf(m_engine), tabNames::wizard, pWizard, pWizard->m_pToolbarFrame);
 }
 
-bool AnalysisSetup::showCube(bool bBackground)
+Filling AnalysisSetup::showCube(bool bBackground)
 {
     const WaitCursor cursor;
-    if (!m_engine.createPseudoColorImage()) {
-        return false;
+    bool bShown = false;
+    m_bStopFilling = false;
+    const Filling eFilling = fillCube(
+        m_engine, m_nPatience,
+        [this, &bShown] {
+            bShown = true;
+            Q_EMIT fillingBegins();
+        },
+        [this] { return !m_bStopFilling; });
+    const bool bAborted = eFilling == Filling::Aborted;
+    if (bAborted && !m_bStopFilling) {
+        logLine(QStringLiteral("SpumKyvo: unmixing aborted by user."), CORVLOG_PROGRESS);
+    }
+    if (bShown) {
+        Q_EMIT fillingEnds(bAborted);
+    }
+    if (eFilling != Filling::Done) {
+        return eFilling;
     }
     ResultView& view = resultView();
     view.setImageCube(m_engine.m_selectedKeyPairs, m_engine.m_eAxis, m_engine.m_cube);
     view.setBackgroundMode(bBackground);
-    return true;
+    return Filling::Done;
 }
 
 // Without an overview nothing happens, and nothing is said: the log has the reason.
 void AnalysisSetup::prepareLibrary(bool bUsePreset)
 {
-    if (!showCube(false)) {
+    if (const Filling eFilling = showCube(false); eFilling != Filling::Done) {
+        if (eFilling == Filling::Aborted) {
+            backOut();
+        }
         return;
     }
     const QPointer<CORVSpumKyvo> pEngine(&m_engine);
@@ -157,8 +176,10 @@ bool AnalysisSetup::askForSpectra(QList<SpectrumPlotParams*>& spectra)
 
 void AnalysisSetup::prepareDrawing(bool bBackground, bool bWithProbes)
 {
-    if (!showCube(bBackground)) {
-        logLine(QStringLiteral("SpumKyvo: unable to create pseudo color image."), CORVLOG_ERROR);
+    if (const Filling eFilling = showCube(bBackground); eFilling != Filling::Done) {
+        if (eFilling == Filling::Failed) {
+            logLine(QStringLiteral("SpumKyvo: unable to create pseudo color image."), CORVLOG_ERROR);
+        }
         backOut();
         return;
     }
@@ -255,8 +276,14 @@ bool AnalysisSetup::setUpImages()
     if (m_engine.m_pWizard) {
         m_engine.m_pWizard->hide();
     }
-    showCube(false); // the run goes on without an overview
+    const Filling eFilling = showCube(false);
+    pWindow = sequenceWindows::windowOf(m_engine); // closed meanwhile, it is gone
     sequenceWindows::removeTab(pWindow, tabNames::wizard);
+    if (eFilling == Filling::Aborted) {
+        backOut();
+        return false;
+    }
+    // Where it failed the run goes on without an overview.
     showConsole();
     return true;
 }

@@ -4,7 +4,7 @@
 
 #include "plugin/AnalysisSetup.h"
 #include "plugin/ComboResultsList.h"
-#include "plugin/ReportThread.h"
+#include "plugin/JobThread.h"
 #include "plugin/selectionTable.h"
 #include "plugin/sequenceWindows.h"
 #include "plugin/tabNames.h"
@@ -252,9 +252,13 @@ bool CORVSpumKyvoPalette::makeEngineCurrent(CORVSequenceDataset& sequence)
 CORVSpumKyvo* CORVSpumKyvoPalette::makeEngine(const QString& strId)
 {
     auto pEngine = std::make_unique<CORVSpumKyvo>(strId);
-    auto pSetup = std::make_unique<AnalysisSetup>(*pEngine);
+    auto pSetup = std::make_unique<AnalysisSetup>(*pEngine, m_nPatience);
     connect(pSetup.get(), &AnalysisSetup::askToSaveExistingResult, this,
             &CORVSpumKyvoPalette::askToSaveExistingResults);
+    connect(pSetup.get(), &AnalysisSetup::fillingBegins, this,
+            [this, pEngine = pEngine.get()] { onFillingBegins(*pEngine); });
+    connect(pSetup.get(), &AnalysisSetup::fillingEnds, this,
+            [this, pEngine = pEngine.get()](bool bAborted) { onFillingEnds(*pEngine, bAborted); });
     pEngine->setWindows(std::move(pSetup));
     connect(pEngine.get(), &CORVSpumKyvo::readyToRun, this, &CORVSpumKyvoPalette::onRunUnmixing);
     connect(pEngine.get(), &CORVSpumKyvo::cancelRun, this, &CORVSpumKyvoPalette::onCancelUnmixing);
@@ -324,9 +328,12 @@ void CORVSpumKyvoPalette::onCloseSequenceDataset(CORVSequenceDataset* pSeqDatase
         // Its run is on the stack: it ends now, and the engine goes when the stack is clear.
         pEngine->abortRun();
         pEngine->wait();
-        if (m_pReport != nullptr) {
-            m_pReport->stop();
-            m_pReport->wait();
+        if (m_pJob != nullptr) {
+            m_pJob->stop();
+            m_pJob->wait();
+        }
+        if (auto* pSetup = dynamic_cast<AnalysisSetup*>(pEngine->windows())) {
+            pSetup->stopFilling();
         }
         m_bRunningClosed = true;
         if (m_pEngine == pEngine) {

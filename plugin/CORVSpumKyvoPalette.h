@@ -23,9 +23,9 @@ class CORVDataset;
 class CORVResultsTabControl;
 class CORVSequenceDataset;
 class CORVSpumKyvo;
+class JobThread;
 class QHeaderView;
 class QMenu;
-class ReportThread;
 class SavedResults;
 class SavedResultsOwner;
 class SpectrumPlotParams;
@@ -61,6 +61,10 @@ public:
     // The filters of the spectra that were chosen for a batch.
     const QStringList& batchExcitation() const { return m_batchExcitation; }
     const QStringList& batchEmission() const { return m_batchEmission; }
+
+    // Milliseconds for which work beside a run holds the events up before it shows itself and locks what is around it;
+    // 50 at the start. For sequences that come from now on.
+    void setPatience(int nMilliseconds) { m_nPatience = nMilliseconds; }
 
     // Null before the first sequence, and after one that cannot be analysed.
     CORVSpumKyvo* engine() const { return m_pEngine; }
@@ -167,7 +171,17 @@ private:
     // A run, and what surrounds it whichever way it ends.
     CORVSpumKyvo* engineToRun();
     RunOutcome runLocked(CORVSpumKyvo& engine, RunSteps steps);
+    void lock();
     void unlock();
+    // Lets the thread end, for which m_pRunning is the engine; after `nPatience` milliseconds nothing but the abort is
+    // within reach. Where the palette has gone meanwhile nothing of it is touched any more.
+    void doJob(CORVSpumKyvo& engine, JobThread& job, const QString& strMessage, int nPatience);
+    // What is to be said against the result of a run, among the result's properties. False when the palette has gone
+    // meanwhile.
+    bool lookForWarnings(CORVSpumKyvo& engine);
+    // The engine's cube is being filled on this thread, ahead of a run.
+    void onFillingBegins(CORVSpumKyvo& engine);
+    void onFillingEnds(CORVSpumKyvo& engine, bool bAborted);
     void showOutcome();
     // What waited for the end of a run.
     void finishWaiting();
@@ -204,7 +218,8 @@ private:
     QMenu* m_pResultsMenu = nullptr;
 
     CORVSpumKyvo* m_pRunning = nullptr;       // from the announcement of a run to the end of what follows it
-    ReportThread* m_pReport = nullptr;        // borrows m_pRunning, instead of a run
+    JobThread* m_pJob = nullptr;              // borrows m_pRunning, instead of a run
+    int m_nPatience = 50;                     // most of what is to be done is over by then
     bool m_bLocked = false;                   // the host's windows are out of reach
     bool m_bUpdating = false;                 // updateProperties() is under way
     QPointer<CORVSequenceDataset> m_pWaiting; // announced meanwhile

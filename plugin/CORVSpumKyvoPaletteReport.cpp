@@ -3,13 +3,13 @@
 #include "plugin/CORVSpumKyvoPalette.h"
 
 #include "plugin/HeldOpen.h"
-#include "plugin/ReportThread.h"
+#include "plugin/JobThread.h"
+#include "plugin/reportOfResult.h"
 
 #include "engine/CORVSpumKyvo.h"
 #include "host/CORVFileDialog.h"
 #include "host/CORVLog.h"
 #include "host/CORVMessageBox.h"
-#include "host/CORVProcess.h"
 #include "host/CORVSequenceDataset.h"
 #include "host/CORVUtilityFns.h"
 #include "services/results/ResultFacts.h"
@@ -17,16 +17,11 @@
 #include "services/results/resultPlace.h"
 #include "spectra/logLine.h"
 
-#include <QCoreApplication>
 #include <QDateTime>
 #include <QDir>
 #include <QFileInfo>
 
 namespace {
-
-// Longest pause between two looks at the events, in milliseconds; the end of the thread ends a pause at once.
-constexpr unsigned long pause = 5;
-constexpr int percents = 100;
 
 // A folder beside the images of a sequence that is not there yet: "unmixed", "unmixed-2" and so on; where nothing can
 // be written there, one in the user's home, called after the sequence as far as its name can be that of a folder.
@@ -42,26 +37,6 @@ QString proposedFolder(const CORVSequenceDataset& sequence)
         strFolder = QStringLiteral("%1-%2").arg(strFirst).arg(i);
     }
     return strFolder;
-}
-
-// Keeps events flowing until the thread ends, which an abort makes it do.
-void waitForEnd(ReportThread& thread, const QString& strMessage)
-{
-    CORVProcess::startLongProcess(0, LONGPROCESS_GENERAL, true, QStringLiteral("Aborting..."));
-    int nShown = -1;
-    thread.start(QThread::InheritPriority);
-    while (!thread.wait(pause)) {
-        const int nPercent = static_cast<int>(thread.fraction() * percents);
-        if (nPercent != nShown) {
-            nShown = nPercent;
-            CORVProcess::setProcessMessage(strMessage, nPercent, percents, nullptr);
-        }
-        QCoreApplication::processEvents();
-        if (CORVProcess::isProcessAborted()) {
-            thread.stop();
-        }
-    }
-    CORVProcess::endLongProcess(LONGPROCESS_GENERAL);
 }
 
 } // namespace
@@ -101,30 +76,16 @@ void CORVSpumKyvoPalette::onClickWriteReport()
 void CORVSpumKyvoPalette::writeReport(CORVSpumKyvo& engine, const ReportRequest& request)
 {
     const QPointer<CORVSpumKyvoPalette> self(this);
-    ReportThread thread(engine, request);
-    m_pRunning = &engine;
-    m_bRunningClosed = false;
-    m_pReport = &thread;
-    setEnabled(false);
-    m_bLocked = true;
-    Q_EMIT restoreWindows(false);
-    waitForEnd(thread, tr("Writing the report of sequence [%1]").arg(engine.m_strSeqId));
-    if (!self) {
-        return;
-    }
-    m_pReport = nullptr;
-    unlock();
+    JobThread job([&engine, &request](JobMonitor& monitor) { writeReportOfResult(engine, request, monitor); });
+    doJob(engine, job, tr("Writing the report of sequence [%1]").arg(engine.m_strSeqId), 0);
     if (!self) {
         return;
     }
     m_pRunning = nullptr;
-    if (m_bRunningClosed) {
-        engine.deleteLater();
-    }
-    if (thread.isStopped()) {
+    if (job.isStopped()) {
         logLine(tr("The report was aborted, and nothing of it is left."), CORVLOG_PROGRESS);
-    } else if (!thread.reason().isEmpty()) {
-        CORVMessageBox::error(this, CORVUtilityFns::getAppName(), thread.reason());
+    } else if (!job.reason().isEmpty()) {
+        CORVMessageBox::error(this, CORVUtilityFns::getAppName(), job.reason());
     } else {
         logLine(tr("The report is in %1").arg(request.folder + QStringLiteral("/report.html")), CORVLOG_NOTE);
     }

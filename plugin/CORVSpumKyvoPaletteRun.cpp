@@ -3,6 +3,7 @@
 #include "plugin/CORVSpumKyvoPalette.h"
 
 #include "plugin/ComboResultsList.h"
+#include "plugin/JobThread.h"
 #include "plugin/warningsOfRun.h"
 
 #include "engine/CORVSpumKyvo.h"
@@ -12,6 +13,7 @@
 #include "host/CORVMessageBox.h"
 #include "host/CORVResultsTabControl.h"
 #include "host/CORVSequenceDataset.h"
+#include "services/results/keptWarnings.h"
 #include "spectra/logLine.h"
 #include "storage/SavedResults.h"
 #include "windows/SpumKyvoPCAWnd.h"
@@ -62,6 +64,9 @@ void CORVSpumKyvoPalette::onClickUnmixSpectra()
     } catch (const std::exception& failure) {
         tellFailure(failure);
     }
+    if (self && m_pRunning == nullptr && !m_bUpdating) {
+        finishWaiting(); // what was announced while the cube was filled
+    }
 }
 
 // Who asks for a run is made the current engine first: its window may be in use while the palette shows another
@@ -79,6 +84,13 @@ CORVSpumKyvo* CORVSpumKyvoPalette::engineToRun()
         updateProperties(CORVSequenceDataset::getSequenceDataset(pEngine->m_strSeqId));
     }
     return pEngine == m_pEngine ? pEngine : nullptr;
+}
+
+void CORVSpumKyvoPalette::lock()
+{
+    setEnabled(false);
+    m_bLocked = true;
+    Q_EMIT restoreWindows(false);
 }
 
 void CORVSpumKyvoPalette::unlock()
@@ -101,10 +113,7 @@ RunOutcome CORVSpumKyvoPalette::runLocked(CORVSpumKyvo& engine, RunSteps steps)
     m_pRunning = &engine;
     m_bRunningClosed = false;
     setEnabled(false);
-    steps.started = [this] {
-        m_bLocked = true;
-        Q_EMIT restoreWindows(false);
-    };
+    steps.started = [this] { lock(); };
     const std::function<void()> ended = std::move(steps.ended);
     steps.ended = [this, &ended] {
         unlock();
@@ -140,6 +149,72 @@ RunOutcome CORVSpumKyvoPalette::runLocked(CORVSpumKyvo& engine, RunSteps steps)
     return outcome;
 }
 
+void CORVSpumKyvoPalette::doJob(CORVSpumKyvo& engine, JobThread& job, const QString& strMessage, int nPatience)
+{
+    const QPointer<CORVSpumKyvoPalette> self(this);
+    m_pRunning = &engine;
+    m_bRunningClosed = false;
+    m_pJob = &job;
+    job.runToEnd(strMessage, nPatience, [this] { lock(); });
+    if (!self) {
+        return;
+    }
+    m_pJob = nullptr;
+    unlock();
+    if (self && m_bRunningClosed) {
+        engine.deleteLater();
+    }
+}
+
+bool CORVSpumKyvoPalette::lookForWarnings(CORVSpumKyvo& engine)
+{
+    const CORVSequenceDataset* pSequence = CORVSequenceDataset::getSequenceDataset(engine.m_strSeqId);
+    if (pSequence == nullptr) {
+        return true;
+    }
+    const QPointer<CORVSpumKyvoPalette> self(this);
+    QList<RunWarning> warnings;
+    JobThread job([&](JobMonitor&) { warnings = warningsOfRun(engine, *pSequence); });
+    doJob(engine, job, tr("Looking for what is to be said against the result"), m_nPatience);
+    if (!self) {
+        return false;
+    }
+    // Whoever aborts a batch here wants nothing of the sequence kept.
+    m_bAborted = job.isStopped();
+    // The result stands without them.
+    if (job.reason().isEmpty()) {
+        keepWarnings(warnings, engine);
+    } else if (m_bAborted) {
+        logLine(tr("The look for what is to be said against the result was aborted."), CORVLOG_PROGRESS);
+    } else {
+        logLine(QStringLiteral("SpumKyvo: the result could not be looked at for warnings: %1").arg(job.reason()),
+                CORVLOG_WARNING);
+    }
+    return true;
+}
+
+void CORVSpumKyvoPalette::onFillingBegins(CORVSpumKyvo& engine)
+{
+    m_pRunning = &engine;
+    m_bRunningClosed = false;
+    lock();
+}
+
+void CORVSpumKyvoPalette::onFillingEnds(CORVSpumKyvo& engine, bool bAborted)
+{
+    m_bAborted = bAborted;
+    unlock();
+    m_pRunning = nullptr;
+    if (m_bRunningClosed) {
+        engine.deleteLater();
+    } else if (bAborted && m_pEngine != nullptr) {
+        showOutcome();
+    }
+    if (bAborted && !m_bUpdating) {
+        finishWaiting(); // otherwise the run follows, or whoever asked for the analysis goes on
+    }
+}
+
 void CORVSpumKyvoPalette::onRunUnmixing()
 {
     const QPointer<CORVSpumKyvo> pEngine(engineToRun());
@@ -160,9 +235,15 @@ void CORVSpumKyvoPalette::onRunUnmixing()
         pEngine->updateConsoleSpectra();
         pEngine->updateUnmixedImages(true);
         pEngine->storeDecayState();
-        keepWarningsOfRun(*pEngine);
     };
     const RunOutcome outcome = runLocked(*pEngine, steps);
+    if (outcome == RunOutcome::Succeeded && pEngine == m_pEngine) {
+        // What there is already is seen while the rest is looked for.
+        fillResultsTree();
+        if (!lookForWarnings(*pEngine)) {
+            return;
+        }
+    }
     m_pRunning = nullptr;
     if (outcome == RunOutcome::Succeeded && pEngine == m_pEngine) {
         m_pResultsTab->m_bResultModified = true;

@@ -4,10 +4,8 @@
 #include "engine/CORVSpumKyvo.h"
 #include "engine/EngineEnums.h"
 #include "host/CORVLog.h"
-#include "host/CORVSequenceDataset.h"
 #include "services/results/ComponentNumber.h"
 #include "services/results/ResultNumbers.h"
-#include "services/results/keptWarnings.h"
 #include "services/results/resultFindings.h"
 #include "services/warnings/runWarnings.h"
 #include "spectra/logLine.h"
@@ -38,27 +36,19 @@ QStringList givenNames(const QStringList& components)
 
 } // namespace
 
-void keepWarningsOfRun(CORVSpumKyvo& engine)
+QList<RunWarning> warningsOfRun(const CORVSpumKyvo& engine, const CORVSequenceDataset& sequence)
 {
-    const CORVSequenceDataset* pSequence = CORVSequenceDataset::getSequenceDataset(engine.m_strSeqId);
-    if (pSequence == nullptr || !hasMapsOfItsImages(engine)) {
-        return;
+    if (!hasMapsOfItsImages(engine)) {
+        return {};
     }
-    try {
-        const bool bResolved = engine.m_eMode == RUNMODE_AUTOMATIC;
-        ResultNumbers numbers = numbersOfResult(engine, QString());
-        numbers.above = ComponentNumber::of(engine.m_cube.m_data, mostElements);
-        RunFindings findings = findingsOfResult(engine, *pSequence, bResolved, numbers);
-        if (bResolved) {
-            findings.askedNames = givenNames(engine.m_analysisInput.componentNames);
-        }
-        keepWarnings(runWarnings(findings), engine);
-    } catch (const std::exception& failure) {
-        // The result stands without them.
-        logLine(QStringLiteral("SpumKyvo: the result could not be looked at for warnings: %1")
-                    .arg(QString::fromUtf8(failure.what())),
-                CORVLOG_WARNING);
+    const bool bResolved = engine.m_eMode == RUNMODE_AUTOMATIC;
+    ResultNumbers numbers = numbersOfResult(engine, QString());
+    numbers.above = ComponentNumber::of(engine.m_cube.m_data, mostElements);
+    RunFindings findings = findingsOfResult(engine, sequence, bResolved, numbers);
+    if (bResolved) {
+        findings.askedNames = givenNames(engine.m_analysisInput.componentNames);
     }
+    return runWarnings(findings);
 }
 
 void tellNumberOfComponents(const CORVSpumKyvo& engine)

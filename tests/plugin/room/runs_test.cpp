@@ -52,14 +52,14 @@ TEST_F(RunsTest, ComingBackToASequenceFindsTheAnalysisAsItWas)
 
 TEST_F(RunsTest, WhatIsToBeSaidAgainstAResultStandsOnThePageOfResults)
 {
-    open();
+    auto& opened = open();
     unmixAutomatically();
     const int told = warningsAmong(engine().m_properties).size();
     EXPECT_EQ(resultItems().size(), engine().m_properties.size());
     // Two spectra that are the same: the list is made anew.
     auto& spectra = engine().m_spectra;
     std::copy(spectra[0], spectra[0] + spectra.num_cols(), spectra[1]);
-    keepWarningsOfRun(engine());
+    keepWarnings(warningsOfRun(engine(), opened.sequence()), engine());
     m_palette->fillResultsTree();
     EXPECT_TRUE(codesOf(warningsAmong(engine().m_properties)).contains("spectra-alike"));
     EXPECT_GE(warningsAmong(engine().m_properties).size(), told > 0 ? 1 : told + 1);
