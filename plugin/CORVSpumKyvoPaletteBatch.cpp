@@ -85,6 +85,9 @@ void CORVSpumKyvoPalette::endBatch()
 {
     m_pResults->m_bBatchMode = false;
     m_pBatchSequence = nullptr;
+    if (m_pEngine == nullptr) {
+        clearResultsTree(); // of the last sequence, which has gone
+    }
 }
 
 void CORVSpumKyvoPalette::giveBatchSpectra()

@@ -75,6 +75,7 @@ protected:
             timer.stop();
             auto* pNext = pDialog->findChild<QAbstractButton*>("m_pNextBtn");
             m_strNext = pNext->text();
+            m_bAppendHidden = pDialog->findChild<QWidget*>("m_pAppendChk")->isHidden();
             auto* pList = pDialog->findChild<QListWidget*>("m_pSpumLibraryList");
             for (int i = 0; i < pList->count(); ++i) {
                 if (pList->item(i)->text() == "batch") {
@@ -130,6 +131,7 @@ protected:
 
     QString m_strLibrary;
     QString m_strNext;
+    bool m_bAppendHidden = false;
 };
 
 TEST_F(BatchTest, TheHostLearnsTheFiltersOfTheChosenSpectra)
@@ -139,6 +141,7 @@ TEST_F(BatchTest, TheHostLearnsTheFiltersOfTheChosenSpectra)
     ASSERT_TRUE(browse.isValid());
     setUp(false);
     EXPECT_EQ(m_strNext, "Next");
+    EXPECT_TRUE(m_bAppendHidden) << "there is nothing to append to";
     EXPECT_FALSE(CORVUtilityFns::getSpumBatchStatus());
     EXPECT_EQ(browse.count(), 0);
     setUp(true);
@@ -177,6 +180,62 @@ TEST_F(BatchTest, EverySequenceIsUnmixedSavedExportedAndClosed)
         const QStringList maps = QDir(folder.filePath("UnmixedImages")).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
         EXPECT_GE(maps.size(), 2);
     }
+}
+
+TEST_F(BatchTest, TheLogNamesEachSequenceByItsFolder)
+{
+    const QString strMouse = mouse();
+    startBatch({strMouse});
+    QStringList lines;
+    const int nSink = orv::addLogSink([&lines](const orv::LogRecord& line) {
+        if (line.m_strMessage.startsWith("Spectral Unmixing for sequence")) {
+            lines << QString("%1 %2").arg(line.m_nLevel).arg(line.m_strMessage);
+        }
+    });
+    Opened& opened = open(strMouse);
+    orv::removeLogSink(nSink);
+    EXPECT_EQ(lines, QStringList("1 Spectral Unmixing for sequence :- " + opened.sequence->getSequenceInfoPath()));
+    close(opened);
+}
+
+// As many maps as there are components: the tiles of the first spot.
+TEST_F(BatchTest, OfAScanTheMapsOfItsFirstSpotAreKept)
+{
+    const QString strScan =
+        simulated("scan", {"--kind", "transillumination", "--size", "32", "--bands", "6", "--spots", "4"});
+    ASSERT_TRUE(QFile::exists(strScan + "/truth/efficiency/spectra.csv"));
+    ASSERT_TRUE(QFile::copy(strScan + "/truth/efficiency/spectra.csv", m_strLibrary));
+    setUp(true);
+    CORVUtilityFns::setSpumBatchProcessingCount(1);
+    EXPECT_TRUE(process(strScan));
+    EXPECT_EQ(complaints(), "");
+    const QDir maps(strScan + "/" + batches(strScan).value(0) + "/UnmixedImages");
+    QStringList spots;
+    const QStringList names = maps.entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+    for (const QString& name : names) {
+        CORVDataset dataset;
+        ASSERT_EQ(dataset.openMade(maps.filePath(name)), ESTATUS_SUCCESS);
+        spots << dataset.getFLXspot() + " " + dataset.getFLYspot();
+    }
+    EXPECT_GE(names.size(), 2);
+    spots.removeDuplicates();
+    EXPECT_EQ(spots.size(), 1) << spots.join(", ").toStdString();
+    const QDir truth(strScan + "/truth/efficiency");
+    EXPECT_EQ(names.size(), truth.entryList({"*_spot1.tif"}).size()) << "one of each spectrum";
+}
+
+TEST_F(BatchTest, AfterItsEndASequenceIsUnmixedAsTheUserWants)
+{
+    const QString strMouse = mouse();
+    startBatch({strMouse});
+    process(strMouse);
+    CORVUtilityFns::setSpumBatchStatus(false);
+    ASSERT_TRUE(QMetaObject::invokeMethod(m_pPlugin, "onSignalDisableSpumBatchProcessing"));
+    open(strMouse);
+    EXPECT_TRUE(resultItems().isEmpty()) << "nothing starts by itself, and nothing of the batch is shown";
+    unmixAutomatically();
+    EXPECT_FALSE(resultItems().isEmpty());
+    EXPECT_EQ(batches(strMouse).size(), 1);
 }
 
 TEST_F(BatchTest, ALuminescentSequenceKeepsItsBackground)
@@ -311,6 +370,28 @@ TEST_F(BatchTest, WithoutAFolderForTheMapsTheSequenceStaysOpen)
     m_complaints.clear();
     EXPECT_FALSE(process(strMouse));
     EXPECT_EQ(m_complaints, QStringList("Failed to create " + strBatch + "/UnmixedImages folder."));
+}
+
+// It stays open as it is shown.
+TEST_F(BatchTest, WithoutAFolderForTheMapsTheBackgroundStaysAdapted)
+{
+    const QString strMouse = mouse();
+    startBatch({strMouse});
+    process(strMouse);
+    const QString strMaps = strMouse + "/" + batches(strMouse).last() + "/UnmixedImages";
+    ASSERT_TRUE(QDir(strMaps).removeRecursively());
+    QFile file(strMaps);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.close();
+    CORVUtilityFns::setAdaptFLBgModeForSpumBatch(1);
+    Opened opened;
+    opened.sequence = std::make_unique<CORVSequenceDataset>();
+    ASSERT_EQ(opened.sequence->open(strMouse), ESTATUS_SUCCESS);
+    auto* pWindow = new WatchedWindow(opened.sequence.get());
+    opened.window = pWindow;
+    m_pPlugin->onSignalSequenceChanged(opened.sequence.get());
+    EXPECT_EQ(pWindow->calls, (QStringList{"on", "refresh"}));
+    m_pPlugin->onSignalSequenceRemoved(opened.sequence.get());
 }
 
 // The stamp of the palette serves, time and again.
