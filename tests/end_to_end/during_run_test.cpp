@@ -93,7 +93,7 @@ TEST_F(DuringRunTest, ClicksKeysAndDropsChangeNothing)
         ASSERT_TRUE(startLongRun());
         clock.start();
         // What comes late finds the run over, and would rightly do something.
-        while (clock.elapsed() < nWholeRun / 3) {
+        while (clock.elapsed() < nWholeRun / 3 && runs()) {
             doAnything(random, place);
             ++nDone;
         }
