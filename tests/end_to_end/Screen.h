@@ -26,7 +26,8 @@ inline std::ostream& operator<<(std::ostream& out, const Screen& screen)
 inline auto screens()
 {
     return ::testing::Values(Screen{"usual", "1", 1600, 1200, false}, Screen{"small", "1", 1024, 700, false},
-                             Screen{"sharp", "2", 800, 600, false}, Screen{"dark", "1", 1280, 900, true});
+                             Screen{"sharp", "2", 800, 600, false}, Screen{"dark", "1", 1280, 900, true},
+                             Screen{"darkSharp", "2", 800, 600, true});
 }
 
 inline std::string nameOfScreen(const ::testing::TestParamInfo<Screen>& each)

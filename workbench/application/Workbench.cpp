@@ -7,6 +7,7 @@
 #include "platform/orvutils/LogSinks.h"
 #include "platform/orvutils/MessageResponder.h"
 #include "platform/orvwidgets/WindowResponder.h"
+#include "workbench/application/LegibleBoxes.h"
 #include "workbench/application/MainWindow.h"
 #include "workbench/application/WorkbenchOptions.h"
 #include "workbench/application/programIcon.h"
@@ -149,6 +150,7 @@ int runWorkbench(int argc, char** argv)
         return failed;
     }
     QApplication::setWindowIcon(programIcon());
+    makeBoxesLegible();
     orv::setMessageResponder(std::make_unique<orv::WindowResponder>());
     int status = 0;
     {
