@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "workbench/commands/BatchCommand.h"
 
+#include "XTNT/xtnt_parallel.h"
 #include "files/FileLock.h"
 #include "host/CORVPreference.h"
 #include "services/basis/Failure.h"
@@ -57,7 +58,7 @@ public:
         m_settings.memory = m_wishes.memory;
         m_settings.again = m_wishes.again;
         m_settings.program = QCoreApplication::applicationFilePath();
-        m_settings.arguments = [this, threads = parser.value(QStringLiteral("threads"))](const BatchJob& job) {
+        m_settings.arguments = [this, threads = threadsOfJob(parser)](const BatchJob& job) {
             const QStringList arguments = unmixArguments(job, m_places.results(job.name));
             return threads.isEmpty() ? arguments : arguments + QStringList(QStringLiteral("--threads=") + threads);
         };
@@ -88,6 +89,17 @@ public:
     }
 
 private:
+    // Those that run at once share the processors: on threads of each other's they would only wait. What a scheduler
+    // starts has what that gives it.
+    QString threadsOfJob(const QCommandLineParser& parser) const
+    {
+        const QString threads = parser.value(QStringLiteral("threads"));
+        if (!threads.isEmpty() || m_wishes.list || !m_wishes.only.isEmpty()) {
+            return threads;
+        }
+        const int atOnce = std::min(m_wishes.jobs, m_jobs.size());
+        return atOnce > 1 ? QString::number(std::max(1, XTNT::threadCount() / atOnce)) : QString();
+    }
     QStringList commandOf(const BatchJob& job) const
     {
         return QStringList(QStringLiteral("spum")) + m_settings.arguments(job);

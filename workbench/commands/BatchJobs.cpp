@@ -151,7 +151,9 @@ void declareBatchOptions(CommandParser& parser)
                                  QStringLiteral("SEQ...|TABLE.csv"));
     addValueOption(parser, "out", QStringLiteral("Folder for the results: a folder each, and batch.html over all."),
                    "DIR");
-    addValueOption(parser, "jobs", QStringLiteral("So many sequences at once; as many as there are processors."), "N");
+    addValueOption(
+        parser, "jobs",
+        QStringLiteral("So many sequences at once, which share the processors; as many as there are of these."), "N");
     addValueOption(parser, "max-memory",
                    QStringLiteral("Most memory that all at once may take by their headers, in GiB; what is free."),
                    "GIB");

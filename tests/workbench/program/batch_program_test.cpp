@@ -12,7 +12,10 @@
 #include <QRegularExpression>
 #include <QThread>
 
+#include <algorithm>
 #include <csignal>
+#include <sched.h>
+#include <string>
 
 namespace {
 
@@ -252,6 +255,30 @@ TEST_F(BatchProgramTest, ADryRunTellsWhyAndChangesNothing)
     const QJsonObject plan = planOf({});
     EXPECT_EQ(plan["unmix"], 3);
     EXPECT_GT(plan["sequences"].toArray()[0].toObject()["memoryMiB"].toDouble(), 1.0);
+}
+
+// On threads of each other's they would only wait for each other.
+TEST_F(BatchProgramTest, ThoseThatRunAtOnceShareTheProcessors)
+{
+    cpu_set_t processors;
+    ASSERT_EQ(sched_getaffinity(0, sizeof processors, &processors), 0);
+    const int count = CPU_COUNT(&processors);
+    const auto threadsOf = [this](const QStringList& options) {
+        const QStringList all = {"batch", "seqs/a",    "seqs/b",  "seqs/c",    "--out",
+                                 "out",   "--library", library(), "--dry-run", "--json"};
+        const QJsonObject plan = succeed(all + options).json();
+        QStringList found;
+        for (const auto& word : plan["sequences"].toArray()[1].toObject()["command"].toArray()) {
+            if (word.toString().startsWith("--threads")) {
+                found.append(word.toString());
+            }
+        }
+        return found.join(' ').toStdString();
+    };
+    EXPECT_EQ(threadsOf({"--jobs=2"}), "--threads=" + std::to_string(std::max(1, count / 2)));
+    EXPECT_EQ(threadsOf({"--jobs=1000"}), "--threads=" + std::to_string(std::max(1, count / 3))) << "three sequences";
+    EXPECT_EQ(threadsOf({"--jobs=1"}), "") << "all of them";
+    EXPECT_EQ(threadsOf({"--threads=7"}), "--threads=7");
 }
 
 TEST_F(BatchProgramTest, TheListIsForSchedulers)
