@@ -490,6 +490,51 @@ TEST_F(LongBatchTest, ASecondBatchInTheFolderIsRefused)
     EXPECT_EQ(unmixedIn(succeed(longBatch("out"))), "");
 }
 
+// As the system does where memory runs out.
+TEST_F(LongBatchTest, AProcessThatIsKilledIsToldByItsSequenceAndTheOthersAreDone)
+{
+    QProcess batch;
+    program().startInBackground(batch, longBatch("out", {}, "1"));
+    QElapsedTimer timer;
+    timer.start();
+    while ((children().isEmpty() || !QFileInfo::exists(path("out/.batch/s0.json"))) && timer.elapsed() < 60000) {
+        QThread::msleep(2);
+    }
+    const QStringList victims = children();
+    ASSERT_EQ(victims.size(), 1);
+    ASSERT_EQ(::kill(victims.first().toInt(), SIGKILL), 0);
+    ASSERT_TRUE(batch.waitForFinished(120000));
+    EXPECT_EQ(batch.exitCode(), 1);
+    const QString said = QString::fromUtf8(batch.readAllStandardError());
+    EXPECT_TRUE(
+        QRegularExpression("\ns\\d        the program was ended by signal 9, as the system does when memory runs "
+                           "out\nspum: 1 sequence without a result\n$")
+            .match(said)
+            .hasMatch())
+        << qPrintable(said);
+    EXPECT_EQ(unmixedIn(succeed(longBatch("out"))).split(' ').size(), 1) << "that one alone is tried again";
+    succeed(longBatch("plain", {"--quiet"}));
+    expectSame("plain", "out");
+}
+
+TEST_F(LongBatchTest, ASequenceThatRunsOutOfMemoryIsToldAndTheOthersAreDone)
+{
+    constexpr int megabytes = 500; // less than the images take as doubles, twice
+    succeed({"simulate", "huge", "--size", "1024", "--bands", "24", "--quiet"});
+    program().setMemoryLimit(megabytes);
+    const ProgramResult result = spum({"batch", "large/s0", "huge", "large/s1", "--out", "out", "--ncomponents", "3",
+                                       "--mask", "none", "--jobs", "2", "--max-memory", "100"});
+    program().setMemoryLimit(0);
+    EXPECT_EQ(result.status, 1);
+    const QStringList ends = endsIn(result);
+    ASSERT_EQ(ends.size(), 3) << result.out.constData();
+    EXPECT_TRUE(ends.at(0).startsWith("huge: failed: ") && ends.at(0).contains("memory")) << qPrintable(ends.at(0));
+    EXPECT_TRUE(ends.at(1).startsWith("s0: 3 components")) << qPrintable(ends.at(1));
+    EXPECT_TRUE(ends.at(2).startsWith("s1: 3 components")) << qPrintable(ends.at(2));
+    EXPECT_TRUE(result.errText().endsWith("\nspum: 1 sequence without a result\n")) << result.err.constData();
+    EXPECT_FALSE(QFileInfo::exists(path("out/huge")));
+}
+
 // Two that need most of what is allowed run one after the other.
 TEST_F(LongBatchTest, NoMoreRunAtOnceThanMemoryAllows)
 {
