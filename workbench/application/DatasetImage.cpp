@@ -86,6 +86,12 @@ CILImage* DatasetImage::photograph() const
 
 bool DatasetImage::load(tag_eimagetype eType, tag_edisplayunit eUnit)
 {
+    read(eType, eUnit);
+    return measure();
+}
+
+void DatasetImage::read(tag_eimagetype eType, tag_edisplayunit eUnit)
+{
     const QList<tag_eimagetype> all = types();
     const CILPalette palette = *m_image.getPalette();
     m_eType = all.contains(eType) ? eType : all.value(0, IMAGETYPE_MAIN_DATA);
@@ -93,20 +99,24 @@ bool DatasetImage::load(tag_eimagetype eType, tag_edisplayunit eUnit)
     m_strError.clear();
     m_image = CILImage();
     try {
-        read();
+        readPixels();
     } catch (const std::bad_alloc&) {
         m_image = CILImage();
         m_strError = QStringLiteral("there is not enough memory");
     }
     *m_image.getPalette() = palette;
     m_image.AdjustRGBBrightness(0);
+}
+
+bool DatasetImage::measure()
+{
     m_whole = m_image.isEmpty() ? DisplayRange() : DisplayRange::whole(m_image);
     m_automatic = m_image.isEmpty() ? DisplayRange() : DisplayRange::automatic(m_image);
     setRange(m_automatic);
     return m_strError.isEmpty();
 }
 
-void DatasetImage::read()
+void DatasetImage::readPixels()
 {
     if (hasUnit()) {
         m_strError = m_pDataset->unitUnavailableReason(m_eUnit);

@@ -32,6 +32,9 @@ public:
     // Reads the image; the range becomes the automatic one. A type that is not in types() is the first of these. False
     // with error() when it cannot be had; there is then no picture.
     bool load(tag_eimagetype eType, tag_edisplayunit eUnit);
+    // Its two steps, for who lets events through in between: the pixels alone, and then the ranges.
+    void read(tag_eimagetype eType, tag_edisplayunit eUnit);
+    bool measure();
     const QString& error() const { return m_strError; }
     tag_eimagetype type() const { return m_eType; }
     // Only the main data image has a unit.
@@ -63,7 +66,7 @@ public:
     std::optional<double> valueAt(const QPoint& pixel) const;
 
 private:
-    void read();
+    void readPixels();
     // That of the dataset, or the one that its sequence lends; null without.
     CILImage* photograph() const;
     void takePhotograph();

@@ -248,16 +248,20 @@ void DatasetWindow::begin(tag_eimagetype eType, tag_edisplayunit eUnit)
 {
     m_eWanted = eType;
     m_eWantedUnit = eUnit;
-    m_eNext = Step::Load;
+    m_eNext = Step::Read;
     m_idle.start();
 }
 
 void DatasetWindow::doNext()
 {
     switch (m_eNext) {
-    case Step::Load:
+    case Step::Read:
+        m_eNext = Step::Measure;
+        m_pImage->read(m_eWanted, m_eWantedUnit);
+        return;
+    case Step::Measure:
         m_eNext = Step::Draw;
-        load();
+        measure();
         return;
     case Step::Draw:
         m_eNext = Step::Count;
@@ -279,9 +283,9 @@ void DatasetWindow::catchUp()
     }
 }
 
-void DatasetWindow::load()
+void DatasetWindow::measure()
 {
-    m_pImage->load(m_eWanted, m_eWantedUnit);
+    m_pImage->measure();
     m_eWanted = m_pImage->type();
     m_pImageBox->setCurrentIndex(m_pImageBox->findData(static_cast<int>(m_pImage->type())));
     m_pUnitBox->setOffers(m_pImage->offers(), m_eWantedUnit);

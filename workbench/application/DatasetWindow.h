@@ -65,7 +65,7 @@ private:
     void begin(tag_eimagetype eType, tag_edisplayunit eUnit);
     void doNext();
     void catchUp();
-    void load();
+    void measure();
     void takeColors();
     void takeOverlay();
     // The picture and the bar anew.
@@ -84,7 +84,8 @@ private:
         None,
         Count, // into the histogram
         Draw,
-        Load
+        Measure, // the ranges
+        Read
     };
 
     std::unique_ptr<DatasetImage> m_pImage;
