@@ -11,6 +11,7 @@
 #include "services/results/resultSummary.h"
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QJsonArray>
 
@@ -40,15 +41,47 @@ QStringList filesOf(const UnmixFolder& folder)
     return names;
 }
 
+// Of the table of a summary.
 QByteArray bytesOf(const QString& strPath)
 {
-    constexpr int maxMebibytes = 1024;
+    constexpr int maxMebibytes = 64; // that of the largest summary takes a fraction
     QByteArray bytes;
     QString error;
     if (!orv::readInput(strPath, maxMebibytes, QStringLiteral("result"), &bytes, &error)) {
         throw Failure(error);
     }
     return bytes;
+}
+
+void openFor(QFile& file)
+{
+    QString reason;
+    if (!orv::openInput(file, &reason)) {
+        throw Failure(QStringLiteral("%1: %2").arg(file.fileName(), reason));
+    }
+}
+
+// Files of any size, a piece at a time.
+bool sameBytes(const QString& strOne, const QString& strOther)
+{
+    constexpr qint64 pieceBytes = 4 << 20;
+    QFile one(strOne);
+    QFile other(strOther);
+    openFor(one);
+    openFor(other);
+    for (bool more = true; more;) {
+        const QByteArray piece = one.read(pieceBytes);
+        if (piece != other.read(pieceBytes)) {
+            return false;
+        }
+        more = !piece.isEmpty();
+    }
+    for (const QFile* pFile : {&one, &other}) {
+        if (pFile->error() != QFileDevice::NoError) {
+            throw Failure(QStringLiteral("%1: %2").arg(pFile->fileName(), pFile->errorString()));
+        }
+    }
+    return true;
 }
 
 // What the numbers are, wherever they lie and whatever they come from.
@@ -100,7 +133,7 @@ ResultDifference::File compared(const QString& strName, const UnmixFolder& befor
     } else if (strName == tableName) {
         file.same = sameTables(before, after);
     } else {
-        file.same = bytesOf(first) == bytesOf(second);
+        file.same = sameBytes(first, second);
     }
     if (!file.same && strName.endsWith(QLatin1String(".tif"))) {
         file.largest = largestDifference(first, second);
