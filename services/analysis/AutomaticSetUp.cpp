@@ -51,13 +51,18 @@ QStringList componentsMeant(const AutomaticRequest& request, const CORVSpumKyvo&
 {
     const QStringList known = knownNames(engine);
     QStringList names;
+    QStringList wrong;
     for (const QString& name : request.components) {
         const QString meant = probeMeant(name, known);
         if (meant.isEmpty() && !request.anyName && engine.m_eSeqKind != SEQKIND_TEMPORAL) {
-            throw Failure(QStringLiteral("--components: there is no probe \"%1\", and --any-name is not given%2")
-                              .arg(name, nearestProbesText(name, known)));
+            wrong.append(QStringLiteral("there is no probe \"%1\"%2%3")
+                             .arg(name, wrong.isEmpty() ? QStringLiteral(", and --any-name is not given") : QString(),
+                                  nearestProbesText(name, known)));
         }
         names.append(meant.isEmpty() ? name : meant);
+    }
+    if (!wrong.isEmpty()) {
+        throw Failure(QStringLiteral("--components: ") + wrong.join(QStringLiteral("; ")));
     }
     return names;
 }

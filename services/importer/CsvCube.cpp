@@ -95,7 +95,10 @@ bool CsvCube::readHeader(const QByteArray& line, QString* pReason)
     }
     if (fields.size() < 3 || fields.at(0).toLower() != QLatin1String("x") ||
         fields.at(1).toLower() != QLatin1String("y")) {
-        *pReason = QStringLiteral("the first line is not \"x,y\" and a name an image: this is no cube");
+        const bool table = fields.at(0).trimmed().toLower() == QLatin1String("file");
+        *pReason = QStringLiteral("the first line is not \"x,y\" and a name an image: this is %1")
+                       .arg(table ? QStringLiteral("a table of images, which --images takes beside their folder")
+                                  : QStringLiteral("no cube"));
         return false;
     }
     if (fields.size() - 2 > maxImages) {

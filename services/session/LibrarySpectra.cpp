@@ -2,6 +2,7 @@
 #include "services/session/LibrarySpectra.h"
 
 #include "engine/EngineEnums.h"
+#include "host/CORVDatabase.h"
 #include "platform/orvutils/InputFile.h"
 #include "services/basis/Failure.h"
 #include "services/session/PairSelection.h"
@@ -61,6 +62,22 @@ QByteArray checkedBytes(const QString& strFile)
     return text;
 }
 
+// Where a source of the database, or a folder of results, was taken for a library.
+QString adviceAgainst(const QString& strText)
+{
+    if (QFileInfo(strText).isDir()) {
+        return QStringLiteral("of a folder it takes the file, such as the spectra.csv of a result");
+    }
+    for (const QString& name : strText.split(QLatin1Char(','))) {
+        sProbeParameters probe;
+        if (!CORVDatabase::findProbe(name.trimmed(), &probe)) {
+            return QString();
+        }
+    }
+    return QStringLiteral("\"spum library save NAME --sequence SEQ --probes %1\" makes one of the database's spectra")
+        .arg(strText.contains(QLatin1Char(' ')) ? QStringLiteral("'%1'").arg(strText) : strText);
+}
+
 } // namespace
 
 LibrarySpectra::~LibrarySpectra()
@@ -104,7 +121,8 @@ void LibrarySpectra::load(const QString& strFileOrName, bool bTables)
         throw Failure(QStringLiteral("%1 is neither a file nor a saved library; %2")
                           .arg(strFileOrName, known.isEmpty()
                                                   ? QStringLiteral("no library is saved")
-                                                  : QStringLiteral("saved are ") + known.join(QStringLiteral(", "))));
+                                                  : QStringLiteral("saved are ") + known.join(QStringLiteral(", "))),
+                      adviceAgainst(strFileOrName));
     }
     const QByteArray bytes = isFile ? checkedBytes(strFileOrName) : QByteArray();
     // Tables over wavelength take care of bands; those of pairs as results have them are exact.

@@ -11,6 +11,7 @@
 #include "services/basis/TruthFiles.h"
 #include "services/basis/UnitNames.h"
 #include "services/session/RegionFiles.h"
+#include "services/session/openingAdvice.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -23,7 +24,7 @@ OpenedSequence::OpenedSequence(const QString& strPath) : m_pSequence(std::make_u
     }
     QString error;
     if (m_pSequence->open(strPath, &error, &m_warnings) != ESTATUS_SUCCESS) {
-        throw Failure(error);
+        throw Failure(error, openingAdvice(strPath));
     }
     const QString truth = clickText(m_pSequence->sequenceInfo(), SequenceKeys::kSequence, SequenceKeys::kTruthFolder);
     if (!orv::liesInside(folder(), truth)) {

@@ -6,6 +6,8 @@
 
 #include <QStringList>
 
+#include <algorithm>
+
 namespace {
 
 bool matches(const QString& strPattern, const QString& strKey)
@@ -61,8 +63,11 @@ QList<KeyPair> selectPairs(const QString& strSelect, const QList<KeyPair>& all)
             }
         }
         if (!found) {
+            const auto firstKey = [&part](const KeyPair& pair) { return matches(part.trimmed(), pair.first); };
+            const bool first = std::any_of(all.begin(), all.end(), firstKey);
             throw Failure(
-                QStringLiteral("--select: no image is \"%1\"; there are %2").arg(part.trimmed(), pairsText(all)));
+                QStringLiteral("--select: no image is \"%1\"; there are %2").arg(part.trimmed(), pairsText(all)),
+                first ? QStringLiteral("\"%1/*\" takes all of %1").arg(part.trimmed()) : QString());
         }
     }
     return selected;

@@ -50,7 +50,9 @@ std::vector<Place> places()
          said("there is no such file or folder"), denied, said("is not a regular file")},
         {"Mask", OddReaders::mask(), "mask.tif", said("is a folder, not a TIFF file"), circle, denied,
          said("is not a regular file")},
-        {"Library", OddReaders::library(), "dyes.csv", noLibrary, noLibrary, said("Permission denied"), noLibrary},
+        {"Library", OddReaders::library(), "dyes.csv",
+         noLibrary + QStringLiteral("; of a folder it takes the file, such as the spectra.csv of a result"), noLibrary,
+         said("Permission denied"), noLibrary},
         {"ComparedResult", OddReaders::savedResult(), "SPUM-20240131-235959.xml", noFile, circle, denied, noFile},
     };
 }

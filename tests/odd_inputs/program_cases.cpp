@@ -40,11 +40,11 @@ OddCases sequences()
         program("InfoOfPathWithBlanksAndUmlauts", info, umlauts + file, putSound, C::Silent, "{...}Odd one{...}"),
         program(
             "InfoOfNothing", {"info", "{dir}/none"}, file, [](const QString&) {}, C::Refused,
-            "spum: {dir}/none: is no sequence folder"),
+            "spum: {dir}/none: is no sequence folder; there is no such file or folder"),
         program(
             "InfoOfAFile", {"info", "{path}"}, "image.tif",
             [](const QString& path) { putFile(path, OddTiff().bytes()); }, C::Refused,
-            "spum: {path}: is no sequence folder"),
+            "spum: {path}: is no sequence folder; \"spum import IMAGES NEW\" makes a sequence of images"),
         program(
             "InfoOfUnreadableFolder", info, "closed/" + file,
             [](const QString& path) {

@@ -33,6 +33,7 @@
 #include "workbench/manual/helpText.h"
 
 #include <QApplication>
+#include <QFileInfo>
 #include <QLocale>
 #include <QSemaphore>
 #include <QThreadPool>
@@ -220,6 +221,21 @@ QStringList withOptionalValues(const Command& command, CommandParser& parser, QS
     return arguments;
 }
 
+// A sentence for each option that has taken the next one for its value.
+QStringList swallowedOptions(const CommandParser& parser, const QStringList& arguments)
+{
+    QStringList errors;
+    for (const QString& name : parser.namesWithValue()) {
+        const int at = arguments.indexOf(QLatin1String("--") + name);
+        const QString next = at < 0 ? QString() : arguments.value(at + 1);
+        if (next.startsWith(QLatin1String("--")) &&
+            parser.longNames().contains(next.mid(2).section(QLatin1Char('='), 0, 0))) {
+            errors.append(QStringLiteral("--%1 takes a value, and %2 stands behind it.").arg(name, next));
+        }
+    }
+    return errors;
+}
+
 // What the parser has found, and what is wrong with the values of the other options and the arguments, whether or not
 // the word behind an unknown option is its value.
 int refuseWithValues(const Command& command, const QStringList& arguments, const QStringList& unknown,
@@ -253,6 +269,11 @@ std::optional<int> endsWithItsOptions(const Command& command, const QStringList&
     if (!parser.parse(given)) {
         const QStringList unknown = parser.unknownOptionNames();
         return refuseWithValues(command, given, unknown, parseErrors(parser, given));
+    }
+    const QStringList swallowed = swallowedOptions(parser, given);
+    if (!swallowed.isEmpty()) {
+        refuseCall(swallowed, command.name());
+        return ExitStatus::usage;
     }
     if (parser.isSet(QStringLiteral("help"))) {
         printHelp(manualOf(command));
@@ -327,7 +348,9 @@ int runCommand(Command& command, const QStringList& arguments)
     }
 }
 
-int refuseCommand(const QString& strWord, const std::vector<std::unique_ptr<Command>>& commands)
+// `rest` are the words behind it.
+int refuseCommand(const QString& strWord, const QStringList& rest,
+                  const std::vector<std::unique_ptr<Command>>& commands)
 {
     QStringList names(QStringLiteral("help"));
     for (const auto& command : commands) {
@@ -337,7 +360,15 @@ int refuseCommand(const QString& strWord, const std::vector<std::unique_ptr<Comm
     for (const QString& name : meantNames(strWord, names)) {
         meant.append(QLatin1Char('"') + name + QLatin1Char('"'));
     }
-    complain(QStringLiteral("there is no command \"%1\"%2 See \"spum --help\".").arg(strWord, meantNamesText(meant)));
+    QString advice = meantNamesText(meant);
+    const auto behind =
+        std::find_if(rest.cbegin(), rest.cend(), [&names](const QString& s) { return names.contains(s); });
+    if (meant.isEmpty() && behind != rest.cend()) {
+        advice = QStringLiteral(": the command comes first, \"spum %1 %2\".").arg(*behind, strWord);
+    } else if (meant.isEmpty() && QFileInfo::exists(strWord)) {
+        advice = QStringLiteral(": a command comes ahead of what it is about, such as \"spum info %1\".").arg(strWord);
+    }
+    complain(QStringLiteral("there is no command \"%1\"%2 See \"spum --help\".").arg(strWord, advice));
     return ExitStatus::usage;
 }
 
@@ -362,7 +393,7 @@ int tellHelp(const QStringList& words, const std::vector<std::unique_ptr<Command
     } else if (word == QLatin1String("help") || word.startsWith(QLatin1Char('-'))) {
         printHelp(manualOfProgram(commands));
     } else {
-        return refuseCommand(word, commands);
+        return refuseCommand(word, {}, commands);
     }
     return ExitStatus::success;
 }
@@ -372,10 +403,14 @@ int dispatch(const QStringList& arguments)
     const auto commands = CommandLine::commands();
     const QString word = arguments.value(1);
     if (word.isEmpty()) {
-        complain(QStringLiteral("no command given. See \"spum --help\"."));
+        QStringList names;
+        for (const auto& pCommand : commands) {
+            names.append(pCommand->name());
+        }
+        complain(QStringLiteral("no command given: %1. See \"spum --help\".").arg(names.join(QStringLiteral(", "))));
         return ExitStatus::usage;
     }
-    if (word == QLatin1String("--version") || word == QLatin1String("-v")) {
+    if (word == QLatin1String("--version") || word == QLatin1String("-v") || word == QLatin1String("version")) {
         printVersion();
         return ExitStatus::success;
     }
@@ -384,7 +419,7 @@ int dispatch(const QStringList& arguments)
     }
     Command* pCommand = commandOf(word, commands);
     if (pCommand == nullptr) {
-        return refuseCommand(word, commands);
+        return refuseCommand(word, arguments.mid(2), commands);
     }
     QStringList rest = arguments.mid(1);
     rest[0] = QLatin1String("spum ") + word;

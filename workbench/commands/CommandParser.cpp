@@ -53,3 +53,14 @@ QStringList CommandParser::longNames() const
     }
     return names;
 }
+
+QStringList CommandParser::namesWithValue() const
+{
+    QStringList names;
+    for (const CommandManual::Group& group : m_groups) {
+        for (const CommandManual::Entry& entry : group.entries) {
+            names += entry.value.isEmpty() ? QStringList() : QStringList(entry.names.last());
+        }
+    }
+    return names;
+}

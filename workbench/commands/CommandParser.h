@@ -27,6 +27,8 @@ public:
     QString usage() const;
     // Names of all options, the long ones.
     QStringList longNames() const;
+    // Of those that take a value.
+    QStringList namesWithValue() const;
 
 private:
     QList<CommandManual::Group> m_groups;

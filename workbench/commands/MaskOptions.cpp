@@ -6,6 +6,8 @@
 #include "workbench/commands/CommandParser.h"
 
 #include <QCommandLineParser>
+#include <QFileInfo>
+#include <QRegularExpression>
 #include <QStringList>
 
 namespace {
@@ -51,9 +53,11 @@ MaskRequest::Kind kindOf(const QString& strText)
 
 MaskRequest parseMask(const QString& strText)
 {
-    if (strText.isEmpty()) {
+    const bool shape = strText.contains(QRegularExpression(QStringLiteral("^[A-Za-z]+:[-0-9., ]*$")));
+    if (strText.isEmpty() || (namesMaskFile(strText) && shape && !QFileInfo::exists(strText))) {
         throw Failure(QStringLiteral("--mask takes auto, none, rect:X,Y,W,H, ellipse:X,Y,W,H, "
-                                     "polygon:X1,Y1,X2,Y2,..., roi:REGION or a file"),
+                                     "polygon:X1,Y1,X2,Y2,..., roi:REGION or a file%1")
+                          .arg(shape ? QStringLiteral(", not \"%1\"").arg(strText) : QString()),
                       Failure::Kind::BadRequest);
     }
     MaskRequest option;

@@ -76,7 +76,10 @@ Request requestOf(const QCommandLineParser& parser)
     request.action = request.arguments.isEmpty() ? QString() : request.arguments.takeFirst();
     CallErrors errors(QStringLiteral("results"));
     const bool known = actions().contains(request.action);
-    if (!known || request.arguments.size() != actions().value(request.action) + 1) {
+    if (!known && actions().contains(request.arguments.value(0))) {
+        errors.refuse(QStringLiteral("the action comes first: \"spum results %1 %2\".")
+                          .arg(request.arguments.value(0), request.action));
+    } else if (!known || request.arguments.size() != actions().value(request.action) + 1) {
         errors.refuse(
             QStringLiteral("results takes: list SEQ; show SEQ NAME; load SEQ NAME; rename SEQ NAME NEW; delete SEQ "
                            "NAME; or export SEQ NAME --out DIR."));

@@ -65,7 +65,9 @@ RoiCall RoiCall::of(const QCommandLineParser& parser)
     call.sequence = arguments.value(0);
     call.action = arguments.value(1);
     CallErrors errors(QStringLiteral("roi"));
-    if (!actions().contains(call.action) || arguments.size() != actions().value(call.action) + 2) {
+    if (!actions().contains(call.action) && arguments.size() > 1 && actions().contains(call.sequence)) {
+        errors.refuse(QStringLiteral("the sequence comes first: \"spum roi %1 %2\".").arg(call.action, call.sequence));
+    } else if (!actions().contains(call.action) || arguments.size() != actions().value(call.action) + 2) {
         errors.refuse(QStringLiteral("roi takes: SEQ add --shape SHAPE; SEQ list; SEQ measure; SEQ remove NAME; or SEQ "
                                      "rename NAME NEW."));
     }

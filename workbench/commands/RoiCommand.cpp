@@ -12,6 +12,7 @@
 #include "services/results/resultFolder.h"
 #include "services/session/RegionFiles.h"
 #include "services/session/UnitForecast.h"
+#include "services/session/openingAdvice.h"
 #include "workbench/commands/CliProgress.h"
 #include "workbench/commands/CliSession.h"
 #include "workbench/commands/CommandParser.h"
@@ -180,7 +181,7 @@ struct RoiCommand::Work
     {
         QString error;
         if (sequence.open(strSequence, &error, &warnings) != ESTATUS_SUCCESS) {
-            throw Failure(error);
+            throw Failure(error, openingAdvice(strSequence));
         }
     }
 

@@ -101,7 +101,9 @@ TEST_F(CsvCubeTest, OneRowAndOneColumnAreImages)
 TEST_F(CsvCubeTest, WhatIsNoCubeIsToldByItsLine)
 {
     EXPECT_EQ(refusal(""), ":1: the first line is not \"x,y\" and a name an image: this is no cube");
-    EXPECT_EQ(refusal("file,emission\n"), ":1: the first line is not \"x,y\" and a name an image: this is no cube");
+    EXPECT_EQ(refusal("file,emission\n"), ":1: the first line is not \"x,y\" and a name an image: this is a table of "
+                                          "images, which --images takes beside their folder");
+    EXPECT_EQ(refusal("wavelength,a\n"), ":1: the first line is not \"x,y\" and a name an image: this is no cube");
     EXPECT_EQ(refusal("x,y,a\n"), ":1: the cube has no pixel");
     EXPECT_EQ(refusal("x,y,a\n0,0,1\n1,0\n"), ":3: 2 fields where the first line names 3");
     EXPECT_EQ(refusal("x,y,a\n0,0,1\n1,0,?\n"), ":3: \"?\" is not a number");

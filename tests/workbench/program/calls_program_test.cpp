@@ -83,6 +83,58 @@ TEST_F(CallsProgramTest, NamesOfNothingAreToldAtOnce)
         << qPrintable(sources);
 }
 
+// What one types who does not know the program yet is answered with what to type instead.
+TEST_F(CallsProgramTest, WordsInTheWrongOrderAreToldTheRightOne)
+{
+    smallSequence().writeTo(path("small"));
+    const QList<std::pair<QStringList, QString>> calls = {
+        {{"small", "unmix"}, "there is no command \"small\": the command comes first, \"spum unmix small\"."},
+        {{"small"},
+         "there is no command \"small\": a command comes ahead of what it is about, such as \"spum info small\"."},
+        {{}, "no command given: simulate, import, info, "},
+        {{"roi", "add", "small", "--shape", "rect:0,0,4,4"}, "the sequence comes first: \"spum roi small add\"."},
+        {{"results", "small", "list"}, "the action comes first: \"spum results list small\"."},
+        {{"unmix", "small", "--components", "--out", "z"}, "--components takes a value, and --out stands behind it."},
+        {{"unmix", "small", "--library", "--unit=counts"}, "--library takes a value, and --unit=counts stands behind"},
+        {{"unmix", "small", "--library", "l.csv", "--mask", "circle:1,2,3"},
+         "--mask takes auto, none, rect:X,Y,W,H, "}};
+    for (const auto& [call, told] : calls) {
+        const QString refused = refusal(call, 2);
+        EXPECT_TRUE(refused.startsWith(told)) << qPrintable(refused);
+    }
+    EXPECT_EQ(succeed({"version"}).out, succeed({"--version"}).out);
+    // A value that begins like an option stands behind an equals sign.
+    succeed({"unmix", "small", "--library", library(), "--note=--out", "--out", "z", "--quiet"});
+}
+
+TEST_F(CallsProgramTest, WhatIsTakenForAnotherThingIsToldFromIt)
+{
+    smallSequence().writeTo(path("small"));
+    QDir(path(".")).mkpath("photos");
+    write("photos/images.csv", "file,emission\na.tif,700\n");
+    const QStringList fit = {"unmix", "small", "--out", "z", "--library"};
+    const QList<std::pair<QStringList, QString>> calls = {
+        {{"info", "nothere"}, "nothere: is no sequence folder; there is no such file or folder"},
+        {{"roi", "nothere", "list"}, "nothere: is no sequence folder; there is no such file or folder"},
+        {{"info", "photos"}, "; \"spum import IMAGES NEW\" makes a sequence of images"},
+        {{"info", "photos/images.csv"}, "; \"spum import IMAGES NEW\" makes a sequence of images"},
+        {{"import", "photos/images.csv", "new"}, "this is a table of images, which --images takes beside their folder"},
+        {fit + QStringList{"photos"}, "; of a folder it takes the file, such as the spectra.csv of a result"},
+        {fit + QStringList{"Cy7"},
+         "; \"spum library save NAME --sequence SEQ --probes Cy7\" makes one of the database's "
+         "spectra"},
+        {fit + QStringList{"Nobody"}, "Nobody is neither a file nor a saved library; no library is saved"},
+        {{"unmix", "small", "--library", library(), "--out", "z", "--select", "640"}, "; \"640/*\" takes all of 640"}};
+    for (const auto& [call, told] : calls) {
+        const QString refused = refusal(call);
+        EXPECT_TRUE(refused.endsWith(told)) << qPrintable(refused);
+    }
+    const QString both = refusal({"unmix", "small", "--components", "TissueAFF,Foot", "--out", "z"});
+    EXPECT_TRUE(both.contains("\"TissueAFF\", and --any-name is not given; did you mean \"TissueAF\"") &&
+                both.contains("; there is no probe \"Foot\"; did you mean \"Food\""))
+        << qPrintable(both);
+}
+
 // Also beside what is no option at all.
 TEST_F(CallsProgramTest, WrongValuesAreToldBesideUnknownOptions)
 {

@@ -7,6 +7,7 @@
 #include <QDir>
 #include <QFile>
 #include <QJsonDocument>
+#include <QMap>
 #include <QRegularExpression>
 
 namespace {
@@ -76,14 +77,19 @@ TEST_F(ProgramTest, ACommandThatIsUnknownOrMissingIsAUsageError)
     EXPECT_EQ(refusal({"comp"}, 2), "there is no command \"comp\"; did you mean \"compare\"? See \"spum --help\".");
     EXPECT_EQ(refusal({"quux"}, 2), "there is no command \"quux\". See \"spum --help\".");
     EXPECT_EQ(refusal({"--json"}, 2), "there is no command \"--json\". See \"spum --help\".");
-    EXPECT_EQ(refusal({}, 2), "no command given. See \"spum --help\".");
+    EXPECT_EQ(refusal({}, 2), "no command given: simulate, import, info, export, pca, unmix, batch, results, compare, "
+                              "redo, library, sources, roi. See \"spum --help\".");
 }
 
 TEST_F(ProgramTest, AnUnknownOptionIsAUsageError)
 {
-    for (const auto& command : commands) {
-        // As many arguments as it takes, so that nothing else is wrong.
-        const QStringList call = command == "import" ? QStringList{command, "x", "y"} : QStringList{command, "x"};
+    // Arguments and options that leave nothing else wrong; of the others a word.
+    const QMap<QString, QStringList> complete = {
+        {"import", {"x", "y"}},     {"export", {"x", "--format", "csv", "--out", "y"}},
+        {"compare", {"x", "y"}},    {"results", {"list", "x"}},
+        {"library", {"show", "x"}}, {"roi", {"x", "list"}}};
+    for (const auto& command : commands + QStringList{"results", "roi", "redo"}) {
+        const QStringList call = QStringList{command} + complete.value(command, {"x"});
         EXPECT_EQ(refusal(call + QStringList("--bogus"), 2),
                   QStringLiteral("Unknown option 'bogus'. See \"spum %1 --help\".").arg(command));
         refusal(call + QStringList("--log"), 2);
