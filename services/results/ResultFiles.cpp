@@ -9,6 +9,7 @@
 #include "platform/orvimage/MapPicture.h"
 #include "platform/orvimage/TiffIo.h"
 #include "platform/orvimage/pngBytes.h"
+#include "services/basis/ChannelLabels.h"
 #include "services/basis/Failure.h"
 #include "services/basis/TextTable.h"
 #include "services/basis/UnitNames.h"
@@ -44,19 +45,33 @@ constexpr int reportedComposites = 6;
 
 // A row an image: what is left of it, what its noise is where that is known, and what is missing, as a spectrum whose
 // largest value is 1.
+// Names of the numbered channels of the analysis, in its order; empty for images of filters and times.
+QStringList channelsOf(const CORVSpumKyvo& engine)
+{
+    const ChannelLabels labels(engine);
+    QStringList channels;
+    for (const KeyPair& pair : engine.m_selectedKeyPairs) {
+        channels.append(labels.label(pair));
+    }
+    return labels.isEmpty() ? QStringList() : channels;
+}
+
 QByteArray restTable(const CORVSpumKyvo& engine, const FitRest& rest, const std::vector<double>& noise)
 {
     constexpr int digits = 9;
     const bool temporal = engine.m_eAxis == SPECTRUMAXIS_TIME;
-    TextTable table({temporal ? QStringLiteral("interval") : QStringLiteral("excitation"),
-                     temporal ? QStringLiteral("time") : QStringLiteral("emission"), QStringLiteral("residual"),
-                     QStringLiteral("noise"), QStringLiteral("missing")});
+    const QStringList channels = channelsOf(engine);
+    TextTable table(QStringList{temporal ? QStringLiteral("interval") : QStringLiteral("excitation"),
+                                temporal ? QStringLiteral("time") : QStringLiteral("emission")} +
+                    (channels.isEmpty() ? QStringList() : QStringList{QStringLiteral("channel")}) +
+                    QStringList{QStringLiteral("residual"), QStringLiteral("noise"), QStringLiteral("missing")});
     const double most = rest.spectrum.empty() ? 0.0 : *std::max_element(rest.spectrum.begin(), rest.spectrum.end());
     for (std::size_t j = 0; j < rest.ofImages.size(); ++j) {
         const KeyPair& pair = engine.m_selectedKeyPairs[static_cast<int>(j)];
-        table.addRow({pair.first, pair.second, TextTable::number(rest.ofImages[j], digits),
-                      j < noise.size() ? TextTable::number(noise[j], digits) : QString(),
-                      most > 0.0 ? TextTable::number(rest.spectrum[j] / most, digits) : QString()});
+        table.addRow(QStringList{pair.first, pair.second} + channels.mid(static_cast<int>(j), 1) +
+                     QStringList{TextTable::number(rest.ofImages[j], digits),
+                                 j < noise.size() ? TextTable::number(noise[j], digits) : QString(),
+                                 most > 0.0 ? TextTable::number(rest.spectrum[j] / most, digits) : QString()});
     }
     return table.toCsv().toUtf8();
 }
@@ -253,7 +268,8 @@ void ResultFiles::writeSpectra()
     for (auto& copy : copies) {
         list.append(&copy);
     }
-    put(QStringLiteral("spectra.csv"), pairTableText(list, m_engine.m_eAxis == SPECTRUMAXIS_TIME));
+    put(QStringLiteral("spectra.csv"),
+        pairTableText(list, m_engine.m_eAxis == SPECTRUMAXIS_TIME, channelsOf(m_engine)));
     const QString name = QStringLiteral("library.csv");
     const QString note = QStringLiteral("spectra in %1").arg(UnitNames::text(m_engine.m_eUnit));
     if (!database.saveLibrary(m_strFolder + name, list, note)) {

@@ -126,7 +126,7 @@ void LibrarySpectra::load(const QString& strFileOrName, bool bTables)
     }
     const QByteArray bytes = isFile ? checkedBytes(strFileOrName) : QByteArray();
     // Tables over wavelength take care of bands; those of pairs as results have them are exact.
-    const bool ours = isPairTable(bytes) && (!bTables || isTimeTable(bytes));
+    const bool ours = isPairTable(bytes) && (!bTables || isTimeTable(bytes) || isChannelTable(bytes));
     if (bTables && !ours && !SpectraTable::isLibrary(bytes) && !bytes.trimmed().isEmpty()) {
         readTable(bytes);
         return;

@@ -16,12 +16,17 @@
 
 namespace {
 
-constexpr int leadingColumns = 2;
+const QString channelName = QStringLiteral("channel");
 
 QStringList leadingNames(bool bTime)
 {
     return bTime ? QStringList{QStringLiteral("interval"), QStringLiteral("time")}
                  : QStringList{QStringLiteral("excitation"), QStringLiteral("emission")};
+}
+
+bool isChannelColumn(const QString& strName)
+{
+    return strName.compare(channelName, Qt::CaseInsensitive) == 0;
 }
 
 // Without the mark of the byte order that some programs for tables write ahead of them, and the ends of lines of
@@ -68,9 +73,12 @@ bool beginsWith(const QByteArray& text, const QStringList& names)
 
 } // namespace
 
-QByteArray pairTableText(const QList<SpectrumPlotParams*>& spectra, bool bTime)
+QByteArray pairTableText(const QList<SpectrumPlotParams*>& spectra, bool bTime, const QStringList& channels)
 {
     QStringList header = leadingNames(bTime);
+    // A spectrum of that name would be read as names of channels.
+    const bool bColumn = !bTime && (!channels.isEmpty() || isChannelColumn(spectra.first()->settings.name));
+    header += bColumn ? QStringList{channelName} : QStringList();
     for (const SpectrumPlotParams* pSpectrum : spectra) {
         header.append(pSpectrum->settings.name);
     }
@@ -78,6 +86,7 @@ QByteArray pairTableText(const QList<SpectrumPlotParams*>& spectra, bool bTime)
     const auto& points = spectra.first()->points;
     for (int i = 0; i < points.size(); ++i) {
         QStringList row = {points[i].first, points[i].second};
+        row += bColumn ? QStringList{channels.value(i)} : QStringList();
         for (const SpectrumPlotParams* pSpectrum : spectra) {
             row.append(orv::shortestText(pSpectrum->points[i].value));
         }
@@ -96,10 +105,16 @@ bool isTimeTable(const QByteArray& text)
     return beginsWith(text, leadingNames(true));
 }
 
+bool isChannelTable(const QByteArray& text)
+{
+    return beginsWith(text, leadingNames(false) + QStringList{channelName});
+}
+
 QList<SpectrumPlotParams*> readPairTable(const QByteArray& text, const QString& strFile)
 {
     const QStringList lines = linesOf(text);
     const QStringList names = fieldsOf(lines, 0, strFile);
+    const int leadingColumns = isChannelTable(text) ? 3 : 2;
     std::vector<std::unique_ptr<SpectrumPlotParams>> spectra;
     for (int i = leadingColumns; i < names.size(); ++i) {
         spectra.push_back(std::make_unique<SpectrumPlotParams>());

@@ -104,3 +104,33 @@ TEST_F(PairTableTest, WhatIsWrongIsToldWithItsLine)
     EXPECT_EQ(refusalOf("excitation,emission,A\n640,700,\n"), "table.csv:2: \"\" is no number");
     EXPECT_TRUE(refusalOf("excitation,emission,A\n640,\"700,1\n").startsWith("table.csv:2: "));
 }
+
+TEST_F(PairTableTest, NumberedChannelsStandWithTheirNames)
+{
+    QList<SpectrumPlotParams*> list{&add("A", {{"Block", "001", 0.5}, {"Block", "002", 1.0}})};
+    const QByteArray bytes = pairTableText(list, false, {"DAPI, blue", "488"});
+    EXPECT_EQ(bytes, "excitation,emission,channel,A\nBlock,001,\"DAPI, blue\",0.5\nBlock,002,488,1\n");
+    EXPECT_TRUE(isPairTable(bytes));
+    EXPECT_TRUE(isChannelTable(bytes));
+    EXPECT_FALSE(isChannelTable(text()));
+    read(bytes);
+    ASSERT_EQ(m_read.size(), 1);
+    EXPECT_EQ(m_read[0]->settings.name, "A");
+    ASSERT_EQ(m_read[0]->points.size(), 2);
+    EXPECT_EQ(m_read[0]->points[1].first, "Block");
+    EXPECT_EQ(m_read[0]->points[1].second, "002");
+    EXPECT_EQ(m_read[0]->points[1].value, 1.0);
+}
+
+TEST_F(PairTableTest, ASpectrumThatIsCalledChannelIsOne)
+{
+    add("Channel", {{"640", "680", 0.5}});
+    add("B", {{"640", "680", 0.25}});
+    EXPECT_EQ(text(), "excitation,emission,channel,Channel,B\n640,680,,0.5,0.25\n");
+    read(text());
+    ASSERT_EQ(m_read.size(), 2);
+    EXPECT_EQ(m_read[0]->settings.name, "Channel");
+    EXPECT_EQ(m_read[1]->points[0].value, 0.25);
+    EXPECT_EQ(refusalOf("excitation,emission,channel,A\n640,680,DAPI\n"),
+              "table.csv:2: 3 fields where the first line has 4");
+}

@@ -380,6 +380,14 @@ TEST_F(ImportProgramTest, AFolderThatTellsNothingBecomesNumberedChannelsThatAreU
     EXPECT_TRUE(image["wavelength"].isNull());
     succeed({"unmix", "seq", "--ncomponents", "2", "--out", "maps"});
     EXPECT_TRUE(contentOf(path("maps/spectra.svg")).contains(">far red<"));
+    const QByteArray spectra = contentOf(path("maps/spectra.csv"));
+    EXPECT_TRUE(spectra.startsWith("excitation,emission,channel,")) << spectra.constData();
+    EXPECT_TRUE(spectra.contains(",002,GFP,")) << spectra.constData();
+    EXPECT_TRUE(contentOf(path("maps/residual.csv")).contains(",003,far red,"));
+    // The table is a library for the same images.
+    succeed({"unmix", "seq", "--library", "maps/spectra.csv", "--out", "again"});
+    EXPECT_EQ(contentOf(path("again/spectra.csv")), spectra);
+    EXPECT_TRUE(succeed({"library", "show", "maps/spectra.csv"}).out.contains("002"));
     const QByteArray report = contentOf(path("maps/report.html"));
     EXPECT_TRUE(report.contains("<td>Channels</td><td>DAPI (001), GFP (002), far red (003)</td>"));
     EXPECT_FALSE(report.contains("Block"));
