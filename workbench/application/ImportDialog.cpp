@@ -35,6 +35,7 @@
 
 namespace {
 
+constexpr long kInformation = 1;
 constexpr long kWarning = 2;
 constexpr int kTitleBar = 32;
 
@@ -308,6 +309,17 @@ bool ImportDialog::takeOptions(ImportOptions* pOptions)
         pWrong->selectAll();
         return false;
     }
+    QString reason;
+    if (!m_pBackgroundEdit->text().trimmed().isEmpty() &&
+        !pOptions->background.parse(m_pBackgroundEdit->text(), &reason)) {
+        m_errors = QStringList{tr("The background: %1.").arg(reason)};
+        showState();
+        m_pBackgroundEdit->setFocus();
+        m_pBackgroundEdit->selectAll();
+        return false;
+    }
+    pOptions->sizes = static_cast<SizeRule>(m_pSizesBox->currentData().toInt());
+    pOptions->skipInvalid = m_pInvalidBox->isChecked();
     pOptions->source = m_source.path;
     pOptions->tableText = m_pModel->table().toCsv();
     pOptions->photo = m_pPhotoEdit->text().trimmed();
@@ -339,6 +351,28 @@ void ImportDialog::import()
     m_pAbortButton->setFocus();
 }
 
+// How much was subtracted from each image.
+void ImportDialog::logPrepared() const
+{
+    for (int i = 0; i < m_pReport->prepared.size(); ++i) {
+        const PreparedImage& image = m_pReport->prepared.at(i);
+        if (!image.isSubtracted()) {
+            continue;
+        }
+        QStringList parts;
+        if (!image.dark.isEmpty()) {
+            parts.append(tr("dark image %1").arg(image.dark));
+        }
+        if (image.background) {
+            parts.append(tr("background %1 (%2)").arg(*image.background).arg(image.rule));
+        }
+        CORVLog::getLogObject()->log(tr("%1: subtracted %2; %3 pixels are below 0")
+                                         .arg(m_pReport->names.at(i), parts.join(QStringLiteral(", ")))
+                                         .arg(image.negatives),
+                                     QString(), 0, QString(), kInformation, false);
+    }
+}
+
 void ImportDialog::endImport(bool bSuccess, const QString& strError)
 {
     if (bSuccess) {
@@ -346,6 +380,7 @@ void ImportDialog::endImport(bool bSuccess, const QString& strError)
         for (const QString& warning : m_pReport->warnings) {
             CORVLog::getLogObject()->log(warning, QString(), 0, QString(), kWarning, false);
         }
+        logPrepared();
         accept();
         return;
     }

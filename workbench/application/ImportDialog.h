@@ -67,6 +67,7 @@ private:
     // False with a message when an option cannot be read.
     bool takeOptions(ImportOptions* pOptions);
     void showState();
+    void logPrepared() const;
     void showProgress(const QString& strWhat, double dFraction);
 
     ImportSource m_source;
@@ -95,6 +96,9 @@ private:
     QLineEdit* m_pPhotoEdit;
     QLineEdit* m_pDarkEdit;
     QLineEdit* m_pFlatEdit;
+    QLineEdit* m_pBackgroundEdit;
+    QComboBox* m_pSizesBox;
+    QCheckBox* m_pInvalidBox;
     QLineEdit* m_pExposureEdit;
     QLineEdit* m_pPixelEdit;
     QLineEdit* m_pOutputEdit;

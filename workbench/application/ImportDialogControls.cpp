@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The controls of the dialog, and how they stand.
 #include "host/CORVFileDialog.h"
+#include "services/importer/CommonSize.h"
 #include "workbench/application/ImportDialog.h"
 #include "workbench/application/ImportTable.h"
 #include "workbench/application/ImportTableModel.h"
@@ -41,6 +42,9 @@ void ImportDialog::makeControls()
     m_pPhotoEdit = new QLineEdit(this);
     m_pDarkEdit = new QLineEdit(this);
     m_pFlatEdit = new QLineEdit(this);
+    m_pBackgroundEdit = new QLineEdit(this);
+    m_pSizesBox = new QComboBox(this);
+    m_pInvalidBox = new QCheckBox(tr("Leave out in&valid pixels"), this);
     m_pExposureEdit = new QLineEdit(this);
     m_pPixelEdit = new QLineEdit(this);
     m_pOutputEdit = new QLineEdit(this);
@@ -51,6 +55,10 @@ void ImportDialog::makeControls()
     m_pImportButton = new QPushButton(tr("&Import"), this);
     m_pCancelButton = new QPushButton(tr("Cancel"), this);
     m_pKindBox->addItems(ImportTable::kindTexts());
+    m_pSizesBox->addItem(tr("refuse"), static_cast<int>(SizeRule::Refuse));
+    m_pSizesBox->addItem(tr("crop"), static_cast<int>(SizeRule::Crop));
+    m_pSizesBox->addItem(tr("bin"), static_cast<int>(SizeRule::Bin));
+    m_pSizesBox->addItem(tr("pad"), static_cast<int>(SizeRule::Pad));
     // On a small screen a long one is cut; its list shows all of it.
     m_pKindBox->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     m_pKindBox->setMinimumContentsLength(kKindLetters);
@@ -85,9 +93,17 @@ void ImportDialog::nameControls()
     m_pPhotoEdit->setPlaceholderText(tr("mean of the images"));
     m_pPhotoEdit->setToolTip(tr("Photograph of the same extent as the images"));
     m_pDarkEdit->setPlaceholderText(tr("none"));
-    m_pDarkEdit->setToolTip(tr("Image that is subtracted from every image"));
+    m_pDarkEdit->setToolTip(tr("Image that is subtracted from all images; or one for each, a stack in their order or a "
+                               "folder with their names"));
     m_pFlatEdit->setPlaceholderText(tr("none"));
     m_pFlatEdit->setToolTip(tr("Flat field that every image is divided by, brought to a mean of 1"));
+    m_pBackgroundEdit->setPlaceholderText(tr("none"));
+    m_pBackgroundEdit->setToolTip(
+        tr("What is subtracted from each image: percentile:1, or the mean in a region such as "
+           "rect:X,Y,W,H (pixels)"));
+    m_pSizesBox->setToolTip(tr("Images that differ in size: crop to the smallest, from the upper left; bin to the "
+                               "smallest by whole numbers; pad to the largest, the rest without a value"));
+    m_pInvalidBox->setToolTip(tr("Pixels that are not finite in an image are left out of every analysis"));
     m_pExposureEdit->setPlaceholderText(tr("as in the table"));
     m_pExposureEdit->setToolTip(tr("Exposure of all images in seconds"));
     m_pPixelEdit->setPlaceholderText(tr("as in the files"));
@@ -104,7 +120,8 @@ void ImportDialog::nameControls()
         {m_pOutputEdit, "m_pOutputEdit"},     {m_pOutputButton, "m_pOutputButton"},
         {m_pReplaceBox, "m_pReplaceBox"},     {m_pAbortButton, "m_pAbortButton"},
         {m_pImportButton, "m_pImportButton"}, {m_pCancelButton, "m_pCancelButton"},
-        {m_pSummaryLabel, "m_pSummaryLabel"}};
+        {m_pSummaryLabel, "m_pSummaryLabel"}, {m_pBackgroundEdit, "m_pBackgroundEdit"},
+        {m_pSizesBox, "m_pSizesBox"},         {m_pInvalidBox, "m_pInvalidBox"}};
     for (const auto& [pWidget, pName] : names) {
         pWidget->setObjectName(QString::fromLatin1(pName));
     }
@@ -160,7 +177,7 @@ QWidget* ImportDialog::makeOptions()
     auto* pGroup = new QGroupBox(tr("Options"), this);
     m_pOptions = pGroup;
     auto* pGrid = new QGridLayout(pGroup);
-    const auto add = [&](int row, int column, const QString& text, QLineEdit* pEdit) {
+    const auto add = [&](int row, int column, const QString& text, QWidget* pEdit) {
         auto* pLabel = new QLabel(text, pGroup);
         pLabel->setBuddy(pEdit);
         pGrid->addWidget(pLabel, row, column);
@@ -176,6 +193,10 @@ QWidget* ImportDialog::makeOptions()
     add(1, 3, tr("Pixel si&ze (µm):"), m_pPixelEdit);
     add(2, 0, tr("Fla&t field:"), m_pFlatEdit);
     addChooser(pGrid, 2, 2, m_pFlatEdit, tr("Flat field"));
+    add(2, 3, tr("Differe&nt sizes:"), m_pSizesBox);
+    add(3, 0, tr("Back&ground:"), m_pBackgroundEdit);
+    m_pInvalidBox->setParent(pGroup);
+    pGrid->addWidget(m_pInvalidBox, 3, 3, 1, 2);
     pGrid->setColumnStretch(1, 3);
     pGrid->setColumnStretch(4, 1);
     return pGroup;

@@ -9,6 +9,8 @@
 #include <QComboBox>
 #include <QLabel>
 
+#include <limits>
+
 namespace {
 
 using ImportDialogTest = ImportDialogFixture;
@@ -343,6 +345,64 @@ TEST_F(ImportDialogTest, EveryControlHasANameAndNoneIsTheDefault)
         }
         EXPECT_TRUE(named) << qPrintable(pEdit->objectName());
     }
+}
+
+TEST_F(ImportDialogTest, SizesThatDifferAreBroughtToOneByTheBoxThatTheMessageNames)
+{
+    writeImage("ex640_em700.tif", 100);
+    writeImage("ex640_em720.tif", 200, 32);
+    open();
+    import();
+    EXPECT_TRUE(m_pDialog->isVisible());
+    EXPECT_TRUE(messages().contains("ex640_em720.tif has 32 x 32 pixels where ex640_em700.tif has 16 x 16; \"Different "
+                                    "sizes\" brings them to one"))
+        << qPrintable(messages());
+    auto& sizes = child<QComboBox>("m_pSizesBox");
+    sizes.setCurrentIndex(sizes.findText("bin"));
+    look::keep(*m_pDialog, "import_sizes");
+    import();
+    ASSERT_EQ(m_pDialog->result(), QDialog::Accepted) << qPrintable(messages());
+    CORVSequenceDataset sequence;
+    openSequence(sequence);
+    EXPECT_EQ(pixel(sequence, 1, 0, 0), 200.0 + 201.0 + 232.0 + 233.0);
+}
+
+TEST_F(ImportDialogTest, ABackgroundIsSubtractedAndABrokenRuleIsTold)
+{
+    writeNamed();
+    open();
+    auto& background = child<QLineEdit>("m_pBackgroundEdit");
+    background.setText("percentile:200");
+    import();
+    EXPECT_TRUE(messages().contains("The background: \"percentile:200\" is not a percentile from 0 to 100."))
+        << qPrintable(messages());
+    EXPECT_TRUE(background.hasFocus());
+    background.setText("percentile:0");
+    import();
+    ASSERT_EQ(m_pDialog->result(), QDialog::Accepted) << qPrintable(messages());
+    CORVSequenceDataset sequence;
+    openSequence(sequence);
+    EXPECT_EQ(pixel(sequence, 0, 0, 0), 0.0);
+}
+
+TEST_F(ImportDialogTest, PixelsThatAreNotFiniteAreLeftOutByTheBoxThatTheMessageNames)
+{
+    writeImage("ex640_em700.tif", 100);
+    CILImage holes = ramp(100);
+    ASSERT_EQ(holes.ChangeType(ORVTYPE_FLOAT), EIL_SUCCESS);
+    holes.setValue(5, std::numeric_limits<double>::quiet_NaN());
+    QString error;
+    ASSERT_TRUE(writeTiff(m_folder.filePath("stack/ex640_em720.tif"), holes, TiffWriteOptions(), &error));
+    open();
+    import();
+    EXPECT_TRUE(messages().contains("is not finite or too large; \"Leave out invalid pixels\" does so with them"))
+        << qPrintable(messages());
+    child<QCheckBox>("m_pInvalidBox").click();
+    import();
+    ASSERT_EQ(m_pDialog->result(), QDialog::Accepted) << qPrintable(messages());
+    CORVSequenceDataset sequence;
+    openSequence(sequence);
+    EXPECT_EQ(pixel(sequence, 0, 5, 0), 0.0) << "of all images";
 }
 
 } // namespace
