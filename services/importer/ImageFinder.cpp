@@ -61,10 +61,12 @@ bool isDecided(const FoundImage& image)
 
 } // namespace
 
-bool ImageFinder::find(const QString& strSource, const Progress& progress, QString* pError, bool bFollow)
+bool ImageFinder::find(const QString& strSource, const Progress& progress, QString* pError, bool bFollow,
+                       const PlaneChoice& planes)
 {
     *this = ImageFinder();
     m_bFollow = bFollow;
+    m_choice = planes;
     const QFileInfo source(strSource);
     if (!source.exists()) {
         *pError = QStringLiteral("%1: there is no such file or folder").arg(strSource);
@@ -291,6 +293,7 @@ ImageFinder::PageFacts ImageFinder::factsOfPages(const TiffTexts& texts, const Q
     PageFacts facts;
     facts.figures.resize(pages);
     facts.facts.resize(pages);
+    facts.planes.pages.resize(pages);
     facts.channels = texts.labels;
     QStringList doubts;
     if (OmeMetadata::isOme(description)) {
@@ -304,6 +307,7 @@ ImageFinder::PageFacts ImageFinder::factsOfPages(const TiffTexts& texts, const Q
         facts.figures = ome.pages();
         facts.facts = ome.facts();
         facts.channels = ome.channels();
+        facts.planes = ome.planes();
         facts.framed = ome.hasTimes();
         doubts = ome.doubts();
     } else if (ImageJMetadata::isImageJ(description)) {
@@ -311,11 +315,22 @@ ImageFinder::PageFacts ImageFinder::factsOfPages(const TiffTexts& texts, const Q
         ImageJMetadata imageJ;
         imageJ.parse(description, texts.labels, pages);
         facts.figures = imageJ.pages();
+        facts.planes = imageJ.planes();
         facts.framed = imageJ.hasFrames();
         doubts = imageJ.doubts();
     }
     for (const QString& doubt : qAsConst(doubts)) {
         m_doubts.append(QStringLiteral("%1: %2").arg(strFile, doubt));
+    }
+    if (m_choice.t > 0) {
+        // The images have one time, which does not tell them apart.
+        const auto isTime = [](const Figure& figure) {
+            return figure.kind == Figure::Time || figure.kind == Figure::Frame;
+        };
+        facts.framed = false;
+        for (QVector<Figure>& figures : facts.figures) {
+            figures.erase(std::remove_if(figures.begin(), figures.end(), isTime), figures.end());
+        }
     }
     return facts;
 }
@@ -328,11 +343,19 @@ bool ImageFinder::addTiff(const QString& strPath, QString* pError)
         return false;
     }
     const QString file = QFileInfo(strPath).fileName();
-    const PageFacts facts = factsOfPages(texts, file);
     const int pages = texts.pages.size();
+    const PageFacts facts = factsOfPages(texts, file);
+    const QString against = m_choice.reasonAgainst(facts.planes.sizes);
+    if (!against.isEmpty()) {
+        *pError = QStringLiteral("%1: %2").arg(strPath, against);
+        return false;
+    }
     // Samples that are no colours are images of their own.
     const int samples = info.isColour ? 1 : info.samplesPerPixel;
     for (int page = 0; page < pages; ++page) {
+        if (!m_choice.takes(facts.planes.pages.at(page))) {
+            continue;
+        }
         for (int sample = 0; sample < samples; ++sample) {
             FoundImage image;
             image.file = file;

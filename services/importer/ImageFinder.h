@@ -3,6 +3,7 @@
 
 #include "services/importer/Figure.h"
 #include "services/importer/ImageFacts.h"
+#include "services/importer/PlaneChoice.h"
 
 #include <QString>
 #include <QStringList>
@@ -10,6 +11,8 @@
 
 #include <functional>
 #include <optional>
+
+struct TiffTexts;
 
 struct TiffTexts;
 
@@ -39,7 +42,9 @@ public:
     // others the names are told. A picture of several hues that is alone gives its red, green and blue. False with
     // "file: reason" in *pError: nothing there, no image in it, a file that cannot be read. An abort by `progress` (may
     // be empty) is told by aborted(). `bFollow` as in EnviCube::open().
-    bool find(const QString& strSource, const Progress& progress, QString* pError, bool bFollow = false);
+    // Of files with several dimensions `planes` chooses.
+    bool find(const QString& strSource, const Progress& progress, QString* pError, bool bFollow = false,
+              const PlaneChoice& planes = {});
 
     const QVector<FoundImage>& images() const { return m_images; }
     // What names and metadata leave open or tell in two ways, a sentence each with the image concerned.
@@ -55,6 +60,7 @@ private:
         QVector<QVector<Figure>> figures; // a page each
         QVector<ImageFacts> facts;        // a page each
         QStringList channels;             // may be fewer
+        FilePlanes planes;
         bool framed = false;
         bool described = false; // by the text of the first page, which is no name then
     };
@@ -77,5 +83,6 @@ private:
     QStringList m_warnings;
     bool m_bAborted = false;
     bool m_bFollow = false;
+    PlaneChoice m_choice;
     bool m_bFoldersName = false; // the images are called by their folders
 };

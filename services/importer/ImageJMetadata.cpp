@@ -59,6 +59,22 @@ bool ImageJMetadata::isImageJ(const QString& strDescription)
     return strDescription.startsWith(QLatin1String("ImageJ="));
 }
 
+// Channels change fastest, then slices, then frames.
+void ImageJMetadata::placePlanes(int nChannels, int nSlices, int nFrames, int nPages)
+{
+    m_planes = FilePlanes();
+    m_planes.pages.resize(nPages);
+    const bool bPlain = nChannels == 1 && nFrames == 1;
+    const qint64 framePages = static_cast<qint64>(nChannels) * nSlices;
+    if (bPlain || framePages > nPages || framePages * nFrames != nPages) {
+        return;
+    }
+    m_planes.sizes = {nChannels, nSlices, nFrames};
+    for (int page = 0; page < nPages; ++page) {
+        m_planes.pages[page] = PlanePosition{page % nChannels, page / nChannels % nSlices, page / nChannels / nSlices};
+    }
+}
+
 void ImageJMetadata::parse(const QString& strDescription, const QStringList& labels, int nPages)
 {
     m_pages = QVector<QVector<Figure>>(nPages);
@@ -69,6 +85,7 @@ void ImageJMetadata::parse(const QString& strDescription, const QStringList& lab
     const int slices = countOf(entries, "slices");
     const int frames = countOf(entries, "frames");
     m_bFrames = frames > 1;
+    placePlanes(channels, slices, frames, nPages);
     if (images > 1 && images != nPages) {
         m_doubts.append(
             QStringLiteral("ImageJ's description tells of %1 images, the file has %2 pages").arg(images).arg(nPages));

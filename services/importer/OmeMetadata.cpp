@@ -8,6 +8,7 @@
 #include <QSet>
 #include <QXmlStreamReader>
 
+#include <algorithm>
 #include <cmath>
 #include <optional>
 
@@ -287,12 +288,7 @@ void OmeReader::readPlane()
     }
 }
 
-struct Plane
-{
-    int c = 0;
-    int z = 0;
-    int t = 0;
-};
+using Plane = PlanePosition;
 
 int& dimension(Plane& plane, QChar name)
 {
@@ -417,6 +413,8 @@ bool OmeMetadata::parse(const QString& strXml, const QString& strFile, int nPage
     m_pages = QVector<QVector<Figure>>(nPages);
     m_facts = QVector<ImageFacts>(nPages);
     m_channels = QVector<QString>(nPages).toList();
+    m_planes = FilePlanes();
+    m_planes.pages.resize(nPages);
     m_bTimes = false;
     m_doubts.clear();
     if (strXml.size() > maxTextLength) {
@@ -436,6 +434,9 @@ bool OmeMetadata::parse(const QString& strXml, const QString& strFile, int nPage
     qint64 budget = 8 * static_cast<qint64>(nPages) + 1000;
     for (const Pixels& pixels : reader.images()) {
         m_bTimes = m_bTimes || pixels.sizeT > 1;
+        m_planes.sizes.c = std::max(m_planes.sizes.c, pixels.channelCount());
+        m_planes.sizes.z = std::max(m_planes.sizes.z, pixels.sizeZ);
+        m_planes.sizes.t = std::max(m_planes.sizes.t, pixels.sizeT);
         for (const PlaneRun& run : runsOf(pixels, strFile)) {
             Plane plane{run.c, run.z, run.t};
             if (plane.c >= pixels.channelCount() || plane.z >= pixels.sizeZ || plane.t >= pixels.sizeT) {
@@ -452,6 +453,7 @@ bool OmeMetadata::parse(const QString& strXml, const QString& strFile, int nPage
                 m_pages[page] = figuresOf(pixels, plane, m_doubts);
                 m_facts[page] = factsOf(pixels, plane, reader.notes(), page);
                 m_channels[page] = channelText(pixels, plane);
+                m_planes.pages[page] = plane;
                 bInside = advance(plane, pixels);
             }
             next = page;

@@ -3,6 +3,7 @@
 
 #include "services/importer/Figure.h"
 #include "services/importer/ImageFacts.h"
+#include "services/importer/PlaneChoice.h"
 
 #include <QString>
 #include <QStringList>
@@ -32,6 +33,8 @@ public:
     // By page as well: the name of its channel, with the plane's number where there are several in depth; empty
     // without.
     const QStringList& channels() const { return m_channels; }
+    // By page as well: where it stands among channels, depths and times.
+    const FilePlanes& planes() const { return m_planes; }
     // Whether an image is said to hold several times.
     bool hasTimes() const { return m_bTimes; }
     // Figures that cannot be used, a sentence each.
@@ -41,6 +44,7 @@ private:
     QVector<QVector<Figure>> m_pages;
     QVector<ImageFacts> m_facts;
     QStringList m_channels;
+    FilePlanes m_planes;
     bool m_bTimes = false;
     QStringList m_doubts;
 };

@@ -35,8 +35,8 @@ QString channelText(const InferredTable::Row& row, int nNumber)
 
 } // namespace
 
-InferredTable inferImagesTable(const QString& strSource, std::optional<double> interval, bool bFollow, bool bNumber,
-                               JobMonitor& monitor)
+InferredTable inferImagesTable(const QString& strSource, std::optional<double> interval, bool bFollow,
+                               const PlaneChoice& planes, JobMonitor& monitor)
 {
     monitor.startProgress(QStringLiteral("Looking at the images"));
     ImageFinder finder;
@@ -45,13 +45,13 @@ InferredTable inferImagesTable(const QString& strSource, std::optional<double> i
         monitor.showProgress(what, steps > 0 ? static_cast<double>(done) / steps : -1.0);
         return !monitor.isStopRequested();
     };
-    const bool found = finder.find(strSource, progress, &error, bFollow);
+    const bool found = finder.find(strSource, progress, &error, bFollow, planes);
     monitor.endProgress();
     if (!found) {
         throw Failure(error, finder.aborted() ? Failure::Kind::Aborted : Failure::Kind::Failed);
     }
     monitor.warnAll(finder.warnings());
-    return InferredTable(finder.images(), finder.doubts(), interval, bNumber);
+    return InferredTable(finder.images(), finder.doubts(), interval, planes.each);
 }
 
 QString inferredTableText(const InferredTable& table)

@@ -29,7 +29,7 @@ struct Request
     ImportOptions import;
     QString writeTable;             // empty: import
     std::optional<double> interval; // s
-    bool number = false;            // images become numbered channels
+    PlaneChoice planes;             // `each`: images become numbered channels
 };
 
 double positiveNumber(const char* pOption, const QString& strText)
@@ -70,6 +70,19 @@ void takeValues(const QCommandLineParser& parser, Request& request, CallErrors& 
             refuseUsage("import", QStringLiteral("--sizes takes crop, bin or pad, not \"%1\".").arg(value("sizes")));
         }
     });
+    const auto takePlane = [&](const char* pName, int* pPlane) {
+        take(pName, [=] {
+            bool ok = false;
+            *pPlane = value(pName).toInt(&ok);
+            if (!ok || *pPlane < 1) {
+                refuseUsage("import", QStringLiteral("--%1 takes a whole number from 1 on, not \"%2\".")
+                                          .arg(QLatin1String(pName), value(pName)));
+            }
+        });
+    };
+    takePlane("z", &request.planes.z);
+    takePlane("t", &request.planes.t);
+    takePlane("c", &request.planes.c);
     take("interval", [&] { request.interval = positiveNumber("interval", value("interval")); });
     take("pixel-size", [&] { options.pixelSize = positiveNumber("pixel-size", value("pixel-size")); });
     take("exposure", [&] {
@@ -100,9 +113,11 @@ Request requestOf(const QCommandLineParser& parser)
     refuse(given("images") && options.table.isEmpty(), "--images takes the table that says which image is what.");
     refuse(given("images") && (given("write-table") || given("interval") || given("channels")),
            "--images does not go with --write-table, --interval or --channels, which infer such a table.");
+    refuse(given("images") && (given("z") || given("t") || given("c")),
+           "--images does not go with --z, --t or --c: the table names the pages.");
     refuse(given("interval") && given("channels"),
            "--interval makes times and --channels makes channels of the images.");
-    request.number = given("channels");
+    request.planes.each = given("channels");
     refuse(arguments.size() != 2 && !(given("write-table") && arguments.size() == 1),
            "import takes the images and the folder to make.");
     options.source = arguments.value(0);
@@ -308,6 +323,11 @@ void ImportCommand::declare(CommandParser& parser) const
                        "bin, to the smallest by whole numbers; pad, to the largest, the rest without a "
                        "value."),
         "RULE", {QStringLiteral("crop"), QStringLiteral("bin"), QStringLiteral("pad")});
+    addValueOption(parser, "z", QStringLiteral("Plane in depth to take, from 1, of files with several."), "N");
+    addValueOption(
+        parser, "t",
+        QStringLiteral("Time whose channels to take, from 1, of files with several channels at several times."), "N");
+    addValueOption(parser, "c", QStringLiteral("Channel whose times to take, from 1, of such files."), "N");
     addValueOption(parser, "exposure", QStringLiteral("Exposure in seconds: one, or one an image: S,S,..."), "S");
     addValueOption(parser, "pixel-size", QStringLiteral("Side of a pixel in the object, in micrometres."), "UM");
     addValueOption(parser, "photo", QStringLiteral("Photograph of the same extent; else the mean image serves."),
@@ -347,7 +367,7 @@ void ImportCommand::run(const QCommandLineParser& parser, CliSession& session)
     QJsonArray rows;
     if (request.import.table.isEmpty()) {
         const InferredTable table =
-            inferImagesTable(request.import.source, request.interval, request.import.follow, request.number, session);
+            inferImagesTable(request.import.source, request.interval, request.import.follow, request.planes, session);
         if (!table.doubts().isEmpty()) {
             refuseDoubts(request, table, session);
         }

@@ -15,7 +15,7 @@ protected:
     bool find(const QString& source)
     {
         m_error.clear();
-        return m_finder.find(source, ImageFinder::Progress(), &m_error);
+        return m_finder.find(source, ImageFinder::Progress(), &m_error, false, m_choice);
     }
     QString refusal(const QString& source)
     {
@@ -49,6 +49,7 @@ protected:
     }
 
     ImageFinder m_finder;
+    PlaneChoice m_choice;
     QString m_error;
 };
 
@@ -219,7 +220,9 @@ TEST_F(ImageFinderTest, ChannelsWithoutWavelengthsKeepTheNamesThatTheFileGives)
                "<OME xmlns=\"x\"><Image><Pixels SizeC=\"1\" SizeZ=\"2\" SizeT=\"1\"><Channel Name=\"DAPI\"/>"
                "<TiffData/></Pixels></Image></OME>",
                {"", ""});
+    m_choice.each = true;
     EXPECT_EQ(table(path("deep.tif")), "deep.tif,1,DAPI z1,\ndeep.tif,2,DAPI z2,\n");
+    m_choice.each = false;
     writeStack("pages.tif", "", {"red band", "green band"});
     EXPECT_EQ(table(path("pages.tif")), "pages.tif,1,red band,\npages.tif,2,green band,\n");
     writeRamp("in/slide DAPI.tif", 1);
@@ -230,6 +233,56 @@ TEST_F(ImageFinderTest, ChannelsWithoutWavelengthsKeepTheNamesThatTheFileGives)
                       "wavelength units = Wavenumber\nwavelength = {1003, 1450.5}\nband names = {amide, lipid}\n");
     EXPECT_EQ(table(path("cube.hdr")),
               "cube.hdr,1,amide,1003,ENVI wavenumber\ncube.hdr,2,lipid,1450.5,ENVI wavenumber\n");
+}
+
+TEST_F(ImageFinderTest, PlanesInDepthAreNoChannelsAndOneIsTaken)
+{
+    writeStack("deep.tif",
+               "<OME xmlns=\"x\"><Image><Pixels SizeC=\"2\" SizeZ=\"3\" SizeT=\"1\" DimensionOrder=\"XYZCT\">"
+               "<Channel EmissionWavelength=\"500\"/><Channel EmissionWavelength=\"600\"/><TiffData/></Pixels></Image>"
+               "</OME>",
+               {"", "", "", "", "", ""});
+    EXPECT_EQ(refusal(path("deep.tif")),
+              path("deep.tif") + ": it has 3 planes in depth (Z), which are no channels; --z N takes one of them, "
+                                 "--channels all for channels");
+    m_choice.z = 2;
+    EXPECT_EQ(table(path("deep.tif")), "deep.tif,2,,500,OME channel 1\ndeep.tif,5,,600,OME channel 2\n");
+    m_choice.z = 4;
+    EXPECT_EQ(refusal(path("deep.tif")), path("deep.tif") + ": there is no plane in depth (Z) 4, it has 3");
+}
+
+TEST_F(ImageFinderTest, OfChannelsAtSeveralTimesTheChannelsOfOneOrTheTimesOfOneAreTaken)
+{
+    const QString sizes = "<OME xmlns=\"x\"><Image><Pixels SizeC=\"2\" SizeZ=\"1\" SizeT=\"3\" TimeIncrement=\"5\">"
+                          "<Channel %1/><Channel %2/><TiffData/></Pixels></Image></OME>";
+    const QStringList pages{"", "", "", "", "", ""};
+    writeStack("both.tif", sizes.arg("EmissionWavelength=\"500\"", "EmissionWavelength=\"600\""), pages);
+    writeStack("names.tif", sizes.arg("Name=\"DAPI\"", "Name=\"GFP\""), pages);
+    for (const char* file : {"both.tif", "names.tif"}) {
+        EXPECT_EQ(refusal(path(file)),
+                  path(file) + ": it has 2 channels at 3 times, and a sequence is either spectral or temporal; --t N "
+                               "takes the channels of one time, --c N the times of one channel");
+    }
+    m_choice.t = 2;
+    EXPECT_EQ(table(path("both.tif")), "both.tif,3,,500,OME channel 1\nboth.tif,4,,600,OME channel 2\n");
+    EXPECT_EQ(table(path("names.tif")), "names.tif,3,DAPI,\nnames.tif,4,GFP,\n");
+    m_choice = PlaneChoice();
+    m_choice.c = 1;
+    EXPECT_EQ(table(path("names.tif")),
+              "names.tif,1,0,OME TimeIncrement\nnames.tif,3,5,OME TimeIncrement\nnames.tif,5,10,OME TimeIncrement\n");
+}
+
+TEST_F(ImageFinderTest, SlicesOfAPlainImageJStackAreImagesAndThoseOfAHyperstackDepth)
+{
+    writeStack("plain.tif", "ImageJ=1.53\nimages=2\nslices=2\n", {"", ""});
+    EXPECT_EQ(table(path("plain.tif")), "plain.tif,1,,\nplain.tif,2,,\n");
+    writeStack("hyper.tif", "ImageJ=1.53\nimages=4\nchannels=2\nslices=2\nhyperstack=true\n", {"", "", "", ""});
+    EXPECT_TRUE(refusal(path("hyper.tif")).contains("it has 2 planes in depth (Z)")) << qPrintable(m_error);
+    m_choice.z = 2;
+    EXPECT_EQ(table(path("hyper.tif")), "hyper.tif,3,,\nhyper.tif,4,,\n");
+    // Without sizes there is one of each.
+    writePages("pages.tif", 2);
+    EXPECT_EQ(refusal(path("pages.tif")), path("pages.tif") + ": there is no plane in depth (Z) 2, it has 1");
 }
 
 TEST_F(ImageFinderTest, AStackOfFramesWithoutSecondsIsNumberedAndSaysSo)

@@ -3,6 +3,7 @@
 #include "workbench/program/ProgramFixture.h"
 
 #include "platform/orvimage/TiffIo.h"
+#include "platform/orvimage/TiffStackWriter.h"
 
 #include <QDir>
 #include <QJsonDocument>
@@ -144,4 +145,30 @@ TEST_F(ImportPixelsProgramTest, ARuleThatIsNoneIsRefused)
                     .startsWith("--background: \"percentile:200\" is not a percentile from 0 to 100."));
     EXPECT_TRUE(refusal({"import", "stack", "seq", "--background", "rect:0,0,100,100"})
                     .endsWith("reaches beyond the image of 6 x 6 pixels"));
+}
+
+TEST_F(ImportPixelsProgramTest, APlaneInDepthIsChosen)
+{
+    TiffStackWriter writer;
+    QString error;
+    ASSERT_TRUE(writer.begin(path("deep.ome.tif"), 0, &error)) << qPrintable(error);
+    for (int page = 0; page < 4; ++page) {
+        TiffWriteOptions options;
+        options.description = page > 0 ? QString()
+                                       : QStringLiteral("<OME xmlns=\"x\"><Image><Pixels SizeC=\"2\" SizeZ=\"2\" "
+                                                        "SizeT=\"1\"><Channel Name=\"DAPI\"/><Channel Name=\"GFP\"/>"
+                                                        "<TiffData/></Pixels></Image></OME>");
+        ASSERT_TRUE(writer.add(imageOf(side, side, [=](int) { return static_cast<float>(page); }), options, &error));
+    }
+    ASSERT_TRUE(writer.finish(&error)) << qPrintable(error);
+    EXPECT_TRUE(refusal({"import", "deep.ome.tif", "seq"}).contains("--z N takes one of them"));
+    const QJsonArray table = succeed({"import", "deep.ome.tif", "seq", "--z", "2", "--json"}).json()["table"].toArray();
+    ASSERT_EQ(table.size(), 2);
+    EXPECT_EQ(table[1].toObject()["channel"], "GFP z2");
+    EXPECT_EQ(table[1].toObject()["image"], "deep.ome.tif page 4");
+    EXPECT_EQ(succeed({"import", "deep.ome.tif", "all", "--channels", "--json"}).json()["images"], 4);
+    EXPECT_TRUE(refusal({"import", "deep.ome.tif", "bad", "--z", "0"}, 2)
+                    .startsWith("--z takes a whole number from 1 on, not \"0\"."));
+    EXPECT_TRUE(refusal({"import", "deep.ome.tif", "bad", "--z", "1", "--images", "t.csv"}, 2)
+                    .startsWith("--images does not go with --z"));
 }
