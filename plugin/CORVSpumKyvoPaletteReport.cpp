@@ -17,6 +17,7 @@
 #include "services/results/resultPlace.h"
 #include "spectra/logLine.h"
 
+#include <QCoreApplication>
 #include <QDateTime>
 #include <QDir>
 #include <QFileInfo>
@@ -54,6 +55,8 @@ void CORVSpumKyvoPalette::onClickWriteReport()
         const HeldOpen held;
         request.folder = CORVFileDialog::getSaveFileName(this, tr("Write Report into a New Folder"),
                                                          proposedFolder(*pSequence), QString());
+        // The dialog takes its time to go, and so does what follows.
+        QCoreApplication::processEvents();
     }
     // Whatever was opened, closed or started while the dialog stood there. The engine goes with its sequence.
     if (request.folder.isEmpty() || pEngine.isNull() || pEngine != m_pEngine || m_pRunning != nullptr) {
@@ -66,7 +69,7 @@ void CORVSpumKyvoPalette::onClickWriteReport()
     }
     request.sequenceName = pSequence->getSequenceName();
     request.provenance = provenanceOf(*pSequence, *pEngine);
-    request.provenance.files = analysedFiles(*pSequence, pEngine->m_imageList);
+    request.analysed = analysedFolders(*pSequence, pEngine->m_imageList);
     request.provenance.started = QDateTime::currentDateTimeUtc();
     request.note = pEngine->resultView().getNote();
     request.composite = pictureOfTab(QStringLiteral("Composite"));

@@ -20,8 +20,8 @@ void writeReportOfResult(const CORVSpumKyvo& engine, const ReportRequest& reques
     ResultFiles files(engine, numbersOfResult(engine, QString()), staged.path());
     files.setRun(staged.name());
     Provenance provenance = request.provenance;
-    provenance.files =
-        hashedFiles(provenance.sequence, provenance.files, [&monitor] { return !monitor.isStopRequested(); });
+    provenance.files = hashedFiles(provenance.sequence, analysedFiles(request.analysed),
+                                   [&monitor] { return !monitor.isStopRequested(); });
     files.setProvenance(provenance);
     files.setReport(frame, false);
     if (!request.composite.isNull()) {

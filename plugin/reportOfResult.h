@@ -16,8 +16,9 @@ struct ReportRequest
     QString note;
     QImage composite; // as the window shows it; null without one
     QString folder;   // a new one
-    // Its files are hashed as the report is written.
+    // Its files are found and hashed as the report is written.
     Provenance provenance;
+    AnalysedFolders analysed;
 };
 
 // Writes the files of an engine's present result as the command line writes them (maps, pictures, spectra, numbers and

@@ -79,6 +79,27 @@ class Window:
         self.until(lambda: self.shows('m_pSPUnResultsLV'))
         return before, during, max(last, self.longest())
 
+    def write_report(self):
+        """The longest pause up to the question for the folder, meanwhile, and at its end; and how long all takes."""
+        self.ask('tab', 'tabWidget1', text='Results')
+        self.until(lambda: self.ask('find', 'm_pReportButton').get('enabled'))
+        self.longest()
+        self.ask('click', 'm_pReportButton')
+        self.until(lambda: self.shows('fileNameEdit'))
+        self.longest()
+        self.ask('key', 'fileNameEdit', keys='Return')
+        begin = time.monotonic()
+        self.until(lambda: self.shows('abortButton'))
+        pauses = self.ask('stalls')['ms'] or [0]
+        during = 0
+        last = 0
+        while self.shows('abortButton'):
+            during = max(during, last)
+            last = max(self.ask('stalls')['ms'] or [0])
+            time.sleep(0.05)
+        took = round(time.monotonic() - begin, 1)
+        return max(pauses), during, max(last, self.longest()), took
+
     def end(self):
         os.kill(self.pid, 9)
 
@@ -143,6 +164,10 @@ def measure_scan(build, folder):
     row('the run', during)
     row('its end', after)
     row('memory of its cube and results', f'{window.megabytes() - before} MB')
+    before, during, after, took = window.write_report()
+    row('its report, of %.0f s: the folder is chosen' % took, before)
+    row('it is written', during)
+    row('its end', after)
     window.end()
 
 

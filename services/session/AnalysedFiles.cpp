@@ -25,9 +25,19 @@ QStringList namesIn(const QString& strFolder)
 
 } // namespace
 
-QList<AnalysedFile> analysedFiles(const CORVSequenceDataset& sequence, const QVector<QString>& clickNumbers)
+AnalysedFolders analysedFolders(const CORVSequenceDataset& sequence, const QVector<QString>& clickNumbers)
 {
-    const QDir root(sequence.getSequenceInfoPath());
+    AnalysedFolders folders{sequence.getSequenceInfoPath(), {}};
+    for (const CORVDataset* pDataset : sequence.getDatasets()) {
+        const QString click = pDataset->getClickNumber();
+        folders.folders.append({click, pDataset->folderPath(), clickNumbers.contains(click)});
+    }
+    return folders;
+}
+
+QList<AnalysedFile> analysedFiles(const AnalysedFolders& folders)
+{
+    const QDir root(folders.sequence);
     QMap<QString, AnalysedFile> files; // sorted, each once: two datasets may lie in one folder
     for (const char* pName : {SequenceFiles::kSequenceInfo, SequenceFiles::kValidPixels}) {
         const QString own = QString::fromLatin1(pName);
@@ -35,16 +45,20 @@ QList<AnalysedFile> analysedFiles(const CORVSequenceDataset& sequence, const QVe
             files.insert(own, {QString(), own, QString()});
         }
     }
-    for (const CORVDataset* pDataset : sequence.getDatasets()) {
-        const bool analysed = clickNumbers.contains(pDataset->getClickNumber());
-        for (const QString& name : namesIn(pDataset->folderPath())) {
-            const QString file = root.relativeFilePath(pDataset->folderPath() + name);
-            if ((analysed || isPhotograph(name)) && !files.contains(file)) {
-                files.insert(file, {pDataset->getClickNumber(), file, QString()});
+    for (const AnalysedFolders::Folder& folder : folders.folders) {
+        for (const QString& name : namesIn(folder.path)) {
+            const QString file = root.relativeFilePath(folder.path + name);
+            if ((folder.analysed || isPhotograph(name)) && !files.contains(file)) {
+                files.insert(file, {folder.image, file, QString()});
             }
         }
     }
     return files.values();
+}
+
+QList<AnalysedFile> analysedFiles(const CORVSequenceDataset& sequence, const QVector<QString>& clickNumbers)
+{
+    return analysedFiles(analysedFolders(sequence, clickNumbers));
 }
 
 QList<AnalysedFile> hashedFiles(const QString& strSequenceFolder, QList<AnalysedFile> files,

@@ -21,6 +21,22 @@ struct AnalysedFile
 // photographs of the other datasets, as one of them may serve; sorted by name, without hashes.
 QList<AnalysedFile> analysedFiles(const CORVSequenceDataset& sequence, const QVector<QString>& clickNumbers);
 
+// The same in two steps: the folders of the datasets, and then the files in them, which touches no dataset, so any
+// thread may do it.
+struct AnalysedFolders
+{
+    struct Folder
+    {
+        QString image; // click number of its dataset
+        QString path;  // with a separator at its end
+        bool analysed = false;
+    };
+    QString sequence; // that of the sequence
+    QList<Folder> folders;
+};
+AnalysedFolders analysedFolders(const CORVSequenceDataset& sequence, const QVector<QString>& clickNumbers);
+QList<AnalysedFile> analysedFiles(const AnalysedFolders& folders);
+
 // The same files with their hashes. Reads every byte until `goesOn` says no; touches no dataset, so any thread may do
 // it.
 QList<AnalysedFile> hashedFiles(const QString& strSequenceFolder, QList<AnalysedFile> files,
