@@ -26,17 +26,30 @@ QStringList offerFor(const CORVSpumKyvo& engine)
     return offeredProbes(engine.m_eSeqKind, fluorescent);
 }
 
-// Says which of the names is known in another spelling only, and in which; empty when none is.
-QString unknownSpelling(const QStringList& names, const QStringList& known)
+// A probe of the sequence and what a run without names makes of it.
+struct OwnProbe
 {
-    for (const QString& name : names) {
-        const QString nearest = otherSpelling(name, known);
-        if (!nearest.isEmpty()) {
-            return QStringLiteral("\"%1\" is not known by that name; the nearest known one is \"%2\"")
-                .arg(name, nearest);
-        }
+    QString name;  // as the sequence has it
+    QString meant; // as the database has it; empty where it has not
+    bool isIsotope = false;
+};
+
+QString isotopeMark()
+{
+    return QStringLiteral("RAD-");
+}
+
+QList<OwnProbe> ownProbes(const CORVSpumKyvo& engine)
+{
+    const QStringList offered = proposeProbes(engine.m_probes, offerFor(engine)).offered;
+    QList<OwnProbe> probes;
+    for (const QString& text : engine.m_probes) {
+        OwnProbe probe{text.trimmed(), QString(), text.contains(isotopeMark())};
+        probe.name.remove(isotopeMark());
+        probe.meant = probeMeant(probe.name, offered);
+        probes.append(probe);
     }
-    return QString();
+    return probes;
 }
 
 // The names that mean something: those that the wizard offers, tissue and food, and the isotopes of Cherenkov light.
@@ -46,18 +59,35 @@ QStringList knownNames(const CORVSpumKyvo& engine)
            (engine.m_bCherenkov ? CORVDatabase::getRADSourceList() : QStringList());
 }
 
-// As the database has them. What a time course is named does not matter to its analysis.
-QStringList componentsMeant(const AutomaticRequest& request, const CORVSpumKyvo& engine)
+// The sequence's own name for a probe of which the database knows nothing.
+QString ownProbeMeant(const QString& strName, const CORVSpumKyvo& engine)
+{
+    const QList<OwnProbe> own = ownProbes(engine);
+    const auto found = std::find_if(own.begin(), own.end(), [&strName](const OwnProbe& probe) {
+        return probe.name.compare(strName.trimmed(), Qt::CaseInsensitive) == 0;
+    });
+    return found == own.end() ? QString() : found->name;
+}
+
+// As the database has them, or else the sequence, which is told in *pWarnings where it has another spelling. What a
+// time course is named does not matter to its analysis.
+QStringList componentsMeant(const AutomaticRequest& request, const CORVSpumKyvo& engine, QStringList* pWarnings)
 {
     const QStringList known = knownNames(engine);
     QStringList names;
     QStringList wrong;
     for (const QString& name : request.components) {
-        const QString meant = probeMeant(name, known);
+        QString meant = probeMeant(name, known);
+        if (meant.isEmpty()) {
+            meant = ownProbeMeant(name, engine);
+            if (!meant.isEmpty() && meant != name) {
+                pWarnings->append(QStringLiteral("\"%1\" is taken for the sequence's probe \"%2\"").arg(name, meant));
+            }
+        }
         if (meant.isEmpty() && !request.anyName && engine.m_eSeqKind != SEQKIND_TEMPORAL) {
             wrong.append(QStringLiteral("there is no probe \"%1\"%2%3")
                              .arg(name, wrong.isEmpty() ? QStringLiteral(", and --any-name is not given") : QString(),
-                                  nearestProbesText(name, known)));
+                                  nearestProbesText(name, known + engine.m_probes)));
         }
         names.append(meant.isEmpty() ? name : meant);
     }
@@ -67,16 +97,13 @@ QStringList componentsMeant(const AutomaticRequest& request, const CORVSpumKyvo&
     return names;
 }
 
-QStringList namesOf(const AutomaticRequest& request, const CORVSpumKyvo& engine)
+QStringList namesOf(const AutomaticRequest& request, const CORVSpumKyvo& engine, QStringList* pWarnings)
 {
     if (!request.components.isEmpty()) {
-        return componentsMeant(request, engine);
+        return componentsMeant(request, engine, pWarnings);
     }
     if (request.count == 0) {
-        const QString unknown = unknownProbe(engine);
-        if (!unknown.isEmpty()) {
-            throw Failure(unknown, QStringLiteral("give the names by --components"));
-        }
+        *pWarnings += notesOfProbes(engine);
         return proposedComponents(engine);
     }
     QStringList names;
@@ -200,27 +227,42 @@ void takeDecay(const AutomaticRequest& request, const CORVSequenceDataset& seque
 
 QStringList proposedComponents(const CORVSpumKyvo& engine)
 {
+    QStringList probes;
+    for (const OwnProbe& probe : ownProbes(engine)) {
+        probes.append((probe.isIsotope ? isotopeMark() : QString()) +
+                      (probe.meant.isEmpty() ? probe.name : probe.meant));
+    }
     return componentNames(isTissueByDefault(engine.m_eSeqKind), false,
-                          proposedProbes(engine.m_probes, offerFor(engine), engine.m_eSeqKind));
+                          proposedProbes(probes, offerFor(engine), engine.m_eSeqKind));
 }
 
-QString unknownProbe(const CORVSpumKyvo& engine)
+QStringList notesOfProbes(const CORVSpumKyvo& engine)
 {
-    const ProbeProposal proposal = proposeProbes(engine.m_probes, offerFor(engine));
-    const QString unknown = unknownSpelling(proposal.names, proposal.offered);
-    return unknown.isEmpty() ? QString() : QStringLiteral("the sequence's probe ") + unknown;
+    QStringList notes;
+    for (const OwnProbe& probe : ownProbes(engine)) {
+        if (engine.m_eSeqKind == SEQKIND_TEMPORAL || probe.meant == probe.name) {
+            continue;
+        }
+        notes.append(
+            probe.meant.isEmpty()
+                ? QStringLiteral("the sequence's probe \"%1\" is not in the database and not proposed; --components "
+                                 "takes it")
+                      .arg(probe.name)
+                : QStringLiteral("the sequence's probe \"%1\" is taken for \"%2\"").arg(probe.name, probe.meant));
+    }
+    return notes;
 }
 
 QStringList setUpAutomatic(const AutomaticRequest& request, const CORVSequenceDataset& sequence, CORVSpumKyvo& engine)
 {
-    const QStringList names = namesOf(request, engine);
+    QStringList warnings;
+    const QStringList names = namesOf(request, engine, &warnings);
     checkCount(names.size(), engine.getSelectedKeyPairs().size(), request.beyondSix);
     AnalysisInput& input = engine.m_analysisInput;
     input.componentNames = names;
     input.useConstraints = request.useConstraints && isConstrainedByDefault(engine.m_eSeqKind);
-    QStringList warnings;
     if (request.useConstraints) {
-        warnings = predictionWarnings(names, request.constraintsAsked, engine);
+        warnings += predictionWarnings(names, request.constraintsAsked, engine);
     }
     takeDecay(request, sequence, engine);
     engine.takeComponents();

@@ -8,13 +8,13 @@
 class CORVSequenceDataset;
 class CORVSpumKyvo;
 
-// The components that a window would propose for the sequence of an engine that has inspected it: tissue
-// autofluorescence (not in a temporal sequence) and the sequence's own probes, an empty text for one that is known in
-// another spelling only.
+// The components that a run without names resolves in the sequence of an engine that has inspected it: tissue
+// autofluorescence (not in a temporal sequence) and the sequence's own probes as the database has them.
 QStringList proposedComponents(const CORVSpumKyvo& engine);
 
-// Says which probe of the sequence is known in another spelling only, and in which; empty when there is none.
-QString unknownProbe(const CORVSpumKyvo& engine);
+// Says for each probe of the sequence that the database does not have by that name what is proposed for it, if
+// anything.
+QStringList notesOfProbes(const CORVSpumKyvo& engine);
 
 // Prepares an automatic run of an engine whose selection is made: names, constraints, decay. Returns warnings. Throws
 // Failure when the number of components is not from 2 to 6 and at most that of the images (beyondSix: to that of the

@@ -76,7 +76,9 @@ XTNT::Vector<double> valuesOf(const QString& strName, const QList<KeyPair>& pair
         throw Failure(
             QStringLiteral("the database has no excitation curve of \"%1\", and the images have several excitations")
                 .arg(strName),
-            QStringLiteral("--select \"%1/*\" takes those of one").arg(commonExcitation(pairs)));
+            QStringLiteral("--select \"%1/*\" takes those of one, here and in \"spum unmix\"; at all of them it is "
+                           "measured by --region, or taken by --from out of the spectra.csv of an automatic run")
+                .arg(commonExcitation(pairs)));
     }
     return SourceCurve::valuesAt(strName, pairs);
 }

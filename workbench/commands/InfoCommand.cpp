@@ -190,12 +190,11 @@ QStringList proposal(OpenedSequence& opened)
 QString proposalText(OpenedSequence& opened)
 {
     const QStringList names = proposal(opened);
-    const QString unknown = names.isEmpty() ? QString() : unknownProbe(opened.engine());
-    if (!unknown.isEmpty()) {
-        return QStringLiteral("none proposed: ") + unknown;
-    }
-    return names.isEmpty() ? QString()
-                           : names.join(QStringLiteral(", ")) + QStringLiteral(" (proposed for the automatic method)");
+    const QStringList notes = QStringList{QStringLiteral("proposed for the automatic method")} +
+                              (names.isEmpty() ? QStringList() : notesOfProbes(opened.engine()));
+    return names.isEmpty()
+               ? QString()
+               : QStringLiteral("%1 (%2)").arg(names.join(QStringLiteral(", ")), notes.join(QStringLiteral("; ")));
 }
 
 // What the user should know of an analysis of maps; empty for a sequence of images.

@@ -89,22 +89,44 @@ TEST_F(AutomaticSetUpTest, AFluorescentSequenceProposesTissueAndItsProbes)
     EXPECT_EQ(engine().m_suggestedLabels.last(), "AlexaFluor 750");
 }
 
-TEST_F(AutomaticSetUpTest, AProbeInAnotherSpellingIsRefusedWithTheNearestKnownOne)
+TEST_F(AutomaticSetUpTest, AProbeInAnotherSpellingIsTakenAsTheDatabaseHasItAndThatIsTold)
 {
     bands(4);
     for (auto& image : m_sequence.images) {
-        image.probe = "alexafluor 750";
+        image.probe = "alexafluor 750, af680";
         image.subject = "Mouse";
     }
-    EXPECT_EQ(proposedComponents(engine()), (QStringList{"TissueAF", ""}));
-    EXPECT_EQ(refusal(AutomaticRequest()),
-              "the sequence's probe \"alexafluor 750\" is not known by that name; the nearest known one is "
-              "\"AlexaFluor 750\"; give the names by --components");
+    EXPECT_EQ(proposedComponents(engine()), (QStringList{"TissueAF", "AlexaFluor 750", "AlexaFluor 680"}));
+    EXPECT_EQ(setUp(AutomaticRequest()),
+              (QStringList{"the sequence's probe \"alexafluor 750\" is taken for \"AlexaFluor 750\"",
+                           "the sequence's probe \"af680\" is taken for \"AlexaFluor 680\""}));
+    EXPECT_EQ(engine().m_labels, (QStringList{"TissueAF", "AlexaFluor 750", "AlexaFluor 680"}));
+    EXPECT_EQ(engine().m_suggestedLabels.last(), "AlexaFluor 750");
     // Where the user names it the spelling is no matter.
     EXPECT_TRUE(setUp(named({"tissueaf", "alexafluor 750"})).isEmpty());
     EXPECT_EQ(engine().m_labels, (QStringList{"TissueAF", "AlexaFluor 750"}));
-    EXPECT_NO_THROW(setUp(named({"TissueAF", "AlexaFluor 750"})));
+    EXPECT_TRUE(setUp(named({"TissueAF", "AlexaFluor 750"})).isEmpty());
     EXPECT_NO_THROW(setUp(counted(2)));
+}
+
+TEST_F(AutomaticSetUpTest, AProbeOfTheSequenceThatTheDatabaseLacksIsFoundInAnyCaseAndThatIsTold)
+{
+    bands(4);
+    for (auto& image : m_sequence.images) {
+        image.probe = "My Dye 7";
+        image.subject = "Mouse";
+    }
+    const QString noSource = "the database has no source \"My Dye 7Em\": where it lies is not predicted";
+    EXPECT_EQ(setUp(named({"TissueAF", "my dye 7"})),
+              (QStringList{"\"my dye 7\" is taken for the sequence's probe \"My Dye 7\"", noSource}));
+    EXPECT_EQ(engine().m_labels, (QStringList{"TissueAF", "My Dye 7"}));
+    EXPECT_EQ(setUp(named({"TissueAF", "My Dye 7"})), QStringList{noSource});
+    EXPECT_EQ(proposedComponents(engine()), (QStringList{"TissueAF", "Unknown"}));
+    EXPECT_EQ(setUp(AutomaticRequest()),
+              QStringList{"the sequence's probe \"My Dye 7\" is not in the database and not proposed; --components "
+                          "takes it"});
+    EXPECT_TRUE(refusal(named({"TissueAF", "My Dye 8"})).contains("did you mean \"My Dye 7\""))
+        << qPrintable(refusal(named({"TissueAF", "My Dye 8"})));
 }
 
 TEST_F(AutomaticSetUpTest, WithoutAProbeThatIsOfferedOneIsUnknown)

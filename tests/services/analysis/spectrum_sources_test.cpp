@@ -125,9 +125,11 @@ TEST_F(SpectrumSourcesTest, AtOneExcitationTheEmissionAloneServes)
 TEST_F(SpectrumSourcesTest, SeveralExcitationsAskForTheExcitationCurve)
 {
     const QString sequence = sequenceOf({{640, 700}, {640, 730}, {660, 700}});
-    EXPECT_EQ(databaseRefusal("Bare", sequence),
-              "the database has no excitation curve of \"Bare\", and the images have several excitations; --select "
-              "\"640/*\" takes those of one");
+    EXPECT_EQ(
+        databaseRefusal("Bare", sequence),
+        "the database has no excitation curve of \"Bare\", and the images have several excitations; --select "
+        "\"640/*\" takes those of one, here and in \"spum unmix\"; at all of them it is measured by --region, or taken "
+        "by --from out of the spectra.csv of an automatic run");
     SpectrumSources made;
     made.setImages("640/*", -1);
     made.fromDatabase("Bare", sequence);

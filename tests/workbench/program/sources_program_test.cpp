@@ -78,6 +78,7 @@ TEST_F(SourcesProgramTest, TheDyesOfTheSimulatedMouseMakeALibrary)
     EXPECT_EQ(
         refusal({"library", "save", "x", "--probes", "AF790", "--sequence", "two"}),
         "the database has no excitation curve of \"AlexaFluor 790\", and the images have several excitations; --select "
-        "\"675/*\" takes those of one");
+        "\"675/*\" takes those of one, here and in \"spum unmix\"; at all of them it is measured by --region, or taken "
+        "by --from out of the spectra.csv of an automatic run");
     succeed({"library", "save", "x", "--probes", "AF790", "--sequence", "two", "--select", "675/*"});
 }
