@@ -40,6 +40,12 @@ constexpr double checkedFraction = 0.3;
 constexpr double fittedFraction = 0.7;
 constexpr double notKnown = -1.0;
 
+QStringList namesWithFood(QStringList names)
+{
+    names.insert(names.indexOf(QStringLiteral("TissueAF")) + 1, QStringLiteral("Food"));
+    return names;
+}
+
 } // namespace
 
 UnmixJob::UnmixJob(const UnmixRequest& request, JobMonitor& monitor)
@@ -261,7 +267,8 @@ void UnmixJob::lookForFood()
     m_strProposal = QStringLiteral("proposed %1: what the sequence tells of").arg(names.join(QStringLiteral(", ")));
     const bool counts =
         isComponentCountValid(names.size() + 1, engine.getSelectedKeyPairs().size()) && leavesFreedom(names.size() + 1);
-    if (engine.m_eSeqKind != SEQKIND_EPI_FLUORESCENT || engine.m_bCherenkov || !counts) {
+    m_bFoodFits = engine.m_eSeqKind == SEQKIND_EPI_FLUORESCENT && !engine.m_bCherenkov && counts;
+    if (!m_bFoodFits) {
         return;
     }
     const FoodLook look = FoodLook::of(engine, names);
@@ -273,7 +280,7 @@ void UnmixJob::lookForFood()
         m_strProposal += QStringLiteral("; no food is seen: it explains no region of the mask that they do not");
         return;
     }
-    names.insert(names.indexOf(QStringLiteral("TissueAF")) + 1, QStringLiteral("Food"));
+    names = namesWithFood(names);
     AutomaticRequest withFood = m_request.automatic;
     withFood.components = names;
     m_bFoodProposed = true;
@@ -317,29 +324,48 @@ void UnmixJob::takeIsotope()
     input.halfLifeSeconds = CORVDatabase::getCherenkovRADHalflife(isotope);
 }
 
-// Names that nobody gave are no reason to end without a result.
+// Of the run that failed: a result takes over what it finds.
+void UnmixJob::takeInstead(const AutomaticRequest& request)
+{
+    CORVSpumKyvo& engine = m_setUp.engine();
+    engine.m_suggestedLabels.clear();
+    qDeleteAll(engine.m_spectrumPlots);
+    engine.m_spectrumPlots.clear();
+    setUpAutomatic(request, m_setUp.opened().sequence(), engine);
+}
+
+// Names that nobody gave are no reason to end without a result. Food is asked for even where none is seen: its
+// component takes what keeps the others from a start that holds, and they stay what their names say.
 RunOutcome UnmixJob::resolve()
 {
     CORVSpumKyvo& engine = m_setUp.engine();
     const QString message = QStringLiteral("Resolving the components");
-    const RunOutcome outcome = runShown(engine, m_monitor, message, notKnown);
-    if (outcome == RunOutcome::Aborted || !m_bFoodProposed || engine.m_nError != RUNERROR_NO_SOLUTION) {
+    RunOutcome outcome = runShown(engine, m_monitor, message, notKnown);
+    const auto fails = [&] { return outcome != RunOutcome::Aborted && engine.m_nError == RUNERROR_NO_SOLUTION; };
+    const QStringList names = engine.m_analysisInput.componentNames;
+    if (m_strProposal.isEmpty() || !fails()) {
         return outcome;
     }
-    const QStringList names = engine.m_analysisInput.componentNames;
+    const QString what = QStringLiteral("of the proposed components %1 no start was found that holds (%2), and ")
+                             .arg(names.join(QStringLiteral(", ")), engine.getErrorText());
+    if (!m_bFoodProposed && m_bFoodFits) {
+        AutomaticRequest withFood = m_request.automatic;
+        withFood.components = namesWithFood(names);
+        takeInstead(withFood);
+        outcome = runShown(engine, m_monitor, message, notKnown);
+        if (!fails()) {
+            m_monitor.add({RunWarning::Severity::Warning, QStringLiteral("food-added"),
+                           what + QStringLiteral("they were resolved with Food, which the images do not show"),
+                           QStringLiteral("take the map of Food for what the others leave, not for food")});
+            return outcome;
+        }
+    }
     m_monitor.add({RunWarning::Severity::Warning, QStringLiteral("not-by-names"),
-                   QStringLiteral("of the proposed components %1 no start was found that holds (%2), and %3 were "
-                                  "resolved without names")
-                       .arg(names.join(QStringLiteral(", ")), engine.getErrorText())
-                       .arg(names.size()),
+                   what + QStringLiteral("%1 were resolved without names").arg(names.size()),
                    QStringLiteral("compare their spectra, or give those that are known by --library")});
-    // Of the run that failed: a result takes over what it finds.
-    engine.m_suggestedLabels.clear();
-    qDeleteAll(engine.m_spectrumPlots);
-    engine.m_spectrumPlots.clear();
     AutomaticRequest byNumber = m_request.automatic;
     byNumber.count = names.size();
-    setUpAutomatic(byNumber, m_setUp.opened().sequence(), engine);
+    takeInstead(byNumber);
     return runShown(engine, m_monitor, message, notKnown);
 }
 

@@ -68,6 +68,7 @@ private:
     void checkConstantImages();
     void takeIsotope();
     RunOutcome resolve();
+    void takeInstead(const AutomaticRequest& request);
     // The time is counted from the reading of the images on.
     void fit(const QElapsedTimer& timer);
     NoiseFitResult weigh();
@@ -90,5 +91,6 @@ private:
     AnalysisSetUp m_setUp;
     ResultNumbers m_numbers;
     bool m_bFoodProposed = false;
-    QString m_strProposal; // what was proposed, and why; empty where components were asked for
+    bool m_bFoodFits = false; // among what is proposed, whether it is seen or not
+    QString m_strProposal;    // what was proposed, and why; empty where components were asked for
 };

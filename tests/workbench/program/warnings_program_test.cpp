@@ -114,11 +114,37 @@ TEST_F(WarningsProgramTest, WhereThereIsNoSolutionItIsToldWhatToDo)
 {
     simulateAnew({"--food-ratio", "0"});
     EXPECT_EQ(
-        refusal({"unmix", "seq", "--out", "out"}),
+        refusal({"unmix", "seq", "--out", "out", "--components", "TissueAF,AlexaFluor 750,AlexaFluor 790"}),
         "No solution! Please adjust the setup!; of TissueAF, AlexaFluor 750, AlexaFluor 790 no start was found that "
         "holds; Food among --components may have a solution, and --ncomponents 3 asks for as many without names");
     EXPECT_EQ(spum(QStringList{"unmix", "seq", "--out", "out"} + mouseNames).status, 0);
     EXPECT_EQ(spum({"unmix", "seq", "--out", "out", "--replace", "--ncomponents", "3"}).status, 0);
+}
+
+TEST_F(WarningsProgramTest, WithoutNamesAFastedAnimalIsResolvedAndWhatWasAddedIsTold)
+{
+    simulateAnew({"--food-ratio", "0"});
+    const ProgramResult result = spum({"unmix", "seq", "--out", "out", "--json"});
+    ASSERT_EQ(result.status, 0) << result.err.constData();
+    EXPECT_TRUE(result.errText().contains("they were resolved with Food, which the images do not show"));
+    const QJsonObject json = result.json();
+    EXPECT_EQ(json["warnings"].toArray().first().toObject()["code"], "food-added");
+    for (const auto& value : json["components"].toArray()) {
+        const QJsonObject component = value.toObject();
+        if (component["name"] != "Food") {
+            EXPECT_EQ(component["truthName"], component["name"]);
+            EXPECT_GT(component["truthCosine"].toDouble(), 0.9) << qPrintable(component["name"].toString());
+            EXPECT_GT(component["truthCorrelation"].toDouble(), 0.9) << qPrintable(component["name"].toString());
+        }
+    }
+}
+
+// Neither is said of names that lead to a solution.
+TEST_F(WarningsProgramTest, NamesThatLeadToASolutionStay)
+{
+    simulateAnew({});
+    const QStringList told = codes({});
+    EXPECT_FALSE(told.contains("not-by-names") || told.contains("food-added")) << qPrintable(told.join(' '));
 }
 
 TEST_F(WarningsProgramTest, SpectraThatAreNearlyTheSameAreToldWithThePair)
@@ -213,12 +239,10 @@ TEST_F(WarningsProgramTest, FoodIsProposedWhereTheImagesShowItAndNotWhereTheyDoN
         EXPECT_TRUE(fed["proposal"].toString().contains("food")) << seed;
         succeed({"simulate", "fasted", "--size", "64", "--food-ratio", "0", "--seed", QString::number(seed), "--quiet",
                  "--force"});
-        // The same names whether there is a solution or not.
         const ProgramResult fasted = spum({"unmix", "fasted", "--out", "fasted-out", "--replace", "--json"});
-        const QString told = fasted.status == 0 ? fasted.json()["proposal"].toString() : fasted.errText();
-        EXPECT_TRUE(told.contains(fasted.status == 0 ? "proposed TissueAF, AlexaFluor 750, AlexaFluor 790: "
-                                                     : "; of TissueAF, AlexaFluor 750, AlexaFluor 790 no start"))
-            << seed << qPrintable(told);
+        ASSERT_EQ(fasted.status, 0) << seed << fasted.err.constData();
+        const QString told = fasted.json()["proposal"].toString();
+        EXPECT_TRUE(told.contains("proposed TissueAF, AlexaFluor 750, AlexaFluor 790: ")) << seed << qPrintable(told);
     }
 }
 
