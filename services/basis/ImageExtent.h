@@ -5,16 +5,10 @@
 
 #include <QSize>
 
-#include <optional>
-
-class CORVDataset;
 class CORVSpumKyvo;
 
 // An import makes squares of images that are none, by rows or columns of zeros at the bottom or the right. They are no
 // pixels of anybody: no mask holds them, and results have the shape that the images had.
-
-// Width and height of the stored image before that; nothing when it is not told.
-std::optional<QSize> extentBeforePadding(const CORVDataset& dataset);
 
 // The pixels of an analysis that lie in the images wholly, in an engine whose images, binning and size are chosen: its
 // width and height where nothing was added, or where its images tell different extents.
@@ -27,7 +21,3 @@ QSize extentOfPicture(const CORVSpumKyvo& engine, long lWidth, long lHeight);
 // "valid.tif" of the sequence tells; an empty mask, which means every pixel, becomes one where there is any of these.
 // Throws std::bad_alloc without memory, and Failure where that file does not serve.
 CILImage withoutPadding(const CILImage& mask, const CORVSpumKyvo& engine);
-
-// The upper left part of that size, of the same type and binning; the image itself where it is no larger. Throws
-// std::bad_alloc without memory.
-CILImage croppedImage(const CILImage& image, long lWidth, long lHeight);

@@ -2,6 +2,7 @@
 #include "services/results/ResultMapPictures.h"
 
 #include "engine/CORVSpumKyvo.h"
+#include "platform/orvapi/imagePadding.h"
 #include "platform/orvimage/MapPicture.h"
 #include "services/basis/ImageExtent.h"
 #include "services/basis/UnitNames.h"

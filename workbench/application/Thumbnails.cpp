@@ -2,6 +2,7 @@
 #include "workbench/application/Thumbnails.h"
 
 #include "host/CORVDataset.h"
+#include "platform/orvapi/imagePadding.h"
 #include "platform/orvimage/TiffIo.h"
 
 #include <algorithm>
@@ -24,6 +25,20 @@ void reduce(CILImage& image, int nSide)
     }
     const auto side = [&](long l) { return std::max(1, static_cast<int>((l * nSide + longest / 2) / longest)); };
     image.downSample(side(image.m_lWidth), side(image.m_lHeight), IL_RESAMPLE_AREA);
+}
+
+// Of an image or a photograph of the dataset what an import has not added to make a square of it.
+CILImage shownPart(const CORVDataset& dataset, const CILImage& image)
+{
+    const QSize extent = extentBeforePadding(dataset).value_or(QSize());
+    if (extent.isEmpty() || image.m_lWidth != image.m_lHeight) {
+        return image;
+    }
+    const qint64 square = std::max(extent.width(), extent.height());
+    const auto share = [square](long all, int part) {
+        return std::max(1L, static_cast<long>((all * part + square - 1) / square));
+    };
+    return croppedImage(image, share(image.m_lWidth, extent.width()), share(image.m_lHeight, extent.height()));
 }
 
 // Why an image's file cannot be read; the dataset tells it to the log alone.
@@ -222,6 +237,7 @@ void Thumbnails::make(int nTile)
         fail(nTile, reasonOf(*tile.dataset, IMAGETYPE_MAIN_DATA));
         return;
     }
+    image = shownPart(*tile.dataset, image);
     Thumbnail& thumbnail = m_thumbnails.at(index(nTile));
     thumbnail.size = QSize(static_cast<int>(image.m_lWidth), static_cast<int>(image.m_lHeight));
     reduce(image, m_nSide);
@@ -246,7 +262,8 @@ void Thumbnails::makePhotograph(int nTile)
         thumbnail.picture =
             pPhoto->toQImage().scaled(QSize(m_nSide, m_nSide), Qt::KeepAspectRatio, Qt::SmoothTransformation);
     } else {
-        CILImage grey(*pPhoto);
+        CILImage grey = shownPart(*m_tiles.tile(nTile).dataset, *pPhoto);
+        thumbnail.size = QSize(static_cast<int>(grey.m_lWidth), static_cast<int>(grey.m_lHeight));
         reduce(grey, m_nSide);
         const DisplayRange range = DisplayRange::automatic(grey);
         *grey.getPalette() = CILPalette();

@@ -33,7 +33,7 @@ public:
     State state(int nTile) const { return m_thumbnails.at(index(nTile)).state; }
     // Why a tile failed; empty else.
     const QString& reason(int nTile) const { return m_thumbnails.at(index(nTile)).reason; }
-    // Of the image itself; empty until it has been read.
+    // Of the image itself, without what made a square of it; empty until it has been read.
     QSize imageSize(int nTile) const { return m_thumbnails.at(index(nTile)).size; }
 
     tag_edisplayunit unit() const { return m_eUnit; }

@@ -10,6 +10,7 @@
 #include "host/CORVDataset.h"
 #include "host/CORVSequenceDataset.h"
 #include "platform/orvapi/ClickInfoKeys.h"
+#include "platform/orvapi/imagePadding.h"
 
 #include <memory>
 

@@ -9,6 +9,8 @@
 
 #include "host/CORVDataset.h"
 #include "host/CORVSequenceDataset.h"
+#include "platform/orvimage/TiffIo.h"
+#include "services/importer/Importer.h"
 #include "workbench/application/ThumbnailModel.h"
 #include "workbench/application/ThumbnailView.h"
 #include "workbench/application/Thumbnails.h"
@@ -289,6 +291,36 @@ TEST_F(SequenceTabTest, OneImageWithoutAPhotographIsOneTile)
     EXPECT_EQ(thumbnails().imageSize(0), QSize(8, 6));
     EXPECT_EQ(model().grid().caption(0), "A<b>1");
     look::keep(*m_pTab, "sequence_one");
+}
+
+TEST_F(SequenceTabTest, ImportedImagesAreShownInTheirOwnShape)
+{
+    QString error;
+    for (const char* name : {"em700.tif", "em720.tif"}) {
+        CILImage image;
+        ASSERT_EQ(image.InitWithType(ORVTYPE_USHORT, 12, 6), EIL_SUCCESS);
+        for (std::size_t i = 0; i < image.pixelCount(); ++i) {
+            image.setValue(i, 100.0 + static_cast<double>(i));
+        }
+        ASSERT_TRUE(writeTiff(m_folder.filePath(name), image, TiffWriteOptions(), &error)) << qPrintable(error);
+    }
+    ImportOptions options;
+    options.source = m_folder.path();
+    options.tableText = "file,emission\nem700.tif,700\nem720.tif,720\n";
+    options.output = m_folder.filePath("wide");
+    ASSERT_TRUE(importStack(options, ImportProgress(), nullptr, &error)) << qPrintable(error);
+    open(options.output);
+    for (int tile = 0; tile < thumbnails().tiles().count(); ++tile) {
+        EXPECT_EQ(thumbnails().imageSize(tile), QSize(12, 6)) << tile;
+        EXPECT_EQ(thumbnails().picture(tile).size(), QSize(12, 6)) << tile;
+    }
+    EXPECT_EQ(thumbnails().commonRange().minimum, 100.0) << "the zeros that make a square are no values";
+    double value = 0.0;
+    int averaged = 0;
+    const int last = thumbnails().tiles().tile(0).photograph ? 1 : 0;
+    ASSERT_TRUE(thumbnails().valueAt(last, 0.99, 0.99, &value, &averaged));
+    EXPECT_EQ(value, 171.0);
+    look::keep(*m_pTab, "sequence_wide");
 }
 
 TEST_F(SequenceTabTest, TheWheelMovesTheColumnsOfATableThatIsWideOnly)
