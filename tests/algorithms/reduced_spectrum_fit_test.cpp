@@ -78,7 +78,9 @@ RC_GTEST_PROP(ReducedSpectrumFitLaws, AnswersAreThoseOfTheWholeProblem, (unsigne
     for (long long band = 0; band < bands; ++band) {
         const Vector<double> x = fit.nonNegative(band);
         RC_ASSERT(isNonNegativeOptimum(conc, data.column(band), x));
-        RC_ASSERT(areClose(asColumn(x), asColumn(plain.nonNegative(band)), 1e-10));
+        // Where almost all is cut off at zero, what is left is as exact as the terms that cancel in it, not as itself.
+        const Matrix<double> difference = asColumn(x) - asColumn(plain.nonNegative(band));
+        RC_ASSERT(difference.norm(0) <= 1e-10 * asColumn(spec.column(band)).norm(0));
     }
     const Matrix<double> any = randomMatrix(components, bands, seed + 2);
     for (const Matrix<double>& S : {spec, any}) {
