@@ -100,7 +100,8 @@ void ImageJMetadata::parse(const QString& strDescription, const QStringList& lab
     }
     const qint64 framePages = static_cast<qint64>(channels) * slices;
     for (int page = 0; page < nPages; ++page) {
-        const auto frame = static_cast<double>(page / framePages);
+        const qint64 number = page / framePages;
+        const auto frame = static_cast<double>(number);
         if (frames > 1 && bTimes) {
             m_pages[page].append({Figure::Time, frame * interval, QStringLiteral("ImageJ finterval")});
         } else if (frames > 1) {
