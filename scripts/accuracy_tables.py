@@ -42,7 +42,8 @@ class Scene:
 
     def failure(self, run):
         text = (self.root / "answers" / f"{self.name}.{run}.err").read_text(encoding="utf-8").strip()
-        return text.splitlines()[-1].removeprefix("spum: ")
+        # What was wrong, without the advice behind it.
+        return text.splitlines()[-1].removeprefix("spum: ").split("; ")[0]
 
     def true_map(self, component):
         return read_floats(self.truth / f"{component}.tif")
