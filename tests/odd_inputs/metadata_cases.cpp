@@ -66,6 +66,17 @@ OddCases omeCases()
             },
             C::Warned, unused("line {n} of the OME-XML: the planes are too many")),
         described(
+            "OmeOfAMillionPlanesInDepth", [] { return ome(channel).replace("SizeZ=\"1\"", "SizeZ=\"999999\""); },
+            C::Refused,
+            "{path}: it has 999999 planes in depth (Z), which are no channels; --z N takes one of them, --channels all "
+            "for channels"),
+        described(
+            "OmeOfAMillionTimesOfOneToldChannel",
+            [] {
+                return ome(channel).replace("SizeC=\"1\"", "SizeC=\"2\"").replace("SizeT=\"1\"", "SizeT=\"999999\"");
+            },
+            C::Silent, "1 images, OME channel 1, OME channel 1, OME TheT"),
+        described(
             "OmeWithMoreChannelsThanTold", [] { return ome(channel + channel); }, C::Warned,
             unused("line {n} of the OME-XML: there are more channels than SizeC")),
         described(
