@@ -125,8 +125,8 @@ def main():
     kills = 0
     ended = set()
     while kills < options.kills:
-        # So short that the sequences last for some kills; then from the start.
-        if kill_once(command(out) + ['--quiet'], out, numbers.uniform(0.0, seconds / 6.0)):
+        # Each goes on some way; where it comes to the end, the next one begins anew.
+        if kill_once(command(out) + ['--quiet'], out, numbers.uniform(0.0, seconds / 2.0)):
             kills += 1
             now = whole(out)
             if not ended <= now:
