@@ -33,6 +33,8 @@ void LegibleBoxes::drawPrimitive(PrimitiveElement eElement, const QStyleOption* 
 void makeBoxesLegible()
 {
     if (QApplication::style()->objectName() == ownStyle) {
-        QApplication::setStyle(new LegibleBoxes(ownStyle));
+        auto* pStyle = new LegibleBoxes(ownStyle);
+        pStyle->setParent(QApplication::instance());
+        QApplication::setStyle(pStyle);
     }
 }
