@@ -202,7 +202,7 @@ bool CsvCube::flush(QString* pError)
         }
     }
     m_pending.clear();
-    const auto bytes = static_cast<qint64>(turned.size() * sizeof(float));
+    const auto bytes = static_cast<qint64>(turned.size()) * static_cast<qint64>(sizeof(float));
     return (m_pFloats->write(reinterpret_cast<const char*>(turned.data()), bytes) == bytes && m_pFloats->flush()) ||
            fail(pError, m_pFloats->fileName(), 0, m_pFloats->errorString());
 }
