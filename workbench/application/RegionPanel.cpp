@@ -49,6 +49,7 @@ RegionPanel::RegionPanel(CORVDataset* pDataset, QWidget* pParent)
     setObjectName(QStringLiteral("RegionPanel"));
     makeTable();
     auto* pRow = new QHBoxLayout;
+    pRow->setSpacing(0); // as of a tool bar: there may be little room beside the image
     pRow->addWidget(new QLabel(tr("Regions:"), this));
     for (QToolButton* pButton : {m_pRectangleButton, m_pEllipseButton, m_pPolygonButton, m_pFreeHandButton,
                                  m_pRemoveButton, m_pCopyButton, m_pSaveButton}) {
