@@ -100,6 +100,17 @@ Matrix<double> sorted(const Matrix<double>& spectra)
     return result;
 }
 
+// The fit of all rows alike. False where the spectra depend on each other, whatever the rows are.
+bool fitWithoutWeights(const Matrix<double>& data, const Matrix<double>& spectra, Matrix<double>& fit)
+{
+    try {
+        XTNT::constrainedConcentrations(data, spectra, fit);
+    } catch (int) { // what it throws; an abort is none and goes on
+        return false;
+    }
+    return true;
+}
+
 void takeOff(double dOffset, Matrix<double>& data)
 {
     for (long long i = 0; i < data.storage.n_; ++i) {
@@ -107,7 +118,7 @@ void takeOff(double dOffset, Matrix<double>& data)
     }
 }
 
-// Fits all pixels and hands the result to the engine.
+// Fits all pixels and hands the result to the engine; the spectra are those of a fit before.
 void handOver(const Matrix<double>& spectra, const XTNT::NoiseModel& noise, bool bWeighted, const Matrix<double>& data,
               CORVSpumKyvo& engine)
 {
@@ -165,9 +176,10 @@ std::optional<RefinementResult> refineResolution(const CORVSequenceDataset& sequ
     }
     const CountedNoise told = CountedNoise::of(engine, sequence);
     Matrix<double> fit;
-    XTNT::constrainedConcentrations(pixels, spectra, fit);
+    if (!fitWithoutWeights(pixels, spectra, fit)) {
+        return std::nullopt;
+    }
     CountedNoise noise = noiseOf(told, pixels, spectra, fit);
-    WeightedRounds done;
     for (const int most : {firstRounds, lastRounds}) {
         const WeightedRounds rounds = resolveWeighted(pixels, noise.model(), most, spectra, fit);
         if (rounds.failed) {
@@ -176,10 +188,14 @@ std::optional<RefinementResult> refineResolution(const CORVSequenceDataset& sequ
         result.facts.rounds += rounds.rounds;
         noise = noiseOf(told, pixels, spectra, fit);
     }
+    spectra = sorted(spectra);
+    if (!fitWithoutWeights(pixels, spectra, fit)) {
+        return std::nullopt;
+    }
     if (offset != 0.0) {
         takeOff(offset, data);
     }
-    handOver(sorted(spectra), noise.model(), !bFittedAgain, data, engine);
+    handOver(spectra, noise.model(), !bFittedAgain, data, engine);
     result.noise.model = QStringLiteral("poisson");
     result.noise.estimated = !told.gain || !told.readNoise;
     if (noise.calibrated) {

@@ -145,3 +145,22 @@ TEST_F(RefinementProgramTest, ErrorsAreThoseOfTheWeights)
     const QJsonObject gaussian = succeed(call + QStringList{"gaussian", "--noise", "gaussian"}).json();
     EXPECT_EQ(gaussian["noiseModel"].toObject()["model"], "gaussian");
 }
+
+// Two pixels alone make three sources of images that are multiples of one.
+TEST_F(RefinementProgramTest, SpectraThatCannotBeToldApartLeaveTheFirstAnswer)
+{
+    constexpr int small = 24;
+    ASSERT_TRUE(QDir().mkpath(path("in")));
+    QString error;
+    for (int b = 0; b < 3; ++b) {
+        const CILImage image = imageOf(small, small, [b](int i) {
+            const int more = b == 1 && i == 100 ? 5 : (b == 2 && i == 300 ? 4 : 0);
+            return static_cast<float>((b + 1) * (10 + i % small + i / small) + more);
+        });
+        ASSERT_TRUE(writeTiff(path(QStringLiteral("in/em%1.tif").arg(500 + 20 * b)), image, {}, &error));
+    }
+    succeed({"import", path("in"), "seq", "--quiet"});
+    const ProgramResult result = spum({"unmix", "seq", "--ncomponents", "3", "--json", "--out", "out"});
+    EXPECT_EQ(result.status, 0) << qPrintable(result.err);
+    EXPECT_FALSE(result.json().contains("refinement"));
+}
