@@ -119,14 +119,12 @@ void takeOff(double dOffset, Matrix<double>& data)
 }
 
 // Fits all pixels and hands the result to the engine; the spectra are those of a fit before.
-void handOver(const Matrix<double>& spectra, const XTNT::NoiseModel& noise, bool bWeighted, const Matrix<double>& data,
+void handOver(const Matrix<double>& spectra, const XTNT::NoiseModel& noise, const Matrix<double>& data,
               CORVSpumKyvo& engine)
 {
     Matrix<double> fit;
     XTNT::constrainedConcentrations(data, spectra, fit);
-    if (bWeighted) {
-        XTNT::weightedConcentrations(data, spectra, noise, fit);
-    }
+    XTNT::weightedConcentrations(data, spectra, noise, fit);
     engine.m_concentrations = fit.transpose();
     engine.m_spectra = spectra;
     engine.createSpectrumPlots();
@@ -156,8 +154,7 @@ double darkLevel(const Matrix<double>& data)
     return sum / static_cast<double>(count) / static_cast<double>(data.num_cols());
 }
 
-std::optional<RefinementResult> refineResolution(const CORVSequenceDataset& sequence, bool bFittedAgain,
-                                                 CORVSpumKyvo& engine)
+std::optional<RefinementResult> refineResolution(const CORVSequenceDataset& sequence, CORVSpumKyvo& engine)
 {
     Matrix<double>& data = engine.m_cube.m_data;
     const int components = static_cast<int>(engine.m_spectra.num_rows());
@@ -165,9 +162,7 @@ std::optional<RefinementResult> refineResolution(const CORVSequenceDataset& sequ
         return std::nullopt;
     }
     RefinementResult result;
-    if (!bFittedAgain) {
-        result.facts.offset = offsetOf(engine);
-    }
+    result.facts.offset = offsetOf(engine);
     const double offset = result.facts.offset.value_or(0.0);
     const Matrix<double> pixels = tellingPixels(data, offset);
     Matrix<double> spectra = purestSpectra(pixels, components);
@@ -195,7 +190,7 @@ std::optional<RefinementResult> refineResolution(const CORVSequenceDataset& sequ
     if (offset != 0.0) {
         takeOff(offset, data);
     }
-    handOver(spectra, noise.model(), !bFittedAgain, data, engine);
+    handOver(spectra, noise.model(), data, engine);
     result.noise.model = QStringLiteral("poisson");
     result.noise.estimated = !told.gain || !told.readNoise;
     if (noise.calibrated) {

@@ -24,13 +24,9 @@ struct RefinementResult
 // counts by its noise (CountedNoise, resolveWeighted). Of many pixels some serve for the spectra; all are fitted in the
 // end. Maps, spectra and plots of the engine's result are replaced, the components in the order of their centres.
 //
-// `bFittedAgain`: the result will be fitted to the images again without weights; then its maps are such a fit, and
-// nothing is taken off the cube.
-//
 // Nothing, and all is as it was, where that cannot be done: a scan of spots, fewer pure pixels than components, a
 // component that vanishes. Passes cancellation points; an exception from there leaves the engine's result.
-std::optional<RefinementResult> refineResolution(const CORVSequenceDataset& sequence, bool bFittedAgain,
-                                                 CORVSpumKyvo& engine);
+std::optional<RefinementResult> refineResolution(const CORVSequenceDataset& sequence, CORVSpumKyvo& engine);
 
 // The level of pixels without light: the mean of those that are dark in every other image, in the images between, so
 // that their noise has no part in their choice.

@@ -385,7 +385,7 @@ void UnmixJob::fit(const QElapsedTimer& timer)
     XTNT::cancellationPoint();
     const std::optional<RefinementResult> refined = refine();
     const bool weighs = m_request.noise.kind != NoiseRequest::Kind::None || m_request.noise.errors;
-    if (refined && weighs && !m_request.save && m_request.noise.kind == NoiseRequest::Kind::None) {
+    if (refined && weighs && m_request.noise.kind == NoiseRequest::Kind::None) {
         // The errors are those of the weights that the maps have.
         m_request.noise.kind = NoiseRequest::Kind::Poisson;
     }
@@ -439,8 +439,12 @@ std::optional<RefinementResult> UnmixJob::refine()
     if (!isAutomatic() || automatic.count < 1 || !automatic.refine || m_setUp.opened().hasPhotographOfCamera()) {
         return std::nullopt;
     }
+    // A result that is loaded is fitted to the images as they are, without weights.
+    if (m_request.save) {
+        return std::nullopt;
+    }
     m_monitor.showProgress(QStringLiteral("Resolving from the purest pixels"), notKnown);
-    return refineResolution(m_setUp.opened().sequence(), m_request.save, m_setUp.engine());
+    return refineResolution(m_setUp.opened().sequence(), m_setUp.engine());
 }
 
 // A resolution of named components falls apart where they are not all there: an animal without food has its tissue

@@ -80,8 +80,8 @@ void declareAutomaticOptions(CommandParser& parser)
         {QStringLiteral("no-refinement"),
          QStringLiteral("Leave the answer by number alone as the clusters of pixels lead to it. Without it "
                         "imported images are resolved again from their purest pixels, each weighted by "
-                        "its noise, and an offset of the camera that is plain to see is taken off, but "
-                        "for --save.")});
+                        "its noise, and an offset of the camera that is plain to see is taken off. "
+                        "--save keeps the first answer.")});
     parser.addOption({QStringLiteral("constraints"),
                       QStringLiteral("Predict from the names where each component may lie (the default).")});
     parser.addOption({QStringLiteral("no-constraints"),

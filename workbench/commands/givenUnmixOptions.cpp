@@ -53,5 +53,10 @@ QStringList lastingUnmixArguments(const QCommandLineParser& parser)
             arguments.append(option.argument());
         }
     }
+    // What is saved is not refined, and the same bits come without a refinement alone.
+    if (parser.isSet(QStringLiteral("save")) && parser.isSet(QStringLiteral("ncomponents")) &&
+        !parser.isSet(QStringLiteral("no-refinement"))) {
+        arguments.append(QStringLiteral("--no-refinement"));
+    }
     return arguments;
 }

@@ -53,7 +53,17 @@ TEST_F(GivenUnmixOptionsTest, AWordOfTheMaskIsNoFileOfThatName)
 TEST_F(GivenUnmixOptionsTest, WhatLastsIsNotTheNameOfASavedResult)
 {
     const ParsedOptions options(declareUnmixOptions, {"--ncomponents", "3", "--save", "kept", "--pdf"});
-    EXPECT_EQ(lastingUnmixArguments(options.parser()), (QStringList{"--ncomponents=3", "--pdf"}));
+    EXPECT_EQ(lastingUnmixArguments(options.parser()), (QStringList{"--ncomponents=3", "--pdf", "--no-refinement"}));
+}
+
+TEST_F(GivenUnmixOptionsTest, ARefinementIsRefusedOnceAndOnlyWhereOneWas)
+{
+    const auto lasting = [](const QStringList& arguments) {
+        return lastingUnmixArguments(ParsedOptions(declareUnmixOptions, arguments).parser());
+    };
+    EXPECT_EQ(lasting({"--ncomponents", "3"}), QStringList{"--ncomponents=3"});
+    EXPECT_EQ(lasting({"--components", "TissueAF", "--save", "kept"}), QStringList{"--components=TissueAF"});
+    EXPECT_EQ(lasting({"--ncomponents", "3", "--no-refinement", "--save", "kept"}).count("--no-refinement"), 1);
 }
 
 } // namespace
