@@ -41,7 +41,18 @@ double sumOfEveryOther(const double* row, long long first, long long n)
     return sum;
 }
 
-// Pixels taken evenly, less an offset; those that are dark in all images or not finite tell nothing.
+// A pixel that is 0 in all images is a broken one, or was set to 0: the camera's offset is not in it.
+bool hasLight(const double* row, long long images)
+{
+    return std::any_of(row, row + images, [](double value) { return value != 0.0; });
+}
+
+bool tells(const double* row, long long images)
+{
+    return hasLight(row, images) && std::all_of(row, row + images, [](double value) { return std::isfinite(value); });
+}
+
+// Of the pixels that tell something those taken evenly, less an offset.
 Matrix<double> tellingPixels(const Matrix<double>& data, double dOffset)
 {
     const long long images = data.num_cols();
@@ -50,9 +61,7 @@ Matrix<double> tellingPixels(const Matrix<double>& data, double dOffset)
     std::vector<const double*> rows;
     for (long long p = 0; p < data.num_rows(); p += stride) {
         const double* row = data[p];
-        const bool finite = std::all_of(row, row + images, [](double value) { return std::isfinite(value); });
-        const bool light = std::any_of(row, row + images, [](double value) { return value != 0.0; });
-        if (finite && light) {
+        if (tells(row, images)) {
             rows.push_back(row);
         }
     }
@@ -113,8 +122,10 @@ bool fitWithoutWeights(const Matrix<double>& data, const Matrix<double>& spectra
 
 void takeOff(double dOffset, Matrix<double>& data)
 {
-    for (long long i = 0; i < data.storage.n_; ++i) {
-        data.storage[i] -= dOffset;
+    for (long long p = 0; p < data.num_rows(); ++p) {
+        if (hasLight(data[p], data.num_cols())) {
+            std::for_each(data[p], data[p] + data.num_cols(), [dOffset](double& value) { value -= dOffset; });
+        }
     }
 }
 
@@ -136,14 +147,21 @@ double darkLevel(const Matrix<double>& data)
 {
     constexpr long long part = 50; // one pixel in so many is taken for dark
     constexpr long long fewest = 20;
-    const long long count = std::min(std::max(data.num_rows() / part, fewest), data.num_rows());
-    if (count < 1 || data.num_cols() < 1) {
+    std::vector<long long> rows;
+    for (long long p = 0; p < data.num_rows(); ++p) {
+        if (tells(data[p], data.num_cols())) {
+            rows.push_back(p);
+        }
+    }
+    if (rows.empty()) {
         return 0.0;
     }
+    const auto all = static_cast<long long>(rows.size());
+    const long long count = std::min(std::max(all / part, fewest), all);
     double sum = 0.0;
     for (const long long half : {0LL, 1LL}) {
         std::vector<std::pair<double, long long>> order;
-        for (long long p = 0; p < data.num_rows(); ++p) {
+        for (const long long p : rows) {
             order.emplace_back(sumOfEveryOther(data[p], half, data.num_cols()), p);
         }
         std::nth_element(order.begin(), order.begin() + static_cast<std::ptrdiff_t>(count - 1), order.end());

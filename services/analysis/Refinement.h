@@ -29,5 +29,6 @@ struct RefinementResult
 std::optional<RefinementResult> refineResolution(const CORVSequenceDataset& sequence, CORVSpumKyvo& engine);
 
 // The level of pixels without light: the mean of those that are dark in every other image, in the images between, so
-// that their noise has no part in their choice.
+// that their noise has no part in their choice. Broken pixels, 0 in all images or not finite, take no part; 0 without
+// others.
 double darkLevel(const XTNT::Matrix<double>& data);

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <limits>
 #include <random>
 
 TEST(DarkLevelTest, IsThatOfPixelsWithoutLight)
@@ -28,8 +30,19 @@ TEST(DarkLevelTest, NoiseDoesNotLowerIt)
     EXPECT_NEAR(darkLevel(data), 100.0, 1.0);
 }
 
+TEST(DarkLevelTest, BrokenPixelsTakeNoPart)
+{
+    XTNT::Matrix<double> data(2000, 4, 300.0);
+    for (long long p = 0; p < 1800; ++p) {
+        std::fill_n(data[p], 4, p < 20 ? 0.0 : 350.0);
+    }
+    data[1999][2] = std::numeric_limits<double>::quiet_NaN();
+    EXPECT_DOUBLE_EQ(darkLevel(data), 300.0);
+}
+
 TEST(DarkLevelTest, OfNothingIsNothing)
 {
+    EXPECT_EQ(darkLevel(XTNT::Matrix<double>(30, 3)), 0.0);
     EXPECT_EQ(darkLevel(XTNT::Matrix<double>()), 0.0);
     EXPECT_EQ(darkLevel(XTNT::Matrix<double>(1, 3, 7.0)), 7.0);
 }

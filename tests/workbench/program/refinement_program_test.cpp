@@ -25,7 +25,7 @@ protected:
         return std::max(0.0, 1.0 - (x * x + y * y) / (22.0 * 22.0));
     }
 
-    void importStains(float fOffset, const QStringList& options = {}) const
+    void importStains(float fOffset, int nBroken = side * side + 1) const
     {
         const std::array<std::array<double, images>, 2> spectra = {
             {{0.7, 1.0, 0.6, 0.2, 0.05, 0.0}, {0.0, 0.1, 0.5, 1.0, 0.7, 0.3}}};
@@ -36,12 +36,13 @@ protected:
             const CILImage image = imageOf(side, side, [&](int i) {
                 const double light = 400.0 * (amount(0, i) * spectra[0][b] + amount(1, i) * spectra[1][b]);
                 const double counts = light > 0.0 ? std::poisson_distribution<int>(light)(generator) : 0;
-                return fOffset + static_cast<float>(counts);
+                // Broken pixels, one in so many, are without the offset.
+                return i % nBroken == nBroken - 1 ? 0.0F : fOffset + static_cast<float>(counts);
             });
             ASSERT_TRUE(
                 writeTiff(path(QStringLiteral("in/em%1.tif").arg(500 + 20 * static_cast<int>(b))), image, {}, &error));
         }
-        succeed(QStringList{"import", path("in"), "seq", "--quiet", "--force"} + options);
+        succeed({"import", path("in"), "seq", "--quiet", "--force"});
     }
 
     // The lowest correlation of the sources, in their order, with the maps.
@@ -93,6 +94,20 @@ TEST_F(RefinementProgramTest, AnOffsetIsTakenOffAndTold)
     const QJsonObject json = succeed(call + QStringList{"out"}, {"offset"}).json();
     EXPECT_NEAR(json["refinement"].toObject()["offset"].toDouble(), 300.0, 1.0);
     EXPECT_GT(agreement("out"), 0.98);
+}
+
+TEST_F(RefinementProgramTest, BrokenPixelsDoNotChangeTheOffset)
+{
+    importStains(300.0F, 140);
+    const QJsonObject json =
+        succeed({"unmix", "seq", "--ncomponents", "2", "--json", "--out", "out"}, {"offset"}).json();
+    EXPECT_NEAR(json["refinement"].toObject()["offset"].toDouble(), 300.0, 1.0);
+    CILImage map;
+    QString error;
+    ASSERT_TRUE(readTiff(path("out/01_UMX1.tif"), 0, map, &error)) << qPrintable(error);
+    for (std::size_t i = 139; i < static_cast<std::size_t>(side) * side; i += 140) {
+        EXPECT_EQ(map.value(i), 0.0F) << i;
+    }
 }
 
 // Loaded again it is fitted to the images as they are.
