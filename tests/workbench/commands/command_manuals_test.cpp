@@ -16,12 +16,13 @@ namespace {
 // As Qt's own help has them, which knows what is parsed.
 QSet<QString> parsedNames(const QCommandLineParser& parser)
 {
-    static const QRegularExpression line(QStringLiteral(R"(^ {2}(?:-\w, )*--([a-z-]+))"),
+    static const QRegularExpression line(QStringLiteral(R"(^ {2}(?:-\w, )*-(?:-([a-z-]+)|(\w)(?= |$)))"),
                                          QRegularExpression::MultilineOption);
     QSet<QString> names;
     auto matches = line.globalMatch(parser.helpText());
     while (matches.hasNext()) {
-        names.insert(matches.next().captured(1));
+        const auto match = matches.next();
+        names.insert(match.captured(1) + match.captured(2));
     }
     return names;
 }
