@@ -10,6 +10,7 @@
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QStyle>
 #include <QStyleOptionComboBox>
@@ -26,13 +27,13 @@ QString described(const QWidget& widget)
         .arg(QString::fromLatin1(widget.metaObject()->className()), widget.objectName(), shownText(widget));
 }
 
-// Inside an area that scrolls, nothing has to be within what is seen of it.
+// Inside an area that scrolls, nothing has to be within what is seen of it. One of windows does not.
 bool scrolls(const QWidget& widget)
 {
     for (const QWidget* pWidget = widget.parentWidget(); pWidget != nullptr && !pWidget->isWindow();
          pWidget = pWidget->parentWidget()) {
         if (qobject_cast<const QAbstractScrollArea*>(pWidget->parentWidget()) != nullptr) {
-            return true;
+            return qobject_cast<const QMdiArea*>(pWidget->parentWidget()) == nullptr;
         }
     }
     return false;
@@ -80,6 +81,10 @@ bool hasTooLittleRoom(const QWidget& widget)
 
 bool reachesOut(const QWidget& widget)
 {
+    // Where the user has put it.
+    if (const auto* pInner = qobject_cast<const QMdiSubWindow*>(&widget); pInner != nullptr && !pInner->isMaximized()) {
+        return false;
+    }
     const QWidget* pParent = widget.parentWidget();
     return !widget.isWindow() && pParent != nullptr && !scrolls(widget) && !pParent->rect().contains(widget.geometry());
 }

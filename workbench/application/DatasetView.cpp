@@ -24,7 +24,7 @@ constexpr int kFastKey = 10;
 
 DatasetView::DatasetView(QWidget* pParent) : CORVQImageView(pParent, "m_pDatasetView")
 {
-    setMinimumSize(160, 160);
+    setMinimumSize(120, 120);
 }
 
 void DatasetView::showPicture(const QImage& picture, const QSize& image)

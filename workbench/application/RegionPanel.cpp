@@ -16,7 +16,6 @@
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QKeyEvent>
-#include <QLabel>
 #include <QScrollBar>
 #include <QSignalBlocker>
 #include <QTableWidget>
@@ -49,8 +48,7 @@ RegionPanel::RegionPanel(CORVDataset* pDataset, QWidget* pParent)
     setObjectName(QStringLiteral("RegionPanel"));
     makeTable();
     auto* pRow = new QHBoxLayout;
-    pRow->setSpacing(0); // as of a tool bar: there may be little room beside the image
-    pRow->addWidget(new QLabel(tr("Regions:"), this));
+    pRow->setSpacing(0); // there may be little room beside the controls of the image
     for (QToolButton* pButton : {m_pRectangleButton, m_pEllipseButton, m_pPolygonButton, m_pFreeHandButton,
                                  m_pRemoveButton, m_pCopyButton, m_pSaveButton}) {
         pRow->addWidget(pButton);
