@@ -318,6 +318,14 @@ void RegionEditor::giveUp()
     choose(m_nChosen);
 }
 
+void RegionEditor::takeBackCorner()
+{
+    m_sketch.takeBack();
+    if (!m_sketch.isActive()) {
+        giveUp();
+    }
+}
+
 std::optional<tagROIInfo> RegionEditor::moved(const QPoint& pixels) const
 {
     if (!isChosenEditable()) {

@@ -62,7 +62,8 @@ public:
 
     bool isDrawing() const { return m_sketch.isPolygon(); }
     void hover(const QPointF& point, const QRectF& shown) { m_sketch.hover(point, shown); }
-    void takeBackCorner() { m_sketch.takeBack(); }
+    // With the only one the polygon is given up.
+    void takeBackCorner();
     // The polygon as a new region without a name; nothing, with the reason, as long as it is none: it goes on then.
     std::optional<tagROIInfo> close(QString* pReason);
 

@@ -245,6 +245,9 @@ TEST_F(RegionEditorTest, APolygonThatIsGivenUpLeavesWhatWasChosen)
     EXPECT_EQ(m_editor.chosen(), 0);
     EXPECT_EQ(m_editor.partAt(at(30, 30), m_shown), CropPart::BottomRight);
     clickAll({{50, 5}});
+    m_editor.takeBackCorner();
+    EXPECT_EQ(m_editor.partAt(at(30, 30), m_shown), CropPart::BottomRight) << "so does taking its only corner back";
+    clickAll({{50, 5}});
     m_editor.setTool(Tool::Ellipse);
     EXPECT_FALSE(m_editor.isDrawing()) << "another tool gives it up, too";
 }
