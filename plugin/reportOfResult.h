@@ -22,6 +22,6 @@ struct ReportRequest
 };
 
 // Writes the files of an engine's present result as the command line writes them (maps, pictures, spectra, numbers and
-// a page for a browser), all or none. Reads no dataset, so that any thread can do it while the engine does not change.
-// Throws Failure.
+// a page for a browser), all or none. Reads no pixels of a dataset, so that any thread can do it while the engine does
+// not change. Throws Failure.
 void writeReportOfResult(const CORVSpumKyvo& engine, const ReportRequest& request, JobMonitor& monitor);

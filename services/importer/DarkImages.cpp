@@ -38,7 +38,9 @@ QString keyOf(const ImageRow& row)
 bool DarkImages::list(const QString& strSource, QString* pError)
 {
     ImageFinder finder;
-    if (!finder.find(strSource, ImageFinder::Progress(), pError)) {
+    PlaneChoice planes;
+    planes.each = true;
+    if (!finder.find(strSource, ImageFinder::Progress(), pError, false, planes)) {
         return false;
     }
     const QByteArray table = InferredTable(finder.images(), {}, std::nullopt, true).toCsv();

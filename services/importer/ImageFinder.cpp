@@ -352,8 +352,11 @@ bool ImageFinder::addTiff(const QString& strPath, QString* pError)
     }
     // Samples that are no colours are images of their own.
     const int samples = info.isColour ? 1 : info.samplesPerPixel;
+    // Of a file without dimensions there is one plane in each, and every page has it.
+    const PlanePosition& sizes = facts.planes.sizes;
+    const bool chosen = sizes.c > 1 || sizes.z > 1 || sizes.t > 1;
     for (int page = 0; page < pages; ++page) {
-        if (!m_choice.takes(facts.planes.pages.at(page))) {
+        if (chosen && !m_choice.takes(facts.planes.pages.at(page))) {
             continue;
         }
         for (int sample = 0; sample < samples; ++sample) {

@@ -129,15 +129,12 @@ bool ImagePreparation::takeDark(int i, QString* pError)
 // In its own size.
 bool ImagePreparation::correct(int i, CILImage& image, QString* pError)
 {
-    if (!takeDark(i, pError)) {
-        return false;
-    }
     return (divide(image, m_stack.scale(i)) && m_correction.apply(image)) || failWithoutMemory(i, pError);
 }
 
 bool ImagePreparation::read(int i, CILImage& image, QString* pError)
 {
-    if (!m_stack.readBand(i, image, pError)) {
+    if (!takeDark(i, pError) || !m_stack.readBand(i, image, pError)) {
         return false;
     }
     if (QSize(static_cast<int>(image.m_lWidth), static_cast<int>(image.m_lHeight)) != m_stack.size(i)) {

@@ -201,7 +201,8 @@ QString preparedText(const ImportReport& report)
     header += subtracted ? QStringList{QStringLiteral("below 0")} : QStringList();
     header += report.sizes.isEmpty() ? QStringList() : QStringList{QStringLiteral("binned by")};
     TextTable table(header);
-    const double pixels = static_cast<double>(report.width) * static_cast<double>(report.height);
+    const double pixels =
+        static_cast<double>(report.width) * static_cast<double>(report.height) - static_cast<double>(report.invalid);
     long long negatives = 0;
     const int count = report.prepared.size();
     for (int i = 0; i < count; ++i) {

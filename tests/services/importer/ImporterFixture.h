@@ -3,6 +3,7 @@
 
 #include "host/CILImage.h"
 #include "platform/orvimage/TiffIo.h"
+#include "platform/orvimage/TiffStackWriter.h"
 
 #include <QDir>
 #include <QFile>
@@ -52,6 +53,22 @@ protected:
         QString error;
         EXPECT_TRUE(writeTiff(path(name), image, TiffWriteOptions(), &error)) << qPrintable(error);
         return path(name);
+    }
+
+    // Pages with a description of the first and names.
+    void writeStack(const QString& name, const QString& description, const QStringList& pageNames) const
+    {
+        QDir().mkpath(QFileInfo(path(name)).path());
+        TiffStackWriter writer;
+        QString error;
+        ASSERT_TRUE(writer.begin(path(name), 0, &error)) << qPrintable(error);
+        for (int i = 0; i < pageNames.size(); ++i) {
+            TiffWriteOptions options;
+            options.description = i == 0 ? description : QString();
+            options.pageName = pageNames.at(i);
+            ASSERT_TRUE(writer.add(makeImage(ORVTYPE_BYTE, 4, 3, [](long x, long) { return x; }), options, &error));
+        }
+        ASSERT_TRUE(writer.finish(&error)) << qPrintable(error);
     }
 
     // A grey ramp that tells images apart by `base`.

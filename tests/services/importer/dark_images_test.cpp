@@ -72,6 +72,13 @@ TEST_F(DarkImagesTest, PagesServeInTheirOrder)
               "with one each of the same name");
 }
 
+TEST_F(DarkImagesTest, PlanesOfAStackInDepthServeInTheirOrder)
+{
+    writeStack("deep.tif", "ImageJ=1.53\nimages=2\nslices=2\nhyperstack=true\n", {"", ""});
+    ASSERT_TRUE(open("deep.tif", twoImages)) << qPrintable(m_error);
+    EXPECT_FALSE(m_dark.isSame(0, 1));
+}
+
 TEST_F(DarkImagesTest, FilesOfAFolderServeByTheirNames)
 {
     writeRamp("named/b.tif", 20);

@@ -32,21 +32,6 @@ protected:
         const QString csv = QString::fromUtf8(table.toCsv());
         return table.doubts().isEmpty() ? csv.mid(csv.indexOf('\n') + 1) : "doubts: " + table.doubts().join("; ");
     }
-    // Pages with a description of the first and names.
-    void writeStack(const QString& name, const QString& description, const QStringList& pageNames)
-    {
-        QDir().mkpath(QFileInfo(path(name)).path());
-        TiffStackWriter writer;
-        QString error;
-        ASSERT_TRUE(writer.begin(path(name), 0, &error)) << qPrintable(error);
-        for (int i = 0; i < pageNames.size(); ++i) {
-            TiffWriteOptions options;
-            options.description = i == 0 ? description : QString();
-            options.pageName = pageNames.at(i);
-            ASSERT_TRUE(writer.add(makeImage(ORVTYPE_BYTE, 4, 3, [](long x, long) { return x; }), options, &error));
-        }
-        ASSERT_TRUE(writer.finish(&error)) << qPrintable(error);
-    }
 
     ImageFinder m_finder;
     PlaneChoice m_choice;
@@ -225,6 +210,10 @@ TEST_F(ImageFinderTest, ChannelsWithoutWavelengthsKeepTheNamesThatTheFileGives)
     m_choice.each = false;
     writeStack("pages.tif", "", {"red band", "green band"});
     EXPECT_EQ(table(path("pages.tif")), "pages.tif,1,red band,\npages.tif,2,green band,\n");
+    m_choice.z = 1;
+    EXPECT_EQ(table(path("pages.tif")), "pages.tif,1,red band,\npages.tif,2,green band,\n")
+        << "the only plane there is";
+    m_choice.z = 0;
     writeRamp("in/slide DAPI.tif", 1);
     writeRamp("in/slide Cy.tif", 1);
     EXPECT_EQ(table(path("in")), "slide Cy.tif,slide Cy,\nslide DAPI.tif,slide DAPI,\n");

@@ -138,6 +138,16 @@ TEST_F(ImportPixelsProgramTest, WhatPaddingAddsIsInNoMask)
     EXPECT_TRUE(valid) << "what the analysis depends on";
 }
 
+// 12 of 24 pixels lie below the background of 1, and as many are added.
+TEST_F(ImportPixelsProgramTest, TheShareBelow0IsThatOfThePixelsThatHaveAValue)
+{
+    writeTiffFile("half/em700.tif", imageOf(4, 6, [](int p) { return p % 2 == 0 ? 0.0F : 2.0F; }));
+    writeTiffFile("half/em740.tif", imageOf(8, 6, [](int p) { return p % 2 == 0 ? 0.0F : 2.0F; }));
+    const ProgramResult imported = spum({"import", "half", "seq", "--sizes", "pad", "--background", "percentile:50"});
+    EXPECT_EQ(imported.status, 0);
+    EXPECT_TRUE(imported.out.contains("12 (50 %)")) << qPrintable(imported.out);
+}
+
 TEST_F(ImportPixelsProgramTest, ARuleThatIsNoneIsRefused)
 {
     makeStack(0.0F);
