@@ -374,7 +374,6 @@ void UnmixJob::fit(const QElapsedTimer& timer)
     auto& engine = m_setUp.engine();
     const RunOutcome outcome =
         isAutomatic() ? resolve() : runShown(engine, m_monitor, QStringLiteral("Fitting"), checkedFraction);
-    const double seconds = static_cast<double>(timer.nsecsElapsed()) * 1e-9;
     if (outcome == RunOutcome::Aborted) {
         throw Failure(QStringLiteral("unmixing aborted by user"), Failure::Kind::Aborted);
     }
@@ -390,6 +389,7 @@ void UnmixJob::fit(const QElapsedTimer& timer)
         m_request.noise.kind = NoiseRequest::Kind::Poisson;
     }
     const NoiseFitResult weighed = weighs ? weigh() : NoiseFitResult();
+    const double seconds = static_cast<double>(timer.nsecsElapsed()) * 1e-9;
     showPictures();
     const bool corrected = isAutomatic() && m_request.automatic.correctDecay;
     m_numbers = numbersOfResult(engine, m_setUp.opened().truthFolder(engine.m_eUnit, corrected));
