@@ -99,10 +99,14 @@ QList<QPair<QString, QString>> factRows(const ResultFacts& facts)
         return rows;
     }
     const AutomaticFacts& run = *facts.automatic;
-    rows.append(
-        {QStringLiteral("Ending"), QStringLiteral("%1 after %2 iterations").arg(run.ending).arg(run.iterations)});
-    rows.append({QStringLiteral("Lack of fit"), percent(run.lackOfFit, 4)});
-    rows.append({QStringLiteral("Lack of fit, denoised data"), percent(run.lackOfFitDenoised, 4)});
+    // The lack of fit of what was refined is its residual.
+    const QString first = facts.refinement ? QStringLiteral(" of the first resolution") : QString();
+    rows.append({QStringLiteral("Ending") + first,
+                 QStringLiteral("%1 after %2 iterations").arg(run.ending).arg(run.iterations)});
+    if (!facts.refinement) {
+        rows.append({QStringLiteral("Lack of fit"), percent(run.lackOfFit, 4)});
+    }
+    rows.append({QStringLiteral("Lack of fit%1, denoised data").arg(first), percent(run.lackOfFitDenoised, 4)});
     return rows;
 }
 

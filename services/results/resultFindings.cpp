@@ -262,7 +262,7 @@ RunFindings findingsOfResult(const CORVSpumKyvo& engine, const CORVSequenceDatas
     findBinning(engine, sequence, findings);
     if (bResolved) {
         findNames(engine, findings, numbers);
-        findings.iterationLimit = numbers.facts.ending == MCREnding::IterationLimit;
+        findings.iterationLimit = !numbers.refinement && numbers.facts.ending == MCREnding::IterationLimit;
         findDecay(engine, sequence, findings);
     }
     return findings;

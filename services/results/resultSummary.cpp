@@ -240,6 +240,13 @@ QString resultText(const ResultFacts& facts)
         return text;
     }
     const AutomaticFacts& run = *facts.automatic;
+    if (facts.refinement) {
+        return text + QStringLiteral("the first resolution: %1 after %2 iterations; lack of fit %3 % of the denoised "
+                                     "data\n")
+                          .arg(run.ending)
+                          .arg(run.iterations)
+                          .arg(TextTable::number(run.lackOfFitDenoised, 4));
+    }
     return text + QStringLiteral("%1 after %2 iterations; lack of fit %3 % of the data, %4 % of the denoised data\n")
                       .arg(run.ending)
                       .arg(run.iterations)

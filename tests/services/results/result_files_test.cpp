@@ -443,6 +443,18 @@ TEST_F(ResultFilesTest, AnAutomaticRunTellsHowItWent)
         << qPrintable(text);
 }
 
+TEST_F(ResultFilesTest, WhatTheFirstResolutionCameToIsNotToldOfTheRefinedOne)
+{
+    analyse();
+    m_numbers.automatic = true;
+    m_numbers.facts = {17, MCREnding::IterationLimit, 1.5, 2.5, 3, {}};
+    m_numbers.refinement = RefinementFacts();
+    const QString text = ResultFiles(engine(), m_numbers, out()).summaryText();
+    EXPECT_TRUE(text.endsWith("the first resolution: iteration limit after 17 iterations; lack of fit 1.5 % of the "
+                              "denoised data\n"))
+        << qPrintable(text);
+}
+
 TEST_F(ResultFilesTest, AnAutomaticRunTellsWhatStandsAboveTheNoise)
 {
     analyse();

@@ -118,6 +118,8 @@ TEST_F(ResultFindingsTest, TheLimitOfIterationsIsOneOfAResolution)
     EXPECT_TRUE(find(true).iterationLimit);
     EXPECT_EQ(m_numbers.knownCosines.size(), 2U);
     EXPECT_FALSE(find(false).iterationLimit);
+    m_numbers.refinement = RefinementFacts();
+    EXPECT_FALSE(findingsOfResult(engine(), m_pOpened->sequence(), true, m_numbers).iterationLimit);
     engine().m_runFacts.ending = MCREnding::Converged;
     EXPECT_FALSE(find(true).iterationLimit);
 }
