@@ -8,6 +8,8 @@
 namespace {
 
 constexpr int digits = 3;
+// A camera counts some electrons to some hundred as one.
+constexpr double mostElectronsPerCount = 1e6;
 
 QString number(double dValue)
 {
@@ -28,7 +30,7 @@ QJsonObject NoiseFacts::json() const
     if (isWeighted(*this) && resolved) {
         json.insert(QStringLiteral("mapsFittedAgain"), true);
     }
-    if (electronsPerCount && readNoise) {
+    if (electronsPerCount && readNoise && !hidesLight()) {
         json.insert(QStringLiteral("electronsPerCount"), *electronsPerCount);
         json.insert(QStringLiteral("readNoiseElectrons"), *readNoise);
         json.insert(QStringLiteral("estimated"), estimated);
@@ -37,6 +39,11 @@ QJsonObject NoiseFacts::json() const
         json.insert(QStringLiteral("residualOverNoise"), residualOverNoise);
     }
     return json;
+}
+
+bool NoiseFacts::hidesLight() const
+{
+    return estimated && electronsPerCount && readNoise && *electronsPerCount > mostElectronsPerCount;
 }
 
 QString NoiseFacts::label() const
@@ -55,6 +62,10 @@ QString NoiseFacts::modelLabel() const
     if (!electronsPerCount || !readNoise) {
         return QStringLiteral("Poisson, by the noise of each image");
     }
+    if (hidesLight()) {
+        return QStringLiteral("Poisson, not seen beside a read noise of %1 counts (estimated)")
+            .arg(number(*readNoise / *electronsPerCount));
+    }
     return QStringLiteral("Poisson, %1 e a count, read noise %2 e%3")
         .arg(number(*electronsPerCount), number(*readNoise), estimated ? QStringLiteral(" (estimated)") : QString());
 }
@@ -70,7 +81,10 @@ QString NoiseFacts::text() const
         return again + QStringLiteral("each image weighted by its noise");
     }
     QString text = again + QStringLiteral("pixels weighted by the noise of their light");
-    if (electronsPerCount && readNoise) {
+    if (hidesLight()) {
+        text += QStringLiteral(", which is not seen beside a read noise of %1 counts (estimated)")
+                    .arg(number(*readNoise / *electronsPerCount));
+    } else if (electronsPerCount && readNoise) {
         text += QStringLiteral(", %1 e a count and a read noise of %2 e%3")
                     .arg(number(*electronsPerCount), number(*readNoise),
                          estimated ? QStringLiteral(" (estimated)") : QString());

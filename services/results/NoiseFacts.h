@@ -27,4 +27,6 @@ struct NoiseFacts
 
 private:
     QString modelLabel() const;
+    // Whether the estimate is no number of electrons: the noise does not grow with the light.
+    bool hidesLight() const;
 };
