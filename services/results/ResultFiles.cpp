@@ -43,8 +43,6 @@ const QSize plotSize(1100, 700);
 constexpr int overviewMaps = 12;
 constexpr int reportedComposites = 6;
 
-// A row an image: what is left of it, what its noise is where that is known, and what is missing, as a spectrum whose
-// largest value is 1.
 // Names of the numbered channels of the analysis, in its order; empty for images of filters and times.
 QStringList channelsOf(const CORVSpumKyvo& engine)
 {
@@ -56,6 +54,8 @@ QStringList channelsOf(const CORVSpumKyvo& engine)
     return labels.isEmpty() ? QStringList() : channels;
 }
 
+// A row an image: what is left of it, what its noise is where that is known, and what is missing, as a spectrum whose
+// largest value is 1.
 QByteArray restTable(const CORVSpumKyvo& engine, const FitRest& rest, const std::vector<double>& noise)
 {
     constexpr int digits = 9;
