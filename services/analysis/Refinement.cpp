@@ -11,6 +11,7 @@
 
 #include "XTNT/constrained_concentrations.h"
 #include "XTNT/weighted_concentrations.h"
+#include "XTNT/xtnt_parallel.h"
 
 #include <algorithm>
 #include <cmath>
@@ -227,7 +228,9 @@ double darkLevel(const Matrix<double>& data)
     const long long count = std::min(std::max(all / part, fewest), all);
     double sum = 0.0;
     for (const long long half : {0LL, 1LL}) {
+        XTNT::cancellationPoint();
         std::vector<std::pair<double, long long>> order;
+        order.reserve(rows.size());
         for (const long long p : rows) {
             order.emplace_back(sumOfEveryOther(data[p], half, data.num_cols()), p);
         }
@@ -249,6 +252,7 @@ std::optional<RefinementResult> refineResolution(const CORVSequenceDataset& sequ
     const int components = static_cast<int>(engine.m_spectra.num_rows());
     RefinementResult result;
     result.facts.offset = offsetOf(engine);
+    XTNT::cancellationPoint();
     std::optional<Resolved> found;
     if (result.facts.offset) {
         found = resolve(tellingPixels(data, *result.facts.offset), components, told);
