@@ -4,9 +4,13 @@
 
 #include "platform/orvimage/TiffIo.h"
 
+#include <QDir>
+#include <QFileInfo>
+
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <csignal>
 #include <random>
 
 namespace {
@@ -144,7 +148,8 @@ TEST_F(RefinementProgramTest, WhatIsSavedIsTheFirstAnswerAndCanBeRedone)
 {
     importStains(300.0F);
     const QStringList call = {"unmix", "seq", "--ncomponents", "2", "--json", "--out"};
-    const QJsonObject kept = spum(call + QStringList{"kept", "--save", "kept"}).json();
+    const QJsonObject kept =
+        succeed(call + QStringList{"kept", "--save", "kept"}, {"unexplained", "too-few-components", "offset"}).json();
     EXPECT_FALSE(kept.contains("refinement"));
     EXPECT_FALSE(kept.contains("noiseModel"));
     EXPECT_TRUE(contentOf(path("kept/summary.json")).contains("an offset of the camera is taken for light"));
@@ -166,10 +171,11 @@ TEST_F(RefinementProgramTest, TheFirstAnswerCanBeHad)
 TEST_F(RefinementProgramTest, ASequenceWithAPhotographOfACameraKeepsItsAnswer)
 {
     simulate();
-    EXPECT_FALSE(spum({"unmix", "seq", "--ncomponents", "4", "--json", "--out", "out"}).json().contains("refinement"));
+    const QStringList call = {"unmix", "seq", "--ncomponents", "4", "--json", "--out", "out"};
+    EXPECT_FALSE(succeed(call).json().contains("refinement"));
 }
 
-TEST_F(RefinementProgramTest, ImagesThatAreNoSquareLoseNoOffset)
+TEST_F(RefinementProgramTest, PaddingDoesNotHideTheOffset)
 {
     ASSERT_TRUE(QDir().mkpath(path("in")));
     QString error;
@@ -182,7 +188,8 @@ TEST_F(RefinementProgramTest, ImagesThatAreNoSquareLoseNoOffset)
         ASSERT_TRUE(writeTiff(path(QStringLiteral("in/em%1.tif").arg(500 + 20 * b)), image, {}, &error));
     }
     succeed({"import", path("in"), "seq", "--quiet"});
-    const QJsonObject json = spum({"unmix", "seq", "--ncomponents", "2", "--json", "--out", "out"}).json();
+    const QJsonObject json =
+        succeed({"unmix", "seq", "--ncomponents", "2", "--json", "--out", "out"}, {"offset"}).json();
     EXPECT_NEAR(json["refinement"].toObject()["offset"].toDouble(), 200.0, 1e-6);
     EXPECT_LT(json["residual"].toDouble(), 1e-3);
 }
@@ -216,4 +223,45 @@ TEST_F(RefinementProgramTest, SpectraThatCannotBeToldApartLeaveTheFirstAnswer)
     const ProgramResult result = spum({"unmix", "seq", "--ncomponents", "3", "--json", "--out", "out"});
     EXPECT_EQ(result.status, 0) << qPrintable(result.err);
     EXPECT_FALSE(result.json().contains("refinement"));
+}
+
+TEST_F(RefinementProgramTest, AsManyComponentsAsImagesHaveAnAnswer)
+{
+    importStains(0.0F);
+    const ProgramResult result = spum({"unmix", "seq", "--ncomponents", "6", "--json", "--out", "out"});
+    EXPECT_EQ(result.status, 0) << qPrintable(result.err);
+    const QJsonObject json = result.json();
+    EXPECT_EQ(json["components"].toArray().size(), images);
+    EXPECT_LT(json["residual"].toDouble(), 0.05);
+}
+
+TEST_F(RefinementProgramTest, AnInterruptedRefinementLeavesNothing)
+{
+    std::signal(SIGINT, SIG_DFL);
+    ASSERT_TRUE(QDir().mkpath(path("in")));
+    QString error;
+    constexpr int wide = 400;
+    for (int b = 0; b < 2 * images; ++b) {
+        const CILImage image = imageOf(wide, wide, [b](int i) {
+            const int light = (b + 1) * (i % wide) + (2 * images - b) * (i / wide);
+            return static_cast<float>(light + (i * (2 * b + 7)) % 13);
+        });
+        ASSERT_TRUE(writeTiff(path(QStringLiteral("in/em%1.tif").arg(500 + 20 * b)), image, {}, &error));
+    }
+    succeed({"import", path("in"), "seq", "--quiet"});
+    const QStringList before = entriesOf(path("seq"));
+    int interrupted = 0;
+    for (const int delay : {100, 300, 500, 700, 900}) {
+        const ProgramResult result =
+            program().runAndInterrupt({"unmix", "seq", "--ncomponents", "3"}, path("seq"), delay, SIGINT);
+        if (result.status == 0) {
+            EXPECT_TRUE(QFileInfo::exists(path("seq/unmixed-automatic/summary.json")));
+            QDir(path("seq/unmixed-automatic")).removeRecursively();
+        } else {
+            EXPECT_EQ(result.status, 130) << qPrintable(result.err);
+            ++interrupted;
+        }
+        EXPECT_EQ(entriesOf(path("seq")), before);
+    }
+    EXPECT_GT(interrupted, 0);
 }
