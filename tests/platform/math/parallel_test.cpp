@@ -302,7 +302,14 @@ TEST_F(ParallelTest, AProcessEndsWhateverItsHelpersDo)
 TEST_F(ParallelTest, AForkedChildHasHelpersOfItsOwn)
 {
     setThreadCount(3);
-    parallelChunks(10, 1, [](long long, long long) {});
+    // Until every helper runs: one that is being started holds locks of a sanitizer, which a child would wait for.
+    std::atomic<int> inside{0};
+    parallelChunks(3, 1, [&inside](long long, long long) {
+        ++inside;
+        while (inside < 3) {
+            spin(std::chrono::microseconds(50));
+        }
+    });
     EXPECT_EQ(inForkedChild([] {
                   ::alarm(60);
                   std::atomic<int> done{0};

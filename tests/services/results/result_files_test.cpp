@@ -47,6 +47,18 @@ protected:
         return image;
     }
     QJsonObject writtenJson() const { return QJsonDocument::fromJson(contentOf(out() + "summary.json")).object(); }
+    // The table, in which the largest values are 15 and 7 but for their rounding, which a compiler's choices change.
+    QByteArray tableOfWholeMaxima()
+    {
+        QByteArray table = contentOf(out() + "summary.csv");
+        const QByteArray whole[] = {",15,", ",7,"};
+        for (int k = 0; k < 2; ++k) {
+            const double largest = engine().m_concentrations.row(k).Max();
+            EXPECT_NEAR(largest, k == 0 ? 15.0 : 7.0, 1e-13);
+            table.replace(',' + orv::shortestText(largest).toLatin1() + ',', whole[k]);
+        }
+        return table;
+    }
     ResultNumbers m_numbers;
 };
 
@@ -200,9 +212,7 @@ TEST_F(ResultFilesTest, TheSummaryTellsTheNumbers)
     m_numbers.warnings = {{RunWarning::Severity::Warning, "decay", "it fades", "wait"},
                           {RunWarning::Severity::Warning, "upsampled", "it grew", ""}};
     writeFiles();
-    // The first one's largest value is 15 but for its rounding.
-    const QByteArray largest = orv::shortestText(engine().m_concentrations.row(0).Max()).toLatin1();
-    EXPECT_EQ(contentOf(out() + "summary.csv").replace(',' + largest + ',', ",15,").toStdString(),
+    EXPECT_EQ(tableOfWholeMaxima().toStdString(),
               "sequence,run,method,unit,name,map,errorMap,color,share,maximum,highPass,locked,standardError,"
               "noiseAmplification,"
               "nameCosine,truthName,truthCosine,truthCorrelation,truthRelativeError,images,width,height,binning,pixels,"
@@ -435,8 +445,8 @@ TEST_F(ResultFilesTest, AnAutomaticRunTellsHowItWent)
     EXPECT_EQ(components[0].toObject()["locked"], true);
     EXPECT_FALSE(components[0].toObject().contains("highPass"));
     EXPECT_EQ(components[1].toObject()["highPass"], 720);
-    EXPECT_TRUE(contentOf(out() + "summary.csv")
-                    .contains(",7,720,false,,,,,,,,3,4,4,1,16,0.125,0.984375,,3,17,converged,0.025,0.015,,,,,,,\n"));
+    EXPECT_TRUE(tableOfWholeMaxima().contains(
+        ",7,720,false,,,,,,,,3,4,4,1,16,0.125,0.984375,,3,17,converged,0.025,0.015,,,,,,,\n"));
     const QString text = ResultFiles(engine(), m_numbers, out()).summaryText();
     EXPECT_TRUE(
         text.endsWith("converged after 17 iterations; lack of fit 2.5 % of the data, 1.5 % of the denoised data\n"))
