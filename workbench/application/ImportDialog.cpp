@@ -84,7 +84,11 @@ ImportDialog::ImportDialog(const QStringList& paths, QWidget* pParent)
     m_pFolderButton->setFocus();
 }
 
-ImportDialog::~ImportDialog() = default;
+ImportDialog::~ImportDialog()
+{
+    // The end of the window takes the focus, and that would be the end of an edit.
+    m_pIntervalEdit->disconnect(this);
+}
 
 const ImportTable& ImportDialog::table() const
 {

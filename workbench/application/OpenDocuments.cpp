@@ -249,7 +249,8 @@ const OpenDocuments::Shown* OpenDocuments::current() const
 {
     const QMdiSubWindow* pFront = m_pArea->currentSubWindow();
     for (const auto& pShown : m_shown) {
-        if (pFront != nullptr && pShown->m_pFrame == pFront && !pShown->m_bClosing && !pFront->isHidden()) {
+        // What is closing may be half gone.
+        if (pFront != nullptr && !pShown->m_bClosing && pShown->m_pFrame == pFront && !pFront->isHidden()) {
             return pShown.get();
         }
     }
@@ -327,6 +328,7 @@ void OpenDocuments::closeWindowsOfDatasets(const CORVSequenceDataset* pSequence)
     QList<QPointer<CORVMdiSubWindow>> frames;
     for (const auto& pShown : m_shown) {
         if (pShown->m_pDataset != nullptr && datasets.contains(pShown->m_pDataset)) {
+            pShown->m_bClosing = true;
             frames.append(pShown->m_pFrame);
         }
     }
