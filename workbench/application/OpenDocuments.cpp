@@ -71,7 +71,7 @@ OpenDocuments::~OpenDocuments()
         Shown& shown = last != m_shown.rend() ? **last : *m_shown.back();
         allowsClosing(shown);
         QObject* pWindow = shown.m_pWindow;
-        const QPointer<CORVMdiSubWindow> pFrame = shown.m_pFrame;
+        const QPointer<QMdiSubWindow> pFrame = shown.m_pFrame;
         delete pWindow; // forgets itself
         delete pFrame;
     }
@@ -86,7 +86,7 @@ OpenDocuments::Outcome<CORVSequenceDataset> OpenDocuments::openSequence(const QS
             folderOf(pShown->m_pSequence->getSequenceInfoPath()) == folder) {
             outcome.document = pShown->m_pSequence;
             outcome.wasOpen = true;
-            pShown->m_pFrame->showWindow();
+            qobject_cast<CORVMdiSubWindow*>(pShown->m_pFrame)->showWindow();
             return outcome;
         }
     }
@@ -170,7 +170,7 @@ void OpenDocuments::showDataset(CORVDataset* pDataset)
 {
     for (const auto& pShown : m_shown) {
         if (pShown->m_pDataset == pDataset && !pShown->m_bClosing && pShown->m_pFrame) {
-            pShown->m_pFrame->showWindow();
+            qobject_cast<CORVMdiSubWindow*>(pShown->m_pFrame)->showWindow();
             return;
         }
     }
@@ -219,7 +219,7 @@ CORVMdiSubWindow* OpenDocuments::frameOf(const CORVSequenceDataset* pSequence) c
 {
     for (const auto& pShown : m_shown) {
         if (pSequence != nullptr && pShown->m_pSequence == pSequence) {
-            return pShown->m_pFrame;
+            return qobject_cast<CORVMdiSubWindow*>(pShown->m_pFrame);
         }
     }
     return nullptr;
@@ -325,7 +325,7 @@ bool OpenDocuments::allowsClosing(Shown& shown)
 void OpenDocuments::closeWindowsOfDatasets(const CORVSequenceDataset* pSequence)
 {
     const QList<CORVDataset*> datasets = pSequence->getDatasets();
-    QList<QPointer<CORVMdiSubWindow>> frames;
+    QList<QPointer<QMdiSubWindow>> frames;
     for (const auto& pShown : m_shown) {
         if (pShown->m_pDataset != nullptr && datasets.contains(pShown->m_pDataset)) {
             pShown->m_bClosing = true;
@@ -351,7 +351,7 @@ bool OpenDocuments::eventFilter(QObject* pWatched, QEvent* pEvent)
         return true;
     }
     // The frame of a window that was closed by itself goes with it.
-    if (const QPointer<CORVMdiSubWindow> pFrame = pShown->m_pFrame) {
+    if (const QPointer<QMdiSubWindow> pFrame = pShown->m_pFrame) {
         QMetaObject::invokeMethod(pFrame, "close", Qt::QueuedConnection);
     }
     return false;
@@ -378,7 +378,7 @@ bool OpenDocuments::closeCurrent()
 
 bool OpenDocuments::closeAll()
 {
-    QList<QPointer<CORVMdiSubWindow>> frames;
+    QList<QPointer<QMdiSubWindow>> frames;
     for (const auto& pShown : m_shown) {
         if (!pShown->m_bClosing) {
             frames.insert(pShown.get() == current() ? 0 : frames.size(), pShown->m_pFrame);

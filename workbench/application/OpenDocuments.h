@@ -18,6 +18,7 @@ class CORVMdiSubWindow;
 class CORVSequenceDataset;
 class CORVSequenceWindow;
 class QMdiArea;
+class QMdiSubWindow;
 
 // What is open, a window of the work area each: sequences, images of their datasets, and datasets by themselves, such
 // as maps. Whatever is opened here belongs to this object and lives as long as its window, whichever way that is
@@ -90,7 +91,8 @@ private:
     struct Shown
     {
         CORVChildWindow* m_pWindow = nullptr;
-        QPointer<CORVMdiSubWindow> m_pFrame;
+        // Asked for while it ends, too, when it is no CORVMdiSubWindow any more.
+        QPointer<QMdiSubWindow> m_pFrame;
         CORVSequenceDataset* m_pSequence = nullptr;
         CORVDataset* m_pDataset = nullptr;
         std::unique_ptr<QObject> m_pOwnedSequence;
