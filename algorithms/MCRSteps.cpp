@@ -13,7 +13,6 @@
 
 #include "XTNT/concentration_pass.h"
 #include "XTNT/least_squares.h"
-#include "XTNT/sort_with_index.h"
 #include "XTNT/xtnt_pages.h"
 
 #include <algorithm>
@@ -326,18 +325,7 @@ void MCR::sortComponents()
     if (autoSorting == 0 || topology.num_rows() > 1 || spec.empty()) {
         return;
     }
-    Vector<double> centres(spec.num_rows());
-    for (long long c = 0; c < spec.num_rows(); ++c) {
-        double moment = 0;
-        double total = 0;
-        for (long long j = 0; j < spec.num_cols(); ++j) {
-            moment += static_cast<double>(j + 1) * spec[c][j];
-            total += spec[c][j];
-        }
-        centres[c] = moment / total;
-    }
-    Vector<long long> order;
-    XTNT::sortWithIndex(centres, order);
+    const Vector<long long> order = rowpass::orderByCentre(spec);
     bool bSorted = true;
     for (long long i = 0; i < order.size(); ++i) {
         bSorted = bSorted && order[i] == i;

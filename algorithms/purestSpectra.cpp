@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <numeric>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -30,11 +32,7 @@ constexpr double nothingLeft = 1e-6;
 
 double dot(const Row& a, const Row& b)
 {
-    double sum = 0.0;
-    for (std::size_t i = 0; i < a.size(); ++i) {
-        sum += a[i] * b[i];
-    }
-    return sum;
+    return std::inner_product(a.begin(), a.end(), b.begin(), 0.0);
 }
 
 double squaredDistance(const Row& a, const Row& b)

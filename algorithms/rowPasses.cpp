@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "algorithms/rowPasses.h"
 
+#include "XTNT/sort_with_index.h"
 #include "XTNT/xtnt_assert.h"
 #include "XTNT/xtnt_parallel.h"
 
@@ -85,6 +86,23 @@ void multiplyRows(Matrix<double>& a, const Vector<double>& factors)
 void divideRows(Matrix<double>& a, const Vector<double>& factors)
 {
     changeRows(a, factors, [](double value, double factor) { return value / factor; });
+}
+
+Vector<long long> orderByCentre(const Matrix<double>& rows)
+{
+    Vector<double> centres(rows.num_rows());
+    for (long long i = 0; i < rows.num_rows(); ++i) {
+        double moment = 0;
+        double total = 0;
+        for (long long j = 0; j < rows.num_cols(); ++j) {
+            moment += static_cast<double>(j + 1) * rows[i][j];
+            total += rows[i][j];
+        }
+        centres[i] = moment / total;
+    }
+    Vector<long long> order;
+    XTNT::sortWithIndex(centres, order);
+    return order;
 }
 
 void reorderColumns(Matrix<double>& a, const Vector<long long>& order)

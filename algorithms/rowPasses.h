@@ -19,6 +19,10 @@ double frobeniusNorm(const XTNT::Matrix<double>& a);
 void multiplyRows(XTNT::Matrix<double>& a, const XTNT::Vector<double>& factors);
 void divideRows(XTNT::Matrix<double>& a, const XTNT::Vector<double>& factors);
 
+// The rows in the order of their centres of mass over the column numbers: the i-th is row order[i]. A row that sums to
+// zero has no centre; where it comes is undefined.
+XTNT::Vector<long long> orderByCentre(const XTNT::Matrix<double>& rows);
+
 // Column i becomes what was column order[i]. In place.
 void reorderColumns(XTNT::Matrix<double>& a, const XTNT::Vector<long long>& order);
 

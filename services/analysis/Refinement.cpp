@@ -2,6 +2,7 @@
 #include "services/analysis/Refinement.h"
 
 #include "algorithms/purestSpectra.h"
+#include "algorithms/rowPasses.h"
 #include "algorithms/weightedResolution.h"
 #include "engine/CORVSpumKyvo.h"
 #include "services/analysis/CountedNoise.h"
@@ -10,6 +11,7 @@
 #include "services/warnings/runWarnings.h"
 
 #include "XTNT/constrained_concentrations.h"
+#include "XTNT/residual_norm.h"
 #include "XTNT/weighted_concentrations.h"
 #include "XTNT/xtnt_parallel.h"
 
@@ -17,13 +19,13 @@
 #include <cmath>
 #include <cstddef>
 #include <limits>
-#include <numeric>
 #include <utility>
 #include <vector>
 
 namespace {
 
 using XTNT::Matrix;
+using XTNT::Vector;
 
 // Rounds by the noise that the start tells of, and by that of the spectra then. Few: where the images leave open how
 // much of one source another takes, further rounds lead away from the purest pixels, which are better evidence.
@@ -97,21 +99,13 @@ CountedNoise noiseOf(const CountedNoise& told, const Matrix<double>& pixels, con
     return noise;
 }
 
-// By the centres of mass over the images, as the engine sorts.
+// As the engine sorts.
 Matrix<double> sorted(const Matrix<double>& spectra)
 {
-    std::vector<std::pair<double, long long>> order;
-    for (long long k = 0; k < spectra.num_rows(); ++k) {
-        double moment = 0.0;
-        for (long long j = 0; j < spectra.num_cols(); ++j) {
-            moment += static_cast<double>(j + 1) * spectra[k][j];
-        }
-        order.emplace_back(moment / std::accumulate(spectra[k], spectra[k] + spectra.num_cols(), 0.0), k);
-    }
-    std::sort(order.begin(), order.end());
+    const Vector<long long> order = rowpass::orderByCentre(spectra);
     Matrix<double> result(spectra.num_rows(), spectra.num_cols());
-    for (std::size_t k = 0; k < order.size(); ++k) {
-        std::copy_n(spectra[order[k].second], spectra.num_cols(), result[static_cast<long long>(k)]);
+    for (long long k = 0; k < order.size(); ++k) {
+        result.setRow(k, spectra.row(order[k]));
     }
     return result;
 }
@@ -130,19 +124,11 @@ bool fitWithoutWeights(const Matrix<double>& data, const Matrix<double>& spectra
 // Squares that a fit without weights leaves, over its degrees of freedom: dark pixels have amounts at 0.
 double meanSquareLeft(const Matrix<double>& data, const Matrix<double>& spectra, const Matrix<double>& fit)
 {
-    double sum = 0.0;
-    long long freedom = 0;
-    for (long long p = 0; p < data.num_rows(); ++p) {
-        freedom += data.num_cols() - std::count_if(fit[p], fit[p] + fit.num_cols(), [](double c) { return c > 0.0; });
-        for (long long j = 0; j < data.num_cols(); ++j) {
-            double left = data[p][j];
-            for (long long k = 0; k < spectra.num_rows(); ++k) {
-                left -= fit[p][k] * spectra[k][j];
-            }
-            sum += left * left;
-        }
-    }
-    return sum / static_cast<double>(std::max(freedom, 1LL));
+    const double left = XTNT::residualNorm(data, fit, spectra);
+    const auto amounts =
+        std::count_if(fit.storage.data, fit.storage.data + fit.storage.n_, [](double c) { return c > 0.0; });
+    const long long freedom = data.storage.n_ - static_cast<long long>(amounts);
+    return left * left / static_cast<double>(std::max(freedom, 1LL));
 }
 
 // What a resolution from the purest pixels comes to.

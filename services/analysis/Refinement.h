@@ -25,8 +25,8 @@ struct RefinementResult
 // end. Maps, spectra and plots of the engine's result are replaced, the components in the order of their centres.
 //
 // Nothing, and all is as it was, where that cannot be done: a scan of spots, fewer pure pixels than components, a
-// component that vanishes. Passes cancellation points; an exception from there leaves the engine's
-// maps and spectra, but the offset may be off the cube.
+// component that vanishes, spectra that depend on each other. Passes cancellation points; an exception from there
+// leaves the engine's maps and spectra, but the offset may be off the cube.
 std::optional<RefinementResult> refineResolution(const CORVSequenceDataset& sequence, CORVSpumKyvo& engine);
 
 // The level of pixels without light: the mean of those that are dark in every other image, in the images between, so

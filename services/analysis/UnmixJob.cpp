@@ -436,11 +436,9 @@ NoiseFitResult UnmixJob::weigh()
 std::optional<RefinementResult> UnmixJob::refine()
 {
     const AutomaticRequest& automatic = m_request.automatic;
-    if (!isAutomatic() || automatic.count < 1 || !automatic.refine || m_setUp.opened().hasPhotographOfCamera()) {
-        return std::nullopt;
-    }
-    // A result that is loaded is fitted to the images as they are, without weights.
-    if (m_request.save) {
+    // A saved result is fitted to the images as they are, without weights, when it is loaded.
+    if (!isAutomatic() || automatic.count < 1 || !automatic.refine || m_request.save ||
+        m_setUp.opened().hasPhotographOfCamera()) {
         return std::nullopt;
     }
     m_monitor.showProgress(QStringLiteral("Resolving from the purest pixels"), notKnown);
