@@ -106,6 +106,15 @@ protected:
         close(opened);
         return bClosed;
     }
+    // Opens the sequence as a host does, but for announcing it; the window is owned by `opened`.
+    static WatchedWindow* openWatched(const QString& strSequence, Opened& opened)
+    {
+        opened.sequence = std::make_unique<CORVSequenceDataset>();
+        EXPECT_EQ(opened.sequence->open(strSequence), ESTATUS_SUCCESS);
+        auto* pWindow = new WatchedWindow(opened.sequence.get());
+        opened.window = pWindow;
+        return pWindow;
+    }
     // What a batch has saved beside a sequence: the names of its list, and its maps.
     QString kept(const QString& strSequence) const
     {
@@ -244,10 +253,7 @@ TEST_F(BatchTest, ALuminescentSequenceKeepsItsBackground)
     CORVUtilityFns::setAdaptFLBgModeForSpumBatch(1);
     CORVUtilityFns::setSpumBatchStatus(true);
     Opened opened;
-    opened.sequence = std::make_unique<CORVSequenceDataset>();
-    ASSERT_EQ(opened.sequence->open(strMouse), ESTATUS_SUCCESS);
-    auto* pWindow = new WatchedWindow(opened.sequence.get());
-    opened.window = pWindow;
+    const WatchedWindow* pWindow = openWatched(strMouse, opened);
     m_pPlugin->onSignalSequenceChanged(opened.sequence.get());
     EXPECT_EQ(pWindow->calls, QStringList());
     m_pPlugin->onSignalSequenceRemoved(opened.sequence.get());
@@ -280,10 +286,7 @@ TEST_F(BatchTest, TheAdaptiveBackgroundIsOnForTheTimeOfTheWork)
          {BackgroundCase{0, {}}, BackgroundCase{1, onAndOff}, BackgroundCase{2, onAndOff}, BackgroundCase{3, {}}}) {
         CORVUtilityFns::setAdaptFLBgModeForSpumBatch(background.mode);
         Opened opened;
-        opened.sequence = std::make_unique<CORVSequenceDataset>();
-        ASSERT_EQ(opened.sequence->open(strMouse), ESTATUS_SUCCESS);
-        auto* pWindow = new WatchedWindow(opened.sequence.get());
-        opened.window = pWindow;
+        const WatchedWindow* pWindow = openWatched(strMouse, opened);
         opened.sequence->setModified(true);
         m_pPlugin->onSignalSequenceChanged(opened.sequence.get());
         EXPECT_EQ(pWindow->calls, background.calls) << background.mode;
@@ -385,10 +388,7 @@ TEST_F(BatchTest, WithoutAFolderForTheMapsTheBackgroundStaysAdapted)
     file.close();
     CORVUtilityFns::setAdaptFLBgModeForSpumBatch(1);
     Opened opened;
-    opened.sequence = std::make_unique<CORVSequenceDataset>();
-    ASSERT_EQ(opened.sequence->open(strMouse), ESTATUS_SUCCESS);
-    auto* pWindow = new WatchedWindow(opened.sequence.get());
-    opened.window = pWindow;
+    const WatchedWindow* pWindow = openWatched(strMouse, opened);
     m_pPlugin->onSignalSequenceChanged(opened.sequence.get());
     EXPECT_EQ(pWindow->calls, (QStringList{"on", "refresh"}));
     m_pPlugin->onSignalSequenceRemoved(opened.sequence.get());
