@@ -14,8 +14,6 @@
 
 struct TiffTexts;
 
-struct TiffTexts;
-
 // An image of a stack, and what its name and its file's metadata tell of it.
 struct FoundImage
 {
