@@ -13,6 +13,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <memory>
 
 class CILImage;
@@ -92,6 +93,10 @@ public:
     // calibration data for the unit are missing or the unit is beyond unitLimit(); another non-zero status, told in the
     // log under the name `strCaller`, when an image cannot be read. *pOut is untouched after any failure.
     ESTATUS getCalibratedLuminImage(tag_edisplayunit eUnit, CILImage* pOut, const QString& strCaller);
+    // getCalibratedLuminImage() taken down, to be done once, later, on any thread and whatever becomes of the dataset.
+    // What is in memory is copied now, files are read then. Its argument is no null.
+    using ImageReader = std::function<ESTATUS(CILImage* pOut)>;
+    ImageReader luminImageReader(tag_edisplayunit eUnit, const QString& strCaller) const;
     // As getCalibratedLuminImage decides, without reading pixels; an empty text when the unit can be had, else the
     // reason.
     QString unitUnavailableReason(tag_edisplayunit eUnit) const;
@@ -158,16 +163,14 @@ private:
     QString imageFileName(tag_eimagetype eType) const;
     // Image `eType` itself, or the one that stands for it.
     bool resolveType(tag_eimagetype eType, tag_eimagetype* pResolved) const;
-    // A copy of the core image when there is one, else read from the file.
-    ESTATUS readImage(tag_eimagetype eType, CILImage* pOut, const QString& strCaller) const;
+    // A copy of the core image when there is one, else read from the file; taken down as luminImageReader() is.
+    ImageReader imageReader(tag_eimagetype eType, const QString& strCaller) const;
     float binningOf(tag_eimagetype eType) const;
     bool radianceFactor(tag_eimagetype eType, double* pFactor, QString* pReason) const;
     // From counts to the unit, but for a reference that is an image; the unit must be available.
     double unitFactor(tag_edisplayunit eUnit, tag_eimagetype eType) const;
-    // Divides by a reference that is an image, where the unit asks for it.
-    ESTATUS divideByIllumination(tag_edisplayunit eUnit, CILImage& image, const QString& strCaller) const;
-    // The transmitted reference in radiance at the size of `image`.
-    ESTATUS readReference(const CILImage& image, CILImage* pOut, const QString& strCaller) const;
+    // Of the transmitted reference in radiance, where the unit divides by one that is an image; else empty.
+    ImageReader referenceReader(tag_edisplayunit eUnit, const QString& strCaller) const;
     // Whether there is a transmitted reference with its calibration figures.
     bool hasReferenceImage(QString* pReason) const;
     QString efficiencyUnavailableReason() const;

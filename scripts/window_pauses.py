@@ -3,8 +3,9 @@
 """usage: scripts/with-xvfb.sh scripts/window_pauses.py BUILD FOLDER
 
 Goes from a sequence to maps in the window of the build folder BUILD, for 24 images of 1024 x 1024 and for a scan of 16
-spots, both simulated below FOLDER where they are missing, and prints the longest pauses of the event loop in each
-stage, the way from an abort until the panel is back, and the memory of the process, as markdown."""
+spots, and opens images of 4096 x 4096, all simulated below FOLDER where they are missing. Prints the longest pauses of
+the event loop in each stage, the way from an abort until the panel is back, and the memory of the process, as markdown.
+"""
 import contextlib
 import io
 import os
@@ -171,6 +172,26 @@ def measure_scan(build, folder):
     window.end()
 
 
+def measure_large_images(build, folder):
+    window = Window(build, sequence(build, folder, ['--size', '4096', '--bands', '2']))
+    window.until(lambda: window.shows('m_pThumbnailView'))
+    time.sleep(5)
+    row('images of 4096 x 4096: opening, thumbnails', window.longest())
+    place = window.ask('find', 'm_pThumbnailView')
+    for column in range(place['columns']):
+        window.ask('item', 'm_pThumbnailView', row=0, column=column, double=True)
+        if window.shows('m_pRangeSlider'):
+            break
+    window.until(lambda: window.ask('find', 'm_pRangeSlider').get('enabled'))
+    row('one opens', window.longest())
+    window.ask('choose', 'm_pImageUnitBox', text='Counts')
+    time.sleep(5)
+    window.until(lambda: window.ask('find', 'm_pRangeSlider').get('enabled'))
+    row('it is shown in another unit', window.longest())
+    row('memory', f'{window.megabytes()} MB')
+    window.end()
+
+
 def main(arguments):
     if len(arguments) != 2:
         sys.stderr.write(__doc__ + '\n')
@@ -180,6 +201,7 @@ def main(arguments):
     print('| stage | longest pause in ms |\n|---|---|')
     measure_mouse(build, os.path.join(folder, 'mouse'))
     measure_scan(build, os.path.join(folder, 'scan'))
+    measure_large_images(build, os.path.join(folder, 'large'))
     return 0
 
 

@@ -18,6 +18,7 @@
 #include <QLocale>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -317,28 +318,32 @@ float CORVDataset::binningOf(tag_eimagetype eType) const
     return it == m_coreImages.constEnd() ? imageBinning(clickInfo, eType) : it.value()->m_fBinning;
 }
 
-ESTATUS CORVDataset::readImage(tag_eimagetype eType, CILImage* pOut, const QString& strCaller) const
+CORVDataset::ImageReader CORVDataset::imageReader(tag_eimagetype eType, const QString& strCaller) const
 {
     const auto it = m_coreImages.constFind(eType);
     if (it != m_coreImages.constEnd()) {
-        *pOut = *it.value();
-        return ESTATUS_SUCCESS;
+        return [image = *it.value()](CILImage* pOut) mutable {
+            *pOut = std::move(image);
+            return ESTATUS_SUCCESS;
+        };
     }
     const CORVImageDetails* pDetails = m_images.getImage(eType);
     if (pDetails == nullptr) {
-        return ESTATUS_IMAGE_MISSING;
+        return [](CILImage*) { return ESTATUS_IMAGE_MISSING; };
     }
-    CILImage image;
-    QString reason;
     TiffReadOptions options;
     options.keepColours = eType == IMAGETYPE_PHOTOGRAPH || eType == IMAGETYPE_XRAY_PHOTOGRAPH;
-    if (!readTiff(pDetails->path(), 0, options, image, &reason)) {
-        logError((strCaller.isEmpty() ? QString() : strCaller + QLatin1String(": ")) + reason);
-        return ESTATUS_FILE_UNREADABLE;
-    }
-    image.m_fBinning = binningOf(eType);
-    *pOut = std::move(image);
-    return ESTATUS_SUCCESS;
+    return [path = pDetails->path(), options, binning = binningOf(eType), strCaller](CILImage* pOut) {
+        CILImage image;
+        QString reason;
+        if (!readTiff(path, 0, options, image, &reason)) {
+            logError((strCaller.isEmpty() ? QString() : strCaller + QLatin1String(": ")) + reason);
+            return ESTATUS_FILE_UNREADABLE;
+        }
+        image.m_fBinning = binning;
+        *pOut = std::move(image);
+        return ESTATUS_SUCCESS;
+    };
 }
 
 CILImage* CORVDataset::getCoreImage(tag_eimagetype eType)
@@ -352,7 +357,7 @@ CILImage* CORVDataset::getCoreImage(tag_eimagetype eType)
         return it.value().data();
     }
     const auto pImage = QSharedPointer<CILImage>::create();
-    if (readImage(type, pImage.data(), QString()) != ESTATUS_SUCCESS) {
+    if (imageReader(type, QString())(pImage.data()) != ESTATUS_SUCCESS) {
         return nullptr;
     }
     pImage->RefreshImageStats();

@@ -56,6 +56,20 @@ void divideByReference(CILImage& image, const CILImage& reference)
     image.RefreshImageStats();
 }
 
+// The reference at the size of the image.
+bool resampledTo(const CILImage& image, CILImage& reference)
+{
+    const int width = static_cast<int>(image.m_lWidth);
+    const int height = static_cast<int>(image.m_lHeight);
+    if (reference.m_lWidth > image.m_lWidth || reference.m_lHeight > image.m_lHeight) {
+        return reference.downSample(width, height, IL_RESAMPLE_AREA) == EIL_SUCCESS;
+    }
+    if (reference.m_lWidth < image.m_lWidth || reference.m_lHeight < image.m_lHeight) {
+        return reference.upSample(width, height, IL_RESAMPLE_SMOOTH) == EIL_SUCCESS;
+    }
+    return true;
+}
+
 } // namespace
 
 bool CORVDataset::radianceFactor(tag_eimagetype eType, double* pFactor, QString* pReason) const
@@ -110,47 +124,19 @@ QString CORVDataset::efficiencyUnavailableReason() const
                : reason;
 }
 
-ESTATUS CORVDataset::readReference(const CILImage& image, CILImage* pOut, const QString& strCaller) const
+CORVDataset::ImageReader CORVDataset::referenceReader(tag_edisplayunit eUnit, const QString& strCaller) const
 {
-    CILImage reference;
-    const ESTATUS status = readImage(IMAGETYPE_FLUORESCENT_REFERENCE, &reference, strCaller);
-    if (status != ESTATUS_SUCCESS) {
-        return status;
-    }
+    // Where there is no such image, the one number for all pixels is in the factor.
     double factor = 0.0;
-    if (!radianceFactor(IMAGETYPE_FLUORESCENT_REFERENCE, &factor, nullptr) ||
-        !applyCalibration(reference, imageBias(clickInfo, IMAGETYPE_FLUORESCENT_REFERENCE), factor)) {
-        return ESTATUS_FAILURE;
+    if (eUnit != DISPLAYUNIT_EFFICIENCY || storedUnit(*this) == DISPLAYUNIT_EFFICIENCY || !hasReferenceImage(nullptr) ||
+        !radianceFactor(IMAGETYPE_FLUORESCENT_REFERENCE, &factor, nullptr)) {
+        return {};
     }
-    const int width = static_cast<int>(image.m_lWidth);
-    const int height = static_cast<int>(image.m_lHeight);
-    EILSTATUS resampled = EIL_SUCCESS;
-    if (reference.m_lWidth > image.m_lWidth || reference.m_lHeight > image.m_lHeight) {
-        resampled = reference.downSample(width, height, IL_RESAMPLE_AREA);
-    } else if (reference.m_lWidth < image.m_lWidth || reference.m_lHeight < image.m_lHeight) {
-        resampled = reference.upSample(width, height, IL_RESAMPLE_SMOOTH);
-    }
-    if (resampled != EIL_SUCCESS) {
-        return ESTATUS_FAILURE;
-    }
-    *pOut = std::move(reference);
-    return ESTATUS_SUCCESS;
-}
-
-ESTATUS CORVDataset::divideByIllumination(tag_edisplayunit eUnit, CILImage& image, const QString& strCaller) const
-{
-    if (eUnit != DISPLAYUNIT_EFFICIENCY || storedUnit(*this) == DISPLAYUNIT_EFFICIENCY) {
-        return ESTATUS_SUCCESS;
-    }
-    if (!hasReferenceImage(nullptr)) {
-        return ESTATUS_SUCCESS; // the one number for all pixels is in the factor
-    }
-    CILImage reference;
-    const ESTATUS status = readReference(image, &reference, strCaller);
-    if (status == ESTATUS_SUCCESS) {
-        divideByReference(image, reference);
-    }
-    return status;
+    return [read = imageReader(IMAGETYPE_FLUORESCENT_REFERENCE, strCaller),
+            bias = imageBias(clickInfo, IMAGETYPE_FLUORESCENT_REFERENCE), factor](CILImage* pOut) {
+        const ESTATUS status = read(pOut);
+        return status != ESTATUS_SUCCESS || applyCalibration(*pOut, bias, factor) ? status : ESTATUS_FAILURE;
+    };
 }
 
 double CORVDataset::unitFactor(tag_edisplayunit eUnit, tag_eimagetype eType) const
@@ -182,30 +168,41 @@ bool CORVDataset::countInUnit(tag_edisplayunit eUnit, double* pValue) const
 
 ESTATUS CORVDataset::getCalibratedLuminImage(tag_edisplayunit eUnit, CILImage* pOut, const QString& strCaller)
 {
+    return pOut != nullptr ? luminImageReader(eUnit, strCaller)(pOut) : ESTATUS_INVALID_ARGUMENT;
+}
+
+CORVDataset::ImageReader CORVDataset::luminImageReader(tag_edisplayunit eUnit, const QString& strCaller) const
+{
     tag_eimagetype type = IMAGETYPE_MAIN_DATA;
-    if (pOut == nullptr) {
-        return ESTATUS_INVALID_ARGUMENT;
-    }
     if (!resolveType(IMAGETYPE_MAIN_DATA, &type)) {
-        return ESTATUS_IMAGE_MISSING;
+        return [](CILImage*) { return ESTATUS_IMAGE_MISSING; };
     }
     if (!unitUnavailableReason(eUnit).isEmpty()) {
-        return ESTATUS_UNIT_UNAVAILABLE;
-    }
-    CILImage image;
-    const ESTATUS status = readImage(type, &image, strCaller);
-    if (status != ESTATUS_SUCCESS) {
-        return status;
+        return [](CILImage*) { return ESTATUS_UNIT_UNAVAILABLE; };
     }
     const double bias = storedUnit(*this) != DISPLAYUNIT_COUNTS ? 0.0 : imageBias(clickInfo, type);
-    if (!applyCalibration(image, bias, unitFactor(eUnit, type))) {
-        return ESTATUS_FAILURE;
-    }
-    const ESTATUS divided = divideByIllumination(eUnit, image, strCaller);
-    if (divided == ESTATUS_SUCCESS) {
-        *pOut = std::move(image);
-    }
-    return divided;
+    return [read = imageReader(type, strCaller), readReference = referenceReader(eUnit, strCaller), bias,
+            factor = unitFactor(eUnit, type)](CILImage* pOut) {
+        CILImage image;
+        ESTATUS status = read(&image);
+        if (status == ESTATUS_SUCCESS && !applyCalibration(image, bias, factor)) {
+            status = ESTATUS_FAILURE;
+        }
+        if (status == ESTATUS_SUCCESS && readReference) {
+            CILImage reference;
+            status = readReference(&reference);
+            if (status == ESTATUS_SUCCESS && !resampledTo(image, reference)) {
+                status = ESTATUS_FAILURE;
+            }
+            if (status == ESTATUS_SUCCESS) {
+                divideByReference(image, reference);
+            }
+        }
+        if (status == ESTATUS_SUCCESS) {
+            *pOut = std::move(image);
+        }
+        return status;
+    };
 }
 
 bool CORVDataset::intensityCalibration(tag_eimagetype eType, const char* pUnit, double* pValue) const

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "workbench/application/BackgroundWork.h"
 
+#include <QCoreApplication>
 #include <QThread>
 
 #include <new>
@@ -31,28 +32,61 @@ void BackgroundWork::start(const Work& work)
     }
     m_bStop = false;
     m_bNew = false;
-    m_pThread.reset(QThread::create([this, work] {
-        const Progress progress = [this](int nDone, int nSteps, const QString& strWhat) {
-            const std::lock_guard<std::mutex> lock(m_mutex);
-            m_strWhat = strWhat;
-            m_dFraction = nSteps > 0 ? static_cast<double>(nDone) / nSteps : -1.0;
-            m_bNew = true;
-            return !m_bStop;
-        };
-        QString error;
-        bool success = false;
-        try {
-            success = work(progress, &error);
-        } catch (const std::bad_alloc&) {
-            error = QStringLiteral("there is not enough memory");
+    m_pThread.reset(QThread::create([this, work] { perform(work); }));
+    // A piece of work that was waited for has told its end.
+    const auto ended = [this, nStarted = ++m_nStarted] {
+        if (isRunning() && nStarted == m_nStarted) {
+            end();
         }
-        const std::lock_guard<std::mutex> lock(m_mutex);
-        m_bSuccess = success;
-        m_strError = error;
-    }));
-    connect(m_pThread.get(), &QThread::finished, this, &BackgroundWork::end);
+    };
+    connect(m_pThread.get(), &QThread::finished, this, ended);
     m_timer.start(kPeriod);
     m_pThread->start();
+    if (!m_pThread->isRunning() && !m_pThread->isFinished()) {
+        perform(work);
+        QMetaObject::invokeMethod(this, ended, Qt::QueuedConnection);
+    }
+}
+
+void BackgroundWork::perform(const Work& work)
+{
+    const Progress progress = [this](int nDone, int nSteps, const QString& strWhat) {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_strWhat = strWhat;
+        m_dFraction = nSteps > 0 ? static_cast<double>(nDone) / nSteps : -1.0;
+        m_bNew = true;
+        return !m_bStop;
+    };
+    QString error;
+    bool success = false;
+    try {
+        success = work(progress, &error);
+    } catch (const std::bad_alloc&) {
+        error = QStringLiteral("there is not enough memory");
+    }
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_bSuccess = success;
+    m_strError = error;
+}
+
+void BackgroundWork::finish()
+{
+    if (isRunning()) {
+        m_pThread->wait();
+        end();
+    }
+}
+
+void BackgroundWork::letGo(std::unique_ptr<BackgroundWork> pWork)
+{
+    if (pWork == nullptr || !pWork->isRunning()) {
+        return;
+    }
+    BackgroundWork* pLeft = pWork.release();
+    pLeft->stop();
+    pLeft->disconnect();
+    connect(pLeft, &BackgroundWork::done, pLeft, &QObject::deleteLater);
+    pLeft->setParent(QCoreApplication::instance());
 }
 
 void BackgroundWork::tellProgress()

@@ -13,7 +13,7 @@
 class QThread;
 
 // One piece of work on a thread of its own, with progress and the wish to stop. Signals come on the thread of this
-// object. The destructor stops the work and waits for it.
+// object. The destructor stops the work and waits for it. Where the system gives no thread, start() does the work.
 class BackgroundWork : public QObject
 {
     Q_OBJECT
@@ -30,6 +30,11 @@ public:
     // Nothing while a piece of work runs.
     void start(const Work& work);
     void stop() { m_bStop = true; }
+    // Waits for the end of the work, if there is any, and tells it.
+    void finish();
+    // Stops the work, which nobody waits for and whose signals nobody hears any more; it is waited for at the end of
+    // the program.
+    static void letGo(std::unique_ptr<BackgroundWork> pWork);
     bool isRunning() const { return m_pThread != nullptr; }
     bool isStopWanted() const { return m_bStop; }
 
@@ -39,10 +44,12 @@ Q_SIGNALS:
     void done(bool bSuccess, const QString& strError);
 
 private:
+    void perform(const Work& work);
     void tellProgress();
     void end();
 
     std::unique_ptr<QThread> m_pThread;
+    int m_nStarted = 0; // pieces of work
     QTimer m_timer;
     std::atomic<bool> m_bStop{false};
     std::mutex m_mutex; // of what follows

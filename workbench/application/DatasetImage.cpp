@@ -7,12 +7,19 @@
 #include "platform/orvimage/TiffIo.h"
 
 #include <algorithm>
+#include <memory>
 #include <new>
+#include <utility>
 
 namespace {
 
 constexpr unsigned kThreeColours = 0x1907;
 constexpr unsigned kFourColours = 0x1908; // clear below the minimum over a photograph
+
+QString noMemory()
+{
+    return QStringLiteral("there is not enough memory");
+}
 
 bool hasLending(const CORVSequenceDataset& sequence)
 {
@@ -84,59 +91,82 @@ CILImage* DatasetImage::photograph() const
     return pPhoto;
 }
 
-bool DatasetImage::load(tag_eimagetype eType, tag_edisplayunit eUnit)
-{
-    read(eType, eUnit);
-    return measure();
-}
-
-void DatasetImage::read(tag_eimagetype eType, tag_edisplayunit eUnit)
+std::function<DatasetImage::Loaded()> DatasetImage::reader(tag_eimagetype eType, tag_edisplayunit eUnit) const
 {
     const QList<tag_eimagetype> all = types();
-    const CILPalette palette = *m_image.getPalette();
-    m_eType = all.contains(eType) ? eType : all.value(0, IMAGETYPE_MAIN_DATA);
-    m_eUnit = eUnit;
-    m_strError.clear();
-    m_image = CILImage();
+    const tag_eimagetype type = all.contains(eType) ? eType : all.value(0, IMAGETYPE_MAIN_DATA);
+    Filling fill;
     try {
-        readPixels();
+        fill = type == IMAGETYPE_MAIN_DATA ? unitFilling(eUnit) : coreFilling(type);
     } catch (const std::bad_alloc&) {
-        m_image = CILImage();
-        m_strError = QStringLiteral("there is not enough memory");
+        fill = [](Loaded& loaded) { loaded.error = noMemory(); };
     }
-    *m_image.getPalette() = palette;
-    m_image.AdjustRGBBrightness(0);
+    return [type, eUnit, fill = std::move(fill)] {
+        Loaded loaded;
+        loaded.type = type;
+        loaded.unit = eUnit;
+        try {
+            fill(loaded);
+            if (!loaded.image.isEmpty()) {
+                loaded.whole = DisplayRange::whole(loaded.image);
+                loaded.automatic = DisplayRange::automatic(loaded.image);
+            }
+        } catch (const std::bad_alloc&) {
+            loaded.image = CILImage();
+            loaded.error = noMemory();
+        }
+        return loaded;
+    };
 }
 
-bool DatasetImage::measure()
+bool DatasetImage::take(Loaded loaded)
 {
-    m_whole = m_image.isEmpty() ? DisplayRange() : DisplayRange::whole(m_image);
-    m_automatic = m_image.isEmpty() ? DisplayRange() : DisplayRange::automatic(m_image);
+    const CILPalette palette = *m_image.getPalette();
+    m_eType = loaded.type;
+    m_eUnit = loaded.unit;
+    m_strError = loaded.error;
+    m_image = std::move(loaded.image);
+    *m_image.getPalette() = palette;
+    m_image.AdjustRGBBrightness(0);
+    m_whole = loaded.whole;
+    m_automatic = loaded.automatic;
     setRange(m_automatic);
     return m_strError.isEmpty();
 }
 
-void DatasetImage::readPixels()
+DatasetImage::Filling DatasetImage::unitFilling(tag_edisplayunit eUnit) const
 {
-    if (hasUnit()) {
-        m_strError = m_pDataset->unitUnavailableReason(m_eUnit);
-        if (m_strError.isEmpty() &&
-            m_pDataset->getCalibratedLuminImage(m_eUnit, &m_image, QStringLiteral("Image View")) != ESTATUS_SUCCESS) {
-            m_strError = QStringLiteral("the image cannot be read");
-            const CORVImageDetails* pDetails = m_pDataset->imageList().getImage(IMAGETYPE_MAIN_DATA);
-            pDetails = pDetails != nullptr ? pDetails : m_pDataset->imageList().getImage(IMAGETYPE_LUMINESCENT);
-            CILImage image;
-            QString reason;
-            if (pDetails != nullptr && !readTiff(pDetails->path(), 0, image, &reason)) {
-                m_strError = reason;
-            }
-        }
-    } else if (const CILImage* pImage =
-                   m_eType == IMAGETYPE_PHOTOGRAPH ? photograph() : m_pDataset->getCoreImage(m_eType)) {
-        m_image = *pImage;
-    } else {
-        m_strError = QStringLiteral("%1: the image cannot be read").arg(typeText(m_eType));
+    const QString unavailable = m_pDataset->unitUnavailableReason(eUnit);
+    if (!unavailable.isEmpty()) {
+        return [unavailable](Loaded& loaded) { loaded.error = unavailable; };
     }
+    const CORVImageDetails* pDetails = m_pDataset->imageList().getImage(IMAGETYPE_MAIN_DATA);
+    pDetails = pDetails != nullptr ? pDetails : m_pDataset->imageList().getImage(IMAGETYPE_LUMINESCENT);
+    const QString path = pDetails != nullptr ? pDetails->path() : QString();
+    return [read = m_pDataset->luminImageReader(eUnit, QStringLiteral("Image View")), path](Loaded& loaded) {
+        if (read(&loaded.image) == ESTATUS_SUCCESS) {
+            return;
+        }
+        loaded.error = QStringLiteral("the image cannot be read");
+        // The dataset tells the reason to the log alone.
+        CILImage image;
+        QString reason;
+        if (!path.isEmpty() && !readTiff(path, 0, image, &reason)) {
+            loaded.error = reason;
+        }
+    };
+}
+
+// These are borrowed from the dataset, which reads and keeps them now.
+DatasetImage::Filling DatasetImage::coreFilling(tag_eimagetype eType) const
+{
+    const CILImage* pImage = eType == IMAGETYPE_PHOTOGRAPH ? photograph() : m_pDataset->getCoreImage(eType);
+    if (pImage == nullptr) {
+        return [eType](Loaded& loaded) {
+            loaded.error = QStringLiteral("%1: the image cannot be read").arg(typeText(eType));
+        };
+    }
+    return [pCopy = std::make_shared<CILImage>(*pImage)](Loaded& loaded) { loaded.image = std::move(*pCopy); };
 }
 
 QString DatasetImage::quantity() const

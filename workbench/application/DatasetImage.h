@@ -12,6 +12,7 @@
 #include <QPoint>
 #include <QString>
 
+#include <functional>
 #include <optional>
 
 class CORVDataset;
@@ -29,12 +30,24 @@ public:
     static QString typeText(tag_eimagetype eType);
     QVector<UnitOffer> offers() const;
 
-    // Reads the image; the range becomes the automatic one. A type that is not in types() is the first of these. False
-    // with error() when it cannot be had; there is then no picture.
-    bool load(tag_eimagetype eType, tag_edisplayunit eUnit);
-    // Its two steps, for who lets events through in between: the pixels alone, and then the ranges.
-    void read(tag_eimagetype eType, tag_edisplayunit eUnit);
-    bool measure();
+    // An image as it was read, and what it shows of itself.
+    struct Loaded
+    {
+        tag_eimagetype type = IMAGETYPE_MAIN_DATA;
+        tag_edisplayunit unit = DISPLAYUNIT_COUNTS;
+        CILImage image;
+        QString error;
+        DisplayRange whole;
+        DisplayRange automatic;
+    };
+    // What reads the image of that type; of one that is not in types() the first of these. To be called once, on any
+    // thread and whatever becomes of this object and of the dataset.
+    std::function<Loaded()> reader(tag_eimagetype eType, tag_edisplayunit eUnit) const;
+    // Shows what was read; the range becomes the automatic one. False with error() when it could not be had; there is
+    // then no picture.
+    bool take(Loaded loaded);
+    // Both at once.
+    bool load(tag_eimagetype eType, tag_edisplayunit eUnit) { return take(reader(eType, eUnit)()); }
     const QString& error() const { return m_strError; }
     tag_eimagetype type() const { return m_eType; }
     // Only the main data image has a unit.
@@ -66,7 +79,10 @@ public:
     std::optional<double> valueAt(const QPoint& pixel) const;
 
 private:
-    void readPixels();
+    // Puts image or error into what is loaded: of the main data image; of any other.
+    using Filling = std::function<void(Loaded&)>;
+    Filling unitFilling(tag_edisplayunit eUnit) const;
+    Filling coreFilling(tag_eimagetype eType) const;
     // That of the dataset, or the one that its sequence lends; null without.
     CILImage* photograph() const;
     void takePhotograph();

@@ -3,6 +3,7 @@
 
 #include "platform/orvimage/ColorBar.h"
 #include "platform/orvwidgets/viewIcons.h"
+#include "platform/orvwidgets/viewOverlays.h"
 
 #include <QKeyEvent>
 #include <QMenu>
@@ -31,6 +32,7 @@ void DatasetView::showPicture(const QImage& picture, const QSize& image)
 {
     m_image = image;
     m_strMessage.clear();
+    m_strNotice.clear();
     setImage(picture);
     setAccessibleDescription(tr("%1 x %2 pixels").arg(image.width()).arg(image.height()));
     update();
@@ -40,7 +42,15 @@ void DatasetView::showMessage(const QString& strText)
 {
     m_image = QSize();
     m_strMessage = strText;
+    m_strNotice.clear();
     setImage(QImage());
+    setAccessibleDescription(strText);
+    update();
+}
+
+void DatasetView::showNotice(const QString& strText)
+{
+    m_strNotice = strText;
     setAccessibleDescription(strText);
     update();
 }
@@ -107,8 +117,12 @@ void DatasetView::paintOverlay(QPainter& painter) const
     CORVQImageView::paintOverlay(painter);
     if (m_strMessage.isEmpty()) {
         m_regions.paint(painter, pictureRect());
-    }
-    if (!m_strMessage.isEmpty()) {
+        if (!m_strNotice.isEmpty()) {
+            const QFontMetricsF metrics(font());
+            const QPointF start(width() - metrics.horizontalAdvance(m_strNotice), height() + metrics.capHeight());
+            orvwidgets::paintOutlinedText(painter, start / 2.0, m_strNotice, font(), Qt::white);
+        }
+    } else {
         painter.setPen(palette().color(QPalette::WindowText));
         const int margin = 24;
         QTextOption wrapped(Qt::AlignCenter);

@@ -24,6 +24,8 @@ public:
     // The picture of an image of that size.
     void showPicture(const QImage& picture, const QSize& image);
     void showMessage(const QString& strText);
+    // A text over whatever is shown, until the next picture or message.
+    void showNotice(const QString& strText);
     // The bar that stands beside a picture that is copied, saved or printed; none for an empty range.
     void setBar(const CILPalette& palette, const DisplayRange& range, const QString& strQuantity);
     QImage pictureToKeep() const override;
@@ -65,6 +67,7 @@ private:
     RegionEditor m_regions;
     QSize m_image;
     QString m_strMessage;
+    QString m_strNotice;
     CILPalette m_palette;
     DisplayRange m_range;
     QString m_strQuantity;

@@ -5,9 +5,9 @@
 #include "host/CORVSequenceDataset.h"
 #include "host/ReadOut.h"
 #include "platform/orvwidgets/viewIcons.h"
+#include "workbench/application/BackgroundWork.h"
 #include "workbench/application/ColorBarWidget.h"
 #include "workbench/application/ColorTableBox.h"
-#include "workbench/application/DatasetImage.h"
 #include "workbench/application/DatasetView.h"
 #include "workbench/application/RangePanel.h"
 #include "workbench/application/RegionPanel.h"
@@ -30,19 +30,22 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 
+#include <utility>
+
 using orvwidgets::ViewIcon;
 
 namespace {
 
 constexpr int kStartOpacity = 70; // percent
 constexpr int kPanelWidth = 272;
+constexpr int kPatience = 150; // ms
 
 } // namespace
 
 DatasetWindow::DatasetWindow(CORVDataset* pDataset, QWidget* pParent)
     : CORVImageWindow(pDataset, pParent), m_pImage(std::make_unique<DatasetImage>(pDataset)),
-      m_pView(new DatasetView(this)), m_pBar(new ColorBarWidget(Qt::Vertical, this)),
-      m_pRegions(new RegionPanel(pDataset, this))
+      m_pReading(std::make_unique<BackgroundWork>()), m_pView(new DatasetView(this)),
+      m_pBar(new ColorBarWidget(Qt::Vertical, this)), m_pRegions(new RegionPanel(pDataset, this))
 {
     setObjectName(QStringLiteral("DatasetWindow"));
     auto* pLayout = new QHBoxLayout(this);
@@ -70,13 +73,20 @@ DatasetWindow::DatasetWindow(CORVDataset* pDataset, QWidget* pParent)
             doNext();
         }
     });
+    connect(m_pReading.get(), &BackgroundWork::done, &m_idle, QOverload<>::of(&QTimer::start));
+    m_patience.setInterval(kPatience);
+    m_patience.setSingleShot(true);
+    connect(&m_patience, &QTimer::timeout, m_pView, [this] { m_pView->showNotice(tr("Reading ...")); });
     showTitle();
     m_pRange->clearImage();
     m_pView->showMessage(tr("Reading ..."));
     begin(IMAGETYPE_MAIN_DATA, startUnit(m_pImage->offers(), fluorescent));
 }
 
-DatasetWindow::~DatasetWindow() = default;
+DatasetWindow::~DatasetWindow()
+{
+    BackgroundWork::letGo(std::move(m_pReading));
+}
 
 QWidget* DatasetWindow::makePanel()
 {
@@ -249,19 +259,36 @@ void DatasetWindow::begin(tag_eimagetype eType, tag_edisplayunit eUnit)
     m_eWanted = eType;
     m_eWantedUnit = eUnit;
     m_eNext = Step::Read;
-    m_idle.start();
+    m_bKeepsRange = false;
+    m_patience.start();
+    // What is being read is let come to its end first.
+    if (!m_pReading->isRunning()) {
+        m_idle.start();
+    }
+}
+
+void DatasetWindow::startReading()
+{
+    m_pReading->finish();
+    m_idle.stop();
+    m_eNext = Step::Take;
+    m_pLoaded = std::make_shared<DatasetImage::Loaded>();
+    m_pReading->start([read = m_pImage->reader(m_eWanted, m_eWantedUnit),
+                       pLoaded = m_pLoaded](const BackgroundWork::Progress&, QString*) {
+        *pLoaded = read();
+        return true;
+    });
 }
 
 void DatasetWindow::doNext()
 {
     switch (m_eNext) {
     case Step::Read:
-        m_eNext = Step::Measure;
-        m_pImage->read(m_eWanted, m_eWantedUnit);
+        startReading();
         return;
-    case Step::Measure:
+    case Step::Take:
         m_eNext = Step::Draw;
-        measure();
+        take();
         return;
     case Step::Draw:
         m_eNext = Step::Count;
@@ -283,9 +310,17 @@ void DatasetWindow::catchUp()
     }
 }
 
-void DatasetWindow::measure()
+void DatasetWindow::take()
 {
-    m_pImage->measure();
+    m_pReading->finish();
+    m_patience.stop();
+    const DisplayRange range = m_pImage->range();
+    const bool chosen = range != DisplayRange() && range != m_pImage->automatic();
+    m_pImage->take(std::move(*m_pLoaded));
+    m_pLoaded.reset();
+    if (m_bKeepsRange && chosen) {
+        m_pImage->setRange(range);
+    }
     m_eWanted = m_pImage->type();
     m_pImageBox->setCurrentIndex(m_pImageBox->findData(static_cast<int>(m_pImage->type())));
     m_pUnitBox->setOffers(m_pImage->offers(), m_eWantedUnit);
@@ -300,16 +335,11 @@ void DatasetWindow::measure()
 
 void DatasetWindow::refreshImage()
 {
-    catchUp();
-    const DisplayRange range = m_pImage->range();
-    const bool same = range != DisplayRange() && range != m_pImage->automatic();
-    m_pImage->load(m_pImage->type(), m_pImage->unit());
-    if (same) {
-        m_pImage->setRange(range);
-    }
-    showLoaded();
-    draw();
-    showRange();
+    // Of an image that takes the place of another the range is its own.
+    const bool same = m_eNext < Step::Take || m_bKeepsRange;
+    begin(m_eWanted, m_eWantedUnit);
+    m_bKeepsRange = same;
+    showTitle();
 }
 
 void DatasetWindow::showLoaded()

@@ -3,6 +3,7 @@
 
 #include "host/CORVImageWindow.h"
 #include "host/orv_types.h"
+#include "workbench/application/DatasetImage.h"
 
 #include <QList>
 #include <QPair>
@@ -10,9 +11,9 @@
 
 #include <memory>
 
+class BackgroundWork;
 class ColorBarWidget;
 class ColorTableBox;
-class DatasetImage;
 class DatasetView;
 class QCheckBox;
 class QComboBox;
@@ -23,9 +24,9 @@ class RangePanel;
 class RegionPanel;
 class UnitBox;
 
-// The window of one dataset's images: the picture with its colour bar, and how it is shown. An image is read, drawn and
-// counted in turns of the event loop, so that a large one does not hold up all else for as long. The dataset is
-// borrowed and outlives the window.
+// The window of one dataset's images: the picture with its colour bar, and how it is shown. An image is read on a
+// thread, drawn and counted in turns of the event loop, so that a large one does not hold up all else for as long;
+// until then the one before is seen. The dataset is borrowed and outlives the window.
 class DatasetWindow : public CORVImageWindow
 {
     Q_OBJECT
@@ -43,8 +44,11 @@ public:
     void showImage(int nImage, tag_edisplayunit eUnit);
     tag_edisplayunit unit() const;
 
-    // Reads the image again; the range stays when its unit does.
+    // Reads the image again; a range that the user has chosen stays.
     void refreshImage() override;
+
+    // Milliseconds for which an image may be read before the window tells that; 150 at the start.
+    void setPatience(int nMilliseconds) { m_patience.setInterval(nMilliseconds); }
 
 Q_SIGNALS:
     // What lies below the pointer; empty when it lies nowhere.
@@ -65,7 +69,8 @@ private:
     void begin(tag_eimagetype eType, tag_edisplayunit eUnit);
     void doNext();
     void catchUp();
-    void measure();
+    void startReading();
+    void take();
     void takeColors();
     void takeOverlay();
     // The picture and the bar anew.
@@ -84,11 +89,15 @@ private:
         None,
         Count, // into the histogram
         Draw,
-        Measure, // the ranges
+        Take, // what was read
         Read
     };
 
     std::unique_ptr<DatasetImage> m_pImage;
+    std::unique_ptr<BackgroundWork> m_pReading;
+    std::shared_ptr<DatasetImage::Loaded> m_pLoaded; // by the work
+    bool m_bKeepsRange = false;
+    QTimer m_patience;
     QTimer m_idle;
     bool m_bTurn = false;
     Step m_eNext = Step::None;

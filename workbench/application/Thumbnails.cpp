@@ -4,10 +4,12 @@
 #include "host/CORVDataset.h"
 #include "platform/orvapi/imagePadding.h"
 #include "platform/orvimage/TiffIo.h"
+#include "workbench/application/BackgroundWork.h"
 
 #include <algorithm>
 #include <cmath>
 #include <new>
+#include <utility>
 
 namespace {
 
@@ -27,10 +29,10 @@ void reduce(CILImage& image, int nSide)
     image.downSample(side(image.m_lWidth), side(image.m_lHeight), IL_RESAMPLE_AREA);
 }
 
-// Of an image or a photograph of the dataset what an import has not added to make a square of it.
-CILImage shownPart(const CORVDataset& dataset, const CILImage& image)
+// Of an image or a photograph of a dataset with that extentBeforePadding() what an import has not added to make a
+// square of it.
+CILImage shownPart(const QSize& extent, const CILImage& image)
 {
-    const QSize extent = extentBeforePadding(dataset).value_or(QSize());
     if (extent.isEmpty() || image.m_lWidth != image.m_lHeight) {
         return image;
     }
@@ -41,28 +43,49 @@ CILImage shownPart(const CORVDataset& dataset, const CILImage& image)
     return croppedImage(image, share(image.m_lWidth, extent.width()), share(image.m_lHeight, extent.height()));
 }
 
-// Why an image's file cannot be read; the dataset tells it to the log alone.
-QString reasonOf(const CORVDataset& dataset, tag_eimagetype eType)
+// Empty where there is no file.
+QString fileOf(const CORVDataset& dataset, tag_eimagetype eType)
 {
     const CORVImageDetails* pDetails = dataset.imageList().getImage(eType);
     if (pDetails == nullptr && eType == IMAGETYPE_MAIN_DATA) {
         pDetails = dataset.imageList().getImage(IMAGETYPE_LUMINESCENT);
     }
-    if (pDetails == nullptr) {
+    return pDetails != nullptr ? pDetails->path() : QString();
+}
+
+// Why an image's file cannot be read; the dataset tells it to the log alone.
+QString reasonOf(const QString& strFile)
+{
+    if (strFile.isEmpty()) {
         return QStringLiteral("there is no such image");
     }
     CILImage image;
     QString reason;
-    return readTiff(pDetails->path(), 0, image, &reason) ? QStringLiteral("the image cannot be calibrated") : reason;
+    return readTiff(strFile, 0, image, &reason) ? QStringLiteral("the image cannot be calibrated") : reason;
 }
 
 } // namespace
 
+struct Thumbnails::Reduced
+{
+    int tile = 0;
+    CILImage image;
+    QSize size; // before
+    DisplayRange range;
+};
+
 Thumbnails::Thumbnails(const CORVSequenceDataset& sequence, QObject* pParent)
-    : QObject(pParent), m_tiles(sequence), m_thumbnails(index(m_tiles.count()))
+    : QObject(pParent), m_tiles(sequence), m_thumbnails(index(m_tiles.count())),
+      m_pReading(std::make_unique<BackgroundWork>())
 {
     connect(&m_idle, &QTimer::timeout, this, &Thumbnails::makeNext);
+    connect(m_pReading.get(), &BackgroundWork::done, this, &Thumbnails::take);
     readAgain();
+}
+
+Thumbnails::~Thumbnails()
+{
+    BackgroundWork::letGo(std::move(m_pReading));
 }
 
 void Thumbnails::readAgain()
@@ -73,7 +96,9 @@ void Thumbnails::readAgain()
     m_nWaiting = m_tiles.count();
     m_nNext = 0;
     m_common = DisplayRange();
-    m_idle.start(0);
+    if (!m_pReading->isRunning()) {
+        m_idle.start(0);
+    }
 }
 
 void Thumbnails::setUnit(tag_edisplayunit eUnit)
@@ -185,19 +210,24 @@ void Thumbnails::makeNext()
         finish();
         return;
     }
-    Thumbnail& thumbnail = m_thumbnails.at(index(tile));
-    thumbnail.stale = false;
-    m_nWaiting = std::max(0, m_nWaiting - 1);
+    m_thumbnails.at(index(tile)).stale = false;
     try {
         if (m_tiles.tile(tile).photograph) {
             makePhotograph(tile);
-        } else {
-            make(tile);
+        } else if (startReading(tile)) {
+            m_idle.stop();
+            return;
         }
     } catch (const std::bad_alloc&) {
         fail(tile, QStringLiteral("there is not enough memory"));
     }
-    Q_EMIT changed(tile);
+    made(tile);
+}
+
+void Thumbnails::made(int nTile)
+{
+    m_nWaiting = std::max(0, m_nWaiting - 1);
+    Q_EMIT changed(nTile);
     if (m_nWaiting == 0) {
         finish();
     }
@@ -220,40 +250,67 @@ void Thumbnails::fail(int nTile, const QString& strReason)
     thumbnail.reason = strReason;
 }
 
-void Thumbnails::make(int nTile)
+bool Thumbnails::startReading(int nTile)
 {
     const SequenceTiles::Tile& tile = m_tiles.tile(nTile);
     if (tile.dataset == nullptr) {
         fail(nTile, tile.reason);
-        return;
+        return false;
     }
     const QString unavailable = tile.dataset->unitUnavailableReason(m_eUnit);
     if (!unavailable.isEmpty()) {
         fail(nTile, QStringLiteral("this unit cannot be had: %1").arg(unavailable));
-        return;
+        return false;
     }
-    CILImage image;
-    if (tile.dataset->getCalibratedLuminImage(m_eUnit, &image, QStringLiteral("Sequence View")) != ESTATUS_SUCCESS) {
-        fail(nTile, reasonOf(*tile.dataset, IMAGETYPE_MAIN_DATA));
-        return;
+    m_pReduced = std::make_shared<Reduced>();
+    m_pReduced->tile = nTile;
+    m_pReading->start([read = tile.dataset->luminImageReader(m_eUnit, QStringLiteral("Sequence View")),
+                       file = fileOf(*tile.dataset, IMAGETYPE_MAIN_DATA),
+                       extent = extentBeforePadding(*tile.dataset).value_or(QSize()), side = m_nSide,
+                       pReduced = m_pReduced](const BackgroundWork::Progress&, QString* pError) {
+        CILImage image;
+        if (read(&image) != ESTATUS_SUCCESS) {
+            *pError = reasonOf(file);
+            return false;
+        }
+        image = shownPart(extent, image);
+        pReduced->size = QSize(static_cast<int>(image.m_lWidth), static_cast<int>(image.m_lHeight));
+        reduce(image, side);
+        pReduced->range = DisplayRange::automatic(image);
+        pReduced->image = std::move(image);
+        return true;
+    });
+    return true;
+}
+
+void Thumbnails::take(bool bSuccess, const QString& strError)
+{
+    const std::shared_ptr<Reduced> pReduced = std::move(m_pReduced);
+    m_idle.start(0);
+    Thumbnail& thumbnail = m_thumbnails.at(index(pReduced->tile));
+    if (thumbnail.stale) {
+        return; // comes anew, in another unit or size
     }
-    image = shownPart(*tile.dataset, image);
-    Thumbnail& thumbnail = m_thumbnails.at(index(nTile));
-    thumbnail.size = QSize(static_cast<int>(image.m_lWidth), static_cast<int>(image.m_lHeight));
-    reduce(image, m_nSide);
-    thumbnail.range = DisplayRange::automatic(image);
-    thumbnail.reduced = std::move(image);
-    thumbnail.picture = QImage();
-    thumbnail.state = State::Ready;
-    thumbnail.reason.clear();
-    m_common = m_common.isEmpty() ? thumbnail.range : m_common.united(thumbnail.range);
+    if (bSuccess) {
+        thumbnail.size = pReduced->size;
+        thumbnail.range = pReduced->range;
+        thumbnail.reduced = std::move(pReduced->image);
+        thumbnail.picture = QImage();
+        thumbnail.state = State::Ready;
+        thumbnail.reason.clear();
+        m_common = m_common.isEmpty() ? thumbnail.range : m_common.united(thumbnail.range);
+    } else {
+        fail(pReduced->tile, strError);
+    }
+    made(pReduced->tile);
 }
 
 void Thumbnails::makePhotograph(int nTile)
 {
-    const CILImage* pPhoto = m_tiles.tile(nTile).dataset->getCoreImage(IMAGETYPE_PHOTOGRAPH);
+    CORVDataset& dataset = *m_tiles.tile(nTile).dataset;
+    const CILImage* pPhoto = dataset.getCoreImage(IMAGETYPE_PHOTOGRAPH);
     if (pPhoto == nullptr || pPhoto->isEmpty()) {
-        fail(nTile, reasonOf(*m_tiles.tile(nTile).dataset, IMAGETYPE_PHOTOGRAPH));
+        fail(nTile, reasonOf(fileOf(dataset, IMAGETYPE_PHOTOGRAPH)));
         return;
     }
     Thumbnail& thumbnail = m_thumbnails.at(index(nTile));
@@ -262,7 +319,7 @@ void Thumbnails::makePhotograph(int nTile)
         thumbnail.picture =
             pPhoto->toQImage().scaled(QSize(m_nSide, m_nSide), Qt::KeepAspectRatio, Qt::SmoothTransformation);
     } else {
-        CILImage grey = shownPart(*m_tiles.tile(nTile).dataset, *pPhoto);
+        CILImage grey = shownPart(extentBeforePadding(dataset).value_or(QSize()), *pPhoto);
         thumbnail.size = QSize(static_cast<int>(grey.m_lWidth), static_cast<int>(grey.m_lHeight));
         reduce(grey, m_nSide);
         const DisplayRange range = DisplayRange::automatic(grey);

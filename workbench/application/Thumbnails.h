@@ -11,10 +11,13 @@
 #include <QSize>
 #include <QTimer>
 
+#include <memory>
 #include <vector>
 
-// The thumbnails of a sequence. They are made while the event loop is idle, an image a slice, those that were asked for
-// first; until then there is none, or that of before. The sequence is borrowed.
+class BackgroundWork;
+
+// The thumbnails of a sequence. They are made of one image after another, which a thread reads, those that were asked
+// for first; until then there is none, or that of before. The sequence is borrowed.
 class Thumbnails : public QObject
 {
     Q_OBJECT
@@ -28,6 +31,7 @@ public:
     };
 
     explicit Thumbnails(const CORVSequenceDataset& sequence, QObject* pParent = nullptr);
+    ~Thumbnails() override;
 
     const SequenceTiles& tiles() const { return m_tiles; }
     State state(int nTile) const { return m_thumbnails.at(index(nTile)).state; }
@@ -80,9 +84,14 @@ private:
         DisplayRange shown; // of the picture
     };
 
+    struct Reduced;
+
     static std::size_t index(int nTile) { return static_cast<std::size_t>(nTile); }
     void makeNext();
-    void make(int nTile);
+    // Begins to read the image; false where the tile is done with already.
+    bool startReading(int nTile);
+    void take(bool bSuccess, const QString& strError);
+    void made(int nTile);
     void makePhotograph(int nTile);
     void fail(int nTile, const QString& strReason);
     void finish();
@@ -92,6 +101,8 @@ private:
     std::vector<Thumbnail> m_thumbnails;
     QVector<int> m_asked; // the last one comes first
     QTimer m_idle;
+    std::unique_ptr<BackgroundWork> m_pReading;
+    std::shared_ptr<Reduced> m_pReduced; // by the work
     CILPalette m_palette;
     tag_edisplayunit m_eUnit = DISPLAYUNIT_COUNTS;
     DisplayRange m_common;

@@ -7,6 +7,9 @@
 #include <QFile>
 #include <QMap>
 
+#include <memory>
+#include <thread>
+
 using namespace sequencefolders;
 
 namespace {
@@ -155,6 +158,46 @@ TEST_F(CalibrationTest, ReferenceOfAnotherSizeIsBroughtToTheImages)
             EXPECT_NEAR(out.value(i), 0.5, 1e-5) << "side " << side << ", pixel " << i;
         }
     }
+}
+
+// What a window reads on a thread of its own, while the dataset changes, is written elsewhere, or closes.
+TEST_F(CalibrationTest, AReaderGivesTheImageOfTheTimeWhenItWasAskedFor)
+{
+    const CILImage reference = flatImage(4, 4, 140.0, 8.0F, ORVTYPE_USHORT);
+    makeDataset(clickWithReference(), flatImage(2, 2, 340.0, 4.0F, ORVTYPE_USHORT), &reference);
+    for (const auto unit : {DISPLAYUNIT_COUNTS, DISPLAYUNIT_RADIANCE, DISPLAYUNIT_EFFICIENCY}) {
+        auto pDataset = std::make_unique<CORVDataset>();
+        ASSERT_EQ(pDataset->open(inTarget("C1"), &m_strError), ESTATUS_SUCCESS) << m_strError.toStdString();
+        const CORVDataset::ImageReader fromFile = pDataset->luminImageReader(unit, "test");
+        pDataset->setCoreImage(IMAGETYPE_LUMINESCENT, flatImage(2, 2, 440.0, 4.0F, ORVTYPE_USHORT));
+        const CORVDataset::ImageReader fromMemory = pDataset->luminImageReader(unit, "test");
+        CILImage inMemory;
+        ASSERT_EQ(pDataset->getCalibratedLuminImage(unit, &inMemory, "test"), ESTATUS_SUCCESS);
+        pDataset.reset();
+        CILImage out;
+        std::thread([&] { EXPECT_EQ(fromFile(&out), ESTATUS_SUCCESS); }).join();
+        ASSERT_FALSE(out.isEmpty());
+        EXPECT_EQ(out.value(3), pixel(unit, 3));
+        EXPECT_FLOAT_EQ(out.m_fBinning, 4.0F);
+        ASSERT_EQ(fromMemory(&out), ESTATUS_SUCCESS);
+        EXPECT_EQ(out.value(3), inMemory.value(3));
+        EXPECT_NE(out.value(3), pixel(unit, 3));
+    }
+}
+
+TEST_F(CalibrationTest, AReaderTellsWhatCannotBeHad)
+{
+    CILImage out = flatImage(1, 1, 5.0);
+    EXPECT_EQ(m_dataset.luminImageReader(DISPLAYUNIT_COUNTS, "test")(&out), ESTATUS_IMAGE_MISSING);
+    makeDataset(fullClick("C1"), flatImage(2, 2, 340.0, 4.0F, ORVTYPE_USHORT));
+    const auto read = m_dataset.luminImageReader(DISPLAYUNIT_COUNTS, "test");
+    CORVDataset::setUnitLimit(DISPLAYUNIT_COUNTS);
+    EXPECT_EQ(m_dataset.luminImageReader(DISPLAYUNIT_RADIANCE, "test")(&out), ESTATUS_UNIT_UNAVAILABLE);
+    // The file goes between the question and the reading.
+    const QString file = m_dataset.imageList().getImage(IMAGETYPE_LUMINESCENT)->path();
+    ASSERT_TRUE(QFile::remove(file));
+    EXPECT_EQ(read(&out), ESTATUS_FILE_UNREADABLE);
+    EXPECT_EQ(out.value(0), 5.0) << "untouched";
 }
 
 TEST_F(CalibrationTest, ReferenceImageWithoutItsOwnFiguresLeavesTheNumber)

@@ -18,13 +18,24 @@
 #include <QCheckBox>
 #include <QClipboard>
 #include <QComboBox>
+#include <QElapsedTimer>
+#include <QFile>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QSlider>
 #include <QStandardItemModel>
+#include <QTemporaryDir>
+#include <QTest>
 #include <QToolButton>
 
 namespace {
+
+constexpr int patience = 30000; // ms
+
+void letTurn()
+{
+    QApplication::processEvents(QEventLoop::AllEvents, 0);
+}
 
 class DatasetWindowTest : public ::testing::Test
 {
@@ -81,7 +92,9 @@ TEST_F(DatasetWindowTest, ReadsDrawsAndCountsInTurnsOfTheEventLoop)
     const auto* pView = window.findChild<DatasetView*>();
     const auto* pSlider = window.findChild<QSpanSlider*>("m_pRangeSlider");
     QStringList states;
-    for (int turn = 0; turn < 100 && (states.isEmpty() || !pSlider->isEnabled()); ++turn) {
+    QElapsedTimer timer;
+    timer.start();
+    while (timer.elapsed() < patience && (states.isEmpty() || !pSlider->isEnabled())) {
         const QString state = pSlider->isEnabled()                  ? "counted"
                               : !pView->picture().isNull()          ? "drawn"
                               : window.unit() == DISPLAYUNIT_COUNTS ? "begun"
@@ -89,11 +102,106 @@ TEST_F(DatasetWindowTest, ReadsDrawsAndCountsInTurnsOfTheEventLoop)
         if (!states.contains(state)) {
             states << state;
         }
-        QApplication::processEvents(QEventLoop::AllEvents, 0);
+        letTurn();
     }
     EXPECT_EQ(states, (QStringList{"begun", "drawn"})) << "each to be seen before the next";
     EXPECT_TRUE(pSlider->isEnabled());
     EXPECT_EQ(window.image().unit(), DISPLAYUNIT_COUNTS);
+}
+
+TEST_F(DatasetWindowTest, TellsThatItReadsUntilThereIsAPicture)
+{
+    DatasetWindow window(m_sequence.getDatasets().at(1));
+    const auto* pView = window.findChild<DatasetView*>();
+    EXPECT_EQ(pView->accessibleDescription(), "Reading ...");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !pView->picture().isNull(); }, patience));
+    EXPECT_EQ(pView->accessibleDescription(), "64 x 64 pixels");
+}
+
+TEST_F(DatasetWindowTest, WhileAnotherImageIsReadTheOneBeforeIsSeenWithANotice)
+{
+    const QImage before = view().picture();
+    const auto* pView = m_pWindow->findChild<DatasetView*>();
+    m_pWindow->setPatience(0);
+    m_pWindow->showImage(IMAGETYPE_MAIN_DATA, DISPLAYUNIT_COUNTS);
+    letTurn();
+    EXPECT_EQ(pView->accessibleDescription(), "Reading ...");
+    EXPECT_EQ(pView->picture(), before);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return pView->accessibleDescription() == "64 x 64 pixels"; }, patience));
+    EXPECT_EQ(image().unit(), DISPLAYUNIT_COUNTS);
+    // One that comes soon is not worth a notice.
+    m_pWindow->setPatience(patience);
+    m_pWindow->showImage(IMAGETYPE_MAIN_DATA, DISPLAYUNIT_RADIANCE);
+    letTurn();
+    EXPECT_EQ(pView->accessibleDescription(), "64 x 64 pixels");
+}
+
+TEST_F(DatasetWindowTest, TheNoticeIsReadOnThePicture)
+{
+    view().showNotice("Reading ...");
+    look::keep(*m_pWindow, "dataset_reading");
+    const QImage noticed = view().grabFramebuffer();
+    view().showPicture(view().picture(), image().size());
+    EXPECT_NE(view().grabFramebuffer(), noticed);
+}
+
+TEST_F(DatasetWindowTest, WhatIsChosenWhileAnImageIsReadTakesItsPlace)
+{
+    DatasetWindow window(m_sequence.getDatasets().at(1));
+    const auto* pView = window.findChild<DatasetView*>();
+    const auto* pSlider = window.findChild<QSpanSlider*>("m_pRangeSlider");
+    // At every turn of the way that the first image takes.
+    for (int turns = 0; turns < 8; ++turns) {
+        window.showImage(IMAGETYPE_MAIN_DATA, DISPLAYUNIT_RADIANCE);
+        for (int turn = 0; turn < turns; ++turn) {
+            letTurn();
+        }
+        window.showImage(IMAGETYPE_MAIN_DATA, DISPLAYUNIT_COUNTS);
+        ASSERT_TRUE(QTest::qWaitFor([&] { return pSlider->isEnabled() && !pView->picture().isNull(); }, patience));
+        EXPECT_EQ(window.unit(), DISPLAYUNIT_COUNTS);
+        EXPECT_EQ(window.image().unit(), DISPLAYUNIT_COUNTS) << turns;
+        window.showImage(IMAGETYPE_PHOTOGRAPH);
+        EXPECT_EQ(window.image().type(), IMAGETYPE_PHOTOGRAPH) << turns;
+        window.showImage(IMAGETYPE_MAIN_DATA, DISPLAYUNIT_COUNTS);
+        EXPECT_EQ(window.image().unit(), DISPLAYUNIT_COUNTS) << turns;
+    }
+}
+
+TEST_F(DatasetWindowTest, AWindowThatClosesWhileItReadsLeavesNothing)
+{
+    const int nChildren = QCoreApplication::instance()->children().size();
+    for (int turns = 0; turns < 8; ++turns) {
+        auto pWindow = std::make_unique<DatasetWindow>(m_sequence.getDatasets().at(1));
+        for (int turn = 0; turn < turns; ++turn) {
+            letTurn();
+        }
+        pWindow.reset();
+        letTurn();
+    }
+    EXPECT_TRUE(
+        QTest::qWaitFor([&] { return QCoreApplication::instance()->children().size() <= nChildren; }, patience));
+    EXPECT_EQ(view().picture().size(), QSize(64, 64)) << "that of the other window";
+}
+
+TEST_F(DatasetWindowTest, AFileThatGoesBeforeItIsReadIsNamedInThePlaceOfThePicture)
+{
+    const QTemporaryDir folder;
+    simulated::into(folder.filePath("mine"), {"--size", "16", "--bands", "3"});
+    CORVSequenceDataset sequence;
+    ASSERT_EQ(sequence.open(folder.filePath("mine")), ESTATUS_SUCCESS);
+    CORVDataset* pDataset = sequence.getDatasets().first();
+    DatasetWindow window(pDataset);
+    const QString file = pDataset->imageList().getImage(IMAGETYPE_LUMINESCENT)->path();
+    ASSERT_TRUE(QFile::rename(file, file + ".away"));
+    const auto* pView = window.findChild<DatasetView*>();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return pView->accessibleDescription() != "Reading ..."; }, patience));
+    EXPECT_TRUE(pView->accessibleDescription().startsWith("The image cannot be shown: " + file))
+        << qPrintable(pView->accessibleDescription());
+    EXPECT_TRUE(pView->picture().isNull());
+    // Back again it is shown by whatever reads it.
+    ASSERT_TRUE(QFile::rename(file + ".away", file));
+    window.refreshImage();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !pView->picture().isNull(); }, patience));
 }
 
 TEST_F(DatasetWindowTest, SliderAndNumbersSetTheRange)
@@ -237,6 +345,24 @@ TEST_F(DatasetWindowTest, AChangeOfTheDatasetIsShownWithItsMark)
     EXPECT_TRUE(m_pWindow->isWindowModified());
     EXPECT_EQ(image().size(), QSize(32, 32));
     pDataset->setModified(false);
+}
+
+TEST_F(DatasetWindowTest, ARangeThatWasChosenStaysWhenTheImageIsReadAgain)
+{
+    const DisplayRange automatic = image().automatic();
+    m_pWindow->refreshImage();
+    EXPECT_EQ(image().range(), automatic);
+    child<QSpanSlider>("m_pRangeSlider").setUpperValue(500);
+    const DisplayRange chosen = image().range();
+    ASSERT_NE(chosen, automatic);
+    m_pWindow->refreshImage();
+    m_pWindow->refreshImage();
+    EXPECT_EQ(image().range(), chosen);
+    EXPECT_EQ(child<QSpanSlider>("m_pRangeSlider").upperValue(), 500);
+    // Another unit has its own, also when it is read again on the way.
+    m_pWindow->showImage(IMAGETYPE_MAIN_DATA, DISPLAYUNIT_COUNTS);
+    m_pWindow->refreshImage();
+    EXPECT_EQ(image().range(), image().automatic());
 }
 
 TEST_F(DatasetWindowTest, AnImageThatCannotBeReadTellsWhyInItsPlace)
