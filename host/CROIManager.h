@@ -12,6 +12,7 @@
 #include <memory>
 #include <vector>
 
+class CILImage;
 class CORVDataset;
 class CPLClickInfo;
 
@@ -43,6 +44,8 @@ public:
     // Measures every region over the dataset's main data image in that unit; the numbers stay with the regions until
     // the next measurement. The image's status when it cannot be had; the regions are then as they were.
     ESTATUS measure(tag_edisplayunit eUnit);
+    // The same over that image: the dataset's in that unit, where the caller has it already.
+    void measureOver(const CILImage& image, tag_edisplayunit eUnit);
 
     // Takes one entry. The key may have lost its blanks. False for a key that is not of a region.
     bool loadROIData(const QString& strKey, const QString& strValue);

@@ -99,11 +99,16 @@ ESTATUS CROIManager::measure(tag_edisplayunit eUnit)
     if (status != ESTATUS_SUCCESS) {
         return status;
     }
-    const std::optional<double> pixelSize = pixelSizeOf(m_pDataset->clickInfo);
+    measureOver(image, eUnit);
+    return ESTATUS_SUCCESS;
+}
+
+void CROIManager::measureOver(const CILImage& image, tag_edisplayunit eUnit)
+{
+    const std::optional<double> pixelSize = m_pDataset != nullptr ? pixelSizeOf(m_pDataset->clickInfo) : std::nullopt;
     for (tagROIInfo& region : m_regions) {
         region.statistics = measureROI(region, image, displayUnitText(eUnit), pixelSize);
     }
-    return ESTATUS_SUCCESS;
 }
 
 bool CROIManager::loadROIData(const QString& strKey, const QString& strValue)

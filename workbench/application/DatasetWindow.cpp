@@ -417,6 +417,10 @@ void DatasetWindow::changeEvent(QEvent* pEvent)
 
 void DatasetWindow::connectRegions()
 {
+    m_pRegions->setImageSource([this](tag_edisplayunit eUnit) {
+        const bool shown = m_pImage->hasUnit() && m_pImage->unit() == eUnit && !m_pImage->image().isEmpty();
+        return shown ? &m_pImage->image() : nullptr;
+    });
     connect(m_pView, &DatasetView::regionEdited, m_pRegions, &RegionPanel::take);
     connect(m_pView, &DatasetView::regionChosen, m_pRegions, &RegionPanel::choose);
     connect(m_pView, &DatasetView::regionRemovalWanted, m_pRegions, &RegionPanel::remove);

@@ -176,10 +176,20 @@ const QList<tagROIInfo>& RegionPanel::regions() const
 void RegionPanel::measure(tag_edisplayunit eUnit)
 {
     m_eUnit = eUnit;
-    if (!regions().isEmpty() && m_pDataset->roiManager()->measure(eUnit) != ESTATUS_SUCCESS) {
+    if (!regions().isEmpty() && !measureRegions()) {
         keep(regions());
     }
     fill();
+}
+
+bool RegionPanel::measureRegions()
+{
+    CROIManager& manager = *m_pDataset->roiManager();
+    if (const CILImage* pImage = m_source ? m_source(m_eUnit) : nullptr) {
+        manager.measureOver(*pImage, m_eUnit);
+        return true;
+    }
+    return manager.measure(m_eUnit) == ESTATUS_SUCCESS;
 }
 
 void RegionPanel::keep(const QList<tagROIInfo>& regions)

@@ -9,6 +9,9 @@
 #include <QPair>
 #include <QWidget>
 
+#include <functional>
+
+class CILImage;
 class CORVDataset;
 class QTableWidget;
 class QTableWidgetItem;
@@ -25,6 +28,9 @@ public:
     explicit RegionPanel(CORVDataset* pDataset, QWidget* pParent = nullptr);
 
     const QList<tagROIInfo>& regions() const;
+    // Who has the main data image in a unit already, or gives null; without, it is read for each measurement.
+    using ImageSource = std::function<const CILImage*(tag_edisplayunit eUnit)>;
+    void setImageSource(const ImageSource& source) { m_source = source; }
     // Measures anew, in that unit.
     void measure(tag_edisplayunit eUnit);
     // Adds one (-1), under the next free name, or replaces the shape of another.
@@ -52,6 +58,7 @@ private:
     // The dataset's regions become these.
     void keep(const QList<tagROIInfo>& regions);
     void changed();
+    bool measureRegions();
     void fill();
     void rename(const QTableWidgetItem* pItem);
     void copyNumbers() const;
@@ -59,6 +66,7 @@ private:
     void tell(const QString& strProblem);
 
     CORVDataset* m_pDataset;
+    ImageSource m_source;
     tag_edisplayunit m_eUnit = DISPLAYUNIT_COUNTS;
     QToolButton* m_pRectangleButton;
     QToolButton* m_pEllipseButton;

@@ -14,8 +14,10 @@
 #include "platform/orvapi/ROIShape.h"
 #include "workbench/application/DatasetImage.h"
 #include "workbench/application/DatasetView.h"
+#include "workbench/application/RegionPanel.h"
 
 #include <QClipboard>
+#include <QFile>
 #include <QTableWidget>
 #include <QTemporaryDir>
 #include <QToolButton>
@@ -133,6 +135,24 @@ TEST_F(DatasetRegionsTest, RectanglesAndEllipsesAreDrawnAndMeasured)
     EXPECT_TRUE(m_pWindow->isWindowModified());
     view().setFocus();
     look::keep(*m_pWindow, "dataset_regions");
+}
+
+// What is shown is not read again for each of them.
+TEST_F(DatasetRegionsTest, NumbersAreThoseOfTheImageOnScreen)
+{
+    const QString file = dataset().imageList().getImage(IMAGETYPE_LUMINESCENT)->path();
+    ASSERT_TRUE(QFile::rename(file, file + ".away"));
+    drawTwo();
+    ASSERT_EQ(regions().size(), 2);
+    EXPECT_EQ(regions().first().statistics.pixels, 48);
+    // The photograph on screen has none: then it is the file that is measured, in the unit of before.
+    m_pWindow->showImage(IMAGETYPE_PHOTOGRAPH);
+    ASSERT_EQ(m_pWindow->image().type(), IMAGETYPE_PHOTOGRAPH);
+    ASSERT_TRUE(QFile::rename(file + ".away", file));
+    const double mean = regions().first().statistics.mean;
+    m_pWindow->findChild<RegionPanel*>()->remove(1);
+    ASSERT_EQ(regions().size(), 1);
+    EXPECT_EQ(regions().first().statistics.mean, mean);
 }
 
 TEST_F(DatasetRegionsTest, PolygonsAndLinesByHandAreDrawnAndMeasured)
