@@ -8,7 +8,6 @@
 #include <QList>
 #include <QMap>
 #include <QSet>
-#include <QSharedPointer>
 #include <QSize>
 #include <QString>
 #include <QStringList>
@@ -19,11 +18,13 @@
 class CILImage;
 class CORVSequenceDataset;
 class CROIManager;
-class DatasetFolder; // the implementation's
+class DatasetFolder; // the implementation's, as the next
+class KeptImages;
 
 // One click of the instrument: a folder with a click info and TIFF images. Known by its click number to every user of
-// the process as long as it lives. Datasets come, go and change on the user-interface thread only; the worker may look
-// one up and read its images while that thread leaves them alone.
+// the process as long as it lives. Datasets come, go and change on the user-interface thread only; other threads may
+// look one up and read its images while that thread leaves them alone. Of threads that ask for one image at once each
+// is lent the same.
 class CORVDataset
 {
 public:
@@ -182,7 +183,7 @@ private:
     QString m_strFolder;
     CORVImageList m_images;
     QMap<int, QSize> m_sizes; // of the images with files, by type, as their headers told when the dataset was opened
-    QMap<int, QSharedPointer<CILImage>> m_coreImages;
+    const std::unique_ptr<KeptImages> m_pCoreImages;
     QSet<int> m_givenImages;                    // types of those that came from setCoreImage() and are not on disk
     std::unique_ptr<CROIManager> m_pROIManager; // made when it is asked for
     bool m_bModified = false;

@@ -9,6 +9,7 @@
 #include "platform/orvapi/HostLog.h"
 #include "platform/orvapi/ImageCalibration.h"
 #include "platform/orvapi/ImageNames.h"
+#include "platform/orvapi/KeptImages.h"
 #include "platform/orvapi/SectionIn.h"
 #include "platform/orvimage/TiffIo.h"
 
@@ -94,7 +95,7 @@ void tell(QString* pError, const QString& strReason)
 
 } // namespace
 
-CORVDataset::CORVDataset()
+CORVDataset::CORVDataset() : m_pCoreImages(std::make_unique<KeptImages>())
 {
     registry().append(this);
 }
@@ -142,7 +143,7 @@ void CORVDataset::reset()
     m_strFolder.clear();
     m_images.clear();
     m_sizes.clear();
-    m_coreImages.clear();
+    m_pCoreImages->clear();
     m_givenImages.clear();
     if (m_pROIManager) {
         m_pROIManager->clearAllLists();
@@ -296,7 +297,7 @@ QString CORVDataset::getFLYspot() const
 
 bool CORVDataset::hasImage(tag_eimagetype eType) const
 {
-    return m_coreImages.contains(eType) || m_images.getImage(eType) != nullptr;
+    return m_pCoreImages->image(eType) != nullptr || m_images.getImage(eType) != nullptr;
 }
 
 bool CORVDataset::resolveType(tag_eimagetype eType, tag_eimagetype* pResolved) const
@@ -314,15 +315,14 @@ bool CORVDataset::resolveType(tag_eimagetype eType, tag_eimagetype* pResolved) c
 
 float CORVDataset::binningOf(tag_eimagetype eType) const
 {
-    const auto it = m_coreImages.constFind(eType);
-    return it == m_coreImages.constEnd() ? imageBinning(clickInfo, eType) : it.value()->m_fBinning;
+    const auto pImage = m_pCoreImages->image(eType);
+    return pImage == nullptr ? imageBinning(clickInfo, eType) : pImage->m_fBinning;
 }
 
 CORVDataset::ImageReader CORVDataset::imageReader(tag_eimagetype eType, const QString& strCaller) const
 {
-    const auto it = m_coreImages.constFind(eType);
-    if (it != m_coreImages.constEnd()) {
-        return [image = *it.value()](CILImage* pOut) mutable {
+    if (const auto pImage = m_pCoreImages->image(eType)) {
+        return [image = *pImage](CILImage* pOut) mutable {
             *pOut = std::move(image);
             return ESTATUS_SUCCESS;
         };
@@ -352,26 +352,23 @@ CILImage* CORVDataset::getCoreImage(tag_eimagetype eType)
     if (!resolveType(eType, &type)) {
         return nullptr;
     }
-    const auto it = m_coreImages.constFind(type);
-    if (it != m_coreImages.constEnd()) {
-        return it.value().data();
+    if (const auto pKept = m_pCoreImages->image(type)) {
+        return pKept.data();
     }
     const auto pImage = QSharedPointer<CILImage>::create();
     if (imageReader(type, QString())(pImage.data()) != ESTATUS_SUCCESS) {
         return nullptr;
     }
     pImage->RefreshImageStats();
-    m_coreImages.insert(type, pImage);
-    return pImage.data();
+    return m_pCoreImages->keep(type, pImage).data();
 }
 
 void CORVDataset::setCoreImage(tag_eimagetype eType, const CILImage& image)
 {
-    QSharedPointer<CILImage>& pSlot = m_coreImages[eType];
-    if (pSlot.isNull()) {
-        pSlot = QSharedPointer<CILImage>::create(image);
+    if (const auto pKept = m_pCoreImages->image(eType)) {
+        *pKept = image;
     } else {
-        *pSlot = image;
+        m_pCoreImages->keep(eType, QSharedPointer<CILImage>::create(image));
     }
     m_givenImages.insert(eType);
     hasLuminescentImage = hasLuminescentImage || eType == IMAGETYPE_LUMINESCENT || eType == IMAGETYPE_MAIN_DATA;
@@ -402,11 +399,10 @@ bool CORVDataset::getImageSize(tag_eimagetype eType, long* pWidth, long* pHeight
     if (!resolveType(eType, &type)) {
         return false;
     }
-    const auto it = m_coreImages.constFind(type);
     TiffInfo header;
-    if (it != m_coreImages.constEnd()) {
-        header.width = it.value()->m_lWidth;
-        header.height = it.value()->m_lHeight;
+    if (const auto pImage = m_pCoreImages->image(type)) {
+        header.width = pImage->m_lWidth;
+        header.height = pImage->m_lHeight;
     } else if (m_sizes.contains(type)) {
         header.width = m_sizes.value(type).width();
         header.height = m_sizes.value(type).height();

@@ -9,6 +9,7 @@
 #include "platform/orvapi/HostLog.h"
 #include "platform/orvapi/ImageCalibration.h"
 #include "platform/orvapi/ImageNames.h"
+#include "platform/orvapi/KeptImages.h"
 
 #include <algorithm>
 #include <cstring>
@@ -74,8 +75,9 @@ bool resampledTo(const CILImage& image, CILImage& reference)
 
 bool CORVDataset::radianceFactor(tag_eimagetype eType, double* pFactor, QString* pReason) const
 {
-    return radianceOfCount(clickInfo, eType, calibrationBinning(m_coreImages.contains(eType), binningOf(eType)),
-                           pFactor, pReason);
+    return radianceOfCount(clickInfo, eType,
+                           calibrationBinning(m_pCoreImages->image(eType) != nullptr, binningOf(eType)), pFactor,
+                           pReason);
 }
 
 QString CORVDataset::unitUnavailableReason(tag_edisplayunit eUnit) const

@@ -9,6 +9,7 @@
 #include "platform/orvapi/ImageCalibration.h"
 #include "platform/orvapi/ImageNames.h"
 #include "platform/orvapi/ImageObserver.h"
+#include "platform/orvapi/KeptImages.h"
 #include "platform/orvapi/SectionIn.h"
 
 #include <QFileInfo>
@@ -30,7 +31,7 @@ ESTATUS CORVDataset::writeImages(DatasetFolder& folder, CPLClickInfo& info, CORV
             continue;
         }
         const QString name = imageFileName(type);
-        const CILImage* pGiven = m_givenImages.contains(type) ? m_coreImages.value(type).data() : nullptr;
+        const auto pGiven = m_givenImages.contains(type) ? m_pCoreImages->image(type) : QSharedPointer<CILImage>();
         const ESTATUS status = pGiven != nullptr ? folder.addImage(name, *pGiven, pReason)
                                                  : folder.addFile(m_images.getImage(type)->path(), name, pReason);
         if (status != ESTATUS_SUCCESS) {
@@ -106,7 +107,7 @@ ImageObserver& imageObserver()
 
 void CORVDataset::updateActiveImage()
 {
-    for (const auto& pImage : qAsConst(m_coreImages)) {
+    for (const auto& pImage : m_pCoreImages->all()) {
         pImage->RefreshImageStats();
     }
     if (const ImageObserver& observer = imageObserver()) {

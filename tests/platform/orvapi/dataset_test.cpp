@@ -3,6 +3,12 @@
 
 #include "platform/orvimage/TiffIo.h"
 
+#include <array>
+#include <atomic>
+#include <cstddef>
+#include <thread>
+#include <vector>
+
 using namespace sequencefolders;
 
 namespace {
@@ -296,6 +302,35 @@ TEST_F(DatasetTest, CalibratedImagesAreNotKept)
     ASSERT_TRUE(writeTiff(inTarget("C1/luminescent.TIF"), flatImage(6, 4, 500.0), TiffWriteOptions(), nullptr));
     ASSERT_EQ(m_dataset.getCalibratedLuminImage(DISPLAYUNIT_COUNTS, &out, "test"), ESTATUS_SUCCESS);
     EXPECT_FLOAT_EQ(static_cast<float>(out.value(0)), 200.0F);
+}
+
+// As a thread that looks at a result and the one of the windows may.
+TEST_F(DatasetTest, ThreadsThatAskForOneImageAtOnceAreLentTheSame)
+{
+    constexpr std::size_t askers = 4;
+    makeDataset({{IMAGETYPE_LUMINESCENT, &m_data}, {IMAGETYPE_PHOTOGRAPH, &m_other}});
+    for (int round = 0; round < 50; ++round) {
+        open();
+        std::atomic<std::size_t> waiting{askers};
+        std::array<CILImage*, askers> lent{};
+        std::vector<std::thread> threads;
+        for (CILImage*& pLent : lent) {
+            threads.emplace_back([&waiting, &pLent, this] {
+                --waiting;
+                while (waiting > 0) {
+                    std::this_thread::yield();
+                }
+                pLent = m_dataset.getCoreImage(IMAGETYPE_PHOTOGRAPH);
+                m_dataset.getBinningForImage(IMAGETYPE_PHOTOGRAPH);
+            });
+        }
+        for (std::thread& thread : threads) {
+            thread.join();
+        }
+        EXPECT_EQ(lent, (std::array<CILImage*, askers>{lent[0], lent[0], lent[0], lent[0]})) << round;
+        ASSERT_EQ(lent[0], m_dataset.getCoreImage(IMAGETYPE_PHOTOGRAPH));
+        EXPECT_EQ(lent[0]->value(0), 7.0);
+    }
 }
 
 TEST_F(DatasetTest, BorrowedImagesAreKeptAtTheirAddress)
