@@ -58,6 +58,8 @@ Q_SIGNALS:
     // The filling of the cube lets events through: nothing but its abort may be within reach until it ends.
     void fillingBegins();
     void fillingEnds(bool bAborted);
+    // What the end of the wizard brings about is over, with a run or without.
+    void wizardDone();
 
 private:
     void connectConsole(SpumKyvoConsoleWnd& console);
@@ -72,8 +74,8 @@ private:
     Filling showCube(bool bBackground);
     void backOut();
 
-    // Steps of wizardFinished().
-    void startAutomaticRun();
+    // Steps of wizardFinished(). Whether the overview is to be shown.
+    bool startAutomaticRun();
     bool setUpImages();
     bool takeMaskAndComponents();
     void showOverview();

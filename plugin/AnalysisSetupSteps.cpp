@@ -220,6 +220,7 @@ void AnalysisSetup::takeWizardInput()
 void AnalysisSetup::wizardFinished(int nResult)
 {
     const QPointer<CORVSpumKyvo> pEngine(&m_engine);
+    bool bShows = true;
     if (nResult == 0) {
         if (m_engine.m_pWizard) {
             m_engine.m_pWizard->hide();
@@ -227,22 +228,32 @@ void AnalysisSetup::wizardFinished(int nResult)
         sequenceWindows::removeTab(sequenceWindows::windowOf(m_engine), tabNames::wizard);
         backOut();
     } else {
-        const StatusTarget target(m_engine);
-        if (!setUpImages()) {
-            return;
-        }
-        if (m_engine.m_pWizard && !takeMaskAndComponents()) {
-            return;
-        }
-        // The whole run takes place in here.
-        Q_EMIT m_engine.readyToRun();
-        if (pEngine && m_engine.m_pConsole) {
-            m_engine.m_pConsole->m_bResultsExist = true;
-        }
+        bShows = startAutomaticRun();
     }
-    if (pEngine) {
+    if (pEngine && bShows) {
         showOverview();
     }
+    if (pEngine) {
+        Q_EMIT wizardDone();
+    }
+}
+
+bool AnalysisSetup::startAutomaticRun()
+{
+    const QPointer<CORVSpumKyvo> pEngine(&m_engine);
+    const StatusTarget target(m_engine);
+    if (!setUpImages()) {
+        return false;
+    }
+    if (m_engine.m_pWizard && !takeMaskAndComponents()) {
+        return false;
+    }
+    // The whole run takes place in here.
+    Q_EMIT m_engine.readyToRun();
+    if (pEngine && m_engine.m_pConsole) {
+        m_engine.m_pConsole->m_bResultsExist = true;
+    }
+    return true;
 }
 
 // What the run takes from the wizard is there before the cube is filled: the correction for decay is done to it.

@@ -259,6 +259,7 @@ CORVSpumKyvo* CORVSpumKyvoPalette::makeEngine(const QString& strId)
             [this, pEngine = pEngine.get()] { onFillingBegins(*pEngine); });
     connect(pSetup.get(), &AnalysisSetup::fillingEnds, this,
             [this, pEngine = pEngine.get()](bool bAborted) { onFillingEnds(*pEngine, bAborted); });
+    connect(pSetup.get(), &AnalysisSetup::wizardDone, this, &CORVSpumKyvoPalette::onAnalysisLeft);
     pEngine->setWindows(std::move(pSetup));
     connect(pEngine.get(), &CORVSpumKyvo::readyToRun, this, &CORVSpumKyvoPalette::onRunUnmixing);
     connect(pEngine.get(), &CORVSpumKyvo::cancelRun, this, &CORVSpumKyvoPalette::onCancelUnmixing);

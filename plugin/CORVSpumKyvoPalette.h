@@ -182,6 +182,8 @@ private:
     // The engine's cube is being filled on this thread, ahead of a run.
     void onFillingBegins(CORVSpumKyvo& engine);
     void onFillingEnds(CORVSpumKyvo& engine, bool bAborted);
+    // An analysis has come as far as it goes by itself: to its result, to what a window waits for, or to a refusal.
+    void onAnalysisLeft();
     void showOutcome();
     // What waited for the end of a run.
     void finishWaiting();

@@ -64,8 +64,16 @@ void CORVSpumKyvoPalette::onClickUnmixSpectra()
     } catch (const std::exception& failure) {
         tellFailure(failure);
     }
-    if (self && m_pRunning == nullptr && !m_bUpdating) {
-        finishWaiting(); // what was announced while the cube was filled
+    if (self) {
+        onAnalysisLeft();
+    }
+}
+
+// What was announced while the cube was filled waits until here where no run has followed.
+void CORVSpumKyvoPalette::onAnalysisLeft()
+{
+    if (m_pRunning == nullptr && !m_bUpdating) {
+        finishWaiting();
     }
 }
 
@@ -209,9 +217,6 @@ void CORVSpumKyvoPalette::onFillingEnds(CORVSpumKyvo& engine, bool bAborted)
         engine.deleteLater();
     } else if (bAborted && m_pEngine != nullptr) {
         showOutcome();
-    }
-    if (bAborted && !m_bUpdating) {
-        finishWaiting(); // otherwise the run follows, or whoever asked for the analysis goes on
     }
 }
 

@@ -189,6 +189,39 @@ TEST_F(FillingTest, AnAbortComesAheadOfTheQuestionForSpectra)
     expectAllBack();
 }
 
+// Without a run the host has no reason to announce it again.
+TEST_F(FillingTest, ASequenceThatIsAnnouncedMeanwhileBecomesCurrentWhereTheMaskEndsTheRoad)
+{
+    open();
+    start("Automatic");
+    during(filling, [this] { open(otherPlan()); });
+    *wizard().m_pMaskImage = CILImage();
+    finishWizard(1);
+    EXPECT_TRUE(wasThere());
+    EXPECT_TRUE(m_log.has("SpumKyvo: unable to get a valid photo mask!", 2));
+    EXPECT_EQ(engine().m_strSeqId, "seq-B");
+    EXPECT_TRUE(m_palette->isEnabled());
+    EXPECT_TRUE(m_palette->getSequenceValidity());
+}
+
+TEST_F(FillingTest, ASequenceThatIsAnnouncedMeanwhileBecomesCurrentAfterTheQuestionThatTheUserBacksOutOf)
+{
+    open();
+    unmixAutomatically();
+    engine().m_bCubeValid = false; // as after another choice of images
+    m_answers.answer = CORVMessageBox::CancelButton;
+    QString strWhenAsked;
+    m_answers.whileOpen = [&] { strWhenAsked = strWhenAsked.isEmpty() ? engine().m_strSeqId : strWhenAsked; };
+    during(filling, [this] { open(otherPlan()); });
+    QSignalSpy ready(&engine(), SIGNAL(readyToRun()));
+    finishWizard(1);
+    EXPECT_EQ(ready.count(), 1);
+    EXPECT_EQ(strWhenAsked, "seq-A") << "the question is about the result that is seen";
+    EXPECT_EQ(engine().m_strSeqId, "seq-B");
+    expectAllBack();
+    EXPECT_TRUE(m_palette->getSequenceValidity());
+}
+
 class DrawnTest : public FillingTest, public ::testing::WithParamInterface<const char*>
 {
 };
