@@ -75,7 +75,7 @@ BatchProcesses::~BatchProcesses()
 void BatchProcesses::run()
 {
     m_monitor.startProgress(QStringLiteral("Looking at the sequences"));
-    weigh();
+    lookAhead();
     m_sinceKept.start();
     // Wakes the loop to look for a signal; what ends wakes it by itself.
     QTimer tick;
@@ -109,14 +109,24 @@ bool BatchProcesses::hasRoom() const
 }
 
 // Time goes with the bytes of a sequence, near enough to tell what is left.
-void BatchProcesses::weigh()
+void BatchProcesses::lookAhead()
 {
     for (const BatchJob& job : m_jobs) {
         m_monitor.stopIfRequested();
         const auto bytes = bytesOfSequence(job.sequence, contentOfSequence(job.sequence));
         m_weights.push_back(fixedWeight + static_cast<double>(bytes));
         m_dWeight += m_weights.back();
+        m_due.push_back(JobExamination::isDue(job, m_places, m_settings.programHash, m_settings.again));
     }
+}
+
+// How many run beside each other from now on: those that are left alone take no processor.
+int BatchProcesses::atOnce() const
+{
+    const auto due = std::count(m_due.begin(), m_due.end(), true);
+    const auto begun = std::count_if(m_work.begin(), m_work.end(),
+                                     [](const auto& pWork) { return pWork->step != Work::Step::Examined; });
+    return static_cast<int>(std::min<std::ptrdiff_t>(m_settings.jobs, due + begun));
 }
 
 void BatchProcesses::begin(int nJob)
@@ -128,6 +138,7 @@ void BatchProcesses::begin(int nJob)
     m_monitor.stopIfRequested();
     if (outcome != FileLock::Outcome::Obtained) {
         m_dDone += m_weights[static_cast<std::size_t>(nJob)];
+        m_due[static_cast<std::size_t>(nJob)] = false;
         ++m_nEnded;
         BatchOutcome refused;
         refused.record.message = pWork->lock.reason();
@@ -160,6 +171,7 @@ bool BatchProcesses::advance(Work& work)
             return true;
         }
         work.found = work.examination.get();
+        m_due[static_cast<std::size_t>(work.job)] = false;
         if (work.found.reason == BatchReason::Unchanged) {
             m_dWeight -= weight;
             ++m_nEnded;
@@ -217,7 +229,7 @@ void BatchProcesses::start(Work& work)
     QFile::remove(m_places.ended(name));
     work.step = Work::Step::Running;
     work.timer.start();
-    work.process.startBound(m_settings.program, m_settings.arguments(m_jobs[work.job]));
+    work.process.startBound(m_settings.program, m_settings.arguments(m_jobs[work.job], atOnce()));
 }
 
 void BatchProcesses::finish(Work& work)

@@ -31,8 +31,8 @@ struct BatchSettings
 {
     QString program; // path of the program that unmixes a sequence
     QString programHash;
-    // Its arguments for one.
-    std::function<QStringList(const BatchJob& job)> arguments;
+    // Its arguments for one, which will have `nAtOnce` beside each other, itself among them.
+    std::function<QStringList(const BatchJob& job, int nAtOnce)> arguments;
     int jobs = 1;      // at once
     qint64 memory = 0; // bytes that all of them may take together
     bool again = false;
@@ -66,7 +66,8 @@ private:
     struct Work;
 
     bool hasRoom() const;
-    void weigh();
+    void lookAhead();
+    int atOnce() const;
     void begin(int nJob);
     // True while there is something to do for it.
     bool advance(Work& work);
@@ -85,7 +86,8 @@ private:
     JobMonitor& m_monitor;
     std::vector<std::unique_ptr<Work>> m_work;
     std::vector<double> m_weights;
-    double m_dWeight = 0.0; // of all that is or will be unmixed
+    std::vector<bool> m_due; // not examined yet, and unmixed in any case
+    double m_dWeight = 0.0;  // of all that is or will be unmixed
     double m_dDone = 0.0;
     int m_nNext = 0;
     int m_nEnded = 0;

@@ -42,3 +42,13 @@ JobExamination JobExamination::of(const BatchJob& job, const BatchPlaces& places
     found.reason = batchReason(found.record, found.fingerprint, places.results(job.name), bAgain);
     return found;
 }
+
+bool JobExamination::isDue(const BatchJob& job, const BatchPlaces& places, const QString& strProgramHash, bool bAgain)
+{
+    const std::optional<BatchRecord> record = BatchRecord::read(places.record(job.name));
+    if (bAgain || !record || !record->done) {
+        return true;
+    }
+    const BatchFingerprint now{record->fingerprint.images, hashOfOptions(job.options), strProgramHash};
+    return batchReason(record, now, places.results(job.name), bAgain) != BatchReason::Unchanged;
+}

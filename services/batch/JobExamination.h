@@ -22,4 +22,7 @@ struct JobExamination
     // and what it gives has no meaning.
     static JobExamination of(const BatchJob& job, const BatchPlaces& places, const QString& strProgramHash, bool bAgain,
                              const std::function<bool()>& goesOn);
+
+    // Whether it is unmixed whatever its images are: known without a look at them.
+    static bool isDue(const BatchJob& job, const BatchPlaces& places, const QString& strProgramHash, bool bAgain);
 };

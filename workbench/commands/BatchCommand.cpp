@@ -29,6 +29,7 @@
 #include <QJsonArray>
 #include <QJsonObject>
 #include <QLocale>
+#include <QVector>
 
 #include <algorithm>
 #include <cmath>
@@ -51,14 +52,15 @@ class BatchSession
 {
 public:
     BatchSession(const QCommandLineParser& parser, CliSession& session)
-        : m_wishes(batchWishesOf(parser)), m_session(session), m_places(m_wishes.out), m_lock(m_places.batch()),
-          m_jobs(batchJobsOf(parser, session))
+        : m_wishes(batchWishesOf(parser)), m_strThreads(parser.value(QStringLiteral("threads"))), m_session(session),
+          m_places(m_wishes.out), m_lock(m_places.batch()), m_jobs(batchJobsOf(parser, session))
     {
         m_settings.jobs = m_wishes.jobs;
         m_settings.memory = m_wishes.memory;
         m_settings.again = m_wishes.again;
         m_settings.program = QCoreApplication::applicationFilePath();
-        m_settings.arguments = [this, threads = threadsOfJob(parser)](const BatchJob& job) {
+        m_settings.arguments = [this](const BatchJob& job, int nAtOnce) {
+            const QString threads = threadsOfJob(nAtOnce);
             const QStringList arguments = unmixArguments(job, m_places.results(job.name));
             return threads.isEmpty() ? arguments : arguments + QStringList(QStringLiteral("--threads=") + threads);
         };
@@ -89,27 +91,20 @@ public:
     }
 
 private:
-    // Those that run at once share the processors: on threads of each other's they would only wait. What a scheduler
-    // starts has what that gives it.
-    QString threadsOfJob(const QCommandLineParser& parser) const
+    // Those that run at once share the processors: on threads of each other's they would only wait. One alone, as a
+    // scheduler starts it, has what that gives it.
+    QString threadsOfJob(int nAtOnce) const
     {
-        const QString threads = parser.value(QStringLiteral("threads"));
-        if (!threads.isEmpty() || m_wishes.list || !m_wishes.only.isEmpty()) {
-            return threads;
-        }
-        const int atOnce = std::min(m_wishes.jobs, m_jobs.size());
-        return atOnce > 1 ? QString::number(std::max(1, XTNT::threadCount() / atOnce)) : QString();
+        return !m_strThreads.isEmpty() || nAtOnce < 2 ? m_strThreads
+                                                      : QString::number(std::max(1, XTNT::threadCount() / nAtOnce));
     }
-    QStringList commandOf(const BatchJob& job) const
+    QJsonObject jsonOf(const BatchJob& job, int nAtOnce) const
     {
-        return QStringList(QStringLiteral("spum")) + m_settings.arguments(job);
-    }
-    QJsonObject jsonOf(const BatchJob& job) const
-    {
+        const QStringList command = QStringList(QStringLiteral("spum")) + m_settings.arguments(job, nAtOnce);
         return QJsonObject{{"name", job.name},
                            {"group", job.group},
                            {"sequence", job.sequence},
-                           {"command", QJsonArray::fromStringList(commandOf(job))}};
+                           {"command", QJsonArray::fromStringList(command)}};
     }
 
     // For programs, with what a scheduler asks about memory; no image is read, only headers.
@@ -119,7 +114,7 @@ private:
         QString text;
         for (const BatchJob& job : m_jobs) {
             m_session.stopIfRequested();
-            QJsonObject json = jsonOf(job);
+            QJsonObject json = jsonOf(job, 1);
             const SequenceSize size = sizeOfSequence(job.sequence, contentOfSequence(job.sequence));
             json.insert(QStringLiteral("memoryMiB"), std::ceil(mebibytes(unmixMemory(size, job.demand))));
             sequences.append(json);
@@ -130,33 +125,49 @@ private:
         m_session.answerJson(QJsonObject{{"sequences", sequences}});
     }
 
-    void tellPlan()
+    // What would be done with a sequence.
+    struct Plan
+    {
+        bool unmix = false;
+        double memory = 0.0; // MiB
+        QString why;
+    };
+
+    QVector<Plan> makePlans()
     {
         const QString program = programHash();
-        TextTable table({QStringLiteral("sequence"), QStringLiteral("unmix"), QStringLiteral("memory [MiB]"),
-                         QStringLiteral("why")});
-        QJsonArray sequences;
-        int runs = 0;
+        QVector<Plan> plans;
         m_session.startProgress(QStringLiteral("Looking at the sequences"));
-        for (int i = 0; i < m_jobs.size(); ++i) {
-            const BatchJob& job = m_jobs[i];
-            m_session.showProgress(QStringLiteral("Looking at the sequences"), i / (m_jobs.size() + 0.0));
+        for (const BatchJob& job : qAsConst(m_jobs)) {
+            m_session.showProgress(QStringLiteral("Looking at the sequences"), plans.size() / (m_jobs.size() + 0.0));
             const JobExamination found = JobExamination::of(job, m_places, program, m_wishes.again,
                                                             [this] { return !m_session.isStopRequested(); });
             m_session.stopIfRequested();
-            const bool unmix = found.reason != BatchReason::Unchanged;
-            runs += unmix ? 1 : 0;
-            const QString why = reasonText(found.reason);
-            const double memory = std::ceil(mebibytes(found.memory));
-            table.addRow(
-                {job.name, unmix ? QStringLiteral("yes") : QStringLiteral("no"), QString::number(memory), why});
-            QJsonObject json = jsonOf(job);
-            json.insert(QStringLiteral("unmix"), unmix);
-            json.insert(QStringLiteral("why"), why);
-            json.insert(QStringLiteral("memoryMiB"), memory);
-            sequences.append(json);
+            plans.append(
+                {found.reason != BatchReason::Unchanged, std::ceil(mebibytes(found.memory)), reasonText(found.reason)});
         }
         m_session.endProgress();
+        return plans;
+    }
+
+    void tellPlan()
+    {
+        const QVector<Plan> plans = makePlans();
+        const auto runs =
+            static_cast<int>(std::count_if(plans.begin(), plans.end(), [](const Plan& plan) { return plan.unmix; }));
+        TextTable table({QStringLiteral("sequence"), QStringLiteral("unmix"), QStringLiteral("memory [MiB]"),
+                         QStringLiteral("why")});
+        QJsonArray sequences;
+        for (int i = 0; i < m_jobs.size(); ++i) {
+            const Plan& plan = plans[i];
+            table.addRow({m_jobs[i].name, plan.unmix ? QStringLiteral("yes") : QStringLiteral("no"),
+                          QString::number(plan.memory), plan.why});
+            QJsonObject json = jsonOf(m_jobs[i], std::min(m_wishes.jobs, runs));
+            json.insert(QStringLiteral("unmix"), plan.unmix);
+            json.insert(QStringLiteral("why"), plan.why);
+            json.insert(QStringLiteral("memoryMiB"), plan.memory);
+            sequences.append(json);
+        }
         m_session.answer(table.toText() + QStringLiteral("\n%1 of %2 would be unmixed\n")
                                               .arg(runs)
                                               .arg(countText(m_jobs.size(), "sequence", "sequences")));
@@ -288,6 +299,7 @@ private:
     }
 
     const BatchWishes m_wishes;
+    const QString m_strThreads; // as the user says; empty: as many as there are to be had
     CliSession& m_session;
     const BatchPlaces m_places;
     FileLock m_lock; // of the whole folder

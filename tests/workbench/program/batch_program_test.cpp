@@ -7,6 +7,7 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QJsonDocument>
 #include <QMap>
 #include <QProcess>
 #include <QRegularExpression>
@@ -279,6 +280,46 @@ TEST_F(BatchProgramTest, ThoseThatRunAtOnceShareTheProcessors)
     EXPECT_EQ(threadsOf({"--jobs=1000"}), "--threads=" + std::to_string(std::max(1, count / 3))) << "three sequences";
     EXPECT_EQ(threadsOf({"--jobs=1"}), "") << "all of them";
     EXPECT_EQ(threadsOf({"--threads=7"}), "--threads=7");
+}
+
+// Those that are let be take no processor from those that run.
+TEST_F(BatchProgramTest, AFewThatAreLeftShareTheProcessorsAmongThemselves)
+{
+    cpu_set_t processors;
+    ASSERT_EQ(sched_getaffinity(0, sizeof processors, &processors), 0);
+    const QString half = QStringLiteral("--threads=%1").arg(std::max(1, CPU_COUNT(&processors) / 2));
+    const auto threadsIn = [](const QJsonValue& command) {
+        QStringList found;
+        for (const auto& word : command.toArray()) {
+            if (word.toString().startsWith("--threads")) {
+                found.append(word.toString());
+            }
+        }
+        return found.join(' ');
+    };
+    const auto threadsOf = [&](const char* pName) {
+        const QByteArray summary = contentOf(path("out/" + QString(pName) + "/summary.json"));
+        return threadsIn(QJsonDocument::fromJson(summary)["provenance"]["command"]);
+    };
+    succeed(batch({"--quiet"}));
+
+    ASSERT_TRUE(QFile::remove(path("out/b/spectra.csv")));
+    EXPECT_EQ(threadsIn(planOf({})["sequences"].toArray()[1].toObject()["command"]), "");
+    EXPECT_EQ(unmixedIn(succeed(batch())), "b");
+    EXPECT_EQ(threadsOf("b"), "") << "one alone has all of them";
+
+    SmallSequence other = smallSequence();
+    other.images[0].value = [](int i) { return static_cast<float>(2 * i + 1); };
+    ASSERT_TRUE(QDir(path("seqs/c")).removeRecursively());
+    other.writeTo(path("seqs/c"));
+    EXPECT_EQ(unmixedIn(succeed(batch())), "c");
+    EXPECT_EQ(threadsOf("c"), "") << "one alone whose images have changed";
+
+    ASSERT_TRUE(QFile::remove(path("out/b/spectra.csv")));
+    ASSERT_TRUE(QFile::remove(path("out/c/spectra.csv")));
+    EXPECT_EQ(unmixedIn(succeed(batch())), "b c");
+    // The one that starts second may be alone by then.
+    EXPECT_TRUE(QStringList({threadsOf("b"), threadsOf("c")}).contains(half)) << "two at once share them";
 }
 
 TEST_F(BatchProgramTest, TheListIsForSchedulers)
