@@ -5,6 +5,7 @@
 #include "files/diskCalls.h"
 #include "platform/orvutils/InputFile.h"
 #include "services/basis/Failure.h"
+#include "services/session/obtainLock.h"
 
 #include <QCryptographicHash>
 #include <QDir>
@@ -21,7 +22,6 @@
 
 namespace {
 
-constexpr int waitMilliseconds = 30000;
 constexpr int largestFile = 64; // MiB
 constexpr char journalName[] = ".regions.journal";
 constexpr char newSuffix[] = ".new";
@@ -76,17 +76,8 @@ QString RegionFiles::journalPath() const
 
 void RegionFiles::lock(const std::function<bool()>& goesOn)
 {
-    switch (m_lock.obtain(waitMilliseconds, goesOn)) {
-    case FileLock::Outcome::Obtained:
-        settleJournal();
-        return;
-    case FileLock::Outcome::Stopped:
-        throw Failure(QStringLiteral("aborted by user"), Failure::Kind::Aborted);
-    case FileLock::Outcome::Refused:
-        break;
-    }
-    throw Failure(QStringLiteral("%1: the regions of the sequence cannot be changed: %2")
-                      .arg(QDir(m_strFolder).path(), m_lock.reason()));
+    obtainLock(m_lock, QStringLiteral("%1: the regions of the sequence").arg(QDir(m_strFolder).path()), goesOn);
+    settleJournal();
 }
 
 // A program that is at work removes the journal itself.

@@ -2,13 +2,11 @@
 #include "services/session/SavedLibraries.h"
 
 #include "files/diskCalls.h"
-#include "host/orv_paths.h"
 #include "services/basis/Failure.h"
 #include "services/session/LibrarySpectra.h"
 #include "spectra/SpectrumPlotParams.h"
 #include "spectra/SpumKyvoDatabase.h"
 
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
@@ -27,12 +25,7 @@ const QString ending = QStringLiteral(".csv");
 QString pathToSave(const QString& strName, bool bReplace)
 {
     SavedLibraries::checkName(strName);
-    const QString base = getORVPath(ORV_PATH_USER_DATA, true, nullptr);
-    const QString folder = base + QStringLiteral("Spum/");
-    if (base.isEmpty() || !QDir().mkpath(folder)) {
-        throw Failure(QStringLiteral("Failed to create the SPUM database folder (%1)").arg(folder));
-    }
-    const QString path = folder + strName + ending;
+    const QString path = SpumKyvoDatabase::fileOfLibrary(strName);
     if (QFileInfo::exists(path) && !bReplace) {
         refuseExisting(strName);
     }
@@ -84,12 +77,12 @@ QString SavedLibraries::fileOf(const QString& strName)
     return SpumKyvoDatabase::fileOfLibrary(strName);
 }
 
-QString SavedLibraries::save(const QString& strName, QList<SpectrumPlotParams*> spectra, const QString& strNote,
-                             bool bReplace)
+QString SavedLibraries::save(const LibrariesLock& /*lock*/, const QString& strName, QList<SpectrumPlotParams*> spectra,
+                             const QString& strNote, bool bReplace)
 {
     const QString path = pathToSave(strName, bReplace);
     SpumKyvoDatabase database;
-    // Another program may have saved one of that name meanwhile.
+    // A window may have saved one of that name meanwhile, which knows no lock.
     bool existed = false;
     if (bReplace ? !database.saveLibrary(path, spectra, strNote)
                  : !database.saveNewLibrary(path, spectra, strNote, &existed)) {
@@ -101,7 +94,8 @@ QString SavedLibraries::save(const QString& strName, QList<SpectrumPlotParams*> 
     return path;
 }
 
-void SavedLibraries::rename(const QString& strName, const QString& strNewName, bool bReplace)
+void SavedLibraries::rename(const LibrariesLock& /*lock*/, const QString& strName, const QString& strNewName,
+                            bool bReplace)
 {
     const QString from = fileOf(strName);
     const QString to = pathToSave(strNewName, bReplace);
@@ -116,7 +110,8 @@ void SavedLibraries::rename(const QString& strName, const QString& strNewName, b
     }
 }
 
-void SavedLibraries::renameSpectra(const QString& strName, const QList<QPair<QString, QString>>& names)
+void SavedLibraries::renameSpectra(const LibrariesLock& lock, const QString& strName,
+                                   const QList<QPair<QString, QString>>& names)
 {
     LibrarySpectra library;
     load(strName, library);
@@ -142,10 +137,10 @@ void SavedLibraries::renameSpectra(const QString& strName, const QList<QPair<QSt
         }
         taken.append(spectrum->settings.name);
     }
-    save(strName, library.all(), library.note(), true);
+    save(lock, strName, library.all(), library.note(), true);
 }
 
-void SavedLibraries::remove(const QStringList& names)
+void SavedLibraries::remove(const LibrariesLock& /*lock*/, const QStringList& names)
 {
     QStringList files;
     for (const QString& name : names) {
@@ -160,7 +155,7 @@ void SavedLibraries::remove(const QStringList& names)
     }
 }
 
-int SavedLibraries::removeSpectra(const QString& strName, const QStringList& names)
+int SavedLibraries::removeSpectra(const LibrariesLock& lock, const QString& strName, const QStringList& names)
 {
     LibrarySpectra library;
     load(strName, library);
@@ -172,6 +167,6 @@ int SavedLibraries::removeSpectra(const QString& strName, const QStringList& nam
                           QStringLiteral("\"spum library remove\" without --spectrum removes it"));
         }
     }
-    save(strName, left, library.note(), true);
+    save(lock, strName, left, library.note(), true);
     return left.size();
 }

@@ -9,6 +9,8 @@
 #include "services/analysis/SpectrumSources.h"
 #include "services/basis/Failure.h"
 #include "services/basis/UnitNames.h"
+#include "services/basis/fileHash.h"
+#include "services/session/LibrariesLock.h"
 #include "services/session/OpenedSequence.h"
 #include "services/session/PairSelection.h"
 #include "services/session/SavedLibraries.h"
@@ -24,6 +26,8 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QJsonArray>
+
+#include <functional>
 
 namespace {
 
@@ -44,8 +48,14 @@ void takeParts(const LibraryCall& call, SpectrumSources& made, CliSession& sessi
     }
 }
 
-void store(const LibraryCall& call, const QString& strName, const SpectrumSources& made, bool bReplace,
-           CliSession& session)
+// As long as nobody wants it to stop.
+std::function<bool()> goesOn(const CliSession& session)
+{
+    return [&session] { return !session.isStopRequested(); };
+}
+
+void store(const LibrariesLock& lock, const LibraryCall& call, const QString& strName, const SpectrumSources& made,
+           bool bReplace, CliSession& session)
 {
     session.stopIfRequested();
     const QString note = call.hasNote ? call.note : made.note();
@@ -53,7 +63,7 @@ void store(const LibraryCall& call, const QString& strName, const SpectrumSource
         session.warn(QStringLiteral("the file's form ends a note at its first comma"));
     }
     const QList<SpectrumPlotParams*> spectra = made.spectra();
-    const QString path = SavedLibraries::save(strName, spectra, note, bReplace);
+    const QString path = SavedLibraries::save(lock, strName, spectra, note, bReplace);
     session.answer(QStringLiteral("saved %1 spectra of %2 points as %3 (%4)\n")
                        .arg(spectra.size())
                        .arg(spectra.first()->points.size())
@@ -118,7 +128,7 @@ void LibraryEditing::save(const LibraryCall& call, CliSession& session)
 {
     SpectrumSources made;
     takeParts(call, made, session);
-    store(call, call.arguments[0], made, call.force, session);
+    store(LibrariesLock(goesOn(session)), call, call.arguments[0], made, call.force, session);
 }
 
 void LibraryEditing::import(const LibraryCall& call, CliSession& session)
@@ -130,37 +140,50 @@ void LibraryEditing::import(const LibraryCall& call, CliSession& session)
     } else {
         made.fromLibrary(call.arguments[0], call.sequence);
     }
-    store(call, call.arguments[1], made, call.force, session);
+    store(LibrariesLock(goesOn(session)), call, call.arguments[1], made, call.force, session);
 }
 
+// Images may take long to read, and the lock is held for a moment only: where another program has changed the library
+// meanwhile, it is done again with what that has made of it.
 void LibraryEditing::append(const LibraryCall& call, CliSession& session)
 {
-    SpectrumSources made;
-    SavedLibraries::fileOf(call.arguments[0]);
-    made.fromLibrary(call.arguments[0]);
-    takeParts(call, made, session);
-    store(call, call.arguments[0], made, true, session);
+    const QString& name = call.arguments[0];
+    for (;;) {
+        const QString file = SavedLibraries::fileOf(name);
+        const QString before = fileHash(file);
+        SpectrumSources made;
+        made.fromLibrary(file);
+        takeParts(call, made, session);
+        const LibrariesLock lock(goesOn(session));
+        if (fileHash(SavedLibraries::fileOf(name)) == before) {
+            store(lock, call, name, made, true, session);
+            return;
+        }
+    }
 }
 
 void LibraryEditing::merge(const LibraryCall& call, CliSession& session)
 {
+    const LibrariesLock lock(goesOn(session));
     SpectrumSources made;
     for (const QString& name : call.arguments.mid(1)) {
         made.fromLibrary(name);
     }
-    store(call, call.arguments[0], made, call.force, session);
+    store(lock, call, call.arguments[0], made, call.force, session);
 }
 
 void LibraryEditing::rename(const LibraryCall& call, CliSession& session)
 {
+    SavedLibraries::fileOf(call.arguments[0]);
+    const LibrariesLock lock(goesOn(session));
     if (call.newSpectra.isEmpty()) {
-        SavedLibraries::rename(call.arguments[0], call.arguments[1], call.force);
+        SavedLibraries::rename(lock, call.arguments[0], call.arguments[1], call.force);
         session.answer(QStringLiteral("renamed %1 to %2\n")
                            .arg(orv::printableLine(call.arguments[0]), orv::printableLine(call.arguments[1])));
         session.answerJson(QJsonObject{{"name", call.arguments[1]}, {"was", call.arguments[0]}});
         return;
     }
-    SavedLibraries::renameSpectra(call.arguments[0], call.newSpectra);
+    SavedLibraries::renameSpectra(lock, call.arguments[0], call.newSpectra);
     session.answer(QStringLiteral("renamed %1 spectra of %2\n")
                        .arg(call.newSpectra.size())
                        .arg(orv::printableLine(call.arguments[0])));
@@ -169,15 +192,17 @@ void LibraryEditing::rename(const LibraryCall& call, CliSession& session)
 
 void LibraryEditing::remove(const LibraryCall& call, CliSession& session)
 {
+    SavedLibraries::fileOf(call.arguments[0]);
+    const LibrariesLock lock(goesOn(session));
     const QStringList& spectra = call.spectra;
     if (spectra.isEmpty()) {
-        SavedLibraries::remove(call.arguments);
+        SavedLibraries::remove(lock, call.arguments);
         session.answer(
             QStringLiteral("removed %1\n").arg(orv::printableLine(call.arguments.join(QStringLiteral(", ")))));
         session.answerJson(QJsonObject{{"removed", QJsonArray::fromStringList(call.arguments)}});
         return;
     }
-    const int left = SavedLibraries::removeSpectra(call.arguments[0], spectra);
+    const int left = SavedLibraries::removeSpectra(lock, call.arguments[0], spectra);
     session.answer(
         QStringLiteral("removed %1 of %2; %3 spectra are left\n")
             .arg(orv::printableLine(spectra.join(QStringLiteral(", "))), orv::printableLine(call.arguments[0]))

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "services/session/SavedLibraries.h"
 
+#include "services/session/LibrariesLock.h"
 #include "services/session/LibrarySpectra.h"
 #include "services/support/CliFixture.h"
 
@@ -21,7 +22,7 @@ protected:
         m_folder = getORVPath(ORV_PATH_USER_DATA, true, nullptr) + "Spum/";
         LibrarySpectra library;
         library.load(write("made.csv", "$,NumSpec,3\nExcitation,Emission,A,B,C\n640,700,1,2,3\n640,720,4,5,6\n"));
-        SavedLibraries::save("dyes", library.all(), "by hand", false);
+        SavedLibraries::save(LibrariesLock(), "dyes", library.all(), "by hand", false);
     }
     void TearDown() override { EXPECT_TRUE(QDir(m_folder).removeRecursively()); }
 
@@ -44,23 +45,25 @@ protected:
 
 TEST_F(SavedLibrariesTest, SpectraExchangeTheirNames)
 {
-    SavedLibraries::renameSpectra("dyes", {{"A", "B"}, {"B", "A"}});
+    SavedLibraries::renameSpectra(LibrariesLock(), "dyes", {{"A", "B"}, {"B", "A"}});
     EXPECT_EQ(spectraOf("dyes"), "B1 A2 C3");
 }
 
 TEST_F(SavedLibrariesTest, ANameThatAnotherSpectrumLeavesIsFree)
 {
-    SavedLibraries::renameSpectra("dyes", {{"A", "B"}, {"B", "D"}});
+    SavedLibraries::renameSpectra(LibrariesLock(), "dyes", {{"A", "B"}, {"B", "D"}});
     EXPECT_EQ(spectraOf("dyes"), "B1 D2 C3");
 }
 
 TEST_F(SavedLibrariesTest, OneSpectrumTakesOneName)
 {
     EXPECT_EQ(failureOf([] {
-                  SavedLibraries::renameSpectra("dyes", {{"A", "D"}, {"A", "E"}});
+                  SavedLibraries::renameSpectra(LibrariesLock(), "dyes", {{"A", "D"}, {"A", "E"}});
               }),
               "[2] \"A\" is given two names");
-    EXPECT_TRUE(failureOf([] { SavedLibraries::renameSpectra("dyes", {{"A", "B"}}); }).contains("the name \"B\""));
+    EXPECT_TRUE(failureOf([] {
+                    SavedLibraries::renameSpectra(LibrariesLock(), "dyes", {{"A", "B"}});
+                }).contains("the name \"B\""));
     EXPECT_EQ(spectraOf("dyes"), "A1 B2 C3");
 }
 
@@ -68,10 +71,23 @@ TEST_F(SavedLibrariesTest, OneSpectrumTakesOneName)
 TEST_F(SavedLibrariesTest, ANameThatSomethingHasMeanwhileIsNotTaken)
 {
     ASSERT_TRUE(QFile::link(m_folder + "nowhere", m_folder + "mine.csv"));
-    EXPECT_EQ(failureOf([] { SavedLibraries::rename("dyes", "mine", false); }),
+    EXPECT_EQ(failureOf([] { SavedLibraries::rename(LibrariesLock(), "dyes", "mine", false); }),
               "the library mine exists already; --force replaces it");
     EXPECT_EQ(spectraOf("dyes"), "A1 B2 C3");
-    SavedLibraries::rename("dyes", "mine", true);
+    SavedLibraries::rename(LibrariesLock(), "dyes", "mine", true);
     EXPECT_EQ(spectraOf("mine"), "A1 B2 C3");
     EXPECT_FALSE(QFile::exists(m_folder + "dyes.csv"));
+}
+
+TEST_F(SavedLibrariesTest, OneProgramAtATimeHasTheRightToChangeThem)
+{
+    int asked = 0;
+    {
+        const LibrariesLock lock;
+        EXPECT_EQ(failureOf([&asked] { LibrariesLock([&asked] { return ++asked < 3; }); }), "aborted by user");
+    }
+    EXPECT_EQ(asked, 3);
+    const LibrariesLock again([] { return false; });
+    EXPECT_EQ(SavedLibraries::removeSpectra(again, "dyes", {"A"}), 2);
+    EXPECT_EQ(spectraOf("dyes"), "B2 C3");
 }

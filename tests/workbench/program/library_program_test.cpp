@@ -3,8 +3,11 @@
 #include "workbench/program/ProgramFixture.h"
 
 #include <QDir>
+#include <QFile>
 
 #include <array>
+#include <thread>
+#include <vector>
 
 namespace {
 
@@ -22,6 +25,20 @@ protected:
     QJsonArray spectra(const QString& strName) const
     {
         return succeed({"library", "show", strName, "--json"}).json()["spectra"].toArray();
+    }
+    // Each in a process of its own; all succeed.
+    void runAtOnce(const QList<QStringList>& commands) const
+    {
+        std::vector<std::thread> threads;
+        for (const QStringList& command : commands) {
+            threads.emplace_back([this, command] {
+                const ProgramResult result = program().run(command);
+                EXPECT_EQ(result.status, 0) << qPrintable(command.join(' ')) << '\n' << result.err.constData();
+            });
+        }
+        for (auto& thread : threads) {
+            thread.join();
+        }
     }
 };
 
@@ -257,6 +274,61 @@ TEST_F(LibraryProgramTest, ALibraryIsAppendedTo)
         refusal({"library", "append", "y", "--from", library()}).startsWith("no library y is saved; saved are x"));
     EXPECT_TRUE(refusal({"library", "append", "x"}, 2).startsWith("append takes one of --from"));
     EXPECT_EQ(spectra("x").size(), 4);
+}
+
+// A file of the present folder is not meant, whatever its name.
+TEST_F(LibraryProgramTest, AFileOfItsNameDoesNotHideTheLibraryThatIsAppendedTo)
+{
+    succeed({"library", "save", "x", "--from", library()});
+    write("x", "$,NumSpec,1\n$,Color,red\nExcitation,Emission,Wrong\n640,700,1\n640,720,1\n640,740,1\n");
+    write("third.csv", "nm,Dye C\n690,0.5\n750,1\n");
+    succeed({"library", "append", "x", "--from", "third.csv"});
+    EXPECT_TRUE(QFile::remove(path("x")));
+    ASSERT_EQ(spectra("x").size(), 3);
+    EXPECT_EQ(spectra("x")[0].toObject()["name"], "Dye A");
+}
+
+TEST_F(LibraryProgramTest, EightProcessesAtOnceLoseNoSpectrum)
+{
+    constexpr int count = 8;
+    succeed({"library", "save", "x", "--from", library()});
+    for (int round = 0; round < 3; ++round) {
+        QList<QStringList> commands;
+        for (int n = 0; n < count; ++n) {
+            const QString file = QStringLiteral("%1-%2.csv").arg(round).arg(n);
+            write(file, QStringLiteral("nm,D %1 of %2\n690,0.5\n750,1\n").arg(n).arg(round).toUtf8());
+            commands.append({"library", "append", "x", "--from", file});
+        }
+        runAtOnce(commands);
+    }
+    EXPECT_EQ(spectra("x").size(), 2 + 3 * count);
+    EXPECT_FALSE(filesBelow(path("home")).join(' ').contains(".lock"));
+}
+
+TEST_F(LibraryProgramTest, ChangesOfALibraryAtOnceAgree)
+{
+    write("four.csv", "$,NumSpec,4\n$,Color,red,red,red,red\nExcitation,Emission,a,b,c,d\n640,700,1,2,3,4\n");
+    write("e.csv", "$,NumSpec,1\n$,Color,red\nExcitation,Emission,e\n640,700,1\n");
+    write("f.csv", "$,NumSpec,1\n$,Color,red\nExcitation,Emission,f\n640,700,1\n");
+    succeed({"library", "save", "x", "--from", "four.csv"});
+    succeed({"library", "save", "old", "--from", "e.csv"});
+    succeed({"library", "save", "one", "--from", "e.csv"});
+    runAtOnce({{"library", "append", "x", "--from", "e.csv"},
+               {"library", "rename", "x", "--spectrum", "a=y"},
+               {"library", "remove", "x", "--spectrum", "b"},
+               {"library", "merge", "both", "one", "f.csv"},
+               {"library", "append", "x", "--from", "f.csv"},
+               {"library", "rename", "x", "--spectrum", "c=z"},
+               {"library", "remove", "x", "--spectrum", "d"},
+               {"library", "rename", "old", "new"}});
+    QStringList names;
+    for (const auto& spectrum : spectra("x")) {
+        names.append(spectrum.toObject()["name"].toString());
+    }
+    names.sort();
+    EXPECT_EQ(names, (QStringList{"e", "f", "y", "z"}));
+    EXPECT_EQ(spectra("both").size(), 2);
+    EXPECT_EQ(saved(), (QStringList{"both", "new", "one", "x"}));
 }
 
 TEST_F(LibraryProgramTest, LibrariesAreMergedIntoOne)
