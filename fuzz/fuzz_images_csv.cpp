@@ -22,6 +22,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         require(row.line > line);
         line = row.line;
         require(row.page.value_or(1) > 0 && row.band.value_or(1) > 0 && row.interval.value_or(1) > 0);
+        require(row.projection.isNone()
+                    ? row.projection.pages.isEmpty()
+                    : row.page == row.projection.pages.value(0) && !row.projection.text().isEmpty());
+        QVector<int> pages;
+        require(PageProjection::readPages(row.projection.pagesText(), &pages, &error) && pages == row.projection.pages);
         require(std::isfinite(row.excitation.value_or(0)) && std::isfinite(row.emission.value_or(0)) &&
                 std::isfinite(row.time.value_or(0)));
     }

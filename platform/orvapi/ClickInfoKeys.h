@@ -80,6 +80,7 @@ constexpr const char* const kReferenceRadiance = "Reference Radiance";       // 
 constexpr const char* const kNativeUnit = "Native Unit";                     // 0 to 3, or the unit's text
 constexpr const char* const kStoredUnit = "Stored Unit";                     // unit of the stored pixels, else counts
 constexpr const char* const kImageExtent = "Image Extent";                   // "w x h", pixels before padding
+constexpr const char* const kProjection = "Projection";                      // of planes that an import made one of
 constexpr const char* const kDarkImage = "Dark Image";                       // that was subtracted by an import
 constexpr const char* const kBackgroundLevel = "Background Level";        // subtracted from all pixels, in their unit
 constexpr const char* const kBackgroundRule = "Background Rule";          // how it was found (BackgroundRule)

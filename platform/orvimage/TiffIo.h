@@ -37,6 +37,16 @@ struct TiffReadOptions
     // Reads this sample of each pixel (from 0), as stored: with a colour map, the index into it. Below 0: colours
     // become their luma, else sample 0.
     int band = -1;
+    // What becomes of what `out` holds, an image of the page's extent: of the type that the page gives, of which each
+    // pixel then is the larger of both (NaN where one is); of doubles, to which the page is added. No more than a strip
+    // or a row of tiles is held beside it. Pages in colours or of less than 8 bits are refused.
+    enum class Combine
+    {
+        Replace,
+        Larger,
+        Sum
+    };
+    Combine combine = Combine::Replace;
 };
 
 struct TiffWriteOptions

@@ -22,6 +22,7 @@ public:
 
     // Opens another file where `path` is not the one that is open.
     bool readHeader(const QString& path, int page, TiffInfo* info, QString* error);
+    // Of combined pages (TiffReadOptions) the statistics of `out` are whoever's who reads the last one.
     bool read(const QString& path, int page, const TiffReadOptions& options, CILImage& out, QString* error);
 
 private:

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstdint>
 #include <limits>
 #include <new>
@@ -27,6 +28,31 @@ bool report(const QString& path, const QString& reason, QString* error)
         *error = path + QStringLiteral(": ") + (reason.isEmpty() ? QStringLiteral("cannot be read") : reason);
     }
     return false;
+}
+
+using Combine = TiffReadOptions::Combine;
+
+template <typename Pixel>
+bool isNan(Pixel value)
+{
+    if constexpr (std::is_floating_point_v<Pixel>) {
+        return std::isnan(value);
+    } else {
+        return false;
+    }
+}
+
+// A pixel of a page into that of the image.
+template <typename Pixel>
+void put(Combine combine, Pixel value, Pixel& pixel)
+{
+    if (combine == Combine::Replace) {
+        pixel = value;
+    } else if (combine == Combine::Sum) {
+        pixel = static_cast<Pixel>(pixel + value);
+    } else if (value > pixel || isNan(value)) {
+        pixel = value;
+    }
 }
 
 // What is taken from each pixel: one sample, or three of which the luma is made.
@@ -58,8 +84,8 @@ double luma(Sample red, Sample green, Sample blue)
 class PageReader
 {
 public:
-    PageReader(TiffFile& file, const TiffLayout& layout, const Channels& channels, bool keepColours)
-        : m_file(file), m_layout(layout), m_channels(channels), m_keepColours(keepColours)
+    PageReader(TiffFile& file, const TiffLayout& layout, const Channels& channels, bool keepColours, Combine combine)
+        : m_file(file), m_layout(layout), m_channels(channels), m_keepColours(keepColours), m_combine(combine)
     {
     }
 
@@ -67,6 +93,7 @@ public:
     QImage& colours() { return m_colours; }
 
 private:
+    bool makeImage(CILImage& out);
     bool readBlocks(CILImage& out);
     bool readBlock(std::uint32_t x, std::uint32_t y, std::uint32_t rows, std::uint32_t rowPixels, Block* block);
     bool decode(std::size_t plane, std::uint32_t x, std::uint32_t y, std::size_t bytes);
@@ -81,12 +108,19 @@ private:
     const TiffLayout& m_layout;
     const Channels m_channels;
     const bool m_keepColours;
+    const Combine m_combine;
     std::array<std::vector<unsigned char>, 3> m_buffers;
     QImage m_colours;
 };
 
-bool PageReader::read(CILImage& out)
+bool PageReader::makeImage(CILImage& out)
 {
+    if (m_combine != Combine::Replace) {
+        const ORVDataTypes type = m_combine == Combine::Sum ? ORVTYPE_DOUBLE : m_layout.pixelType();
+        const bool same = out.dataType() == type && out.m_lWidth == static_cast<long>(m_layout.width) &&
+                          out.m_lHeight == static_cast<long>(m_layout.height);
+        return same || m_file.fail(QStringLiteral("the page has another extent or other pixels than those before"));
+    }
     if (out.InitWithType(m_layout.pixelType(), static_cast<long>(m_layout.width), static_cast<long>(m_layout.height)) !=
         EIL_SUCCESS) {
         return m_file.fail(QStringLiteral("there is not enough memory for the image"));
@@ -97,7 +131,12 @@ bool PageReader::read(CILImage& out)
             return m_file.fail(QStringLiteral("there is not enough memory for the image"));
         }
     }
-    return readBlocks(out);
+    return true;
+}
+
+bool PageReader::read(CILImage& out)
+{
+    return makeImage(out) && readBlocks(out);
 }
 
 bool PageReader::readBlocks(CILImage& out)
@@ -215,6 +254,7 @@ template <typename Sample>
 void PageReader::storeAs(const Block& block, CILImage& out)
 {
     const bool turn = m_layout.photometric == PHOTOMETRIC_MINISWHITE && std::is_unsigned_v<Sample>;
+    const Combine combine = m_combine;
     orvimage::visitPixels(out, [&](auto* pixels, std::size_t) {
         using Pixel = std::remove_pointer_t<decltype(pixels)>;
         for (std::uint32_t j = 0; j < block.height; ++j) {
@@ -229,10 +269,10 @@ void PageReader::storeAs(const Block& block, CILImage& out)
                     pixel = orvimage::toPixel<Pixel>(luma(first[at], row(1)[at], row(2)[at]));
                 } else if (turn) {
                     // NOLINTNEXTLINE(bugprone-signed-char-misuse)
-                    pixel = static_cast<Pixel>(std::numeric_limits<Sample>::max() - first[at]);
+                    put(combine, static_cast<Pixel>(std::numeric_limits<Sample>::max() - first[at]), pixel);
                 } else {
                     // NOLINTNEXTLINE(bugprone-signed-char-misuse): a signed sample keeps its sign
-                    pixel = static_cast<Pixel>(first[at]);
+                    put(combine, static_cast<Pixel>(first[at]), pixel);
                 }
             }
         }
@@ -310,6 +350,10 @@ bool readPage(TiffFile& file, int page, const TiffReadOptions& options, CILImage
     if (options.band >= layout.samples) {
         return file.fail(QStringLiteral("there is no sample %1, only %2").arg(options.band).arg(layout.samples));
     }
+    const bool mix = layout.isRgb() && options.band < 0;
+    if (options.combine != Combine::Replace && (mix || !layout.isPlain())) {
+        return file.fail(QStringLiteral("pages in colours or of less than 8 bits cannot be combined"));
+    }
     if (!layout.isPlain()) {
         QImage picture;
         if (!readAsColours(file, layout, picture)) {
@@ -329,7 +373,6 @@ bool readPage(TiffFile& file, int page, const TiffReadOptions& options, CILImage
                              .arg(layout.orientation));
     }
     Channels channels;
-    const bool mix = layout.isRgb() && options.band < 0;
     if (mix) {
         channels = {{0, 1, 2}, 3};
     } else {
@@ -337,7 +380,7 @@ bool readPage(TiffFile& file, int page, const TiffReadOptions& options, CILImage
     }
     const bool keepColours =
         mix && options.keepColours && layout.bits <= 16 && layout.sampleKind() == TiffInfo::Samples::Unsigned;
-    PageReader reader(file, layout, channels, keepColours);
+    PageReader reader(file, layout, channels, keepColours, options.combine);
     if (!reader.read(out)) {
         return false;
     }
@@ -384,9 +427,15 @@ bool TiffPageReader::open(const QString& path, QString* error)
 
 bool TiffPageReader::read(const QString& path, int page, const TiffReadOptions& options, CILImage& out, QString* error)
 {
-    out.clear();
-    const bool reused = m_pFile != nullptr && path == m_strPath;
+    const bool combined = options.combine != Combine::Replace;
+    if (!combined) {
+        out.clear();
+    } else if (m_pFile != nullptr && !m_pFile->reason().isEmpty()) {
+        m_pFile.reset();
+    }
+    const bool reused = m_pFile != nullptr && path == m_strPath && !combined;
     if (!open(path, error)) {
+        out.clear();
         return false;
     }
     bool ok = false;
@@ -402,7 +451,9 @@ bool TiffPageReader::read(const QString& path, int page, const TiffReadOptions& 
         // What another page had to complain of does not count against this one.
         return reused && read(path, page, options, out, error);
     }
-    out.RefreshImageStats();
+    if (!combined) {
+        out.RefreshImageStats();
+    }
     return true;
 }
 

@@ -51,6 +51,14 @@ QString channelName(const QString& first, const QString& second)
     return (name.isEmpty() ? second.simplified() : name).left(maxChannelLength).trimmed();
 }
 
+// What names tell of the plane in that dimension, as "GFP z2" and "z:2/5": of all of them it is not true.
+void forgetPlace(QStringList& names, char dimension)
+{
+    const QRegularExpression place(
+        QStringLiteral("(^|\\s)%1(\\d+$|:\\d+/\\d+(\\s*-\\s*)?)").arg(QLatin1Char(dimension)));
+    names.replaceInStrings(place, QStringLiteral(" "));
+}
+
 // Whether something better than this name tells what the image is.
 bool isDecided(const FoundImage& image)
 {
@@ -322,7 +330,13 @@ ImageFinder::PageFacts ImageFinder::factsOfPages(const TiffTexts& texts, const Q
     for (const QString& doubt : qAsConst(doubts)) {
         m_doubts.append(QStringLiteral("%1: %2").arg(strFile, doubt));
     }
-    if (m_choice.t > 0) {
+    if (m_choice.projectsDepth) {
+        forgetPlace(facts.channels, 'z');
+    }
+    if (m_choice.projectsTimes) {
+        forgetPlace(facts.channels, 't');
+    }
+    if (m_choice.t > 0 || m_choice.projectsTimes) {
         // The images have one time, which does not tell them apart.
         const auto isTime = [](const Figure& figure) {
             return figure.kind == Figure::Time || figure.kind == Figure::Frame;
@@ -352,30 +366,46 @@ bool ImageFinder::addTiff(const QString& strPath, QString* pError)
     }
     // Samples that are no colours are images of their own.
     const int samples = info.isColour ? 1 : info.samplesPerPixel;
-    // Of a file without dimensions there is one plane in each, and every page has it.
+    const QVector<QVector<int>> images = m_choice.images(facts.planes);
     const PlanePosition& sizes = facts.planes.sizes;
-    const bool chosen = sizes.c > 1 || sizes.z > 1 || sizes.t > 1;
-    for (int page = 0; page < pages; ++page) {
-        if (chosen && !m_choice.takes(facts.planes.pages.at(page))) {
-            continue;
-        }
+    if (pages > 1 && images.size() == 1 && sizes.c * sizes.z * sizes.t == 1) {
+        m_warnings.append(
+            QStringLiteral("%1 tells no dimensions: all of its %2 pages are taken for planes of one image")
+                .arg(file, QString::number(pages)));
+    }
+    for (const QVector<int>& own : images) {
         for (int sample = 0; sample < samples; ++sample) {
-            FoundImage image;
-            image.file = file;
-            image.name = file;
-            if (pages > 1) {
-                image.page = page + 1;
-                image.name += QStringLiteral(" page %1").arg(page + 1);
-            }
+            FoundImage image = imageOfPages(file, own, pages);
             if (samples > 1) {
                 image.band = sample + 1;
                 image.name += QStringLiteral(" band %1").arg(sample + 1);
             }
-            addPageNames(image, texts, page, facts, pages * samples == 1);
+            const bool bAlone = (pages == 1 || (images.size() == 1 && !image.projection.isNone())) && samples == 1;
+            addPageNames(image, texts, own.first(), facts, bAlone);
             m_images.append(image);
         }
     }
     return true;
+}
+
+// The place of an image in a file of so many pages.
+FoundImage ImageFinder::imageOfPages(const QString& strFile, const QVector<int>& pages, int nPages) const
+{
+    FoundImage image;
+    image.file = strFile;
+    image.name = strFile;
+    if (nPages == 1) {
+        return image;
+    }
+    image.page = pages.first() + 1;
+    if (pages.size() > 1) {
+        image.projection.kind = m_choice.projection;
+        for (const int page : pages) {
+            image.projection.pages.append(page + 1);
+        }
+    }
+    image.name += QLatin1Char(' ') + PageProjection::placeText(image.page, image.projection);
+    return image;
 }
 
 // What metadata and texts of a page and, of an image that is alone in its file, the file's name tell.

@@ -17,10 +17,11 @@ struct TiffTexts;
 // An image of a stack, and what its name and its file's metadata tell of it.
 struct FoundImage
 {
-    QString file;            // below the stack when that is a folder, else the name of the stack's file
-    std::optional<int> page; // from 1; of a TIFF file with several
-    std::optional<int> band; // from 1
-    QString name;            // for people
+    QString file;              // below the stack when that is a folder, else the name of the stack's file
+    std::optional<int> page;   // from 1; of a TIFF file with several
+    PageProjection projection; // of pages from that one on
+    std::optional<int> band;   // from 1
+    QString name;              // for people
     QString channel;     // what the file calls the image: its channel, label, band or column, or the file's own name
     bool framed = false; // metadata say that the images are a series of times
     QVector<Figure> figures;
@@ -70,6 +71,7 @@ private:
     bool addPicture(const QString& strPath, QString* pError);
     bool splitLoneColours(const QString& strSource);
     bool addTiff(const QString& strPath, QString* pError);
+    FoundImage imageOfPages(const QString& strFile, const QVector<int>& pages, int nPages) const;
     PageFacts factsOfPages(const TiffTexts& texts, const QString& strFile);
     void addPageNames(FoundImage& image, const TiffTexts& texts, int nPage, const PageFacts& facts, bool bAlone);
     bool addEnvi(const QString& strPath, QString* pError);

@@ -155,6 +155,7 @@ bool ImagePreparation::read(int i, CILImage& image, QString* pError)
         return failWithoutMemory(i, pError);
     }
     m_images[i].binned = m_size.factor(i);
+    m_images[i].projection = m_stack.projectionText(i);
     m_invalid.add(marks, width(), height());
     if (!subtractBackground(i, marks, image, pError) || !checkPixels(i, image, pError)) {
         return false;

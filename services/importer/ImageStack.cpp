@@ -14,6 +14,19 @@
 #include <algorithm>
 #include <utility>
 
+namespace {
+
+// Means are floats, of 32 bit integers and doubles doubles.
+ORVDataTypes projectedType(PageProjection::Kind kind, ORVDataTypes type)
+{
+    if (kind != PageProjection::Kind::Mean) {
+        return type;
+    }
+    return type == ORVTYPE_INT || type == ORVTYPE_DOUBLE ? ORVTYPE_DOUBLE : ORVTYPE_FLOAT;
+}
+
+} // namespace
+
 bool ImageStack::isTiffFile(const QString& strPath)
 {
     QFile file(strPath);
@@ -52,7 +65,10 @@ bool ImageStack::open(const QString& strSource, const ImagesTable& table, QStrin
             return false;
         }
         const QString identity =
-            QStringLiteral("%1|%2|%3").arg(image.page).arg(image.band).arg(QFileInfo(image.path).canonicalFilePath());
+            QStringLiteral("%1 %2|%3|")
+                .arg(row.projection.kindText(), PageProjection::fieldText(image.page, row.projection))
+                .arg(image.band) +
+            QFileInfo(image.path).canonicalFilePath();
         if (lineOf.contains(identity)) {
             *pError = QStringLiteral("%1: %2 is the image of line %3 again")
                           .arg(table.place(row), image.name, QString::number(lineOf.value(identity)));
@@ -128,8 +144,9 @@ bool ImageStack::locate(const QString& strSource, bool bFolder, const ImageRow& 
     }
     image.page = row.page.value_or(1) - 1;
     image.band = row.band.value_or(0) - 1;
+    image.projection = row.projection;
     if (row.page) {
-        image.name += QStringLiteral(" page %1").arg(*row.page);
+        image.name += QLatin1Char(' ') + PageProjection::placeText(row.page, row.projection);
     }
     if (row.band) {
         image.name += QStringLiteral(" band %1").arg(*row.band);
@@ -248,12 +265,47 @@ bool ImageStack::measure(Image& image, long* pWidth, long* pHeight, QString* pRe
     } else if (image.band < 0 && info.samplesPerPixel > 1) {
         m_sampled.append(image.name);
     }
+    if (!image.projection.isNone()) {
+        *pWidth = info.width;
+        *pHeight = info.height;
+        return measureProjection(image, info, pReason);
+    }
     if (info.type != ORVTYPE_NONE) { // else reading refuses it
         constexpr qint64 planes = 3;
         noteMemory(info.type, tiffMemory(info) * (image.coloured ? planes : 1));
     }
     *pWidth = info.width;
     *pHeight = info.height;
+    return true;
+}
+
+bool ImageStack::measureProjection(const Image& image, const TiffInfo& first, QString* pReason)
+{
+    if (image.coloured) {
+        *pReason = QStringLiteral("%1: pages in colours are not projected; a band takes one of them").arg(image.path);
+        return false;
+    }
+    for (const int page : image.projection.pages) {
+        TiffInfo info;
+        if (!m_pages->readHeader(image.path, page - 1, &info, pReason)) {
+            return false;
+        }
+        if (info.width != first.width || info.height != first.height || info.type != first.type ||
+            info.samplesPerPixel != first.samplesPerPixel) {
+            *pReason = QStringLiteral("%1: page %2 has another size or other pixels than page %3")
+                           .arg(image.path)
+                           .arg(page)
+                           .arg(image.page + 1);
+            return false;
+        }
+    }
+    if (first.type != ORVTYPE_NONE) { // else reading refuses it
+        // The image so far beside what is decoded of a page; of a mean also the sums.
+        const qint64 sums = image.projection.kind == PageProjection::Kind::Mean
+                                ? static_cast<qint64>(sizeof(double)) * first.width * first.height
+                                : 0;
+        noteMemory(projectedType(image.projection.kind, first.type), tiffMemory(first) + sums);
+    }
     return true;
 }
 
@@ -313,9 +365,57 @@ bool ImageStack::readBand(int i, CILImage& out, QString* pError) const
     if (image.picture || image.coloured) {
         return readColours(image, out, pError);
     }
+    if (!image.projection.isNone()) {
+        return readProjection(image, out, pError);
+    }
     TiffReadOptions options;
     options.band = image.band;
     return m_pages->read(image.path, image.page, options, out, pError);
+}
+
+// Page by page, of which no more than a strip or a row of tiles is there at a time.
+bool ImageStack::readProjection(const Image& image, CILImage& out, QString* pError) const
+{
+    const auto failWithoutMemory = [&] {
+        out.clear();
+        *pError = QStringLiteral("%1: there is no memory for the image").arg(image.name);
+        return false;
+    };
+    const bool bMean = image.projection.kind == PageProjection::Kind::Mean;
+    TiffReadOptions options;
+    options.band = image.band;
+    options.combine = bMean ? TiffReadOptions::Combine::Sum : TiffReadOptions::Combine::Replace;
+    CILImage sums;
+    CILImage& made = bMean ? sums : out;
+    if (bMean && sums.InitWithType(ORVTYPE_DOUBLE, image.size.width(), image.size.height()) != EIL_SUCCESS) {
+        return failWithoutMemory();
+    }
+    for (const int page : image.projection.pages) {
+        if (!m_pages->read(image.path, page - 1, options, made, pError)) {
+            out.clear();
+            return false;
+        }
+        if (!bMean) {
+            options.combine = TiffReadOptions::Combine::Larger;
+        }
+    }
+    if (bMean) {
+        TiffInfo info;
+        if (!m_pages->readHeader(image.path, image.page, &info, pError)) {
+            out.clear();
+            return false;
+        }
+        const ORVDataTypes type = projectedType(image.projection.kind, info.type);
+        if (out.InitWithType(type, image.size.width(), image.size.height()) != EIL_SUCCESS) {
+            return failWithoutMemory();
+        }
+        const auto count = static_cast<double>(image.projection.pages.size());
+        for (std::size_t i = 0; i < out.pixelCount(); ++i) {
+            out.setValue(i, sums.value(i) / count);
+        }
+    }
+    out.RefreshImageStats();
+    return true;
 }
 
 bool ImageStack::readColours(const Image& image, CILImage& out, QString* pError) const

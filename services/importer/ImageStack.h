@@ -41,6 +41,8 @@ public:
 
     // Short and for people: "cells_00.tif", "stack.tif page 3", "cube.dat band 2".
     QString name(int i) const { return m_images.at(i).name; }
+    // Of image i; empty for one that is no projection.
+    QString projectionText(int i) const { return m_images.at(i).projection.text(); }
     // What an ENVI header tells of the band, in nm.
     std::optional<double> wavelength(int i) const;
     // By which the file of image i marks pixels without a value; nothing where it does not.
@@ -60,6 +62,7 @@ private:
         QString name;
         QSize size;
         int page = 0;                  // from 0
+        PageProjection projection;     // of pages from that one on
         int band = -1;                 // from 0; -1 for a TIFF page or a picture as a whole
         bool picture = false;          // PNG or JPEG
         bool coloured = false;         // and no band is given
@@ -71,7 +74,9 @@ private:
     bool openCsv(const ImageRow& row, Image& image, QString* pReason);
     QSharedPointer<CsvCube> csvCube(const QString& strPath, QString* pReason);
     bool measure(Image& image, long* pWidth, long* pHeight, QString* pReason);
+    bool measureProjection(const Image& image, const TiffInfo& first, QString* pReason);
     bool measurePicture(Image& image, long* pWidth, long* pHeight, QString* pReason);
+    bool readProjection(const Image& image, CILImage& out, QString* pError) const;
     bool readColours(const Image& image, CILImage& out, QString* pError) const;
     void noteMemory(ORVDataTypes type, qint64 lReadBytes);
     static void warnOf(const QStringList& names, const QString& strWhat, QStringList& warnings);

@@ -15,12 +15,15 @@ namespace {
 // Ten thousand images with long names need a tenth of this.
 constexpr qint64 maxTableBytes = 16 * 1024 * 1024;
 constexpr int maxImages = 100000;
+// In all images: a short row can name many.
+constexpr int maxProjectedPages = 1000000;
 constexpr int maxColumns = 1000;
 
 enum Column
 {
     ColumnFile,
     ColumnPage,
+    ColumnProjection,
     ColumnBand,
     ColumnExcitation,
     ColumnEmission,
@@ -39,11 +42,11 @@ enum Column
     ColumnCount
 };
 constexpr std::array<const char*, ColumnCount> columnNames{
-    ImageColumns::kFile,     ImageColumns::kPage,      ImageColumns::kBand,       ImageColumns::kExcitation,
-    ImageColumns::kEmission, ImageColumns::kChannel,   ImageColumns::kWavelength, ImageColumns::kWavenumber,
-    ImageColumns::kInterval, ImageColumns::kTime,      ImageColumns::kSpotX,      ImageColumns::kSpotY,
-    ImageColumns::kExposure, ImageColumns::kPixelSize, ImageColumns::kStart,      ImageColumns::kIsotope,
-    ImageColumns::kUnit};
+    ImageColumns::kFile,       ImageColumns::kPage,     ImageColumns::kProjection, ImageColumns::kBand,
+    ImageColumns::kExcitation, ImageColumns::kEmission, ImageColumns::kChannel,    ImageColumns::kWavelength,
+    ImageColumns::kWavenumber, ImageColumns::kInterval, ImageColumns::kTime,       ImageColumns::kSpotX,
+    ImageColumns::kSpotY,      ImageColumns::kExposure, ImageColumns::kPixelSize,  ImageColumns::kStart,
+    ImageColumns::kIsotope,    ImageColumns::kUnit};
 
 // Position of each column among the fields, -1 without.
 using Columns = std::array<int, ColumnCount>;
@@ -123,6 +126,31 @@ bool readCount(const QString& field, Column column, const char* prefix, std::opt
     return true;
 }
 
+// One page, or several with what is made of them.
+bool readPages(const QString& field, const QString& projection, ImageRow& row, QString& error)
+{
+    if (projection.isEmpty()) {
+        if (field.simplified().contains(QLatin1Char(' ')) || field.contains(QLatin1String(".."))) {
+            error = QStringLiteral("several pages (\"%1\") take a projection, max or mean").arg(field);
+            return false;
+        }
+        return readCount(field, ColumnPage, "", row.page, error);
+    }
+    if (!PageProjection::kindOf(projection, &row.projection.kind)) {
+        error = QStringLiteral("the projection \"%1\" is not max or mean").arg(projection);
+        return false;
+    }
+    if (!PageProjection::readPages(field, &row.projection.pages, &error)) {
+        return false;
+    }
+    if (row.projection.pages.isEmpty()) {
+        error = QStringLiteral("a projection takes pages, such as 1 4 7 or 1..30");
+        return false;
+    }
+    row.page = row.projection.pages.first();
+    return true;
+}
+
 bool readPositive(const QString& field, Column column, const char* unit, std::optional<double>& value, QString& error)
 {
     if (!readNumber(field, column, unit, value, error)) {
@@ -180,7 +208,7 @@ bool readRow(const QStringList& fields, const Columns& columns, ImageRow& row, Q
     };
     row.file = field(ColumnFile);
     row.channel = field(ColumnChannel).simplified();
-    return readCount(field(ColumnPage), ColumnPage, "", row.page, error) &&
+    return readPages(field(ColumnPage), field(ColumnProjection), row, error) &&
            readCount(field(ColumnBand), ColumnBand, "", row.band, error) &&
            readNumber(field(ColumnExcitation), ColumnExcitation, "nm", row.excitation, error) &&
            readNumber(field(ColumnEmission), ColumnEmission, "nm", row.emission, error) &&
@@ -270,6 +298,7 @@ bool ImagesTable::parseLines(const QStringList& lines, QString* pError)
     Columns columns{};
     QChar separator;
     bool bHeaderSeen = false;
+    int projected = 0;
     int headerFields = 0;
     for (int i = 0; i < lines.size(); ++i) {
         const QString line = lines.at(i).trimmed();
@@ -315,6 +344,10 @@ bool ImagesTable::parseLines(const QStringList& lines, QString* pError)
         row.line = i + 1;
         if (!readRow(fields, columns, row, reason)) {
             return fail(reason);
+        }
+        projected += row.projection.pages.size();
+        if (projected > maxProjectedPages) {
+            return fail(QStringLiteral("more than %1 pages are projected").arg(maxProjectedPages));
         }
         m_rows.append(row);
     }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "services/importer/ImageFacts.h"
+#include "services/importer/PageProjection.h"
 
 #include <QByteArray>
 #include <QString>
@@ -14,6 +15,7 @@
 namespace ImageColumns {
 constexpr const char* const kFile = "file";
 constexpr const char* const kPage = "page";
+constexpr const char* const kProjection = "projection";
 constexpr const char* const kBand = "band";
 constexpr const char* const kExcitation = "excitation";
 constexpr const char* const kEmission = "emission";
@@ -37,7 +39,8 @@ struct ImageRow
 {
     int line = 0; // in the file, from 1
     QString file;
-    std::optional<int> page;          // from 1
+    std::optional<int> page; // from 1; of several the first
+    PageProjection projection;
     std::optional<int> band;          // from 1
     std::optional<double> excitation; // nm
     std::optional<double> emission;   // nm

@@ -151,6 +151,7 @@ void InferredTable::takeFigures(const QVector<FoundImage>& images, std::optional
         Row row;
         row.file = image.file;
         row.page = image.page;
+        row.projection = image.projection;
         row.band = image.band;
         row.name = image.name;
         QString first;

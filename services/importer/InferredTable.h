@@ -19,6 +19,7 @@ public:
     {
         QString file;
         std::optional<int> page;          // from 1
+        PageProjection projection;        // of pages from that one on
         std::optional<int> band;          // from 1
         QString name;                     // for people
         std::optional<double> excitation; // nm

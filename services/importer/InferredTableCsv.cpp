@@ -39,7 +39,8 @@ QByteArray InferredTable::toCsv() const
     };
     add(
         ImageColumns::kFile, [](const Row& row) { return csvField(row.file); }, true);
-    addKnown(ImageColumns::kPage, [](const Row& row) { return csvNumber(row.page); });
+    addKnown(ImageColumns::kPage, [](const Row& row) { return PageProjection::fieldText(row.page, row.projection); });
+    addKnown(ImageColumns::kProjection, [](const Row& row) { return row.projection.kindText(); });
     addKnown(ImageColumns::kBand, [](const Row& row) { return csvNumber(row.band); });
     add(
         ImageColumns::kChannel, [](const Row& row) { return csvField(row.channel); }, m_bNumbered);

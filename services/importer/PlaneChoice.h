@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "services/importer/PageProjection.h"
+
 #include <QString>
 #include <QVector>
 
@@ -29,10 +31,17 @@ struct PlaneChoice
     int t = 0;         // time, whose channels are taken
     int c = 0;         // channel, whose times are taken
     bool each = false; // every plane is an image, whatever it is
+    // In place of a number: all planes in depth, or all times, make one image of each channel.
+    PageProjection::Kind projection = PageProjection::Kind::None;
+    bool projectsDepth = false;
+    bool projectsTimes = false;
 
     // Why the planes of the file cannot be taken so: more than one in depth, several channels at several times, a
     // number that there is not. Empty where they can.
     QString reasonAgainst(const PlanePosition& sizes) const;
     // Whether a page is one of those chosen.
     bool takes(const std::optional<PlanePosition>& page) const;
+    // The pages, from 0, that make an image each, in the order of the file; several of one are projected. Of a file
+    // that tells no dimensions all make one, where depths or times are projected.
+    QVector<QVector<int>> images(const FilePlanes& planes) const;
 };

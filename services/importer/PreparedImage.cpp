@@ -13,6 +13,9 @@ void PreparedImage::write(CPLSection& section) const
     const auto set = [&section](const char* pKey, const QString& strValue) {
         section.setValue(QString::fromLatin1(pKey), strValue);
     };
+    if (!projection.isEmpty()) {
+        set(ClickKeys::kProjection, projection);
+    }
     if (isSubtracted()) {
         set(ClickKeys::kBackgroundCorrected, QStringLiteral("1"));
         set(ClickKeys::kNegativePixels, QString::number(negatives));
@@ -29,6 +32,9 @@ void PreparedImage::write(CPLSection& section) const
 QJsonObject PreparedImage::json() const
 {
     QJsonObject json;
+    if (!projection.isEmpty()) {
+        json.insert(QStringLiteral("projection"), projection);
+    }
     if (!dark.isEmpty()) {
         json.insert(QStringLiteral("dark"), dark);
     }
@@ -46,6 +52,7 @@ PreparedImage PreparedImage::of(const CPLClickInfo& info)
 {
     PreparedImage prepared;
     const QStringList section{QString::fromLatin1(ClickKeys::kLuminescentImage)};
+    prepared.projection = clickText(info, ClickKeys::kLuminescentImage, ClickKeys::kProjection);
     prepared.dark = clickText(info, ClickKeys::kLuminescentImage, ClickKeys::kDarkImage);
     prepared.background = clickNumberValue(info, section, ClickKeys::kBackgroundLevel);
     prepared.rule = clickText(info, ClickKeys::kLuminescentImage, ClickKeys::kBackgroundRule);

@@ -17,10 +17,11 @@ struct PreparedImage
     QString rule;                     // how that was found; empty without
     long long negatives = 0;          // pixels that are below 0 behind either
     int binned = 1;                   // pixels along a side that became one; not kept with the image
+    QString projection;               // PageProjection::text(); empty for one that is none
 
     bool isSubtracted() const { return !dark.isEmpty() || background.has_value(); }
 
-    // Keys "dark", "background", "backgroundRule", "negativePixels"; empty where nothing was subtracted.
+    // Keys "projection", "dark", "background", "backgroundRule", "negativePixels"; empty where nothing was done.
     QJsonObject json() const;
     // Appends the entries to the section of the image.
     void write(CPLSection& section) const;

@@ -68,8 +68,8 @@ OddCases omeCases()
         described(
             "OmeOfAMillionPlanesInDepth", [] { return ome(channel).replace("SizeZ=\"1\"", "SizeZ=\"999999\""); },
             C::Refused,
-            "{path}: it has 999999 planes in depth (Z), which are no channels; --z N takes one of them, --channels all "
-            "for channels"),
+            "{path}: it has 999999 planes in depth (Z), which are no channels; --z N takes one of them, --z max or "
+            "mean makes one of all, --channels all for channels"),
         described(
             "OmeOfAMillionTimesOfOneToldChannel",
             [] {

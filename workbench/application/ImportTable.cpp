@@ -62,6 +62,7 @@ ImportTable::Row ImportTable::rowOf(const Found& found)
     Row row;
     row.file = found.file;
     row.page = found.page;
+    row.projection = found.projection;
     row.band = found.band;
     row.wavenumber = found.wavenumber;
     row.cells[Channel] = found.channel;
@@ -108,7 +109,7 @@ ImportTable::ImportTable(const ImagesTable& table, const QString& strName)
     for (const ImageRow& found : table.rows()) {
         Row row = rowOf(found);
         row.cells[Image] = found.file;
-        row.cells[Image] += found.page ? QStringLiteral(" page %1").arg(*found.page) : QString();
+        row.cells[Image] += QLatin1Char(' ') + PageProjection::placeText(found.page, found.projection);
         row.cells[Image] += found.band ? QStringLiteral(" band %1").arg(*found.band) : QString();
         row.cells[Image] = row.cells[Image].trimmed(); // the file of all rows need not be named
         row.cells[Origin] = strName;

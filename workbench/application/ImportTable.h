@@ -118,6 +118,7 @@ private:
         bool used = true;
         QString file;
         std::optional<int> page;
+        PageProjection projection; // of pages from that one on
         std::optional<int> band;
         std::optional<double> wavenumber; // 1/cm, of a numbered channel
         std::array<QString, ColumnCount> cells;

@@ -39,6 +39,7 @@ QByteArray ImportTable::toCsv() const
         return std::any_of(m_rows.cbegin(), m_rows.cend(), [&](const Row& row) { return row.used && has(row); });
     };
     const bool pages = any([](const Row& row) { return row.page.has_value(); });
+    const bool projections = any([](const Row& row) { return !row.projection.isNone(); });
     const bool bands = any([](const Row& row) { return row.band.has_value(); });
     const bool starts = any([](const Row& row) { return !row.facts.start.isEmpty(); });
     const bool isotopes = any([](const Row& row) { return !row.facts.isotope.isEmpty(); });
@@ -55,6 +56,7 @@ QByteArray ImportTable::toCsv() const
             }
         };
         add(pages, ImageColumns::kPage);
+        add(projections, ImageColumns::kProjection);
         add(bands, ImageColumns::kBand);
         for (const Column column : shown) {
             if (isNumber(column) || column == Channel) {
@@ -77,7 +79,8 @@ QByteArray ImportTable::toCsv() const
         }
         const QHash<QString, QString> known{
             {QLatin1String(ImageColumns::kFile), csvField(row.file)},
-            {QLatin1String(ImageColumns::kPage), field(row.page)},
+            {QLatin1String(ImageColumns::kPage), PageProjection::fieldText(row.page, row.projection)},
+            {QLatin1String(ImageColumns::kProjection), row.projection.kindText()},
             {QLatin1String(ImageColumns::kBand), field(row.band)},
             {QLatin1String(ImageColumns::kWavenumber), row.wavenumber ? orv::shortestText(*row.wavenumber) : QString()},
             {QLatin1String(ImageColumns::kPixelSize),

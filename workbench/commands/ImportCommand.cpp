@@ -43,6 +43,32 @@ double positiveNumber(const char* pOption, const QString& strText)
     return value;
 }
 
+// A plane's number or, where `pProjects` is given, what is made of all planes.
+void takePlane(const QCommandLineParser& parser, const char* pName, int* pPlane, bool* pProjects, Request& request,
+               CallErrors& errors)
+{
+    if (!parser.isSet(QLatin1String(pName))) {
+        return;
+    }
+    const QString text = parser.value(QLatin1String(pName));
+    PageProjection::Kind kind = PageProjection::Kind::None;
+    if (pProjects != nullptr && PageProjection::kindOf(text, &kind)) {
+        *pProjects = true;
+        if (request.planes.projection != PageProjection::Kind::None && request.planes.projection != kind) {
+            errors.refuse(QStringLiteral("--z and --t take the same projection, max or mean."));
+        }
+        request.planes.projection = kind;
+        return;
+    }
+    bool ok = false;
+    *pPlane = text.toInt(&ok);
+    if (!ok || *pPlane < 1) {
+        errors.refuse(
+            QStringLiteral("--%1 takes a whole number from 1 on%2, not \"%3\".")
+                .arg(QLatin1String(pName), pProjects != nullptr ? QStringLiteral(", max or mean") : QString(), text));
+    }
+}
+
 // The options with numbers and rules.
 void takeValues(const QCommandLineParser& parser, Request& request, CallErrors& errors)
 {
@@ -70,19 +96,9 @@ void takeValues(const QCommandLineParser& parser, Request& request, CallErrors& 
             refuseUsage("import", QStringLiteral("--sizes takes crop, bin or pad, not \"%1\".").arg(value("sizes")));
         }
     });
-    const auto takePlane = [&](const char* pName, int* pPlane) {
-        take(pName, [=] {
-            bool ok = false;
-            *pPlane = value(pName).toInt(&ok);
-            if (!ok || *pPlane < 1) {
-                refuseUsage("import", QStringLiteral("--%1 takes a whole number from 1 on, not \"%2\".")
-                                          .arg(QLatin1String(pName), value(pName)));
-            }
-        });
-    };
-    takePlane("z", &request.planes.z);
-    takePlane("t", &request.planes.t);
-    takePlane("c", &request.planes.c);
+    takePlane(parser, "z", &request.planes.z, &request.planes.projectsDepth, request, errors);
+    takePlane(parser, "t", &request.planes.t, &request.planes.projectsTimes, request, errors);
+    takePlane(parser, "c", &request.planes.c, nullptr, request, errors);
     take("interval", [&] { request.interval = positiveNumber("interval", value("interval")); });
     take("pixel-size", [&] { options.pixelSize = positiveNumber("pixel-size", value("pixel-size")); });
     take("exposure", [&] {
@@ -165,6 +181,19 @@ void writeTable(const Request& request, const InferredTable& table)
                            written ? request.writeTable : QStringLiteral("on standard output")));
 }
 
+// What planes have become of, in a half sentence; empty where each image is one.
+QString projectionText(const ImportReport& report)
+{
+    const auto count =
+        static_cast<int>(std::count_if(report.prepared.cbegin(), report.prepared.cend(),
+                                       [](const PreparedImage& image) { return !image.projection.isEmpty(); }));
+    if (count == 0) {
+        return QString();
+    }
+    return count == report.images ? QStringLiteral(", each a projection of several planes")
+                                  : QStringLiteral(", %1 of them projections of several planes").arg(count);
+}
+
 QString textAnswer(const ImportReport& report, const QString& strFolder)
 {
     QString text = report.images == 1 ? QStringLiteral("1 image") : QStringLiteral("%1 images").arg(report.images);
@@ -177,6 +206,7 @@ QString textAnswer(const ImportReport& report, const QString& strFolder)
     text += report.transillumination ? QStringLiteral(", a scan of spots") : QString();
     text += report.numbered ? QStringLiteral(", numbered channels") : QString();
     text += report.unit.isEmpty() ? QString() : QStringLiteral(", in ") + report.unit.toLower();
+    text += projectionText(report);
     text += report.scaled ? QStringLiteral(", divided by the scale factor of the header") : QString();
     text += report.dark ? QStringLiteral(", dark image subtracted (%1)").arg(report.darkMatching) : QString();
     text += report.flat ? QStringLiteral(", flat field divided") : QString();
@@ -324,10 +354,14 @@ void ImportCommand::declare(CommandParser& parser) const
                        "bin, to the smallest by whole numbers; pad, to the largest, the rest without a "
                        "value."),
         "RULE", {QStringLiteral("crop"), QStringLiteral("bin"), QStringLiteral("pad")});
-    addValueOption(parser, "z", QStringLiteral("Plane in depth to take, from 1, of files with several."), "N");
+    addValueOption(parser, "z",
+                   QStringLiteral("Plane in depth to take, from 1, of files with several; or max or mean of all."),
+                   "N|max|mean");
     addValueOption(
         parser, "t",
-        QStringLiteral("Time whose channels to take, from 1, of files with several channels at several times."), "N");
+        QStringLiteral("Time whose channels to take, from 1, of files with several channels at several times; or max "
+                       "or mean of all."),
+        "N|max|mean");
     addValueOption(parser, "c", QStringLiteral("Channel whose times to take, from 1, of such files."), "N");
     addValueOption(parser, "exposure", QStringLiteral("Exposure in seconds: one, or one an image: S,S,..."), "S");
     addValueOption(parser, "pixel-size", QStringLiteral("Side of a pixel in the object, in micrometres."), "UM");

@@ -153,6 +153,53 @@ TEST_F(TiffReadTest, WhereWhiteIsZeroUnsignedSamplesAreTurnedOver)
     EXPECT_EQ((std::vector<double>{255, 55}), valuesOf(read(path())));
 }
 
+TEST_F(TiffReadTest, PagesAreCombinedIntoOneImage)
+{
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    for (const std::uint32_t tile : {0U, 16U}) {
+        TestPage first = greyPage<float>(2, 2, SAMPLEFORMAT_IEEEFP, {1, 5, nan, 2});
+        TestPage second = greyPage<float>(2, 2, SAMPLEFORMAT_IEEEFP, {3, 4, 1, nan});
+        // The same pixels from below.
+        TestPage turned = greyPage<float>(2, 2, SAMPLEFORMAT_IEEEFP, {7, 7, 0, 9});
+        first.tile = second.tile = turned.tile = tile;
+        turned.orientation = ORIENTATION_BOTLEFT;
+        writeTestTiff(path(), {first, second, turned});
+        TiffReadOptions options;
+        CILImage larger = read(path());
+        options.combine = TiffReadOptions::Combine::Larger;
+        CILImage sum = makeImage(ORVTYPE_DOUBLE, 2, 2, {0, 0, 0, 0});
+        QString error;
+        for (const int page : {1, 2}) {
+            ASSERT_TRUE(readTiff(path(), page, options, larger, &error)) << qPrintable(error);
+        }
+        EXPECT_EQ(3.0, larger.value(0));
+        EXPECT_EQ(9.0, larger.value(1));
+        EXPECT_TRUE(std::isnan(larger.value(2)) && std::isnan(larger.value(3)));
+        options.combine = TiffReadOptions::Combine::Sum;
+        for (const int page : {0, 1, 2}) {
+            ASSERT_TRUE(readTiff(path(), page, options, sum, &error)) << qPrintable(error);
+        }
+        EXPECT_EQ(4.0, sum.value(0));
+        EXPECT_EQ(18.0, sum.value(1));
+        EXPECT_TRUE(std::isnan(sum.value(2)) && std::isnan(sum.value(3)));
+        // Into a byte: another type, another extent.
+        EXPECT_EQ("the page has another extent or other pixels than those before", refusal(path(), 0, options));
+        options.combine = TiffReadOptions::Combine::Larger;
+        EXPECT_EQ("the page has another extent or other pixels than those before", refusal(path(), 0, options));
+    }
+    TestPage colours = greyPage<std::uint8_t>(1, 1, SAMPLEFORMAT_UINT, {1, 2, 3});
+    colours.samples = 3;
+    colours.photometric = PHOTOMETRIC_RGB;
+    writeTestTiff(path(), {colours});
+    TiffReadOptions options;
+    options.combine = TiffReadOptions::Combine::Larger;
+    EXPECT_EQ("pages in colours or of less than 8 bits cannot be combined", refusal(path(), 0, options));
+    options.band = 1;
+    CILImage green = makeImage(ORVTYPE_BYTE, 1, 1, {1});
+    EXPECT_TRUE(readTiff(path(), 0, options, green, nullptr));
+    EXPECT_EQ(2.0, green.value(0));
+}
+
 TEST_F(TiffReadTest, ColoursBecomeLumaInTheirType)
 {
     for (const int planar : {PLANARCONFIG_CONTIG, PLANARCONFIG_SEPARATE}) {

@@ -233,11 +233,69 @@ TEST_F(ImageFinderTest, PlanesInDepthAreNoChannelsAndOneIsTaken)
                {"", "", "", "", "", ""});
     EXPECT_EQ(refusal(path("deep.tif")),
               path("deep.tif") + ": it has 3 planes in depth (Z), which are no channels; --z N takes one of them, "
-                                 "--channels all for channels");
+                                 "--z max or mean makes one of all, --channels all for channels");
     m_choice.z = 2;
     EXPECT_EQ(table(path("deep.tif")), "deep.tif,2,,500,OME channel 1\ndeep.tif,5,,600,OME channel 2\n");
     m_choice.z = 4;
     EXPECT_EQ(refusal(path("deep.tif")), path("deep.tif") + ": there is no plane in depth (Z) 4, it has 3");
+}
+
+TEST_F(ImageFinderTest, AllPlanesInDepthMakeOneImageOfEachChannel)
+{
+    const QString ome = "<OME xmlns=\"x\"><Image><Pixels SizeC=\"2\" SizeZ=\"3\" SizeT=\"1\" DimensionOrder=\"%1\">"
+                        "<Channel Name=\"DAPI\"/><Channel Name=\"GFP\"/><TiffData/></Pixels></Image></OME>";
+    const QStringList pages{"", "", "", "", "", ""};
+    writeStack("zc.tif", ome.arg("XYZCT"), pages);
+    writeStack("cz.tif", ome.arg("XYCZT"), pages);
+    m_choice.projection = PageProjection::Kind::Max;
+    m_choice.projectsDepth = true;
+    EXPECT_EQ(table(path("zc.tif")), "zc.tif,1..3,max,DAPI,\nzc.tif,4..6,max,GFP,\n");
+    EXPECT_EQ(m_finder.images().value(0).name, "zc.tif max of the pages 1, 2, 3");
+    m_choice.projection = PageProjection::Kind::Mean;
+    EXPECT_EQ(table(path("cz.tif")), "cz.tif,1 3 5,mean,DAPI,\ncz.tif,2 4 6,mean,GFP,\n");
+    EXPECT_EQ(m_finder.images().value(1).name, "cz.tif mean of the pages 2, 4, 6");
+    // Of one plane there is nothing to be made.
+    writeStack("flat.tif", omeOfThree, {"", "", ""});
+    EXPECT_EQ(table(path("flat.tif")), "flat.tif,1,640,700,OME channel 1\nflat.tif,2,640,720,OME channel 2\n"
+                                       "flat.tif,3,640,740,OME channel 3\n");
+    writeStack("hyper.tif", "ImageJ=1.53\nimages=4\nchannels=2\nslices=2\nhyperstack=true\n", {"", "", "", ""});
+    EXPECT_EQ(table(path("hyper.tif")), "hyper.tif,1 3,mean,,\nhyper.tif,2 4,mean,,\n");
+    EXPECT_TRUE(m_finder.warnings().isEmpty());
+}
+
+TEST_F(ImageFinderTest, OfFilesThatTellNoDimensionsAllPagesArePlanesOfOneImage)
+{
+    writePages("in/ex640_em700.tif", 4);
+    writePages("in/ex640_em720.tif", 1);
+    m_choice.projection = PageProjection::Kind::Max;
+    m_choice.projectsDepth = true;
+    EXPECT_EQ(table(path("in")), "ex640_em700.tif,1..4,max,640,700,\"name: ex640, em700\"\n"
+                                 "ex640_em720.tif,,,640,720,\"name: ex640, em720\"\n");
+    EXPECT_EQ(m_finder.warnings(), QStringList("ex640_em700.tif tells no dimensions: all of its 4 pages are taken for "
+                                               "planes of one image"));
+}
+
+TEST_F(ImageFinderTest, AllTimesMakeOneImageOfEachChannel)
+{
+    writeStack("both.tif",
+               "<OME xmlns=\"x\"><Image><Pixels SizeC=\"2\" SizeZ=\"2\" SizeT=\"2\" TimeIncrement=\"5\" "
+               "DimensionOrder=\"XYCZT\"><Channel EmissionWavelength=\"500\"/><Channel EmissionWavelength=\"600\"/>"
+               "<TiffData/></Pixels></Image></OME>",
+               {"", "", "", "", "", "", "", ""});
+    m_choice.projection = PageProjection::Kind::Mean;
+    m_choice.projectsTimes = true;
+    EXPECT_TRUE(refusal(path("both.tif")).contains("it has 2 planes in depth (Z)")) << qPrintable(m_error);
+    m_choice.z = 2;
+    EXPECT_EQ(table(path("both.tif")), "both.tif,3 7,mean,,500,OME channel 1\nboth.tif,4 8,mean,,600,OME channel 2\n");
+    m_choice.z = 0;
+    m_choice.projectsDepth = true;
+    EXPECT_EQ(table(path("both.tif")),
+              "both.tif,1 3 5 7,mean,,500,OME channel 1\nboth.tif,2 4 6 8,mean,,600,OME channel 2\n");
+    m_choice.projectsTimes = false;
+    m_choice.c = 1;
+    const QString times = table(path("both.tif"));
+    EXPECT_TRUE(times.startsWith("both.tif,1 3,mean,,500,0,")) << qPrintable(times);
+    EXPECT_TRUE(times.contains("\nboth.tif,5 7,mean,,500,5,")) << qPrintable(times);
 }
 
 TEST_F(ImageFinderTest, OfChannelsAtSeveralTimesTheChannelsOfOneOrTheTimesOfOneAreTaken)
@@ -250,7 +308,8 @@ TEST_F(ImageFinderTest, OfChannelsAtSeveralTimesTheChannelsOfOneOrTheTimesOfOneA
     for (const char* file : {"both.tif", "names.tif"}) {
         EXPECT_EQ(refusal(path(file)),
                   path(file) + ": it has 2 channels at 3 times, and a sequence is either spectral or temporal; --t N "
-                               "takes the channels of one time, --c N the times of one channel");
+                               "takes the channels of one time, --t max or mean those of all, --c N the times of one "
+                               "channel");
     }
     m_choice.t = 2;
     EXPECT_EQ(table(path("both.tif")), "both.tif,3,,500,OME channel 1\nboth.tif,4,,600,OME channel 2\n");

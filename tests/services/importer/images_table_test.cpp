@@ -47,6 +47,36 @@ TEST(ImagesTableTest, ReadsColumnsByNameInAnyOrderAndCase)
     EXPECT_TRUE(table.warnings().isEmpty());
 }
 
+TEST(ImagesTableTest, ReadsProjectionsOfSeveralPages)
+{
+    const ImagesTable table = parsed("file,page,Projection,emission\na.tif,3 1..2 7,Max,510\na.tif,4,mean,530\n"
+                                     "a.tif,4,,550\n");
+    ASSERT_EQ(table.rows().size(), 3);
+    EXPECT_EQ(table.rows()[0].projection.kind, PageProjection::Kind::Max);
+    EXPECT_EQ(table.rows()[0].projection.pages, (QVector<int>{3, 1, 2, 7}));
+    EXPECT_EQ(table.rows()[0].page, 3);
+    EXPECT_EQ(table.rows()[1].projection.kind, PageProjection::Kind::Mean);
+    EXPECT_EQ(table.rows()[1].projection.pages, QVector<int>{4});
+    EXPECT_TRUE(table.rows()[2].projection.isNone());
+    const QByteArray columns = "file,page,projection,emission\n";
+    EXPECT_EQ(refusal(columns + "a,1 2,,510\n"),
+              "images.csv:2: several pages (\"1 2\") take a projection, max or mean");
+    EXPECT_EQ(refusal(columns + "a,1..2,,510\n"),
+              "images.csv:2: several pages (\"1..2\") take a projection, max or mean");
+    EXPECT_EQ(refusal(columns + "a,1 2,sum,510\n"), "images.csv:2: the projection \"sum\" is not max or mean");
+    EXPECT_EQ(refusal(columns + "a,,max,510\n"), "images.csv:2: a projection takes pages, such as 1 4 7 or 1..30");
+    EXPECT_EQ(refusal(columns + "a,1..3 2,max,510\n"), "images.csv:2: the page 2 stands twice");
+    EXPECT_EQ(refusal(columns + "a,1..999999999,max,510\n"), "images.csv:2: more than 100000 pages make one image");
+    QByteArray many = columns;
+    for (int i = 0; i < 11; ++i) {
+        many += "a,1..100000,max,510\n";
+    }
+    EXPECT_EQ(refusal(many), "images.csv:12: more than 1000000 pages are projected");
+    for (const char* pages : {"0", "3..2", "-1", "1-3", "a", "1..", "99999999999"}) {
+        EXPECT_TRUE(refusal(columns + "a," + pages + ",max,510\n").contains("is no page from 1 on")) << pages;
+    }
+}
+
 TEST(ImagesTableTest, ReadsTimesAndIntervals)
 {
     const ImagesTable table = parsed("file,interval,time\na,Int2,1.5 s\nb,2,-3\nc,,1e2\n");

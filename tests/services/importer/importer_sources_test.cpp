@@ -11,6 +11,8 @@
 #include <cstdint>
 #include <vector>
 
+#include <algorithm>
+#include <limits>
 namespace {
 
 using ImporterSourcesTest = StackFixture;
@@ -39,6 +41,103 @@ TEST_F(ImporterSourcesTest, RefusesPagesThatAreNotThere)
     EXPECT_TRUE(refusal().startsWith(m_options.table + ":3: " + m_options.source + ": "));
     m_options.table = write("images.csv", "file,page,emission\nother.tif,1,510\n");
     EXPECT_EQ(refusal(), m_options.table + ":2: the row names the file other.tif, but the stack is stack.tif");
+}
+
+namespace {
+
+// Pages of these, as a file of the fixture's folder.
+void writeStackOf(const QString& strPath, const QVector<CILImage>& pages)
+{
+    TiffStackWriter writer;
+    QString error;
+    ASSERT_TRUE(writer.begin(strPath, 0, &error)) << qPrintable(error);
+    for (const CILImage& page : pages) {
+        ASSERT_TRUE(writer.add(page, TiffWriteOptions(), &error)) << qPrintable(error);
+    }
+    ASSERT_TRUE(writer.finish(&error)) << qPrintable(error);
+}
+
+} // namespace
+
+TEST_F(ImporterSourcesTest, OfSeveralPagesTheLargestOrTheMeanValuesAreTaken)
+{
+    // Higher than a strip; each page is the largest somewhere.
+    constexpr long side = 70;
+    const auto valueOf = [](int page, long x, long y) {
+        return 1000.0 * static_cast<double>((x + y + page) % 3) + page;
+    };
+    QVector<CILImage> pages;
+    for (int page = 0; page < 4; ++page) {
+        pages.append(makeImage(ORVTYPE_USHORT, side, side, [=](long x, long y) { return valueOf(page, x, y); }));
+    }
+    writeStackOf(path("deep.tif"), pages);
+    m_options.source = path("deep.tif");
+    m_options.table = write("t.csv", "page,projection,emission\n1..3,max,500\n2 4,mean,520\n3,mean,540\n3,,560\n");
+    m_options.output = path("out");
+    ASSERT_TRUE(import()) << qPrintable(m_error);
+    EXPECT_EQ(m_report.names, (QStringList{"deep.tif max of the pages 1, 2, 3", "deep.tif mean of the pages 2, 4",
+                                           "deep.tif mean of the pages 3", "deep.tif page 3"}));
+    CORVSequenceDataset sequence;
+    open(sequence);
+    EXPECT_EQ(value(sequence.getDatasets()[0], "luminescent image", "Projection"), "max of the pages 1, 2, 3");
+    EXPECT_EQ(value(sequence.getDatasets()[3], "luminescent image", "Projection"), "absent");
+    for (int i = 0; i < 4; ++i) {
+        const CILImage* image = sequence.getDatasets()[i]->getCoreImage(IMAGETYPE_LUMINESCENT);
+        ASSERT_NE(image, nullptr);
+        for (long y = 0; y < side; ++y) {
+            for (long x = 0; x < side; ++x) {
+                const double mean = (valueOf(1, x, y) + valueOf(3, x, y)) / 2.0;
+                const double expected = i == 0   ? std::max({valueOf(0, x, y), valueOf(1, x, y), valueOf(2, x, y)})
+                                        : i == 1 ? mean
+                                                 : valueOf(2, x, y);
+                ASSERT_EQ(image->value(static_cast<std::size_t>(y * side + x)), expected) << i << ' ' << x << ' ' << y;
+            }
+        }
+    }
+}
+
+TEST_F(ImporterSourcesTest, APixelThatOnePageHasNoValueOfHasNoneInAProjection)
+{
+    const double none = std::numeric_limits<double>::quiet_NaN();
+    const auto page = [=](int nAt, double dValue) {
+        return makeImage(ORVTYPE_FLOAT, 2, 2, [=](long x, long y) { return 2 * y + x == nAt ? none : dValue; });
+    };
+    writeStackOf(path("deep.tif"), {page(0, 5.0), page(3, 1.0), page(9, 7.0)});
+    for (const char* kind : {"max", "mean"}) {
+        m_options.source = path("deep.tif");
+        m_options.table =
+            write("t.csv", QByteArray("page,projection,emission\n1 2 3,") + kind + ",500\n3 1 2," + kind + ",520\n");
+        m_options.output = path("out");
+        m_options.skipInvalid = false;
+        EXPECT_TRUE(refusal().contains("is not finite")) << qPrintable(m_error);
+        m_options.skipInvalid = true;
+        m_options.force = true;
+        ASSERT_TRUE(import()) << qPrintable(m_error);
+        EXPECT_EQ(m_report.invalid, 2) << kind;
+        ASSERT_TRUE(QDir(path("out")).removeRecursively());
+    }
+}
+
+TEST_F(ImporterSourcesTest, PagesThatDoNotGoTogetherAreNotProjected)
+{
+    const auto image = [](ORVDataTypes type, long w) { return makeImage(type, w, 2, [](long, long) { return 1.0; }); };
+    const auto refused = [this](const QVector<CILImage>& pages, const QByteArray& row = "1 2,max,500") {
+        writeStackOf(path("deep.tif"), pages);
+        m_options.source = path("deep.tif");
+        m_options.table = write("t.csv", "page,projection,emission\n" + row + "\n");
+        m_options.output = path("out");
+        return refusal();
+    };
+    EXPECT_TRUE(refused({image(ORVTYPE_BYTE, 2), image(ORVTYPE_BYTE, 3)})
+                    .endsWith("page 2 has another size or other pixels than page 1"))
+        << qPrintable(m_error);
+    EXPECT_TRUE(refused({image(ORVTYPE_BYTE, 2), image(ORVTYPE_USHORT, 2)})
+                    .endsWith("page 2 has another size or other pixels than page 1"))
+        << qPrintable(m_error);
+    refused({image(ORVTYPE_BYTE, 2), image(ORVTYPE_BYTE, 2)}, "1 3,mean,500");
+    EXPECT_TRUE(refused({image(ORVTYPE_BYTE, 2), image(ORVTYPE_BYTE, 2)}, "1 2,max,500\n1 2,max,520")
+                    .endsWith("is the image of line 2 again"))
+        << qPrintable(m_error);
 }
 
 TEST_F(ImporterSourcesTest, ReadsTheBandsOfACube)

@@ -302,6 +302,22 @@ TEST(ImportTableTest, WhatIsWrittenIsReadBackTheSame)
     EXPECT_TRUE(read.warnings().isEmpty());
 }
 
+TEST(ImportTableTest, AProjectionOfSeveralPagesStaysOne)
+{
+    ImagesTable given;
+    QString error;
+    ASSERT_TRUE(given.parse("file,page,projection,emission\na.tif,1..3 5,mean,700\na.tif,2,,720\n", "t", &error));
+    const ImportTable table(given, "images.csv");
+    EXPECT_EQ(table.text(0, ImportTable::Image), "a.tif mean of the pages 1, 2, 3, 5");
+    EXPECT_EQ(table.text(1, ImportTable::Image), "a.tif page 2");
+    ImagesTable read;
+    ASSERT_TRUE(read.parse(table.toCsv(), "t", &error)) << qPrintable(error);
+    EXPECT_EQ(read.rows().at(0).projection.kind, PageProjection::Kind::Mean);
+    EXPECT_EQ(read.rows().at(0).projection.pages, (QVector<int>{1, 2, 3, 5}));
+    EXPECT_TRUE(read.rows().at(1).projection.isNone());
+    EXPECT_EQ(read.rows().at(1).page.value_or(0), 2);
+}
+
 TEST(ImportTableTest, OnlyTheColumnsOfTheKindAndTheRowsInUseAreWritten)
 {
     ImportTable table = tableOf({pairOf("a.tif", 640, 700), pairOf("b.tif", 640, 720), pairOf("c.tif", 640, 740)});

@@ -35,6 +35,23 @@ protected:
         writeTiffFile("stack/em740.tif", imageOf(side, side, [=](int i) { return dyeB(i) + 3.0F * level; }));
         write("spectra.csv", "wavelength,Dye A,Dye B\n700,1,0\n720,0.5,0.25\n740,0,1\n");
     }
+    // Two channels in two planes in depth; each page holds its number, from 0.
+    void writeDeepStack() const
+    {
+        TiffStackWriter writer;
+        QString error;
+        ASSERT_TRUE(writer.begin(path("deep.ome.tif"), 0, &error)) << qPrintable(error);
+        for (int page = 0; page < 4; ++page) {
+            TiffWriteOptions options;
+            options.description = page > 0 ? QString()
+                                           : QStringLiteral("<OME xmlns=\"x\"><Image><Pixels SizeC=\"2\" SizeZ=\"2\" "
+                                                            "SizeT=\"1\"><Channel Name=\"DAPI\"/><Channel "
+                                                            "Name=\"GFP\"/><TiffData/></Pixels></Image></OME>");
+            ASSERT_TRUE(
+                writer.add(imageOf(side, side, [=](int) { return static_cast<float>(page); }), options, &error));
+        }
+        ASSERT_TRUE(writer.finish(&error)) << qPrintable(error);
+    }
     QJsonObject originOfMaps() const
     {
         const QJsonObject summary = QJsonDocument::fromJson(contentOf(path("maps/summary.json"))).object();
@@ -159,18 +176,7 @@ TEST_F(ImportPixelsProgramTest, ARuleThatIsNoneIsRefused)
 
 TEST_F(ImportPixelsProgramTest, APlaneInDepthIsChosen)
 {
-    TiffStackWriter writer;
-    QString error;
-    ASSERT_TRUE(writer.begin(path("deep.ome.tif"), 0, &error)) << qPrintable(error);
-    for (int page = 0; page < 4; ++page) {
-        TiffWriteOptions options;
-        options.description = page > 0 ? QString()
-                                       : QStringLiteral("<OME xmlns=\"x\"><Image><Pixels SizeC=\"2\" SizeZ=\"2\" "
-                                                        "SizeT=\"1\"><Channel Name=\"DAPI\"/><Channel Name=\"GFP\"/>"
-                                                        "<TiffData/></Pixels></Image></OME>");
-        ASSERT_TRUE(writer.add(imageOf(side, side, [=](int) { return static_cast<float>(page); }), options, &error));
-    }
-    ASSERT_TRUE(writer.finish(&error)) << qPrintable(error);
+    writeDeepStack();
     EXPECT_TRUE(refusal({"import", "deep.ome.tif", "seq"}).contains("--z N takes one of them"));
     const QJsonArray table = succeed({"import", "deep.ome.tif", "seq", "--z", "2", "--json"}).json()["table"].toArray();
     ASSERT_EQ(table.size(), 2);
@@ -178,7 +184,40 @@ TEST_F(ImportPixelsProgramTest, APlaneInDepthIsChosen)
     EXPECT_EQ(table[1].toObject()["image"], "deep.ome.tif page 4");
     EXPECT_EQ(succeed({"import", "deep.ome.tif", "all", "--channels", "--json"}).json()["images"], 4);
     EXPECT_TRUE(refusal({"import", "deep.ome.tif", "bad", "--z", "0"}, 2)
-                    .startsWith("--z takes a whole number from 1 on, not \"0\"."));
+                    .startsWith("--z takes a whole number from 1 on, max or mean, not \"0\"."));
     EXPECT_TRUE(refusal({"import", "deep.ome.tif", "bad", "--z", "1", "--images", "t.csv"}, 2)
                     .startsWith("--images does not go with --z"));
+}
+
+TEST_F(ImportPixelsProgramTest, OfAllPlanesInDepthTheLargestOrTheMeanValuesAreTaken)
+{
+    writeDeepStack();
+    const ProgramResult largest = succeed({"import", "deep.ome.tif", "seq", "--z", "max"});
+    EXPECT_TRUE(largest.out.contains("deep.ome.tif max of the pages 1, 3")) << largest.out.constData();
+    EXPECT_TRUE(largest.out.contains(", each a projection of several planes")) << largest.out.constData();
+    EXPECT_EQ(contentOf(path("seq/images.csv")).split('\n')[1], "deep.ome.tif,1 3,max,DAPI,");
+    const QJsonObject mean = succeed({"import", "deep.ome.tif", "seq", "--z", "Mean", "--force", "--json"}).json();
+    EXPECT_EQ(mean["images"], 2);
+    EXPECT_EQ(mean["prepared"].toArray()[1].toObject()["projection"], "mean of the pages 2, 4");
+    EXPECT_EQ(mean["table"].toArray()[1].toObject()["channel"], "GFP");
+    const QJsonObject info = succeed({"info", "seq", "--json"}).json();
+    EXPECT_EQ(info["images"].toArray()[0].toObject()["projection"], "mean of the pages 1, 3");
+    // Pages hold their numbers from 0 on: 0 and 2, 1 and 3.
+    const ProgramResult csv = succeed({"export", "seq", "--format", "csv", "--unit", "counts", "--out", "-"});
+    EXPECT_TRUE(csv.out.split('\n').value(1).endsWith(",1,2")) << csv.out.left(200).constData();
+    // The table that was kept gives the same again.
+    succeed({"import", "deep.ome.tif", "again", "--images", "seq/images.csv"});
+    EXPECT_EQ(succeed({"export", "again", "--format", "csv", "--unit", "counts", "--out", "-"}).out, csv.out);
+}
+
+TEST_F(ImportPixelsProgramTest, AProjectionThatIsNoneIsRefused)
+{
+    writeDeepStack();
+    const auto refused = [this](const QStringList& options) {
+        return refusal(QStringList{"import", "deep.ome.tif", "bad"} + options, 2);
+    };
+    EXPECT_TRUE(refused({"--c", "max"}).startsWith("--c takes a whole number from 1 on, not \"max\"."));
+    EXPECT_TRUE(refused({"--z", "sum"}).startsWith("--z takes a whole number from 1 on, max or mean, not \"sum\"."));
+    EXPECT_TRUE(refused({"--z", "max", "--t", "mean"}).startsWith("--z and --t take the same projection"));
+    EXPECT_TRUE(refused({"--z", "max", "--images", "t.csv"}).startsWith("--images does not go with --z"));
 }
