@@ -40,6 +40,15 @@ ChannelLabels::ChannelLabels(const CORVSpumKyvo& engine)
     }
 }
 
+QStringList ChannelLabels::labels(const QList<KeyPair>& pairs) const
+{
+    QStringList labels;
+    for (const KeyPair& pair : pairs) {
+        labels.append(label(pair));
+    }
+    return isEmpty() ? QStringList() : labels;
+}
+
 double ChannelLabels::place(const KeyPair& pair) const
 {
     return m_places.value(pair.second, pair.second.toDouble());

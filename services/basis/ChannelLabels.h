@@ -4,7 +4,9 @@
 #include "spectra/KeyPair.h"
 
 #include <QHash>
+#include <QList>
 #include <QString>
+#include <QStringList>
 
 #include <optional>
 
@@ -22,6 +24,8 @@ public:
     bool isEmpty() const { return m_labels.isEmpty(); }
     // "DAPI"; empty for a pair that is no channel.
     QString label(const KeyPair& pair) const { return m_labels.value(pair.second); }
+    // Those of all pairs; empty where they are no channels.
+    QStringList labels(const QList<KeyPair>& pairs) const;
     // Where the pair stands along axisText(): its wavelength or wavenumber where all channels have one, else its
     // number.
     double place(const KeyPair& pair) const;

@@ -46,12 +46,7 @@ constexpr int reportedComposites = 6;
 // Names of the numbered channels of the analysis, in its order; empty for images of filters and times.
 QStringList channelsOf(const CORVSpumKyvo& engine)
 {
-    const ChannelLabels labels(engine);
-    QStringList channels;
-    for (const KeyPair& pair : engine.m_selectedKeyPairs) {
-        channels.append(labels.label(pair));
-    }
-    return labels.isEmpty() ? QStringList() : channels;
+    return ChannelLabels(engine).labels(engine.m_selectedKeyPairs);
 }
 
 // A row an image: what is left of it, what its noise is where that is known, and what is missing, as a spectrum whose

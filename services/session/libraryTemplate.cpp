@@ -3,26 +3,45 @@
 
 #include "services/importer/CsvLine.h"
 
-QByteArray libraryTemplate(const QList<SpectralBand>& bands, const QStringList& names)
+#include <algorithm>
+
+namespace {
+
+// The middle of the filter in nm, or its key where that tells none.
+QString placeOf(const FilterBand& filter, const QString& strKey)
 {
-    const auto lineOf = [](const QString& strFirst, const QString& strSecond, const QStringList& fields) {
+    constexpr int digits = 10; // of a wavelength
+    return filter.isKnown() ? QString::number(filter.centre, 'g', digits) : strKey;
+}
+
+} // namespace
+
+QByteArray libraryTemplate(const QList<SpectralBand>& bands, const QStringList& names, const QStringList& channels)
+{
+    const bool numbered = std::any_of(bands.begin(), bands.end(), [](const SpectralBand& band) {
+        return !band.excitation.isKnown() && !band.emission.isKnown();
+    });
+    QByteArray text;
+    const auto addLine = [&text](const QStringList& fields) {
         QStringList texts;
-        for (const QString& field : QStringList{strFirst, strSecond} + fields) {
+        for (const QString& field : fields) {
             texts.append(csvField(field));
         }
-        return (texts.join(QLatin1Char(',')) + QLatin1Char('\n')).toUtf8();
+        text += (texts.join(QLatin1Char(',')) + QLatin1Char('\n')).toUtf8();
     };
+    QStringList header{QStringLiteral("excitation"), QStringLiteral("emission")};
+    header += numbered ? QStringList{QStringLiteral("channel")} : QStringList();
+    addLine(header + names);
     QStringList empty;
     for (int k = 0; k < names.size(); ++k) {
         empty.append(QString());
     }
-    QByteArray text = lineOf(QStringLiteral("excitation"), QStringLiteral("emission"), names);
-    const auto placeOf = [](const FilterBand& filter, const QString& strKey) {
-        constexpr int digits = 10; // of a wavelength
-        return filter.isKnown() ? QString::number(filter.centre, 'g', digits) : strKey;
-    };
-    for (const SpectralBand& band : bands) {
-        text += lineOf(placeOf(band.excitation, band.pair.first), placeOf(band.emission, band.pair.second), empty);
+    for (int i = 0; i < bands.size(); ++i) {
+        const SpectralBand& band = bands.at(i);
+        addLine((numbered ? QStringList{band.pair.first, band.pair.second, channels.value(i)}
+                          : QStringList{placeOf(band.excitation, band.pair.first),
+                                        placeOf(band.emission, band.pair.second)}) +
+                empty);
     }
     return text;
 }

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "services/session/pairTable.h"
 
+#include "platform/orvapi/ChannelInfo.h"
 #include "platform/orvutils/NumberText.h"
 #include "services/basis/Failure.h"
 #include "services/basis/TextTable.h"
 #include "services/importer/CsvLine.h"
+#include "services/session/spectraTableFields.h"
 #include "spectra/DefaultColors.h"
 #include "spectra/SpectrumPlotParams.h"
 
@@ -29,46 +31,58 @@ bool isChannelColumn(const QString& strName)
     return strName.compare(channelName, Qt::CaseInsensitive) == 0;
 }
 
-// Without the mark of the byte order that some programs for tables write ahead of them, and the ends of lines of
-// others.
 QStringList linesOf(const QByteArray& text)
 {
-    QString all = QString::fromUtf8(text);
-    if (all.startsWith(QChar::ByteOrderMark)) {
-        all.remove(0, 1);
-    }
-    all.remove(QLatin1Char('\r'));
-    return all.split(QLatin1Char('\n'));
+    return decodedTable(text).split(QLatin1Char('\n'));
 }
 
 [[noreturn]] void refuseLine(const QString& strFile, int nLine, const QString& strReason)
 {
-    throw Failure(QStringLiteral("%1:%2: %3").arg(strFile).arg(nLine + 1).arg(strReason));
+    throw Failure(QStringLiteral("%1:%2: %3").arg(strFile, QString::number(nLine + 1), strReason));
 }
 
-QStringList fieldsOf(const QStringList& lines, int nLine, const QString& strFile)
+QStringList fieldsOf(const QStringList& lines, int nLine, QChar separator, const QString& strFile)
 {
     QStringList fields;
     QString reason;
-    if (!splitCsvLine(lines[nLine], QLatin1Char(','), &fields, &reason)) {
+    if (!splitCsvLine(lines[nLine], separator, &fields, &reason)) {
         refuseLine(strFile, nLine, reason);
     }
     return fields;
 }
 
 // Whether the first line has those names ahead of others, in any case.
-bool beginsWith(const QByteArray& text, const QStringList& names)
+bool beginsWith(const QByteArray& text, const QStringList& names, QChar separator = QLatin1Char(','))
 {
     const int end = text.indexOf('\n');
     QStringList fields;
     QString reason;
-    if (!splitCsvLine(linesOf(text.left(end < 0 ? text.size() : end)).first(), QLatin1Char(','), &fields, &reason) ||
+    if (!splitCsvLine(linesOf(text.left(end < 0 ? text.size() : end)).first(), separator, &fields, &reason) ||
         fields.size() <= names.size()) {
         return false;
     }
     return std::equal(names.begin(), names.end(), fields.begin(), [](const QString& name, const QString& field) {
         return field.compare(name, Qt::CaseInsensitive) == 0;
     });
+}
+
+// Of a table of numbered channels; null for another one.
+QChar channelSeparator(const QByteArray& text)
+{
+    for (const char separator : {',', ';', '\t'}) {
+        if (beginsWith(text, leadingNames(false) + QStringList{channelName}, QLatin1Char(separator))) {
+            return QLatin1Char(separator);
+        }
+    }
+    return QChar();
+}
+
+// "007" for "7", which a program for tables makes of it.
+QString keyOfChannel(const QString& strField)
+{
+    bool good = false;
+    const int number = strField.toInt(&good);
+    return good && number >= 1 && number <= ChannelInfo::kMost ? ChannelInfo::keyText(number) : strField;
 }
 
 } // namespace
@@ -97,7 +111,7 @@ QByteArray pairTableText(const QList<SpectrumPlotParams*>& spectra, bool bTime, 
 
 bool isPairTable(const QByteArray& text)
 {
-    return beginsWith(text, leadingNames(false)) || beginsWith(text, leadingNames(true));
+    return beginsWith(text, leadingNames(false)) || isTimeTable(text) || isChannelTable(text);
 }
 
 bool isTimeTable(const QByteArray& text)
@@ -107,14 +121,16 @@ bool isTimeTable(const QByteArray& text)
 
 bool isChannelTable(const QByteArray& text)
 {
-    return beginsWith(text, leadingNames(false) + QStringList{channelName});
+    return !channelSeparator(text).isNull();
 }
 
 QList<SpectrumPlotParams*> readPairTable(const QByteArray& text, const QString& strFile)
 {
     const QStringList lines = linesOf(text);
-    const QStringList names = fieldsOf(lines, 0, strFile);
-    const int leadingColumns = isChannelTable(text) ? 3 : 2;
+    const bool channels = isChannelTable(text);
+    const QChar separator = channels ? channelSeparator(text) : QLatin1Char(',');
+    const QStringList names = fieldsOf(lines, 0, separator, strFile);
+    const int leadingColumns = channels ? 3 : 2;
     std::vector<std::unique_ptr<SpectrumPlotParams>> spectra;
     for (int i = leadingColumns; i < names.size(); ++i) {
         spectra.push_back(std::make_unique<SpectrumPlotParams>());
@@ -126,18 +142,29 @@ QList<SpectrumPlotParams*> readPairTable(const QByteArray& text, const QString& 
         if (lines[line].trimmed().isEmpty()) {
             continue;
         }
-        const QStringList fields = fieldsOf(lines, line, strFile);
+        const QStringList fields = fieldsOf(lines, line, separator, strFile);
+        if (areEmpty(fields)) {
+            continue;
+        }
         if (fields.size() != names.size()) {
             refuseLine(strFile, line,
                        QStringLiteral("%1 fields where the first line has %2").arg(fields.size()).arg(names.size()));
         }
         for (int i = leadingColumns; i < fields.size(); ++i) {
+            if (fields[i].isEmpty()) {
+                refuseLine(strFile, line, QStringLiteral("the value of \"%1\" is missing").arg(names[i]));
+            }
             bool good = false;
-            const double value = fields[i].toDouble(&good);
+            QString number = fields[i];
+            if (separator != QLatin1Char(',')) {
+                number.replace(QLatin1Char(','), QLatin1Char('.'));
+            }
+            const double value = number.toDouble(&good);
             if (!good) {
                 refuseLine(strFile, line, QStringLiteral("\"%1\" is no number").arg(fields[i]));
             }
-            spectra[static_cast<std::size_t>(i - leadingColumns)]->points.append({fields[0], fields[1], value});
+            spectra[static_cast<std::size_t>(i - leadingColumns)]->points.append(
+                {fields[0], channels ? keyOfChannel(fields[1]) : fields[1], value});
         }
     }
     QList<SpectrumPlotParams*> list;

@@ -7,6 +7,7 @@
 #include "platform/orvutils/printable.h"
 #include "services/analysis/AutomaticSetUp.h"
 #include "services/analysis/SpectrumSources.h"
+#include "services/basis/ChannelLabels.h"
 #include "services/basis/Failure.h"
 #include "services/basis/UnitNames.h"
 #include "services/basis/fileHash.h"
@@ -227,15 +228,7 @@ void LibraryEditing::writeTemplate(const LibraryCall& call, CliSession& session)
     }
     const QStringList names = templateNames(call, engine);
     const QList<SpectralBand> bands = bandsOf(opened.sequence(), pairs);
-    for (const SpectralBand& band : bands) {
-        if (!band.excitation.isKnown() && !band.emission.isKnown()) {
-            throw Failure(
-                QStringLiteral("%1: the wavelength of the image %2 is not known, so that no table can name it")
-                    .arg(call.arguments[0], pairText(band.pair)),
-                QStringLiteral("\"spum library save\" measures spectra in the images"));
-        }
-    }
-    const QByteArray text = libraryTemplate(bands, names);
+    const QByteArray text = libraryTemplate(bands, names, ChannelLabels(engine).labels(pairs));
     const QString file =
         !call.out.isEmpty() ? call.out : QDir(opened.folder()).dirName() + QStringLiteral("-spectra.csv");
     QString error;

@@ -101,7 +101,7 @@ TEST_F(PairTableTest, WhatIsWrongIsToldWithItsLine)
 {
     EXPECT_EQ(refusalOf("excitation,emission,A\n640,700\n"), "table.csv:2: 2 fields where the first line has 3");
     EXPECT_EQ(refusalOf("excitation,emission,A\n640,700,1\n640,720,x\n"), "table.csv:3: \"x\" is no number");
-    EXPECT_EQ(refusalOf("excitation,emission,A\n640,700,\n"), "table.csv:2: \"\" is no number");
+    EXPECT_EQ(refusalOf("excitation,emission,A\n640,700,\n"), "table.csv:2: the value of \"A\" is missing");
     EXPECT_TRUE(refusalOf("excitation,emission,A\n640,\"700,1\n").startsWith("table.csv:2: "));
 }
 
@@ -120,6 +120,30 @@ TEST_F(PairTableTest, NumberedChannelsStandWithTheirNames)
     EXPECT_EQ(m_read[0]->points[1].first, "Block");
     EXPECT_EQ(m_read[0]->points[1].second, "002");
     EXPECT_EQ(m_read[0]->points[1].value, 1.0);
+}
+
+// As programs for tables store what was filled in.
+TEST_F(PairTableTest, NumberedChannelsComeBackFromSpreadsheets)
+{
+    for (const QByteArray& bytes :
+         {QByteArray(
+              "Excitation;Emission;Channel;A;B\r\nBlock;1;Gr\xFCn;0,5;1e-3\r\nBlock;12;\"a;b\";1;2,25\r\n;;;;\r\n"),
+          QByteArray("excitation;emission;channel;A;B\nBlock;001;x;0.5;0.001\nBlock;012;;1;2.25\n"),
+          QByteArray("\xEF\xBB\xBF"
+                     "excitation\temission\tchannel\tA\tB\nBlock\t001\tx\t0,5\t0,001\nBlock\t12\ty\t1\t2,25\n"),
+          QByteArray("excitation,emission,channel,A,B\nBlock,1,x,0.5,0.001\nBlock,12,y,1,2.25\n")}) {
+        ASSERT_TRUE(isPairTable(bytes)) << bytes.constData();
+        ASSERT_TRUE(isChannelTable(bytes));
+        read(bytes);
+        ASSERT_EQ(m_read.size(), 2);
+        ASSERT_EQ(m_read[1]->points.size(), 2);
+        EXPECT_EQ(m_read[0]->points[0].second, "001");
+        EXPECT_EQ(m_read[0]->points[0].value, 0.5);
+        EXPECT_EQ(m_read[1]->points[0].value, 0.001);
+        EXPECT_EQ(m_read[1]->points[1].second, "012");
+        EXPECT_EQ(m_read[1]->points[1].value, 2.25);
+    }
+    EXPECT_FALSE(isPairTable("excitation;emission;A\n")) << "a plain table over wavelength";
 }
 
 TEST_F(PairTableTest, ASpectrumThatIsCalledChannelIsOne)

@@ -496,9 +496,44 @@ TEST_F(LibraryProgramTest, NumberedChannelsLieAtTheWavelengthsThatWereTold)
     EXPECT_TRUE(refusal({"unmix", "seq", "--library", "short.csv"}).contains("nothing is extrapolated"));
 
     succeed({"import", "far", "nameless", "--channels"});
-    EXPECT_TRUE(
-        refusal({"library", "template", "nameless", "--out", "no.csv"}).contains("is not known, so that no table"));
     EXPECT_TRUE(refusal({"unmix", "nameless", "--library", "t.csv"}).contains("\"A\" has no value for"));
+}
+
+TEST_F(LibraryProgramTest, OfNumberedChannelsWithoutWavelengthsATemplateNamesTheChannels)
+{
+    const QStringList files = {"DAPI.tif", "GFP, weak.tif", "Cy5.tif"};
+    for (int j = 0; j < 3; ++j) {
+        writeTiffFile("cells/" + files[j], imageOf(4, 4, [j](int i) {
+                          return static_cast<float>((i + 1) * (4 - j) + (16 - i) * j) * 0.25F;
+                      }));
+    }
+    succeed({"import", "cells", "seq", "--channels"});
+    const QJsonObject made =
+        succeed({"library", "template", "seq", "--spectrum", "A", "--spectrum", "B dry", "--json"}).json();
+    EXPECT_EQ(made["images"], 3);
+    const QStringList lines = QString::fromUtf8(contentOf(path("seq-spectra.csv"))).split('\n');
+    ASSERT_EQ(lines.size(), 5);
+    EXPECT_EQ(lines[0], "excitation,emission,channel,A,B dry");
+    EXPECT_TRUE(lines[1].endsWith(",001,Cy5,,")) << qPrintable(lines[1]);
+    EXPECT_TRUE(lines[3].endsWith(",003,\"GFP, weak\",,")) << qPrintable(lines[3]);
+    EXPECT_EQ(refusal({"unmix", "seq", "--library", "seq-spectra.csv"}),
+              "seq-spectra.csv:2: the value of \"A\" is missing");
+
+    // As a program for tables stores it; of one key the numbers' zeros go.
+    const QString first = lines[1].section(',', 0, 0);
+    const QByteArray filled = QStringLiteral("excitation;emission;channel;A;B dry\n%1;1;Cy5;1;0\n%1;2;DAPI;0,75;0,25\n"
+                                             "%1;3;GFP, weak;0,5;0,5\n")
+                                  .arg(first)
+                                  .toUtf8();
+    write("filled.csv", filled);
+    const QJsonArray components =
+        succeed({"unmix", "seq", "--library", "filled.csv", "--out", "out", "--json"}).json()["components"].toArray();
+    ASSERT_EQ(components.size(), 2);
+    EXPECT_EQ(components[1].toObject()["name"], "B dry");
+    succeed({"library", "import", "filled.csv", "kept", "--sequence", "seq"});
+    EXPECT_EQ(valueOf(spectra("kept")[0], 1), 0.75);
+    write("filled.csv", QByteArray(filled).replace(";3;", ";4;"));
+    EXPECT_TRUE(refusal({"unmix", "seq", "--library", "filled.csv"}).contains("the spectrum \"A\" has no value for"));
 }
 
 // Whatever made a library, its file is of the form that the window lists and opens.
