@@ -20,9 +20,7 @@ QString misfit(const QString& strName, const CILImage& image, const ImageFinding
 {
     if (image.m_lWidth != image.m_lHeight) {
         return QStringLiteral("the image %1 is not square (%2 x %3)")
-            .arg(strName)
-            .arg(image.m_lWidth)
-            .arg(image.m_lHeight);
+            .arg(strName, QString::number(image.m_lWidth), QString::number(image.m_lHeight));
     }
     const int binning = static_cast<int>(image.m_fBinning);
     const long long side = static_cast<long long>(image.m_lWidth) * binning / frame.binning;
@@ -32,11 +30,8 @@ QString misfit(const QString& strName, const CILImage& image, const ImageFinding
     return QStringLiteral(
                "the image %1 (%2 pixels a side at binning %3) does not cover the area of the first image (%4 "
                "a side at binning %5)")
-        .arg(strName)
-        .arg(image.m_lWidth)
-        .arg(binning)
-        .arg(frame.width)
-        .arg(frame.binning);
+        .arg(strName, QString::number(image.m_lWidth), QString::number(binning), QString::number(frame.width),
+             QString::number(frame.binning));
 }
 
 bool allEqual(const CILImage& image, const ImageFindings::Frame& frame)
@@ -63,7 +58,7 @@ void ImageFindings::look(const QString& strName, const CILImage& image, const Fr
     }
     const long long pixels = badPixels(image);
     if (pixels > 0) {
-        m_notFinite.append(QStringLiteral("%1 (%2 pixels)").arg(strName).arg(pixels));
+        m_notFinite.append(QStringLiteral("%1 (%2 pixels)").arg(strName, QString::number(pixels)));
     } else if (allEqual(image, frame)) {
         m_constant.append(strName);
     }

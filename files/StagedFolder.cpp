@@ -96,7 +96,8 @@ QStringList hiddenBeside(const QFileInfo& target)
 {
     const QDir parent = target.absoluteDir();
     const QRegularExpression pattern(
-        QStringLiteral("^\\.%1-[A-Za-z]{%2}$").arg(QRegularExpression::escape(target.fileName())).arg(randomLetters));
+        QStringLiteral("^\\.%1-[A-Za-z]{%2}$")
+            .arg(QRegularExpression::escape(target.fileName()), QString::number(randomLetters)));
     QStringList found;
     for (const QString& name : parent.entryList(QDir::Dirs | QDir::Hidden | QDir::NoSymLinks | QDir::NoDotAndDotDot)) {
         if (pattern.match(name).hasMatch() && QFileInfo(parent.filePath(name)).ownerId() == ::geteuid()) {

@@ -44,7 +44,8 @@ QString temporaryName(const QFileInfo& target)
 // Whether it may be that of a temporary file, of whatever target.
 bool isTemporaryName(const QString& name)
 {
-    const QRegularExpression form(QStringLiteral("^\\..*%1[0-9a-z]{%2}(\\.[^.]*)?$").arg(mark).arg(randomDigits));
+    const QRegularExpression form(
+        QStringLiteral("^\\..*%1[0-9a-z]{%2}(\\.[^.]*)?$").arg(mark, QString::number(randomDigits)));
     return form.match(name).hasMatch();
 }
 

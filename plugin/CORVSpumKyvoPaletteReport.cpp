@@ -35,7 +35,7 @@ QString proposedFolder(const CORVSequenceDataset& sequence)
             : QDir::home().filePath(resultFileName(sequence.getSequenceName()) + QStringLiteral("-unmixed"));
     QString strFolder = strFirst;
     for (int i = 2; QFileInfo::exists(strFolder); ++i) {
-        strFolder = QStringLiteral("%1-%2").arg(strFirst).arg(i);
+        strFolder = QStringLiteral("%1-%2").arg(strFirst, QString::number(i));
     }
     return strFolder;
 }

@@ -238,5 +238,6 @@ void SpumKyvoConsoleWnd::tellPixel(int nImgX, int nImgY, const XTNT::Vector<doub
 void SpumKyvoConsoleWnd::tellPaintedPixels(int nPixels)
 {
     const QString name = m_pActiveCtrl ? m_pActiveCtrl->settings().name : QString();
-    sendReadOut(*m_pImageCubeView, nPixels < 0 ? QString() : tr("Region of %1: %2 pixels").arg(name).arg(nPixels));
+    sendReadOut(*m_pImageCubeView,
+                nPixels < 0 ? QString() : tr("Region of %1: %2 pixels").arg(name, QString::number(nPixels)));
 }

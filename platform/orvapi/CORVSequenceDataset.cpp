@@ -36,7 +36,7 @@ QString freeId(const QString& strId, const CORVSequenceDataset* pOwn)
 {
     QString id = strId;
     for (int number = 2; isTakenByOther(id, pOwn); ++number) {
-        id = QStringLiteral("%1_%2").arg(strId).arg(number);
+        id = QStringLiteral("%1_%2").arg(strId, QString::number(number));
     }
     return id;
 }
@@ -55,7 +55,7 @@ void shorten(QStringList& warnings, const QString& strFile)
         return;
     }
     warnings = warnings.mid(0, most);
-    warnings.append(QStringLiteral("%1: %2 more warnings").arg(strFile).arg(more));
+    warnings.append(QStringLiteral("%1: %2 more warnings").arg(strFile, QString::number(more)));
 }
 
 // A sequence that a killed program has left aside goes back to its place; what there is to tell about it. `strPath` is
@@ -198,9 +198,8 @@ QStringList CORVSequenceDataset::findFolders(bool bDescribed, const SequenceInfo
         QStringLiteral(
             "%1%2: the list of datasets is cut short (%3 of %4, or the last is not there); the other folders "
             "beside it are added")
-            .arg(m_strInfoPath, QLatin1String(SequenceFiles::kSequenceInfo))
-            .arg(listed)
-            .arg(info.announcedCount ? QString::number(*info.announcedCount) : QStringLiteral("?")));
+            .arg(m_strInfoPath, QLatin1String(SequenceFiles::kSequenceInfo), QString::number(listed),
+                 info.announcedCount ? QString::number(*info.announcedCount) : QStringLiteral("?")));
     QStringList folders = info.folders;
     for (const QString& folder : foldersOnDisk()) {
         if (!folders.contains(folder)) {

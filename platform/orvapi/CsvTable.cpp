@@ -47,7 +47,7 @@ QStringList cellsOf(const QString& strLine)
 
 QString CsvTable::problem(int nLine, const QString& strWhat) const
 {
-    return QStringLiteral("%1:%2: %3").arg(file).arg(nLine).arg(strWhat);
+    return QStringLiteral("%1:%2: %3").arg(file, QString::number(nLine), strWhat);
 }
 
 bool readCsvTable(const QString& strFile, CsvTable* pTable, QStringList& problems)

@@ -67,8 +67,8 @@ QStringList sourceNames(const CsvTable& table, QStringList& problems)
         const bool usable = !name.isEmpty() && !taken.contains(name);
         taken.insert(name);
         if (!usable) {
-            problems.append(
-                QStringLiteral("%1: column %2 has no name of its own (\"%3\")").arg(table.file).arg(i + 1).arg(name));
+            problems.append(QStringLiteral("%1: column %2 has no name of its own (\"%3\")")
+                                .arg(table.file, QString::number(i + 1), name));
         }
         names.append(usable ? name : QString());
     }
@@ -236,7 +236,8 @@ void ReferenceTables::addFolder(const QString& strFolder, bool bExpected)
         const int more = found.size() - maxProblems;
         problems += found.mid(0, maxProblems);
         if (more > 0) {
-            problems.append(QStringLiteral("%1%2: %3 more problems").arg(strFolder, QLatin1String(pFile)).arg(more));
+            problems.append(
+                QStringLiteral("%1%2: %3 more problems").arg(strFolder, QLatin1String(pFile), QString::number(more)));
         }
         found.clear();
     };

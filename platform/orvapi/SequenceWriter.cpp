@@ -94,7 +94,7 @@ QString SequenceWriter::freeFolderName(const QString& strClickNumber) const
     const QString base = folderNameFrom(strClickNumber);
     QString name = base;
     for (int number = 2; m_taken.contains(name.toLower()); ++number) {
-        name = QStringLiteral("%1_%2").arg(base).arg(number);
+        name = QStringLiteral("%1_%2").arg(base, QString::number(number));
     }
     return name;
 }
@@ -117,14 +117,12 @@ bool SequenceWriter::checkDataset(const DatasetDescription& dataset, const Image
     for (const auto& image : images) {
         if (imageFileNames(image.first).isEmpty() || types.contains(image.first)) {
             return fail(QStringLiteral("%1: dataset %2 has two images of type %3, or there is no such type")
-                            .arg(target, dataset.clickNumber)
-                            .arg(image.first),
+                            .arg(target, dataset.clickNumber, QString::number(image.first)),
                         pError);
         }
         if (image.second == nullptr || image.second->isEmpty()) {
             return fail(QStringLiteral("%1: dataset %2 has an empty image of type %3")
-                            .arg(target, dataset.clickNumber)
-                            .arg(image.first),
+                            .arg(target, dataset.clickNumber, QString::number(image.first)),
                         pError);
         }
         types.insert(image.first);

@@ -186,7 +186,7 @@ void Parser::readEntry(const QString& strLine)
 void Parser::warn(const QString& strWhat)
 {
     if (++m_nWarnings <= maximumWarnings && m_pWarnings) {
-        m_pWarnings->append(QStringLiteral("%1:%2: %3").arg(m_strPath).arg(m_nLine).arg(strWhat));
+        m_pWarnings->append(QStringLiteral("%1:%2: %3").arg(m_strPath, QString::number(m_nLine), strWhat));
     }
 }
 
@@ -199,7 +199,8 @@ void Parser::skip(const QString& strWhat)
 void Parser::summariseWarnings()
 {
     if (m_nWarnings > maximumWarnings && m_pWarnings) {
-        m_pWarnings->append(QStringLiteral("%1: %2 more warnings").arg(m_strPath).arg(m_nWarnings - maximumWarnings));
+        m_pWarnings->append(
+            QStringLiteral("%1: %2 more warnings").arg(m_strPath, QString::number(m_nWarnings - maximumWarnings)));
     }
 }
 
@@ -207,7 +208,7 @@ Outcome Parser::refuse(const QString& strWhat)
 {
     m_sections.clear();
     if (m_pWarnings) {
-        m_pWarnings->append(m_nLine > 0 ? QStringLiteral("%1:%2: %3").arg(m_strPath).arg(m_nLine).arg(strWhat)
+        m_pWarnings->append(m_nLine > 0 ? QStringLiteral("%1:%2: %3").arg(m_strPath, QString::number(m_nLine), strWhat)
                                         : QStringLiteral("%1: %2").arg(m_strPath, strWhat));
     }
     return Outcome::Refused;

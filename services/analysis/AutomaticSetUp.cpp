@@ -184,8 +184,7 @@ QString undistinguishedText(const QStringList& names, const CORVSpumKyvo& engine
         reasons.append(
             QStringLiteral("of %1 it is not known where they lie in the spectrum, so that nothing tells them "
                            "apart; use --no-constraints, or --ncomponents %2")
-                .arg(placeless.join(QStringLiteral(", ")))
-                .arg(names.size()));
+                .arg(placeless.join(QStringLiteral(", ")), QString::number(names.size())));
     }
     if (lost > std::max(0, placeless.size() - 1)) {
         QStringList placed = names;

@@ -49,11 +49,8 @@ long checkedFactor(const QString& strPath, const QSize& mask, int nSide, const Q
     const long factor = std::max(factorOf(mask, shape), factorOf(mask, QSize(nSide, nSide)));
     if (factor == 0) {
         throw Failure(QStringLiteral("%1: the mask has %2 x %3 pixels; the analysis needs %4 x %5 or a multiple of it")
-                          .arg(strPath)
-                          .arg(mask.width())
-                          .arg(mask.height())
-                          .arg(shape.width())
-                          .arg(shape.height()));
+                          .arg(strPath, QString::number(mask.width()), QString::number(mask.height()),
+                               QString::number(shape.width()), QString::number(shape.height())));
     }
     return factor;
 }

@@ -150,9 +150,7 @@ std::vector<int> pixelsOf(const Region& region, const CORVSpumKyvo& engine)
     const QSize extent = analysedExtent(engine);
     if (left < 0 || top < 0 || left > extent.width() - width || top > extent.height() - height) {
         throw Failure(QStringLiteral("the region \"%1\" leaves the image of %2 x %3 pixels")
-                          .arg(region.name)
-                          .arg(extent.width())
-                          .arg(extent.height()));
+                          .arg(region.name, QString::number(extent.width()), QString::number(extent.height())));
     }
     std::vector<int> pixels;
     for (int y = top; y < top + height; ++y) {

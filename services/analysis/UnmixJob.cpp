@@ -216,10 +216,9 @@ Provenance UnmixJob::provenance()
 RunAnswer UnmixJob::answer(const ResultFiles& files, const StagedRun& staged, const QString& strSaved)
 {
     const QString line = QStringLiteral("unmixed %1 by %2: %3 components, residual %4; results in %5")
-                             .arg(m_request.analysis.sequence, ModeNames::option(m_request.mode))
-                             .arg(m_setUp.engine().m_spectrumPlots.size())
-                             .arg(m_numbers.residual)
-                             .arg(staged.target());
+                             .arg(m_request.analysis.sequence, ModeNames::option(m_request.mode),
+                                  QString::number(m_setUp.engine().m_spectrumPlots.size()),
+                                  QString::number(m_numbers.residual), staged.target());
     logLine(line, CORVLOG_NOTE);
     RunAnswer answer = staged.answer(files.summaryText(), files.summaryJson());
     // Of the answer only: files of the same input are the same.
@@ -292,10 +291,8 @@ void UnmixJob::lookForFood()
     }
     m_strProposal = QStringLiteral("proposed %1: tissue, the probes that the sequence tells of, and food, which %2 of "
                                    "%3 regions of the mask show (without it %4 % of one is left, with it %5 %)")
-                        .arg(names.join(QStringLiteral(", ")))
-                        .arg(look.fed)
-                        .arg(look.squares)
-                        .arg(percent(look.without), percent(look.with));
+                        .arg(names.join(QStringLiteral(", ")), QString::number(look.fed), QString::number(look.squares),
+                             percent(look.without), percent(look.with));
 }
 
 // Images without a structure hold nothing that could be told apart.
@@ -460,8 +457,8 @@ QString UnmixJob::adviceAgainstFailure()
     const bool food = names.contains(QStringLiteral("Food"));
     return QStringLiteral("of %1 no start was found that holds; %2--ncomponents %3 asks for as many without names")
         .arg(names.join(QStringLiteral(", ")),
-             food ? QString() : QStringLiteral("Food among --components may have a solution, and "))
-        .arg(names.size());
+             food ? QString() : QStringLiteral("Food among --components may have a solution, and "),
+             QString::number(names.size()));
 }
 
 void UnmixJob::takeWarnings()

@@ -66,7 +66,7 @@ BatchTable::BatchTable(const QString& strPath, const std::function<bool(const QS
 
 void BatchTable::refuse(int nLine, const QString& strReason) const
 {
-    throw Failure(QStringLiteral("%1:%2: %3").arg(m_strPath).arg(nLine).arg(strReason));
+    throw Failure(QStringLiteral("%1:%2: %3").arg(m_strPath, QString::number(nLine), strReason));
 }
 
 void BatchTable::readHeader(const QString& strLine, int nLine,
@@ -107,7 +107,7 @@ void BatchTable::readRow(const QString& strLine, int nLine)
         refuse(nLine, QStringLiteral("%1 fields where the first line has %2").arg(fields.size()).arg(m_columns.size()));
     }
     BatchRow row;
-    row.place = QStringLiteral("%1:%2").arg(m_strPath).arg(nLine);
+    row.place = QStringLiteral("%1:%2").arg(m_strPath, QString::number(nLine));
     QStringList words;
     for (int i = 0; i < fields.size(); ++i) {
         const QString& column = m_columns[i];

@@ -111,9 +111,7 @@ bool BackgroundRule::level(const CILImage& image, const std::vector<bool>& inval
         if (bounds.left < 0.0 || bounds.top < 0.0 || bounds.right > static_cast<double>(image.m_lWidth) ||
             bounds.bottom > static_cast<double>(image.m_lHeight)) {
             *pReason = QStringLiteral("the region of the background, %1, reaches beyond the image of %2 x %3 pixels")
-                           .arg(text())
-                           .arg(image.m_lWidth)
-                           .arg(image.m_lHeight);
+                           .arg(text(), QString::number(image.m_lWidth), QString::number(image.m_lHeight));
             return false;
         }
     }

@@ -109,12 +109,9 @@ bool DarkImages::checkSizes(const QStringList& names, const QVector<QSize>& size
         if (dark != sizes.at(i)) {
             return fail(pError, m_strSource,
                         QStringLiteral("the dark image%1 has %2 x %3 pixels where %4 has %5 x %6")
-                            .arg(m_stack.count() > 1 ? QLatin1Char(' ') + name(i) : QString())
-                            .arg(dark.width())
-                            .arg(dark.height())
-                            .arg(names.at(i))
-                            .arg(sizes.at(i).width())
-                            .arg(sizes.at(i).height()));
+                            .arg(m_stack.count() > 1 ? QLatin1Char(' ') + name(i) : QString(),
+                                 QString::number(dark.width()), QString::number(dark.height()), names.at(i),
+                                 QString::number(sizes.at(i).width()), QString::number(sizes.at(i).height())));
         }
     }
     return true;
@@ -147,9 +144,8 @@ bool DarkImages::read(int i, std::vector<double>& pixels, QString* pError) const
     if (const long long bad = firstUnusablePixel(image); bad >= 0) {
         return fail(pError, m_strSource,
                     QStringLiteral("%1the pixel in column %2, row %3 is not finite or too large")
-                        .arg(m_stack.count() > 1 ? m_stack.name(at) + QStringLiteral(": ") : QString())
-                        .arg(bad % image.m_lWidth)
-                        .arg(bad / image.m_lWidth));
+                        .arg(m_stack.count() > 1 ? m_stack.name(at) + QStringLiteral(": ") : QString(),
+                             QString::number(bad % image.m_lWidth), QString::number(bad / image.m_lWidth)));
     }
     const double scale = m_stack.scale(at);
     pixels.resize(image.pixelCount());

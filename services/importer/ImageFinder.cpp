@@ -184,10 +184,9 @@ bool ImageFinder::findInFolder(const QString& strFolder, const Progress& progres
     }
     others.erase(std::remove_if(others.begin(), others.end(), isTable), others.end());
     if (!others.isEmpty()) {
-        m_warnings.append(
-            others.size() == 1
-                ? QStringLiteral("%1 is passed over").arg(others.first())
-                : QStringLiteral("%1 and %2 more files are passed over").arg(others.first()).arg(others.size() - 1));
+        m_warnings.append(others.size() == 1 ? QStringLiteral("%1 is passed over").arg(others.first())
+                                             : QStringLiteral("%1 and %2 more files are passed over")
+                                                   .arg(others.first(), QString::number(others.size() - 1)));
     }
     for (int i = 0; i < names.size(); ++i) {
         if (progress && !progress(i, names.size(), QStringLiteral("Looking at %1").arg(names.at(i)))) {
@@ -486,7 +485,7 @@ bool ImageFinder::addCsv(const QString& strPath, QString* pError)
         FoundImage image;
         image.file = QFileInfo(strPath).fileName();
         image.band = band + 1;
-        image.name = QStringLiteral("%1 band %2").arg(image.file).arg(band + 1);
+        image.name = QStringLiteral("%1 band %2").arg(image.file, QString::number(band + 1));
         image.channel = channelName(names.at(band), QString());
         addNamed(image, names.at(band), QStringLiteral("column"), false);
         m_images.append(image);

@@ -84,9 +84,8 @@ bool ImageKeys::number(const ImagesTable& table, QString* pError)
     if (table.rows().size() > ChannelInfo::kMost) {
         *pError =
             QStringLiteral("%1: %2 channels are more than the %3 that can be numbered; leave rows out of the table")
-                .arg(table.place(table.rows().at(ChannelInfo::kMost)))
-                .arg(table.rows().size())
-                .arg(ChannelInfo::kMost);
+                .arg(table.place(table.rows().at(ChannelInfo::kMost)), QString::number(table.rows().size()),
+                     QString::number(ChannelInfo::kMost));
         return false;
     }
     for (int i = 0; i < table.rows().size(); ++i) {

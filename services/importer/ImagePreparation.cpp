@@ -76,12 +76,9 @@ bool ImagePreparation::loadFlat(QString* pError)
     for (int i = 1; i < m_stack.count(); ++i) {
         if (m_stack.size(i) != first) {
             *pError = QStringLiteral("%1: the flat field has %2 x %3 pixels where %4 has %5 x %6")
-                          .arg(m_options.flat)
-                          .arg(first.width())
-                          .arg(first.height())
-                          .arg(m_stack.name(i))
-                          .arg(m_stack.size(i).width())
-                          .arg(m_stack.size(i).height());
+                          .arg(m_options.flat, QString::number(first.width()), QString::number(first.height()),
+                               m_stack.name(i), QString::number(m_stack.size(i).width()),
+                               QString::number(m_stack.size(i).height()));
             return false;
         }
     }
@@ -102,9 +99,8 @@ bool ImagePreparation::checkPixels(int i, const CILImage& image, QString* pError
     }
     *pError = QStringLiteral("%1: %2: the pixel in column %3, row %4 is not finite or too large; --skip-invalid leaves "
                              "such pixels out")
-                  .arg(m_table.place(m_table.rows().at(i)), m_stack.name(i))
-                  .arg(bad % image.m_lWidth)
-                  .arg(bad / image.m_lWidth);
+                  .arg(m_table.place(m_table.rows().at(i)), m_stack.name(i), QString::number(bad % image.m_lWidth),
+                       QString::number(bad / image.m_lWidth));
     return false;
 }
 

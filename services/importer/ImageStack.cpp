@@ -78,9 +78,7 @@ bool ImageStack::open(const QString& strSource, const ImagesTable& table, QStrin
         constexpr long most = 1 << 30; // beyond every image that can be imported
         if (width > most || height > most) {
             *pError = QStringLiteral("%1: %2: the image of %3 x %4 pixels is too large")
-                          .arg(table.place(row), image.name)
-                          .arg(width)
-                          .arg(height);
+                          .arg(table.place(row), image.name, QString::number(width), QString::number(height));
             return false;
         }
         image.size = QSize(static_cast<int>(width), static_cast<int>(height));
@@ -109,7 +107,8 @@ void ImageStack::warnOf(const QStringList& names, const QString& strWhat, QStrin
     if (names.size() == 1) {
         warnings.append(QStringLiteral("%1 has %2").arg(names.first(), strWhat));
     } else if (names.size() > 1) {
-        warnings.append(QStringLiteral("%1 and %2 more have %3").arg(names.first()).arg(names.size() - 1).arg(strWhat));
+        warnings.append(
+            QStringLiteral("%1 and %2 more have %3").arg(names.first(), QString::number(names.size() - 1), strWhat));
     }
 }
 
@@ -173,9 +172,7 @@ bool ImageStack::openCube(const ImageRow& row, Image& image, QString* pReason)
     image.name += QStringLiteral(" band %1").arg(image.band + 1);
     if (image.band >= cube->header().bands) {
         *pReason = QStringLiteral("%1: there is no band %2 (the cube has %3)")
-                       .arg(image.path)
-                       .arg(image.band + 1)
-                       .arg(cube->header().bands);
+                       .arg(image.path, QString::number(image.band + 1), QString::number(cube->header().bands));
         return false;
     }
     return true;
@@ -196,9 +193,7 @@ bool ImageStack::openCsv(const ImageRow& row, Image& image, QString* pReason)
     image.name += QStringLiteral(" band %1").arg(image.band + 1);
     if (image.band >= cube->bands()) {
         *pReason = QStringLiteral("%1: there is no band %2 (the cube has %3)")
-                       .arg(image.path)
-                       .arg(image.band + 1)
-                       .arg(cube->bands());
+                       .arg(image.path, QString::number(image.band + 1), QString::number(cube->bands()));
         return false;
     }
     return true;
@@ -251,9 +246,7 @@ bool ImageStack::measure(Image& image, long* pWidth, long* pHeight, QString* pRe
     }
     if (image.band >= info.samplesPerPixel) {
         *pReason = QStringLiteral("%1: there is no band %2 (a pixel has %3)")
-                       .arg(image.path)
-                       .arg(image.band + 1)
-                       .arg(info.samplesPerPixel);
+                       .arg(image.path, QString::number(image.band + 1), QString::number(info.samplesPerPixel));
         return false;
     }
     if (image.band < 0 && info.isColour && info.samplesPerPixel == 1 && info.bitsPerSample >= 8) {
@@ -293,9 +286,7 @@ bool ImageStack::measureProjection(const Image& image, const TiffInfo& first, QS
         if (info.width != first.width || info.height != first.height || info.type != first.type ||
             info.samplesPerPixel != first.samplesPerPixel) {
             *pReason = QStringLiteral("%1: page %2 has another size or other pixels than page %3")
-                           .arg(image.path)
-                           .arg(page)
-                           .arg(image.page + 1);
+                           .arg(image.path, QString::number(page), QString::number(image.page + 1));
             return false;
         }
     }
@@ -317,8 +308,8 @@ bool ImageStack::measurePicture(Image& image, long* pWidth, long* pHeight, QStri
     }
     constexpr int planes = 3;
     if (image.band >= planes) {
-        *pReason =
-            QStringLiteral("%1: there is no band %2 (a pixel has %3)").arg(image.path).arg(image.band + 1).arg(planes);
+        *pReason = QStringLiteral("%1: there is no band %2 (a pixel has %3)")
+                       .arg(image.path, QString::number(image.band + 1), QString::number(planes));
         return false;
     }
     image.coloured = image.band < 0;

@@ -275,11 +275,12 @@ bool ImagesTable::parse(const QByteArray& text, const QString& strName, QString*
     QByteArray unixText = text;
     unixText.replace("\r\n", "\n").replace('\r', '\n');
     if (unixText.count('\n') > maxImages) {
-        *pError = QStringLiteral("%1:%2: more than %3 images").arg(strName).arg(maxImages + 1).arg(maxImages);
+        *pError = QStringLiteral("%1:%2: more than %3 images")
+                      .arg(strName, QString::number(maxImages + 1), QString::number(maxImages));
         return false;
     }
     if (const int line = firstLineThatIsNotText(unixText, codec)) {
-        *pError = QStringLiteral("%1:%2: the text is not UTF-8").arg(strName).arg(line);
+        *pError = QStringLiteral("%1:%2: the text is not UTF-8").arg(strName, QString::number(line));
         return false;
     }
     QString all = QString::fromUtf8(unixText);
@@ -360,5 +361,5 @@ bool ImagesTable::parseLines(const QStringList& lines, QString* pError)
 
 QString ImagesTable::place(const ImageRow& row) const
 {
-    return QStringLiteral("%1:%2").arg(m_strName).arg(row.line);
+    return QStringLiteral("%1:%2").arg(m_strName, QString::number(row.line));
 }

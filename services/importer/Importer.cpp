@@ -143,8 +143,7 @@ bool Import::readTable(QString* pError)
     for (const ImageRow& row : m_table.rows()) {
         if (row.facts.unit != m_table.rows().first().facts.unit) {
             *pError = QStringLiteral("%1: the unit is not that of line %2")
-                          .arg(m_table.place(row))
-                          .arg(m_table.rows().first().line);
+                          .arg(m_table.place(row), QString::number(m_table.rows().first().line));
             return false;
         }
     }
@@ -183,10 +182,8 @@ bool Import::limitSize(QString* pError) const
         return true;
     }
     *pError = QStringLiteral("%1: images of %2 x %3 pixels are too large (at most %4 along a side)")
-                  .arg(m_options.source)
-                  .arg(m_images.width())
-                  .arg(m_images.height())
-                  .arg(maxSide);
+                  .arg(m_options.source, QString::number(m_images.width()), QString::number(m_images.height()),
+                       QString::number(maxSide));
     return false;
 }
 
@@ -204,9 +201,7 @@ bool Import::checkExposures(QString* pError) const
     const int nExposures = m_options.exposures.size();
     if (nExposures > 1 && nExposures != m_stack.count()) {
         *pError = QStringLiteral("%1: %2 exposures are given for %3 images")
-                      .arg(m_options.source)
-                      .arg(nExposures)
-                      .arg(m_stack.count());
+                      .arg(m_options.source, QString::number(nExposures), QString::number(m_stack.count()));
         return false;
     }
     return true;

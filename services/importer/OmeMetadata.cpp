@@ -343,7 +343,7 @@ QVector<Figure> figuresOf(const Pixels& pixels, const Plane& plane, QStringList&
 QString channelText(const Pixels& pixels, const Plane& plane)
 {
     const QString name = pixels.channels.value(plane.c).name;
-    return pixels.sizeZ > 1 ? QStringLiteral("%1 z%2").arg(name).arg(plane.z + 1).trimmed() : name;
+    return pixels.sizeZ > 1 ? QStringLiteral("%1 z%2").arg(name, QString::number(plane.z + 1)).trimmed() : name;
 }
 
 ImageFacts factsOf(const Pixels& pixels, const Plane& plane, const QHash<QString, QString>& notes, int page)

@@ -263,11 +263,8 @@ bool loadPhotograph(const QString& strPath, long w, long h, CILImage& out, QStri
     const double asked = static_cast<double>(w) / static_cast<double>(h);
     if (std::abs(shape / asked - 1.0) > shapeTolerance) {
         pWarnings->append(QStringLiteral("%1 has %2 x %3 pixels and is squeezed into the shape of the images, %4 x %5")
-                              .arg(strPath)
-                              .arg(out.m_lWidth)
-                              .arg(out.m_lHeight)
-                              .arg(w)
-                              .arg(h));
+                              .arg(strPath, QString::number(out.m_lWidth), QString::number(out.m_lHeight),
+                                   QString::number(w), QString::number(h)));
     }
     if ((out.m_lWidth != w || out.m_lHeight != h) &&
         out.upSample(static_cast<int>(w), static_cast<int>(h), IL_RESAMPLE_SMOOTH) != EIL_SUCCESS) {

@@ -69,9 +69,7 @@ void ComparedResult::readSpots(const std::function<QString(int)>& fileOfSpot)
     }
     if (spots != m_nSpots) {
         throw Failure(QStringLiteral("%1: there are maps of %2 spots, where the first component has %3")
-                          .arg(fileOfSpot(0))
-                          .arg(spots)
-                          .arg(m_nSpots));
+                          .arg(fileOfSpot(0), QString::number(spots), QString::number(m_nSpots)));
     }
 }
 

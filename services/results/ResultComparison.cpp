@@ -37,19 +37,14 @@ void checkSizes(const Results& results)
         const CILImage& map = result->map(0);
         if (map.m_lWidth != first.m_lWidth || map.m_lHeight != first.m_lHeight) {
             throw Failure(QStringLiteral("the maps of %1 have %2 x %3 pixels, those of %4 %5 x %6")
-                              .arg(result->label())
-                              .arg(map.m_lWidth)
-                              .arg(map.m_lHeight)
-                              .arg(results.front()->label())
-                              .arg(first.m_lWidth)
-                              .arg(first.m_lHeight));
+                              .arg(result->label(), QString::number(map.m_lWidth), QString::number(map.m_lHeight),
+                                   results.front()->label(), QString::number(first.m_lWidth),
+                                   QString::number(first.m_lHeight)));
         }
         if (result->spotCount() != results.front()->spotCount()) {
             throw Failure(QStringLiteral("%1 has maps of %2 spots, %3 of %4")
-                              .arg(result->label())
-                              .arg(result->spotCount())
-                              .arg(results.front()->label())
-                              .arg(results.front()->spotCount()));
+                              .arg(result->label(), QString::number(result->spotCount()), results.front()->label(),
+                                   QString::number(results.front()->spotCount())));
         }
     }
 }

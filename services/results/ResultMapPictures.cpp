@@ -70,7 +70,7 @@ ResultMapPictures::ResultMapPictures(const CORVSpumKyvo& engine, const ResultFac
 QString ResultMapPictures::title(int nComponent, int nSpot) const
 {
     const QString& label = m_facts.components[nComponent].name;
-    return m_facts.spots > 1 ? QStringLiteral("%1, spot %2").arg(label).arg(nSpot + 1) : label;
+    return m_facts.spots > 1 ? QStringLiteral("%1, spot %2").arg(label, QString::number(nSpot + 1)) : label;
 }
 
 orvimage::RenderMapOptions ResultMapPictures::optionsOf(const QString& strTitle) const

@@ -36,9 +36,7 @@ QJsonObject readSummary(const QString& strFolder, const QString& strShown)
     const QJsonDocument document = QJsonDocument::fromJson(text, &wrong);
     if (wrong.error != QJsonParseError::NoError) {
         throw Failure(QStringLiteral("%1:%2: this is no JSON: %3")
-                          .arg(file)
-                          .arg(text.left(wrong.offset).count('\n') + 1)
-                          .arg(wrong.errorString()));
+                          .arg(file, QString::number(text.left(wrong.offset).count('\n') + 1), wrong.errorString()));
     }
     return document.object();
 }
@@ -106,11 +104,8 @@ QImage UnmixFolder::readMask(long width, long height) const
     const QSize size = reader.size();
     if (size.isValid() && (size.width() != width || size.height() != height)) {
         throw Failure(QStringLiteral("%1: the mask has %2 x %3 pixels where the maps have %4 x %5")
-                          .arg(file)
-                          .arg(size.width())
-                          .arg(size.height())
-                          .arg(width)
-                          .arg(height));
+                          .arg(file, QString::number(size.width()), QString::number(size.height()),
+                               QString::number(width), QString::number(height)));
     }
     const QImage mask = size.isValid() ? reader.read().convertToFormat(QImage::Format_Grayscale8) : QImage();
     if (mask.isNull()) {

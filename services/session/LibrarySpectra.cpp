@@ -57,7 +57,8 @@ QByteArray checkedBytes(const QString& strFile)
         throw Failure(error);
     }
     if (text.count('\n') > maxLines) {
-        throw Failure(QStringLiteral("%1: more than %2 lines, no library is that long").arg(strFile).arg(maxLines));
+        throw Failure(
+            QStringLiteral("%1: more than %2 lines, no library is that long").arg(strFile, QString::number(maxLines)));
     }
     return text;
 }

@@ -322,7 +322,8 @@ bool SpectraTableReader::takeColumns(const QVector<double>& wavelengths)
     }
     QStringList names = m_header.mid(1);
     for (int k = 0; k < names.size() && !m_bHeader; ++k) {
-        names[k] = names.size() == 1 ? m_strBaseName : QStringLiteral("%1 %2").arg(m_strBaseName).arg(k + 1);
+        names[k] =
+            names.size() == 1 ? m_strBaseName : QStringLiteral("%1 %2").arg(m_strBaseName, QString::number(k + 1));
     }
     return takeSpectra(names, values);
 }

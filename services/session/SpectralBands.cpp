@@ -53,9 +53,8 @@ QString SpectralBand::text(int nAxis) const
     const FilterBand& filter = nAxis == SPECTRUMAXIS_EXCITATION ? excitation : emission;
     const QString key = pairText(pair);
     return filter.width > 0.0 ? QStringLiteral("%1 (%2 to %3 nm)")
-                                    .arg(key)
-                                    .arg(filter.centre - filter.width / 2.0)
-                                    .arg(filter.centre + filter.width / 2.0)
+                                    .arg(key, QString::number(filter.centre - filter.width / 2.0),
+                                         QString::number(filter.centre + filter.width / 2.0))
                               : key;
 }
 

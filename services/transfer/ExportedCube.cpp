@@ -280,14 +280,10 @@ void ExportedCube::checkSizes()
         if (width != m_lWidth || height != m_lHeight || own < binning || own > binning) {
             throw Failure(QStringLiteral("image %1 has %2 x %3 pixels at binning %4 where %5 has %6 x %7 at binning "
                                          "%8; --select images of one size")
-                              .arg(image.name)
-                              .arg(width)
-                              .arg(height)
-                              .arg(static_cast<double>(own))
-                              .arg(m_images.first().name)
-                              .arg(m_lWidth)
-                              .arg(m_lHeight)
-                              .arg(static_cast<double>(binning)));
+                              .arg(image.name, QString::number(width), QString::number(height),
+                                   QString::number(static_cast<double>(own)), m_images.first().name,
+                                   QString::number(m_lWidth), QString::number(m_lHeight),
+                                   QString::number(static_cast<double>(binning))));
         }
     }
     if (!sameSize) {

@@ -30,7 +30,7 @@ class StagedFolderTest : public ::testing::Test
 {
 protected:
     QTemporaryDir m_home;
-    QString m_strTarget = m_home.filePath("out put");
+    QString m_strTarget = m_home.filePath("out %2 put");
     QString m_strError;
 };
 
@@ -41,7 +41,7 @@ TEST_F(StagedFolderTest, CommitPutsTheWholeFolderInPlaceAndLeavesNothingBeside)
     writeFile(folder.path() + "a.txt");
     EXPECT_FALSE(QFile::exists(m_strTarget));
     ASSERT_TRUE(folder.commit(&m_strError));
-    EXPECT_EQ(entries(m_home.path()), QStringList{"out put"});
+    EXPECT_EQ(entries(m_home.path()), QStringList{"out %2 put"});
     EXPECT_EQ(entries(m_strTarget), QStringList{"a.txt"});
     EXPECT_TRUE(folder.path().isEmpty());
 }
@@ -72,7 +72,7 @@ TEST_F(StagedFolderTest, ATargetThatAppearsMeanwhileIsNotReplacedWithoutForce)
     ASSERT_TRUE(QDir().mkdir(m_strTarget));
     writeFile(m_strTarget + "/other.txt");
     EXPECT_FALSE(folder.commit(&m_strError));
-    EXPECT_EQ(entries(m_home.path()), QStringList{"out put"});
+    EXPECT_EQ(entries(m_home.path()), QStringList{"out %2 put"});
     EXPECT_EQ(entries(m_strTarget), QStringList{"other.txt"});
 }
 
@@ -86,7 +86,7 @@ TEST_F(StagedFolderTest, ForceReplacesAFolderThatBearsTheMarker)
     writeFile(folder.path() + "new.txt");
     ASSERT_TRUE(folder.commit());
     EXPECT_EQ(entries(m_strTarget), QStringList{"new.txt"});
-    EXPECT_EQ(entries(m_home.path()), QStringList{"out put"});
+    EXPECT_EQ(entries(m_home.path()), QStringList{"out %2 put"});
 }
 
 TEST_F(StagedFolderTest, ForceDoesNotReplaceAForeignFolderAFileOrALink)
@@ -171,7 +171,7 @@ TEST_F(FaultyFolderTest, AKillAtAnyCallLeavesTheOldFolderOrTheNewInItsPlace)
             EXPECT_TRUE(present() == "old" || present() == "new") << rules;
             EXPECT_TRUE(replace()) << rules << m_strError.toStdString();
             EXPECT_EQ(present(), "new") << rules;
-            EXPECT_EQ(entries(m_home.path()), QStringList{"out put"}) << rules;
+            EXPECT_EQ(entries(m_home.path()), QStringList{"out %2 put"}) << rules;
         }
     }
     EXPECT_GT(killed, 20);
@@ -186,7 +186,7 @@ TEST_F(FaultyFolderTest, AFolderThatAKilledProgramHadMovedAsideIsFoundAndGoesBac
     EXPECT_TRUE(m_strError.startsWith(m_strTarget + " was left aside by a program that was ended"))
         << m_strError.toStdString();
     EXPECT_EQ(present(), "old");
-    EXPECT_EQ(entries(m_home.path()), QStringList{"out put"});
+    EXPECT_EQ(entries(m_home.path()), QStringList{"out %2 put"});
     EXPECT_TRUE(replace());
     EXPECT_EQ(present(), "new");
 }
@@ -232,7 +232,7 @@ TEST_F(FaultyFolderTest, AFailureOfOneRenamePutsTheOldFolderBack)
         EXPECT_FALSE(replace()) << rules;
         EXPECT_EQ(m_strError, m_strTarget + " cannot be put in place: Input/output error");
         EXPECT_EQ(present(), "old") << rules;
-        EXPECT_EQ(entries(m_home.path()), QStringList{"out put"}) << rules;
+        EXPECT_EQ(entries(m_home.path()), QStringList{"out %2 put"}) << rules;
     }
 }
 
@@ -254,7 +254,7 @@ TEST_F(FaultyFolderTest, AFolderThatMayNotBeOnTheDiskIsAFailureAndTheOldOneStays
         arm(rules);
         EXPECT_FALSE(replace()) << rules;
         EXPECT_EQ(present(), "old") << rules;
-        EXPECT_EQ(entries(m_home.path()), QStringList{"out put"}) << rules;
+        EXPECT_EQ(entries(m_home.path()), QStringList{"out %2 put"}) << rules;
     }
 }
 
@@ -263,7 +263,7 @@ TEST_F(FaultyFolderTest, TheHiddenFolderOfALivingProgramAndOthersOfThatNameAreLe
     StagedFolder living;
     ASSERT_TRUE(living.begin(m_strTarget, true, marker));
     writeFile(living.path() + marker, "living");
-    const QString foreign = m_home.filePath(".out put-abcdef");
+    const QString foreign = m_home.filePath(".out %2 put-abcdef");
     ASSERT_TRUE(QDir().mkdir(foreign));
     writeFile(foreign + "/thesis.tex");
     EXPECT_TRUE(replace()) << m_strError.toStdString();

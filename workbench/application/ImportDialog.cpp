@@ -370,10 +370,10 @@ void ImportDialog::logPrepared() const
         if (image.background) {
             parts.append(tr("background %1 (%2)").arg(*image.background).arg(image.rule));
         }
-        CORVLog::getLogObject()->log(tr("%1: subtracted %2; %3 pixels are below 0")
-                                         .arg(m_pReport->names.at(i), parts.join(QStringLiteral(", ")))
-                                         .arg(image.negatives),
-                                     QString(), 0, QString(), kInformation, false);
+        CORVLog::getLogObject()->log(
+            tr("%1: subtracted %2; %3 pixels are below 0")
+                .arg(m_pReport->names.at(i), parts.join(QStringLiteral(", ")), QString::number(image.negatives)),
+            QString(), 0, QString(), kInformation, false);
     }
 }
 

@@ -7,7 +7,7 @@ QString freePlace(const QString& strPath)
 {
     QString place = strPath;
     for (int i = 2; QFileInfo::exists(place); ++i) {
-        place = QStringLiteral("%1-%2").arg(strPath).arg(i);
+        place = QStringLiteral("%1-%2").arg(strPath, QString::number(i));
     }
     return place;
 }

@@ -40,7 +40,7 @@ QString proposedSequenceFolder(const QString& strSource, const QString& strFallb
     const QString stem = (name.isEmpty() ? QStringLiteral("images") : name) + QStringLiteral("_sequence");
     QString free = stem;
     for (int number = 2; QFileInfo::exists(folder.filePath(free)); ++number) {
-        free = QStringLiteral("%1_%2").arg(stem).arg(number);
+        free = QStringLiteral("%1_%2").arg(stem, QString::number(number));
     }
     return folder.filePath(free);
 }

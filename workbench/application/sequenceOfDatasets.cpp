@@ -49,7 +49,7 @@ SequenceDescription describe(const QString& strTarget, const CORVSequenceDataset
 // A click number that no other dataset has: maps are made again and again.
 QString clickNumber(const SequenceDescription& description, int nPlace)
 {
-    return QStringLiteral("%1-%2").arg(description.id).arg(nPlace + 1);
+    return QStringLiteral("%1-%2").arg(description.id, QString::number(nPlace + 1));
 }
 
 bool addDataset(SequenceWriter& writer, const SequenceDescription& sequence, const QString& strClickInfo, int nPlace,

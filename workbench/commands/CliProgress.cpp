@@ -48,9 +48,7 @@ QString CliProgress::lineText(const QString& strMessage, double dFraction, doubl
     const double fraction = std::min(dFraction, 1.0);
     const double remaining = dElapsedSeconds * (1.0 - fraction) / fraction;
     return QStringLiteral("%1  %2 %, %3 left")
-        .arg(strMessage)
-        .arg(static_cast<int>(fraction * 100.0))
-        .arg(timeText(remaining));
+        .arg(strMessage, QString::number(static_cast<int>(fraction * 100.0)), timeText(remaining));
 }
 
 void CliProgress::start(const QString& strMessage)

@@ -230,9 +230,8 @@ void CompareCommand::run(const QCommandLineParser& parser, CliSession& session)
         tableOf(comparison, 9, QStringLiteral("relativeError")).toCsv().toUtf8());
     staged.finish(session);
     const QString text = QStringLiteral("compared with %1 over %2 pixels and %3 images\n\n%4\n")
-                             .arg(orv::printableLine(referenceText(comparison)))
-                             .arg(comparison.pixelCount())
-                             .arg(comparison.imageCount())
-                             .arg(tableOf(comparison, 4, QStringLiteral("relative error")).toText());
+                             .arg(orv::printableLine(referenceText(comparison)),
+                                  QString::number(comparison.pixelCount()), QString::number(comparison.imageCount()),
+                                  tableOf(comparison, 4, QStringLiteral("relative error")).toText());
     session.answer(staged.answer(text, jsonOf(comparison)));
 }

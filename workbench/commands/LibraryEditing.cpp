@@ -204,10 +204,9 @@ void LibraryEditing::remove(const LibraryCall& call, CliSession& session)
         return;
     }
     const int left = SavedLibraries::removeSpectra(lock, call.arguments[0], spectra);
-    session.answer(
-        QStringLiteral("removed %1 of %2; %3 spectra are left\n")
-            .arg(orv::printableLine(spectra.join(QStringLiteral(", "))), orv::printableLine(call.arguments[0]))
-            .arg(left));
+    session.answer(QStringLiteral("removed %1 of %2; %3 spectra are left\n")
+                       .arg(orv::printableLine(spectra.join(QStringLiteral(", "))),
+                            orv::printableLine(call.arguments[0]), QString::number(left)));
     session.answerJson(QJsonObject{{"name", call.arguments[0]}, {"spectra", left}});
 }
 
@@ -239,9 +238,8 @@ void LibraryEditing::writeTemplate(const LibraryCall& call, CliSession& session)
                       : Failure(error);
     }
     session.answer(QStringLiteral("wrote %1: %2 images to fill in for %3\n")
-                       .arg(orv::printableLine(file))
-                       .arg(pairs.size())
-                       .arg(orv::printableLine(names.join(QStringLiteral(", ")))));
+                       .arg(orv::printableLine(file), QString::number(pairs.size()),
+                            orv::printableLine(names.join(QStringLiteral(", ")))));
     session.answerJson(
         QJsonObject{{"path", file}, {"images", pairs.size()}, {"spectra", QJsonArray::fromStringList(names)}});
 }

@@ -295,7 +295,7 @@ QString textAnswer(const SimulationOptions& options, const Outcome& outcome)
     for (int i = 0; i < outcome.sources.size(); ++i) {
         const QString& name = outcome.sources.at(i);
         const bool told = name.endsWith(QLatin1String(" mm"));
-        sources.append(told ? name : QStringLiteral("%1 at %2 mm").arg(name).arg(outcome.depths.at(i)));
+        sources.append(told ? name : QStringLiteral("%1 at %2 mm").arg(name, QString::number(outcome.depths.at(i))));
     }
     return QStringLiteral("%1 images of %2 x %2 pixels, %3\n%4\nsequence in %5\ntruth in    %5/%6\n")
         .arg(outcome.images)

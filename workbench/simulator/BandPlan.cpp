@@ -177,7 +177,7 @@ QList<Band> planBands(const SimulationOptions& options, const QList<FilterPair>&
         light(options, pairs.at(temporal ? 0 : i % each), band);
         band.exposureSeconds = bandExposureSeconds(options, i % each);
         band.binning = options.mixedBinning && i < kMixedBands ? 2 * options.binning : options.binning;
-        band.clickNumber = QStringLiteral("%1_%2").arg(strPrefix).arg(i + 1, 3, 10, QLatin1Char('0'));
+        band.clickNumber = strPrefix + QStringLiteral("_%1").arg(i + 1, 3, 10, QLatin1Char('0'));
         band.timeSeconds = startOf(options, i, bands);
         band.start = begin.addMSecs(milliseconds(band.timeSeconds));
         if (temporal) {

@@ -30,7 +30,7 @@ QList<SimulatedSource> sourcesOf(const SimulationOptions& options)
         const int count = sourceCount(options);
         for (int i = 0; i < count; ++i) {
             const double depth = probeDepthMm(options, i);
-            sources.append({count > 1 ? QStringLiteral("%1 at %2 mm").arg(name).arg(depth) : name, depth});
+            sources.append({count > 1 ? QStringLiteral("%1 at %2 mm").arg(name, QString::number(depth)) : name, depth});
         }
         return sources;
     }

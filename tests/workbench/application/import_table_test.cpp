@@ -450,6 +450,8 @@ TEST(ImportPlaceTest, TheSequenceIsProposedBesideTheImages)
     EXPECT_EQ(proposedSequenceFolder(folder.filePath("stack.ome.tif"), "/tmp"), folder.filePath("stack_sequence"));
     EXPECT_EQ(proposedSequenceFolder("/nowhere/at/all", folder.path()), folder.filePath("all_sequence"));
     EXPECT_EQ(proposedSequenceFolder("", "/tmp"), "");
+    ASSERT_TRUE(QDir(folder.path()).mkdir("50%2_sequence"));
+    EXPECT_EQ(proposedSequenceFolder(folder.filePath("50%2"), "/tmp"), folder.filePath("50%2_sequence_2"));
 }
 
 } // namespace

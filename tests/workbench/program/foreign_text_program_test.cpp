@@ -212,3 +212,24 @@ TEST_F(ForeignTextProgramTest, NamesOfImportedFiles)
     write("stack/" + steering + "_640_740.tif", "cut");
     said({"import", "stack", "other", "--images", "images.csv"}, 1, "\\x1b[31m");
 }
+
+// What stands for figures in the sentences of the program.
+TEST_F(ForeignTextProgramTest, NamesWithPlaceMarkersStayWhereTheyBelong)
+{
+    write("t%2 and %3.csv", "file,emission\na.tif,mile\n");
+    EXPECT_EQ(refusal({"import", ".", "seq", "--images", "t%2 and %3.csv"}),
+              "t%2 and %3.csv:2: the emission \"mile\" is not a number");
+    write("batch%1%2.csv", "path,options\nseq,--unit mile\n");
+    EXPECT_TRUE(refusal({"batch", "batch%1%2.csv", "--out", "out"}, 2).startsWith("batch%1%2.csv:2: --unit takes"));
+    writeTiffFile("in%2/50%2 a.tif", imageOf(3, 2, [](int i) { return static_cast<float>(i); }));
+    writeTiffFile("in%2/50%2 b.tif", imageOf(2, 2, [](int i) { return static_cast<float>(i); }));
+    EXPECT_TRUE(refusal({"import", "in%2", "seq", "--channels"})
+                    .contains("50%2 b.tif has 2 x 2 pixels where 50%2 a.tif has 3 x 2"))
+        << spum({"import", "in%2", "seq", "--channels"}).err.constData();
+    smallSequence().writeTo(path("seq"));
+    EXPECT_EQ(refusal({"library", "save", "x", "--sequence", "seq", "--region", "r%2 %3=3,0,2,1"}),
+              "the region \"r%2 %3\" leaves the image of 4 x 4 pixels");
+    write("spectra %2.csv", "700,1,4\n720,2,5\n740,3,6\n");
+    EXPECT_TRUE(spum({"library", "show", "spectra %2.csv"}).out.contains("spectra %2 1"))
+        << spum({"library", "show", "spectra %2.csv"}).err.constData();
+}
