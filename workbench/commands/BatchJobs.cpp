@@ -21,7 +21,7 @@
 #include <QThread>
 
 #include <algorithm>
-#include <cmath>
+#include <optional>
 
 namespace {
 
@@ -125,22 +125,6 @@ int jobsOf(const QCommandLineParser& parser)
     return jobs;
 }
 
-qint64 memoryOf(const QCommandLineParser& parser)
-{
-    const QString text = parser.value(QStringLiteral("max-memory"));
-    if (!parser.isSet(QStringLiteral("max-memory"))) {
-        return memoryToBeHad();
-    }
-    constexpr double gibibyte = 1 << 30;
-    constexpr double most = 1 << 30; // beyond every machine, within the number's range
-    bool good = false;
-    const double value = text.toDouble(&good);
-    if (!good || !(value > 0.0)) {
-        refuseUsage("batch", QStringLiteral("--max-memory takes a number above 0, not \"%1\".").arg(text));
-    }
-    return static_cast<qint64>(std::min(value, most) * gibibyte);
-}
-
 } // namespace
 
 void declareBatchOptions(CommandParser& parser)
@@ -193,7 +177,10 @@ BatchWishes batchWishesOf(const QCommandLineParser& parser)
         }
     });
     errors.collect([&] { wishes.jobs = jobsOf(parser); });
-    errors.collect([&] { wishes.memory = memoryOf(parser); });
+    errors.collect([&] {
+        const std::optional<qint64> most = memoryOption(parser, "batch");
+        wishes.memory = most ? *most : memoryToBeHad();
+    });
     wishes.again = isSet("again");
     wishes.strict = isSet("strict");
     wishes.dryRun = isSet("dry-run");

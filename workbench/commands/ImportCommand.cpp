@@ -79,12 +79,7 @@ void takeValues(const QCommandLineParser& parser, Request& request, CallErrors& 
             errors.collect(set);
         }
     };
-    take("max-memory", [&] {
-        constexpr double gibibyte = 1 << 30;
-        constexpr double most = 1 << 30; // beyond every machine, within the number's range
-        options.maxMemory =
-            static_cast<qint64>(std::min(positiveNumber("max-memory", value("max-memory")), most) * gibibyte);
-    });
+    errors.collect([&] { options.maxMemory = memoryOption(parser, "import").value_or(options.maxMemory); });
     take("background", [&] {
         QString reason;
         if (!options.background.parse(value("background"), &reason)) {

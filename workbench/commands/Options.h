@@ -4,6 +4,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <optional>
+
 class CommandParser;
 class QCommandLineParser;
 
@@ -17,6 +19,10 @@ void addFlag(CommandParser& parser, const char* pName, const QString& strText);
 
 // The unit that --unit names, -1 without that option; refuses other words.
 int unitOption(const QCommandLineParser& parser, const char* pCommand);
+
+// The bytes that --max-memory allows, in GiB on the command line; nothing without that option. Refuses what is no
+// number above 0.
+std::optional<qint64> memoryOption(const QCommandLineParser& parser, const char* pCommand);
 
 // Throws Failure (bad request): the sentence, and where the options of that command are told.
 [[noreturn]] void refuseUsage(const char* pCommand, const QString& strText);
