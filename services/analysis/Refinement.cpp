@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "services/analysis/Refinement.h"
 
+#include "algorithms/independentSpectra.h"
 #include "algorithms/purestSpectra.h"
 #include "algorithms/rowPasses.h"
 #include "algorithms/weightedResolution.h"
@@ -137,7 +138,8 @@ struct Resolved
     Matrix<double> spectra; // sorted
     CountedNoise noise;
     int rounds = 0;
-    double left = 0.0; // by meanSquareLeft()
+    bool independent = false;
+    double left = 0.0; // by meanSquareLeft(), before they were made independent
 };
 
 std::optional<Resolved> resolve(const Matrix<double>& pixels, int components, const CountedNoise& told)
@@ -157,11 +159,14 @@ std::optional<Resolved> resolve(const Matrix<double>& pixels, int components, co
         resolved.rounds += rounds.rounds;
         resolved.noise = noiseOf(told, pixels, spectra, fit);
     }
-    resolved.spectra = sorted(spectra);
-    if (!fitWithoutWeights(pixels, resolved.spectra, fit)) {
+    Matrix<double> moved = spectra.deepCopy();
+    const bool bMoved = makeIndependent(pixels, fit, resolved.noise.model(), moved);
+    if (!fitWithoutWeights(pixels, spectra, fit)) {
         return std::nullopt;
     }
-    resolved.left = meanSquareLeft(pixels, resolved.spectra, fit);
+    resolved.left = meanSquareLeft(pixels, spectra, fit);
+    resolved.independent = bMoved && fitWithoutWeights(pixels, moved, fit);
+    resolved.spectra = sorted(resolved.independent ? moved : spectra);
     return resolved;
 }
 
@@ -258,6 +263,7 @@ std::optional<RefinementResult> refineResolution(const CORVSequenceDataset& sequ
     }
     handOver(found->spectra, found->noise.model(), data, engine);
     result.facts.rounds = found->rounds;
+    result.facts.independent = found->independent;
     result.noise.model = QStringLiteral("poisson");
     result.noise.estimated = !told.gain || !told.readNoise;
     if (found->noise.calibrated) {

@@ -21,7 +21,8 @@ struct RefinementResult
 // Resolves components of which nothing is known a second time, after the engine, which starts from the means of
 // clusters and takes all elements alike. Images of separate sources say more: an offset of the camera that is plain to
 // see is taken off the engine's cube, the start is the spectra of the purest pixels (purestSpectra), and each element
-// counts by its noise (CountedNoise, resolveWeighted). Of many pixels some serve for the spectra; all are fitted in the
+// counts by its noise (CountedNoise, resolveWeighted); where the sources are independent the spectra go to where their
+// amounts are (makeIndependent). Of many pixels some serve for the spectra; all are fitted in the
 // end. Maps, spectra and plots of the engine's result are replaced, the components in the order of their centres.
 //
 // Nothing, and all is as it was, where that cannot be done: a scan of spots, fewer pure pixels than components, a

@@ -5,7 +5,7 @@
 
 QJsonObject RefinementFacts::json() const
 {
-    QJsonObject json{{"start", "purest pixels"}, {"rounds", rounds}};
+    QJsonObject json{{"start", "purest pixels"}, {"rounds", rounds}, {"independent", independent}};
     if (offset) {
         json.insert(QStringLiteral("offset"), *offset);
     }
@@ -16,6 +16,9 @@ QString RefinementFacts::text() const
 {
     constexpr int digits = 4;
     QString text = QStringLiteral("resolved again from the purest pixels in %1 rounds").arg(rounds);
+    if (independent) {
+        text += QStringLiteral(", then to where the amounts depend on each other least");
+    }
     if (offset) {
         text +=
             QStringLiteral("; an offset of %1 counts was taken off all images").arg(TextTable::number(*offset, digits));

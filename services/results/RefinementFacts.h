@@ -10,6 +10,7 @@
 struct RefinementFacts
 {
     int rounds = 0;
+    bool independent = false;     // the spectra are those of the amounts that depend on each other least
     std::optional<double> offset; // of the camera, taken off all images; in their unit
 
     QJsonObject json() const;

@@ -83,12 +83,15 @@ TEST_F(RefinementProgramTest, ImportedImagesAreResolvedFromTheirPurestPixels)
     const QJsonObject refinement = json["refinement"].toObject();
     EXPECT_EQ(refinement["start"], "purest pixels");
     EXPECT_GT(refinement["rounds"].toInt(), 0);
+    EXPECT_TRUE(refinement["independent"].toBool());
     EXPECT_FALSE(refinement.contains("offset"));
     EXPECT_EQ(json["noiseModel"].toObject()["model"], "poisson");
     EXPECT_NEAR(json["noiseModel"].toObject()["electronsPerCount"].toDouble(), 1.0, 0.1);
     EXPECT_NEAR(json["lackOfFit"].toDouble(), json["residual"].toDouble(), 1e-9);
     EXPECT_GT(agreement("out"), 0.98);
-    EXPECT_TRUE(contentOf(path("out/report.html")).contains("resolved again from the purest pixels"));
+    const QByteArray report = contentOf(path("out/report.html"));
+    EXPECT_TRUE(report.contains("resolved again from the purest pixels"));
+    EXPECT_TRUE(report.contains("then to where the amounts depend on each other least"));
 }
 
 TEST_F(RefinementProgramTest, AnOffsetIsTakenOffAndTold)
