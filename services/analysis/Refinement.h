@@ -30,7 +30,7 @@ struct RefinementResult
 // leaves the engine's maps and spectra, but the offset may be off the cube.
 std::optional<RefinementResult> refineResolution(const CORVSequenceDataset& sequence, CORVSpumKyvo& engine);
 
-// The level of pixels without light: the mean of those that are dark in every other image, in the images between, so
-// that their noise has no part in their choice. Broken pixels, 0 in all images or not finite, take no part; 0 without
-// others.
-double darkLevel(const XTNT::Matrix<double>& data);
+// The level of pixels without light: the mean of one in `nPart`, those that are dark in every other image, in the
+// images between, so that their noise has no part in their choice. Broken pixels, 0 in all images or not finite, take
+// no part; 0 without others.
+double darkLevel(const XTNT::Matrix<double>& data, long long nPart);

@@ -15,7 +15,7 @@ TEST(DarkLevelTest, IsThatOfPixelsWithoutLight)
             data[p][b] += 50.0;
         }
     }
-    EXPECT_DOUBLE_EQ(darkLevel(data), 100.0);
+    EXPECT_DOUBLE_EQ(darkLevel(data, 50), 100.0);
 }
 
 // The darkest pixels of noise are far below its mean.
@@ -27,7 +27,17 @@ TEST(DarkLevelTest, NoiseDoesNotLowerIt)
     for (long long i = 0; i < data.storage.n_; ++i) {
         data.storage[i] += noise(generator);
     }
-    EXPECT_NEAR(darkLevel(data), 100.0, 1.0);
+    EXPECT_NEAR(darkLevel(data, 50), 100.0, 1.0);
+}
+
+TEST(DarkLevelTest, AWiderPartOfASceneIsBrighter)
+{
+    XTNT::Matrix<double> data(2000, 4);
+    for (long long p = 0; p < 2000; ++p) {
+        std::fill_n(data[p], 4, 100.0 + static_cast<double>(p));
+    }
+    EXPECT_DOUBLE_EQ(darkLevel(data, 50), 119.5);
+    EXPECT_DOUBLE_EQ(darkLevel(data, 20), 149.5);
 }
 
 TEST(DarkLevelTest, BrokenPixelsTakeNoPart)
@@ -37,12 +47,12 @@ TEST(DarkLevelTest, BrokenPixelsTakeNoPart)
         std::fill_n(data[p], 4, p < 20 ? 0.0 : 350.0);
     }
     data[1999][2] = std::numeric_limits<double>::quiet_NaN();
-    EXPECT_DOUBLE_EQ(darkLevel(data), 300.0);
+    EXPECT_DOUBLE_EQ(darkLevel(data, 50), 300.0);
 }
 
 TEST(DarkLevelTest, OfNothingIsNothing)
 {
-    EXPECT_EQ(darkLevel(XTNT::Matrix<double>(30, 3)), 0.0);
-    EXPECT_EQ(darkLevel(XTNT::Matrix<double>()), 0.0);
-    EXPECT_EQ(darkLevel(XTNT::Matrix<double>(1, 3, 7.0)), 7.0);
+    EXPECT_EQ(darkLevel(XTNT::Matrix<double>(30, 3), 50), 0.0);
+    EXPECT_EQ(darkLevel(XTNT::Matrix<double>(), 50), 0.0);
+    EXPECT_EQ(darkLevel(XTNT::Matrix<double>(1, 3, 7.0), 50), 7.0);
 }
