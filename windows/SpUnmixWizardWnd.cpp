@@ -7,6 +7,7 @@
 #include "host/CORVOverlayImage.h"
 #include "host/CORVSequenceDataset.h"
 #include "host/CORVSimpleImageView.h"
+#include "host/LegibleBoxes.h"
 #include "spectra/logLine.h"
 #include "windows/componentCount.h"
 #include "windows/halfLife.h"
@@ -20,7 +21,6 @@
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QSignalBlocker>
-#include <QStyleFactory>
 #include <QVBoxLayout>
 
 #include <new>
@@ -73,9 +73,9 @@ void SpUnmixWizardWnd::init()
     orderTabs();
     connectControls();
     addProbeKeys();
+    auto* pStyle = new LegibleBoxes(QStringLiteral("fusion"));
+    pStyle->setParent(this);
     for (QWidget* pButton : {m_pRectRB, m_pEllipseRB}) {
-        QStyle* pStyle = QStyleFactory::create(QStringLiteral("fusion"));
-        pStyle->setParent(this);
         pButton->setStyle(pStyle);
         pButton->setEnabled(false);
     }

@@ -291,7 +291,8 @@ void CommandServer::performOnWidget(const Command& command, QWidget* pWidget)
         answer(command.m_pFrom, {});
     } else if (strDo == "faults") {
         answer(command.m_pFrom, {{"cut", QJsonArray::fromStringList(layoutFaults::cut(*pWidget))},
-                                 {"nameless", QJsonArray::fromStringList(layoutFaults::nameless(*pWidget))}});
+                                 {"nameless", QJsonArray::fromStringList(layoutFaults::nameless(*pWidget))},
+                                 {"faint", QJsonArray::fromStringList(layoutFaults::faint(*pWidget))}});
     } else if (strDo == "activate") {
         pWidget->window()->activateWindow();
         pWidget->window()->raise();

@@ -37,7 +37,7 @@ class QWidget;
 // {"do": "grab", "file": ..., "widget": PATH}        without a widget the whole screen
 // {"do": "tip", "widget": PATH, "at": [x, y]}       the tool tip that comes up there
 // {"do": "resize", "widget": PATH, "size": [w, h]}   the window of the widget
-// {"do": "faults", "widget": PATH}        what is cut or has no name below the widget (layoutFaults.h)
+// {"do": "faults", "widget": PATH}        what is cut, faint or has no name below the widget (layoutFaults.h)
 // {"do": "dark"}                          a dark palette for the whole program
 // {"do": "activate", "widget": PATH}                 the window of the widget
 // {"do": "close", "widget": PATH}         the window of the widget, as by its frame

@@ -2,16 +2,19 @@
 #include "driver/layoutFaults.h"
 
 #include "driver/widgetState.h"
+#include "support/boxContrast.h"
 
 #include <QAbstractButton>
 #include <QAbstractScrollArea>
 #include <QAbstractSpinBox>
+#include <QCheckBox>
 #include <QComboBox>
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMdiArea>
 #include <QMdiSubWindow>
+#include <QRadioButton>
 #include <QStyle>
 #include <QStyleOptionComboBox>
 #include <QTabBar>
@@ -113,6 +116,21 @@ bool hasOwnName(const QWidget& widget)
            hasBuddy(widget);
 }
 
+// Light palettes are as the style has them.
+bool isFaint(const QWidget& widget)
+{
+    const QPalette palette = widget.palette();
+    const bool bRadio = qobject_cast<const QRadioButton*>(&widget) != nullptr;
+    const bool bDark = palette.color(QPalette::WindowText).lightness() > palette.color(QPalette::Window).lightness();
+    if (!bDark || !widget.isEnabled() || (!bRadio && qobject_cast<const QCheckBox*>(&widget) == nullptr)) {
+        return false;
+    }
+    const QImage box =
+        boxcontrast::drawn(*widget.style(), bRadio ? QStyle::PE_IndicatorRadioButton : QStyle::PE_IndicatorCheckBox,
+                           QStyle::State_Enabled | QStyle::State_Off, palette);
+    return boxcontrast::ofOutline(box, palette) < boxcontrast::kLegible;
+}
+
 template <class IsFault>
 QStringList faultsOf(const QWidget& window, const IsFault& isFault)
 {
@@ -137,4 +155,9 @@ QStringList layoutFaults::nameless(const QWidget& window)
     return faultsOf(window, [](const QWidget& widget) {
         return (widget.focusPolicy() & Qt::TabFocus) != 0 && widget.focusProxy() == nullptr && !hasOwnName(widget);
     });
+}
+
+QStringList layoutFaults::faint(const QWidget& window)
+{
+    return faultsOf(window, isFaint);
 }

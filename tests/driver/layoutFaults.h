@@ -12,5 +12,7 @@ namespace layoutFaults {
 QStringList cut(const QWidget& window);
 // Controls that take the focus by Tab and have neither a text, an accessible name nor a label that is their buddy.
 QStringList nameless(const QWidget& window);
+// In a dark palette: check boxes and radio buttons that can be used and whose outline is hardly seen.
+QStringList faint(const QWidget& window);
 
 } // namespace layoutFaults

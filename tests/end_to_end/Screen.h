@@ -45,7 +45,8 @@ inline std::string joined(const QJsonArray& texts)
     return lines.join('\n').toStdString();
 }
 
-// Keeps a picture of the screen, and expects that nothing in a window is cut and every control has a name.
+// Keeps a picture of the screen, and expects that nothing in a window is cut, every control has a name and every box is
+// seen.
 inline void look(DrivenProgram& program, const Screen& screen, const QString& strStage, const QString& strWindow)
 {
     program.call({{"do", "quiet"}, {"ms", 100}});
@@ -53,4 +54,5 @@ inline void look(DrivenProgram& program, const Screen& screen, const QString& st
     const QJsonObject faults = program.call({{"do", "faults"}, {"widget", strWindow}});
     EXPECT_EQ(joined(faults["cut"].toArray()), "") << strStage.toStdString();
     EXPECT_EQ(joined(faults["nameless"].toArray()), "") << strStage.toStdString();
+    EXPECT_EQ(joined(faults["faint"].toArray()), "") << strStage.toStdString();
 }

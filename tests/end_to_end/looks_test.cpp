@@ -40,6 +40,10 @@ TEST_P(LooksTest, NothingIsCutAndEverythingHasAName)
     ASSERT_TRUE(program().waitUntil([&] { return !program().isVisible("m_pImageBox"); }));
     ASSERT_TRUE(openWizard());
     look("wizard");
+    program().click("m_pDrawMaskRB");
+    ASSERT_TRUE(program().waitUntilEnabled("m_pRectRB"));
+    look("drawn_mask");
+    program().click("m_pPhotoRB");
     ASSERT_TRUE(finishWizard());
     look("tiles");
     ASSERT_TRUE(openComposite());

@@ -4,6 +4,8 @@
 #include "windows_on_screen/WizardFixture.h"
 
 #include "engine/LogCapture.h"
+#include "support/boxContrast.h"
+#include "support/darkPalette.h"
 #include "support/maskBounds.h"
 #include "support/pointer.h"
 
@@ -11,6 +13,7 @@
 #include "windows/maskPixels.h"
 #include "windows/photoMask.h"
 
+#include <QRadioButton>
 #include <QRect>
 
 #include <algorithm>
@@ -113,6 +116,17 @@ TEST_F(WizardMaskTest, AnEmptyMaskIsToldBesideTheMaskAlone)
     EXPECT_EQ(m_wizard.m_pMaskStatus->text(), "mask: 0 pixels, at least 10 needed; drag over the picture to draw it");
     QTest::mouseClick(m_wizard.m_pPhotoRB, Qt::LeftButton);
     EXPECT_TRUE(finish().isEnabled());
+}
+
+TEST_F(WizardMaskTest, TheShapesHaveAStyleOfTheirOwnAndAreSeenInADarkPalette)
+{
+    const QPalette dark = screen::darkPalette();
+    for (const QRadioButton* pShape : {m_wizard.m_pRectRB, m_wizard.m_pEllipseRB}) {
+        EXPECT_EQ(pShape->style()->objectName(), "fusion");
+        const QImage box = boxcontrast::drawn(*pShape->style(), QStyle::PE_IndicatorRadioButton,
+                                              QStyle::State_Enabled | QStyle::State_Off, dark);
+        EXPECT_GE(boxcontrast::ofOutline(box, dark), boxcontrast::kLegible);
+    }
 }
 
 TEST_F(WizardMaskTest, TheModeEnablesItsControls)

@@ -4,16 +4,17 @@
 #include "host/CORVLog.h"
 #include "host/CORVPreference.h"
 #include "host/CORVUtilityFns.h"
+#include "host/LegibleBoxes.h"
 #include "platform/orvutils/LogSinks.h"
 #include "platform/orvutils/MessageResponder.h"
 #include "platform/orvwidgets/WindowResponder.h"
-#include "workbench/application/LegibleBoxes.h"
 #include "workbench/application/MainWindow.h"
 #include "workbench/application/WorkbenchOptions.h"
 #include "workbench/application/programIcon.h"
 
 #include <QApplication>
 #include <QFile>
+#include <QStyle>
 
 #include <clocale>
 #include <cstdio>
@@ -36,6 +37,17 @@ void settleLocale()
     std::setlocale(LC_ALL, "");
     if (std::strcmp(nl_langinfo(CODESET), "UTF-8") != 0) {
         ::setenv("LC_ALL", "C.UTF-8", 1);
+    }
+}
+
+// Where the style is Qt's own.
+void makeBoxesLegible()
+{
+    const QString strName = QApplication::style()->objectName();
+    if (strName == QLatin1String("fusion")) {
+        auto* pStyle = new LegibleBoxes(strName);
+        pStyle->setParent(QApplication::instance());
+        QApplication::setStyle(pStyle);
     }
 }
 

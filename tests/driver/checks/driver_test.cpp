@@ -141,6 +141,17 @@ TEST_F(DriverTest, TextsWithoutRoomAndControlsWithoutANameAreTold)
     EXPECT_FALSE(nameless.contains("QPushButton ask: &Ask"));
 }
 
+// The sample draws with the style of Qt's own as it is.
+TEST_F(DriverTest, BoxesThatAreHardlySeenInADarkPaletteAreTold)
+{
+    const auto faint = [this] {
+        return m_sample.call({{"do", "faults"}, {"widget", ".QMainWindow"}})["faint"].toArray();
+    };
+    EXPECT_EQ(faint(), QJsonArray());
+    m_sample.call({{"do", "dark"}});
+    EXPECT_EQ(faint(), QJsonArray{"QCheckBox : Inside"});
+}
+
 TEST_F(DriverTest, WindowsAreResizedAndDarkened)
 {
     const auto middle = [this] {

@@ -1,12 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "workbench/application/LegibleBoxes.h"
+#include "host/LegibleBoxes.h"
 
-#include <QApplication>
 #include <QStyleOptionButton>
 
 namespace {
-
-const QLatin1String ownStyle("fusion");
 
 bool isDark(const QPalette& palette)
 {
@@ -14,6 +11,11 @@ bool isDark(const QPalette& palette)
 }
 
 } // namespace
+
+LegibleBoxes::LegibleBoxes(const QString& strBase) : QProxyStyle(strBase)
+{
+    setObjectName(strBase);
+}
 
 void LegibleBoxes::drawPrimitive(PrimitiveElement eElement, const QStyleOption* pOption, QPainter* pPainter,
                                  const QWidget* pWidget) const
@@ -28,13 +30,4 @@ void LegibleBoxes::drawPrimitive(PrimitiveElement eElement, const QStyleOption* 
     QStyleOptionButton legible(*pButton);
     legible.palette.setColor(QPalette::Window, legible.palette.color(QPalette::WindowText));
     QProxyStyle::drawPrimitive(eElement, &legible, pPainter, pWidget);
-}
-
-void makeBoxesLegible()
-{
-    if (QApplication::style()->objectName() == ownStyle) {
-        auto* pStyle = new LegibleBoxes(ownStyle);
-        pStyle->setParent(QApplication::instance());
-        QApplication::setStyle(pStyle);
-    }
 }
