@@ -349,14 +349,14 @@ void ImportCommand::declare(CommandParser& parser) const
                        "bin, to the smallest by whole numbers; pad, to the largest, the rest without a "
                        "value."),
         "RULE", {QStringLiteral("crop"), QStringLiteral("bin"), QStringLiteral("pad")});
-    addValueOption(parser, "z",
-                   QStringLiteral("Plane in depth to take, from 1, of files with several; or max or mean of all."),
-                   "N|max|mean");
-    addValueOption(
+    addChoiceOption(parser, "z",
+                    QStringLiteral("Plane in depth to take, from 1, of files with several; or max or mean of all."),
+                    "N|max|mean", PageProjection::kindNames());
+    addChoiceOption(
         parser, "t",
         QStringLiteral("Time whose channels to take, from 1, of files with several channels at several times; or max "
                        "or mean of all."),
-        "N|max|mean");
+        "N|max|mean", PageProjection::kindNames());
     addValueOption(parser, "c", QStringLiteral("Channel whose times to take, from 1, of such files."), "N");
     addValueOption(parser, "exposure", QStringLiteral("Exposure in seconds: one, or one an image: S,S,..."), "S");
     addValueOption(parser, "pixel-size", QStringLiteral("Side of a pixel in the object, in micrometres."), "UM");
