@@ -33,12 +33,20 @@
 #include <QLocale>
 #include <QtAlgorithms>
 
+#include <algorithm>
+
 namespace {
 
 // Shares of the progress line: looking at the images, the run, the files.
 constexpr double checkedFraction = 0.3;
 constexpr double fittedFraction = 0.7;
 constexpr double notKnown = -1.0;
+
+bool severalExcitations(const QList<KeyPair>& pairs)
+{
+    return std::any_of(pairs.begin(), pairs.end(),
+                       [&pairs](const KeyPair& pair) { return pair.first != pairs.first().first; });
+}
 
 QStringList namesWithFood(QStringList names)
 {
@@ -454,11 +462,15 @@ QString UnmixJob::adviceAgainstFailure()
     if (m_request.automatic.count > 0) {
         return QStringLiteral("fewer components (--ncomponents) or names (--components) may have one");
     }
-    const bool food = names.contains(QStringLiteral("Food"));
+    QString first;
+    if (!names.contains(QStringLiteral("Food"))) {
+        first = QStringLiteral("Food among --components may have a solution, and ");
+    } else if (severalExcitations(engine.getSelectedKeyPairs())) {
+        // Where no probe takes the light tissue and food are nearly alike.
+        first = QStringLiteral("the images of the probes' own excitations (--select) may have a solution, and ");
+    }
     return QStringLiteral("of %1 no start was found that holds; %2--ncomponents %3 asks for as many without names")
-        .arg(names.join(QStringLiteral(", ")),
-             food ? QString() : QStringLiteral("Food among --components may have a solution, and "),
-             QString::number(names.size()));
+        .arg(names.join(QStringLiteral(", ")), first, QString::number(names.size()));
 }
 
 void UnmixJob::takeWarnings()

@@ -121,6 +121,16 @@ TEST_F(WarningsProgramTest, WhereThereIsNoSolutionItIsToldWhatToDo)
     EXPECT_EQ(spum({"unmix", "seq", "--out", "out", "--replace", "--ncomponents", "3"}).status, 0);
 }
 
+TEST_F(WarningsProgramTest, ExcitationsThatNoProbeTakesAreToldToBeLeftOut)
+{
+    succeed({"simulate", "seq", "--size", "96", "--bands", "24", "--quiet"});
+    EXPECT_EQ(refusal(QStringList{"unmix", "seq", "--out", "out"} + mouseNames),
+              "No solution! Please adjust the setup!; of TissueAF, Food, AlexaFluor 750, AlexaFluor 790 no start was "
+              "found that holds; the images of the probes' own excitations (--select) may have a solution, and "
+              "--ncomponents 4 asks for as many without names");
+    EXPECT_EQ(spum(QStringList{"unmix", "seq", "--out", "out", "--select", "605/*,675/*"} + mouseNames).status, 0);
+}
+
 TEST_F(WarningsProgramTest, WithoutNamesAFastedAnimalIsResolvedAndWhatWasAddedIsTold)
 {
     simulateAnew({"--food-ratio", "0"});
