@@ -224,15 +224,19 @@ TextTable imagesTable(const QList<ImageRow>& rows, bool bTemporal)
                                         : QStringList{QStringLiteral("excitation"), QStringLiteral("emission")};
     const bool subtracted =
         std::any_of(rows.cbegin(), rows.cend(), [](const ImageRow& row) { return row.prepared.isSubtracted(); });
+    const bool projected =
+        std::any_of(rows.cbegin(), rows.cend(), [](const ImageRow& row) { return !row.prepared.projection.isEmpty(); });
     TextTable table(
         QStringList{QStringLiteral("image")} + keys +
         QStringList{QStringLiteral("spot"), QStringLiteral("size"), QStringLiteral("binning"),
                     QStringLiteral("exposure"), QStringLiteral("used"), QStringLiteral("units")} +
+        (projected ? QStringList{QStringLiteral("made of")} : QStringList()) +
         (subtracted ? QStringList{QStringLiteral("subtracted"), QStringLiteral("below 0")} : QStringList()));
     for (const auto& row : rows) {
         table.addRow(QStringList{row.click, numbered ? row.second : row.first, numbered ? channelText(row) : row.second,
                                  row.spot, row.size, row.binning, row.exposure,
                                  row.used ? QStringLiteral("yes") : QStringLiteral("no"), row.units} +
+                     (projected ? QStringList{row.prepared.projection} : QStringList()) +
                      (subtracted ? QStringList{subtractedText(row.prepared), QString::number(row.prepared.negatives)}
                                  : QStringList()));
     }

@@ -202,6 +202,7 @@ TEST_F(ImportPixelsProgramTest, OfAllPlanesInDepthTheLargestOrTheMeanValuesAreTa
     EXPECT_EQ(mean["table"].toArray()[1].toObject()["channel"], "GFP");
     const QJsonObject info = succeed({"info", "seq", "--json"}).json();
     EXPECT_EQ(info["images"].toArray()[0].toObject()["projection"], "mean of the pages 1, 3");
+    EXPECT_TRUE(succeed({"info", "seq"}).out.contains("  mean of the pages 2, 4\n"));
     // Pages hold their numbers from 0 on: 0 and 2, 1 and 3.
     const ProgramResult csv = succeed({"export", "seq", "--format", "csv", "--unit", "counts", "--out", "-"});
     EXPECT_TRUE(csv.out.split('\n').value(1).endsWith(",1,2")) << csv.out.left(200).constData();
