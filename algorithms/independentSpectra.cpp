@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "algorithms/independentSpectra.h"
 
+#include "host/corrcoef.h"
+
 #include "XTNT/xtnt_assert.h"
 #include "XTNT/xtnt_parallel.h"
 #include "XTNT/xtnt_svd.h"
+#include "XTNT/xtnt_vector.h"
 
 #include <algorithm>
 #include <cmath>
@@ -123,7 +126,7 @@ public:
     double mostTakenOff(long long i, long long j) const;
     // Whether component k is there in so many rows that these, not their noise, tell what belongs to it.
     bool isSeen(long long k) const;
-    bool areIndependent() const;
+    bool areIndependent();
 
 private:
     Column& covariance(std::size_t k, std::size_t l) { return m_covariances[k * m_count + l]; }
@@ -286,53 +289,47 @@ bool Amounts::isSeen(long long k) const
     return seen * oneRowIn >= rows();
 }
 
-// The values less their mean, over their standard deviation; all 0 where they are one.
-Column standardised(const Column& values)
+// How far each value is from their mean, in standard deviations.
+Column distances(const Column& values)
 {
     const double count = static_cast<double>(values.size());
     const double mean = std::accumulate(values.begin(), values.end(), 0.0) / count;
-    Column result = values;
-    double squares = 0.0;
-    for (double& value : result) {
-        value -= mean;
-        squares += value * value;
-    }
+    Column result(values.size());
+    std::transform(values.begin(), values.end(), result.begin(), [mean](double v) { return std::abs(v - mean); });
+    const double squares = std::inner_product(result.begin(), result.end(), result.begin(), 0.0);
     const double scale = squares > 0.0 ? std::sqrt(count / squares) : 0.0;
-    std::for_each(result.begin(), result.end(), [scale](double& value) { value *= scale; });
+    std::for_each(result.begin(), result.end(), [scale](double& v) { v = std::min(v * scale, farthest); });
     return result;
 }
 
-// Of standardised columns.
-Matrix<double> correlations(const std::vector<Column>& columns)
+Matrix<double> correlations(std::vector<Column>& columns)
 {
     const auto count = static_cast<long long>(columns.size());
     Matrix<double> result(count, count);
-    for (std::size_t k = 0; k < columns.size(); ++k) {
-        for (std::size_t l = 0; l < columns.size(); ++l) {
-            const double sum = std::inner_product(columns[k].begin(), columns[k].end(), columns[l].begin(), 0.0);
-            result[static_cast<long long>(k)][static_cast<long long>(l)] = sum / static_cast<double>(columns[k].size());
+    for (long long k = 0; k < count; ++k) {
+        for (long long l = 0; l < count; ++l) {
+            Column& first = columns[static_cast<std::size_t>(k)];
+            Column& second = columns[static_cast<std::size_t>(l)];
+            XTNT::Vector<double> a(first.data(), static_cast<long long>(first.size()));
+            XTNT::Vector<double> b(second.data(), static_cast<long long>(second.size()));
+            result[k][l] = XTNT::corrcoef(a, b);
         }
     }
     return result;
 } // NOLINT(clang-analyzer-cplusplus.NewDeleteLeaks): the shares of a matrix are counted
 
-bool Amounts::areIndependent() const
+bool Amounts::areIndependent()
 {
-    std::vector<Column> values;
-    std::vector<Column> distances;
+    std::vector<Column> far;
     for (const Column& amounts : m_amounts) {
-        values.push_back(standardised(amounts));
-        Column distance = values.back();
-        std::for_each(distance.begin(), distance.end(),
-                      [](double& value) { value = std::min(std::abs(value), farthest); });
-        distances.push_back(standardised(distance));
+        far.push_back(distances(amounts));
     }
     // Singular values of a correlation matrix are its eigenvalues.
     const auto count = static_cast<long long>(m_count);
-    if (!(XTNT::SVD(correlations(values)).s[count - 1] >= leastEigenvalue)) {
+    if (!(XTNT::SVD(correlations(m_amounts)).s[count - 1] >= leastEigenvalue)) {
         return false;
     }
-    const Matrix<double> together = correlations(distances);
+    const Matrix<double> together = correlations(far);
     double sum = 0.0;
     for (long long k = 0; k < count; ++k) {
         sum += std::accumulate(together[k], together[k] + count, -together[k][k]);
