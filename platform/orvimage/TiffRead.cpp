@@ -46,11 +46,9 @@ bool isNan(Pixel value)
 template <typename Pixel>
 void put(Combine combine, Pixel value, Pixel& pixel)
 {
-    if (combine == Combine::Replace) {
-        pixel = value;
-    } else if (combine == Combine::Sum) {
+    if (combine == Combine::Sum) {
         pixel = static_cast<Pixel>(pixel + value);
-    } else if (value > pixel || isNan(value)) {
+    } else if (combine == Combine::Replace || value > pixel || isNan(value)) {
         pixel = value;
     }
 }
