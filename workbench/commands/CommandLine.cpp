@@ -466,9 +466,12 @@ int CommandLine::run(int argc, char** argv)
     qInstallMessageHandler(toLog);
     // Never deleted: with its end Qt reads what the system knows of fonts, if no picture has needed that yet, only to
     // forget it. It refers to the number of arguments as long as it lives.
-    static int s_nArguments = argc;
+    // While it is made it sees none of them: it would take those for its own that a user of a window system gives, such
+    // as --name and --style.
+    static int s_nArguments = std::min(argc, 1);
     static const QApplication* const s_pApplication = new QApplication(s_nArguments, argv);
     static_cast<void>(s_pApplication);
+    s_nArguments = argc;
     std::setlocale(LC_NUMERIC, "C");
     if (!poolHasItsThread()) {
         complain(QStringLiteral("the system gives this program no thread: too many processes, or too little memory"));

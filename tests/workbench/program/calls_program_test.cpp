@@ -259,3 +259,11 @@ TEST_F(CallsProgramTest, ForceReplacesAndNothingElse)
                     .startsWith("--force does not go with \"spum results delete\", but with load, export."));
     succeed({"results", "delete", "seq", "a", "--yes"});
 }
+
+// Qt takes options such as "-style" out of a program's arguments, on a display "-name" too.
+TEST_F(CallsProgramTest, NoOptionIsTakenForOneOfTheWindowSystem)
+{
+    smallSequence().writeTo(path("seq"));
+    EXPECT_TRUE(refusal({"info", "seq", "--style", "fusion"}, 2).contains("style"));
+    EXPECT_TRUE(refusal({"info", "seq", "--reverse"}, 2).contains("reverse"));
+}
