@@ -208,6 +208,17 @@ void DatasetView::mouseDoubleClickEvent(QMouseEvent* pEvent)
     CORVQImageView::mouseDoubleClickEvent(pEvent);
 }
 
+bool DatasetView::event(QEvent* pEvent)
+{
+    // While something is drawn or dragged undo is of that, whatever shortcut the window has.
+    if (pEvent->type() == QEvent::ShortcutOverride && (m_regions.isDrawing() || m_regions.isDragging()) &&
+        static_cast<QKeyEvent*>(pEvent)->matches(QKeySequence::Undo)) {
+        pEvent->accept();
+        return true;
+    }
+    return CORVQImageView::event(pEvent);
+}
+
 void DatasetView::keyPressEvent(QKeyEvent* pEvent)
 {
     if (!regionKey(*pEvent)) {
@@ -226,7 +237,7 @@ void DatasetView::closePolygon()
 void DatasetView::tell(int nRegion, const std::optional<tagROIInfo>& region, const QString& strReason)
 {
     if (region) {
-        Q_EMIT regionEdited(nRegion, *region);
+        Q_EMIT regionEdited(nRegion, *region, false);
     } else if (!strReason.isEmpty()) {
         Q_EMIT drawingRefused(strReason);
     }
@@ -234,6 +245,11 @@ void DatasetView::tell(int nRegion, const std::optional<tagROIInfo>& region, con
 
 bool DatasetView::polygonKey(const QKeyEvent& event)
 {
+    if (event.matches(QKeySequence::Undo)) {
+        m_regions.takeBackCorner();
+        update();
+        return true;
+    }
     switch (event.key()) {
     case Qt::Key_Return:
     case Qt::Key_Enter:
@@ -258,18 +274,22 @@ bool DatasetView::regionKey(const QKeyEvent& event)
         return polygonKey(event);
     }
     const int chosen = m_regions.chosen();
-    if (event.key() == Qt::Key_Escape && (m_regions.isDragging() || chosen >= 0)) {
-        if (m_regions.isDragging()) {
+    if (m_regions.isDragging()) {
+        const bool gaveUp = event.key() == Qt::Key_Escape || event.matches(QKeySequence::Undo);
+        if (gaveUp) {
             m_regions.giveUp();
-        } else {
-            m_regions.choose(-1);
-            Q_EMIT regionChosen(-1);
+            update();
         }
+        return gaveUp;
+    }
+    if (chosen < 0) {
+        return false;
+    }
+    if (event.key() == Qt::Key_Escape) {
+        m_regions.choose(-1);
+        Q_EMIT regionChosen(-1);
         update();
         return true;
-    }
-    if (chosen < 0 || m_regions.isDragging()) {
-        return false;
     }
     if (event.key() == Qt::Key_Delete || event.key() == Qt::Key_Backspace) {
         Q_EMIT regionRemovalWanted(chosen);
@@ -286,7 +306,7 @@ bool DatasetView::regionKey(const QKeyEvent& event)
         return false;
     }
     if (const std::optional<tagROIInfo> region = m_regions.moved(delta)) {
-        Q_EMIT regionEdited(chosen, *region);
+        Q_EMIT regionEdited(chosen, *region, event.isAutoRepeat());
     }
     return true;
 }

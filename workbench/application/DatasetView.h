@@ -11,9 +11,9 @@
 
 // The view of an image window: dragging moves the picture or draws and moves regions of interest, pixels stay squares
 // when they are enlarged. The arrow keys move the chosen region by a pixel, with Shift by ten, Del asks for its
-// removal, and Esc ends a drag or the choice. A polygon is closed by a double click or Return, Backspace takes its last
-// corner back, and Esc gives it up. It is measured in pixels of the image, whatever size the picture has that
-// is shown of it. Instead of a picture a message can stand.
+// removal, and Esc ends a drag or the choice. A polygon is closed by a double click or Return, Backspace or Ctrl+Z
+// takes its last corner back, and Esc gives it up. It is measured in pixels of the image, whatever size the picture has
+// that is shown of it. Instead of a picture a message can stand.
 class DatasetView : public CORVQImageView
 {
     Q_OBJECT
@@ -38,14 +38,15 @@ public Q_SLOTS:
     void showActualSize();
 
 Q_SIGNALS:
-    // A region was drawn (-1), moved or resized, by mouse or keys.
-    void regionEdited(int nRegion, const tagROIInfo& region);
+    // A region was drawn (-1), moved or resized, by mouse or keys; it goes on while a key is held.
+    void regionEdited(int nRegion, const tagROIInfo& region, bool bGoesOn);
     void regionChosen(int nRegion); // -1: none
     void regionRemovalWanted(int nRegion);
     // What was drawn is no region.
     void drawingRefused(const QString& strReason);
 
 protected:
+    bool event(QEvent* pEvent) override;
     QSizeF contentSize() const override;
     void fillContextMenu(QMenu& menu) override;
     void paintGL() override;

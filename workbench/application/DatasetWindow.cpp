@@ -28,6 +28,7 @@
 #include <QSignalBlocker>
 #include <QSlider>
 #include <QToolButton>
+#include <QUndoStack>
 #include <QVBoxLayout>
 
 #include <utility>
@@ -231,6 +232,11 @@ void DatasetWindow::takeSequenceColors()
 tag_edisplayunit DatasetWindow::unit() const
 {
     return m_eWantedUnit;
+}
+
+QUndoStack& DatasetWindow::history()
+{
+    return m_pRegions->history();
 }
 
 DatasetView* DatasetWindow::view()
@@ -442,6 +448,7 @@ void DatasetWindow::connectRegions()
         m_pView->update();
         setWindowModified(dataset()->isModified());
     });
+    connect(&history(), &QUndoStack::cleanChanged, this, [this] { setWindowModified(dataset()->isModified()); });
 }
 
 // Numbers are those of the main data image, in the unit that it was shown in last.

@@ -19,6 +19,7 @@ class QCheckBox;
 class QComboBox;
 class QSlider;
 class QToolButton;
+class QUndoStack;
 class QVBoxLayout;
 class RangePanel;
 class RegionPanel;
@@ -43,6 +44,9 @@ public:
     void showImage(int nImage) { showImage(nImage, unit()); }
     void showImage(int nImage, tag_edisplayunit eUnit);
     tag_edisplayunit unit() const;
+
+    // Of the changes of regions that were made here.
+    QUndoStack& history();
 
     // Reads the image again; a range that the user has chosen stays.
     void refreshImage() override;

@@ -60,6 +60,9 @@ MainActions::MainActions(QMainWindow& window)
     quit->setMenuRole(QAction::QuitRole);
 
     QMenu* pEdit = menu(window, "editMenu", "&Edit");
+    undo = make(window, pEdit, "undoAction", "&Undo", ctrl + Qt::Key_Z);
+    redo = make(window, pEdit, "redoAction", "&Redo", ctrl + shift + Qt::Key_Z);
+    pEdit->addSeparator();
     copyPicture = make(window, pEdit, "copyPictureAction", "&Copy the picture", ctrl + shift + Qt::Key_C);
     pEdit->addSeparator();
     preferences = make(window, pEdit, "preferencesAction", "&Preferences ...", ctrl + Qt::Key_Comma);

@@ -21,6 +21,8 @@ struct MainActions
     QAction* preview;
     QAction* preferences;
     QAction* quit;
+    QAction* undo;
+    QAction* redo;
     QAction* copyPicture;
     QAction* fullScreen;
     QAction* switchPane;

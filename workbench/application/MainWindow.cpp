@@ -36,6 +36,7 @@
 #include <QShowEvent>
 #include <QStackedWidget>
 #include <QStatusTipEvent>
+#include <QUndoStack>
 
 namespace {
 
@@ -171,6 +172,10 @@ void MainWindow::connectFileActions()
     connect(actions.preview, &QAction::triggered, this, [this] { printPicture(true); });
     connect(actions.preferences, &QAction::triggered, this, &MainWindow::showPreferences);
     connect(actions.quit, &QAction::triggered, this, &QWidget::close);
+    connect(actions.undo, &QAction::triggered, &m_histories, &QUndoGroup::undo);
+    connect(actions.redo, &QAction::triggered, &m_histories, &QUndoGroup::redo);
+    connect(&m_histories, &QUndoGroup::indexChanged, this, &MainWindow::showHistory);
+    connect(&m_histories, &QUndoGroup::activeStackChanged, this, &MainWindow::showHistory);
     connect(actions.copyPicture, &QAction::triggered, this, &MainWindow::copyPicture);
     connect(actions.guide, &QAction::triggered, this, &MainWindow::showGuide);
     connect(actions.about, &QAction::triggered, this, &MainWindow::showAbout);

@@ -11,6 +11,7 @@
 #include <QPixmap>
 #include <QPointer>
 #include <QTimer>
+#include <QUndoGroup>
 #include <QVector>
 
 #include <memory>
@@ -103,6 +104,9 @@ private:
     void takeRecords(const QVector<orv::LogRecord>& records);
     void updateActions();
     void updatePrintKeys();
+    // That of the image in front.
+    void takeHistory();
+    void showHistory();
     void fillWindowMenu();
     void stepTab(int nStep);
     void switchPane();
@@ -143,6 +147,7 @@ private:
     QHash<QString, QRect> m_places; // of windows of the last session that are about to open, by their folders
     QStringList m_gone;             // folders of it that are no sequences any more
     QString m_strLastError;         // of the log
+    QUndoGroup m_histories;         // of the windows of images
     QStringList m_toOpen;
     QTimer m_opening; // of the next of these
     QTimer m_closing;

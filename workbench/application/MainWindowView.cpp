@@ -30,6 +30,7 @@
 #include <QStackedWidget>
 #include <QTabWidget>
 #include <QTextBrowser>
+#include <QUndoStack>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -92,6 +93,7 @@ void MainWindow::updateActions()
     actions.quit->setEnabled(true);
     m_pPaletteDock->toggleViewAction()->setEnabled(bFree);
     updatePrintKeys();
+    takeHistory();
     m_pPages->setCurrentWidget(nOpen > 0 ? static_cast<QWidget*>(m_pArea) : m_pStart);
 }
 
@@ -103,6 +105,27 @@ void MainWindow::updatePrintKeys()
     if (m_pActions->print->shortcut() != now) {
         m_pActions->print->setShortcut(now);
     }
+}
+
+void MainWindow::takeHistory()
+{
+    auto* pImage = qobject_cast<DatasetWindow*>(CORVImageWindow::getImageWindow(m_pDocuments->currentDataset()));
+    if (pImage != nullptr) {
+        m_histories.addStack(&pImage->history());
+    }
+    m_histories.setActiveStack(pImage != nullptr ? &pImage->history() : nullptr);
+    showHistory();
+}
+
+void MainWindow::showHistory()
+{
+    const bool bFree = !m_pLock->isLocked();
+    const auto offer = [bFree](QAction* pAction, const QString& strText, bool bPossible, const QString& strChange) {
+        pAction->setEnabled(bFree && bPossible);
+        pAction->setText(bPossible ? strText + QLatin1Char(' ') + strChange : strText);
+    };
+    offer(m_pActions->undo, tr("&Undo"), m_histories.canUndo(), m_histories.undoText());
+    offer(m_pActions->redo, tr("&Redo"), m_histories.canRedo(), m_histories.redoText());
 }
 
 void MainWindow::fillWindowMenu()

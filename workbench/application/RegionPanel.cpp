@@ -5,6 +5,7 @@
 #include "host/CORVMessageBox.h"
 #include "host/CORVUtilityFns.h"
 #include "host/CROIManager.h"
+#include "platform/orvapi/ROIShape.h"
 #include "platform/orvwidgets/viewIcons.h"
 #include "workbench/application/datasetKeeper.h"
 #include "workbench/application/literalToolTip.h"
@@ -29,6 +30,12 @@ using orvwidgets::ViewIcon;
 namespace {
 
 constexpr int kRowsShown = 4;
+constexpr int kMostChanges = 200; // an outline by hand may take 160 kB in each
+
+bool isSame(const tagROIInfo& one, const tagROIInfo& other)
+{
+    return one.name == other.name && ROIShape::toText(one) == ROIShape::toText(other);
+}
 
 } // namespace
 
@@ -38,7 +45,7 @@ RegionPanel::RegionPanel(CORVDataset* pDataset, QWidget* pParent)
       m_pEllipseButton(addButton("m_pDrawEllipseButton", tr("Draw ellipses: drag in the image"))),
       m_pPolygonButton(addButton("m_pDrawPolygonButton",
                                  tr("Draw polygons: click at each corner; a double click, Return or a click on the "
-                                    "first corner closes, Backspace takes a corner back, Esc gives up"))),
+                                    "first corner closes, Backspace or Ctrl+Z takes a corner back, Esc gives up"))),
       m_pFreeHandButton(addButton("m_pDrawFreeHandButton", tr("Draw by hand: drag along the outline"))),
       m_pRemoveButton(addButton("m_pRemoveRegionButton", tr("Remove the chosen region (Del)"))),
       m_pCopyButton(addButton("m_pCopyNumbersButton", tr("Copy the numbers of all regions, for a spreadsheet"))),
@@ -68,8 +75,19 @@ RegionPanel::RegionPanel(CORVDataset* pDataset, QWidget* pParent)
     connect(m_pSaveButton, &QToolButton::clicked, this, &RegionPanel::save);
     // By itself an image is saved as a whole.
     m_pSaveButton->setVisible(pDataset->belongsToSequence());
+    m_history.setUndoLimit(kMostChanges);
+    connect(&m_history, &QUndoStack::cleanChanged, this, [this](bool bClean) {
+        m_pDataset->setModified(!bClean);
+        m_pSaveButton->setEnabled(!bClean);
+    });
     drawIcons();
     fill();
+}
+
+// A history that ends tells that it is clean.
+RegionPanel::~RegionPanel()
+{
+    m_history.disconnect();
 }
 
 QList<QPair<QToolButton*, RegionEditor::Tool>> RegionPanel::tools() const
@@ -179,6 +197,7 @@ void RegionPanel::measure(tag_edisplayunit eUnit)
     if (!regions().isEmpty() && !measureRegions()) {
         keep(regions());
     }
+    noteSaved();
     fill();
 }
 
@@ -192,6 +211,16 @@ bool RegionPanel::measureRegions()
     return manager.measure(m_eUnit) == ESTATUS_SUCCESS;
 }
 
+// The dataset may have been saved, or changed, by others.
+void RegionPanel::noteSaved()
+{
+    if (!m_pDataset->isModified()) {
+        m_history.setClean();
+    } else if (m_history.isClean()) {
+        m_history.resetClean();
+    }
+}
+
 void RegionPanel::keep(const QList<tagROIInfo>& regions)
 {
     QList<tagROIInfo> kept = regions;
@@ -202,9 +231,35 @@ void RegionPanel::keep(const QList<tagROIInfo>& regions)
     m_pDataset->roiManager()->createROIFromFile(&borrowed, true, false);
 }
 
-void RegionPanel::take(int nRegion, const tagROIInfo& region)
+void RegionPanel::remember(const RegionChange::Step& step, bool bGoesOn)
+{
+    m_history.push(
+        new RegionChange(step, bGoesOn, [this](const RegionChange::Step& wanted) { return follow(wanted); }));
+}
+
+bool RegionPanel::follow(const RegionChange::Step& step)
+{
+    QList<tagROIInfo> all = regions();
+    const bool isThere = step.place < all.size() && step.from && isSame(all.at(step.place), *step.from);
+    if (step.from ? !isThere : step.place > all.size()) {
+        return false;
+    }
+    if (step.from) {
+        all.removeAt(step.place);
+    }
+    if (step.to) {
+        all.insert(step.place, *step.to);
+    }
+    keep(all);
+    changed();
+    choose(step.to ? step.place : -1);
+    return true;
+}
+
+void RegionPanel::take(int nRegion, const tagROIInfo& region, bool bGoesOn)
 {
     CROIManager& manager = *m_pDataset->roiManager();
+    RegionChange::Step step{nRegion, std::nullopt, region};
     if (nRegion < 0) {
         tagROIInfo named = region;
         named.name = regionTexts::freeName(manager.regions());
@@ -213,13 +268,17 @@ void RegionPanel::take(int nRegion, const tagROIInfo& region)
             tell(reason);
             return;
         }
+        step.place = manager.regions().size() - 1;
+        step.to = named;
     } else {
         QList<tagROIInfo> regions = manager.regions();
+        step.from = regions.at(nRegion);
         regions[nRegion] = region;
         keep(regions);
     }
+    remember(step, bGoesOn);
     changed();
-    choose(nRegion < 0 ? manager.regions().size() - 1 : nRegion);
+    choose(step.place);
 }
 
 void RegionPanel::remove(int nRegion)
@@ -227,8 +286,9 @@ void RegionPanel::remove(int nRegion)
     if (nRegion < 0 || nRegion >= regions().size()) {
         return;
     }
-    const QString name = regions().at(nRegion).name;
-    m_pDataset->roiManager()->removeRegion(name);
+    const tagROIInfo region = regions().at(nRegion);
+    m_pDataset->roiManager()->removeRegion(region.name);
+    remember({nRegion, region, std::nullopt});
     changed();
     choose(-1);
 }
@@ -292,11 +352,13 @@ void RegionPanel::rename(const QTableWidgetItem* pItem)
         return;
     }
     QString reason;
-    if (!m_pDataset->roiManager()->renameRegion(regions().at(row).name, pItem->text().simplified(), &reason)) {
+    const tagROIInfo before = regions().at(row);
+    if (!m_pDataset->roiManager()->renameRegion(before.name, pItem->text().simplified(), &reason)) {
         fill();
         tell(reason);
         return;
     }
+    remember({row, before, regions().at(row)});
     changed();
     // The view knows what is chosen by its name.
     choose(row);
@@ -310,6 +372,7 @@ void RegionPanel::copyNumbers() const
 void RegionPanel::save()
 {
     datasetKeeper::saveInPlace(this, *m_pDataset);
+    noteSaved();
     fill();
     Q_EMIT regionsChanged();
 }

@@ -2,6 +2,7 @@
 // Regions of interest in the window of an image: drawn, measured, renamed, removed and saved.
 #include "workbench/application/DatasetWindow.h"
 
+#include "RegionHand.h"
 #include "ScriptedResponder.h"
 #include "look.h"
 #include "support/pointer.h"
@@ -21,8 +22,6 @@
 #include <QTableWidget>
 #include <QTemporaryDir>
 #include <QToolButton>
-
-#include <cmath>
 
 namespace {
 
@@ -53,50 +52,22 @@ protected:
     const QList<tagROIInfo>& regions() { return dataset().roiManager()->regions(); }
     QTableWidget& table() { return *m_pWindow->findChild<QTableWidget*>("m_pRegionTable"); }
     QToolButton& button(const char* name) { return *m_pWindow->findChild<QToolButton*>(name); }
-    void drag(double fromX, double fromY, double toX, double toY)
-    {
-        pointer::drag(view(), view().toView(QPointF(fromX, fromY)), view().toView(QPointF(toX, toY)));
-    }
+    RegionHand hand() { return RegionHand(*m_pWindow); }
+    void drag(double fromX, double fromY, double toX, double toY) { hand().drag({fromX, fromY}, {toX, toY}); }
+    void click(double x, double y) { hand().click({x, y}); }
+    void doubleClick(double x, double y) { hand().doubleClick({x, y}); }
     void drawTwo()
     {
-        button("m_pDrawRectangleButton").click();
-        drag(4, 4, 12, 10);
-        button("m_pDrawEllipseButton").click();
-        drag(16, 12, 26, 24);
-        button("m_pDrawEllipseButton").click();
-    }
-
-    QPointF place(double x, double y) { return view().toView(QPointF(x, y)); }
-    void click(double x, double y)
-    {
-        pointer::move(view(), place(x, y));
-        pointer::press(view(), place(x, y));
-        pointer::release(view(), place(x, y));
-    }
-    void doubleClick(double x, double y)
-    {
-        click(x, y);
-        pointer::send(view(), QEvent::MouseButtonDblClick, place(x, y), Qt::LeftButton, Qt::LeftButton);
-        pointer::release(view(), place(x, y));
+        hand().rectangle({4, 4}, {12, 10});
+        hand().ellipse({16, 12}, {26, 24});
+        hand().layDown();
     }
     // Two of each kind that is no box: an L and a bean.
     void drawOutlines()
     {
-        button("m_pDrawPolygonButton").click();
-        for (const QPointF& corner : {QPointF(4, 4), QPointF(12, 4), QPointF(12, 8), QPointF(8, 8), QPointF(8, 14)}) {
-            click(corner.x(), corner.y());
-        }
-        doubleClick(4, 14);
-        button("m_pDrawFreeHandButton").click();
-        pointer::press(view(), place(24, 18));
-        for (int degrees = 0; degrees <= 350; degrees += 5) {
-            const double turn = degrees * 3.14159265358979 / 180.0;
-            const double radius = 5.0 + 1.5 * std::cos(2.0 * turn);
-            pointer::move(view(), place(19.0 + radius * std::cos(turn), 18.0 + radius * std::sin(turn)),
-                          Qt::LeftButton);
-        }
-        pointer::release(view(), place(24, 17.5));
-        button("m_pDrawFreeHandButton").click();
+        hand().polygon({{4, 4}, {12, 4}, {12, 8}, {8, 8}, {8, 14}, {4, 14}});
+        hand().freeHand(beanAround({19, 18}, 5.0));
+        hand().layDown();
     }
 
     QTemporaryDir m_folder;
@@ -225,7 +196,7 @@ TEST_F(DatasetRegionsTest, APolygonGoesOnWhenTheViewIsZoomedInBetween)
     view().setFocus();
     click(4, 4);
     click(12, 4);
-    pointer::wheel(view(), place(10, 10), 240);
+    pointer::wheel(view(), hand().place({10, 10}), 240);
     QTest::keyClick(&view(), Qt::Key_Right);
     click(12, 12);
     doubleClick(4, 12);

@@ -165,8 +165,9 @@ TEST_F(DialogsTest, TheGuideNamesTheKeysOfTheMenus)
 {
     makeWindow();
     const QString text = helpTexts::guide();
-    for (const char* pName : {"openAction", "importAction", "closeAction", "quitAction", "copyPictureAction",
-                              "printAction", "switchPaneAction", "fullScreenAction", "nextWindowAction"}) {
+    for (const char* pName :
+         {"openAction", "importAction", "closeAction", "quitAction", "copyPictureAction", "printAction",
+          "switchPaneAction", "fullScreenAction", "nextWindowAction", "undoAction"}) {
         const QString keys = find<QAction>(pName)->shortcut().toString(QKeySequence::PortableText);
         EXPECT_TRUE(text.contains("<td>" + keys)) << pName << ' ' << qPrintable(keys);
     }
