@@ -42,10 +42,12 @@ public:
     bool renameRegion(const QString& strName, const QString& strNewName, QString* pError = nullptr);
 
     // Measures every region over the dataset's main data image in that unit; the numbers stay with the regions until
-    // the next measurement. The image's status when it cannot be had; the regions are then as they were.
+    // the next measurement. What an import added to the image lies beyond it, and pixels that it left out have no
+    // value. The image's status when it cannot be had, and ESTATUS_FILE_UNREADABLE, told in the log, when it cannot be
+    // read which pixels have none; the regions are then as they were.
     ESTATUS measure(tag_edisplayunit eUnit);
     // The same over that image: the dataset's in that unit, where the caller has it already.
-    void measureOver(const CILImage& image, tag_edisplayunit eUnit);
+    ESTATUS measureOver(const CILImage& image, tag_edisplayunit eUnit);
 
     // Takes one entry. The key may have lost its blanks. False for a key that is not of a region.
     bool loadROIData(const QString& strKey, const QString& strValue);

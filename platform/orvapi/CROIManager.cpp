@@ -3,11 +3,15 @@
 
 #include "host/CILImage.h"
 #include "host/CORVDataset.h"
+#include "host/CORVSequenceDataset.h"
 #include "host/UnitTexts.h"
 #include "platform/orvapi/ClickInfoKeys.h"
+#include "platform/orvapi/HostLog.h"
 #include "platform/orvapi/ROISection.h"
 #include "platform/orvapi/ROIShape.h"
 #include "platform/orvapi/ROIStatistics.h"
+#include "platform/orvapi/imagePadding.h"
+#include "platform/orvapi/validPixels.h"
 
 #include <algorithm>
 
@@ -99,16 +103,27 @@ ESTATUS CROIManager::measure(tag_edisplayunit eUnit)
     if (status != ESTATUS_SUCCESS) {
         return status;
     }
-    measureOver(image, eUnit);
-    return ESTATUS_SUCCESS;
+    return measureOver(image, eUnit);
 }
 
-void CROIManager::measureOver(const CILImage& image, tag_edisplayunit eUnit)
+ESTATUS CROIManager::measureOver(const CILImage& image, tag_edisplayunit eUnit)
 {
-    const std::optional<double> pixelSize = m_pDataset != nullptr ? pixelSizeOf(m_pDataset->clickInfo) : std::nullopt;
-    for (tagROIInfo& region : m_regions) {
-        region.statistics = measureROI(region, image, displayUnitText(eUnit), pixelSize);
+    std::optional<double> pixelSize;
+    MeasuredPixels pixels;
+    if (m_pDataset != nullptr) {
+        pixelSize = pixelSizeOf(m_pDataset->clickInfo);
+        pixels.size = ownSize(extentBeforePadding(*m_pDataset).value_or(QSize()), image.m_lWidth, image.m_lHeight);
+        QString error;
+        const CORVSequenceDataset* pSequence = m_pDataset->sequence();
+        if (pSequence != nullptr && !readValidPixels(*pSequence, &pixels.valid, &error)) {
+            logError(error);
+            return ESTATUS_FILE_UNREADABLE;
+        }
     }
+    for (tagROIInfo& region : m_regions) {
+        region.statistics = measureROI(region, image, displayUnitText(eUnit), pixelSize, pixels);
+    }
+    return ESTATUS_SUCCESS;
 }
 
 bool CROIManager::loadROIData(const QString& strKey, const QString& strValue)

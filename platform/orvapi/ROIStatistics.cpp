@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/orvapi/ROIStatistics.h"
 
-#include "host/CILImage.h"
 #include "host/CPLClickInfo.h"
 #include "platform/orvapi/ClickInfoKeys.h"
 #include "platform/orvapi/ClickInfoValues.h"
@@ -9,16 +8,28 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace {
 
-// Calls visit(value) for every pixel of the region.
-template <typename Visitor>
-void visitValues(const tagROIInfo& region, const CILImage& image, double binning, Visitor&& visit)
+bool hasValue(const CILImage& valid, long row, long column)
 {
-    ROIShape::visitRuns(region, image.m_lWidth, image.m_lHeight, binning, [&](long row, long first, long end) {
+    return row >= valid.m_lHeight || column >= valid.m_lWidth ||
+           valid.value(static_cast<std::size_t>(row * valid.m_lWidth + column)) != 0.0;
+}
+
+// Calls visit(value) for every pixel of the region, with NaN for one that has none.
+template <typename Visitor>
+void visitValues(const tagROIInfo& region, const CILImage& image, double binning, const MeasuredPixels& pixels,
+                 Visitor&& visit)
+{
+    const long width = pixels.size.isEmpty() ? image.m_lWidth : std::min<long>(image.m_lWidth, pixels.size.width());
+    const long height = pixels.size.isEmpty() ? image.m_lHeight : std::min<long>(image.m_lHeight, pixels.size.height());
+    ROIShape::visitRuns(region, width, height, binning, [&](long row, long first, long end) {
         for (long column = first; column < end; ++column) {
-            visit(image.value(static_cast<std::size_t>(row * image.m_lWidth + column)));
+            visit(hasValue(pixels.valid, row, column)
+                      ? image.value(static_cast<std::size_t>(row * image.m_lWidth + column))
+                      : std::numeric_limits<double>::quiet_NaN());
         }
     });
 }
@@ -26,7 +37,7 @@ void visitValues(const tagROIInfo& region, const CILImage& image, double binning
 } // namespace
 
 tagROIStatistics measureROI(const tagROIInfo& region, const CILImage& image, const QString& strUnit,
-                            std::optional<double> pixelSizeCm)
+                            std::optional<double> pixelSizeCm, const MeasuredPixels& pixels)
 {
     const double binning = image.m_fBinning > 0.0F ? static_cast<double>(image.m_fBinning) : 1.0;
     tagROIStatistics statistics;
@@ -34,7 +45,7 @@ tagROIStatistics measureROI(const tagROIInfo& region, const CILImage& image, con
     statistics.pixels = 0;
     // The wider type keeps the sum of floats exact enough to take the mean from, and sums of large doubles finite.
     long double sum = 0.0L;
-    visitValues(region, image, binning, [&](double value) {
+    visitValues(region, image, binning, pixels, [&](double value) {
         if (!std::isfinite(value)) {
             ++statistics.invalidPixels;
             return;
@@ -53,7 +64,7 @@ tagROIStatistics measureROI(const tagROIInfo& region, const CILImage& image, con
     }
     const long double mean = sum / static_cast<long double>(statistics.pixels);
     long double squares = 0.0L;
-    visitValues(region, image, binning, [&](double value) {
+    visitValues(region, image, binning, pixels, [&](double value) {
         if (std::isfinite(value)) {
             squares += (static_cast<long double>(value) - mean) * (static_cast<long double>(value) - mean);
         }

@@ -19,6 +19,43 @@ std::optional<QSize> extentBeforePadding(const CORVDataset& dataset)
                             : std::nullopt;
 }
 
+namespace {
+
+int shareOfSide(int nPart, int nSquare, long lPixels)
+{
+    if (nPart < 1 || nPart >= nSquare) {
+        return static_cast<int>(lPixels);
+    }
+    return static_cast<int>(std::max(1LL, static_cast<long long>(lPixels) * nPart / nSquare));
+}
+
+} // namespace
+
+QSize shareOf(const QSize& extent, const QSize& square, long lWidth, long lHeight)
+{
+    return {shareOfSide(extent.width(), square.width(), lWidth),
+            shareOfSide(extent.height(), square.height(), lHeight)};
+}
+
+QSize ownSize(const QSize& extent, long lWidth, long lHeight)
+{
+    // Only squares were made.
+    if (extent.isEmpty() || lWidth != lHeight) {
+        return {static_cast<int>(lWidth), static_cast<int>(lHeight)};
+    }
+    const int side = std::max(extent.width(), extent.height());
+    return shareOf(extent, {side, side}, lWidth, lHeight);
+}
+
+CILImage ownPart(const QSize& extent, const CILImage& image)
+{
+    if (image.isRGB()) {
+        return image;
+    }
+    const QSize size = ownSize(extent, image.m_lWidth, image.m_lHeight);
+    return croppedImage(image, size.width(), size.height());
+}
+
 CILImage croppedImage(const CILImage& image, long lWidth, long lHeight)
 {
     const long width = std::min(lWidth, image.m_lWidth);

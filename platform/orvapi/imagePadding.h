@@ -14,6 +14,16 @@ class CORVDataset;
 // Width and height of the stored image before that; nothing when it is not told.
 std::optional<QSize> extentBeforePadding(const CORVDataset& dataset);
 
-// The upper left part of that size, of the same type and binning; the image itself where it is no larger. Throws
+// The share of lWidth x lHeight pixels that images of `extent` have of the square that was made of them, cut to whole
+// pixels; one at least along a side.
+QSize shareOf(const QSize& extent, const QSize& square, long lWidth, long lHeight);
+
+// Of an image or a photograph of a dataset with that extentBeforePadding() (empty where it is not told), or a map that
+// was made of it: the size of what was not added, and that part. A picture in colours, which no import makes, stays
+// whole. Throws std::bad_alloc without memory.
+QSize ownSize(const QSize& extent, long lWidth, long lHeight);
+CILImage ownPart(const QSize& extent, const CILImage& image);
+
+// The upper left part of a size, of the same type and binning; the image itself where it is no larger. Throws
 // std::bad_alloc without memory.
 CILImage croppedImage(const CILImage& image, long lWidth, long lHeight);

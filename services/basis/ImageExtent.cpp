@@ -4,13 +4,9 @@
 #include "engine/CORVSpumKyvo.h"
 #include "host/CORVDataset.h"
 #include "host/CORVSequenceDataset.h"
-#include "platform/orvapi/ClickInfoKeys.h"
 #include "platform/orvapi/imagePadding.h"
-#include "platform/orvimage/TiffIo.h"
+#include "platform/orvapi/validPixels.h"
 #include "services/basis/Failure.h"
-
-#include <QDir>
-#include <QFileInfo>
 
 #include <algorithm>
 #include <cmath>
@@ -49,15 +45,6 @@ std::optional<StoredExtent> storedExtentOf(const CORVSpumKyvo& engine)
     return common;
 }
 
-// So many of `whole` pixels as `part` of `square` are, cut to whole ones; one at least.
-int share(int part, int square, long whole)
-{
-    if (part < 1 || part >= square) {
-        return static_cast<int>(whole);
-    }
-    return static_cast<int>(std::max(1LL, static_cast<long long>(whole) * part / square));
-}
-
 // Pixels of an analysis along a side of the image, the last one included.
 struct Places
 {
@@ -94,13 +81,12 @@ CILImage validPixelsOf(const CORVSpumKyvo& engine)
     if (pSequence == nullptr || engine.m_nWidth < 1 || engine.m_nHeight < 1) {
         return stored;
     }
-    const QString path = QDir(pSequence->getSequenceInfoPath()).filePath(QLatin1String(SequenceFiles::kValidPixels));
-    if (!QFileInfo::exists(path)) {
-        return stored;
-    }
     QString error;
-    if (!readTiff(path, 0, stored, &error)) {
+    if (!readValidPixels(*pSequence, &stored, &error)) {
         throw Failure(error);
+    }
+    if (stored.isEmpty()) {
+        return stored;
     }
     CILImage valid;
     if (valid.InitWithType(ORVTYPE_BYTE, engine.m_nWidth, engine.m_nHeight) != EIL_SUCCESS) {
@@ -137,8 +123,7 @@ QSize extentOfPicture(const CORVSpumKyvo& engine, long lWidth, long lHeight)
     if (!stored) {
         return {static_cast<int>(lWidth), static_cast<int>(lHeight)};
     }
-    return {share(stored->extent.width(), stored->square.width(), lWidth),
-            share(stored->extent.height(), stored->square.height(), lHeight)};
+    return shareOf(stored->extent, stored->square, lWidth, lHeight);
 }
 
 CILImage withoutPadding(const CILImage& mask, const CORVSpumKyvo& engine)

@@ -7,6 +7,7 @@
 #include "platform/orvapi/ClickInfoValues.h"
 #include "platform/orvapi/ROIShape.h"
 #include "platform/orvapi/ROIStatistics.h"
+#include "platform/orvapi/validPixels.h"
 #include "platform/orvutils/NumberText.h"
 #include "services/basis/Failure.h"
 #include "services/basis/UnitNames.h"
@@ -50,6 +51,11 @@ QList<double> numbersOf(const tagROIStatistics& statistics)
 void RoiMeasurement::measureImages(CORVSequenceDataset& sequence, tag_edisplayunit eUnit, const Step& step)
 {
     m_strUnit = UnitNames::text(eUnit);
+    CILImage valid;
+    QString error;
+    if (!readValidPixels(sequence, &valid, &error)) {
+        throw Failure(error);
+    }
     const auto datasets = sequence.getDatasets();
     const bool scan = sequence.isTransillumination;
     for (int i = 0; i < datasets.size(); ++i) {

@@ -22,7 +22,7 @@ public:
     using Step = std::function<void(double fraction)>;
 
     // Measures every dataset's own regions, which keep their numbers. Throws Failure when an image cannot be had in
-    // that unit.
+    // that unit, or when it cannot be read which pixels have no value.
     void measureImages(CORVSequenceDataset& sequence, tag_edisplayunit eUnit, const Step& step);
     // Measures these regions over the maps of a folder with a result of the sequence.
     void measureMaps(const CORVSequenceDataset& sequence, const QList<tagROIInfo>& regions, const QString& strFolder,

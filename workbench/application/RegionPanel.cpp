@@ -205,8 +205,7 @@ bool RegionPanel::measureRegions()
 {
     CROIManager& manager = *m_pDataset->roiManager();
     if (const CILImage* pImage = m_source ? m_source(m_eUnit) : nullptr) {
-        manager.measureOver(*pImage, m_eUnit);
-        return true;
+        return manager.measureOver(*pImage, m_eUnit) == ESTATUS_SUCCESS;
     }
     return manager.measure(m_eUnit) == ESTATUS_SUCCESS;
 }
@@ -322,6 +321,11 @@ void RegionPanel::fill()
             m_pTable->setItem(row, column, pItem);
         }
     }
+    // Most images have none.
+    m_pTable->setColumnHidden(regionTexts::kInvalidColumn,
+                              std::all_of(all.cbegin(), all.cend(), [](const tagROIInfo& region) {
+                                  return region.statistics.invalidPixels == 0;
+                              }));
     // No higher than its rows; more than a few scroll.
     const int rows = std::min(all.size(), kRowsShown) + 1;
     m_pTable->setFixedHeight(rows * m_pTable->verticalHeader()->defaultSectionSize() +

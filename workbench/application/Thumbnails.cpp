@@ -29,20 +29,6 @@ void reduce(CILImage& image, int nSide)
     image.downSample(side(image.m_lWidth), side(image.m_lHeight), IL_RESAMPLE_AREA);
 }
 
-// Of an image or a photograph of a dataset with that extentBeforePadding() what an import has not added to make a
-// square of it.
-CILImage shownPart(const QSize& extent, const CILImage& image)
-{
-    if (extent.isEmpty() || image.m_lWidth != image.m_lHeight) {
-        return image;
-    }
-    const qint64 square = std::max(extent.width(), extent.height());
-    const auto share = [square](long all, int part) {
-        return std::max(1L, static_cast<long>((all * part + square - 1) / square));
-    };
-    return croppedImage(image, share(image.m_lWidth, extent.width()), share(image.m_lHeight, extent.height()));
-}
-
 // Empty where there is no file.
 QString fileOf(const CORVDataset& dataset, tag_eimagetype eType)
 {
@@ -273,7 +259,7 @@ bool Thumbnails::startReading(int nTile)
             *pError = reasonOf(file);
             return false;
         }
-        image = shownPart(extent, image);
+        image = ownPart(extent, image);
         pReduced->size = QSize(static_cast<int>(image.m_lWidth), static_cast<int>(image.m_lHeight));
         reduce(image, side);
         pReduced->range = DisplayRange::automatic(image);
@@ -319,7 +305,7 @@ void Thumbnails::makePhotograph(int nTile)
         thumbnail.picture =
             pPhoto->toQImage().scaled(QSize(m_nSide, m_nSide), Qt::KeepAspectRatio, Qt::SmoothTransformation);
     } else {
-        CILImage grey = shownPart(extentBeforePadding(dataset).value_or(QSize()), *pPhoto);
+        CILImage grey = ownPart(extentBeforePadding(dataset).value_or(QSize()), *pPhoto);
         thumbnail.size = QSize(static_cast<int>(grey.m_lWidth), static_cast<int>(grey.m_lHeight));
         reduce(grey, m_nSide);
         const DisplayRange range = DisplayRange::automatic(grey);

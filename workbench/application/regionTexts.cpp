@@ -11,7 +11,7 @@ namespace {
 
 constexpr int kDigits = 5;
 
-// Behind the number of pixels, in the order of the titles.
+// Behind the numbers of pixels, in the order of the titles.
 QList<double> numbersOf(const tagROIStatistics& statistics)
 {
     return {statistics.area,    statistics.mean,      statistics.minimum,
@@ -22,7 +22,10 @@ template <typename Text>
 QStringList cellsOf(const tagROIInfo& region, Text&& text)
 {
     const tagROIStatistics& statistics = region.statistics;
-    QStringList cells{region.name, statistics.isMeasured() ? QString::number(statistics.pixels) : QString()};
+    QStringList cells{region.name};
+    for (const qint64 pixels : {statistics.pixels, statistics.invalidPixels}) {
+        cells.append(statistics.isMeasured() ? QString::number(pixels) : QString());
+    }
     for (const double number : numbersOf(statistics)) {
         cells.append(std::isfinite(number) ? text(number) : QString());
     }
@@ -43,8 +46,9 @@ namespace regionTexts {
 
 QStringList titles()
 {
-    return {QStringLiteral("Region"),  QStringLiteral("Pixels"),  QStringLiteral("Area (cm²)"), QStringLiteral("Mean"),
-            QStringLiteral("Minimum"), QStringLiteral("Maximum"), QStringLiteral("Deviation"),  QStringLiteral("Sum")};
+    return {QStringLiteral("Region"),     QStringLiteral("Pixels"),    QStringLiteral("Invalid"),
+            QStringLiteral("Area (cm²)"), QStringLiteral("Mean"),      QStringLiteral("Minimum"),
+            QStringLiteral("Maximum"),    QStringLiteral("Deviation"), QStringLiteral("Sum")};
 }
 
 QStringList cells(const tagROIInfo& region, const QLocale& locale)

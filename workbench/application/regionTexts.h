@@ -11,8 +11,9 @@
 // The numbers of regions of interest as texts.
 namespace regionTexts {
 
-// Name, pixels, area, mean, minimum, maximum, deviation, sum.
+// Name, pixels, pixels without a value, area, mean, minimum, maximum, deviation, sum.
 QStringList titles();
+constexpr int kInvalidColumn = 2;
 // The cells of a region under these titles; empty where nothing is known.
 QStringList cells(const tagROIInfo& region, const QLocale& locale = QLocale());
 // For a spreadsheet: titles and regions a line, tabs between, with all digits and the decimal point of C; behind them

@@ -4,6 +4,7 @@
 #include "files/AtomicFile.h"
 #include "host/CORVSequenceDataset.h"
 #include "platform/orvapi/ROIShape.h"
+#include "platform/orvapi/imagePadding.h"
 #include "services/basis/Failure.h"
 #include "services/basis/TextTable.h"
 #include "services/basis/UnitNames.h"
@@ -29,15 +30,11 @@ namespace {
 
 constexpr int widestShape = 60;
 
-// Size in pixels and binning of a dataset's images.
+// Size in pixels and binning of a dataset's images, without what an import added to them.
 struct Geometry
 {
-    bool operator==(const Geometry& other) const
-    {
-        return width == other.width && height == other.height && binning == other.binning;
-    }
-    long width = 0;
-    long height = 0;
+    bool operator==(const Geometry& other) const { return size == other.size && binning == other.binning; }
+    QSize size;
     double binning = 1.0;
 };
 
@@ -46,11 +43,13 @@ QList<Geometry> geometriesOf(const CORVSequenceDataset& sequence)
 {
     QList<Geometry> geometries;
     for (auto* dataset : sequence.getDatasets()) {
-        Geometry geometry;
-        if (!dataset->getImageSize(IMAGETYPE_MAIN_DATA, &geometry.width, &geometry.height)) {
+        long width = 0;
+        long height = 0;
+        if (!dataset->getImageSize(IMAGETYPE_MAIN_DATA, &width, &height)) {
             continue;
         }
-        geometry.binning = static_cast<double>(dataset->getBinningForImage(IMAGETYPE_MAIN_DATA));
+        const Geometry geometry{ownSize(extentBeforePadding(*dataset).value_or(QSize()), width, height),
+                                static_cast<double>(dataset->getBinningForImage(IMAGETYPE_MAIN_DATA))};
         if (!geometries.contains(geometry)) {
             geometries.append(geometry);
         }
@@ -93,9 +92,10 @@ qint64 pixelsIn(const tagROIInfo& region, const QList<Geometry>& geometries, Cli
     double width = 0.0;
     double height = 0.0;
     for (const Geometry& geometry : geometries) {
-        pixels = std::max(pixels, ROIShape::pixelCount(region, geometry.width, geometry.height, geometry.binning));
-        width = std::max(width, static_cast<double>(geometry.width) * geometry.binning);
-        height = std::max(height, static_cast<double>(geometry.height) * geometry.binning);
+        pixels = std::max(
+            pixels, ROIShape::pixelCount(region, geometry.size.width(), geometry.size.height(), geometry.binning));
+        width = std::max(width, geometry.size.width() * geometry.binning);
+        height = std::max(height, geometry.size.height() * geometry.binning);
     }
     if (pixels == 0) {
         throw Failure(

@@ -139,3 +139,28 @@ RC_GTEST_PROP(RoiStatisticsTest, TheMeanLiesInTheRangeAndPartsAddUp, ())
     RC_ASSERT(whole.minimum <= whole.mean && whole.mean <= whole.maximum);
     RC_ASSERT(whole.deviation >= 0.0 && whole.deviation <= whole.maximum - whole.minimum);
 }
+
+TEST(RoiStatisticsTest, OfAPartOfAnImageAndItsPixelsWithAValueNothingElseCounts)
+{
+    const CILImage image = imageOf(3, {1, 2, 30, 4, 0, 60, 70, 80, 90});
+    MeasuredPixels pixels;
+    pixels.size = QSize(2, 2);
+    pixels.valid = imageOf(3, {1, 1, 1, 1, 0, 1, 1, 1, 0}, ORVTYPE_BYTE);
+    const auto of = [&](const char* pShape) {
+        return measureROI(regionFrom(pShape), image, QStringLiteral("Counts"), 1.0, pixels);
+    };
+    const tagROIStatistics all = of("rect:0,0,3,3");
+    EXPECT_EQ(all.pixels, 3);
+    EXPECT_EQ(all.invalidPixels, 1) << "what lies beyond the part is not even that";
+    EXPECT_EQ(all.sum, 7.0);
+    EXPECT_EQ(all.minimum, 1.0);
+    EXPECT_EQ(all.maximum, 4.0);
+    EXPECT_EQ(all.area, 3.0);
+    EXPECT_DOUBLE_EQ(all.deviation, std::sqrt(14.0 / 9.0)); // of 1, 2, 4 around 7 / 3
+    EXPECT_EQ(of("rect:2,0,1,3").pixels, 0);
+    EXPECT_EQ(of("rect:1,1,1,1").pixels, 0);
+    EXPECT_EQ(of("rect:1,1,1,1").invalidPixels, 1);
+    pixels.size = QSize();
+    pixels.valid = imageOf(1, {0}, ORVTYPE_BYTE); // it ends sooner than the image
+    EXPECT_EQ(of("rect:0,0,3,3").pixels, 8);
+}
