@@ -4,6 +4,7 @@
 #include "host/CORVDataset.h"
 #include "host/CORVSequenceDataset.h"
 #include "host/UnitTexts.h"
+#include "platform/orvapi/imagePadding.h"
 #include "platform/orvimage/TiffIo.h"
 
 #include <algorithm>
@@ -101,12 +102,13 @@ std::function<DatasetImage::Loaded()> DatasetImage::reader(tag_eimagetype eType,
     } catch (const std::bad_alloc&) {
         fill = [](Loaded& loaded) { loaded.error = noMemory(); };
     }
-    return [type, eUnit, fill = std::move(fill)] {
+    return [type, eUnit, fill = std::move(fill), extent = extentBeforePadding(*m_pDataset).value_or(QSize())] {
         Loaded loaded;
         loaded.type = type;
         loaded.unit = eUnit;
         try {
             fill(loaded);
+            loaded.image = ownPart(extent, loaded.image);
             if (!loaded.image.isEmpty()) {
                 loaded.whole = DisplayRange::whole(loaded.image);
                 loaded.automatic = DisplayRange::automatic(loaded.image);
@@ -202,7 +204,7 @@ void DatasetImage::takePhotograph()
         m_bPhotograph = false;
         return;
     }
-    CILImage photo(*pPhoto);
+    CILImage photo = ownPart(extentBeforePadding(*m_pDataset).value_or(QSize()), *pPhoto);
     photo.AdjustRGBBrightness(0);
     if (!photo.isRGB()) {
         const DisplayRange range = DisplayRange::automatic(photo);

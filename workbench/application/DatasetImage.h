@@ -18,7 +18,8 @@
 class CORVDataset;
 
 // One image of a dataset, in a unit, and the picture that is made of it: through a colour table, over the photograph if
-// that is wanted. The dataset is borrowed; its images are copied, never changed.
+// that is wanted. It has its own shape, without what an import added to make a square of it. The dataset is borrowed;
+// its images are copied, never changed.
 class DatasetImage
 {
 public:

@@ -348,12 +348,12 @@ void RegionEditor::paintRegion(QPainter& painter, const QRectF& shown, const tag
     if (!isBox(region)) {
         const QPolygonF outline = OutlineGrip::placed(region, sensor(), shown);
         orvwidgets::paintOutline(painter, outline);
-        if (bChosen && OutlineGrip::hasHandles(region)) {
+        if (bChosen && isEditable(region) && OutlineGrip::hasHandles(region)) {
             orvwidgets::paintHandles(painter, outline);
         } else if (bChosen) {
             orvwidgets::paintFrame(painter, place);
         }
-    } else if (bChosen) {
+    } else if (bChosen && isEditable(region)) {
         orvwidgets::paintCrop(painter, place, region.shape == ROISHAPE_ELLIPSE);
     } else {
         orvwidgets::paintOutline(painter, place, region.shape == ROISHAPE_ELLIPSE);
