@@ -34,18 +34,21 @@ void BackgroundWork::start(const Work& work)
     m_bNew = false;
     m_pThread.reset(QThread::create([this, work] { perform(work); }));
     // A piece of work that was waited for has told its end.
-    const auto ended = [this, nStarted = ++m_nStarted] {
+    connect(m_pThread.get(), &QThread::finished, this, [this, nStarted = ++m_nStarted] {
         if (isRunning() && nStarted == m_nStarted) {
             end();
         }
-    };
-    connect(m_pThread.get(), &QThread::finished, this, ended);
+    });
     m_timer.start(kPeriod);
     m_pThread->start();
-    if (!m_pThread->isRunning() && !m_pThread->isFinished()) {
+    if (isWithoutThread()) {
         perform(work);
-        QMetaObject::invokeMethod(this, ended, Qt::QueuedConnection);
     }
+}
+
+bool BackgroundWork::isWithoutThread() const
+{
+    return isRunning() && !m_pThread->isRunning() && !m_pThread->isFinished();
 }
 
 void BackgroundWork::perform(const Work& work)
@@ -91,6 +94,10 @@ void BackgroundWork::letGo(std::unique_ptr<BackgroundWork> pWork)
 
 void BackgroundWork::tellProgress()
 {
+    if (isWithoutThread()) {
+        end();
+        return;
+    }
     QString what;
     double fraction = -1.0;
     {

@@ -44,6 +44,8 @@ Q_SIGNALS:
     void done(bool bSuccess, const QString& strError);
 
 private:
+    // The system has given none: the work is done, its end not told.
+    bool isWithoutThread() const;
     void perform(const Work& work);
     void tellProgress();
     void end();
