@@ -34,7 +34,8 @@ constexpr int patience = 30000; // ms
 
 void letTurn()
 {
-    QApplication::processEvents(QEventLoop::AllEvents, 0);
+    // With a limit of time there may be several within a millisecond.
+    QApplication::processEvents(QEventLoop::AllEvents);
 }
 
 class DatasetWindowTest : public ::testing::Test
