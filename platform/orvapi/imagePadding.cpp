@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cstring>
 #include <new>
+#include <utility>
 
 std::optional<QSize> extentBeforePadding(const CORVDataset& dataset)
 {
@@ -47,13 +48,11 @@ QSize ownSize(const QSize& extent, long lWidth, long lHeight)
     return shareOf(extent, {side, side}, lWidth, lHeight);
 }
 
-CILImage ownPart(const QSize& extent, const CILImage& image)
+CILImage ownPart(const QSize& extent, CILImage image)
 {
-    if (image.isRGB()) {
-        return image;
-    }
     const QSize size = ownSize(extent, image.m_lWidth, image.m_lHeight);
-    return croppedImage(image, size.width(), size.height());
+    const bool whole = size.width() == image.m_lWidth && size.height() == image.m_lHeight;
+    return whole || image.isRGB() ? std::move(image) : croppedImage(image, size.width(), size.height());
 }
 
 CILImage croppedImage(const CILImage& image, long lWidth, long lHeight)

@@ -22,7 +22,7 @@ QSize shareOf(const QSize& extent, const QSize& square, long lWidth, long lHeigh
 // was made of it: the size of what was not added, and that part. A picture in colours, which no import makes, stays
 // whole. Throws std::bad_alloc without memory.
 QSize ownSize(const QSize& extent, long lWidth, long lHeight);
-CILImage ownPart(const QSize& extent, const CILImage& image);
+CILImage ownPart(const QSize& extent, CILImage image);
 
 // The upper left part of a size, of the same type and binning; the image itself where it is no larger. Throws
 // std::bad_alloc without memory.

@@ -108,7 +108,7 @@ std::function<DatasetImage::Loaded()> DatasetImage::reader(tag_eimagetype eType,
         loaded.unit = eUnit;
         try {
             fill(loaded);
-            loaded.image = ownPart(extent, loaded.image);
+            loaded.image = ownPart(extent, std::move(loaded.image));
             if (!loaded.image.isEmpty()) {
                 loaded.whole = DisplayRange::whole(loaded.image);
                 loaded.automatic = DisplayRange::automatic(loaded.image);

@@ -259,7 +259,7 @@ bool Thumbnails::startReading(int nTile)
             *pError = reasonOf(file);
             return false;
         }
-        image = ownPart(extent, image);
+        image = ownPart(extent, std::move(image));
         pReduced->size = QSize(static_cast<int>(image.m_lWidth), static_cast<int>(image.m_lHeight));
         reduce(image, side);
         pReduced->range = DisplayRange::automatic(image);
