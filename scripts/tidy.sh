@@ -5,12 +5,12 @@
 # Asks clang-tidy about every source of the product, or with --changed about those that changed: since the history parted
 # from REF (as of a branch that is to be merged), or, without REF or where that is the commit at hand, in the commits of
 # the last day before the newest, of which there is one at least. A header that changed stands for its own source and
-# otherwise for one that includes it. No more than 24 sources are asked about, those that changed last first, which bounds
+# otherwise for one that includes it. No more than 16 sources are asked about, those that changed last first, which bounds
 # the time to a few minutes; what is left out is told. Needs no build: it configures one of its own, by clang and without
 # precompiled headers.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-most=24
+most=16
 build=build/tidy
 rooms='^(XTNT|host|platform|algorithms|spectra|windows|engine|storage|services|plugin|workbench)/.*\.(h|cpp)$'
 
