@@ -2,16 +2,11 @@
 // Regions of interest in the window of an image: drawn, measured, renamed, removed and saved.
 #include "workbench/application/DatasetWindow.h"
 
-#include "RegionHand.h"
-#include "ScriptedResponder.h"
+#include "RegionsFixture.h"
 #include "look.h"
 #include "support/pointer.h"
-#include "support/screen.h"
 #include "support/simulated.h"
 
-#include "host/CORVDataset.h"
-#include "host/CORVSequenceDataset.h"
-#include "host/CROIManager.h"
 #include "platform/orvapi/ROIShape.h"
 #include "workbench/application/DatasetImage.h"
 #include "workbench/application/DatasetView.h"
@@ -19,40 +14,19 @@
 
 #include <QClipboard>
 #include <QFile>
-#include <QTableWidget>
-#include <QTemporaryDir>
 #include <QToolButton>
 
 namespace {
 
-class DatasetRegionsTest : public ::testing::Test
+class DatasetRegionsTest : public RegionsFixture
 {
 protected:
     void SetUp() override
     {
-        m_strFolder = m_folder.filePath("mouse");
         simulated::into(m_strFolder, {"--size", "32", "--bands", "4"});
         open();
     }
-    void open()
-    {
-        m_pWindow.reset();
-        m_pSequence = std::make_unique<CORVSequenceDataset>();
-        QString error;
-        ASSERT_EQ(m_pSequence->open(m_strFolder, &error), ESTATUS_SUCCESS) << qPrintable(error);
-        m_pWindow = std::make_unique<DatasetWindow>(m_pSequence->getDatasets().at(1));
-        m_pWindow->resize(820, 640);
-        screen::show(*m_pWindow);
-        m_pWindow->activateWindow();
-        ASSERT_TRUE(QTest::qWaitForWindowActive(m_pWindow.get()));
-        view();
-    }
-    DatasetView& view() { return *m_pWindow->view(); }
-    CORVDataset& dataset() { return *m_pWindow->dataset(); }
-    const QList<tagROIInfo>& regions() { return dataset().roiManager()->regions(); }
-    QTableWidget& table() { return *m_pWindow->findChild<QTableWidget*>("m_pRegionTable"); }
     QToolButton& button(const char* name) { return *m_pWindow->findChild<QToolButton*>(name); }
-    RegionHand hand() { return RegionHand(*m_pWindow); }
     void drag(double fromX, double fromY, double toX, double toY) { hand().drag({fromX, fromY}, {toX, toY}); }
     void click(double x, double y) { hand().click({x, y}); }
     void doubleClick(double x, double y) { hand().doubleClick({x, y}); }
@@ -69,12 +43,6 @@ protected:
         hand().freeHand(beanAround({19, 18}, 5.0));
         hand().layDown();
     }
-
-    QTemporaryDir m_folder;
-    QString m_strFolder;
-    ScriptedResponder m_script;
-    std::unique_ptr<CORVSequenceDataset> m_pSequence;
-    std::unique_ptr<DatasetWindow> m_pWindow;
 };
 
 TEST_F(DatasetRegionsTest, RectanglesAndEllipsesAreDrawnAndMeasured)

@@ -1,14 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The windows of imported images: their own shape, without what made squares of them, and their regions.
-#include "RegionHand.h"
-#include "ScriptedResponder.h"
+#include "RegionsFixture.h"
 #include "look.h"
-#include "support/screen.h"
 #include "support/simulated.h"
 
-#include "host/CORVDataset.h"
-#include "host/CORVSequenceDataset.h"
-#include "host/CROIManager.h"
 #include "host/QSpanSlider.h"
 #include "platform/orvapi/ROIShape.h"
 #include "platform/orvimage/TiffIo.h"
@@ -19,15 +14,13 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QSignalSpy>
-#include <QTableWidget>
-#include <QTemporaryDir>
 
 #include <cmath>
 #include <functional>
 
 namespace {
 
-class ImportedImageTest : public ::testing::Test
+class ImportedImageTest : public RegionsFixture
 {
 protected:
     // Two images of that size, the second of which holds pixel(column, row).
@@ -47,21 +40,6 @@ protected:
         runSpum({"import", m_folder.filePath("stack"), m_strFolder, "--skip-invalid", "--quiet"});
         open();
     }
-    void open()
-    {
-        m_pWindow.reset();
-        m_pSequence = std::make_unique<CORVSequenceDataset>();
-        QString error;
-        ASSERT_EQ(m_pSequence->open(m_strFolder, &error), ESTATUS_SUCCESS) << qPrintable(error);
-        m_pWindow = std::make_unique<DatasetWindow>(m_pSequence->getDatasets().at(1));
-        m_pWindow->resize(820, 640);
-        screen::show(*m_pWindow);
-        m_pWindow->view();
-    }
-    RegionHand hand() { return RegionHand(*m_pWindow); }
-    CORVDataset& dataset() { return *m_pWindow->dataset(); }
-    const QList<tagROIInfo>& regions() { return dataset().roiManager()->regions(); }
-    QTableWidget& table() { return *m_pWindow->findChild<QTableWidget*>("m_pRegionTable"); }
     // What the command line says of the regions of the second image.
     QJsonArray measured() const
     {
@@ -75,12 +53,6 @@ protected:
         return rows;
     }
     static double ramp(int column, int row) { return 100.0 + 10.0 * column + row; }
-
-    QTemporaryDir m_folder;
-    QString m_strFolder = m_folder.filePath("imported");
-    ScriptedResponder m_script;
-    std::unique_ptr<CORVSequenceDataset> m_pSequence;
-    std::unique_ptr<DatasetWindow> m_pWindow;
 };
 
 TEST_F(ImportedImageTest, AWideOneIsShownInItsOwnShapeAndNoZerosCount)
