@@ -5,6 +5,8 @@
 #include "XTNT/weighted_concentrations.h"
 #include "XTNT/xtnt_parallel.h"
 
+#include "support/Numbers.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -21,13 +23,8 @@ constexpr double deviation = 2.0;
 // Three spectra that overlap; the second has some of all bands.
 Matrix<double> trueSpectra()
 {
-    const double values[3][bands] = {
-        {1.0, 0.8, 0.3, 0.1, 0.0, 0.0}, {0.4, 0.7, 1.0, 0.7, 0.5, 0.3}, {0.0, 0.0, 0.1, 0.5, 1.0, 0.7}};
-    Matrix<double> spectra(3, bands);
-    for (long long k = 0; k < 3; ++k) {
-        std::copy_n(values[k], bands, spectra[k]);
-    }
-    return spectra;
+    return testsupport::matrixOf(
+        {{1.0, 0.8, 0.3, 0.1, 0.0, 0.0}, {0.4, 0.7, 1.0, 0.7, 0.5, 0.3}, {0.0, 0.0, 0.1, 0.5, 1.0, 0.7}});
 }
 
 XTNT::NoiseModel evenNoise(double dDeviation)

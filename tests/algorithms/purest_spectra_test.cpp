@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "algorithms/purestSpectra.h"
 
+#include "support/Numbers.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -17,13 +19,8 @@ constexpr long long bands = 6;
 // Three spectra that overlap.
 Matrix<double> trueSpectra()
 {
-    const double values[3][bands] = {
-        {1.0, 0.8, 0.3, 0.1, 0.0, 0.0}, {0.1, 0.5, 1.0, 0.6, 0.2, 0.0}, {0.3, 0.1, 0.1, 0.5, 1.0, 0.7}};
-    Matrix<double> spectra(3, bands);
-    for (long long k = 0; k < 3; ++k) {
-        std::copy_n(values[k], bands, spectra[k]);
-    }
-    return spectra;
+    return testsupport::matrixOf(
+        {{1.0, 0.8, 0.3, 0.1, 0.0, 0.0}, {0.1, 0.5, 1.0, 0.6, 0.2, 0.0}, {0.3, 0.1, 0.1, 0.5, 1.0, 0.7}});
 }
 
 // Mixtures in which one pixel in twenty holds one source alone, with noise of that size.

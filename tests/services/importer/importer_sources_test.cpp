@@ -4,15 +4,14 @@
 
 #include <QImage>
 
-#include <cmath>
-
 #include <tiffio.h>
 
+#include <algorithm>
+#include <cmath>
 #include <cstdint>
+#include <limits>
 #include <vector>
 
-#include <algorithm>
-#include <limits>
 namespace {
 
 using ImporterSourcesTest = StackFixture;
