@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "workbench/application/DatasetImage.h"
+#include "workbench/application/imageFile.h"
 
 #include "host/CORVDataset.h"
 #include "host/CORVSequenceDataset.h"
 #include "host/UnitTexts.h"
 #include "platform/orvapi/imagePadding.h"
-#include "platform/orvimage/TiffIo.h"
 
 #include <algorithm>
 #include <memory>
@@ -142,19 +142,10 @@ DatasetImage::Filling DatasetImage::unitFilling(tag_edisplayunit eUnit) const
     if (!unavailable.isEmpty()) {
         return [unavailable](Loaded& loaded) { loaded.error = unavailable; };
     }
-    const CORVImageDetails* pDetails = m_pDataset->imageList().getImage(IMAGETYPE_MAIN_DATA);
-    pDetails = pDetails != nullptr ? pDetails : m_pDataset->imageList().getImage(IMAGETYPE_LUMINESCENT);
-    const QString path = pDetails != nullptr ? pDetails->path() : QString();
-    return [read = m_pDataset->luminImageReader(eUnit, QStringLiteral("Image View")), path](Loaded& loaded) {
-        if (read(&loaded.image) == ESTATUS_SUCCESS) {
-            return;
-        }
-        loaded.error = QStringLiteral("the image cannot be read");
-        // The dataset tells the reason to the log alone.
-        CILImage image;
-        QString reason;
-        if (!path.isEmpty() && !readTiff(path, 0, image, &reason)) {
-            loaded.error = reason;
+    return [read = m_pDataset->luminImageReader(eUnit, QStringLiteral("Image View")),
+            path = imageFile::pathOf(*m_pDataset, IMAGETYPE_MAIN_DATA)](Loaded& loaded) {
+        if (read(&loaded.image) != ESTATUS_SUCCESS) {
+            loaded.error = imageFile::reasonAgainst(path);
         }
     };
 }

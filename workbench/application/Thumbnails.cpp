@@ -3,8 +3,8 @@
 
 #include "host/CORVDataset.h"
 #include "platform/orvapi/imagePadding.h"
-#include "platform/orvimage/TiffIo.h"
 #include "workbench/application/BackgroundWork.h"
+#include "workbench/application/imageFile.h"
 
 #include <algorithm>
 #include <cmath>
@@ -27,27 +27,6 @@ void reduce(CILImage& image, int nSide)
     }
     const auto side = [&](long l) { return std::max(1, static_cast<int>((l * nSide + longest / 2) / longest)); };
     image.downSample(side(image.m_lWidth), side(image.m_lHeight), IL_RESAMPLE_AREA);
-}
-
-// Empty where there is no file.
-QString fileOf(const CORVDataset& dataset, tag_eimagetype eType)
-{
-    const CORVImageDetails* pDetails = dataset.imageList().getImage(eType);
-    if (pDetails == nullptr && eType == IMAGETYPE_MAIN_DATA) {
-        pDetails = dataset.imageList().getImage(IMAGETYPE_LUMINESCENT);
-    }
-    return pDetails != nullptr ? pDetails->path() : QString();
-}
-
-// Why an image's file cannot be read; the dataset tells it to the log alone.
-QString reasonOf(const QString& strFile)
-{
-    if (strFile.isEmpty()) {
-        return QStringLiteral("there is no such image");
-    }
-    CILImage image;
-    QString reason;
-    return readTiff(strFile, 0, image, &reason) ? QStringLiteral("the image cannot be calibrated") : reason;
 }
 
 } // namespace
@@ -251,12 +230,12 @@ bool Thumbnails::startReading(int nTile)
     m_pReduced = std::make_shared<Reduced>();
     m_pReduced->tile = nTile;
     m_pReading->start([read = tile.dataset->luminImageReader(m_eUnit, QStringLiteral("Sequence View")),
-                       file = fileOf(*tile.dataset, IMAGETYPE_MAIN_DATA),
+                       file = imageFile::pathOf(*tile.dataset, IMAGETYPE_MAIN_DATA),
                        extent = extentBeforePadding(*tile.dataset).value_or(QSize()), side = m_nSide,
                        pReduced = m_pReduced](const BackgroundWork::Progress&, QString* pError) {
         CILImage image;
         if (read(&image) != ESTATUS_SUCCESS) {
-            *pError = reasonOf(file);
+            *pError = imageFile::reasonAgainst(file);
             return false;
         }
         image = ownPart(extent, std::move(image));
@@ -296,7 +275,7 @@ void Thumbnails::makePhotograph(int nTile)
     CORVDataset& dataset = *m_tiles.tile(nTile).dataset;
     const CILImage* pPhoto = dataset.getCoreImage(IMAGETYPE_PHOTOGRAPH);
     if (pPhoto == nullptr || pPhoto->isEmpty()) {
-        fail(nTile, reasonOf(fileOf(dataset, IMAGETYPE_PHOTOGRAPH)));
+        fail(nTile, imageFile::reasonAgainst(imageFile::pathOf(dataset, IMAGETYPE_PHOTOGRAPH)));
         return;
     }
     Thumbnail& thumbnail = m_thumbnails.at(index(nTile));
