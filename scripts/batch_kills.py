@@ -9,7 +9,6 @@ import argparse
 import json
 import os
 import random
-import re
 import shutil
 import signal
 import subprocess
@@ -17,37 +16,7 @@ import sys
 import time
 
 from batch_times import make_sequences
-
-
-def lasting(path):
-    """Content of a file without what tells times and the folder of the results."""
-    with open(path, 'rb') as file:
-        content = file.read()
-    name = os.path.basename(path)
-    if name in ('summary.json', 'batch.json'):
-        def without(value):
-            if isinstance(value, dict):
-                return {key: without(part) for key, part in value.items()
-                        if key not in ('made', 'command', 'seconds', 'run', 'result', 'folder')}
-            return [without(part) for part in value] if isinstance(value, list) else value
-        return json.dumps(without(json.loads(content)), sort_keys=True)
-    if name == 'report.html':
-        return re.sub(rb'<(pre|footer)>[^<]*</\1>', b'', content)
-    return content
-
-
-def files_below(folder):
-    found = []
-    for where, folders, names in os.walk(folder):
-        folders.sort()
-        found += [os.path.relpath(os.path.join(where, name), folder) for name in names]
-    return sorted(name for name in found if not name.startswith('.batch') and name != 'batch.html')
-
-
-def differences(one, other, names):
-    return [name for name in names
-            if not os.path.exists(os.path.join(other, name)) or
-            lasting(os.path.join(one, name)) != lasting(os.path.join(other, name))]
+from same_results import differences, files_below
 
 
 def processes_of(out):
