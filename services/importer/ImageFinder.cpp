@@ -358,7 +358,9 @@ bool ImageFinder::addTiff(const QString& strPath, QString* pError)
     const QString file = QFileInfo(strPath).fileName();
     const int pages = texts.pages.size();
     const PageFacts facts = factsOfPages(texts, file);
-    const QString against = m_choice.reasonAgainst(facts.planes.sizes);
+    const PlanePosition& sizes = facts.planes.sizes;
+    m_sizes = {std::max(m_sizes.c, sizes.c), std::max(m_sizes.z, sizes.z), std::max(m_sizes.t, sizes.t)};
+    const QString against = m_choice.reasonAgainst(sizes);
     if (!against.isEmpty()) {
         *pError = QStringLiteral("%1: %2").arg(strPath, against);
         return false;
@@ -366,7 +368,6 @@ bool ImageFinder::addTiff(const QString& strPath, QString* pError)
     // Samples that are no colours are images of their own.
     const int samples = info.isColour ? 1 : info.samplesPerPixel;
     const QVector<QVector<int>> images = m_choice.images(facts.planes);
-    const PlanePosition& sizes = facts.planes.sizes;
     if (pages > 1 && images.size() == 1 && sizes.c * sizes.z * sizes.t == 1) {
         m_warnings.append(
             QStringLiteral("%1 tells no dimensions: all of its %2 pages are taken for planes of one image")

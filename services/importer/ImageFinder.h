@@ -51,6 +51,8 @@ public:
     // What was passed over.
     const QStringList& warnings() const { return m_warnings; }
     bool aborted() const { return m_bAborted; }
+    // The most planes that a file has in each dimension, of those that were looked at; also when a file was refused.
+    const PlanePosition& sizes() const { return m_sizes; }
 
 private:
     // What a TIFF file's metadata tell of its pages.
@@ -84,5 +86,6 @@ private:
     bool m_bAborted = false;
     bool m_bFollow = false;
     PlaneChoice m_choice;
+    PlanePosition m_sizes{1, 1, 1};
     bool m_bFoldersName = false; // the images are called by their folders
 };

@@ -11,6 +11,7 @@
 #include "services/importer/Importer.h"
 #include "workbench/application/ImportTable.h"
 #include "workbench/application/ImportTableModel.h"
+#include "workbench/application/PlaneBoxes.h"
 #include "workbench/application/importWords.h"
 
 #include <QCheckBox>
@@ -61,6 +62,7 @@ struct ImportDialog::Looked
 {
     std::unique_ptr<InferredTable> table;
     QStringList warnings;
+    PlanePosition sizes{1, 1, 1};
 };
 
 ImportDialog::ImportDialog(const QStringList& paths, QWidget* pParent)
@@ -108,6 +110,7 @@ void ImportDialog::connectControls()
             look();
         }
     });
+    connect(m_pPlaneBoxes, &PlaneBoxes::chosen, this, &ImportDialog::look);
     connect(m_pConfirmBox, &QCheckBox::toggled, this, [this](bool bOn) { m_pModel->setConfirmed(bOn); });
     connect(m_pModel, &ImportTableModel::modelReset, this, &ImportDialog::fitColumns);
     connect(m_pModel, &ImportTableModel::tableChanged, this, &ImportDialog::showState);
@@ -148,6 +151,7 @@ void ImportDialog::takeSource(const ImportSource& source)
     m_pOutputEdit->setText(proposedSequenceFolder(source.path, CORVPreference::getSettings()->getRecentFilePath()));
     m_pReplaceBox->setChecked(false);
     m_bTableChosen = false;
+    m_pPlaneBoxes->setSizes({1, 1, 1});
     m_pModel->setTable(ImportTable());
     m_errors = source.error.isEmpty() ? QStringList() : QStringList{source.error};
     showState();
@@ -169,9 +173,12 @@ void ImportDialog::look()
     m_pLooked = std::make_shared<Looked>();
     const auto pLooked = m_pLooked;
     const QString path = m_source.path;
-    m_looking.start([pLooked, path, interval](const BackgroundWork::Progress& progress, QString* pError) {
+    const PlaneChoice planes = m_pPlaneBoxes->choice();
+    m_looking.start([pLooked, path, interval, planes](const BackgroundWork::Progress& progress, QString* pError) {
         ImageFinder finder;
-        if (!finder.find(path, progress, pError)) {
+        const bool found = finder.find(path, progress, pError, false, planes);
+        pLooked->sizes = finder.sizes();
+        if (!found) {
             return false;
         }
         pLooked->table = std::make_unique<InferredTable>(finder.images(), finder.doubts(), interval);
@@ -183,15 +190,13 @@ void ImportDialog::look()
 
 void ImportDialog::endLook(bool bSuccess, const QString& strError)
 {
-    const bool stopped = m_looking.isStopWanted();
     if (!bSuccess) {
-        m_errors = QStringList{stopped ? tr("Stopped before all images were looked at.") : importWords(strError)};
-        // A table that was there before stays, with its interval.
-        m_pIntervalEdit->setText(m_strInterval);
-        showState();
+        endLookWithout(strError);
         return;
     }
     m_strInterval = m_pIntervalEdit->text();
+    m_pPlaneBoxes->setSizes(m_pLooked->sizes);
+    m_planes = m_pPlaneBoxes->choice();
     for (const QString& warning : m_pLooked->warnings) {
         m_errors.append(importWords(warning));
     }
@@ -208,10 +213,25 @@ void ImportDialog::endLook(bool bSuccess, const QString& strError)
         table.takeEdits(before);
         m_pModel->setTable(table);
     }
-    if (m_pImportButton->isEnabled()) {
-        m_pImportButton->setFocus();
-    } else {
-        m_pTableView->setFocus();
+    if (!m_pPlaneBoxes->takeFocusBack()) {
+        (m_pImportButton->isEnabled() ? static_cast<QWidget*>(m_pImportButton) : m_pTableView)->setFocus();
+    }
+}
+
+// A table that was there before stays, with its interval and its planes.
+void ImportDialog::endLookWithout(const QString& strError)
+{
+    const bool stopped = m_looking.isStopWanted();
+    m_errors = QStringList{stopped ? tr("Stopped before all images were looked at.") : importWords(strError)};
+    m_pIntervalEdit->setText(m_strInterval);
+    if (m_pModel->table().count() > 0) {
+        m_pPlaneBoxes->setChoice(m_planes);
+    } else if (!stopped) {
+        m_pPlaneBoxes->setSizes(m_pLooked->sizes);
+    }
+    showState();
+    if (!m_pPlaneBoxes->takeFocusBack() && m_pPlaneBoxes->isVisible()) {
+        m_pPlaneBoxes->setFocus();
     }
 }
 
@@ -277,6 +297,7 @@ void ImportDialog::showState()
         pWidget->setEnabled(!busy && images);
     }
     m_pIntervalEdit->setEnabled(!busy && !m_source.path.isEmpty() && !m_bTableChosen);
+    m_pPlaneBoxes->setEnabled(!busy && !m_bTableChosen);
     m_pTableButton->setEnabled(!busy && !m_source.path.isEmpty());
     m_pConfirmBox->setVisible(images && shown.isInDoubt());
     m_pReplaceBox->setVisible(exists);

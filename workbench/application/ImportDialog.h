@@ -2,6 +2,7 @@
 #pragma once
 
 #include "services/importer/ImportReport.h"
+#include "services/importer/PlaneChoice.h"
 #include "workbench/application/BackgroundWork.h"
 #include "workbench/application/importPlace.h"
 
@@ -12,6 +13,7 @@
 
 class ImportTable;
 class ImportTableModel;
+class PlaneBoxes;
 class QCheckBox;
 class QComboBox;
 class QGridLayout;
@@ -59,7 +61,8 @@ private:
     // Reads names and headers on a thread of its own.
     void look();
     void endLook(bool bSuccess, const QString& strError);
-    // What was made of the table before stays.
+    void endLookWithout(const QString& strError);
+    // What the user made of the table before stays.
     bool takeOwnTable(const QString& strPath, const ImportTable& before);
     void fitColumns();
     void import();
@@ -72,6 +75,7 @@ private:
 
     ImportSource m_source;
     QString m_strInterval;       // that of the table, as it was typed
+    PlaneChoice m_planes;        // that of the table
     bool m_bTableChosen = false; // the user's own; frames and seconds tell nothing then
     QString m_strWritten;
     BackgroundWork m_looking;
@@ -88,6 +92,7 @@ private:
     QComboBox* m_pKindBox;
     QLineEdit* m_pIntervalEdit;
     QPushButton* m_pTableButton;
+    PlaneBoxes* m_pPlaneBoxes;
     QLabel* m_pSummaryLabel;
     QTableView* m_pTableView;
     QPlainTextEdit* m_pMessages;

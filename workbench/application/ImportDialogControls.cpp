@@ -5,6 +5,7 @@
 #include "workbench/application/ImportDialog.h"
 #include "workbench/application/ImportTable.h"
 #include "workbench/application/ImportTableModel.h"
+#include "workbench/application/PlaneBoxes.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -35,6 +36,7 @@ void ImportDialog::makeControls()
     m_pKindBox = new QComboBox(this);
     m_pIntervalEdit = new QLineEdit(this);
     m_pTableButton = new QPushButton(tr("&Load Table ..."), this);
+    m_pPlaneBoxes = new PlaneBoxes(this);
     m_pSummaryLabel = new QLabel(this);
     m_pTableView = new QTableView(this);
     m_pMessages = new QPlainTextEdit(this);
@@ -146,7 +148,8 @@ QWidget* ImportDialog::makeHead()
     pGrid->addWidget(label(tr("&Seconds between frames:"), m_pIntervalEdit), 1, 2);
     pGrid->addWidget(m_pIntervalEdit, 1, 3);
     pGrid->addWidget(m_pTableButton, 1, 4, 1, 2);
-    pGrid->addWidget(m_pSummaryLabel, 2, 0, 1, 6);
+    pGrid->addWidget(m_pPlaneBoxes, 2, 0, 1, 6);
+    pGrid->addWidget(m_pSummaryLabel, 3, 0, 1, 6);
     pGrid->setColumnStretch(1, 2);
     pGrid->setColumnStretch(3, 1);
     return pHead;

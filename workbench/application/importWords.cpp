@@ -16,11 +16,10 @@ QString importWords(const QString& strSentence)
         {QStringLiteral("--follow reads it all the same"), QStringLiteral("copy it there to have it read")},
         {QStringLiteral("--force replaces it"), QStringLiteral("tick \"Replace it\" or choose another place")},
         {QStringLiteral("--z N takes one of them, --z max or mean makes one of all, --channels all for channels"),
-         QStringLiteral("the command line can take one of them, or make one of all (spum import --z)")},
+         QStringLiteral("\"Depth\" takes one of them or makes one of all")},
         {QStringLiteral("--t N takes the channels of one time, --t max or mean those of all, --c N the times of one "
                         "channel"),
-         QStringLiteral("the command line can take the channels of one time or the times of one channel (spum import "
-                        "--t, --c)")},
+         QStringLiteral("\"Time\" takes the channels of one time or of all, \"Channel\" the times of one channel")},
         {QStringLiteral("--sizes crop, bin or pad brings them to one size"),
          QStringLiteral("\"Different sizes\" brings them to one")},
         {QStringLiteral("--sizes crop or pad brings them to one size"),

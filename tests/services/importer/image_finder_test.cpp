@@ -238,6 +238,9 @@ TEST_F(ImageFinderTest, PlanesInDepthAreNoChannelsAndOneIsTaken)
     EXPECT_EQ(table(path("deep.tif")), "deep.tif,2,,500,OME channel 1\ndeep.tif,5,,600,OME channel 2\n");
     m_choice.z = 4;
     EXPECT_EQ(refusal(path("deep.tif")), path("deep.tif") + ": there is no plane in depth (Z) 4, it has 3");
+    EXPECT_EQ(m_finder.sizes().c, 2);
+    EXPECT_EQ(m_finder.sizes().z, 3);
+    EXPECT_EQ(m_finder.sizes().t, 1);
 }
 
 TEST_F(ImageFinderTest, AllPlanesInDepthMakeOneImageOfEachChannel)

@@ -398,14 +398,20 @@ TEST(ImportTableModelTest, ARowThatIsNotUsedCannotBeEdited)
 
 TEST(ImportWordsTest, NoSentenceNamesAnOptionOfTheCommandLine)
 {
-    for (const char* sentence : {"--interval S makes times of numbered frames", "x exists already; --force replaces it",
-                                 "a lies outside b; --follow reads it all the same",
-                                 "images.csv lies in the folder and is not used; --images takes such a table",
-                                 "the times without a unit count up by one and could be frames: --interval S tells the "
-                                 "seconds between frames (1 "
-                                 "when they are seconds)",
-                                 "times without a unit are taken as seconds; --interval S makes frames of them",
-                                 "too large; --max-memory allows more"}) {
+    for (const char* sentence :
+         {"--interval S makes times of numbered frames", "x exists already; --force replaces it",
+          "a lies outside b; --follow reads it all the same",
+          "images.csv lies in the folder and is not used; --images takes such a table",
+          "the times without a unit count up by one and could be frames: --interval S tells the "
+          "seconds between frames (1 "
+          "when they are seconds)",
+          "times without a unit are taken as seconds; --interval S makes frames of them",
+          "it has 3 planes in depth (Z), which are no channels; --z N takes one of them, --z max "
+          "or mean makes one of all, --channels all for channels",
+          "it has 2 channels at 3 times, and a sequence is either spectral or temporal; --t N "
+          "takes the channels of one time, --t max or mean those of all, --c N the times of one "
+          "channel",
+          "too large; --max-memory allows more"}) {
         EXPECT_FALSE(importWords(sentence).contains("--")) << sentence;
     }
     EXPECT_EQ(importWords("a.tif: the file is short"), "a.tif: the file is short");
