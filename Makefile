@@ -2,6 +2,8 @@
 # Thin wrappers; the build itself is CMake's (CMakePresets.json).
 PRESET ?= release
 JOBS ?= 2
+# Tests wait for windows and for programs that they start for a third of their time.
+TEST_JOBS ?= $(shell expr $(JOBS) + 1)
 PREFIX ?= $(CURDIR)/build/install
 BUILD = build/$(PRESET)
 export QT_QPA_PLATFORM ?= offscreen
@@ -24,7 +26,7 @@ demo: configure
 	@scripts/demo.sh $(BUILD)/bin/spum demo
 
 test: build
-	@ctest --test-dir $(BUILD) --output-on-failure -j$(JOBS)
+	@ctest --test-dir $(BUILD) --output-on-failure -j$(TEST_JOBS)
 
 # Installs Slurm and Snakemake and starts a Slurm of its own: docs/cluster.md.
 cluster-test: configure
