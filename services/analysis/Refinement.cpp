@@ -49,6 +49,13 @@ constexpr long long darkPart = 50;
 constexpr long long widerPart = 20;
 constexpr double mostRise = 0.02;
 
+void reportShare(const std::function<void(double)>& step, double dShare)
+{
+    if (step) {
+        step(dShare);
+    }
+}
+
 double sumOfEveryOther(const double* row, long long first, long long n)
 {
     double sum = 0.0;
@@ -147,6 +154,7 @@ double meanSquareLeft(const Matrix<double>& data, const Matrix<double>& spectra,
 // What a resolution from the purest pixels comes to.
 struct Resolved
 {
+    QString reason;         // why it comes to nothing
     Matrix<double> spectra; // sorted
     CountedNoise noise;
     int rounds = 0;
@@ -154,31 +162,54 @@ struct Resolved
     double left = 0.0; // by meanSquareLeft(), before they were made independent
 };
 
-std::optional<Resolved> resolve(const Matrix<double>& pixels, int components, const CountedNoise& told)
+Resolved nothing(const QString& strReason)
 {
+    Resolved resolved;
+    resolved.reason = strReason;
+    return resolved;
+}
+
+QString dependentText()
+{
+    return QStringLiteral("their spectra depend on each other");
+}
+
+Resolved resolve(const Matrix<double>& pixels, int components, const CountedNoise& told,
+                 const std::function<void(double)>& step)
+{
+    // About as long as the parts take.
+    constexpr double started = 0.1;
+    constexpr double afterFirst = 0.4;
+    constexpr double afterLast = 0.7;
     Matrix<double> spectra = purestSpectra(pixels, components);
     Matrix<double> fit;
-    if (spectra.empty() || !fitWithoutWeights(pixels, spectra, fit)) {
-        return std::nullopt;
+    if (spectra.empty()) {
+        return nothing(QStringLiteral("there are fewer pure pixels than components"));
     }
+    if (!fitWithoutWeights(pixels, spectra, fit)) {
+        return nothing(dependentText());
+    }
+    reportShare(step, started);
     Resolved resolved;
     resolved.noise = noiseOf(told, pixels, spectra, fit);
     for (const int most : {firstRounds, lastRounds}) {
         const WeightedRounds rounds = resolveWeighted(pixels, resolved.noise.model(), most, spectra, fit);
         if (rounds.failed) {
-            return std::nullopt;
+            return nothing(QStringLiteral("a component vanishes"));
         }
         resolved.rounds += rounds.rounds;
         resolved.noise = noiseOf(told, pixels, spectra, fit);
+        reportShare(step, most == firstRounds ? afterFirst : afterLast);
     }
     Matrix<double> moved = spectra.deepCopy();
     const bool bMoved = makeIndependent(pixels, fit, resolved.noise.model(), moved);
     if (!fitWithoutWeights(pixels, spectra, fit)) {
-        return std::nullopt;
+        return nothing(dependentText());
     }
     resolved.left = meanSquareLeft(pixels, spectra, fit);
     resolved.independent = bMoved && fitWithoutWeights(pixels, moved, fit);
     resolved.spectra = sorted(resolved.independent ? moved : spectra);
+    reportShare(step, 1.0);
     return resolved;
 }
 
@@ -244,42 +275,56 @@ double darkLevel(const Matrix<double>& data, long long nPart)
     return sum / static_cast<double>(count) / static_cast<double>(data.num_cols());
 }
 
-std::optional<RefinementResult> refineResolution(const CORVSequenceDataset& sequence, CORVSpumKyvo& engine)
+RefinedSpectra refinedSpectra(const CORVSequenceDataset& sequence, const CORVSpumKyvo& engine, CameraOffset eOffset,
+                              const std::function<void(double dShare)>& step)
 {
-    Matrix<double>& data = engine.m_cube.m_data;
+    const Matrix<double>& data = engine.m_cube.m_data;
+    RefinedSpectra refined;
     if (engine.m_cube.m_nSpots > 1 || data.empty() || engine.m_spectra.num_rows() < 1) {
-        return std::nullopt;
+        refined.reason = QStringLiteral("they are not those of images at one spot");
+        return refined;
     }
     const CountedNoise told = CountedNoise::of(engine, sequence);
     const int components = static_cast<int>(engine.m_spectra.num_rows());
-    RefinementResult result;
-    result.facts.offset = offsetOf(engine);
+    refined.facts.offset = eOffset == CameraOffset::TakenOff ? offsetOf(engine) : std::nullopt;
     XTNT::cancellationPoint();
-    std::optional<Resolved> found;
-    if (result.facts.offset) {
-        found = resolve(tellingPixels(data, *result.facts.offset), components, told);
-        if (!found || found->left > mostLeft * leftByFirstSpectra(engine)) {
-            found.reset();
-            result.facts.offset.reset();
+    Resolved found;
+    if (refined.facts.offset) {
+        found = resolve(tellingPixels(data, *refined.facts.offset), components, told, step);
+        if (!found.reason.isEmpty() || found.left > mostLeft * leftByFirstSpectra(engine)) {
+            refined.facts.offset.reset();
         }
     }
-    if (!found) {
-        found = resolve(tellingPixels(data, 0.0), components, told);
+    if (!refined.facts.offset) {
+        found = resolve(tellingPixels(data, 0.0), components, told, step);
     }
-    if (!found) {
+    refined.reason = found.reason;
+    if (!found.reason.isEmpty()) {
+        return refined;
+    }
+    refined.spectra = found.spectra;
+    refined.weights = found.noise.model();
+    refined.facts.rounds = found.rounds;
+    refined.facts.independent = found.independent;
+    refined.noise.model = QStringLiteral("poisson");
+    refined.noise.estimated = !told.gain || !told.readNoise;
+    if (found.noise.calibrated) {
+        refined.noise.electronsPerCount = found.noise.gain;
+        refined.noise.readNoise = found.noise.readNoise;
+    }
+    return refined;
+} // NOLINT(clang-analyzer-cplusplus.NewDeleteLeaks): the shares of a matrix are counted
+
+std::optional<RefinementResult> refineResolution(const CORVSequenceDataset& sequence, CORVSpumKyvo& engine)
+{
+    const RefinedSpectra refined = refinedSpectra(sequence, engine, CameraOffset::TakenOff);
+    if (!refined.reason.isEmpty()) {
         return std::nullopt;
     }
-    if (result.facts.offset) {
-        takeOff(*result.facts.offset, data);
+    Matrix<double>& data = engine.m_cube.m_data;
+    if (refined.facts.offset) {
+        takeOff(*refined.facts.offset, data);
     }
-    handOver(found->spectra, found->noise.model(), data, engine);
-    result.facts.rounds = found->rounds;
-    result.facts.independent = found->independent;
-    result.noise.model = QStringLiteral("poisson");
-    result.noise.estimated = !told.gain || !told.readNoise;
-    if (found->noise.calibrated) {
-        result.noise.electronsPerCount = found->noise.gain;
-        result.noise.readNoise = found->noise.readNoise;
-    }
-    return result;
-} // NOLINT(clang-analyzer-cplusplus.NewDeleteLeaks): the shares of a matrix are counted
+    handOver(refined.spectra, refined.weights, data, engine);
+    return RefinementResult{refined.facts, refined.noise};
+}

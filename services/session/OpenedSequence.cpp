@@ -12,6 +12,7 @@
 #include "services/basis/UnitNames.h"
 #include "services/session/RegionFiles.h"
 #include "services/session/openingAdvice.h"
+#include "services/session/photographOrigin.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -46,7 +47,7 @@ QString OpenedSequence::folder() const
 
 bool OpenedSequence::hasPhotographOfCamera() const
 {
-    return clickText(m_pSequence->sequenceInfo(), SequenceKeys::kSequence, SequenceKeys::kPhotographOrigin).isEmpty();
+    return ::hasPhotographOfCamera(*m_pSequence);
 }
 
 QString OpenedSequence::truthFolder(int nUnit, bool bDecayCorrected) const
