@@ -47,7 +47,7 @@ void showAsTab(CORVSequenceWindow& sequenceWindow, const char* pTitle, Window& w
 
 AnalysisSetup::AnalysisSetup(CORVSpumKyvo& engine, int nPatience)
     : m_engine(engine), m_pView(std::make_unique<ConsoleResultView>(engine, *this, [this] { showConsole(); })),
-      m_nPatience(nPatience)
+      m_answer(engine), m_nPatience(nPatience)
 {
 }
 

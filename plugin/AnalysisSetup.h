@@ -2,6 +2,7 @@
 #pragma once
 
 #include "engine/AnalysisWindows.h"
+#include "plugin/AnswerByNumber.h"
 #include "plugin/fillCube.h"
 
 #include <QList>
@@ -49,6 +50,8 @@ public:
     QImage pictureOfTab(const QString& strTitle);
     // The sequence closes while its cube is being filled, which ends that.
     void stopFilling() { m_bStopFilling = true; }
+    // Of the engine's last run, where it has one.
+    AnswerByNumber& answerByNumber() { return m_answer; }
     // The console becomes the tab of the sequence's window, or the current one of its tabs.
     void showConsole();
 
@@ -85,6 +88,7 @@ private:
 
     CORVSpumKyvo& m_engine;
     std::unique_ptr<ConsoleResultView> m_pView;
+    AnswerByNumber m_answer;
     const int m_nPatience;
     bool m_bStopFilling = false;
     QString m_strOfferedSubject; // what the wizard showed when it was opened

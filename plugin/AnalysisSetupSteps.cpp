@@ -74,6 +74,7 @@ void AnalysisSetup::prepareAnalysis(int nMode, bool bUsePreset)
     }
     sequenceWindows::showFrame(pWindow);
     m_engine.resetAnalysis(nMode);
+    m_answer.forget();
     for (const char* pTitle : {tabNames::composite, tabNames::console, tabNames::wizard}) {
         sequenceWindows::removeTab(pWindow, pTitle);
     }

@@ -107,6 +107,7 @@ void CORVSpumKyvoPalette::connectControls()
     connect(m_pDeleteButton, &QPushButton::clicked, this, &CORVSpumKyvoPalette::onClickDeleteResults);
     connect(m_pSaveButton, &QPushButton::clicked, this, &CORVSpumKyvoPalette::onClickSaveResults);
     connect(m_pReportButton, &QPushButton::clicked, this, &CORVSpumKyvoPalette::onClickWriteReport);
+    connect(m_pRefineButton, &QPushButton::clicked, this, &CORVSpumKyvoPalette::onClickRefine);
     connect(tabWidget1, &QTabWidget::currentChanged, this, &CORVSpumKyvoPalette::onTabChange);
     connect(m_pSavedResultsCB, &QComboBox::editTextChanged, this, &CORVSpumKyvoPalette::onChangeResultsName);
     connect(m_pWaveLengthTable->horizontalHeader(), &QHeaderView::sectionClicked, this,
@@ -132,6 +133,7 @@ void CORVSpumKyvoPalette::languageChange()
     const QSignalBlocker blocker(m_pSpectrumAxisCMB);
     const int nType = m_pSpectrumAxisCMB->currentIndex();
     retranslateUi(this);
+    updateRefineButton();
     if (m_pEngine != nullptr) {
         fillAxisTypes();
         m_pSpectrumAxisCMB->setCurrentIndex(nType);
@@ -281,6 +283,7 @@ void CORVSpumKyvoPalette::setCurrentEngine(CORVSpumKyvo* pEngine)
     m_pEngine = pEngine;
     m_pResults->setEngine(pEngine);
     m_pUnmixSpectraButton->setEnabled(pEngine != nullptr);
+    updateRefineButton();
 }
 
 // The user is told nothing, the host hides the palette; but a result would go with the engine.

@@ -16,8 +16,10 @@
 #include <QVector>
 #include <QWidget>
 
+#include <functional>
 #include <memory>
 
+class AnswerByNumber;
 class ComboResultsList;
 class CORVDataset;
 class CORVResultsTabControl;
@@ -29,6 +31,7 @@ class QMenu;
 class SavedResults;
 class SavedResultsOwner;
 class SpectrumPlotParams;
+struct EngineAnswer;
 struct ReportRequest;
 struct downloaded_save_data;
 
@@ -179,6 +182,8 @@ private:
     // What is to be said against the result of a run, among the result's properties. False when the palette has gone
     // meanwhile.
     bool lookForWarnings(CORVSpumKyvo& engine);
+    // The result on screen is one of this session, to be saved.
+    void showNewResult();
     // The engine's cube is being filled on this thread, ahead of a run.
     void onFillingBegins(CORVSpumKyvo& engine);
     void onFillingEnds(CORVSpumKyvo& engine, bool bAborted);
@@ -200,6 +205,16 @@ private:
     void onClickWriteReport();
     // Meanwhile, as in a run, nothing but the abort is within reach.
     void writeReport(CORVSpumKyvo& engine, const ReportRequest& request);
+
+    // Refines the result of a run by number, as in a run with nothing but the abort within reach, or brings its first
+    // answer back.
+    void onClickRefine();
+    void takeRefined(CORVSpumKyvo& engine, AnswerByNumber& answer, const EngineAnswer& refined);
+    // False, told in the log, when it throws.
+    bool tryToShow(const std::function<void()>& show);
+    // Null for an engine without windows.
+    AnswerByNumber* answerByNumber() const;
+    void updateRefineButton();
 
     bool m_bBinningChanged = false;
     CORVSpumKyvo* m_pEngine = nullptr;

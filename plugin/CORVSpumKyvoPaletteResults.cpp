@@ -118,6 +118,7 @@ void CORVSpumKyvoPalette::fillResultsTree()
     if (m_pEngine == nullptr) {
         m_pResultsTab->setHasResult(false);
         m_pReportButton->setEnabled(false);
+        updateRefineButton();
         return;
     }
     for (const auto& property : qAsConst(m_pEngine->m_properties)) {
@@ -129,6 +130,7 @@ void CORVSpumKyvoPalette::fillResultsTree()
     m_pSPUnResultsLV->scrollToItem(m_pSPUnResultsLV->topLevelItem(0));
     m_pResultsTab->setHasResult(m_pSPUnResultsLV->topLevelItemCount() > 0);
     m_pReportButton->setEnabled(m_pSPUnResultsLV->topLevelItemCount() > 0);
+    updateRefineButton();
 }
 
 void CORVSpumKyvoPalette::clearResultsTree()
@@ -136,6 +138,7 @@ void CORVSpumKyvoPalette::clearResultsTree()
     m_pSPUnResultsLV->clear();
     m_pResultsTab->setHasResult(false);
     m_pReportButton->setEnabled(false);
+    updateRefineButton();
 }
 
 void CORVSpumKyvoPalette::makeResultsMenu()

@@ -2,6 +2,7 @@
 // Starting an analysis, and its runs.
 #include "plugin/CORVSpumKyvoPalette.h"
 
+#include "plugin/AnswerByNumber.h"
 #include "plugin/ComboResultsList.h"
 #include "plugin/JobThread.h"
 #include "plugin/warningsOfRun.h"
@@ -243,6 +244,10 @@ void CORVSpumKyvoPalette::onRunUnmixing()
     };
     const RunOutcome outcome = runLocked(*pEngine, steps);
     if (outcome == RunOutcome::Succeeded && pEngine == m_pEngine) {
+        CORVSequenceDataset* pSequence = CORVSequenceDataset::getSequenceDataset(pEngine->m_strSeqId);
+        if (AnswerByNumber* pAnswer = answerByNumber(); pAnswer != nullptr && pSequence != nullptr) {
+            pAnswer->takeRun(*pSequence);
+        }
         // What there is already is seen while the rest is looked for.
         fillResultsTree();
         if (!lookForWarnings(*pEngine)) {
@@ -251,14 +256,19 @@ void CORVSpumKyvoPalette::onRunUnmixing()
     }
     m_pRunning = nullptr;
     if (outcome == RunOutcome::Succeeded && pEngine == m_pEngine) {
-        m_pResultsTab->m_bResultModified = true;
-        m_pResultsList->updateSavedResultsForSelSeqId(pEngine->m_strSeqId);
-        fillResultsTree();
-        tabWidget1->setCurrentIndex(1);
-        m_pResults->m_strAutoName = m_pSavedResultsCB->currentText();
-        showOutcome();
+        showNewResult();
     }
     finishWaiting();
+}
+
+void CORVSpumKyvoPalette::showNewResult()
+{
+    m_pResultsTab->m_bResultModified = true;
+    m_pResultsList->updateSavedResultsForSelSeqId(m_pEngine->m_strSeqId);
+    fillResultsTree();
+    tabWidget1->setCurrentIndex(1);
+    m_pResults->m_strAutoName = m_pSavedResultsCB->currentText();
+    showOutcome();
 }
 
 void CORVSpumKyvoPalette::onRunPCA()

@@ -8,6 +8,8 @@
 #include "host/CORVDataset.h"
 #include "host/CORVMdiSubWindow.h"
 #include "host/CORVUtilityFns.h"
+#include "platform/orvapi/ClickInfoKeys.h"
+#include "platform/orvapi/SectionIn.h"
 #include "platform/orvutils/ProcessControl.h"
 
 #include <QDir>
@@ -83,6 +85,10 @@ OpenedInWindow::OpenedInWindow(const Plan& plan, QMdiArea& area) : m_sequence(pl
     m_sequence->isTransillumination = plan.scan;
     m_sequence->setKyvoSequence(plan.temporal);
     m_sequence->setSequenceName("name of " + plan.id);
+    if (plan.imported) {
+        sectionIn(m_sequence->sequenceInfo(), SequenceKeys::kSequence)
+            .setValue(QString(SequenceKeys::kPhotographOrigin), QString("mean of the images"));
+    }
     QList<TestImage> images;
     const auto addImage = [&](TestImage image, int nImage, int nImages, double dGain) {
         image.side = side;
@@ -91,7 +97,7 @@ OpenedInWindow::OpenedInWindow(const Plan& plan, QMdiArea& area) : m_sequence(pl
         image.probe = plan.probe;
         image.subjectType = plan.subject;
         image.isotope = plan.isotope;
-        image.value = [=](int i) { return mixture(nImage, nImages, dGain, i); };
+        image.value = [=](int i) { return plan.light ? plan.light(nImage, i) : mixture(nImage, nImages, dGain, i); };
         images.append(image);
     };
     if (plan.temporal) {

@@ -107,7 +107,10 @@ struct Plan
     bool scan = false; // two spots
     QStringList times{"0", "10", "3661", "90000"};
     bool photograph = true;
+    bool imported = false; // the photograph was made of the images
     QString isotope;
+    // What image and pixel hold, in place of three discs over a background.
+    std::function<float(int nImage, int nPixel)> light{};
 };
 
 // Of another sequence, of four images.
