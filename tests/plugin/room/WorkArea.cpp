@@ -97,6 +97,7 @@ OpenedInWindow::OpenedInWindow(const Plan& plan, QMdiArea& area) : m_sequence(pl
         image.probe = plan.probe;
         image.subjectType = plan.subject;
         image.isotope = plan.isotope;
+        image.calibratedUnit = plan.counts ? DISPLAYUNIT_COUNTS : image.calibratedUnit;
         image.value = [=](int i) { return plan.light ? plan.light(nImage, i) : mixture(nImage, nImages, dGain, i); };
         images.append(image);
     };

@@ -108,6 +108,7 @@ struct Plan
     QStringList times{"0", "10", "3661", "90000"};
     bool photograph = true;
     bool imported = false; // the photograph was made of the images
+    bool counts = false;   // nothing else can be had
     QString isotope;
     // What image and pixel hold, in place of three discs over a background.
     std::function<float(int nImage, int nPixel)> light{};
