@@ -35,6 +35,16 @@ void WorkbenchFixture::startProgram(const QStringList& arguments)
     ASSERT_TRUE(program().waitFor("mainWindow")) << program().standardError().toStdString();
 }
 
+void WorkbenchFixture::startOn(const Screen& screen)
+{
+    program().setVariable("QT_SCALE_FACTOR", screen.scale);
+    startProgram({});
+    if (screen.dark) {
+        program().call({{"do", "dark"}});
+    }
+    program().call({{"do", "resize"}, {"widget", "mainWindow"}, {"size", QJsonArray{screen.width, screen.height}}});
+}
+
 bool WorkbenchFixture::openWizard(const QString& strMethod)
 {
     program().call({{"do", "tab"}, {"widget", "tabWidget1"}, {"text", "Analyze"}});

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "driver/DrivenProgram.h"
+#include "end_to_end/Screen.h"
 
 #include <QString>
 #include <QStringList>
@@ -24,6 +25,8 @@ protected:
 
     // Starts the program on folders (or none) and waits for its window.
     void startProgram(const QStringList& arguments);
+    // Without a folder, in a window of the size of the screen.
+    void startOn(const Screen& screen);
     DrivenProgram& program() { return *m_pProgram; }
 
     QString text(const QString& strWidget) { return program().state(strWidget)["text"].toString(); }

@@ -18,13 +18,7 @@ protected:
 
 TEST_P(LooksTest, NothingIsCutAndEverythingHasAName)
 {
-    program().setVariable("QT_SCALE_FACTOR", GetParam().scale);
-    startProgram({});
-    if (GetParam().dark) {
-        program().call({{"do", "dark"}});
-    }
-    program().call(
-        {{"do", "resize"}, {"widget", "mainWindow"}, {"size", QJsonArray{GetParam().width, GetParam().height}}});
+    startOn(GetParam());
     const QJsonArray place = program().state("mainWindow")["place"].toArray();
     EXPECT_LE(place[2].toInt(), GetParam().width);
     EXPECT_LE(place[3].toInt(), GetParam().height);

@@ -177,13 +177,7 @@ TEST_P(LooksOfManySequencesTest, NothingIsCutAndEverythingHasAName)
     const QString strOne = mouse("a mouse with a long name, before the second injection", "64");
     const QStringList folders{strOne, mouse("other bands", "64", "9"), mouse("three", "64")};
     makeLibrary(strOne);
-    program().setVariable("QT_SCALE_FACTOR", GetParam().scale);
-    startProgram({});
-    if (GetParam().dark) {
-        program().call({{"do", "dark"}});
-    }
-    program().call(
-        {{"do", "resize"}, {"widget", "mainWindow"}, {"size", QJsonArray{GetParam().width, GetParam().height}}});
+    startOn(GetParam());
     ASSERT_TRUE(openChooser());
     look(program(), GetParam(), "batch_empty", "batchChooser");
     ASSERT_TRUE(start(folders));

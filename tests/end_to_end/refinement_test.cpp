@@ -102,13 +102,7 @@ class RefinementLooksTest : public RefinementTest, public ::testing::WithParamIn
 
 TEST_P(RefinementLooksTest, NothingIsCutAndEverythingHasAName)
 {
-    program().setVariable("QT_SCALE_FACTOR", GetParam().scale);
-    startProgram({});
-    if (GetParam().dark) {
-        program().call({{"do", "dark"}});
-    }
-    program().call(
-        {{"do", "resize"}, {"widget", "mainWindow"}, {"size", QJsonArray{GetParam().width, GetParam().height}}});
+    startOn(GetParam());
     program().call({{"do", "drop"}, {"widget", "mainWindow"}, {"files", QJsonArray{cells()}}});
     ASSERT_TRUE(unmix());
     look(program(), GetParam(), "first_answer", "mainWindow");
