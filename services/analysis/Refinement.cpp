@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "services/analysis/Refinement.h"
 
+#include "algorithms/enclosingSpectra.h"
 #include "algorithms/independentSpectra.h"
 #include "algorithms/purestSpectra.h"
 #include "algorithms/rowPasses.h"
@@ -159,7 +160,8 @@ struct Resolved
     CountedNoise noise;
     int rounds = 0;
     bool independent = false;
-    double left = 0.0; // by meanSquareLeft(), before they were made independent
+    bool enclosing = false;
+    double left = 0.0; // by meanSquareLeft(), before the spectra were moved to either
 };
 
 Resolved nothing(const QString& strReason)
@@ -202,13 +204,19 @@ Resolved resolve(const Matrix<double>& pixels, int components, const CountedNois
         reportShare(step, most == firstRounds ? afterFirst : afterLast);
     }
     Matrix<double> moved = spectra.deepCopy();
-    const bool bMoved = makeIndependent(pixels, fit, resolved.noise.model(), moved);
+    const bool bIndependent = makeIndependent(pixels, fit, resolved.noise.model(), moved);
+    const bool bMoved = bIndependent || encloseMixtures(pixels, fit, resolved.noise.model(), moved);
     if (!fitWithoutWeights(pixels, spectra, fit)) {
         return nothing(dependentText());
     }
     resolved.left = meanSquareLeft(pixels, spectra, fit);
-    resolved.independent = bMoved && fitWithoutWeights(pixels, moved, fit);
-    resolved.spectra = sorted(resolved.independent ? moved : spectra);
+    const bool bTaken = bMoved && fitWithoutWeights(pixels, moved, fit);
+    resolved.independent = bTaken && bIndependent;
+    resolved.enclosing = bTaken && !bIndependent;
+    if (resolved.enclosing) {
+        resolved.noise = noiseOf(told, pixels, moved, fit); // rows beyond the faces had a part in it
+    }
+    resolved.spectra = sorted(bTaken ? moved : spectra);
     reportShare(step, 1.0);
     return resolved;
 }
@@ -306,6 +314,7 @@ RefinedSpectra refinedSpectra(const CORVSequenceDataset& sequence, const CORVSpu
     refined.weights = found.noise.model();
     refined.facts.rounds = found.rounds;
     refined.facts.independent = found.independent;
+    refined.facts.enclosing = found.enclosing;
     refined.noise.model = QStringLiteral("poisson");
     refined.noise.estimated = !told.gain || !told.readNoise;
     if (found.noise.calibrated) {

@@ -43,7 +43,8 @@ enum class CameraOffset
 // clusters and takes all elements alike. Images of separate sources say more: an offset of the camera that is plain to
 // see is taken off, the start is the spectra of the purest pixels (purestSpectra), and each element counts by its noise
 // (CountedNoise, resolveWeighted); where the sources are independent the spectra go to where their amounts are
-// (makeIndependent). Of many pixels some serve.
+// (makeIndependent), and where they are not and no pixel is pure to where all pixels are mixtures (encloseMixtures). Of
+// many pixels some serve.
 //
 // Only reads engine and sequence, so that any thread can do it while they do not change. No spectra, with the reason,
 // of a scan of spots, of fewer pure pixels than components, of a component that vanishes, of spectra that depend on

@@ -5,7 +5,8 @@
 
 QJsonObject RefinementFacts::json() const
 {
-    QJsonObject json{{"start", "purest pixels"}, {"rounds", rounds}, {"independent", independent}};
+    QJsonObject json{
+        {"start", "purest pixels"}, {"rounds", rounds}, {"independent", independent}, {"enclosing", enclosing}};
     if (offset) {
         json.insert(QStringLiteral("offset"), *offset);
     }
@@ -18,6 +19,9 @@ QString RefinementFacts::text() const
     QString text = QStringLiteral("resolved again from the purest pixels in %1 rounds").arg(rounds);
     if (independent) {
         text += QStringLiteral(", then to where the amounts depend on each other least");
+    }
+    if (enclosing) {
+        text += QStringLiteral(", then to where all pixels are mixtures");
     }
     if (offset) {
         text +=

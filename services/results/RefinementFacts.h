@@ -11,6 +11,7 @@ struct RefinementFacts
 {
     int rounds = 0;
     bool independent = false;     // the spectra are those of the amounts that depend on each other least
+    bool enclosing = false;       // the spectra are those whose mixtures hold all pixels, none of which is pure
     std::optional<double> offset; // of the camera, taken off all images; in their unit
 
     QJsonObject json() const;

@@ -11,7 +11,9 @@
 #include <array>
 #include <cmath>
 #include <csignal>
+#include <limits>
 #include <random>
+#include <vector>
 
 namespace {
 
@@ -70,6 +72,74 @@ protected:
         succeed({"import", path("in"), "seq", "--quiet"});
     }
 
+    // Parts of a whole, none above four fifths, in a pixel each.
+    static std::vector<std::array<double, 3>> mixtures()
+    {
+        std::mt19937_64 generator(6);
+        std::exponential_distribution<double> size(1.0);
+        std::vector<std::array<double, 3>> shares;
+        while (shares.size() < static_cast<std::size_t>(side) * side) {
+            std::array<double, 3> parts = {size(generator), size(generator), size(generator)};
+            const double whole = parts[0] + parts[1] + parts[2];
+            std::for_each(parts.begin(), parts.end(), [whole](double& part) { part /= whole; });
+            if (*std::max_element(parts.begin(), parts.end()) < 0.8) {
+                shares.push_back(parts);
+            }
+        }
+        return shares;
+    }
+
+    // Materials that are bright in all of ten images; one pixel in 500 is without a value.
+    void importMixtures() const
+    {
+        constexpr int bands = 10;
+        const std::vector<std::array<double, 3>> shares = mixtures();
+        std::mt19937_64 generator(5);
+        std::normal_distribution<double> noise(0.0, 0.002);
+        ASSERT_TRUE(QDir().mkpath(path("in")));
+        QString error;
+        for (int b = 0; b < bands; ++b) {
+            const CILImage image = imageOf(side, side, [&](int i) {
+                double light = noise(generator);
+                for (int k = 0; k < 3; ++k) {
+                    const double at = (b - 1.5 - 3.0 * k) / 2.0;
+                    light += shares[static_cast<std::size_t>(i)][static_cast<std::size_t>(k)] *
+                             (0.3 + 0.6 * std::exp(-at * at));
+                }
+                return i % 500 == 250 ? std::numeric_limits<float>::quiet_NaN() : static_cast<float>(light);
+            });
+            ASSERT_TRUE(writeTiff(path(QStringLiteral("in/em%1.tif").arg(500 + 20 * b)), image, {}, &error));
+        }
+        succeed({"import", path("in"), "seq", "--skip-invalid", "--quiet"});
+    }
+
+    // The largest relative error of the maps of the mixtures, each with its best factor.
+    double errorOfMixtures(const QString& strFolder) const
+    {
+        const std::vector<std::array<double, 3>> shares = mixtures();
+        double worst = 0.0;
+        for (int k = 0; k < 3; ++k) {
+            CILImage map;
+            QString error;
+            EXPECT_TRUE(readTiff(path(QStringLiteral("%1/0%2_UMX%2.tif").arg(strFolder).arg(k + 1)), 0, map, &error))
+                << qPrintable(error);
+            double ab = 0.0;
+            double aa = 0.0;
+            double bb = 0.0;
+            for (int i = 0; i < side * side; ++i) {
+                const double a = shares[static_cast<std::size_t>(i)][static_cast<std::size_t>(k)];
+                const double b = map.value(static_cast<std::size_t>(i));
+                if (i % 500 != 250) {
+                    ab += a * b;
+                    aa += a * a;
+                    bb += b * b;
+                }
+            }
+            worst = std::max(worst, std::sqrt(1.0 - ab * ab / (aa * bb)));
+        }
+        return worst;
+    }
+
     // The lowest correlation of the sources, in their order, with the maps.
     double agreement(const QString& strFolder) const
     {
@@ -105,6 +175,7 @@ TEST_F(RefinementProgramTest, ImportedImagesAreResolvedFromTheirPurestPixels)
     EXPECT_EQ(refinement["start"], "purest pixels");
     EXPECT_GT(refinement["rounds"].toInt(), 0);
     EXPECT_TRUE(refinement["independent"].toBool());
+    EXPECT_FALSE(refinement["enclosing"].toBool());
     EXPECT_FALSE(refinement.contains("offset"));
     EXPECT_EQ(json["noiseModel"].toObject()["model"], "poisson");
     EXPECT_NEAR(json["noiseModel"].toObject()["electronsPerCount"].toDouble(), 1.0, 0.1);
@@ -113,6 +184,19 @@ TEST_F(RefinementProgramTest, ImportedImagesAreResolvedFromTheirPurestPixels)
     const QByteArray report = contentOf(path("out/report.html"));
     EXPECT_TRUE(report.contains("resolved again from the purest pixels"));
     EXPECT_TRUE(report.contains("then to where the amounts depend on each other least"));
+}
+
+TEST_F(RefinementProgramTest, AScenesMixturesLeadToItsMaterials)
+{
+    importMixtures();
+    const QStringList call = {"unmix", "seq", "--ncomponents", "3", "--json", "--out"};
+    const QJsonObject json = succeed(call + QStringList{"out"}).json();
+    const QJsonObject refinement = json["refinement"].toObject();
+    EXPECT_TRUE(refinement["enclosing"].toBool());
+    EXPECT_FALSE(refinement["independent"].toBool());
+    EXPECT_GT(refinement["rounds"].toInt(), 0);
+    EXPECT_LT(errorOfMixtures("out"), 0.03);
+    EXPECT_TRUE(contentOf(path("out/report.html")).contains("then to where all pixels are mixtures"));
 }
 
 TEST_F(RefinementProgramTest, AnOffsetIsTakenOffAndTold)
