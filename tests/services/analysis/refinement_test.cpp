@@ -14,6 +14,7 @@
 #include <array>
 #include <cmath>
 #include <limits>
+#include <numeric>
 #include <random>
 #include <vector>
 
@@ -60,6 +61,56 @@ protected:
             }
         }
         m_engine.m_cube.m_data = data;
+    }
+
+    // Three materials that are bright in all of ten images, as parts of a whole; none has more of a pixel than four
+    // fifths, but in one pixel of so many, which it has for its own.
+    void exposeMaterials(long long nPure)
+    {
+        constexpr long long bands = 10;
+        constexpr long long materials = 3;
+        XTNT::Matrix<double> spectra(materials, bands);
+        for (long long k = 0; k < materials; ++k) {
+            for (long long b = 0; b < bands; ++b) {
+                const double at = (static_cast<double>(b) - 1.5 - 3.0 * static_cast<double>(k)) / 2.0;
+                spectra[k][b] = 0.3 + 0.6 * std::exp(-at * at);
+            }
+        }
+        std::mt19937_64 generator(6);
+        std::exponential_distribution<double> size(1.0);
+        std::normal_distribution<double> noise(0.0, 2.0);
+        XTNT::Matrix<double> parts(side * side, materials);
+        for (long long p = 0; p < parts.num_rows();) {
+            std::generate_n(parts[p], materials, [&] { return size(generator); });
+            const double whole = parts[p][0] + parts[p][1] + parts[p][2];
+            std::for_each(parts[p], parts[p] + materials, [whole](double& part) { part *= 1000.0 / whole; });
+            if (p % nPure == nPure - 1) {
+                std::fill_n(parts[p], materials, 0.0);
+                parts[p][p / nPure % materials] = 1000.0;
+                ++p;
+            } else if (*std::max_element(parts[p], parts[p] + materials) <= 800.0) {
+                ++p;
+            }
+        }
+        m_engine.m_cube.m_data = parts * spectra;
+        std::for_each(m_engine.m_cube.m_data[0], m_engine.m_cube.m_data[0] + side * side * bands,
+                      [&](double& value) { value += noise(generator); });
+        m_engine.m_spectra = spectra;
+    }
+
+    // Of the spectra with those of the engine, the lowest.
+    double worstCosine(const XTNT::Matrix<double>& found) const
+    {
+        double worst = 1.0;
+        for (long long k = 0; k < found.num_rows(); ++k) {
+            const double* truth = m_engine.m_spectra[k];
+            const double* end = found[k] + found.num_cols();
+            const double ab = std::inner_product(found[k], end, truth, 0.0);
+            const double aa = std::inner_product(found[k], end, found[k], 0.0);
+            const double bb = std::inner_product(truth, truth + found.num_cols(), truth, 0.0);
+            worst = std::min(worst, ab / std::sqrt(aa * bb));
+        }
+        return worst;
     }
 
     RefinedSpectra refine(CameraOffset eOffset = CameraOffset::Kept, const std::function<void(double)>& step = {}) const
@@ -173,6 +224,32 @@ TEST_F(RefinedSpectraTest, BrokenPixelsTakeNoPart)
     EXPECT_EQ(refined.reason, "");
     ASSERT_EQ(refined.spectra.num_rows(), 2);
     EXPECT_GT(cosine(refined.spectra[1], 1), 0.998);
+}
+
+// Pixels without a value are among them.
+TEST_F(RefinedSpectraTest, OfMixturesAloneAreThoseOfTheMaterials)
+{
+    exposeMaterials(2 * side * side);
+    for (long long p = 0; p < side * side; p += 500) {
+        m_engine.m_cube.m_data[p][p % images] = std::numeric_limits<double>::quiet_NaN();
+    }
+    const RefinedSpectra refined = refine();
+    EXPECT_EQ(refined.reason, "");
+    EXPECT_TRUE(refined.facts.enclosing);
+    EXPECT_FALSE(refined.facts.independent);
+    ASSERT_EQ(refined.spectra.num_rows(), 3);
+    EXPECT_GT(worstCosine(refined.spectra), 0.9995);
+}
+
+TEST_F(RefinedSpectraTest, OfMaterialsInPurePixelsAreThoseOfThePixels)
+{
+    exposeMaterials(20);
+    const RefinedSpectra refined = refine();
+    EXPECT_EQ(refined.reason, "");
+    EXPECT_FALSE(refined.facts.enclosing);
+    EXPECT_FALSE(refined.facts.independent);
+    ASSERT_EQ(refined.spectra.num_rows(), 3);
+    EXPECT_GT(worstCosine(refined.spectra), 0.9995);
 }
 
 TEST_F(RefinedSpectraTest, TheShareThatIsDoneRisesToAll)
