@@ -5,6 +5,7 @@
 #include "XTNT/weighted_concentrations.h"
 #include "XTNT/xtnt_parallel.h"
 
+#include "spectraAngles.h"
 #include "support/Numbers.h"
 
 #include <gtest/gtest.h>
@@ -91,28 +92,6 @@ bool run(const Matrix<double>& data, Matrix<double>& spectra)
     Matrix<double> fit;
     XTNT::constrainedConcentrations(data, spectra, fit);
     return makeIndependent(data, fit, evenNoise(deviation), spectra);
-}
-
-double worstAngle(const Matrix<double>& found, const Matrix<double>& truth)
-{
-    double worst = 0.0;
-    for (long long k = 0; k < truth.num_rows(); ++k) {
-        double ab = 0.0;
-        double aa = 0.0;
-        double bb = 0.0;
-        for (long long b = 0; b < truth.num_cols(); ++b) {
-            ab += found[k][b] * truth[k][b];
-            aa += found[k][b] * found[k][b];
-            bb += truth[k][b] * truth[k][b];
-        }
-        worst = std::max(worst, std::acos(std::min(ab / std::sqrt(aa * bb), 1.0)));
-    }
-    return worst * 180.0 / 3.14159265358979;
-}
-
-bool same(const Matrix<double>& a, const Matrix<double>& b)
-{
-    return std::equal(a.storage.data, a.storage.data + a.storage.n_, b.storage.data);
 }
 
 } // namespace

@@ -11,6 +11,7 @@
 #include <array>
 #include <cmath>
 #include <csignal>
+#include <functional>
 #include <limits>
 #include <random>
 #include <vector>
@@ -89,7 +90,9 @@ protected:
         return shares;
     }
 
-    // Materials that are bright in all of ten images; one pixel in 500 is without a value.
+    static bool hasValue(int nPixel) { return nPixel % 500 != 250; }
+
+    // Materials that are bright in all of ten images; some pixels are without a value.
     void importMixtures() const
     {
         constexpr int bands = 10;
@@ -106,60 +109,55 @@ protected:
                     light += shares[static_cast<std::size_t>(i)][static_cast<std::size_t>(k)] *
                              (0.3 + 0.6 * std::exp(-at * at));
                 }
-                return i % 500 == 250 ? std::numeric_limits<float>::quiet_NaN() : static_cast<float>(light);
+                return hasValue(i) ? static_cast<float>(light) : std::numeric_limits<float>::quiet_NaN();
             });
             ASSERT_TRUE(writeTiff(path(QStringLiteral("in/em%1.tif").arg(500 + 20 * b)), image, {}, &error));
         }
         succeed({"import", path("in"), "seq", "--skip-invalid", "--quiet"});
     }
 
-    // The largest relative error of the maps of the mixtures, each with its best factor.
-    double errorOfMixtures(const QString& strFolder) const
+    // The cosine of source nSource, whose amount in a pixel is told (NaN where it does not count), with the
+    // map of the component in its place.
+    double cosine(const QString& strFolder, int nSource, const std::function<double(int)>& amountOf) const
     {
-        const std::vector<std::array<double, 3>> shares = mixtures();
-        double worst = 0.0;
-        for (int k = 0; k < 3; ++k) {
-            CILImage map;
-            QString error;
-            EXPECT_TRUE(readTiff(path(QStringLiteral("%1/0%2_UMX%2.tif").arg(strFolder).arg(k + 1)), 0, map, &error))
-                << qPrintable(error);
-            double ab = 0.0;
-            double aa = 0.0;
-            double bb = 0.0;
-            for (int i = 0; i < side * side; ++i) {
-                const double a = shares[static_cast<std::size_t>(i)][static_cast<std::size_t>(k)];
-                const double b = map.value(static_cast<std::size_t>(i));
-                if (i % 500 != 250) {
-                    ab += a * b;
-                    aa += a * a;
-                    bb += b * b;
-                }
-            }
-            worst = std::max(worst, std::sqrt(1.0 - ab * ab / (aa * bb)));
-        }
-        return worst;
-    }
-
-    // The lowest correlation of the sources, in their order, with the maps.
-    double agreement(const QString& strFolder) const
-    {
-        double worst = 1.0;
-        for (int k = 0; k < 2; ++k) {
-            CILImage map;
-            QString error;
-            EXPECT_TRUE(readTiff(path(QStringLiteral("%1/0%2_UMX%2.tif").arg(strFolder).arg(k + 1)), 0, map, &error))
-                << qPrintable(error);
-            double ab = 0.0;
-            double aa = 0.0;
-            double bb = 0.0;
-            for (int i = 0; i < side * side; ++i) {
-                const double a = amount(k, i);
-                const double b = map.value(static_cast<std::size_t>(i));
+        CILImage map;
+        QString error;
+        const QString file = QStringLiteral("%1/0%2_UMX%2.tif").arg(strFolder, QString::number(nSource + 1));
+        EXPECT_TRUE(readTiff(path(file), 0, map, &error)) << qPrintable(error);
+        double ab = 0.0;
+        double aa = 0.0;
+        double bb = 0.0;
+        for (int i = 0; i < side * side; ++i) {
+            const double a = amountOf(i);
+            const double b = map.value(static_cast<std::size_t>(i));
+            if (!std::isnan(a)) {
                 ab += a * b;
                 aa += a * a;
                 bb += b * b;
             }
-            worst = std::min(worst, ab / std::sqrt(aa * bb));
+        }
+        return ab / std::sqrt(aa * bb);
+    }
+
+    // The largest relative error of the maps of the mixtures, each with its best factor.
+    double errorOfMixtures(const QString& strFolder) const
+    {
+        const std::vector<std::array<double, 3>> shares = mixtures();
+        double worst = 1.0;
+        for (std::size_t k = 0; k < 3; ++k) {
+            worst = std::min(worst, cosine(strFolder, static_cast<int>(k), [&shares, k](int i) {
+                                 return hasValue(i) ? shares[static_cast<std::size_t>(i)][k] : std::nan("");
+                             }));
+        }
+        return std::sqrt(1.0 - worst * worst);
+    }
+
+    // The lowest cosine of the stains, in their order, with the maps.
+    double agreement(const QString& strFolder) const
+    {
+        double worst = 1.0;
+        for (int k = 0; k < 2; ++k) {
+            worst = std::min(worst, cosine(strFolder, k, [k](int i) { return amount(k, i); }));
         }
         return worst;
     }
