@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """Images as strangers have them, with known truth, unmixed by number alone and compared with other methods.
 
-    accuracy_strangers.py PROGRAM FOLDER [SET ...] [--seed N] [-- OPTION ...]
+    accuracy_strangers.py PROGRAM FOLDER [SET ...] [--seed N] [--count] [-- OPTION ...]
 
 PROGRAM is spum. The sets are made below FOLDER, imported, and unmixed with nothing but the number of components, and
 the OPTIONs; another seed (0 unless told) makes other sets of the same kinds, in folders of their own. The table tells
@@ -14,6 +14,8 @@ know the number too and stop by their own rules: non-negative factorisation by a
 singular vectors (Cichocki & Phan 2009; Boutsidis & Gallopoulos 2008) and from three random ones, by multiplicative
 updates for counts (Lee & Seung 2001), successive projections (Araujo et al. 2001) with a non-negative fit, and
 alternating least squares with clipping from there. They keep their answers in FOLDER. Needs numpy and tifffile.
+
+With --count nothing is unmixed: the table tells how many components `spum pca` counts, beside the truth.
 """
 import itertools
 import json
@@ -537,12 +539,18 @@ def write_images(folder, cube, names, kind):
         tifffile.imwrite(folder / f"{name}.tif", cube[:, :, j].astype(kind))
 
 
-def prepare(place, name, seed=0):
-    """The truth of a set, what its files hold, and the scores of the peers."""
+def make(place, name, seed=0):
+    """The truth of a set, whose images are written where they are not yet."""
     rows, columns, names, maps, spectra, images, kind = SETS[name](
         np.random.default_rng(1 + list(SETS).index(name) + 1000 * seed))
     if not (place / "images").exists():
         write_images(place / "images", images.reshape(rows, columns, -1), names, kind)
+    return rows, columns, names, maps, spectra
+
+
+def prepare(place, name, seed=0):
+    """The truth of a set, what its files hold, and the scores of the peers."""
+    rows, columns, names, maps, spectra = make(place, name, seed)
     held = np.stack([tifffile.imread(place / "images" / f"{n}.tif").astype(float).ravel() for n in names], 1)
     kept = place / "peers.json"
     if not kept.exists():
@@ -556,9 +564,38 @@ def spectra_of(answer_folder, number):
     return np.array([[float(x) for x in row[-number:]] for row in table[1:]]).T
 
 
-def unmix(program, place, number, options):
+def import_images(program, place):
     shutil.rmtree(place / "sequence", ignore_errors=True)
     subprocess.run([program, "import", place / "images", place / "sequence", "--quiet"], check=True)
+
+
+def count(program, place, options):
+    """Components above the noise that `spum pca` tells, at least, and at most; None where it tells none."""
+    import_images(program, place)
+    done = subprocess.run([program, "pca", place / "sequence", "--out", place / "pca", "--force", "--json"] + options,
+                          stdout=subprocess.PIPE, check=True)
+    answer = json.loads(done.stdout)
+    keys = ("componentsAboveNoise", "componentsAboveNoiseLeast", "componentsAboveNoiseMost")
+    return [answer[key] for key in keys] if keys[0] in answer else None
+
+
+def print_counts(program, folder, chosen, seed, options):
+    print("| set | images | components | counted | least | most |\n|---|---|---|---|---|---|")
+    near, exact = 0, 0
+    for name in chosen:
+        place = place_of(folder, name, seed)
+        spectra = make(place, name, seed)[-1]
+        counted = count(program, place, options)
+        cells = counted or ["unknown", "", ""]
+        exact += counted is not None and counted[0] == len(spectra)
+        near += counted is not None and abs(counted[0] - len(spectra)) <= 1
+        print(f"| {name} | {spectra.shape[1]} | {len(spectra)} | " + " | ".join(str(cell) for cell in cells) + " |",
+              flush=True)
+    print(f"\n{exact} of {len(chosen)} exactly, {near} within one")
+
+
+def unmix(program, place, number, options):
+    import_images(program, place)
     done = subprocess.run([program, "unmix", place / "sequence", "--ncomponents", str(number), "--json"] + options,
                           stdout=subprocess.PIPE, check=False)
     if done.returncode != 0:
@@ -567,6 +604,10 @@ def unmix(program, place, number, options):
     folder = place / "sequence" / "unmixed-automatic"
     maps = np.stack([tifffile.imread(folder / component["map"]) for component in answer["components"]])
     return answer, np.nan_to_num(maps.astype(float)).reshape(number, -1), spectra_of(folder, number)
+
+
+def place_of(folder, name, seed):
+    return folder / (f"{name}-{seed}" if seed else name)
 
 
 def main():
@@ -578,12 +619,17 @@ def main():
         at = words.index("--seed")
         seed = int(words[at + 1])
         words = words[:at] + words[at + 2:]
+    only_count = "--count" in words
+    words = [word for word in words if word != "--count"]
     program, folder, chosen = words[0], Path(words[1]), words[2:] or list(SETS)
+    if only_count:
+        print_counts(program, folder, chosen, seed, options)
+        return
     ratios = {}
     print("| set | images | components | error | best peer | ratio | angle | best peer's | warnings |\n"
           "|---|---|---|---|---|---|---|---|---|")
     for name in chosen:
-        place = folder / (f"{name}-{seed}" if seed else name)
+        place = place_of(folder, name, seed)
         _, maps, spectra, _, others = prepare(place, name, seed)
         found = unmix(program, place, len(maps), options)
         if found is None:

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "services/results/ComponentNumber.h"
 
+#include "XTNT/row_product.h"
 #include "XTNT/xtnt_parallel.h"
 #include "XTNT/xtnt_svd.h"
 #include "XTNT/xtnt_vector.h"
@@ -27,10 +28,24 @@ constexpr long long rowsAColumn = 10; // at least
 constexpr double rounding = 1e-7;
 // Quantile of the Tracy-Widom law (of order 1) that one eigenvalue of noise in a thousand passes.
 constexpr double tracyWidom = 3.2724;
-// Beyond the law. What images of a camera have in common besides their sources (a shift of a part of a pixel between
-// filters, a detector that is not quite linear, filtered or compressed images) amounts to a tenth of the noise, and
-// hundreds of thousands of pixels show it. A component with less light than that is none that an unmixing could use.
+// Beyond the law: filtered or compressed images come to a tenth of the noise, and hundreds of thousands of pixels show
+// it. A component with less light than that is none that an unmixing could use.
 constexpr double margin = 0.15;
+// What images of a camera share beside their sources (a shift of a part of a pixel between filters, unlike point
+// spreads and flat fields, a detector that is not quite linear, a source whose spectrum differs from place to place)
+// grows with the light: a few percent of it, at edges and in odd places more. Beyond this part of a pixel's light there
+// is a source, if one pixel in a hundred has so much. Found with simulated scenes; docs/accuracy.md has those it was
+// not found with.
+constexpr double mostShared = 0.15;
+constexpr long long onePixelIn = 100;
+// Such errors fall off gradually, down into the noise. An eigenvalue so many times the next is the end of the sources,
+// unless there was a far steeper fall ahead of it.
+constexpr double abruptly = 12.0;
+constexpr double asAbruptly = 0.3;
+// More than noise, though within the margin, may go on falling: the last eigenvalue then counts against three margins.
+constexpr double marginsBelow = 3.0;
+// A sum of squares of noise passes its bound in one of e^8 = 3000 pixels at most.
+constexpr double exponentOfChance = 8.0;
 // An eigenvalue of 2 has as much signal as noise.
 constexpr double clearly = 2.0;
 constexpr int mostRounds = 60;
@@ -148,6 +163,8 @@ public:
     }
 
     const Values& eigenvalues() const { return m_eigenvalues; }
+    // Those of the whitened moments, a column each.
+    const Matrix<double>& vectors() const { return m_vectors; }
     const Values& noise() const { return m_noise; }
 
 private:
@@ -204,6 +221,13 @@ double edgeOfNoise(long long nRows, long long n)
     return (centre + tracyWidom * width) / static_cast<double>(nRows);
 }
 
+// By how much the sum of nSquares squares of noise of 1 may pass its mean (B. Laurent, P. Massart, Adaptive estimation
+// of a quadratic functional by model selection, Ann. Statist. 28 (2000) 1302).
+double largestChance(int nSquares)
+{
+    return 2.0 * std::sqrt(exponentOfChance * nSquares) + 2.0 * exponentOfChance;
+}
+
 // The data of the estimate, a row scaled each by its light.
 struct ScaledRows
 {
@@ -243,10 +267,83 @@ ScaledRows scaledRows(const Matrix<double>& data, const std::vector<long long>& 
     return scaled;
 }
 
+// For each number of components below nAbove: the rows of which it leaves more than noise and mostShared of the light.
+// Rest and light are sums of squares in the directions of the nAbove components, where noise has a variance of 1.
+std::vector<long long> rowsLeft(const Matrix<double>& rows, const FactorModel& model, int nAbove)
+{
+    if (nAbove < 1) {
+        return {};
+    }
+    Matrix<double> directions(rows.num_cols(), nAbove);
+    for (long long j = 0; j < rows.num_cols(); ++j) {
+        for (int i = 0; i < nAbove; ++i) {
+            directions[j][i] = model.vectors()[j][i] / std::sqrt(model.noise()[at(j)]);
+        }
+    }
+    const Matrix<double> scores = XTNT::multiplyRows(rows, directions);
+    std::vector<long long> left(at(nAbove), 0);
+    Values rest(at(nAbove), 0.0);
+    for (long long p = 0; p < scores.num_rows(); ++p) {
+        double squares = 0.0;
+        for (int i = nAbove - 1; i >= 0; --i) {
+            squares += scores[p][i] * scores[p][i];
+            rest[at(i)] = squares;
+        }
+        const double shared = mostShared * mostShared * (squares - nAbove);
+        for (int i = 0; i < nAbove; ++i) {
+            const double beyond = rest[at(i)] - (nAbove - i);
+            left[at(i)] += beyond > std::max(shared, largestChance(nAbove - i)) ? 1 : 0;
+        }
+    }
+    return left;
+}
+
+// How many of the nAbove components above the noise are sources: behind them the rest is small against the light, or
+// the eigenvalues fall off abruptly, as those of errors do not (R. B. Cattell, The scree test for the number of
+// factors, Multivariate Behav. Res. 1 (1966) 245; by ratios as in S. C. Ahn, A. R. Horenstein, Eigenvalue ratio test
+// for the number of factors, Econometrica 81 (2013) 1203). `dFollowing` stands for the signal behind the last.
+int sourcesAmong(int nAbove, double dFollowing, const Values& eigenvalues, const std::vector<long long>& left,
+                 long long nRows)
+{
+    int sources = std::min(nAbove, 1);
+    // The first is the mean light, much larger than all others: its fall tells nothing.
+    double steepest = 0.0;
+    for (int k = 2; k <= nAbove; ++k) {
+        const double following = k < nAbove ? std::max(eigenvalues[at(k)] - 1.0, margin) : dFollowing;
+        const double fall = (eigenvalues[at(k - 1)] - 1.0) / following;
+        if (left[at(k - 1)] * onePixelIn > nRows) {
+            sources = k;
+            steepest = fall;
+        } else if (fall > std::max(abruptly, asAbruptly * steepest)) {
+            sources = k;
+        }
+        steepest = std::max(steepest, fall);
+    }
+    return sources;
+}
+
 int countAbove(const Values& eigenvalues, double dLimit)
 {
     return static_cast<int>(
         std::count_if(eigenvalues.begin(), eigenvalues.end(), [dLimit](double value) { return value > dLimit; }));
+}
+
+// From a model of the nAbove components above the noise; dEdge is the largest eigenvalue of noise beside them. With
+// bOpen there is no telling what follows.
+void tellNumber(const Matrix<double>& rows, const FactorModel& model, int nAbove, double dEdge, bool bOpen,
+                ComponentNumber* pNumber)
+{
+    const Values& eigenvalues = model.eigenvalues();
+    double following = eigenvalues[at(nAbove)] > dEdge ? marginsBelow * margin : margin;
+    if (bOpen) {
+        following = std::numeric_limits<double>::infinity();
+    }
+    const int sources = sourcesAmong(nAbove, following, eigenvalues, rowsLeft(rows, model, nAbove), rows.num_rows());
+    // One component does not tell whether it is the last source or the first of the rest.
+    pNumber->likely = nAbove - sources > 1 ? sources : nAbove;
+    pNumber->open = bOpen && pNumber->likely == nAbove;
+    pNumber->least = std::min(pNumber->likely, countAbove(eigenvalues, clearly));
+    pNumber->most = bOpen ? static_cast<int>(rows.num_cols()) : std::max(nAbove, countAbove(eigenvalues, dEdge));
 }
 
 // The noise of the data's own images, over all rows by their light: a group's is shared by its images as theirs is.
@@ -330,10 +427,7 @@ ComponentNumber ComponentNumber::of(const Matrix<double>& data, long long mostEl
         model.fit(k);
         const double edge = edgeOfNoise(count, columns - k);
         if (k == limit || !(model.eigenvalues()[at(k)] > edge + margin)) {
-            number.likely = k;
-            number.open = k == limit;
-            number.least = std::min(k, countAbove(model.eigenvalues(), clearly));
-            number.most = k == limit ? static_cast<int>(columns) : std::max(k, countAbove(model.eigenvalues(), edge));
+            tellNumber(scaled.values, model, k, edge, k == limit, &number);
             break;
         }
     }

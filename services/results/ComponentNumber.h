@@ -18,10 +18,16 @@
 // largest eigenvalue that is left is one that noise alone may have (I. M. Johnstone, On the distribution of the largest
 // eigenvalue in principal components analysis, Ann. Statist. 29 (2001) 295; the test in turn as in S. Kritchman, B.
 // Nadler, IEEE Trans. Signal Process. 57 (2009) 3930).
+//
+// Above the noise of real images stand errors, too, that their images share and that grow with the light (a
+// measurement's error has two parts, one that does and one that does not: D. M. Rocke, S. Lorenzato, A two-component
+// model for measurement error in analytical chemistry, Technometrics 37 (1995) 176). Likely are those components
+// without which more than such a part of the light would be left in some of the pixels, or that end abruptly where the
+// errors would fall off gradually; the others only may be there.
 struct ComponentNumber
 {
     int likely = 0; // 0: it cannot be told
-    // Those that stand clearly above the noise, and those that may.
+    // Those that stand clearly above the noise and such errors, and those that may.
     int least = 0;
     int most = 0;
     bool open = false; // as many as the number of images lets tell: there may be more

@@ -315,6 +315,17 @@ TEST_F(ImportProgramTest, RealCellsAreImportedAndUnmixed)
     EXPECT_FALSE(QImage(path("out/overview.png")).isNull());
 }
 
+// The means of 4 x 4 pixels have little noise, and more than the three stains stands above it.
+TEST_F(ImportProgramTest, TheStainsOfRealCellsAreCountedWithinOne)
+{
+    const QString cells = QStringLiteral(ORV_SOURCE_DIR "/tests/images/cells");
+    spum({"import", cells, "cells", "--images", cells + "/images.csv", "--quiet"});
+    const QJsonObject json = succeed({"pca", "cells", "--json"}).json();
+    EXPECT_NEAR(json["componentsAboveNoise"].toInt(), 3, 1);
+    EXPECT_LE(json["componentsAboveNoiseLeast"].toInt(), 3);
+    EXPECT_GE(json["componentsAboveNoiseMost"].toInt(), 5);
+}
+
 // Its bright pixels are those of the images, not those of a body.
 TEST_F(ImportProgramTest, APhotographThatIsTheMeanOfTheImagesCutsOutNoMask)
 {
