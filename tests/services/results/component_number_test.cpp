@@ -40,14 +40,16 @@ struct Spot
     // Of an image that is shifted by (dx, dy).
     double lightAt(int i, double dx, double dy) const
     {
-        return std::exp(-0.5 * (std::pow(i % side - x - dx, 2) + std::pow(i / side - y - dy, 2)) / (radius * radius));
+        const int row = i / side;
+        return std::exp(-0.5 * (std::pow(i % side - x - dx, 2) + std::pow(row - y - dy, 2)) / (radius * radius));
     }
 };
 
 // Waves over the image and over the bands, between -1 and 1.
 double waveAt(int i, int j, double phase)
 {
-    return std::sin(0.35 * (i % side) + phase) * std::cos(0.29 * i / side) * std::sin(0.9 * j + phase);
+    const int row = i / side;
+    return std::sin(0.35 * (i % side) + phase) * std::cos(0.29 * row) * std::sin(0.9 * j + phase);
 }
 
 // Round spots of light with bell-shaped spectra side by side, the first everywhere; negative values are cut as in a
@@ -66,6 +68,7 @@ Matrix<double> dataOf(const Scene& scene)
         const double centre = scene.images * (k + 0.5) / scene.components;
         const double width = std::max(1.0, 0.1 * scene.images) * (0.8 + 0.4 * even(random));
         std::vector<double> spectrum;
+        spectrum.reserve(static_cast<std::size_t>(scene.images));
         for (int j = 0; j < scene.images; ++j) {
             spectrum.push_back(0.05 + std::exp(-0.5 * std::pow((j - centre) / width, 2)));
         }
