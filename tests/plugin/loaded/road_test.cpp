@@ -125,7 +125,12 @@ TEST_F(RoadTest, TheHostIsLockedForTheTimeOfTheRun)
         order << QString("%1 %2").arg(bBack ? "unlock" : "lock").arg(m_pPalette->isEnabled() ? "on" : "off");
     });
     unmixAutomatically();
-    EXPECT_EQ(order, (QStringList{"lock off", "unlock on"}));
+    // For the time of the look at the result once more, where that takes long.
+    ASSERT_FALSE(order.isEmpty());
+    EXPECT_EQ(order.size() % 2, 0);
+    for (int i = 0; i < order.size(); ++i) {
+        EXPECT_EQ(order[i], i % 2 == 0 ? "lock off" : "unlock on") << i;
+    }
 }
 
 TEST_F(RoadTest, EveryKindOfSequenceGoesTheRoad)
