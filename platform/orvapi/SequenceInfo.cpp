@@ -101,16 +101,18 @@ void readFolders(const CPLClickInfo& sections, Reader& reader, SequenceInfo* pIn
             continue;
         }
         const QString folder = values.at(i).trimmed();
-        const QString clean = QDir::cleanPath(folder);
+        // Once more, or a name that a slash and no blank ends would be read as another than is written of it.
+        const QString clean = QDir::cleanPath(folder).trimmed();
+        const bool below = staysBelow(folder) && staysBelow(clean);
         if (pInfo->folders.size() >= maxDatasets) {
             reader.warn(kDatasets, kDataset, folder,
                         "is beyond the number of datasets that a sequence can have; the rest is left out");
             return;
         }
-        if (staysBelow(folder) && seen.contains(clean)) {
+        if (below && seen.contains(clean)) {
             ++pInfo->refusedFolders;
             reader.warn(kDatasets, kDataset, folder, "was listed before");
-        } else if (staysBelow(folder)) {
+        } else if (below) {
             pInfo->folders.append(clean);
             seen.insert(clean);
         } else {

@@ -52,6 +52,18 @@ RC_GTEST_PROP(SequenceInfoLaw, WhatIsWrittenReadsBack, ())
     RC_ASSERT(read.announcedCount == std::optional<int>(info.folders.size()));
 }
 
+TEST(SequenceInfoTest, ABlankAheadOfALastSlashIsNoPartOfAFoldersName)
+{
+    CPLClickInfo sections;
+    QStringList warnings;
+    ASSERT_EQ(
+        sections.parse("[Sequence]\nKind: spectral\n[Datasets]\nDataset: a /\nDataset: .. /\n", "file", &warnings), 0);
+    SequenceInfo info;
+    ASSERT_TRUE(readSequenceInfo(sections, "file", &info, warnings));
+    EXPECT_EQ(info.folders, QStringList("a"));
+    EXPECT_EQ(info.refusedFolders, 1);
+}
+
 TEST(SequenceInfoTest, FileWithoutTheSectionDescribesNoSequence)
 {
     SequenceInfo info;
