@@ -101,7 +101,7 @@ void readFolders(const CPLClickInfo& sections, Reader& reader, SequenceInfo* pIn
             continue;
         }
         const QString folder = values.at(i).trimmed();
-        // Once more, or a name that a slash and no blank ends would be read as another than is written of it.
+        // Without its slash "a /" ends in a blank, which the next reading of what is written of it would take off.
         const QString clean = QDir::cleanPath(folder).trimmed();
         const bool below = staysBelow(folder) && staysBelow(clean);
         if (pInfo->folders.size() >= maxDatasets) {
