@@ -2,11 +2,11 @@
 #include "algorithms/purestSpectra.h"
 
 #include "support/Numbers.h"
+#include "support/cosine.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cmath>
 #include <limits>
 #include <random>
 
@@ -49,15 +49,7 @@ Matrix<double> mixtures(long long pixels, double dNoise)
 
 double cosine(const double* a, const double* b)
 {
-    double ab = 0.0;
-    double aa = 0.0;
-    double bb = 0.0;
-    for (long long j = 0; j < bands; ++j) {
-        ab += a[j] * b[j];
-        aa += a[j] * a[j];
-        bb += b[j] * b[j];
-    }
-    return ab / std::sqrt(aa * bb);
+    return testsupport::cosine(a, b, bands);
 }
 
 // The least of the cosines of the true spectra with the nearest found ones.

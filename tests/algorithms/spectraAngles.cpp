@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "spectraAngles.h"
 
+#include "support/cosine.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -8,15 +10,8 @@ double worstAngle(const XTNT::Matrix<double>& found, const XTNT::Matrix<double>&
 {
     double worst = 0.0;
     for (long long k = 0; k < truth.num_rows(); ++k) {
-        double ab = 0.0;
-        double aa = 0.0;
-        double bb = 0.0;
-        for (long long b = 0; b < truth.num_cols(); ++b) {
-            ab += found[k][b] * truth[k][b];
-            aa += found[k][b] * found[k][b];
-            bb += truth[k][b] * truth[k][b];
-        }
-        worst = std::max(worst, std::acos(std::min(ab / std::sqrt(aa * bb), 1.0)));
+        const double cosine = testsupport::cosine(found[k], truth[k], truth.num_cols());
+        worst = std::max(worst, std::acos(std::min(cosine, 1.0)));
     }
     return worst * 180.0 / 3.14159265358979;
 }

@@ -7,6 +7,8 @@
 #include "services/results/keptWarnings.h"
 #include "spectra/SpectrumPlotParams.h"
 
+#include "support/cosine.h"
+
 #include <QFile>
 #include <QPushButton>
 #include <QSignalSpy>
@@ -15,7 +17,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 
 using namespace workarea;
 
@@ -83,16 +84,8 @@ protected:
     {
         double worst = 1.0;
         for (std::size_t k = 0; k < stains.size(); ++k) {
-            const double* spectrum = engine().m_spectra[static_cast<long long>(k)];
-            double ab = 0.0;
-            double aa = 0.0;
-            double bb = 0.0;
-            for (std::size_t b = 0; b < images; ++b) {
-                ab += spectrum[b] * stains[k][b];
-                aa += spectrum[b] * spectrum[b];
-                bb += stains[k][b] * stains[k][b];
-            }
-            worst = std::min(worst, ab / std::sqrt(aa * bb));
+            worst = std::min(
+                worst, testsupport::cosine(engine().m_spectra[static_cast<long long>(k)], stains[k].data(), images));
         }
         return worst;
     }

@@ -8,13 +8,14 @@
 
 #include "XTNT/xtnt_parallel.h"
 
+#include "support/cosine.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <limits>
-#include <numeric>
 #include <random>
 #include <vector>
 
@@ -63,6 +64,16 @@ protected:
         m_engine.m_cube.m_data = data;
     }
 
+    // The first stain alone, without noise.
+    void exposeOneStain()
+    {
+        for (long long p = 0; p < side * side; ++p) {
+            for (std::size_t b = 0; b < images; ++b) {
+                m_engine.m_cube.m_data[p][b] = 400.0 * amount(0, p) * stains[0][b];
+            }
+        }
+    }
+
     // Three materials that are bright in all of ten images, as parts of a whole; none has more of a pixel than four
     // fifths, but in one pixel of so many, which it has for its own.
     void exposeMaterials(long long nPure)
@@ -103,12 +114,7 @@ protected:
     {
         double worst = 1.0;
         for (long long k = 0; k < found.num_rows(); ++k) {
-            const double* truth = m_engine.m_spectra[k];
-            const double* end = found[k] + found.num_cols();
-            const double ab = std::inner_product(found[k], end, truth, 0.0);
-            const double aa = std::inner_product(found[k], end, found[k], 0.0);
-            const double bb = std::inner_product(truth, truth + found.num_cols(), truth, 0.0);
-            worst = std::min(worst, ab / std::sqrt(aa * bb));
+            worst = std::min(worst, testsupport::cosine(found[k], m_engine.m_spectra[k], found.num_cols()));
         }
         return worst;
     }
@@ -120,15 +126,7 @@ protected:
 
     static double cosine(const double* spectrum, std::size_t nSource)
     {
-        double ab = 0.0;
-        double aa = 0.0;
-        double bb = 0.0;
-        for (std::size_t b = 0; b < images; ++b) {
-            ab += spectrum[b] * stains[nSource][b];
-            aa += spectrum[b] * spectrum[b];
-            bb += stains[nSource][b] * stains[nSource][b];
-        }
-        return ab / std::sqrt(aa * bb);
+        return testsupport::cosine(spectrum, stains[nSource].data(), images);
     }
 
     CORVSequenceDataset m_sequence;
@@ -174,11 +172,7 @@ TEST_F(RefinedSpectraTest, AnOffsetIsToldWhereItIsTakenOffAlone)
 TEST_F(RefinedSpectraTest, OfOneSourceIsThatOfTheImages)
 {
     m_engine.m_spectra = XTNT::Matrix<double>(1, images, 1.0);
-    for (long long p = 0; p < side * side; ++p) {
-        for (std::size_t b = 0; b < images; ++b) {
-            m_engine.m_cube.m_data[p][b] = 400.0 * amount(0, p) * stains[0][b];
-        }
-    }
+    exposeOneStain();
     const RefinedSpectra refined = refine();
     EXPECT_EQ(refined.reason, "");
     ASSERT_EQ(refined.spectra.num_rows(), 1);
@@ -187,11 +181,7 @@ TEST_F(RefinedSpectraTest, OfOneSourceIsThatOfTheImages)
 
 TEST_F(RefinedSpectraTest, ImagesOfOneSourceHaveNoSecondOne)
 {
-    for (long long p = 0; p < side * side; ++p) {
-        for (std::size_t b = 0; b < images; ++b) {
-            m_engine.m_cube.m_data[p][b] = 400.0 * amount(0, p) * stains[0][b];
-        }
-    }
+    exposeOneStain();
     EXPECT_NE(refine().reason, "");
 }
 
