@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Every kind of source through the dialog, from what is shown of it to the pixels of the sequence.
 #include "ImportDialogFixture.h"
+#include "ScriptedResponder.h"
 
 #include "platform/orvimage/TiffStackWriter.h"
 
@@ -104,6 +105,26 @@ TEST_F(ImportSourcesTest, OfAStackInDepthAPlaneOrWhatIsMadeOfAllIsChosenInTheDia
     choose("m_pDepthBox", "largest of all");
     EXPECT_EQ(m_pDialog->table().text(1, ImportTable::Image), "deep.ome.tif max of the pages 4, 5, 6");
     look::keep(*m_pDialog, "import_depth_projected");
+    import();
+    CORVSequenceDataset sequence;
+    openSequence(sequence);
+    ASSERT_EQ(sequence.getDatasets().size(), 2);
+    EXPECT_EQ(pixel(sequence, 0, 3, 2), 435.0);
+    EXPECT_EQ(pixel(sequence, 1, 3, 2), 935.0);
+}
+
+TEST_F(ImportSourcesTest, ATableOfTheUsersOwnNamesThePlanesItself)
+{
+    const QString name = writeOme("deep.ome.tif", R"(DimensionOrder="XYZCT" SizeC="2" SizeZ="2" SizeT="1")",
+                                  kTwoChannels, {100, 400, 200, 900});
+    open({name});
+    auto& depth = child<QComboBox>("m_pDepthBox");
+    EXPECT_TRUE(depth.isEnabled());
+    ScriptedResponder files;
+    files.m_file = writeFile("mine.csv", "file,page,emission\ndeep.ome.tif,2,500\ndeep.ome.tif,4,600\n");
+    child<QPushButton>("m_pTableButton").click();
+    EXPECT_EQ(m_pDialog->table().count(), 2);
+    EXPECT_FALSE(depth.isEnabled()) << "it would tell nothing";
     import();
     CORVSequenceDataset sequence;
     openSequence(sequence);
